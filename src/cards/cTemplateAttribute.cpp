@@ -1,0 +1,92 @@
+#include "cards/cTemplateAttribute.h"
+
+#include "frame/Reading.h"
+
+namespace OXClass {
+namespace {
+
+/// A full-view measure, or the preview's where that is 0 or null.
+double Measure(const Ref<Recordset>& rs, std::string_view fullView, std::string_view preview) {
+    const double measure = Nz<double>(rs, fullView);
+    return measure != 0 ? measure : Nz<double>(rs, preview);
+}
+
+}  // namespace
+
+void cTemplateAttribute::ReadRow(const Ref<Recordset>& rs) {
+    constexpr float usualProportions = 0.7F;
+    TAComments = Joined(rs, "TAComments");
+    TAHeight = Measure(rs, "TAFullViewHeight", "TAPreviewHeight");
+    TAPosX = Measure(rs, "TAFullViewPosX", "TAPreviewPosX");
+    TAPosY = Measure(rs, "TAFullViewPosY", "TAPreviewPosY");
+    TAWidth = Measure(rs, "TAFullviewWidth", "TAPreviewWidth");
+    TARotation = Direct<Long>(rs, "TARotation");
+    TASequence = Direct<Long>(rs, "TASequence");
+    ID = Direct<Long>(rs, "TemplateImageId");
+    TCID = Direct<Long>(rs, "TemplateID");
+    TANumberInTemplate = CLng(HeadNumber(rs, "TANumberInTemplate"));
+    if (TANumberInTemplate == 0) TANumberInTemplate = TASequence;
+    TAProportions = CSng(Val(Replace("0" + Joined(rs, "TAProportions"), ",", ".")));
+    if (TAProportions == 0) TAProportions = usualProportions;
+    AIID = CLng(HeadNumber(rs, "TATGId"));
+    TAADName = Direct<String>(rs, "TAGroupName");
+}
+
+String cTemplateAttribute::InsertStatement() const {
+    return sql("INSERT INTO TemplateAttribute_T ", "(TemplateId, TAFullViewWidth, TAFullViewHeight, ",
+               "TAFullViewPosX, TAFullViewPosY, ", "TARotation, ",
+               "TASequence, TAComments, TAGroupname, TANumberInTemplate, TAProportions, TATGid, TAImagePath) ",
+               "VALUES (", TCID, ", ", Decimal(TAWidth), ", ", Decimal(TAHeight), ", ", Decimal(TAPosX), ", ",
+               Decimal(TAPosY), ", ", TARotation, ", ", TASequence, ", '", FixSqlString(TAComments), "', '",
+               FixSqlString(TAADName), "', ", TANumberInTemplate, ", ", Decimal(TAProportions), ", ", AIID, ", '",
+               FixSqlString(TAImagepath), "'", ");");
+}
+
+String cTemplateAttribute::UpdateStatement() const {
+    return sql("UPDATE TemplateAttribute_T ", "SET ", "TemplateID = ", TCID, ", ", "TAFullviewWidth = ",
+               Decimal(TAWidth), ", ", "TAFullViewHeight = ", Decimal(TAHeight), ", ", "TAFullViewPosX = ",
+               Decimal(TAPosX), ", ", "TAFullViewPosY = ", Decimal(TAPosY), ", ", "TARotation = ", TARotation, ", ",
+               "TASequence = ", TASequence, ", ", "TAGroupName = '", FixSqlString(TAADName), "', ", "TAComments = '",
+               FixSqlString(TAComments), "', ", "TAProportions = ", Decimal(TAProportions), ", ",
+               "TANumberInTemplate = ", TANumberInTemplate, ", ", "TATGId =", AIID, ", ", "TAImagePath ='",
+               FixSqlString(TAImagepath), "'", " WHERE TemplateImageId = ", AIID, ";");
+}
+
+bool cTemplateAttribute::Save(const Ref<Connection>& Con) {
+    if (ID != 0) {
+        Con->Execute(UpdateStatement());
+        return true;
+    }
+    Con->Execute(InsertStatement());
+    const Ref<Recordset> key =
+        OpenPlain(Con, sql("SELECT Max(TemplateImageID) AS Max_ID FROM TemplateAttribute_T ", "WHERE TemplateId = ",
+                           TCID, " AND TASequence = ", TASequence, ";"));
+    ID = CLng(key->Fields(0).Value());
+    key->Close();
+    return true;
+}
+
+const Interface& cTemplateAttribute::Describe() const {
+    using Self = cTemplateAttribute;
+    static const Interface self = InterfaceOf<Self>({
+        Property<&Self::TANumberInTemplate>("TANumberInTemplate"),
+        Property<&Self::TAHeight>("TAHeight"),
+        Property<&Self::TAWidth>("TAWidth"),
+        Property<&Self::TAPosY>("TAPosY"),
+        Property<&Self::TAPosX>("TAPosX"),
+        Property<&Self::TARotation>("TARotation"),
+        Property<&Self::TASequence>("TASequence"),
+        Property<&Self::AIID>("AIID"),
+        Property<&Self::TCID>("TCID"),
+        Property<&Self::ID>("ID"),
+        Operation<&Self::Save>("Save", {"Con"}),
+        Property<&Self::TAADName>("TAADName"),
+        Property<&Self::TAAnatomicRegion>("TAAnatomicRegion"),
+        Property<&Self::TAImagepath>("TAImagepath"),
+        Property<&Self::TAComments>("TAComments"),
+        Property<&Self::TAProportions>("TAProportions"),
+    });
+    return self;
+}
+
+}  // namespace OXClass

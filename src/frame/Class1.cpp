@@ -1,0 +1,105 @@
+#include "frame/Class1.h"
+
+#include "frame/Reading.h"
+
+namespace OXClass {
+
+Variant Class1::GetRoots(Ref<Connection> Con) {
+    if (!Con) return {};
+    const Ref<Recordset> rs =
+        OpenClient(Con, "SELECT * FROM Root_T ORDER BY RootID;", ADODB::adCmdUnspecified);
+    const Long count = rs->RecordCount();
+    if (count == 0) Raise(err::OutOfBounds);
+    std::vector<String> roots(static_cast<std::size_t>(count));
+    for (Integer next = 1; !rs->Eof(); rs->MoveNext()) {
+        const bool active = Direct<Variant>(rs, "Status") != Variant(Null{}) && CDbl(Direct<Variant>(rs, "Status")) != 0;
+        if (active) {
+            roots[0] = Direct<String>(rs, "RootDirectory");
+            ActiveRootID = Direct<Long>(rs, "RootID");
+        } else {
+            if (next >= count) Raise(err::OutOfBounds);
+            roots[static_cast<std::size_t>(next++)] = Direct<String>(rs, "RootDirectory");
+        }
+    }
+    return roots;
+}
+
+String Class1::GetSubFolder(Long PatID) {
+    constexpr Long patientsAFolder = 500;
+    Long n = patientsAFolder;
+    while (PatID >= n)
+        if (__builtin_add_overflow(n, patientsAFolder, &n)) Raise(err::Overflow);
+    return CStr(n - patientsAFolder) + "_";
+}
+
+void Class1::SaveGLSetting(Ref<Connection> Con, const gGlobalListIDs& GLId, const String& sSetting,
+                           const bool& bReplace) {
+    const Ref<cGlobalList> setting = New<cGlobalList>();
+    setting->ListText = sSetting;
+    setting->ListID = GLId;
+    if (bReplace) {
+        const Ref<cGlobalLists> earlier = New<cGlobalLists>();
+        earlier->GetAllGLs(Con, GLId);
+        earlier->DeleteAll(Con);
+    }
+    setting->Save(Con);
+}
+
+bool Class1::GetGLSetting(Ref<Connection> Con, const gGlobalListIDs& GLId, String& sFirstSetting,
+                          Ref<cGlobalLists>& cAllGLs) {
+    const Ref<cGlobalLists> list = New<cGlobalLists>();
+    list->GetAllGLs(Con, GLId);
+    cAllGLs = list;
+    if (list->Count() < 1) {
+        sFirstSetting = GLId == gglID_DicomRootUID ? "1.2.840.990731.3.6" : "";
+        return false;
+    }
+    sFirstSetting = list->Item(1)->ListText;
+    return true;
+}
+
+String Class1::GetRootOnID(Ref<Connection> Con, const Long& RootId) {
+    if (!Con) return {};
+    const auto entry = static_cast<std::size_t>(std::max<Long>(RootId, 0));
+    if (roots_.size() <= entry) roots_.resize(entry + 1);
+    const Ref<Recordset> rs =
+        OpenClient(Con, RootId != 0 ? sql("SELECT * FROM Root_T WHERE RootID=", RootId, ";")
+                                    : sql("SELECT * FROM Root_T WHERE Status <> 0;"),
+                   ADODB::adCmdUnspecified);
+    if (rs->Eof()) return {};
+    const String directory = Direct<String>(rs, "RootDirectory");
+    if (RootId < 0) Raise(err::OutOfBounds);
+    return roots_[entry] = directory;
+}
+
+String Class1::GetCachedRootOnID(Ref<Connection> Con, const Long& RootId, const bool& bFlushCache) {
+    if (bFlushCache) roots_.assign(1, {});
+    if (RootId < 0) Raise(err::OutOfBounds);
+    const auto entry = static_cast<std::size_t>(RootId);
+    if (entry < roots_.size() && !roots_[entry].empty()) return roots_[entry];
+    return GetRootOnID(Con, RootId);
+}
+
+String Class1::GetInstanceUID(Ref<Connection> Con) {
+    if (sDicomRootUID.empty()) {
+        Ref<cGlobalLists> list;
+        GetGLSetting(Con, gglID_DicomRootUID, sDicomRootUID, list);
+    }
+    return MakeUIDSuffix();
+}
+
+const Interface& Class1::Describe() const {
+    static const Interface self = InterfaceOf<Class1>({
+        Property<&Class1::ActiveRootID>("ActiveRootID"),
+        Operation<&Class1::GetRoots>("GetRoots", {"Con"}),
+        Operation<&Class1::GetSubFolder>("GetSubFolder", {"PatID"}),
+        Operation<&Class1::SaveGLSetting>("SaveGLSetting", {"Con", "GLId", "sSetting", "bReplace"}),
+        Operation<&Class1::GetGLSetting>("GetGLSetting", {"Con", "GLId", "sFirstSetting", Optional("cAllGLs")}),
+        Operation<&Class1::GetRootOnID>("GetRootOnID", {"Con", "RootId"}),
+        Operation<&Class1::GetCachedRootOnID>("GetCachedRootOnID", {"Con", "RootId", "bFlushCache"}),
+        Operation<&Class1::GetInstanceUID>("GetInstanceUID", {"Con"}),
+    });
+    return self;
+}
+
+}  // namespace OXClass

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "frame/Failures.h"
+#include "frame/Statement.h"
+
+/// How all classes read: the modes in which they open a statement, and the forms in which they take a
+/// column.
+namespace OXClass {
+
+/// Opens the plain read, forward-only and read-only, with the rows kept where the connection keeps them.
+Ref<Recordset> OpenPlain(const Ref<Connection>& con, const String& statement, Long options = ADODB::adCmdText);
+
+/// The same with a client cursor, so that the rows are counted and the connection isn't needed to read
+/// them.
+Ref<Recordset> OpenClient(const Ref<Connection>& con, const String& statement, Long options = ADODB::adCmdText);
+
+/// Opens one row to change it or to add one: client cursor, keyset, optimistic locks.
+Ref<Recordset> OpenUpdatable(const Ref<Connection>& con, const String& statement);
+
+/// A column as it stands. Raises 94 for a null (unless `T` is `Variant`), 13 and 6 for a value that the
+/// member can't take, 3265 for a missing column; so do the two below, nulls excepted.
+template <class T>
+T Direct(const Ref<Recordset>& rs, std::string_view column) {
+    return To<T>(rs->Fields(column).Value());
+}
+
+/// A column as text, a null as the empty text.
+inline String Joined(const Ref<Recordset>& rs, std::string_view column) {
+    Variant value = rs->Fields(column).Value();
+    return value.Is<Null>() ? String() : To<String>(std::move(value));
+}
+
+/// A column through `NzValue`: a null or a blank as 0.
+template <class T>
+T Nz(const Ref<Recordset>& rs, std::string_view column) {
+    return To<T>(NzValue(rs->Fields(column).Value()));
+}
+
+/// A column as a whole number, `otherwise` for a null.
+inline Long OrElse(const Ref<Recordset>& rs, std::string_view column, Long otherwise) {
+    const Variant value = rs->Fields(column).Value();
+    return value.Is<Null>() ? otherwise : CLng(value);
+}
+
+/// A value as a date of whole seconds; what is no date raises 13, a null too.
+inline Date WholeSeconds(const Variant& value) { return CDate(Format(value, "yyyy-mm-dd hh:nn:ss")); }
+
+/// The number at the head of a column's text with a "0" in front: 0 for a null, and for a negative
+/// value, whose sign ends the number.
+inline double HeadNumber(const Ref<Recordset>& rs, std::string_view column) {
+    return Val("0" + Joined(rs, column));
+}
+
+}  // namespace OXClass

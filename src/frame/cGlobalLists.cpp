@@ -1,0 +1,78 @@
+#include "frame/cGlobalLists.h"
+
+#include "frame/Reading.h"
+
+namespace OXClass {
+namespace {
+
+/// Waits until the clock has gone on by a second, with the program's messages handled in between.
+void WaitASecond() {
+    constexpr double step = 0.01;
+    const float noted = Timer();
+    while (Timer() < noted + 1.0F) {
+        DoEvents();
+        Sleep(step);
+    }
+}
+
+Ref<Recordset> OpenWhenTableIsThere(const Ref<Connection>& con, const String& statement) {
+    constexpr Integer mostRetries = 10;
+    for (Integer retries = 0;; ++retries) {
+        try {
+            return OpenClient(con, statement);
+        } catch (const Error& failure) {
+            if (failure.Number != ADODB::NoTable || retries == mostRetries) throw;
+        }
+        WaitASecond();
+    }
+}
+
+}  // namespace
+
+Long cGlobalLists::GetAllGLs(Ref<Connection> sConn, const gGlobalListIDs& ListID) {
+    const Ref<Recordset> rs =
+        OpenWhenTableIsThere(sConn, sql("SELECT * FROM GlobalList_T WHERE ListID=", ListID, ";"));
+    Clear();
+    for (; !rs->Eof(); rs->MoveNext()) {
+        const Ref<cGlobalList> row = New<cGlobalList>();
+        row->GlobalListID = Direct<Long>(rs, "GlobalListID");
+        row->ListID = Direct<gGlobalListIDs>(rs, "ListID");
+        row->ListText = Joined(rs, "ListText");
+        row->GLSaved = true;
+        AddMember(row, "K" + CStr(row->GlobalListID));
+    }
+    return Count();
+}
+
+Ref<cGlobalList> cGlobalLists::Add(const String& sKey) {
+    return AddMember(New<cGlobalList>(), sKey, Count() == 0 ? Variant() : Variant(Long{1}));
+}
+
+void cGlobalLists::DeleteAllOnListID(Ref<Connection> cnconn, const gGlobalListIDs& lID) {
+    cnconn->Execute(sql("DELETE FROM globalList_T WHERE ListID = ", lID, ";"));
+}
+
+void cGlobalLists::DeleteAll(Ref<Connection> cnconn) {
+    if (Count() == 0) return;
+    String statement = "DELETE FROM GlobalList_T WHERE ";
+    for (const cGlobalList& row : *this) statement += sql("GlobalListID=", row.GlobalListID, " OR ");
+    statement.resize(statement.size() - 4);
+    cnconn->Execute(statement + ";");
+    for (Integer position = CInt(Count()); position >= 1; --position) Remove(position);
+}
+
+const Interface& cGlobalLists::Describe() const {
+    static const Interface self = InterfaceOf<cGlobalLists>({
+        Operation<&cGlobalLists::GetAllGLs>("GetAllGLs", {"sConn", "ListID"}),
+        Operation<&cGlobalLists::Add>("Add", {Optional("sKey")}),
+        ReadOnly<&cGlobalLists::Item>("Item", {"vntIndexKey"}),
+        ReadOnly<&cGlobalLists::Count>("Count"),
+        Operation<&cGlobalLists::Remove>("Remove", {"vntIndexKey"}),
+        ReadOnly<&cGlobalLists::NewEnum>("NewEnum", {}, EnumeratorMember),
+        Operation<&cGlobalLists::DeleteAllOnListID>("DeleteAllOnListID", {"cnconn", "lID"}),
+        Operation<&cGlobalLists::DeleteAll>("DeleteAll", {"cnconn"}),
+    });
+    return self;
+}
+
+}  // namespace OXClass

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "platform/adodb/Recordset.h"
+
+/// What all classes share besides the statements: escaping, the null-safe read, the module data of a
+/// thread. No client can reach it.
+namespace OXClass {
+
+using namespace Platform;
+using ADODB::Connection;
+using ADODB::Recordset;
+
+/// True makes `FixSqlString` double backslashes, for an engine that takes them for escapes. One flag a
+/// thread, false, and nothing in the library sets it.
+extern thread_local bool bEscapeBackslash;
+
+/// The root of the thread's DICOM identifiers; empty until `Class1::GetInstanceUID` has read it.
+extern thread_local String sDicomRootUID;
+
+/// A text that may stand between single quotes in a statement. Made by `FixSqlString` alone.
+class Escaped {
+public:
+    const String& Text() const noexcept { return text_; }
+    operator const String&() const noexcept { return text_; }
+
+private:
+    friend Escaped FixSqlString(std::string_view);
+    friend Escaped UCase(const Escaped&);
+    explicit Escaped(String text) : text_(std::move(text)) {}
+    String text_;
+};
+
+/// The text with each single quote doubled, and each backslash where `bEscapeBackslash` is true. The
+/// caller writes the enclosing quotes.
+Escaped FixSqlString(std::string_view s);
+
+/// Upper case leaves an escaped text escaped.
+using Platform::UCase;
+Escaped UCase(const Escaped& text);
+
+/// A value for a caller that can't take a null: the 16-bit 0 for a null, an empty value, a text of
+/// blanks, and anything that has no text; every other value as it is, its type unchanged. Never raises.
+Variant NzValue(Variant v);
+
+/// A whole DICOM identifier under `sDicomRootUID`: the root, a dot and 41 digits made of the clock, the
+/// tick counter and random numbers. At most 64 characters: a long root costs digits at the suffix's
+/// front. Raises 5 for a root of 64 characters or more, which leaves no room.
+String MakeUIDSuffix();
+
+/// The upper or the lower 16 bits of `v` in decimal, with zeros in front up to `width` characters.
+String HighWordText(Long v, Integer width);
+String LowWordText(Long v, Integer width);
+
+}  // namespace OXClass

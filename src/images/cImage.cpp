@@ -1,0 +1,177 @@
+#include "images/cImage.h"
+
+#include "frame/Reading.h"
+
+namespace OXClass {
+namespace {
+
+bool Flag(const Variant& value) { return CInt(value) != 0; }
+
+}  // namespace
+
+const Ref<cComments>& cImage::Comments() {
+    if (!comments_) comments_ = New<cComments>();
+    return comments_;
+}
+
+bool cImage::GetImage(const Ref<Connection>& Con, Long ImageBildID) {
+    try {
+        const Ref<Recordset> rs = OpenClient(
+            Con,
+            sql("SELECT ", "ImageBildID, ToothCollectionID, PatientID, ",
+                "DateCaptured_SD, Comments_NVC, StandCollName_NVC, ",
+                "ComputedDPI_INT, HardwareSourceId_INT, HardwareSourcetxt_NVC, ",
+                "ImageBild_T.RootId, GraphicURL_NVC, Invert_BT, StretchIntens_BT, ",
+                "Rotation_INT, Contrast_INT, Brightness_INT, Histogram_BT, ",
+                "ExposureTime_F, HorizMirror_BT, VerticalMirror_BT, CRC, ",
+                "Responsible_Person_NVC, Approved, ImageType, MirrRotStatus, ",
+                "DPIY_INT, DPIX_INT, Voltage_INT, Current_INT, ",
+                "Capture_Person_NVC, Pregnant_BT, XRaySource_NVC, PrevXrayDate_DT, Dosage_INT, ",
+                "Root_T.Status, Root_T.RootDirectory, Study_ID, Series_ID, SOPInstanceUID_NVC, "
+                "ImageNumberInSeries, DicomStatus_INT ,FrameNumber_INT,AnatomicRegion, ",
+                "DCMDerived_BT, Laterality, AnaRegion, AnaRegionMod, PriStructure, SubType_INT, Gamma_INT ",
+                "FROM ImageBild_T ", "LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId ",
+                "Where ImageBildID = ", ImageBildID, ";"));
+        rs->SetActiveConnection(nullptr);
+        const bool found = !rs->Eof();
+        if (found) GetFromRecord(rs);
+        rs->Close();
+        return found;
+    } catch (const Error& failure) {
+        if (failure.Number == ADODB::UnknownName) return false;
+        throw;
+    }
+}
+
+void cImage::GetFromRecord(const Ref<Recordset>& rs) {
+    // The read of "RootId" in place of "ImageBild_T.RootId" is the one failure that the caller learns of.
+    bool repairing = false;
+    try {
+        ReadColumns(rs, repairing);
+    } catch (const Error&) {
+        if (repairing) throw;
+    }
+}
+
+void cImage::ReadColumns(const Ref<Recordset>& rs, bool& repairing) {
+    Approved = Flag(NzValue(rs->Fields("Approved").Value()));
+    ApprBrightness = Direct<Long>(rs, "Brightness_INT");
+    ApprContrast = Direct<Long>(rs, "Contrast_INT");
+    dateTime = Direct<Date>(rs, "DateCaptured_SD");
+    ExposureTime_ms = OrElse(rs, "ExposureTime_F", 0);
+    URL = Joined(rs, "GraphicURL_NVC");
+    HWSourceTxt = Joined(rs, "HardwareSourcetxt_NVC");
+    ID = Direct<Long>(rs, "ImageBildID");
+    ImageType = Direct<xigImageTypes>(rs, "ImageType");
+    ApprInvert = Flag(rs->Fields("Invert_BT").Value());
+    PatID = Direct<Long>(rs, "PatientID");
+    RespPerson = Joined(rs, "Responsible_Person_NVC");
+    constexpr std::string_view ofImage = "ImageBild_T.RootId";
+    repairing = !rs->HasField(ofImage);
+    RootId = Direct<Long>(rs, repairing ? "RootId" : ofImage);
+    repairing = false;
+    rs->Fields("Status");
+    const Variant directory = rs->Fields("RootDirectory").Value();
+    if (!directory.Is<Null>()) Root_RootDirectory = CStr(directory);
+    AnaRegion = Joined(rs, "AnaRegion");
+    AnaRegionMod = Joined(rs, "AnaRegionMod");
+    Laterality = Joined(rs, "Laterality");
+    sTeeth = Joined(rs, "PriStructure");
+    MirrRotStatus = OrElse(rs, "MirrRotStatus", 1);
+    CRC = Trim(Joined(rs, "CRC"));
+    DPIY = Nz<Long>(rs, "DPIY_INT");
+    DPIX = Nz<Long>(rs, "DPIX_INT");
+    Voltage_kV = Nz<Long>(rs, "Voltage_INT");
+    Current_mA = OrElse(rs, "Current_INT", 0);
+    CapturePerson = Joined(rs, "Capture_Person_NVC");
+    studyID = Nz<Long>(rs, "Study_ID");
+    seriesID = Nz<Long>(rs, "Series_ID");
+    instanceUID = Trim(Joined(rs, "SOPInstanceUID_NVC"));
+    ImageNumberInSeries = CLng(Val(Trim(Joined(rs, "ImageNumberInSeries"))));
+    DicomStatus = Nz<Integer>(rs, "DicomStatus_INT");
+    FrameNumber = Nz<Long>(rs, "FrameNumber_INT");
+    SubType = Nz<Long>(rs, "SubType_INT");
+    ApprGamma = Nz<Long>(rs, "Gamma_INT");
+    ApprCrop = Trim(Joined(rs, "AnatomicRegion"));
+    DCMDerived = Nz<Integer>(rs, "DCMDerived_BT");
+}
+
+void cImage::addComment(const String& sComment, const String& sSignature, const Date& commentDate, const bool& saved,
+                        const String&, const Long&) {
+    const Ref<cStringItem> comment = New<cStringItem>();
+    comment->str = sComment;
+    comment->Signature = sSignature;
+    comment->ID = ID;
+    comment->DateStamp = commentDate;
+    comment->bSaved = saved;
+    Comments()->AddObj(comment, Comments()->Count() == 0 ? 0 : 1);
+}
+
+void cImage::GetComments(const Ref<Connection>& Con) {
+    if (Comments()->Count() >= 1) return;
+    const Ref<Recordset> rs = OpenPlain(
+        Con, sql("SELECT Comments_T.* From Comments_T ",
+                 "Where (((Comments_T.tabelID)=1) AND ((Comments_T.objectID)=", ID, "))",
+                 "ORDER BY Comments_T.dates ASC;"));
+    for (; !rs->Eof(); rs->MoveNext())
+        addComment(Direct<String>(rs, "commentString"), Direct<String>(rs, "signature"), Direct<Date>(rs, "dates"),
+                   true);
+    rs->Close();
+}
+
+const Interface& cImage::Describe() const {
+    static const Interface self = InterfaceOf<cImage>({
+        Property<&cImage::AnaRegionMod>("AnaRegionMod"),
+        Property<&cImage::AnaRegion>("AnaRegion"),
+        Property<&cImage::Laterality>("Laterality"),
+        Property<&cImage::instanceUID>("instanceUID"),
+        Property<&cImage::seriesID>("seriesID"),
+        Property<&cImage::studyID>("studyID"),
+        Property<&cImage::ImageNumberInSeries>("ImageNumberInSeries"),
+        Property<&cImage::Pregnant>("Pregnant"),
+        Property<&cImage::RootId>("RootId"),
+        Property<&cImage::DPIX>("DPIX"),
+        Property<&cImage::DPIY>("DPIY"),
+        Property<&cImage::MirrRotStatus>("MirrRotStatus"),
+        Property<&cImage::dateTime>("dateTime"),
+        Property<&cImage::PatID>("PatID"),
+        Property<&cImage::Approved>("Approved"),
+        Property<&cImage::sTeeth>("sTeeth"),
+        Property<&cImage::ImageType>("ImageType"),
+        Operation<&cImage::Save>("Save", {"Con"}),
+        Property<&cImage::ID>("ID"),
+        Property<&cImage::URL>("URL"),
+        Property<&cImage::HWSourceTxt>("HWSourceTxt"),
+        ObjectProperty<&cImage::Comments, &cImage::SetComments>("Comments"),
+        Property<&cImage::FrameNumber>("FrameNumber"),
+        Property<&cImage::Root_RootDirectory>("Root_RootDirectory"),
+        Property<&cImage::DicomStatus>("DicomStatus"),
+        Operation<&cImage::GetImage>("GetImage", {"Con", "ImageBildID"}),
+        Operation<&cImage::addComment>("addComment", {"sComment", "sSignature", "commentDate", "saved",
+                                                      Optional("Action"), Optional("objpointer")}),
+        Operation<&cImage::GetComments>("GetComments", {"Con"}),
+        Property<&cImage::ApprInvert>("ApprInvert"),
+        Property<&cImage::ApprContrast>("ApprContrast"),
+        Property<&cImage::ApprBrightness>("ApprBrightness"),
+        Property<&cImage::ApprGamma>("ApprGamma"),
+        Property<&cImage::RespPerson>("RespPerson"),
+        Property<&cImage::CapturePerson>("CapturePerson"),
+        Operation<&cImage::GetFromRecord>("GetFromRecord", {"rs"}),
+        Property<&cImage::CRC>("CRC"),
+        Property<&cImage::Key>("Key"),
+        Property<&cImage::ExposureTime_ms>("ExposureTime_ms"),
+        Property<&cImage::Current_mA>("Current_mA"),
+        Property<&cImage::Voltage_kV>("Voltage_kV"),
+        Property<&cImage::FailedToLoadImage>("FailedToLoadImage"),
+        Property<&cImage::ThumbnailOnly>("ThumbnailOnly"),
+        Property<&cImage::OrgHeight>("OrgHeight"),
+        Property<&cImage::OrgWidth>("OrgWidth"),
+        Property<&cImage::ApprCrop>("ApprCrop"),
+        Property<&cImage::SubType>("SubType"),
+        Property<&cImage::DCMDerived>("DCMDerived"),
+        Operation<&cImage::SaveEx>("SaveEx", {"CheckExistOnID", "Con"}),
+    });
+    return self;
+}
+
+}  // namespace OXClass

@@ -1,0 +1,133 @@
+#include "frame/Reading.h"
+#include "images/cImage.h"
+
+namespace OXClass {
+namespace {
+
+/// A boolean as the 16-bit number that it holds, -1 or 0.
+Long Number(bool flag) { return flag ? -1 : 0; }
+
+/// True for a comment that marks the image as deleted: "Deleted " and a date in the 19-character form.
+bool IsDeletionMark(const String& comment) {
+    return Left(comment, 8) == "Deleted " && IsDate(Mid(comment, 9, 19));
+}
+
+}  // namespace
+
+Long cImage::Save(const Ref<Connection>& Con) {
+    Write(Con, sTeeth);
+    return 0;
+}
+
+Long cImage::SaveEx(const bool& CheckExistOnID, const Ref<Connection>& Con) {
+    constexpr Long width = 180;
+    LookForRow(CheckExistOnID, Con);
+    Write(Con, Left(sTeeth, width));
+    return 0;
+}
+
+void cImage::LookForRow(bool checkExistOnID, const Ref<Connection>& con) {
+    const bool byID = checkExistOnID && ID != 0;
+    if (!byID && instanceUID.empty()) return;
+    const Ref<Recordset> rs = New<Recordset>();
+    rs->Open(byID ? sql("SELECT * FROM ImageBild_T WHERE ImageBildID =", ID, ";")
+                  : sql("SELECT * FROM ImageBild_T WHERE SOPInstanceUID_NVC ='", AsItStands(instanceUID), "';"),
+             con, ADODB::adOpenForwardOnly, ADODB::adLockOptimistic, ADODB::adCmdUnspecified);
+    if (rs->Eof()) {
+        ID = 0;
+    } else if (ID == 0) {
+        ID = Direct<Long>(rs, "ImagebildID");
+        TakeOverRow(con);
+    }
+    rs->Close();
+}
+
+void cImage::TakeOverRow(const Ref<Connection>& con) {
+    const Ref<cImage> stored = New<cImage>();
+    stored->ID = ID;
+    stored->GetComments(con);
+    for (Integer i = CInt(Comments()->Count()); i >= 1; --i) {
+        const Ref<cStringItem> mine = Comments()->Item(i);
+        for (const cStringItem& theirs : *stored->Comments()) {
+            if (theirs.Signature != mine->Signature || theirs.str != mine->str) continue;
+            Comments()->Remove(i);
+            break;
+        }
+    }
+    for (const cStringItem& comment : *stored->Comments())
+        if (IsDeletionMark(comment.str) && !URL.empty())
+            con->Execute(sql("DELETE * FROM Comments_T where CommentString = '", AsItStands(comment.str),
+                             "' and objectID = ", ID));
+}
+
+void cImage::Write(const Ref<Connection>& con, const String& teeth) {
+    if (ID == 0) {
+        con->Execute(InsertStatement(teeth));
+        const Ref<Recordset> newest =
+            con->Execute(sql("SELECT MAX(ImageBildID) AS ID FROM ImageBild_T WHERE (GraphicURL_NVC='",
+                             FixSqlString(URL), "' AND PatientID=", PatID, ");"));
+        ID = Direct<Long>(newest, "ID");
+        newest->Close();
+    } else {
+        con->Execute(UpdateStatement(teeth));
+    }
+    WriteComments(con);
+}
+
+Long cImage::ComputedDPI() const { return DPIX != 0 && DPIY != 0 ? DPIX : 0; }
+
+String cImage::InsertStatement(const String& teeth) const {
+    constexpr Long notKnown = 10;
+    const bool unknown = Pregnant == notKnown;
+    return sql(
+        "INSERT INTO ImageBild_T ", "(ToothCollectionID, PatientID, DateCaptured_SD, Comments_NVC, ",
+        "StandCollName_NVC, ComputedDPI_INT, HardwareSourceId_INT, ",
+        "HardwareSourcetxt_NVC, RootId, GraphicURL_NVC, Invert_BT, StretchIntens_BT, ",
+        "Rotation_INT, Contrast_INT, Brightness_INT, Histogram_BT, ExposureTime_F, ",
+        "HorizMirror_BT, VerticalMirror_BT, Responsible_Person_NVC, Approved, MirrRotStatus, ImageType, CRC, ",
+        "DPIY_INT, DPIX_INT, Voltage_INT, Current_INT, Capture_Person_NVC, Pregnant_BT, XRaySource_NVC, ",
+        "PrevXrayDate_DT, Dosage_INT, Study_ID, Series_ID, SOPInstanceUID_NVC, ImageNumberInSeries, "
+        "DicomStatus_INT ,FrameNumber_INT ,AnatomicRegion, DCMDerived_BT, ",
+        "Laterality, AnaRegion, AnaRegionMod, PriStructure, SubType_INT, Gamma_INT", ") ",
+        "VALUES (", " 0, ", PatID, ", '", Stamp(dateTime), "', '', '',  ", ComputedDPI(), ", 100, '",
+        FixSqlString(HWSourceTxt), "', ", RootId, ", '", FixSqlString(URL), "',", -Number(ApprInvert), ", 0,0,  ",
+        ApprContrast, ", ", ApprBrightness, ",  0, ", ExposureTime_ms, ",  0, 0, '", FixSqlString(RespPerson), "', ",
+        Number(Approved), ",  ", MirrRotStatus, ", ", ImageType, ", '", AsItStands(CRC), "',  ", DPIY, ", ", DPIX,
+        ", ", Voltage_kV, ",  ", Current_mA, ", '", "', ", NumberOrNull{unknown, unknown ? 0 : CInt(Pregnant)},
+        ", '', '", Stamp(Date{}), "',  0,", studyID, ",", seriesID, ",'", AsItStands(Trim(instanceUID)), "',",
+        ImageNumberInSeries, ",  ", DicomStatus, ", ", FrameNumber, ", '", AsItStands(ApprCrop), "', ", DCMDerived,
+        ", '", AsItStands(Laterality), "','", AsItStands(AnaRegion), "','", AsItStands(AnaRegionMod), "','",
+        AsItStands(teeth), "', ", SubType, ", ", ApprGamma, ");");
+}
+
+String cImage::UpdateStatement(const String& teeth) const {
+    return sql(
+        "UPDATE ImageBild_T ", "SET ", "ImageType = ", ImageType, ", ", "GraphicURL_NVC = '", FixSqlString(URL), "', ",
+        "Approved = ", Number(Approved), ", ", "MirrRotStatus = ", MirrRotStatus, ", ", "DPIY_INT= ", DPIY, ", ",
+        "DPIX_INT= ", DPIX, ", ", "ComputedDPI_INT= ", ComputedDPI(), ", ", "PriStructure='", AsItStands(teeth), "',",
+        "Study_ID=", studyID, ", ", "Series_ID=", seriesID, ", ", "SOPInstanceUID_NVC='", AsItStands(instanceUID),
+        "', ", "HardwareSourcetxt_NVC='", FixSqlString(HWSourceTxt), "', ", "ImageNumberInSeries=",
+        ImageNumberInSeries, ", ", "dicomStatus_INT=", DicomStatus, ", ", "AnaRegion='", AsItStands(AnaRegion), "', ",
+        "AnaRegionMod='", AsItStands(AnaRegionMod), "', ", "FrameNumber_INT=", FrameNumber, ", ", "Gamma_INT=",
+        ApprGamma, ", ", "Invert_BT=", -Number(ApprInvert), ", ", "Contrast_INT=", ApprContrast, ", ",
+        "Brightness_INT=", ApprBrightness, ", ", "CRC='", AsItStands(CRC), "', ", "Laterality='",
+        AsItStands(Laterality), "', ", "PatientID=", PatID, ", ", "Capture_Person_NVC='", AsItStands(CapturePerson),
+        "', ", "Responsible_Person_NVC='", AsItStands(RespPerson), "', ", "Voltage_INT= ", Voltage_kV, ", ",
+        "DCMDerived_BT= ", DCMDerived, ", ", "SubType_INT= ", SubType, ", ", "Current_INT= ", Current_mA, ", ",
+        "AnatomicRegion= '", AsItStands(ApprCrop), "', ", "ExposureTime_F = ", ExposureTime_ms,
+        " WHERE ImageBildID = ", ID, ";");
+}
+
+void cImage::WriteComments(const Ref<Connection>& con) {
+    constexpr Long width = 150;
+    for (cStringItem& comment : *comments_) {
+        if (comment.bSaved) continue;
+        con->Execute(sql("INSERT INTO Comments_T ", "( dates, signature, tabelID, objectID,commentString ) ",
+                         "VALUES (", "'", Stamp(comment.DateStamp), "',", "'",
+                         FixSqlString(Left(comment.Signature, width)), "', ", "1, ", ID, ", ", "'",
+                         FixSqlString(Left(comment.str, width)), "')"));
+        comment.bSaved = true;
+    }
+}
+
+}  // namespace OXClass

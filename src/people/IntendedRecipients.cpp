@@ -1,0 +1,23 @@
+#include "people/IntendedRecipients.h"
+
+namespace OXClass {
+
+Ref<cStringItem> IntendedRecipients::Add(const String& str, const Long& ID, const String& sKey) {
+    const Ref<cStringItem> item = New<cStringItem>();
+    item->str = str;
+    item->ID = ID;
+    return AddMember(item, sKey);
+}
+
+const Interface& IntendedRecipients::Describe() const {
+    static const Interface self = InterfaceOf<IntendedRecipients>({
+        Operation<&IntendedRecipients::Add>("Add", {"str", "ID", Optional("sKey")}),
+        ReadOnly<&IntendedRecipients::Item>("Item", {"vntIndexKey"}, DefaultMember),
+        ReadOnly<&IntendedRecipients::Count>("Count"),
+        Operation<&IntendedRecipients::Remove>("Remove", {"vntIndexKey"}),
+        ReadOnly<&IntendedRecipients::NewEnum>("NewEnum", {}, EnumeratorMember),
+    });
+    return self;
+}
+
+}  // namespace OXClass

@@ -1,0 +1,128 @@
+#include "people/cPatient.h"
+
+#include "frame/Reading.h"
+
+namespace OXClass {
+namespace {
+
+/// A date as its text column holds it: empty for the zero date.
+String DateColumn(Date date) { return date.Days == 0 ? String() : FormatDate(date, "YYYY-MM-DD"); }
+
+}  // namespace
+
+Long cPatient::LoadOnPatientID(const String&) { return 0; }
+
+Long cPatient::LoadOnPatientIDorPDBID(Ref<Connection> Con, const String& sPatientID, const Long& PDBID) {
+    return Boxed(
+        [&]() -> Long {
+            const Ref<Recordset> rs = OpenClient(
+                Con, sPatientID.empty()
+                         ? sql("SELECT * FROM Patient_T WHERE PatientID = ", PDBID)
+                         : sql("SELECT * FROM Patient_T WHERE PersonNr_CH = '", UCase(FixSqlString(sPatientID)), "'"));
+            if (rs->Eof()) return 0;
+            ReadRow(rs);
+            return 1;
+        },
+        [](const Error& e) {
+            return "OXClass.LoadOnPatientIDorpdbid error: " + CStr(e.Number) + " " + e.Description;
+        });
+}
+
+void cPatient::ReadRow(const Ref<Recordset>& rs) {
+    ID = Direct<Long>(rs, "PatientId");
+    FirstName = Joined(rs, "FirstName_NVC");
+    LastName = Joined(rs, "LastName_NVC");
+    PatientID = UCase(Trim(Joined(rs, "PersonNr_CH")));
+    const String birth = Trim(Joined(rs, "Birthdate_CH"));
+    BirthDate = IsDate(birth) ? CDate(birth) : Date{};
+    Sex = Joined(rs, "Sex_CH");
+    Address = Joined(rs, "Address_NVC");
+    TelOne = Joined(rs, "TelOne_NVC");
+    TelTwo = Joined(rs, "TelTwo_NVC");
+    TelMobile = Joined(rs, "TelMobile_NVC");
+    EMail = Joined(rs, "Email_adress");
+    Comments = Joined(rs, "Comments_NVC");
+    IDImg = Joined(rs, "IDImg");
+    OtherIDs->FillFromString(Joined(rs, "OtherIDs"));
+    RespDoctor = Nz<Long>(rs, "RespDoctor");
+    const bool xrayed = !Trim(Joined(rs, "PrevXrayDate_CH")).empty();
+    PrevXrayDate = xrayed ? Direct<Date>(rs, "PrevXrayDate_CH") : Date{};
+}
+
+String cPatient::OtherIDsColumn() const {
+    constexpr Long width = 255;
+    return Left(OtherIDs->GetAllAsString(), width);
+}
+
+String cPatient::UpdateStatement() const {
+    return sql("Update Patient_T ", "Set Firstname_NVC='", FixSqlString(FirstName), "',", "LastName_NVC='",
+               FixSqlString(LastName), "',", "Birthdate_CH='", AsItStands(DateColumn(BirthDate)), "',",
+               "PrevXrayDate_CH='", AsItStands(DateColumn(PrevXrayDate)), "',", "Address_NVC='", FixSqlString(Address),
+               "',", "TelOne_NVC='", FixSqlString(TelOne), "',", "TelTwo_NVC='", FixSqlString(TelTwo), "',",
+               "TelMobile_NVC ='", FixSqlString(TelMobile), "',", "email_adress='", FixSqlString(EMail), "',",
+               "Comments_NVC='", FixSqlString(Comments), "',", "IDImg='", FixSqlString(IDImg), "',", "OtherIDs='",
+               AsItStands(OtherIDsColumn()), "',", "Sex_CH='", AsItStands(Sex), "', ", "RespDoctor=", RespDoctor, " ",
+               "Where ", "PersonNr_CH ='", FixSqlString(UCase(PatientID)), "'");
+}
+
+String cPatient::InsertStatement() const {
+    return sql("INSERT INTO Patient_T ",
+               "(PersonNr_CH, Birthdate_CH, Firstname_NVC, LastName_NVC, Sex_CH, OtherIDs, RespDoctor, "
+               "Address_NVC,TelOne_NVC, TelTwo_NVC, TelMobile_NVC, email_adress, Comments_NVC, PrevXrayDate_CH, "
+               "IDImg) ",
+               "VALUES (", "'", UCase(FixSqlString(PatientID)), "', ", "'", FixSqlString(DateColumn(BirthDate)),
+               "', ", "'", FixSqlString(FirstName), "', ", "'", FixSqlString(LastName), "', ", "'", AsItStands(Sex),
+               "',", "'", AsItStands(OtherIDsColumn()), "', ", RespDoctor, ", ", "'", FixSqlString(Address), "', ",
+               "'", FixSqlString(TelOne), "', ", "'", FixSqlString(TelTwo), "', ", "'", FixSqlString(TelMobile),
+               "', ", "'", FixSqlString(EMail), "', ", "'", FixSqlString(Comments), "', ", "'",
+               AsItStands(DateColumn(PrevXrayDate)), "', ", "'", FixSqlString(IDImg), "' ", ");");
+}
+
+Long cPatient::Save(Ref<Connection> Con) {
+    const Ref<Recordset> rs = OpenPlain(
+        Con, sql("Select * from Patient_T where ", "(PersonNr_CH) = '", UCase(FixSqlString(PatientID)), "'"));
+    if (!rs->Eof()) {
+        ID = Direct<Long>(rs, "PatientID");
+        rs->Close();
+        Con->Execute(UpdateStatement());
+        return 0;
+    }
+    rs->Close();
+    Con->Execute(InsertStatement());
+    const Ref<Recordset> newest =
+        OpenPlain(Con,
+                  sql("SELECT MAX(PatientID) AS Max_ID FROM Patient_T WHERE ", "(PersonNr_CH)='",
+                      UCase(FixSqlString(PatientID)), "';"),
+                  ADODB::adCmdUnspecified);
+    if (!(newest->Bof() && newest->Eof())) newest->MoveFirst();
+    ID = Direct<Long>(newest, "Max_ID");
+    newest->Close();
+    return 0;
+}
+
+const Interface& cPatient::Describe() const {
+    static const Interface self = InterfaceOf<cPatient>({
+        Property<&cPatient::ID>("ID"),
+        Operation<&cPatient::LoadOnPatientID>("LoadOnPatientID", {"PatientID"}),
+        Operation<&cPatient::Save>("Save", {"Con"}),
+        Property<&cPatient::Sex>("Sex"),
+        Property<&cPatient::BirthDate>("BirthDate"),
+        Property<&cPatient::LastName>("LastName"),
+        Property<&cPatient::FirstName>("FirstName"),
+        Property<&cPatient::PatientID>("PatientID"),
+        Property<&cPatient::OtherIDs>("OtherIDs"),
+        Property<&cPatient::RespDoctor>("RespDoctor"),
+        Operation<&cPatient::LoadOnPatientIDorPDBID>("LoadOnPatientIDorPDBID", {"Con", "PatientID", "PDBID"}),
+        Property<&cPatient::IDImg>("IDImg"),
+        Property<&cPatient::PrevXrayDate>("PrevXrayDate"),
+        Property<&cPatient::Comments>("Comments"),
+        Property<&cPatient::EMail>("EMail"),
+        Property<&cPatient::TelMobile>("TelMobile"),
+        Property<&cPatient::TelTwo>("TelTwo"),
+        Property<&cPatient::TelOne>("TelOne"),
+        Property<&cPatient::Address>("Address"),
+    });
+    return self;
+}
+
+}  // namespace OXClass

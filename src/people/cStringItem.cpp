@@ -1,0 +1,16 @@
+#include "people/cStringItem.h"
+
+namespace OXClass {
+
+const Interface& cStringItem::Describe() const {
+    static const Interface self = InterfaceOf<cStringItem>({
+        Property<&cStringItem::ID>("ID"),
+        Property<&cStringItem::str>("str"),
+        Property<&cStringItem::bSaved>("bSaved"),
+        Property<&cStringItem::Signature>("Signature"),
+        Property<&cStringItem::DateStamp>("DateStamp"),
+    });
+    return self;
+}
+
+}  // namespace OXClass

@@ -1,0 +1,138 @@
+#include "platform/adodb/Connection.h"
+
+#include "platform/adodb/Recordset.h"
+
+#include <chrono>
+
+namespace ADODB {
+namespace {
+
+constexpr const char* Self = "ADODB.Connection";
+
+}  // namespace
+
+template <class F>
+auto Connection::Engine(F call) -> decltype(call()) {
+    try {
+        return call();
+    } catch (const Error& failure) {
+        if (failure.Provider.empty()) throw;
+        errors_.assign(1, failure);
+        throw;
+    }
+}
+
+Connection::~Connection() = default;
+
+Session& Connection::Opened() const {
+    if (!session_) RaiseAdo(adErrObjectClosed, Self);
+    return *session_;
+}
+
+void Connection::SetConnectionString(const String& text) {
+    if (session_) RaiseAdo(adErrObjectOpen, Self);
+    text_ = text;
+}
+
+void Connection::Open(const String& ConnectionString, const String& UserID, const String& Password, Long) {
+    if (session_) RaiseAdo(adErrObjectOpen, Self);
+    if (!ConnectionString.empty()) text_ = ConnectionString;
+    ADODB::ConnectionString settings(text_);
+    if (!UserID.empty()) settings.Set("User ID", UserID);
+    if (!Password.empty()) settings.Set("Password", Password);
+    const Opener open = FindProvider(settings.Value("Provider"));
+    session_ = Engine([&] { return open(settings); });
+    level_ = 0;
+}
+
+void Connection::Close() {
+    Opened();
+    if (level_ > 0) RaiseAdo(adErrInTransaction, Self);
+    while (!open_.empty()) open_.back()->ConnectionClosed();
+    session_.reset();
+}
+
+void Connection::Announce(ExecuteRequest& request) {
+    announcing_ = true;
+    try {
+        for (ConnectionEvents* handler : handlers_) handler->WillExecute(request);
+    } catch (...) {
+        announcing_ = false;
+        throw;
+    }
+    announcing_ = false;
+    if (request.Status == adStatusCancel) RaiseAdo(adErrOperationCancelled, Self);
+}
+
+Outcome Connection::Run(ExecuteRequest& request) {
+    Session& session = Opened();
+    if (announcing_) RaiseAdo(adErrNotReentrant, Self);
+    if (request.Options > 0 && (request.Options & adCmdTable) != 0)
+        request.Source = "select * from " + request.Source;
+    if (handlers_.empty()) return Engine([&] { return session.Run(request.Source); });
+    Announce(request);
+    return RunTimed(request);
+}
+
+Outcome Connection::RunTimed(const ExecuteRequest& request) {
+    using Clock = std::chrono::steady_clock;
+    const auto start = Clock::now();
+    ExecuteReport report{.Source = request.Source};
+    const auto tell = [&] {
+        report.Seconds = std::chrono::duration<double>(Clock::now() - start).count();
+        for (ConnectionEvents* handler : handlers_) handler->ExecuteComplete(report);
+    };
+    try {
+        Outcome outcome = Engine([&] { return Opened().Run(request.Source); });
+        report.RecordsAffected = outcome.affected;
+        report.Rows = static_cast<std::int64_t>(outcome.rows.size());
+        tell();
+        return outcome;
+    } catch (const Error& failure) {
+        if (report.Seconds > 0) throw;  // a handler's own, thrown after the statement ran
+        report.Failure = &failure;
+        tell();
+        throw;
+    }
+}
+
+Ref<Recordset> Connection::Execute(const String& CommandText, Long* RecordsAffected, Long Options) {
+    ExecuteRequest request{.Source = CommandText, .Options = Options};
+    Outcome outcome = Run(request);
+    if (RecordsAffected) *RecordsAffected = static_cast<Long>(outcome.affected);
+    if (Options > 0 && (Options & adExecuteNoRecords) != 0) return nullptr;
+    Ref<Recordset> result = New<Recordset>();
+    result->TakeResult(Ref<Connection>(this), std::move(request), std::move(outcome));
+    return result;
+}
+
+std::int64_t Connection::Change(const String& statement, std::span<const Variant> values) {
+    return Engine([&] { return Opened().Change(statement, values); });
+}
+
+Long Connection::BeginTrans() {
+    Session& session = Opened();
+    if (level_ >= session.MostLevels()) RaiseAdo(TooManyTransactions, Self);
+    Engine([&] { session.Begin(level_ + 1); });
+    ++level_;
+    for (ConnectionEvents* handler : handlers_) handler->BeginTransComplete(level_);
+    return level_;
+}
+
+void Connection::CommitTrans() {
+    Session& session = Opened();
+    if (level_ == 0) RaiseAdo(NoTransaction, Self);
+    Engine([&] { session.Commit(level_); });
+    --level_;
+    for (ConnectionEvents* handler : handlers_) handler->CommitTransComplete();
+}
+
+void Connection::RollbackTrans() {
+    Session& session = Opened();
+    if (level_ == 0) RaiseAdo(NoTransaction, Self);
+    Engine([&] { session.RollBack(level_); });
+    --level_;
+    for (ConnectionEvents* handler : handlers_) handler->RollbackTransComplete();
+}
+
+}  // namespace ADODB

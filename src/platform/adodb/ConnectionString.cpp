@@ -1,0 +1,84 @@
+#include "platform/adodb/ConnectionString.h"
+
+#include <algorithm>
+
+namespace ADODB {
+namespace {
+
+[[noreturn]] void Refuse(const String& why) {
+    RaiseAdo(MultipleStepFailed, "ADODB.Connection", "The connection string can't be read: " + why + ".");
+}
+
+/// A quoted value that begins at `at`, which then stands behind its closing quote.
+String TakeQuoted(std::string_view text, std::size_t& at) {
+    const char quote = text[at++];
+    String value;
+    for (; at < text.size(); ++at) {
+        if (text[at] == quote) {
+            if (at + 1 >= text.size() || text[at + 1] != quote) break;
+            ++at;
+        }
+        value += text[at];
+    }
+    if (at == text.size()) Refuse("a quoted value has no end");
+    ++at;
+    return value;
+}
+
+String TakeValue(std::string_view text, std::size_t& at) {
+    while (at < text.size() && text[at] == ' ') ++at;
+    if (at < text.size() && (text[at] == '\'' || text[at] == '"')) {
+        String value = TakeQuoted(text, at);
+        while (at < text.size() && text[at] == ' ') ++at;
+        if (at < text.size() && text[at] != ';') Refuse("text stands behind a quoted value");
+        return value;
+    }
+    const std::size_t end = std::min(text.find(';', at), text.size());
+    String value = Trim(text.substr(at, end - at));
+    at = end;
+    return value;
+}
+
+}  // namespace
+
+ConnectionString::ConnectionString(std::string_view text) {
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const std::size_t end = text.find_first_of("=;", at);
+        const String key = Trim(text.substr(at, std::min(end, text.size()) - at));
+        if (end == std::string_view::npos || text[end] == ';') {
+            if (!key.empty()) Refuse("\"" + key + "\" has no \"=\"");
+            if (end == std::string_view::npos) break;
+            at = end;
+            continue;
+        }
+        if (key.empty()) Refuse("a value has no key");
+        at = end + 1;
+        Set(key, TakeValue(text, at));
+    }
+}
+
+String ConnectionString::Value(std::string_view key, const String& otherwise) const {
+    for (const auto& [name, value] : settings_)
+        if (EqualsIgnoringCase(name, key)) return value;
+    return otherwise;
+}
+
+void ConnectionString::Set(std::string_view key, const String& value) {
+    for (auto& [name, old] : settings_) {
+        if (!EqualsIgnoringCase(name, key)) continue;
+        old = value;
+        return;
+    }
+    settings_.emplace_back(LCase(key), value);
+}
+
+String ConnectionString::FirstUnknown(std::initializer_list<std::string_view> known) const {
+    for (const auto& [name, value] : settings_) {
+        const bool found = std::any_of(known.begin(), known.end(),
+                                       [&](std::string_view key) { return EqualsIgnoringCase(name, key); });
+        if (!found) return name;
+    }
+    return {};
+}
+
+}  // namespace ADODB

@@ -1,0 +1,212 @@
+#include "platform/adodb/Recordset.h"
+
+namespace ADODB {
+namespace {
+
+constexpr const char* Self = "ADODB.Recordset";
+
+/// The cursor that a request really gets, as far as it can be told from its properties.
+CursorTypeEnum ActualCursor(CursorLocationEnum location, CursorTypeEnum asked, LockTypeEnum lock) {
+    if (location == adUseClient) return adOpenStatic;
+    if (lock != adLockReadOnly || asked == adOpenDynamic) return adOpenKeyset;
+    return asked == adOpenUnspecified ? adOpenForwardOnly : asked;
+}
+
+LockTypeEnum ActualLock(CursorLocationEnum location, LockTypeEnum asked) {
+    if (asked == adLockUnspecified) return adLockReadOnly;
+    return location == adUseClient && asked == adLockPessimistic ? adLockOptimistic : asked;
+}
+
+}  // namespace
+
+const String& Field::Name() const { return recordset_->Result().At(ordinal_).Name; }
+DataTypeEnum Field::Type() const { return recordset_->Result().At(ordinal_).Type; }
+Long Field::DefinedSize() const { return recordset_->Result().At(ordinal_).DefinedSize; }
+Variant Field::Value() const { return recordset_->ValueAt(ordinal_); }
+Variant Field::OriginalValue() const { return recordset_->OriginalAt(ordinal_); }
+void Field::SetValue(const Variant& value) { recordset_->Assign(ordinal_, value); }
+
+Recordset::~Recordset() { Release(); }
+
+void Recordset::Release() {
+    if (columns_ && connection_) std::erase(connection_->open_, this);
+    columns_.reset();
+    rows_.clear();
+    edit_.reset();
+    onDeleted_ = false;
+}
+
+void Recordset::ConnectionClosed() {
+    Release();
+    connection_ = nullptr;
+}
+
+const Columns& Recordset::Result() const {
+    if (!columns_) RaiseAdo(adErrObjectClosed, Self);
+    return *columns_;
+}
+
+void Recordset::Open(const String& Source, const Ref<Connection>& ActiveConnection, CursorTypeEnum CursorType,
+                     LockTypeEnum LockType, Long Options) {
+    if (columns_) RaiseAdo(adErrObjectOpen, Self);
+    if (!ActiveConnection || ActiveConnection->State() == adStateClosed) RaiseAdo(adErrInvalidConnection, Self);
+    cursor_ = CursorType;
+    lock_ = LockType;
+    ExecuteRequest request{.Source = Source, .CursorType = CursorType, .LockType = LockType, .Options = Options};
+    Outcome outcome = ActiveConnection->Run(request);
+    TakeResult(ActiveConnection, std::move(request), std::move(outcome));
+}
+
+void Recordset::TakeResult(Ref<Connection> connection, ExecuteRequest&& request, Outcome&& outcome) {
+    connection_ = std::move(connection);
+    source_ = std::move(request.Source);
+    options_ = request.Options;
+    const CursorLocationEnum location = location_.value_or(connection_->CursorLocation);
+    location_ = location;
+    actualCursor_ = ActualCursor(location, request.CursorType, request.LockType);
+    actualLock_ = ActualLock(location, request.LockType);
+    columns_ = std::move(outcome.columns);
+    if (!columns_) return;
+    rows_ = std::move(outcome.rows);
+    position_ = 0;
+    bof_ = eof_ = rows_.empty();
+    connection_->open_.push_back(this);
+}
+
+void Recordset::Close() {
+    Result();
+    RequireNoEdit();
+    Release();
+}
+
+void Recordset::Requery() {
+    Result();
+    RequireNoEdit();
+    if (!connection_) RaiseAdo(adErrInvalidConnection, Self);
+    const Ref<Connection> connection = connection_;
+    const String source = source_;
+    // The text is already whole: a table name has become its select.
+    ExecuteRequest request{.Source = source, .CursorType = cursor_, .LockType = lock_};
+    Outcome outcome = connection->Run(request);
+    Release();
+    TakeResult(connection, std::move(request), std::move(outcome));
+}
+
+void Recordset::SetCursorLocation(CursorLocationEnum location) {
+    if (columns_) RaiseAdo(adErrObjectOpen, Self);
+    location_ = location;
+}
+
+void Recordset::SetActiveConnection(const Ref<Connection>& connection) {
+    if (columns_ && CursorLocation() != adUseClient) RaiseAdo(adErrObjectOpen, Self);
+    if (connection && connection->State() == adStateClosed) RaiseAdo(adErrInvalidConnection, Self);
+    if (columns_ && connection_) std::erase(connection_->open_, this);
+    connection_ = connection;
+    if (columns_ && connection_) connection_->open_.push_back(this);
+}
+
+bool Recordset::Eof() const {
+    Result();
+    return eof_;
+}
+
+bool Recordset::Bof() const {
+    Result();
+    return bof_;
+}
+
+Long Recordset::RecordCount() const {
+    Result();
+    if (actualCursor_ == adOpenForwardOnly) return -1;
+    const bool adding = edit_ && edit_->mode == adEditAdd;
+    return static_cast<Long>(rows_.size()) + (adding ? 1 : 0);
+}
+
+Long Recordset::AbsolutePosition() const {
+    Result();
+    if (bof_ && eof_) return adPosUnknown;
+    if (bof_) return adPosBOF;
+    return eof_ ? adPosEOF : position_ + 1;
+}
+
+void Recordset::RequireNoEdit() const {
+    if (edit_) RaiseAdo(adErrIllegalOperation, Self);
+}
+
+void Recordset::RequireScrolling() const {
+    if (actualCursor_ == adOpenForwardOnly) RaiseAdo(adErrIllegalOperation, Self);
+}
+
+void Recordset::GoTo(Long position) {
+    const auto count = static_cast<Long>(rows_.size());
+    onDeleted_ = false;
+    position_ = std::clamp(position, Long{0}, count);
+    bof_ = position < 0 || count == 0;
+    eof_ = position >= count;
+}
+
+void Recordset::MoveFirst() {
+    Update();
+    if (bof_ && eof_) RaiseAdo(adErrNoCurrentRecord, Self);
+    GoTo(0);
+}
+
+void Recordset::MoveLast() {
+    Update();
+    RequireScrolling();
+    if (bof_ && eof_) RaiseAdo(adErrNoCurrentRecord, Self);
+    GoTo(static_cast<Long>(rows_.size()) - 1);
+    if (rows_.empty()) eof_ = true;
+}
+
+void Recordset::MoveNext() { Move(1); }
+
+void Recordset::MovePrevious() { Move(-1); }
+
+void Recordset::Move(Long rows) {
+    Update();
+    if (rows < 0) RequireScrolling();
+    const bool forward = rows > 0;
+    if ((bof_ && eof_) || (forward && eof_) || (rows < 0 && bof_) || (rows == 0 && (bof_ || eof_)))
+        RaiseAdo(adErrNoCurrentRecord, Self);
+    if (rows == 0) return;
+    std::int64_t from = bof_ ? -1 : position_;
+    if (onDeleted_ && forward) --from;  // the row behind the deleted one has moved into its place
+    GoTo(static_cast<Long>(std::clamp<std::int64_t>(from + rows, -1, static_cast<std::int64_t>(rows_.size()))));
+}
+
+Long Recordset::OrdinalOf(std::string_view name) const {
+    const Long ordinal = Result().Find(name);
+    if (ordinal == Columns::Missing) RaiseAdo(adErrItemNotFound, Self);
+    return ordinal;
+}
+
+Long Recordset::OrdinalOf(Long ordinal) const {
+    if (ordinal < 0 || ordinal >= Result().Count()) RaiseAdo(adErrItemNotFound, Self);
+    return ordinal;
+}
+
+void Recordset::RequireCurrent() const {
+    Result();
+    if (onDeleted_) RaiseAdo(DeletedRow, Self);
+    if (bof_ || eof_) RaiseAdo(adErrNoCurrentRecord, Self);
+}
+
+const Row& Recordset::Current() const {
+    RequireCurrent();
+    return rows_[static_cast<std::size_t>(position_)];
+}
+
+Variant Recordset::ValueAt(Long ordinal) const {
+    if (!edit_) return ValueOf(Current().At(ordinal), columns_->At(ordinal));
+    if (const auto& assigned = edit_->assigned[static_cast<std::size_t>(ordinal)])
+        return ValueOf(CellOf(*assigned), columns_->At(ordinal));
+    return edit_->mode == adEditAdd ? Variant(Null{}) : OriginalAt(ordinal);
+}
+
+Variant Recordset::OriginalAt(Long ordinal) const {
+    if (edit_ && edit_->mode == adEditAdd) return Null{};
+    return ValueOf(Current().At(ordinal), columns_->At(ordinal));
+}
+
+}  // namespace ADODB

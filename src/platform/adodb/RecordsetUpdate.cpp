@@ -1,0 +1,171 @@
+#include "platform/adodb/Recordset.h"
+
+namespace ADODB {
+namespace {
+
+constexpr const char* Self = "ADODB.Recordset";
+
+}  // namespace
+
+EditModeEnum Recordset::EditMode() const {
+    Result();
+    if (edit_) return edit_->mode;
+    if (bof_ || eof_ || onDeleted_) RaiseAdo(adErrNoCurrentRecord, Self);
+    return adEditNone;
+}
+
+const String& Recordset::BaseTable() const {
+    const String* table = nullptr;
+    for (Long i = 0; i < columns_->Count(); ++i) {
+        const Column& column = columns_->At(i);
+        if (column.Table.empty()) continue;
+        if (table && !EqualsIgnoringCase(*table, column.Table)) table = nullptr, i = columns_->Count();
+        else table = &column.Table;
+    }
+    if (!table)
+        RaiseAdo(adErrFeatureNotAvailable, Self, "The rows come from no table or from several, and can't be changed.");
+    return *table;
+}
+
+void Recordset::RequireUpdatable() const {
+    Result();
+    if (actualLock_ == adLockReadOnly) RaiseAdo(adErrFeatureNotAvailable, Self);
+    if (!connection_) RaiseAdo(adErrInvalidConnection, Self);
+    BaseTable();
+}
+
+void Recordset::AddNew() {
+    RequireUpdatable();
+    Update();
+    edit_ = Edit{adEditAdd, std::vector<std::optional<Variant>>(static_cast<std::size_t>(columns_->Count()))};
+}
+
+void Recordset::Assign(Long ordinal, const Variant& value) {
+    RequireUpdatable();
+    if (!edit_) RequireCurrent();
+    const Column& column = columns_->At(ordinal);
+    if (column.Table.empty())
+        RaiseAdo(adErrFeatureNotAvailable, Self, "Column " + column.Name + " is computed and can't be changed.");
+    Variant stored = StoredForm(value, column);
+    if (!edit_)
+        edit_ = Edit{adEditInProgress,
+                     std::vector<std::optional<Variant>>(static_cast<std::size_t>(columns_->Count()))};
+    edit_->assigned[static_cast<std::size_t>(ordinal)] = std::move(stored);
+}
+
+void Recordset::CancelUpdate() {
+    Result();
+    edit_.reset();
+}
+
+void Recordset::Update() {
+    Result();
+    if (!edit_) return;
+    if (edit_->mode == adEditAdd)
+        Insert();
+    else
+        Change();
+    edit_.reset();
+}
+
+std::int64_t Recordset::Post(const String& statement, const std::vector<Variant>& values) {
+    if (!connection_) RaiseAdo(adErrInvalidConnection, Self);
+    return connection_->Change(statement, values);
+}
+
+void Recordset::Insert() {
+    const Session& session = connection_->Opened();
+    String names, marks;
+    std::vector<Variant> values;
+    for (Long i = 0; i < columns_->Count(); ++i) {
+        const auto& assigned = edit_->assigned[static_cast<std::size_t>(i)];
+        if (!assigned) continue;
+        names += (names.empty() ? "" : ",") + session.Quoted(columns_->At(i).Origin);
+        marks += marks.empty() ? "?" : ",?";
+        values.push_back(*assigned);
+    }
+    const String rest = names.empty() ? " DEFAULT VALUES" : " (" + names + ") VALUES (" + marks + ")";
+    Post("INSERT INTO " + session.Quoted(BaseTable()) + rest, values);
+    Long counter = Columns::Missing;
+    for (Long i = 0; i < columns_->Count() && counter == Columns::Missing; ++i)
+        if (columns_->At(i).Counter) counter = i;
+    rows_.push_back(EditedRow(counter, connection_->Opened().LastCounter()));
+    GoTo(static_cast<Long>(rows_.size()) - 1);
+}
+
+void Recordset::Change() {
+    const Session& session = connection_->Opened();
+    String sets;
+    std::vector<Variant> values;
+    for (Long i = 0; i < columns_->Count(); ++i) {
+        const auto& assigned = edit_->assigned[static_cast<std::size_t>(i)];
+        if (!assigned || *assigned == StoredAt(i)) continue;
+        sets += (sets.empty() ? "" : ",") + session.Quoted(columns_->At(i).Origin) + "=?";
+        values.push_back(*assigned);
+    }
+    if (values.empty()) return;
+    const String where = WhereRow(values);
+    if (Post("UPDATE " + session.Quoted(BaseTable()) + " SET " + sets + where, values) == 0)
+        RaiseAdo(ConcurrencyViolation, Self);
+    rows_[static_cast<std::size_t>(position_)] = EditedRow(Columns::Missing, 0);
+}
+
+void Recordset::Delete(AffectEnum AffectRecords) {
+    Result();
+    if (AffectRecords != adAffectCurrent) RaiseAdo(adErrInvalidArgument, Self);
+    RequireUpdatable();
+    RequireNoEdit();
+    RequireCurrent();
+    std::vector<Variant> values;
+    const String where = WhereRow(values);
+    if (Post("DELETE FROM " + connection_->Opened().Quoted(BaseTable()) + where, values) == 0)
+        RaiseAdo(ConcurrencyViolation, Self);
+    rows_.erase(rows_.begin() + position_);
+    onDeleted_ = true;
+}
+
+Variant Recordset::StoredAt(Long ordinal) const {
+    const Cell& cell = Current().At(ordinal);
+    switch (cell.kind) {
+        case Cell::Kind::Null: return Null{};
+        case Cell::Kind::Whole: return std::in_range<Long>(cell.whole) ? Variant(static_cast<Long>(cell.whole))
+                                                                       : Variant(cell.whole);
+        case Cell::Kind::Real: return cell.real;
+        case Cell::Kind::Text: return String(cell.Text());
+    }
+    return Null{};
+}
+
+String Recordset::WhereRow(std::vector<Variant>& values) const {
+    const Session& session = connection_->Opened();
+    String where;
+    bool keyed = false;
+    for (Long i = 0; i < columns_->Count(); ++i) {
+        const Column& column = columns_->At(i);
+        const bool changed = edit_ && edit_->assigned[static_cast<std::size_t>(i)] &&
+                             *edit_->assigned[static_cast<std::size_t>(i)] != StoredAt(i);
+        if (!column.Key && !changed) continue;
+        keyed = keyed || column.Key;
+        where += (where.empty() ? " WHERE " : " AND ") + session.Quoted(column.Origin) + " IS ?";
+        values.push_back(StoredAt(i));
+    }
+    if (!keyed)
+        RaiseAdo(Failed, Self, "Insufficient key column information for updating or refreshing.");
+    return where;
+}
+
+Row Recordset::EditedRow(Long counter, std::int64_t counterValue) const {
+    std::vector<Cell> cells(static_cast<std::size_t>(columns_->Count()));
+    for (Long i = 0; i < columns_->Count(); ++i) {
+        const auto at = static_cast<std::size_t>(i);
+        if (edit_->assigned[at])
+            cells[at] = CellOf(*edit_->assigned[at]);
+        else if (edit_->mode == adEditInProgress)
+            cells[at] = Current().At(i);
+        else if (i == counter)
+            cells[at] = Cell::Of(counterValue);
+    }
+    return Row(cells);
+}
+
+}  // namespace ADODB

@@ -1,0 +1,166 @@
+#include "platform/adodb/Rows.h"
+
+#include <cstring>
+
+namespace ADODB {
+namespace {
+
+std::size_t PlaceOf(std::string_view name) {
+    const auto address = reinterpret_cast<std::uintptr_t>(name.data());
+    return (address ^ (address >> 8)) & 0xFF;
+}
+
+Variant WholeNumber(std::int64_t value) {
+    if (std::in_range<Long>(value)) return static_cast<Long>(value);
+    return value;
+}
+
+Variant ValueOfWhole(std::int64_t value, DataTypeEnum type) {
+    switch (type) {
+        case adBoolean: return value != 0;
+        case adSmallInt:
+            if (std::in_range<Integer>(value)) return static_cast<Integer>(value);
+            return WholeNumber(value);
+        case adSingle: return static_cast<float>(value);
+        case adDouble: return static_cast<double>(value);
+        case adDate: return Date{static_cast<double>(value)};
+        case adVarWChar:
+        case adLongVarWChar: return CStr(value);
+        default: return WholeNumber(value);
+    }
+}
+
+Variant ValueOfReal(double value, DataTypeEnum type) {
+    switch (type) {
+        case adSingle: return static_cast<float>(value);
+        case adDate: return Date{value};
+        case adVarWChar:
+        case adLongVarWChar: return CStr(value);
+        default: return value;
+    }
+}
+
+Variant ValueOfText(std::string_view text, DataTypeEnum type) {
+    if (type == adDate)
+        if (const auto date = ParseDate(text)) return *date;
+    return String(text);
+}
+
+Variant StoredText(const Variant& value, const Column& column) {
+    String text = To<String>(value);
+    if (column.DefinedSize > 0 && Len(text) > column.DefinedSize)
+        RaiseAdo(MultipleStepFailed, "ADODB.Recordset",
+                 "The text for column " + column.Name + " is longer than its " + CStr(column.DefinedSize) +
+                     " characters.");
+    return text;
+}
+
+Variant StoredByType(const Variant& value, const Column& column) {
+    switch (column.Type) {
+        case adSmallInt: return static_cast<Long>(CInt(value));
+        case adInteger: return CLng(value);
+        case adBoolean: return static_cast<Long>(CBool(value) ? -1 : 0);
+        case adSingle: return static_cast<double>(CSng(value));
+        case adDouble: return CDbl(value);
+        case adDate: return FormatDate(CDate(value), "yyyy-mm-dd hh:nn:ss");
+        case adVarWChar:
+        case adLongVarWChar: return StoredText(value, column);
+        default: break;
+    }
+    if (value.Is<bool>()) return CLng(value);
+    if (value.Is<Date>()) return FormatDate(value.As<Date>(), "yyyy-mm-dd hh:nn:ss");
+    if (value.Is<float>()) return CDbl(value);
+    if (value.Is<Ref<Object>>() || value.Is<std::vector<String>>()) Raise(err::TypeMismatch);
+    return value;
+}
+
+}  // namespace
+
+Columns::Columns(std::vector<Column> columns) : columns_(std::move(columns)) {
+    remembered_.fill(Missing);
+    for (Long i = 0; i < Count(); ++i) byName_.try_emplace(LCase(At(i).Name), i);
+}
+
+Long Columns::Find(std::string_view name) const {
+    std::int16_t& memory = remembered_[PlaceOf(name)];
+    if (memory != Missing && At(memory).Name == name) return memory;
+    const Long found = Search(name);
+    if (found != Missing && found <= INT16_MAX && At(found).Name == name) memory = static_cast<std::int16_t>(found);
+    return found;
+}
+
+Long Columns::Search(std::string_view name) const {
+    const auto found = byName_.find(LCase(name));
+    return found == byName_.end() ? Missing : found->second;
+}
+
+Cell Cell::Of(std::int64_t value) {
+    Cell cell;
+    cell.kind = Kind::Whole;
+    cell.whole = value;
+    return cell;
+}
+
+Cell Cell::Of(double value) {
+    Cell cell;
+    cell.kind = Kind::Real;
+    cell.real = value;
+    return cell;
+}
+
+Cell Cell::Of(std::string_view value) {
+    Cell cell;
+    cell.kind = Kind::Text;
+    cell.length = static_cast<std::uint32_t>(value.size());
+    cell.text = value.data();
+    return cell;
+}
+
+Row::Row(std::span<const Cell> cells) {
+    std::size_t bytes = cells.size_bytes();
+    for (const Cell& cell : cells)
+        if (cell.kind == Cell::Kind::Text) bytes += cell.length;
+    block_ = std::make_unique_for_overwrite<std::byte[]>(bytes);
+    auto* to = reinterpret_cast<Cell*>(block_.get());
+    auto* texts = reinterpret_cast<char*>(block_.get() + cells.size_bytes());
+    for (const Cell& cell : cells) {
+        Cell* copy = new (to++) Cell(cell);
+        if (cell.kind != Cell::Kind::Text || cell.length == 0) continue;
+        std::memcpy(texts, cell.text, cell.length);
+        copy->text = texts;
+        texts += cell.length;
+    }
+}
+
+Variant ValueOf(const Cell& cell, const Column& column) {
+    switch (cell.kind) {
+        case Cell::Kind::Null: return Null{};
+        case Cell::Kind::Whole: return ValueOfWhole(cell.whole, column.Type);
+        case Cell::Kind::Real: return ValueOfReal(cell.real, column.Type);
+        case Cell::Kind::Text: return ValueOfText(cell.Text(), column.Type);
+    }
+    return Null{};
+}
+
+Variant StoredForm(const Variant& value, const Column& column) {
+    if (value.Is<Null>()) return Null{};
+    try {
+        return StoredByType(value, column);
+    } catch (const Error& failure) {
+        if (failure.Number == MultipleStepFailed) throw;
+        const Long number = failure.Number == err::Overflow ? MultipleStepFailed : adErrDataConversion;
+        RaiseAdo(number, "ADODB.Recordset", "The value doesn't fit column " + column.Name + ": " +
+                                                failure.Description + ".");
+    }
+}
+
+Cell CellOf(const Variant& stored) {
+    if (stored.Is<Long>()) return Cell::Of(static_cast<std::int64_t>(stored.As<Long>()));
+    if (stored.Is<Integer>()) return Cell::Of(static_cast<std::int64_t>(stored.As<Integer>()));
+    if (stored.Is<std::int64_t>()) return Cell::Of(stored.As<std::int64_t>());
+    if (stored.Is<double>()) return Cell::Of(stored.As<double>());
+    if (stored.Is<String>()) return Cell::Of(std::string_view(stored.As<String>()));
+    return {};
+}
+
+}  // namespace ADODB

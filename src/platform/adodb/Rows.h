@@ -1,0 +1,87 @@
+#pragma once
+
+#include "platform/adodb/Enums.h"
+
+#include <array>
+#include <memory>
+
+namespace ADODB {
+
+/// One column of a result.
+struct Column {
+    String Name;                    ///< as the engine names it
+    String Table;                   ///< the table that it comes from; empty for an expression
+    String Origin;                  ///< its name in that table
+    DataTypeEnum Type = adVariant;  ///< fixed for all rows
+    Long DefinedSize = 0;           ///< characters that a text may have; 0: no limit
+    bool Key = false;               ///< part of the table's primary key
+    bool Counter = false;           ///< numbered by the database
+};
+
+/// The columns of a result, shared by all runs of one compiled statement. One thread.
+class Columns {
+public:
+    static constexpr Long Missing = -1;
+
+    explicit Columns(std::vector<Column> columns);
+
+    Long Count() const noexcept { return static_cast<Long>(columns_.size()); }
+    const Column& At(Long ordinal) const { return columns_[static_cast<std::size_t>(ordinal)]; }
+
+    /// The ordinal of the first column of this name, without regard to case; `Missing` if there is none.
+    Long Find(std::string_view name) const;
+
+private:
+    Long Search(std::string_view name) const;
+
+    std::vector<Column> columns_;
+    std::unordered_map<String, Long> byName_;
+    // Callers ask with literals, row after row: where the text of a name stood tells which it was.
+    mutable std::array<std::int16_t, 256> remembered_;
+};
+
+/// One value of a row as the engine stores it. A text is no copy: it points into the row.
+struct Cell {
+    enum class Kind : std::uint8_t { Null, Whole, Real, Text };
+    Kind kind = Kind::Null;
+    std::uint32_t length = 0;  ///< bytes of a text
+    union {
+        std::int64_t whole = 0;
+        double real;
+        const char* text;
+    };
+
+    static Cell Of(std::int64_t value);
+    static Cell Of(double value);
+    /// The text must live until the cell went into a `Row`.
+    static Cell Of(std::string_view value);
+    std::string_view Text() const { return {text, length}; }
+};
+
+/// The values of one row in one block of memory, texts included. Movable, never changed.
+class Row {
+public:
+    /// Copies the cells, and the texts that they point to.
+    explicit Row(std::span<const Cell> cells);
+
+    const Cell& At(Long ordinal) const { return Cells()[ordinal]; }
+
+private:
+    const Cell* Cells() const { return reinterpret_cast<const Cell*>(block_.get()); }
+
+    std::unique_ptr<std::byte[]> block_;
+};
+
+/// The value of a cell by its column's type: a whole number gives a `Long` (`int64` where it needs it),
+/// a date column's text a `Date`. A stored value that doesn't fit the type is given as it is stored.
+Variant ValueOf(const Cell& cell, const Column& column);
+
+/// A value converted to what a column takes, in the form in which it is stored: whole number, double,
+/// text, or `Null`; a date is the text "yyyy-mm-dd hh:nn:ss". Raises 3421 for a value of the wrong
+/// type, 0x80040E21 for a text longer than the column or a number out of range.
+Variant StoredForm(const Variant& value, const Column& column);
+
+/// The cell of a stored form; `stored` must outlive it.
+Cell CellOf(const Variant& stored);
+
+}  // namespace ADODB

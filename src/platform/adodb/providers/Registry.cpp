@@ -1,0 +1,23 @@
+#include "platform/adodb/providers/sqlite/SqliteSession.h"
+
+namespace ADODB {
+namespace {
+
+std::vector<std::pair<String, Opener>>& Known() {
+    static std::vector<std::pair<String, Opener>> known{{"SQLite", OpenSqlite}};
+    return known;
+}
+
+}  // namespace
+
+void RegisterProvider(const String& name, Opener open) { Known().insert(Known().begin(), {name, open}); }
+
+Opener FindProvider(const String& name) {
+    for (const auto& [known, open] : Known())
+        if (EqualsIgnoringCase(known, name)) return open;
+    RaiseAdo(adErrProviderNotFound, "ADODB.Connection",
+             "Provider cannot be found. It may not be properly installed. There is none named \"" + name +
+                 "\"; \"SQLite\" is built in.");
+}
+
+}  // namespace ADODB

@@ -1,0 +1,166 @@
+#include "platform/adodb/providers/sqlite/SqlitePlans.h"
+
+#include "platform/adodb/providers/sqlite/SqliteErrors.h"
+
+#include <algorithm>
+#include <sqlite3.h>
+
+namespace ADODB {
+namespace {
+
+/// The part of a text by which plans are found: long enough to tell statements apart, short enough to
+/// stand in front of the first literal as a rule.
+std::string_view StartOf(std::string_view text) { return text.substr(0, 16); }
+
+String TextOrEmpty(const char* text) { return text ? text : ""; }
+
+/// The type that a declared type stands for, and the width in its parentheses.
+void TakeDeclaredType(Column& column, const char* declared) {
+    const String type = UCase(TextOrEmpty(declared));
+    const auto has = [&](std::string_view part) { return Contains(type, part); };
+    if (has("BOOL") || type == "BIT") column.Type = adBoolean;
+    else if (has("DATE") || has("TIME")) column.Type = adDate;
+    else if (has("BIGINT")) column.Type = adBigInt;
+    else if (has("SMALLINT")) column.Type = adSmallInt;
+    else if (has("INT") || has("LONG") || has("COUNTER")) column.Type = adInteger;
+    else if (has("CHAR")) column.Type = adVarWChar;
+    else if (has("TEXT") || has("CLOB") || has("MEMO")) column.Type = adLongVarWChar;
+    else if (has("BLOB")) column.Type = adLongVarBinary;
+    else if (has("REAL") || has("FLOA") || has("DOUB")) column.Type = adDouble;
+    const auto open = type.find('(');
+    if (column.Type == adVarWChar && open != String::npos) column.DefinedSize = CLng(Val(type.substr(open + 1)));
+}
+
+Column ColumnOf(sqlite3* database, sqlite3_stmt* compiled, int at) {
+    Column column;
+    column.Name = TextOrEmpty(sqlite3_column_name(compiled, at));
+    column.Table = TextOrEmpty(sqlite3_column_table_name(compiled, at));
+    column.Origin = TextOrEmpty(sqlite3_column_origin_name(compiled, at));
+    TakeDeclaredType(column, sqlite3_column_decltype(compiled, at));
+    int notNull = 0, key = 0, counter = 0;
+    if (!column.Table.empty() &&
+        sqlite3_table_column_metadata(database, sqlite3_column_database_name(compiled, at), column.Table.c_str(),
+                                      column.Origin.c_str(), nullptr, nullptr, &notNull, &key,
+                                      &counter) == SQLITE_OK) {
+        column.Key = key != 0;
+        column.Counter = counter != 0;
+    }
+    return column;
+}
+
+bool IsBlank(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return c == ' ' || c == ';' || (c >= '\t' && c <= '\r'); });
+}
+
+/// Forms of the suite's own engine that this one spells differently.
+std::string_view Adapted(std::string_view statement, String& room) {
+    if (EqualsIgnoringCase(Trim(statement), "SELECT @@IDENTITY")) return "SELECT last_insert_rowid()";
+    constexpr std::string_view deleteStar = "DELETE * FROM";
+    if (!EqualsIgnoringCase(statement.substr(0, deleteStar.size()), deleteStar)) return statement;
+    return room = "DELETE FROM" + String(statement.substr(deleteStar.size()));
+}
+
+}  // namespace
+
+Plan::Plan(Plan&& other) noexcept
+    : shape(std::move(other.shape)),
+      compiled_(std::exchange(other.compiled_, nullptr)),
+      columns_(std::move(other.columns_)) {}
+
+Plan::~Plan() { sqlite3_finalize(compiled_); }
+
+const std::shared_ptr<const Columns>& Plan::ResultColumns(sqlite3* database) {
+    const int count = sqlite3_column_count(compiled_);
+    if (columns_ || count == 0) return columns_;
+    std::vector<Column> columns;
+    for (int i = 0; i < count; ++i) columns.push_back(ColumnOf(database, compiled_, i));
+    return columns_ = std::make_shared<const Columns>(std::move(columns));
+}
+
+sqlite3_stmt* Plans::Compile(std::string_view text, bool orNothing) {
+    sqlite3_stmt* compiled = nullptr;
+    const char* tail = nullptr;
+    ++compiled_;
+    int code = sqlite3_prepare_v3(database_, text.data(), static_cast<int>(text.size()), SQLITE_PREPARE_PERSISTENT,
+                                  &compiled, &tail);
+    if (code != SQLITE_OK && !orNothing) {
+        constexpr std::string_view tooDeep = "Expression tree is too large";
+        const std::string balanced =
+            Contains(sqlite3_errmsg(database_), tooDeep) ? WithBalancedOrChains(text) : std::string(text);
+        if (balanced == text) RaiseSqlite(database_, text);
+        return Compile(balanced, false);
+    }
+    if (code != SQLITE_OK) return nullptr;
+    if (!IsBlank(text.substr(static_cast<std::size_t>(tail - text.data())))) {
+        sqlite3_finalize(compiled);
+        RaiseSqlite(ErrorsInCommand, "Characters found after end of SQL statement.", text);
+    }
+    if (!compiled) RaiseSqlite(ErrorsInCommand, "There is no statement in the text.", text);
+    return compiled;
+}
+
+Plan* Plans::Kept(std::string_view statement, std::vector<Literal>& literals) {
+    const auto [first, last] = byStart_.equal_range(StartOf(statement));
+    for (auto it = first; it != last; ++it) {
+        if (!it->second->shape.Matches(statement, literals)) continue;
+        kept_.splice(kept_.begin(), kept_, it->second);
+        return &kept_.front();
+    }
+    return nullptr;
+}
+
+Plan& Plans::Keep(Plan plan, std::string_view statement) {
+    const std::string_view start = StartOf(plan.shape.pieces.front());
+    if (statement.size() > LongestKept || start.size() < StartOf(statement).size()) return Once(std::move(plan));
+    if (kept_.size() == MostKept) {
+        const auto oldest = std::prev(kept_.end());
+        const auto [first, last] = byStart_.equal_range(StartOf(oldest->shape.pieces.front()));
+        byStart_.erase(std::find_if(first, last, [&](const auto& entry) { return entry.second == oldest; }));
+        kept_.erase(oldest);
+    }
+    kept_.push_front(std::move(plan));
+    byStart_.emplace(StartOf(kept_.front().shape.pieces.front()), kept_.begin());
+    return kept_.front();
+}
+
+Plan& Plans::Once(Plan plan) {
+    once_.reset();
+    return once_.emplace(std::move(plan));
+}
+
+Plan& Plans::For(std::string_view statement, std::vector<Literal>& literals) {
+    if (Plan* kept = Kept(statement, literals)) return *kept;
+    String room;
+    const std::string_view adapted = Adapted(statement, room);
+    Shape shape;
+    const bool own = adapted.data() == statement.data();
+    if (own && CutAtLiterals(adapted, shape, literals) &&
+        literals.size() <= static_cast<std::size_t>(sqlite3_limit(database_, SQLITE_LIMIT_VARIABLE_NUMBER, -1))) {
+        const std::string text = shape.Text();
+        sqlite3_stmt* compiled = Compile(text, true);
+        if (!compiled) {
+            const std::string balanced = WithBalancedOrChains(text);
+            if (balanced != text) compiled = Compile(balanced, true);
+        }
+        if (compiled) {
+            Plan plan(compiled);
+            plan.shape = std::move(shape);
+            return Keep(std::move(plan), statement);
+        }
+    }
+    literals.clear();
+    Plan plan(Compile(adapted, false));
+    if (sqlite3_bind_parameter_count(plan.Compiled()) > 0)
+        RaiseSqlite(UnknownName, "No value given for one or more required parameters.", statement);
+    return Once(std::move(plan));
+}
+
+Plan& Plans::ForMarked(std::string_view statement) {
+    std::vector<Literal> none;
+    if (Plan* kept = Kept(statement, none)) return *kept;
+    Plan plan(Compile(statement, false));
+    plan.shape.pieces.emplace_back(statement);
+    return Keep(std::move(plan), statement);
+}
+
+}  // namespace ADODB

@@ -1,0 +1,194 @@
+#include "platform/adodb/providers/sqlite/SqliteSession.h"
+
+#include "platform/adodb/providers/sqlite/SqliteErrors.h"
+#include "platform/adodb/providers/sqlite/SqlitePlans.h"
+
+#include <charconv>
+#include <limits>
+#include <sqlite3.h>
+
+namespace ADODB {
+namespace {
+
+constexpr int WaitForLock_ms = 15'000;
+
+struct CloseDatabase {
+    void operator()(sqlite3* database) const { sqlite3_close_v2(database); }
+};
+using Database = std::unique_ptr<sqlite3, CloseDatabase>;
+
+/// Ends a run however it ends: the plan is ready for the next one, and holds no value of this one.
+class Running {
+public:
+    explicit Running(sqlite3_stmt* compiled) : compiled_(compiled) {}
+    Running(const Running&) = delete;
+    ~Running() {
+        sqlite3_reset(compiled_);
+        sqlite3_clear_bindings(compiled_);
+    }
+
+private:
+    sqlite3_stmt* compiled_;
+};
+
+class SqliteSession final : public Session {
+public:
+    SqliteSession(Database database, bool readOnly)
+        : database_(std::move(database)), plans_(database_.get()), readOnly_(readOnly) {}
+
+    Outcome Run(std::string_view text) override {
+        Plan& plan = plans_.For(text, literals_);
+        const Running running(plan.Compiled());
+        Bind(plan.Compiled(), text);
+        const std::int64_t before = sqlite3_total_changes64(database_.get());
+        Outcome outcome;
+        Walk(plan, outcome, text);
+        const bool changed = sqlite3_total_changes64(database_.get()) != before;
+        if (!outcome.columns) outcome.affected = changed ? sqlite3_changes64(database_.get()) : 0;
+        return outcome;
+    }
+
+    std::int64_t Change(std::string_view text, std::span<const Variant> values) override {
+        Plan& plan = plans_.ForMarked(text);
+        const Running running(plan.Compiled());
+        for (std::size_t i = 0; i < values.size(); ++i)
+            Bind(plan.Compiled(), static_cast<int>(i) + 1, CellOf(values[i]), text);
+        if (sqlite3_step(plan.Compiled()) != SQLITE_DONE) RaiseSqlite(database_.get(), text);
+        return sqlite3_changes64(database_.get());
+    }
+
+    std::int64_t LastCounter() override { return sqlite3_last_insert_rowid(database_.get()); }
+
+    String Quoted(std::string_view name) const override { return '"' + Replace(name, "\"", "\"\"") + '"'; }
+
+    // The outermost transaction takes the write lock at once: two writers then wait for each other at
+    // the begin, where waiting helps, and not at the first write, where it can't.
+    void Begin(Long level) override {
+        Command(level == 1 ? (readOnly_ ? "BEGIN" : "BEGIN IMMEDIATE") : "SAVEPOINT level" + CStr(level));
+    }
+    void Commit(Long level) override { Command(level == 1 ? "COMMIT" : "RELEASE level" + CStr(level)); }
+    void RollBack(Long level) override {
+        if (sqlite3_get_autocommit(database_.get())) return;  // a failure has rolled it back already
+        if (level > 1) Command("ROLLBACK TO level" + CStr(level));
+        Command(level == 1 ? "ROLLBACK" : "RELEASE level" + CStr(level));
+    }
+    Long MostLevels() const override { return 5; }
+
+private:
+    void Command(const String& text) {
+        if (sqlite3_exec(database_.get(), text.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
+            RaiseSqlite(database_.get(), text);
+    }
+
+    void Bind(sqlite3_stmt* compiled, std::string_view statement) {
+        unquoted_.clear();
+        unquoted_.reserve(literals_.size());  // bound texts point into it
+        for (std::size_t i = 0; i < literals_.size(); ++i) {
+            const Literal& literal = literals_[i];
+            Cell cell;
+            if (!literal.isText) {
+                std::int64_t number = 0;
+                std::from_chars(literal.body.data(), literal.body.data() + literal.body.size(), number);
+                cell = Cell::Of(number);
+            } else if (literal.body.find('\'') == std::string_view::npos) {
+                cell = Cell::Of(literal.body);
+            } else {
+                cell = Cell::Of(std::string_view(unquoted_.emplace_back(Unquoted(literal.body))));
+            }
+            Bind(compiled, static_cast<int>(i) + 1, cell, statement);
+        }
+    }
+
+    /// A bound text isn't copied: it must live until the run ends.
+    void Bind(sqlite3_stmt* compiled, int at, const Cell& cell, std::string_view statement) {
+        int code = SQLITE_OK;
+        switch (cell.kind) {
+            case Cell::Kind::Null: code = sqlite3_bind_null(compiled, at); break;
+            case Cell::Kind::Whole: code = sqlite3_bind_int64(compiled, at, cell.whole); break;
+            case Cell::Kind::Real: code = sqlite3_bind_double(compiled, at, cell.real); break;
+            case Cell::Kind::Text:
+                code = sqlite3_bind_text64(compiled, at, cell.text ? cell.text : "", cell.length, SQLITE_STATIC,
+                                           SQLITE_UTF8);
+                break;
+        }
+        if (code != SQLITE_OK) RaiseSqlite(database_.get(), statement);
+    }
+
+    void Walk(Plan& plan, Outcome& outcome, std::string_view text) {
+        sqlite3_stmt* const compiled = plan.Compiled();
+        int code = sqlite3_step(compiled);
+        // The engine compiles anew when a table has changed, and the columns with it.
+        if (sqlite3_stmt_status(compiled, SQLITE_STMTSTATUS_REPREPARE, 1) > 0) plan.ForgetColumns();
+        outcome.columns = plan.ResultColumns(database_.get());
+        const int count = sqlite3_column_count(compiled);
+        cells_.resize(static_cast<std::size_t>(count));
+        for (; code == SQLITE_ROW; code = sqlite3_step(compiled)) {
+            for (int i = 0; i < count; ++i) cells_[static_cast<std::size_t>(i)] = CellAt(compiled, i);
+            outcome.rows.emplace_back(cells_);
+        }
+        if (code != SQLITE_DONE) RaiseSqlite(database_.get(), text);
+    }
+
+    static Cell CellAt(sqlite3_stmt* compiled, int at) {
+        switch (sqlite3_column_type(compiled, at)) {
+            case SQLITE_INTEGER: return Cell::Of(static_cast<std::int64_t>(sqlite3_column_int64(compiled, at)));
+            case SQLITE_FLOAT: return Cell::Of(sqlite3_column_double(compiled, at));
+            case SQLITE_NULL: return {};
+            default: {
+                const auto* text = static_cast<const char*>(sqlite3_column_blob(compiled, at));
+                return Cell::Of(std::string_view(text, static_cast<std::size_t>(sqlite3_column_bytes(compiled, at))));
+            }
+        }
+    }
+
+    Database database_;
+    Plans plans_;
+    bool readOnly_;
+    std::vector<Literal> literals_;
+    std::vector<std::string> unquoted_;
+    std::vector<Cell> cells_;
+};
+
+int FlagsOf(const String& mode) {
+    if (EqualsIgnoringCase(mode, "Read")) return SQLITE_OPEN_READONLY;
+    if (EqualsIgnoringCase(mode, "ReadWrite")) return SQLITE_OPEN_READWRITE;
+    if (EqualsIgnoringCase(mode, "Create")) return SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+    RaiseAdo(MultipleStepFailed, "ADODB.Connection",
+             "Mode=" + mode + " can't be honoured; it is Read, ReadWrite or Create.");
+}
+
+void RequireKnownSettings(const ConnectionString& settings) {
+    const String unknown = settings.FirstUnknown({"Provider", "Data Source", "Mode", "User ID", "Password"});
+    if (!unknown.empty())
+        RaiseAdo(MultipleStepFailed, "ADODB.Connection", "The setting \"" + unknown + "\" is not known.");
+    if (!settings.Value("Password").empty())
+        RaiseAdo(MultipleStepFailed, "ADODB.Connection", "A password can't be honoured: a file has no users.");
+    if (settings.Value("Data Source").empty())
+        RaiseAdo(MultipleStepFailed, "ADODB.Connection", "The connection string names no Data Source.");
+}
+
+void SetUp(sqlite3* database, bool readOnly) {
+    sqlite3_extended_result_codes(database, 1);
+    sqlite3_busy_timeout(database, WaitForLock_ms);
+    sqlite3_db_config(database, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);  // "name" is a name, never a text
+    sqlite3_db_config(database, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+    const char* const set = readOnly ? "SELECT count(*) FROM sqlite_schema"  // fails on what is no database
+                                     : "PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL;";
+    if (sqlite3_exec(database, set, nullptr, nullptr, nullptr) != SQLITE_OK) RaiseSqlite(database, set);
+}
+
+}  // namespace
+
+std::unique_ptr<Session> OpenSqlite(const ConnectionString& settings) {
+    RequireKnownSettings(settings);
+    const int flags = FlagsOf(settings.Value("Mode", "ReadWrite"));
+    const bool readOnly = (flags & SQLITE_OPEN_READONLY) != 0;
+    sqlite3* opened = nullptr;
+    const int code = sqlite3_open_v2(settings.Value("Data Source").c_str(), &opened, flags | SQLITE_OPEN_NOMUTEX, nullptr);
+    Database database(opened);
+    if (code != SQLITE_OK) RaiseSqlite(opened, {});
+    SetUp(opened, readOnly);
+    return std::make_unique<SqliteSession>(std::move(database), readOnly);
+}
+
+}  // namespace ADODB

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// The shape of a statement: its text with the literals lifted out, so that one compiled plan serves all
+/// statements that differ in their values only.
+///
+/// A literal is lifted only where a bound value means the same: in conditions, in lists of values and
+/// behind SET. In a select list it names a column, behind ORDER BY it is a position, in a type it is a
+/// width: there it stays. Floats stay too, because the engine reads their digits by its own arithmetic.
+namespace ADODB {
+
+/// A literal in a statement's text.
+struct Literal {
+    bool isText = false;
+    std::string_view body;  ///< the digits, or what stands between the quotes, doubled ones included
+};
+
+/// A statement cut at its literals: piece, literal, piece, ... piece.
+struct Shape {
+    std::vector<std::string> pieces;  ///< one more than there are literals
+
+    /// The text to compile, with "?" for each literal.
+    std::string Text() const;
+
+    /// True if `statement` has this shape; its literals then stand in `literals`, pointing into it.
+    bool Matches(std::string_view statement, std::vector<Literal>& literals) const;
+};
+
+/// Cuts a statement at the literals that may be lifted. False for a text that is better compiled as it
+/// stands: no select, insert, update or delete, a comment, a parameter of its own, something unended.
+bool CutAtLiterals(std::string_view statement, Shape& shape, std::vector<Literal>& literals);
+
+/// The value of a text literal: its body with each doubled quote made one.
+std::string Unquoted(std::string_view body);
+
+/// The statement with each long chain of OR terms put into parentheses as a balanced tree, which means
+/// the same and stays below the engine's limit for the depth of an expression. Texts without such a
+/// chain come back as they are.
+std::string WithBalancedOrChains(std::string_view statement);
+
+}  // namespace ADODB

@@ -1,0 +1,82 @@
+#include "platform/runtime/Collection.h"
+
+#include <algorithm>
+
+namespace Platform {
+
+Collection::Collection() = default;
+Collection::~Collection() = default;
+
+Long Collection::PositionOf(const Variant& indexOrKey) const {
+    if (!indexOrKey.Is<String>()) {
+        const Long position = CLng(indexOrKey);
+        if (position < 1 || position > Count()) Raise(err::OutOfBounds);
+        return position;
+    }
+    const auto found = keys_.find(LCase(indexOrKey.As<String>()));
+    if (found == keys_.end()) Raise(err::InvalidCall);
+    const auto at = std::find_if(nodes_.begin(), nodes_.end(),
+                                 [&](const auto& node) { return node.get() == found->second; });
+    return static_cast<Long>(at - nodes_.begin()) + 1;
+}
+
+Long Collection::PlaceFor(const Variant& before, const Variant& after) const {
+    if (before.Is<Empty>() && after.Is<Empty>()) return Count() + 1;
+    if (!before.Is<Empty>() && !after.Is<Empty>()) Raise(err::InvalidCall);
+    return before.Is<Empty>() ? PositionOf(after) + 1 : PositionOf(before);
+}
+
+void Collection::Shift(Long from, Long by) const {
+    for (Enumerator* walk : walks_)
+        if (walk->next_ > from) walk->next_ += by;
+}
+
+void Collection::Add(const Variant& item, const Variant& key, const Variant& before, const Variant& after) {
+    if (!key.Is<Empty>() && !key.Is<String>()) Raise(err::TypeMismatch);
+    const Long place = PlaceFor(before, after);
+    auto node = std::make_unique<Node>(Node{item, nullptr});
+    if (key.Is<String>()) {
+        const auto [entry, added] = keys_.try_emplace(LCase(key.As<String>()), node.get());
+        if (!added) Raise(err::DuplicateKey);
+        node->key = &entry->first;
+    }
+    nodes_.insert(nodes_.begin() + (place - 1), std::move(node));
+    if (place < Count()) Shift(place - 1, 1);
+}
+
+const Variant& Collection::At(Long position) const {
+    if (position < 1 || position > Count()) Raise(err::OutOfBounds);
+    return nodes_[static_cast<std::size_t>(position - 1)]->item;
+}
+
+const Variant& Collection::Item(const Variant& indexOrKey) const {
+    if (!indexOrKey.Is<String>()) return At(CLng(indexOrKey));
+    const auto found = keys_.find(LCase(indexOrKey.As<String>()));
+    if (found == keys_.end()) Raise(err::InvalidCall);
+    return found->second->item;
+}
+
+void Collection::Remove(const Variant& indexOrKey) {
+    const Long position = PositionOf(indexOrKey);
+    const auto at = nodes_.begin() + (position - 1);
+    const std::unique_ptr<Node> gone = std::move(*at);  // ends behind us, when the list is in order again
+    if (gone->key) keys_.erase(keys_.find(*gone->key));
+    nodes_.erase(at);
+    Shift(position, -1);
+}
+
+Ref<Enumerator> Collection::NewEnum() const { return New<Enumerator>(*this); }
+
+Enumerator::Enumerator(const Collection& collection) : collection_(&collection) {
+    collection.walks_.push_back(this);
+}
+
+Enumerator::~Enumerator() { std::erase(collection_->walks_, this); }
+
+bool Enumerator::Next(Variant& item) {
+    if (next_ > collection_->Count()) return false;
+    item = collection_->At(next_++);
+    return true;
+}
+
+}  // namespace Platform

@@ -1,0 +1,117 @@
+#include "kit/Database.h"
+
+#include "Schema.h"
+#include "platform/runtime/Services.h"
+
+#include <sqlite3.h>
+
+namespace TestKit {
+namespace {
+
+String PathOfDatabase(const TemporaryFolder& folder) { return (folder.Path() / "clinic.db").string(); }
+
+/// Runs a script of many statements on the file, which the connection itself refuses to do.
+void RunScript(const String& path, std::string_view script) {
+    sqlite3* database = nullptr;
+    char* message = nullptr;
+    sqlite3_open(path.c_str(), &database);
+    sqlite3_exec(database, ("BEGIN;" + String(script) + "COMMIT;").c_str(), nullptr, nullptr, &message);
+    sqlite3_close(database);
+    if (message) throw std::runtime_error(message);
+}
+
+const char* TypeName(const MemberType& type) {
+    using Kind = MemberType::Kind;
+    switch (type.Is) {
+        case Kind::None: return "";
+        case Kind::Boolean: return "boolean";
+        case Kind::Int16: return "int16";
+        case Kind::Int32: return "int32";
+        case Kind::Float32: return "float";
+        case Kind::Float64: return "double";
+        case Kind::Days: return "date";
+        case Kind::Text: return "string";
+        case Kind::Any: return "variant";
+        case Kind::Object:
+        case Kind::Enumeration: return type.Name;
+    }
+    return "";
+}
+
+String ArgumentText(const Argument& argument) {
+    const String text = String(argument.Name) + ": " + TypeName(argument.Type) + (argument.ByReference ? "&" : "");
+    return argument.Optional ? "[" + text + "]" : text;
+}
+
+String MemberText(const Member& member) {
+    if (member.Kind == MemberKind::Put || member.Kind == MemberKind::PutRef) {
+        const Argument& value = member.Arguments.back();
+        return String(member.Kind == MemberKind::Put ? "put " : "putref ") + member.Name + "(" +
+               TypeName(value.Type) + (value.ByReference ? "&" : "") + ")";
+    }
+    String text = (member.Kind == MemberKind::Get ? "get " : "") + member.Name;
+    if (member.Kind == MemberKind::Operation || !member.Arguments.empty()) {
+        text += "(";
+        for (const Argument& argument : member.Arguments)
+            text += (text.back() == '(' ? "" : ", ") + ArgumentText(argument);
+        text += ")";
+    }
+    if (member.Result.Is != MemberType::Kind::None) text += String(" -> ") + TypeName(member.Result);
+    return text;
+}
+
+}  // namespace
+
+TemporaryFolder::TemporaryFolder() {
+    String pattern = (std::filesystem::temp_directory_path() / "oxclass-XXXXXX").string();
+    if (!mkdtemp(pattern.data())) throw std::runtime_error("no temporary folder");
+    path_ = pattern;
+}
+
+TemporaryFolder::~TemporaryFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+}
+
+WithDatabase::WithDatabase() {
+    RunScript(PathOfDatabase(folder), schema::sqlite_sql);
+    con = Connect();
+    con->Advise(log);
+}
+
+WithDatabase::~WithDatabase() { con->Unadvise(log); }
+
+Ref<Connection> WithDatabase::Connect() const {
+    Ref<Connection> connection = New<Connection>();
+    connection->Open("Provider=SQLite;Data Source=" + PathOfDatabase(folder));
+    return connection;
+}
+
+void WithDatabase::Run(const String& statement) {
+    con->Unadvise(log);
+    con->Execute(statement);
+    con->Advise(log);
+}
+
+Variant WithDatabase::Ask(const String& select) {
+    con->Unadvise(log);
+    const Ref<Recordset> rows = con->Execute(select);
+    con->Advise(log);
+    return rows->Eof() ? Variant() : rows->Fields(0).Value();
+}
+
+void WithDatabase::LoadLayouts() { RunScript(PathOfDatabase(folder), schema::layouts_sql); }
+
+TextBoxes::TextBoxes() : before_(TheHost().MsgBox) {
+    TheHost().MsgBox = [this](const String& prompt, Long) { shown.push_back(prompt); };
+}
+
+TextBoxes::~TextBoxes() { TheHost().MsgBox = before_; }
+
+std::vector<String> MembersOf(const Object& object) {
+    std::vector<String> texts;
+    for (const Member& member : object.Describe().Members()) texts.push_back(MemberText(member));
+    return texts;
+}
+
+}  // namespace TestKit

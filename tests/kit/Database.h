@@ -1,0 +1,111 @@
+#pragma once
+
+#include "platform/adodb/Recordset.h"
+
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+/// What all tests of the classes stand on: a real database file with the real tables, and a record of
+/// every statement that was sent.
+namespace TestKit {
+
+using namespace Platform;
+using ADODB::Connection;
+using ADODB::Recordset;
+
+/// A folder of one test's own, gone with it.
+class TemporaryFolder {
+public:
+    TemporaryFolder();
+    ~TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    const std::filesystem::path& Path() const { return path_; }
+
+private:
+    std::filesystem::path path_;
+};
+
+/// Keeps each statement's whole text, as the connection announces it, and each step of a transaction as
+/// "BeginTrans", "CommitTrans", "RollbackTrans".
+class StatementLog : public ADODB::ConnectionEvents {
+public:
+    void WillExecute(ADODB::ExecuteRequest& request) override { statements.push_back(request.Source); }
+    void BeginTransComplete(Long) override { statements.emplace_back("BeginTrans"); }
+    void CommitTransComplete() override { statements.emplace_back("CommitTrans"); }
+    void RollbackTransComplete() override { statements.emplace_back("RollbackTrans"); }
+
+    std::vector<String> statements;
+};
+
+/// A test with a database: a fresh file with all tables, opened as `con`; `log` holds what was sent since
+/// the test's body began or since it was cleared.
+class WithDatabase : public ::testing::Test {
+protected:
+    WithDatabase();
+    ~WithDatabase() override;
+
+    /// Runs a statement of the test's own, outside of the log.
+    void Run(const String& statement);
+
+    /// The first column of the first row of a select of the test's own, outside of the log; `Empty` if
+    /// there is no row.
+    Variant Ask(const String& select);
+
+    /// Loads the standard layouts.
+    void LoadLayouts();
+
+    /// Another connection to the same file.
+    Ref<Connection> Connect() const;
+
+    const std::vector<String>& Sent() const { return log.statements; }
+
+    TemporaryFolder folder;
+    Ref<Connection> con;
+    StatementLog log;
+};
+
+/// The text boxes that were shown while this object lives; none reaches standard error.
+class TextBoxes {
+public:
+    TextBoxes();
+    ~TextBoxes();
+    TextBoxes(const TextBoxes&) = delete;
+
+    std::vector<String> shown;
+
+private:
+    std::function<void(const String&, Long)> before_;
+};
+
+/// The calling thread has another locale while this object lives.
+class InLocale {
+public:
+    explicit InLocale(const Locale& locale) : before_(UserLocale()) { SetUserLocale(locale); }
+    ~InLocale() { SetUserLocale(before_); }
+    InLocale(const InLocale&) = delete;
+
+private:
+    Locale before_;
+};
+
+/// A machine that writes decimal commas and the day first.
+inline const Locale DecimalComma{',', '.', Locale::Order::DayMonthYear};
+
+/// The members of an interface, one text each: "put Name(type)", "get Name -> type", "putref Name(type&)",
+/// "Name(arg: type, arg: type&, [arg: type]) -> type"; "&" marks an argument by reference, "[ ]" one that
+/// may be left out. What the tests compare with the documented interface.
+std::vector<String> MembersOf(const Object& object);
+
+/// The failure that `call` raises; number 0 if it raises none.
+template <class Call>
+Error FailureOf(Call call) {
+    try {
+        call();
+    } catch (const Error& failure) {
+        return failure;
+    }
+    return {};
+}
+
+}  // namespace TestKit

@@ -1,0 +1,68 @@
+#include "kit/FaultyProvider.h"
+
+namespace TestKit {
+namespace {
+
+using namespace ADODB;
+
+int failAt = 0;
+int calls = 0;
+
+void Count() {
+    if (++calls != failAt) return;
+    Error failure(Failed, "SQLite", "injected");
+    failure.Provider = "SQLite";
+    throw failure;
+}
+
+class FaultySession final : public Session {
+public:
+    explicit FaultySession(std::unique_ptr<Session> real) : real_(std::move(real)) {}
+
+    Outcome Run(std::string_view text) override {
+        Count();
+        return real_->Run(text);
+    }
+    std::int64_t Change(std::string_view text, std::span<const Variant> values) override {
+        Count();
+        return real_->Change(text, values);
+    }
+    std::int64_t LastCounter() override { return real_->LastCounter(); }
+    String Quoted(std::string_view name) const override { return real_->Quoted(name); }
+    void Begin(Long level) override {
+        Count();
+        real_->Begin(level);
+    }
+    void Commit(Long level) override {
+        Count();
+        real_->Commit(level);
+    }
+    void RollBack(Long level) override { real_->RollBack(level); }
+    Long MostLevels() const override { return real_->MostLevels(); }
+
+private:
+    std::unique_ptr<Session> real_;
+};
+
+std::unique_ptr<Session> OpenFaulty(const ConnectionString& settings) {
+    return std::make_unique<FaultySession>(FindProvider("SQLite")(settings));
+}
+
+}  // namespace
+
+void InstallFaultyProvider() {
+    static const bool installed = [] {
+        RegisterProvider("Faulty", OpenFaulty);
+        return true;
+    }();
+    static_cast<void>(installed);
+}
+
+void FailAtCall(int number) {
+    failAt = number;
+    calls = 0;
+}
+
+int CallsSoFar() { return calls; }
+
+}  // namespace TestKit
