@@ -63,6 +63,7 @@ TEST(DicomText, WithoutASetBytesAreUtf8OrLatin1) {
     EXPECT_EQ(Decoded("", "Müller"), "Müller");
     EXPECT_EQ(Decoded("", "M\xFCller"), "Müller");
     EXPECT_EQ(Decoded("ISO_IR 192", "M\xFCller"), "Müller") << "bytes that do not follow the stated set";
+    EXPECT_EQ(Decoded("ISO_IR 126", "\xC4\xFF"), "Äÿ") << "Greek has no sign for the second byte";
 }
 
 TEST(DicomText, UnknownOrCutEscapesLoseNothing) {
@@ -74,6 +75,7 @@ TEST(DicomText, UnknownOrCutEscapesLoseNothing) {
 TEST(DicomText, ResultIsAlwaysUtf8) {
     EXPECT_EQ(Decoded("", "\xED\xA0\x80"), "í\u00A0\u0080") << "a lone surrogate is not UTF-8";
     EXPECT_EQ(Decoded("", "\xC0\xAF"), "À¯") << "nor is an overlong form";
+    EXPECT_EQ(Decoded("", "\xE0\x80\xAF"), "à\u0080¯");
     EXPECT_EQ(Decoded("", "\xF4\x90\x80\x80"), "ô\u0090\u0080\u0080") << "nor a sign beyond the last";
     EXPECT_EQ(Decoded("", "\xE4\xB8"), "ä¸") << "nor half a sign";
 }

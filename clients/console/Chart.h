@@ -1,0 +1,22 @@
+#pragma once
+
+#include "console/Clinic.h"
+
+#include <map>
+
+#include "cards/cTemplate.h"
+
+namespace Console {
+
+/// A layout as a chart of characters, 100 wide: each slot a box at its place, with its frame number, and
+/// the text that `labels` has for it. An empty slot shows "-".
+std::string ChartOf(const OXClass::cTemplate& layout, const std::map<Platform::Long, std::string>& labels);
+
+/// Draws a series as it hangs, and names the images that hang nowhere; as JSON, its images by frame.
+/// Throws `Complaint` for an unknown series.
+void ShowSeries(const Options& options, Platform::Long series);
+
+/// Draws a stored series on an open database, as text.
+void PrintHungSeries(const Clinic& clinic, Platform::Long series);
+
+}  // namespace Console

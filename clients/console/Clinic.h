@@ -1,0 +1,55 @@
+#pragma once
+
+#include "console/Output.h"
+
+#include <filesystem>
+
+namespace Console {
+
+using ADODB::Connection;
+using ADODB::Recordset;
+using Platform::Ref;
+
+/// What all commands are told on the command line.
+struct Options {
+    std::string database;  ///< a file, or a full connection string; empty: OXCLASS_DB
+    bool json = false;
+    bool trace = false;
+};
+
+/// The connection string of a file or of a text that is one already. Raises `Complaint` for neither.
+std::string ConnectionStringOf(const std::string& database, const std::string& mode = {});
+
+/// An open clinic database, for one command.
+class Clinic {
+public:
+    /// Opens the database of the options. Throws `Complaint` if there is none, or if it is no clinic
+    /// database or a newer one.
+    explicit Clinic(const Options& options);
+    ~Clinic();
+    Clinic(const Clinic&) = delete;
+
+    const Ref<Connection>& Con() const noexcept { return con_; }
+
+    /// The rows of a statement of the program's own.
+    Ref<Recordset> Read(const std::string& statement) const;
+
+    /// A list of all columns of a statement, titled by their names; keys in lower case.
+    List ListOf(const std::string& statement) const;
+
+private:
+    class Trace;
+    void RequireClinic(const std::string& name) const;
+
+    Ref<Connection> con_;
+    std::unique_ptr<Trace> trace_;
+};
+
+/// Runs the statements of a script, one by one.
+void RunScript(const Ref<Connection>& con, std::string_view script);
+
+/// The path on this system of a file of an image store: stored names part their folders with "\".
+/// Throws `Complaint` for a name that leads out of its root.
+std::filesystem::path StoredPath(const std::string& root, const std::string& storedName);
+
+}  // namespace Console

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "console/Clinic.h"
+
+#include <CLI/CLI.hpp>
+
+/// The commands of the program. Each `Add...` puts its command into the program's parser; the work is
+/// done when the parser meets it. They throw `Complaint` and the library's `Error`.
+namespace Console {
+
+/// What a command works with: the options of the command line, and the exit code that it leaves.
+struct Program {
+    CLI::App app;
+    Options options;
+    int exitCode = 0;
+};
+
+void AddInit(Program& program);
+void AddImport(Program& program);
+void AddPatients(Program& program);    ///< patients, patient
+void AddRecords(Program& program);     ///< studies, series, images, comment
+void AddHanging(Program& program);     ///< hang
+void AddLayouts(Program& program);     ///< layouts, anatomy
+void AddSettings(Program& program);    ///< roots, setting, uid
+
+/// A whole number of the command line, "12" or "K12". Throws `Complaint` for anything else.
+Platform::Long NumberOf(const std::string& text, const char* what);
+
+}  // namespace Console

@@ -1,0 +1,90 @@
+#include "console/Commands.h"
+
+#include "Schema.h"
+#include "frame/Statement.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+namespace Console {
+namespace {
+
+namespace fs = std::filesystem;
+using OXClass::FixSqlString;
+using OXClass::sql;
+
+/// A file that is made beside its name and gets it when it is whole; whatever fails, nothing of it stays.
+class NewFile {
+public:
+    explicit NewFile(fs::path path) : path_(std::move(path)), made_(path_.string() + fmt::format(".new{}", getpid())) {}
+    ~NewFile() {
+        for (const char* end : {"", "-wal", "-shm", "-journal"}) {
+            std::error_code ignored;
+            fs::remove(made_.string() + end, ignored);
+        }
+    }
+    NewFile(const NewFile&) = delete;
+    const fs::path& Made() const { return made_; }
+    void Finish() { fs::rename(made_, path_); }
+
+private:
+    fs::path path_, made_;
+};
+
+void Fill(const fs::path& file, const fs::path& root) {
+    const Ref<Connection> con = Platform::New<Connection>();
+    con->Open(ConnectionStringOf(file.string(), "Create"));
+    con->BeginTrans();
+    RunScript(con, schema::sqlite_sql);
+    RunScript(con, schema::layouts_sql);
+    con->Execute(sql("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, '", FixSqlString(root.string()),
+                     "', 1);"));
+    con->CommitTrans();
+    con->Close();
+}
+
+/// Puts an existing database aside, so that nothing is lost.
+void PutAside(const fs::path& file, bool replace) {
+    if (!fs::exists(file)) return;
+    if (!replace)
+        throw Complaint(fmt::format("{} exists already and stays as it is; name another file, or use --replace to put "
+                                    "it aside as {}.old",
+                                    file.string(), file.string()));
+    const fs::path aside = file.string() + ".old";
+    if (fs::exists(aside))
+        throw Complaint(fmt::format("{} exists already; move it away first", aside.string()));
+    fs::rename(file, aside);
+}
+
+void Init(const std::string& name, const std::string& rootName, bool replace) {
+    const fs::path file = fs::absolute(name);
+    const fs::path root = fs::absolute(rootName.empty() ? file.parent_path() / "images" : fs::path(rootName));
+    if (!fs::is_directory(file.parent_path()))
+        throw Complaint(fmt::format("there is no folder {}; make it first", file.parent_path().string()));
+    if (fs::exists(file) && !replace) PutAside(file, false);
+    fs::create_directories(root);
+    NewFile made(file);
+    Fill(made.Made(), root);
+    PutAside(file, replace);
+    made.Finish();
+    fmt::print("{} is ready; images go to {}\nNext: oxclass --db {} import FOLDER\n", file.string(), root.string(), name);
+}
+
+}  // namespace
+
+void AddInit(Program& program) {
+    struct Arguments {
+        std::string file, root;
+        bool replace = false;
+    };
+    const auto given = std::make_shared<Arguments>();
+    auto* command = program.app.add_subcommand("init", "make a database with the standard layouts and a storage root");
+    command->add_option("FILE", given->file, "the database to make")->required();
+    command->add_option("--root", given->root, "folder for the image files; default: images beside the database")
+        ->type_name("DIR");
+    command->add_flag("--replace", given->replace, "put an existing database aside as FILE.old first");
+    command->footer("Example: oxclass init clinic.db --root /srv/images");
+    command->callback([given] { Init(given->file, given->root, given->replace); });
+}
+
+}  // namespace Console

@@ -1,0 +1,119 @@
+#include "console/Output.h"
+
+#include <algorithm>
+#include <chrono>
+#include <fmt/format.h>
+#include <unistd.h>
+
+namespace Console {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+double Seconds() {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+std::string CellText(const Json& value) {
+    if (value.is_null()) return {};
+    if (value.is_boolean()) return value.get<bool>() ? "yes" : "no";
+    return value.is_string() ? value.get<std::string>() : value.dump();
+}
+
+/// The columns of a terminal that a text takes: twice as many for a character of an eastern script.
+std::size_t Width(std::string_view text) {
+    std::size_t width = 0;
+    for (const char16_t unit : Platform::ToUtf16(text)) {
+        const bool wide = (unit >= 0x1100 && unit <= 0x115F) || (unit >= 0x2E80 && unit <= 0xA4CF) ||
+                          (unit >= 0xAC00 && unit <= 0xD7A3) || (unit >= 0xF900 && unit <= 0xFAFF) ||
+                          (unit >= 0xFE30 && unit <= 0xFE6F) || (unit >= 0xFF00 && unit <= 0xFF60);
+        width += wide ? 2 : 1;
+    }
+    return width;
+}
+
+}  // namespace
+
+Json AsJson(const Platform::Variant& value) {
+    using namespace Platform;
+    if (value.Is<Null>() || value.Is<Empty>()) return nullptr;
+    if (value.Is<bool>()) return value.As<bool>();
+    if (value.Is<Date>()) return DateText(value.As<Date>());
+    if (value.Is<Long>()) return value.As<Long>();
+    if (value.Is<Integer>()) return value.As<Integer>();
+    if (value.Is<std::int64_t>()) return value.As<std::int64_t>();
+    if (value.Is<double>()) return value.As<double>();
+    return CStr(value);
+}
+
+std::string DateText(Platform::Date date) {
+    if (date.Days == 0) return {};
+    const bool wholeDay = date.Days == static_cast<double>(static_cast<long>(date.Days));
+    return Platform::FormatDate(date, wholeDay ? "yyyy-mm-dd" : "yyyy-mm-dd hh:nn:ss");
+}
+
+void PrintJson(const Json& json) {
+    fmt::print("{}\n", json.dump(2, ' ', false, Json::error_handler_t::replace));
+}
+
+void List::Print(bool asJson, const std::string& whenEmpty) const {
+    if (!asJson) {
+        if (rows_.empty()) return fmt::print("{}\n", whenEmpty);
+        return PrintText();
+    }
+    Json all = Json::array();
+    for (const auto& row : rows_) {
+        Json object;
+        for (std::size_t i = 0; i < columns_.size(); ++i) object[columns_[i].key] = row[i];
+        all.push_back(std::move(object));
+    }
+    PrintJson(all);
+}
+
+void List::PrintText() const {
+    std::vector<std::size_t> widths;
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
+        std::size_t width = Width(columns_[i].title);
+        for (const auto& row : rows_) width = std::max(width, Width(CellText(row[i])));
+        widths.push_back(width);
+    }
+    const auto line = [&](auto cell) {
+        std::string text;
+        for (std::size_t i = 0; i < columns_.size(); ++i) {
+            const std::string value = cell(i);
+            text += value + std::string(widths[i] - Width(value) + 2, ' ');
+        }
+        text.erase(text.find_last_not_of(' ') + 1);
+        fmt::print("{}\n", text);
+    };
+    line([&](std::size_t i) { return columns_[i].title; });
+    for (const auto& row : rows_)
+        line([&](std::size_t i) { return CellText(row[i]); });
+}
+
+Progress::Progress(std::string what, std::size_t total)
+    : what_(std::move(what)), total_(total), started_(Seconds()), shown_(started_), terminal_(isatty(STDERR_FILENO) != 0) {}
+
+Progress::~Progress() { Clear(); }
+
+void Progress::Step() {
+    ++done_;
+    const double pause = terminal_ ? 0.1 : 5;
+    if (Seconds() - shown_ >= pause) Show();
+}
+
+void Progress::Show() {
+    shown_ = Seconds();
+    const double rate = static_cast<double>(done_) / std::max(shown_ - started_, 0.001);
+    fmt::print(stderr, "{}{} of {} {}, {:.0f} a second{}", terminal_ ? "\r" : "", done_, total_, what_, rate,
+               terminal_ ? "\033[K" : "\n");
+    std::fflush(stderr);
+    lineOpen_ = terminal_;
+}
+
+void Progress::Clear() {
+    if (lineOpen_) fmt::print(stderr, "\r\033[K");
+    lineOpen_ = false;
+}
+
+}  // namespace Console

@@ -1,0 +1,119 @@
+#include "console/Commands.h"
+
+#include "frame/Statement.h"
+#include "people/cPatient.h"
+
+#include <fmt/format.h>
+
+namespace Console {
+namespace {
+
+using namespace OXClass;
+using Json = nlohmann::ordered_json;
+
+void ListPatients(const Options& options, const std::string& text) {
+    const Clinic clinic(options);
+    const std::string where =
+        text.empty() ? ""
+                     : sql(" WHERE instr(upper(LastName_NVC || ' ' || FirstName_NVC || ' ' || PersonNr_CH), '",
+                           UCase(FixSqlString(text)), "') > 0");
+    const List list = clinic.ListOf(
+        "SELECT p.PatientID AS Number, PersonNr_CH AS ID, LastName_NVC AS \"Last name\", FirstName_NVC AS \"First "
+        "name\", Birthdate_CH AS Born, Sex_CH AS Sex, (SELECT count(*) FROM Study_T s WHERE s.PatientID = "
+        "p.PatientID) AS Studies FROM Patient_T p" +
+        where + " ORDER BY LastName_NVC, FirstName_NVC, p.PatientID");
+    list.Print(options.json, text.empty() ? "There are no patients yet; import some with: oxclass import FOLDER"
+                                          : "No patient matches \"" + text + "\".");
+}
+
+/// A patient by the text identifier, or by the number behind a "#".
+Ref<cPatient> LoadPatient(const Clinic& clinic, const std::string& id) {
+    Ref<cPatient> patient = New<cPatient>();
+    const bool byNumber = id.starts_with('#');
+    const Long number = byNumber ? NumberOf(id.substr(1), "a patient") : 0;
+    if (patient->LoadOnPatientIDorPDBID(clinic.Con(), byNumber ? String() : id, number) == 0)
+        throw Complaint(fmt::format("there is no patient {}; see: oxclass patients", id));
+    return patient;
+}
+
+/// The fields that can be shown and set, by the names of the class.
+struct Field {
+    const char* name;
+    String cPatient::*text;
+};
+constexpr Field TextFields[] = {
+    {"LastName", &cPatient::LastName},   {"FirstName", &cPatient::FirstName}, {"Sex", &cPatient::Sex},
+    {"Address", &cPatient::Address},     {"TelOne", &cPatient::TelOne},       {"TelTwo", &cPatient::TelTwo},
+    {"TelMobile", &cPatient::TelMobile}, {"EMail", &cPatient::EMail},         {"Comments", &cPatient::Comments},
+    {"IDImg", &cPatient::IDImg},
+};
+
+Date DateOf(const std::string& value) {
+    if (value.empty()) return {};
+    const auto date = ParseDate(value);
+    if (!date) throw Complaint(fmt::format("\"{}\" is no date; write it as 1980-01-31", value));
+    return *date;
+}
+
+void SetField(cPatient& patient, const std::string& assignment) {
+    const auto equals = assignment.find('=');
+    const std::string name = assignment.substr(0, equals);
+    if (equals == std::string::npos)
+        throw Complaint(fmt::format("\"{}\" sets nothing; write FIELD=VALUE", assignment));
+    const std::string value = assignment.substr(equals + 1);
+    for (const Field& field : TextFields) {
+        if (!EqualsIgnoringCase(field.name, name)) continue;
+        patient.*field.text = value;
+        return;
+    }
+    if (EqualsIgnoringCase(name, "BirthDate")) return void(patient.BirthDate = DateOf(value));
+    if (EqualsIgnoringCase(name, "PrevXrayDate")) return void(patient.PrevXrayDate = DateOf(value));
+    if (EqualsIgnoringCase(name, "RespDoctor")) return void(patient.RespDoctor = NumberOf(value, "a doctor"));
+    if (EqualsIgnoringCase(name, "OtherIDs")) return patient.OtherIDs->FillFromString(value);
+    throw Complaint(fmt::format("a patient has no field \"{}\"; oxclass patient ID shows them all", name));
+}
+
+Json Shown(const cPatient& patient) {
+    Json json;
+    json["Number"] = patient.ID;
+    json["PatientID"] = patient.PatientID;
+    for (const Field& field : TextFields) json[field.name] = patient.*field.text;
+    json["BirthDate"] = DateText(patient.BirthDate);
+    json["PrevXrayDate"] = DateText(patient.PrevXrayDate);
+    json["RespDoctor"] = patient.RespDoctor;
+    json["OtherIDs"] = patient.OtherIDs->GetAllAsString();
+    return json;
+}
+
+void ShowPatient(const Options& options, const std::string& id, const std::vector<std::string>& assignments) {
+    const Clinic clinic(options);
+    const Ref<cPatient> patient = LoadPatient(clinic, id);
+    for (const std::string& assignment : assignments) SetField(*patient, assignment);
+    if (!assignments.empty()) patient->Save(clinic.Con());
+    const Json json = Shown(*patient);
+    if (options.json) return PrintJson(json);
+    for (const auto& [name, value] : json.items())
+        fmt::print("{:<13} {}\n", name, value.is_string() ? value.get<std::string>() : value.dump());
+}
+
+}  // namespace
+
+void AddPatients(Program& program) {
+    struct Arguments {
+        std::string text;
+        std::vector<std::string> assignments;
+    };
+    const auto given = std::make_shared<Arguments>();
+    auto* list = program.app.add_subcommand("patients", "list the patients, or those whose name or ID holds a text");
+    list->add_option("TEXT", given->text, "a part of the name or of the ID");
+    list->footer("Example: oxclass patients ander");
+    list->callback([&program, given] { ListPatients(program.options, given->text); });
+
+    auto* one = program.app.add_subcommand("patient", "show a patient, and set single fields");
+    one->add_option("ID", given->text, "the patient's ID, or # and the number")->required();
+    one->add_option("FIELD=VALUE", given->assignments, "fields to set, by the names that are shown");
+    one->footer("Example: oxclass patient TEST-FMX18 LastName=Ek BirthDate=1980-01-31");
+    one->callback([&program, given] { ShowPatient(program.options, given->text, given->assignments); });
+}
+
+}  // namespace Console

@@ -1,0 +1,66 @@
+#include "console/Program.h"
+
+#include "console/Commands.h"
+
+#include <charconv>
+#include <fmt/format.h>
+
+namespace Console {
+namespace {
+
+void AddCommonOptions(Program& program) {
+    program.app.add_option("--db", program.options.database,
+                           "database file, or a full connection string; default: OXCLASS_DB")
+        ->type_name("FILE");
+    program.app.add_flag("--json", program.options.json, "print lists as JSON, for scripts");
+    program.app.add_flag("--trace", program.options.trace, "print each statement with its time to standard error");
+    program.app.fallthrough();
+    program.app.require_subcommand(1);
+    program.app.failure_message(CLI::FailureMessage::simple);
+}
+
+int Complain(const std::string& text) {
+    std::string line = text;
+    for (char& c : line)
+        if (c == '\n' || c == '\r') c = ' ';
+    fmt::print(stderr, "oxclass: {}\n", line);
+    return Failed;
+}
+
+}  // namespace
+
+Platform::Long NumberOf(const std::string& text, const char* what) {
+    Platform::Long number = 0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (result.ec != std::errc() || result.ptr != text.data() + text.size())
+        throw Complaint(fmt::format("\"{}\" is no number of {}; the list shows the numbers", text, what));
+    return number;
+}
+
+int RunProgram(int argc, const char* const* argv) {
+    Program program;
+    program.app.description(
+        "Clinic databases of dental images: import radiographs, hang them in layouts, look at what is kept.\n"
+        "Example: oxclass init clinic.db && oxclass --db clinic.db import ~/radiographs");
+    AddCommonOptions(program);
+    AddInit(program);
+    AddImport(program);
+    AddPatients(program);
+    AddRecords(program);
+    AddHanging(program);
+    AddLayouts(program);
+    AddSettings(program);
+    try {
+        program.app.parse(argc, argv);
+        return program.exitCode;
+    } catch (const CLI::ParseError& e) {
+        return program.app.exit(e) == 0 ? Done : WrongUsage;
+    } catch (const Platform::Error& failure) {
+        const std::string statement = failure.Statement.empty() ? "" : " (in: " + failure.Statement + ")";
+        return Complain(fmt::format("error {}: {}{}", failure.Number, failure.Description, statement));
+    } catch (const std::exception& failure) {
+        return Complain(failure.what());
+    }
+}
+
+}  // namespace Console

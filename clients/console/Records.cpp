@@ -1,0 +1,128 @@
+#include "console/Commands.h"
+
+#include "console/Chart.h"
+#include "frame/Statement.h"
+#include "images/cImages.h"
+#include "platform/runtime/Services.h"
+
+#include <fmt/format.h>
+
+namespace Console {
+namespace {
+
+using namespace OXClass;
+
+/// " WHERE column = 'value'" for a filter that is given.
+std::string Filter(const char* column, const std::string& value) {
+    return value.empty() ? "" : std::string(" WHERE ") + column + sql(" = '", FixSqlString(value), "'");
+}
+
+void ListStudies(const Options& options, const std::string& patient) {
+    const Clinic clinic(options);
+    clinic
+        .ListOf("SELECT Study_ID AS Study, PersonNr_CH AS Patient, StudyDateTime AS Date, Studydesc AS Description, "
+                "(SELECT count(*) FROM Series_T WHERE Series_T.Study_ID = Study_T.Study_ID) AS Series, "
+                "StudyInstanceUID AS UID FROM Study_T LEFT JOIN Patient_T ON Patient_T.PatientID = "
+                "Study_T.PatientID" +
+                Filter("PersonNr_CH", patient) + " ORDER BY StudyDateTime, Study_ID")
+        .Print(options.json, "There are no studies.");
+}
+
+void ListSeries(const Options& options, const std::string& patient) {
+    const Clinic clinic(options);
+    clinic
+        .ListOf("SELECT Series_ID AS Series, Series_T.Study_ID AS Study, PersonNr_CH AS Patient, SeriesDateTime AS "
+                "Date, Modality, NumberOfImages AS Images, template_ID AS Layout, SeriesDescription AS Description "
+                "FROM Series_T LEFT JOIN Study_T ON Study_T.Study_ID = Series_T.Study_ID LEFT JOIN Patient_T ON "
+                "Patient_T.PatientID = Study_T.PatientID" +
+                Filter("PersonNr_CH", patient) + " ORDER BY SeriesDateTime, Series_ID")
+        .Print(options.json, "There are no series.");
+}
+
+/// The where clause of the images that are asked for.
+std::string ImagesClause(const std::string& patient, const std::string& series) {
+    if (!series.empty()) return sql("where Series_ID=", NumberOf(series, "a series"));
+    if (patient.empty()) return "where 1=1";
+    return sql("where PatientID IN (SELECT PatientID FROM Patient_T WHERE PersonNr_CH='", FixSqlString(patient), "')");
+}
+
+void ListImages(const Options& options, const std::string& patient, const std::string& series) {
+    const Clinic clinic(options);
+    const Ref<cImages> images = New<cImages>();
+    images->LoadAll4Object(clinic.Con(), iootUnknown, 0, ImagesClause(patient, series));
+    List list({{"image", "Image"}, {"series", "Series"}, {"frame", "Frame"}, {"teeth", "Teeth"}, {"side", "Side"},
+               {"region", "Region"}, {"modifier", "Modifier"}, {"date", "Date"}, {"kv", "kV"}, {"ma", "mA"},
+               {"ms", "ms"}, {"file", "File"}});
+    for (const cImage& image : *images)
+        list.Add({image.ID, image.seriesID, image.FrameNumber, image.sTeeth, image.Laterality, image.AnaRegion,
+                  image.AnaRegionMod, DateText(image.dateTime), image.Voltage_kV, image.Current_mA,
+                  image.ExposureTime_ms, image.URL});
+    list.Print(options.json, "There are no images.");
+}
+
+void PrintComments(const Options& options, cImage& image, const Clinic& clinic) {
+    image.GetComments(clinic.Con());
+    List list({{"date", "Date"}, {"signature", "Signature"}, {"comment", "Comment"}});
+    for (const cStringItem& comment : *image.Comments())
+        list.Add({DateText(comment.DateStamp), comment.Signature, comment.str});
+    list.Print(options.json, "The image has no comments.");
+}
+
+void Comment(const Options& options, const std::string& number, const std::string& text,
+             const std::string& signature) {
+    constexpr Long width = 150;
+    const Clinic clinic(options);
+    const Ref<cImage> image = New<cImage>();
+    if (!image->GetImage(clinic.Con(), NumberOf(number, "an image")))
+        throw Complaint(fmt::format("there is no image {}; see: oxclass images", number));
+    image->GetComments(clinic.Con());
+    if (!text.empty()) {
+        if (Len(text) > width || Len(signature) > width)
+            throw Complaint(fmt::format("a comment and its signature have at most {} characters each", width));
+        image->addComment(text, signature, Now(), false);
+        image->Save(clinic.Con());
+    }
+    PrintComments(options, *image, clinic);
+}
+
+}  // namespace
+
+void AddRecords(Program& program) {
+    struct Arguments {
+        std::string patient, series, image, text, signature;
+    };
+    const auto given = std::make_shared<Arguments>();
+    const auto patientOption = [&](CLI::App* command) {
+        command->add_option("--patient", given->patient, "of this patient ID only")->type_name("ID");
+    };
+    auto* studies = program.app.add_subcommand("studies", "list the studies");
+    patientOption(studies);
+    studies->footer("Example: oxclass studies --patient TEST-FMX18");
+    studies->callback([&program, given] { ListStudies(program.options, given->patient); });
+
+    auto* series = program.app.add_subcommand("series", "list the series, or draw one as it hangs in its layout");
+    series->add_option("SERIES", given->series, "number of a series");
+    patientOption(series);
+    series->footer("Example: oxclass series 1");
+    series->callback([&program, given] {
+        if (given->series.empty()) return ListSeries(program.options, given->patient);
+        ShowSeries(program.options, NumberOf(given->series, "a series"));
+    });
+
+    auto* images = program.app.add_subcommand("images", "list the images with frame, teeth and exposure");
+    patientOption(images);
+    images->add_option("--series", given->series, "of this series only")->type_name("SERIES");
+    images->footer("Example: oxclass images --series 1");
+    images->callback([&program, given] { ListImages(program.options, given->patient, given->series); });
+
+    auto* comment = program.app.add_subcommand("comment", "list the comments of an image, or add one");
+    comment->add_option("IMAGE", given->image, "number of an image")->required();
+    comment->add_option("TEXT", given->text, "the comment to add");
+    comment->add_option("--signature", given->signature, "who says so")->type_name("NAME");
+    comment->footer("Example: oxclass comment 3 \"caries distal 15\" --signature AB");
+    comment->callback([&program, given] {
+        Comment(program.options, given->image, given->text, given->signature);
+    });
+}
+
+}  // namespace Console

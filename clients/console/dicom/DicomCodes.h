@@ -1,0 +1,70 @@
+#pragma once
+
+#include <array>
+#include <set>
+#include <string>
+#include <string_view>
+
+namespace Console {
+
+/// A coded entry as DICOM files carry it: code value, coding scheme designator, and a text to read.
+struct DicomCode {
+    std::string value;
+    std::string scheme;
+    std::string meaning;
+};
+
+/// The coding that a file of some age uses for the same tooth or region.
+///
+/// Files of all three generations are in use, so all are read. New files get `Current`.
+enum class CodeGeneration {
+    Current,   ///< SNOMED CT codes as of today
+    Previous,  ///< the SNOMED CT codes that these replaced; the same code where nothing changed
+    Srt        ///< the retired SNOMED codes that start with "T-", coding scheme designator "SRT"
+};
+
+/// The 52 tooth numbers in the order in which teeth are always listed: quadrant by quadrant, the
+/// permanent teeth 11 to 48 first, then the deciduous ones 51 to 85.
+extern const std::array<int, 52> AllTeeth;
+
+/// The two-digit tooth number that a code stands for, 0 for a code that names no tooth.
+///
+/// Knows every generation. The coding scheme designator is not asked for: the code values of the
+/// schemes differ in form, and makers write the designator in many ways.
+int ToothOfCode(std::string_view value);
+
+/// The region code that the library's images carry, for a coded anatomic region: "T-11170" upper jaw,
+/// "T-11180" lower jaw, "T-D1213" both jaws, "T-11100" skull. Empty for a code of any other region.
+///
+/// "T-D1217", which some makers write for both jaws, is passed on as it is: hanging knows it.
+std::string RegionOfCode(std::string_view value);
+
+/// The region modifier that the library's images carry, "T-51005" (central incisor) to "T-5100C"
+/// (third molar), for a coded modifier of the anatomic region. Empty for any other code.
+std::string RegionModifierOfCode(std::string_view value);
+
+/// The code that a file states for `tooth`. Throws `std::invalid_argument` when `tooth` is not one of
+/// `AllTeeth`, and when the generation has no code for it: the SRT codes of deciduous teeth are not
+/// known here.
+DicomCode CodeOfTooth(int tooth, CodeGeneration generation = CodeGeneration::Current);
+
+/// The code that a file states for a region, given as `RegionOfCode` returns it; "T-D1217" gives the
+/// code itself in every generation, as it has no other form. Throws `std::invalid_argument` for a region
+/// that is not one of these.
+DicomCode CodeOfRegion(std::string_view region, CodeGeneration generation = CodeGeneration::Current);
+
+/// The current code of a region modifier, given as `RegionModifierOfCode` returns it. Throws
+/// `std::invalid_argument` for any other text.
+DicomCode CodeOfRegionModifier(std::string_view modifier);
+
+/// True for teeth of the upper jaw. `tooth` is one of `AllTeeth`, here and below.
+bool IsUpperTooth(int tooth);
+
+/// True for teeth of the patient's right side, which is the viewer's left on a hung examination.
+bool IsRightTooth(int tooth);
+
+/// The tooth string that the library stores: two digits and a comma for each tooth, in the order of
+/// `AllTeeth`. Empty for no teeth.
+std::string ToothString(const std::set<int>& teeth);
+
+}  // namespace Console

@@ -1,0 +1,440 @@
+#include "console/dicom/DicomFile.h"
+
+#include "console/dicom/DicomCodes.h"
+#include "console/dicom/DicomText.h"
+
+#include <dcmtk/config/osconfig.h>
+#include <dcmtk/dcmdata/dctk.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <chrono>
+#include <cmath>
+#include <cstring>
+#include <fstream>
+#include <set>
+#include <stdexcept>
+
+namespace Console {
+namespace {
+
+/// Values longer than this many bytes stay in the file until somebody asks for them.
+constexpr Uint32 LongestValueRead = 64 * 1024;
+
+// ---------------------------------------------------------------------------------------------- texts
+
+std::string Trimmed(std::string_view text) {
+    constexpr std::string_view padding(" \0", 2);
+    const auto first = text.find_first_not_of(padding);
+    if (first == std::string_view::npos) return {};
+    return std::string(text.substr(first, text.find_last_not_of(padding) - first + 1));
+}
+
+std::vector<std::string> Split(std::string_view text, char separator) {
+    std::vector<std::string> parts;
+    for (;;) {
+        const auto end = text.find(separator);
+        parts.push_back(Trimmed(text.substr(0, end)));
+        if (end == std::string_view::npos) return parts;
+        text.remove_prefix(end + 1);
+    }
+}
+
+// ------------------------------------------------------------------------------------- days and times
+
+std::string DigitsOf(std::string_view text, std::string_view separators) {
+    std::string digits;
+    for (const char c : text) {
+        if (separators.find(c) == std::string_view::npos) digits += c;
+    }
+    return digits;
+}
+
+bool AllDigits(std::string_view text) {
+    return std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
+}
+
+int NumberAt(const std::string& digits, std::size_t position, std::size_t length) {
+    return std::stoi(digits.substr(position, length));
+}
+
+/// "YYYY-MM-DD" for "YYYYMMDD" and the older "YYYY.MM.DD"; empty for what is no calendar day.
+std::string DayText(std::string_view value) {
+    const std::string digits = DigitsOf(value, ".-");
+    if (digits.size() != 8 || !AllDigits(digits)) return {};
+    const std::chrono::year_month_day day{std::chrono::year{NumberAt(digits, 0, 4)},
+                                          std::chrono::month{static_cast<unsigned>(NumberAt(digits, 4, 2))},
+                                          std::chrono::day{static_cast<unsigned>(NumberAt(digits, 6, 2))}};
+    if (!day.ok()) return {};
+    return digits.substr(0, 4) + "-" + digits.substr(4, 2) + "-" + digits.substr(6, 2);
+}
+
+/// "hh:mm:ss" for "hhmmss.ffffff", "hhmm", "hh" and the older "hh:mm:ss"; midnight for anything else. A
+/// leap second counts as the second before it.
+std::string TimeText(std::string_view value) {
+    std::string digits = DigitsOf(value.substr(0, value.find('.')), ":");
+    if (digits.size() % 2 != 0 || digits.size() > 6 || !AllDigits(digits)) digits.clear();
+    digits.resize(6, '0');
+    if (digits.compare(4, 2, "60") == 0) digits.replace(4, 2, "59");
+    const bool real =
+        NumberAt(digits, 0, 2) < 24 && NumberAt(digits, 2, 2) < 60 && NumberAt(digits, 4, 2) < 60;
+    if (!real) return "00:00:00";
+    return digits.substr(0, 2) + ":" + digits.substr(2, 2) + ":" + digits.substr(4, 2);
+}
+
+std::string PointInTime(std::string_view day, std::string_view time) {
+    const std::string date = DayText(day);
+    return date.empty() ? date : date + " " + TimeText(time);
+}
+
+/// For a value that holds day and time in one, with an optional zone, which is left out.
+std::string PointInTime(std::string_view both) {
+    const std::string_view local = both.substr(0, both.find_first_of("+-"));
+    if (local.size() < 8) return {};
+    return PointInTime(local.substr(0, 8), local.substr(8));
+}
+
+// ------------------------------------------------------------------------------------------ the file
+
+std::string RawText(DcmItem& item, const DcmTagKey& tag) {
+    const char* text = nullptr;
+    return item.findAndGetString(tag, text).good() && text != nullptr ? text : "";
+}
+
+/// A number that DICOM stores in two bytes; 0 if it is absent.
+int Binary(DcmItem& item, const DcmTagKey& tag) {
+    Uint16 number = 0;
+    return item.findAndGetUint16(tag, number).good() ? number : 0;
+}
+
+/// Reads values of one data set as plain texts and numbers.
+class Values {
+public:
+    explicit Values(DcmItem& dataset) : decoder(RawText(dataset, DCM_SpecificCharacterSet)) {}
+
+    /// The whole value with all its parts, in UTF-8, trimmed; empty if it is absent.
+    std::string Text(DcmItem& item, const DcmTagKey& tag) const {
+        return Trimmed(decoder.Decode(RawText(item, tag)));
+    }
+
+    std::vector<std::string> Texts(DcmItem& item, const DcmTagKey& tag) const {
+        std::vector<std::string> texts = Split(Text(item, tag), '\\');
+        std::erase(texts, "");
+        return texts;
+    }
+
+    /// The number at `position` of the value, 0 if there is none.
+    double Number(DcmItem& item, const DcmTagKey& tag, std::size_t position = 0) const {
+        const std::vector<std::string> parts = Split(Text(item, tag), '\\');
+        if (position >= parts.size()) return 0;
+        const std::string& part = parts[position];
+        const std::size_t sign = part.starts_with('+') ? 1 : 0;
+        double number = 0;
+        std::from_chars(part.data() + sign, part.data() + part.size(), number);
+        return std::isfinite(number) ? number : 0;
+    }
+
+    /// The same for a whole number, 0 too where it does not fit.
+    int Whole(DcmItem& item, const DcmTagKey& tag) const {
+        const double number = Number(item, tag);
+        return std::abs(number) < 2147483648.0 ? static_cast<int>(number) : 0;
+    }
+
+private:
+    TextDecoder decoder;
+};
+
+/// Calls `visit` with each item of the sequence `tag`; does nothing if it is absent.
+template <class Visitor>
+void EachItem(DcmItem& parent, const DcmTagKey& tag, const Visitor& visit) {
+    DcmSequenceOfItems* sequence = nullptr;
+    if (parent.findAndGetSequence(tag, sequence).bad() || sequence == nullptr) return;
+    for (unsigned long i = 0; i < sequence->card(); ++i) visit(*sequence->getItem(i));
+}
+
+/// Fills a `RadiographFile` from a data set, one subject an operation.
+class Describer {
+public:
+    explicit Describer(DcmItem& dataset) : set(dataset), values(dataset) {}
+
+    RadiographFile Describe() {
+        Patient();
+        Study();
+        Series();
+        Image();
+        Exposure();
+        Anatomy();
+        Device();
+        return std::move(file);
+    }
+
+private:
+    std::string Text(const DcmTagKey& tag) { return values.Text(set, tag); }
+
+    void Patient() {
+        file.patientID = Text(DCM_PatientID);
+        file.issuer = Text(DCM_IssuerOfPatientID);
+        file.patientName = Text(DCM_PatientName);
+        const PersonName name = SplitPersonName(file.patientName);
+        file.familyName = name.family;
+        file.givenName = name.given;
+        file.sex = Text(DCM_PatientSex);
+        file.birthDate = DayText(Text(DCM_PatientBirthDate));
+        for (const std::string& id : values.Texts(set, DCM_RETIRED_OtherPatientIDs)) AddOtherID(id);
+        EachItem(set, DCM_OtherPatientIDsSequence,
+                 [&](DcmItem& item) { AddOtherID(values.Text(item, DCM_PatientID)); });
+    }
+
+    void AddOtherID(const std::string& id) {
+        std::vector<std::string>& ids = file.otherPatientIDs;
+        if (!id.empty() && std::ranges::find(ids, id) == ids.end()) ids.push_back(id);
+    }
+
+    void Study() {
+        file.studyUID = Text(DCM_StudyInstanceUID);
+        file.studyID = Text(DCM_StudyID);
+        file.studyDateTime = PointInTime(Text(DCM_StudyDate), Text(DCM_StudyTime));
+        file.studyDescription = Text(DCM_StudyDescription);
+        file.accessionNumber = Text(DCM_AccessionNumber);
+        file.referringPhysician = Text(DCM_ReferringPhysicianName);
+        file.physiciansOfRecord = values.Texts(set, DCM_PhysiciansOfRecord);
+    }
+
+    void Series() {
+        file.seriesUID = Text(DCM_SeriesInstanceUID);
+        file.seriesNumber = values.Whole(set, DCM_SeriesNumber);
+        file.seriesDateTime = PointInTime(Text(DCM_SeriesDate), Text(DCM_SeriesTime));
+        file.seriesDescription = Text(DCM_SeriesDescription);
+        file.modality = Text(DCM_Modality);
+        file.operatorsName = Text(DCM_OperatorsName);
+    }
+
+    void Image() {
+        file.sopInstanceUID = Text(DCM_SOPInstanceUID);
+        file.sopClassUID = Text(DCM_SOPClassUID);
+        file.instanceNumber = values.Whole(set, DCM_InstanceNumber);
+        file.acquisitionDateTime = AcquisitionDateTime();
+        file.rows = Binary(set, DCM_Rows);
+        file.columns = Binary(set, DCM_Columns);
+        const DcmTagKey& spacing =
+            values.Number(set, DCM_PixelSpacing) > 0 ? DCM_PixelSpacing : DCM_ImagerPixelSpacing;
+        file.rowSpacing_mm = std::max(0.0, values.Number(set, spacing, 0));
+        file.columnSpacing_mm = std::max(0.0, values.Number(set, spacing, 1));
+        file.dpiX = DotsPerInch(file.columnSpacing_mm);
+        file.dpiY = DotsPerInch(file.rowSpacing_mm);
+    }
+
+    std::string AcquisitionDateTime() {
+        const std::string candidates[] = {PointInTime(Text(DCM_AcquisitionDateTime)),
+                                          PointInTime(Text(DCM_AcquisitionDate), Text(DCM_AcquisitionTime)),
+                                          PointInTime(Text(DCM_ContentDate), Text(DCM_ContentTime)),
+                                          file.seriesDateTime, file.studyDateTime};
+        const auto known = std::ranges::find_if(candidates, [](const auto& text) { return !text.empty(); });
+        return known == std::end(candidates) ? std::string() : *known;
+    }
+
+    static int DotsPerInch(double spacing) {
+        const double dots = spacing > 0 ? 25.4 / spacing : 0;
+        return dots < 1e6 ? static_cast<int>(std::lround(dots)) : 0;
+    }
+
+    void Exposure() {
+        file.kvp = values.Number(set, DCM_KVP);
+        file.tubeCurrent_mA = InMilli(DCM_XRayTubeCurrent, DCM_XRayTubeCurrentInuA);
+        file.exposureTime_ms = InMilli(DCM_ExposureTime, DCM_ExposureTimeInuS);
+    }
+
+    /// A quantity that a file states in milli units, rounded to whole ones, or finer in micro units.
+    double InMilli(const DcmTagKey& milli, const DcmTagKey& micro) {
+        const double fine = values.Number(set, micro) / 1000;
+        return fine > 0 ? fine : values.Number(set, milli);
+    }
+
+    void Anatomy() {
+        std::set<int> teeth;
+        CollectTeeth(set, teeth);
+        EachItem(set, DCM_AnatomicRegionSequence, [&](DcmItem& item) {
+            CollectTeeth(item, teeth);
+            Region(item);
+        });
+        file.teeth = ToothString(teeth);
+        file.bodyPartExamined = Text(DCM_BodyPartExamined);
+        file.laterality = Laterality();
+        DropContradictions(teeth);
+    }
+
+    void CollectTeeth(DcmItem& parent, std::set<int>& teeth) {
+        EachItem(parent, DCM_PrimaryAnatomicStructureSequence, [&](DcmItem& item) {
+            const int tooth = ToothOfCode(values.Text(item, DCM_CodeValue));
+            if (tooth != 0) teeth.insert(tooth);
+        });
+    }
+
+    void Region(DcmItem& item) {
+        const std::string region = RegionOfCode(values.Text(item, DCM_CodeValue));
+        if (file.region.empty()) file.region = region;
+        if (region.empty() && file.regionText.empty()) file.regionText = values.Text(item, DCM_CodeMeaning);
+        EachItem(item, DCM_AnatomicRegionModifierSequence, [&](DcmItem& modifier) {
+            const std::string code = RegionModifierOfCode(values.Text(modifier, DCM_CodeValue));
+            if (file.regionModifier.empty()) file.regionModifier = code;
+        });
+    }
+
+    /// Of the image, else of the series. "U", unpaired, says nothing about a side.
+    std::string Laterality() {
+        for (const DcmTagKey& tag : {DCM_ImageLaterality, DCM_Laterality}) {
+            const std::string side = Text(tag);
+            if (side == "L" || side == "R" || side == "B") return side;
+        }
+        return {};
+    }
+
+    /// Teeth are listed one by one, while region and side often keep what the previous picture had. So the
+    /// teeth win: a jaw region must be theirs, and a stated side must have one of them. A film across the
+    /// midline may lawfully be called left or right; "B" asks for teeth on both sides.
+    void DropContradictions(const std::set<int>& teeth) {
+        if (teeth.empty()) return;
+        const bool upper = std::ranges::any_of(teeth, IsUpperTooth);
+        const bool lower = !std::ranges::all_of(teeth, IsUpperTooth);
+        const bool right = std::ranges::any_of(teeth, IsRightTooth);
+        const bool left = !std::ranges::all_of(teeth, IsRightTooth);
+        const std::string& region = file.region;
+        const bool bothJaws = region == "T-D1213" || region == "T-D1217";
+        if ((bothJaws && !(upper && lower)) || (region == "T-11170" && lower) ||
+            (region == "T-11180" && upper))
+            file.region.clear();
+        const std::string& side = file.laterality;
+        if ((side != "L" && !side.empty() && !right) || (side != "R" && !side.empty() && !left))
+            file.laterality.clear();
+    }
+
+    void Device() {
+        file.manufacturer = Text(DCM_Manufacturer);
+        file.model = Text(DCM_ManufacturerModelName);
+        file.serialNumber = Text(DCM_DeviceSerialNumber);
+    }
+
+    DcmItem& set;
+    Values values;
+    RadiographFile file;
+};
+
+// ------------------------------------------------------------------------------------------- checking
+
+[[noreturn]] void Refuse(const std::string& why) { throw std::runtime_error(why); }
+
+/// The first and the last bytes of a file.
+struct Ends {
+    std::string first;  ///< 132 bytes, enough for the mark; less in a shorter file
+    std::string last;   ///< 8 bytes
+
+    /// True when the file starts as DICOM files with a preamble do.
+    bool Marked() const { return first.size() == 132 && first.substr(128) == "DICM"; }
+
+    /// True when the file ends with the mark that closes compressed pixels.
+    bool Closed() const { return last == std::string_view("\xFE\xFF\xDD\xE0\0\0\0\0", 8); }
+};
+
+void CheckLoaded(const OFCondition& loaded, bool marked) {
+    if (loaded.good()) return;
+    if (!marked) Refuse("not a DICOM file");
+    const bool ended = loaded == EC_StreamNotifyClient || loaded == EC_EndOfStream ||
+                       loaded == EC_SequDelimitationItemMissing || loaded == EC_InvalidStream;
+    if (ended) Refuse("file is cut short: it ends inside a value");
+    Refuse(std::string("damaged DICOM file: ") + loaded.text());
+}
+
+void CheckIsImage(DcmFileFormat& file, bool marked) {
+    DcmDataset& set = *file.getDataset();
+    if (set.tagExists(DCM_DirectoryRecordSequence))
+        Refuse("a DICOMDIR, which lists files and holds no picture");
+    if (!marked && !set.tagExists(DCM_SOPClassUID)) Refuse("not a DICOM file");
+    if (!set.tagExists(DCM_PixelData)) Refuse("no pixel data");
+}
+
+void CheckIdentified(const RadiographFile& file) {
+    if (file.sopInstanceUID.empty()) Refuse("no SOP Instance UID");
+    if (file.studyUID.empty()) Refuse("no Study Instance UID");
+    if (file.seriesUID.empty()) Refuse("no Series Instance UID");
+}
+
+/// Uncompressed gray pixels must be as many as rows and columns say.
+void CheckPixelLength(DcmDataset& set, const RadiographFile& file) {
+    if (file.rows <= 0 || file.columns <= 0) Refuse("no picture size: Rows or Columns is missing");
+    DcmElement* pixels = nullptr;
+    const bool gray = Binary(set, DCM_SamplesPerPixel) == 1;
+    if (!gray || DcmXfer(set.getOriginalXfer()).isEncapsulated()) return;
+    if (set.findAndGetElement(DCM_PixelData, pixels).bad()) return;
+    const double needed = std::ceil(1.0 * file.rows * file.columns * Binary(set, DCM_BitsAllocated) / 8);
+    if (pixels->getLengthField() < needed)
+        Refuse("file is cut short: fewer pixels than its " + std::to_string(file.rows) + " rows of " +
+               std::to_string(file.columns));
+}
+
+/// The toolkit takes compressed pixels that end between two of their parts for whole.
+void CheckPixelsClosed(DcmDataset& set, const Ends& ends) {
+    const bool last = set.getElement(set.card() - 1)->getTag() == DCM_PixelData;
+    if (last && DcmXfer(set.getOriginalXfer()).isEncapsulated() && !ends.Closed())
+        Refuse("file is cut short: its compressed pixels have no end");
+}
+
+RadiographFile DescribeChecked(DcmFileFormat& file, const OFCondition& loaded, const Ends& ends) {
+    CheckLoaded(loaded, ends.Marked());
+    CheckIsImage(file, ends.Marked());
+    RadiographFile described = Describer(*file.getDataset()).Describe();
+    CheckIdentified(described);
+    CheckPixelLength(*file.getDataset(), described);
+    CheckPixelsClosed(*file.getDataset(), ends);
+    return described;
+}
+
+void SilenceToolkit() {
+    static const bool once = [] {
+        OFLog::configure(OFLogger::OFF_LOG_LEVEL);
+        return true;
+    }();
+    static_cast<void>(once);
+}
+
+std::string BytesAt(std::istream& in, std::streamoff position, std::size_t count) {
+    std::string bytes(count, '\0');
+    in.clear();
+    in.seekg(position);
+    in.read(bytes.data(), static_cast<std::streamsize>(count));
+    bytes.resize(static_cast<std::size_t>(in.gcount()));
+    return bytes;
+}
+
+Ends EndsOf(const std::filesystem::path& path) {
+    std::error_code unknown;
+    if (std::filesystem::is_directory(path, unknown)) Refuse("is a folder");
+    std::ifstream in(path, std::ios::binary);
+    if (!in) Refuse(std::string("cannot be read: ") + std::strerror(errno));
+    in.seekg(0, std::ios::end);
+    const std::streamoff size = in.tellg();
+    if (size <= 0) Refuse("the file is empty");
+    return {BytesAt(in, 0, 132), BytesAt(in, std::max<std::streamoff>(0, size - 8), 8)};
+}
+
+}  // namespace
+
+PersonName SplitPersonName(const std::string& name) {
+    for (const std::string& writing : Split(name, '=')) {
+        std::vector<std::string> parts = Split(writing, '^');
+        parts.resize(std::max<std::size_t>(parts.size(), 3));
+        PersonName person{parts[0], Trimmed(parts[1] + " " + parts[2])};
+        if (!person.family.empty() || !person.given.empty()) return person;
+    }
+    return {};
+}
+
+RadiographFile ReadRadiograph(const std::filesystem::path& path) {
+    SilenceToolkit();
+    const Ends ends = EndsOf(path);
+    DcmFileFormat file;
+    const OFCondition loaded = file.loadFile(path.c_str(), EXS_Unknown, EGL_noChange, LongestValueRead);
+    return DescribeChecked(file, loaded, ends);
+}
+
+}  // namespace Console

@@ -1,0 +1,93 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace Console {
+
+/// What a radiograph's DICOM file says about the patient, the examination and the picture.
+///
+/// All texts are UTF-8 without the padding of the file, empty where the file says nothing; numbers are
+/// then 0. Days read "YYYY-MM-DD", points in time "YYYY-MM-DD hh:mm:ss" in the time of the place where the
+/// picture was taken; a day or time that no calendar knows counts as not said. Person names are as in the
+/// file, their parts separated by "^" (see `SplitPersonName`). A plain value: copy it freely.
+struct RadiographFile {
+    std::string patientID;
+    std::string issuer;                        ///< who gave the patient ID; it is unique only with this
+    std::vector<std::string> otherPatientIDs;  ///< in the order of the file, no doubles
+    std::string patientName;                   ///< whole, with all its parts and writings
+    std::string familyName;
+    std::string givenName;  ///< first and middle names
+    std::string sex;        ///< "M", "F", "O" or empty
+    std::string birthDate;
+
+    std::string studyUID;  ///< never empty
+    std::string studyID;
+    std::string studyDateTime;  ///< midnight when only the day is stated
+    std::string studyDescription;
+    std::string accessionNumber;
+    std::string referringPhysician;
+    std::vector<std::string> physiciansOfRecord;
+
+    std::string seriesUID;  ///< never empty
+    int seriesNumber = 0;
+    std::string seriesDateTime;
+    std::string seriesDescription;
+    std::string modality;  ///< "IO", "PX", "DX" ...
+    std::string operatorsName;
+
+    std::string sopInstanceUID;  ///< never empty
+    std::string sopClassUID;
+    int instanceNumber = 0;
+    std::string acquisitionDateTime;  ///< of acquisition, else content, else series, else study
+
+    int rows = 0;
+    int columns = 0;
+    double rowSpacing_mm = 0;     ///< from row to row, that is downwards; at the patient if the file tells,
+    double columnSpacing_mm = 0;  ///< else at the sensor
+    int dpiX = 0;                 ///< pixels an inch by `columnSpacing_mm`
+    int dpiY = 0;
+
+    double kvp = 0;
+    double tubeCurrent_mA = 0;
+    double exposureTime_ms = 0;
+
+    std::string laterality;      ///< "L", "R", "B" or empty; empty also when the teeth contradict the file
+    std::string teeth;           ///< tooth string, "16,17,": two digits and a comma a tooth, no doubles
+    std::string region;          ///< "T-11170" ...; empty also when the teeth contradict the file
+    std::string regionModifier;  ///< "T-51005" ... "T-5100C" or empty
+    std::string regionText;      ///< the file's own words for a coded region that `region` has no code for
+    std::string bodyPartExamined;
+
+    std::string manufacturer;  ///< of the device that took the picture, as are model and serial number
+    std::string model;
+    std::string serialNumber;
+};
+
+/// Family and given name of a DICOM person name.
+struct PersonName {
+    std::string family;
+    std::string given;  ///< first and middle names, separated by a blank
+};
+
+/// Takes a DICOM person name apart. A name of several writings gives the first that has a text, which is
+/// the Latin one where there is one. A name without "^" is all family name.
+PersonName SplitPersonName(const std::string& name);
+
+/// Reads the radiograph `path` without its pixels.
+///
+/// Large values stay in the file, so reading takes little memory however large the picture is, and yet a
+/// file that ends before its pixels do is noticed. Teeth, regions and modifiers are read in all
+/// generations of their codes. A stated region or side that the listed teeth contradict is dropped, so that
+/// whoever needs it derives it from the teeth. Texts are converted from the file's character set; where
+/// the file names none, or one that its bytes do not follow, they count as UTF-8 if they can be and as
+/// Latin-1 if not.
+///
+/// Throws `std::runtime_error` whose text tells in one clause, without the path, why the file is no
+/// radiograph: not readable, not DICOM, cut short, a DICOMDIR, without one of the three UIDs, without
+/// pixels. Silences the toolkit's own log, which would repeat the same on standard error. Calls from
+/// several threads are safe.
+RadiographFile ReadRadiograph(const std::filesystem::path& path);
+
+}  // namespace Console
