@@ -1,0 +1,193 @@
+#include "bench/ByHand.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <sqlite3.h>
+#include <stdexcept>
+
+namespace Bench {
+namespace {
+
+/// The columns that are read, in one order for all three selects.
+#define COLUMNS                                                                                                   \
+    "Approved, Brightness_INT, Contrast_INT, DateCaptured_SD, ExposureTime_F, GraphicURL_NVC, "                   \
+    "HardwareSourcetxt_NVC, ImageBildID, ImageType, Invert_BT, PatientID, Responsible_Person_NVC, "               \
+    "ImageBild_T.RootId, Root_T.Status, Root_T.RootDirectory, AnaRegion, AnaRegionMod, Laterality, PriStructure, " \
+    "MirrRotStatus, CRC, DPIY_INT, DPIX_INT, Voltage_INT, Current_INT, Capture_Person_NVC, Study_ID, Series_ID, "  \
+    "SOPInstanceUID_NVC, ImageNumberInSeries, DicomStatus_INT, FrameNumber_INT, SubType_INT, Gamma_INT, "          \
+    "AnatomicRegion, DCMDerived_BT FROM ImageBild_T LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId "
+
+std::string Text(sqlite3_stmt* row, int column) {
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(row, column));
+    return text ? std::string(text, static_cast<std::size_t>(sqlite3_column_bytes(row, column))) : std::string();
+}
+
+/// Days of a date text "yyyy-mm-dd hh:nn:ss", by the civil calendar.
+double Days(sqlite3_stmt* row, int column) {
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(row, column));
+    if (!text || sqlite3_column_bytes(row, column) < 19) return 0;
+    const auto number = [&](int from, int count) {
+        int value = 0;
+        for (int i = from; i < from + count; ++i) value = value * 10 + text[i] - '0';
+        return value;
+    };
+    const int month = number(5, 2), year = number(0, 4) - (month <= 2);
+    const int era = year / 400, ofEra = year - era * 400;
+    const int dayOfYear = (153 * (month + (month > 2 ? -3 : 9)) + 2) / 5 + number(8, 2) - 1;
+    const int days = era * 146097 + ofEra * 365 + ofEra / 4 - ofEra / 100 + dayOfYear - 719468 + 25569;
+    return days + (number(11, 2) * 3600 + number(14, 2) * 60 + number(17, 2)) / 86400.0;
+}
+
+void Read(sqlite3_stmt* row, HandImage& image) {
+    int column = 0;
+    const auto whole = [&] { return sqlite3_column_int64(row, column++); };
+    const auto text = [&] { return Text(row, column++); };
+    image.approved = whole() != 0;
+    image.brightness = whole();
+    image.contrast = whole();
+    image.captured = Days(row, column++);
+    image.exposure = whole();
+    image.url = text();
+    image.source = text();
+    image.id = whole();
+    image.type = whole();
+    image.invert = whole() != 0;
+    image.patient = whole();
+    image.responsible = text();
+    image.root = whole();
+    image.rootStatus = whole();
+    image.rootDirectory = text();
+    image.region = text();
+    image.modifier = text();
+    image.laterality = text();
+    image.teeth = text();
+    image.mirror = whole();
+    image.crc = text();
+    image.dpiY = whole();
+    image.dpiX = whole();
+    image.voltage = whole();
+    image.current = whole();
+    image.capture = text();
+    image.study = whole();
+    image.series = whole();
+    image.uid = text();
+    image.number = whole();
+    image.status = whole();
+    image.frame = whole();
+    image.subType = whole();
+    image.gamma = whole();
+    image.crop = text();
+    image.derived = whole();
+}
+
+/// Binds values in order; texts are not copied.
+class Binder {
+public:
+    explicit Binder(sqlite3_stmt* statement) : statement_(statement) {}
+    Binder& operator<<(std::int64_t value) {
+        sqlite3_bind_int64(statement_, ++at_, value);
+        return *this;
+    }
+    Binder& operator<<(const std::string& value) {
+        sqlite3_bind_text(statement_, ++at_, value.data(), static_cast<int>(value.size()), SQLITE_STATIC);
+        return *this;
+    }
+
+private:
+    sqlite3_stmt* statement_;
+    int at_ = 0;
+};
+
+const std::string Empty;
+const std::string ZeroDate = "1899-12-30 00:00:00";
+
+}  // namespace
+
+ByHand::ByHand(const std::string& path) {
+    if (sqlite3_open_v2(path.c_str(), &database_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr) != SQLITE_OK)
+        throw std::runtime_error("can't open " + path);
+    Execute("PRAGMA journal_mode=WAL");
+    Execute("PRAGMA synchronous=NORMAL");
+    ofPatient_ = Prepare("SELECT " COLUMNS "WHERE PatientID=? ORDER BY DateCaptured_SD, ImageBildID");
+    ofSeries_ = Prepare("SELECT " COLUMNS "WHERE Series_ID=? ORDER BY DateCaptured_SD, ImageBildID");
+    one_ = Prepare("SELECT " COLUMNS "WHERE ImageBildID=?");
+    insert_ = Prepare(
+        "INSERT INTO ImageBild_T (ToothCollectionID, PatientID, DateCaptured_SD, Comments_NVC, StandCollName_NVC, "
+        "ComputedDPI_INT, HardwareSourceId_INT, HardwareSourcetxt_NVC, RootId, GraphicURL_NVC, Invert_BT, "
+        "StretchIntens_BT, Rotation_INT, Contrast_INT, Brightness_INT, Histogram_BT, ExposureTime_F, HorizMirror_BT, "
+        "VerticalMirror_BT, Responsible_Person_NVC, Approved, MirrRotStatus, ImageType, CRC, DPIY_INT, DPIX_INT, "
+        "Voltage_INT, Current_INT, Capture_Person_NVC, Pregnant_BT, XRaySource_NVC, PrevXrayDate_DT, Dosage_INT, "
+        "Study_ID, Series_ID, SOPInstanceUID_NVC, ImageNumberInSeries, DicomStatus_INT, FrameNumber_INT, "
+        "AnatomicRegion, DCMDerived_BT, Laterality, AnaRegion, AnaRegionMod, PriStructure, SubType_INT, Gamma_INT) "
+        "VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)");
+    newest_ = Prepare("SELECT MAX(ImageBildID) FROM ImageBild_T WHERE GraphicURL_NVC=? AND PatientID=?");
+    update_ = Prepare(
+        "UPDATE ImageBild_T SET ImageType=?, GraphicURL_NVC=?, Approved=?, MirrRotStatus=?, DPIY_INT=?, DPIX_INT=?, "
+        "ComputedDPI_INT=?, PriStructure=?, Study_ID=?, Series_ID=?, SOPInstanceUID_NVC=?, HardwareSourcetxt_NVC=?, "
+        "ImageNumberInSeries=?, dicomStatus_INT=?, AnaRegion=?, AnaRegionMod=?, FrameNumber_INT=?, Gamma_INT=?, "
+        "Invert_BT=?, Contrast_INT=?, Brightness_INT=?, CRC=?, Laterality=?, PatientID=?, Capture_Person_NVC=?, "
+        "Responsible_Person_NVC=?, Voltage_INT=?, DCMDerived_BT=?, SubType_INT=?, Current_INT=?, AnatomicRegion=?, "
+        "ExposureTime_F=? WHERE ImageBildID=?");
+}
+
+ByHand::~ByHand() {
+    for (sqlite3_stmt* statement : all_) sqlite3_finalize(statement);
+    sqlite3_close(database_);
+}
+
+void ByHand::Execute(const char* statement) {
+    if (sqlite3_exec(database_, statement, nullptr, nullptr, nullptr) != SQLITE_OK)
+        throw std::runtime_error(sqlite3_errmsg(database_));
+}
+
+sqlite3_stmt* ByHand::Prepare(const char* statement) {
+    sqlite3_stmt* compiled = nullptr;
+    if (sqlite3_prepare_v3(database_, statement, -1, SQLITE_PREPARE_PERSISTENT, &compiled, nullptr) != SQLITE_OK)
+        throw std::runtime_error(sqlite3_errmsg(database_));
+    all_.push_back(compiled);
+    return compiled;
+}
+
+std::vector<HandImage> ByHand::Load(sqlite3_stmt* statement, std::int64_t key) {
+    std::vector<HandImage> images;
+    sqlite3_bind_int64(statement, 1, key);
+    while (sqlite3_step(statement) == SQLITE_ROW) Read(statement, images.emplace_back());
+    sqlite3_reset(statement);
+    return images;
+}
+
+bool ByHand::LoadImage(std::int64_t id, HandImage& image) {
+    sqlite3_bind_int64(one_, 1, id);
+    const bool found = sqlite3_step(one_) == SQLITE_ROW;
+    if (found) Read(one_, image);
+    sqlite3_reset(one_);
+    return found;
+}
+
+std::int64_t ByHand::Insert(const HandImage& i) {
+    Binder(insert_) << 0 << i.patient << ZeroDate << Empty << Empty << i.dpiX << 100 << i.source << i.root << i.url
+                    << i.invert << 0 << 0 << i.contrast << i.brightness << 0 << i.exposure << 0 << 0 << i.responsible
+                    << (i.approved ? -1 : 0) << i.mirror << i.type << i.crc << i.dpiY << i.dpiX << i.voltage
+                    << i.current << Empty << 0 << Empty << ZeroDate << 0 << i.study << i.series << i.uid << i.number
+                    << i.status << i.frame << i.crop << i.derived << i.laterality << i.region << i.modifier << i.teeth
+                    << i.subType << i.gamma;
+    if (sqlite3_step(insert_) != SQLITE_DONE) throw std::runtime_error(sqlite3_errmsg(database_));
+    sqlite3_reset(insert_);
+    Binder(newest_) << i.url << i.patient;
+    sqlite3_step(newest_);
+    const std::int64_t id = sqlite3_column_int64(newest_, 0);
+    sqlite3_reset(newest_);
+    return id;
+}
+
+void ByHand::Update(const HandImage& i) {
+    Binder(update_) << i.type << i.url << (i.approved ? -1 : 0) << i.mirror << i.dpiY << i.dpiX << i.dpiX << i.teeth
+                    << i.study << i.series << i.uid << i.source << i.number << i.status << i.region << i.modifier
+                    << i.frame << i.gamma << i.invert << i.contrast << i.brightness << i.crc << i.laterality
+                    << i.patient << i.capture << i.responsible << i.voltage << i.derived << i.subType << i.current
+                    << i.crop << i.exposure << i.id;
+    if (sqlite3_step(update_) != SQLITE_DONE) throw std::runtime_error(sqlite3_errmsg(database_));
+    sqlite3_reset(update_);
+}
+
+}  // namespace Bench
