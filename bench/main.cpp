@@ -98,14 +98,16 @@ Ref<cImage> ObjectOf(const HandImage& image) {
     return object;
 }
 
+/// Takes out what saves put in, also those of a run that was cut short.
+void Forget(ByHand& hand) {
+    hand.Execute("DELETE FROM ImageBild_T WHERE Series_ID >= 9000000");
+    hand.Execute("PRAGMA wal_checkpoint(TRUNCATE)");
+}
+
 void Save(const Ref<Connection>& con, ByHand& hand, bool oneTransaction) {
     constexpr int count = 5'000;
     std::vector<HandImage> values;
     for (int i = 0; i < count; ++i) values.push_back(SampleOf(i));
-    const auto forget = [&] {
-        hand.Execute("DELETE FROM ImageBild_T WHERE Series_ID >= 9000000");
-        hand.Execute("PRAGMA wal_checkpoint(TRUNCATE)");
-    };
     PrintRatio(
         oneTransaction ? "5,000 saves in one transaction, one" : "5,000 saves each on its own, one", count, 7,
         [&] {
@@ -122,8 +124,8 @@ void Save(const Ref<Connection>& con, ByHand& hand, bool oneTransaction) {
             for (const HandImage& value : values) Require(hand.Insert(HandImage(value)) > 0);
             if (oneTransaction) hand.Execute("COMMIT");
         },
-        forget);
-    forget();
+        [&] { Forget(hand); });
+    Forget(hand);
 }
 
 using TeethOfFilms = std::vector<const char*>;
@@ -196,7 +198,7 @@ void HangStored(const Ref<Connection>& con, ByHand& hand, std::size_t count) {
             for (const HandImage& image : loaded) hand.Update(image);
             hand.Execute("COMMIT");
         });
-    hand.Execute("DELETE FROM ImageBild_T WHERE Series_ID >= 9000000");
+    Forget(hand);
 }
 
 }  // namespace
@@ -207,6 +209,7 @@ int main(int argc, char** argv) {
     const std::string path = ClinicWithMillionImages(folder);
     const Ref<Connection> con = Connect(path);
     ByHand hand(path);
+    Forget(hand);
     std::printf("%-52s %12s  %12s  %6s\n", "", "library", "by hand", "ratio");
     LoadPatient(con, hand);
     LoadSingle(con, hand);

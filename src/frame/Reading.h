@@ -21,25 +21,26 @@ Ref<Recordset> OpenUpdatable(const Ref<Connection>& con, const String& statement
 /// member can't take, 3265 for a missing column; so do the two below, nulls excepted.
 template <class T>
 T Direct(const Ref<Recordset>& rs, std::string_view column) {
-    return To<T>(rs->Fields(column).Value());
+    return rs->Fields(column).As<T>();
 }
 
 /// A column as text, a null as the empty text.
 inline String Joined(const Ref<Recordset>& rs, std::string_view column) {
-    Variant value = rs->Fields(column).Value();
-    return value.Is<Null>() ? String() : To<String>(std::move(value));
+    const ADODB::Field field = rs->Fields(column);
+    return field.IsNull() ? String() : field.As<String>();
 }
 
 /// A column through `NzValue`: a null or a blank as 0.
 template <class T>
 T Nz(const Ref<Recordset>& rs, std::string_view column) {
-    return To<T>(NzValue(rs->Fields(column).Value()));
+    const ADODB::Field field = rs->Fields(column);
+    return field.IsNull() || field.IsText() ? To<T>(NzValue(field.Value())) : field.As<T>();
 }
 
 /// A column as a whole number, `otherwise` for a null.
 inline Long OrElse(const Ref<Recordset>& rs, std::string_view column, Long otherwise) {
-    const Variant value = rs->Fields(column).Value();
-    return value.Is<Null>() ? otherwise : CLng(value);
+    const ADODB::Field field = rs->Fields(column);
+    return field.IsNull() ? otherwise : field.As<Long>();
 }
 
 /// A value as a date of whole seconds; what is no date raises 13, a null too.

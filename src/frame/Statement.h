@@ -2,6 +2,9 @@
 
 #include "frame/modGeneral.h"
 
+#include <array>
+#include <charconv>
+
 /// Statements, joined from pieces of which none can be spliced by oversight.
 ///
 ///     con->Execute(sql("Update GlobalList_T ", "Set ListID=", ListID, ",",
@@ -57,7 +60,9 @@ public:
     template <class T>
         requires(std::is_same_v<T, Long> || std::is_same_v<T, Integer> || std::is_enum_v<T>)
     void Add(T number) {
-        text_ += CStr(static_cast<std::int64_t>(number));
+        std::array<char, 12> digits;
+        const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), Long{number}).ptr;
+        text_.append(digits.data(), end);
     }
     void Add(const Escaped& escaped) { text_ += escaped.Text(); }
     void Add(const Decimal& number) { text_ += number.text; }

@@ -32,6 +32,7 @@ void Recordset::Release() {
     if (columns_ && connection_) std::erase(connection_->open_, this);
     columns_.reset();
     rows_.clear();
+    store_ = {};
     edit_.reset();
     onDeleted_ = false;
 }
@@ -68,6 +69,7 @@ void Recordset::TakeResult(Ref<Connection> connection, ExecuteRequest&& request,
     columns_ = std::move(outcome.columns);
     if (!columns_) return;
     rows_ = std::move(outcome.rows);
+    store_ = std::move(outcome.store);
     position_ = 0;
     bof_ = eof_ = rows_.empty();
     connection_->open_.push_back(this);
@@ -190,11 +192,6 @@ void Recordset::RequireCurrent() const {
     Result();
     if (onDeleted_) RaiseAdo(DeletedRow, Self);
     if (bof_ || eof_) RaiseAdo(adErrNoCurrentRecord, Self);
-}
-
-const Row& Recordset::Current() const {
-    RequireCurrent();
-    return rows_[static_cast<std::size_t>(position_)];
 }
 
 Variant Recordset::ValueAt(Long ordinal) const {

@@ -22,6 +22,14 @@ public:
     /// row, 0x80040E23 on a deleted one.
     Variant Value() const;
 
+    /// True if the value is null, or a text. Raise as `Value`.
+    bool IsNull() const;
+    bool IsText() const;
+
+    /// `To<T>(Value())`, without the detour where the value is stored as a `T` already. Raises as both.
+    template <class T>
+    T As() const;
+
     /// The value that the row had before it was edited. Raises as `Value`.
     Variant OriginalValue() const;
 
@@ -158,15 +166,20 @@ private:
     void RequireNoEdit() const;
     void RequireScrolling() const;
     void RequireUpdatable() const;
-    const Row& Current() const;
+    const Row& Current() const {
+        if (!columns_ || bof_ || eof_ || onDeleted_) RequireCurrent();
+        return rows_[static_cast<std::size_t>(position_)];
+    }
     void GoTo(Long position);
 
+    /// The cell at the current row; nothing while an edit stands before it.
+    const Cell* CellAt(Long ordinal) const { return edit_ ? nullptr : &Current().At(ordinal); }
     Variant ValueAt(Long ordinal) const;
     Variant OriginalAt(Long ordinal) const;
     void Assign(Long ordinal, const Variant& value);
     void Insert();
     void Change();
-    Row EditedRow(Long counter, std::int64_t counterValue) const;
+    Row EditedRow(Long counter, std::int64_t counterValue);
     const String& BaseTable() const;
     String WhereRow(std::vector<Variant>& values) const;
     Variant StoredAt(Long ordinal) const;
@@ -183,11 +196,38 @@ private:
 
     std::shared_ptr<const Columns> columns_;  // nothing while closed
     std::vector<Row> rows_;
+    RowStore store_;
     Long position_ = 0;  // of the current row from 0; of the row behind it when the current one is deleted
     bool bof_ = true;
     bool eof_ = true;
     bool onDeleted_ = false;
     std::optional<Edit> edit_;
 };
+
+inline bool Field::IsNull() const {
+    const Cell* const cell = recordset_->CellAt(ordinal_);
+    return cell ? cell->kind == Cell::Kind::Null : Value().Is<Null>();
+}
+
+inline bool Field::IsText() const {
+    const Cell* const cell = recordset_->CellAt(ordinal_);
+    return cell ? cell->kind == Cell::Kind::Text : Value().Is<String>();
+}
+
+template <class T>
+T Field::As() const {
+    constexpr bool whole = std::is_same_v<T, Long> || std::is_enum_v<T>;
+    if constexpr (whole || std::is_same_v<T, String>) {
+        const Cell* const cell = recordset_->CellAt(ordinal_);
+        const DataTypeEnum type = recordset_->columns_->At(ordinal_).Type;
+        if constexpr (whole) {
+            if (cell && cell->kind == Cell::Kind::Whole && type != adBoolean && std::in_range<Long>(cell->whole))
+                return static_cast<T>(cell->whole);
+        } else {
+            if (cell && cell->kind == Cell::Kind::Text && type != adDate) return String(cell->Text());
+        }
+    }
+    return To<T>(Value());
+}
 
 }  // namespace ADODB

@@ -154,7 +154,7 @@ String Recordset::WhereRow(std::vector<Variant>& values) const {
     return where;
 }
 
-Row Recordset::EditedRow(Long counter, std::int64_t counterValue) const {
+Row Recordset::EditedRow(Long counter, std::int64_t counterValue) {
     std::vector<Cell> cells(static_cast<std::size_t>(columns_->Count()));
     for (Long i = 0; i < columns_->Count(); ++i) {
         const auto at = static_cast<std::size_t>(i);
@@ -165,7 +165,7 @@ Row Recordset::EditedRow(Long counter, std::int64_t counterValue) const {
         else if (i == counter)
             cells[at] = Cell::Of(counterValue);
     }
-    return Row(cells);
+    return store_.Add(cells);
 }
 
 }  // namespace ADODB

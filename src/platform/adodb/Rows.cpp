@@ -1,13 +1,15 @@
 #include "platform/adodb/Rows.h"
 
+#include <algorithm>
 #include <cstring>
+#include <memory>
 
 namespace ADODB {
 namespace {
 
+/// Where the memory of names begins to look for a name, by the place of its text.
 std::size_t PlaceOf(std::string_view name) {
-    const auto address = reinterpret_cast<std::uintptr_t>(name.data());
-    return (address ^ (address >> 8)) & 0xFF;
+    return (reinterpret_cast<std::uintptr_t>(name.data()) * 0x9E3779B97F4A7C15U) >> 56;
 }
 
 Variant WholeNumber(std::int64_t value) {
@@ -77,15 +79,21 @@ Variant StoredByType(const Variant& value, const Column& column) {
 }  // namespace
 
 Columns::Columns(std::vector<Column> columns) : columns_(std::move(columns)) {
-    remembered_.fill(Missing);
     for (Long i = 0; i < Count(); ++i) byName_.try_emplace(LCase(At(i).Name), i);
 }
 
 Long Columns::Find(std::string_view name) const {
-    std::int16_t& memory = remembered_[PlaceOf(name)];
-    if (memory != Missing && At(memory).Name == name) return memory;
+    constexpr std::size_t looks = 4;
+    const std::size_t first = PlaceOf(name);
+    std::size_t at = first;
+    for (std::size_t look = 0; look < looks; ++look, at = (at + 1) % remembered_.size()) {
+        const Remembered& memory = remembered_[at];
+        if (memory.name.empty()) break;
+        if (memory.name == name) return memory.ordinal;
+    }
     const Long found = Search(name);
-    if (found != Missing && found <= INT16_MAX && At(found).Name == name) memory = static_cast<std::int16_t>(found);
+    Remembered& memory = remembered_[remembered_[at].name.empty() ? at : first];
+    memory = {String(name), found};
     return found;
 }
 
@@ -94,42 +102,34 @@ Long Columns::Search(std::string_view name) const {
     return found == byName_.end() ? Missing : found->second;
 }
 
-Cell Cell::Of(std::int64_t value) {
-    Cell cell;
-    cell.kind = Kind::Whole;
-    cell.whole = value;
-    return cell;
+std::byte* RowStore::Room(std::size_t bytes) {
+    constexpr std::size_t alignment = alignof(Cell), largestBlock = 1 << 20;
+    bytes = (bytes + alignment - 1) / alignment * alignment;
+    if (bytes > left_) {
+        left_ = std::max(nextBlock_, bytes);
+        blocks_.push_back(std::make_unique_for_overwrite<std::byte[]>(left_));
+        free_ = blocks_.back().get();
+        nextBlock_ = std::min(nextBlock_ * 2, largestBlock);
+    }
+    left_ -= bytes;
+    return std::exchange(free_, free_ + bytes);
 }
 
-Cell Cell::Of(double value) {
-    Cell cell;
-    cell.kind = Kind::Real;
-    cell.real = value;
-    return cell;
-}
-
-Cell Cell::Of(std::string_view value) {
-    Cell cell;
-    cell.kind = Kind::Text;
-    cell.length = static_cast<std::uint32_t>(value.size());
-    cell.text = value.data();
-    return cell;
-}
-
-Row::Row(std::span<const Cell> cells) {
+Row RowStore::Add(std::span<const Cell> cells) {
     std::size_t bytes = cells.size_bytes();
     for (const Cell& cell : cells)
         if (cell.kind == Cell::Kind::Text) bytes += cell.length;
-    block_ = std::make_unique_for_overwrite<std::byte[]>(bytes);
-    auto* to = reinterpret_cast<Cell*>(block_.get());
-    auto* texts = reinterpret_cast<char*>(block_.get() + cells.size_bytes());
-    for (const Cell& cell : cells) {
-        Cell* copy = new (to++) Cell(cell);
-        if (cell.kind != Cell::Kind::Text || cell.length == 0) continue;
-        std::memcpy(texts, cell.text, cell.length);
-        copy->text = texts;
-        texts += cell.length;
+    std::byte* const room = Room(bytes);
+    auto* const to = reinterpret_cast<Cell*>(room);
+    auto* texts = reinterpret_cast<char*>(room + cells.size_bytes());
+    std::uninitialized_copy(cells.begin(), cells.end(), to);
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        if (to[i].kind != Cell::Kind::Text || to[i].length == 0) continue;
+        std::memcpy(texts, to[i].text, to[i].length);
+        to[i].text = texts;
+        texts += to[i].length;
     }
+    return Row(to);
 }
 
 Variant ValueOf(const Cell& cell, const Column& column) {

@@ -34,10 +34,16 @@ public:
 private:
     Long Search(std::string_view name) const;
 
+    /// An answer given before, to a name as it was spelled.
+    struct Remembered {
+        String name;
+        Long ordinal = Missing;
+    };
+
     std::vector<Column> columns_;
     std::unordered_map<String, Long> byName_;
-    // Callers ask with literals, row after row: where the text of a name stood tells which it was.
-    mutable std::array<std::int16_t, 256> remembered_;
+    // Callers ask with literals, row after row: where the text of a name stands tells which one it is.
+    mutable std::array<Remembered, 256> remembered_;
 };
 
 /// One value of a row as the engine stores it. A text is no copy: it points into the row.
@@ -51,25 +57,55 @@ struct Cell {
         const char* text;
     };
 
-    static Cell Of(std::int64_t value);
-    static Cell Of(double value);
-    /// The text must live until the cell went into a `Row`.
-    static Cell Of(std::string_view value);
+    static Cell Of(std::int64_t value) {
+        Cell cell;
+        cell.kind = Kind::Whole;
+        cell.whole = value;
+        return cell;
+    }
+    static Cell Of(double value) {
+        Cell cell;
+        cell.kind = Kind::Real;
+        cell.real = value;
+        return cell;
+    }
+    /// The text must live until the cell went into a `RowStore`.
+    static Cell Of(std::string_view value) {
+        Cell cell;
+        cell.kind = Kind::Text;
+        cell.length = static_cast<std::uint32_t>(value.size());
+        cell.text = value.data();
+        return cell;
+    }
     std::string_view Text() const { return {text, length}; }
 };
 
-/// The values of one row in one block of memory, texts included. Movable, never changed.
+/// The values of one row. They live in the `RowStore` that made it.
 class Row {
 public:
-    /// Copies the cells, and the texts that they point to.
-    explicit Row(std::span<const Cell> cells);
-
-    const Cell& At(Long ordinal) const { return Cells()[ordinal]; }
+    const Cell& At(Long ordinal) const { return cells_[ordinal]; }
 
 private:
-    const Cell* Cells() const { return reinterpret_cast<const Cell*>(block_.get()); }
+    friend class RowStore;
+    explicit Row(const Cell* cells) : cells_(cells) {}
 
-    std::unique_ptr<std::byte[]> block_;
+    const Cell* cells_;
+};
+
+/// The memory of many rows, texts included, in few large blocks. A row stays where it is as long as its
+/// store; the store can be moved, and grows only.
+class RowStore {
+public:
+    /// Copies the cells, and the texts that they point to.
+    Row Add(std::span<const Cell> cells);
+
+private:
+    std::byte* Room(std::size_t bytes);
+
+    std::vector<std::unique_ptr<std::byte[]>> blocks_;
+    std::byte* free_ = nullptr;
+    std::size_t left_ = 0;
+    std::size_t nextBlock_ = 2048;  ///< blocks double, so that one row costs little and many few blocks
 };
 
 /// The value of a cell by its column's type: a whole number gives a `Long` (`int64` where it needs it),

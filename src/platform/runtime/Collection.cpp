@@ -34,12 +34,9 @@ void Collection::Shift(Long from, Long by) const {
 void Collection::Add(const Variant& item, const Variant& key, const Variant& before, const Variant& after) {
     if (!key.Is<Empty>() && !key.Is<String>()) Raise(err::TypeMismatch);
     const Long place = PlaceFor(before, after);
-    auto node = std::make_unique<Node>(Node{item, nullptr});
-    if (key.Is<String>()) {
-        const auto [entry, added] = keys_.try_emplace(LCase(key.As<String>()), node.get());
-        if (!added) Raise(err::DuplicateKey);
-        node->key = &entry->first;
-    }
+    const bool keyed = key.Is<String>();
+    auto node = std::make_unique<Node>(Node{item, keyed, keyed ? LCase(key.As<String>()) : String()});
+    if (keyed && !keys_.try_emplace(node->key, node.get()).second) Raise(err::DuplicateKey);
     nodes_.insert(nodes_.begin() + (place - 1), std::move(node));
     if (place < Count()) Shift(place - 1, 1);
 }
@@ -60,7 +57,7 @@ void Collection::Remove(const Variant& indexOrKey) {
     const Long position = PositionOf(indexOrKey);
     const auto at = nodes_.begin() + (position - 1);
     const std::unique_ptr<Node> gone = std::move(*at);  // ends behind us, when the list is in order again
-    if (gone->key) keys_.erase(keys_.find(*gone->key));
+    if (gone->keyed) keys_.erase(gone->key);
     nodes_.erase(at);
     Shift(position, -1);
 }

@@ -59,7 +59,8 @@ private:
     friend class Enumerator;
     struct Node {
         Variant item;
-        const String* key = nullptr;  // owned by keys_
+        bool keyed;
+        String key;  // in lower case
     };
 
     Long PositionOf(const Variant& indexOrKey) const;
@@ -67,7 +68,7 @@ private:
     void Shift(Long from, Long by) const;
 
     std::vector<std::unique_ptr<Node>> nodes_;
-    std::unordered_map<String, Node*> keys_;
+    std::unordered_map<std::string_view, Node*> keys_;  // views into the nodes
     mutable std::vector<Enumerator*> walks_;
 };
 

@@ -11,7 +11,9 @@ namespace {
 constexpr char32_t Broken = 0xFFFFFFFF;
 
 bool IsAscii(std::string_view text) {
-    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    unsigned char all = 0;
+    for (const char c : text) all |= static_cast<unsigned char>(c);
+    return all < 0x80;
 }
 
 /// One character of a text: its code point (`Broken` for a stray byte), its bytes and its units.
@@ -63,14 +65,17 @@ char32_t Lower(char32_t code) {
 
 template <class Map>
 String MapCharacters(std::string_view text, Map map) {
+    if (IsAscii(text)) {
+        String ascii(text);
+        for (char& c : ascii) c = static_cast<char>(map(static_cast<unsigned char>(c)));
+        return ascii;
+    }
     String out;
     out.reserve(text.size());
     for (std::size_t at = 0; at < text.size();) {
         const Character c = CharacterAt(text, at);
         if (c.code == Broken)
             out += text[at];
-        else if (c.code < 0x80)
-            out += static_cast<char>(map(c.code));
         else
             AppendCode(out, map(c.code));
         at += c.bytes;

@@ -9,6 +9,7 @@ namespace ADODB {
 struct Outcome {
     std::shared_ptr<const Columns> columns;  ///< nothing where the statement yields no rows
     std::vector<Row> rows;                   ///< all rows, in the engine's order
+    RowStore store;                          ///< what the rows stand in
     std::int64_t affected = -1;              ///< rows that an action statement hit; -1 where there are none to count
 };
 

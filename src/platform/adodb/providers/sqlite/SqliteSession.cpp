@@ -124,19 +124,22 @@ private:
         cells_.resize(static_cast<std::size_t>(count));
         for (; code == SQLITE_ROW; code = sqlite3_step(compiled)) {
             for (int i = 0; i < count; ++i) cells_[static_cast<std::size_t>(i)] = CellAt(compiled, i);
-            outcome.rows.emplace_back(cells_);
+            outcome.rows.push_back(outcome.store.Add(cells_));
         }
         if (code != SQLITE_DONE) RaiseSqlite(database_.get(), text);
     }
 
+    /// The value itself is asked: that is sound without the engine's mutex, which a session of one thread
+    /// doesn't have, and spares the look for an error that each call by column takes.
     static Cell CellAt(sqlite3_stmt* compiled, int at) {
-        switch (sqlite3_column_type(compiled, at)) {
-            case SQLITE_INTEGER: return Cell::Of(static_cast<std::int64_t>(sqlite3_column_int64(compiled, at)));
-            case SQLITE_FLOAT: return Cell::Of(sqlite3_column_double(compiled, at));
+        sqlite3_value* const value = sqlite3_column_value(compiled, at);
+        switch (sqlite3_value_type(value)) {
+            case SQLITE_INTEGER: return Cell::Of(static_cast<std::int64_t>(sqlite3_value_int64(value)));
+            case SQLITE_FLOAT: return Cell::Of(sqlite3_value_double(value));
             case SQLITE_NULL: return {};
             default: {
-                const auto* text = static_cast<const char*>(sqlite3_column_blob(compiled, at));
-                return Cell::Of(std::string_view(text, static_cast<std::size_t>(sqlite3_column_bytes(compiled, at))));
+                const auto* text = static_cast<const char*>(sqlite3_value_blob(value));
+                return Cell::Of(std::string_view(text, static_cast<std::size_t>(sqlite3_value_bytes(value))));
             }
         }
     }
