@@ -73,10 +73,10 @@ void ConnectionString::Set(std::string_view key, const String& value) {
 }
 
 String ConnectionString::FirstUnknown(std::initializer_list<std::string_view> known) const {
-    for (const auto& [name, value] : settings_) {
+    for (const auto& setting : settings_) {
         const bool found = std::any_of(known.begin(), known.end(),
-                                       [&](std::string_view key) { return EqualsIgnoringCase(name, key); });
-        if (!found) return name;
+                                       [&](std::string_view key) { return EqualsIgnoringCase(setting.first, key); });
+        if (!found) return setting.first;
     }
     return {};
 }

@@ -185,7 +185,7 @@ private:
 /// Finds the chains of OR terms of a statement and regroups the long ones.
 class Balancer {
 public:
-    explicit Balancer(std::string_view statement) : text_(statement) {}
+    Balancer(std::string_view statement, std::size_t longChain) : text_(statement), longChain_(longChain) {}
 
     std::string Balanced() {
         regions_.push_back({});
@@ -207,7 +207,6 @@ private:
         std::vector<std::size_t> ors;
         int cases = 0;
     };
-    static constexpr std::size_t LongChain = 200;
 
     void Take(const Token& token, std::size_t at) {
         Region& region = regions_.back();
@@ -233,7 +232,7 @@ private:
     }
 
     void EndChain(Region& region, std::size_t at) {
-        if (region.chain && region.ors.size() >= LongChain) Group(region, at);
+        if (region.chain && region.ors.size() >= longChain_) Group(region, at);
         region.chain = false;
         region.ors.clear();
     }
@@ -285,6 +284,7 @@ private:
     }
 
     std::string_view text_;
+    std::size_t longChain_;
     std::vector<Region> regions_;
     std::vector<Insertion> insertions_;
 };
@@ -328,6 +328,8 @@ std::string Unquoted(std::string_view body) {
     return out;
 }
 
-std::string WithBalancedOrChains(std::string_view statement) { return Balancer(statement).Balanced(); }
+std::string WithBalancedOrChains(std::string_view statement, std::size_t longChain) {
+    return Balancer(statement, longChain).Balanced();
+}
 
 }  // namespace ADODB

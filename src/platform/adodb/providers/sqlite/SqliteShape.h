@@ -36,9 +36,9 @@ bool CutAtLiterals(std::string_view statement, Shape& shape, std::vector<Literal
 /// The value of a text literal: its body with each doubled quote made one.
 std::string Unquoted(std::string_view body);
 
-/// The statement with each long chain of OR terms put into parentheses as a balanced tree, which means
-/// the same and stays below the engine's limit for the depth of an expression. Texts without such a
-/// chain come back as they are.
-std::string WithBalancedOrChains(std::string_view statement);
+/// The statement with each chain of at least `longChain` ORs put into parentheses as a balanced tree,
+/// which means the same and stays below the engine's limit for the depth of an expression. Texts without
+/// such a chain come back as they are.
+std::string WithBalancedOrChains(std::string_view statement, std::size_t longChain = 200);
 
 }  // namespace ADODB
