@@ -400,7 +400,7 @@ String CStr(const Variant& value) {
     return std::visit(Overloaded{
                           [](Empty) { return String(); },
                           [](Null) -> String { Raise(err::InvalidNull); },
-                          [](bool b) { return String(b ? "True" : "False"); },
+                          [](bool b) { return CStr(b); },
                           [](const std::integral auto& n) { return CStr(static_cast<std::int64_t>(n)); },
                           [](float f) { return CStr(f); },
                           [](double d) { return CStr(d); },

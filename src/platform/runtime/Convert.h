@@ -53,6 +53,9 @@ String CStr(float value);
 String CStr(std::int64_t value);
 inline String CStr(Long value) { return CStr(static_cast<std::int64_t>(value)); }
 
+/// "True" or "False".
+inline String CStr(bool value) { return value ? "True" : "False"; }
+
 /// A date. Numbers are days; a text is read as `ParseDate` reads it, or else as a number of days.
 /// Raises 6 for a number outside the years 100 to 9999, 13, 94.
 Date CDate(const Variant& value);

@@ -1,0 +1,212 @@
+#include "platform/adodb/Recordset.h"
+
+#include "kit/FaultyProvider.h"
+
+#include <fstream>
+#include <sqlite3.h>
+
+namespace {
+
+using namespace ADODB;
+using TestKit::FailureOf;
+
+class ConnectionTest : public TestKit::WithDatabase {
+protected:
+    String Path() const { return (folder.Path() / "clinic.db").string(); }
+    /// The failure of opening a new connection by this text.
+    static Error OpenFailure(const String& text) {
+        return FailureOf([&] { New<Connection>()->Open(text); });
+    }
+};
+
+TEST_F(ConnectionTest, OpenRaisesWhatKeepsItClosed) {
+    EXPECT_EQ(OpenFailure("Provider=Nope;Data Source=x").Number, adErrProviderNotFound);
+    EXPECT_EQ(OpenFailure("Data Source=x").Number, adErrProviderNotFound);
+    EXPECT_EQ(OpenFailure("Provider=SQLite").Number, MultipleStepFailed);
+    EXPECT_EQ(OpenFailure("Provider=SQLite;Data Source=:memory:;Colour=red").Number, MultipleStepFailed);
+    EXPECT_EQ(OpenFailure("Provider=SQLite;Data Source=:memory:;Password=x").Number, MultipleStepFailed);
+    EXPECT_EQ(OpenFailure("Provider=SQLite;Data Source=:memory:;Mode=Sideways").Number, MultipleStepFailed);
+    EXPECT_EQ(OpenFailure("Provider=SQLite;Data Source=" + Path() + ".missing").Number, Failed);
+    EXPECT_FALSE(std::filesystem::exists(Path() + ".missing"));
+}
+
+TEST_F(ConnectionTest, AFileThatIsNoDatabaseIsRefusedAndStaysAsItIs) {
+    const String other = (folder.Path() / "letter.txt").string();
+    std::ofstream(other) << String(5000, 'x');
+    const Error failure = OpenFailure("Provider=SQLite;Data Source=" + other);
+    EXPECT_EQ(failure.Number, Failed);
+    EXPECT_EQ(failure.NativeError, SQLITE_NOTADB);
+    EXPECT_EQ(std::filesystem::file_size(other), 5000U);
+}
+
+TEST_F(ConnectionTest, OpenTwiceAndUseWhileClosedRaise) {
+    EXPECT_EQ(FailureOf([&] { con->Open(); }).Number, adErrObjectOpen);
+    EXPECT_EQ(FailureOf([&] { con->SetConnectionString("x"); }).Number, adErrObjectOpen);
+    const Ref<Connection> closed = New<Connection>();
+    EXPECT_EQ(FailureOf([&] { closed->Execute("SELECT 1"); }).Number, adErrObjectClosed);
+    EXPECT_EQ(FailureOf([&] { closed->BeginTrans(); }).Number, adErrObjectClosed);
+    EXPECT_EQ(FailureOf([&] { closed->Close(); }).Number, adErrObjectClosed);
+    EXPECT_EQ(FailureOf([&] { New<Recordset>()->Open("SELECT 1", closed); }).Number, adErrInvalidConnection);
+    EXPECT_EQ(FailureOf([&] { New<Recordset>()->Open("SELECT 1", nullptr); }).Number, adErrInvalidConnection);
+}
+
+TEST_F(ConnectionTest, OpeningKeepsAWriteAheadLog) {
+    EXPECT_EQ(Ask("PRAGMA journal_mode"), Variant("wal"));
+    EXPECT_GT(CLng(Ask("PRAGMA busy_timeout")), 1000);
+}
+
+TEST_F(ConnectionTest, ReadModeChangesNothing) {
+    const Ref<Connection> reader = New<Connection>();
+    reader->Open("Provider=SQLite;Mode=Read;Data Source=" + Path());
+    EXPECT_EQ(FailureOf([&] { reader->Execute("DELETE FROM Root_T"); }).Number, NoPermission);
+    EXPECT_EQ(reader->BeginTrans(), 1);
+    reader->RollbackTrans();
+}
+
+TEST_F(ConnectionTest, AnActionStatementGivesAClosedRecordsetAndItsCount) {
+    Long count = 0;
+    Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1,'a',1),(2,'b',0)");
+    const Ref<Recordset> result = con->Execute("UPDATE Root_T SET Status=0", &count);
+    EXPECT_EQ(count, 2);
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->State(), adStateClosed);
+    EXPECT_EQ(FailureOf([&] { result->Eof(); }).Number, adErrObjectClosed);
+    EXPECT_EQ(FailureOf([&] { result->Close(); }).Number, adErrObjectClosed);
+    EXPECT_FALSE(con->Execute("UPDATE Root_T SET Status=0", nullptr, adExecuteNoRecords));
+}
+
+TEST_F(ConnectionTest, FailuresOfTheEngineAreMapped) {
+    const auto number = [&](const char* statement) { return FailureOf([&] { con->Execute(statement); }).Number; };
+    EXPECT_EQ(number("SELECT * FROM Nowhere"), NoTable);
+    EXPECT_EQ(number("SELECT Nix FROM Root_T"), UnknownName);
+    EXPECT_EQ(number("INSERT INTO Root_T (Nix) VALUES (1)"), UnknownName);
+    EXPECT_EQ(number("SELECT \"text\" FROM Root_T"), UnknownName) << "a name in quotes is a name";
+    EXPECT_EQ(number("SELEKT"), ErrorsInCommand);
+    EXPECT_EQ(number(" ORDER BY x"), ErrorsInCommand);
+    EXPECT_EQ(number(""), ErrorsInCommand);
+    EXPECT_EQ(number("SELECT * FROM Root_T WHERE RootID=?"), UnknownName) << "a parameter without a value";
+    Run("INSERT INTO Root_T (RootID) VALUES (1)");
+    EXPECT_EQ(number("INSERT INTO Root_T (RootID) VALUES (1)"), IntegrityViolation);
+}
+
+TEST_F(ConnectionTest, AFailureTellsAPersonWhereItComesFrom) {
+    const Error failure = FailureOf([&] { con->Execute("SELECT Nix FROM Root_T WHERE RootID=7"); });
+    EXPECT_EQ(failure.Provider, "SQLite");
+    EXPECT_EQ(failure.SQLState, "42S22");
+    EXPECT_EQ(failure.Description, "no such column: Nix");
+    EXPECT_EQ(failure.Statement, "SELECT Nix FROM Root_T WHERE RootID=7");
+    ASSERT_EQ(con->Errors().size(), 1U);
+    Run("SELECT 1");
+    EXPECT_EQ(con->Errors().size(), 1U) << "a later success doesn't empty the list";
+    FailureOf([&] { New<Recordset>()->Close(); });
+    EXPECT_EQ(con->Errors().front().Number, UnknownName) << "the layer's own failures don't enter it";
+    con->ClearErrors();
+    EXPECT_TRUE(con->Errors().empty());
+}
+
+TEST_F(ConnectionTest, ASecondStatementIsRefusedBeforeAnythingRuns) {
+    Run("INSERT INTO Root_T (RootID) VALUES (1)");
+    for (const char* text : {"DELETE FROM Root_T; DELETE FROM Root_T", "DELETE FROM Root_T WHERE RootID=1; x",
+                             "SELECT 1; DROP TABLE Root_T", "DELETE FROM Root_T;;--x\nSELECT 2"})
+        EXPECT_EQ(FailureOf([&] { con->Execute(text); }).Number, ErrorsInCommand) << text;
+    EXPECT_EQ(FailureOf([&] { con->Execute(String("DELETE FROM Root_T\0 WHERE RootID=5", 35)); }).Number, ErrorsInCommand);
+    EXPECT_EQ(CLng(Ask("SELECT count(*) FROM Root_T")), 1);
+    EXPECT_EQ(CLng(Ask("SELECT count(*) FROM Root_T ; \n ;")), 1);
+}
+
+TEST_F(ConnectionTest, TransactionsNestAndUndo) {
+    EXPECT_EQ(FailureOf([&] { con->CommitTrans(); }).Number, NoTransaction);
+    EXPECT_EQ(FailureOf([&] { con->RollbackTrans(); }).Number, NoTransaction);
+    EXPECT_EQ(con->BeginTrans(), 1);
+    Run("INSERT INTO Root_T (RootID) VALUES (1)");
+    EXPECT_EQ(con->BeginTrans(), 2);
+    Run("INSERT INTO Root_T (RootID) VALUES (2)");
+    con->RollbackTrans();
+    EXPECT_EQ(con->BeginTrans(), 2);
+    Run("INSERT INTO Root_T (RootID) VALUES (3)");
+    con->CommitTrans();
+    con->CommitTrans();
+    EXPECT_EQ(CLng(Ask("SELECT sum(RootID) FROM Root_T")), 4);
+    for (Long level = 1; level <= 5; ++level) EXPECT_EQ(con->BeginTrans(), level);
+    EXPECT_EQ(FailureOf([&] { con->BeginTrans(); }).Number, TooManyTransactions);
+    for (Long level = 5; level >= 1; --level) con->RollbackTrans();
+    EXPECT_EQ(Sent().front(), "BeginTrans");
+}
+
+TEST_F(ConnectionTest, ClosingInATransactionRaises3246AndDroppingRollsBack) {
+    Ref<Connection> other = Connect();
+    other->BeginTrans();
+    other->Execute("INSERT INTO Root_T (RootID) VALUES (9)");
+    EXPECT_EQ(FailureOf([&] { other->Close(); }).Number, adErrInTransaction);
+    EXPECT_EQ(other->State(), adStateOpen);
+    EXPECT_EQ(CLng(other->Execute("SELECT count(*) FROM Root_T")->Fields(0).Value()), 1);
+    other = nullptr;
+    EXPECT_EQ(CLng(Ask("SELECT count(*) FROM Root_T")), 0);
+}
+
+TEST_F(ConnectionTest, ClosingClosesItsRecordsets) {
+    const Ref<Connection> other = Connect();
+    const Ref<Recordset> rows = other->Execute("SELECT 1");
+    other->Close();
+    EXPECT_EQ(rows->State(), adStateClosed);
+    other->Open();
+    EXPECT_EQ(other->State(), adStateOpen) << "the connection string is kept";
+}
+
+TEST_F(ConnectionTest, HandlersSeeAndMayChangeOrCancelAStatement) {
+    struct Handler : ConnectionEvents {
+        void WillExecute(ExecuteRequest& request) override {
+            if (request.Source == "SELECT 1") request.Source = "SELECT 2";
+            if (request.Source == "SELECT 3") request.Status = adStatusCancel;
+            if (request.Source == "SELECT 4") again->Execute("SELECT 5");
+        }
+        void ExecuteComplete(const ExecuteReport& report) override {
+            reports.push_back(String(report.Source) + (report.Failure ? " failed" : " rows " + CStr(report.Rows)));
+        }
+        Ref<Connection> again;
+        std::vector<String> reports;
+    } handler;
+    handler.again = con;
+    con->Advise(handler);
+    EXPECT_EQ(CLng(con->Execute("SELECT 1")->Fields(0).Value()), 2);
+    EXPECT_EQ(FailureOf([&] { con->Execute("SELECT 3"); }).Number, adErrOperationCancelled);
+    EXPECT_EQ(FailureOf([&] { con->Execute("SELECT 4"); }).Number, adErrNotReentrant);
+    EXPECT_EQ(FailureOf([&] { con->Execute("SELEKT"); }).Number, ErrorsInCommand);
+    con->Unadvise(handler);
+    con->Execute("SELECT 6");
+    EXPECT_EQ(handler.reports, (std::vector<String>{"SELECT 2 rows 1", "SELEKT failed"}));
+    handler.again = nullptr;
+}
+
+TEST_F(ConnectionTest, ATableNameIsSelectedFrom) {
+    Run("INSERT INTO Root_T (RootID) VALUES (5)");
+    const Ref<Recordset> rows = con->Execute("Root_T", nullptr, adCmdTable);
+    EXPECT_EQ(Sent().back(), "select * from Root_T");
+    EXPECT_EQ(CLng(rows->Fields("rootid").Value()), 5);
+}
+
+TEST_F(ConnectionTest, TheSuitesOwnFormsAreAdapted) {
+    con->Execute("INSERT INTO GlobalList_T (ListID, ListText) VALUES (1,'a')");
+    EXPECT_EQ(CLng(con->Execute("SELECT @@IDENTITY")->Fields(0).Value()), 1);
+    con->Execute("DELETE * FROM GlobalList_T where ListText = 'a'");
+    EXPECT_EQ(CLng(Ask("SELECT count(*) FROM GlobalList_T")), 0);
+    EXPECT_EQ(Sent()[1], "SELECT @@IDENTITY") << "handlers see the statement as it was written";
+}
+
+TEST_F(ConnectionTest, AChainOfFiveThousandOrTermsWorks) {
+    Run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<6000) "
+        "INSERT INTO GlobalList_T (ListID, ListText) SELECT 1, 'x' FROM n");
+    String chain = "DELETE FROM GlobalList_T WHERE ";
+    for (Long i = 1; i <= 5000; ++i) chain += "GlobalListID=" + CStr(i) + " OR ";
+    chain.resize(chain.size() - 4);
+    Long deleted = 0;
+    con->Execute(chain + ";", &deleted);
+    EXPECT_EQ(deleted, 5000);
+    String select = "SELECT * FROM GlobalList_T WHERE";
+    for (Long i = 5001; i <= 7000; ++i) select += " GlobalListID=" + CStr(i) + " OR";
+    select.resize(select.size() - 2);
+    const Ref<Recordset> rows = con->Execute(select + " ORDER BY GlobalListID");
+    EXPECT_EQ(CLng(rows->Fields(0).Value()), 5001);
+}
+
+}  // namespace
