@@ -15,7 +15,7 @@ void cAnatomicDescription::InitCollection() {
     for (const Integer tooth : AllTeeth) cTeeth()->Add(false, tooth, "Tooth" + CStr(Long{tooth}));
 }
 
-void cAnatomicDescription::LoadSGN(Ref<Connection> Con, const Long& lADId) {
+void cAnatomicDescription::LoadSGN(const Ref<Connection>& Con, const Long& lADId) {
     const Ref<Recordset> rs =
         OpenClient(Con, sql("SELECT * ", "FROM StandardGroupName ", "Where TGId = ", lADId, ";"));
     if (rs->Eof()) return;
@@ -83,15 +83,15 @@ bool cAnatomicDescription::Write(const Ref<Connection>& con) {
     return true;
 }
 
-Variant cAnatomicDescription::SaveSGN(Ref<Connection> Con) {
+Variant cAnatomicDescription::SaveSGN(const Ref<Connection>& Con) {
     return Swallowed([&] { return Write(Con); });
 }
 
-void cAnatomicDescription::DeleteSGN(Ref<Connection> Con) {
+void cAnatomicDescription::DeleteSGN(const Ref<Connection>& Con) {
     Con->Execute(sql("DELETE FROM StandardGroupName WHERE StandardNameID=", ID, ";"));
 }
 
-void cAnatomicDescription::DeleteSGNOnTGId(Ref<Connection> Con) {
+void cAnatomicDescription::DeleteSGNOnTGId(const Ref<Connection>& Con) {
     Con->Execute(sql("DELETE FROM StandardGroupName WHERE TGId=", ADId, ";"));
 }
 

@@ -29,13 +29,13 @@ public:
     /// selected. "T-D1217" becomes "T-D1213". A name that the object has already stays. Raises 94 for a
     /// null in the key, comments, order or type, 91 for a tooth that isn't one, and what the database
     /// raises; the members read before the failure keep their new values.
-    void LoadSGN(Ref<Connection> Con, const Long& lADId);
+    void LoadSGN(const Ref<Connection>& Con, const Long& lADId);
 
     /// Writes the row: an update when `ID` is above 0, otherwise an insert in a transaction of its own.
     /// An intra-oral group stores its selected teeth. A new row without a group number gets its key +
     /// 1000. Gives a boolean: true, or false for any failure, and nothing is raised. A failure between
     /// begin and commit leaves the transaction open on the caller's connection.
-    Variant SaveSGN(Ref<Connection> Con);
+    Variant SaveSGN(const Ref<Connection>& Con);
 
     String ADName;
     String ADLaterality;
@@ -54,8 +54,8 @@ public:
     Long ADId = 0;  ///< the group's number
 
     /// Deletes this row, or all rows of this group. Raise what the database raises.
-    void DeleteSGN(Ref<Connection> Con);
-    void DeleteSGNOnTGId(Ref<Connection> Con);
+    void DeleteSGN(const Ref<Connection>& Con);
+    void DeleteSGNOnTGId(const Ref<Connection>& Con);
 
     /// The selected teeth as a tooth string, in the order of the full set; `bComm` false leaves the
     /// commas out. Empty for an empty collection. Raises 91 for a collection that lacks one of the 52.

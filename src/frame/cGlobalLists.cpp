@@ -5,11 +5,16 @@
 namespace OXClass {
 namespace {
 
-/// Waits until the clock has gone on by a second, with the program's messages handled in between.
+/// Waits until the clock has gone on by a second, with the program's messages handled in between. The
+/// clock starts again at midnight: a wait that begins in a day's last second ends when it has come round
+/// to the same time.
 void WaitASecond() {
     constexpr double step = 0.01;
-    const float noted = Timer();
-    while (Timer() < noted + 1.0F) {
+    constexpr float midnight = 86400;
+    const float noted = Timer(), end = noted + 1.0F;
+    bool newDay = false;
+    for (float now = noted; now < end && !(newDay && end >= midnight && now >= noted); now = Timer()) {
+        newDay = newDay || now < noted;
         DoEvents();
         Sleep(step);
     }

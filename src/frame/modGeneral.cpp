@@ -29,6 +29,7 @@ Variant NzValue(Variant v) {
     constexpr Integer zero = 0;
     if (v.Is<String>()) return v.As<String>().find_first_not_of(' ') == String::npos ? Variant(zero) : v;
     if (v.Is<Null>() || v.Is<Empty>() || v.Is<Ref<Object>>() || v.Is<std::vector<String>>()) return zero;
+    if (v.Is<Date>() && !(v.As<Date>().Days > FirstDay - 1 && v.As<Date>().Days < LastDay + 1)) return zero;
     return v;
 }
 

@@ -281,7 +281,8 @@ std::vector<cImage*> Hanging::OldestFirst() const {
 void Hanging::PlaceByTime() {
     ImageCount();
     Long frame = 0;
-    for (cImage* image : OldestFirst()) image->FrameNumber = ++frame;
+    for (cImage* image : OldestFirst())
+        if (image->FrameNumber == 0) image->FrameNumber = ++frame;  // one that stands twice is placed once
 }
 
 /// The template's own order, for a series of which no image found a frame: the slot of sequence i takes
@@ -299,7 +300,7 @@ void Hanging::PlaceByTemplate(Long layout, const Ref<Connection>& conn) {
         const auto slot = numberOfSequence.find(i);
         if (slot == numberOfSequence.end()) continue;
         (*next)->FrameNumber = slot->second;
-        if ((*next)->FrameNumber != 0) ++next;
+        while (next != images.end() && (*next)->FrameNumber != 0) ++next;
     }
 }
 
