@@ -9,17 +9,20 @@ namespace Bench {
 namespace {
 
 /// The columns that are read, in one order for all three selects.
-#define COLUMNS                                                                                                   \
-    "Approved, Brightness_INT, Contrast_INT, DateCaptured_SD, ExposureTime_F, GraphicURL_NVC, "                   \
-    "HardwareSourcetxt_NVC, ImageBildID, ImageType, Invert_BT, PatientID, Responsible_Person_NVC, "               \
-    "ImageBild_T.RootId, Root_T.Status, Root_T.RootDirectory, AnaRegion, AnaRegionMod, Laterality, PriStructure, " \
-    "MirrRotStatus, CRC, DPIY_INT, DPIX_INT, Voltage_INT, Current_INT, Capture_Person_NVC, Study_ID, Series_ID, "  \
-    "SOPInstanceUID_NVC, ImageNumberInSeries, DicomStatus_INT, FrameNumber_INT, SubType_INT, Gamma_INT, "          \
+#define COLUMNS                                                                                           \
+    "Approved, Brightness_INT, Contrast_INT, DateCaptured_SD, ExposureTime_F, GraphicURL_NVC, "           \
+    "HardwareSourcetxt_NVC, ImageBildID, ImageType, Invert_BT, PatientID, Responsible_Person_NVC, "       \
+    "ImageBild_T.RootId, Root_T.Status, Root_T.RootDirectory, AnaRegion, AnaRegionMod, Laterality, "      \
+    "PriStructure, "                                                                                      \
+    "MirrRotStatus, CRC, DPIY_INT, DPIX_INT, Voltage_INT, Current_INT, Capture_Person_NVC, Study_ID, "    \
+    "Series_ID, "                                                                                         \
+    "SOPInstanceUID_NVC, ImageNumberInSeries, DicomStatus_INT, FrameNumber_INT, SubType_INT, Gamma_INT, " \
     "AnatomicRegion, DCMDerived_BT FROM ImageBild_T LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId "
 
 std::string Text(sqlite3_stmt* row, int column) {
     const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(row, column));
-    return text ? std::string(text, static_cast<std::size_t>(sqlite3_column_bytes(row, column))) : std::string();
+    return text ? std::string(text, static_cast<std::size_t>(sqlite3_column_bytes(row, column)))
+                : std::string();
 }
 
 /// Days of a date text "yyyy-mm-dd hh:nn:ss", by the civil calendar.
@@ -104,7 +107,8 @@ const std::string ZeroDate = "1899-12-30 00:00:00";
 }  // namespace
 
 ByHand::ByHand(const std::string& path) {
-    if (sqlite3_open_v2(path.c_str(), &database_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr) != SQLITE_OK)
+    if (sqlite3_open_v2(path.c_str(), &database_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr) !=
+        SQLITE_OK)
         throw std::runtime_error("can't open " + path);
     Execute("PRAGMA journal_mode=WAL");
     Execute("PRAGMA synchronous=NORMAL");
@@ -112,21 +116,32 @@ ByHand::ByHand(const std::string& path) {
     ofSeries_ = Prepare("SELECT " COLUMNS "WHERE Series_ID=? ORDER BY DateCaptured_SD, ImageBildID");
     one_ = Prepare("SELECT " COLUMNS "WHERE ImageBildID=?");
     insert_ = Prepare(
-        "INSERT INTO ImageBild_T (ToothCollectionID, PatientID, DateCaptured_SD, Comments_NVC, StandCollName_NVC, "
+        "INSERT INTO ImageBild_T (ToothCollectionID, PatientID, DateCaptured_SD, Comments_NVC, "
+        "StandCollName_NVC, "
         "ComputedDPI_INT, HardwareSourceId_INT, HardwareSourcetxt_NVC, RootId, GraphicURL_NVC, Invert_BT, "
-        "StretchIntens_BT, Rotation_INT, Contrast_INT, Brightness_INT, Histogram_BT, ExposureTime_F, HorizMirror_BT, "
-        "VerticalMirror_BT, Responsible_Person_NVC, Approved, MirrRotStatus, ImageType, CRC, DPIY_INT, DPIX_INT, "
-        "Voltage_INT, Current_INT, Capture_Person_NVC, Pregnant_BT, XRaySource_NVC, PrevXrayDate_DT, Dosage_INT, "
+        "StretchIntens_BT, Rotation_INT, Contrast_INT, Brightness_INT, Histogram_BT, ExposureTime_F, "
+        "HorizMirror_BT, "
+        "VerticalMirror_BT, Responsible_Person_NVC, Approved, MirrRotStatus, ImageType, CRC, DPIY_INT, "
+        "DPIX_INT, "
+        "Voltage_INT, Current_INT, Capture_Person_NVC, Pregnant_BT, XRaySource_NVC, PrevXrayDate_DT, "
+        "Dosage_INT, "
         "Study_ID, Series_ID, SOPInstanceUID_NVC, ImageNumberInSeries, DicomStatus_INT, FrameNumber_INT, "
-        "AnatomicRegion, DCMDerived_BT, Laterality, AnaRegion, AnaRegionMod, PriStructure, SubType_INT, Gamma_INT) "
-        "VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)");
+        "AnatomicRegion, DCMDerived_BT, Laterality, AnaRegion, AnaRegionMod, PriStructure, SubType_INT, "
+        "Gamma_INT) "
+        "VALUES "
+        "(?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)");
     newest_ = Prepare("SELECT MAX(ImageBildID) FROM ImageBild_T WHERE GraphicURL_NVC=? AND PatientID=?");
     update_ = Prepare(
-        "UPDATE ImageBild_T SET ImageType=?, GraphicURL_NVC=?, Approved=?, MirrRotStatus=?, DPIY_INT=?, DPIX_INT=?, "
-        "ComputedDPI_INT=?, PriStructure=?, Study_ID=?, Series_ID=?, SOPInstanceUID_NVC=?, HardwareSourcetxt_NVC=?, "
-        "ImageNumberInSeries=?, dicomStatus_INT=?, AnaRegion=?, AnaRegionMod=?, FrameNumber_INT=?, Gamma_INT=?, "
-        "Invert_BT=?, Contrast_INT=?, Brightness_INT=?, CRC=?, Laterality=?, PatientID=?, Capture_Person_NVC=?, "
-        "Responsible_Person_NVC=?, Voltage_INT=?, DCMDerived_BT=?, SubType_INT=?, Current_INT=?, AnatomicRegion=?, "
+        "UPDATE ImageBild_T SET ImageType=?, GraphicURL_NVC=?, Approved=?, MirrRotStatus=?, DPIY_INT=?, "
+        "DPIX_INT=?, "
+        "ComputedDPI_INT=?, PriStructure=?, Study_ID=?, Series_ID=?, SOPInstanceUID_NVC=?, "
+        "HardwareSourcetxt_NVC=?, "
+        "ImageNumberInSeries=?, dicomStatus_INT=?, AnaRegion=?, AnaRegionMod=?, FrameNumber_INT=?, "
+        "Gamma_INT=?, "
+        "Invert_BT=?, Contrast_INT=?, Brightness_INT=?, CRC=?, Laterality=?, PatientID=?, "
+        "Capture_Person_NVC=?, "
+        "Responsible_Person_NVC=?, Voltage_INT=?, DCMDerived_BT=?, SubType_INT=?, Current_INT=?, "
+        "AnatomicRegion=?, "
         "ExposureTime_F=? WHERE ImageBildID=?");
 }
 
@@ -142,7 +157,8 @@ void ByHand::Execute(const char* statement) {
 
 sqlite3_stmt* ByHand::Prepare(const char* statement) {
     sqlite3_stmt* compiled = nullptr;
-    if (sqlite3_prepare_v3(database_, statement, -1, SQLITE_PREPARE_PERSISTENT, &compiled, nullptr) != SQLITE_OK)
+    if (sqlite3_prepare_v3(database_, statement, -1, SQLITE_PREPARE_PERSISTENT, &compiled, nullptr) !=
+        SQLITE_OK)
         throw std::runtime_error(sqlite3_errmsg(database_));
     all_.push_back(compiled);
     return compiled;
@@ -165,12 +181,12 @@ bool ByHand::LoadImage(std::int64_t id, HandImage& image) {
 }
 
 std::int64_t ByHand::Insert(const HandImage& i) {
-    Binder(insert_) << 0 << i.patient << ZeroDate << Empty << Empty << i.dpiX << 100 << i.source << i.root << i.url
-                    << i.invert << 0 << 0 << i.contrast << i.brightness << 0 << i.exposure << 0 << 0 << i.responsible
-                    << (i.approved ? -1 : 0) << i.mirror << i.type << i.crc << i.dpiY << i.dpiX << i.voltage
-                    << i.current << Empty << 0 << Empty << ZeroDate << 0 << i.study << i.series << i.uid << i.number
-                    << i.status << i.frame << i.crop << i.derived << i.laterality << i.region << i.modifier << i.teeth
-                    << i.subType << i.gamma;
+    Binder(insert_) << 0 << i.patient << ZeroDate << Empty << Empty << i.dpiX << 100 << i.source << i.root
+                    << i.url << i.invert << 0 << 0 << i.contrast << i.brightness << 0 << i.exposure << 0 << 0
+                    << i.responsible << (i.approved ? -1 : 0) << i.mirror << i.type << i.crc << i.dpiY
+                    << i.dpiX << i.voltage << i.current << Empty << 0 << Empty << ZeroDate << 0 << i.study
+                    << i.series << i.uid << i.number << i.status << i.frame << i.crop << i.derived
+                    << i.laterality << i.region << i.modifier << i.teeth << i.subType << i.gamma;
     if (sqlite3_step(insert_) != SQLITE_DONE) throw std::runtime_error(sqlite3_errmsg(database_));
     sqlite3_reset(insert_);
     Binder(newest_) << i.url << i.patient;
@@ -181,11 +197,11 @@ std::int64_t ByHand::Insert(const HandImage& i) {
 }
 
 void ByHand::Update(const HandImage& i) {
-    Binder(update_) << i.type << i.url << (i.approved ? -1 : 0) << i.mirror << i.dpiY << i.dpiX << i.dpiX << i.teeth
-                    << i.study << i.series << i.uid << i.source << i.number << i.status << i.region << i.modifier
-                    << i.frame << i.gamma << i.invert << i.contrast << i.brightness << i.crc << i.laterality
-                    << i.patient << i.capture << i.responsible << i.voltage << i.derived << i.subType << i.current
-                    << i.crop << i.exposure << i.id;
+    Binder(update_) << i.type << i.url << (i.approved ? -1 : 0) << i.mirror << i.dpiY << i.dpiX << i.dpiX
+                    << i.teeth << i.study << i.series << i.uid << i.source << i.number << i.status << i.region
+                    << i.modifier << i.frame << i.gamma << i.invert << i.contrast << i.brightness << i.crc
+                    << i.laterality << i.patient << i.capture << i.responsible << i.voltage << i.derived
+                    << i.subType << i.current << i.crop << i.exposure << i.id;
     if (sqlite3_step(update_) != SQLITE_DONE) throw std::runtime_error(sqlite3_errmsg(database_));
     sqlite3_reset(update_);
 }

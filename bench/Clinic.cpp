@@ -17,19 +17,28 @@ void Run(sqlite3* database, const std::string& script) {
 }
 
 std::string FillStatement() {
-    return "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " + std::to_string(Images) +
-           ") INSERT INTO ImageBild_T (ImageBildID, ToothCollectionID, PatientID, DateCaptured_SD, Comments_NVC, "
-           "StandCollName_NVC, ComputedDPI_INT, HardwareSourceId_INT, HardwareSourcetxt_NVC, RootId, GraphicURL_NVC, "
-           "Invert_BT, StretchIntens_BT, Rotation_INT, Contrast_INT, Brightness_INT, Histogram_BT, ExposureTime_F, "
-           "HorizMirror_BT, VerticalMirror_BT, Responsible_Person_NVC, Approved, MirrRotStatus, ImageType, CRC, "
+    return "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " +
+           std::to_string(Images) +
+           ") INSERT INTO ImageBild_T (ImageBildID, ToothCollectionID, PatientID, DateCaptured_SD, "
+           "Comments_NVC, "
+           "StandCollName_NVC, ComputedDPI_INT, HardwareSourceId_INT, HardwareSourcetxt_NVC, RootId, "
+           "GraphicURL_NVC, "
+           "Invert_BT, StretchIntens_BT, Rotation_INT, Contrast_INT, Brightness_INT, Histogram_BT, "
+           "ExposureTime_F, "
+           "HorizMirror_BT, VerticalMirror_BT, Responsible_Person_NVC, Approved, MirrRotStatus, ImageType, "
+           "CRC, "
            "DPIY_INT, DPIX_INT, Voltage_INT, Current_INT, Capture_Person_NVC, Pregnant_BT, XRaySource_NVC, "
            "PrevXrayDate_DT, Dosage_INT, Study_ID, Series_ID, SOPInstanceUID_NVC, ImageNumberInSeries, "
-           "DicomStatus_INT, FrameNumber_INT, AnatomicRegion, DCMDerived_BT, Laterality, AnaRegion, AnaRegionMod, "
+           "DicomStatus_INT, FrameNumber_INT, AnatomicRegion, DCMDerived_BT, Laterality, AnaRegion, "
+           "AnaRegionMod, "
            "PriStructure, SubType_INT, Gamma_INT) SELECT i, 0, i % " +
            std::to_string(Patients) +
-           ", datetime('2001-01-01', '+' || (i * 97 % 9000000) || ' minutes'), '', '', 577, 100, 'Sensor 3 serial ' || "
-           "(i % 7), 1, '0_\\2.25.' || (i * 1000003) || '.dcm', 0, 0, 0, 10, -5, 0, 120, 0, 0, 'Anna Ek', -1, 1, 1, "
-           "'9AF3' || i, 577, 577, 65, 7, 'Bo Alm', NULL, '', '1899-12-30 00:00:00', 0, i / 18, i / 18, '2.25.' || (i * "
+           ", datetime('2001-01-01', '+' || (i * 97 % 9000000) || ' minutes'), '', '', 577, 100, 'Sensor 3 "
+           "serial ' || "
+           "(i % 7), 1, '0_\\2.25.' || (i * 1000003) || '.dcm', 0, 0, 0, 10, -5, 0, 120, 0, 0, 'Anna Ek', "
+           "-1, 1, 1, "
+           "'9AF3' || i, 577, 577, 65, 7, 'Bo Alm', NULL, '', '1899-12-30 00:00:00', 0, i / 18, i / 18, "
+           "'2.25.' || (i * "
            "1000003), i % 18, 2, i % 18 + 1, '', 0, 'R', 'T-11170', 'T-5100B', '16,17,18,', 0, 100 FROM n;";
 }
 
@@ -43,8 +52,8 @@ std::string ClinicWithMillionImages(const std::string& folder) {
     std::filesystem::remove(partial);
     sqlite3* database = nullptr;
     sqlite3_open(partial.c_str(), &database);
-    Run(database, "PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF; BEGIN;" + std::string(schema::sqlite_sql) +
-                      std::string(schema::layouts_sql) +
+    Run(database, "PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF; BEGIN;" +
+                      std::string(schema::sqlite_sql) + std::string(schema::layouts_sql) +
                       "INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, '/srv/images', 1);" +
                       FillStatement() + "COMMIT;");
     sqlite3_close(database);

@@ -21,8 +21,9 @@ inline double Median(std::vector<double> times) {
 
 /// Runs the library's way and the one by hand in turns, so that both meet the same machine, and prints
 /// the medians for one of `count` and their ratio. `prepare` runs before each, untimed.
-inline void PrintRatio(const char* what, std::size_t count, int rounds, const std::function<void()>& library,
-                       const std::function<void()>& byHand, const std::function<void()>& prepare = [] {}) {
+inline void PrintRatio(
+    const char* what, std::size_t count, int rounds, const std::function<void()>& library,
+    const std::function<void()>& byHand, const std::function<void()>& prepare = [] {}) {
     std::vector<double> ours, theirs;
     for (int i = 0; i <= rounds; ++i) {
         prepare();

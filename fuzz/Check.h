@@ -4,10 +4,10 @@
 #include <cstdlib>
 
 /// Stops the fuzzer with what was found.
-#define CHECK(condition)                                                          \
-    do {                                                                          \
-        if (!(condition)) {                                                       \
-            std::fprintf(stderr, "%s:%d: %s\n", __FILE__, __LINE__, #condition);  \
-            std::abort();                                                         \
-        }                                                                         \
+#define CHECK(condition)                                                         \
+    do {                                                                         \
+        if (!(condition)) {                                                      \
+            std::fprintf(stderr, "%s:%d: %s\n", __FILE__, __LINE__, #condition); \
+            std::abort();                                                        \
+        }                                                                        \
     } while (false)

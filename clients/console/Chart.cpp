@@ -17,7 +17,8 @@ constexpr int ChartWidth = 100;
 /// A sheet of characters, written by column and row. ASCII only: one byte a place.
 class Sheet {
 public:
-    Sheet(int width, int height) : lines_(static_cast<std::size_t>(height), std::string(static_cast<std::size_t>(width), ' ')) {}
+    Sheet(int width, int height)
+        : lines_(static_cast<std::size_t>(height), std::string(static_cast<std::size_t>(width), ' ')) {}
 
     void Put(int column, int row, std::string_view text) {
         if (row < 0 || row >= static_cast<int>(lines_.size())) return;
@@ -30,7 +31,8 @@ public:
 
     /// A box with lines of text in its middle, cut to what it has room for.
     void Box(int left, int top, int width, int height, const std::vector<std::string>& texts) {
-        const std::string edge = "+" + std::string(static_cast<std::size_t>(std::max(width - 2, 0)), '-') + "+";
+        const std::string edge =
+            "+" + std::string(static_cast<std::size_t>(std::max(width - 2, 0)), '-') + "+";
         Put(left, top, edge);
         Put(left, top + height - 1, edge);
         for (int row = top + 1; row < top + height - 1; ++row) {
@@ -121,11 +123,13 @@ void PrintHungSeries(const Clinic& clinic, Long number) {
     std::vector<std::string> unplaced;
     const Ref<cImages> images = ImagesOf(clinic, number);
     for (const cImage& image : *images) {
-        if (image.FrameNumber > 0) labels[image.FrameNumber] = Label(image);
-        else unplaced.push_back(Label(image));
+        if (image.FrameNumber > 0)
+            labels[image.FrameNumber] = Label(image);
+        else
+            unplaced.push_back(Label(image));
     }
-    fmt::print("Series {}: {}, {} images, layout {} {}\n", number, series->SeriesDescription, series->ImgCount,
-               series->TemplateID, layout->TCName);
+    fmt::print("Series {}: {}, {} images, layout {} {}\n", number, series->SeriesDescription,
+               series->ImgCount, series->TemplateID, layout->TCName);
     fmt::print("{}", ChartOf(*layout, labels));
     if (!unplaced.empty()) fmt::print("Hanging nowhere: {}\n", fmt::join(unplaced, "; "));
 }

@@ -18,7 +18,8 @@ std::string DatabaseOf(const Options& options) {
     if (!options.database.empty()) return options.database;
     const char* const fromEnvironment = std::getenv("OXCLASS_DB");
     if (fromEnvironment && *fromEnvironment) return fromEnvironment;
-    throw Complaint("no database is named; use --db FILE or set OXCLASS_DB, or make one with: oxclass init clinic.db");
+    throw Complaint(
+        "no database is named; use --db FILE or set OXCLASS_DB, or make one with: oxclass init clinic.db");
 }
 
 bool IsConnectionString(const std::string& database) { return database.find('=') != std::string::npos; }
@@ -30,8 +31,9 @@ class Clinic::Trace final : public ADODB::ConnectionEvents {
 public:
     void ExecuteComplete(const ADODB::ExecuteReport& report) override {
         const std::string outcome =
-            report.Failure ? "failed: " + report.Failure->Description
-                           : fmt::format("{} rows", report.RecordsAffected >= 0 ? report.RecordsAffected : report.Rows);
+            report.Failure
+                ? "failed: " + report.Failure->Description
+                : fmt::format("{} rows", report.RecordsAffected >= 0 ? report.RecordsAffected : report.Rows);
         fmt::print(stderr, "[{:8.3f} ms, {}] {}\n", report.Seconds * 1000, outcome, report.Source);
     }
     void BeginTransComplete(Long level) override { fmt::print(stderr, "[begin transaction {}]\n", level); }
@@ -69,11 +71,13 @@ void Clinic::RequireClinic(const std::string& name) const {
     const Long mark = CLng(con_->Execute("PRAGMA application_id")->Fields(0).Value());
     const Long version = CLng(con_->Execute("PRAGMA user_version")->Fields(0).Value());
     if (mark != ApplicationMark)
-        throw Complaint(fmt::format("{} is no clinic database; make one under another name with: oxclass init", name));
+        throw Complaint(
+            fmt::format("{} is no clinic database; make one under another name with: oxclass init", name));
     if (version > KnownVersion)
-        throw Complaint(fmt::format("{} was made by a newer program (tables of version {}, this program knows {}); "
-                                    "use that program",
-                                    name, version, KnownVersion));
+        throw Complaint(
+            fmt::format("{} was made by a newer program (tables of version {}, this program knows {}); "
+                        "use that program",
+                        name, version, KnownVersion));
 }
 
 Ref<Recordset> Clinic::Read(const std::string& statement) const {
@@ -92,6 +96,7 @@ List Clinic::ListOf(const std::string& statement) const {
     List list(std::move(columns));
     for (; !rows->Eof(); rows->MoveNext()) {
         std::vector<nlohmann::ordered_json> row;
+        row.reserve(static_cast<std::size_t>(rows->FieldCount()));
         for (Long i = 0; i < rows->FieldCount(); ++i) row.push_back(AsJson(rows->Fields(i).Value()));
         list.Add(std::move(row));
     }

@@ -15,7 +15,9 @@ using namespace OXClass;
 
 using Hung = std::tuple<Long, String, String, String>;
 
-Hung Placing(const cImage& image) { return {image.FrameNumber, image.Laterality, image.AnaRegion, image.AnaRegionMod}; }
+Hung Placing(const cImage& image) {
+    return {image.FrameNumber, image.Laterality, image.AnaRegion, image.AnaRegionMod};
+}
 
 void Hang(const Options& options, Long number) {
     const Clinic clinic(options);
@@ -23,7 +25,10 @@ void Hang(const Options& options, Long number) {
     const HungSeries hung = HangStored(clinic.Con(), number);
     clinic.Con()->CommitTrans();
     if (options.json)
-        return PrintJson({{"series", number}, {"layout", hung.layout}, {"placed", hung.placed}, {"changed", hung.changed}});
+        return PrintJson({{"series", number},
+                          {"layout", hung.layout},
+                          {"placed", hung.placed},
+                          {"changed", hung.changed}});
     PrintHungSeries(clinic, number);
     fmt::print("{} images have a frame, {} were changed.\n", hung.placed, hung.changed);
 }
@@ -53,7 +58,8 @@ HungSeries HangStored(const Ref<Connection>& con, Long number) {
 
 void AddHanging(Program& program) {
     const auto series = std::make_shared<std::string>();
-    auto* command = program.app.add_subcommand("hang", "lay a series out anew and store where its images hang");
+    auto* command =
+        program.app.add_subcommand("hang", "lay a series out anew and store where its images hang");
     command->add_option("SERIES", *series, "number of a series")->required();
     command->footer("Example: oxclass hang 1");
     command->callback([&program, series] { Hang(program.options, NumberOf(*series, "a series")); });

@@ -84,7 +84,8 @@ private:
     Long PatientOf(const RadiographFile& file);
     Long StudyOf(const RadiographFile& file, Long patient);
     Ref<cSerie> SeriesOf(const RadiographFile& file, Long study);
-    bool StoreImage(const Radiograph& radiograph, Long patient, const cSerie& series, std::vector<StoredFile>& files);
+    bool StoreImage(const Radiograph& radiograph, Long patient, const cSerie& series,
+                    std::vector<StoredFile>& files);
     Ref<cImage> ImageOf(const RadiographFile& file);
     void Fill(cImage& image, const Radiograph& radiograph, Long patient, const cSerie& series) const;
     void Report(const fs::path& path, const std::string& reason);
@@ -152,7 +153,8 @@ void Import::StoreSeries(const Group& group) {
         con_->RollbackTrans();
         tally_ = before;
         const auto* error = dynamic_cast<const Error*>(&failure);
-        const std::string reason = error ? fmt::format("error {}: {}", error->Number, error->Description) : failure.what();
+        const std::string reason =
+            error ? fmt::format("error {}: {}", error->Number, error->Description) : failure.what();
         for (const Radiograph& radiograph : group) Report(radiograph.path, reason);
     }
 }
@@ -163,8 +165,8 @@ Long Import::StoreGroup(const Group& group, std::vector<StoredFile>& files) {
     const Ref<cSerie> series = SeriesOf(first, StudyOf(first, patient));
     for (const Radiograph& radiograph : group) {
         if (!EqualsIgnoringCase(radiograph.file.patientID, first.patientID))
-            throw Complaint(fmt::format("the files of series {} name two patients, {} and {}", first.seriesUID,
-                                        first.patientID, radiograph.file.patientID));
+            throw Complaint(fmt::format("the files of series {} name two patients, {} and {}",
+                                        first.seriesUID, first.patientID, radiograph.file.patientID));
         (StoreImage(radiograph, patient, *series, files) ? tally_.stored : tally_.known) += 1;
         progress_->Step();
     }
@@ -225,8 +227,9 @@ Ref<cSerie> Import::SeriesOf(const RadiographFile& file, Long study) {
 /// The stored image of the file, or a new one.
 Ref<cImage> Import::ImageOf(const RadiographFile& file) {
     Ref<cImage> image = New<cImage>();
-    const Ref<Recordset> known = con_->Execute(sql("SELECT ImageBildID FROM ImageBild_T WHERE SOPInstanceUID_NVC = '",
-                                                   FixSqlString(file.sopInstanceUID), "'"));
+    const Ref<Recordset> known =
+        con_->Execute(sql("SELECT ImageBildID FROM ImageBild_T WHERE SOPInstanceUID_NVC = '",
+                          FixSqlString(file.sopInstanceUID), "'"));
     if (!known->Eof()) image->GetImage(con_, CLng(known->Fields(0).Value()));
     return image;
 }
@@ -236,7 +239,8 @@ bool Import::StoreImage(const Radiograph& radiograph, Long patient, const cSerie
                         std::vector<StoredFile>& files) {
     const Ref<cImage> image = ImageOf(radiograph.file);
     if (image->ID != 0 && !image->URL.empty()) return false;
-    const std::string name = services_->GetSubFolder(patient) + "\\" + radiograph.file.sopInstanceUID + ".dcm";
+    const std::string name =
+        services_->GetSubFolder(patient) + "\\" + radiograph.file.sopInstanceUID + ".dcm";
     files.emplace_back(radiograph.path, StoredPath(root_, name));
     Fill(*image, radiograph, patient, series);
     image->URL = name;
@@ -271,8 +275,11 @@ void Import::Fill(cImage& image, const Radiograph& radiograph, Long patient, con
 
 void PrintTally(const Tally& tally, bool json) {
     if (json)
-        return PrintJson({{"files", tally.files}, {"stored", tally.stored}, {"known", tally.known},
-                          {"failed", tally.failed}, {"series", tally.hung}});
+        return PrintJson({{"files", tally.files},
+                          {"stored", tally.stored},
+                          {"known", tally.known},
+                          {"failed", tally.failed},
+                          {"series", tally.hung}});
     fmt::print("{} files: {} new images stored, {} were stored already, {} not imported; {} series hung.\n",
                tally.files, tally.stored, tally.known, tally.failed, tally.hung.size());
     if (tally.stored == 0 && tally.known > 0) fmt::print("Nothing was stored twice.\n");
@@ -293,8 +300,9 @@ void AddImport(Program& program) {
     auto* command = program.app.add_subcommand(
         "import", "read radiographs from folders of DICOM files, store them and hang each series");
     command->add_option("FOLDER", *names, "folders, with all below them, or single files")->required();
-    command->footer("Importing the same files again stores nothing twice. Exit code 3: some files were not imported.\n"
-                    "Example: oxclass --db clinic.db import ~/radiographs");
+    command->footer(
+        "Importing the same files again stores nothing twice. Exit code 3: some files were not imported.\n"
+        "Example: oxclass --db clinic.db import ~/radiographs");
     command->callback([&program, names] { ImportFolders(program, *names); });
 }
 

@@ -16,7 +16,8 @@ using OXClass::sql;
 /// A file that is made beside its name and gets it when it is whole; whatever fails, nothing of it stays.
 class NewFile {
 public:
-    explicit NewFile(fs::path path) : path_(std::move(path)), made_(path_.string() + fmt::format(".new{}", getpid())) {}
+    explicit NewFile(fs::path path)
+        : path_(std::move(path)), made_(path_.string() + fmt::format(".new{}", getpid())) {}
     ~NewFile() {
         for (const char* end : {"", "-wal", "-shm", "-journal"}) {
             std::error_code ignored;
@@ -37,8 +38,8 @@ void Fill(const fs::path& file, const fs::path& root) {
     con->BeginTrans();
     RunScript(con, schema::sqlite_sql);
     RunScript(con, schema::layouts_sql);
-    con->Execute(sql("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, '", FixSqlString(root.string()),
-                     "', 1);"));
+    con->Execute(sql("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, '",
+                     FixSqlString(root.string()), "', 1);"));
     con->CommitTrans();
     con->Close();
 }
@@ -47,9 +48,10 @@ void Fill(const fs::path& file, const fs::path& root) {
 void PutAside(const fs::path& file, bool replace) {
     if (!fs::exists(file)) return;
     if (!replace)
-        throw Complaint(fmt::format("{} exists already and stays as it is; name another file, or use --replace to put "
-                                    "it aside as {}.old",
-                                    file.string(), file.string()));
+        throw Complaint(
+            fmt::format("{} exists already and stays as it is; name another file, or use --replace to put "
+                        "it aside as {}.old",
+                        file.string(), file.string()));
     const fs::path aside = file.string() + ".old";
     if (fs::exists(aside))
         throw Complaint(fmt::format("{} exists already; move it away first", aside.string()));
@@ -67,7 +69,8 @@ void Init(const std::string& name, const std::string& rootName, bool replace) {
     Fill(made.Made(), root);
     PutAside(file, replace);
     made.Finish();
-    fmt::print("{} is ready; images go to {}\nNext: oxclass --db {} import FOLDER\n", file.string(), root.string(), name);
+    fmt::print("{} is ready; images go to {}\nNext: oxclass --db {} import FOLDER\n", file.string(),
+               root.string(), name);
 }
 
 }  // namespace
@@ -78,9 +81,11 @@ void AddInit(Program& program) {
         bool replace = false;
     };
     const auto given = std::make_shared<Arguments>();
-    auto* command = program.app.add_subcommand("init", "make a database with the standard layouts and a storage root");
+    auto* command =
+        program.app.add_subcommand("init", "make a database with the standard layouts and a storage root");
     command->add_option("FILE", given->file, "the database to make")->required();
-    command->add_option("--root", given->root, "folder for the image files; default: images beside the database")
+    command
+        ->add_option("--root", given->root, "folder for the image files; default: images beside the database")
         ->type_name("DIR");
     command->add_flag("--replace", given->replace, "put an existing database aside as FILE.old first");
     command->footer("Example: oxclass init clinic.db --root /srv/images");

@@ -13,9 +13,12 @@ using namespace OXClass;
 void ListLayouts(const Options& options) {
     const Clinic clinic(options);
     clinic
-        .ListOf("SELECT TCDicomId AS Layout, TCName AS Name, TCFullViewWidth AS Width, TCFullViewHeight AS Height, "
-                "(SELECT count(*) FROM TemplateAttribute_T a WHERE a.TemplateID = c.TemplateID) AS Slots, TCComments "
-                "AS Comments FROM TemplateCard_T c ORDER BY TCDicomId")
+        .ListOf(
+            "SELECT TCDicomId AS Layout, TCName AS Name, TCFullViewWidth AS Width, TCFullViewHeight AS "
+            "Height, "
+            "(SELECT count(*) FROM TemplateAttribute_T a WHERE a.TemplateID = c.TemplateID) AS Slots, "
+            "TCComments "
+            "AS Comments FROM TemplateCard_T c ORDER BY TCDicomId")
         .Print(options.json, "There are no layouts.");
 }
 
@@ -32,18 +35,25 @@ void ShowLayout(const Options& options, Long number) {
         fmt::print("Layout {}: {}\n{}", number, layout->TCName, ChartOf(*layout, labels));
         return;
     }
-    List list({{"frame", ""}, {"sequence", ""}, {"x", ""}, {"y", ""}, {"width", ""}, {"height", ""}, {"group", ""}});
+    List list({{"frame", ""},
+               {"sequence", ""},
+               {"x", ""},
+               {"y", ""},
+               {"width", ""},
+               {"height", ""},
+               {"group", ""}});
     for (const auto& slot : Each<cTemplateAttribute>(*layout->TemplateAttributes))
-        list.Add({slot.TANumberInTemplate, slot.TASequence, slot.TAPosX, slot.TAPosY, slot.TAWidth, slot.TAHeight,
-                  slot.TAADName});
+        list.Add({slot.TANumberInTemplate, slot.TASequence, slot.TAPosX, slot.TAPosY, slot.TAWidth,
+                  slot.TAHeight, slot.TAADName});
     list.Print(true, "");
 }
 
 void ListGroups(const Options& options) {
     const Clinic clinic(options);
     clinic
-        .ListOf("SELECT TGId AS \"Group\", Name, ADLaterality AS Side, ADAnaRegion AS Region, ADAnaRegionMod AS "
-                "Modifier, ADPriStructure AS Teeth FROM StandardGroupName ORDER BY OrderNo, TGId")
+        .ListOf(
+            "SELECT TGId AS \"Group\", Name, ADLaterality AS Side, ADAnaRegion AS Region, ADAnaRegionMod AS "
+            "Modifier, ADPriStructure AS Teeth FROM StandardGroupName ORDER BY OrderNo, TGId")
         .Print(options.json, "There are no anatomic groups.");
 }
 
@@ -52,8 +62,13 @@ void ShowGroup(const Options& options, Long number) {
     const Ref<cAnatomicDescription> group = New<cAnatomicDescription>();
     group->LoadSGN(clinic.Con(), number);
     if (group->ID == 0) throw Complaint(fmt::format("there is no group {}; see: oxclass anatomy", number));
-    List list({{"group", "Group"}, {"name", "Name"}, {"side", "Side"}, {"region", "Region"}, {"modifier", "Modifier"},
-               {"teeth", "Teeth"}, {"comments", "Comments"}});
+    List list({{"group", "Group"},
+               {"name", "Name"},
+               {"side", "Side"},
+               {"region", "Region"},
+               {"modifier", "Modifier"},
+               {"teeth", "Teeth"},
+               {"comments", "Comments"}});
     list.Add({group->ADId, group->ADName, group->ADLaterality, group->ADAnaRegion, group->ADAnaRegionMod,
               group->GetAsString(), group->ADComments});
     list.Print(options.json, "");

@@ -87,12 +87,15 @@ void List::PrintText() const {
         fmt::print("{}\n", text);
     };
     line([&](std::size_t i) { return columns_[i].title; });
-    for (const auto& row : rows_)
-        line([&](std::size_t i) { return CellText(row[i]); });
+    for (const auto& row : rows_) line([&](std::size_t i) { return CellText(row[i]); });
 }
 
 Progress::Progress(std::string what, std::size_t total)
-    : what_(std::move(what)), total_(total), started_(Seconds()), shown_(started_), terminal_(isatty(STDERR_FILENO) != 0) {}
+    : what_(std::move(what)),
+      total_(total),
+      started_(Seconds()),
+      shown_(started_),
+      terminal_(isatty(STDERR_FILENO) != 0) {}
 
 Progress::~Progress() { Clear(); }
 

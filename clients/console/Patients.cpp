@@ -14,16 +14,19 @@ using Json = nlohmann::ordered_json;
 void ListPatients(const Options& options, const std::string& text) {
     const Clinic clinic(options);
     const std::string where =
-        text.empty() ? ""
-                     : sql(" WHERE instr(upper(LastName_NVC || ' ' || FirstName_NVC || ' ' || PersonNr_CH), '",
-                           UCase(FixSqlString(text)), "') > 0");
+        text.empty()
+            ? ""
+            : sql(" WHERE instr(upper(LastName_NVC || ' ' || FirstName_NVC || ' ' || PersonNr_CH), '",
+                  UCase(FixSqlString(text)), "') > 0");
     const List list = clinic.ListOf(
-        "SELECT p.PatientID AS Number, PersonNr_CH AS ID, LastName_NVC AS \"Last name\", FirstName_NVC AS \"First "
+        "SELECT p.PatientID AS Number, PersonNr_CH AS ID, LastName_NVC AS \"Last name\", FirstName_NVC AS "
+        "\"First "
         "name\", Birthdate_CH AS Born, Sex_CH AS Sex, (SELECT count(*) FROM Study_T s WHERE s.PatientID = "
         "p.PatientID) AS Studies FROM Patient_T p" +
         where + " ORDER BY LastName_NVC, FirstName_NVC, p.PatientID");
-    list.Print(options.json, text.empty() ? "There are no patients yet; import some with: oxclass import FOLDER"
-                                          : "No patient matches \"" + text + "\".");
+    list.Print(options.json, text.empty()
+                                 ? "There are no patients yet; import some with: oxclass import FOLDER"
+                                 : "No patient matches \"" + text + "\".");
 }
 
 /// A patient by the text identifier, or by the number behind a "#".
@@ -42,9 +45,15 @@ struct Field {
     String cPatient::*text;
 };
 constexpr Field TextFields[] = {
-    {"LastName", &cPatient::LastName},   {"FirstName", &cPatient::FirstName}, {"Sex", &cPatient::Sex},
-    {"Address", &cPatient::Address},     {"TelOne", &cPatient::TelOne},       {"TelTwo", &cPatient::TelTwo},
-    {"TelMobile", &cPatient::TelMobile}, {"EMail", &cPatient::EMail},         {"Comments", &cPatient::Comments},
+    {"LastName", &cPatient::LastName},
+    {"FirstName", &cPatient::FirstName},
+    {"Sex", &cPatient::Sex},
+    {"Address", &cPatient::Address},
+    {"TelOne", &cPatient::TelOne},
+    {"TelTwo", &cPatient::TelTwo},
+    {"TelMobile", &cPatient::TelMobile},
+    {"EMail", &cPatient::EMail},
+    {"Comments", &cPatient::Comments},
     {"IDImg", &cPatient::IDImg},
 };
 
@@ -104,7 +113,8 @@ void AddPatients(Program& program) {
         std::vector<std::string> assignments;
     };
     const auto given = std::make_shared<Arguments>();
-    auto* list = program.app.add_subcommand("patients", "list the patients, or those whose name or ID holds a text");
+    auto* list =
+        program.app.add_subcommand("patients", "list the patients, or those whose name or ID holds a text");
     list->add_option("TEXT", given->text, "a part of the name or of the ID");
     list->footer("Example: oxclass patients ander");
     list->callback([&program, given] { ListPatients(program.options, given->text); });

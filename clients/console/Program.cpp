@@ -9,11 +9,13 @@ namespace Console {
 namespace {
 
 void AddCommonOptions(Program& program) {
-    program.app.add_option("--db", program.options.database,
-                           "database file, or a full connection string; default: OXCLASS_DB")
+    program.app
+        .add_option("--db", program.options.database,
+                    "database file, or a full connection string; default: OXCLASS_DB")
         ->type_name("FILE");
     program.app.add_flag("--json", program.options.json, "print lists as JSON, for scripts");
-    program.app.add_flag("--trace", program.options.trace, "print each statement with its time to standard error");
+    program.app.add_flag("--trace", program.options.trace,
+                         "print each statement with its time to standard error");
     program.app.fallthrough();
     program.app.require_subcommand(1);
     program.app.failure_message(CLI::FailureMessage::simple);

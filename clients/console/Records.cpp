@@ -20,22 +20,27 @@ std::string Filter(const char* column, const std::string& value) {
 void ListStudies(const Options& options, const std::string& patient) {
     const Clinic clinic(options);
     clinic
-        .ListOf("SELECT Study_ID AS Study, PersonNr_CH AS Patient, StudyDateTime AS Date, Studydesc AS Description, "
-                "(SELECT count(*) FROM Series_T WHERE Series_T.Study_ID = Study_T.Study_ID) AS Series, "
-                "StudyInstanceUID AS UID FROM Study_T LEFT JOIN Patient_T ON Patient_T.PatientID = "
-                "Study_T.PatientID" +
-                Filter("PersonNr_CH", patient) + " ORDER BY StudyDateTime, Study_ID")
+        .ListOf(
+            "SELECT Study_ID AS Study, PersonNr_CH AS Patient, StudyDateTime AS Date, Studydesc AS "
+            "Description, "
+            "(SELECT count(*) FROM Series_T WHERE Series_T.Study_ID = Study_T.Study_ID) AS Series, "
+            "StudyInstanceUID AS UID FROM Study_T LEFT JOIN Patient_T ON Patient_T.PatientID = "
+            "Study_T.PatientID" +
+            Filter("PersonNr_CH", patient) + " ORDER BY StudyDateTime, Study_ID")
         .Print(options.json, "There are no studies.");
 }
 
 void ListSeries(const Options& options, const std::string& patient) {
     const Clinic clinic(options);
     clinic
-        .ListOf("SELECT Series_ID AS Series, Series_T.Study_ID AS Study, PersonNr_CH AS Patient, SeriesDateTime AS "
-                "Date, Modality, NumberOfImages AS Images, template_ID AS Layout, SeriesDescription AS Description "
-                "FROM Series_T LEFT JOIN Study_T ON Study_T.Study_ID = Series_T.Study_ID LEFT JOIN Patient_T ON "
-                "Patient_T.PatientID = Study_T.PatientID" +
-                Filter("PersonNr_CH", patient) + " ORDER BY SeriesDateTime, Series_ID")
+        .ListOf(
+            "SELECT Series_ID AS Series, Series_T.Study_ID AS Study, PersonNr_CH AS Patient, SeriesDateTime "
+            "AS "
+            "Date, Modality, NumberOfImages AS Images, template_ID AS Layout, SeriesDescription AS "
+            "Description "
+            "FROM Series_T LEFT JOIN Study_T ON Study_T.Study_ID = Series_T.Study_ID LEFT JOIN Patient_T ON "
+            "Patient_T.PatientID = Study_T.PatientID" +
+            Filter("PersonNr_CH", patient) + " ORDER BY SeriesDateTime, Series_ID")
         .Print(options.json, "There are no series.");
 }
 
@@ -43,20 +48,30 @@ void ListSeries(const Options& options, const std::string& patient) {
 std::string ImagesClause(const std::string& patient, const std::string& series) {
     if (!series.empty()) return sql("where Series_ID=", NumberOf(series, "a series"));
     if (patient.empty()) return "where 1=1";
-    return sql("where PatientID IN (SELECT PatientID FROM Patient_T WHERE PersonNr_CH='", FixSqlString(patient), "')");
+    return sql("where PatientID IN (SELECT PatientID FROM Patient_T WHERE PersonNr_CH='",
+               FixSqlString(patient), "')");
 }
 
 void ListImages(const Options& options, const std::string& patient, const std::string& series) {
     const Clinic clinic(options);
     const Ref<cImages> images = New<cImages>();
     images->LoadAll4Object(clinic.Con(), iootUnknown, 0, ImagesClause(patient, series));
-    List list({{"image", "Image"}, {"series", "Series"}, {"frame", "Frame"}, {"teeth", "Teeth"}, {"side", "Side"},
-               {"region", "Region"}, {"modifier", "Modifier"}, {"date", "Date"}, {"kv", "kV"}, {"ma", "mA"},
-               {"ms", "ms"}, {"file", "File"}});
+    List list({{"image", "Image"},
+               {"series", "Series"},
+               {"frame", "Frame"},
+               {"teeth", "Teeth"},
+               {"side", "Side"},
+               {"region", "Region"},
+               {"modifier", "Modifier"},
+               {"date", "Date"},
+               {"kv", "kV"},
+               {"ma", "mA"},
+               {"ms", "ms"},
+               {"file", "File"}});
     for (const cImage& image : *images)
-        list.Add({image.ID, image.seriesID, image.FrameNumber, image.sTeeth, image.Laterality, image.AnaRegion,
-                  image.AnaRegionMod, DateText(image.dateTime), image.Voltage_kV, image.Current_mA,
-                  image.ExposureTime_ms, image.URL});
+        list.Add({image.ID, image.seriesID, image.FrameNumber, image.sTeeth, image.Laterality,
+                  image.AnaRegion, image.AnaRegionMod, DateText(image.dateTime), image.Voltage_kV,
+                  image.Current_mA, image.ExposureTime_ms, image.URL});
     list.Print(options.json, "There are no images.");
 }
 
@@ -78,7 +93,8 @@ void Comment(const Options& options, const std::string& number, const std::strin
     image->GetComments(clinic.Con());
     if (!text.empty()) {
         if (Len(text) > width || Len(signature) > width)
-            throw Complaint(fmt::format("a comment and its signature have at most {} characters each", width));
+            throw Complaint(
+                fmt::format("a comment and its signature have at most {} characters each", width));
         image->addComment(text, signature, Now(), false);
         image->Save(clinic.Con());
     }
@@ -100,7 +116,8 @@ void AddRecords(Program& program) {
     studies->footer("Example: oxclass studies --patient TEST-FMX18");
     studies->callback([&program, given] { ListStudies(program.options, given->patient); });
 
-    auto* series = program.app.add_subcommand("series", "list the series, or draw one as it hangs in its layout");
+    auto* series =
+        program.app.add_subcommand("series", "list the series, or draw one as it hangs in its layout");
     series->add_option("SERIES", given->series, "number of a series");
     patientOption(series);
     series->footer("Example: oxclass series 1");
@@ -120,9 +137,8 @@ void AddRecords(Program& program) {
     comment->add_option("TEXT", given->text, "the comment to add");
     comment->add_option("--signature", given->signature, "who says so")->type_name("NAME");
     comment->footer("Example: oxclass comment 3 \"caries distal 15\" --signature AB");
-    comment->callback([&program, given] {
-        Comment(program.options, given->image, given->text, given->signature);
-    });
+    comment->callback(
+        [&program, given] { Comment(program.options, given->image, given->text, given->signature); });
 }
 
 }  // namespace Console

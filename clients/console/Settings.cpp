@@ -15,7 +15,10 @@ constexpr std::string_view Prefix = "gglID_";
 
 void ListRoots(const Options& options) {
     const Clinic clinic(options);
-    clinic.ListOf("SELECT RootID AS Root, Status <> 0 AS Active, RootDirectory AS Directory FROM Root_T ORDER BY RootID")
+    clinic
+        .ListOf(
+            "SELECT RootID AS Root, Status <> 0 AS Active, RootDirectory AS Directory FROM Root_T ORDER BY "
+            "RootID")
         .Print(options.json, "There are no storage roots; add one with: oxclass roots --add DIR");
 }
 
@@ -26,7 +29,8 @@ void AddRoot(const Options& options, const std::string& directory) {
     fs::create_directories(root);
     clinic.Con()->BeginTrans();
     clinic.Con()->Execute("UPDATE Root_T SET Status = 0");
-    clinic.Con()->Execute(sql("INSERT INTO Root_T (RootDirectory, Status) VALUES ('", FixSqlString(root.string()), "', 1)"));
+    clinic.Con()->Execute(
+        sql("INSERT INTO Root_T (RootDirectory, Status) VALUES ('", FixSqlString(root.string()), "', 1)"));
     clinic.Con()->CommitTrans();
     ListRoots(options);
 }
@@ -48,7 +52,8 @@ void PrintSettings(const Options& options, const std::vector<gGlobalListIDs>& li
     for (const gGlobalListIDs id : lists) {
         const Ref<cGlobalLists> rows = New<cGlobalLists>();
         rows->GetAllGLs(clinic.Con(), id);
-        const std::string name(std::string_view(EnumerationOf<gGlobalListIDs>::Values[id - 1].Name).substr(Prefix.size()));
+        const std::string name(
+            std::string_view(EnumerationOf<gGlobalListIDs>::Values[id - 1].Name).substr(Prefix.size()));
         for (const cGlobalList& row : *rows) shown.Add({name, Long{id}, row.GlobalListID, row.ListText});
         if (rows->Count() == 0 && !onlyFilled) shown.Add({name, Long{id}, nullptr, nullptr});
     }

@@ -23,7 +23,8 @@ namespace fs = std::filesystem;
 /// An open file of the system, closed however its user ends.
 class OpenFile {
 public:
-    OpenFile(const fs::path& path, int flags) : path_(path), descriptor_(open(path.c_str(), flags | O_CLOEXEC, 0644)) {
+    OpenFile(const fs::path& path, int flags)
+        : path_(path), descriptor_(open(path.c_str(), flags | O_CLOEXEC, 0644)) {
         if (descriptor_ < 0) Complain(flags == O_RDONLY ? "can't read" : "can't write", path);
     }
     ~OpenFile() { close(descriptor_); }
@@ -61,7 +62,8 @@ bool SameContent(const fs::path& a, const fs::path& b) {
 void CopyFlushed(const fs::path& from, const fs::path& to) {
     OpenFile source(from, O_RDONLY), target(to, O_WRONLY | O_CREAT | O_EXCL);
     std::vector<char> buffer(1 << 18);
-    while (const std::size_t size = source.Read(buffer.data(), buffer.size())) target.Write(buffer.data(), size);
+    while (const std::size_t size = source.Read(buffer.data(), buffer.size()))
+        target.Write(buffer.data(), size);
     target.Flush();
 }
 
@@ -70,7 +72,9 @@ void CopyFlushed(const fs::path& from, const fs::path& to) {
 StoredFile::StoredFile(const fs::path& from, fs::path to) : path_(std::move(to)) {
     std::error_code failure;
     fs::create_directories(path_.parent_path(), failure);
-    if (failure) throw Complaint(fmt::format("can't make the folder {}: {}", path_.parent_path().string(), failure.message()));
+    if (failure)
+        throw Complaint(
+            fmt::format("can't make the folder {}: {}", path_.parent_path().string(), failure.message()));
     const fs::path partial = path_.string() + fmt::format(".part{}", getpid());
     try {
         CopyFlushed(from, partial);

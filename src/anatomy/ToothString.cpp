@@ -7,8 +7,8 @@ namespace OXClass {
 const std::array<Integer, 52> AllTeeth = [] {
     std::array<Integer, 52> teeth{};
     auto next = teeth.begin();
-    for (Integer quadrant = 1; quadrant <= 8; ++quadrant)
-        for (Integer place = 1; place <= (quadrant <= 4 ? 8 : 5); ++place)
+    for (int quadrant = 1; quadrant <= 8; ++quadrant)
+        for (int place = 1; place <= (quadrant <= 4 ? 8 : 5); ++place)
             *next++ = static_cast<Integer>(quadrant * 10 + place);
     return teeth;
 }();

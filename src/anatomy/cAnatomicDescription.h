@@ -5,11 +5,7 @@
 namespace OXClass {
 
 /// The kind of an anatomic description.
-enum AnaDescType : Long {
-    adtIntraOral = 0,
-    adtGeneralDX = 1,
-    adtAll = 999
-};
+enum AnaDescType : Long { adtIntraOral = 0, adtGeneralDX = 1, adtAll = 999 };
 
 /// A named standard group: what an image shows, with its side, region, modifier and structure, and for
 /// intra-oral groups the teeth. One row of StandardGroupName.

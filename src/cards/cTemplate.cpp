@@ -42,12 +42,13 @@ void cTemplate::GetTemplate(const Ref<Connection>& Con, Long TID, const Long& Di
 }
 
 Long cTemplate::LoadTemplateAttributes(const Ref<Connection>& Con) {
-    const Ref<Recordset> rs = OpenClient(
-        Con, sql("SELECT ", "TemplateImageId, TemplateID, TAGroupName, TASequence, TARotation, ",
-                 "TAFullViewWidth, TAFullViewHeight, TAFullViewPosX, TAFullViewPosY,",
-                 "TAPreviewWidth, TAPreviewHeight, TAPreviewPosX, TAPreviewPosY, TANumberInTemplate , TAProportions,",
-                 " TAComments, TATGId ", "FROM TemplateAttribute_T WHERE TemplateID = ", TCID,
-                 " ORDER BY TANumberInTemplate"));
+    const Ref<Recordset> rs =
+        OpenClient(Con, sql("SELECT ", "TemplateImageId, TemplateID, TAGroupName, TASequence, TARotation, ",
+                            "TAFullViewWidth, TAFullViewHeight, TAFullViewPosX, TAFullViewPosY,",
+                            "TAPreviewWidth, TAPreviewHeight, TAPreviewPosX, TAPreviewPosY, "
+                            "TANumberInTemplate , TAProportions,",
+                            " TAComments, TATGId ", "FROM TemplateAttribute_T WHERE TemplateID = ", TCID,
+                            " ORDER BY TANumberInTemplate"));
     TemplateAttributes = New<Collection>();
     for (; !rs->Eof(); rs->MoveNext()) {
         const Ref<cTemplateAttribute> slot = New<cTemplateAttribute>();
@@ -61,18 +62,19 @@ Long cTemplate::LoadTemplateAttributes(const Ref<Connection>& Con) {
 
 String cTemplate::UpdateStatement() const {
     return sql("UPDATE TemplateCard_T ", "SET ", "TCName = '", FixSqlString(TCName), "', ", "TCComments = '",
-               FixSqlString(TCComments), "', ", "TCFullViewWidth = ", Decimal(TCWidth), ", ", "TCFullViewHeight = ",
-               Decimal(TCHeight), ", ", "TCMaximized = ", Long{TCHidden}, ", ", "TCChecksum = ", TCChecksum, ", ",
-               "TCDicomID = ", TCDicomID, ", ", "TCForcedImageType = ", TCForcedImageType, " WHERE TemplateId = ", TCID,
-               ";");
+               FixSqlString(TCComments), "', ", "TCFullViewWidth = ", Decimal(TCWidth), ", ",
+               "TCFullViewHeight = ", Decimal(TCHeight), ", ", "TCMaximized = ", Long{TCHidden}, ", ",
+               "TCChecksum = ", TCChecksum, ", ", "TCDicomID = ", TCDicomID, ", ",
+               "TCForcedImageType = ", TCForcedImageType, " WHERE TemplateId = ", TCID, ";");
 }
 
 String cTemplate::InsertStatement() const {
-    return sql("INSERT INTO TemplateCard_T ", "(TCName, TCDate, ", "TCComments, TCFullViewWidth, TCFullViewHeight, ",
-               "TCMaximized, TCCheckSum,TCDicomId, TCForcedImageType) ", "VALUES (", "'", FixSqlString(TCName), "', ",
-               "'", Stamp(TCDate), "', ", "'", FixSqlString(TCComments), "', ", Decimal(TCWidth), ", ",
-               Decimal(TCHeight), ", ", Long{TCHidden}, ", ", TCChecksum, ", ", TCDicomID, ", ", TCForcedImageType,
-               ");");
+    return sql("INSERT INTO TemplateCard_T ", "(TCName, TCDate, ",
+               "TCComments, TCFullViewWidth, TCFullViewHeight, ",
+               "TCMaximized, TCCheckSum,TCDicomId, TCForcedImageType) ", "VALUES (", "'",
+               FixSqlString(TCName), "', ", "'", Stamp(TCDate), "', ", "'", FixSqlString(TCComments), "', ",
+               Decimal(TCWidth), ", ", Decimal(TCHeight), ", ", Long{TCHidden}, ", ", TCChecksum, ", ",
+               TCDicomID, ", ", TCForcedImageType, ");");
 }
 
 void cTemplate::Insert(const Ref<Connection>& con) {
@@ -82,8 +84,9 @@ void cTemplate::Insert(const Ref<Connection>& con) {
         TCDicomID = CLng(std::floor(static_cast<double>(Rnd()) * range + lowest));
     }
     con->Execute(InsertStatement());
-    const Ref<Recordset> key = con->Execute(
-        sql("SELECT MAX(TemplateID) AS Max_DicomID FROM TemplateCard_T WHERE TCName='", FixSqlString(TCName), "';"));
+    const Ref<Recordset> key =
+        con->Execute(sql("SELECT MAX(TemplateID) AS Max_DicomID FROM TemplateCard_T WHERE TCName='",
+                         FixSqlString(TCName), "';"));
     TCID = CLng(key->Fields(0).Value());
     key->Close();
     for (cTemplateAttribute& slot : Each<cTemplateAttribute>(*TemplateAttributes)) {

@@ -12,7 +12,8 @@ Variant Class1::GetRoots(Ref<Connection> Con) {
     if (count == 0) Raise(err::OutOfBounds);
     std::vector<String> roots(static_cast<std::size_t>(count));
     for (Integer next = 1; !rs->Eof(); rs->MoveNext()) {
-        const bool active = Direct<Variant>(rs, "Status") != Variant(Null{}) && CDbl(Direct<Variant>(rs, "Status")) != 0;
+        const bool active =
+            Direct<Variant>(rs, "Status") != Variant(Null{}) && CDbl(Direct<Variant>(rs, "Status")) != 0;
         if (active) {
             roots[0] = Direct<String>(rs, "RootDirectory");
             ActiveRootID = Direct<Long>(rs, "RootID");
@@ -62,10 +63,10 @@ String Class1::GetRootOnID(Ref<Connection> Con, const Long& RootId) {
     if (!Con) return {};
     const auto entry = static_cast<std::size_t>(std::max<Long>(RootId, 0));
     if (roots_.size() <= entry) roots_.resize(entry + 1);
-    const Ref<Recordset> rs =
-        OpenClient(Con, RootId != 0 ? sql("SELECT * FROM Root_T WHERE RootID=", RootId, ";")
-                                    : sql("SELECT * FROM Root_T WHERE Status <> 0;"),
-                   ADODB::adCmdUnspecified);
+    const Ref<Recordset> rs = OpenClient(Con,
+                                         RootId != 0 ? sql("SELECT * FROM Root_T WHERE RootID=", RootId, ";")
+                                                     : sql("SELECT * FROM Root_T WHERE Status <> 0;"),
+                                         ADODB::adCmdUnspecified);
     if (rs->Eof()) return {};
     const String directory = Direct<String>(rs, "RootDirectory");
     if (RootId < 0) Raise(err::OutOfBounds);
@@ -94,7 +95,8 @@ const Interface& Class1::Describe() const {
         Operation<&Class1::GetRoots>("GetRoots", {"Con"}),
         Operation<&Class1::GetSubFolder>("GetSubFolder", {"PatID"}),
         Operation<&Class1::SaveGLSetting>("SaveGLSetting", {"Con", "GLId", "sSetting", "bReplace"}),
-        Operation<&Class1::GetGLSetting>("GetGLSetting", {"Con", "GLId", "sFirstSetting", Optional("cAllGLs")}),
+        Operation<&Class1::GetGLSetting>("GetGLSetting",
+                                         {"Con", "GLId", "sFirstSetting", Optional("cAllGLs")}),
         Operation<&Class1::GetRootOnID>("GetRootOnID", {"Con", "RootId"}),
         Operation<&Class1::GetCachedRootOnID>("GetCachedRootOnID", {"Con", "RootId", "bFlushCache"}),
         Operation<&Class1::GetInstanceUID>("GetInstanceUID", {"Con"}),

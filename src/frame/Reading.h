@@ -8,11 +8,13 @@
 namespace OXClass {
 
 /// Opens the plain read, forward-only and read-only, with the rows kept where the connection keeps them.
-Ref<Recordset> OpenPlain(const Ref<Connection>& con, const String& statement, Long options = ADODB::adCmdText);
+Ref<Recordset> OpenPlain(const Ref<Connection>& con, const String& statement,
+                         Long options = ADODB::adCmdText);
 
 /// The same with a client cursor, so that the rows are counted and the connection isn't needed to read
 /// them.
-Ref<Recordset> OpenClient(const Ref<Connection>& con, const String& statement, Long options = ADODB::adCmdText);
+Ref<Recordset> OpenClient(const Ref<Connection>& con, const String& statement,
+                          Long options = ADODB::adCmdText);
 
 /// Opens one row to change it or to add one: client cursor, keyset, optimistic locks.
 Ref<Recordset> OpenUpdatable(const Ref<Connection>& con, const String& statement);

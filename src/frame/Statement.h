@@ -58,8 +58,7 @@ public:
         text_.append(literal, N - 1);
     }
     template <class T>
-        requires(std::is_same_v<T, Long> || std::is_same_v<T, Integer> || std::is_enum_v<T>)
-    void Add(T number) {
+    requires(std::is_same_v<T, Long> || std::is_same_v<T, Integer> || std::is_enum_v<T>) void Add(T number) {
         std::array<char, 12> digits;
         const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), Long{number}).ptr;
         text_.append(digits.data(), end);

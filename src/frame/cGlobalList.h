@@ -39,9 +39,9 @@ class cGlobalList final : public Object {
 public:
     static constexpr const char* ClassName = "cGlobalList";
 
-    bool GLSaved = false;      ///< true: the row stands in the table
-    Long GlobalListID = 0;     ///< the row's counter, 0 before the first save
-    gGlobalListIDs ListID{};   ///< the list that the text belongs to
+    bool GLSaved = false;     ///< true: the row stands in the table
+    Long GlobalListID = 0;    ///< the row's counter, 0 before the first save
+    gGlobalListIDs ListID{};  ///< the list that the text belongs to
     String ListText;
 
     /// Writes the row: an update when `GLSaved`, otherwise an insert in a transaction of its own.

@@ -2,8 +2,8 @@
 
 namespace OXClass {
 
-Ref<cStringItem> cComments::Add(const String& str, const Long& ID, const Date& DateStamp, const String& Signature,
-                                const String& sKey) {
+Ref<cStringItem> cComments::Add(const String& str, const Long& ID, const Date& DateStamp,
+                                const String& Signature, const String& sKey) {
     const Ref<cStringItem> item = New<cStringItem>();
     item->str = str;
     item->ID = ID;

@@ -96,8 +96,8 @@ void cImage::ReadColumns(const Ref<Recordset>& rs, bool& repairing) {
     DCMDerived = Nz<Integer>(rs, "DCMDerived_BT");
 }
 
-void cImage::addComment(const String& sComment, const String& sSignature, const Date& commentDate, const bool& saved,
-                        const String&, const Long&) {
+void cImage::addComment(const String& sComment, const String& sSignature, const Date& commentDate,
+                        const bool& saved, const String&, const Long&) {
     const Ref<cStringItem> comment = New<cStringItem>();
     comment->str = sComment;
     comment->Signature = sSignature;
@@ -109,13 +109,13 @@ void cImage::addComment(const String& sComment, const String& sSignature, const 
 
 void cImage::GetComments(const Ref<Connection>& Con) {
     if (Comments()->Count() >= 1) return;
-    const Ref<Recordset> rs = OpenPlain(
-        Con, sql("SELECT Comments_T.* From Comments_T ",
-                 "Where (((Comments_T.tabelID)=1) AND ((Comments_T.objectID)=", ID, "))",
-                 "ORDER BY Comments_T.dates ASC;"));
+    const Ref<Recordset> rs =
+        OpenPlain(Con, sql("SELECT Comments_T.* From Comments_T ",
+                           "Where (((Comments_T.tabelID)=1) AND ((Comments_T.objectID)=", ID, "))",
+                           "ORDER BY Comments_T.dates ASC;"));
     for (; !rs->Eof(); rs->MoveNext())
-        addComment(Direct<String>(rs, "commentString"), Direct<String>(rs, "signature"), Direct<Date>(rs, "dates"),
-                   true);
+        addComment(Direct<String>(rs, "commentString"), Direct<String>(rs, "signature"),
+                   Direct<Date>(rs, "dates"), true);
     rs->Close();
 }
 

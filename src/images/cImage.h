@@ -15,12 +15,12 @@ public:
 
     String AnaRegionMod;  ///< the coded anatomy, which hanging derives from `sTeeth` where it is empty
     String AnaRegion;
-    String Laterality;    ///< "L", "R", "B" or empty
+    String Laterality;  ///< "L", "R", "B" or empty
     String instanceUID;
     Long seriesID = 0;
     Long studyID = 0;
     Long ImageNumberInSeries = 0;
-    Long Pregnant = 0;       ///< 10 is stored as null; never read back
+    Long Pregnant = 0;  ///< 10 is stored as null; never read back
     Long RootId = 0;
     Long DPIX = 0;
     Long DPIY = 0;
@@ -28,7 +28,7 @@ public:
     Date dateTime;           ///< when it was captured; stored by the insert alone
     Long PatID = 0;
     bool Approved = false;
-    String sTeeth;           ///< tooth string
+    String sTeeth;  ///< tooth string
     xigImageTypes ImageType = imggTypeSC;
 
     /// Writes the image, and then its comments that aren't stored yet. Returns 0.
@@ -63,8 +63,8 @@ public:
     /// Puts a comment in front of the list, so that the newest added comes first. `saved` tells that it
     /// stands in the table; another one is written by the next save. `Action` and `objpointer` have no
     /// effect. Raises as `cComments::AddObj`.
-    void addComment(const String& sComment, const String& sSignature, const Date& commentDate, const bool& saved,
-                    const String& Action = {}, const Long& objpointer = 0);
+    void addComment(const String& sComment, const String& sSignature, const Date& commentDate,
+                    const bool& saved, const String& Action = {}, const Long& objpointer = 0);
 
     /// Loads the comments, newest first, once: with any comment in the list it does nothing. Raises 94
     /// for a null in a comment's text, signature or date, and what the database raises; those read

@@ -12,8 +12,8 @@ ToothSet NumbersIn(std::string_view text) {
     for (std::size_t at = 0; at + 1 < text.size(); ++at) {
         const int tens = text[at] - '0', ones = text[at + 1] - '0';
         if (tens < 1 || tens > 8 || ones < 0 || ones > 9) continue;
-        const auto number = static_cast<std::size_t>(tens * 10 + ones);
-        if (number >= 11 && number <= 88) numbers.set(number);
+        const int number = tens * 10 + ones;
+        if (number >= 11 && number <= 88) numbers.set(static_cast<std::size_t>(number));
     }
     return numbers;
 }
@@ -42,7 +42,9 @@ struct ModifierRule {
 const ModifierRule ModifierRules[] = {
     {{16, 17, 18, 26, 27, 28, 36, 37, 38, 46, 47, 48}, {12, 22, 32, 42}, "T-5100B"},
     {{16, 17, 18, 26, 27, 28, 36, 37, 38, 46, 47, 48}, {13, 23, 33, 43}, "T-5100C"},
-    {{16, 17, 26, 27, 36, 37, 46, 47}, {12, 22, 32, 42}, "T-5100A"},  // never reached: the first rule takes it
+    {{16, 17, 26, 27, 36, 37, 46, 47},
+     {12, 22, 32, 42},
+     "T-5100A"},  // never reached: the first rule takes it
     {{14, 15, 16, 24, 25, 26, 34, 35, 36, 44, 45, 46}, {12, 22, 32, 42, 18, 28, 38, 48}, "T-51009"},
     {{14, 15, 24, 25, 34, 35, 44, 45}, {17, 27, 37, 47, 11, 21, 31, 41}, "T-51008"},
     {{13, 23, 33, 43}, {15, 25, 35, 45, 11, 21, 31, 41}, "T-51007"},

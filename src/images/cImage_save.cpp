@@ -30,9 +30,10 @@ void cImage::LookForRow(bool checkExistOnID, const Ref<Connection>& con) {
     const bool byID = checkExistOnID && ID != 0;
     if (!byID && instanceUID.empty()) return;
     const Ref<Recordset> rs = New<Recordset>();
-    rs->Open(byID ? sql("SELECT * FROM ImageBild_T WHERE ImageBildID =", ID, ";")
-                  : sql("SELECT * FROM ImageBild_T WHERE SOPInstanceUID_NVC ='", AsItStands(instanceUID), "';"),
-             con, ADODB::adOpenForwardOnly, ADODB::adLockOptimistic, ADODB::adCmdUnspecified);
+    rs->Open(
+        byID ? sql("SELECT * FROM ImageBild_T WHERE ImageBildID =", ID, ";")
+             : sql("SELECT * FROM ImageBild_T WHERE SOPInstanceUID_NVC ='", AsItStands(instanceUID), "';"),
+        con, ADODB::adOpenForwardOnly, ADODB::adLockOptimistic, ADODB::adCmdUnspecified);
     if (rs->Eof()) {
         ID = 0;
     } else if (ID == 0) {
@@ -84,38 +85,41 @@ String cImage::InsertStatement(const String& teeth) const {
         "StandCollName_NVC, ComputedDPI_INT, HardwareSourceId_INT, ",
         "HardwareSourcetxt_NVC, RootId, GraphicURL_NVC, Invert_BT, StretchIntens_BT, ",
         "Rotation_INT, Contrast_INT, Brightness_INT, Histogram_BT, ExposureTime_F, ",
-        "HorizMirror_BT, VerticalMirror_BT, Responsible_Person_NVC, Approved, MirrRotStatus, ImageType, CRC, ",
+        "HorizMirror_BT, VerticalMirror_BT, Responsible_Person_NVC, Approved, MirrRotStatus, ImageType, "
+        "CRC, ",
         "DPIY_INT, DPIX_INT, Voltage_INT, Current_INT, Capture_Person_NVC, Pregnant_BT, XRaySource_NVC, ",
         "PrevXrayDate_DT, Dosage_INT, Study_ID, Series_ID, SOPInstanceUID_NVC, ImageNumberInSeries, "
         "DicomStatus_INT ,FrameNumber_INT ,AnatomicRegion, DCMDerived_BT, ",
-        "Laterality, AnaRegion, AnaRegionMod, PriStructure, SubType_INT, Gamma_INT", ") ",
-        "VALUES (", " 0, ", PatID, ", '", Stamp(dateTime), "', '', '',  ", ComputedDPI(), ", 100, '",
-        FixSqlString(HWSourceTxt), "', ", RootId, ", '", FixSqlString(URL), "',", -Number(ApprInvert), ", 0,0,  ",
-        ApprContrast, ", ", ApprBrightness, ",  0, ", ExposureTime_ms, ",  0, 0, '", FixSqlString(RespPerson), "', ",
-        Number(Approved), ",  ", MirrRotStatus, ", ", ImageType, ", '", AsItStands(CRC), "',  ", DPIY, ", ", DPIX,
-        ", ", Voltage_kV, ",  ", Current_mA, ", '", "', ", NumberOrNull{unknown, unknown ? 0 : CInt(Pregnant)},
-        ", '', '", Stamp(Date{}), "',  0,", studyID, ",", seriesID, ",'", AsItStands(Trim(instanceUID)), "',",
-        ImageNumberInSeries, ",  ", DicomStatus, ", ", FrameNumber, ", '", AsItStands(ApprCrop), "', ", DCMDerived,
-        ", '", AsItStands(Laterality), "','", AsItStands(AnaRegion), "','", AsItStands(AnaRegionMod), "','",
-        AsItStands(teeth), "', ", SubType, ", ", ApprGamma, ");");
+        "Laterality, AnaRegion, AnaRegionMod, PriStructure, SubType_INT, Gamma_INT", ") ", "VALUES (", " 0, ",
+        PatID, ", '", Stamp(dateTime), "', '', '',  ", ComputedDPI(), ", 100, '", FixSqlString(HWSourceTxt),
+        "', ", RootId, ", '", FixSqlString(URL), "',", -Number(ApprInvert), ", 0,0,  ", ApprContrast, ", ",
+        ApprBrightness, ",  0, ", ExposureTime_ms, ",  0, 0, '", FixSqlString(RespPerson), "', ",
+        Number(Approved), ",  ", MirrRotStatus, ", ", ImageType, ", '", AsItStands(CRC), "',  ", DPIY, ", ",
+        DPIX, ", ", Voltage_kV, ",  ", Current_mA, ", '", "', ",
+        NumberOrNull{unknown, unknown ? 0 : CInt(Pregnant)}, ", '', '", Stamp(Date{}), "',  0,", studyID, ",",
+        seriesID, ",'", AsItStands(Trim(instanceUID)), "',", ImageNumberInSeries, ",  ", DicomStatus, ", ",
+        FrameNumber, ", '", AsItStands(ApprCrop), "', ", DCMDerived, ", '", AsItStands(Laterality), "','",
+        AsItStands(AnaRegion), "','", AsItStands(AnaRegionMod), "','", AsItStands(teeth), "', ", SubType,
+        ", ", ApprGamma, ");");
 }
 
 String cImage::UpdateStatement(const String& teeth) const {
     return sql(
-        "UPDATE ImageBild_T ", "SET ", "ImageType = ", ImageType, ", ", "GraphicURL_NVC = '", FixSqlString(URL), "', ",
-        "Approved = ", Number(Approved), ", ", "MirrRotStatus = ", MirrRotStatus, ", ", "DPIY_INT= ", DPIY, ", ",
-        "DPIX_INT= ", DPIX, ", ", "ComputedDPI_INT= ", ComputedDPI(), ", ", "PriStructure='", AsItStands(teeth), "',",
-        "Study_ID=", studyID, ", ", "Series_ID=", seriesID, ", ", "SOPInstanceUID_NVC='", AsItStands(instanceUID),
-        "', ", "HardwareSourcetxt_NVC='", FixSqlString(HWSourceTxt), "', ", "ImageNumberInSeries=",
-        ImageNumberInSeries, ", ", "dicomStatus_INT=", DicomStatus, ", ", "AnaRegion='", AsItStands(AnaRegion), "', ",
-        "AnaRegionMod='", AsItStands(AnaRegionMod), "', ", "FrameNumber_INT=", FrameNumber, ", ", "Gamma_INT=",
-        ApprGamma, ", ", "Invert_BT=", -Number(ApprInvert), ", ", "Contrast_INT=", ApprContrast, ", ",
+        "UPDATE ImageBild_T ", "SET ", "ImageType = ", ImageType, ", ", "GraphicURL_NVC = '",
+        FixSqlString(URL), "', ", "Approved = ", Number(Approved), ", ", "MirrRotStatus = ", MirrRotStatus,
+        ", ", "DPIY_INT= ", DPIY, ", ", "DPIX_INT= ", DPIX, ", ", "ComputedDPI_INT= ", ComputedDPI(), ", ",
+        "PriStructure='", AsItStands(teeth), "',", "Study_ID=", studyID, ", ", "Series_ID=", seriesID, ", ",
+        "SOPInstanceUID_NVC='", AsItStands(instanceUID), "', ", "HardwareSourcetxt_NVC='",
+        FixSqlString(HWSourceTxt), "', ", "ImageNumberInSeries=", ImageNumberInSeries, ", ",
+        "dicomStatus_INT=", DicomStatus, ", ", "AnaRegion='", AsItStands(AnaRegion), "', ", "AnaRegionMod='",
+        AsItStands(AnaRegionMod), "', ", "FrameNumber_INT=", FrameNumber, ", ", "Gamma_INT=", ApprGamma, ", ",
+        "Invert_BT=", -Number(ApprInvert), ", ", "Contrast_INT=", ApprContrast, ", ",
         "Brightness_INT=", ApprBrightness, ", ", "CRC='", AsItStands(CRC), "', ", "Laterality='",
-        AsItStands(Laterality), "', ", "PatientID=", PatID, ", ", "Capture_Person_NVC='", AsItStands(CapturePerson),
-        "', ", "Responsible_Person_NVC='", AsItStands(RespPerson), "', ", "Voltage_INT= ", Voltage_kV, ", ",
-        "DCMDerived_BT= ", DCMDerived, ", ", "SubType_INT= ", SubType, ", ", "Current_INT= ", Current_mA, ", ",
-        "AnatomicRegion= '", AsItStands(ApprCrop), "', ", "ExposureTime_F = ", ExposureTime_ms,
-        " WHERE ImageBildID = ", ID, ";");
+        AsItStands(Laterality), "', ", "PatientID=", PatID, ", ", "Capture_Person_NVC='",
+        AsItStands(CapturePerson), "', ", "Responsible_Person_NVC='", AsItStands(RespPerson), "', ",
+        "Voltage_INT= ", Voltage_kV, ", ", "DCMDerived_BT= ", DCMDerived, ", ", "SubType_INT= ", SubType,
+        ", ", "Current_INT= ", Current_mA, ", ", "AnatomicRegion= '", AsItStands(ApprCrop), "', ",
+        "ExposureTime_F = ", ExposureTime_ms, " WHERE ImageBildID = ", ID, ";");
 }
 
 void cImage::WriteComments(const Ref<Connection>& con) {

@@ -8,21 +8,23 @@ namespace {
 String LoadStatement(ImageOwnerOjectTypes owner, Long id, const String& clause) {
     constexpr char order[] = " ORDER BY DateCaptured_SD, ImageBildID";
     if (!clause.empty())
-        return sql("SELECT * FROM ImageBild_T LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId ", Clause(clause),
-                   order);
+        return sql("SELECT * FROM ImageBild_T LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId ",
+                   Clause(clause), order);
     if (owner == iootPatient)
-        return sql("SELECT * FROM ImageBild_T LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId where PatientID=",
-                   id, order);
+        return sql(
+            "SELECT * FROM ImageBild_T LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId where PatientID=",
+            id, order);
     if (owner == iootSeries)
-        return sql("SELECT * FROM ImageBild_T LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId where Series_ID=",
-                   id, order);
+        return sql(
+            "SELECT * FROM ImageBild_T LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId where Series_ID=",
+            id, order);
     return order;
 }
 
 }  // namespace
 
-Long cImages::LoadAll4Object(const Ref<Connection>& conn, const ImageOwnerOjectTypes& ObjectType, const Long& ID,
-                             const String& SQLWhereClause) {
+Long cImages::LoadAll4Object(const Ref<Connection>& conn, const ImageOwnerOjectTypes& ObjectType,
+                             const Long& ID, const String& SQLWhereClause) {
     Clear();
     const Ref<Recordset> rs = OpenClient(conn, LoadStatement(ObjectType, ID, SQLWhereClause));
     for (; !rs->Eof(); rs->MoveNext()) {
@@ -35,16 +37,16 @@ Long cImages::LoadAll4Object(const Ref<Connection>& conn, const ImageOwnerOjectT
     return count;
 }
 
-Ref<cImage> cImages::Add(const String& URL, const Long& ID, const xigImageTypes& ImageType, const String& sTeeth,
-                         const bool& Approved, const Long& PatID, const Date& dateTime, const Long& MirrRotStatus,
-                         const Long& DPIY, const Long& DPIX, const Long& RootId, const Long& Pregnant,
-                         const Long& ImageNumberInSeries, const Integer& DicomStatus, const Long& studyID,
-                         const Long& FrameNumber, const Long& seriesID, const String& instanceUID,
-                         const String& Laterality, const String& AnaRegion, const String& AnaRegionMod,
-                         const Ref<cComments>& Comments, const String& Root_RootDirectory, const String& HWSourceTxt,
-                         const Long& ApprGamma, const Long& ApprBrightness, const Long& ApprContrast,
-                         const bool& ApprInvert, const String& CapturePerson, const String& RespPerson,
-                         const String& sKey) {
+Ref<cImage> cImages::Add(const String& URL, const Long& ID, const xigImageTypes& ImageType,
+                         const String& sTeeth, const bool& Approved, const Long& PatID, const Date& dateTime,
+                         const Long& MirrRotStatus, const Long& DPIY, const Long& DPIX, const Long& RootId,
+                         const Long& Pregnant, const Long& ImageNumberInSeries, const Integer& DicomStatus,
+                         const Long& studyID, const Long& FrameNumber, const Long& seriesID,
+                         const String& instanceUID, const String& Laterality, const String& AnaRegion,
+                         const String& AnaRegionMod, const Ref<cComments>& Comments,
+                         const String& Root_RootDirectory, const String& HWSourceTxt, const Long& ApprGamma,
+                         const Long& ApprBrightness, const Long& ApprContrast, const bool& ApprInvert,
+                         const String& CapturePerson, const String& RespPerson, const String& sKey) {
     const Ref<cImage> image = New<cImage>();
     image->URL = URL;
     image->ID = ID;
@@ -88,13 +90,39 @@ Ref<cImage> cImages::AddObject(Ref<cImage>& oImage, const String& sKey) {
 
 const Interface& cImages::Describe() const {
     static const Interface self = InterfaceOf<cImages>({
-        Operation<&cImages::LoadAll4Object>("LoadAll4Object", {"conn", "ObjectType", "ID", Optional("SQLWhereClause")}),
-        Operation<&cImages::Add>(
-            "Add", {"URL", "ID", "ImageType", "sTeeth", "Approved", "PatID", "dateTime", "MirrRotStatus", "DPIY",
-                    "DPIX", "RootId", "Pregnant", "ImageNumberInSeries", "DicomStatus", "studyID", "FrameNumber",
-                    "seriesID", "instanceUID", "Laterality", "AnaRegion", "AnaRegionMod", "Comments",
-                    "Root_RootDirectory", "HWSourceTxt", "ApprGamma", "ApprBrightness", "ApprContrast", "ApprInvert",
-                    "CapturePerson", "RespPerson", Optional("sKey")}),
+        Operation<&cImages::LoadAll4Object>("LoadAll4Object",
+                                            {"conn", "ObjectType", "ID", Optional("SQLWhereClause")}),
+        Operation<&cImages::Add>("Add", {"URL",
+                                         "ID",
+                                         "ImageType",
+                                         "sTeeth",
+                                         "Approved",
+                                         "PatID",
+                                         "dateTime",
+                                         "MirrRotStatus",
+                                         "DPIY",
+                                         "DPIX",
+                                         "RootId",
+                                         "Pregnant",
+                                         "ImageNumberInSeries",
+                                         "DicomStatus",
+                                         "studyID",
+                                         "FrameNumber",
+                                         "seriesID",
+                                         "instanceUID",
+                                         "Laterality",
+                                         "AnaRegion",
+                                         "AnaRegionMod",
+                                         "Comments",
+                                         "Root_RootDirectory",
+                                         "HWSourceTxt",
+                                         "ApprGamma",
+                                         "ApprBrightness",
+                                         "ApprContrast",
+                                         "ApprInvert",
+                                         "CapturePerson",
+                                         "RespPerson",
+                                         Optional("sKey")}),
         ReadOnly<&cImages::Item>("Item", {"vntIndexKey"}, DefaultMember),
         ReadOnly<&cImages::Count>("Count"),
         Operation<&cImages::Remove>("Remove", {"vntIndexKey"}),

@@ -5,12 +5,7 @@
 namespace OXClass {
 
 /// Whose images `cImages::LoadAll4Object` loads.
-enum ImageOwnerOjectTypes : Long {
-    iootUnknown = 0,
-    iootPatient = 1,
-    iootImageCard = 2,
-    iootSeries = 3
-};
+enum ImageOwnerOjectTypes : Long { iootUnknown = 0, iootPatient = 1, iootImageCard = 2, iootSeries = 3 };
 
 /// The images that a client works on: all of a patient, of a series, or of a condition that the caller
 /// words. An object belongs to one thread.
@@ -37,10 +32,10 @@ public:
                     const Long& ImageNumberInSeries, const Integer& DicomStatus, const Long& studyID,
                     const Long& FrameNumber, const Long& seriesID, const String& instanceUID,
                     const String& Laterality, const String& AnaRegion, const String& AnaRegionMod,
-                    const Ref<cComments>& Comments, const String& Root_RootDirectory, const String& HWSourceTxt,
-                    const Long& ApprGamma, const Long& ApprBrightness, const Long& ApprContrast,
-                    const bool& ApprInvert, const String& CapturePerson, const String& RespPerson,
-                    const String& sKey = {});
+                    const Ref<cComments>& Comments, const String& Root_RootDirectory,
+                    const String& HWSourceTxt, const Long& ApprGamma, const Long& ApprBrightness,
+                    const Long& ApprContrast, const bool& ApprInvert, const String& CapturePerson,
+                    const String& RespPerson, const String& sKey = {});
 
     /// The image at a position or under a key; nothing where there is none. Never raises.
     Ref<cImage> Item(const Variant& vntIndexKey) const { return Find(vntIndexKey); }

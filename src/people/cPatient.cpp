@@ -15,10 +15,10 @@ Long cPatient::LoadOnPatientID(const String&) { return 0; }
 Long cPatient::LoadOnPatientIDorPDBID(Ref<Connection> Con, const String& sPatientID, const Long& PDBID) {
     return Boxed(
         [&]() -> Long {
-            const Ref<Recordset> rs = OpenClient(
-                Con, sPatientID.empty()
-                         ? sql("SELECT * FROM Patient_T WHERE PatientID = ", PDBID)
-                         : sql("SELECT * FROM Patient_T WHERE PersonNr_CH = '", UCase(FixSqlString(sPatientID)), "'"));
+            const Ref<Recordset> rs =
+                OpenClient(Con, sPatientID.empty() ? sql("SELECT * FROM Patient_T WHERE PatientID = ", PDBID)
+                                                   : sql("SELECT * FROM Patient_T WHERE PersonNr_CH = '",
+                                                         UCase(FixSqlString(sPatientID)), "'"));
             if (rs->Eof()) return 0;
             ReadRow(rs);
             return 1;
@@ -57,25 +57,27 @@ String cPatient::OtherIDsColumn() const {
 String cPatient::UpdateStatement() const {
     return sql("Update Patient_T ", "Set Firstname_NVC='", FixSqlString(FirstName), "',", "LastName_NVC='",
                FixSqlString(LastName), "',", "Birthdate_CH='", AsItStands(DateColumn(BirthDate)), "',",
-               "PrevXrayDate_CH='", AsItStands(DateColumn(PrevXrayDate)), "',", "Address_NVC='", FixSqlString(Address),
-               "',", "TelOne_NVC='", FixSqlString(TelOne), "',", "TelTwo_NVC='", FixSqlString(TelTwo), "',",
-               "TelMobile_NVC ='", FixSqlString(TelMobile), "',", "email_adress='", FixSqlString(EMail), "',",
-               "Comments_NVC='", FixSqlString(Comments), "',", "IDImg='", FixSqlString(IDImg), "',", "OtherIDs='",
-               AsItStands(OtherIDsColumn()), "',", "Sex_CH='", AsItStands(Sex), "', ", "RespDoctor=", RespDoctor, " ",
-               "Where ", "PersonNr_CH ='", FixSqlString(UCase(PatientID)), "'");
+               "PrevXrayDate_CH='", AsItStands(DateColumn(PrevXrayDate)), "',", "Address_NVC='",
+               FixSqlString(Address), "',", "TelOne_NVC='", FixSqlString(TelOne), "',", "TelTwo_NVC='",
+               FixSqlString(TelTwo), "',", "TelMobile_NVC ='", FixSqlString(TelMobile), "',",
+               "email_adress='", FixSqlString(EMail), "',", "Comments_NVC='", FixSqlString(Comments), "',",
+               "IDImg='", FixSqlString(IDImg), "',", "OtherIDs='", AsItStands(OtherIDsColumn()), "',",
+               "Sex_CH='", AsItStands(Sex), "', ", "RespDoctor=", RespDoctor, " ", "Where ", "PersonNr_CH ='",
+               FixSqlString(UCase(PatientID)), "'");
 }
 
 String cPatient::InsertStatement() const {
-    return sql("INSERT INTO Patient_T ",
-               "(PersonNr_CH, Birthdate_CH, Firstname_NVC, LastName_NVC, Sex_CH, OtherIDs, RespDoctor, "
-               "Address_NVC,TelOne_NVC, TelTwo_NVC, TelMobile_NVC, email_adress, Comments_NVC, PrevXrayDate_CH, "
-               "IDImg) ",
-               "VALUES (", "'", UCase(FixSqlString(PatientID)), "', ", "'", FixSqlString(DateColumn(BirthDate)),
-               "', ", "'", FixSqlString(FirstName), "', ", "'", FixSqlString(LastName), "', ", "'", AsItStands(Sex),
-               "',", "'", AsItStands(OtherIDsColumn()), "', ", RespDoctor, ", ", "'", FixSqlString(Address), "', ",
-               "'", FixSqlString(TelOne), "', ", "'", FixSqlString(TelTwo), "', ", "'", FixSqlString(TelMobile),
-               "', ", "'", FixSqlString(EMail), "', ", "'", FixSqlString(Comments), "', ", "'",
-               AsItStands(DateColumn(PrevXrayDate)), "', ", "'", FixSqlString(IDImg), "' ", ");");
+    return sql(
+        "INSERT INTO Patient_T ",
+        "(PersonNr_CH, Birthdate_CH, Firstname_NVC, LastName_NVC, Sex_CH, OtherIDs, RespDoctor, "
+        "Address_NVC,TelOne_NVC, TelTwo_NVC, TelMobile_NVC, email_adress, Comments_NVC, PrevXrayDate_CH, "
+        "IDImg) ",
+        "VALUES (", "'", UCase(FixSqlString(PatientID)), "', ", "'", FixSqlString(DateColumn(BirthDate)),
+        "', ", "'", FixSqlString(FirstName), "', ", "'", FixSqlString(LastName), "', ", "'", AsItStands(Sex),
+        "',", "'", AsItStands(OtherIDsColumn()), "', ", RespDoctor, ", ", "'", FixSqlString(Address), "', ",
+        "'", FixSqlString(TelOne), "', ", "'", FixSqlString(TelTwo), "', ", "'", FixSqlString(TelMobile),
+        "', ", "'", FixSqlString(EMail), "', ", "'", FixSqlString(Comments), "', ", "'",
+        AsItStands(DateColumn(PrevXrayDate)), "', ", "'", FixSqlString(IDImg), "' ", ");");
 }
 
 Long cPatient::Save(Ref<Connection> Con) {
@@ -89,11 +91,10 @@ Long cPatient::Save(Ref<Connection> Con) {
     }
     rs->Close();
     Con->Execute(InsertStatement());
-    const Ref<Recordset> newest =
-        OpenPlain(Con,
-                  sql("SELECT MAX(PatientID) AS Max_ID FROM Patient_T WHERE ", "(PersonNr_CH)='",
-                      UCase(FixSqlString(PatientID)), "';"),
-                  ADODB::adCmdUnspecified);
+    const Ref<Recordset> newest = OpenPlain(Con,
+                                            sql("SELECT MAX(PatientID) AS Max_ID FROM Patient_T WHERE ",
+                                                "(PersonNr_CH)='", UCase(FixSqlString(PatientID)), "';"),
+                                            ADODB::adCmdUnspecified);
     if (!(newest->Bof() && newest->Eof())) newest->MoveFirst();
     ID = Direct<Long>(newest, "Max_ID");
     newest->Close();

@@ -30,9 +30,9 @@ public:
     Date BirthDate;
     String LastName;
     String FirstName;
-    String PatientID;                                        ///< the text identifier; stored in upper case
+    String PatientID;  ///< the text identifier; stored in upper case
     Ref<OXClass::OtherPatIDs> OtherIDs = New<OXClass::OtherPatIDs>();  ///< never nothing unless put so
-    Long RespDoctor = 0;                                     ///< the responsible doctor's number
+    Long RespDoctor = 0;                                               ///< the responsible doctor's number
 
     /// Loads the row with this text identifier, or with the counter `PDBID` where the identifier is
     /// empty. Returns 1, or 0 and leaves all members where there is none.

@@ -15,7 +15,7 @@ public:
     String SeriesDescription;
     String InstanceAv;  ///< availability on the server, "ONLINE", "NEARLINE" or other; not stored
     Long OrgServer = 0;
-    String Key;         ///< the key under which a collection holds it; not stored
+    String Key;  ///< the key under which a collection holds it; not stored
     gdcmObjectLocation location = gdcmObjectLocUnknown;
     String SeriesName;  ///< not stored
     Long ImgCount = 0;  ///< the number of its images; `HangSeries` goes by it

@@ -64,12 +64,12 @@ struct Frame {
 };
 
 constexpr std::array TwentyFrames{
-    Frame{1, "R", UpperJaw, "CBA"},   Frame{2, "R", UpperJaw, "98"},     Frame{3, "R", UpperJaw, "765"},
-    Frame{4, "R", UpperJaw, "65", 3}, Frame{5, "B", UpperJaw, "765"},    Frame{7, "L", UpperJaw, "765"},
-    Frame{6, "L", UpperJaw, "65", 7}, Frame{8, "L", UpperJaw, "98"},     Frame{9, "L", UpperJaw, "CBA"},
-    Frame{11, "R", BothJaws, "98"},   Frame{10, "R", BothJaws, "CBA"},   Frame{12, "L", BothJaws, "98"},
-    Frame{13, "L", BothJaws, "CBA"},  Frame{14, "R", LowerJaw, "CBA"},   Frame{15, "R", LowerJaw, "98"},
-    Frame{16, "R", LowerJaw, "765"},  Frame{17, "B", LowerJaw, "567"},   Frame{18, "L", LowerJaw, "765"},
+    Frame{1, "R", UpperJaw, "CBA"},   Frame{2, "R", UpperJaw, "98"},   Frame{3, "R", UpperJaw, "765"},
+    Frame{4, "R", UpperJaw, "65", 3}, Frame{5, "B", UpperJaw, "765"},  Frame{7, "L", UpperJaw, "765"},
+    Frame{6, "L", UpperJaw, "65", 7}, Frame{8, "L", UpperJaw, "98"},   Frame{9, "L", UpperJaw, "CBA"},
+    Frame{11, "R", BothJaws, "98"},   Frame{10, "R", BothJaws, "CBA"}, Frame{12, "L", BothJaws, "98"},
+    Frame{13, "L", BothJaws, "CBA"},  Frame{14, "R", LowerJaw, "CBA"}, Frame{15, "R", LowerJaw, "98"},
+    Frame{16, "R", LowerJaw, "765"},  Frame{17, "B", LowerJaw, "567"}, Frame{18, "L", LowerJaw, "765"},
     Frame{19, "L", LowerJaw, "98"},   Frame{20, "L", LowerJaw, "CBA"},
 };
 
@@ -208,7 +208,8 @@ void Hanging::Place(Long layout, const Ref<Connection>& conn) {
 
 bool Hanging::Belongs(Hung& hung, const Frame& frame, char modifier) {
     const cImage& image = *hung.image;
-    if (image.FrameNumber != 0 || image.Laterality != frame.laterality || image.AnaRegion != frame.region) return false;
+    if (image.FrameNumber != 0 || image.Laterality != frame.laterality || image.AnaRegion != frame.region)
+        return false;
     if (image.AnaRegionMod == ModifierOf(modifier)) return true;
     if (!hung.teeth) hung.teeth = TeethOf(image.sTeeth);
     return TeethFitMod(*hung.teeth, modifier);

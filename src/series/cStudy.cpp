@@ -45,9 +45,10 @@ void cStudy::ReadRow(const Ref<Recordset>& rs) {
 
 bool cStudy::savestudy(const bool& CheckExistOnID, const Ref<Connection>& Con) {
     return Prefixed("cStudy.SaveStudy, ", [&] {
-        const Ref<Recordset> rs = OpenUpdatable(
-            Con, CheckExistOnID ? sql("SELECT * FROM study_T WHERE study_id =", ID, ";")
-                                : sql("SELECT * FROM study_T WHERE StudyInstanceUID = '", AsItStands(instanceUID), "';"));
+        const Ref<Recordset> rs =
+            OpenUpdatable(Con, CheckExistOnID ? sql("SELECT * FROM study_T WHERE study_id =", ID, ";")
+                                              : sql("SELECT * FROM study_T WHERE StudyInstanceUID = '",
+                                                    AsItStands(instanceUID), "';"));
         if (rs->Eof()) rs->AddNew();
         WriteRow(rs);
         rs->Update();

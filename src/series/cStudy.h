@@ -9,7 +9,7 @@ class cStudy final : public Object {
 public:
     static constexpr const char* ClassName = "cStudy";
 
-    String Key;                                        ///< the key under which a collection holds it; not stored
+    String Key;  ///< the key under which a collection holds it; not stored
     gdcmObjectLocation location = gdcmObjectLocUnknown;  ///< held for the caller; not stored
 
     /// Loads the study with this UID (a text with a ".") or with this key. Returns false and changes

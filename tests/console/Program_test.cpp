@@ -28,10 +28,24 @@ struct Film {
     std::string region;
 };
 
-const std::vector<Film> FullMouth18{
-    {{16, 17, 18}, ""}, {{14, 15}, ""}, {{12, 13}, ""}, {{11, 21}, ""}, {{22, 23}, ""}, {{24, 25}, ""}, {{26, 27, 28}, ""},
-    {{16, 17, 18, 46, 47, 48}, ""}, {{14, 15, 44, 45}, ""}, {{24, 25, 34, 35}, ""}, {{26, 27, 28, 36, 37, 38}, ""},
-    {{46, 47, 48}, ""}, {{44, 45}, ""}, {{42, 43}, ""}, {{31, 41}, ""}, {{32, 33}, ""}, {{34, 35}, ""}, {{36, 37, 38}, ""}};
+const std::vector<Film> FullMouth18{{{16, 17, 18}, ""},
+                                    {{14, 15}, ""},
+                                    {{12, 13}, ""},
+                                    {{11, 21}, ""},
+                                    {{22, 23}, ""},
+                                    {{24, 25}, ""},
+                                    {{26, 27, 28}, ""},
+                                    {{16, 17, 18, 46, 47, 48}, ""},
+                                    {{14, 15, 44, 45}, ""},
+                                    {{24, 25, 34, 35}, ""},
+                                    {{26, 27, 28, 36, 37, 38}, ""},
+                                    {{46, 47, 48}, ""},
+                                    {{44, 45}, ""},
+                                    {{42, 43}, ""},
+                                    {{31, 41}, ""},
+                                    {{32, 33}, ""},
+                                    {{34, 35}, ""},
+                                    {{36, 37, 38}, ""}};
 
 /// A test with an empty folder, in which the program makes and uses clinic.db.
 class Program : public ::testing::Test {
@@ -72,8 +86,9 @@ protected:
     void Init() { ASSERT_EQ(Try({"init", Database()}).code, 0); }
 
     /// Writes one small DICOM file of a series.
-    void Write(const std::string& series, int number, const Film& film,
-               const std::function<void(DcmDataset&)>& change = [](DcmDataset&) {}) {
+    void Write(
+        const std::string& series, int number, const Film& film,
+        const std::function<void(DcmDataset&)>& change = [](DcmDataset&) {}) {
         DcmFileFormat file;
         DcmDataset& set = *file.getDataset();
         const auto put = [&](const DcmTagKey& tag, const std::string& value) {
@@ -170,8 +185,8 @@ TEST_F(Program, WrongInputGetsOneLineThatSaysWhatToDo) {
 }
 
 TEST_F(Program, EachCommandHelpsWithAnExample) {
-    for (const char* command : {"init", "import", "patients", "patient", "studies", "series", "images", "comment", "hang",
-                                "layouts", "anatomy", "roots", "setting", "uid"}) {
+    for (const char* command : {"init", "import", "patients", "patient", "studies", "series", "images",
+                                "comment", "hang", "layouts", "anatomy", "roots", "setting", "uid"}) {
         const Result run = Try({command, "--help"});
         EXPECT_EQ(run.code, 0);
         EXPECT_NE(run.out.find("Example: oxclass"), std::string::npos) << command;
@@ -196,14 +211,22 @@ TEST_F(Program, AForeignOrNewerDatabaseIsRefused) {
 
 TEST_F(Program, UnknownThingsAreNamed) {
     Init();
-    for (const std::vector<std::string>& command :
-         {std::vector<std::string>{"patient", "x"}, {"patient", "#7"}, {"series", "7"}, {"series", "x"}, {"hang", "7"},
-          {"comment", "7"}, {"layouts", "99"}, {"anatomy", "999"}, {"setting", "get", "Nope"}, {"import", "/nowhere"}}) {
+    for (const std::vector<std::string>& command : {std::vector<std::string>{"patient", "x"},
+                                                    {"patient", "#7"},
+                                                    {"series", "7"},
+                                                    {"series", "x"},
+                                                    {"hang", "7"},
+                                                    {"comment", "7"},
+                                                    {"layouts", "99"},
+                                                    {"anatomy", "999"},
+                                                    {"setting", "get", "Nope"},
+                                                    {"import", "/nowhere"}}) {
         std::vector<std::string> arguments{"--db", Database()};
         arguments.insert(arguments.end(), command.begin(), command.end());
         const Result run = Try(arguments);
         EXPECT_EQ(run.code, 1) << command[0];
-        EXPECT_TRUE(run.err.find("there is no") != std::string::npos || run.err.find("is no number") != std::string::npos)
+        EXPECT_TRUE(run.err.find("there is no") != std::string::npos ||
+                    run.err.find("is no number") != std::string::npos)
             << run.err;
     }
 }
@@ -219,7 +242,8 @@ TEST_F(Program, AFullMouthHangsByItsTeethInWhateverOrderItWasTaken) {
         const auto hung = Hung(round);
         ASSERT_EQ(hung.size(), 18U) << "round " << round;
         for (int frame = 1; frame <= 18; ++frame)
-            EXPECT_EQ(hung.at(frame), Console::ToothString(FullMouth18[static_cast<std::size_t>(frame - 1)].teeth));
+            EXPECT_EQ(hung.at(frame),
+                      Console::ToothString(FullMouth18[static_cast<std::size_t>(frame - 1)].teeth));
         EXPECT_EQ(OkJson({"series"})[static_cast<std::size_t>(round - 1)]["layout"], 6);
     }
 }
@@ -239,8 +263,10 @@ TEST_F(Program, TwentyFilmsHangInLayoutFiveAndBitewingsInSevenAndEight) {
     EXPECT_EQ(Hung(1).size(), 20U);
     EXPECT_EQ(Hung(1).count(0), 0U);
     EXPECT_EQ(series[1]["layout"], 7);
-    EXPECT_EQ(Hung(2), (std::map<int, std::string>{{1, "16,17,18,46,47,48,"}, {2, "14,15,44,45,"},
-                                                  {3, "24,25,34,35,"}, {4, "26,27,28,36,37,38,"}}));
+    EXPECT_EQ(
+        Hung(2),
+        (std::map<int, std::string>{
+            {1, "16,17,18,46,47,48,"}, {2, "14,15,44,45,"}, {3, "24,25,34,35,"}, {4, "26,27,28,36,37,38,"}}));
     EXPECT_EQ(series[2]["layout"], 8);
     EXPECT_EQ(Hung(3).at(1), "16,17,18,46,47,48,");
 }
@@ -300,7 +326,8 @@ TEST_F(Program, FilesLieWholeUnderTheRootInThePatientsFolder) {
     const fs::path stored = folder.Path() / "images" / "0_" / "2.25.5.1.dcm";
     ASSERT_TRUE(fs::exists(stored));
     EXPECT_EQ(fs::file_size(stored), fs::file_size(Films() + "/2.25.5-101.dcm"));
-    EXPECT_EQ(std::distance(fs::directory_iterator(stored.parent_path()), {}), 1) << "no half-written copy stays";
+    EXPECT_EQ(std::distance(fs::directory_iterator(stored.parent_path()), {}), 1)
+        << "no half-written copy stays";
 }
 
 TEST_F(Program, AnotherFileUnderTheNameIsNeverOverwritten) {
@@ -333,7 +360,8 @@ TEST_F(Program, AStudyOfAnotherPatientIsRefused) {
     Init();
     WriteSeries("2.25.5", {FullMouth18[7]});
     Ok({"import", Films()});
-    Write("2.25.6", 1, FullMouth18[7], [](DcmDataset& set) { set.putAndInsertString(DCM_StudyInstanceUID, "2.25.5.900"); });
+    Write("2.25.6", 1, FullMouth18[7],
+          [](DcmDataset& set) { set.putAndInsertString(DCM_StudyInstanceUID, "2.25.5.900"); });
     const Result run = Try({"--db", Database(), "import", Films()});
     EXPECT_EQ(run.code, 3);
     EXPECT_NE(run.err.find("belongs to another patient"), std::string::npos) << run.err;
@@ -358,8 +386,8 @@ TEST_F(Program, PatientsAreShownFoundAndSet) {
     Init();
     WriteSeries("2.25.5", {FullMouth18[7]});
     Ok({"import", Films()});
-    const json set = OkJson({"patient", "P-2.25.5", "LastName=Ångström", "birthdate=1980-01-31", "RespDoctor=3",
-                             "OtherIDs=a\\b"});
+    const json set = OkJson({"patient", "P-2.25.5", "LastName=Ångström", "birthdate=1980-01-31",
+                             "RespDoctor=3", "OtherIDs=a\\b"});
     EXPECT_EQ(set["LastName"], "Ångström");
     const json shown = OkJson({"patient", "#1"});
     EXPECT_EQ(shown["LastName"], "Ångström");
@@ -386,7 +414,8 @@ TEST_F(Program, CommentsAreAddedAndListedNewestFirst) {
     EXPECT_EQ(comments[0]["comment"], "it's second");
     EXPECT_EQ(comments[0]["signature"], "ÅÄ");
     EXPECT_EQ(OkJson({"comment", "1"}).size(), 2U);
-    EXPECT_EQ(Try({"--db", Database(), "comment", "1", std::string(151, 'x')}).code, 1) << "too long is said, not cut";
+    EXPECT_EQ(Try({"--db", Database(), "comment", "1", std::string(151, 'x')}).code, 1)
+        << "too long is said, not cut";
 }
 
 TEST_F(Program, HangingAgainChangesNothing) {

@@ -17,7 +17,10 @@ protected:
 };
 
 TEST_F(StoredFileTest, ACopyThatIsNotKeptGoesAgain) {
-    { const StoredFile copy(from, to); EXPECT_EQ(fs::file_size(to), 4U); }
+    {
+        const StoredFile copy(from, to);
+        EXPECT_EQ(fs::file_size(to), 4U);
+    }
     EXPECT_FALSE(fs::exists(to));
     {
         StoredFile copy(from, to);

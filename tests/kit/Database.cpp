@@ -39,7 +39,8 @@ const char* TypeName(const MemberType& type) {
 }
 
 String ArgumentText(const Argument& argument) {
-    const String text = String(argument.Name) + ": " + TypeName(argument.Type) + (argument.ByReference ? "&" : "");
+    const String text =
+        String(argument.Name) + ": " + TypeName(argument.Type) + (argument.ByReference ? "&" : "");
     return argument.Optional ? "[" + text + "]" : text;
 }
 

@@ -34,7 +34,12 @@ enum AffectEnum : Long { adAffectCurrent = 1, adAffectGroup = 2, adAffectAll = 3
 enum ObjectStateEnum : Long { adStateClosed = 0, adStateOpen = 1 };
 enum EditModeEnum : Long { adEditNone = 0, adEditInProgress = 1, adEditAdd = 2 };
 enum PositionEnum : Long { adPosUnknown = -1, adPosBOF = -2, adPosEOF = -3 };
-enum EventStatusEnum : Long { adStatusOK = 1, adStatusErrorsOccurred = 2, adStatusCantDeny = 3, adStatusCancel = 4 };
+enum EventStatusEnum : Long {
+    adStatusOK = 1,
+    adStatusErrorsOccurred = 2,
+    adStatusCantDeny = 3,
+    adStatusCancel = 4
+};
 enum DataTypeEnum : Long {
     adSmallInt = 2,
     adInteger = 3,
@@ -65,16 +70,16 @@ constexpr Long adErrInvalidConnection = 3709;  ///< a closed connection, or none
 constexpr Long adErrNotReentrant = 3710;       ///< an operation started inside a Will event
 constexpr Long adErrOperationCancelled = 3712;
 
-constexpr Long Failed = static_cast<Long>(0x80004005);                 ///< unspecified; the text says what
+constexpr Long Failed = static_cast<Long>(0x80004005);  ///< unspecified; the text says what
 constexpr Long CantConvertValue = static_cast<Long>(0x80040E07);
-constexpr Long NoPermission = static_cast<Long>(0x80040E09);           ///< read-only or not allowed
-constexpr Long UnknownName = static_cast<Long>(0x80040E10);            ///< a name that the database lacks
-constexpr Long ErrorsInCommand = static_cast<Long>(0x80040E14);        ///< syntax; a second statement
-constexpr Long MultipleStepFailed = static_cast<Long>(0x80040E21);     ///< a value too long; a bad key at Open
+constexpr Long NoPermission = static_cast<Long>(0x80040E09);        ///< read-only or not allowed
+constexpr Long UnknownName = static_cast<Long>(0x80040E10);         ///< a name that the database lacks
+constexpr Long ErrorsInCommand = static_cast<Long>(0x80040E14);     ///< syntax; a second statement
+constexpr Long MultipleStepFailed = static_cast<Long>(0x80040E21);  ///< a value too long; a bad key at Open
 constexpr Long DeletedRow = static_cast<Long>(0x80040E23);
 constexpr Long IntegrityViolation = static_cast<Long>(0x80040E2F);
 constexpr Long NoTable = static_cast<Long>(0x80040E37);
-constexpr Long ConcurrencyViolation = static_cast<Long>(0x80040E38);   ///< the row was changed or removed
+constexpr Long ConcurrencyViolation = static_cast<Long>(0x80040E38);  ///< the row was changed or removed
 constexpr Long Cancelled = static_cast<Long>(0x80040E4E);
 constexpr Long DataOverflow = static_cast<Long>(0x80040E57);
 constexpr Long NoTransaction = static_cast<Long>(0x8004D00E);

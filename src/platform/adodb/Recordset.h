@@ -221,7 +221,8 @@ T Field::As() const {
         const Cell* const cell = recordset_->CellAt(ordinal_);
         const DataTypeEnum type = recordset_->columns_->At(ordinal_).Type;
         if constexpr (whole) {
-            if (cell && cell->kind == Cell::Kind::Whole && type != adBoolean && std::in_range<Long>(cell->whole))
+            if (cell && cell->kind == Cell::Kind::Whole && type != adBoolean &&
+                std::in_range<Long>(cell->whole))
                 return static_cast<T>(cell->whole);
         } else {
             if (cell && cell->kind == Cell::Kind::Text && type != adDate) return String(cell->Text());

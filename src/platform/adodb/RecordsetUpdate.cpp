@@ -19,11 +19,14 @@ const String& Recordset::BaseTable() const {
     for (Long i = 0; i < columns_->Count(); ++i) {
         const Column& column = columns_->At(i);
         if (column.Table.empty()) continue;
-        if (table && !EqualsIgnoringCase(*table, column.Table)) table = nullptr, i = columns_->Count();
-        else table = &column.Table;
+        if (table && !EqualsIgnoringCase(*table, column.Table))
+            table = nullptr, i = columns_->Count();
+        else
+            table = &column.Table;
     }
     if (!table)
-        RaiseAdo(adErrFeatureNotAvailable, Self, "The rows come from no table or from several, and can't be changed.");
+        RaiseAdo(adErrFeatureNotAvailable, Self,
+                 "The rows come from no table or from several, and can't be changed.");
     return *table;
 }
 
@@ -45,7 +48,8 @@ void Recordset::Assign(Long ordinal, const Variant& value) {
     if (!edit_) RequireCurrent();
     const Column& column = columns_->At(ordinal);
     if (column.Table.empty())
-        RaiseAdo(adErrFeatureNotAvailable, Self, "Column " + column.Name + " is computed and can't be changed.");
+        RaiseAdo(adErrFeatureNotAvailable, Self,
+                 "Column " + column.Name + " is computed and can't be changed.");
     Variant stored = StoredForm(value, column);
     if (!edit_)
         edit_ = Edit{adEditInProgress,
@@ -128,8 +132,9 @@ Variant Recordset::StoredAt(Long ordinal) const {
     const Cell& cell = Current().At(ordinal);
     switch (cell.kind) {
         case Cell::Kind::Null: return Null{};
-        case Cell::Kind::Whole: return std::in_range<Long>(cell.whole) ? Variant(static_cast<Long>(cell.whole))
-                                                                       : Variant(cell.whole);
+        case Cell::Kind::Whole:
+            return std::in_range<Long>(cell.whole) ? Variant(static_cast<Long>(cell.whole))
+                                                   : Variant(cell.whole);
         case Cell::Kind::Real: return cell.real;
         case Cell::Kind::Text: return String(cell.Text());
     }
@@ -149,8 +154,7 @@ String Recordset::WhereRow(std::vector<Variant>& values) const {
         where += (where.empty() ? " WHERE " : " AND ") + session.Quoted(column.Origin) + " IS ?";
         values.push_back(StoredAt(i));
     }
-    if (!keyed)
-        RaiseAdo(Failed, Self, "Insufficient key column information for updating or refreshing.");
+    if (!keyed) RaiseAdo(Failed, Self, "Insufficient key column information for updating or refreshing.");
     return where;
 }
 

@@ -149,8 +149,8 @@ Variant StoredForm(const Variant& value, const Column& column) {
     } catch (const Error& failure) {
         if (failure.Number == MultipleStepFailed) throw;
         const Long number = failure.Number == err::Overflow ? MultipleStepFailed : adErrDataConversion;
-        RaiseAdo(number, "ADODB.Recordset", "The value doesn't fit column " + column.Name + ": " +
-                                                failure.Description + ".");
+        RaiseAdo(number, "ADODB.Recordset",
+                 "The value doesn't fit column " + column.Name + ": " + failure.Description + ".");
     }
 }
 

@@ -103,7 +103,9 @@ struct ArgumentName {
     bool Optional = false;
     Variant Default;
 };
-inline ArgumentName Optional(const char* name, Variant whenLeftOut = {}) { return {name, std::move(whenLeftOut)}; }
+inline ArgumentName Optional(const char* name, Variant whenLeftOut = {}) {
+    return {name, std::move(whenLeftOut)};
+}
 
 constexpr Long DefaultMember = 0;
 constexpr Long EnumeratorMember = -4;
@@ -154,7 +156,8 @@ struct Passing {
 
 template <class A>
 Argument ArgumentOf(const ArgumentName& name) {
-    return {name.Name, TypeOf<std::remove_cvref_t<A>>(), Passing<A>::ByReference, name.Optional, name.Default};
+    return {name.Name, TypeOf<std::remove_cvref_t<A>>(), Passing<A>::ByReference, name.Optional,
+            name.Default};
 }
 
 template <auto F, class C, class R, class... A>
@@ -163,7 +166,8 @@ struct OperationCall {
         return With(self, arguments, std::index_sequence_for<A...>{});
     }
     template <std::size_t... I>
-    static Variant With(Object& self, [[maybe_unused]] std::span<Variant> arguments, std::index_sequence<I...>) {
+    static Variant With(Object& self, [[maybe_unused]] std::span<Variant> arguments,
+                        std::index_sequence<I...>) {
         std::tuple<Passing<A>...> passing{Passing<A>(arguments[I])...};
         auto& object = static_cast<C&>(self);
         if constexpr (std::is_void_v<R>) {
@@ -237,9 +241,14 @@ template <auto M>
 detail::Line Property(const char* name) {
     using Data = detail::DataOf<M>;
     constexpr bool object = detail::IsRef<typename Data::Type>::value;
-    return {{Member{name, object ? MemberKind::PutRef : MemberKind::Put, ByPosition,
-                    {detail::PutArgument<typename Data::Type>(object)}, {}, Data::Put},
-             Member{name, MemberKind::Get, ByPosition, {}, detail::TypeOf<typename Data::Type>(), Data::Get}}};
+    return {
+        {Member{name,
+                object ? MemberKind::PutRef : MemberKind::Put,
+                ByPosition,
+                {detail::PutArgument<typename Data::Type>(object)},
+                {},
+                Data::Put},
+         Member{name, MemberKind::Get, ByPosition, {}, detail::TypeOf<typename Data::Type>(), Data::Get}}};
 }
 
 /// A plain property whose get stands before its put; `PutByReference` where the put takes its value so.
@@ -258,15 +267,17 @@ detail::Line ObjectProperty(const char* name) {
     using Get = detail::CallOf<GetFunction>;
     using Put = detail::CallOf<PutFunction>;
     using Value = std::remove_cvref_t<typename Get::Result>;
-    return {{Member{name, MemberKind::Get, ByPosition, {}, detail::TypeOf<Value>(), Get::Call},
-             Member{name, MemberKind::PutRef, ByPosition, {detail::PutArgument<Value>(true)}, {}, Put::Call}}};
+    return {
+        {Member{name, MemberKind::Get, ByPosition, {}, detail::TypeOf<Value>(), Get::Call},
+         Member{name, MemberKind::PutRef, ByPosition, {detail::PutArgument<Value>(true)}, {}, Put::Call}}};
 }
 
 /// The table of class `C` from its lines.
 template <class C>
 Interface InterfaceOf(std::initializer_list<detail::Line> lines) {
     std::vector<Member> members;
-    for (const detail::Line& line : lines) members.insert(members.end(), line.members.begin(), line.members.end());
+    for (const detail::Line& line : lines)
+        members.insert(members.end(), line.members.begin(), line.members.end());
     return {C::ClassName, std::move(members)};
 }
 

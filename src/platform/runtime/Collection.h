@@ -101,7 +101,8 @@ public:
     explicit Each(const Collection& collection) : collection_(collection) {}
     class Iterator {
     public:
-        Iterator(const Collection& collection, Long position) : collection_(collection), position_(position) {}
+        Iterator(const Collection& collection, Long position)
+            : collection_(collection), position_(position) {}
         T& operator*() const {
             auto* object = dynamic_cast<T*>(ObjectOf(collection_.At(position_)).Get());
             if (!object) Raise(err::TypeMismatch);

@@ -158,16 +158,15 @@ Whole Rounded(double value) {
 
 template <class Whole>
 Whole ToWhole(const Variant& value) {
-    return std::visit(
-        Overloaded{
-            [](const std::integral auto& n) -> Whole {
-                if (!std::in_range<Whole>(static_cast<std::int64_t>(n))) Raise(err::Overflow);
-                return static_cast<Whole>(n);
-            },
-            [](bool b) -> Whole { return b ? -1 : 0; },
-            [&](const auto&) -> Whole { return Rounded<Whole>(CDbl(value)); },
-        },
-        value.Stored());
+    return std::visit(Overloaded{
+                          [](const std::integral auto& n) -> Whole {
+                              if (!std::in_range<Whole>(static_cast<std::int64_t>(n))) Raise(err::Overflow);
+                              return static_cast<Whole>(n);
+                          },
+                          [](bool b) -> Whole { return b ? -1 : 0; },
+                          [&](const auto&) -> Whole { return Rounded<Whole>(CDbl(value)); },
+                      },
+                      value.Stored());
 }
 
 // ---- numbers to text ----------------------------------------------------------------------------
@@ -193,8 +192,8 @@ String FloatText(double value, int precision) {
     if (value == 0) return "0";
     if (!std::isfinite(value)) Raise(err::Overflow);
     std::array<char, 40> buffer{};
-    std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::fabs(value), std::chars_format::scientific,
-                  precision - 1);
+    std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::fabs(value),
+                  std::chars_format::scientific, precision - 1);
     const std::string_view text = buffer.data();
     const auto e = text.find('e');
     String digits{text.substr(0, 1)};
@@ -259,9 +258,9 @@ bool SplitWords(std::string_view text, std::vector<Word>& words) {
 }
 
 int MonthOfName(const String& letters) {
-    static constexpr std::array<const char*, 12> names{"january", "february", "march",     "april",
-                                                       "may",     "june",     "july",      "august",
-                                                       "september", "october", "november", "december"};
+    static constexpr std::array<const char*, 12> names{"january",   "february", "march",    "april",
+                                                       "may",       "june",     "july",     "august",
+                                                       "september", "october",  "november", "december"};
     for (std::size_t i = 0; i < names.size(); ++i)
         if (letters == names[i] || letters == std::string_view(names[i]).substr(0, 3)) return int(i) + 1;
     return 0;
@@ -345,21 +344,20 @@ Integer CInt(const Variant& value) { return ToWhole<Integer>(value); }
 Long CLng(const Variant& value) { return ToWhole<Long>(value); }
 
 double CDbl(const Variant& value) {
-    return std::visit(Overloaded{
-                          [](Empty) { return 0.0; },
-                          [](Null) -> double { Raise(err::InvalidNull); },
-                          [](bool b) { return b ? -1.0 : 0.0; },
-                          [](const std::integral auto& n) { return static_cast<double>(n); },
-                          [](float f) { return static_cast<double>(f); },
-                          [](double d) { return d; },
-                          [](Date d) { return d.Days; },
-                          [](const String& s) { return FromText(s); },
-                          [](const Ref<Object>& o) -> double {
-                              Raise(o ? err::NoSuchMember : err::ObjectNotSet);
-                          },
-                          [](const auto&) -> double { Raise(err::TypeMismatch); },
-                      },
-                      value.Stored());
+    return std::visit(
+        Overloaded{
+            [](Empty) { return 0.0; },
+            [](Null) -> double { Raise(err::InvalidNull); },
+            [](bool b) { return b ? -1.0 : 0.0; },
+            [](const std::integral auto& n) { return static_cast<double>(n); },
+            [](float f) { return static_cast<double>(f); },
+            [](double d) { return d; },
+            [](Date d) { return d.Days; },
+            [](const String& s) { return FromText(s); },
+            [](const Ref<Object>& o) -> double { Raise(o ? err::NoSuchMember : err::ObjectNotSet); },
+            [](const auto&) -> double { Raise(err::TypeMismatch); },
+        },
+        value.Stored());
 }
 
 float CSng(const Variant& value) {
@@ -391,27 +389,28 @@ static String DateText(Date date) {
     using enum Locale::Order;
     const double time = date.Days - std::trunc(date.Days);
     const Locale::Order order = UserLocale().DateOrder;
-    const char* day = order == MonthDayYear ? "m/d/yyyy" : order == DayMonthYear ? "dd/mm/yyyy" : "yyyy-mm-dd";
+    const char* day = order == MonthDayYear   ? "m/d/yyyy"
+                      : order == DayMonthYear ? "dd/mm/yyyy"
+                                              : "yyyy-mm-dd";
     if (std::trunc(date.Days) == 0) return FormatDate(date, "hh:nn:ss");
     return FormatDate(date, time == 0 ? String(day) : String(day) + " hh:nn:ss");
 }
 
 String CStr(const Variant& value) {
-    return std::visit(Overloaded{
-                          [](Empty) { return String(); },
-                          [](Null) -> String { Raise(err::InvalidNull); },
-                          [](bool b) { return CStr(b); },
-                          [](const std::integral auto& n) { return CStr(static_cast<std::int64_t>(n)); },
-                          [](float f) { return CStr(f); },
-                          [](double d) { return CStr(d); },
-                          [](Date d) { return DateText(d); },
-                          [](const String& s) { return s; },
-                          [](const Ref<Object>& o) -> String {
-                              Raise(o ? err::NoSuchMember : err::ObjectNotSet);
-                          },
-                          [](const auto&) -> String { Raise(err::TypeMismatch); },
-                      },
-                      value.Stored());
+    return std::visit(
+        Overloaded{
+            [](Empty) { return String(); },
+            [](Null) -> String { Raise(err::InvalidNull); },
+            [](bool b) { return CStr(b); },
+            [](const std::integral auto& n) { return CStr(static_cast<std::int64_t>(n)); },
+            [](float f) { return CStr(f); },
+            [](double d) { return CStr(d); },
+            [](Date d) { return DateText(d); },
+            [](const String& s) { return s; },
+            [](const Ref<Object>& o) -> String { Raise(o ? err::NoSuchMember : err::ObjectNotSet); },
+            [](const auto&) -> String { Raise(err::TypeMismatch); },
+        },
+        value.Stored());
 }
 
 std::optional<Date> ParseDate(std::string_view whole) {
@@ -465,7 +464,8 @@ double Val(std::string_view whole) {
     if (plain.empty() || plain == ".") return 0;
     if (at < text.size() && std::strchr("eEdD", text[at]) && text[at] != '\0') {
         String exponent = "e";
-        if (++at < text.size() && (text[at] == '-' || text[at] == '+')) exponent += text[at] == '-' ? "-" : "", ++at;
+        if (++at < text.size() && (text[at] == '-' || text[at] == '+'))
+            exponent += text[at] == '-' ? "-" : "", ++at;
         const std::size_t sign = exponent.size();
         while (at < text.size() && IsDigit(text[at])) exponent += text[at++];
         if (exponent.size() > sign) plain += exponent;

@@ -34,20 +34,20 @@ public:
 
 /// Numbers of the runtime's failures, as far as this system meets or raises them.
 namespace err {
-constexpr Long InvalidCall = 5;            ///< an argument that the operation cannot work with
-constexpr Long Overflow = 6;               ///< a number outside the range of its type
-constexpr Long OutOfBounds = 9;            ///< a position that an array or a collection doesn't have
-constexpr Long TypeMismatch = 13;          ///< a value that has no form of the wanted type
+constexpr Long InvalidCall = 5;    ///< an argument that the operation cannot work with
+constexpr Long Overflow = 6;       ///< a number outside the range of its type
+constexpr Long OutOfBounds = 9;    ///< a position that an array or a collection doesn't have
+constexpr Long TypeMismatch = 13;  ///< a value that has no form of the wanted type
 constexpr Long FileNotFound = 53;
 constexpr Long PermissionDenied = 70;
 constexpr Long PathFileAccess = 75;
-constexpr Long ObjectNotSet = 91;          ///< a member of nothing was asked for
-constexpr Long InvalidNull = 94;           ///< a null where a value is needed
+constexpr Long ObjectNotSet = 91;  ///< a member of nothing was asked for
+constexpr Long InvalidNull = 94;   ///< a null where a value is needed
 constexpr Long ObjectRequired = 424;
-constexpr Long NoSuchMember = 438;         ///< a name that the object's interface doesn't have
+constexpr Long NoSuchMember = 438;  ///< a name that the object's interface doesn't have
 constexpr Long ArgumentNotOptional = 449;
-constexpr Long WrongArguments = 450;       ///< too many arguments, or a put of what can only be read
-constexpr Long DuplicateKey = 457;         ///< a key that the collection already has
+constexpr Long WrongArguments = 450;  ///< too many arguments, or a put of what can only be read
+constexpr Long DuplicateKey = 457;    ///< a key that the collection already has
 }  // namespace err
 
 /// The English text that belongs to a runtime number; "Application-defined or object-defined error"

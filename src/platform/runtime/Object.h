@@ -42,10 +42,7 @@ public:
     Ref(const Ref& other) : object_(other.object_) { Hold(); }
     Ref(Ref&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
     template <class U>
-        requires std::is_convertible_v<U*, T*>
-    Ref(const Ref<U>& other) : object_(other.Get()) {
-        Hold();
-    }
+    requires std::is_convertible_v<U*, T*> Ref(const Ref<U>& other) : object_(other.Get()) { Hold(); }
     ~Ref() { Release(); }
 
     Ref& operator=(Ref other) noexcept {

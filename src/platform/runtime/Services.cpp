@@ -29,7 +29,8 @@ float MachineTimer() {
     std::timespec now{};
     std::timespec_get(&now, TIME_UTC);
     const std::tm t = LocalTime(now.tv_sec);
-    return static_cast<float>(t.tm_hour * 3600 + t.tm_min * 60 + t.tm_sec + static_cast<double>(now.tv_nsec) / 1e9);
+    return static_cast<float>(t.tm_hour * 3600 + t.tm_min * 60 + t.tm_sec +
+                              static_cast<double>(now.tv_nsec) / 1e9);
 }
 
 std::uint32_t MachineTickCount() {

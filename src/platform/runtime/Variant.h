@@ -29,16 +29,14 @@ public:
 
     Variant() = default;
     template <class T>
-        requires(!std::is_same_v<std::remove_cvref_t<T>, Variant> && !std::is_enum_v<std::remove_cvref_t<T>> &&
-                 !std::is_pointer_v<std::decay_t<T>> && std::is_constructible_v<Store, T &&>)
-    Variant(T&& value) : store_(std::forward<T>(value)) {}
+    requires(!std::is_same_v<std::remove_cvref_t<T>, Variant> && !std::is_enum_v<std::remove_cvref_t<T>> &&
+             !std::is_pointer_v<std::decay_t<T>> && std::is_constructible_v<Store, T&&>) Variant(T&& value)
+        : store_(std::forward<T>(value)) {}
     Variant(const char* text) : store_(String(text)) {}
     template <class E>
-        requires std::is_enum_v<E>
-    Variant(E value) : store_(static_cast<Long>(value)) {}
+    requires std::is_enum_v<E> Variant(E value) : store_(static_cast<Long>(value)) {}
     template <class T>
-        requires std::is_base_of_v<Object, T>
-    Variant(const Ref<T>& object) : store_(Ref<Object>(object)) {}
+    requires std::is_base_of_v<Object, T> Variant(const Ref<T>& object) : store_(Ref<Object>(object)) {}
 
     template <class T>
     bool Is() const noexcept {

@@ -76,7 +76,9 @@ TEST_F(ConnectionTest, AnActionStatementGivesAClosedRecordsetAndItsCount) {
 }
 
 TEST_F(ConnectionTest, FailuresOfTheEngineAreMapped) {
-    const auto number = [&](const char* statement) { return FailureOf([&] { con->Execute(statement); }).Number; };
+    const auto number = [&](const char* statement) {
+        return FailureOf([&] { con->Execute(statement); }).Number;
+    };
     EXPECT_EQ(number("SELECT * FROM Nowhere"), NoTable);
     EXPECT_EQ(number("SELECT Nix FROM Root_T"), UnknownName);
     EXPECT_EQ(number("INSERT INTO Root_T (Nix) VALUES (1)"), UnknownName);
@@ -109,7 +111,8 @@ TEST_F(ConnectionTest, ASecondStatementIsRefusedBeforeAnythingRuns) {
     for (const char* text : {"DELETE FROM Root_T; DELETE FROM Root_T", "DELETE FROM Root_T WHERE RootID=1; x",
                              "SELECT 1; DROP TABLE Root_T", "DELETE FROM Root_T;;--x\nSELECT 2"})
         EXPECT_EQ(FailureOf([&] { con->Execute(text); }).Number, ErrorsInCommand) << text;
-    EXPECT_EQ(FailureOf([&] { con->Execute(String("DELETE FROM Root_T\0 WHERE RootID=5", 35)); }).Number, ErrorsInCommand);
+    EXPECT_EQ(FailureOf([&] { con->Execute(String("DELETE FROM Root_T\0 WHERE RootID=5", 35)); }).Number,
+              ErrorsInCommand);
     EXPECT_EQ(CLng(Ask("SELECT count(*) FROM Root_T")), 1);
     EXPECT_EQ(CLng(Ask("SELECT count(*) FROM Root_T ; \n ;")), 1);
 }
@@ -161,7 +164,8 @@ TEST_F(ConnectionTest, HandlersSeeAndMayChangeOrCancelAStatement) {
             if (request.Source == "SELECT 4") again->Execute("SELECT 5");
         }
         void ExecuteComplete(const ExecuteReport& report) override {
-            reports.push_back(String(report.Source) + (report.Failure ? " failed" : " rows " + CStr(report.Rows)));
+            reports.push_back(String(report.Source) +
+                              (report.Failure ? " failed" : " rows " + CStr(report.Rows)));
         }
         Ref<Connection> again;
         std::vector<String> reports;

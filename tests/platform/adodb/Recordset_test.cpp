@@ -10,7 +10,8 @@ using TestKit::FailureOf;
 class RecordsetTest : public TestKit::WithDatabase {
 protected:
     RecordsetTest() {
-        Run("INSERT INTO Clinic_T (ClinicID, ClinicName, City) VALUES (1,'A','Lund'),(2,'B',NULL),(3,'C','Ystad')");
+        Run("INSERT INTO Clinic_T (ClinicID, ClinicName, City) VALUES "
+            "(1,'A','Lund'),(2,'B',NULL),(3,'C','Ystad')");
     }
 
     Ref<Recordset> Open(const String& statement = "SELECT * FROM Clinic_T ORDER BY ClinicID",
@@ -129,9 +130,11 @@ TEST_F(RecordsetTest, ANameBuiltAnewIsFoundAsWellAsALiteral) {
 TEST_F(RecordsetTest, ValuesHaveTheTypesOfTheirColumns) {
     Run("INSERT INTO ImageBild_T (PatientID, DateCaptured_SD, ExposureTime_F, GraphicURL_NVC) "
         "VALUES (7,'2026-01-02 03:04:05',1.5,'x')");
-    Run("INSERT INTO ImageBild_T (PatientID, DateCaptured_SD, ExposureTime_F) VALUES ('12abc','no date',NULL)");
-    const Ref<Recordset> rs = Open("SELECT PatientID, DateCaptured_SD, ExposureTime_F, GraphicURL_NVC, 5 AS n, "
-                                   "5000000000 AS big FROM ImageBild_T");
+    Run("INSERT INTO ImageBild_T (PatientID, DateCaptured_SD, ExposureTime_F) VALUES ('12abc','no "
+        "date',NULL)");
+    const Ref<Recordset> rs = Open(
+        "SELECT PatientID, DateCaptured_SD, ExposureTime_F, GraphicURL_NVC, 5 AS n, "
+        "5000000000 AS big FROM ImageBild_T");
     EXPECT_EQ(rs->Fields(0).Value(), Variant(Long{7}));
     EXPECT_EQ(rs->Fields(1).Value(), Variant(DateFrom({2026, 1, 2, 3, 4, 5})));
     EXPECT_EQ(rs->Fields(2).Value(), Variant(1.5));
@@ -141,7 +144,8 @@ TEST_F(RecordsetTest, ValuesHaveTheTypesOfTheirColumns) {
     EXPECT_EQ(rs->Fields(1).Type(), adDate);
     EXPECT_EQ(rs->Fields(3).Type(), adVarWChar);
     rs->MoveNext();
-    EXPECT_EQ(rs->Fields(0).Value(), Variant("12abc")) << "what doesn't fit the type is given as it is stored";
+    EXPECT_EQ(rs->Fields(0).Value(), Variant("12abc"))
+        << "what doesn't fit the type is given as it is stored";
     EXPECT_EQ(rs->Fields(1).Value(), Variant("no date"));
     EXPECT_EQ(rs->Fields(2).Value(), Variant(Null{}));
 }
@@ -149,13 +153,16 @@ TEST_F(RecordsetTest, ValuesHaveTheTypesOfTheirColumns) {
 TEST_F(RecordsetTest, ReadingAsATypeGivesWhatConvertingTheValueGives) {
     Run("INSERT INTO ImageBild_T (PatientID, DateCaptured_SD, ExposureTime_F, GraphicURL_NVC, RootId) "
         "VALUES (7,'2026-01-02',2.5,'12',NULL)");
-    const Ref<Recordset> rs = Open("SELECT PatientID, DateCaptured_SD, ExposureTime_F, GraphicURL_NVC, RootId, "
-                                   "5000000000 AS big FROM ImageBild_T");
+    const Ref<Recordset> rs = Open(
+        "SELECT PatientID, DateCaptured_SD, ExposureTime_F, GraphicURL_NVC, RootId, "
+        "5000000000 AS big FROM ImageBild_T");
     for (Long i = 0; i < rs->FieldCount(); ++i) {
         const auto same = [&]<class T>(T) {
             const Error expected = FailureOf([&] { To<T>(rs->Fields(i).Value()); });
             EXPECT_EQ(FailureOf([&] { rs->Fields(i).As<T>(); }).Number, expected.Number) << i;
-            if (expected.Number == 0) { EXPECT_EQ(rs->Fields(i).As<T>(), To<T>(rs->Fields(i).Value())) << i; }
+            if (expected.Number == 0) {
+                EXPECT_EQ(rs->Fields(i).As<T>(), To<T>(rs->Fields(i).Value())) << i;
+            }
         };
         same(Long{});
         same(String{});
@@ -283,7 +290,8 @@ TEST_F(RecordsetTest, WhatCannotBeChangedRaises3251) {
     EXPECT_EQ(NumberOf([&] { readOnly->Collect("City", "x"); }), adErrFeatureNotAvailable);
     EXPECT_EQ(NumberOf([&] { readOnly->AddNew(); }), adErrFeatureNotAvailable);
     EXPECT_EQ(NumberOf([&] { readOnly->Delete(); }), adErrFeatureNotAvailable);
-    const Ref<Recordset> joined = Open("SELECT c.*, s.* FROM Clinic_T c LEFT JOIN Study_T s ON s.Study_ID = c.ClinicID");
+    const Ref<Recordset> joined =
+        Open("SELECT c.*, s.* FROM Clinic_T c LEFT JOIN Study_T s ON s.Study_ID = c.ClinicID");
     EXPECT_EQ(NumberOf([&] { joined->Collect("City", "x"); }), adErrFeatureNotAvailable);
     const Ref<Recordset> computed = Open("SELECT ClinicID, City || 'x' AS y FROM Clinic_T");
     EXPECT_EQ(NumberOf([&] { computed->Collect("y", "x"); }), adErrFeatureNotAvailable);

@@ -20,21 +20,24 @@ TEST(SqliteShape, LiftsLiteralsOutOfConditionsValuesAndSets) {
     EXPECT_EQ(ShapeOf("SELECT * FROM t WHERE a=5 AND b='x''y';"), "SELECT * FROM t WHERE a=? AND b=?;");
     EXPECT_EQ(ShapeOf("INSERT INTO t (a) VALUES ( 0, -7, '')"), "INSERT INTO t (a) VALUES ( ?, -?, ?)");
     EXPECT_EQ(ShapeOf("UPDATE t SET a='b',c= 3 where d IN (1,2)"), "UPDATE t SET a=?,c= ? where d IN (?,?)");
-    EXPECT_EQ(ShapeOf("SELECT a FROM t JOIN u ON u.b <> '' WHERE (c)=1"), "SELECT a FROM t JOIN u ON u.b <> ? WHERE (c)=?");
+    EXPECT_EQ(ShapeOf("SELECT a FROM t JOIN u ON u.b <> '' WHERE (c)=1"),
+              "SELECT a FROM t JOIN u ON u.b <> ? WHERE (c)=?");
 }
 
 TEST(SqliteShape, LeavesLiteralsWhereTheyMeanSomethingElse) {
-    for (const char* kept : {"SELECT 1, 'x' FROM t", "SELECT a FROM t ORDER BY 1 LIMIT 5", "SELECT a FROM t WHERE b=1.5",
-                             "SELECT a FROM t WHERE b=0x1F OR c=x'41'", "SELECT a FROM t GROUP BY 2",
-                             "SELECT a FROM t WHERE b=12345678901234567890", "SELECT a1 FROM t2 WHERE c3=d4"})
+    for (const char* kept :
+         {"SELECT 1, 'x' FROM t", "SELECT a FROM t ORDER BY 1 LIMIT 5", "SELECT a FROM t WHERE b=1.5",
+          "SELECT a FROM t WHERE b=0x1F OR c=x'41'", "SELECT a FROM t GROUP BY 2",
+          "SELECT a FROM t WHERE b=12345678901234567890", "SELECT a1 FROM t2 WHERE c3=d4"})
         EXPECT_EQ(ShapeOf(kept), kept);
     EXPECT_EQ(ShapeOf("SELECT a FROM t WHERE (SELECT 1)=2"), "SELECT a FROM t WHERE (SELECT 1)=?");
 }
 
 TEST(SqliteShape, GivesUpOnWhatItDoesNotUnderstand) {
-    for (const char* text : {"PRAGMA x=1", "CREATE TABLE t (a DEFAULT 5)", "SELECT a FROM t WHERE b=? AND c=1",
-                             "SELECT a FROM t WHERE b=1 -- c", "SELECT a /* 1 */ FROM t WHERE b=1",
-                             "SELECT a FROM t WHERE b='open", "SELECT a FROM t WHERE b=1)", ""})
+    for (const char* text :
+         {"PRAGMA x=1", "CREATE TABLE t (a DEFAULT 5)", "SELECT a FROM t WHERE b=? AND c=1",
+          "SELECT a FROM t WHERE b=1 -- c", "SELECT a /* 1 */ FROM t WHERE b=1",
+          "SELECT a FROM t WHERE b='open", "SELECT a FROM t WHERE b=1)", ""})
         EXPECT_EQ(ShapeOf(text), "as it stands") << text;
 }
 
@@ -46,9 +49,10 @@ TEST(SqliteShape, MatchesStatementsThatDifferInTheirValuesOnly) {
     EXPECT_EQ(literals[0].body, "it''s");
     EXPECT_EQ(Unquoted(literals[0].body), "it's");
     EXPECT_TRUE(literals[0].isText);
-    for (const char* other : {"SELECT * FROM t WHERE a=5.5 AND b LIKE'x';", "SELECT * FROM t WHERE a=5 AND b LIKE7;",
-                              "SELECT * FROM t WHERE a=c AND b LIKE'x';", "SELECT * FROM t WHERE a=5 AND b LIKE'x'; ",
-                              "SELECT * FROM t WHERE a=5 AND b LIKE'x", "select * FROM t WHERE a=5 AND b LIKE'x';"})
+    for (const char* other :
+         {"SELECT * FROM t WHERE a=5.5 AND b LIKE'x';", "SELECT * FROM t WHERE a=5 AND b LIKE7;",
+          "SELECT * FROM t WHERE a=c AND b LIKE'x';", "SELECT * FROM t WHERE a=5 AND b LIKE'x'; ",
+          "SELECT * FROM t WHERE a=5 AND b LIKE'x", "select * FROM t WHERE a=5 AND b LIKE'x';"})
         EXPECT_FALSE(shape.Matches(other, literals)) << other;
 }
 
@@ -76,14 +80,18 @@ protected:
 
 TEST_F(SqlitePlansTest, OneShapeIsCompiledOnce) {
     std::string statement;  // the literals point into it
-    for (int i = 0; i < 100; ++i) plans->For(statement = "SELECT b FROM t WHERE a=" + std::to_string(i), literals);
+    for (int i = 0; i < 100; ++i)
+        plans->For(statement = "SELECT b FROM t WHERE a=" + std::to_string(i), literals);
     EXPECT_EQ(plans->CompiledCount(), 1U);
     EXPECT_EQ(literals.size(), 1U);
     EXPECT_EQ(literals[0].body, "99");
 }
 
 TEST_F(SqlitePlansTest, TheLeastRecentlyUsedGoesFirst) {
-    const auto statement = [](int i) { return "SELECT b FROM t WHERE a=1 AND b<>'' AND" + std::string(static_cast<std::size_t>(i), ' ') + "a<5"; };
+    const auto statement = [](int i) {
+        return "SELECT b FROM t WHERE a=1 AND b<>'' AND" + std::string(static_cast<std::size_t>(i), ' ') +
+               "a<5";
+    };
     plans->For(statement(1), literals);
     for (int i = 2; i <= 300; ++i) {
         plans->For(statement(i), literals);

@@ -10,7 +10,7 @@ struct Outcome {
     std::shared_ptr<const Columns> columns;  ///< nothing where the statement yields no rows
     std::vector<Row> rows;                   ///< all rows, in the engine's order
     RowStore store;                          ///< what the rows stand in
-    std::int64_t affected = -1;              ///< rows that an action statement hit; -1 where there are none to count
+    std::int64_t affected = -1;  ///< rows that an action statement hit; -1 where there are none to count
 };
 
 /// One open session with a database engine: all that the layer asks of a provider.

@@ -18,17 +18,27 @@ String TextOrEmpty(const char* text) { return text ? text : ""; }
 void TakeDeclaredType(Column& column, const char* declared) {
     const String type = UCase(TextOrEmpty(declared));
     const auto has = [&](std::string_view part) { return Contains(type, part); };
-    if (has("BOOL") || type == "BIT") column.Type = adBoolean;
-    else if (has("DATE") || has("TIME")) column.Type = adDate;
-    else if (has("BIGINT")) column.Type = adBigInt;
-    else if (has("SMALLINT")) column.Type = adSmallInt;
-    else if (has("INT") || has("LONG") || has("COUNTER")) column.Type = adInteger;
-    else if (has("CHAR")) column.Type = adVarWChar;
-    else if (has("TEXT") || has("CLOB") || has("MEMO")) column.Type = adLongVarWChar;
-    else if (has("BLOB")) column.Type = adLongVarBinary;
-    else if (has("REAL") || has("FLOA") || has("DOUB")) column.Type = adDouble;
+    if (has("BOOL") || type == "BIT")
+        column.Type = adBoolean;
+    else if (has("DATE") || has("TIME"))
+        column.Type = adDate;
+    else if (has("BIGINT"))
+        column.Type = adBigInt;
+    else if (has("SMALLINT"))
+        column.Type = adSmallInt;
+    else if (has("INT") || has("LONG") || has("COUNTER"))
+        column.Type = adInteger;
+    else if (has("CHAR"))
+        column.Type = adVarWChar;
+    else if (has("TEXT") || has("CLOB") || has("MEMO"))
+        column.Type = adLongVarWChar;
+    else if (has("BLOB"))
+        column.Type = adLongVarBinary;
+    else if (has("REAL") || has("FLOA") || has("DOUB"))
+        column.Type = adDouble;
     const auto open = type.find('(');
-    if (column.Type == adVarWChar && open != String::npos) column.DefinedSize = CLng(Val(type.substr(open + 1)));
+    if (column.Type == adVarWChar && open != String::npos)
+        column.DefinedSize = CLng(Val(type.substr(open + 1)));
 }
 
 Column ColumnOf(sqlite3* database, sqlite3_stmt* compiled, int at) {
@@ -39,9 +49,9 @@ Column ColumnOf(sqlite3* database, sqlite3_stmt* compiled, int at) {
     TakeDeclaredType(column, sqlite3_column_decltype(compiled, at));
     int notNull = 0, key = 0, counter = 0;
     if (!column.Table.empty() &&
-        sqlite3_table_column_metadata(database, sqlite3_column_database_name(compiled, at), column.Table.c_str(),
-                                      column.Origin.c_str(), nullptr, nullptr, &notNull, &key,
-                                      &counter) == SQLITE_OK) {
+        sqlite3_table_column_metadata(database, sqlite3_column_database_name(compiled, at),
+                                      column.Table.c_str(), column.Origin.c_str(), nullptr, nullptr, &notNull,
+                                      &key, &counter) == SQLITE_OK) {
         column.Key = key != 0;
         column.Counter = counter != 0;
     }
@@ -49,7 +59,8 @@ Column ColumnOf(sqlite3* database, sqlite3_stmt* compiled, int at) {
 }
 
 bool IsBlank(std::string_view text) {
-    return std::all_of(text.begin(), text.end(), [](char c) { return c == ' ' || c == ';' || (c >= '\t' && c <= '\r'); });
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return c == ' ' || c == ';' || (c >= '\t' && c <= '\r'); });
 }
 
 /// Forms of the suite's own engine that this one spells differently.
@@ -73,6 +84,7 @@ const std::shared_ptr<const Columns>& Plan::ResultColumns(sqlite3* database) {
     const int count = sqlite3_column_count(compiled_);
     if (columns_ || count == 0) return columns_;
     std::vector<Column> columns;
+    columns.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) columns.push_back(ColumnOf(database, compiled_, i));
     return columns_ = std::make_shared<const Columns>(std::move(columns));
 }
@@ -81,8 +93,8 @@ sqlite3_stmt* Plans::Compile(std::string_view text, bool orNothing) {
     sqlite3_stmt* compiled = nullptr;
     const char* tail = nullptr;
     ++compiled_;
-    int code = sqlite3_prepare_v3(database_, text.data(), static_cast<int>(text.size()), SQLITE_PREPARE_PERSISTENT,
-                                  &compiled, &tail);
+    int code = sqlite3_prepare_v3(database_, text.data(), static_cast<int>(text.size()),
+                                  SQLITE_PREPARE_PERSISTENT, &compiled, &tail);
     if (code != SQLITE_OK && !orNothing) {
         constexpr std::string_view tooDeep = "Expression tree is too large";
         const std::string balanced =
@@ -111,7 +123,8 @@ Plan* Plans::Kept(std::string_view statement, std::vector<Literal>& literals) {
 
 Plan& Plans::Keep(Plan plan, std::string_view statement) {
     const std::string_view start = StartOf(plan.shape.pieces.front());
-    if (statement.size() > LongestKept || start.size() < StartOf(statement).size()) return Once(std::move(plan));
+    if (statement.size() > LongestKept || start.size() < StartOf(statement).size())
+        return Once(std::move(plan));
     if (kept_.size() == MostKept) {
         const auto oldest = std::prev(kept_.end());
         const auto [first, last] = byStart_.equal_range(StartOf(oldest->shape.pieces.front()));
@@ -135,7 +148,8 @@ Plan& Plans::For(std::string_view statement, std::vector<Literal>& literals) {
     Shape shape;
     const bool own = adapted.data() == statement.data();
     if (own && CutAtLiterals(adapted, shape, literals) &&
-        literals.size() <= static_cast<std::size_t>(sqlite3_limit(database_, SQLITE_LIMIT_VARIABLE_NUMBER, -1))) {
+        literals.size() <=
+            static_cast<std::size_t>(sqlite3_limit(database_, SQLITE_LIMIT_VARIABLE_NUMBER, -1))) {
         const std::string text = shape.Text();
         sqlite3_stmt* compiled = Compile(text, true);
         if (!compiled) {

@@ -63,7 +63,7 @@ private:
     sqlite3_stmt* Compile(std::string_view text, bool orNothing);
 
     sqlite3* database_;
-    List kept_;  // the most recently used in front
+    List kept_;                                                          // the most recently used in front
     std::unordered_multimap<std::string_view, List::iterator> byStart_;  // views into the plans' own shapes
     std::optional<Plan> once_;
     std::size_t compiled_ = 0;

@@ -85,9 +85,8 @@ constexpr std::size_t LongestWord = 10;
 /// A short word in upper case, or the empty text for one that is no keyword by its length.
 std::string_view Upper(std::string_view word, std::array<char, LongestWord>& buffer) {
     if (word.size() > LongestWord) return {};
-    std::transform(word.begin(), word.end(), buffer.begin(), [](char c) {
-        return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
-    });
+    std::transform(word.begin(), word.end(), buffer.begin(),
+                   [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; });
     return {buffer.data(), word.size()};
 }
 
@@ -252,8 +251,8 @@ private:
         Halve(starts, ends, 0, starts.size());
     }
 
-    void Halve(const std::vector<std::size_t>& starts, const std::vector<std::size_t>& ends, std::size_t first,
-               std::size_t last) {
+    void Halve(const std::vector<std::size_t>& starts, const std::vector<std::size_t>& ends,
+               std::size_t first, std::size_t last) {
         if (last - first < 2) return;
         insertions_.push_back({starts[first], 1, "("});
         insertions_.push_back({ends[last - 1], 0, ")"});
