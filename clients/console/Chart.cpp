@@ -128,8 +128,9 @@ void PrintHungSeries(const Clinic& clinic, Long number) {
         else
             unplaced.push_back(Label(image));
     }
-    fmt::print("Series {}: {}, {} images, layout {} {}\n", number, series->SeriesDescription,
-               series->ImgCount, series->TemplateID, layout->TCName);
+    fmt::print("Series {}: {}, {} images, layout {} {}\n", number,
+               Replace(series->SeriesDescription, "''", "'"), series->ImgCount, series->TemplateID,
+               layout->TCName);
     fmt::print("{}", ChartOf(*layout, labels));
     if (!unplaced.empty()) fmt::print("Hanging nowhere: {}\n", fmt::join(unplaced, "; "));
 }

@@ -22,7 +22,17 @@ std::string DatabaseOf(const Options& options) {
         "no database is named; use --db FILE or set OXCLASS_DB, or make one with: oxclass init clinic.db");
 }
 
-bool IsConnectionString(const std::string& database) { return database.find('=') != std::string::npos; }
+bool IsConnectionString(const std::string& database) { return Contains(LCase(database), "provider="); }
+
+/// Opens for writing, or where that is not allowed for reading.
+void OpenAsAllowed(const Ref<Connection>& con, const std::string& database) {
+    try {
+        con->Open(ConnectionStringOf(database));
+    } catch (const Error& failure) {
+        if (failure.Number != ADODB::NoPermission || IsConnectionString(database)) throw;
+        con->Open(ConnectionStringOf(database, "Read"));
+    }
+}
 
 }  // namespace
 
@@ -52,10 +62,13 @@ Clinic::Clinic(const Options& options) : con_(New<Connection>()) {
     if (!IsConnectionString(database) && !fs::exists(database))
         throw Complaint(fmt::format("there is no database {0}; make one with: oxclass init {0}", database));
     try {
-        con_->Open(ConnectionStringOf(database));
+        OpenAsAllowed(con_, database);
         RequireClinic(database);
     } catch (const Error& failure) {
-        throw Complaint(fmt::format("{} can't be opened: {}", database, failure.Description));
+        throw Complaint(
+            fmt::format("{} can't be opened: {}; see that you may read and write it and its folder, or "
+                        "copy it to a folder of yours",
+                        database, failure.Description));
     }
     if (options.trace) {
         trace_ = std::make_unique<Trace>();

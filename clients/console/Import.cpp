@@ -44,21 +44,49 @@ xigImageTypes TypeOf(const RadiographFile& file) {
     return head ? imggTypeDXCephalometric : imggTypeDXGeneral;
 }
 
+/// Refuses what is no DICOM identifier: the library would take a UID without a dot for a row's key.
+void RequireUid(const std::string& uid, const char* what) {
+    const bool formed =
+        uid.find_first_not_of("0123456789.") == std::string::npos && Contains(uid, ".") && uid.size() <= 64;
+    if (!formed) throw Complaint(fmt::format("its {} \"{}\" is no DICOM identifier", what, uid));
+}
+
+/// A text for a column that a statement takes unescaped: a quote becomes the typographic one.
+std::string WithoutQuotes(const std::string& text) { return Replace(text, "'", "\u2019"); }
+
 /// The files of the folders and files that were named, in the order of their names, each once.
-std::vector<fs::path> FilesOf(const std::vector<std::string>& names) {
+struct FoundFiles {
     std::vector<fs::path> files;
+    std::vector<std::pair<fs::path, std::string>> unreadable;  ///< folders, with the reason
+};
+
+void AddFolder(const fs::path& folder, FoundFiles& found) {
+    std::error_code failure;
+    for (fs::directory_iterator entry(folder, failure), end; !failure && entry != end;
+         entry.increment(failure)) {
+        std::error_code unknown;
+        if (entry->is_symlink(unknown) && entry->is_directory(unknown))
+            continue;  // may lead round in a circle
+        if (entry->is_directory(unknown)) AddFolder(entry->path(), found);
+        if (entry->is_regular_file(unknown)) found.files.push_back(entry->path());
+    }
+    if (failure) found.unreadable.emplace_back(folder, "the folder can't be read: " + failure.message());
+}
+
+FoundFiles FilesOf(const std::vector<std::string>& names) {
+    FoundFiles found;
     for (const std::string& name : names) {
         if (!fs::exists(name)) throw Complaint(fmt::format("there is no file or folder {}", name));
-        if (!fs::is_directory(name)) {
-            files.emplace_back(name);
-            continue;
-        }
-        for (const auto& entry : fs::recursive_directory_iterator(name))
-            if (entry.is_regular_file()) files.push_back(entry.path());
+        if (fs::is_directory(name))
+            AddFolder(name, found);
+        else if (fs::is_regular_file(name))
+            found.files.emplace_back(name);
+        else
+            throw Complaint(fmt::format("{} is neither a file nor a folder", name));
     }
-    std::sort(files.begin(), files.end());
-    files.erase(std::unique(files.begin(), files.end()), files.end());
-    return files;
+    std::sort(found.files.begin(), found.files.end());
+    found.files.erase(std::unique(found.files.begin(), found.files.end()), found.files.end());
+    return found;
 }
 
 /// One import: reads files, and stores them series by series.
@@ -72,7 +100,7 @@ public:
         services_->GetRoots(con_);
     }
 
-    void Run(const std::vector<fs::path>& paths);
+    void Run(const FoundFiles& found);
     const Tally& Result() const noexcept { return tally_; }
 
 private:
@@ -87,6 +115,8 @@ private:
     bool StoreImage(const Radiograph& radiograph, Long patient, const cSerie& series,
                     std::vector<StoredFile>& files);
     Ref<cImage> ImageOf(const RadiographFile& file);
+    void RequireSame(const Radiograph& radiograph, const cImage& image, Long patient, const cSerie& series,
+                     std::vector<StoredFile>& files) const;
     void Fill(cImage& image, const Radiograph& radiograph, Long patient, const cSerie& series) const;
     void Report(const fs::path& path, const std::string& reason);
 
@@ -114,6 +144,9 @@ std::vector<Import::Group> Import::ReadAll(const std::vector<fs::path>& paths) {
         try {
             RadiographFile file = ReadRadiograph(path);
             if (file.patientID.empty()) throw Complaint("it has no Patient ID, so it belongs to nobody");
+            RequireUid(file.studyUID, "Study Instance UID");
+            RequireUid(file.seriesUID, "Series Instance UID");
+            RequireUid(file.sopInstanceUID, "SOP Instance UID");
             const auto [group, isNew] = groupOf.try_emplace(file.seriesUID, groups.size());
             if (isNew) groups.emplace_back();
             groups[group->second].push_back({path, std::move(file)});
@@ -126,8 +159,9 @@ std::vector<Import::Group> Import::ReadAll(const std::vector<fs::path>& paths) {
     return groups;
 }
 
-void Import::Run(const std::vector<fs::path>& paths) {
-    const std::vector<Group> groups = ReadAll(paths);
+void Import::Run(const FoundFiles& found) {
+    for (const auto& [folder, reason] : found.unreadable) Report(folder, reason);
+    const std::vector<Group> groups = ReadAll(found.files);
     std::size_t images = 0;
     for (const Group& group : groups) images += group.size();
     Progress progress("images stored", images);
@@ -143,10 +177,9 @@ void Import::StoreSeries(const Group& group) {
     con_->BeginTrans();
     try {
         const Long series = StoreGroup(group, files);
-        if (tally_.stored > before.stored) {
-            HangStored(con_, series);
-            tally_.hung.push_back(series);
-        }
+        if (tally_.stored == before.stored) return con_->RollbackTrans();
+        HangStored(con_, series);
+        tally_.hung.push_back(series);
         con_->CommitTrans();
         for (StoredFile& file : files) file.Keep();
     } catch (const std::exception& failure) {
@@ -167,8 +200,12 @@ Long Import::StoreGroup(const Group& group, std::vector<StoredFile>& files) {
         if (!EqualsIgnoringCase(radiograph.file.patientID, first.patientID))
             throw Complaint(fmt::format("the files of series {} name two patients, {} and {}",
                                         first.seriesUID, first.patientID, radiograph.file.patientID));
-        (StoreImage(radiograph, patient, *series, files) ? tally_.stored : tally_.known) += 1;
         progress_->Step();
+        try {
+            (StoreImage(radiograph, patient, *series, files) ? tally_.stored : tally_.known) += 1;
+        } catch (const Complaint& refused) {  // raised before anything of the image was written
+            Report(radiograph.path, refused.what());
+        }
     }
     return series->ID;
 }
@@ -180,10 +217,11 @@ Long Import::PatientOf(const RadiographFile& file) {
     patient->PatientID = file.patientID;
     patient->LastName = file.familyName;
     patient->FirstName = file.givenName;
-    patient->Sex = Left(file.sex, 1);
+    patient->Sex = WithoutQuotes(Left(file.sex, 1));
     patient->BirthDate = DateOf(file.birthDate);
     Long place = 0;
-    for (String other : file.otherPatientIDs) {
+    for (const std::string& identifier : file.otherPatientIDs) {
+        String other = WithoutQuotes(identifier);
         patient->OtherIDs->Add(other, place, "K" + CStr(place));
         ++place;
     }
@@ -212,7 +250,11 @@ Long Import::StudyOf(const RadiographFile& file, Long patient) {
 
 Ref<cSerie> Import::SeriesOf(const RadiographFile& file, Long study) {
     Ref<cSerie> series = New<cSerie>();
-    if (series->loadSeries(file.seriesUID, con_)) return series;
+    if (series->loadSeries(file.seriesUID, con_)) {
+        if (series->studyID != study)
+            throw Complaint(fmt::format("its series {} belongs to another study already", file.seriesUID));
+        return series;
+    }
     series->instanceUID = file.seriesUID;
     series->studyID = study;
     series->Modality = file.modality;
@@ -234,11 +276,24 @@ Ref<cImage> Import::ImageOf(const RadiographFile& file) {
     return image;
 }
 
-/// Copies the file and stores its image; false if image and file are known already.
+/// Refuses a file whose stored image is another one. A copy that is gone from its root is made
+/// again, since that is what the user imports it for.
+void Import::RequireSame(const Radiograph& radiograph, const cImage& image, Long patient,
+                         const cSerie& series, std::vector<StoredFile>& files) const {
+    if (image.PatID != patient || image.seriesID != series.ID)
+        throw Complaint(fmt::format("its SOP Instance UID {} belongs to an image of another series already",
+                                    radiograph.file.sopInstanceUID));
+    files.emplace_back(radiograph.path, StoredPath(image.Root_RootDirectory, image.URL)).Keep();
+}
+
+/// Copies the file and stores its image; false if the image is stored already, with the same file.
 bool Import::StoreImage(const Radiograph& radiograph, Long patient, const cSerie& series,
                         std::vector<StoredFile>& files) {
     const Ref<cImage> image = ImageOf(radiograph.file);
-    if (image->ID != 0 && !image->URL.empty()) return false;
+    if (image->ID != 0 && !image->URL.empty()) {
+        RequireSame(radiograph, *image, patient, series, files);
+        return false;
+    }
     const std::string name =
         services_->GetSubFolder(patient) + "\\" + radiograph.file.sopInstanceUID + ".dcm";
     files.emplace_back(radiograph.path, StoredPath(root_, name));
@@ -270,7 +325,7 @@ void Import::Fill(cImage& image, const Radiograph& radiograph, Long patient, con
     image.Current_mA = whole(file.tubeCurrent_mA);
     image.ExposureTime_ms = whole(file.exposureTime_ms);
     image.HWSourceTxt = Trim(file.manufacturer + " " + file.model + " " + file.serialNumber);
-    image.RespPerson = file.operatorsName;
+    image.RespPerson = WithoutQuotes(file.operatorsName);
 }
 
 void PrintTally(const Tally& tally, bool json) {

@@ -44,18 +44,36 @@ void Fill(const fs::path& file, const fs::path& root) {
     con->Close();
 }
 
+/// Brings what an SQLite database still has in its log into the file itself. Another program that has it
+/// open keeps the log.
+void Settle(const fs::path& file) {
+    const Ref<Connection> con = Platform::New<Connection>();
+    try {
+        con->Open(ConnectionStringOf(file.string()));
+        con->Close();
+    } catch (const Platform::Error&) {
+        return;  // no database, or none that may be written: it has no log of ours
+    }
+}
+
 /// Puts an existing database aside, so that nothing is lost.
 void PutAside(const fs::path& file, bool replace) {
-    if (!fs::exists(file)) return;
-    if (!replace)
+    const fs::path aside = file.string() + ".old", log = file.string() + "-wal";
+    if (fs::exists(file)) {
+        if (!replace)
+            throw Complaint(fmt::format(
+                "{} exists already and stays as it is; name another file, or use --replace to put "
+                "it aside as {}",
+                file.string(), aside.string()));
+        if (fs::exists(aside))
+            throw Complaint(fmt::format("{} exists already; move it away first", aside.string()));
+        Settle(file);
+    }
+    if (fs::exists(log))
         throw Complaint(
-            fmt::format("{} exists already and stays as it is; name another file, or use --replace to put "
-                        "it aside as {}.old",
-                        file.string(), file.string()));
-    const fs::path aside = file.string() + ".old";
-    if (fs::exists(aside))
-        throw Complaint(fmt::format("{} exists already; move it away first", aside.string()));
-    fs::rename(file, aside);
+            fmt::format("{} belongs to a database in use; close the programs that use it, or move it away",
+                        log.string()));
+    if (fs::exists(file)) fs::rename(file, aside);
 }
 
 void Init(const std::string& name, const std::string& rootName, bool replace) {
@@ -63,7 +81,7 @@ void Init(const std::string& name, const std::string& rootName, bool replace) {
     const fs::path root = fs::absolute(rootName.empty() ? file.parent_path() / "images" : fs::path(rootName));
     if (!fs::is_directory(file.parent_path()))
         throw Complaint(fmt::format("there is no folder {}; make it first", file.parent_path().string()));
-    if (fs::exists(file) && !replace) PutAside(file, false);
+    if (!replace) PutAside(file, false);
     fs::create_directories(root);
     NewFile made(file);
     Fill(made.Made(), root);

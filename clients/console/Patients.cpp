@@ -1,6 +1,5 @@
 #include "console/Commands.h"
 
-#include "frame/Statement.h"
 #include "people/cPatient.h"
 
 #include <fmt/format.h>
@@ -11,19 +10,31 @@ namespace {
 using namespace OXClass;
 using Json = nlohmann::ordered_json;
 
+/// The patients of whom any of the texts holds `text`, without regard to case; all for an empty text.
 void ListPatients(const Options& options, const std::string& text) {
     const Clinic clinic(options);
-    const std::string where =
-        text.empty()
-            ? ""
-            : sql(" WHERE instr(upper(LastName_NVC || ' ' || FirstName_NVC || ' ' || PersonNr_CH), '",
-                  UCase(FixSqlString(text)), "') > 0");
-    const List list = clinic.ListOf(
-        "SELECT p.PatientID AS Number, PersonNr_CH AS ID, LastName_NVC AS \"Last name\", FirstName_NVC AS "
-        "\"First "
-        "name\", Birthdate_CH AS Born, Sex_CH AS Sex, (SELECT count(*) FROM Study_T s WHERE s.PatientID = "
-        "p.PatientID) AS Studies FROM Patient_T p" +
-        where + " ORDER BY LastName_NVC, FirstName_NVC, p.PatientID");
+    const Ref<Recordset> rows = clinic.Read(
+        "SELECT PatientID, PersonNr_CH, LastName_NVC, FirstName_NVC, Birthdate_CH, Sex_CH, (SELECT count(*) "
+        "FROM Study_T "
+        "WHERE Study_T.PatientID = Patient_T.PatientID) AS Studies FROM Patient_T ORDER BY LastName_NVC, "
+        "FirstName_NVC, "
+        "PatientID");
+    List list({{"number", "Number"},
+               {"id", "ID"},
+               {"last_name", "Last name"},
+               {"first_name", "First name"},
+               {"born", "Born"},
+               {"sex", "Sex"},
+               {"studies", "Studies"}});
+    for (; !rows->Eof(); rows->MoveNext()) {
+        std::vector<Json> row;
+        String texts;
+        for (Long i = 0; i < rows->FieldCount(); ++i) {
+            row.push_back(AsJson(rows->Fields(i).Value()));
+            if (row.back().is_string()) texts += row.back().get<std::string>() + " ";
+        }
+        if (Contains(UCase(texts), UCase(text))) list.Add(std::move(row));
+    }
     list.Print(options.json, text.empty()
                                  ? "There are no patients yet; import some with: oxclass import FOLDER"
                                  : "No patient matches \"" + text + "\".");
@@ -60,7 +71,8 @@ constexpr Field TextFields[] = {
 Date DateOf(const std::string& value) {
     if (value.empty()) return {};
     const auto date = ParseDate(value);
-    if (!date) throw Complaint(fmt::format("\"{}\" is no date; write it as 1980-01-31", value));
+    if (!date || (date->Days > -1 && date->Days < 1))
+        throw Complaint(fmt::format("\"{}\" is no date; write it as 1980-01-31", value));
     return *date;
 }
 
@@ -77,7 +89,8 @@ void SetField(cPatient& patient, const std::string& assignment) {
     }
     if (EqualsIgnoringCase(name, "BirthDate")) return void(patient.BirthDate = DateOf(value));
     if (EqualsIgnoringCase(name, "PrevXrayDate")) return void(patient.PrevXrayDate = DateOf(value));
-    if (EqualsIgnoringCase(name, "RespDoctor")) return void(patient.RespDoctor = NumberOf(value, "a doctor"));
+    if (EqualsIgnoringCase(name, "RespDoctor"))
+        return void(patient.RespDoctor = value.empty() ? 0 : NumberOf(value, "a doctor"));
     if (EqualsIgnoringCase(name, "OtherIDs")) return patient.OtherIDs->FillFromString(value);
     throw Complaint(fmt::format("a patient has no field \"{}\"; oxclass patient ID shows them all", name));
 }
@@ -98,6 +111,8 @@ void ShowPatient(const Options& options, const std::string& id, const std::vecto
     const Clinic clinic(options);
     const Ref<cPatient> patient = LoadPatient(clinic, id);
     for (const std::string& assignment : assignments) SetField(*patient, assignment);
+    if (Contains(patient->Sex + patient->OtherIDs->GetAllAsString(), "'"))
+        throw Complaint("Sex and OtherIDs can't hold a single quote; leave it out");
     if (!assignments.empty()) patient->Save(clinic.Con());
     const Json json = Shown(*patient);
     if (options.json) return PrintJson(json);

@@ -54,7 +54,15 @@ int RunProgram(int argc, const char* const* argv) {
     AddSettings(program);
     try {
         program.app.parse(argc, argv);
+        if (std::fflush(stdout) != 0 || std::ferror(stdout)) return Complain("the output can't be written");
         return program.exitCode;
+    } catch (const CLI::RequiredError& e) {
+        const std::vector<std::string> rest = program.app.remaining();
+        if (!rest.empty())
+            Complain(fmt::format("there is no command \"{}\"; oxclass --help lists them", rest.front()));
+        else
+            program.app.exit(e);
+        return WrongUsage;
     } catch (const CLI::ParseError& e) {
         return program.app.exit(e) == 0 ? Done : WrongUsage;
     } catch (const Platform::Error& failure) {

@@ -12,16 +12,17 @@ namespace {
 
 using namespace OXClass;
 
-/// " WHERE column = 'value'" for a filter that is given.
+/// " WHERE column = 'VALUE'" for a filter that is given; identifiers of patients are stored in upper case.
 std::string Filter(const char* column, const std::string& value) {
-    return value.empty() ? "" : std::string(" WHERE ") + column + sql(" = '", FixSqlString(value), "'");
+    return value.empty() ? ""
+                         : std::string(" WHERE ") + column + sql(" = '", UCase(FixSqlString(value)), "'");
 }
 
 void ListStudies(const Options& options, const std::string& patient) {
     const Clinic clinic(options);
     clinic
         .ListOf(
-            "SELECT Study_ID AS Study, PersonNr_CH AS Patient, StudyDateTime AS Date, Studydesc AS "
+            "SELECT Study_ID AS Study, PersonNr_CH AS Patient, StudyDateTime AS Date, replace(Studydesc, '''''', '''') AS "
             "Description, "
             "(SELECT count(*) FROM Series_T WHERE Series_T.Study_ID = Study_T.Study_ID) AS Series, "
             "StudyInstanceUID AS UID FROM Study_T LEFT JOIN Patient_T ON Patient_T.PatientID = "
@@ -36,7 +37,7 @@ void ListSeries(const Options& options, const std::string& patient) {
         .ListOf(
             "SELECT Series_ID AS Series, Series_T.Study_ID AS Study, PersonNr_CH AS Patient, SeriesDateTime "
             "AS "
-            "Date, Modality, NumberOfImages AS Images, template_ID AS Layout, SeriesDescription AS "
+            "Date, Modality, NumberOfImages AS Images, template_ID AS Layout, replace(SeriesDescription, '''''', '''') AS "
             "Description "
             "FROM Series_T LEFT JOIN Study_T ON Study_T.Study_ID = Series_T.Study_ID LEFT JOIN Patient_T ON "
             "Patient_T.PatientID = Study_T.PatientID" +
@@ -49,7 +50,7 @@ std::string ImagesClause(const std::string& patient, const std::string& series) 
     if (!series.empty()) return sql("where Series_ID=", NumberOf(series, "a series"));
     if (patient.empty()) return "where 1=1";
     return sql("where PatientID IN (SELECT PatientID FROM Patient_T WHERE PersonNr_CH='",
-               FixSqlString(patient), "')");
+               UCase(FixSqlString(patient)), "')");
 }
 
 void ListImages(const Options& options, const std::string& patient, const std::string& series) {
@@ -92,6 +93,7 @@ void Comment(const Options& options, const std::string& number, const std::strin
         throw Complaint(fmt::format("there is no image {}; see: oxclass images", number));
     image->GetComments(clinic.Con());
     if (!text.empty()) {
+        if (Trim(text).empty()) throw Complaint("the comment is blank");
         if (Len(text) > width || Len(signature) > width)
             throw Complaint(
                 fmt::format("a comment and its signature have at most {} characters each", width));

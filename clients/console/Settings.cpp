@@ -77,7 +77,16 @@ void GetSetting(const Options& options, const std::string& name) {
     fmt::print("{}\n", text);
 }
 
+/// Refuses a root under which no identifier could be made.
+void RequireUidRoot(const std::string& root) {
+    constexpr std::size_t longest = 62;  // leaves a dot and one digit
+    if (root.find_first_not_of("0123456789.") != std::string::npos || root.empty() || root.size() > longest)
+        throw Complaint(fmt::format("\"{}\" is no root of DICOM identifiers: digits and dots, at most {}",
+                                    root, longest));
+}
+
 void SetSetting(const Options& options, const std::string& name, const std::string& text, bool add) {
+    if (ListNamed(name) == gglID_DicomRootUID) RequireUidRoot(text);
     const Clinic clinic(options);
     clinic.Con()->BeginTrans();
     New<Class1>()->SaveGLSetting(clinic.Con(), ListNamed(name), text, !add);

@@ -74,7 +74,9 @@ bool cAnatomicDescription::Write(const Ref<Connection>& con) {
     ID = CLng(key->Fields("ID").Value());
     if (ADId <= 0) {
         constexpr Long firstGroup = 1000;
-        if (__builtin_add_overflow(ID, firstGroup, &ADId)) Raise(err::Overflow);
+        Long group = 0;
+        if (__builtin_add_overflow(ID, firstGroup, &group)) Raise(err::Overflow);
+        ADId = group;
         con->CommitTrans();
         SaveSGN(con);
     } else {

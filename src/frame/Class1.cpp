@@ -12,14 +12,14 @@ Variant Class1::GetRoots(Ref<Connection> Con) {
     if (count == 0) Raise(err::OutOfBounds);
     std::vector<String> roots(static_cast<std::size_t>(count));
     for (Integer next = 1; !rs->Eof(); rs->MoveNext()) {
-        const bool active =
-            Direct<Variant>(rs, "Status") != Variant(Null{}) && CDbl(Direct<Variant>(rs, "Status")) != 0;
-        if (active) {
+        const ADODB::Field status = rs->Fields("Status");
+        if (!status.IsNull() && status.As<double>() != 0) {
             roots[0] = Direct<String>(rs, "RootDirectory");
             ActiveRootID = Direct<Long>(rs, "RootID");
         } else {
             if (next >= count) Raise(err::OutOfBounds);
-            roots[static_cast<std::size_t>(next++)] = Direct<String>(rs, "RootDirectory");
+            roots[static_cast<std::size_t>(next)] = Direct<String>(rs, "RootDirectory");
+            next = CInt(Long{next} + 1);
         }
     }
     return roots;
@@ -59,10 +59,19 @@ bool Class1::GetGLSetting(Ref<Connection> Con, const gGlobalListIDs& GLId, Strin
     return true;
 }
 
+void Class1::GrowTo(std::size_t entry) {
+    if (entry < roots_.size()) return;
+    try {
+        roots_.resize(entry + 1);
+    } catch (const std::bad_alloc&) {
+        Raise(err::OutOfMemory);
+    }
+}
+
 String Class1::GetRootOnID(Ref<Connection> Con, const Long& RootId) {
     if (!Con) return {};
     const auto entry = static_cast<std::size_t>(std::max<Long>(RootId, 0));
-    if (roots_.size() <= entry) roots_.resize(entry + 1);
+    GrowTo(entry);
     const Ref<Recordset> rs = OpenClient(Con,
                                          RootId != 0 ? sql("SELECT * FROM Root_T WHERE RootID=", RootId, ";")
                                                      : sql("SELECT * FROM Root_T WHERE Status <> 0;"),

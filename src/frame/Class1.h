@@ -17,8 +17,8 @@ public:
 
     /// All directories, an array of texts: the active root's first, the others by rising number. Sets
     /// `ActiveRootID`. Empty for no connection. Raises 9 unless exactly one row is active (with two, the
-    /// later takes the first place and the last place stays empty), 94 for a null directory, and what
-    /// the database raises.
+    /// later takes the first place and the last place stays empty), 6 for more than 32767 roots, 94 for a
+    /// null directory, and what the database raises.
     Variant GetRoots(Ref<Connection> Con);
 
     /// The sub-folder of a patient, 500 patients to a folder: "0_" up to 499, "500_" up to 999. "0_" for
@@ -37,8 +37,8 @@ public:
                       Ref<cGlobalLists>& cAllGLs);
 
     /// The directory of a root, 0 standing for the active one; always asks the database and fills the
-    /// cache. The empty text for an unknown root or no connection. Raises 94 for a null directory, and
-    /// what the database raises.
+    /// cache. The empty text for an unknown root or no connection. Raises 94 for a null directory, 7 for a
+    /// number that the cache has no memory for, and what the database raises.
     String GetRootOnID(Ref<Connection> Con, const Long& RootId);
 
     /// The same from the cache where it has it: the database is then not asked, and `Con` may be
@@ -53,6 +53,8 @@ public:
     const Interface& Describe() const override;
 
 private:
+    void GrowTo(std::size_t entry);
+
     std::vector<String> roots_{1};  // by number; the active root at 0; an empty text isn't cached
 };
 

@@ -14,8 +14,9 @@ public:
 
     /// Loads the study with this UID (a text with a ".") or with this key. Returns false and changes
     /// nothing if there is none. Raises, with "cStudy.loadStudy, " in front of the source, 94 for a null
-    /// in any column but `studyID` (the property stays) and `PhysOfRecord`, 0x80040E14 for a text that is
-    /// neither a UID nor a number, and what the database raises; members read before stay new.
+    /// in any column but `studyID` (the property stays) and `PhysOfRecord` (13 for one in the date), 0x80040E14
+    /// for a text that is neither a UID nor a number, and what the database raises; members read before
+    /// stay new.
     bool loadStudy(String Study, const Ref<Connection>& Con);
 
     /// Writes the study and returns true; `ID` becomes the row's key. The row is looked for by `ID` where

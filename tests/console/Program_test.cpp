@@ -444,12 +444,134 @@ TEST_F(Program, SettingsAreStoredByName) {
     Init();
     EXPECT_EQ(Ok({"setting", "get", "DicomRootUID"}), "1.2.840.990731.3.6\n");
     Ok({"setting", "set", "gglID_DicomRootUID", "1.2.826.0.1"});
-    Ok({"setting", "set", "dicomrootuid", "second", "--add"});
+    Ok({"setting", "set", "dicomrootuid", "1.2.4", "--add"});
     EXPECT_EQ(Ok({"setting", "get", "4"}), "1.2.826.0.1\n");
     EXPECT_EQ(OkJson({"setting", "list", "DicomRootUID"}).size(), 2U);
     Ok({"setting", "set", "DicomRootUID", "1.2.3"});
     EXPECT_EQ(OkJson({"setting", "list", "DicomRootUID"}).size(), 1U);
     EXPECT_EQ(OkJson({"setting", "list"}).size(), 22U);
+}
+
+TEST_F(Program, ARootThatNoIdentifierCouldHaveIsRefused) {
+    Init();
+    for (const std::string& bad : {std::string("abc x"), std::string(64, '1'), std::string()})
+        EXPECT_EQ(Try({"--db", Database(), "setting", "set", "DicomRootUID", bad}).code, 1) << bad;
+    EXPECT_EQ(OkJson({"setting", "list", "DicomRootUID"}).size(), 0U);
+}
+
+TEST_F(Program, AnUnknownCommandIsNamed) {
+    const Result run = Try({"bogus"});
+    EXPECT_EQ(run.code, 2);
+    EXPECT_NE(run.err.find("there is no command \"bogus\""), std::string::npos) << run.err;
+}
+
+TEST_F(Program, ReplacingBringsTheOldLogIntoTheFileThatIsPutAside) {
+    Init();
+    {
+        const auto con = Platform::New<ADODB::Connection>();
+        con->Open("Provider=SQLite;Data Source=" + Database());
+        con->Execute("INSERT INTO Patient_T (PersonNr_CH) VALUES ('KEPT')");
+        const Result inUse = Try({"init", Database(), "--replace"});
+        EXPECT_EQ(inUse.code, 1) << "another program has it open, with its log";
+        EXPECT_TRUE(fs::exists(Database()));
+    }
+    ASSERT_EQ(Try({"init", Database(), "--replace"}).code, 0);
+    EXPECT_EQ(OkJson({"patients"}).size(), 0U);
+    fs::rename(Database() + ".old", Database());
+    EXPECT_EQ(OkJson({"patients"}).size(), 1U);
+}
+
+TEST_F(Program, ASeriesOfAnotherStudyIsRefused) {
+    Init();
+    WriteSeries("2.25.5", {FullMouth18[7]});
+    Ok({"import", Films()});
+    Write("2.25.6", 1, FullMouth18[8],
+          [](DcmDataset& set) { set.putAndInsertString(DCM_SeriesInstanceUID, "2.25.5"); });
+    const Result run = Try({"--db", Database(), "import", Films() + "/2.25.6-101.dcm"});
+    EXPECT_EQ(run.code, 3);
+    EXPECT_NE(run.err.find("its series 2.25.5 belongs to another study"), std::string::npos) << run.err;
+    EXPECT_EQ(OkJson({"images"}).size(), 1U);
+    EXPECT_EQ(OkJson({"patients"}).size(), 1U);
+}
+
+TEST_F(Program, AUidThatIsNoneIsRefused) {
+    Init();
+    WriteSeries("2.25.5", {FullMouth18[7]});
+    Ok({"import", Films()});
+    for (const char* uid : {"1", "9'8", "1.2.x"}) {
+        Write("2.25.6", 1, FullMouth18[8],
+              [&](DcmDataset& set) { set.putAndInsertString(DCM_SeriesInstanceUID, uid); });
+        const Result run = Try({"--db", Database(), "import", Films() + "/2.25.6-101.dcm"});
+        EXPECT_EQ(run.code, 3) << uid;
+        EXPECT_NE(run.err.find("is no DICOM identifier"), std::string::npos) << run.err;
+    }
+    EXPECT_EQ(OkJson({"images"}).size(), 1U);
+}
+
+TEST_F(Program, AKnownImageUnderAnotherPatientOrWithAnotherPictureIsNotTakenForStored) {
+    Init();
+    WriteSeries("2.25.5", {FullMouth18[7]});
+    Ok({"import", Films()});
+    Write("2.25.6", 1, FullMouth18[8],
+          [](DcmDataset& set) { set.putAndInsertString(DCM_SOPInstanceUID, "2.25.5.1"); });
+    const Result other = Try({"--db", Database(), "import", Films() + "/2.25.6-101.dcm"});
+    EXPECT_EQ(other.code, 3);
+    EXPECT_NE(other.err.find("belongs to an image of another series"), std::string::npos) << other.err;
+    EXPECT_EQ(OkJson({"patients"}).size(), 1U) << "nothing of a series without a stored image stays";
+    Write("2.25.5", 1, FullMouth18[7], [](DcmDataset& set) { set.putAndInsertUint16(DCM_Columns, 1); });
+    const Result changed = Try({"--db", Database(), "import", Films() + "/2.25.5-101.dcm"});
+    EXPECT_EQ(changed.code, 3);
+    EXPECT_NE(changed.err.find("another file is stored as"), std::string::npos) << changed.err;
+}
+
+TEST_F(Program, ACopyThatIsGoneFromItsRootIsMadeAgain) {
+    Init();
+    WriteSeries("2.25.5", {FullMouth18[7]});
+    Ok({"import", Films()});
+    const fs::path stored = folder.Path() / "images" / "0_" / "2.25.5.1.dcm";
+    fs::remove(stored);
+    EXPECT_EQ(OkJson({"import", Films()})["known"], 1);
+    EXPECT_TRUE(fs::exists(stored));
+}
+
+TEST_F(Program, QuotesInAFileDoNotKeepItOut) {
+    Init();
+    Write("2.25.5", 1, FullMouth18[7], [](DcmDataset& set) {
+        set.putAndInsertString(DCM_OperatorsName, "O'Neil");
+        set.putAndInsertString(DCM_SeriesDescription, "patient's film");
+        set.putAndInsertString(DCM_PatientName, "O'Brien^Pat");
+    });
+    Ok({"import", Films()});
+    for (int i = 0; i < 3; ++i) Ok({"hang", "1"});
+    EXPECT_EQ(OkJson({"series"})[0]["description"], "patient's film") << "quotes don't grow with each save";
+    EXPECT_EQ(OkJson({"patients", "o'brien"}).size(), 1U);
+    Ok({"comment", "1", "it's fine"});
+}
+
+TEST_F(Program, NamesAreFoundInAnyScriptWithoutRegardToCase) {
+    Init();
+    WriteSeries("2.25.5", {FullMouth18[7]});
+    Ok({"import", Films()});
+    Ok({"patient", "P-2.25.5", "LastName=Müller", "FirstName=Ελένη"});
+    for (const char* text : {"müll", "MÜLLER", "ελένη", "p-2.25"})
+        EXPECT_EQ(OkJson({"patients", text}).size(), 1U) << text;
+    EXPECT_EQ(OkJson({"studies", "--patient", "p-2.25.5"}).size(), 1U);
+    EXPECT_EQ(OkJson({"images", "--patient", "p-2.25.5"}).size(), 1U);
+}
+
+TEST_F(Program, FoldersThatLeadRoundInACircleAreWalkedOnce) {
+    Init();
+    WriteSeries("2.25.5", {FullMouth18[7]});
+    fs::create_directory_symlink(Films(), Films() + "/again");
+    EXPECT_EQ(OkJson({"import", Films()})["files"], 1);
+}
+
+TEST_F(Program, ABlankCommentIsRefused) {
+    Init();
+    WriteSeries("2.25.5", {FullMouth18[7]});
+    Ok({"import", Films()});
+    EXPECT_EQ(Try({"--db", Database(), "comment", "1", "   "}).code, 1);
+    EXPECT_EQ(OkJson({"comment", "1"}).size(), 0U);
 }
 
 TEST_F(Program, IdentifiersAreNewAndOfTheRoot) {

@@ -70,6 +70,12 @@ TEST_F(Services, WithoutAnActiveRootTheBoundsFail) {
     EXPECT_EQ(FailureOf([&] { Roots(); }).Number, 9);
 }
 
+TEST_F(Services, MoreRootsThanAPositionCanCountOverflow) {
+    Run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 32800) "
+        "INSERT INTO Root_T (RootID, RootDirectory, Status) SELECT i, 'x', i = 1 FROM n");
+    EXPECT_EQ(FailureOf([&] { Roots(); }).Number, err::Overflow);
+}
+
 TEST_F(Services, AnEmptyTableFailsAtOnce) {
     EXPECT_EQ(FailureOf([&] { Roots(); }).Number, 9);
 }

@@ -38,6 +38,7 @@ public:
         real_->Commit(level);
     }
     void RollBack(Long level) override { real_->RollBack(level); }
+    bool InTransaction() const override { return real_->InTransaction(); }
     Long MostLevels() const override { return real_->MostLevels(); }
 
 private:

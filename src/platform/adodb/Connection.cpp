@@ -2,7 +2,9 @@
 
 #include "platform/adodb/Recordset.h"
 
+#include <algorithm>
 #include <chrono>
+#include <optional>
 
 namespace ADODB {
 namespace {
@@ -45,9 +47,28 @@ void Connection::Open(const String& ConnectionString, const String& UserID, cons
     level_ = 0;
 }
 
+Session& Connection::Ready() const {
+    Session& session = Opened();
+    if (announcing_) RaiseAdo(adErrNotReentrant, Self);
+    if (level_ > 0 && !session.InTransaction())
+        RaiseAdo(NoTransaction, Self,
+                 "The engine has rolled the transaction back after a failure. Call RollbackTrans before "
+                 "anything else.");
+    return session;
+}
+
+template <class Call>
+void Connection::Tell(Call call) {
+    const std::vector<ConnectionEvents*> handlers = handlers_;  // one may take itself out
+    for (ConnectionEvents* handler : handlers)
+        if (std::find(handlers_.begin(), handlers_.end(), handler) != handlers_.end()) call(*handler);
+}
+
 void Connection::Close() {
     Opened();
+    if (announcing_) RaiseAdo(adErrNotReentrant, Self);
     if (level_ > 0) RaiseAdo(adErrInTransaction, Self);
+    const Ref<Connection> self(this);  // its recordsets may hold the last references
     while (!open_.empty()) open_.back()->ConnectionClosed();
     session_.reset();
 }
@@ -55,7 +76,7 @@ void Connection::Close() {
 void Connection::Announce(ExecuteRequest& request) {
     announcing_ = true;
     try {
-        for (ConnectionEvents* handler : handlers_) handler->WillExecute(request);
+        Tell([&](ConnectionEvents& handler) { handler.WillExecute(request); });
     } catch (...) {
         announcing_ = false;
         throw;
@@ -65,35 +86,34 @@ void Connection::Announce(ExecuteRequest& request) {
 }
 
 Outcome Connection::Run(ExecuteRequest& request) {
-    Session& session = Opened();
-    if (announcing_) RaiseAdo(adErrNotReentrant, Self);
+    Session& session = Ready();
     if (request.Options > 0 && (request.Options & adCmdTable) != 0)
         request.Source = "select * from " + request.Source;
     if (handlers_.empty()) return Engine([&] { return session.Run(request.Source); });
     Announce(request);
-    return RunTimed(request);
+    Outcome outcome = RunTimed(request);
+    Opened();  // a handler may have closed the connection
+    return outcome;
 }
 
 Outcome Connection::RunTimed(const ExecuteRequest& request) {
     using Clock = std::chrono::steady_clock;
     const auto start = Clock::now();
     ExecuteReport report{.Source = request.Source};
-    const auto tell = [&] {
-        report.Seconds = std::chrono::duration<double>(Clock::now() - start).count();
-        for (ConnectionEvents* handler : handlers_) handler->ExecuteComplete(report);
-    };
+    Outcome outcome;
+    std::optional<Error> failure;
     try {
-        Outcome outcome = Engine([&] { return Opened().Run(request.Source); });
-        report.RecordsAffected = outcome.affected;
-        report.Rows = static_cast<std::int64_t>(outcome.rows.size());
-        tell();
-        return outcome;
-    } catch (const Error& failure) {
-        if (report.Seconds > 0) throw;  // a handler's own, thrown after the statement ran
-        report.Failure = &failure;
-        tell();
-        throw;
+        outcome = Engine([&] { return Opened().Run(request.Source); });
+    } catch (const Error& raised) {
+        failure = raised;
+        report.Failure = &*failure;
     }
+    report.RecordsAffected = outcome.affected;
+    report.Rows = static_cast<std::int64_t>(outcome.rows.size());
+    report.Seconds = std::chrono::duration<double>(Clock::now() - start).count();
+    Tell([&](ConnectionEvents& handler) { handler.ExecuteComplete(report); });
+    if (failure) throw Error(*failure);
+    return outcome;
 }
 
 Ref<Recordset> Connection::Execute(const String& CommandText, Long* RecordsAffected, Long Options) {
@@ -107,32 +127,34 @@ Ref<Recordset> Connection::Execute(const String& CommandText, Long* RecordsAffec
 }
 
 std::int64_t Connection::Change(const String& statement, std::span<const Variant> values) {
-    return Engine([&] { return Opened().Change(statement, values); });
+    Session& session = Ready();
+    return Engine([&] { return session.Change(statement, values); });
 }
 
 Long Connection::BeginTrans() {
-    Session& session = Opened();
+    Session& session = Ready();
     if (level_ >= session.MostLevels()) RaiseAdo(TooManyTransactions, Self);
     Engine([&] { session.Begin(level_ + 1); });
     ++level_;
-    for (ConnectionEvents* handler : handlers_) handler->BeginTransComplete(level_);
+    Tell([&](ConnectionEvents& handler) { handler.BeginTransComplete(level_); });
     return level_;
 }
 
 void Connection::CommitTrans() {
-    Session& session = Opened();
+    Session& session = Ready();
     if (level_ == 0) RaiseAdo(NoTransaction, Self);
     Engine([&] { session.Commit(level_); });
     --level_;
-    for (ConnectionEvents* handler : handlers_) handler->CommitTransComplete();
+    Tell([](ConnectionEvents& handler) { handler.CommitTransComplete(); });
 }
 
 void Connection::RollbackTrans() {
     Session& session = Opened();
+    if (announcing_) RaiseAdo(adErrNotReentrant, Self);
     if (level_ == 0) RaiseAdo(NoTransaction, Self);
     Engine([&] { session.RollBack(level_); });
     --level_;
-    for (ConnectionEvents* handler : handlers_) handler->RollbackTransComplete();
+    Tell([](ConnectionEvents& handler) { handler.RollbackTransComplete(); });
 }
 
 }  // namespace ADODB

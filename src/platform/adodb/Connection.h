@@ -25,7 +25,8 @@ struct ExecuteReport {
     const Error* Failure = nullptr;  ///< what it failed with, or nothing
 };
 
-/// A client that is told of every statement. Handlers run on the connection's thread, inside the call,
+/// A client that is told of every statement that is executed or opened; what a recordset writes to post an
+/// edit is not announced. Handlers run on the connection's thread, inside the call,
 /// and may not start another operation on the same connection from `WillExecute` (3710). A handler that
 /// throws makes the operation fail with what it threw, before anything runs or after it ran.
 class ConnectionEvents {
@@ -73,6 +74,9 @@ public:
     Long BeginTrans();
 
     /// Ends the innermost transaction. Raises 3704 if closed, 0x8004D00E if none is open.
+    ///
+    /// After a failure that the engine answers by rolling everything back (a full disk), every operation
+    /// raises 0x8004D00E until `RollbackTrans` has been called for each level.
     void CommitTrans();
     void RollbackTrans();
 
@@ -98,6 +102,12 @@ private:
     friend class Recordset;
 
     Session& Opened() const;
+    /// The session, ready for another operation: no `WillExecute` is under way, and the transaction that
+    /// the client opened is still open in the engine.
+    Session& Ready() const;
+    /// Calls each handler that is there when its turn comes.
+    template <class Call>
+    void Tell(Call call);
     /// Runs what `request` holds, between its two events.
     Outcome Run(ExecuteRequest& request);
     void Announce(ExecuteRequest& request);

@@ -19,9 +19,9 @@ LockTypeEnum ActualLock(CursorLocationEnum location, LockTypeEnum asked) {
 
 }  // namespace
 
-const String& Field::Name() const { return recordset_->Result().At(ordinal_).Name; }
-DataTypeEnum Field::Type() const { return recordset_->Result().At(ordinal_).Type; }
-Long Field::DefinedSize() const { return recordset_->Result().At(ordinal_).DefinedSize; }
+const String& Field::Name() const { return recordset_->ColumnAt(ordinal_).Name; }
+DataTypeEnum Field::Type() const { return recordset_->ColumnAt(ordinal_).Type; }
+Long Field::DefinedSize() const { return recordset_->ColumnAt(ordinal_).DefinedSize; }
 Variant Field::Value() const { return recordset_->ValueAt(ordinal_); }
 Variant Field::OriginalValue() const { return recordset_->OriginalAt(ordinal_); }
 void Field::SetValue(const Variant& value) { recordset_->Assign(ordinal_, value); }
@@ -42,16 +42,16 @@ void Recordset::ConnectionClosed() {
     connection_ = nullptr;
 }
 
-const Columns& Recordset::Result() const {
-    if (!columns_) RaiseAdo(adErrObjectClosed, Self);
-    return *columns_;
-}
+void Recordset::RaiseClosed() { RaiseAdo(adErrObjectClosed, Self); }
+
+void Recordset::RaiseNoColumn() { RaiseAdo(adErrItemNotFound, Self); }
 
 void Recordset::Open(const String& Source, const Ref<Connection>& ActiveConnection, CursorTypeEnum CursorType,
                      LockTypeEnum LockType, Long Options) {
     if (columns_) RaiseAdo(adErrObjectOpen, Self);
     if (!ActiveConnection || ActiveConnection->State() == adStateClosed)
         RaiseAdo(adErrInvalidConnection, Self);
+    if (Options > 0 && (Options & adExecuteNoRecords) != 0) RaiseAdo(adErrInvalidArgument, Self);
     cursor_ = CursorType;
     lock_ = LockType;
     ExecuteRequest request{
@@ -111,23 +111,23 @@ void Recordset::SetActiveConnection(const Ref<Connection>& connection) {
 
 bool Recordset::Eof() const {
     Result();
-    return eof_;
+    return eof_ && !Adding();
 }
 
 bool Recordset::Bof() const {
     Result();
-    return bof_;
+    return bof_ && !Adding();
 }
 
 Long Recordset::RecordCount() const {
     Result();
     if (actualCursor_ == adOpenForwardOnly) return -1;
-    const bool adding = edit_ && edit_->mode == adEditAdd;
-    return static_cast<Long>(rows_.size()) + (adding ? 1 : 0);
+    return static_cast<Long>(rows_.size()) + (Adding() ? 1 : 0);
 }
 
 Long Recordset::AbsolutePosition() const {
     Result();
+    if (Adding()) return static_cast<Long>(rows_.size()) + 1;
     if (bof_ && eof_) return adPosUnknown;
     if (bof_) return adPosBOF;
     return eof_ ? adPosEOF : position_ + 1;
@@ -182,12 +182,7 @@ void Recordset::Move(Long rows) {
 
 Long Recordset::OrdinalOf(std::string_view name) const {
     const Long ordinal = Result().Find(name);
-    if (ordinal == Columns::Missing) RaiseAdo(adErrItemNotFound, Self);
-    return ordinal;
-}
-
-Long Recordset::OrdinalOf(Long ordinal) const {
-    if (ordinal < 0 || ordinal >= Result().Count()) RaiseAdo(adErrItemNotFound, Self);
+    if (ordinal == Columns::Missing) RaiseNoColumn();
     return ordinal;
 }
 
@@ -198,15 +193,16 @@ void Recordset::RequireCurrent() const {
 }
 
 Variant Recordset::ValueAt(Long ordinal) const {
-    if (!edit_) return ValueOf(Current().At(ordinal), columns_->At(ordinal));
+    const Column& column = ColumnAt(ordinal);
+    if (!edit_) return ValueOf(Current().At(ordinal), column);
     if (const auto& assigned = edit_->assigned[static_cast<std::size_t>(ordinal)])
-        return ValueOf(CellOf(*assigned), columns_->At(ordinal));
+        return ValueOf(CellOf(*assigned), column);
     return edit_->mode == adEditAdd ? Variant(Null{}) : OriginalAt(ordinal);
 }
 
 Variant Recordset::OriginalAt(Long ordinal) const {
-    if (edit_ && edit_->mode == adEditAdd) return Null{};
-    return ValueOf(Current().At(ordinal), columns_->At(ordinal));
+    const Column& column = ColumnAt(ordinal);
+    return Adding() ? Variant(Null{}) : ValueOf(Current().At(ordinal), column);
 }
 
 }  // namespace ADODB

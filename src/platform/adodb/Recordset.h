@@ -8,8 +8,9 @@ namespace ADODB {
 
 class Recordset;
 
-/// A column of a recordset, seen at its current row. A light value: it may be copied, and is good as
-/// long as its recordset stays open.
+/// A column of a recordset, seen at its current row. A light value: it may be copied, and must not outlive
+/// its recordset. On a closed recordset every member raises 3704; on one that was opened anew it stands for
+/// the column at the same place, or raises 3265 where there is none.
 class Field {
 public:
     Field(Recordset& recordset, Long ordinal) : recordset_(&recordset), ordinal_(ordinal) {}
@@ -131,9 +132,8 @@ public:
     void AddNew();
 
     /// Writes the pending edit; the row stays current, a new one too, with the counter that the
-    /// database gave it. Without an edit nothing happens. Raises 3021 without a current row, 0x80040E38
-    /// if somebody else changed or removed the row, and what the engine raises; the edit stays pending
-    /// then.
+    /// database gave it. Without an edit nothing happens. Raises 0x80040E38 if somebody else changed or
+    /// removed the row, and what the engine raises; the edit stays pending then.
     void Update();
 
     /// Drops the pending edit; after `AddNew` the row that was current before is current again.
@@ -159,9 +159,17 @@ private:
     void TakeResult(Ref<Connection> connection, ExecuteRequest&& request, Outcome&& outcome);
     void ConnectionClosed();
     void Release();
-    const Columns& Result() const;
+    const Columns& Result() const {
+        if (!columns_) RaiseClosed();
+        return *columns_;
+    }
+    [[noreturn]] static void RaiseClosed();
     Long OrdinalOf(std::string_view name) const;
-    Long OrdinalOf(Long ordinal) const;
+    Long OrdinalOf(Long ordinal) const {
+        if (ordinal < 0 || ordinal >= Result().Count()) RaiseNoColumn();
+        return ordinal;
+    }
+    [[noreturn]] static void RaiseNoColumn();
     void RequireCurrent() const;
     void RequireNoEdit() const;
     void RequireScrolling() const;
@@ -173,7 +181,13 @@ private:
     void GoTo(Long position);
 
     /// The cell at the current row; nothing while an edit stands before it.
-    const Cell* CellAt(Long ordinal) const { return edit_ ? nullptr : &Current().At(ordinal); }
+    const Cell* CellAt(Long ordinal) const {
+        ColumnAt(ordinal);
+        return edit_ ? nullptr : &Current().At(ordinal);
+    }
+    /// The column that a field stands for; the recordset may have been closed or opened anew since.
+    const Column& ColumnAt(Long ordinal) const { return Result().At(OrdinalOf(ordinal)); }
+    bool Adding() const noexcept { return edit_ && edit_->mode == adEditAdd; }
     Variant ValueAt(Long ordinal) const;
     Variant OriginalAt(Long ordinal) const;
     void Assign(Long ordinal, const Variant& value);

@@ -104,7 +104,8 @@ public:
         Iterator(const Collection& collection, Long position)
             : collection_(collection), position_(position) {}
         T& operator*() const {
-            auto* object = dynamic_cast<T*>(ObjectOf(collection_.At(position_)).Get());
+            const Variant& item = collection_.At(position_);
+            auto* object = item.Is<Ref<Object>>() ? dynamic_cast<T*>(item.As<Ref<Object>>().Get()) : nullptr;
             if (!object) Raise(err::TypeMismatch);
             return *object;
         }

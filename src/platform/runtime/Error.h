@@ -36,6 +36,7 @@ public:
 namespace err {
 constexpr Long InvalidCall = 5;    ///< an argument that the operation cannot work with
 constexpr Long Overflow = 6;       ///< a number outside the range of its type
+constexpr Long OutOfMemory = 7;
 constexpr Long OutOfBounds = 9;    ///< a position that an array or a collection doesn't have
 constexpr Long TypeMismatch = 13;  ///< a value that has no form of the wanted type
 constexpr Long FileNotFound = 53;

@@ -182,6 +182,102 @@ TEST_F(ConnectionTest, HandlersSeeAndMayChangeOrCancelAStatement) {
     handler.again = nullptr;
 }
 
+TEST_F(ConnectionTest, AHandlerMayTakeItselfOut) {
+    struct Handler : ConnectionEvents {
+        void WillExecute(ExecuteRequest&) override {
+            ++calls;
+            if (leaves) con->Unadvise(*this);
+        }
+        Connection* con = nullptr;
+        bool leaves = false;
+        int calls = 0;
+    } first, second, third;
+    for (Handler* handler : {&first, &second, &third}) {
+        handler->con = con.Get();
+        con->Advise(*handler);
+    }
+    first.leaves = second.leaves = true;
+    con->Execute("SELECT 1");
+    con->Execute("SELECT 1");
+    con->Unadvise(third);
+    EXPECT_EQ(first.calls, 1);
+    EXPECT_EQ(second.calls, 1);
+    EXPECT_EQ(third.calls, 2);
+}
+
+TEST_F(ConnectionTest, NothingButAnEndStartsInsideWillExecute) {
+    struct Handler : ConnectionEvents {
+        void WillExecute(ExecuteRequest&) override {
+            for (const auto& call :
+                 std::vector<std::function<void()>>{[&] { con->BeginTrans(); }, [&] { con->CommitTrans(); },
+                                                    [&] { con->RollbackTrans(); }, [&] { con->Close(); }})
+                numbers.push_back(FailureOf(call).Number);
+        }
+        Connection* con = nullptr;
+        std::vector<Long> numbers;
+    } handler;
+    handler.con = con.Get();
+    con->Advise(handler);
+    con->Execute("SELECT 1");
+    con->Unadvise(handler);
+    EXPECT_THAT(handler.numbers, testing::Each(adErrNotReentrant));
+    EXPECT_EQ(handler.numbers.size(), 4U);
+}
+
+TEST_F(ConnectionTest, AConnectionClosedByAHandlerGivesNoOpenRecordset) {
+    struct Handler : ConnectionEvents {
+        void ExecuteComplete(const ExecuteReport&) override { con->Close(); }
+        Connection* con = nullptr;
+    } handler;
+    const Ref<Connection> other = Connect();
+    handler.con = other.Get();
+    other->Advise(handler);
+    EXPECT_EQ(FailureOf([&] { other->Execute("SELECT 1"); }).Number, adErrObjectClosed);
+    EXPECT_EQ(other->State(), adStateClosed);
+}
+
+TEST_F(ConnectionTest, ARecordsetMayHoldTheLastReferenceToWhatItCloses) {
+    Ref<Connection> other = Connect();
+    const Ref<Recordset> rows = other->Execute("SELECT 1");
+    other = nullptr;
+    rows->ActiveConnection()->Close();
+    EXPECT_EQ(rows->State(), adStateClosed);
+    EXPECT_FALSE(rows->ActiveConnection());
+}
+
+TEST_F(ConnectionTest, ATransactionThatTheEngineRolledBackIsNotCarriedOn) {
+    Run("INSERT INTO Root_T (RootID) VALUES (1)");
+    con->BeginTrans();
+    Run("INSERT INTO Root_T (RootID) VALUES (2)");
+    EXPECT_EQ(FailureOf([&] { con->Execute("INSERT OR ROLLBACK INTO Root_T (RootID) VALUES (1)"); }).Number,
+              IntegrityViolation);
+    EXPECT_EQ(FailureOf([&] { con->Execute("INSERT INTO Root_T (RootID) VALUES (3)"); }).Number,
+              NoTransaction);
+    EXPECT_EQ(FailureOf([&] { con->CommitTrans(); }).Number, NoTransaction);
+    EXPECT_EQ(FailureOf([&] { con->BeginTrans(); }).Number, NoTransaction);
+    con->RollbackTrans();
+    EXPECT_EQ(CLng(Ask("SELECT count(*) FROM Root_T")), 1);
+    EXPECT_EQ(con->BeginTrans(), 1);
+    con->RollbackTrans();
+}
+
+TEST_F(ConnectionTest, AParameterOfAnyFormHasNoValue) {
+    for (const char* statement :
+         {"SELECT * FROM Root_T WHERE RootID=$x", "SELECT * FROM Root_T WHERE RootID=$x AND RootID=1",
+          "SELECT * FROM Root_T WHERE RootID=:x AND RootID=1", "SELECT * FROM Root_T WHERE RootID=@x"})
+        EXPECT_EQ(FailureOf([&] { con->Execute(statement); }).Number, UnknownName) << statement;
+}
+
+TEST_F(ConnectionTest, TextsOfADatabaseInUtf16ComeInUtf8) {
+    const Ref<Connection> wide = New<Connection>();
+    wide->Open("Provider=SQLite;Mode=Create;Data Source=" + (folder.Path() / "wide.db").string());
+    wide->Execute("PRAGMA encoding='UTF-16'");
+    wide->Execute("CREATE TABLE t (a TEXT)");
+    wide->Execute("INSERT INTO t (a) VALUES ('Åsa Öberg')");
+    EXPECT_EQ(wide->Execute("SELECT a FROM t")->Fields(0).Value(), Variant("Åsa Öberg"));
+    EXPECT_EQ(wide->Execute("PRAGMA encoding")->Fields(0).Value(), Variant("UTF-16le"));
+}
+
 TEST_F(ConnectionTest, ATableNameIsSelectedFrom) {
     Run("INSERT INTO Root_T (RootID) VALUES (5)");
     const Ref<Recordset> rows = con->Execute("Root_T", nullptr, adCmdTable);

@@ -343,6 +343,48 @@ TEST_F(RecordsetTest, ClosedItRefusesAlmostEverything) {
     EXPECT_EQ(NumberOf([&] { rs->SetCursorLocation(adUseServer); }), adErrObjectOpen);
 }
 
+TEST_F(RecordsetTest, AFieldOutlivesTheRowsThatItWasTakenFromWithoutHarm) {
+    const Ref<Recordset> rs = Open();
+    Field last = rs->Fields(rs->FieldCount() - 1);
+    rs->Close();
+    EXPECT_EQ(NumberOf([&] { last.Value(); }), adErrObjectClosed);
+    EXPECT_EQ(NumberOf([&] { last.As<String>(); }), adErrObjectClosed);
+    EXPECT_EQ(NumberOf([&] { last.Name(); }), adErrObjectClosed);
+    EXPECT_EQ(NumberOf([&] { last.OriginalValue(); }), adErrObjectClosed);
+    rs->Open("SELECT 1", con);
+    EXPECT_EQ(NumberOf([&] { last.Value(); }), adErrItemNotFound);
+    EXPECT_EQ(NumberOf([&] { last.IsNull(); }), adErrItemNotFound);
+    EXPECT_EQ(NumberOf([&] { last.Name(); }), adErrItemNotFound);
+}
+
+TEST_F(RecordsetTest, ANewRowOnNoRowsIsNeitherBofNorEof) {
+    const Ref<Recordset> rs = Open("SELECT * FROM Clinic_T WHERE ClinicID=99");
+    rs->AddNew();
+    EXPECT_FALSE(rs->Bof() || rs->Eof());
+    EXPECT_EQ(rs->AbsolutePosition(), 1);
+    rs->CancelUpdate();
+    EXPECT_TRUE(rs->Bof() && rs->Eof());
+}
+
+TEST_F(RecordsetTest, AKeyThatIsTheRowsNumberComesBackToo) {
+    const Ref<Recordset> rs = Open("SELECT * FROM Root_T");
+    rs->AddNew();
+    rs->Collect("RootDirectory", "x");
+    rs->Update();
+    EXPECT_EQ(CLng(rs->Fields("RootID").Value()), 1);
+    rs->Collect("RootDirectory", "y");
+    rs->Update();
+    EXPECT_EQ(Ask("SELECT RootDirectory FROM Root_T WHERE RootID=1"), Variant("y"));
+}
+
+TEST_F(RecordsetTest, OpenTakesNoRequestForNoRecords) {
+    EXPECT_EQ(NumberOf([&] {
+                  New<Recordset>()->Open("SELECT 1", con, adOpenForwardOnly, adLockReadOnly,
+                                         adExecuteNoRecords);
+              }),
+              adErrInvalidArgument);
+}
+
 TEST_F(RecordsetTest, AnActionStatementLeavesItClosed) {
     const Ref<Recordset> rs = New<Recordset>();
     rs->Open("DELETE FROM Clinic_T", con);

@@ -40,6 +40,9 @@ public:
     virtual void Commit(Long level) = 0;
     virtual void RollBack(Long level) = 0;
 
+    /// False once the engine has rolled a transaction back by itself, after a failure that it couldn't stand.
+    virtual bool InTransaction() const = 0;
+
     /// How deep transactions may nest.
     virtual Long MostLevels() const = 0;
 };

@@ -53,7 +53,10 @@ Column ColumnOf(sqlite3* database, sqlite3_stmt* compiled, int at) {
                                       column.Table.c_str(), column.Origin.c_str(), nullptr, nullptr, &notNull,
                                       &key, &counter) == SQLITE_OK) {
         column.Key = key != 0;
-        column.Counter = counter != 0;
+        // A key of this very type is the row's own number, which the engine counts up by itself.
+        const bool rowNumber =
+            key != 0 && EqualsIgnoringCase(TextOrEmpty(sqlite3_column_decltype(compiled, at)), "INTEGER");
+        column.Counter = counter != 0 || rowNumber;
     }
     return column;
 }
@@ -141,29 +144,29 @@ Plan& Plans::Once(Plan plan) {
     return once_.emplace(std::move(plan));
 }
 
+std::optional<Plan> Plans::CompileShape(std::string_view statement, std::vector<Literal>& literals) {
+    Shape shape;
+    if (!CutAtLiterals(statement, shape, literals)) return {};
+    if (literals.size() >
+        static_cast<std::size_t>(sqlite3_limit(database_, SQLITE_LIMIT_VARIABLE_NUMBER, -1)))
+        return {};
+    const std::string text = shape.Text();
+    sqlite3_stmt* compiled = Compile(text, true);
+    if (!compiled) compiled = Compile(WithBalancedOrChains(text), true);
+    if (!compiled) return {};
+    Plan plan(compiled);
+    if (sqlite3_bind_parameter_count(compiled) != static_cast<int>(literals.size())) return {};
+    plan.shape = std::move(shape);
+    return plan;
+}
+
 Plan& Plans::For(std::string_view statement, std::vector<Literal>& literals) {
     if (Plan* kept = Kept(statement, literals)) return *kept;
-    String room;
-    const std::string_view adapted = Adapted(statement, room);
-    Shape shape;
-    const bool own = adapted.data() == statement.data();
-    if (own && CutAtLiterals(adapted, shape, literals) &&
-        literals.size() <=
-            static_cast<std::size_t>(sqlite3_limit(database_, SQLITE_LIMIT_VARIABLE_NUMBER, -1))) {
-        const std::string text = shape.Text();
-        sqlite3_stmt* compiled = Compile(text, true);
-        if (!compiled) {
-            const std::string balanced = WithBalancedOrChains(text);
-            if (balanced != text) compiled = Compile(balanced, true);
-        }
-        if (compiled) {
-            Plan plan(compiled);
-            plan.shape = std::move(shape);
-            return Keep(std::move(plan), statement);
-        }
-    }
+    if (std::optional<Plan> shaped = CompileShape(statement, literals))
+        return Keep(std::move(*shaped), statement);
     literals.clear();
-    Plan plan(Compile(adapted, false));
+    String room;
+    Plan plan(Compile(Adapted(statement, room), false));
     if (sqlite3_bind_parameter_count(plan.Compiled()) > 0)
         RaiseSqlite(UnknownName, "No value given for one or more required parameters.", statement);
     return Once(std::move(plan));

@@ -57,6 +57,8 @@ private:
     static constexpr std::size_t LongestKept = 16384;  ///< a longer text hardly comes twice
 
     Plan* Kept(std::string_view statement, std::vector<Literal>& literals);
+    /// The plan of a statement's shape; nothing where the text is better compiled as it stands.
+    std::optional<Plan> CompileShape(std::string_view statement, std::vector<Literal>& literals);
     Plan& Keep(Plan plan, std::string_view statement);
     Plan& Once(Plan plan);
     /// The compiled text, or nothing where the engine refuses it and `orNothing` asks for that.

@@ -72,6 +72,7 @@ public:
         if (level > 1) Command("ROLLBACK TO level" + CStr(level));
         Command(level == 1 ? "ROLLBACK" : "RELEASE level" + CStr(level));
     }
+    bool InTransaction() const override { return sqlite3_get_autocommit(database_.get()) == 0; }
     Long MostLevels() const override { return 5; }
 
 private:
@@ -138,7 +139,9 @@ private:
             case SQLITE_FLOAT: return Cell::Of(sqlite3_value_double(value));
             case SQLITE_NULL: return {};
             default: {
-                const auto* text = static_cast<const char*>(sqlite3_value_blob(value));
+                const bool blob = sqlite3_value_type(value) == SQLITE_BLOB;
+                const void* const bytes = blob ? sqlite3_value_blob(value) : sqlite3_value_text(value);
+                const auto* text = static_cast<const char*>(bytes);
                 return Cell::Of(std::string_view(text, static_cast<std::size_t>(sqlite3_value_bytes(value))));
             }
         }

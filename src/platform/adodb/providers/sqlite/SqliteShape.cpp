@@ -58,7 +58,7 @@ Token TokenAt(std::string_view text, std::size_t at) {
     const char c = text[at];
     const char next = at + 1 < text.size() ? text[at + 1] : ' ';
     if (IsDigit(c) || (c == '.' && IsDigit(next))) return WordToken(text, at, Kind::Number);
-    if (IsWordCharacter(c)) return WordToken(text, at, Kind::Word);
+    if (IsWordCharacter(c) && c != '$') return WordToken(text, at, Kind::Word);
     switch (c) {
         case '\'': return QuotedToken(text, at, Kind::Text);
         case '"':
@@ -75,6 +75,7 @@ Token TokenAt(std::string_view text, std::size_t at) {
         case '?':
         case ':':
         case '@':
+        case '$':
         case '\0': return {Kind::Unclear, text.size()};
         default: return {IsSpace(c) ? Kind::Space : Kind::Mark, at + 1};
     }
