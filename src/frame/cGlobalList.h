@@ -38,6 +38,7 @@ enum gGlobalListIDs : Long {
 class cGlobalList final : public Object {
 public:
     static constexpr const char* ClassName = "cGlobalList";
+    static constexpr bool IsGlobal = true;  ///< `Global<cGlobalList>()` gives the thread's shared instance
 
     bool GLSaved = false;     ///< true: the row stands in the table
     Long GlobalListID = 0;    ///< the row's counter, 0 before the first save

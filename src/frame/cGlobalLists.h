@@ -11,6 +11,7 @@ namespace OXClass {
 class cGlobalLists final : public Keyed<cGlobalList> {
 public:
     static constexpr const char* ClassName = "cGlobalLists";
+    static constexpr bool IsGlobal = true;  ///< `Global<cGlobalLists>()` gives the thread's shared instance
 
     /// Loads the rows of a list, in the database's order, under the keys "K" + `GlobalListID`, and
     /// gives their number.

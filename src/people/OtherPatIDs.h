@@ -10,6 +10,7 @@ namespace OXClass {
 class OtherPatIDs final : public Keyed<cStringItem> {
 public:
     static constexpr const char* ClassName = "OtherPatIDs";
+    static constexpr bool IsGlobal = true;  ///< `Global<OtherPatIDs>()` gives the thread's shared instance
 
     String Delimiter = "\\";  ///< stands between two identifiers; any text
 

@@ -9,6 +9,7 @@ namespace OXClass {
 class cSerie final : public Object {
 public:
     static constexpr const char* ClassName = "cSerie";
+    static constexpr bool IsGlobal = true;  ///< `Global<cSerie>()` gives the thread's shared instance
 
     Date SeriesDateTime;
     bool SeriesDerived = false;

@@ -8,6 +8,7 @@ namespace OXClass {
 class cStudy final : public Object {
 public:
     static constexpr const char* ClassName = "cStudy";
+    static constexpr bool IsGlobal = true;  ///< `Global<cStudy>()` gives the thread's shared instance
 
     String Key;  ///< the key under which a collection holds it; not stored
     gdcmObjectLocation location = gdcmObjectLocUnknown;  ///< held for the caller; not stored

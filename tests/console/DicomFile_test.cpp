@@ -340,6 +340,9 @@ struct Contradiction {
     const char *region, *side, *expectedRegion, *expectedSide;
 };
 
+/// Names a case in the list of tests.
+void PrintTo(const Contradiction& contradiction, std::ostream* out) { *out << contradiction.name; }
+
 class Contradictions : public DicomFile, public testing::WithParamInterface<Contradiction> {};
 
 TEST_P(Contradictions, TheTeethWin) {
