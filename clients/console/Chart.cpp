@@ -147,7 +147,7 @@ void ShowSeries(const Options& options, Long number) {
     const Ref<cImages> images = ImagesOf(clinic, number);
     for (const cImage& image : *images)
         json["images"].push_back({{"image", image.ID},
-                                  {"frame", image.FrameNumber},
+                                  {"frame", Long{image.FrameNumber}},
                                   {"teeth", image.sTeeth},
                                   {"side", image.Laterality},
                                   {"region", image.AnaRegion},

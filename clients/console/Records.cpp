@@ -22,7 +22,8 @@ void ListStudies(const Options& options, const std::string& patient) {
     const Clinic clinic(options);
     clinic
         .ListOf(
-            "SELECT Study_ID AS Study, PersonNr_CH AS Patient, StudyDateTime AS Date, replace(Studydesc, '''''', '''') AS "
+            "SELECT Study_ID AS Study, PersonNr_CH AS Patient, StudyDateTime AS Date, replace(Studydesc, "
+            "'''''', '''') AS "
             "Description, "
             "(SELECT count(*) FROM Series_T WHERE Series_T.Study_ID = Study_T.Study_ID) AS Series, "
             "StudyInstanceUID AS UID FROM Study_T LEFT JOIN Patient_T ON Patient_T.PatientID = "
@@ -37,7 +38,8 @@ void ListSeries(const Options& options, const std::string& patient) {
         .ListOf(
             "SELECT Series_ID AS Series, Series_T.Study_ID AS Study, PersonNr_CH AS Patient, SeriesDateTime "
             "AS "
-            "Date, Modality, NumberOfImages AS Images, template_ID AS Layout, replace(SeriesDescription, '''''', '''') AS "
+            "Date, Modality, NumberOfImages AS Images, template_ID AS Layout, replace(SeriesDescription, "
+            "'''''', '''') AS "
             "Description "
             "FROM Series_T LEFT JOIN Study_T ON Study_T.Study_ID = Series_T.Study_ID LEFT JOIN Patient_T ON "
             "Patient_T.PatientID = Study_T.PatientID" +
@@ -70,7 +72,7 @@ void ListImages(const Options& options, const std::string& patient, const std::s
                {"ms", "ms"},
                {"file", "File"}});
     for (const cImage& image : *images)
-        list.Add({image.ID, image.seriesID, image.FrameNumber, image.sTeeth, image.Laterality,
+        list.Add({image.ID, image.seriesID, Long{image.FrameNumber}, image.sTeeth, image.Laterality,
                   image.AnaRegion, image.AnaRegionMod, DateText(image.dateTime), image.Voltage_kV,
                   image.Current_mA, image.ExposureTime_ms, image.URL});
     list.Print(options.json, "There are no images.");

@@ -89,7 +89,7 @@ void cImage::ReadColumns(const Ref<Recordset>& rs, bool& repairing) {
     instanceUID = Trim(Joined(rs, "SOPInstanceUID_NVC"));
     ImageNumberInSeries = CLng(Val(Trim(Joined(rs, "ImageNumberInSeries"))));
     DicomStatus = Nz<Integer>(rs, "DicomStatus_INT");
-    FrameNumber = Nz<Long>(rs, "FrameNumber_INT");
+    FrameNumber = LateNumber(NzValue(rs->Fields("FrameNumber_INT").Value()));
     SubType = Nz<Long>(rs, "SubType_INT");
     ApprGamma = Nz<Long>(rs, "Gamma_INT");
     ApprCrop = Trim(Joined(rs, "AnatomicRegion"));
@@ -143,7 +143,7 @@ const Interface& cImage::Describe() const {
         Property<&cImage::URL>("URL"),
         Property<&cImage::HWSourceTxt>("HWSourceTxt"),
         ObjectProperty<&cImage::Comments, &cImage::SetComments>("Comments"),
-        Property<&cImage::FrameNumber>("FrameNumber"),
+        ValueProperty<&cImage::GetFrameNumber, &cImage::PutFrameNumber>("FrameNumber"),
         Property<&cImage::Root_RootDirectory>("Root_RootDirectory"),
         Property<&cImage::DicomStatus>("DicomStatus"),
         Operation<&cImage::GetImage>("GetImage", {"Con", "ImageBildID"}),

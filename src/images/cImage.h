@@ -5,6 +5,20 @@
 
 namespace OXClass {
 
+/// A whole number that is kept as it was read, and converted when it is asked for; 0 while nothing was.
+class LateNumber {
+public:
+    LateNumber() = default;
+    LateNumber(Long value) : value_(value) {}
+    explicit LateNumber(Variant read) : value_(std::move(read)) {}
+
+    /// Raises 13 or 6 where what was read is no such number.
+    operator Long() const { return CLng(value_); }
+
+private:
+    Variant value_;
+};
+
 /// The record of one stored image: a row of ImageBild_T, and its comments.
 ///
 /// The picture lies in a file under a storage root: `URL` is its path as stored, `RootId` the root, and
@@ -51,7 +65,7 @@ public:
     const Ref<cComments>& Comments();
     void SetComments(const Ref<cComments>& comments) { comments_ = comments; }
 
-    Long FrameNumber = 0;  ///< the place of the layout that shows it; 0: none
+    LateNumber FrameNumber;  ///< the place of the layout that shows it; 0: none
     String Root_RootDirectory;
     Integer DicomStatus = 0;
 
@@ -117,6 +131,8 @@ public:
     const Interface& Describe() const override;
 
 private:
+    Long GetFrameNumber() const { return FrameNumber; }
+    void PutFrameNumber(Long number) { FrameNumber = number; }
     void ReadColumns(const Ref<Recordset>& rs, bool& repairing);
     void LookForRow(bool checkExistOnID, const Ref<Connection>& con);
     void TakeOverRow(const Ref<Connection>& con);

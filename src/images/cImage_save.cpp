@@ -98,9 +98,9 @@ String cImage::InsertStatement(const String& teeth) const {
         DPIX, ", ", Voltage_kV, ",  ", Current_mA, ", '", "', ",
         NumberOrNull{unknown, unknown ? 0 : CInt(Pregnant)}, ", '', '", Stamp(Date{}), "',  0,", studyID, ",",
         seriesID, ",'", AsItStands(Trim(instanceUID)), "',", ImageNumberInSeries, ",  ", DicomStatus, ", ",
-        FrameNumber, ", '", AsItStands(ApprCrop), "', ", DCMDerived, ", '", AsItStands(Laterality), "','",
-        AsItStands(AnaRegion), "','", AsItStands(AnaRegionMod), "','", AsItStands(teeth), "', ", SubType,
-        ", ", ApprGamma, ");");
+        Long{FrameNumber}, ", '", AsItStands(ApprCrop), "', ", DCMDerived, ", '", AsItStands(Laterality),
+        "','", AsItStands(AnaRegion), "','", AsItStands(AnaRegionMod), "','", AsItStands(teeth), "', ",
+        SubType, ", ", ApprGamma, ");");
 }
 
 String cImage::UpdateStatement(const String& teeth) const {
@@ -112,8 +112,8 @@ String cImage::UpdateStatement(const String& teeth) const {
         "SOPInstanceUID_NVC='", AsItStands(instanceUID), "', ", "HardwareSourcetxt_NVC='",
         FixSqlString(HWSourceTxt), "', ", "ImageNumberInSeries=", ImageNumberInSeries, ", ",
         "dicomStatus_INT=", DicomStatus, ", ", "AnaRegion='", AsItStands(AnaRegion), "', ", "AnaRegionMod='",
-        AsItStands(AnaRegionMod), "', ", "FrameNumber_INT=", FrameNumber, ", ", "Gamma_INT=", ApprGamma, ", ",
-        "Invert_BT=", -Number(ApprInvert), ", ", "Contrast_INT=", ApprContrast, ", ",
+        AsItStands(AnaRegionMod), "', ", "FrameNumber_INT=", Long{FrameNumber}, ", ", "Gamma_INT=", ApprGamma,
+        ", ", "Invert_BT=", -Number(ApprInvert), ", ", "Contrast_INT=", ApprContrast, ", ",
         "Brightness_INT=", ApprBrightness, ", ", "CRC='", AsItStands(CRC), "', ", "Laterality='",
         AsItStands(Laterality), "', ", "PatientID=", PatID, ", ", "Capture_Person_NVC='",
         AsItStands(CapturePerson), "', ", "Responsible_Person_NVC='", AsItStands(RespPerson), "', ",

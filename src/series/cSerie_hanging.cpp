@@ -321,11 +321,11 @@ void Hanging::RemoveDoublePlacements() {
         if (holders[frame] < 2) continue;
         int met = 0;
         for (const Hung& hung : images_) {
-            Long& number = hung.image->FrameNumber;
+            const Long number = hung.image->FrameNumber;
             if (number == static_cast<Long>(frame)) ++met;
             if (met < 2) continue;
             if (counted(number)) --holders[static_cast<std::size_t>(number)];
-            number = 0;
+            hung.image->FrameNumber = 0;
         }
     }
 }

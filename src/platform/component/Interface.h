@@ -261,6 +261,16 @@ detail::Line PropertyGetFirst(const char* name, PutForm form = PutForm::ByValue)
     return line;
 }
 
+/// A property whose value a function gives and another one takes: put, then get.
+template <auto GetFunction, auto PutFunction>
+detail::Line ValueProperty(const char* name) {
+    using Get = detail::CallOf<GetFunction>;
+    using Put = detail::CallOf<PutFunction>;
+    using Value = std::remove_cvref_t<typename Get::Result>;
+    return {{Member{name, MemberKind::Put, ByPosition, {detail::PutArgument<Value>()}, {}, Put::Call},
+             Member{name, MemberKind::Get, ByPosition, {}, detail::TypeOf<Value>(), Get::Call}}};
+}
+
 /// A property of an object that a function gives and another one replaces: get, then put by reference.
 template <auto GetFunction, auto PutFunction>
 detail::Line ObjectProperty(const char* name) {
