@@ -128,9 +128,8 @@ void PrintHungSeries(const Clinic& clinic, Long number) {
         else
             unplaced.push_back(Label(image));
     }
-    fmt::print("Series {}: {}, {} images, layout {} {}\n", number,
-               Replace(series->SeriesDescription, "''", "'"), series->ImgCount, series->TemplateID,
-               layout->TCName);
+    fmt::print("Series {}: {}, {} images, layout {} {}\n", number, Undoubled(series->SeriesDescription),
+               series->ImgCount, series->TemplateID, layout->TCName);
     fmt::print("{}", ChartOf(*layout, labels));
     if (!unplaced.empty()) fmt::print("Hanging nowhere: {}\n", fmt::join(unplaced, "; "));
 }

@@ -116,6 +116,8 @@ List Clinic::ListOf(const std::string& statement) const {
     return list;
 }
 
+std::string Undoubled(const std::string& description) { return Replace(description, "''", "'"); }
+
 void RunScript(const Ref<Connection>& con, std::string_view script) {
     bool quoted = false, comment = false;
     std::size_t start = 0;

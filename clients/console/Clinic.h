@@ -45,6 +45,10 @@ private:
     std::unique_ptr<Trace> trace_;
 };
 
+/// A description as a person wrote it. The library stores each quote of it doubled and gives it back so;
+/// saving what was loaded would double it again.
+std::string Undoubled(const std::string& description);
+
 /// Runs the statements of a script, one by one.
 void RunScript(const Ref<Connection>& con, std::string_view script);
 

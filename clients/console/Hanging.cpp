@@ -39,8 +39,7 @@ HungSeries HangStored(const Ref<Connection>& con, Long number) {
     const Ref<cSerie> series = New<cSerie>();
     if (!series->loadSeries(std::to_string(number), con))
         throw Complaint(fmt::format("there is no series {}; see: oxclass series", number));
-    // Saving doubles the quotes of a description, which loading leaves doubled.
-    series->SeriesDescription = Replace(series->SeriesDescription, "''", "'");
+    series->SeriesDescription = Undoubled(series->SeriesDescription);
     const Ref<cImages> images = New<cImages>();
     series->ImgCount = images->LoadAll4Object(con, iootSeries, number);
     std::vector<Hung> before;

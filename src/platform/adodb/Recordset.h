@@ -195,6 +195,8 @@ private:
     void Change();
     Row EditedRow(Long counter, std::int64_t counterValue);
     const String& BaseTable() const;
+    /// True if the pending edit gives the column another value than the row has.
+    bool IsChanged(Long ordinal) const;
     String WhereRow(std::vector<Variant>& values) const;
     Variant StoredAt(Long ordinal) const;
     std::int64_t Post(const String& statement, const std::vector<Variant>& values);

@@ -5,6 +5,11 @@ namespace {
 
 constexpr const char* Self = "ADODB.Recordset";
 
+[[noreturn]] void RaiseNoOneTable() {
+    RaiseAdo(adErrFeatureNotAvailable, Self,
+             "The rows come from no table or from several, and can't be changed.");
+}
+
 }  // namespace
 
 EditModeEnum Recordset::EditMode() const {
@@ -19,14 +24,10 @@ const String& Recordset::BaseTable() const {
     for (Long i = 0; i < columns_->Count(); ++i) {
         const Column& column = columns_->At(i);
         if (column.Table.empty()) continue;
-        if (table && !EqualsIgnoringCase(*table, column.Table))
-            table = nullptr, i = columns_->Count();
-        else
-            table = &column.Table;
+        if (!table) table = &column.Table;
+        if (!EqualsIgnoringCase(*table, column.Table)) RaiseNoOneTable();
     }
-    if (!table)
-        RaiseAdo(adErrFeatureNotAvailable, Self,
-                 "The rows come from no table or from several, and can't be changed.");
+    if (!table) RaiseNoOneTable();
     return *table;
 }
 
@@ -102,10 +103,9 @@ void Recordset::Change() {
     String sets;
     std::vector<Variant> values;
     for (Long i = 0; i < columns_->Count(); ++i) {
-        const auto& assigned = edit_->assigned[static_cast<std::size_t>(i)];
-        if (!assigned || *assigned == StoredAt(i)) continue;
+        if (!IsChanged(i)) continue;
         sets += (sets.empty() ? "" : ",") + session.Quoted(columns_->At(i).Origin) + "=?";
-        values.push_back(*assigned);
+        values.push_back(*edit_->assigned[static_cast<std::size_t>(i)]);
     }
     if (values.empty()) return;
     const String where = WhereRow(values);
@@ -141,15 +141,19 @@ Variant Recordset::StoredAt(Long ordinal) const {
     return Null{};
 }
 
+bool Recordset::IsChanged(Long ordinal) const {
+    if (!edit_) return false;
+    const auto& assigned = edit_->assigned[static_cast<std::size_t>(ordinal)];
+    return assigned && *assigned != StoredAt(ordinal);
+}
+
 String Recordset::WhereRow(std::vector<Variant>& values) const {
     const Session& session = connection_->Opened();
     String where;
     bool keyed = false;
     for (Long i = 0; i < columns_->Count(); ++i) {
         const Column& column = columns_->At(i);
-        const bool changed = edit_ && edit_->assigned[static_cast<std::size_t>(i)] &&
-                             *edit_->assigned[static_cast<std::size_t>(i)] != StoredAt(i);
-        if (!column.Key && !changed) continue;
+        if (!column.Key && !IsChanged(i)) continue;
         keyed = keyed || column.Key;
         where += (where.empty() ? " WHERE " : " AND ") + session.Quoted(column.Origin) + " IS ?";
         values.push_back(StoredAt(i));

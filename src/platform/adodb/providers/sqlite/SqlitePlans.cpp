@@ -96,16 +96,17 @@ sqlite3_stmt* Plans::Compile(std::string_view text, bool orNothing) {
     sqlite3_stmt* compiled = nullptr;
     const char* tail = nullptr;
     ++compiled_;
-    int code = sqlite3_prepare_v3(database_, text.data(), static_cast<int>(text.size()),
-                                  SQLITE_PREPARE_PERSISTENT, &compiled, &tail);
-    if (code != SQLITE_OK && !orNothing) {
+    const int code = sqlite3_prepare_v3(database_, text.data(), static_cast<int>(text.size()),
+                                        SQLITE_PREPARE_PERSISTENT, &compiled, &tail);
+    if (code != SQLITE_OK) {
         constexpr std::string_view tooDeep = "Expression tree is too large";
-        const std::string balanced =
-            Contains(sqlite3_errmsg(database_), tooDeep) ? WithBalancedOrChains(text) : std::string(text);
-        if (balanced == text) RaiseSqlite(database_, text);
-        return Compile(balanced, false);
+        if (Contains(sqlite3_errmsg(database_), tooDeep)) {
+            const std::string balanced = WithBalancedOrChains(text);
+            if (balanced != text) return Compile(balanced, orNothing);
+        }
+        if (orNothing) return nullptr;
+        RaiseSqlite(database_, text);
     }
-    if (code != SQLITE_OK) return nullptr;
     if (!IsBlank(text.substr(static_cast<std::size_t>(tail - text.data())))) {
         sqlite3_finalize(compiled);
         RaiseSqlite(ErrorsInCommand, "Characters found after end of SQL statement.", text);
@@ -150,9 +151,7 @@ std::optional<Plan> Plans::CompileShape(std::string_view statement, std::vector<
     if (literals.size() >
         static_cast<std::size_t>(sqlite3_limit(database_, SQLITE_LIMIT_VARIABLE_NUMBER, -1)))
         return {};
-    const std::string text = shape.Text();
-    sqlite3_stmt* compiled = Compile(text, true);
-    if (!compiled) compiled = Compile(WithBalancedOrChains(text), true);
+    sqlite3_stmt* const compiled = Compile(shape.Text(), true);
     if (!compiled) return {};
     Plan plan(compiled);
     if (sqlite3_bind_parameter_count(compiled) != static_cast<int>(literals.size())) return {};
