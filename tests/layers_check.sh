@@ -7,9 +7,9 @@
 cd "$1/src" || exit 1
 failed=0
 
-# forbid ROOM PATTERN: no file of the room may have an include line that matches.
+# forbid ROOM-OR-FILE PATTERN: no file of the room may have an include line that matches.
 forbid() {
-    found=$(grep -rnE "#include [<\"]($2)" "$1")
+    found=$(grep -rnHE "#include [<\"]($2)" "$1")
     [ -z "$found" ] && return
     echo "FAILED: $1 must not include $2:" >&2
     echo "$found" >&2
@@ -24,6 +24,11 @@ forbid frame '(people|anatomy|images|cards|series|worklist)/'
 forbid people '(anatomy|images|cards|series|worklist)/'
 forbid anatomy '(people|images|cards|series|worklist)/'
 forbid images '(cards|series|worklist)/'
+# A series is stored as a card, and an entry of the card list holds a series: the list stands above both.
+forbid series '(cards/cUniCard|worklist/)'
+for file in cards/*; do
+    case $file in cards/cUniCard*) ;; *) forbid "$file" '(series/|cards/cUniCard|worklist/)' ;; esac
+done
 for room in frame people anatomy images cards series; do
     forbid $room '(sqlite3|libpq|sql|platform/adodb/providers)'
 done

@@ -1,6 +1,7 @@
 #include "console/Clinic.h"
 
 #include "frame/Statement.h"
+#include "frame/StoredName.h"
 
 #include <cstdlib>
 #include <fmt/format.h>
@@ -137,13 +138,10 @@ void RunScript(const Ref<Connection>& con, std::string_view script) {
 }
 
 fs::path StoredPath(const std::string& root, const std::string& storedName) {
-    fs::path path(root);
-    for (const std::string& part : SplitIgnoringCase(Replace(storedName, "/", "\\"), "\\")) {
-        if (part.empty() || part == "." || part == "..")
-            throw Complaint(fmt::format("the stored file name \"{}\" leads out of its root", storedName));
-        path /= part;
-    }
-    return path;
+    const std::string file = OXClass::FileBelow(root, storedName);
+    if (file.empty())
+        throw Complaint(fmt::format("the stored file name \"{}\" leads out of its root", storedName));
+    return file;
 }
 
 }  // namespace Console

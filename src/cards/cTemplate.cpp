@@ -1,20 +1,11 @@
 #include "cards/cTemplate.h"
 
-#include "frame/Reading.h"
+#include "cards/CanvasSide.h"
 #include "platform/runtime/Random.h"
 
 #include <cmath>
 
 namespace OXClass {
-namespace {
-
-/// A side of the canvas: the full view's, or the preview's where that is null, empty or 0.
-double Side(const Ref<Recordset>& rs, std::string_view fullView, std::string_view preview) {
-    const double side = CDbl("0" + Joined(rs, fullView));
-    return side != 0 ? side : CDbl("0" + Joined(rs, preview));
-}
-
-}  // namespace
 
 void cTemplate::GetTemplate(const Ref<Connection>& Con, Long TID, const Long& DicomID) {
     const Ref<Recordset> rs =
@@ -29,8 +20,8 @@ void cTemplate::GetTemplate(const Ref<Connection>& Con, Long TID, const Long& Di
     const Variant date = rs->Fields("TCDate").Value();
     if (!date.Is<Null>()) TCDate = CDate(date);
     TCComments = Joined(rs, "TCComments");
-    TCHeight = Side(rs, "TCFullViewHeight", "TCPreviewHeight");
-    TCWidth = Side(rs, "TCFullViewWidth", "TCPreviewWidth");
+    TCHeight = CanvasSide(rs, "TCFullViewHeight", "TCPreviewHeight");
+    TCWidth = CanvasSide(rs, "TCFullViewWidth", "TCPreviewWidth");
     TCHidden = OrElse(rs, "TCMaximized", 0) != 0;
     TCName = Direct<String>(rs, "TCName");
     TCID = Direct<Long>(rs, "TemplateID");

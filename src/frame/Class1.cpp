@@ -59,19 +59,8 @@ bool Class1::GetGLSetting(Ref<Connection> Con, const gGlobalListIDs& GLId, Strin
     return true;
 }
 
-void Class1::GrowTo(std::size_t entry) {
-    if (entry < roots_.size()) return;
-    try {
-        roots_.resize(entry + 1);
-    } catch (const std::bad_alloc&) {
-        Raise(err::OutOfMemory);
-    }
-}
-
 String Class1::GetRootOnID(Ref<Connection> Con, const Long& RootId) {
     if (!Con) return {};
-    const auto entry = static_cast<std::size_t>(std::max<Long>(RootId, 0));
-    GrowTo(entry);
     const Ref<Recordset> rs = OpenClient(Con,
                                          RootId != 0 ? sql("SELECT * FROM Root_T WHERE RootID=", RootId, ";")
                                                      : sql("SELECT * FROM Root_T WHERE Status <> 0;"),
@@ -79,14 +68,14 @@ String Class1::GetRootOnID(Ref<Connection> Con, const Long& RootId) {
     if (rs->Eof()) return {};
     const String directory = Direct<String>(rs, "RootDirectory");
     if (RootId < 0) Raise(err::OutOfBounds);
-    return roots_[entry] = directory;
+    return roots_[RootId] = directory;
 }
 
 String Class1::GetCachedRootOnID(Ref<Connection> Con, const Long& RootId, const bool& bFlushCache) {
-    if (bFlushCache) roots_.assign(1, {});
+    if (bFlushCache) roots_.clear();
     if (RootId < 0) Raise(err::OutOfBounds);
-    const auto entry = static_cast<std::size_t>(RootId);
-    if (entry < roots_.size() && !roots_[entry].empty()) return roots_[entry];
+    const auto cached = roots_.find(RootId);
+    if (cached != roots_.end() && !cached->second.empty()) return cached->second;
     return GetRootOnID(Con, RootId);
 }
 

@@ -37,8 +37,8 @@ public:
                       Ref<cGlobalLists>& cAllGLs);
 
     /// The directory of a root, 0 standing for the active one; always asks the database and fills the
-    /// cache. The empty text for an unknown root or no connection. Raises 94 for a null directory, 7 for a
-    /// number that the cache has no memory for, and what the database raises.
+    /// cache. The empty text for an unknown root or no connection. Raises 94 for a null directory, 9 for a
+    /// negative root that is there, and what the database raises.
     String GetRootOnID(Ref<Connection> Con, const Long& RootId);
 
     /// The same from the cache where it has it: the database is then not asked, and `Con` may be
@@ -53,9 +53,7 @@ public:
     const Interface& Describe() const override;
 
 private:
-    void GrowTo(std::size_t entry);
-
-    std::vector<String> roots_{1};  // by number; the active root at 0; an empty text isn't cached
+    std::unordered_map<Long, String> roots_;  // by number; the active root at 0; an empty text isn't cached
 };
 
 }  // namespace OXClass

@@ -22,4 +22,10 @@ Ref<Recordset> OpenUpdatable(const Ref<Connection>& con, const String& statement
     return rs;
 }
 
+Ref<Recordset> OpenKeyset(const Ref<Connection>& con, const String& statement) {
+    Ref<Recordset> rs = New<Recordset>();
+    rs->Open(statement, con, ADODB::adOpenKeyset, ADODB::adLockOptimistic, ADODB::adCmdText);
+    return rs;
+}
+
 }  // namespace OXClass

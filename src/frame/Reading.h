@@ -19,6 +19,9 @@ Ref<Recordset> OpenClient(const Ref<Connection>& con, const String& statement,
 /// Opens one row to change it or to add one: client cursor, keyset, optimistic locks.
 Ref<Recordset> OpenUpdatable(const Ref<Connection>& con, const String& statement);
 
+/// The same with the rows kept where the connection keeps them.
+Ref<Recordset> OpenKeyset(const Ref<Connection>& con, const String& statement);
+
 /// A column as it stands. Raises 94 for a null (unless `T` is `Variant`), 13 and 6 for a value that the
 /// member can't take, 3265 for a missing column; so do the two below, nulls excepted.
 template <class T>

@@ -104,6 +104,7 @@ const Interface& cSerie::Describe() const {
         PropertyGetFirst<&cSerie::Approved>("Approved"),
         PropertyGetFirst<&cSerie::Changed>("Changed"),
         Operation<&cSerie::Delete>("Delete", {"Con"}),
+        Operation<&cSerie::SaveAsIC>("SaveAsIC", {"Con", "colImages"}),
         Operation<&cSerie::HangSeries>("HangSeries", {"colImgs", "conn"}),
     });
     return self;

@@ -52,6 +52,16 @@ public:
     /// Deletes the row, if it is there; images stay. Raises what the database raises.
     void Delete(const Ref<Connection>& Con);
 
+    /// Stores the series as a new image card of the patient of the first image: a canvas of its layout's
+    /// size, with each image in the slot of its frame, and those that hang nowhere in a grid of five
+    /// columns from the top left. Name and dates are `SeriesName` and `SeriesDateTime`; the series itself
+    /// stays as it is. Without images nothing happens, and no statement runs.
+    ///
+    /// `colImages` is a `Collection` of images or a `cImages`. Raises 13 for a member that is no image, 6
+    /// for a canvas beyond 32 bits, and as `cTemplate::GetTemplate` and `cImagecard::Save`; what was
+    /// written before a failure stays written.
+    void SaveAsIC(const Ref<Connection>& Con, const Ref<Walkable>& colImages) const;
+
     /// Lays the images out: derives their side, jaw and region where only teeth are known, chooses a
     /// standard layout into `TemplateID`, and gives each image its `FrameNumber`, 0 for none. Nothing is
     /// stored; the caller saves images and series.

@@ -13,11 +13,8 @@ using ::testing::IsEmpty;
 constexpr Long StatementError = static_cast<Long>(0x80040E14);
 
 TEST(SeriesRecord, HasTheDocumentedMembers) {
-    std::vector<String> members = MembersOf(cSerie());
-    // Making a card of a series stands between these two; it has its tests with the cards.
-    std::erase(members, "SaveAsIC(Con: Connection&, colImages: Collection&)");
     EXPECT_THAT(
-        members,
+        MembersOf(cSerie()),
         ElementsAre("put SeriesDateTime(date)", "get SeriesDateTime -> date", "put SeriesDerived(boolean)",
                     "get SeriesDerived -> boolean", "put SeriesDescription(string)",
                     "get SeriesDescription -> string", "put InstanceAv(string)", "get InstanceAv -> string",
@@ -32,7 +29,7 @@ TEST(SeriesRecord, HasTheDocumentedMembers) {
                     "get seriesNumber -> string", "put Modality(string)", "get Modality -> string",
                     "put instanceUID(string)", "get instanceUID -> string", "get Approved -> boolean",
                     "put Approved(boolean)", "get Changed -> boolean", "put Changed(boolean)",
-                    "Delete(Con: Connection&)",
+                    "Delete(Con: Connection&)", "SaveAsIC(Con: Connection&, colImages: Collection&)",
                     "HangSeries(colImgs: Collection&, conn: Connection&) -> int32"));
 }
 

@@ -45,6 +45,9 @@ public:
 
     Long Count() const noexcept { return static_cast<Long>(nodes_.size()); }
 
+    /// True if a member has this key.
+    bool HasKey(const String& key) const { return keys_.contains(LCase(key)); }
+
     /// Takes a member out; those behind it close up. Raises as `Item`.
     void Remove(const Variant& indexOrKey);
 

@@ -15,6 +15,8 @@ class Interface;
 /// made it: the count is not atomic, and no member of any object may be called from another thread.
 class Object {
 public:
+    static constexpr const char* ClassName = "Object";  ///< each class has its own
+
     Object() = default;
     Object(const Object&) = delete;
     Object& operator=(const Object&) = delete;

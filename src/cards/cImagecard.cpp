@@ -1,0 +1,117 @@
+#include "cards/cImagecard.h"
+
+#include "frame/Reading.h"
+
+#include <cmath>
+
+namespace OXClass {
+namespace {
+
+/// A side of the card without its sign: the full view's, or the preview's where that is null, empty or 0.
+Long Side(const Ref<Recordset>& rs, std::string_view fullView, std::string_view preview) {
+    const auto text = [&](std::string_view column) { return "0" + CStr(std::abs(Nz<double>(rs, column))); };
+    const String side = text(fullView);
+    return CLng(CDbl(side) != 0 ? side : text(preview));
+}
+
+}  // namespace
+
+Variant cImagecard::GetImageCard(const Ref<Connection>& conn, const Long& lICID) {
+    const Ref<Recordset> rs =
+        OpenClient(conn, sql("SELECT * FROM ImageCard_T WHERE ImageCardID = ", lICID, ";"));
+    if (rs->Eof()) return {};
+    ICCreateDate = Direct<Date>(rs, "ICDateCreated");
+    ICDescription = Direct<String>(rs, "ICDescription");
+    ICHeight = Side(rs, "ICFullViewHeight", "ICPreviewHeight");
+    ICWidth = Side(rs, "ICFullViewWidth", "ICPreviewWidth");
+    ICLastUpdate = Direct<Date>(rs, "ICLastUpdate");
+    ICName = Direct<String>(rs, "ICName");
+    ICID = Direct<Long>(rs, "ImageCardID");
+    ICPID = Direct<Long>(rs, "PatientID");
+    LoadImageAttributes(conn);
+    return {};
+}
+
+Long cImagecard::LoadImageAttributes(const Ref<Connection>& conn) {
+    return Boxed(
+        [&] {
+            const Ref<Recordset> rs =
+                OpenClient(conn, sql("SELECT * FROM ImageAttribute_T WHERE ImageCardID = ", ICID, ";"));
+            rs->SetActiveConnection(nullptr);
+            ImagecardAttributes = New<Collection>();
+            for (; !rs->Eof(); rs->MoveNext()) {
+                const Ref<cImagecardAttribute> placed = New<cImagecardAttribute>();
+                placed->ReadRow(rs);
+                placed->LoadImageManipulations(conn);
+                ImagecardAttributes->Add(placed, "K" + CStr(placed->ID));
+            }
+            const Long count = ImagecardAttributes->Count();
+            rs->Close();
+            return count;
+        },
+        [](const Error& failure) {
+            return "cImageCard.LoadImageAttribues: (" + CStr(Now()) + ") " + CStr(failure.Number) + " " +
+                   failure.Description;
+        });
+}
+
+String cImagecard::UpdateStatement() const {
+    return sql("UPDATE ImageCard_T ", "SET ", "PatientID = ", ICPID, ", ", "ICName = '", FixSqlString(ICName),
+               "', ", "ICLastUpdate = '", Stamp(ICLastUpdate), "', ", "ICDescription = '",
+               FixSqlString(ICDescription), "', ", "ICFullViewWidth = ", ICWidth, ", ",
+               "ICFullViewHeight = ", ICHeight, ", ", "ICMaximized = 0", " WHERE ImageCardId = ", ICID, ";");
+}
+
+String cImagecard::InsertStatement() const {
+    return sql("INSERT INTO ImageCard_T ", "(PatientId, ICName, ICDateCreated, ICLastUpdate, ",
+               "ICDescription, ICFullViewWidth, ICFullViewHeight, ", "ICMaximized) ", "VALUES (", ICPID, ", ",
+               "'", FixSqlString(ICName), "', ", "'", Stamp(ICCreateDate), "', ", "'", Stamp(ICLastUpdate),
+               "', ", "'", FixSqlString(ICDescription), "', ", ICWidth, ", ", ICHeight, ", ", "0", ");");
+}
+
+void cImagecard::Insert(const Ref<Connection>& con) {
+    con->Execute(InsertStatement());
+    const Ref<Recordset> key =
+        con->Execute(sql("SELECT MAX(ImageCardId) FROM ImageCard_T ", "WHERE PatientId = ", ICPID, ";"));
+    ICID = CLng(key->Fields(0).Value());
+    key->Close();
+    for (cImagecardAttribute& placed : Each<cImagecardAttribute>(*ImagecardAttributes)) placed.ICID = ICID;
+}
+
+bool cImagecard::Save(const Ref<Connection>& conn) {
+    if (ICID == 0)
+        Insert(conn);
+    else
+        conn->Execute(UpdateStatement());
+    Integer sequence = 1;
+    // Held, because a save lets the program handle messages, and they may change this card.
+    const Ref<Collection> all = ImagecardAttributes;
+    for (cImagecardAttribute& member : Each<cImagecardAttribute>(*all)) {
+        const Ref<cImagecardAttribute> placed(&member);
+        if (placed->ImageID == 0) continue;
+        placed->IASequence = sequence;
+        sequence = CInt(Long{sequence} + 1);
+        placed->Save(conn);
+    }
+    return true;
+}
+
+const Interface& cImagecard::Describe() const {
+    static const Interface self = InterfaceOf<cImagecard>({
+        Property<&cImagecard::ImagecardAttributes>("ImagecardAttributes"),
+        Property<&cImagecard::ICWidth>("ICWidth"),
+        Property<&cImagecard::ICHeight>("ICHeight"),
+        Property<&cImagecard::ICDescription>("ICDescription"),
+        Property<&cImagecard::ICLastUpdate>("ICLastUpdate"),
+        Property<&cImagecard::ICCreateDate>("ICCreateDate"),
+        Property<&cImagecard::ICName>("ICName"),
+        Property<&cImagecard::ICPID>("ICPID"),
+        Property<&cImagecard::ICID>("ICID"),
+        Operation<&cImagecard::Save>("Save", {"conn"}),
+        Operation<&cImagecard::GetImageCard>("GetImageCard", {"conn", "lICID"}),
+        Operation<&cImagecard::LoadImageAttributes>("LoadImageAttributes", {"conn"}),
+    });
+    return self;
+}
+
+}  // namespace OXClass

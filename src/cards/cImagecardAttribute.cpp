@@ -1,0 +1,156 @@
+#include "cards/cImagecardAttribute.h"
+
+#include "cards/CosmeticFile.h"
+#include "frame/Reading.h"
+
+namespace OXClass {
+
+void cImagecardAttribute::ReadRow(const Ref<Recordset>& rs) {
+    IAComments = Joined(rs, "IAComments");
+    IAHeight = Nz<double>(rs, "IAFullViewHeight");
+    IAWidth = Nz<double>(rs, "IAFullviewWidth");
+    IAPosX = Nz<double>(rs, "IAFullViewPosX");
+    IAPosY = Nz<double>(rs, "IAFullViewPosY");
+    IASequence = Direct<Long>(rs, "IASequence");
+    ID = Direct<Long>(rs, "ImageAttributeID");
+    ImageID = Direct<Long>(rs, "ImageBildId");
+    ICID = Direct<Long>(rs, "ImageCardID");
+    IAMirrRotStatus = Nz<Integer>(rs, "IAMirrRotStatus");
+}
+
+bool cImagecardAttribute::Save(const Ref<Connection>& conn) {
+    if (ToBeDeleted) {
+        if (ID >= 0) Delete(conn);
+        return true;
+    }
+    if (ID > 0) {
+        conn->Execute(UpdateStatement());
+        DoEvents();
+    } else {
+        Insert(conn);
+    }
+    SaveManipulations(conn);
+    return true;
+}
+
+String cImagecardAttribute::UpdateStatement() const {
+    return sql("UPDATE ImageAttribute_T ", "SET ", "ImageCardID = ", ICID, ", ", "ImageBildID = ", ImageID,
+               ", ", "IAFullviewWidth = ", Decimal(IAWidth), ", ", "IAFullViewHeight = ", Decimal(IAHeight),
+               ", ", "IAFullViewPosX = ", Decimal(IAPosX), ", ", "IAFullViewPosY = ", Decimal(IAPosY), ", ",
+               "IASequence = ", IASequence, ", ", "IAMirrRotStatus = ", IAMirrRotStatus, ", ",
+               "IAComments = '", FixSqlString(IAComments), "'", " WHERE ImageAttributeId = ", ID, ";");
+}
+
+String cImagecardAttribute::InsertStatement() const {
+    return sql("INSERT INTO ImageAttribute_T ",
+               "(ImageCardId, ImageBildId, IAFullViewWidth, IAFullViewHeight, ",
+               "IAFullViewPosX, IAFullViewPosY, IAContrast, IABrightness, ",
+               "IAInvert, IARotation, IASharpen, IASoften, IAZoom, IAGamma, ",
+               "IAHorizontalMirror, IAVerticalMirror, IAHistoEqualize, ",
+               "IAStretchIntensity, IAHistogram, IASequence, IAComments, IAMirrRotStatus , IAColorized, "
+               "IAAttCorr) ",
+               "VALUES (", ICID, ", ", ImageID, ", ", Decimal(IAWidth), ", ", Decimal(IAHeight), ", ",
+               Decimal(IAPosX), ", ", Decimal(IAPosY), ", 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0", ", ",
+               IASequence, ", '", FixSqlString(IAComments), "', ", IAMirrRotStatus, ", 0, 0);");
+}
+
+void cImagecardAttribute::Insert(const Ref<Connection>& con) {
+    con->Execute(InsertStatement());
+    const Ref<Recordset> key = con->Execute(
+        sql("SELECT MAX(ImageAttributeId) FROM ImageAttribute_T ", "WHERE ((ImageCardId = ", ICID, ") AND (",
+            "ImageBildId = ", ImageID, ") AND (", "IASequence = ", IASequence, "));"));
+    ID = CLng(key->Fields(0).Value());
+}
+
+void cImagecardAttribute::Delete(const Ref<Connection>& con) const {
+    con->Execute(sql("DELETE FROM ImageAttribute_T WHERE ImageattributeID = ", ID, ";"));
+    const Ref<Recordset> rs =
+        OpenUpdatable(con, sql("SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=", ID, ";"));
+    if (!rs->Eof()) rs->MoveFirst();
+    while (!rs->Eof()) {
+        // A cosmetic step without a text can't be deleted. The file behind one stays.
+        if (OrElse(rs, "Type", 0) == ManCosmetic) Direct<String>(rs, "StringParameter");
+        rs->Delete(ADODB::adAffectCurrent);
+        if (!rs->Eof()) rs->MoveFirst();
+    }
+}
+
+bool cImagecardAttribute::LoadImageManipulations(const Ref<Connection>& conn) {
+    return Swallowed([&] {
+        const Ref<Recordset> rs = OpenPlain(
+            conn,
+            sql("SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=", ID, " ORDER BY SequenceNo;"));
+        for (; !rs->Eof(); rs->MoveNext()) {
+            const Ref<cImageManipulation> step = New<cImageManipulation>();
+            step->ImageManipulationID = Direct<Long>(rs, "ImageManipulationID");
+            step->ManipulationType = Direct<ManipulationType>(rs, "Type");
+            step->LongParameter = Direct<Long>(rs, "LongParameter");
+            step->StringParameter = Trim(Direct<String>(rs, "StringParameter"));
+            Manipulations->Add(step);
+        }
+        return true;
+    });
+}
+
+void cImagecardAttribute::SaveManipulations(const Ref<Connection>& conn) {
+    Swallowed([&] {
+        const String oldCosmetic = DeleteStoredManipulations(conn);
+        const String newCosmetic = InsertManipulations(conn);
+        if (newCosmetic != oldCosmetic && !oldCosmetic.empty())
+            CosmeticFile::Named(oldCosmetic).DeleteIfPresent(conn);
+    });
+}
+
+/// Gives the last cosmetic text that was stored, or the empty text.
+String cImagecardAttribute::DeleteStoredManipulations(const Ref<Connection>& con) const {
+    const Ref<Recordset> rs =
+        OpenKeyset(con, sql("SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=", ID, ";"));
+    if (rs->Eof()) return {};
+    String cosmetic;
+    for (; !rs->Eof(); rs->MoveNext())
+        if (OrElse(rs, "Type", 0) == ManCosmetic) cosmetic = Trim(Direct<String>(rs, "StringParameter"));
+    con->Execute(sql("DELETE FROM ImageManipulation_T WHERE ImageAttributeID=", ID, ";"));
+    rs->Close();
+    return cosmetic;
+}
+
+/// Gives the last cosmetic text that was written, or the empty text.
+String cImagecardAttribute::InsertManipulations(const Ref<Connection>& con) const {
+    String cosmetic;
+    Integer sequence = 0;
+    for (const cImageManipulation& step : Each<cImageManipulation>(*Manipulations)) {
+        if (step.ManipulationType == UndoStop) continue;
+        sequence = CInt(Long{sequence} + 1);
+        if (step.ManipulationType == ManCosmetic) cosmetic = step.StringParameter;
+        con->Execute(
+            sql("INSERT INTO ImageManipulation_T (SequenceNo, Type, LongParameter, "
+                "StringParameter, ImageAttributeID) ",
+                "VALUES('", sequence, "', '", step.ManipulationType, "', '", step.LongParameter, "', '",
+                AsItStands(step.StringParameter), "', '", ID, "');"));
+    }
+    return cosmetic;
+}
+
+const Interface& cImagecardAttribute::Describe() const {
+    using Self = cImagecardAttribute;
+    static const Interface self = InterfaceOf<Self>({
+        Property<&Self::ToBeDeleted>("ToBeDeleted"),
+        Property<&Self::IAComments>("IAComments"),
+        Property<&Self::IASequence>("IASequence"),
+        Property<&Self::IAHeight>("IAHeight"),
+        Property<&Self::IAWidth>("IAWidth"),
+        Property<&Self::IAPosY>("IAPosY"),
+        Property<&Self::IAPosX>("IAPosX"),
+        Property<&Self::ImageID>("ImageID"),
+        Property<&Self::ICID>("ICID"),
+        Property<&Self::ID>("ID"),
+        Operation<&Self::Save>("Save", {"conn"}),
+        Property<&Self::Manipulations>("Manipulations"),
+        Property<&Self::IAMirrRotStatus>("IAMirrRotStatus"),
+        Operation<&Self::LoadImageManipulations>("LoadImageManipulations", {"conn"}),
+        Operation<&Self::SaveManipulations>("SaveManipulations", {"conn"}),
+    });
+    return self;
+}
+
+}  // namespace OXClass

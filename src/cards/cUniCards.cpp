@@ -1,0 +1,271 @@
+#include "cards/cUniCards.h"
+
+#include "cards/CanvasSide.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <optional>
+
+namespace OXClass {
+namespace {
+
+String CardsStatement(const String& personalNumber) {
+    return sql(
+        "SELECT Patient_T.PatientID as PatientID,  Patient_T.*, ImageCard_T.* FROM Patient_T INNER JOIN "
+        "ImageCard_T ON Patient_T.PatientId=ImageCard_T.PatientId WHERE PersonNr_CH='",
+        AsItStands(personalNumber), "' ORDER BY ICDateCreated desc ");
+}
+
+String SeriesStatement(Long patient) {
+    return sql(
+        "SELECT Series_T.Template_ID, Series_T.SeriesDescription, Series_T.SeriesDateTime, "
+        "Series_T.Derived_BT, Series_T.NumberOfImages, Series_T.Series_ID, "
+        "Series_T.SeriesNumber,Series_T.SeriesInstanceUID,Series_T.OrgServerID , "
+        "Study_T.StudyInstanceUID,Study_T.ReferDrName, Study_T.PhysOfRecord, Study_T.StudyDesc , "
+        "Study_T.StudyDateTime, Study_T.StudyID, Study_T.Study_ID, Study_T.PatientID, "
+        "Study_T.Accessionnumber, Count(Series_T.Series_ID) AS ImageCount, "
+        "Max(ImageBild_T.ImageBildID) AS ZeroImages, ",
+        "Sum(ImageBild_T.Approved) AS ApprovedSum, Sum(ImageBild_T.DicomStatus_INT) AS DicomStatusSum, "
+        "series_T.ICShortcut FROM (Study_T INNER JOIN Series_T ON Study_T.Study_ID = Series_T.study_id) "
+        "LEFT JOIN ImageBild_T ON (Series_T.Series_ID = ImageBild_T.Series_ID and "
+        "ImageBild_T.GraphicURL_NVC <> '') ",
+        "Where Study_T.patientid =", patient, "",
+        " GROUP BY Series_T.Series_ID, Study_T.StudyInstanceUID, Study_T.StudyDateTime, "
+        "Study_T.StudyID,Study_T.StudyDesc, Study_T.ReferDrName, Series_T.SeriesInstanceUID, "
+        "Series_T.SeriesNumber, Study_T.Study_ID, Study_T.PatientID,  "
+        "Study_T.PhysOfRecord,Study_T.Accessionnumber, Series_T.SeriesNumber,series_T.ICShortcut, "
+        "Series_T.NumberOfImages, Series_T.OrgServerID, Series_T.SeriesDescription, "
+        "Series_T.SeriesDateTime, Series_T.Derived_BT,Series_T.Template_ID ",
+        "ORDER BY Study_T.StudyDateTime DESC, Series_T.Series_ID DESC");
+}
+
+Ref<cImagecard> CardOf(const Ref<Recordset>& rs) {
+    Ref<cImagecard> card = New<cImagecard>();
+    card->ICCreateDate = Direct<Date>(rs, "ICDateCreated");
+    card->ICDescription = Direct<String>(rs, "ICDescription");
+    card->ICHeight = CLng(CanvasSide(rs, "ICFullViewHeight", "ICPreviewHeight"));
+    card->ICWidth = CLng(CanvasSide(rs, "ICFullViewWidth", "ICPreviewWidth"));
+    card->ICLastUpdate = Direct<Date>(rs, "ICLastUpdate");
+    card->ICName = Direct<String>(rs, "ICName");
+    card->ICID = Direct<Long>(rs, "ImageCardID");
+    card->ICPID = Direct<Long>(rs, "PatientID");
+    return card;
+}
+
+Ref<cStudy> StudyOf(const Ref<Recordset>& rs) {
+    Ref<cStudy> study = New<cStudy>();
+    study->studyID = Direct<String>(rs, "StudyID");
+    if (study->studyID.empty()) study->studyID = "&NEWSTUDY";
+    study->dateTime = Direct<Date>(rs, "StudyDateTime");
+    study->description = Direct<String>(rs, "StudyDesc");
+    study->ID = Direct<Long>(rs, "Study_ID");
+    study->instanceUID = Direct<String>(rs, "StudyInstanceUID");
+    study->referDrName = Joined(rs, "ReferDrName");
+    study->PhysOfRecord = Joined(rs, "PhysOfRecord");
+    study->accessionNumber = Joined(rs, "AccessionNumber");
+    return study;
+}
+
+/// The part of a series that tells whether it is an orphan.
+Ref<cSerie> SeriesOf(const Ref<Recordset>& rs) {
+    Ref<cSerie> series = New<cSerie>();
+    series->ID = Direct<Long>(rs, "Series_ID");
+    series->OrgServer = Nz<Long>(rs, "orgServerID");
+    series->SeriesDescription = Joined(rs, "SeriesDescription");
+    series->SeriesDateTime = WholeSeconds(NzValue(rs->Fields("SeriesDateTime").Value()));
+    return series;
+}
+
+/// True if a computed column holds this number; a null holds none.
+bool Holds(const Ref<Recordset>& rs, std::string_view column, double number) {
+    const ADODB::Field field = rs->Fields(column);
+    return !field.IsNull() && field.As<double>() == number;
+}
+
+/// True if the series has images, or may still get them: taken here, less than ten minutes ago. Sets what
+/// the images tell.
+bool IsKept(cSerie& series, const Ref<Recordset>& rs) {
+    constexpr double tenMinutes = 600, secondsADay = 86400;
+    if (!rs->Fields("ZeroImages").IsNull()) {
+        series.ImgCount = Direct<Long>(rs, "ImageCount");
+        series.location =
+            Holds(rs, "dicomstatussum", 2.0 * series.ImgCount) ? gdcmObjectLocBoth : gdcmObjectLocLocal;
+        return true;
+    }
+    const double age = std::round((Now().Days - series.SeriesDateTime.Days) * secondsADay);
+    return age < tenMinutes && series.OrgServer == 0;
+}
+
+/// The rest of a series that stays in the list.
+void Complete(cSerie& series, const Ref<Recordset>& rs, Integer& step) {
+    const Long images = Direct<Long>(rs, "ImageCount");
+    series.Approved = series.location == gdcmObjectLocUnknown || Holds(rs, "ApprovedSum", images) ||
+                      Holds(rs, "ApprovedSum", -images);
+    if (const String number = Joined(rs, "SeriesNumber"); !number.empty()) series.seriesNumber = number;
+    series.instanceUID = Direct<String>(rs, "SeriesInstanceUID");
+    series.studyID = Direct<Long>(rs, "study_id");
+    step = 13;
+    series.SeriesDerived = Nz<Long>(rs, "Derived_BT") != 0;
+    series.TemplateID = Nz<Long>(rs, "template_ID");
+}
+
+/// Adds the patient's image cards, newest first, and gives the patient's key, 0 without any.
+Long ReadCards(const Ref<Connection>& con, const String& personalNumber, Collection& entries, Integer& step) {
+    con->CursorLocation = ADODB::adUseClient;
+    const Ref<Recordset> rs = OpenPlain(con, CardsStatement(personalNumber), ADODB::adCmdUnspecified);
+    Long patient = 0;
+    step = 1;
+    for (; !rs->Eof(); rs->MoveNext()) {
+        step = 2;
+        const Ref<cUniCard> entry = New<cUniCard>();
+        entry->Imagecard = CardOf(rs);
+        step = 3;
+        patient = Direct<Long>(rs, "PatientID");
+        entry->Key = "IC" + CStr(entry->Imagecard->ICID);
+        entries.Add(entry, entry->Key);
+        step = 4;
+    }
+    step = 5;
+    rs->Close();
+    return patient;
+}
+
+/// The key of the patient who has no image cards; 0 if there is none.
+Long FindPatient(const Ref<Connection>& con, const String& personalNumber) {
+    const Ref<Recordset> rs = OpenPlain(
+        con, sql("SELECT Patient_T.* FROM Patient_T WHERE PersonNr_CH='", AsItStands(personalNumber), "'"),
+        ADODB::adCmdUnspecified);
+    const Long patient = rs->Eof() ? 0 : Direct<Long>(rs, "PatientID");
+    rs->Close();
+    return patient;
+}
+
+/// Adds the patient's series, and deletes the orphans among them. Gives the open recordset.
+Ref<Recordset> ReadSeries(const Ref<Connection>& con, Long patient, Collection& entries, Integer& step) {
+    Ref<Recordset> rs = New<Recordset>();
+    rs->Open(SeriesStatement(patient), con, ADODB::adOpenStatic, ADODB::adLockReadOnly, ADODB::adCmdText);
+    step = 7;
+    Ref<cStudy> study;
+    Long lastStudy = 0;
+    for (; !rs->Eof(); rs->MoveNext()) {
+        step = 8;
+        if (Direct<Long>(rs, "Study_ID") != lastStudy) {
+            study = StudyOf(rs);
+            lastStudy = study->ID;
+        }
+        step = 10;
+        const Ref<cUniCard> entry = New<cUniCard>();
+        entry->Series = SeriesOf(rs);
+        step = 11;
+        const bool kept = IsKept(*entry->Series, rs);
+        if (!kept) entry->Series->Delete(con);
+        step = 12;
+        if (kept) {
+            Complete(*entry->Series, rs, step);
+            entry->Study = study;
+            entry->Key = "SE" + CStr(entry->Series->ID);
+            entries.Add(entry, entry->Key);
+        }
+        step = 14;
+    }
+    step = 15;
+    return rs;
+}
+
+}  // namespace
+
+Long cUniCards::GetICAndSEList4Patient(const Ref<Connection>& conn, const String& sPID, const Long&,
+                                       const Date&, const Date&) {
+    Integer step = 0;
+    Long result = 0;
+    Boxed(
+        [&] {
+            const Ref<Collection> entries = New<Collection>();
+            Long patient = ReadCards(conn, sPID, *entries, step);
+            if (patient == 0) patient = FindPatient(conn, sPID);
+            step = 6;
+            result = patient;
+            const Ref<Recordset> rs = ReadSeries(conn, patient, *entries, step);
+            Merge(*entries, step);
+            rs->Close();
+            step = 18;
+        },
+        [&](const Error& failure) {
+            return "cUniCards.GetICAndSEList4Patient error: " + CStr(failure.Number) + ", " +
+                   CStr(Long{step}) + "\r\n" + failure.Description;
+        });
+    return result;
+}
+
+/// For each member the oldest date up to it, in which the first member older than a date is found. Ends
+/// at a member whose date can't be read, and says why.
+std::vector<double> cUniCards::OldestSoFar(std::optional<Error>& unreadable) const {
+    std::vector<double> oldest;
+    try {
+        for (const cUniCard& member : *this) {
+            const double date = member.SortDate().Days;
+            oldest.push_back(oldest.empty() ? date : std::min(oldest.back(), date));
+        }
+    } catch (const Error& failure) {
+        unreadable = failure;
+    }
+    return oldest;
+}
+
+/// Each entry goes before the first member that is older than it, one after the other. That comes to one
+/// stable sort and one merge, which is how it is done. Where an entry can't be merged, those that arrived
+/// before it are, and what it fails with is raised.
+void cUniCards::Merge(const Collection& arrived, Integer& step) {
+    std::optional<Error> unreadable;
+    const std::vector<double> oldest = OldestSoFar(unreadable);
+    double oldestOfAll = oldest.empty() ? std::numeric_limits<double>::infinity() : oldest.back();
+    std::vector<Ref<cUniCard>> accepted;
+    std::optional<Error> refused;
+    for (cUniCard& entry : Each<cUniCard>(arrived)) {
+        const double date = entry.SortDate().Days;
+        const bool hasOlder = oldestOfAll < date;
+        if (!accepted.empty() || Count() > 0) step = hasOlder || unreadable ? 16 : 17;
+        try {
+            if (unreadable && !hasOlder) throw *unreadable;
+            if (Members().HasKey(entry.Key)) Raise(err::DuplicateKey);
+        } catch (const Error& failure) {
+            refused = failure;
+            break;
+        }
+        oldestOfAll = std::min(oldestOfAll, date);
+        accepted.emplace_back(&entry);
+    }
+    std::stable_sort(accepted.begin(), accepted.end(),
+                     [](const auto& a, const auto& b) { return a->SortDate() > b->SortDate(); });
+    std::size_t passed = 0;
+    Long added = 0;
+    for (const Ref<cUniCard>& entry : accepted) {
+        const double date = entry->SortDate().Days;
+        while (passed < oldest.size() && oldest[passed] >= date) ++passed;
+        const Long place = static_cast<Long>(passed) + ++added;
+        AddMember(entry, entry->Key, place > Count() ? Variant() : Variant(place));
+    }
+    if (refused) throw *refused;
+}
+
+bool cUniCards::AddObj(const Ref<cUniCard>& oUC, const String& sKey, const String& sBefore) {
+    AddMember(oUC, sKey, sBefore);
+    return true;
+}
+
+const Interface& cUniCards::Describe() const {
+    static const Interface self = InterfaceOf<cUniCards>({
+        Operation<&cUniCards::GetICAndSEList4Patient>(
+            "GetICAndSEList4Patient",
+            {"conn", "sPID", "lPID", Optional("FromDate", Date{}), Optional("ToDate", Date{})}),
+        Operation<&cUniCards::AddObj>("AddObj", {"oUC", Optional("sKey"), Optional("sBefore")}),
+        ReadOnly<&cUniCards::Item>("Item", {"vntIndexKey"}, DefaultMember),
+        ReadOnly<&cUniCards::Count>("Count"),
+        Operation<&cUniCards::Remove>("Remove", {"vntIndexKey"}),
+        ReadOnly<&cUniCards::NewEnum>("NewEnum", {}, EnumeratorMember),
+    });
+    return self;
+}
+
+}  // namespace OXClass
