@@ -1,5 +1,6 @@
 #include "console/Chart.h"
 
+#include "console/page/Page.h"
 #include "images/cImages.h"
 #include "series/cSerie.h"
 
@@ -67,24 +68,6 @@ std::vector<std::string> Lines(Long number, const std::string& label) {
     return lines;
 }
 
-/// The teeth of a tooth string, a blank between those of different quadrants.
-std::string TeethByQuadrant(const std::string& teeth) {
-    std::string text;
-    char quadrant = 0;
-    for (const std::string& tooth : SplitIgnoringCase(teeth, ",")) {
-        if (tooth.empty()) continue;
-        if (quadrant != 0) text += tooth[0] == quadrant ? "," : " ";
-        text += tooth;
-        quadrant = tooth[0];
-    }
-    return text;
-}
-
-std::string Label(const cImage& image) {
-    if (!image.sTeeth.empty()) return TeethByQuadrant(image.sTeeth);
-    return image.AnaRegion.empty() ? "image " + std::to_string(image.ID) : image.AnaRegion;
-}
-
 Ref<cSerie> LoadSeries(const Clinic& clinic, Long number) {
     Ref<cSerie> series = New<cSerie>();
     if (!series->loadSeries(std::to_string(number), clinic.Con()))
@@ -124,9 +107,9 @@ void PrintHungSeries(const Clinic& clinic, Long number) {
     const Ref<cImages> images = ImagesOf(clinic, number);
     for (const cImage& image : *images) {
         if (image.FrameNumber > 0)
-            labels[image.FrameNumber] = Label(image);
+            labels[image.FrameNumber] = CaptionOf(image);
         else
-            unplaced.push_back(Label(image));
+            unplaced.push_back(CaptionOf(image));
     }
     fmt::print("Series {}: {}, {} images, layout {} {}\n", number, Undoubled(series->SeriesDescription),
                series->ImgCount, series->TemplateID, layout->TCName);

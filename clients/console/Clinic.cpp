@@ -2,6 +2,7 @@
 
 #include "frame/Statement.h"
 #include "frame/StoredName.h"
+#include "platform/runtime/Services.h"
 
 #include <cstdlib>
 #include <fmt/format.h>
@@ -118,6 +119,20 @@ List Clinic::ListOf(const std::string& statement) const {
 }
 
 std::string Undoubled(const std::string& description) { return Replace(description, "''", "'"); }
+
+void ComplainOfTextBoxes(const std::function<void()>& work) {
+    std::string told;
+    const auto before = std::exchange(
+        TheHost().MsgBox, [&](const String& prompt, Long) { told += (told.empty() ? "" : "; ") + prompt; });
+    try {
+        work();
+    } catch (...) {
+        TheHost().MsgBox = before;
+        throw;
+    }
+    TheHost().MsgBox = before;
+    if (!told.empty()) throw Complaint(told);
+}
 
 void RunScript(const Ref<Connection>& con, std::string_view script) {
     bool quoted = false, comment = false;

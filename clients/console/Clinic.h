@@ -3,6 +3,7 @@
 #include "console/Output.h"
 
 #include <filesystem>
+#include <functional>
 
 namespace Console {
 
@@ -48,6 +49,10 @@ private:
 /// A description as a person wrote it. The library stores each quote of it doubled and gives it back so;
 /// saving what was loaded would double it again.
 std::string Undoubled(const std::string& description);
+
+/// Runs `work`. A text box that the library shows in it, which tells a failure that it doesn't raise, becomes
+/// a `Complaint` behind it.
+void ComplainOfTextBoxes(const std::function<void()>& work);
 
 /// Runs the statements of a script, one by one.
 void RunScript(const Ref<Connection>& con, std::string_view script);

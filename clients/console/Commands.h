@@ -20,6 +20,8 @@ void AddImport(Program& program);
 void AddPatients(Program& program);  ///< patients, patient
 void AddRecords(Program& program);   ///< studies, series, images, comment
 void AddHanging(Program& program);   ///< hang
+void AddCards(Program& program);     ///< cards, card, series save-as-card
+void AddDrawing(Program& program);   ///< draw, report
 void AddLayouts(Program& program);   ///< layouts, anatomy
 void AddSettings(Program& program);  ///< roots, setting, uid
 

@@ -57,17 +57,19 @@ void PrintJson(const Json& json) {
 }
 
 void List::Print(bool asJson, const std::string& whenEmpty) const {
-    if (!asJson) {
-        if (rows_.empty()) return fmt::print("{}\n", whenEmpty);
-        return PrintText();
-    }
+    if (asJson) return PrintJson(Rows());
+    if (rows_.empty()) return fmt::print("{}\n", whenEmpty);
+    PrintText();
+}
+
+Json List::Rows() const {
     Json all = Json::array();
     for (const auto& row : rows_) {
         Json object;
         for (std::size_t i = 0; i < columns_.size(); ++i) object[columns_[i].key] = row[i];
         all.push_back(std::move(object));
     }
-    PrintJson(all);
+    return all;
 }
 
 void List::PrintText() const {

@@ -34,6 +34,9 @@ public:
 
     std::size_t Count() const noexcept { return rows_.size(); }
 
+    /// The rows as a JSON array of objects.
+    nlohmann::ordered_json Rows() const;
+
     /// Prints to standard output. Without rows the text is `whenEmpty`, the JSON an empty array.
     void Print(bool asJson, const std::string& whenEmpty) const;
 

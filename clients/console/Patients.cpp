@@ -1,6 +1,6 @@
 #include "console/Commands.h"
 
-#include "people/cPatient.h"
+#include "console/CardList.h"
 
 #include <fmt/format.h>
 
@@ -38,16 +38,6 @@ void ListPatients(const Options& options, const std::string& text) {
     list.Print(options.json, text.empty()
                                  ? "There are no patients yet; import some with: oxclass import FOLDER"
                                  : "No patient matches \"" + text + "\".");
-}
-
-/// A patient by the text identifier, or by the number behind a "#".
-Ref<cPatient> LoadPatient(const Clinic& clinic, const std::string& id) {
-    Ref<cPatient> patient = New<cPatient>();
-    const bool byNumber = id.starts_with('#');
-    const Long number = byNumber ? NumberOf(id.substr(1), "a patient") : 0;
-    if (patient->LoadOnPatientIDorPDBID(clinic.Con(), byNumber ? String() : id, number) == 0)
-        throw Complaint(fmt::format("there is no patient {}; see: oxclass patients", id));
-    return patient;
 }
 
 /// The fields that can be shown and set, by the names of the class.
@@ -121,6 +111,15 @@ void ShowPatient(const Options& options, const std::string& id, const std::vecto
 }
 
 }  // namespace
+
+Ref<cPatient> LoadPatient(const Clinic& clinic, const std::string& id) {
+    Ref<cPatient> patient = New<cPatient>();
+    const bool byNumber = id.starts_with('#');
+    const Long number = byNumber ? NumberOf(id.substr(1), "a patient") : 0;
+    if (patient->LoadOnPatientIDorPDBID(clinic.Con(), byNumber ? String() : id, number) == 0)
+        throw Complaint(fmt::format("there is no patient {}; see: oxclass patients", id));
+    return patient;
+}
 
 void AddPatients(Program& program) {
     struct Arguments {

@@ -50,6 +50,8 @@ int RunProgram(int argc, const char* const* argv) {
     AddPatients(program);
     AddRecords(program);
     AddHanging(program);
+    AddCards(program);
+    AddDrawing(program);
     AddLayouts(program);
     AddSettings(program);
     try {

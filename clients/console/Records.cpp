@@ -125,7 +125,8 @@ void AddRecords(Program& program) {
     series->add_option("SERIES", given->series, "number of a series");
     patientOption(series);
     series->footer("Example: oxclass series 1");
-    series->callback([&program, given] {
+    series->callback([&program, given, series] {
+        if (!series->get_subcommands().empty()) return;
         if (given->series.empty()) return ListSeries(program.options, given->patient);
         ShowSeries(program.options, NumberOf(given->series, "a series"));
     });

@@ -59,6 +59,9 @@ bool SameContent(const fs::path& a, const fs::path& b) {
     return std::equal(Bytes(first), Bytes(), Bytes(second));
 }
 
+/// The name under which a file is written before it gets its own.
+fs::path PartialName(const fs::path& path) { return path.string() + fmt::format(".part{}", getpid()); }
+
 void CopyFlushed(const fs::path& from, const fs::path& to) {
     OpenFile source(from, O_RDONLY), target(to, O_WRONLY | O_CREAT | O_EXCL);
     std::vector<char> buffer(1 << 18);
@@ -69,13 +72,27 @@ void CopyFlushed(const fs::path& from, const fs::path& to) {
 
 }  // namespace
 
+void WriteWholeFile(const fs::path& path, std::string_view bytes) {
+    const fs::path partial = PartialName(path);
+    std::error_code failure;
+    try {
+        OpenFile target(partial, O_WRONLY | O_CREAT | O_EXCL);
+        target.Write(bytes.data(), bytes.size());
+        target.Flush();
+        if (rename(partial.c_str(), path.c_str()) != 0) Complain("can't write", path);
+    } catch (...) {
+        fs::remove(partial, failure);
+        throw;
+    }
+}
+
 StoredFile::StoredFile(const fs::path& from, fs::path to) : path_(std::move(to)) {
     std::error_code failure;
     fs::create_directories(path_.parent_path(), failure);
     if (failure)
         throw Complaint(
             fmt::format("can't make the folder {}: {}", path_.parent_path().string(), failure.message()));
-    const fs::path partial = path_.string() + fmt::format(".part{}", getpid());
+    const fs::path partial = PartialName(path_);
     try {
         CopyFlushed(from, partial);
         // A link never takes the place of another file, as a rename would.

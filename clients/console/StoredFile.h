@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string_view>
 
 namespace Console {
 
@@ -23,5 +24,9 @@ private:
     std::filesystem::path path_;
     bool made_ = false;
 };
+
+/// Writes a file that the user named, in place of the one that is there: whole or not at all. Throws
+/// `Complaint` when that fails; the earlier file then stays.
+void WriteWholeFile(const std::filesystem::path& path, std::string_view bytes);
 
 }  // namespace Console

@@ -16,12 +16,15 @@ void SlotPlacing::Place(cImagecardAttribute& placed, Long frame) {
         placed.IAPosY = slot->second->TAPosY;
         return;
     }
+    PlaceInGrid(placed, inGrid_++);
+}
+
+void SlotPlacing::PlaceInGrid(cImagecardAttribute& placed, Long cell) {
     constexpr Long columns = 5;
-    constexpr double cell = 0.2, picture = 0.19;
-    placed.IAHeight = placed.IAWidth = picture;
-    placed.IAPosX = (inGrid_ % columns) * cell;
-    placed.IAPosY = static_cast<double>(inGrid_ / columns) * cell;
-    ++inGrid_;
+    constexpr double step = 0.2, side = 0.19;
+    placed.IAHeight = placed.IAWidth = side;
+    placed.IAPosX = (cell % columns) * step;
+    placed.IAPosY = static_cast<double>(cell / columns) * step;
 }
 
 }  // namespace OXClass

@@ -17,6 +17,9 @@ public:
     /// Sets place and size: those of the layout's first slot of this frame, or of the grid's next cell.
     void Place(cImagecardAttribute& placed, Long frame);
 
+    /// Puts it into a cell of the grid, counted from 0 by rows.
+    static void PlaceInGrid(cImagecardAttribute& placed, Long cell);
+
 private:
     std::unordered_map<Long, const cTemplateAttribute*> slots_;
     Long inGrid_ = 0;

@@ -389,14 +389,6 @@ RadiographFile DescribeChecked(DcmFileFormat& file, const OFCondition& loaded, c
     return described;
 }
 
-void SilenceToolkit() {
-    static const bool once = [] {
-        OFLog::configure(OFLogger::OFF_LOG_LEVEL);
-        return true;
-    }();
-    static_cast<void>(once);
-}
-
 std::string BytesAt(std::istream& in, std::streamoff position, std::size_t count) {
     std::string bytes(count, '\0');
     in.clear();
@@ -418,6 +410,14 @@ Ends EndsOf(const std::filesystem::path& path) {
 }
 
 }  // namespace
+
+void SilenceToolkit() {
+    static const bool once = [] {
+        OFLog::configure(OFLogger::OFF_LOG_LEVEL);
+        return true;
+    }();
+    static_cast<void>(once);
+}
 
 PersonName SplitPersonName(const std::string& name) {
     for (const std::string& writing : Split(name, '=')) {

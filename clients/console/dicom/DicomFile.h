@@ -65,6 +65,9 @@ struct RadiographFile {
     std::string serialNumber;
 };
 
+/// Keeps the DICOM toolkit's own log off standard error, from the first call on. Any thread may call.
+void SilenceToolkit();
+
 /// Family and given name of a DICOM person name.
 struct PersonName {
     std::string family;

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "cards/cUniCards.h"
+#include "console/Clinic.h"
+#include "people/cPatient.h"
+
+#include <map>
+
+namespace Console {
+
+/// A patient by the text identifier, or by the number behind a "#". Throws `Complaint` if there is none.
+Ref<OXClass::cPatient> LoadPatient(const Clinic& clinic, const std::string& id);
+
+/// A patient's cards and series, newest first.
+struct CardList {
+    Ref<OXClass::cPatient> patient;
+    Ref<OXClass::cUniCards> entries;
+    Platform::Long orphansRemoved = 0;  ///< series without images that the listing deleted
+};
+
+/// Lists the cards and series of a patient. Throws `Complaint` for an unknown patient, and where the list
+/// could not be read whole.
+CardList ListCards(const Clinic& clinic, const std::string& patient);
+
+/// How many images an entry shows, and whether all of them are approved.
+struct ImagesOfEntry {
+    Platform::Long count = 0;
+    bool approved = false;
+};
+
+/// The same of the image cards of a patient, by the cards' keys; cards without images are not in it.
+std::map<Platform::Long, ImagesOfEntry> ImagesOfCards(const Clinic& clinic, Platform::Long patient);
+
+}  // namespace Console

@@ -1,0 +1,88 @@
+#include "console/Commands.h"
+#include "console/Program.h"
+#include "console/Report.h"
+#include "console/StoredFile.h"
+#include "console/page/Png.h"
+#include "console/page/Svg.h"
+
+#include <fmt/format.h>
+
+namespace Console {
+namespace {
+
+/// Tells of each picture that a page lacks; gives their number.
+std::size_t TellMissing(const Page& page) {
+    std::size_t missing = 0;
+    for (const PlacedPicture& placed : page.pictures) {
+        if (placed.picture) continue;
+        fmt::print(stderr, "oxclass: no picture for {}: {}\n", placed.caption, placed.missing);
+        ++missing;
+    }
+    return missing;
+}
+
+void Draw(Program& program, const std::string& key, const std::string& file, unsigned width,
+          const DrawingOptions& drawing) {
+    const bool png = Platform::EqualsIgnoringCase(std::filesystem::path(file).extension().string(), ".png");
+    if (!png && !Platform::EqualsIgnoringCase(std::filesystem::path(file).extension().string(), ".svg"))
+        throw Complaint(fmt::format("\"{}\" is no name of a drawing; end it with .svg or .png", file));
+    const Clinic clinic(program.options);
+    const Page page = PageOf(*OpenEntry(clinic, key), width);
+    const std::string svg = SvgOf(page, drawing);
+    WriteWholeFile(file, png ? PngOfSvg(svg, width) : svg);
+    const std::size_t missing = TellMissing(page);
+    if (missing > 0) program.exitCode = PartlyDone;
+    if (program.options.json)
+        return PrintJson({{"file", file}, {"images", page.pictures.size()}, {"missing", missing}});
+    fmt::print("{}: {} images drawn.\n", file, page.pictures.size() - missing);
+}
+
+void Report(Program& program, const std::string& patient, const std::string& file) {
+    const Clinic clinic(program.options);
+    const ReportTally tally = WriteReport(clinic, patient, file);
+    if (tally.missing > 0) program.exitCode = PartlyDone;
+    if (program.options.json)
+        return PrintJson({{"file", file},
+                          {"entries", tally.entries},
+                          {"images", tally.images},
+                          {"missing", tally.missing}});
+    fmt::print("{}: {} entries with {} images.\n", file, tally.entries, tally.images);
+    if (tally.missing > 0) fmt::print("{} pictures are missing; the report says why.\n", tally.missing);
+}
+
+}  // namespace
+
+void AddDrawing(Program& program) {
+    struct Arguments {
+        std::string key, file;
+        unsigned width = 2000;
+        DrawingOptions drawing;
+    };
+    const auto given = std::make_shared<Arguments>();
+    constexpr unsigned narrowest = 16, widest = 20000;
+
+    auto* draw = program.app.add_subcommand("draw", "draw a card or a series as a picture, SVG or PNG");
+    draw->add_option("CARD-OR-SERIES", given->key, "its key, as oxclass cards tells: IC5, SE7")->required();
+    draw->add_option("-o,--output", given->file, "file to write, by its ending .svg or .png")
+        ->required()
+        ->type_name("FILE");
+    draw->add_option("--width", given->width, "width of the picture in pixels; default 2000")
+        ->check(CLI::Range(narrowest, widest))
+        ->type_name("PIXELS");
+    draw->add_flag("--numbers", given->drawing.numbers, "write each image's frame or place at it");
+    draw->add_flag("--empty", given->drawing.empty, "outline the slots that show no image");
+    draw->footer(
+        "Exit code 3: some pictures are missing.\nExample: oxclass draw SE18 -o mouth.png --numbers");
+    draw->callback(
+        [&program, given] { Draw(program, given->key, given->file, given->width, given->drawing); });
+
+    auto* report = program.app.add_subcommand(
+        "report", "write a page on a patient with all cards and series, for a browser or for paper");
+    report->add_option("PATIENT", given->key, "the patient's ID, or # and the number")->required();
+    report->add_option("-o,--output", given->file, "file to write")->required()->type_name("FILE.html");
+    report->footer(
+        "Exit code 3: some pictures are missing.\nExample: oxclass report TEST-FMX18 -o report.html");
+    report->callback([&program, given] { Report(program, given->key, given->file); });
+}
+
+}  // namespace Console

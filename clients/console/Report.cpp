@@ -1,0 +1,136 @@
+#include "console/Report.h"
+
+#include "Report_page.h"
+#include "console/CardList.h"
+#include "console/StoredFile.h"
+#include "console/page/Svg.h"
+#include "platform/runtime/Services.h"
+
+#include <fmt/format.h>
+
+namespace Console {
+namespace {
+
+using namespace OXClass;
+
+constexpr unsigned PixelWidth = 1600;
+
+/// The text of the page with each "{{name}}" replaced; `texts` are HTML already.
+std::string Filled(std::string_view page, const std::map<std::string, std::string>& texts) {
+    std::string filled;
+    for (std::size_t from = 0;;) {
+        const auto open = page.find("{{", from);
+        filled += page.substr(from, open == std::string_view::npos ? open : open - from);
+        if (open == std::string_view::npos) return filled;
+        const auto close = page.find("}}", open);
+        filled += texts.at(std::string(page.substr(open + 2, close - open - 2)));
+        from = close + 2;
+    }
+}
+
+std::string FullName(const cPatient& patient) {
+    const std::string name = patient.FirstName + (patient.FirstName.empty() ? "" : " ") + patient.LastName;
+    return name.empty() ? patient.PatientID : name;
+}
+
+std::string Facts(const cPatient& patient) {
+    std::string facts;
+    const auto add = [&](const char* name, const std::string& value) {
+        if (!value.empty()) facts += fmt::format("<dt>{}</dt><dd>{}</dd>\n", name, XmlText(value));
+    };
+    add("Patient ID", patient.PatientID);
+    add("Other IDs", patient.OtherIDs->GetAllAsString());
+    add("Born", DateText(patient.BirthDate));
+    add("Sex", patient.Sex);
+    add("Written", DateText(Now()));
+    return facts;
+}
+
+/// "65 kV, 7 mA, 120 ms", without what is not known.
+std::string ExposureOf(const cImage& image) {
+    std::string text;
+    const auto add = [&](Long value, const char* unit) {
+        if (value > 0) text += fmt::format("{}{} {}", text.empty() ? "" : ", ", value, unit);
+    };
+    add(image.Voltage_kV, "kV");
+    add(image.Current_mA, "mA");
+    add(image.ExposureTime_ms, "ms");
+    return text;
+}
+
+/// The table of a page's images.
+std::string Table(const cUniCard& entry, const Page& page) {
+    if (page.pictures.empty()) return "<p class=\"quiet\">No images.</p>\n";
+    std::string rows;
+    std::size_t next = 0;
+    for (const auto& placed : Each<cImagecardAttribute>(*entry.Imagecard->ImagecardAttributes)) {
+        const PlacedPicture& picture = page.pictures[next++];
+        const Ref<cImage> image = entry.colImages->Item("K" + CStr(placed.ImageID));
+        rows += fmt::format(
+            "<tr class=\"image\"><td "
+            "class=\"number\">{}</td><td>{}</td><td>{}</td><td>{}</td><td>{}</td></tr>\n",
+            picture.number, XmlText(picture.caption), image ? DateText(image->dateTime) : "",
+            image ? ExposureOf(*image) : "", XmlText(picture.missing));
+    }
+    return fmt::format(
+        "<table><caption>Images</caption><thead><tr><th scope=\"col\" class=\"number\">{}</th><th "
+        "scope=\"col\">Teeth</th><th scope=\"col\">Taken</th><th scope=\"col\">Exposure</th><th "
+        "scope=\"col\">Remark</th></tr></thead><tbody>\n{}</tbody></table>\n",
+        entry.Series ? "Frame" : "Place", rows);
+}
+
+std::string Section(const cUniCard& entry, const Page& page) {
+    const std::string name = XmlText(page.title);
+    const std::string kind = entry.Series ? "Series" : "Image card";
+    std::string picture;
+    if (!page.pictures.empty())
+        picture = fmt::format(
+            "<button type=\"button\" class=\"enlarge\" aria-label=\"Enlarge {} {}\">{}</button>\n", kind,
+            name, SvgOf(page, {.numbers = true, .within = true}));
+    const std::string heading = entry.Series || !entry.Imagecard->ICName.empty() ? name : kind;
+    const std::string description = entry.Series || entry.Imagecard->ICDescription.empty()
+                                        ? ""
+                                        : fmt::format("<p>{}</p>\n", XmlText(entry.Imagecard->ICDescription));
+    return fmt::format(
+        "<article id=\"{0}\">\n<h2>{1}</h2>\n<p class=\"quiet\">{2} {0}, {3}, {4} "
+        "images</p>\n{5}{6}{7}</article>\n",
+        entry.Key, heading, kind, DateText(entry.SortDate()), page.pictures.size(), description, picture,
+        Table(entry, page));
+}
+
+void Load(cUniCard& entry, const Clinic& clinic) {
+    const CardTypes kind = entry.CardType();
+    Long number = kind == ctseries ? entry.Series->ID : entry.Imagecard->ICID;
+    ComplainOfTextBoxes([&] { entry.LoadCardFull(clinic.Con(), {}, number, kind); });
+}
+
+}  // namespace
+
+ReportTally WriteReport(const Clinic& clinic, const std::string& patient, const std::filesystem::path& file) {
+    const CardList list = ListCards(clinic, patient);
+    ReportTally tally;
+    std::string entries;
+    Progress progress("entries", static_cast<std::size_t>(list.entries->Count()));
+    for (cUniCard& entry : *list.entries) {
+        Load(entry, clinic);
+        const Page page = PageOf(entry, PixelWidth);
+        entries += Section(entry, page);
+        ++tally.entries;
+        tally.images += page.pictures.size();
+        for (const PlacedPicture& placed : page.pictures) tally.missing += placed.picture == nullptr;
+        entry.colImages = nullptr;
+        progress.Step();
+    }
+    progress.Clear();
+    const std::string name = XmlText(FullName(*list.patient));
+    WriteWholeFile(file, Filled(page::report_html,
+                                {{"title", name + ", dental images"},
+                                 {"patient", name},
+                                 {"facts", Facts(*list.patient)},
+                                 {"summary", fmt::format("{} cards and series with {} images, newest first.",
+                                                         tally.entries, tally.images)},
+                                 {"entries", entries}}));
+    return tally;
+}
+
+}  // namespace Console

@@ -1,0 +1,139 @@
+#include "console/page/Page.h"
+
+#include "console/Commands.h"
+#include "frame/StoredName.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+#include <set>
+
+namespace Console {
+namespace {
+
+using namespace OXClass;
+
+constexpr Long UsualWidth = 1000, UsualHeight = 700;
+
+Box BoxOf(const cImagecardAttribute& placed) {
+    return {placed.IAPosX, placed.IAPosY, placed.IAWidth, placed.IAHeight};
+}
+
+Box BoxOf(const cTemplateAttribute& slot) { return {slot.TAPosX, slot.TAPosY, slot.TAWidth, slot.TAHeight}; }
+
+/// The longer side of a box on a drawing of this width.
+unsigned PixelsOf(const Box& box, const Page& page, unsigned pixelWidth) {
+    constexpr double least = 64, most = 8000;
+    const double height = static_cast<double>(pixelWidth) * page.height / page.width;
+    const double side = std::max(box.width * pixelWidth, box.height * height);
+    return static_cast<unsigned>(std::clamp(std::ceil(side), least, most));
+}
+
+void Fill(PlacedPicture& placed, const cImage& image, unsigned longestSide) {
+    placed.caption = CaptionOf(image);
+    const std::filesystem::path path = PathOf(image);
+    try {
+        if (path.empty()) throw std::runtime_error("its stored name means no file");
+        placed.picture = std::make_shared<Picture>(ReadPicture(path, longestSide));
+    } catch (const std::exception& failure) {
+        placed.missing = failure.what();
+    }
+}
+
+PlacedPicture Placed(const cUniCard& entry, const cImagecardAttribute& attribute, const Page& page,
+                     unsigned pixelWidth) {
+    PlacedPicture placed{.box = BoxOf(attribute),
+                         .number = attribute.IASequence,
+                         .orientation = Orientation(attribute.IAMirrRotStatus)};
+    const Ref<cImage> image = entry.colImages->Item("K" + CStr(attribute.ImageID));
+    if (!image) {
+        placed.caption = fmt::format("image {}", attribute.ImageID);
+        placed.missing = "the image is not in the database";
+        return placed;
+    }
+    if (entry.Series) placed.number = image->FrameNumber;
+    Fill(placed, *image, PixelsOf(placed.box, page, pixelWidth));
+    return placed;
+}
+
+std::vector<EmptySlot> EmptySlotsOf(const cTemplate& layout, const Page& page) {
+    std::set<Long> shown;
+    for (const PlacedPicture& picture : page.pictures) shown.insert(picture.number);
+    std::vector<EmptySlot> empty;
+    for (const auto& slot : Each<cTemplateAttribute>(*layout.TemplateAttributes))
+        if (!shown.contains(slot.TANumberInTemplate))
+            empty.push_back({BoxOf(slot), slot.TANumberInTemplate, slot.TAADName});
+    return empty;
+}
+
+/// The teeth of a tooth string, a blank between those of different quadrants.
+std::string TeethByQuadrant(const std::string& teeth) {
+    std::string text;
+    char quadrant = 0;
+    for (const std::string& tooth : SplitIgnoringCase(teeth, ",")) {
+        if (tooth.empty()) continue;
+        if (quadrant != 0) text += tooth[0] == quadrant ? "," : " ";
+        text += tooth;
+        quadrant = tooth[0];
+    }
+    return text;
+}
+
+Ref<cUniCard> OpenCard(const Clinic& clinic, Long number) {
+    Ref<cUniCard> entry = New<cUniCard>();
+    entry->Imagecard = New<cImagecard>();
+    entry->Imagecard->GetImageCard(clinic.Con(), number);
+    if (number == 0 || entry->Imagecard->ICID == 0)
+        throw Complaint(fmt::format("there is no image card IC{}; see: oxclass cards PATIENT", number));
+    entry->LoadCardFull(clinic.Con(), {}, number, ctImagecard);
+    return entry;
+}
+
+Ref<cUniCard> OpenSeries(const Clinic& clinic, Long number) {
+    Ref<cUniCard> entry = New<cUniCard>();
+    entry->Series = New<cSerie>();
+    if (!entry->Series->loadSeries(CStr(number), clinic.Con()))
+        throw Complaint(fmt::format("there is no series SE{}; see: oxclass series", number));
+    entry->LoadCardFull(clinic.Con(), {}, number, ctseries);
+    return entry;
+}
+
+}  // namespace
+
+std::string CaptionOf(const cImage& image) {
+    if (!image.sTeeth.empty()) return TeethByQuadrant(image.sTeeth);
+    return image.AnaRegion.empty() ? "image " + std::to_string(image.ID) : image.AnaRegion;
+}
+
+std::filesystem::path PathOf(const cImage& image) { return FileBelow(image.Root_RootDirectory, image.URL); }
+
+std::string NameOf(const cUniCard& entry) {
+    const std::string name =
+        entry.Series ? Undoubled(entry.Series->SeriesDescription) : entry.Imagecard->ICName;
+    if (!name.empty()) return name;
+    return entry.Series ? "Series" : "Image card";
+}
+
+Ref<cUniCard> OpenEntry(const Clinic& clinic, const std::string& key) {
+    const std::string kind = UCase(key.substr(0, 2));
+    if (kind != "IC" && kind != "SE")
+        throw Complaint(fmt::format(
+            "\"{}\" names no card and no series; write IC5 for image card 5, SE7 for series 7", key));
+    const Long number = NumberOf(key.substr(2), kind == "IC" ? "an image card" : "a series");
+    return kind == "IC" ? OpenCard(clinic, number) : OpenSeries(clinic, number);
+}
+
+Page PageOf(const cUniCard& entry, unsigned pixelWidth) {
+    const cImagecard& card = *entry.Imagecard;
+    Page page{.title = NameOf(entry), .width = card.ICWidth, .height = card.ICHeight};
+    if (page.width <= 0 || page.height <= 0) {
+        page.width = UsualWidth;
+        page.height = UsualHeight;
+    }
+    for (const auto& placed : Each<cImagecardAttribute>(*card.ImagecardAttributes))
+        page.pictures.push_back(Placed(entry, placed, page, pixelWidth));
+    if (entry.Template) page.empty = EmptySlotsOf(*entry.Template, page);
+    return page;
+}
+
+}  // namespace Console

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "cards/cUniCard.h"
+#include "console/Clinic.h"
+#include "console/page/Orientation.h"
+#include "console/page/Picture.h"
+
+#include <memory>
+
+namespace Console {
+
+/// A place on a page, in fractions of its canvas, counted from the top left.
+struct Box {
+    double x = 0, y = 0, width = 0, height = 0;
+};
+
+/// One image as it lies on a page.
+struct PlacedPicture {
+    Box box;
+    Platform::Long number = 0;  ///< what is written at it on demand: frame of a series, place on a card
+    Orientation orientation{1};
+    std::string caption{};  ///< the teeth, or what else is known
+    std::shared_ptr<const Picture> picture{};
+    std::string missing{};  ///< why there is no picture; empty where there is one
+};
+
+/// A slot of the layout that shows no image.
+struct EmptySlot {
+    Box box;
+    Platform::Long number = 0;
+    std::string caption;
+};
+
+/// A card or a series as a person sees it: a canvas with pictures.
+struct Page {
+    std::string title;
+    Platform::Long width = 0;  ///< of the canvas, in its own units; never 0
+    Platform::Long height = 0;
+    std::vector<PlacedPicture> pictures{};  ///< in the order in which they are laid down
+    std::vector<EmptySlot> empty{};
+};
+
+/// What an entry of a patient's list is called: its name or description, else its kind.
+std::string NameOf(const OXClass::cUniCard& entry);
+
+/// Where the picture of an image lies; an empty path where its stored name means no file.
+std::filesystem::path PathOf(const OXClass::cImage& image);
+
+/// The teeth of an image by quadrant, "16,17 46,47"; else its region, or its number.
+std::string CaptionOf(const OXClass::cImage& image);
+
+/// An entry by its key, "IC5" or "SE7", with its images loaded. Throws `Complaint` for any other key and for
+/// one that isn't in the database.
+OXClass::Ref<OXClass::cUniCard> OpenEntry(const Clinic& clinic, const std::string& key);
+
+/// The page of an opened entry, for a drawing that is `pixelWidth` wide: pictures are no finer than that
+/// needs. A picture that can't be read is missing, with its reason.
+Page PageOf(const OXClass::cUniCard& entry, unsigned pixelWidth);
+
+}  // namespace Console

@@ -1,0 +1,145 @@
+#include "console/page/Svg.h"
+
+#include "platform/runtime/Text.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <glib.h>
+#include <memory>
+
+namespace Console {
+namespace {
+
+constexpr const char* Font = "DejaVu Sans, Verdana, Arial, sans-serif";
+
+/// A box in the units of the drawing.
+struct Rectangle {
+    double x, y, width, height;
+};
+
+/// Writes the elements of a drawing.
+class Writer {
+public:
+    Writer(const Page& page, const DrawingOptions& options) : page_(page), options_(options) {}
+
+    std::string Text() {
+        Begin();
+        if (options_.empty)
+            for (const EmptySlot& slot : page_.empty) Outline(slot.box, slot.caption, slot.number);
+        for (const PlacedPicture& placed : page_.pictures) Put(placed);
+        return std::move(svg_) + "</svg>\n";
+    }
+
+private:
+    Rectangle Scaled(const Box& box) const {
+        const auto width = static_cast<double>(page_.width), height = static_cast<double>(page_.height);
+        return {box.x * width, box.y * height, box.width * width, box.height * height};
+    }
+
+    /// The canvas, grown to what lies beyond its right and lower edges.
+    Rectangle Whole() const {
+        Rectangle whole = Scaled({0, 0, 1, 1});
+        for (const PlacedPicture& placed : page_.pictures) {
+            const Rectangle r = Scaled(placed.box);
+            whole.width = std::max(whole.width, r.x + r.width);
+            whole.height = std::max(whole.height, r.y + r.height);
+        }
+        return whole;
+    }
+
+    template <class... Values>
+    void Add(fmt::format_string<Values...> element, Values&&... values) {
+        fmt::format_to(std::back_inserter(svg_), element, std::forward<Values>(values)...);
+    }
+
+    void Begin() {
+        const Rectangle whole = Whole();
+        if (!options_.within) svg_ += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+        Add("<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 {:.6g} {:.6g}\" role=\"img\"",
+            whole.width, whole.height);
+        if (!options_.within) Add(" width=\"{:.6g}\" height=\"{:.6g}\"", whole.width, whole.height);
+        Add(" aria-label=\"{0}\">\n<title>{0}</title>\n<rect width=\"100%\" height=\"100%\" "
+            "fill=\"#000\"/>\n",
+            XmlText(page_.title));
+    }
+
+    void Put(const PlacedPicture& placed) {
+        if (!placed.picture)
+            return Outline(placed.box, placed.caption + ": " + placed.missing, placed.number);
+        const Rectangle r = Scaled(placed.box);
+        const Orientation& form = placed.orientation;
+        const bool exchanged = form.Degrees() % 180 != 0;
+        const double width = exchanged ? r.height : r.width, height = exchanged ? r.width : r.height;
+        Add("<g><title>{}</title><image transform=\"translate({:.6g} {:.6g})", XmlText(placed.caption),
+            r.x + r.width / 2, r.y + r.height / 2);
+        if (form.Degrees() != 0) Add(" rotate({})", form.Degrees());
+        if (form.Mirrored()) svg_ += " scale(-1 1)";
+        Add("\" x=\"{:.6g}\" y=\"{:.6g}\" width=\"{:.6g}\" height=\"{:.6g}\" href=\"", -width / 2,
+            -height / 2, width, height);
+        svg_ += DataAddress(*placed.picture);
+        svg_ += "\"/></g>\n";
+        if (options_.numbers) Number(r, placed.number);
+    }
+
+    void Number(const Rectangle& r, Platform::Long number) {
+        const double size = TextSize(r);
+        Add("<text x=\"{:.6g}\" y=\"{:.6g}\" font-family=\"{}\" font-size=\"{:.6g}\" fill=\"#ffd54a\" "
+            "stroke=\"#000\" stroke-width=\"{:.6g}\" paint-order=\"stroke\">{}</text>\n",
+            r.x + size * 0.3, r.y + size * 1.1, Font, size, size * 0.15, number);
+    }
+
+    static double TextSize(const Rectangle& r) { return std::max(r.height, r.width) * 0.09; }
+
+    void Outline(const Box& box, const std::string& caption, Platform::Long number) {
+        constexpr double widthOfACharacter = 0.62;
+        const Rectangle r = Scaled(box);
+        Add("<g><title>{}</title><rect x=\"{:.6g}\" y=\"{:.6g}\" width=\"{:.6g}\" height=\"{:.6g}\" "
+            "fill=\"#1a1a1a\" "
+            "stroke=\"#888\" stroke-dasharray=\"4 3\"/>",
+            XmlText(caption), r.x, r.y, r.width, r.height);
+        const double fitting = r.width * 0.94 / (widthOfACharacter * std::max(Platform::Len(caption), 1));
+        Add("<text x=\"{:.6g}\" y=\"{:.6g}\" font-family=\"{}\" font-size=\"{:.6g}\" fill=\"#bbb\" "
+            "text-anchor=\"middle\">{}</text></g>\n",
+            r.x + r.width / 2, r.y + r.height / 2, Font, std::min(fitting, TextSize(r)), XmlText(caption));
+        Number(r, number);
+    }
+
+    const Page& page_;
+    const DrawingOptions& options_;
+    std::string svg_;
+};
+
+bool IsXmlCharacter(char16_t unit) {
+    return unit >= 0x20 ? unit < 0xFFFE : unit == '\t' || unit == '\n' || unit == '\r';
+}
+
+}  // namespace
+
+std::string SvgOf(const Page& page, const DrawingOptions& options) { return Writer(page, options).Text(); }
+
+std::string XmlText(std::string_view text) {
+    std::u16string units = Platform::ToUtf16(text);
+    for (char16_t& unit : units)
+        if (!IsXmlCharacter(unit)) unit = 0xFFFD;
+    std::string escaped;
+    for (const char c : Platform::FromUtf16(units)) {
+        switch (c) {
+            case '&': escaped += "&amp;"; break;
+            case '<': escaped += "&lt;"; break;
+            case '>': escaped += "&gt;"; break;
+            case '"': escaped += "&quot;"; break;
+            case '\'': escaped += "&#39;"; break;
+            default: escaped += c;
+        }
+    }
+    return escaped;
+}
+
+std::string DataAddress(const Picture& picture) {
+    const std::unique_ptr<gchar, decltype(&g_free)> base64(
+        g_base64_encode(reinterpret_cast<const guchar*>(picture.bytes.data()), picture.bytes.size()),
+        &g_free);
+    return "data:" + picture.mediaType + ";base64," + base64.get();
+}
+
+}  // namespace Console
