@@ -1,5 +1,7 @@
 #include "bench/ByHand.h"
 
+#include "bench/HandRow.h"
+
 #include <cstdio>
 #include <cstdlib>
 #include <sqlite3.h>
@@ -19,36 +21,68 @@ namespace {
     "SOPInstanceUID_NVC, ImageNumberInSeries, DicomStatus_INT, FrameNumber_INT, SubType_INT, Gamma_INT, " \
     "AnatomicRegion, DCMDerived_BT FROM ImageBild_T LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId "
 
-std::string Text(sqlite3_stmt* row, int column) {
-    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(row, column));
-    return text ? std::string(text, static_cast<std::size_t>(sqlite3_column_bytes(row, column)))
-                : std::string();
+/// The statement of the card list's entries, word for word, up to the condition.
+#define WHOLE_ROWS "SELECT * FROM ImageBild_T LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId "
+
+/// The same columns by name, as a whole row has them.
+constexpr const char* ColumnNames[] = {"Approved",
+                                       "Brightness_INT",
+                                       "Contrast_INT",
+                                       "DateCaptured_SD",
+                                       "ExposureTime_F",
+                                       "GraphicURL_NVC",
+                                       "HardwareSourcetxt_NVC",
+                                       "ImageBildID",
+                                       "ImageType",
+                                       "Invert_BT",
+                                       "PatientID",
+                                       "Responsible_Person_NVC",
+                                       "RootId",
+                                       "Status",
+                                       "RootDirectory",
+                                       "AnaRegion",
+                                       "AnaRegionMod",
+                                       "Laterality",
+                                       "PriStructure",
+                                       "MirrRotStatus",
+                                       "CRC",
+                                       "DPIY_INT",
+                                       "DPIX_INT",
+                                       "Voltage_INT",
+                                       "Current_INT",
+                                       "Capture_Person_NVC",
+                                       "Study_ID",
+                                       "Series_ID",
+                                       "SOPInstanceUID_NVC",
+                                       "ImageNumberInSeries",
+                                       "DicomStatus_INT",
+                                       "FrameNumber_INT",
+                                       "SubType_INT",
+                                       "Gamma_INT",
+                                       "AnatomicRegion",
+                                       "DCMDerived_BT"};
+
+/// Where a statement has these columns.
+std::vector<int> PlacesIn(sqlite3_stmt* statement) {
+    std::vector<int> places;
+    for (const char* name : ColumnNames)
+        for (int i = 0; i < sqlite3_column_count(statement); ++i)
+            if (std::string_view(name) == sqlite3_column_name(statement, i)) {
+                places.push_back(i);
+                break;
+            }
+    if (places.size() != std::size(ColumnNames)) throw std::runtime_error("a column is missing");
+    return places;
 }
 
-/// Days of a date text "yyyy-mm-dd hh:nn:ss", by the civil calendar.
-double Days(sqlite3_stmt* row, int column) {
-    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(row, column));
-    if (!text || sqlite3_column_bytes(row, column) < 19) return 0;
-    const auto number = [&](int from, int count) {
-        int value = 0;
-        for (int i = from; i < from + count; ++i) value = value * 10 + text[i] - '0';
-        return value;
-    };
-    const int month = number(5, 2), year = number(0, 4) - (month <= 2);
-    const int era = year / 400, ofEra = year - era * 400;
-    const int dayOfYear = (153 * (month + (month > 2 ? -3 : 9)) + 2) / 5 + number(8, 2) - 1;
-    const int days = era * 146097 + ofEra * 365 + ofEra / 4 - ofEra / 100 + dayOfYear - 719468 + 25569;
-    return days + (number(11, 2) * 3600 + number(14, 2) * 60 + number(17, 2)) / 86400.0;
-}
-
-void Read(sqlite3_stmt* row, HandImage& image) {
-    int column = 0;
-    const auto whole = [&] { return sqlite3_column_int64(row, column++); };
-    const auto text = [&] { return Text(row, column++); };
+void Read(sqlite3_stmt* row, const std::vector<int>& places, HandImage& image) {
+    auto column = places.begin();
+    const auto whole = [&] { return sqlite3_column_int64(row, *column++); };
+    const auto text = [&] { return Text(row, *column++); };
     image.approved = whole() != 0;
     image.brightness = whole();
     image.contrast = whole();
-    image.captured = Days(row, column++);
+    image.captured = Days(row, *column++);
     image.exposure = whole();
     image.url = text();
     image.source = text();
@@ -114,6 +148,7 @@ ByHand::ByHand(const std::string& path) {
     Execute("PRAGMA synchronous=NORMAL");
     ofPatient_ = Prepare("SELECT " COLUMNS "WHERE PatientID=? ORDER BY DateCaptured_SD, ImageBildID");
     ofSeries_ = Prepare("SELECT " COLUMNS "WHERE Series_ID=? ORDER BY DateCaptured_SD, ImageBildID");
+    ofSeriesWhole_ = Prepare(WHOLE_ROWS "where Series_ID=? ORDER BY DateCaptured_SD, ImageBildID");
     one_ = Prepare("SELECT " COLUMNS "WHERE ImageBildID=?");
     insert_ = Prepare(
         "INSERT INTO ImageBild_T (ToothCollectionID, PatientID, DateCaptured_SD, Comments_NVC, "
@@ -165,17 +200,40 @@ sqlite3_stmt* ByHand::Prepare(const char* statement) {
 }
 
 std::vector<HandImage> ByHand::Load(sqlite3_stmt* statement, std::int64_t key) {
-    std::vector<HandImage> images;
     sqlite3_bind_int64(statement, 1, key);
-    while (sqlite3_step(statement) == SQLITE_ROW) Read(statement, images.emplace_back());
+    return Walk(statement);
+}
+
+const std::vector<int>& ByHand::PlacesOf(sqlite3_stmt* statement) {
+    std::vector<int>& places = places_[statement];
+    if (places.empty()) places = PlacesIn(statement);
+    return places;
+}
+
+std::vector<HandImage> ByHand::Walk(sqlite3_stmt* statement) {
+    std::vector<HandImage> images;
+    const std::vector<int>& places = PlacesOf(statement);
+    while (sqlite3_step(statement) == SQLITE_ROW) Read(statement, places, images.emplace_back());
     sqlite3_reset(statement);
     return images;
+}
+
+std::vector<HandImage> ByHand::LoadChosen(const std::vector<std::int64_t>& ids) {
+    sqlite3_stmt*& statement = chosen_[ids.size()];
+    if (!statement) {
+        std::string text = WHOLE_ROWS "WHERE ";
+        for (std::size_t i = 0; i < ids.size(); ++i) text += i == 0 ? "ImageBildID=?" : " OR ImageBildID=?";
+        statement = Prepare((text + " ORDER BY DateCaptured_SD, ImageBildID").c_str());
+    }
+    int at = 0;
+    for (const std::int64_t id : ids) sqlite3_bind_int64(statement, ++at, id);
+    return Walk(statement);
 }
 
 bool ByHand::LoadImage(std::int64_t id, HandImage& image) {
     sqlite3_bind_int64(one_, 1, id);
     const bool found = sqlite3_step(one_) == SQLITE_ROW;
-    if (found) Read(one_, image);
+    if (found) Read(one_, PlacesOf(one_), image);
     sqlite3_reset(one_);
     return found;
 }

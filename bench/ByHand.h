@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,10 @@ public:
     void Execute(const char* statement);
     std::vector<HandImage> LoadPatient(std::int64_t patient) { return Load(ofPatient_, patient); }
     std::vector<HandImage> LoadSeries(std::int64_t series) { return Load(ofSeries_, series); }
+    /// The images of a series by the statement that reads whole rows.
+    std::vector<HandImage> LoadSeriesWhole(std::int64_t series) { return Load(ofSeriesWhole_, series); }
+    /// The images of these keys, in the order of capture, by the same statement.
+    std::vector<HandImage> LoadChosen(const std::vector<std::int64_t>& ids);
     bool LoadImage(std::int64_t id, HandImage& image);
     /// Inserts the image and reads its new key.
     std::int64_t Insert(const HandImage& image);
@@ -37,10 +42,14 @@ public:
 private:
     sqlite3_stmt* Prepare(const char* statement);
     std::vector<HandImage> Load(sqlite3_stmt* statement, std::int64_t key);
+    const std::vector<int>& PlacesOf(sqlite3_stmt* statement);
+    std::vector<HandImage> Walk(sqlite3_stmt* statement);
 
     sqlite3* database_ = nullptr;
+    std::map<std::size_t, sqlite3_stmt*> chosen_;  // by the number of keys
+    std::map<sqlite3_stmt*, std::vector<int>> places_;
     std::vector<sqlite3_stmt*> all_;
-    sqlite3_stmt *ofPatient_, *ofSeries_, *one_, *insert_, *newest_, *update_;
+    sqlite3_stmt *ofPatient_, *ofSeries_, *ofSeriesWhole_, *one_, *insert_, *newest_, *update_;
 };
 
 }  // namespace Bench

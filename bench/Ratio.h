@@ -3,10 +3,18 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <vector>
 
 namespace Bench {
+
+/// Refuses to time work that was not done.
+inline void Require(bool done) {
+    if (done) return;
+    std::fputs("the benchmark did not do its work\n", stderr);
+    std::exit(1);
+}
 
 inline double Seconds(const std::function<void()>& work) {
     const auto start = std::chrono::steady_clock::now();

@@ -1,4 +1,5 @@
 #include "bench/ByHand.h"
+#include "bench/Cards.h"
 #include "bench/Clinic.h"
 #include "bench/Ratio.h"
 
@@ -16,13 +17,6 @@ namespace {
 
 using namespace Bench;
 using namespace OXClass;
-
-/// Refuses to time work that was not done.
-void Require(bool done) {
-    if (done) return;
-    std::fputs("the benchmark did not do its work\n", stderr);
-    std::exit(1);
-}
 
 void LoadPatient(const Ref<Connection>& con, ByHand& hand) {
     constexpr std::size_t expected = Images / Patients;
@@ -231,4 +225,5 @@ int main(int argc, char** argv) {
     Save(con, hand, false);
     for (const std::size_t count : {4, 18, 20}) HangStored(con, hand, count);
     for (const std::size_t count : {4, 18, 20}) Hang(con, count);
+    BenchCards(con, path, hand);
 }

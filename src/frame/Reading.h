@@ -54,7 +54,9 @@ inline Date WholeSeconds(const Variant& value) { return CDate(Format(value, "yyy
 /// The number at the head of a column's text with a "0" in front: 0 for a null, and for a negative
 /// value, whose sign ends the number.
 inline double HeadNumber(const Ref<Recordset>& rs, std::string_view column) {
-    return Val("0" + Joined(rs, column));
+    const Variant value = rs->Fields(column).Value();
+    if (value.Is<Long>() && value.As<Long>() >= 0) return value.As<Long>();
+    return value.Is<Null>() ? 0 : Val("0" + CStr(value));
 }
 
 }  // namespace OXClass
