@@ -51,6 +51,7 @@ int RunProgram(int argc, const char* const* argv) {
     AddRecords(program);
     AddHanging(program);
     AddCards(program);
+    AddComposing(program);
     AddDrawing(program);
     AddLayouts(program);
     AddSettings(program);

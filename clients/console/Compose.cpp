@@ -1,0 +1,352 @@
+#include "cards/SlotPlacing.h"
+#include "console/CardList.h"
+#include "console/Commands.h"
+#include "console/page/Page.h"
+#include "frame/Statement.h"
+#include "platform/runtime/Services.h"
+
+#include <charconv>
+#include <cmath>
+#include <fmt/format.h>
+
+namespace Console {
+namespace {
+
+using namespace OXClass;
+
+// ---- numbers of the command line --------------------------------------------------------------------
+
+Long CardNumber(const std::string& key) {
+    return NumberOf(EqualsIgnoringCase(key.substr(0, 2), "IC") ? key.substr(2) : key, "an image card");
+}
+
+/// "0.5,0.25", or one number for both.
+std::pair<double, double> PairOf(const std::string& text, const char* what) {
+    double numbers[2] = {0, 0};
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    for (int i = 0; i < 2; ++i) {
+        const auto result = std::from_chars(at, end, numbers[i]);
+        const bool whole = result.ec == std::errc() && std::abs(numbers[i]) <= 100;
+        if (whole && result.ptr == end) return {numbers[0], i == 0 ? numbers[0] : numbers[1]};
+        if (!whole || i == 1 || *result.ptr != ',') break;
+        at = result.ptr + 1;
+    }
+    throw Complaint(fmt::format(
+        "\"{}\" is no {}; write fractions of the card as in 0.5,0.25, or one number for both", text, what));
+}
+
+std::pair<Long, Long> CanvasOf(const std::string& text) {
+    const auto cross = text.find_first_of("xX");
+    const Long width = NumberOf(text.substr(0, cross), "a canvas (write 1000x700)");
+    const Long height =
+        NumberOf(cross == std::string::npos ? "" : text.substr(cross + 1), "a canvas (write 1000x700)");
+    if (width < 1 || height < 1) throw Complaint("a canvas has a width and a height above 0");
+    return {width, height};
+}
+
+// ---- composing --------------------------------------------------------------------------------------
+
+/// A stored card that is changed as a whole: nothing is stored unless all of it is.
+class Composing {
+public:
+    Composing(const Clinic& clinic, const std::string& key) : clinic_(clinic) {
+        clinic_.Con()->BeginTrans();
+        ComplainOfTextBoxes([&] { card_->GetImageCard(clinic_.Con(), CardNumber(key)); });
+        if (card_->ICID == 0)
+            throw Complaint(fmt::format("there is no image card {}; see: oxclass cards PATIENT", key));
+    }
+
+    cImagecard& Card() { return *card_; }
+
+    cImagecardAttribute& Placed(const std::string& number) {
+        const String key = "K" + CStr(NumberOf(number, "a placed image"));
+        if (!card_->ImagecardAttributes->HasKey(key))
+            throw Complaint(fmt::format("card IC{0} has no placed image {1}; see: oxclass card show IC{0}",
+                                        card_->ICID, number));
+        return *To<Ref<cImagecardAttribute>>(card_->ImagecardAttributes->Item(key));
+    }
+
+    void Store() {
+        card_->ICLastUpdate = Now();
+        card_->Save(clinic_.Con());
+        RequireManipulations();
+        clinic_.Con()->CommitTrans();
+    }
+
+private:
+    /// Saving manipulations tells no failure, so they are counted.
+    void RequireManipulations() const {
+        Long expected = 0;
+        for (const auto& placed : Each<cImagecardAttribute>(*card_->ImagecardAttributes))
+            if (!placed.ToBeDeleted && placed.ImageID != 0)
+                for (const auto& step : Each<cImageManipulation>(*placed.Manipulations))
+                    expected += step.ManipulationType != UndoStop;
+        const Long stored =
+            CLng(clinic_
+                     .Read(sql("SELECT count(*) FROM ImageManipulation_T JOIN ImageAttribute_T USING "
+                               "(ImageAttributeID) WHERE ImageCardID = ",
+                               card_->ICID))
+                     ->Fields(0)
+                     .Value());
+        if (stored != expected)
+            throw Complaint("the manipulations of the card can't be stored; nothing was changed");
+    }
+
+    const Clinic& clinic_;
+    Ref<cImagecard> card_ = New<cImagecard>();
+};
+
+void NewCard(const Options& options, const std::string& patient, const std::string& name,
+             const std::string& description, const std::string& canvas) {
+    const Clinic clinic(options);
+    const Ref<cImagecard> card = New<cImagecard>();
+    card->ICPID = LoadPatient(clinic, patient)->ID;
+    card->ICName = name;
+    card->ICDescription = description;
+    card->ICCreateDate = card->ICLastUpdate = Now();
+    std::tie(card->ICWidth, card->ICHeight) = CanvasOf(canvas);
+    clinic.Con()->BeginTrans();
+    card->Save(clinic.Con());
+    clinic.Con()->CommitTrans();
+    if (options.json) return PrintJson({{"card", fmt::format("IC{}", card->ICID)}});
+    fmt::print("IC{} is made. Place images on it: oxclass card add IC{} IMAGE\n", card->ICID, card->ICID);
+}
+
+/// Places and sizes an image as the command line says; empty texts change nothing.
+void PutAt(cImagecardAttribute& placed, const std::string& at, const std::string& size) {
+    if (!at.empty()) std::tie(placed.IAPosX, placed.IAPosY) = PairOf(at, "place");
+    if (size.empty()) return;
+    std::tie(placed.IAWidth, placed.IAHeight) = PairOf(size, "size");
+    if (placed.IAWidth <= 0 || placed.IAHeight <= 0) throw Complaint("a size is above 0");
+}
+
+void AddImages(const Options& options, const std::string& key, const std::vector<std::string>& images,
+               const std::string& at, const std::string& size) {
+    if (!at.empty() && images.size() > 1)
+        throw Complaint("--at places one image; leave it out to place several in a grid");
+    const Clinic clinic(options);
+    Composing composing(clinic, key);
+    cImagecard& card = composing.Card();
+    for (const std::string& number : images) {
+        const Ref<cImage> image = New<cImage>();
+        if (!image->GetImage(clinic.Con(), NumberOf(number, "an image")))
+            throw Complaint(fmt::format("there is no image {}; see: oxclass images", number));
+        if (image->PatID != card.ICPID)
+            throw Complaint(fmt::format("image {} belongs to another patient than the card", number));
+        const Ref<cImagecardAttribute> placed = New<cImagecardAttribute>();
+        placed->ImageID = image->ID;
+        placed->ICID = card.ICID;
+        placed->IAMirrRotStatus = static_cast<Integer>(Orientation(image->MirrRotStatus).Number());
+        SlotPlacing::PlaceInGrid(*placed, card.ImagecardAttributes->Count());
+        PutAt(*placed, at, size);
+        card.ImagecardAttributes->Add(placed);
+    }
+    composing.Store();
+    if (!options.json) fmt::print("{} images placed on IC{}.\n", images.size(), card.ICID);
+}
+
+/// "ManRotate=90,text" as a manipulation. Throws `Complaint` for an unknown kind or number.
+Ref<cImageManipulation> ManipulationOf(const std::string& text) {
+    const auto equals = text.find('=');
+    const std::string name = text.substr(0, equals);
+    Ref<cImageManipulation> step = New<cImageManipulation>();
+    for (const EnumerationValue& value : EnumerationOf<ManipulationType>::Values)
+        if (EqualsIgnoringCase(value.Name, name))
+            step->ManipulationType = static_cast<ManipulationType>(value.Value);
+    if (step->ManipulationType == ManipulationType{} || step->ManipulationType == UndoStop) {
+        std::string names;
+        for (const EnumerationValue& value : EnumerationOf<ManipulationType>::Values)
+            if (value.Value != UndoStop) names += std::string(names.empty() ? "" : ", ") + value.Name;
+        throw Complaint(fmt::format("there is no manipulation \"{}\"; there are {}", name, names));
+    }
+    if (equals == std::string::npos) return step;
+    const std::string parameters = text.substr(equals + 1);
+    const auto comma = parameters.find(',');
+    step->LongParameter = NumberOf(parameters.substr(0, comma), "a manipulation (write NAME=NUMBER,TEXT)");
+    if (comma != std::string::npos) step->StringParameter = parameters.substr(comma + 1);
+    if (Contains(step->StringParameter, "'"))
+        throw Complaint("the text of a manipulation can't hold a single quote; leave it out");
+    return step;
+}
+
+Ref<cImageManipulation> Step(ManipulationType type, Long parameter) {
+    Ref<cImageManipulation> step = New<cImageManipulation>();
+    step->ManipulationType = type;
+    step->LongParameter = parameter;
+    return step;
+}
+
+/// What `card move` is told.
+struct Move {
+    std::string at, size, comment;
+    int turn = 0;
+    bool mirror = false;
+    std::vector<std::string> records;
+};
+
+void MoveImage(const Options& options, const std::string& key, const std::string& number, const Move& move) {
+    if (move.turn % 90 != 0) throw Complaint("an image turns by 90, 180 or 270 degrees, clockwise");
+    const Clinic clinic(options);
+    Composing composing(clinic, key);
+    cImagecardAttribute& placed = composing.Placed(number);
+    PutAt(placed, move.at, move.size);
+    if (!move.comment.empty()) placed.IAComments = move.comment;
+    Orientation form(placed.IAMirrRotStatus);
+    if (move.mirror) {
+        form = form.MirroredAsSeen();
+        placed.Manipulations->Add(Step(ManMirror, 1));
+    }
+    if (move.turn % 360 != 0) {
+        form = form.Turned(move.turn);
+        placed.Manipulations->Add(Step(ManRotate, move.turn));
+    }
+    if (move.mirror || move.turn % 360 != 0) placed.IAMirrRotStatus = static_cast<Integer>(form.Number());
+    for (const std::string& record : move.records) placed.Manipulations->Add(ManipulationOf(record));
+    composing.Store();
+    if (!options.json) fmt::print("Placed image {} of IC{} is stored.\n", placed.ID, placed.ICID);
+}
+
+void RemoveImages(const Options& options, const std::string& key, const std::vector<std::string>& numbers) {
+    const Clinic clinic(options);
+    Composing composing(clinic, key);
+    for (const std::string& number : numbers) composing.Placed(number).ToBeDeleted = true;
+    composing.Store();
+    if (!options.json)
+        fmt::print("{} placed images are off IC{}; the images themselves stay.\n", numbers.size(),
+                   composing.Card().ICID);
+}
+
+// ---- showing ----------------------------------------------------------------------------------------
+
+std::string TextOf(const cImageManipulation& step) {
+    std::string name = CStr(Long{step.ManipulationType});
+    for (const EnumerationValue& value : EnumerationOf<ManipulationType>::Values)
+        if (value.Value == step.ManipulationType) name = value.Name;
+    name += "=" + CStr(step.LongParameter);
+    return step.StringParameter.empty() ? name : name + "," + step.StringParameter;
+}
+
+std::string ManipulationsOf(const cImagecardAttribute& placed) {
+    std::string text;
+    for (const auto& step : Each<cImageManipulation>(*placed.Manipulations))
+        text += (text.empty() ? "" : " ") + TextOf(step);
+    return text;
+}
+
+List PlacedImagesOf(const cUniCard& entry) {
+    List list({{"placed", "Placed"},
+               {"place", "No."},
+               {"image", "Image"},
+               {"teeth", "Teeth"},
+               {"x", "X"},
+               {"y", "Y"},
+               {"width", "Width"},
+               {"height", "Height"},
+               {"turned", "Turned"},
+               {"mirrored", "Mirrored"},
+               {"manipulations", "Manipulations"},
+               {"comment", "Comment"}});
+    for (const auto& placed : Each<cImagecardAttribute>(*entry.Imagecard->ImagecardAttributes)) {
+        const Ref<cImage> image = entry.colImages->Item("K" + CStr(placed.ImageID));
+        const Orientation form(placed.IAMirrRotStatus);
+        list.Add({placed.ID, placed.IASequence, placed.ImageID,
+                  image ? CaptionOf(*image) : "not in the database", placed.IAPosX, placed.IAPosY,
+                  placed.IAWidth, placed.IAHeight, form.Degrees(), form.Mirrored(), ManipulationsOf(placed),
+                  placed.IAComments});
+    }
+    return list;
+}
+
+void ShowCard(const Options& options, const std::string& key) {
+    const Clinic clinic(options);
+    const Ref<cUniCard> entry = OpenEntry(clinic, fmt::format("IC{}", CardNumber(key)));
+    const cImagecard& card = *entry->Imagecard;
+    const List placed = PlacedImagesOf(*entry);
+    if (options.json)
+        return PrintJson({{"card", fmt::format("IC{}", card.ICID)},
+                          {"name", card.ICName},
+                          {"description", card.ICDescription},
+                          {"created", DateText(card.ICCreateDate)},
+                          {"changed", DateText(card.ICLastUpdate)},
+                          {"width", card.ICWidth},
+                          {"height", card.ICHeight},
+                          {"images", placed.Rows()}});
+    fmt::print("IC{}: {}, {} x {}, made {}, changed {}\n", card.ICID, NameOf(*entry), card.ICWidth,
+               card.ICHeight, DateText(card.ICCreateDate), DateText(card.ICLastUpdate));
+    if (!card.ICDescription.empty()) fmt::print("{}\n", card.ICDescription);
+    placed.Print(false, fmt::format("No images yet; place some: oxclass card add IC{} IMAGE", card.ICID));
+}
+
+}  // namespace
+
+void AddComposing(Program& program) {
+    struct Arguments {
+        std::string key, name, description, canvas = "1000x700", at, size, placed;
+        std::vector<std::string> numbers;
+        Move move;
+    };
+    const auto given = std::make_shared<Arguments>();
+    const auto& options = program.options;
+
+    auto* card = program.app.add_subcommand("card", "compose a page of a patient's images");
+    card->require_subcommand(1);
+    card->footer("Example: oxclass card new TEST-FMX18 \"Caries 16\" && oxclass card add IC1 12 13");
+    const auto cardArgument = [&](CLI::App* command) {
+        command->add_option("CARD", given->key, "an image card, as IC5")->required();
+    };
+    const auto placing = [&](CLI::App* command) {
+        command->add_option("--at", given->at, "upper left corner, in fractions of the card")
+            ->type_name("X,Y");
+        command->add_option("--size", given->size, "width and height, in fractions of the card")
+            ->type_name("W,H");
+    };
+
+    auto* fresh = card->add_subcommand("new", "make an empty card");
+    fresh->add_option("PATIENT", given->key, "the patient's ID, or # and the number")->required();
+    fresh->add_option("NAME", given->name, "name of the card")->required();
+    fresh->add_option("--description", given->description, "free text")->type_name("TEXT");
+    fresh->add_option("--canvas", given->canvas, "size of the canvas; default 1000x700")->type_name("WxH");
+    fresh->footer("Example: oxclass card new TEST-FMX18 \"Caries 16\" --canvas 1200x800");
+    fresh->callback(
+        [&options, given] { NewCard(options, given->key, given->name, given->description, given->canvas); });
+
+    auto* add = card->add_subcommand("add", "place images, by default in a grid of five columns");
+    cardArgument(add);
+    add->add_option("IMAGE", given->numbers, "numbers of images of the same patient")->required();
+    placing(add);
+    add->footer("Example: oxclass card add IC1 12 --at 0.5,0.1 --size 0.4,0.3");
+    add->callback(
+        [&options, given] { AddImages(options, given->key, given->numbers, given->at, given->size); });
+
+    auto* move =
+        card->add_subcommand("move", "move, size, turn or mirror a placed image, record manipulations");
+    cardArgument(move);
+    move->add_option("PLACED", given->placed, "number of a placed image, as card show tells")->required();
+    placing(move);
+    move->add_option("--turn", given->move.turn, "turn clockwise by 90, 180 or 270 degrees")
+        ->type_name("DEGREES");
+    move->add_flag("--mirror", given->move.mirror, "mirror left to right, before it is turned");
+    move->add_option("--record", given->move.records, "record a manipulation, as ManContrast=10")
+        ->type_name("NAME=NUMBER,TEXT");
+    move->add_option("--comment", given->move.comment, "a comment on the placed image")->type_name("TEXT");
+    move->footer("Example: oxclass card move IC1 3 --turn 90 --at 0.2,0.2");
+    move->callback([&options, given] {
+        given->move.at = given->at;
+        given->move.size = given->size;
+        MoveImage(options, given->key, given->placed, given->move);
+    });
+
+    auto* remove = card->add_subcommand("remove", "take placed images off the card; the images stay");
+    cardArgument(remove);
+    remove->add_option("PLACED", given->numbers, "numbers of placed images, as card show tells")->required();
+    remove->footer("Example: oxclass card remove IC1 3");
+    remove->callback([&options, given] { RemoveImages(options, given->key, given->numbers); });
+
+    auto* show = card->add_subcommand("show", "list what is placed on the card");
+    cardArgument(show);
+    show->footer("Example: oxclass card show IC1");
+    show->callback([&options, given] { ShowCard(options, given->key); });
+}
+
+}  // namespace Console
