@@ -1,0 +1,335 @@
+#include "ProgramTest.h"
+
+#include "console/dicom/DicomPicture.h"
+#include "console/page/Png.h"
+#include "console/page/Svg.h"
+
+#include <dcmtk/dcmdata/dcrleerg.h>
+#include <dcmtk/dcmjpeg/djencode.h>
+#include <fstream>
+#include <png.h>
+
+/// The font library keeps what it found until the process ends, in memory that no pointer leads to.
+extern "C" const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig\n"; }
+
+/// What a drawing shows: pictures of files, the page as SVG, and its pixels.
+namespace {
+
+using namespace Console;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::Not;
+namespace fs = std::filesystem;
+
+struct Pixel {
+    int red, green, blue;
+    friend bool operator==(const Pixel&, const Pixel&) = default;
+};
+void PrintTo(const Pixel& p, std::ostream* out) { *out << p.red << "," << p.green << "," << p.blue; }
+constexpr Pixel Black{0, 0, 0}, White{255, 255, 255}, Red{255, 0, 0}, Green{0, 255, 0}, Blue{0, 0, 255};
+
+/// The pixels of a PNG file.
+class Pixels {
+public:
+    explicit Pixels(const std::string& file) {
+        png_.version = PNG_IMAGE_VERSION;
+        if (!png_image_begin_read_from_memory(&png_, file.data(), file.size()))
+            throw std::runtime_error(png_.message);
+        gray = (png_.format & PNG_FORMAT_FLAG_COLOR) == 0;
+        png_.format = PNG_FORMAT_RGB;
+        bytes_.resize(PNG_IMAGE_SIZE(png_));
+        if (!png_image_finish_read(&png_, nullptr, bytes_.data(), 0, nullptr))
+            throw std::runtime_error(png_.message);
+    }
+    int Width() const { return static_cast<int>(png_.width); }
+    int Height() const { return static_cast<int>(png_.height); }
+    Pixel At(int x, int y) const {
+        const auto* p = &bytes_[static_cast<std::size_t>(y * Width() + x) * 3];
+        return {p[0], p[1], p[2]};
+    }
+    int Gray(int x, int y) const { return At(x, y).red; }
+
+    bool gray = false;
+
+private:
+    png_image png_{};
+    std::vector<png_byte> bytes_;
+};
+
+/// A PNG picture of these pixels, in rows of `width`.
+Picture PictureOf(int width, const std::vector<Pixel>& pixels) {
+    png_image png{};
+    png.version = PNG_IMAGE_VERSION;
+    png.width = static_cast<png_uint_32>(width);
+    png.height = static_cast<png_uint_32>(pixels.size()) / png.width;
+    png.format = PNG_FORMAT_RGB;
+    std::vector<png_byte> bytes;
+    for (const Pixel& p : pixels)
+        for (const int channel : {p.red, p.green, p.blue}) bytes.push_back(static_cast<png_byte>(channel));
+    png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(png);
+    std::string file(size, '\0');
+    EXPECT_TRUE(png_image_write_to_memory(&png, file.data(), &size, 0, bytes.data(), 0, nullptr));
+    file.resize(size);
+    return {"image/png", file};
+}
+
+// ---- DICOM pixels -----------------------------------------------------------------------------------
+
+class DicomPicture : public ::testing::Test {
+protected:
+    /// Writes a gray file of two pixels by one, and more attributes.
+    fs::path Write(
+        std::vector<Uint16> values, const std::function<void(DcmDataset&)>& change = [](DcmDataset&) {},
+        E_TransferSyntax encoding = EXS_LittleEndianExplicit) {
+        DcmFileFormat file;
+        DcmDataset& set = *file.getDataset();
+        set.putAndInsertString(DCM_SOPClassUID, UID_SecondaryCaptureImageStorage);
+        set.putAndInsertString(DCM_SOPInstanceUID, "1.2.3");
+        set.putAndInsertUint16(DCM_Rows, 1);
+        set.putAndInsertUint16(DCM_Columns, static_cast<Uint16>(values.size()));
+        set.putAndInsertUint16(DCM_SamplesPerPixel, 1);
+        set.putAndInsertString(DCM_PhotometricInterpretation, "MONOCHROME2");
+        set.putAndInsertUint16(DCM_BitsAllocated, 16);
+        set.putAndInsertUint16(DCM_BitsStored, 12);
+        set.putAndInsertUint16(DCM_HighBit, 11);
+        set.putAndInsertUint16(DCM_PixelRepresentation, 0);
+        set.putAndInsertUint16Array(DCM_PixelData, values.data(), values.size());
+        change(set);
+        EXPECT_TRUE(set.chooseRepresentation(encoding, nullptr).good());
+        const fs::path path = folder.Path() / "film.dcm";
+        EXPECT_TRUE(file.saveFile(path.c_str(), encoding).good());
+        return path;
+    }
+
+    static std::string FailureOf(const fs::path& path) {
+        try {
+            DicomPictureAsPng(path, 1000);
+        } catch (const std::runtime_error& failure) {
+            return failure.what();
+        }
+        return "none";
+    }
+
+    TestKit::TemporaryFolder folder;
+};
+
+TEST_F(DicomPicture, GrayValuesFillTheRangeWhereThereIsNoWindow) {
+    const Pixels pixels(DicomPictureAsPng(Write({100, 200, 300}), 1000));
+    EXPECT_TRUE(pixels.gray);
+    EXPECT_EQ(pixels.Gray(0, 0), 0);
+    EXPECT_NEAR(pixels.Gray(1, 0), 128, 1);
+    EXPECT_EQ(pixels.Gray(2, 0), 255);
+}
+
+TEST_F(DicomPicture, TheFirstWindowOfTheFileIsItsWindow) {
+    const Pixels pixels(DicomPictureAsPng(Write({0, 1000, 1500, 2000, 4000},
+                                                [](DcmDataset& set) {
+                                                    set.putAndInsertString(DCM_WindowCenter, "1500\\100");
+                                                    set.putAndInsertString(DCM_WindowWidth, "1000\\10");
+                                                }),
+                                          1000));
+    EXPECT_EQ(pixels.Gray(0, 0), 0);
+    EXPECT_EQ(pixels.Gray(1, 0), 0);
+    EXPECT_NEAR(pixels.Gray(2, 0), 128, 1);
+    EXPECT_EQ(pixels.Gray(4, 0), 255);
+}
+
+TEST_F(DicomPicture, LightStandsForDenseInEitherInterpretation) {
+    const Pixels pixels(DicomPictureAsPng(
+        Write({0, 4095},
+              [](DcmDataset& set) { set.putAndInsertString(DCM_PhotometricInterpretation, "MONOCHROME1"); }),
+        1000));
+    EXPECT_EQ(pixels.Gray(0, 0), 255);
+    EXPECT_EQ(pixels.Gray(1, 0), 0);
+}
+
+TEST_F(DicomPicture, ColourStaysColour) {
+    const fs::path path = Write({0}, [](DcmDataset& set) {
+        const Uint8 rgb[] = {255, 0, 0, 0, 0, 255};
+        set.putAndInsertUint16(DCM_Columns, 2);
+        set.putAndInsertUint16(DCM_SamplesPerPixel, 3);
+        set.putAndInsertUint16(DCM_PlanarConfiguration, 0);
+        set.putAndInsertString(DCM_PhotometricInterpretation, "RGB");
+        set.putAndInsertUint16(DCM_BitsAllocated, 8);
+        set.putAndInsertUint16(DCM_BitsStored, 8);
+        set.putAndInsertUint16(DCM_HighBit, 7);
+        set.putAndInsertUint8Array(DCM_PixelData, rgb, 6);
+    });
+    const Pixels pixels(DicomPictureAsPng(path, 1000));
+    EXPECT_FALSE(pixels.gray);
+    EXPECT_EQ(pixels.At(0, 0), Red);
+    EXPECT_EQ(pixels.At(1, 0), Blue);
+}
+
+TEST_F(DicomPicture, CompressedPixelsAreRead) {
+    DJEncoderRegistration::registerCodecs();
+    DcmRLEEncoderRegistration::registerCodecs();
+    for (const E_TransferSyntax encoding : {EXS_JPEGProcess14SV1, EXS_RLELossless}) {
+        const Pixels pixels(DicomPictureAsPng(Write(
+                                                  {0, 4095, 0, 4095}, [](DcmDataset&) {}, encoding),
+                                              1000));
+        EXPECT_EQ(pixels.Gray(0, 0), 0) << encoding;
+        EXPECT_EQ(pixels.Gray(1, 0), 255) << encoding;
+    }
+}
+
+TEST_F(DicomPicture, ALargePictureIsMadeSmallerEvenly) {
+    const fs::path path = Write(std::vector<Uint16>(4000, 7), [](DcmDataset& set) {
+        set.putAndInsertUint16(DCM_Rows, 40);
+        set.putAndInsertUint16(DCM_Columns, 100);
+    });
+    const Pixels whole(DicomPictureAsPng(path, 100)), half(DicomPictureAsPng(path, 50));
+    EXPECT_EQ(whole.Width(), 100);
+    EXPECT_EQ(half.Width(), 50);
+    EXPECT_EQ(half.Height(), 20);
+}
+
+TEST_F(DicomPicture, WhatIsNoPictureSaysWhy) {
+    std::ofstream(folder.Path() / "text.dcm") << "no film";
+    EXPECT_THAT(FailureOf(folder.Path() / "text.dcm"), Not(HasSubstr("none")));
+    EXPECT_EQ(FailureOf(Write({0}, [](DcmDataset& set) { delete set.remove(DCM_PixelData); })),
+              "has no pixels");
+    EXPECT_EQ(FailureOf(Write({0},
+                              [](DcmDataset& set) {
+                                  set.putAndInsertUint16(DCM_Rows, 60000);
+                                  set.putAndInsertUint16(DCM_Columns, 60000);
+                              })),
+              "has more than 100 million pixels");
+}
+
+TEST_F(DicomPicture, APngOrJpegFileIsTakenAsItIs) {
+    const Picture png = PictureOf(1, {Red});
+    std::ofstream(folder.Path() / "a.dat", std::ios::binary) << png.bytes;
+    EXPECT_EQ(ReadPicture(folder.Path() / "a.dat", 1).mediaType, "image/png");
+    EXPECT_EQ(ReadPicture(folder.Path() / "a.dat", 1).bytes, png.bytes);
+    std::ofstream(folder.Path() / "b.dat", std::ios::binary) << "\xFF\xD8\xFF\xE0 and so on";
+    EXPECT_EQ(ReadPicture(folder.Path() / "b.dat", 1).mediaType, "image/jpeg");
+    EXPECT_EQ(ReadPicture(folder.Path() / "b.dat", 1).bytes, "\xFF\xD8\xFF\xE0 and so on");
+    EXPECT_THROW(ReadPicture(folder.Path() / "c.dat", 1), std::runtime_error);
+    EXPECT_THROW(ReadPicture(folder.Path(), 1), std::runtime_error);
+}
+
+// ---- the page as a drawing --------------------------------------------------------------------------
+
+/// A canvas of 200 x 100 with one picture in its left half.
+Page PageWith(const Picture& picture, Platform::Long orientation = 1) {
+    Page page{.title = "Page", .width = 200, .height = 100};
+    page.pictures.push_back({.box = {0, 0, 0.5, 1},
+                             .number = 7,
+                             .orientation = Orientation(orientation),
+                             .caption = "16,17",
+                             .picture = std::make_shared<Picture>(picture)});
+    return page;
+}
+
+Pixels Drawn(const Page& page, const DrawingOptions& options = {}) {
+    return Pixels(PngOfSvg(SvgOf(page, options), 200));
+}
+
+/// The four corners of the left half, which a picture of 2 x 2 fills.
+std::vector<Pixel> Corners(const Pixels& pixels) {
+    return {pixels.At(10, 10), pixels.At(90, 10), pixels.At(10, 90), pixels.At(90, 90)};
+}
+
+const Picture FourColours = PictureOf(2, {Red, Green, Blue, White});
+
+TEST(Drawing, APictureFillsItsBoxAndTheRestIsBlack) {
+    const Pixels pixels = Drawn(PageWith(FourColours));
+    EXPECT_EQ(pixels.Width(), 200);
+    EXPECT_EQ(pixels.Height(), 100);
+    EXPECT_THAT(Corners(pixels), ElementsAre(Red, Green, Blue, White));
+    EXPECT_EQ(pixels.At(150, 50), Black);
+}
+
+TEST(Drawing, APictureStaysInProportionInTheMiddleOfItsBox) {
+    const Pixels pixels = Drawn(PageWith(PictureOf(2, {Red, Red})));
+    EXPECT_EQ(pixels.At(50, 50), Red);
+    EXPECT_EQ(pixels.At(50, 10), Black);
+    EXPECT_EQ(pixels.At(50, 90), Black);
+}
+
+TEST(Drawing, PicturesAreTurnedAndMirrored) {
+    EXPECT_THAT(Corners(Drawn(PageWith(FourColours, 2))), ElementsAre(Green, Red, White, Blue));
+    EXPECT_THAT(Corners(Drawn(PageWith(FourColours, 3))), ElementsAre(White, Blue, Green, Red));
+    EXPECT_THAT(Corners(Drawn(PageWith(FourColours, 4))), ElementsAre(Blue, White, Red, Green));
+    EXPECT_THAT(Corners(Drawn(PageWith(FourColours, 5))), ElementsAre(Red, Blue, Green, White));
+    EXPECT_THAT(Corners(Drawn(PageWith(FourColours, 6))), ElementsAre(Blue, Red, White, Green));
+    EXPECT_THAT(Corners(Drawn(PageWith(FourColours, 7))), ElementsAre(White, Green, Blue, Red));
+    EXPECT_THAT(Corners(Drawn(PageWith(FourColours, 8))), ElementsAre(Green, White, Red, Blue));
+}
+
+TEST(Drawing, ATurnedPictureFillsTheBoxThatItHas) {
+    Page page = PageWith(PictureOf(2, {Red, Red}), 6);
+    page.pictures[0].box = {0, 0, 0.25, 1};
+    const Pixels pixels = Drawn(page);
+    EXPECT_EQ(pixels.At(25, 10), Red);
+    EXPECT_EQ(pixels.At(25, 90), Red);
+    EXPECT_EQ(pixels.At(75, 50), Black);
+}
+
+TEST(Drawing, LaterPicturesLieOnEarlierOnes) {
+    Page page = PageWith(PictureOf(1, {Red}));
+    page.pictures.push_back(PageWith(PictureOf(1, {Blue})).pictures[0]);
+    EXPECT_EQ(Drawn(page).At(50, 50), Blue);
+}
+
+TEST(Drawing, WhatLiesBelowTheCanvasMakesItLonger) {
+    Page page = PageWith(PictureOf(1, {Red}));
+    page.pictures[0].box = {0, 1, 0.5, 1};
+    const Pixels pixels = Drawn(page);
+    EXPECT_EQ(pixels.Height(), 200);
+    EXPECT_EQ(pixels.At(50, 150), Red);
+}
+
+TEST(Drawing, NumbersAndEmptySlotsStandThereOnDemand) {
+    Page page = PageWith(FourColours);
+    page.empty.push_back({{0.5, 0, 0.5, 1}, 8, "Left <molars> & more"});
+    const std::string plain = SvgOf(page, {});
+    EXPECT_THAT(plain, Not(HasSubstr("<text")));
+    EXPECT_EQ(Drawn(page).At(150, 20), Black);
+    EXPECT_THAT(SvgOf(page, {.numbers = true}), HasSubstr(">7</text>"));
+    const std::string both = SvgOf(page, {.numbers = true, .empty = true});
+    EXPECT_THAT(both, HasSubstr(">8</text>"));
+    EXPECT_THAT(both, HasSubstr("Left &lt;molars&gt; &amp; more"));
+    EXPECT_NE(Drawn(page, {.empty = true}).At(150, 20), Black);
+}
+
+TEST(Drawing, AMissingPictureIsABoxThatSaysWhy) {
+    Page page = PageWith(FourColours);
+    page.pictures[0].picture = nullptr;
+    page.pictures[0].missing = "the file is missing";
+    EXPECT_THAT(SvgOf(page, {}), HasSubstr("16,17: the file is missing"));
+    EXPECT_NE(Drawn(page).At(50, 20), Black);
+}
+
+TEST(Drawing, AnyTextIsXml) {
+    EXPECT_EQ(XmlText("<a href=\"x\">&'</a>"), "&lt;a href=&quot;x&quot;&gt;&amp;&#39;&lt;/a&gt;");
+    EXPECT_EQ(XmlText(std::string("a\x01\0b\tc", 6)),
+              "a\xEF\xBF\xBD\xEF\xBF\xBD"
+              "b\tc");
+    EXPECT_EQ(XmlText("\xFF\xC3\xA5"), "\xEF\xBF\xBD\xC3\xA5");
+    Page page = PageWith(FourColours);
+    page.title = std::string("\x02<&\xFF\xEF\xBF\xBF", 7);
+    EXPECT_EQ(Drawn(page).Width(), 200);
+}
+
+TEST(Drawing, WhatIsNoSvgIsRefused) {
+    EXPECT_THROW(PngOfSvg("no drawing", 100), std::runtime_error);
+    EXPECT_THROW(PngOfSvg("<svg xmlns=\"http://www.w3.org/2000/svg\"/>", 100), std::runtime_error);
+}
+
+TEST(Drawing, PicturesLargerThanAParsersUsualLimitAreDrawn) {
+    std::vector<Pixel> noise(static_cast<std::size_t>(2200) * 1800);
+    unsigned state = 1;
+    for (Pixel& p : noise) {
+        state = state * 1664525U + 1013904223U;
+        p = {static_cast<int>(state >> 24), static_cast<int>(state >> 16 & 255),
+             static_cast<int>(state >> 8 & 255)};
+    }
+    const Picture picture = PictureOf(2200, noise);
+    ASSERT_GT(picture.bytes.size(), 10'000'000U);
+    EXPECT_NE(Drawn(PageWith(picture)).At(50, 50), Black);
+}
+
+}  // namespace
