@@ -7,8 +7,8 @@ SlotPlacing::SlotPlacing(const cTemplate& layout) {
         slots_.try_emplace(slot.TANumberInTemplate, &slot);
 }
 
-void SlotPlacing::Place(cImagecardAttribute& placed, Long frame) {
-    const auto slot = slots_.find(frame);
+void SlotPlacing::Place(cImagecardAttribute& placed, const LateNumber& frame) {
+    const auto slot = slots_.empty() ? slots_.end() : slots_.find(frame);
     if (slot != slots_.end()) {
         placed.IAHeight = slot->second->TAHeight;
         placed.IAWidth = slot->second->TAWidth;

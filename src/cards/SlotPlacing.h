@@ -2,6 +2,7 @@
 
 #include "cards/cImagecardAttribute.h"
 #include "cards/cTemplate.h"
+#include "images/cImage.h"
 
 #include <unordered_map>
 
@@ -15,7 +16,8 @@ public:
     explicit SlotPlacing(const cTemplate& layout);
 
     /// Sets place and size: those of the layout's first slot of this frame, or of the grid's next cell.
-    void Place(cImagecardAttribute& placed, Long frame);
+    /// Raises what the frame raises that can't be read; where the layout has no slot it isn't read.
+    void Place(cImagecardAttribute& placed, const LateNumber& frame);
 
     /// Puts it into a cell of the grid, counted from 0 by rows.
     static void PlaceInGrid(cImagecardAttribute& placed, Long cell);

@@ -19,6 +19,7 @@ void cImagecardAttribute::ReadRow(const Ref<Recordset>& rs) {
 }
 
 bool cImagecardAttribute::Save(const Ref<Connection>& conn) {
+    const Ref<cImagecardAttribute> held(this);  // the program's messages may let it go
     if (ToBeDeleted) {
         if (ID >= 0) Delete(conn);
         return true;
@@ -118,7 +119,8 @@ String cImagecardAttribute::DeleteStoredManipulations(const Ref<Connection>& con
 String cImagecardAttribute::InsertManipulations(const Ref<Connection>& con) const {
     String cosmetic;
     Integer sequence = 0;
-    for (const cImageManipulation& step : Each<cImageManipulation>(*Manipulations)) {
+    const Ref<Collection> steps = Manipulations;  // handlers of the connection may replace it
+    for (const cImageManipulation& step : Each<cImageManipulation>(*steps)) {
         if (step.ManipulationType == UndoStop) continue;
         sequence = CInt(Long{sequence} + 1);
         if (step.ManipulationType == ManCosmetic) cosmetic = step.StringParameter;

@@ -106,7 +106,7 @@ void Complete(cSerie& series, const Ref<Recordset>& rs, Integer& step) {
     series.instanceUID = Direct<String>(rs, "SeriesInstanceUID");
     series.studyID = Direct<Long>(rs, "study_id");
     step = 13;
-    series.SeriesDerived = Nz<Long>(rs, "Derived_BT") != 0;
+    series.SeriesDerived = Nz<double>(rs, "Derived_BT") != 0;
     series.TemplateID = Nz<Long>(rs, "template_ID");
 }
 

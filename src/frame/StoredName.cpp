@@ -13,6 +13,11 @@ bool IsPartOfAPath(const String& part) {
     return !part.empty() && part != "." && part != ".." && part.find_first_of(meaningful) == String::npos;
 }
 
+/// True if `path` is a link that leads nowhere yet.
+bool IsDanglingLink(const fs::path& path) {
+    return fs::is_symlink(fs::symlink_status(path)) && !fs::exists(path);
+}
+
 /// True if `path`, its links followed as far as it exists, lies below `root`.
 bool LiesBelow(const fs::path& path, const fs::path& root) {
     const fs::path realRoot = fs::weakly_canonical(root);
@@ -25,14 +30,16 @@ bool LiesBelow(const fs::path& path, const fs::path& root) {
 }  // namespace
 
 String FileBelow(const String& root, const String& storedName) {
-    if (root.empty() || storedName.empty()) return {};
-    fs::path path(root);
-    for (const String& part : SplitIgnoringCase(Replace(storedName, "/", "\\"), "\\")) {
-        if (!IsPartOfAPath(part)) return {};
-        path /= part;
-    }
+    if (root.empty() || root.find('\0') != String::npos || storedName.empty()) return {};
+    const fs::path folder = (fs::path(root) / "").parent_path();  // without a separator at its end
+    fs::path path = folder;
     try {
-        return LiesBelow(path, root) ? path.string() : String();
+        for (const String& part : SplitIgnoringCase(Replace(storedName, "/", "\\"), "\\")) {
+            if (!IsPartOfAPath(part)) return {};
+            path /= part;
+            if (IsDanglingLink(path)) return {};
+        }
+        return LiesBelow(path, folder) ? path.string() : String();
     } catch (const fs::filesystem_error&) {
         return {};  // a loop of links, or a folder that may not be looked into
     }

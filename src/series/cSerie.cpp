@@ -37,7 +37,7 @@ void cSerie::ReadRow(const Ref<Recordset>& rs) {
     OrgServer = Nz<Long>(rs, "orgServerID");
     SeriesDescription = Joined(rs, "SeriesDescription");
     SeriesDateTime = WholeSeconds(NzValue(rs->Fields("SeriesDateTime").Value()));
-    SeriesDerived = Nz<Long>(rs, "Derived_BT") != 0;
+    SeriesDerived = Nz<double>(rs, "Derived_BT") != 0;
     location = Nz<gdcmObjectLocation>(rs, "location");
     if (ImgCount == 0) ImgCount = Nz<Long>(rs, "NumberOfImages");
 }

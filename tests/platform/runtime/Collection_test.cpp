@@ -46,6 +46,19 @@ TEST(Collection, ADuplicateKeyRaises457AndChangesNothing) {
     EXPECT_EQ(All(*c), "ab");
 }
 
+TEST(Collection, HasAKeyWithoutRegardToCaseUntilItsMemberGoes) {
+    const Ref<Collection> c = New<Collection>();
+    EXPECT_FALSE(c->HasKey(""));
+    c->Add("first", "Key");
+    c->Add("no key");
+    EXPECT_TRUE(c->HasKey("kEY"));
+    EXPECT_FALSE(c->HasKey("first"));
+    EXPECT_FALSE(c->HasKey("1")) << "a position is no key";
+    EXPECT_FALSE(c->HasKey(""));
+    c->Remove(Long{1});
+    EXPECT_FALSE(c->HasKey("Key"));
+}
+
 TEST(Collection, AddGoesBeforeOrBehindAMember) {
     const Ref<Collection> c = Letters("ab");
     c->Add("x", {}, "b");
