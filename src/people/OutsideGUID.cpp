@@ -1,0 +1,11 @@
+#include "people/OutsideGUID.h"
+
+#include "people/cDoctors.h"
+
+namespace OXClass {
+
+std::function<String()> OutsideGUID;
+
+String NewOutsideGUID() { return UCase(OutsideGUID ? OutsideGUID() : New<cDoctors>()->GetGUID()); }
+
+}  // namespace OXClass

@@ -1,0 +1,73 @@
+#include "people/cDoctors.h"
+
+#include "frame/Reading.h"
+
+#include <cstdio>
+
+namespace OXClass {
+
+Long cDoctors::GetAllDoctors(const Ref<Connection>& Con) {
+    Clear();
+    return Prefixed("cDoctors.GetAllDoctors, ", [&] {
+        const Ref<Recordset> rs = OpenClient(
+            Con, "SELECT * FROM Doctor_T order by DrLastName_nvc, DrFirstname_nvc;", ADODB::adCmdUnspecified);
+        Long count = 0;
+        for (; !rs->Eof(); rs->MoveNext()) {
+            const Long number = Direct<Long>(rs, "drID");
+            const Ref<cDoctor> doctor =
+                Add(number, Joined(rs, "DrName_NVC"), Joined(rs, "DrFirstName_NVC"),
+                    Joined(rs, "DrLastName_NVC"), Joined(rs, "DrPrefix_NVC"), Joined(rs, "DrContactInfo_NVC"),
+                    Nz<DoctorType>(rs, "DrType_INT"), "K" + CStr(number));
+            doctor->DrEMail = Joined(rs, "DrEMail");
+            doctor->drGUID = UCase(Joined(rs, "drGUID"));
+            doctor->DrLogin = Joined(rs, "DrLogin");
+            if (Trim(doctor->drGUID).empty()) doctor->drGUID = UCase(GetGUID());
+            ++count;
+        }
+        rs->Close();
+        return count;
+    });
+}
+
+Ref<cDoctor> cDoctors::Add(const Long& drID, const String& DrName, const String& DrFirstName,
+                           const String& DrLastName, const String& DrPrefix, const String& DrContactInfo,
+                           const DoctorType& DrType, const String& sKey) {
+    const Ref<cDoctor> doctor = New<cDoctor>();
+    doctor->drID = drID;
+    doctor->DrName = DrName;
+    doctor->DrFirstName = DrFirstName;
+    doctor->DrLastName = DrLastName;
+    doctor->DrPrefix = DrPrefix;
+    doctor->DrContactInfo = DrContactInfo;
+    doctor->DrType = DrType;
+    return AddMember(doctor, sKey);
+}
+
+String cDoctors::GetGUID() const {
+    Guid guid;
+    if (CreateGuid(guid) != 0) return {};
+    std::array<char, 33> digits{};
+    std::snprintf(digits.data(), digits.size(), "%08X%04X%04X", guid.Data1, guid.Data2, guid.Data3);
+    String text = digits.data();
+    for (const std::uint8_t byte : guid.Data4) {
+        std::snprintf(digits.data(), digits.size(), "%02X", byte);
+        text += digits.data();
+    }
+    return text;
+}
+
+const Interface& cDoctors::Describe() const {
+    static const Interface self = InterfaceOf<cDoctors>({
+        Operation<&cDoctors::GetAllDoctors>("GetAllDoctors", {"Con"}),
+        Operation<&cDoctors::Add>("Add", {"drID", "DrName", "DrFirstName", "DrLastName", "DrPrefix",
+                                          "DrContactInfo", "DrType", Optional("sKey")}),
+        ReadOnly<&cDoctors::Item>("Item", {"vntIndexKey"}, DefaultMember),
+        ReadOnly<&cDoctors::Count>("Count"),
+        Operation<&cDoctors::Remove>("Remove", {"vntIndexKey"}),
+        ReadOnly<&cDoctors::NewEnum>("NewEnum", {}, EnumeratorMember),
+        Operation<&cDoctors::GetGUID>("GetGUID"),
+    });
+    return self;
+}
+
+}  // namespace OXClass
