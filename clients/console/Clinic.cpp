@@ -120,6 +120,8 @@ List Clinic::ListOf(const std::string& statement) const {
 
 std::string Undoubled(const std::string& description) { return Replace(description, "''", "'"); }
 
+std::string WithoutQuotes(const std::string& text) { return Replace(text, "'", "\u2019"); }
+
 void ComplainOfTextBoxes(const std::function<void()>& work) {
     std::string told;
     const auto before = std::exchange(

@@ -50,6 +50,9 @@ private:
 /// saving what was loaded would double it again.
 std::string Undoubled(const std::string& description);
 
+/// A text for a column that a statement takes unescaped: a quote becomes the typographic one.
+std::string WithoutQuotes(const std::string& text);
+
 /// Runs `work`. A text box that the library shows in it, which tells a failure that it doesn't raise, becomes
 /// a `Complaint` behind it.
 void ComplainOfTextBoxes(const std::function<void()>& work);

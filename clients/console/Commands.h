@@ -24,6 +24,8 @@ void AddCards(Program& program);      ///< cards, series save-as-card
 void AddComposing(Program& program);  ///< card new, add, move, remove, show
 void AddDrawing(Program& program);    ///< draw, report
 void AddLayouts(Program& program);    ///< layouts, anatomy
+void AddStaff(Program& program);      ///< doctors, doctor, clinics, clinic, guid
+void AddWorklist(Program& program);   ///< worklist
 void AddSettings(Program& program);   ///< roots, setting, uid
 
 /// A whole number of the command line, "12" or "K12". Throws `Complaint` for anything else.

@@ -51,9 +51,6 @@ void RequireUid(const std::string& uid, const char* what) {
     if (!formed) throw Complaint(fmt::format("its {} \"{}\" is no DICOM identifier", what, uid));
 }
 
-/// A text for a column that a statement takes unescaped: a quote becomes the typographic one.
-std::string WithoutQuotes(const std::string& text) { return Replace(text, "'", "\u2019"); }
-
 /// The files of the folders and files that were named, in the order of their names, each once.
 struct FoundFiles {
     std::vector<fs::path> files;

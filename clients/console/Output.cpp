@@ -1,4 +1,4 @@
-#include "console/Output.h"
+#include "console/Fields.h"
 
 #include <algorithm>
 #include <chrono>
@@ -54,6 +54,14 @@ std::string DateText(Platform::Date date) {
 
 void PrintJson(const Json& json) {
     fmt::print("{}\n", json.dump(2, ' ', false, Json::error_handler_t::replace));
+}
+
+void PrintFields(const Json& shown, bool asJson) {
+    if (asJson) return PrintJson(shown);
+    std::size_t width = 0;
+    for (const auto& [name, value] : shown.items()) width = std::max(width, name.size());
+    for (const auto& [name, value] : shown.items())
+        fmt::print("{:<{}} {}\n", name, width + 1, CellText(value));
 }
 
 void List::Print(bool asJson, const std::string& whenEmpty) const {

@@ -1,4 +1,5 @@
 #include "console/Commands.h"
+#include "console/Fields.h"
 
 #include "console/CardList.h"
 
@@ -40,12 +41,7 @@ void ListPatients(const Options& options, const std::string& text) {
                                  : "No patient matches \"" + text + "\".");
 }
 
-/// The fields that can be shown and set, by the names of the class.
-struct Field {
-    const char* name;
-    String cPatient::*text;
-};
-constexpr Field TextFields[] = {
+constexpr TextField<cPatient> TextFields[] = {
     {"LastName", &cPatient::LastName},
     {"FirstName", &cPatient::FirstName},
     {"Sex", &cPatient::Sex},
@@ -67,16 +63,8 @@ Date DateOf(const std::string& value) {
 }
 
 void SetField(cPatient& patient, const std::string& assignment) {
-    const auto equals = assignment.find('=');
-    const std::string name = assignment.substr(0, equals);
-    if (equals == std::string::npos)
-        throw Complaint(fmt::format("\"{}\" sets nothing; write FIELD=VALUE", assignment));
-    const std::string value = assignment.substr(equals + 1);
-    for (const Field& field : TextFields) {
-        if (!EqualsIgnoringCase(field.name, name)) continue;
-        patient.*field.text = value;
-        return;
-    }
+    const auto [name, value] = AssignmentOf(assignment);
+    if (SetText<cPatient>(patient, TextFields, name, value)) return;
     if (EqualsIgnoringCase(name, "BirthDate")) return void(patient.BirthDate = DateOf(value));
     if (EqualsIgnoringCase(name, "PrevXrayDate")) return void(patient.PrevXrayDate = DateOf(value));
     if (EqualsIgnoringCase(name, "RespDoctor"))
@@ -89,7 +77,7 @@ Json Shown(const cPatient& patient) {
     Json json;
     json["Number"] = patient.ID;
     json["PatientID"] = patient.PatientID;
-    for (const Field& field : TextFields) json[field.name] = patient.*field.text;
+    AddTexts<cPatient>(json, patient, TextFields);
     json["BirthDate"] = DateText(patient.BirthDate);
     json["PrevXrayDate"] = DateText(patient.PrevXrayDate);
     json["RespDoctor"] = patient.RespDoctor;
@@ -104,10 +92,7 @@ void ShowPatient(const Options& options, const std::string& id, const std::vecto
     if (Contains(patient->Sex + patient->OtherIDs->GetAllAsString(), "'"))
         throw Complaint("Sex and OtherIDs can't hold a single quote; leave it out");
     if (!assignments.empty()) patient->Save(clinic.Con());
-    const Json json = Shown(*patient);
-    if (options.json) return PrintJson(json);
-    for (const auto& [name, value] : json.items())
-        fmt::print("{:<13} {}\n", name, value.is_string() ? value.get<std::string>() : value.dump());
+    PrintFields(Shown(*patient), options.json);
 }
 
 }  // namespace

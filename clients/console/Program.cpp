@@ -54,6 +54,8 @@ int RunProgram(int argc, const char* const* argv) {
     AddComposing(program);
     AddDrawing(program);
     AddLayouts(program);
+    AddStaff(program);
+    AddWorklist(program);
     AddSettings(program);
     try {
         program.app.parse(argc, argv);

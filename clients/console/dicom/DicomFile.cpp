@@ -1,14 +1,13 @@
 #include "console/dicom/DicomFile.h"
 
 #include "console/dicom/DicomCodes.h"
-#include "console/dicom/DicomText.h"
+#include "console/dicom/DicomValues.h"
 
 #include <dcmtk/config/osconfig.h>
 #include <dcmtk/dcmdata/dctk.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <chrono>
 #include <cmath>
 #include <cstring>
@@ -21,67 +20,6 @@ namespace {
 
 /// Values longer than this many bytes stay in the file until somebody asks for them.
 constexpr Uint32 LongestValueRead = 64 * 1024;
-
-// ---------------------------------------------------------------------------------------------- texts
-
-std::string Trimmed(std::string_view text) {
-    constexpr std::string_view padding(" \0", 2);
-    const auto first = text.find_first_not_of(padding);
-    if (first == std::string_view::npos) return {};
-    return std::string(text.substr(first, text.find_last_not_of(padding) - first + 1));
-}
-
-std::vector<std::string> Split(std::string_view text, char separator) {
-    std::vector<std::string> parts;
-    for (;;) {
-        const auto end = text.find(separator);
-        parts.push_back(Trimmed(text.substr(0, end)));
-        if (end == std::string_view::npos) return parts;
-        text.remove_prefix(end + 1);
-    }
-}
-
-// ------------------------------------------------------------------------------------- days and times
-
-std::string DigitsOf(std::string_view text, std::string_view separators) {
-    std::string digits;
-    for (const char c : text) {
-        if (separators.find(c) == std::string_view::npos) digits += c;
-    }
-    return digits;
-}
-
-bool AllDigits(std::string_view text) {
-    return std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
-}
-
-int NumberAt(const std::string& digits, std::size_t position, std::size_t length) {
-    return std::stoi(digits.substr(position, length));
-}
-
-/// "YYYY-MM-DD" for "YYYYMMDD" and the older "YYYY.MM.DD"; empty for what is no calendar day.
-std::string DayText(std::string_view value) {
-    const std::string digits = DigitsOf(value, ".-");
-    if (digits.size() != 8 || !AllDigits(digits)) return {};
-    const std::chrono::year_month_day day{std::chrono::year{NumberAt(digits, 0, 4)},
-                                          std::chrono::month{static_cast<unsigned>(NumberAt(digits, 4, 2))},
-                                          std::chrono::day{static_cast<unsigned>(NumberAt(digits, 6, 2))}};
-    if (!day.ok()) return {};
-    return digits.substr(0, 4) + "-" + digits.substr(4, 2) + "-" + digits.substr(6, 2);
-}
-
-/// "hh:mm:ss" for "hhmmss.ffffff", "hhmm", "hh" and the older "hh:mm:ss"; midnight for anything else. A
-/// leap second counts as the second before it.
-std::string TimeText(std::string_view value) {
-    std::string digits = DigitsOf(value.substr(0, value.find('.')), ":");
-    if (digits.size() % 2 != 0 || digits.size() > 6 || !AllDigits(digits)) digits.clear();
-    digits.resize(6, '0');
-    if (digits.compare(4, 2, "60") == 0) digits.replace(4, 2, "59");
-    const bool real =
-        NumberAt(digits, 0, 2) < 24 && NumberAt(digits, 2, 2) < 60 && NumberAt(digits, 4, 2) < 60;
-    if (!real) return "00:00:00";
-    return digits.substr(0, 2) + ":" + digits.substr(2, 2) + ":" + digits.substr(4, 2);
-}
 
 std::string PointInTime(std::string_view day, std::string_view time) {
     const std::string date = DayText(day);
@@ -97,60 +35,10 @@ std::string PointInTime(std::string_view both) {
 
 // ------------------------------------------------------------------------------------------ the file
 
-std::string RawText(DcmItem& item, const DcmTagKey& tag) {
-    const char* text = nullptr;
-    return item.findAndGetString(tag, text).good() && text != nullptr ? text : "";
-}
-
 /// A number that DICOM stores in two bytes; 0 if it is absent.
 int Binary(DcmItem& item, const DcmTagKey& tag) {
     Uint16 number = 0;
     return item.findAndGetUint16(tag, number).good() ? number : 0;
-}
-
-/// Reads values of one data set as plain texts and numbers.
-class Values {
-public:
-    explicit Values(DcmItem& dataset) : decoder(RawText(dataset, DCM_SpecificCharacterSet)) {}
-
-    /// The whole value with all its parts, in UTF-8, trimmed; empty if it is absent.
-    std::string Text(DcmItem& item, const DcmTagKey& tag) const {
-        return Trimmed(decoder.Decode(RawText(item, tag)));
-    }
-
-    std::vector<std::string> Texts(DcmItem& item, const DcmTagKey& tag) const {
-        std::vector<std::string> texts = Split(Text(item, tag), '\\');
-        std::erase(texts, "");
-        return texts;
-    }
-
-    /// The number at `position` of the value, 0 if there is none.
-    double Number(DcmItem& item, const DcmTagKey& tag, std::size_t position = 0) const {
-        const std::vector<std::string> parts = Split(Text(item, tag), '\\');
-        if (position >= parts.size()) return 0;
-        const std::string& part = parts[position];
-        const std::size_t sign = part.starts_with('+') ? 1 : 0;
-        double number = 0;
-        std::from_chars(part.data() + sign, part.data() + part.size(), number);
-        return std::isfinite(number) ? number : 0;
-    }
-
-    /// The same for a whole number, 0 too where it does not fit.
-    int Whole(DcmItem& item, const DcmTagKey& tag) const {
-        const double number = Number(item, tag);
-        return std::abs(number) < 2147483648.0 ? static_cast<int>(number) : 0;
-    }
-
-private:
-    TextDecoder decoder;
-};
-
-/// Calls `visit` with each item of the sequence `tag`; does nothing if it is absent.
-template <class Visitor>
-void EachItem(DcmItem& parent, const DcmTagKey& tag, const Visitor& visit) {
-    DcmSequenceOfItems* sequence = nullptr;
-    if (parent.findAndGetSequence(tag, sequence).bad() || sequence == nullptr) return;
-    for (unsigned long i = 0; i < sequence->card(); ++i) visit(*sequence->getItem(i));
 }
 
 /// Fills a `RadiographFile` from a data set, one subject an operation.

@@ -1,0 +1,337 @@
+#include "console/Commands.h"
+#include "console/Fields.h"
+#include "people/cClinics.h"
+#include "people/cDoctors.h"
+
+#include <fmt/format.h>
+
+namespace Console {
+namespace {
+
+using namespace OXClass;
+using Json = nlohmann::ordered_json;
+
+// ---- doctors ----------------------------------------------------------------------------------------
+
+constexpr TextField<cDoctor> DoctorTexts[] = {
+    {"DrLastName", &cDoctor::DrLastName},
+    {"DrFirstName", &cDoctor::DrFirstName},
+    {"DrPrefix", &cDoctor::DrPrefix},
+    {"DrName", &cDoctor::DrName},
+    {"DrContactInfo", &cDoctor::DrContactInfo},
+    {"DrEMail", &cDoctor::DrEMail},
+    {"DrLogin", &cDoctor::DrLogin},
+};
+
+constexpr struct {
+    DoctorType type;
+    const char* name;
+} DoctorTypes[] = {{drt_Unknown, "unknown"}, {drt_Local, "local"}, {drt_Remote, "remote"}, {drt_Web, "web"}};
+
+std::string NameOf(DoctorType type) {
+    for (const auto& known : DoctorTypes)
+        if (known.type == type) return known.name;
+    return CStr(Long{type});
+}
+
+DoctorType TypeNamed(const std::string& name) {
+    for (const auto& known : DoctorTypes)
+        if (EqualsIgnoringCase(known.name, name)) return known.type;
+    throw Complaint(
+        fmt::format("\"{}\" is no type of doctor; there are unknown, local, remote and web", name));
+}
+
+void ListDoctors(const Options& options) {
+    const Clinic clinic(options);
+    const Ref<cDoctors> doctors = New<cDoctors>();
+    doctors->GetAllDoctors(clinic.Con());
+    std::map<Long, Long> patients;
+    const Ref<Recordset> counts =
+        clinic.Read("SELECT RespDoctor, count(*) FROM Patient_T WHERE RespDoctor <> 0 GROUP BY RespDoctor");
+    for (; !counts->Eof(); counts->MoveNext())
+        patients[counts->Fields(0).As<Long>()] = counts->Fields(1).As<Long>();
+    List list({{"number", "Number"},
+               {"last_name", "Last name"},
+               {"first_name", "First name"},
+               {"name", "Name"},
+               {"type", "Type"},
+               {"email", "E-mail"},
+               {"patients", "Patients"}});
+    for (const cDoctor& doctor : *doctors)
+        list.Add({doctor.drID, doctor.DrLastName, doctor.DrFirstName, doctor.DrName, NameOf(doctor.DrType),
+                  doctor.DrEMail, patients[doctor.drID]});
+    list.Print(options.json, "There are no doctors yet; make one with: oxclass doctor new DrLastName=Ek");
+}
+
+void SetFields(cDoctor& doctor, const std::vector<std::string>& assignments) {
+    for (const std::string& assignment : assignments) {
+        const auto [name, value] = AssignmentOf(assignment);
+        if (SetText<cDoctor>(doctor, DoctorTexts, name, value)) continue;
+        if (!EqualsIgnoringCase(name, "DrType"))
+            throw Complaint(
+                fmt::format("a doctor has no field \"{}\"; oxclass doctor show NUMBER shows them all", name));
+        doctor.DrType = TypeNamed(value);
+    }
+}
+
+Ref<cDoctor> LoadDoctor(const Clinic& clinic, const std::string& number) {
+    Ref<cDoctor> doctor = New<cDoctor>();
+    if (!doctor->LoadDoctor(NumberOf(number, "a doctor"), clinic.Con()))
+        throw Complaint(fmt::format("there is no doctor {}; see: oxclass doctors", number));
+    return doctor;
+}
+
+void Print(const Options& options, const cDoctor& doctor) {
+    Json shown;
+    shown["Number"] = doctor.drID;
+    shown["DICOM name"] = doctor.GetDCMName();
+    AddTexts<cDoctor>(shown, doctor, DoctorTexts);
+    shown["DrType"] = NameOf(doctor.DrType);
+    shown["drGUID"] = doctor.drGUID;
+    PrintFields(shown, options.json);
+}
+
+/// Stores a doctor and shows it as it is stored, with its texts cut and its new GUID.
+void Store(const Options& options, const Clinic& clinic, cDoctor& doctor) {
+    doctor.SaveDoctor(clinic.Con());
+    Print(options, *LoadDoctor(clinic, CStr(doctor.drID)));
+}
+
+void NewDoctor(const Options& options, const std::vector<std::string>& assignments) {
+    const Clinic clinic(options);
+    const Ref<cDoctor> doctor = New<cDoctor>();
+    doctor->DrType = drt_Local;
+    SetFields(*doctor, assignments);
+    if (Trim(doctor->GetDCMName()).empty())
+        throw Complaint("a doctor needs a name; set DrLastName, DrFirstName or DrName");
+    Store(options, clinic, *doctor);
+}
+
+void SetDoctor(const Options& options, const std::string& number,
+               const std::vector<std::string>& assignments) {
+    const Clinic clinic(options);
+    const Ref<cDoctor> doctor = LoadDoctor(clinic, number);
+    SetFields(*doctor, assignments);
+    Store(options, clinic, *doctor);
+}
+
+void ShowDoctor(const Options& options, const std::string& number) {
+    const Clinic clinic(options);
+    Print(options, *LoadDoctor(clinic, number));
+}
+
+void DeleteDoctor(const Options& options, const std::string& number) {
+    const Clinic clinic(options);
+    const Ref<cDoctor> doctor = LoadDoctor(clinic, number);
+    const Long patients = doctor->PatientCount(clinic.Con());
+    doctor->DeleteDoctor(clinic.Con());
+    if (patients > 0)
+        fmt::print(stderr,
+                   "oxclass: {} patients still name doctor {}; set another with: oxclass patient ID "
+                   "RespDoctor=NUMBER\n",
+                   patients, doctor->drID);
+    if (options.json) return PrintJson({{"deleted", doctor->drID}, {"patients", patients}});
+    fmt::print("Doctor {} is deleted.\n", doctor->drID);
+}
+
+void AddDoctorCommands(Program& program) {
+    struct Arguments {
+        std::string number;
+        std::vector<std::string> assignments;
+    };
+    const auto given = std::make_shared<Arguments>();
+    const auto& options = program.options;
+    auto* doctors =
+        program.app.add_subcommand("doctors", "list the doctors by name, with how many patients each has");
+    doctors->footer("Example: oxclass doctors --json");
+    doctors->callback([&options] { ListDoctors(options); });
+
+    auto* doctor = program.app.add_subcommand("doctor", "make, set, show or delete a doctor");
+    doctor->require_subcommand(1);
+    doctor->footer("Example: oxclass doctor new DrLastName=Ek DrFirstName=Anna DrPrefix=Dr");
+    const auto numbered = [&](const char* name, const char* what) {
+        auto* command = doctor->add_subcommand(name, what);
+        command->add_option("NUMBER", given->number, "number of a doctor, as oxclass doctors tells")
+            ->required();
+        command->footer(fmt::format("Example: oxclass doctor {} 1{}", name,
+                                    std::string_view(name) == "set" ? " DrType=remote" : ""));
+        return command;
+    };
+    const auto fields = [&](CLI::App* command) {
+        command
+            ->add_option(
+                "FIELD=VALUE", given->assignments,
+                "fields to set: DrLastName, DrFirstName, DrPrefix, DrName, DrContactInfo, DrEMail, DrLogin, "
+                "DrType")
+            ->required();
+    };
+    auto* fresh = doctor->add_subcommand("new", "make a doctor; texts too long for their column are cut");
+    fields(fresh);
+    fresh->footer("Example: oxclass doctor new DrLastName=Ek DrFirstName=Anna DrPrefix=Dr");
+    fresh->callback([&options, given] { NewDoctor(options, given->assignments); });
+    auto* set = numbered("set", "set single fields of a doctor");
+    fields(set);
+    set->callback([&options, given] { SetDoctor(options, given->number, given->assignments); });
+    numbered("show", "show a doctor")->callback([&options, given] { ShowDoctor(options, given->number); });
+    numbered("delete", "delete a doctor; tells how many patients still name him or her")
+        ->callback([&options, given] { DeleteDoctor(options, given->number); });
+}
+
+// ---- clinics ----------------------------------------------------------------------------------------
+
+constexpr TextField<cClinic> ClinicTexts[] = {
+    {"ClinicName", &cClinic::ClinicName},
+    {"OrgNumber", &cClinic::OrgNumber},
+    {"StreetAddress", &cClinic::StreetAddress},
+    {"ZipCode", &cClinic::ZipCode},
+    {"City", &cClinic::City},
+    {"Telephone", &cClinic::Telephone},
+    {"Remarks16", &cClinic::Remarks16},
+};
+
+void ListClinics(const Options& options) {
+    const Clinic clinic(options);
+    const Ref<cClinics> clinics = New<cClinics>();
+    clinics->GetAllClinics(clinic.Con());
+    const Ref<cClinic> headOffice = clinics->GetHQClinic(clinic.Con());
+    List list({{"number", "Number"},
+               {"name", "Name"},
+               {"head_office", "Head office"},
+               {"street", "Street"},
+               {"zip", "Zip code"},
+               {"city", "City"},
+               {"telephone", "Telephone"}});
+    for (const cClinic& one : *clinics)
+        list.Add({one.ID, one.ClinicName, &one == headOffice.Get(), one.StreetAddress, one.ZipCode, one.City,
+                  one.Telephone});
+    list.Print(options.json, "There are no clinics.");
+}
+
+void SetFields(cClinic& clinic, const std::vector<std::string>& assignments) {
+    for (const std::string& assignment : assignments) {
+        const auto [name, value] = AssignmentOf(assignment);
+        if (!SetText<cClinic>(clinic, ClinicTexts, name, value))
+            throw Complaint(
+                fmt::format("a clinic has no field \"{}\"; oxclass clinic show NUMBER shows them all", name));
+    }
+}
+
+Ref<cClinic> LoadClinic(const Clinic& database, const std::string& number) {
+    Ref<cClinic> clinic = New<cClinic>();
+    if (!clinic->LoadClinic(NumberOf(number, "a clinic"), database.Con()))
+        throw Complaint(fmt::format("there is no clinic {}; see: oxclass clinics", number));
+    return clinic;
+}
+
+void Print(const Options& options, const cClinic& clinic) {
+    Json shown;
+    shown["Number"] = clinic.ID;
+    AddTexts<cClinic>(shown, clinic, ClinicTexts);
+    PrintFields(shown, options.json);
+}
+
+/// Stores a clinic and shows it as it is stored, with its texts cut.
+void Store(const Options& options, const Clinic& database, cClinic& clinic) {
+    if (Trim(clinic.ClinicName).empty()) throw Complaint("a clinic needs a name; set ClinicName");
+    clinic.SaveClinic(database.Con());
+    Print(options, *LoadClinic(database, CStr(clinic.ID)));
+}
+
+void NewClinic(const Options& options, const std::vector<std::string>& assignments) {
+    const Clinic database(options);
+    New<cClinics>()->GetAllClinics(database.Con());  // the head office comes first
+    const Ref<cClinic> clinic = New<cClinic>();
+    SetFields(*clinic, assignments);
+    Store(options, database, *clinic);
+}
+
+void SetClinic(const Options& options, const std::string& number,
+               const std::vector<std::string>& assignments) {
+    const Clinic database(options);
+    const Ref<cClinic> clinic = LoadClinic(database, number);
+    SetFields(*clinic, assignments);
+    Store(options, database, *clinic);
+}
+
+void ShowClinic(const Options& options, const std::string& number) {
+    const Clinic database(options);
+    Print(options, *LoadClinic(database, number));
+}
+
+void DeleteClinic(const Options& options, const std::string& number) {
+    const Clinic database(options);
+    const Ref<cClinic> clinic = LoadClinic(database, number);
+    clinic->DeleteClinic(database.Con());
+    if (options.json) return PrintJson({{"deleted", clinic->ID}});
+    fmt::print("Clinic {} is deleted.\n", clinic->ID);
+}
+
+void AddClinicCommands(Program& program) {
+    struct Arguments {
+        std::string number;
+        std::vector<std::string> assignments;
+    };
+    const auto given = std::make_shared<Arguments>();
+    const auto& options = program.options;
+    auto* clinics = program.app.add_subcommand("clinics", "list the clinics by name, the head office marked");
+    clinics->footer("The first listing makes the head office, named __HQ.\nExample: oxclass clinics");
+    clinics->callback([&options] { ListClinics(options); });
+
+    auto* clinic = program.app.add_subcommand("clinic", "make, set, show or delete a clinic");
+    clinic->require_subcommand(1);
+    clinic->footer("Example: oxclass clinic new ClinicName=\"Folktand Nord\" City=Lund");
+    const auto numbered = [&](const char* name, const char* what) {
+        auto* command = clinic->add_subcommand(name, what);
+        command->add_option("NUMBER", given->number, "number of a clinic, as oxclass clinics tells")
+            ->required();
+        command->footer(fmt::format("Example: oxclass clinic {} 2{}", name,
+                                    std::string_view(name) == "set" ? " City=Lund" : ""));
+        return command;
+    };
+    const auto fields = [&](CLI::App* command) {
+        command
+            ->add_option(
+                "FIELD=VALUE", given->assignments,
+                "fields to set: ClinicName, OrgNumber, StreetAddress, ZipCode, City, Telephone, Remarks16")
+            ->required();
+    };
+    auto* fresh = clinic->add_subcommand("new", "make a clinic; texts of more than 50 characters are cut");
+    fields(fresh);
+    fresh->footer("Example: oxclass clinic new ClinicName=\"Folktand Nord\" City=Lund");
+    fresh->callback([&options, given] { NewClinic(options, given->assignments); });
+    auto* set = numbered("set", "set single fields of a clinic");
+    fields(set);
+    set->callback([&options, given] { SetClinic(options, given->number, given->assignments); });
+    numbered("show", "show a clinic")->callback([&options, given] { ShowClinic(options, given->number); });
+    numbered("delete", "delete a clinic")->callback([&options, given] {
+        DeleteClinic(options, given->number);
+    });
+}
+
+// ---- identifiers ------------------------------------------------------------------------------------
+
+void PrintGUIDs(const Options& options, int count) {
+    const Ref<cDoctors> doctors = New<cDoctors>();
+    Json all = Json::array();
+    for (int i = 0; i < count; ++i) {
+        all.push_back(doctors->GetGUID());
+        if (all.back().get<std::string>().empty()) throw Complaint("the system gives no identifier");
+    }
+    if (options.json) return PrintJson(all);
+    for (const auto& guid : all) fmt::print("{}\n", guid.get<std::string>());
+}
+
+}  // namespace
+
+void AddStaff(Program& program) {
+    AddDoctorCommands(program);
+    AddClinicCommands(program);
+    const auto count = std::make_shared<int>(1);
+    auto* guid =
+        program.app.add_subcommand("guid", "make new GUIDs, as doctors have them; needs no database");
+    guid->add_option("--count", *count, "how many")->type_name("N")->check(CLI::Range(1, 1'000'000));
+    guid->footer("Example: oxclass guid --count 3");
+    guid->callback([&program, count] { PrintGUIDs(program.options, *count); });
+}
+
+}  // namespace Console

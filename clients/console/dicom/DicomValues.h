@@ -1,0 +1,56 @@
+#pragma once
+
+#include "console/dicom/DicomText.h"
+
+#include <dcmtk/config/osconfig.h>
+#include <dcmtk/dcmdata/dctk.h>
+
+#include <string>
+#include <vector>
+
+/// Values of DICOM data sets as plain texts and numbers. Any thread may call anything here.
+namespace Console {
+
+/// The text without the padding of DICOM values, blanks and NULs, at both ends.
+std::string Trimmed(std::string_view text);
+
+/// The parts between the separators, each trimmed.
+std::vector<std::string> Split(std::string_view text, char separator);
+
+/// "YYYY-MM-DD" for "YYYYMMDD" and the older "YYYY.MM.DD"; empty for what is no calendar day.
+std::string DayText(std::string_view value);
+
+/// "hh:mm:ss" for "hhmmss.ffffff", "hhmm", "hh" and the older "hh:mm:ss"; midnight for anything else. A
+/// leap second counts as the second before it.
+std::string TimeText(std::string_view value);
+
+/// Reads the values of one data set, in its character set.
+class Values {
+public:
+    explicit Values(DcmItem& dataset);
+
+    /// The whole value with all its parts, in UTF-8, trimmed; empty if it is absent.
+    std::string Text(DcmItem& item, const DcmTagKey& tag) const;
+
+    /// The parts of the value that aren't empty.
+    std::vector<std::string> Texts(DcmItem& item, const DcmTagKey& tag) const;
+
+    /// The number at `position` of the value, 0 if there is none.
+    double Number(DcmItem& item, const DcmTagKey& tag, std::size_t position = 0) const;
+
+    /// The same for a whole number, 0 too where it does not fit.
+    int Whole(DcmItem& item, const DcmTagKey& tag) const;
+
+private:
+    TextDecoder decoder_;
+};
+
+/// Calls `visit` with each item of the sequence `tag`; does nothing if it is absent.
+template <class Visitor>
+void EachItem(DcmItem& parent, const DcmTagKey& tag, const Visitor& visit) {
+    DcmSequenceOfItems* sequence = nullptr;
+    if (parent.findAndGetSequence(tag, sequence).bad() || sequence == nullptr) return;
+    for (unsigned long i = 0; i < sequence->card(); ++i) visit(*sequence->getItem(i));
+}
+
+}  // namespace Console

@@ -1,0 +1,129 @@
+#include "console/worklist/WorklistData.h"
+
+#include "console/dicom/DicomFile.h"
+#include "console/dicom/DicomValues.h"
+
+#include <stdexcept>
+
+namespace Console {
+namespace {
+
+using namespace OXClass;
+
+/// A day or a time as people write it, or the text as it stands where it is none.
+std::string Readable(const std::string& text, std::string (*form)(std::string_view)) {
+    const std::string readable = text.empty() ? text : form(text);
+    return readable.empty() ? text : readable;
+}
+
+/// Fills items from one data set, a subject an operation.
+class Filler {
+public:
+    explicit Filler(DcmItem& dataset) : set_(dataset), values_(dataset) {}
+
+    Ref<cMWLItem> Filled(DcmItem& step) {
+        item_ = New<cMWLItem>();
+        Patient();
+        OtherIdentifiers();
+        Visit();
+        Procedure();
+        Step(step);
+        return item_;
+    }
+
+private:
+    std::string Text(const DcmTagKey& tag) { return values_.Text(set_, tag); }
+
+    /// The meaning of the first code of a sequence.
+    std::string Meaning(DcmItem& parent, const DcmTagKey& sequence) {
+        std::string meaning;
+        EachItem(parent, sequence, [&](DcmItem& code) {
+            if (meaning.empty()) meaning = values_.Text(code, DCM_CodeMeaning);
+        });
+        return meaning;
+    }
+
+    void Patient() {
+        item_->PatientID = Text(DCM_PatientID);
+        item_->PatientName = Text(DCM_PatientName);
+        item_->PatientSex = Text(DCM_PatientSex);
+        item_->PatientBirthDate = Readable(Text(DCM_PatientBirthDate), DayText);
+        item_->PatientWeight = Text(DCM_PatientWeight);
+        item_->PatientAddress = Text(DCM_PatientAddress);
+        item_->PatientComments = Text(DCM_PatientComments);
+        item_->EthnicGroup = Text(DCM_EthnicGroup);
+        item_->AddPatientHistory = Text(DCM_AdditionalPatientHistory);
+    }
+
+    void OtherIdentifiers() {
+        item_->OtherPatientID = Text(DCM_RETIRED_OtherPatientIDs);
+        const auto add = [&](std::string id) { item_->AddOtherPID(id); };
+        for (const std::string& id : values_.Texts(set_, DCM_RETIRED_OtherPatientIDs)) add(id);
+        EachItem(set_, DCM_OtherPatientIDsSequence,
+                 [&](DcmItem& other) { add(values_.Text(other, DCM_PatientID)); });
+    }
+
+    void Visit() {
+        item_->AdmissionID = Text(DCM_AdmissionID);
+        item_->RefPhysName = Text(DCM_ReferringPhysicianName);
+        item_->RefPhysAddress = Text(DCM_ReferringPhysicianAddress);
+    }
+
+    void Procedure() {
+        item_->StudyUID = Text(DCM_StudyInstanceUID);
+        item_->Accession = Text(DCM_AccessionNumber);
+        item_->ReqPhys = Text(DCM_RequestingPhysician);
+        item_->ReqProcID = Text(DCM_RequestedProcedureID);
+        item_->ReqProcDesc = Text(DCM_RequestedProcedureDescription);
+        item_->ReqProcCodeMeaning = Meaning(set_, DCM_RequestedProcedureCodeSequence);
+        item_->ReqProcPrio = Text(DCM_RequestedProcedurePriority);
+        item_->IntendedRecipientsOfResults = Text(DCM_NamesOfIntendedRecipientsOfResults);
+        for (const std::string& name : values_.Texts(set_, DCM_NamesOfIntendedRecipientsOfResults))
+            item_->AddRecipient(name);
+    }
+
+    void Step(DcmItem& step) {
+        item_->SchProcStepID = values_.Text(step, DCM_ScheduledProcedureStepID);
+        item_->SchProcStepDesc = values_.Text(step, DCM_ScheduledProcedureStepDescription);
+        item_->SchProcStepLocation = values_.Text(step, DCM_ScheduledProcedureStepLocation);
+        item_->SchProcStepStatus = values_.Text(step, DCM_ScheduledProcedureStepStatus);
+        item_->SchProcStepStartDate =
+            Readable(values_.Text(step, DCM_ScheduledProcedureStepStartDate), DayText);
+        item_->SchProcStepStartTime =
+            Readable(values_.Text(step, DCM_ScheduledProcedureStepStartTime), TimeText);
+        item_->SchPerfPhysName = values_.Text(step, DCM_ScheduledPerformingPhysicianName);
+        item_->SchStatAE = values_.Text(step, DCM_ScheduledStationAETitle);
+        item_->Modality = values_.Text(step, DCM_Modality);
+        item_->ProtocolCodeMeaning = Meaning(step, DCM_ScheduledProtocolCodeSequence);
+    }
+
+    DcmItem& set_;
+    Values values_;
+    Ref<cMWLItem> item_;
+};
+
+}  // namespace
+
+WorklistItems ItemsOf(DcmItem& dataset, const std::string& source) {
+    WorklistItems items;
+    Filler filler(dataset);
+    EachItem(dataset, DCM_ScheduledProcedureStepSequence, [&](DcmItem& step) {
+        items.push_back(filler.Filled(step));
+        items.back()->DS_URL = source;
+    });
+    if (items.empty()) throw std::runtime_error("it has no scheduled procedure step");
+    if (items.front()->PatientID.empty() && items.front()->PatientName.empty())
+        throw std::runtime_error("it names no patient");
+    return items;
+}
+
+WorklistItems ReadWorklistFile(const std::filesystem::path& path) {
+    constexpr Uint32 longestValueRead = 64 * 1024;
+    SilenceToolkit();
+    DcmFileFormat file;
+    const OFCondition loaded = file.loadFile(path.c_str(), EXS_Unknown, EGL_noChange, longestValueRead);
+    if (loaded.bad()) throw std::runtime_error(std::string("can't be read as DICOM: ") + loaded.text());
+    return ItemsOf(*file.getDataset(), path.string());
+}
+
+}  // namespace Console

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "worklist/cMWLItem.h"
+
+#include <filesystem>
+#include <vector>
+
+class DcmItem;
+
+namespace Console {
+
+using WorklistItems = std::vector<Platform::Ref<OXClass::cMWLItem>>;
+
+/// The worklist items of a DICOM data set, one for each scheduled step, with all their texts in UTF-8. Dates
+/// read "YYYY-MM-DD" and times "hh:mm:ss" where they are such. `source` goes into `DS_URL`.
+///
+/// Throws `std::runtime_error` whose text tells in one clause why the data set is no worklist item: it has
+/// no scheduled step, or says nothing about the patient.
+WorklistItems ItemsOf(DcmItem& dataset, const std::string& source);
+
+/// The items in a file, with the file meta information or without. Throws as `ItemsOf`, and for a file
+/// that can't be read or is no DICOM.
+WorklistItems ReadWorklistFile(const std::filesystem::path& path);
+
+}  // namespace Console
