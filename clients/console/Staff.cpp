@@ -230,18 +230,23 @@ void Print(const Options& options, const cClinic& clinic) {
     PrintFields(shown, options.json);
 }
 
+void RequireName(const cClinic& clinic) {
+    if (Trim(clinic.ClinicName).empty()) throw Complaint("a clinic needs a name; set ClinicName");
+}
+
 /// Stores a clinic and shows it as it is stored, with its texts cut.
 void Store(const Options& options, const Clinic& database, cClinic& clinic) {
-    if (Trim(clinic.ClinicName).empty()) throw Complaint("a clinic needs a name; set ClinicName");
+    RequireName(clinic);
     clinic.SaveClinic(database.Con());
     Print(options, *LoadClinic(database, CStr(clinic.ID)));
 }
 
 void NewClinic(const Options& options, const std::vector<std::string>& assignments) {
     const Clinic database(options);
-    New<cClinics>()->GetAllClinics(database.Con());  // the head office comes first
     const Ref<cClinic> clinic = New<cClinic>();
     SetFields(*clinic, assignments);
+    RequireName(*clinic);
+    New<cClinics>()->GetAllClinics(database.Con());  // the head office comes first
     Store(options, database, *clinic);
 }
 

@@ -135,7 +135,7 @@ bool TakeOverIdentifiers(cPatient& patient, cMWLItem& item) {
 
 void Fill(cPatient& patient, const cMWLItem& item) {
     const PersonName name = SplitPersonName(item.PatientName);
-    patient.PatientID = item.PatientID;
+    patient.PatientID = UCase(item.PatientID);
     patient.LastName = name.family;
     patient.FirstName = name.given;
     patient.Sex = WithoutQuotes(Left(item.PatientSex, 1));

@@ -1,0 +1,410 @@
+#include "ProgramTest.h"
+
+#include "console/worklist/WorklistServer.h"
+
+#include <arpa/inet.h>
+#include <csignal>
+#include <dcmtk/dcmnet/assoc.h>
+#include <dcmtk/dcmnet/dimse.h>
+#include <fstream>
+#include <spawn.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+/// Worklists in files and of servers, and the patients that are registered from them.
+namespace {
+
+using namespace ProgramTest;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+/// A port of the loopback address that nothing listens on.
+class Port {
+public:
+    Port() {
+        const int s = socket(AF_INET, SOCK_STREAM, 0);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof address;
+        bind(s, reinterpret_cast<sockaddr*>(&address), size);
+        getsockname(s, reinterpret_cast<sockaddr*>(&address), &size);
+        number = ntohs(address.sin_port);
+        close(s);
+    }
+
+    /// Waits until something listens; false after ten seconds.
+    bool IsServed() const {
+        for (int attempt = 0; attempt < 200; ++attempt) {
+            const int s = socket(AF_INET, SOCK_STREAM, 0);
+            sockaddr_in address{};
+            address.sin_family = AF_INET;
+            address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+            address.sin_port = htons(static_cast<std::uint16_t>(number));
+            const bool connected = connect(s, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
+            close(s);
+            if (connected) return true;
+            usleep(50'000);
+        }
+        return false;
+    }
+
+    int number = 0;
+};
+
+/// What a worklist item of the tests says, unless a test changes it.
+void FillItem(DcmItem& set, const std::string& patient, const std::string& day) {
+    const auto put = [](DcmItem& item, const DcmTagKey& tag, const std::string& value) {
+        item.putAndInsertString(tag, value.c_str());
+    };
+    put(set, DCM_SpecificCharacterSet, "ISO_IR 100");
+    put(set, DCM_PatientName, "\xC5kesson^Lotta");
+    put(set, DCM_PatientID, patient);
+    put(set, DCM_PatientBirthDate, "19800131");
+    put(set, DCM_PatientSex, "F");
+    put(set, DCM_RETIRED_OtherPatientIDs, "x1\\x'2");
+    put(set, DCM_AccessionNumber, "A1");
+    put(set, DCM_StudyInstanceUID, "1.2.3.4");
+    put(set, DCM_RequestingPhysician, "Ek^Anna");
+    put(set, DCM_RequestedProcedureID, "P1");
+    put(set, DCM_RequestedProcedureDescription, "Control");
+    put(set, DCM_NamesOfIntendedRecipientsOfResults, "Ek^Anna\\Alm^Bo");
+    DcmItem* step = nullptr;
+    set.findOrCreateSequenceItem(DCM_ScheduledProcedureStepSequence, step, -2);
+    put(*step, DCM_Modality, "IO");
+    put(*step, DCM_ScheduledStationAETitle, "ROOM1");
+    put(*step, DCM_ScheduledProcedureStepStartDate, day);
+    put(*step, DCM_ScheduledProcedureStepStartTime, "101500");
+    put(*step, DCM_ScheduledProcedureStepDescription, "Four bitewings");
+    put(*step, DCM_ScheduledProcedureStepID, "S1");
+    put(*step, DCM_ScheduledPerformingPhysicianName, "Alm^Bo");
+}
+
+class Worklist : public Program {
+protected:
+    /// Writes an item's file into the folder "wl/RIS".
+    void WriteItem(
+        const std::string& name, const std::string& patient, const std::string& day,
+        const std::function<void(DcmDataset&)>& change = [](DcmDataset&) {}) {
+        fs::create_directories(Folder() + "/RIS");
+        std::ofstream(Folder() + "/RIS/lockfile");
+        DcmFileFormat file;
+        FillItem(*file.getDataset(), patient, day);
+        change(*file.getDataset());
+        ASSERT_TRUE(file.saveFile((Folder() + "/RIS/" + name).c_str(), EXS_LittleEndianExplicit).good());
+    }
+
+    std::string Folder() const { return (folder.Path() / "wl").string(); }
+
+    json Listed(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {"--json", "worklist"});
+        const Result run = Try(arguments);
+        EXPECT_EQ(run.code, 0) << run.err;
+        return json::parse(run.out);
+    }
+
+    std::vector<std::string> PatientsOf(const json& list) {
+        std::vector<std::string> patients;
+        for (const json& item : list) patients.push_back(item["patient"]);
+        return patients;
+    }
+};
+
+TEST_F(Worklist, FilesAreListedByDayAndTime) {
+    WriteItem("a.wl", "P2", "20260202");
+    WriteItem("b.wl", "P1", "20260201");
+    const json list = Listed({Folder()});
+    EXPECT_THAT(PatientsOf(list), ElementsAre("P1", "P2"));
+    EXPECT_EQ(list[0]["number"], 1);
+    EXPECT_EQ(list[0]["date"], "2026-02-01");
+    EXPECT_EQ(list[0]["time"], "10:15:00");
+    EXPECT_EQ(list[0]["name"], "Åkesson^Lotta");
+    EXPECT_EQ(list[0]["born"], "1980-01-31");
+    EXPECT_EQ(list[0]["station"], "ROOM1");
+    EXPECT_EQ(list[0]["procedure"], "Four bitewings");
+    EXPECT_THAT(PatientsOf(Listed({Folder() + "/RIS/a.wl"})), ElementsAre("P2"));
+}
+
+TEST_F(Worklist, EveryTextOfAnItemHasItsProperty) {
+    DcmDataset set;
+    FillItem(set, "P1", "20260201");
+    DcmItem* step = nullptr;
+    set.findOrCreateSequenceItem(DCM_ScheduledProcedureStepSequence, step, -2);
+    step->putAndInsertString(DCM_ScheduledProcedureStepStartTime, "soon");
+    const Console::WorklistItems items = Console::ItemsOf(set, "here");
+    ASSERT_EQ(items.size(), 2U);
+    OXClass::cMWLItem& item = *items[0];
+    EXPECT_EQ(item.PatientName, "Åkesson^Lotta");
+    EXPECT_EQ(item.PatientSex, "F");
+    EXPECT_EQ(item.OtherPatientID, "x1\\x'2");
+    ASSERT_EQ(item.OtherPatIDs()->Count(), 2);
+    EXPECT_EQ(item.OtherPatIDs()->Item("K1")->str, "X1");
+    EXPECT_EQ(item.Accession, "A1");
+    EXPECT_EQ(item.StudyUID, "1.2.3.4");
+    EXPECT_EQ(item.ReqPhys, "Ek^Anna");
+    EXPECT_EQ(item.ReqProcID, "P1");
+    EXPECT_EQ(item.ReqProcDesc, "Control");
+    EXPECT_EQ(item.IntendedRecipientsOfResults, "Ek^Anna\\Alm^Bo");
+    ASSERT_EQ(item.IntendedRecipients()->Count(), 2);
+    EXPECT_EQ(item.IntendedRecipients()->Item(2)->str, "Alm^Bo");
+    EXPECT_EQ(item.SchProcStepID, "S1");
+    EXPECT_EQ(item.SchPerfPhysName, "Alm^Bo");
+    EXPECT_EQ(item.Modality, "IO");
+    EXPECT_EQ(item.DS_URL, "here");
+    EXPECT_EQ(items[1]->PatientID, "P1");
+    EXPECT_EQ(items[1]->SchProcStepStartTime, "00:00:00");
+    EXPECT_EQ(items[1]->SchStatAE, "");
+}
+
+TEST_F(Worklist, KeysChooseAmongFiles) {
+    WriteItem("a.wl", "P1", "20260201");
+    WriteItem("b.wl", "P2", "20260202");
+    WriteItem("c.wl", "P3", "20260203", [](DcmDataset& set) {
+        DcmItem* step = nullptr;
+        set.findOrCreateSequenceItem(DCM_ScheduledProcedureStepSequence, step, 0);
+        step->putAndInsertString(DCM_Modality, "PX");
+        step->putAndInsertString(DCM_ScheduledStationAETitle, "ROOM2");
+    });
+    EXPECT_THAT(PatientsOf(Listed({Folder(), "--date", "2026-02-02"})), ElementsAre("P2"));
+    EXPECT_THAT(PatientsOf(Listed({Folder(), "--date", "2026-02-01..2026-02-02"})), ElementsAre("P1", "P2"));
+    EXPECT_THAT(PatientsOf(Listed({Folder(), "--modality", "px"})), ElementsAre("P3"));
+    EXPECT_THAT(PatientsOf(Listed({Folder(), "--station", "ROOM2"})), ElementsAre("P3"));
+    EXPECT_THAT(PatientsOf(Listed({Folder(), "--patient", "p1"})), ElementsAre("P1"));
+    EXPECT_EQ(Try({"worklist", Folder(), "--patient", "nobody"}).out, "The worklist is empty.\n");
+}
+
+TEST_F(Worklist, AFileThatIsNoItemIsToldAndTheOthersAreListed) {
+    WriteItem("a.wl", "P1", "20260201");
+    WriteItem("b.wl", "P2", "20260202",
+              [](DcmDataset& set) { delete set.remove(DCM_ScheduledProcedureStepSequence); });
+    WriteItem("c.wl", "", "20260203", [](DcmDataset& set) { delete set.remove(DCM_PatientName); });
+    std::ofstream(Folder() + "/RIS/d.wl") << "no item";
+    const Result run = Try({"--json", "worklist", Folder()});
+    EXPECT_EQ(run.code, 3);
+    EXPECT_THAT(PatientsOf(json::parse(run.out)), ElementsAre("P1"));
+    EXPECT_THAT(run.err, HasSubstr("b.wl: no worklist item: it has no scheduled procedure step\n"));
+    EXPECT_THAT(run.err, HasSubstr("c.wl: no worklist item: it names no patient\n"));
+    EXPECT_THAT(run.err, HasSubstr("d.wl: no worklist item: can't be read as DICOM"));
+}
+
+TEST_F(Worklist, RegisteringMakesThePatientThatTheNextImportFinds) {
+    Init();
+    WriteItem("a.wl", "p-1.2.3", "20260201");
+    const json made = OkJson({"worklist", Folder(), "--register", "1"});
+    EXPECT_EQ(made["patient"], "P-1.2.3");
+    EXPECT_EQ(made["new"], true);
+    const json patient = OkJson({"patient", "P-1.2.3"});
+    EXPECT_EQ(patient["LastName"], "Åkesson");
+    EXPECT_EQ(patient["FirstName"], "Lotta");
+    EXPECT_EQ(patient["BirthDate"], "1980-01-31");
+    EXPECT_EQ(patient["Sex"], "F");
+    EXPECT_EQ(patient["OtherIDs"], "X1\\X\u20192");
+    WriteSeries("1.2.3", {{{11}, ""}});
+    Ok({"import", Films()});
+    ASSERT_EQ(OkJson({"patients"}).size(), 1U);
+    EXPECT_EQ(OkJson({"patients"})[0]["last_name"], "Åkesson");
+    EXPECT_EQ(OkJson({"worklist", Folder(), "--register", "1"})["new"], false);
+    EXPECT_EQ(OkJson({"patient", "P-1.2.3"}), patient);
+}
+
+TEST_F(Worklist, RegisteringAKnownPatientAddsOnlyWhatIdentifiersAreNew) {
+    Init();
+    WriteItem("a.wl", "P1", "20260201");
+    Ok({"worklist", Folder(), "--register", "1"});
+    Ok({"patient", "P1", "LastName=Ek", "OtherIDs=X1\\OLD"});
+    Ok({"worklist", Folder(), "--register", "1"});
+    EXPECT_EQ(OkJson({"patient", "P1"})["LastName"], "Ek");
+    EXPECT_EQ(OkJson({"patient", "P1"})["OtherIDs"], "X1\\OLD\\X\u20192");
+}
+
+TEST_F(Worklist, WhatCannotBeRegisteredSaysWhy) {
+    Init();
+    WriteItem("a.wl", "", "20260201");
+    const auto told = [&](const std::string& number) {
+        const Result run = Try({"--db", Database(), "worklist", Folder(), "--register", number});
+        EXPECT_EQ(run.code, 1);
+        return run.err;
+    };
+    EXPECT_THAT(told("1"), HasSubstr("the item has no patient ID"));
+    EXPECT_THAT(told("2"), HasSubstr("the worklist has no item 2"));
+    EXPECT_THAT(told("0"), HasSubstr("the worklist has no item 0"));
+    EXPECT_EQ(OkJson({"patients"}).size(), 0U);
+}
+
+TEST_F(Worklist, WhatIsNoWorklistSaysSo) {
+    const auto told = [&](const std::vector<std::string>& arguments) {
+        const Result run = Try(arguments);
+        EXPECT_EQ(run.code, 1);
+        return run.err;
+    };
+    EXPECT_THAT(told({"worklist", "nowhere"}), HasSubstr("no file, no folder and no server AE@HOST:PORT"));
+    EXPECT_THAT(told({"worklist", "AE@host:0"}), HasSubstr("no server"));
+    EXPECT_THAT(told({"worklist", "SEVENTEENLETTERSX@host:104"}), HasSubstr("no server"));
+    EXPECT_THAT(told({"worklist", Folder(), "--date", "someday"}), HasSubstr("\"someday\" is no day"));
+}
+
+// ---- servers ----------------------------------------------------------------------------------------
+
+/// DCMTK's own worklist server on the loopback address, over the test's folder.
+class WorklistServer : public Worklist {
+protected:
+    void Serve() {
+        const std::string number = std::to_string(port.number), path = Folder();
+        const char* const arguments[] = {"wlmscpfs", "-q", "-dfp", path.c_str(), number.c_str(), nullptr};
+        ASSERT_EQ(
+            posix_spawnp(&server, "wlmscpfs", nullptr, nullptr, const_cast<char* const*>(arguments), environ),
+            0);
+        ASSERT_TRUE(port.IsServed());
+    }
+    ~WorklistServer() override {
+        if (server <= 0) return;
+        kill(server, SIGKILL);
+        waitpid(server, nullptr, 0);
+    }
+    std::string Address(const std::string& title = "RIS") const {
+        return title + "@localhost:" + std::to_string(port.number);
+    }
+
+    Port port;
+    pid_t server = 0;
+};
+
+TEST_F(WorklistServer, AnswersAreListedAsFilesAre) {
+    WriteItem("a.wl", "P1", "20260201");
+    WriteItem("b.wl", "P2", "20260202");
+    Serve();
+    EXPECT_EQ(Listed({Address()}), Listed({Folder()}));
+    EXPECT_THAT(PatientsOf(Listed({Address(), "--patient", "P2"})), ElementsAre("P2"));
+    EXPECT_THAT(PatientsOf(Listed({Address(), "--date", "2026-02-01"})), ElementsAre("P1"));
+    EXPECT_THAT(PatientsOf(Listed({Address(), "--date", "2026-01-01..2026-02-01"})), ElementsAre("P1"));
+    EXPECT_THAT(PatientsOf(Listed({Address(), "--modality", "PX"})), ElementsAre());
+    EXPECT_THAT(PatientsOf(Listed({Address(), "--station", "ROOM1"})), ElementsAre("P1", "P2"));
+}
+
+TEST_F(WorklistServer, APatientIsRegisteredFromAServersAnswer) {
+    Init();
+    WriteItem("a.wl", "P1", "20260201");
+    Serve();
+    EXPECT_EQ(OkJson({"worklist", Address(), "--register", "1"})["new"], true);
+    EXPECT_EQ(OkJson({"patient", "P1"})["LastName"], "Åkesson");
+}
+
+TEST_F(WorklistServer, ARefusalIsToldInOneLine) {
+    WriteItem("a.wl", "P1", "20260201");
+    Serve();
+    const Result run = Try({"worklist", Address("NOBODY")});
+    EXPECT_EQ(run.code, 1);
+    EXPECT_EQ(run.err, "oxclass: no worklist from " + Address("NOBODY") +
+                           ": it refuses; is NOBODY its AE title, and does it know OXCLASS?\n");
+}
+
+TEST_F(WorklistServer, AServerThatIsNotThereIsToldInOneLine) {
+    const Result run = Try({"worklist", Address()});
+    EXPECT_EQ(run.code, 1);
+    EXPECT_THAT(run.err, HasSubstr("no worklist from " + Address() + ": "));
+    EXPECT_THAT(run.err, HasSubstr("Connection refused"));
+    EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1);
+}
+
+/// A server of the test's own that speaks as the test wants.
+class OddServer : public WorklistServer {
+protected:
+    ~OddServer() override {
+        if (speaking.joinable()) speaking.join();
+    }
+
+    /// Takes one association and one question, and answers with these data sets.
+    void Answer(std::vector<std::function<void(DcmDataset&)>> sets, Uint16 status = STATUS_Success) {
+        T_ASC_Network* network = nullptr;
+        ASSERT_TRUE(ASC_initializeNetwork(NET_ACCEPTOR, port.number, 10, &network).good());
+        speaking = std::thread([network, sets = std::move(sets), status]() mutable {
+            T_ASC_Association* association = nullptr;
+            ASC_receiveAssociation(network, &association, ASC_DEFAULTMAXPDU, nullptr, nullptr, OFFalse,
+                                   DUL_BLOCK, 10);
+            const char* contexts[] = {UID_FINDModalityWorklistInformationModel};
+            const char* syntaxes[] = {UID_LittleEndianExplicitTransferSyntax};
+            ASC_acceptContextsWithPreferredTransferSyntaxes(association->params, contexts, 1, syntaxes, 1);
+            ASC_acknowledgeAssociation(association);
+            Speak(*association, sets, status);
+            T_DIMSE_Message end{};
+            T_ASC_PresentationContextID context = 0;
+            if (DIMSE_receiveCommand(association, DIMSE_BLOCKING, 10, &context, &end, nullptr) ==
+                DUL_PEERREQUESTEDRELEASE)
+                ASC_acknowledgeRelease(association);
+            ASC_dropAssociation(association);
+            ASC_destroyAssociation(&association);
+            ASC_dropNetwork(&network);
+        });
+    }
+
+    static void Speak(T_ASC_Association& association, std::vector<std::function<void(DcmDataset&)>>& sets,
+                      Uint16 status) {
+        T_DIMSE_Message question{};
+        T_ASC_PresentationContextID context = 0;
+        DIMSE_receiveCommand(&association, DIMSE_BLOCKING, 10, &context, &question, nullptr);
+        DcmDataset* query = nullptr;
+        DIMSE_receiveDataSetInMemory(&association, DIMSE_BLOCKING, 10, &context, &query, nullptr, nullptr);
+        delete query;
+        const auto send = [&](Uint16 code, DcmDataset* set) {
+            T_DIMSE_C_FindRSP response{};
+            response.DimseStatus = code;
+            response.MessageIDBeingRespondedTo = question.msg.CFindRQ.MessageID;
+            OFStandard::strlcpy(response.AffectedSOPClassUID, question.msg.CFindRQ.AffectedSOPClassUID,
+                                sizeof response.AffectedSOPClassUID);
+            response.DataSetType = set ? DIMSE_DATASET_PRESENT : DIMSE_DATASET_NULL;
+            DIMSE_sendFindResponse(&association, context, &question.msg.CFindRQ, &response, set, nullptr);
+        };
+        for (const auto& fill : sets) {
+            DcmDataset set;
+            fill(set);
+            send(STATUS_Pending, &set);
+        }
+        send(status, nullptr);
+    }
+
+    std::thread speaking;
+};
+
+TEST_F(OddServer, BrokenDataSetsAreToldInOneLineAndTheOthersListed) {
+    Answer({[](DcmDataset& set) { FillItem(set, "P1", "20260201"); },
+            [](DcmDataset& set) { set.putAndInsertString(DCM_PatientID, "P2"); },
+            [](DcmDataset& set) { set.putAndInsertString(DCM_Modality, "nonsense"); }});
+    const Result run = Try({"--json", "worklist", Address()});
+    EXPECT_EQ(run.code, 3);
+    EXPECT_THAT(PatientsOf(json::parse(run.out)), ElementsAre("P1"));
+    EXPECT_EQ(run.err, "oxclass: 2 data sets of " + Address() +
+                           " are no worklist items: it has no scheduled procedure step\n");
+}
+
+TEST_F(OddServer, AFailureThatItReportsIsToldInOneLine) {
+    Answer({}, STATUS_FIND_Refused_OutOfResources);
+    const Result run = Try({"worklist", Address()});
+    EXPECT_EQ(run.code, 1);
+    EXPECT_THAT(run.err, HasSubstr("no worklist from " + Address() + ": "));
+    EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1);
+}
+
+TEST_F(OddServer, WhatIsNoDicomServerIsToldInOneLine) {
+    const int listening = socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(static_cast<std::uint16_t>(port.number));
+    ASSERT_EQ(bind(listening, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(listen(listening, 1), 0);
+    speaking = std::thread([listening] {
+        const int s = accept(listening, nullptr, nullptr);
+        constexpr std::string_view nonsense = "HTTP/1.1 400 Bad Request\r\n\r\n";
+        send(s, nonsense.data(), nonsense.size(), MSG_NOSIGNAL);
+        close(s);
+        close(listening);
+    });
+    const Result run = Try({"worklist", Address()});
+    EXPECT_EQ(run.code, 1);
+    EXPECT_THAT(run.err, HasSubstr("no worklist from " + Address() + ": "));
+    EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1);
+}
+
+}  // namespace
