@@ -24,9 +24,17 @@ Long SeriesOf(const Clinic& clinic, Long patient) {
 CardList ListCards(const Clinic& clinic, const std::string& patient) {
     CardList list{.patient = LoadPatient(clinic, patient), .entries = New<cUniCards>()};
     const Long before = SeriesOf(clinic, list.patient->ID);
-    ComplainOfTextBoxes([&] {
-        list.entries->GetICAndSEList4Patient(clinic.Con(), list.patient->PatientID, list.patient->ID);
-    });
+    // The list takes the number as it stands between quotes.
+    const String number = Replace(list.patient->PatientID, "'", "''");
+    try {
+        ComplainOfTextBoxes(
+            [&] { list.entries->GetICAndSEList4Patient(clinic.Con(), number, list.patient->ID); });
+    } catch (const Complaint& told) {
+        throw Complaint(
+            fmt::format("the list of patient {} can't be read whole; look for the damaged card, study or "
+                        "series, or for a database that can't be written: {}",
+                        list.patient->PatientID, told.what()));
+    }
     list.orphansRemoved = before - SeriesOf(clinic, list.patient->ID);
     return list;
 }

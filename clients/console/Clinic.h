@@ -18,7 +18,7 @@ struct Options {
     bool trace = false;
 };
 
-/// The connection string of a file or of a text that is one already. Raises `Complaint` for neither.
+/// The connection string of a file; a text that is one already stays as it is.
 std::string ConnectionStringOf(const std::string& database, const std::string& mode = {});
 
 /// An open clinic database, for one command.

@@ -8,6 +8,8 @@
 #include <charconv>
 #include <cmath>
 #include <fmt/format.h>
+#include <optional>
+#include <set>
 
 namespace Console {
 namespace {
@@ -41,7 +43,9 @@ std::pair<Long, Long> CanvasOf(const std::string& text) {
     const Long width = NumberOf(text.substr(0, cross), "a canvas (write 1000x700)");
     const Long height =
         NumberOf(cross == std::string::npos ? "" : text.substr(cross + 1), "a canvas (write 1000x700)");
-    if (width < 1 || height < 1) throw Complaint("a canvas has a width and a height above 0");
+    constexpr Long largest = 100'000;
+    if (width < 1 || height < 1 || width > largest || height > largest)
+        throw Complaint("a canvas has a width and a height above 0, and at most 100000");
     return {width, height};
 }
 
@@ -55,6 +59,10 @@ public:
         ComplainOfTextBoxes([&] { card_->GetImageCard(clinic_.Con(), CardNumber(key)); });
         if (card_->ICID == 0)
             throw Complaint(fmt::format("there is no image card {}; see: oxclass cards PATIENT", key));
+        // Loading manipulations tells no failure, and a save would store what was loaded.
+        if (Stored() != Loaded([](const cImagecardAttribute&) { return true; }))
+            throw Complaint(
+                fmt::format("the manipulations of card {} can't be read whole; nothing was changed", key));
     }
 
     cImagecard& Card() { return *card_; }
@@ -70,27 +78,32 @@ public:
     void Store() {
         card_->ICLastUpdate = Now();
         card_->Save(clinic_.Con());
-        RequireManipulations();
+        // Saving manipulations tells no failure either.
+        const auto stays = [](const cImagecardAttribute& placed) {
+            return placed.ImageID == 0 || !placed.ToBeDeleted;
+        };
+        if (Stored() != Loaded(stays))
+            throw Complaint("the manipulations of the card can't be stored; nothing was changed");
         clinic_.Con()->CommitTrans();
     }
 
 private:
-    /// Saving manipulations tells no failure, so they are counted.
-    void RequireManipulations() const {
-        Long expected = 0;
+    /// The manipulations of those placed images that are counted.
+    template <class Counts>
+    Long Loaded(Counts counts) const {
+        Long count = 0;
         for (const auto& placed : Each<cImagecardAttribute>(*card_->ImagecardAttributes))
-            if (!placed.ToBeDeleted && placed.ImageID != 0)
-                for (const auto& step : Each<cImageManipulation>(*placed.Manipulations))
-                    expected += step.ManipulationType != UndoStop;
-        const Long stored =
-            CLng(clinic_
-                     .Read(sql("SELECT count(*) FROM ImageManipulation_T JOIN ImageAttribute_T USING "
-                               "(ImageAttributeID) WHERE ImageCardID = ",
-                               card_->ICID))
-                     ->Fields(0)
-                     .Value());
-        if (stored != expected)
-            throw Complaint("the manipulations of the card can't be stored; nothing was changed");
+            if (counts(placed)) count += placed.Manipulations->Count();
+        return count;
+    }
+
+    Long Stored() const {
+        return CLng(clinic_
+                        .Read(sql("SELECT count(*) FROM ImageManipulation_T JOIN ImageAttribute_T USING "
+                                  "(ImageAttributeID) WHERE ImageCardID = ",
+                                  card_->ICID))
+                        ->Fields(0)
+                        .Value());
     }
 
     const Clinic& clinic_;
@@ -99,6 +112,8 @@ private:
 
 void NewCard(const Options& options, const std::string& patient, const std::string& name,
              const std::string& description, const std::string& canvas) {
+    constexpr Long width = 255;
+    if (Len(name) > width) throw Complaint("the name of a card has at most 255 characters");
     const Clinic clinic(options);
     const Ref<cImagecard> card = New<cImagecard>();
     card->ICPID = LoadPatient(clinic, patient)->ID;
@@ -121,6 +136,23 @@ void PutAt(cImagecardAttribute& placed, const std::string& at, const std::string
     if (placed.IAWidth <= 0 || placed.IAHeight <= 0) throw Complaint("a size is above 0");
 }
 
+bool Overlap(const cImagecardAttribute& a, const cImagecardAttribute& b) {
+    return a.IAPosX < b.IAPosX + b.IAWidth && b.IAPosX < a.IAPosX + a.IAWidth &&
+           a.IAPosY < b.IAPosY + b.IAHeight && b.IAPosY < a.IAPosY + a.IAHeight;
+}
+
+/// The first cell of the grid that nothing lies on.
+void PutInFreeCell(cImagecardAttribute& placed, const cImagecard& card) {
+    const auto covered = [&] {
+        for (const auto& other : Each<cImagecardAttribute>(*card.ImagecardAttributes))
+            if (Overlap(placed, other)) return true;
+        return false;
+    };
+    Long cell = 0;
+    do SlotPlacing::PlaceInGrid(placed, cell++);
+    while (covered());
+}
+
 void AddImages(const Options& options, const std::string& key, const std::vector<std::string>& images,
                const std::string& at, const std::string& size) {
     if (!at.empty() && images.size() > 1)
@@ -138,12 +170,17 @@ void AddImages(const Options& options, const std::string& key, const std::vector
         placed->ImageID = image->ID;
         placed->ICID = card.ICID;
         placed->IAMirrRotStatus = static_cast<Integer>(Orientation(image->MirrRotStatus).Number());
-        SlotPlacing::PlaceInGrid(*placed, card.ImagecardAttributes->Count());
+        PutInFreeCell(*placed, card);
         PutAt(*placed, at, size);
         card.ImagecardAttributes->Add(placed);
     }
+    const Long first = card.ImagecardAttributes->Count() - static_cast<Long>(images.size()) + 1;
     composing.Store();
-    if (!options.json) fmt::print("{} images placed on IC{}.\n", images.size(), card.ICID);
+    if (!options.json) return fmt::print("{} images placed on IC{}.\n", images.size(), card.ICID);
+    nlohmann::ordered_json placed = nlohmann::ordered_json::array();
+    for (Long i = first; i <= card.ImagecardAttributes->Count(); ++i)
+        placed.push_back(To<Ref<cImagecardAttribute>>(card.ImagecardAttributes->At(i))->ID);
+    PrintJson({{"card", fmt::format("IC{}", card.ICID)}, {"placed", placed}});
 }
 
 /// "ManRotate=90,text" as a manipulation. Throws `Complaint` for an unknown kind or number.
@@ -154,10 +191,14 @@ Ref<cImageManipulation> ManipulationOf(const std::string& text) {
     for (const EnumerationValue& value : EnumerationOf<ManipulationType>::Values)
         if (EqualsIgnoringCase(value.Name, name))
             step->ManipulationType = static_cast<ManipulationType>(value.Value);
+    if (step->ManipulationType == ManCosmetic)
+        throw Complaint(
+            "a cosmetic manipulation belongs to the program that makes its file; it can't be recorded here");
     if (step->ManipulationType == ManipulationType{} || step->ManipulationType == UndoStop) {
         std::string names;
         for (const EnumerationValue& value : EnumerationOf<ManipulationType>::Values)
-            if (value.Value != UndoStop) names += std::string(names.empty() ? "" : ", ") + value.Name;
+            if (value.Value != UndoStop && value.Value != ManCosmetic)
+                names += std::string(names.empty() ? "" : ", ") + value.Name;
         throw Complaint(fmt::format("there is no manipulation \"{}\"; there are {}", name, names));
     }
     if (equals == std::string::npos) return step;
@@ -179,7 +220,8 @@ Ref<cImageManipulation> Step(ManipulationType type, Long parameter) {
 
 /// What `card move` is told.
 struct Move {
-    std::string at, size, comment;
+    std::string at, size;
+    std::optional<std::string> comment;
     int turn = 0;
     bool mirror = false;
     std::vector<std::string> records;
@@ -187,11 +229,14 @@ struct Move {
 
 void MoveImage(const Options& options, const std::string& key, const std::string& number, const Move& move) {
     if (move.turn % 90 != 0) throw Complaint("an image turns by 90, 180 or 270 degrees, clockwise");
+    if (move.at.empty() && move.size.empty() && !move.comment && move.turn == 0 && !move.mirror &&
+        move.records.empty())
+        throw Complaint("nothing to change; oxclass card move --help tells what can be");
     const Clinic clinic(options);
     Composing composing(clinic, key);
     cImagecardAttribute& placed = composing.Placed(number);
     PutAt(placed, move.at, move.size);
-    if (!move.comment.empty()) placed.IAComments = move.comment;
+    if (move.comment) placed.IAComments = *move.comment;
     Orientation form(placed.IAMirrRotStatus);
     if (move.mirror) {
         form = form.MirroredAsSeen();
@@ -204,17 +249,23 @@ void MoveImage(const Options& options, const std::string& key, const std::string
     if (move.mirror || move.turn % 360 != 0) placed.IAMirrRotStatus = static_cast<Integer>(form.Number());
     for (const std::string& record : move.records) placed.Manipulations->Add(ManipulationOf(record));
     composing.Store();
-    if (!options.json) fmt::print("Placed image {} of IC{} is stored.\n", placed.ID, placed.ICID);
+    if (options.json) return PrintJson({{"card", fmt::format("IC{}", placed.ICID)}, {"placed", {placed.ID}}});
+    fmt::print("Placed image {} of IC{} is stored.\n", placed.ID, placed.ICID);
 }
 
 void RemoveImages(const Options& options, const std::string& key, const std::vector<std::string>& numbers) {
     const Clinic clinic(options);
     Composing composing(clinic, key);
-    for (const std::string& number : numbers) composing.Placed(number).ToBeDeleted = true;
+    std::set<Long> removed;
+    for (const std::string& number : numbers) {
+        cImagecardAttribute& placed = composing.Placed(number);
+        placed.ToBeDeleted = true;
+        removed.insert(placed.ID);
+    }
     composing.Store();
-    if (!options.json)
-        fmt::print("{} placed images are off IC{}; the images themselves stay.\n", numbers.size(),
-                   composing.Card().ICID);
+    const Long card = composing.Card().ICID;
+    if (options.json) return PrintJson({{"card", fmt::format("IC{}", card)}, {"removed", removed}});
+    fmt::print("{} placed images are off IC{}; the images themselves stay.\n", removed.size(), card);
 }
 
 // ---- showing ----------------------------------------------------------------------------------------
@@ -272,9 +323,9 @@ void ShowCard(const Options& options, const std::string& key) {
                           {"width", card.ICWidth},
                           {"height", card.ICHeight},
                           {"images", placed.Rows()}});
-    fmt::print("IC{}: {}, {} x {}, made {}, changed {}\n", card.ICID, NameOf(*entry), card.ICWidth,
+    fmt::print("IC{}: {}, {} x {}, made {}, changed {}\n", card.ICID, Printable(NameOf(*entry)), card.ICWidth,
                card.ICHeight, DateText(card.ICCreateDate), DateText(card.ICLastUpdate));
-    if (!card.ICDescription.empty()) fmt::print("{}\n", card.ICDescription);
+    if (!card.ICDescription.empty()) fmt::print("{}\n", Printable(card.ICDescription));
     placed.Print(false, fmt::format("No images yet; place some: oxclass card add IC{} IMAGE", card.ICID));
 }
 
@@ -282,7 +333,7 @@ void ShowCard(const Options& options, const std::string& key) {
 
 void AddComposing(Program& program) {
     struct Arguments {
-        std::string key, name, description, canvas = "1000x700", at, size, placed;
+        std::string key, name, description, canvas = "1000x700", at, size, placed, comment;
         std::vector<std::string> numbers;
         Move move;
     };
@@ -329,9 +380,11 @@ void AddComposing(Program& program) {
     move->add_flag("--mirror", given->move.mirror, "mirror left to right, before it is turned");
     move->add_option("--record", given->move.records, "record a manipulation, as ManContrast=10")
         ->type_name("NAME=NUMBER,TEXT");
-    move->add_option("--comment", given->move.comment, "a comment on the placed image")->type_name("TEXT");
+    auto* comment =
+        move->add_option("--comment", given->comment, "a comment on the placed image")->type_name("TEXT");
     move->footer("Example: oxclass card move IC1 3 --turn 90 --at 0.2,0.2");
-    move->callback([&options, given] {
+    move->callback([&options, given, comment] {
+        if (comment->count() > 0) given->move.comment = given->comment;
         given->move.at = given->at;
         given->move.size = given->size;
         MoveImage(options, given->key, given->placed, given->move);

@@ -10,6 +10,10 @@
 namespace Console {
 namespace {
 
+bool EndsIn(const std::string& file, const char* ending) {
+    return Platform::EqualsIgnoringCase(std::filesystem::path(file).extension().string(), ending);
+}
+
 /// Tells of each picture that a page lacks; gives their number.
 std::size_t TellMissing(const Page& page) {
     std::size_t missing = 0;
@@ -23,8 +27,8 @@ std::size_t TellMissing(const Page& page) {
 
 void Draw(Program& program, const std::string& key, const std::string& file, unsigned width,
           const DrawingOptions& drawing) {
-    const bool png = Platform::EqualsIgnoringCase(std::filesystem::path(file).extension().string(), ".png");
-    if (!png && !Platform::EqualsIgnoringCase(std::filesystem::path(file).extension().string(), ".svg"))
+    const bool png = EndsIn(file, ".png");
+    if (!png && !EndsIn(file, ".svg"))
         throw Complaint(fmt::format("\"{}\" is no name of a drawing; end it with .svg or .png", file));
     const Clinic clinic(program.options);
     const Page page = PageOf(*OpenEntry(clinic, key), width);
@@ -38,6 +42,8 @@ void Draw(Program& program, const std::string& key, const std::string& file, uns
 }
 
 void Report(Program& program, const std::string& patient, const std::string& file) {
+    if (!EndsIn(file, ".html") && !EndsIn(file, ".htm"))
+        throw Complaint(fmt::format("\"{}\" is no name of a report; end it with .html", file));
     const Clinic clinic(program.options);
     const ReportTally tally = WriteReport(clinic, patient, file);
     if (tally.missing > 0) program.exitCode = PartlyDone;

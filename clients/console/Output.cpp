@@ -17,7 +17,7 @@ double Seconds() {
 std::string CellText(const Json& value) {
     if (value.is_null()) return {};
     if (value.is_boolean()) return value.get<bool>() ? "yes" : "no";
-    return value.is_string() ? value.get<std::string>() : value.dump();
+    return value.is_string() ? Printable(value.get<std::string>()) : value.dump();
 }
 
 /// The columns of a terminal that a text takes: twice as many for a character of an eastern script.
@@ -33,6 +33,12 @@ std::size_t Width(std::string_view text) {
 }
 
 }  // namespace
+
+std::string Printable(std::string text) {
+    for (char& c : text)
+        if (static_cast<unsigned char>(c) < ' ' || c == '\x7F') c = ' ';
+    return text;
+}
 
 Json AsJson(const Platform::Variant& value) {
     using namespace Platform;

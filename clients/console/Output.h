@@ -50,6 +50,9 @@ private:
 /// A value as JSON holds it and lists print it: dates as text, nulls as null.
 nlohmann::ordered_json AsJson(const Platform::Variant& value);
 
+/// The text without what would move a terminal's cursor or break a line: control characters become blanks.
+std::string Printable(std::string text);
+
 /// A date as text, with the time where it has one; empty for the zero date.
 std::string DateText(Platform::Date date);
 

@@ -23,9 +23,10 @@ namespace fs = std::filesystem;
 /// An open file of the system, closed however its user ends.
 class OpenFile {
 public:
-    OpenFile(const fs::path& path, int flags)
-        : path_(path), descriptor_(open(path.c_str(), flags | O_CLOEXEC, 0644)) {
-        if (descriptor_ < 0) Complain(flags == O_RDONLY ? "can't read" : "can't write", path);
+    /// `shown` is what a complaint calls it.
+    OpenFile(const fs::path& path, int flags, const fs::path& shown)
+        : path_(shown), descriptor_(open(path.c_str(), flags | O_CLOEXEC, 0644)) {
+        if (descriptor_ < 0) Complain(flags == O_RDONLY ? "can't read" : "can't write", shown);
     }
     ~OpenFile() { close(descriptor_); }
     OpenFile(const OpenFile&) = delete;
@@ -63,7 +64,7 @@ bool SameContent(const fs::path& a, const fs::path& b) {
 fs::path PartialName(const fs::path& path) { return path.string() + fmt::format(".part{}", getpid()); }
 
 void CopyFlushed(const fs::path& from, const fs::path& to) {
-    OpenFile source(from, O_RDONLY), target(to, O_WRONLY | O_CREAT | O_EXCL);
+    OpenFile source(from, O_RDONLY, from), target(to, O_WRONLY | O_CREAT | O_EXCL, to);
     std::vector<char> buffer(1 << 18);
     while (const std::size_t size = source.Read(buffer.data(), buffer.size()))
         target.Write(buffer.data(), size);
@@ -73,10 +74,12 @@ void CopyFlushed(const fs::path& from, const fs::path& to) {
 }  // namespace
 
 void WriteWholeFile(const fs::path& path, std::string_view bytes) {
-    const fs::path partial = PartialName(path);
     std::error_code failure;
+    if (fs::exists(path, failure) && !fs::is_regular_file(path, failure))
+        throw Complaint(fmt::format("can't write {}: it is no file", path.string()));
+    const fs::path partial = PartialName(path);
     try {
-        OpenFile target(partial, O_WRONLY | O_CREAT | O_EXCL);
+        OpenFile target(partial, O_WRONLY | O_CREAT | O_EXCL, path);
         target.Write(bytes.data(), bytes.size());
         target.Flush();
         if (rename(partial.c_str(), path.c_str()) != 0) Complain("can't write", path);

@@ -35,7 +35,7 @@ public:
 
     /// Loads the card with this key and its placed images; the result is always empty. The one sign that
     /// there is none is that nothing at all changes, `ICID` neither. Raises 94 for a null in a column
-    /// other than the sizes, 6 for a size beyond 32 bits, and what the database raises; the members read
+    /// other than the sizes, 6 for a size beyond 32 bits, 13 for what is no date or number, and what the database raises; the members read
     /// before stay new. Placed images that can't be read are told in a text box.
     Variant GetImageCard(const Ref<Connection>& conn, const Long& lICID);
 

@@ -198,8 +198,8 @@ TEST_F(Cards, AWrongRequestIsToldInOneLineAndChangesNothing) {
     EXPECT_THAT(Complaint({"card", "add", "IC1", "2", "--size", "0"}), HasSubstr("a size is above 0"));
     EXPECT_THAT(Complaint({"card", "add", "IC1", "2", "--size", "nan"}), HasSubstr("is no size"));
     EXPECT_THAT(Complaint({"card", "move", "IC1", "1", "--turn", "45"}), HasSubstr("90, 180 or 270"));
-    EXPECT_THAT(Complaint({"card", "move", "IC1", "9"}), HasSubstr("card IC1 has no placed image 9"));
-    EXPECT_THAT(Complaint({"card", "move", "IC1", "1", "--record", "Paint=1"}), HasSubstr("ManCosmetic, "));
+    EXPECT_THAT(Complaint({"card", "move", "IC1", "9", "--mirror"}), HasSubstr("card IC1 has no placed image 9"));
+    EXPECT_THAT(Complaint({"card", "move", "IC1", "1", "--record", "Paint=1"}), HasSubstr("Manbrightness, "));
     EXPECT_THAT(Complaint({"card", "move", "IC1", "1", "--record", "UndoStop"}),
                 HasSubstr("no manipulation"));
     EXPECT_THAT(Complaint({"card", "move", "IC1", "1", "--record", "ManBitmap=1,it's"}),
@@ -207,6 +207,9 @@ TEST_F(Cards, AWrongRequestIsToldInOneLineAndChangesNothing) {
     EXPECT_THAT(Complaint({"card", "remove", "IC1", "1", "9"}), HasSubstr("has no placed image 9"));
     EXPECT_THAT(Complaint({"card", "new", "P-1.2.3", "x", "--canvas", "0x5"}), HasSubstr("above 0"));
     EXPECT_THAT(Complaint({"card", "new", "P-1.2.3", "x", "--canvas", "wide"}), HasSubstr("1000x700"));
+    EXPECT_THAT(Complaint({"card", "new", "P-1.2.3", "x", "--canvas", "1x200000"}),
+                HasSubstr("at most 100000"));
+    EXPECT_THAT(Complaint({"card", "new", "P-1.2.3", std::string(256, 'x')}), HasSubstr("255 characters"));
     EXPECT_THAT(Complaint({"series", "save-as-card", "9"}), HasSubstr("there is no series 9"));
     EXPECT_EQ(OkJson({"card", "show", "IC1"}), before);
     EXPECT_EQ(Entries().size(), 2U);
@@ -219,6 +222,89 @@ TEST_F(Cards, ManipulationsThatCannotBeStoredLeaveTheCardAsItWas) {
     Run("CREATE TRIGGER full BEFORE INSERT ON ImageManipulation_T BEGIN SELECT RAISE(ABORT, 'full'); END");
     EXPECT_THAT(Complaint({"card", "move", "IC1", "1", "--turn", "90"}), HasSubstr("nothing was changed"));
     EXPECT_EQ(OkJson({"card", "show", "IC1"}), before);
+}
+
+TEST_F(Cards, ManipulationsThatCannotBeReadKeepTheCardFromBeingStored) {
+    Ok({"card", "new", "P-1.2.3", "Control"});
+    Ok({"card", "add", "IC1", "1"});
+    Ok({"card", "move", "IC1", "1", "--turn", "90", "--record", "ManInvert"});
+    Run("UPDATE ImageManipulation_T SET StringParameter = NULL WHERE SequenceNo = 1");
+    EXPECT_THAT(Complaint({"card", "move", "IC1", "1", "--at", "0.1,0.1"}), HasSubstr("can't be read whole"));
+    Run("UPDATE ImageManipulation_T SET StringParameter = ''");
+    EXPECT_EQ(Placed()[0]["manipulations"], "ManRotate=90 ManInvert=0");
+    EXPECT_EQ(Placed()[0]["x"], 0.0);
+}
+
+TEST_F(Cards, ARowWithoutAnImageKeepsItsManipulations) {
+    Ok({"card", "new", "P-1.2.3", "Control"});
+    Ok({"card", "add", "IC1", "1", "2"});
+    Ok({"card", "move", "IC1", "1", "--turn", "90"});
+    Run("UPDATE ImageAttribute_T SET ImageBildId = 0 WHERE ImageAttributeID = 1");
+    Ok({"card", "move", "IC1", "2", "--turn", "180"});
+    EXPECT_EQ(Placed()[0]["manipulations"], "ManRotate=90");
+}
+
+TEST_F(Cards, ACosmeticManipulationIsNotTheProgramsToRecord) {
+    Ok({"card", "new", "P-1.2.3", "Control"});
+    Ok({"card", "add", "IC1", "1"});
+    EXPECT_THAT(Complaint({"card", "move", "IC1", "1", "--record", "ManCosmetic=0,001x"}),
+                HasSubstr("cosmetic"));
+}
+
+TEST_F(Cards, AnImageIsPutIntoTheFirstFreeCell) {
+    Ok({"card", "new", "P-1.2.3", "Control"});
+    Ok({"card", "add", "IC1", "1", "2", "3"});
+    Ok({"card", "remove", "IC1", "1"});
+    EXPECT_EQ(OkJson({"card", "add", "IC1", "4"})["placed"], json({4}));
+    const json placed = Placed();
+    EXPECT_EQ(placed[2]["image"], 4);
+    EXPECT_EQ(placed[2]["x"], 0.0);
+    EXPECT_EQ(placed[2]["y"], 0.0);
+}
+
+TEST_F(Cards, ScriptsLearnWhatWasDone) {
+    Ok({"card", "new", "P-1.2.3", "Control"});
+    EXPECT_EQ(OkJson({"card", "add", "IC1", "1", "2"}), (json{{"card", "IC1"}, {"placed", {1, 2}}}));
+    EXPECT_EQ(OkJson({"card", "move", "IC1", "2", "--mirror"}), (json{{"card", "IC1"}, {"placed", {2}}}));
+    EXPECT_EQ(OkJson({"card", "remove", "IC1", "2", "2"}), (json{{"card", "IC1"}, {"removed", {2}}}));
+}
+
+TEST_F(Cards, ACommentCanBeTakenAway) {
+    Ok({"card", "new", "P-1.2.3", "Control"});
+    Ok({"card", "add", "IC1", "1"});
+    Ok({"card", "move", "IC1", "1", "--comment", "distal"});
+    Ok({"card", "move", "IC1", "1", "--comment", ""});
+    EXPECT_EQ(Placed()[0]["comment"], "");
+    EXPECT_THAT(Complaint({"card", "move", "IC1", "1"}), HasSubstr("nothing to change"));
+}
+
+TEST_F(Cards, ACardThatCannotBeReadIsNotDrawnAsEmpty) {
+    Ok({"series", "save-as-card", "1"});
+    Run("UPDATE ImageAttribute_T SET IASequence = NULL WHERE ImageAttributeID = 2");
+    EXPECT_THAT(Complaint({"draw", "IC1", "-o", File("x.png")}), HasSubstr("cImageCard.LoadImageAttribues"));
+    EXPECT_FALSE(fs::exists(File("x.png")));
+    EXPECT_THAT(Complaint({"card", "show", "IC1"}), HasSubstr("cImageCard.LoadImageAttribues"));
+}
+
+TEST_F(Cards, AQuoteInAPatientsIdIsFound) {
+    Run("UPDATE Patient_T SET PersonNr_CH = 'O''BRIEN'");
+    EXPECT_EQ(OkJson({"cards", "#1"})["entries"].size(), 1U);
+    EXPECT_EQ(OkJson({"cards", "o'brien"})["entries"].size(), 1U);
+}
+
+TEST_F(Cards, NamesDoNotReachTheTerminalAsCommands) {
+    Ok({"card", "new", "P-1.2.3", "a\x1b[31m\n2"});
+    EXPECT_THAT(Ok({"cards", "P-1.2.3"}), HasSubstr("a [31m 2"));
+    EXPECT_THAT(Ok({"card", "show", "IC1"}), HasSubstr("IC1: a [31m 2,"));
+    EXPECT_EQ(OkJson({"card", "show", "IC1"})["name"], "a\x1b[31m\n2");
+}
+
+TEST_F(Cards, OnlyFilesOfTheirKindAreReplaced) {
+    EXPECT_THAT(Complaint({"report", "P-1.2.3", "-o", Database()}), HasSubstr("end it with .html"));
+    EXPECT_THAT(Complaint({"report", "P-1.2.3", "-o", "/dev/null"}), HasSubstr("end it with .html"));
+    fs::create_directory(File("folder.html"));
+    EXPECT_THAT(Complaint({"report", "P-1.2.3", "-o", File("folder.html")}), HasSubstr("it is no file"));
+    EXPECT_EQ(Entries().size(), 1U);
 }
 
 TEST_F(Cards, ADrawingIsSvgOrPngByItsName) {

@@ -7,6 +7,7 @@
 #include <dcmtk/dcmdata/dcrleerg.h>
 #include <dcmtk/dcmjpeg/djencode.h>
 #include <fstream>
+#include <gdk-pixbuf/gdk-pixbuf.h>
 #include <png.h>
 
 /// The font library keeps what it found until the process ends, in memory that no pointer leads to.
@@ -72,6 +73,22 @@ Picture PictureOf(int width, const std::vector<Pixel>& pixels) {
     EXPECT_TRUE(png_image_write_to_memory(&png, file.data(), &size, 0, bytes.data(), 0, nullptr));
     file.resize(size);
     return {"image/png", file};
+}
+
+/// The same picture as a JPEG file.
+std::string JpegOf(const Picture& png) {
+    GdkPixbufLoader* const loader = gdk_pixbuf_loader_new();
+    gdk_pixbuf_loader_write(loader, reinterpret_cast<const guchar*>(png.bytes.data()), png.bytes.size(),
+                            nullptr);
+    gdk_pixbuf_loader_close(loader, nullptr);
+    gchar* bytes = nullptr;
+    gsize size = 0;
+    EXPECT_TRUE(gdk_pixbuf_save_to_buffer(gdk_pixbuf_loader_get_pixbuf(loader), &bytes, &size, "jpeg",
+                                          nullptr, nullptr));
+    std::string file(bytes, size);
+    g_free(bytes);
+    g_object_unref(loader);
+    return file;
 }
 
 // ---- DICOM pixels -----------------------------------------------------------------------------------
@@ -203,11 +220,41 @@ TEST_F(DicomPicture, APngOrJpegFileIsTakenAsItIs) {
     std::ofstream(folder.Path() / "a.dat", std::ios::binary) << png.bytes;
     EXPECT_EQ(ReadPicture(folder.Path() / "a.dat", 1).mediaType, "image/png");
     EXPECT_EQ(ReadPicture(folder.Path() / "a.dat", 1).bytes, png.bytes);
-    std::ofstream(folder.Path() / "b.dat", std::ios::binary) << "\xFF\xD8\xFF\xE0 and so on";
+    const std::string jpeg = JpegOf(png);
+    std::ofstream(folder.Path() / "b.dat", std::ios::binary) << jpeg;
     EXPECT_EQ(ReadPicture(folder.Path() / "b.dat", 1).mediaType, "image/jpeg");
-    EXPECT_EQ(ReadPicture(folder.Path() / "b.dat", 1).bytes, "\xFF\xD8\xFF\xE0 and so on");
+    EXPECT_EQ(ReadPicture(folder.Path() / "b.dat", 1).bytes, jpeg);
     EXPECT_THROW(ReadPicture(folder.Path() / "c.dat", 1), std::runtime_error);
     EXPECT_THROW(ReadPicture(folder.Path(), 1), std::runtime_error);
+}
+
+TEST_F(DicomPicture, APhotographIsTurnedAsItsFileSays) {
+    const Picture wide = PictureOf(16, std::vector<Pixel>(16 * 8, Red));
+    // Behind the start of the file, an EXIF segment whose one entry is the orientation 6.
+    const std::string exif(
+        "\xFF\xE1\x00\x22"
+        "Exif\0\0II*\0\x08\0\0\0\x01\0\x12\x01\x03\0\x01\0\0\0\x06\0\0\0\0\0\0\0",
+        36);
+    std::string jpeg = JpegOf(wide);
+    jpeg.insert(2, exif);
+    std::ofstream(folder.Path() / "photo.jpg", std::ios::binary) << jpeg;
+    const Picture turned = ReadPicture(folder.Path() / "photo.jpg", 1);
+    EXPECT_EQ(turned.mediaType, "image/png");
+    EXPECT_EQ(Pixels(turned.bytes).Width(), 8);
+    EXPECT_EQ(Pixels(turned.bytes).Height(), 16);
+}
+
+TEST_F(DicomPicture, ADamagedOrCutPhotographIsRefused) {
+    std::vector<Pixel> noise(static_cast<std::size_t>(64) * 64);
+    for (std::size_t i = 0; i < noise.size(); ++i) noise[i] = {static_cast<int>(i * 7919 % 251), 0, 9};
+    const Picture png = PictureOf(64, noise);
+    const std::string jpeg = JpegOf(png);
+    for (const std::string& bytes :
+         {png.bytes.substr(0, png.bytes.size() / 2), jpeg.substr(0, jpeg.size() / 2), jpeg.substr(0, 3),
+          std::string("\xFF\xD8\xFF\xE0 and so on")}) {
+        std::ofstream(folder.Path() / "cut", std::ios::binary | std::ios::trunc) << bytes;
+        EXPECT_THROW(ReadPicture(folder.Path() / "cut", 1), std::runtime_error) << bytes.size();
+    }
 }
 
 // ---- the page as a drawing --------------------------------------------------------------------------
@@ -280,6 +327,27 @@ TEST(Drawing, WhatLiesBelowTheCanvasMakesItLonger) {
     const Pixels pixels = Drawn(page);
     EXPECT_EQ(pixels.Height(), 200);
     EXPECT_EQ(pixels.At(50, 150), Red);
+}
+
+TEST(Drawing, WhatLiesLeftOfTheCanvasMakesItWider) {
+    Page page = PageWith(PictureOf(1, {Red}));
+    page.pictures[0].box = {-0.5, 0, 0.5, 1};
+    EXPECT_THAT(SvgOf(page, {}), HasSubstr("viewBox=\"-100 0 300 100\""));
+    EXPECT_EQ(Drawn(page).At(33, 33), Red);
+    EXPECT_EQ(Drawn(page).At(133, 33), Black);
+}
+
+TEST(Drawing, PlacesThatNoPageHasStillGiveADrawing) {
+    Page page = PageWith(PictureOf(1, {Red}));
+    page.pictures[0].box = {1e300, -1e300, 1e300, 1};
+    EXPECT_EQ(Drawn(page).Width(), 200);
+}
+
+TEST(Drawing, ADrawingTooHighIsRefused) {
+    Page page = PageWith(PictureOf(1, {Red}));
+    page.width = 1;
+    page.height = 100'000;
+    EXPECT_THROW(Drawn(page), std::runtime_error);
 }
 
 TEST(Drawing, NumbersAndEmptySlotsStandThereOnDemand) {

@@ -82,10 +82,10 @@ std::string TeethByQuadrant(const std::string& teeth) {
 Ref<cUniCard> OpenCard(const Clinic& clinic, Long number) {
     Ref<cUniCard> entry = New<cUniCard>();
     entry->Imagecard = New<cImagecard>();
-    entry->Imagecard->GetImageCard(clinic.Con(), number);
+    ComplainOfTextBoxes([&] { entry->Imagecard->GetImageCard(clinic.Con(), number); });
     if (number == 0 || entry->Imagecard->ICID == 0)
         throw Complaint(fmt::format("there is no image card IC{}; see: oxclass cards PATIENT", number));
-    entry->LoadCardFull(clinic.Con(), {}, number, ctImagecard);
+    ComplainOfTextBoxes([&] { entry->LoadCardFull(clinic.Con(), {}, number, ctImagecard); });
     return entry;
 }
 

@@ -5,7 +5,9 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+#include <gdk-pixbuf/gdk-pixbuf.h>
 #include <iterator>
+#include <memory>
 #include <stdexcept>
 
 namespace Console {
@@ -13,7 +15,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view PngHead("\x89PNG\r\n\x1A\n", 8), JpegHead("\xFF\xD8\xFF", 3);
+constexpr std::string_view PngHead("\x89PNG\r\n\x1A\n", 8), JpegHead("\xFF\xD8\xFF", 3),
+    JpegEnd("\xFF\xD9", 2);
 
 std::ifstream Opened(const fs::path& path) {
     constexpr std::uintmax_t most = 256U << 20;
@@ -24,6 +27,52 @@ std::ifstream Opened(const fs::path& path) {
     std::ifstream in(path, std::ios::binary);
     if (!in) throw std::runtime_error(std::string("can't be read: ") + std::strerror(errno));
     return in;
+}
+
+struct Release {
+    void operator()(GdkPixbuf* pixels) const { g_object_unref(pixels); }
+    void operator()(GError* error) const { g_error_free(error); }
+};
+using Pixels = std::unique_ptr<GdkPixbuf, Release>;
+
+[[noreturn]] void Refuse(GError* error) {
+    const std::unique_ptr<GError, Release> held(error);
+    throw std::runtime_error(std::string("is damaged: ") + (error ? error->message : "no reason"));
+}
+
+/// Reads all pixels, so that a damaged file is noticed here and not in the drawing.
+Pixels Decoded(const fs::path& path) {
+    constexpr std::int64_t mostPixels = 100'000'000;
+    int width = 0, height = 0;
+    if (!gdk_pixbuf_get_file_info(path.c_str(), &width, &height)) throw std::runtime_error("is damaged");
+    if (std::int64_t{width} * height > mostPixels)
+        throw std::runtime_error("has more than 100 million pixels");
+    GError* error = nullptr;
+    Pixels pixels(gdk_pixbuf_new_from_file(path.c_str(), &error));
+    if (!pixels) Refuse(error);
+    return pixels;
+}
+
+bool SaysToTurn(GdkPixbuf& pixels) {
+    const char* const orientation = gdk_pixbuf_get_option(&pixels, "orientation");
+    return orientation && std::string_view(orientation) != "1";
+}
+
+/// A picture that its file says to turn, turned: viewers differ in whether they would.
+Picture Turned(GdkPixbuf& pixels) {
+    const Pixels turned(gdk_pixbuf_apply_embedded_orientation(&pixels));
+    gchar* bytes = nullptr;
+    gsize size = 0;
+    GError* error = nullptr;
+    if (!gdk_pixbuf_save_to_buffer(turned.get(), &bytes, &size, "png", &error, nullptr)) Refuse(error);
+    const std::unique_ptr<gchar, decltype(&g_free)> held(bytes, &g_free);
+    return {"image/png", std::string(bytes, size)};
+}
+
+/// The decoder fills what a cut JPEG file lacks with gray, without a word.
+void RequireEnd(const std::string& jpeg) {
+    const auto end = jpeg.rfind(JpegEnd);
+    if (end == std::string::npos || end < jpeg.size() / 2) throw std::runtime_error("is cut short");
 }
 
 }  // namespace
@@ -37,7 +86,11 @@ Picture ReadPicture(const fs::path& path, unsigned longestSide) {
     if (!png && !head.starts_with(JpegHead)) return {"image/png", DicomPictureAsPng(path, longestSide)};
     in.clear();
     in.seekg(0);
-    return {png ? "image/png" : "image/jpeg", {std::istreambuf_iterator<char>(in), {}}};
+    std::string bytes{std::istreambuf_iterator<char>(in), {}};
+    const Pixels pixels = Decoded(path);
+    if (!png) RequireEnd(bytes);
+    if (SaysToTurn(*pixels)) return Turned(*pixels);
+    return {png ? "image/png" : "image/jpeg", std::move(bytes)};
 }
 
 }  // namespace Console

@@ -60,7 +60,11 @@ void Require(cairo_status_t status) {
 
 std::string PngOfSvg(const std::string& svg, unsigned width) {
     const Held<RsvgHandle> handle = Parsed(svg);
+    constexpr double highest = 32767;
     const double height = std::max(1.0, std::round(width * ProportionOf(*handle)));
+    if (!(height <= highest))
+        throw std::runtime_error(
+            "the drawing would be more than 32767 pixels high; make it less wide with --width");
     const Held<cairo_surface_t> surface(
         cairo_image_surface_create(CAIRO_FORMAT_RGB24, static_cast<int>(width), static_cast<int>(height)));
     Require(cairo_surface_status(surface.get()));

@@ -31,20 +31,25 @@ public:
     }
 
 private:
+    /// Far out of any page, a place counts as its edge, so that every drawing has a size.
     Rectangle Scaled(const Box& box) const {
+        const auto limited = [](double part) { return std::clamp(part, -100.0, 100.0); };
         const auto width = static_cast<double>(page_.width), height = static_cast<double>(page_.height);
-        return {box.x * width, box.y * height, box.width * width, box.height * height};
+        return {limited(box.x) * width, limited(box.y) * height, limited(box.width) * width,
+                limited(box.height) * height};
     }
 
-    /// The canvas, grown to what lies beyond its right and lower edges.
+    /// The canvas, grown to what lies beyond its edges.
     Rectangle Whole() const {
-        Rectangle whole = Scaled({0, 0, 1, 1});
+        double left = 0, top = 0, right = page_.width, bottom = page_.height;
         for (const PlacedPicture& placed : page_.pictures) {
             const Rectangle r = Scaled(placed.box);
-            whole.width = std::max(whole.width, r.x + r.width);
-            whole.height = std::max(whole.height, r.y + r.height);
+            left = std::min(left, r.x);
+            top = std::min(top, r.y);
+            right = std::max(right, r.x + r.width);
+            bottom = std::max(bottom, r.y + r.height);
         }
-        return whole;
+        return {left, top, right - left, bottom - top};
     }
 
     template <class... Values>
@@ -55,12 +60,13 @@ private:
     void Begin() {
         const Rectangle whole = Whole();
         if (!options_.within) svg_ += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
-        Add("<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 {:.6g} {:.6g}\" role=\"img\"",
-            whole.width, whole.height);
+        Add("<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"{:.6g} {:.6g} {:.6g} {:.6g}\" role=\"img\"",
+            whole.x, whole.y, whole.width, whole.height);
         if (!options_.within) Add(" width=\"{:.6g}\" height=\"{:.6g}\"", whole.width, whole.height);
-        Add(" aria-label=\"{0}\">\n<title>{0}</title>\n<rect width=\"100%\" height=\"100%\" "
+        Add(" aria-label=\"{0}\">\n<title>{0}</title>\n<rect x=\"{1:.6g}\" y=\"{2:.6g}\" width=\"100%\" "
+            "height=\"100%\" "
             "fill=\"#000\"/>\n",
-            XmlText(page_.title));
+            XmlText(page_.title), whole.x, whole.y);
     }
 
     void Put(const PlacedPicture& placed) {
