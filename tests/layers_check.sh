@@ -29,7 +29,8 @@ forbid series '(cards/cUniCard|worklist/)'
 for file in cards/*; do
     case $file in cards/cUniCard*) ;; *) forbid "$file" '(series/|cards/cUniCard|worklist/)' ;; esac
 done
-for room in frame people anatomy images cards series; do
+forbid worklist '(anatomy|images|cards|series)/'
+for room in frame people anatomy images cards series worklist; do
     forbid $room '(sqlite3|libpq|sql|platform/adodb/providers)'
 done
 forbid . '(clients|tests)/'

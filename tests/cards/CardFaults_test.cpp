@@ -11,15 +11,8 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 /// Rows as texts, so that a state of the tables is one list.
-class CardFaults : public WithDatabase {
+class CardFaults : public WithFaults {
 protected:
-    CardFaults() {
-        InstallFaultyProvider();
-        FailAtCall(0);
-        faulty->Open(Replace(con->ConnectionString(), "Provider=SQLite", "Provider=Faulty"));
-    }
-    ~CardFaults() override { FailAtCall(0); }
-
     std::vector<String> Texts(const String& select) {
         std::vector<String> texts;
         const Ref<Recordset> rs = Connect()->Execute(select);
@@ -84,7 +77,6 @@ protected:
         return CallsSoFar();
     }
 
-    const Ref<Connection> faulty = New<Connection>();
     const Ref<cImagecard> card = New<cImagecard>();
 };
 

@@ -3,7 +3,6 @@
 #include "kit/Database.h"
 #include "platform/runtime/Services.h"
 
-#include <array>
 #include <fstream>
 
 /// A placed image with its manipulations: how it is saved and deleted, and how the manipulations are kept.
@@ -16,18 +15,9 @@ using ::testing::IsEmpty;
 
 namespace fs = std::filesystem;
 
-using Modes = std::array<Long, 3>;  // cursor type, lock type, options
-
-struct ModeLog final : ADODB::ConnectionEvents {
-    void WillExecute(ADODB::ExecuteRequest& request) override {
-        modes.push_back({request.CursorType, request.LockType, request.Options});
-    }
-    std::vector<Modes> modes;
-};
-
-constexpr Modes executed{ADODB::adOpenForwardOnly, ADODB::adLockReadOnly, ADODB::adCmdUnspecified};
-constexpr Modes plainRead{ADODB::adOpenForwardOnly, ADODB::adLockReadOnly, ADODB::adCmdText};
-constexpr Modes updatable{ADODB::adOpenKeyset, ADODB::adLockOptimistic, ADODB::adCmdText};
+constexpr const char* executed = "0 1 -1";
+constexpr const char* plainRead = "0 1 1";
+constexpr const char* updatable = "1 3 1";
 
 class Placed : public WithDatabase {
 protected:
@@ -87,12 +77,12 @@ protected:
     }
 
     template <class Call>
-    std::vector<Modes> ModesOf(Call call) {
+    std::vector<String> ModesOf(Call call) {
         ModeLog modes;
         con->Advise(modes);
         call();
         con->Unadvise(modes);
-        return modes.modes;
+        return modes.seen;
     }
 
     Ref<cImagecardAttribute> placed = New<cImagecardAttribute>();

@@ -14,15 +14,6 @@ using namespace TestKit;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-/// Notes how each statement is opened: cursor type, lock type, options.
-struct Modes : ADODB::ConnectionEvents {
-    void WillExecute(ADODB::ExecuteRequest& request) override {
-        seen.push_back(CStr(Long{request.CursorType}) + " " + CStr(Long{request.LockType}) + " " +
-                       CStr(request.Options));
-    }
-    std::vector<String> seen;
-};
-
 String CardsOf(const String& person) {
     return "SELECT Patient_T.PatientID as PatientID,  Patient_T.*, ImageCard_T.* FROM Patient_T INNER JOIN "
            "ImageCard_T ON Patient_T.PatientId=ImageCard_T.PatientId WHERE PersonNr_CH='" +
@@ -206,7 +197,7 @@ TEST_F(UniCards, TheNumberOfStatementsDoesNotGrowWithTheList) {
 
 TEST_F(UniCards, EachStatementIsOpenedInItsOwnMode) {
     RunSeries(1, noon, "orgServerID=3");
-    Modes modes;
+    ModeLog modes;
     con->Advise(modes);
     Load();
     con->Unadvise(modes);

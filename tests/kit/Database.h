@@ -38,6 +38,17 @@ public:
     std::vector<String> statements;
 };
 
+/// Keeps how each statement is opened: "cursor type lock type options", as "0 1 1".
+class ModeLog : public ADODB::ConnectionEvents {
+public:
+    void WillExecute(ADODB::ExecuteRequest& request) override {
+        seen.push_back(CStr(Long{request.CursorType}) + " " + CStr(Long{request.LockType}) + " " +
+                       CStr(request.Options));
+    }
+
+    std::vector<String> seen;
+};
+
 /// A test with a database: a fresh file with all tables, opened as `con`; `log` holds what was sent since
 /// the test's body began or since it was cleared.
 class WithDatabase : public ::testing::Test {

@@ -16,4 +16,38 @@ void FailAtCall(int number);
 /// How many calls reached the database since `FailAtCall`.
 int CallsSoFar();
 
+/// A test with a second connection to its database, `faulty`, whose calls fail on demand.
+class WithFaults : public WithDatabase {
+protected:
+    WithFaults() {
+        InstallFaultyProvider();
+        FailAtCall(0);
+        faulty->Open(Replace(con->ConnectionString(), "Provider=SQLite", "Provider=Faulty"));
+    }
+    ~WithFaults() override { FailAtCall(0); }
+
+    /// Fails the call of this number within `operation`, which must raise it with this source.
+    template <class Operation>
+    void FailOnce(int call, const String& source, Operation operation) {
+        FailAtCall(call);
+        const Error failure = FailureOf(operation);
+        FailAtCall(0);
+        EXPECT_EQ(failure.Number, static_cast<Long>(0x80004005)) << "call " << call;
+        EXPECT_EQ(failure.Source, source) << "call " << call;
+        EXPECT_EQ(failure.Description, "injected") << "call " << call;
+    }
+
+    /// The calls that `operation` makes when none fails.
+    template <class Operation>
+    int CallsOf(Operation operation) {
+        FailAtCall(0);
+        operation();
+        return CallsSoFar();
+    }
+
+    Long CountOf(const String& table) { return CLng(Ask("SELECT COUNT(*) FROM " + table)); }
+
+    const Ref<Connection> faulty = New<Connection>();
+};
+
 }  // namespace TestKit

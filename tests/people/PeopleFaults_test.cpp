@@ -12,41 +12,13 @@ namespace {
 using namespace TestKit;
 using ::testing::IsEmpty;
 
-class PeopleFaults : public WithDatabase {
+class PeopleFaults : public WithFaults {
 protected:
     PeopleFaults() {
         OutsideGUID = [this] { return "guid" + CStr(++asked); };
-        InstallFaultyProvider();
-        FailAtCall(0);
-        faulty->Open(Replace(con->ConnectionString(), "Provider=SQLite", "Provider=Faulty"));
     }
-    ~PeopleFaults() override {
-        FailAtCall(0);
-        OutsideGUID = nullptr;
-    }
+    ~PeopleFaults() override { OutsideGUID = nullptr; }
 
-    /// Fails the call of this number within `operation`, which must raise it with this source.
-    template <class Operation>
-    void FailOnce(int call, const String& source, Operation operation) {
-        FailAtCall(call);
-        const Error failure = FailureOf(operation);
-        FailAtCall(0);
-        EXPECT_EQ(failure.Number, static_cast<Long>(0x80004005)) << "call " << call;
-        EXPECT_EQ(failure.Source, source) << "call " << call;
-        EXPECT_EQ(failure.Description, "injected") << "call " << call;
-    }
-
-    /// The calls that `operation` makes when none fails.
-    template <class Operation>
-    int CallsOf(Operation operation) {
-        FailAtCall(0);
-        operation();
-        return CallsSoFar();
-    }
-
-    Long CountOf(const String& table) { return CLng(Ask("SELECT COUNT(*) FROM " + table)); }
-
-    const Ref<Connection> faulty = New<Connection>();
     const Ref<cDoctor> doctor = New<cDoctor>();
     const Ref<cClinic> clinic = New<cClinic>();
     int asked = 0;  ///< for a GUID

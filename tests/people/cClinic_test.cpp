@@ -15,15 +15,6 @@ constexpr Long TooLong = static_cast<Long>(0x80040E21);
 constexpr Long MissingTable = static_cast<Long>(0x80040E37);
 constexpr Long MissingColumn = 3265;
 
-/// Notes how each statement is opened: cursor type, lock type, options.
-struct Modes : ADODB::ConnectionEvents {
-    void WillExecute(ADODB::ExecuteRequest& request) override {
-        seen.push_back(CStr(Long{request.CursorType}) + " " + CStr(Long{request.LockType}) + " " +
-                       CStr(request.Options));
-    }
-    std::vector<String> seen;
-};
-
 /// All members, in the order in which a load reads them.
 String ContentOf(const cClinic& clinic) {
     return CStr(clinic.ID) + "|" + clinic.City + "|" + clinic.ClinicName + "|" + clinic.OrgNumber + "|" +
@@ -66,7 +57,7 @@ protected:
     }
 
     Ref<cClinic> clinic = New<cClinic>();
-    Modes modes;
+    ModeLog modes;
 };
 
 const char* const contentOfRow = "5|Umea|North|org|none|Lane 1|555|123";

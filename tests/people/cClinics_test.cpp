@@ -15,14 +15,6 @@ using ::testing::StartsWith;
 constexpr Long Refused = static_cast<Long>(0x80040E2F);
 constexpr Long MissingTable = static_cast<Long>(0x80040E37);
 
-struct Modes : ADODB::ConnectionEvents {
-    void WillExecute(ADODB::ExecuteRequest& request) override {
-        seen.push_back(CStr(Long{request.CursorType}) + " " + CStr(Long{request.LockType}) + " " +
-                       CStr(request.Options));
-    }
-    std::vector<String> seen;
-};
-
 String ContentOf(const cClinic& clinic) {
     return CStr(clinic.ID) + "|" + clinic.ClinicName + "|" + clinic.OrgNumber + "|" + clinic.ZipCode + "|" +
            clinic.StreetAddress + "|" + clinic.City + "|" + clinic.Telephone + "|" + clinic.Remarks16;
@@ -147,7 +139,7 @@ TEST_F(Clinics, NewEnumWalksTheMembersInOrder) {
 // ------------------------------------------------------------------------------------------------
 
 TEST_F(Clinics, AnEmptyTableGetsItsHeadOffice) {
-    Modes modes;
+    ModeLog modes;
     con->Advise(modes);
     EXPECT_EQ(clinics->GetAllClinics(con), 1);
     con->Unadvise(modes);

@@ -17,15 +17,6 @@ constexpr Long SyntaxError = static_cast<Long>(0x80040E14);
 constexpr Long MissingTable = static_cast<Long>(0x80040E37);
 constexpr Long MissingColumn = 3265;
 
-/// Notes how each statement is opened: cursor type, lock type, options.
-struct Modes : ADODB::ConnectionEvents {
-    void WillExecute(ADODB::ExecuteRequest& request) override {
-        seen.push_back(CStr(Long{request.CursorType}) + " " + CStr(Long{request.LockType}) + " " +
-                       CStr(request.Options));
-    }
-    std::vector<String> seen;
-};
-
 String Repeated(const String& text, int times) {
     String all;
     for (int i = 0; i < times; ++i) all += text;
@@ -103,7 +94,7 @@ protected:
 
     Ref<cDoctor> doctor = New<cDoctor>();
     int asked = 0;  ///< for a GUID
-    Modes modes;
+    ModeLog modes;
 };
 
 const char* const contentOfRow = "room 3|Ann|5|Hill|AH|Dr.|2|a@h|F00D|ahill";

@@ -15,14 +15,6 @@ using ::testing::StartsWith;
 
 constexpr Long MissingTable = static_cast<Long>(0x80040E37);
 
-struct Modes : ADODB::ConnectionEvents {
-    void WillExecute(ADODB::ExecuteRequest& request) override {
-        seen.push_back(CStr(Long{request.CursorType}) + " " + CStr(Long{request.LockType}) + " " +
-                       CStr(request.Options));
-    }
-    std::vector<String> seen;
-};
-
 String ContentOf(const cDoctor& doctor) {
     return CStr(doctor.drID) + "|" + doctor.DrName + "|" + doctor.DrFirstName + "|" + doctor.DrLastName +
            "|" + doctor.DrPrefix + "|" + doctor.DrContactInfo + "|" + CStr(Long{doctor.DrType}) + "|" +
@@ -164,7 +156,7 @@ TEST_F(Doctors, AnEmptyTableGivesAnEmptyList) {
 }
 
 TEST_F(Doctors, LoadEveryColumnUnderTheKeyOfTheNumber) {
-    Modes modes;
+    ModeLog modes;
     con->Advise(modes);
     RunRow();
     modes.seen.clear();

@@ -14,35 +14,8 @@ using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class Faults : public WithDatabase {
+class Faults : public WithFaults {
 protected:
-    Faults() {
-        InstallFaultyProvider();
-        FailAtCall(0);
-        faulty->Open(Replace(con->ConnectionString(), "Provider=SQLite", "Provider=Faulty"));
-    }
-    ~Faults() override { FailAtCall(0); }
-
-    /// Fails the call of this number within `operation`, which must raise it with this source.
-    template <class Operation>
-    void FailOnce(int call, const String& source, Operation operation) {
-        FailAtCall(call);
-        const Error failure = FailureOf(operation);
-        FailAtCall(0);
-        EXPECT_EQ(failure.Number, static_cast<Long>(0x80004005)) << "call " << call;
-        EXPECT_EQ(failure.Source, source) << "call " << call;
-        EXPECT_EQ(failure.Description, "injected") << "call " << call;
-    }
-
-    /// The calls that `operation` makes when none fails.
-    template <class Operation>
-    int CallsOf(Operation operation) {
-        FailAtCall(0);
-        operation();
-        return CallsSoFar();
-    }
-
-    Long CountOf(const String& table) { return CLng(Ask("SELECT COUNT(*) FROM " + table)); }
     std::vector<String> StoredComments() {
         std::vector<String> texts;
         const Ref<Recordset> rs =
@@ -50,8 +23,6 @@ protected:
         for (; !rs->Eof(); rs->MoveNext()) texts.push_back(To<String>(rs->Fields(0).Value()));
         return texts;
     }
-
-    const Ref<Connection> faulty = New<Connection>();
 };
 
 // ---- study and series -----------------------------------------------------------------------------------
