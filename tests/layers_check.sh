@@ -16,7 +16,7 @@ forbid() {
     failed=1
 }
 
-classes='frame|people|anatomy|images|cards|series|worklist'
+classes='frame|people|anatomy|images|cards|series|worklist|library'
 forbid platform "($classes)/"
 forbid platform/runtime 'platform/(component|adodb)/'
 forbid platform/component 'platform/adodb/'
@@ -31,6 +31,9 @@ for file in cards/*; do
 done
 forbid worklist '(anatomy|images|cards|series)/'
 for room in frame people anatomy images cards series worklist; do
+    forbid $room 'library/'
+done
+for room in frame people anatomy images cards series worklist library; do
     forbid $room '(sqlite3|libpq|sql|platform/adodb/providers)'
 done
 forbid . '(clients|tests)/'

@@ -2,14 +2,11 @@
 
 #include "cards/cUniCards.h"
 #include "console/Clinic.h"
-#include "people/cPatient.h"
+#include "console/FindPatient.h"
 
 #include <map>
 
 namespace Console {
-
-/// A patient by the text identifier, or by the number behind a "#". Throws `Complaint` if there is none.
-Ref<OXClass::cPatient> LoadPatient(const Clinic& clinic, const std::string& id);
 
 /// A patient's cards and series, newest first.
 struct CardList {

@@ -26,6 +26,7 @@ void AddDrawing(Program& program);    ///< draw, report
 void AddLayouts(Program& program);    ///< layouts, anatomy
 void AddStaff(Program& program);      ///< doctors, doctor, clinics, clinic, guid
 void AddWorklist(Program& program);   ///< worklist
+void AddIdl(Program& program);        ///< idl
 void AddSettings(Program& program);   ///< roots, setting, uid
 
 /// A whole number of the command line, "12" or "K12". Throws `Complaint` for anything else.

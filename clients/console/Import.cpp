@@ -7,7 +7,7 @@
 #include "frame/Class1.h"
 #include "frame/Statement.h"
 #include "images/cImage.h"
-#include "people/cPatient.h"
+#include "console/FindPatient.h"
 #include "series/cSerie.h"
 #include "series/cStudy.h"
 
@@ -210,7 +210,7 @@ Long Import::StoreGroup(const Group& group, std::vector<StoredFile>& files) {
 /// The patient's number; a patient that isn't known yet is made, a known one stays as it is.
 Long Import::PatientOf(const RadiographFile& file) {
     const Ref<cPatient> patient = New<cPatient>();
-    if (patient->LoadOnPatientIDorPDBID(con_, file.patientID, 0) != 0) return patient->ID;
+    if (FindPatient(con_, *patient, file.patientID)) return patient->ID;
     patient->PatientID = file.patientID;
     patient->LastName = file.familyName;
     patient->FirstName = file.givenName;

@@ -35,8 +35,14 @@ std::size_t Width(std::string_view text) {
 }  // namespace
 
 std::string Printable(std::string text) {
-    for (char& c : text)
-        if (static_cast<unsigned char>(c) < ' ' || c == '\x7F') c = ' ';
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = [&](std::size_t at) {
+            return at < text.size() ? static_cast<unsigned char>(text[at]) : 0;
+        };
+        if (byte(i) < ' ' || byte(i) == 0x7F) text[i] = ' ';
+        // The second set of control characters, U+0080 to U+009F.
+        if (byte(i) == 0xC2 && byte(i + 1) >= 0x80 && byte(i + 1) <= 0x9F) text.replace(i, 2, "  ");
+    }
     return text;
 }
 

@@ -1,7 +1,7 @@
 #include "console/Commands.h"
 #include "console/Fields.h"
 
-#include "console/CardList.h"
+#include "console/FindPatient.h"
 
 #include <fmt/format.h>
 
@@ -89,19 +89,40 @@ void ShowPatient(const Options& options, const std::string& id, const std::vecto
     const Clinic clinic(options);
     const Ref<cPatient> patient = LoadPatient(clinic, id);
     for (const std::string& assignment : assignments) SetField(*patient, assignment);
-    if (Contains(patient->Sex + patient->OtherIDs->GetAllAsString(), "'"))
-        throw Complaint("Sex and OtherIDs can't hold a single quote; leave it out");
-    if (!assignments.empty()) patient->Save(clinic.Con());
+    if (!assignments.empty()) {
+        RequireStorable(*patient);
+        patient->Save(clinic.Con());
+    }
     PrintFields(Shown(*patient), options.json);
 }
 
 }  // namespace
 
+bool FindPatient(const Ref<Connection>& con, cPatient& patient, const std::string& id, Long number) {
+    bool found = false;
+    ComplainOfTextBoxes([&] { found = patient.LoadOnPatientIDorPDBID(con, id, number) != 0; });
+    return found;
+}
+
+void RequireStorable(const cPatient& patient) {
+    constexpr Long identifierWidth = 64, otherIDsWidth = 255;
+    const String others = patient.OtherIDs->GetAllAsString();
+    if (Contains(patient.Sex + others, "'"))
+        throw Complaint("Sex and OtherIDs can't hold a single quote; leave it out");
+    if (Len(others) > otherIDsWidth)
+        throw Complaint(
+            fmt::format("the other identifiers have more than {} characters in all; set fewer with: oxclass "
+                        "patient ID OtherIDs=A\\B",
+                        otherIDsWidth));
+    if (Len(patient.PatientID) > identifierWidth)
+        throw Complaint(fmt::format("a patient ID has at most {} characters", identifierWidth));
+}
+
 Ref<cPatient> LoadPatient(const Clinic& clinic, const std::string& id) {
     Ref<cPatient> patient = New<cPatient>();
     const bool byNumber = id.starts_with('#');
     const Long number = byNumber ? NumberOf(id.substr(1), "a patient") : 0;
-    if (patient->LoadOnPatientIDorPDBID(clinic.Con(), byNumber ? String() : id, number) == 0)
+    if (!FindPatient(clinic.Con(), *patient, byNumber ? String() : id, number))
         throw Complaint(fmt::format("there is no patient {}; see: oxclass patients", id));
     return patient;
 }

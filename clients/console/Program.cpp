@@ -22,10 +22,7 @@ void AddCommonOptions(Program& program) {
 }
 
 int Complain(const std::string& text) {
-    std::string line = text;
-    for (char& c : line)
-        if (c == '\n' || c == '\r') c = ' ';
-    fmt::print(stderr, "oxclass: {}\n", line);
+    fmt::print(stderr, "oxclass: {}\n", Printable(text));
     return Failed;
 }
 
@@ -57,6 +54,7 @@ int RunProgram(int argc, const char* const* argv) {
     AddStaff(program);
     AddWorklist(program);
     AddSettings(program);
+    AddIdl(program);
     try {
         program.app.parse(argc, argv);
         if (std::fflush(stdout) != 0 || std::ferror(stdout)) return Complain("the output can't be written");
@@ -71,6 +69,10 @@ int RunProgram(int argc, const char* const* argv) {
     } catch (const CLI::ParseError& e) {
         return program.app.exit(e) == 0 ? Done : WrongUsage;
     } catch (const Platform::Error& failure) {
+        if (failure.Number == ADODB::NoPermission)
+            return Complain(
+                "the database can't be written; look at the rights of the file and of its folder: " +
+                failure.Description);
         const std::string statement = failure.Statement.empty() ? "" : " (in: " + failure.Statement + ")";
         return Complain(fmt::format("error {}: {}{}", failure.Number, failure.Description, statement));
     } catch (const std::exception& failure) {

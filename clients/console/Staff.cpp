@@ -93,6 +93,8 @@ void Print(const Options& options, const cDoctor& doctor) {
 
 /// Stores a doctor and shows it as it is stored, with its texts cut and its new GUID.
 void Store(const Options& options, const Clinic& clinic, cDoctor& doctor) {
+    if (Trim(doctor.DrLastName + doctor.DrFirstName + doctor.DrName).empty())
+        throw Complaint("a doctor needs a name; set DrLastName, DrFirstName or DrName");
     doctor.SaveDoctor(clinic.Con());
     Print(options, *LoadDoctor(clinic, CStr(doctor.drID)));
 }
@@ -102,8 +104,6 @@ void NewDoctor(const Options& options, const std::vector<std::string>& assignmen
     const Ref<cDoctor> doctor = New<cDoctor>();
     doctor->DrType = drt_Local;
     SetFields(*doctor, assignments);
-    if (Trim(doctor->GetDCMName()).empty())
-        throw Complaint("a doctor needs a name; set DrLastName, DrFirstName or DrName");
     Store(options, clinic, *doctor);
 }
 
@@ -126,10 +126,11 @@ void DeleteDoctor(const Options& options, const std::string& number) {
     const Long patients = doctor->PatientCount(clinic.Con());
     doctor->DeleteDoctor(clinic.Con());
     if (patients > 0)
-        fmt::print(stderr,
-                   "oxclass: {} patients still name doctor {}; set another with: oxclass patient ID "
-                   "RespDoctor=NUMBER\n",
-                   patients, doctor->drID);
+        fmt::print(
+            stderr,
+            "oxclass: {} still name{} doctor {}; set another with: oxclass patient ID RespDoctor=NUMBER\n",
+            patients == 1 ? "1 patient" : fmt::format("{} patients", patients), patients == 1 ? "s" : "",
+            doctor->drID);
     if (options.json) return PrintJson({{"deleted", doctor->drID}, {"patients", patients}});
     fmt::print("Doctor {} is deleted.\n", doctor->drID);
 }
@@ -223,9 +224,12 @@ Ref<cClinic> LoadClinic(const Clinic& database, const std::string& number) {
     return clinic;
 }
 
+bool IsHeadOffice(const cClinic& clinic) { return EqualsIgnoringCase(clinic.ClinicName, "__HQ"); }
+
 void Print(const Options& options, const cClinic& clinic) {
     Json shown;
     shown["Number"] = clinic.ID;
+    shown["HeadOffice"] = IsHeadOffice(clinic);
     AddTexts<cClinic>(shown, clinic, ClinicTexts);
     PrintFields(shown, options.json);
 }
@@ -268,7 +272,8 @@ void DeleteClinic(const Options& options, const std::string& number) {
     const Ref<cClinic> clinic = LoadClinic(database, number);
     clinic->DeleteClinic(database.Con());
     if (options.json) return PrintJson({{"deleted", clinic->ID}});
-    fmt::print("Clinic {} is deleted.\n", clinic->ID);
+    fmt::print("Clinic {} is deleted{}.\n", clinic->ID,
+               IsHeadOffice(*clinic) ? "; it was the head office" : "");
 }
 
 void AddClinicCommands(Program& program) {

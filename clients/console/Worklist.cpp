@@ -2,7 +2,9 @@
 #include "console/Program.h"
 #include "console/dicom/DicomFile.h"
 #include "console/worklist/WorklistServer.h"
-#include "people/cPatient.h"
+#include "console/FindPatient.h"
+#include "console/dicom/DicomValues.h"
+#include "frame/Statement.h"
 #include "platform/runtime/Services.h"
 
 #include <algorithm>
@@ -19,7 +21,8 @@ using namespace OXClass;
 /// "20260131" of "2026-01-31" or "today".
 std::string DigitsOfDay(const std::string& text) {
     if (EqualsIgnoringCase(text, "today")) return FormatDate(Now(), "yyyymmdd");
-    const auto date = ParseDate(text);
+    const std::string dicom = DayText(text);
+    const auto date = ParseDate(dicom.empty() ? text : dicom);
     if (!date || date->Days < 1)
         throw Complaint(
             fmt::format("\"{}\" is no day; write 2026-01-31, 2026-01-01..2026-01-31 or today", text));
@@ -29,30 +32,71 @@ std::string DigitsOfDay(const std::string& text) {
 void SetDays(WorklistKeys& keys, const std::string& text) {
     if (text.empty()) return;
     const auto dots = text.find("..");
-    keys.firstDay = DigitsOfDay(text.substr(0, dots));
-    keys.lastDay = dots == std::string::npos ? keys.firstDay : DigitsOfDay(text.substr(dots + 2));
+    if (dots == std::string::npos) {
+        keys.firstDay = keys.lastDay = DigitsOfDay(text);
+        return;
+    }
+    const std::string first = text.substr(0, dots), last = text.substr(dots + 2);
+    if (!first.empty()) keys.firstDay = DigitsOfDay(first);
+    if (!last.empty()) keys.lastDay = DigitsOfDay(last);
+    if (!keys.firstDay.empty() && !keys.lastDay.empty() && keys.firstDay > keys.lastDay)
+        throw Complaint(fmt::format("\"{}\" ends before it begins", text));
 }
 
-/// True if an item from a file is one that a server would have chosen by these keys.
+/// True if `text` is what is wanted, without regard to case; "*" stands for any characters, "?" for one.
+bool Fits(std::string_view wanted, std::string_view text) {
+    std::size_t at = 0, star = std::string_view::npos, behindStar = 0;
+    for (std::size_t i = 0; i < text.size();) {
+        const std::string_view sought = wanted.substr(std::min(at, wanted.size()), 1);
+        if (sought == "*") {
+            star = at++;
+            behindStar = i;
+        } else if (!sought.empty() && (sought == "?" || EqualsIgnoringCase(sought, text.substr(i, 1)))) {
+            ++at;
+            ++i;
+        } else if (star != std::string_view::npos) {  // the star takes one character more
+            at = star + 1;
+            i = ++behindStar;
+        } else {
+            return false;
+        }
+    }
+    return wanted.find_first_not_of('*', std::min(at, wanted.size())) == std::string_view::npos;
+}
+
+/// True if nothing is wanted, or one of the values of `text` is.
+bool FitsAny(const std::string& wanted, const std::string& text) {
+    const std::vector<std::string> values = Split(text, '\\');
+    return wanted.empty() ||
+           std::ranges::any_of(values, [&](const std::string& value) { return Fits(wanted, value); });
+}
+
+/// True if an item is one that the keys ask for. A server gives a data set whole, also those of its steps
+/// that nobody asked for.
 bool Matches(const cMWLItem& item, const WorklistKeys& keys) {
-    const auto same = [](const std::string& wanted, const std::string& text) {
-        return wanted.empty() || EqualsIgnoringCase(wanted, text);
-    };
     const std::string day = Replace(item.SchProcStepStartDate, "-", "");
-    return same(keys.modality, item.Modality) && same(keys.station, item.SchStatAE) &&
-           same(keys.patient, item.PatientID) &&
-           (keys.firstDay.empty() || (day >= keys.firstDay && day <= keys.lastDay));
+    return FitsAny(keys.modality, item.Modality) && FitsAny(keys.station, item.SchStatAE) &&
+           FitsAny(keys.patient, item.PatientID) && (keys.firstDay.empty() || day >= keys.firstDay) &&
+           (keys.lastDay.empty() || (!day.empty() && day <= keys.lastDay));
 }
 
 // ---- reading ----------------------------------------------------------------------------------------
 
+bool IsFile(const fs::path& path) {
+    std::error_code unknown;
+    return fs::is_regular_file(path, unknown);
+}
+
 /// The files of a folder, with all below it, or the one file. The lock of a server's folder is none.
 std::vector<fs::path> WorklistFiles(const fs::path& where) {
     std::vector<fs::path> files;
-    if (!fs::is_directory(where)) {
-        if (!fs::exists(where))
+    std::error_code unknown;
+    if (!fs::is_directory(where, unknown)) {
+        if (!IsFile(where))
             throw Complaint(
-                fmt::format("{} is no file, no folder and no server AE@HOST:PORT", where.string()));
+                fmt::format("{} is no file, no folder and no server AE@HOST:PORT (the AE title has at most "
+                            "16 characters)",
+                            Printable(where.string())));
         return {where};
     }
     for (const auto& entry : fs::recursive_directory_iterator(where))
@@ -68,7 +112,7 @@ WorklistItems FromFiles(Program& program, const std::string& where, const Workli
             for (auto& item : ReadWorklistFile(path))
                 if (Matches(*item, keys)) items.push_back(item);
         } catch (const std::runtime_error& refused) {
-            fmt::print(stderr, "{}: no worklist item: {}\n", path.string(), refused.what());
+            fmt::print(stderr, "{}: no worklist item: {}\n", Printable(path.string()), refused.what());
             program.exitCode = PartlyDone;
         }
     }
@@ -83,10 +127,12 @@ WorklistItems FromServer(Program& program, const WorklistAddress& server, const 
                    server.Text(), answer.reason);
         program.exitCode = PartlyDone;
     }
+    std::erase_if(answer.items, [&](const auto& item) { return !Matches(*item, keys); });
     return std::move(answer.items);
 }
 
-/// In the order of their days, times and patients, so that a number means the same item the next time.
+/// In the order of their days, times and patients, so that a number means the same item as long as the
+/// worklist is the same.
 void Sort(WorklistItems& items) {
     const auto order = [](const cMWLItem& item) {
         return std::tie(item.SchProcStepStartDate, item.SchProcStepStartTime, item.PatientID,
@@ -143,6 +189,18 @@ void Fill(cPatient& patient, const cMWLItem& item) {
     patient.Address = item.PatientAddress;
 }
 
+/// A save writes every row of the identifier, so two patients of one identifier would become one.
+void RequireOnlyOne(const Clinic& clinic, const cPatient& patient) {
+    const Long rows = CLng(clinic
+                               .Read(sql("SELECT count(*) FROM Patient_T WHERE PersonNr_CH = '",
+                                         UCase(FixSqlString(patient.PatientID)), "'"))
+                               ->Fields(0)
+                               .Value());
+    if (rows > 1)
+        throw Complaint(fmt::format("{} patients have the ID {}; give them different ones first", rows,
+                                    patient.PatientID));
+}
+
 void Register(const Options& options, const WorklistItems& items, int number) {
     if (number < 1 || static_cast<std::size_t>(number) > items.size())
         throw Complaint(
@@ -153,14 +211,18 @@ void Register(const Options& options, const WorklistItems& items, int number) {
     const Clinic clinic(options);
     clinic.Con()->BeginTrans();
     const Ref<cPatient> patient = New<cPatient>();
-    const bool known = patient->LoadOnPatientIDorPDBID(clinic.Con(), item.PatientID, 0) != 0;
+    const bool known = FindPatient(clinic.Con(), *patient, item.PatientID);
     if (!known) Fill(*patient, item);
-    if (TakeOverIdentifiers(*patient, item) || !known) patient->Save(clinic.Con());
+    if (TakeOverIdentifiers(*patient, item) || !known) {
+        RequireStorable(*patient);
+        RequireOnlyOne(clinic, *patient);
+        patient->Save(clinic.Con());
+    }
     clinic.Con()->CommitTrans();
     if (options.json)
         return PrintJson({{"patient", patient->PatientID}, {"number", patient->ID}, {"new", !known}});
     fmt::print("{} {} is {}, number {}.\n", known ? "Patient" : "New patient", patient->PatientID,
-               fmt::format("{}, {}", patient->LastName, patient->FirstName), patient->ID);
+               Printable(fmt::format("{}, {}", patient->LastName, patient->FirstName)), patient->ID);
 }
 
 }  // namespace
@@ -175,7 +237,10 @@ void AddWorklist(Program& program) {
     auto* command = program.app.add_subcommand(
         "worklist", "list the worklist of a DICOM server or of stored worklist files, register a patient");
     command->add_option("WHERE", given->where, "a server AE@HOST:PORT, or a file or folder")->required();
-    command->add_option("--date", given->days, "day of the scheduled step")->type_name("DAY[..DAY]");
+    command
+        ->add_option("--date", given->days,
+                     "day of the scheduled step: 2026-01-31, 2026-01-01..2026-01-31, today")
+        ->type_name("DAY[..DAY]");
     command->add_option("--modality", given->keys.modality, "as IO, PX, DX")->type_name("CODE");
     command->add_option("--station", given->keys.station, "AE title of the scheduled station")
         ->type_name("AE");
@@ -187,8 +252,11 @@ void AddWorklist(Program& program) {
     command->footer("Example: oxclass worklist RIS@192.168.1.5:104 --date today --modality IO");
     command->callback([&program, given, command] {
         SetDays(given->keys, given->days);
+        constexpr std::size_t longestTitle = 16;
+        if (given->callingTitle.empty() || given->callingTitle.size() > longestTitle)
+            throw Complaint("--as takes an AE title of 1 to 16 characters");
         const auto server = WorklistAddress::Of(given->where);
-        WorklistItems items = server && !fs::exists(given->where)
+        WorklistItems items = server && !IsFile(given->where)
                                   ? FromServer(program, *server, given->callingTitle, given->keys)
                                   : FromFiles(program, given->where, given->keys);
         Sort(items);

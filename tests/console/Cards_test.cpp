@@ -198,7 +198,8 @@ TEST_F(Cards, AWrongRequestIsToldInOneLineAndChangesNothing) {
     EXPECT_THAT(Complaint({"card", "add", "IC1", "2", "--size", "0"}), HasSubstr("a size is above 0"));
     EXPECT_THAT(Complaint({"card", "add", "IC1", "2", "--size", "nan"}), HasSubstr("is no size"));
     EXPECT_THAT(Complaint({"card", "move", "IC1", "1", "--turn", "45"}), HasSubstr("90, 180 or 270"));
-    EXPECT_THAT(Complaint({"card", "move", "IC1", "9", "--mirror"}), HasSubstr("card IC1 has no placed image 9"));
+    EXPECT_THAT(Complaint({"card", "move", "IC1", "9", "--mirror"}),
+                HasSubstr("card IC1 has no placed image 9"));
     EXPECT_THAT(Complaint({"card", "move", "IC1", "1", "--record", "Paint=1"}), HasSubstr("Manbrightness, "));
     EXPECT_THAT(Complaint({"card", "move", "IC1", "1", "--record", "UndoStop"}),
                 HasSubstr("no manipulation"));

@@ -73,6 +73,8 @@ TEST_F(Staff, TheHeadOfficeIsMadeAndMarked) {
     list = OkJson({"clinics"});
     ASSERT_EQ(list.size(), 2U);
     EXPECT_EQ(list[1]["head_office"], false);
+    EXPECT_EQ(OkJson({"clinic", "show", "2"})["HeadOffice"], false);
+    EXPECT_EQ(OkJson({"clinic", "show", "1"})["HeadOffice"], true);
     Ok({"clinic", "delete", "2"});
     EXPECT_EQ(OkJson({"clinics"}).size(), 1U);
 }
@@ -91,7 +93,8 @@ TEST_F(Staff, AWrongRequestIsToldInOneLine) {
                 HasSubstr("unknown, local, remote and web"));
     EXPECT_THAT(Complaint({"doctor", "set", "1", "DrName"}), HasSubstr("write FIELD=VALUE"));
     EXPECT_THAT(Complaint({"doctor", "set", "1", "DrLogin=" + std::string(256, 'x')}), HasSubstr("DrLogin"));
-    EXPECT_THAT(Complaint({"doctor", "new", "DrPrefix= "}), HasSubstr("a doctor needs a name"));
+    EXPECT_THAT(Complaint({"doctor", "new", "DrPrefix=Dr"}), HasSubstr("a doctor needs a name"));
+    EXPECT_THAT(Complaint({"doctor", "set", "1", "DrLastName="}), HasSubstr("a doctor needs a name"));
     EXPECT_THAT(Complaint({"clinic", "new", "City=Lund"}), HasSubstr("a clinic needs a name"));
     EXPECT_THAT(Complaint({"clinic", "delete", "9"}), HasSubstr("there is no clinic 9"));
     EXPECT_THAT(Complaint({"clinic", "set", "1", "Shoe=44"}), HasSubstr("there is no clinic 1"));

@@ -1,6 +1,7 @@
 #include "ProgramTest.h"
 
 #include "console/worklist/WorklistServer.h"
+#include "platform/adodb/Connection.h"
 
 #include <arpa/inet.h>
 #include <csignal>
@@ -54,32 +55,37 @@ public:
     int number = 0;
 };
 
+void Put(DcmItem& item, const DcmTagKey& tag, const std::string& value) {
+    item.putAndInsertString(tag, value.c_str());
+}
+
+void FillStep(DcmItem& step, const std::string& day) {
+    Put(step, DCM_Modality, "IO");
+    Put(step, DCM_ScheduledStationAETitle, "ROOM1");
+    Put(step, DCM_ScheduledProcedureStepStartDate, day);
+    Put(step, DCM_ScheduledProcedureStepStartTime, "101500");
+    Put(step, DCM_ScheduledProcedureStepDescription, "Four bitewings");
+    Put(step, DCM_ScheduledProcedureStepID, "S1");
+    Put(step, DCM_ScheduledPerformingPhysicianName, "Alm^Bo");
+}
+
 /// What a worklist item of the tests says, unless a test changes it.
 void FillItem(DcmItem& set, const std::string& patient, const std::string& day) {
-    const auto put = [](DcmItem& item, const DcmTagKey& tag, const std::string& value) {
-        item.putAndInsertString(tag, value.c_str());
-    };
-    put(set, DCM_SpecificCharacterSet, "ISO_IR 100");
-    put(set, DCM_PatientName, "\xC5kesson^Lotta");
-    put(set, DCM_PatientID, patient);
-    put(set, DCM_PatientBirthDate, "19800131");
-    put(set, DCM_PatientSex, "F");
-    put(set, DCM_RETIRED_OtherPatientIDs, "x1\\x'2");
-    put(set, DCM_AccessionNumber, "A1");
-    put(set, DCM_StudyInstanceUID, "1.2.3.4");
-    put(set, DCM_RequestingPhysician, "Ek^Anna");
-    put(set, DCM_RequestedProcedureID, "P1");
-    put(set, DCM_RequestedProcedureDescription, "Control");
-    put(set, DCM_NamesOfIntendedRecipientsOfResults, "Ek^Anna\\Alm^Bo");
+    Put(set, DCM_SpecificCharacterSet, "ISO_IR 100");
+    Put(set, DCM_PatientName, "\xC5kesson^Lotta");
+    Put(set, DCM_PatientID, patient);
+    Put(set, DCM_PatientBirthDate, "19800131");
+    Put(set, DCM_PatientSex, "F");
+    Put(set, DCM_RETIRED_OtherPatientIDs, "x1\\x'2");
+    Put(set, DCM_AccessionNumber, "A1");
+    Put(set, DCM_StudyInstanceUID, "1.2.3.4");
+    Put(set, DCM_RequestingPhysician, "Ek^Anna");
+    Put(set, DCM_RequestedProcedureID, "P1");
+    Put(set, DCM_RequestedProcedureDescription, "Control");
+    Put(set, DCM_NamesOfIntendedRecipientsOfResults, "Ek^Anna\\Alm^Bo");
     DcmItem* step = nullptr;
     set.findOrCreateSequenceItem(DCM_ScheduledProcedureStepSequence, step, -2);
-    put(*step, DCM_Modality, "IO");
-    put(*step, DCM_ScheduledStationAETitle, "ROOM1");
-    put(*step, DCM_ScheduledProcedureStepStartDate, day);
-    put(*step, DCM_ScheduledProcedureStepStartTime, "101500");
-    put(*step, DCM_ScheduledProcedureStepDescription, "Four bitewings");
-    put(*step, DCM_ScheduledProcedureStepID, "S1");
-    put(*step, DCM_ScheduledPerformingPhysicianName, "Alm^Bo");
+    FillStep(*step, day);
 }
 
 class Worklist : public Program {
@@ -154,7 +160,7 @@ TEST_F(Worklist, EveryTextOfAnItemHasItsProperty) {
     EXPECT_EQ(item.Modality, "IO");
     EXPECT_EQ(item.DS_URL, "here");
     EXPECT_EQ(items[1]->PatientID, "P1");
-    EXPECT_EQ(items[1]->SchProcStepStartTime, "00:00:00");
+    EXPECT_EQ(items[1]->SchProcStepStartTime, "soon");
     EXPECT_EQ(items[1]->SchStatAE, "");
 }
 
@@ -173,6 +179,62 @@ TEST_F(Worklist, KeysChooseAmongFiles) {
     EXPECT_THAT(PatientsOf(Listed({Folder(), "--station", "ROOM2"})), ElementsAre("P3"));
     EXPECT_THAT(PatientsOf(Listed({Folder(), "--patient", "p1"})), ElementsAre("P1"));
     EXPECT_EQ(Try({"worklist", Folder(), "--patient", "nobody"}).out, "The worklist is empty.\n");
+}
+
+TEST_F(Worklist, KeysMayHoldWildcardsAndOpenRanges) {
+    WriteItem("a.wl", "P10", "20260201");
+    WriteItem("b.wl", "P20", "20260202", [](DcmDataset& set) {
+        DcmItem* step = nullptr;
+        set.findOrCreateSequenceItem(DCM_ScheduledProcedureStepSequence, step, 0);
+        step->putAndInsertString(DCM_ScheduledStationAETitle, "ROOM1\\ROOM2");
+    });
+    EXPECT_THAT(PatientsOf(Listed({Folder(), "--patient", "*0"})), ElementsAre("P10", "P20"));
+    EXPECT_THAT(PatientsOf(Listed({Folder(), "--patient", "p?0*"})), ElementsAre("P10", "P20"));
+    EXPECT_THAT(PatientsOf(Listed({Folder(), "--patient", "*1*"})), ElementsAre("P10"));
+    EXPECT_THAT(PatientsOf(Listed({Folder(), "--patient", "P1"})), ElementsAre());
+    EXPECT_THAT(PatientsOf(Listed({Folder(), "--station", "ROOM2"})), ElementsAre("P20"));
+    EXPECT_THAT(PatientsOf(Listed({Folder(), "--date", "2026-02-02.."})), ElementsAre("P20"));
+    EXPECT_THAT(PatientsOf(Listed({Folder(), "--date", "..20260201"})), ElementsAre("P10"));
+}
+
+TEST_F(Worklist, AKnownPatientWhoCannotBeReadIsNotTakenForANewOne) {
+    Init();
+    WriteItem("a.wl", "P1", "20260201");
+    Ok({"worklist", Folder(), "--register", "1"});
+    const auto con = Platform::New<ADODB::Connection>();
+    con->Open("Provider=SQLite;Data Source=" + Database());
+    con->Execute("UPDATE Patient_T SET PrevXrayDate_CH = 'garbage', LastName_NVC = 'Ek'");
+    const Result run = Try({"--db", Database(), "worklist", Folder(), "--register", "1"});
+    EXPECT_EQ(run.code, 1);
+    EXPECT_THAT(run.err, HasSubstr("OXClass.LoadOnPatientIDorpdbid error: 13"));
+    EXPECT_EQ(OkJson({"patients"})[0]["last_name"], "Ek");
+}
+
+TEST_F(Worklist, IdentifiersThatCannotBeStoredWholeAreRefused) {
+    Init();
+    WriteItem("a.wl", "P1", "20260201", [](DcmDataset& set) {
+        std::string many;
+        for (int i = 100; i < 140; ++i)
+            many += (many.empty() ? "" : "\\") + std::string("NUMBER") + std::to_string(i);
+        set.putAndInsertString(DCM_RETIRED_OtherPatientIDs, many.c_str());
+    });
+    const Result run = Try({"--db", Database(), "worklist", Folder(), "--register", "1"});
+    EXPECT_EQ(run.code, 1);
+    EXPECT_THAT(run.err, HasSubstr("more than 255 characters"));
+    EXPECT_EQ(OkJson({"patients"}).size(), 0U);
+}
+
+TEST_F(Worklist, TwoPatientsOfOneIdentifierAreNotMadeOne) {
+    Init();
+    WriteItem("a.wl", "P1", "20260201");
+    const auto con = Platform::New<ADODB::Connection>();
+    con->Open("Provider=SQLite;Data Source=" + Database());
+    con->Execute(
+        "INSERT INTO Patient_T (PersonNr_CH, LastName_NVC) VALUES ('P1', 'First'), ('P1', 'Second')");
+    const Result run = Try({"--db", Database(), "worklist", Folder(), "--register", "1"});
+    EXPECT_EQ(run.code, 1);
+    EXPECT_THAT(run.err, HasSubstr("2 patients have the ID P1"));
+    EXPECT_EQ(OkJson({"patients", "Second"}).size(), 1U);
 }
 
 TEST_F(Worklist, AFileThatIsNoItemIsToldAndTheOthersAreListed) {
@@ -242,7 +304,12 @@ TEST_F(Worklist, WhatIsNoWorklistSaysSo) {
     EXPECT_THAT(told({"worklist", "nowhere"}), HasSubstr("no file, no folder and no server AE@HOST:PORT"));
     EXPECT_THAT(told({"worklist", "AE@host:0"}), HasSubstr("no server"));
     EXPECT_THAT(told({"worklist", "SEVENTEENLETTERSX@host:104"}), HasSubstr("no server"));
+    EXPECT_THAT(told({"worklist", "AE@[::1]:104"}), HasSubstr("no server"));
+    EXPECT_THAT(told({"worklist", std::string(5000, 'x')}), HasSubstr("no server"));
+    EXPECT_THAT(told({"worklist", Folder(), "--as", ""}), HasSubstr("1 to 16 characters"));
     EXPECT_THAT(told({"worklist", Folder(), "--date", "someday"}), HasSubstr("\"someday\" is no day"));
+    EXPECT_THAT(told({"worklist", Folder(), "--date", "2026-02-02..2026-02-01"}),
+                HasSubstr("ends before it begins"));
 }
 
 // ---- servers ----------------------------------------------------------------------------------------
@@ -319,7 +386,7 @@ protected:
     void Answer(std::vector<std::function<void(DcmDataset&)>> sets, Uint16 status = STATUS_Success) {
         T_ASC_Network* network = nullptr;
         ASSERT_TRUE(ASC_initializeNetwork(NET_ACCEPTOR, port.number, 10, &network).good());
-        speaking = std::thread([network, sets = std::move(sets), status]() mutable {
+        speaking = std::thread([this, network, sets = std::move(sets), status]() mutable {
             T_ASC_Association* association = nullptr;
             ASC_receiveAssociation(network, &association, ASC_DEFAULTMAXPDU, nullptr, nullptr, OFFalse,
                                    DUL_BLOCK, 10);
@@ -339,14 +406,14 @@ protected:
         });
     }
 
-    static void Speak(T_ASC_Association& association, std::vector<std::function<void(DcmDataset&)>>& sets,
-                      Uint16 status) {
+    void Speak(T_ASC_Association& association, std::vector<std::function<void(DcmDataset&)>>& sets,
+               Uint16 status) {
         T_DIMSE_Message question{};
         T_ASC_PresentationContextID context = 0;
         DIMSE_receiveCommand(&association, DIMSE_BLOCKING, 10, &context, &question, nullptr);
         DcmDataset* query = nullptr;
         DIMSE_receiveDataSetInMemory(&association, DIMSE_BLOCKING, 10, &context, &query, nullptr, nullptr);
-        delete query;
+        asked = std::unique_ptr<DcmDataset>(query);
         const auto send = [&](Uint16 code, DcmDataset* set) {
             T_DIMSE_C_FindRSP response{};
             response.DimseStatus = code;
@@ -364,6 +431,7 @@ protected:
         send(status, nullptr);
     }
 
+    std::unique_ptr<DcmDataset> asked;
     std::thread speaking;
 };
 
@@ -376,6 +444,36 @@ TEST_F(OddServer, BrokenDataSetsAreToldInOneLineAndTheOthersListed) {
     EXPECT_THAT(PatientsOf(json::parse(run.out)), ElementsAre("P1"));
     EXPECT_EQ(run.err, "oxclass: 2 data sets of " + Address() +
                            " are no worklist items: it has no scheduled procedure step\n");
+}
+
+TEST_F(OddServer, IdentifiersOfASequenceAreAskedForAndTakenOver) {
+    Init();
+    Answer({[](DcmDataset& set) {
+        FillItem(set, "P1", "20260201");
+        delete set.remove(DCM_RETIRED_OtherPatientIDs);
+        DcmItem* other = nullptr;
+        set.findOrCreateSequenceItem(DCM_OtherPatientIDsSequence, other);
+        Put(*other, DCM_PatientID, "SEQ1");
+    }});
+    Ok({"worklist", Address(), "--register", "1"});
+    speaking.join();
+    ASSERT_TRUE(asked);
+    DcmItem* other = nullptr;
+    ASSERT_TRUE(asked->findAndGetSequenceItem(DCM_OtherPatientIDsSequence, other).good());
+    EXPECT_TRUE(other->tagExists(DCM_PatientID));
+    EXPECT_EQ(OkJson({"patient", "P1"})["OtherIDs"], "SEQ1");
+}
+
+TEST_F(OddServer, OnlyTheStepsThatWereAskedForAreListed) {
+    Answer({[](DcmDataset& set) {
+        FillItem(set, "P1", "20260131");
+        DcmItem* step = nullptr;
+        set.findOrCreateSequenceItem(DCM_ScheduledProcedureStepSequence, step, -2);
+        FillStep(*step, "20260201");
+    }});
+    const json list = Listed({Address(), "--date", "2026-02-01"});
+    ASSERT_EQ(list.size(), 1U);
+    EXPECT_EQ(list[0]["date"], "2026-02-01");
 }
 
 TEST_F(OddServer, AFailureThatItReportsIsToldInOneLine) {

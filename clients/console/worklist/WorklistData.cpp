@@ -10,10 +10,17 @@ namespace {
 
 using namespace OXClass;
 
-/// A day or a time as people write it, or the text as it stands where it is none.
-std::string Readable(const std::string& text, std::string (*form)(std::string_view)) {
-    const std::string readable = text.empty() ? text : form(text);
-    return readable.empty() ? text : readable;
+/// A day as people write it, or the text as it stands where it is none.
+std::string ReadableDay(const std::string& text) {
+    const std::string day = DayText(text);
+    return day.empty() ? text : day;
+}
+
+/// The same for a time. Midnight stands for what is none, too, so only noughts are taken for it.
+std::string ReadableTime(const std::string& text) {
+    const std::string time = TimeText(text);
+    const bool midnight = text.find_first_not_of("0:.") == std::string::npos;
+    return text.empty() || (time == "00:00:00" && !midnight) ? text : time;
 }
 
 /// Fills items from one data set, a subject an operation.
@@ -47,7 +54,7 @@ private:
         item_->PatientID = Text(DCM_PatientID);
         item_->PatientName = Text(DCM_PatientName);
         item_->PatientSex = Text(DCM_PatientSex);
-        item_->PatientBirthDate = Readable(Text(DCM_PatientBirthDate), DayText);
+        item_->PatientBirthDate = ReadableDay(Text(DCM_PatientBirthDate));
         item_->PatientWeight = Text(DCM_PatientWeight);
         item_->PatientAddress = Text(DCM_PatientAddress);
         item_->PatientComments = Text(DCM_PatientComments);
@@ -87,10 +94,8 @@ private:
         item_->SchProcStepDesc = values_.Text(step, DCM_ScheduledProcedureStepDescription);
         item_->SchProcStepLocation = values_.Text(step, DCM_ScheduledProcedureStepLocation);
         item_->SchProcStepStatus = values_.Text(step, DCM_ScheduledProcedureStepStatus);
-        item_->SchProcStepStartDate =
-            Readable(values_.Text(step, DCM_ScheduledProcedureStepStartDate), DayText);
-        item_->SchProcStepStartTime =
-            Readable(values_.Text(step, DCM_ScheduledProcedureStepStartTime), TimeText);
+        item_->SchProcStepStartDate = ReadableDay(values_.Text(step, DCM_ScheduledProcedureStepStartDate));
+        item_->SchProcStepStartTime = ReadableTime(values_.Text(step, DCM_ScheduledProcedureStepStartTime));
         item_->SchPerfPhysName = values_.Text(step, DCM_ScheduledPerformingPhysicianName);
         item_->SchStatAE = values_.Text(step, DCM_ScheduledStationAETitle);
         item_->Modality = values_.Text(step, DCM_Modality);

@@ -3,6 +3,7 @@
 #include "console/dicom/DicomFile.h"
 
 #include <dcmtk/config/osconfig.h>
+#include <dcmtk/dcmnet/dcmtrans.h>
 #include <dcmtk/dcmnet/diutil.h>
 #include <dcmtk/dcmnet/scu.h>
 
@@ -42,6 +43,9 @@ DcmDataset Query(const WorklistKeys& keys) {
           DCM_RequestedProcedureID, DCM_RequestedProcedurePriority, DCM_NamesOfIntendedRecipientsOfResults})
         Put(query, tag);
     Put(query, DCM_PatientID, keys.patient);
+    DcmItem* other = nullptr;
+    query.findOrCreateSequenceItem(DCM_OtherPatientIDsSequence, other);
+    for (const DcmTagKey& tag : {DCM_PatientID, DCM_IssuerOfPatientID, DCM_TypeOfPatientID}) Put(*other, tag);
     PutCode(query, DCM_RequestedProcedureCodeSequence);
     DcmItem* step = nullptr;
     query.findOrCreateSequenceItem(DCM_ScheduledProcedureStepSequence, step);
@@ -65,6 +69,7 @@ public:
         scu_.setPeerAETitle(server.title.c_str());
         scu_.setPeerHostName(server.host.c_str());
         scu_.setPeerPort(static_cast<Uint16>(server.port));
+        dcmSocketReceiveTimeout.set(TimeOut_s);
         scu_.setConnectionTimeout(TimeOut_s);
         scu_.setACSETimeout(TimeOut_s);
         scu_.setDIMSETimeout(TimeOut_s);
@@ -118,6 +123,7 @@ private:
 std::optional<WorklistAddress> WorklistAddress::Of(const std::string& text) {
     const auto at = text.find('@'), colon = text.rfind(':');
     if (at == std::string::npos || colon == std::string::npos || at == 0 || colon <= at + 1) return {};
+    if (text.find_first_of("[]") != std::string::npos || text.find(':') != colon) return {};
     WorklistAddress address{text.substr(0, at), text.substr(at + 1, colon - at - 1), 0};
     const char* const end = text.data() + text.size();
     const auto number = std::from_chars(text.data() + colon + 1, end, address.port);

@@ -14,7 +14,8 @@ struct WorklistKeys {
     std::string patient;  ///< patient ID
 };
 
-/// Where a worklist server listens: "AE@HOST:PORT".
+/// Where a worklist server listens: "AE@HOST:PORT", a title of at most 16 characters, a host name or an
+/// address of version 4.
 struct WorklistAddress {
     std::string title, host;
     int port = 0;
@@ -31,8 +32,8 @@ struct WorklistAnswer {
     std::string reason;      ///< why the first of them is none
 };
 
-/// Asks a server for worklist items, as the station `callingTitle`. Waits ten seconds at most for each
-/// step. Throws `std::runtime_error` with one clause that names the server and tells why there is no
+/// Asks a server for worklist items, as the station `callingTitle`. Waits about ten seconds at most for
+/// each message. Throws `std::runtime_error` with one clause that names the server and tells why there is no
 /// answer: it isn't there, refuses the association, keeps no worklist, breaks off, reports a failure.
 WorklistAnswer AskWorklist(const WorklistAddress& server, const std::string& callingTitle,
                            const WorklistKeys& keys);

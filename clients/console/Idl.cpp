@@ -1,0 +1,22 @@
+#include "console/Commands.h"
+#include "console/StoredFile.h"
+#include "library/TypeLibrary.h"
+
+#include <fmt/format.h>
+
+namespace Console {
+
+void AddIdl(Program& program) {
+    const auto file = std::make_shared<std::string>();
+    auto* idl = program.app.add_subcommand(
+        "idl", "print the type library of the classes as interface-definition text; needs no database");
+    idl->add_option("-o,--output", *file, "write it to this file")->type_name("FILE.idl");
+    idl->footer("Example: oxclass idl -o OXClass.idl");
+    idl->callback([file] {
+        const std::string text = OXClass::TypeLibraryText();
+        if (file->empty()) return fmt::print("{}", text);
+        WriteWholeFile(*file, text);
+    });
+}
+
+}  // namespace Console

@@ -1,0 +1,190 @@
+#include "library/TypeLibrary.h"
+
+#include "anatomy/cAnatomicDescription.h"
+#include "cards/cUniCard.h"
+#include "frame/SharedTypes.h"
+#include "frame/SuiteTypes.h"
+#include "frame/cGlobalList.h"
+#include "library/ClassTable.h"
+#include "people/cDoctor.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+namespace OXClass {
+namespace {
+
+using Kind = MemberType::Kind;
+
+constexpr const char* Head = R"(// The type library of OXClass. Made by: oxclass idl
+
+import "oaidl.idl";
+
+[
+    uuid(e17bece6-abf0-53ff-aa05-e9ee705256da),
+    version(1.30),
+    lcid(1033),
+    helpstring("OX Classes")
+]
+library OXClass {
+
+importlib("stdole2.tlb");
+
+)";
+
+constexpr const char* Records = R"(// Records that the programs of the suite pass among themselves.
+
+typedef struct { unsigned char str[64]; } xigString64;
+typedef struct { unsigned char str[256]; } xigString256;
+typedef struct { unsigned char str[1024]; } xigString1024;
+typedef struct { unsigned char str[20001]; } xigString20K;
+
+typedef struct {
+    long dwSize;
+    gtFuncs lFunc;
+    long l1, l2, l3, l4;
+    double dbl1, dbl2, dbl3, dbl4;
+    DATE dte1, dte2, dte3, dte4;
+    xigString256 s1_256, s2_256, s3_256, s4_256;
+    xigString1024 s5_1024, s6_1024, s7_1024, s8_1024, s9_1024;
+    xigString20K s10_20K;
+} GeneralType;
+
+typedef struct {
+    BSTR CIDSchemeDesignator;
+    BSTR CIDValue;
+    BSTR CIDMeaning;
+} CID;
+
+typedef struct {
+    BSTR CIDSchemeDesignator;
+    BSTR CIDValue;
+    BSTR CIDMeaning;
+    CIDTypes CIDType;
+    VARIANT_BOOL CIDDefault;
+} CIDExt;
+
+)";
+
+String Hexadecimal(Long number) {
+    std::array<char, 12> digits{};
+    std::snprintf(digits.data(), digits.size(), "0x%08x", static_cast<unsigned>(number));
+    return digits.data();
+}
+
+// ---- enumerations -----------------------------------------------------------------------------------
+
+template <class E>
+String EnumerationText() {
+    String text = "typedef enum {\n";
+    for (const EnumerationValue& value : EnumerationOf<E>::Values)
+        text += String("    ") + value.Name + " = " + CStr(value.Value) + ",\n";
+    text.resize(text.size() - 2);
+    return text + "\n} " + EnumerationOf<E>::Name + ";\n\n";
+}
+
+template <class... E>
+String EnumerationTexts() {
+    return (EnumerationText<E>() + ...);
+}
+
+// ---- interfaces -------------------------------------------------------------------------------------
+
+bool IsPublicClass(const char* name) {
+    return std::ranges::any_of(ClassTable(),
+                               [&](const ClassEntry& entry) { return std::string_view(entry.Name) == name; });
+}
+
+String TypeText(const MemberType& type) {
+    switch (type.Is) {
+        case Kind::None: return "void";
+        case Kind::Boolean: return "VARIANT_BOOL";
+        case Kind::Int16: return "short";
+        case Kind::Int32: return "long";
+        case Kind::Float32: return "float";
+        case Kind::Float64: return "double";
+        case Kind::Days: return "DATE";
+        case Kind::Text: return "BSTR";
+        case Kind::Any: return "VARIANT";
+        case Kind::Enumeration: return type.Name;
+        case Kind::Object: break;
+    }
+    if (IsPublicClass(type.Name)) return String("_") + type.Name + "*";
+    return std::string_view(type.Name) == "Enumerator" ? "IUnknown*" : "IDispatch*";
+}
+
+/// What a left out argument counts as; by reference, the callee knows it.
+String DefaultText(const Argument& argument) {
+    if (argument.ByReference) return "optional";
+    switch (argument.Type.Is) {
+        case Kind::Object:
+        case Kind::Any: return "optional";
+        case Kind::Text: return "defaultvalue(\"\")";
+        case Kind::Boolean: return CBool(argument.Default) ? "defaultvalue(-1)" : "defaultvalue(0)";
+        default: return "defaultvalue(0)";
+    }
+}
+
+/// "[in, out] long* ID". A put's value keeps no star, since nothing of it comes back.
+String ArgumentText(const Argument& argument, bool ofPut) {
+    const bool reference = argument.ByReference && !ofPut;
+    String text = reference ? "[in, out" : "[in";
+    if (argument.Optional) text += ", " + DefaultText(argument);
+    return text + "] " + TypeText(argument.Type) + (reference ? "* " : " ") + argument.Name;
+}
+
+const char* KindText(MemberKind kind) {
+    switch (kind) {
+        case MemberKind::Operation: return "";
+        case MemberKind::Get: return ", propget";
+        case MemberKind::Put: return ", propput";
+        case MemberKind::PutRef: return ", propputref";
+    }
+    return "";
+}
+
+String MemberText(const Member& member) {
+    const bool put = member.Kind == MemberKind::Put || member.Kind == MemberKind::PutRef;
+    String text = "    [id(" + Hexadecimal(member.DispId) + ")" + KindText(member.Kind) +
+                  (member.DispId == EnumeratorMember ? ", restricted" : "") + "] HRESULT " + member.Name +
+                  "(";
+    String arguments;
+    for (const Argument& argument : member.Arguments)
+        arguments += (arguments.empty() ? "" : ", ") + ArgumentText(argument, put);
+    if (member.Result.Is != Kind::None)
+        arguments += (arguments.empty() ? "[out, retval] " : ", [out, retval] ") + TypeText(member.Result) +
+                     "* Result";
+    return text + arguments + ");\n";
+}
+
+String InterfaceText(const ClassEntry& entry) {
+    String text = String("[object, uuid(") + entry.InterfaceID +
+                  "), dual, oleautomation, hidden, nonextensible]\n" + "interface _" + entry.Name +
+                  " : IDispatch {\n";
+    for (const Member& member : entry.Make()->Describe().Members()) text += MemberText(member);
+    return text + "};\n\n";
+}
+
+String ClassText(const ClassEntry& entry) {
+    return String("// ") + (entry.IsGlobal ? "global, multi-use" : "multi-use") + "\n[uuid(" + entry.ClassID +
+           ")" + (entry.IsGlobal ? ", appobject" : "") + "]\ncoclass " + entry.Name +
+           " { [default] interface _" + entry.Name + "; };\n\n";
+}
+
+}  // namespace
+
+String TypeLibraryText() {
+    String text = Head;
+    text +=
+        EnumerationTexts<xigImageTypes, DoctorType, gdcmObjectLocation, gGlobalListIDs, ImageOwnerOjectTypes,
+                         ManipulationType, CardTypes, AnaDescType, gtFuncs, CIDTypes>();
+    text += Records;
+    for (const ClassEntry& entry : ClassTable()) text += String("interface _") + entry.Name + ";\n";
+    text += "\n";
+    for (const ClassEntry& entry : ClassTable()) text += InterfaceText(entry);
+    for (const ClassEntry& entry : ClassTable()) text += ClassText(entry);
+    return text + "}\n";
+}
+
+}  // namespace OXClass
