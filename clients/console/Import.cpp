@@ -1,5 +1,6 @@
 #include "console/Commands.h"
 
+#include "console/FindPatient.h"
 #include "console/Hanging.h"
 #include "console/Program.h"
 #include "console/StoredFile.h"
@@ -7,7 +8,6 @@
 #include "frame/Class1.h"
 #include "frame/Statement.h"
 #include "images/cImage.h"
-#include "console/FindPatient.h"
 #include "series/cSerie.h"
 #include "series/cStudy.h"
 

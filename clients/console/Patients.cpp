@@ -1,6 +1,5 @@
 #include "console/Commands.h"
 #include "console/Fields.h"
-
 #include "console/FindPatient.h"
 
 #include <fmt/format.h>

@@ -1,9 +1,9 @@
 #include "console/Commands.h"
+#include "console/FindPatient.h"
 #include "console/Program.h"
 #include "console/dicom/DicomFile.h"
-#include "console/worklist/WorklistServer.h"
-#include "console/FindPatient.h"
 #include "console/dicom/DicomValues.h"
+#include "console/worklist/WorklistServer.h"
 #include "frame/Statement.h"
 #include "platform/runtime/Services.h"
 

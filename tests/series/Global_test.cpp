@@ -2,6 +2,7 @@
 
 #include "kit/Database.h"
 
+#include "cards/cImagecard.h"
 #include "frame/cGlobalLists.h"
 #include "images/cImage.h"
 #include "people/OtherPatIDs.h"
@@ -15,7 +16,9 @@ namespace {
 using namespace OXClass;
 
 template <class T>
-concept HasSharedInstance = requires { Global<T>(); };
+concept HasSharedInstance = requires {
+    Global<T>();
+};
 
 TEST(Global, MembersKeepTheirValuesBetweenCalls) {
     Global<cStudy>()->description = "kept";
@@ -38,6 +41,9 @@ TEST(Global, OnlyGlobalClassesAreShared) {
     EXPECT_TRUE(HasSharedInstance<OtherPatIDs>);
     EXPECT_TRUE(HasSharedInstance<cStudy>);
     EXPECT_TRUE(HasSharedInstance<cSerie>);
+    EXPECT_TRUE(HasSharedInstance<cImagecardAttribute>);
+    EXPECT_TRUE(HasSharedInstance<cImageManipulation>);
+    EXPECT_FALSE(HasSharedInstance<cImagecard>);
     EXPECT_FALSE(HasSharedInstance<cImage>);
 }
 
