@@ -446,7 +446,7 @@ TEST_F(OddServer, BrokenDataSetsAreToldInOneLineAndTheOthersListed) {
                            " are no worklist items: it has no scheduled procedure step\n");
 }
 
-TEST_F(OddServer, IdentifiersOfASequenceAreAskedForAndTakenOver) {
+TEST_F(OddServer, ItIsAskedByTheKeysAndForIdentifiersOfASequence) {
     Init();
     Answer({[](DcmDataset& set) {
         FillItem(set, "P1", "20260201");
@@ -455,9 +455,21 @@ TEST_F(OddServer, IdentifiersOfASequenceAreAskedForAndTakenOver) {
         set.findOrCreateSequenceItem(DCM_OtherPatientIDsSequence, other);
         Put(*other, DCM_PatientID, "SEQ1");
     }});
-    Ok({"worklist", Address(), "--register", "1"});
+    Ok({"worklist", Address(), "--patient", "P1", "--modality", "IO", "--station", "ROOM1", "--date",
+        "2026-02-01..2026-02-02", "--register", "1"});
     speaking.join();
     ASSERT_TRUE(asked);
+    const auto textOf = [](DcmItem& item, const DcmTagKey& tag) {
+        OFString text;
+        item.findAndGetOFString(tag, text);
+        return std::string(text.c_str());
+    };
+    DcmItem* step = nullptr;
+    ASSERT_TRUE(asked->findAndGetSequenceItem(DCM_ScheduledProcedureStepSequence, step).good());
+    EXPECT_EQ(textOf(*asked, DCM_PatientID), "P1");
+    EXPECT_EQ(textOf(*step, DCM_Modality), "IO");
+    EXPECT_EQ(textOf(*step, DCM_ScheduledStationAETitle), "ROOM1");
+    EXPECT_EQ(textOf(*step, DCM_ScheduledProcedureStepStartDate), "20260201-20260202");
     DcmItem* other = nullptr;
     ASSERT_TRUE(asked->findAndGetSequenceItem(DCM_OtherPatientIDsSequence, other).good());
     EXPECT_TRUE(other->tagExists(DCM_PatientID));
