@@ -23,8 +23,9 @@ void SlotPlacing::PlaceInGrid(cImagecardAttribute& placed, Long cell) {
     constexpr Long columns = 5;
     constexpr double step = 0.2, side = 0.19;
     placed.IAHeight = placed.IAWidth = side;
-    placed.IAPosX = (cell % columns) * step;
-    placed.IAPosY = static_cast<double>(cell / columns) * step;
+    const Long column = cell % columns, row = cell / columns;
+    placed.IAPosX = column * step;
+    placed.IAPosY = row * step;
 }
 
 }  // namespace OXClass

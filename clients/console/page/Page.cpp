@@ -108,7 +108,7 @@ std::string CaptionOf(const cImage& image) {
 std::filesystem::path PathOf(const cImage& image) { return FileBelow(image.Root_RootDirectory, image.URL); }
 
 std::string NameOf(const cUniCard& entry) {
-    const std::string name =
+    std::string name =
         entry.Series ? Undoubled(entry.Series->SeriesDescription) : entry.Imagecard->ICName;
     if (!name.empty()) return name;
     return entry.Series ? "Series" : "Image card";

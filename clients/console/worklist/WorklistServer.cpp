@@ -65,9 +65,9 @@ class Association {
 public:
     Association(const WorklistAddress& server, const std::string& callingTitle) : server_(server) {
         SilenceToolkit();
-        scu_.setAETitle(callingTitle.c_str());
-        scu_.setPeerAETitle(server.title.c_str());
-        scu_.setPeerHostName(server.host.c_str());
+        scu_.setAETitle(callingTitle);
+        scu_.setPeerAETitle(server.title);
+        scu_.setPeerHostName(server.host);
         scu_.setPeerPort(static_cast<Uint16>(server.port));
         dcmSocketReceiveTimeout.set(TimeOut_s);
         scu_.setConnectionTimeout(TimeOut_s);
