@@ -10,13 +10,10 @@ namespace {
 using namespace OXClass;
 
 Long SeriesOf(const Clinic& clinic, Long patient) {
-    return CLng(
-        clinic
-            .Read(sql("SELECT count(*) FROM Series_T JOIN Study_T ON Study_T.Study_ID = Series_T.Study_ID "
-                      "WHERE Study_T.PatientID = ",
-                      patient))
-            ->Fields(0)
-            .Value());
+    return clinic.Number(
+        sql("SELECT count(*) FROM Series_T JOIN Study_T ON Study_T.Study_ID = Series_T.Study_ID "
+            "WHERE Study_T.PatientID = ",
+            patient));
 }
 
 }  // namespace

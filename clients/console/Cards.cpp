@@ -1,4 +1,5 @@
 #include "console/CardList.h"
+#include "console/Chart.h"
 #include "console/Commands.h"
 #include "console/page/Page.h"
 #include "frame/Statement.h"
@@ -50,20 +51,15 @@ void ShowCards(const Options& options, const std::string& patient) {
 
 void SaveSeriesAsCard(const Options& options, Long number, const std::string& name) {
     const Clinic clinic(options);
-    const Ref<cSerie> series = New<cSerie>();
-    if (!series->loadSeries(CStr(number), clinic.Con()))
-        throw Complaint(fmt::format("there is no series {}; see: oxclass series", number));
+    const Ref<cSerie> series = LoadSeries(clinic.Con(), number);
     const Ref<cImages> images = New<cImages>();
     if (images->LoadAll4Object(clinic.Con(), iootSeries, number) == 0)
         throw Complaint(fmt::format("series {} has no images, so there is nothing to store", number));
     series->SeriesName = name.empty() ? Undoubled(series->SeriesDescription) : name;
     clinic.Con()->BeginTrans();
     series->SaveAsIC(clinic.Con(), images);
-    const Long card = CLng(
-        clinic
-            .Read(sql("SELECT max(ImageCardID) FROM ImageCard_T WHERE PatientID = ", images->Item(1)->PatID))
-            ->Fields(0)
-            .Value());
+    const Long card = clinic.Number(
+        sql("SELECT max(ImageCardID) FROM ImageCard_T WHERE PatientID = ", images->Item(1)->PatID));
     clinic.Con()->CommitTrans();
     if (options.json) return PrintJson({{"card", fmt::format("IC{}", card)}, {"images", images->Count()}});
     fmt::print("Series {} is stored as card IC{}, with {} images.\n", number, card, images->Count());

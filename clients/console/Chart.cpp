@@ -2,7 +2,6 @@
 
 #include "console/page/Page.h"
 #include "images/cImages.h"
-#include "series/cSerie.h"
 
 #include <algorithm>
 #include <cmath>
@@ -68,13 +67,6 @@ std::vector<std::string> Lines(Long number, const std::string& label) {
     return lines;
 }
 
-Ref<cSerie> LoadSeries(const Clinic& clinic, Long number) {
-    Ref<cSerie> series = New<cSerie>();
-    if (!series->loadSeries(std::to_string(number), clinic.Con()))
-        throw Complaint(fmt::format("there is no series {}; see: oxclass series", number));
-    return series;
-}
-
 Ref<cImages> ImagesOf(const Clinic& clinic, Long series) {
     Ref<cImages> images = New<cImages>();
     images->LoadAll4Object(clinic.Con(), iootSeries, series);
@@ -82,6 +74,13 @@ Ref<cImages> ImagesOf(const Clinic& clinic, Long series) {
 }
 
 }  // namespace
+
+Ref<cSerie> LoadSeries(const Ref<Connection>& con, Long number) {
+    Ref<cSerie> series = New<cSerie>();
+    if (!series->loadSeries(std::to_string(number), con))
+        throw Complaint(fmt::format("there is no series {}; see: oxclass series", number));
+    return series;
+}
 
 std::string ChartOf(const cTemplate& layout, const std::map<Long, std::string>& labels) {
     // A character is about twice as high as wide.
@@ -99,7 +98,7 @@ std::string ChartOf(const cTemplate& layout, const std::map<Long, std::string>& 
 }
 
 void PrintHungSeries(const Clinic& clinic, Long number) {
-    const Ref<cSerie> series = LoadSeries(clinic, number);
+    const Ref<cSerie> series = LoadSeries(clinic.Con(), number);
     const Ref<cTemplate> layout = New<cTemplate>();
     layout->GetTemplate(clinic.Con(), 0, series->TemplateID);
     std::map<Long, std::string> labels;
@@ -120,7 +119,7 @@ void PrintHungSeries(const Clinic& clinic, Long number) {
 void ShowSeries(const Options& options, Long number) {
     const Clinic clinic(options);
     if (!options.json) return PrintHungSeries(clinic, number);
-    const Ref<cSerie> series = LoadSeries(clinic, number);
+    const Ref<cSerie> series = LoadSeries(clinic.Con(), number);
     nlohmann::ordered_json json{{"series", number},
                                 {"description", series->SeriesDescription},
                                 {"modality", series->Modality},

@@ -5,8 +5,12 @@
 #include <map>
 
 #include "cards/cTemplate.h"
+#include "series/cSerie.h"
 
 namespace Console {
+
+/// A stored series. Throws `Complaint` for an unknown one.
+OXClass::Ref<OXClass::cSerie> LoadSeries(const Ref<Connection>& con, Platform::Long series);
 
 /// A layout as a chart of characters, 100 wide: each slot a box at its place, with its frame number, and
 /// the text that `labels` has for it. An empty slot shows "-".

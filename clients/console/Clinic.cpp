@@ -101,6 +101,8 @@ Ref<Recordset> Clinic::Read(const std::string& statement) const {
     return rows;
 }
 
+Long Clinic::Number(const std::string& statement) const { return CLng(Read(statement)->Fields(0).Value()); }
+
 List Clinic::ListOf(const std::string& statement) const {
     const Ref<Recordset> rows = Read(statement);
     std::vector<List::Column> columns;

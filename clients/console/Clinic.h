@@ -35,6 +35,9 @@ public:
     /// The rows of a statement of the program's own.
     Ref<Recordset> Read(const std::string& statement) const;
 
+    /// The whole number that a statement gives as its one value.
+    Platform::Long Number(const std::string& statement) const;
+
     /// A list of all columns of a statement, titled by their names; keys in lower case.
     List ListOf(const std::string& statement) const;
 

@@ -98,12 +98,10 @@ private:
     }
 
     Long Stored() const {
-        return CLng(clinic_
-                        .Read(sql("SELECT count(*) FROM ImageManipulation_T JOIN ImageAttribute_T USING "
-                                  "(ImageAttributeID) WHERE ImageCardID = ",
-                                  card_->ICID))
-                        ->Fields(0)
-                        .Value());
+        return clinic_.Number(
+            sql("SELECT count(*) FROM ImageManipulation_T JOIN ImageAttribute_T USING "
+                "(ImageAttributeID) WHERE ImageCardID = ",
+                card_->ICID));
     }
 
     const Clinic& clinic_;
@@ -141,14 +139,13 @@ bool Overlap(const cImagecardAttribute& a, const cImagecardAttribute& b) {
            a.IAPosY < b.IAPosY + b.IAHeight && b.IAPosY < a.IAPosY + a.IAHeight;
 }
 
-/// The first cell of the grid that nothing lies on.
-void PutInFreeCell(cImagecardAttribute& placed, const cImagecard& card) {
+/// The first cell of the grid, from `cell` on, that nothing lies on; `cell` becomes the one behind it.
+void PutInFreeCell(cImagecardAttribute& placed, const cImagecard& card, Long& cell) {
     const auto covered = [&] {
         for (const auto& other : Each<cImagecardAttribute>(*card.ImagecardAttributes))
             if (Overlap(placed, other)) return true;
         return false;
     };
-    Long cell = 0;
     do SlotPlacing::PlaceInGrid(placed, cell++);
     while (covered());
 }
@@ -160,6 +157,7 @@ void AddImages(const Options& options, const std::string& key, const std::vector
     const Clinic clinic(options);
     Composing composing(clinic, key);
     cImagecard& card = composing.Card();
+    Long cell = 0;
     for (const std::string& number : images) {
         const Ref<cImage> image = New<cImage>();
         if (!image->GetImage(clinic.Con(), NumberOf(number, "an image")))
@@ -170,7 +168,7 @@ void AddImages(const Options& options, const std::string& key, const std::vector
         placed->ImageID = image->ID;
         placed->ICID = card.ICID;
         placed->IAMirrRotStatus = static_cast<Integer>(Orientation(image->MirrRotStatus).Number());
-        PutInFreeCell(*placed, card);
+        PutInFreeCell(*placed, card, cell);
         PutAt(*placed, at, size);
         card.ImagecardAttributes->Add(placed);
     }
@@ -299,7 +297,7 @@ List PlacedImagesOf(const cUniCard& entry) {
                {"manipulations", "Manipulations"},
                {"comment", "Comment"}});
     for (const auto& placed : Each<cImagecardAttribute>(*entry.Imagecard->ImagecardAttributes)) {
-        const Ref<cImage> image = entry.colImages->Item("K" + CStr(placed.ImageID));
+        const Ref<cImage> image = ImageOf(entry, placed);
         const Orientation form(placed.IAMirrRotStatus);
         list.Add({placed.ID, placed.IASequence, placed.ImageID,
                   image ? CaptionOf(*image) : "not in the database", placed.IAPosX, placed.IAPosY,

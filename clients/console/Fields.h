@@ -41,7 +41,4 @@ void AddTexts(nlohmann::ordered_json& shown, const Record& record,
     for (const TextField<Record>& field : fields) shown[field.name] = record.*field.text;
 }
 
-/// Prints names and values, one a line, or as JSON.
-void PrintFields(const nlohmann::ordered_json& shown, bool asJson);
-
 }  // namespace Console

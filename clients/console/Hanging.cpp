@@ -3,7 +3,6 @@
 #include "console/Chart.h"
 #include "console/Commands.h"
 #include "images/cImages.h"
-#include "series/cSerie.h"
 
 #include <fmt/format.h>
 #include <tuple>
@@ -36,9 +35,7 @@ void Hang(const Options& options, Long number) {
 }  // namespace
 
 HungSeries HangStored(const Ref<Connection>& con, Long number) {
-    const Ref<cSerie> series = New<cSerie>();
-    if (!series->loadSeries(std::to_string(number), con))
-        throw Complaint(fmt::format("there is no series {}; see: oxclass series", number));
+    const Ref<cSerie> series = LoadSeries(con, number);
     series->SeriesDescription = Undoubled(series->SeriesDescription);
     const Ref<cImages> images = New<cImages>();
     series->ImgCount = images->LoadAll4Object(con, iootSeries, number);

@@ -1,4 +1,4 @@
-#include "console/Fields.h"
+#include "console/Output.h"
 
 #include <algorithm>
 #include <chrono>

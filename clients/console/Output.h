@@ -56,6 +56,9 @@ std::string Printable(std::string text);
 /// A date as text, with the time where it has one; empty for the zero date.
 std::string DateText(Platform::Date date);
 
+/// Prints names and values, one a line, or as JSON.
+void PrintFields(const nlohmann::ordered_json& shown, bool asJson);
+
 /// Prints JSON to standard output, indented, with a line break behind it.
 void PrintJson(const nlohmann::ordered_json& json);
 

@@ -65,7 +65,7 @@ std::string Table(const cUniCard& entry, const Page& page) {
     std::size_t next = 0;
     for (const auto& placed : Each<cImagecardAttribute>(*entry.Imagecard->ImagecardAttributes)) {
         const PlacedPicture& picture = page.pictures[next++];
-        const Ref<cImage> image = entry.colImages->Item("K" + CStr(placed.ImageID));
+        const Ref<cImage> image = ImageOf(entry, placed);
         rows += fmt::format(
             "<tr class=\"image\"><td "
             "class=\"number\">{}</td><td>{}</td><td>{}</td><td>{}</td><td>{}</td></tr>\n",
@@ -87,14 +87,13 @@ std::string Section(const cUniCard& entry, const Page& page) {
         picture = fmt::format(
             "<button type=\"button\" class=\"enlarge\" aria-label=\"Enlarge {} {}\">{}</button>\n", kind,
             name, SvgOf(page, {.numbers = true, .within = true}));
-    const std::string heading = entry.Series || !entry.Imagecard->ICName.empty() ? name : kind;
     const std::string description = entry.Series || entry.Imagecard->ICDescription.empty()
                                         ? ""
                                         : fmt::format("<p>{}</p>\n", XmlText(entry.Imagecard->ICDescription));
     return fmt::format(
         "<article id=\"{0}\">\n<h2>{1}</h2>\n<p class=\"quiet\">{2} {0}, {3}, {4} "
         "images</p>\n{5}{6}{7}</article>\n",
-        entry.Key, heading, kind, DateText(entry.SortDate()), page.pictures.size(), description, picture,
+        entry.Key, name, kind, DateText(entry.SortDate()), page.pictures.size(), description, picture,
         Table(entry, page));
 }
 

@@ -224,7 +224,9 @@ Ref<cClinic> LoadClinic(const Clinic& database, const std::string& number) {
     return clinic;
 }
 
-bool IsHeadOffice(const cClinic& clinic) { return EqualsIgnoringCase(clinic.ClinicName, "__HQ"); }
+bool IsHeadOffice(const cClinic& clinic) {
+    return EqualsIgnoringCase(clinic.ClinicName, cClinics::HeadOffice);
+}
 
 void Print(const Options& options, const cClinic& clinic) {
     Json shown;

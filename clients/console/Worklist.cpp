@@ -191,11 +191,8 @@ void Fill(cPatient& patient, const cMWLItem& item) {
 
 /// A save writes every row of the identifier, so two patients of one identifier would become one.
 void RequireOnlyOne(const Clinic& clinic, const cPatient& patient) {
-    const Long rows = CLng(clinic
-                               .Read(sql("SELECT count(*) FROM Patient_T WHERE PersonNr_CH = '",
-                                         UCase(FixSqlString(patient.PatientID)), "'"))
-                               ->Fields(0)
-                               .Value());
+    const Long rows = clinic.Number(sql("SELECT count(*) FROM Patient_T WHERE PersonNr_CH = '",
+                                        UCase(FixSqlString(patient.PatientID)), "'"));
     if (rows > 1)
         throw Complaint(fmt::format("{} patients have the ID {}; give them different ones first", rows,
                                     patient.PatientID));

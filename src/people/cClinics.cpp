@@ -3,11 +3,6 @@
 #include "frame/Reading.h"
 
 namespace OXClass {
-namespace {
-
-constexpr const char* HeadOffice = "__HQ";
-
-}  // namespace
 
 Ref<cClinic> cClinics::GetHQClinic(const Ref<Connection>& Con) { return FirstNamed(HeadOffice, Con); }
 

@@ -9,6 +9,7 @@ namespace OXClass {
 class cClinics final : public Keyed<cClinic> {
 public:
     static constexpr const char* ClassName = "cClinics";
+    static constexpr const char* HeadOffice = "__HQ";  ///< the head office's name, in any case
 
     /// The head office, or nothing. An empty list is loaded first. Raises as `GetAllClinics`.
     Ref<cClinic> GetHQClinic(const Ref<Connection>& Con);

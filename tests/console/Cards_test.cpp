@@ -1,7 +1,5 @@
 #include "ProgramTest.h"
 
-#include "platform/adodb/Connection.h"
-
 #include <fstream>
 
 /// Card lists, composed cards, drawings and reports, as a person or a script asks for them.
@@ -33,13 +31,6 @@ protected:
             "1.2.3",
             {{{16, 17, 46, 47}, ""}, {{14, 15, 44, 45}, ""}, {{24, 25, 34, 35}, ""}, {{26, 27, 36, 37}, ""}});
         Ok({"import", Films()});
-    }
-
-    /// Runs a statement of the test's own.
-    void Run(const std::string& statement) const {
-        const auto con = Platform::New<ADODB::Connection>();
-        con->Open("Provider=SQLite;Data Source=" + Database());
-        con->Execute(statement);
     }
 
     /// A failing run: its one line, and the database as it was before.

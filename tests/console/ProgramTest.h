@@ -74,6 +74,13 @@ protected:
         return run.out;
     }
 
+    /// Runs a statement of the test's own on the test's database.
+    void Run(const std::string& statement) const {
+        const auto con = Platform::New<ADODB::Connection>();
+        con->Open("Provider=SQLite;Data Source=" + Database());
+        con->Execute(statement);
+    }
+
     json OkJson(std::vector<std::string> arguments) {
         arguments.push_back("--json");
         return json::parse(Ok(std::move(arguments)));

@@ -1,7 +1,6 @@
 #include "ProgramTest.h"
 
 #include "console/worklist/WorklistServer.h"
-#include "platform/adodb/Connection.h"
 
 #include <arpa/inet.h>
 #include <csignal>
@@ -201,9 +200,7 @@ TEST_F(Worklist, AKnownPatientWhoCannotBeReadIsNotTakenForANewOne) {
     Init();
     WriteItem("a.wl", "P1", "20260201");
     Ok({"worklist", Folder(), "--register", "1"});
-    const auto con = Platform::New<ADODB::Connection>();
-    con->Open("Provider=SQLite;Data Source=" + Database());
-    con->Execute("UPDATE Patient_T SET PrevXrayDate_CH = 'garbage', LastName_NVC = 'Ek'");
+    Run("UPDATE Patient_T SET PrevXrayDate_CH = 'garbage', LastName_NVC = 'Ek'");
     const Result run = Try({"--db", Database(), "worklist", Folder(), "--register", "1"});
     EXPECT_EQ(run.code, 1);
     EXPECT_THAT(run.err, HasSubstr("OXClass.LoadOnPatientIDorpdbid error: 13"));
@@ -227,10 +224,7 @@ TEST_F(Worklist, IdentifiersThatCannotBeStoredWholeAreRefused) {
 TEST_F(Worklist, TwoPatientsOfOneIdentifierAreNotMadeOne) {
     Init();
     WriteItem("a.wl", "P1", "20260201");
-    const auto con = Platform::New<ADODB::Connection>();
-    con->Open("Provider=SQLite;Data Source=" + Database());
-    con->Execute(
-        "INSERT INTO Patient_T (PersonNr_CH, LastName_NVC) VALUES ('P1', 'First'), ('P1', 'Second')");
+    Run("INSERT INTO Patient_T (PersonNr_CH, LastName_NVC) VALUES ('P1', 'First'), ('P1', 'Second')");
     const Result run = Try({"--db", Database(), "worklist", Folder(), "--register", "1"});
     EXPECT_EQ(run.code, 1);
     EXPECT_THAT(run.err, HasSubstr("2 patients have the ID P1"));

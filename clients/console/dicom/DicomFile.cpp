@@ -69,9 +69,7 @@ private:
         file.givenName = name.given;
         file.sex = Text(DCM_PatientSex);
         file.birthDate = DayText(Text(DCM_PatientBirthDate));
-        for (const std::string& id : values.Texts(set, DCM_RETIRED_OtherPatientIDs)) AddOtherID(id);
-        EachItem(set, DCM_OtherPatientIDsSequence,
-                 [&](DcmItem& item) { AddOtherID(values.Text(item, DCM_PatientID)); });
+        for (const std::string& id : values.OtherPatientIDs(set)) AddOtherID(id);
     }
 
     void AddOtherID(const std::string& id) {

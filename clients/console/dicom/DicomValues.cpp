@@ -81,6 +81,13 @@ std::vector<std::string> Values::Texts(DcmItem& item, const DcmTagKey& tag) cons
     return texts;
 }
 
+std::vector<std::string> Values::OtherPatientIDs(DcmItem& dataset) const {
+    std::vector<std::string> ids = Texts(dataset, DCM_RETIRED_OtherPatientIDs);
+    EachItem(dataset, DCM_OtherPatientIDsSequence,
+             [&](DcmItem& other) { ids.push_back(Text(other, DCM_PatientID)); });
+    return ids;
+}
+
 double Values::Number(DcmItem& item, const DcmTagKey& tag, std::size_t position) const {
     const std::vector<std::string> parts = Split(Text(item, tag), '\\');
     if (position >= parts.size()) return 0;

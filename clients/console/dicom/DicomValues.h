@@ -35,6 +35,9 @@ public:
     /// The parts of the value that aren't empty.
     std::vector<std::string> Texts(DcmItem& item, const DcmTagKey& tag) const;
 
+    /// The patient's other identifiers, of the older attribute and of the sequence, in this order.
+    std::vector<std::string> OtherPatientIDs(DcmItem& dataset) const;
+
     /// The number at `position` of the value, 0 if there is none.
     double Number(DcmItem& item, const DcmTagKey& tag, std::size_t position = 0) const;
 

@@ -31,7 +31,7 @@ unsigned PixelsOf(const Box& box, const Page& page, unsigned pixelWidth) {
 
 void Fill(PlacedPicture& placed, const cImage& image, unsigned longestSide) {
     placed.caption = CaptionOf(image);
-    const std::filesystem::path path = PathOf(image);
+    const std::filesystem::path path = FileBelow(image.Root_RootDirectory, image.URL);
     try {
         if (path.empty()) throw std::runtime_error("its stored name means no file");
         placed.picture = std::make_shared<Picture>(ReadPicture(path, longestSide));
@@ -45,7 +45,7 @@ PlacedPicture Placed(const cUniCard& entry, const cImagecardAttribute& attribute
     PlacedPicture placed{.box = BoxOf(attribute),
                          .number = attribute.IASequence,
                          .orientation = Orientation(attribute.IAMirrRotStatus)};
-    const Ref<cImage> image = entry.colImages->Item("K" + CStr(attribute.ImageID));
+    const Ref<cImage> image = ImageOf(entry, attribute);
     if (!image) {
         placed.caption = fmt::format("image {}", attribute.ImageID);
         placed.missing = "the image is not in the database";
@@ -105,11 +105,12 @@ std::string CaptionOf(const cImage& image) {
     return image.AnaRegion.empty() ? "image " + std::to_string(image.ID) : image.AnaRegion;
 }
 
-std::filesystem::path PathOf(const cImage& image) { return FileBelow(image.Root_RootDirectory, image.URL); }
+Ref<cImage> ImageOf(const cUniCard& entry, const cImagecardAttribute& placed) {
+    return entry.colImages->Item("K" + CStr(placed.ImageID));
+}
 
 std::string NameOf(const cUniCard& entry) {
-    std::string name =
-        entry.Series ? Undoubled(entry.Series->SeriesDescription) : entry.Imagecard->ICName;
+    std::string name = entry.Series ? Undoubled(entry.Series->SeriesDescription) : entry.Imagecard->ICName;
     if (!name.empty()) return name;
     return entry.Series ? "Series" : "Image card";
 }

@@ -43,8 +43,9 @@ struct Page {
 /// What an entry of a patient's list is called: its name or description, else its kind.
 std::string NameOf(const OXClass::cUniCard& entry);
 
-/// Where the picture of an image lies; an empty path where its stored name means no file.
-std::filesystem::path PathOf(const OXClass::cImage& image);
+/// The image that is placed there; nothing where the entry lacks it.
+OXClass::Ref<OXClass::cImage> ImageOf(const OXClass::cUniCard& entry,
+                                      const OXClass::cImagecardAttribute& placed);
 
 /// The teeth of an image by quadrant, "16,17 46,47"; else its region, or its number.
 std::string CaptionOf(const OXClass::cImage& image);

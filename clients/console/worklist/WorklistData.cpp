@@ -64,10 +64,7 @@ private:
 
     void OtherIdentifiers() {
         item_->OtherPatientID = Text(DCM_RETIRED_OtherPatientIDs);
-        const auto add = [&](std::string id) { item_->AddOtherPID(id); };
-        for (const std::string& id : values_.Texts(set_, DCM_RETIRED_OtherPatientIDs)) add(id);
-        EachItem(set_, DCM_OtherPatientIDsSequence,
-                 [&](DcmItem& other) { add(values_.Text(other, DCM_PatientID)); });
+        for (std::string id : values_.OtherPatientIDs(set_)) item_->AddOtherPID(id);
     }
 
     void Visit() {
