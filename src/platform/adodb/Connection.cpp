@@ -24,7 +24,11 @@ auto Connection::Engine(F call) -> decltype(call()) {
     }
 }
 
-Connection::~Connection() = default;
+Connection::~Connection() {
+    session_.reset();
+    handlers_.clear();
+    const auto ending = std::exchange(owned_, {});
+}
 
 Session& Connection::Opened() const {
     if (!session_) RaiseAdo(adErrObjectClosed, Self);
@@ -57,8 +61,32 @@ Session& Connection::Ready() const {
     return session;
 }
 
+void Connection::Advise(std::unique_ptr<ConnectionEvents> handler) {
+    if (!handler) Raise(err::ObjectNotSet);
+    owned_.push_back(std::move(handler));
+    handlers_.push_back(owned_.back().get());
+}
+
+void Connection::Unadvise(ConnectionEvents& handler) {
+    std::erase(handlers_, &handler);
+    const auto found = std::find_if(owned_.begin(), owned_.end(),
+                                    [&](const auto& owned) { return owned.get() == &handler; });
+    if (found == owned_.end()) return;
+    std::unique_ptr<ConnectionEvents> ending = std::move(*found);
+    owned_.erase(found);
+    if (telling_ > 0) leaving_.push_back(std::move(ending));
+}
+
 template <class Call>
 void Connection::Tell(Call call) {
+    struct Round {
+        explicit Round(Connection& connection) : owner(connection) { ++owner.telling_; }
+        ~Round() {
+            if (--owner.telling_ > 0) return;
+            const auto ending = std::exchange(owner.leaving_, {});
+        }
+        Connection& owner;
+    } const round(*this);
     const std::vector<ConnectionEvents*> handlers = handlers_;  // one may take itself out
     for (ConnectionEvents* handler : handlers)
         if (std::find(handlers_.begin(), handlers_.end(), handler) != handlers_.end()) call(*handler);

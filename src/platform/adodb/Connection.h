@@ -96,7 +96,20 @@ public:
 
     /// Adds a handler, which must live until it is taken out again or the connection ends.
     void Advise(ConnectionEvents& handler) { handlers_.push_back(&handler); }
-    void Unadvise(ConnectionEvents& handler) { std::erase(handlers_, &handler); }
+
+    /// Adds a handler that the connection owns. It ends when it is taken out, or with the connection, after
+    /// the session; it holds no reference to the connection, and its end starts nothing on it. Raises 91 for
+    /// nothing.
+    void Advise(std::unique_ptr<ConnectionEvents> handler);
+
+    /// All handlers that are in, in the order in which they are called.
+    const std::vector<ConnectionEvents*>& Handlers() const noexcept { return handlers_; }
+
+    /// Takes a handler out, which isn't called any more. One that the connection owns ends at once, or, while
+    /// handlers are being called, behind the last of these calls.
+    void Unadvise(ConnectionEvents& handler);
+
+    const Interface& Describe() const override;
 
 private:
     friend class Recordset;
@@ -124,6 +137,9 @@ private:
     bool announcing_ = false;
     std::vector<Recordset*> open_;
     std::vector<ConnectionEvents*> handlers_;
+    std::vector<std::unique_ptr<ConnectionEvents>> owned_;
+    std::vector<std::unique_ptr<ConnectionEvents>> leaving_;  // taken out while handlers are being called
+    int telling_ = 0;                                         // how many rounds of calls are under way
     std::vector<Error> errors_;
 };
 

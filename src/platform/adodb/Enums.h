@@ -91,4 +91,124 @@ constexpr Long TooManyTransactions = static_cast<Long>(0x8004D013);
 /// As above with a text that says more.
 [[noreturn]] void RaiseAdo(Long number, const char* source, const String& description);
 
+/// `value`, which clients may have made of any number; raises 3001 where its enumeration doesn't have it.
+template <class E>
+E Known(E value, const char* source) {
+    for (const EnumerationValue& known : EnumerationOf<E>::Values)
+        if (known.Value == value) return value;
+    RaiseAdo(adErrInvalidArgument, source);
+}
+
 }  // namespace ADODB
+
+template <>
+struct Platform::EnumerationOf<ADODB::CursorLocationEnum> {
+    static constexpr const char* Name = "CursorLocationEnum";
+    static constexpr EnumerationValue Values[] = {
+        {"adUseNone", ADODB::adUseNone},
+        {"adUseServer", ADODB::adUseServer},
+        {"adUseClient", ADODB::adUseClient},
+    };
+};
+
+template <>
+struct Platform::EnumerationOf<ADODB::CursorTypeEnum> {
+    static constexpr const char* Name = "CursorTypeEnum";
+    static constexpr EnumerationValue Values[] = {
+        {"adOpenUnspecified", ADODB::adOpenUnspecified}, {"adOpenForwardOnly", ADODB::adOpenForwardOnly},
+        {"adOpenKeyset", ADODB::adOpenKeyset},           {"adOpenDynamic", ADODB::adOpenDynamic},
+        {"adOpenStatic", ADODB::adOpenStatic},
+    };
+};
+
+template <>
+struct Platform::EnumerationOf<ADODB::LockTypeEnum> {
+    static constexpr const char* Name = "LockTypeEnum";
+    static constexpr EnumerationValue Values[] = {
+        {"adLockUnspecified", ADODB::adLockUnspecified},
+        {"adLockReadOnly", ADODB::adLockReadOnly},
+        {"adLockPessimistic", ADODB::adLockPessimistic},
+        {"adLockOptimistic", ADODB::adLockOptimistic},
+        {"adLockBatchOptimistic", ADODB::adLockBatchOptimistic},
+    };
+};
+
+template <>
+struct Platform::EnumerationOf<ADODB::CommandTypeEnum> {
+    static constexpr const char* Name = "CommandTypeEnum";
+    static constexpr EnumerationValue Values[] = {
+        {"adCmdUnspecified", ADODB::adCmdUnspecified},
+        {"adCmdText", ADODB::adCmdText},
+        {"adCmdTable", ADODB::adCmdTable},
+        {"adCmdUnknown", ADODB::adCmdUnknown},
+        {"adExecuteNoRecords", ADODB::adExecuteNoRecords},
+    };
+};
+
+template <>
+struct Platform::EnumerationOf<ADODB::AffectEnum> {
+    static constexpr const char* Name = "AffectEnum";
+    static constexpr EnumerationValue Values[] = {
+        {"adAffectCurrent", ADODB::adAffectCurrent},
+        {"adAffectGroup", ADODB::adAffectGroup},
+        {"adAffectAll", ADODB::adAffectAll},
+    };
+};
+
+template <>
+struct Platform::EnumerationOf<ADODB::ObjectStateEnum> {
+    static constexpr const char* Name = "ObjectStateEnum";
+    static constexpr EnumerationValue Values[] = {
+        {"adStateClosed", ADODB::adStateClosed},
+        {"adStateOpen", ADODB::adStateOpen},
+    };
+};
+
+template <>
+struct Platform::EnumerationOf<ADODB::EditModeEnum> {
+    static constexpr const char* Name = "EditModeEnum";
+    static constexpr EnumerationValue Values[] = {
+        {"adEditNone", ADODB::adEditNone},
+        {"adEditInProgress", ADODB::adEditInProgress},
+        {"adEditAdd", ADODB::adEditAdd},
+    };
+};
+
+template <>
+struct Platform::EnumerationOf<ADODB::PositionEnum> {
+    static constexpr const char* Name = "PositionEnum";
+    static constexpr EnumerationValue Values[] = {
+        {"adPosUnknown", ADODB::adPosUnknown},
+        {"adPosBOF", ADODB::adPosBOF},
+        {"adPosEOF", ADODB::adPosEOF},
+    };
+};
+
+template <>
+struct Platform::EnumerationOf<ADODB::EventStatusEnum> {
+    static constexpr const char* Name = "EventStatusEnum";
+    static constexpr EnumerationValue Values[] = {
+        {"adStatusOK", ADODB::adStatusOK},
+        {"adStatusErrorsOccurred", ADODB::adStatusErrorsOccurred},
+        {"adStatusCantDeny", ADODB::adStatusCantDeny},
+        {"adStatusCancel", ADODB::adStatusCancel},
+    };
+};
+
+template <>
+struct Platform::EnumerationOf<ADODB::DataTypeEnum> {
+    static constexpr const char* Name = "DataTypeEnum";
+    static constexpr EnumerationValue Values[] = {
+        {"adSmallInt", ADODB::adSmallInt},
+        {"adInteger", ADODB::adInteger},
+        {"adSingle", ADODB::adSingle},
+        {"adDouble", ADODB::adDouble},
+        {"adDate", ADODB::adDate},
+        {"adBoolean", ADODB::adBoolean},
+        {"adVariant", ADODB::adVariant},
+        {"adBigInt", ADODB::adBigInt},
+        {"adVarWChar", ADODB::adVarWChar},
+        {"adLongVarWChar", ADODB::adLongVarWChar},
+        {"adLongVarBinary", ADODB::adLongVarBinary},
+    };
+};

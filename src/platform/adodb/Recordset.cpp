@@ -96,6 +96,21 @@ void Recordset::Requery() {
     TakeResult(connection, std::move(request), std::move(outcome));
 }
 
+void Recordset::SetSource(const String& source) {
+    if (columns_) RaiseAdo(adErrObjectOpen, Self);
+    source_ = source;
+}
+
+void Recordset::SetCursorType(CursorTypeEnum type) {
+    if (columns_) RaiseAdo(adErrObjectOpen, Self);
+    cursor_ = Known(type, Self);
+}
+
+void Recordset::SetLockType(LockTypeEnum type) {
+    if (columns_) RaiseAdo(adErrObjectOpen, Self);
+    lock_ = Known(type, Self);
+}
+
 void Recordset::SetCursorLocation(CursorLocationEnum location) {
     if (columns_) RaiseAdo(adErrObjectOpen, Self);
     location_ = location;

@@ -77,6 +77,13 @@ public:
     const String& Source() const noexcept { return source_; }
     CursorTypeEnum CursorType() const noexcept { return columns_ ? actualCursor_ : cursor_; }
     LockTypeEnum LockType() const noexcept { return columns_ ? actualLock_ : lock_; }
+
+    /// What an `Open` by name takes where its argument is left out. Raise 3705 while open, 3001 for a number
+    /// that the enumeration doesn't have.
+    void SetSource(const String& source);
+    void SetCursorType(CursorTypeEnum type);
+    void SetLockType(LockTypeEnum type);
+
     CursorLocationEnum CursorLocation() const noexcept { return location_.value_or(adUseServer); }
 
     /// Where the rows are kept; wins over the connection's setting. Raises 3705 while open.
@@ -145,6 +152,8 @@ public:
 
     /// Raises 3021 without a current row.
     EditModeEnum EditMode() const;
+
+    const Interface& Describe() const override;
 
 private:
     friend class Connection;

@@ -47,7 +47,7 @@ void Recordset::AddNew() {
 void Recordset::Assign(Long ordinal, const Variant& value) {
     RequireUpdatable();
     if (!edit_) RequireCurrent();
-    const Column& column = columns_->At(ordinal);
+    const Column& column = ColumnAt(ordinal);
     if (column.Table.empty())
         RaiseAdo(adErrFeatureNotAvailable, Self,
                  "Column " + column.Name + " is computed and can't be changed.");
