@@ -17,21 +17,13 @@ namespace {
 
 using Kind = MemberType::Kind;
 
-constexpr const char* Head = R"(// The type library of OXClass. Made by: oxclass idl
-
-import "oaidl.idl";
-
-[
-    uuid(e17bece6-abf0-53ff-aa05-e9ee705256da),
-    version(1.30),
-    lcid(1033),
-    helpstring("OX Classes")
-]
-library OXClass {
-
-importlib("stdole2.tlb");
-
-)";
+String Head(const Platform::LibraryDescription& library) {
+    return String("// The type library of ") + library.Name +
+           ". Made by: oxclass idl\n\nimport \"oaidl.idl\";\n\n[\n    uuid(" + library.Identifier +
+           "),\n    version(" + library.Version + "),\n    lcid(" + CStr(std::int64_t{library.Locale}) +
+           "),\n    helpstring(\"" + library.HelpText + "\")\n]\nlibrary " + library.Name +
+           " {\n\nimportlib(\"stdole2.tlb\");\n\n";
+}
 
 constexpr const char* Records = R"(// Records that the programs of the suite pass among themselves.
 
@@ -75,18 +67,12 @@ String Hexadecimal(Long number) {
 
 // ---- enumerations -----------------------------------------------------------------------------------
 
-template <class E>
-String EnumerationText() {
+String EnumerationText(const Enumeration& enumeration) {
     String text = "typedef enum {\n";
-    for (const EnumerationValue& value : EnumerationOf<E>::Values)
+    for (const EnumerationValue& value : enumeration.Values)
         text += String("    ") + value.Name + " = " + CStr(value.Value) + ",\n";
     text.resize(text.size() - 2);
-    return text + "\n} " + EnumerationOf<E>::Name + ";\n\n";
-}
-
-template <class... E>
-String EnumerationTexts() {
-    return (EnumerationText<E>() + ...);
+    return text + "\n} " + enumeration.Name + ";\n\n";
 }
 
 // ---- interfaces -------------------------------------------------------------------------------------
@@ -174,11 +160,25 @@ String ClassText(const ClassEntry& entry) {
 
 }  // namespace
 
+std::span<const Enumeration> PublicEnumerations() {
+    static constexpr std::array enumerations{
+        EnumerationFor<xigImageTypes>(),
+        EnumerationFor<DoctorType>(),
+        EnumerationFor<gdcmObjectLocation>(),
+        EnumerationFor<gGlobalListIDs>(),
+        EnumerationFor<ImageOwnerOjectTypes>(),
+        EnumerationFor<ManipulationType>(),
+        EnumerationFor<CardTypes>(),
+        EnumerationFor<AnaDescType>(),
+        EnumerationFor<gtFuncs>(),
+        EnumerationFor<CIDTypes>(),
+    };
+    return enumerations;
+}
+
 String TypeLibraryText() {
-    String text = Head;
-    text +=
-        EnumerationTexts<xigImageTypes, DoctorType, gdcmObjectLocation, gGlobalListIDs, ImageOwnerOjectTypes,
-                         ManipulationType, CardTypes, AnaDescType, gtFuncs, CIDTypes>();
+    String text = Head(ThisLibrary());
+    for (const Enumeration& enumeration : PublicEnumerations()) text += EnumerationText(enumeration);
     text += Records;
     for (const ClassEntry& entry : ClassTable()) text += String("interface _") + entry.Name + ";\n";
     text += "\n";

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/runtime/Types.h"
+#include "platform/component/Interface.h"
 
 namespace OXClass {
 
@@ -9,5 +9,13 @@ namespace OXClass {
 /// slot order, the classes. Objects of the database layer and plain collections are `IDispatch`. Any
 /// thread may call.
 Platform::String TypeLibraryText();
+
+/// The same as JSON, for programs that generate their own side of the classes: library, enumerations, classes
+/// with their members (in the form of `OxDescribe`), and the enumerations and classes of the database layer
+/// and the host under "host". Any thread may call.
+Platform::String TypeLibraryJson();
+
+/// The enumerations of the type library, in its order.
+std::span<const Platform::Enumeration> PublicEnumerations();
 
 }  // namespace OXClass

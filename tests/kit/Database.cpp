@@ -74,6 +74,13 @@ TemporaryFolder::~TemporaryFolder() {
     std::filesystem::remove_all(path_, ignored);
 }
 
+String NewDatabase(const TemporaryFolder& folder, const String& name) {
+    const String path = (folder.Path() / name).string();
+    RunScript(path, schema::sqlite_sql);
+    RunScript(path, schema::layouts_sql);
+    return path;
+}
+
 WithDatabase::WithDatabase() {
     RunScript(PathOfDatabase(folder), schema::sqlite_sql);
     con = Connect();

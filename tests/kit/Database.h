@@ -26,6 +26,9 @@ private:
     std::filesystem::path path_;
 };
 
+/// Makes a clinic database with all tables and layouts in the folder, and gives its path.
+String NewDatabase(const TemporaryFolder& folder, const String& name);
+
 /// Keeps each statement's whole text, as the connection announces it, and each step of a transaction as
 /// "BeginTrans", "CommitTrans", "RollbackTrans".
 class StatementLog : public ADODB::ConnectionEvents {

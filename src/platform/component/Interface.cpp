@@ -1,5 +1,10 @@
 #include "platform/component/Interface.h"
 
+#include "platform/component/Dispatch.h"
+#include "platform/component/Library.h"
+
+#include <algorithm>
+
 namespace Platform {
 namespace {
 
@@ -14,23 +19,34 @@ void NumberMembers(std::vector<Member>& members) {
     }
 }
 
-bool SamePut(MemberKind a, MemberKind b) {
-    const auto put = [](MemberKind kind) { return kind == MemberKind::Put || kind == MemberKind::PutRef; };
-    return a == b || (put(a) && put(b));
+/// A late-bound client can't always tell a get from a call, nor a put from a put by reference.
+bool Answers(const Member& member, MemberKind kind) {
+    return member.IsPut() == (kind == MemberKind::Put || kind == MemberKind::PutRef);
 }
 
-/// A late-bound client can't always tell a get from a call; a property with arguments answers to both.
-bool Answers(const Member& member, MemberKind kind) {
-    if (SamePut(member.Kind, kind)) return true;
-    const auto reads = [](MemberKind k) { return k == MemberKind::Get || k == MemberKind::Operation; };
-    return reads(member.Kind) && reads(kind);
+template <class Members, class Matches>
+const Member* FirstOf(const Members& members, Matches matches) {
+    const auto found = std::ranges::find_if(members, matches);
+    return found == members.end() ? nullptr : &*found;
 }
 
 }  // namespace
 
+Object::~Object() = default;
+
 const Interface& Object::Describe() const {
-    static const Interface none("Object", {});
+    static const Interface none("Object", std::vector<Member>());
     return none;
+}
+
+void Object::Begin() const noexcept {
+    if (Library* owner = Describe().Owner()) owner->ObjectBegan();
+}
+
+void Object::End() const noexcept {
+    Library* owner = Describe().Owner();
+    delete this;
+    if (owner) owner->ObjectEnded();
 }
 
 const Interface& Collection::Describe() const {
@@ -44,21 +60,55 @@ const Interface& Collection::Describe() const {
     return self;
 }
 
+const Interface& Enumerator::Describe() const {
+    static const Interface self("Enumerator", IID_IEnumVARIANT, typeid(IEnumVARIANT), EnumeratorSlots());
+    return self;
+}
+
 Interface::Interface(String className, std::vector<Member> members)
     : className_(std::move(className)), members_(std::move(members)) {
     NumberMembers(members_);
+    FillTable(typeid(IDispatch), DispatchSlots());
+    for (const Member& member : members_) table_.push_back(member.Slot);
+}
+
+Interface::Interface(String className, const IID& identity, const std::type_info& type,
+                     std::span<const void* const> slots)
+    : className_(std::move(className)), isDispatch_(false), identity_(identity) {
+    FillTable(type, slots);
+}
+
+void Interface::FillTable(const std::type_info& type, std::span<const void* const> slots) {
+    table_ = {nullptr, &type};
+    table_.insert(table_.end(), slots.begin(), slots.end());
 }
 
 const Member* Interface::Find(std::string_view name, MemberKind kind) const {
-    for (const Member& member : members_)
-        if (Answers(member, kind) && EqualsIgnoringCase(member.Name, name)) return &member;
-    return nullptr;
+    return FirstOf(members_, [&](const Member& member) {
+        return Answers(member, kind) && EqualsIgnoringCase(member.Name, name);
+    });
 }
 
 const Member* Interface::Find(std::string_view name) const {
-    for (const Member& member : members_)
-        if (EqualsIgnoringCase(member.Name, name)) return &member;
-    return nullptr;
+    return FirstOf(members_, [&](const Member& member) { return EqualsIgnoringCase(member.Name, name); });
+}
+
+const Member* Interface::Find(DISPID id, MemberKind kind) const {
+    return FirstOf(members_,
+                   [&](const Member& member) { return member.DispId == id && Answers(member, kind); });
+}
+
+const Member* Interface::Find(DISPID id) const {
+    return FirstOf(members_, [&](const Member& member) { return member.DispId == id; });
+}
+
+const Member* Interface::FindSlot(const void* slot) const {
+    return FirstOf(members_, [&](const Member& member) { return member.Slot == slot; });
+}
+
+void Interface::Publish(const IID& identity, Library& owner) const {
+    identity_ = identity;
+    owner_.store(&owner, std::memory_order_release);
 }
 
 Variant Invoke(Object& object, std::string_view name, MemberKind kind, std::span<Variant> arguments) {

@@ -64,6 +64,8 @@ void Collection::Remove(const Variant& indexOrKey) {
 
 Ref<Enumerator> Collection::NewEnum() const { return New<Enumerator>(*this); }
 
+Walkable::~Walkable() = default;
+
 Enumerator::Enumerator(const Collection& collection) : collection_(&collection) {
     collection.walks_.push_back(this);
 }
@@ -74,6 +76,12 @@ bool Enumerator::Next(Variant& item) {
     if (next_ > collection_->Count()) return false;
     item = collection_->At(next_++);
     return true;
+}
+
+Ref<Enumerator> Enumerator::Copy() const {
+    const Ref<Enumerator> copy = New<Enumerator>(*collection_);
+    copy->next_ = next_;
+    return copy;
 }
 
 }  // namespace Platform

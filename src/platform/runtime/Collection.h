@@ -15,6 +15,8 @@ class Walkable : public Object {
 public:
     static constexpr const char* ClassName = "Collection";
 
+    ~Walkable() override;
+
     /// The collection that holds the members.
     virtual const Collection& Members() const = 0;
 };
@@ -88,6 +90,11 @@ public:
 
     /// Starts again at the first member.
     void Reset() { next_ = 1; }
+
+    /// Another walk over the same collection, which stands where this one does.
+    Ref<Enumerator> Copy() const;
+
+    const Interface& Describe() const override;
 
 private:
     friend class Collection;

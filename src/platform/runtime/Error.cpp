@@ -2,6 +2,8 @@
 
 namespace Platform {
 
+Error::~Error() = default;
+
 String DescriptionOf(Long number) {
     switch (number) {
         case err::InvalidCall: return "Invalid procedure call or argument";
@@ -16,6 +18,7 @@ String DescriptionOf(Long number) {
         case err::ObjectNotSet: return "Object variable or With block variable not set";
         case err::InvalidNull: return "Invalid use of Null";
         case err::ObjectRequired: return "Object required";
+        case err::CannotCreate: return "ActiveX component can't create object";
         case err::NoSuchMember: return "Object doesn't support this property or method";
         case err::ArgumentNotOptional: return "Argument not optional";
         case err::WrongArguments: return "Wrong number of arguments or invalid property assignment";

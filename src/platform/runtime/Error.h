@@ -17,6 +17,11 @@ public:
     Error() = default;
     Error(Long number, String source, String description)
         : Number(number), Source(std::move(source)), Description(std::move(description)) {}
+    Error(const Error&) = default;
+    Error(Error&&) = default;
+    Error& operator=(const Error&) = default;
+    Error& operator=(Error&&) = default;
+    ~Error() override;
 
     Long Number = 0;
     String Source;
@@ -45,6 +50,7 @@ constexpr Long PathFileAccess = 75;
 constexpr Long ObjectNotSet = 91;  ///< a member of nothing was asked for
 constexpr Long InvalidNull = 94;   ///< a null where a value is needed
 constexpr Long ObjectRequired = 424;
+constexpr Long CannotCreate = 429;  ///< no class of this name, or its library fails
 constexpr Long NoSuchMember = 438;  ///< a name that the object's interface doesn't have
 constexpr Long ArgumentNotOptional = 449;
 constexpr Long WrongArguments = 450;  ///< too many arguments, or a put of what can only be read

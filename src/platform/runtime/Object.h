@@ -2,25 +2,33 @@
 
 #include "platform/runtime/Error.h"
 
-#include <cstddef>
+#include <cstdint>
 #include <utility>
 
 namespace Platform {
 
+class Boundary;
 class Interface;
+template <class T>
+class Ref;
+
+/// What an interface pointer of a component client points at: the functions of its object.
+struct Face {
+    const void* const* Slots = nullptr;  ///< null until the object crosses the boundary
+};
 
 /// The root of everything that is held by counted reference.
 ///
-/// An object is made with `New<T>()`, lives as long as a `Ref` holds it, and stays on the thread that
-/// made it: the count is not atomic, and no member of any object may be called from another thread.
-class Object {
+/// An object is made with `New<T>()`, lives as long as a `Ref` or a component client holds it, and stays on the
+/// thread that made it: the count is not atomic, and no member of any object may be called from another thread.
+class Object : private Face {
 public:
     static constexpr const char* ClassName = "Object";  ///< each class has its own
 
     Object() = default;
     Object(const Object&) = delete;
     Object& operator=(const Object&) = delete;
-    virtual ~Object() = default;
+    virtual ~Object();
 
     /// The members that a client may call by name, in their documented order (component/Interface.h).
     virtual const Interface& Describe() const;
@@ -28,7 +36,20 @@ public:
 private:
     template <class T>
     friend class Ref;
-    mutable std::size_t references_ = 0;
+    template <class T, class... Args>
+    friend Ref<T> New(Args&&... args);
+    friend class Boundary;
+
+    void Hold() const noexcept { ++references_; }
+    void Release() const noexcept {
+        if (--references_ == 0) End();
+    }
+    /// Counts the object among the living of its library, and ends it.
+    void Begin() const noexcept;
+    void End() const noexcept;
+
+    mutable std::uint32_t references_ = 0;
+    mutable std::uint32_t thread_ = 0;  ///< whose it is, once it crossed the boundary
 };
 
 /// A counted reference to an object, or nothing.
@@ -64,10 +85,10 @@ private:
         return *object_;
     }
     void Hold() const noexcept {
-        if (object_) ++static_cast<const Object*>(object_)->references_;
+        if (object_) static_cast<const Object*>(object_)->Hold();
     }
     void Release() noexcept {
-        if (object_ && --static_cast<const Object*>(object_)->references_ == 0) delete object_;
+        if (object_) static_cast<const Object*>(object_)->Release();
     }
 
     T* object_ = nullptr;
@@ -76,7 +97,9 @@ private:
 /// Makes an object and gives the first reference to it.
 template <class T, class... Args>
 Ref<T> New(Args&&... args) {
-    return Ref<T>(new T(std::forward<Args>(args)...));
+    T* object = new T(std::forward<Args>(args)...);
+    static_cast<const Object*>(object)->Begin();
+    return Ref<T>(object);
 }
 
 }  // namespace Platform

@@ -1,0 +1,123 @@
+#include "platform/component/Library.h"
+
+#include "platform/component/Boundary.h"
+#include "platform/component/ClassRegistry.h"
+#include "platform/component/Interface.h"
+#include "platform/component/LibraryFile.h"
+#include "platform/component/ReturnCode.h"
+
+#include <new>
+
+namespace Platform {
+namespace {
+
+/// Makes the objects of one class.
+class ClassFactory final : public IClassFactory {
+public:
+    ClassFactory(Library& library, const ClassEntry& entry) : library_(library), entry_(entry) {
+        library_.ObjectBegan();
+    }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override {
+        if (!object) return E_POINTER;
+        *object = nullptr;
+        if (!Same(riid, IID_IUnknown) && !Same(riid, IID_IClassFactory)) return E_NOINTERFACE;
+        AddRef();
+        *object = this;
+        return S_OK;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
+    ULONG STDMETHODCALLTYPE Release() override {
+        const ULONG left = --references_;
+        if (left > 0) return left;
+        Library& library = library_;
+        delete this;
+        library.ObjectEnded();
+        return 0;
+    }
+
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID riid, void** object) override {
+        return Guarded([&]() -> HRESULT {
+            if (!object) return E_POINTER;
+            *object = nullptr;
+            if (outer) return CLASS_E_NOAGGREGATION;
+            IUnknown* made = Boundary::Give(entry_.Make());
+            const HRESULT found = made->QueryInterface(riid, object);
+            made->Release();
+            return found;
+        });
+    }
+    HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override {
+        if (lock)
+            library_.ObjectBegan();
+        else
+            library_.ObjectEnded();
+        return S_OK;
+    }
+
+private:
+    Library& library_;
+    const ClassEntry& entry_;
+    std::atomic<ULONG> references_ = 1;
+};
+
+ClassRegistry::LibraryRecord RecordOf(const LibraryDescription& description) {
+    const String file = FileOfAddress(description.Name);
+    ClassRegistry::LibraryRecord record{description.Name,   description.Identifier, description.Version,
+                                        description.Locale, description.HelpText,   {}};
+    for (const ClassEntry& entry : description.Classes)
+        record.Classes.push_back({String(description.Name) + "." + entry.Name, entry.ClassID, file,
+                                  "Apartment", entry.IsGlobal ? "global" : "multi-use"});
+    return record;
+}
+
+/// Runs a change of the registry; what it fails with becomes the code of a failed self-registration.
+template <class Change>
+HRESULT Registering(Change change) noexcept {
+    const HRESULT code = Guarded([&]() -> HRESULT {
+        change();
+        return S_OK;
+    });
+    return SUCCEEDED(code) ? S_OK : SELFREG_E_CLASS;
+}
+
+}  // namespace
+
+void Library::Publish() {
+    std::call_once(published_, [this] {
+        for (const ClassEntry& entry : description_.Classes) {
+            const Interface& described = entry.Make()->Describe();
+            described.Publish(GuidOf(entry.InterfaceID), *this);
+        }
+    });
+}
+
+HRESULT Library::GetClassObject(REFCLSID classID, REFIID riid, void** factory) noexcept {
+    return Guarded([&]() -> HRESULT {
+        if (!factory) return E_POINTER;
+        *factory = nullptr;
+        for (const ClassEntry& entry : description_.Classes) {
+            if (!Same(GuidOf(entry.ClassID), classID)) continue;
+            Publish();
+            auto* made = new ClassFactory(*this, entry);
+            const HRESULT found = made->QueryInterface(riid, factory);
+            made->Release();
+            return found;
+        }
+        return CLASS_E_CLASSNOTAVAILABLE;
+    });
+}
+
+HRESULT Library::CanUnloadNow() const noexcept {
+    return living_.load(std::memory_order_acquire) == 0 ? S_OK : S_FALSE;
+}
+
+HRESULT Library::RegisterServer() noexcept {
+    return Registering([this] { ClassRegistry::Enter(RecordOf(description_)); });
+}
+
+HRESULT Library::UnregisterServer() noexcept {
+    return Registering([this] { ClassRegistry::Remove(description_.Identifier); });
+}
+
+}  // namespace Platform
