@@ -27,6 +27,7 @@ void AddLayouts(Program& program);    ///< layouts, anatomy
 void AddStaff(Program& program);      ///< doctors, doctor, clinics, clinic, guid
 void AddWorklist(Program& program);   ///< worklist
 void AddIdl(Program& program);        ///< idl
+void AddRegistration(Program& program);  ///< register, unregister, classes
 void AddSettings(Program& program);   ///< roots, setting, uid
 
 /// A whole number of the command line, "12" or "K12". Throws `Complaint` for anything else.

@@ -55,6 +55,7 @@ int RunProgram(int argc, const char* const* argv) {
     AddWorklist(program);
     AddSettings(program);
     AddIdl(program);
+    AddRegistration(program);
     try {
         program.app.parse(argc, argv);
         if (std::fflush(stdout) != 0 || std::ferror(stdout)) return Complain("the output can't be written");

@@ -1,0 +1,92 @@
+#include "console/Commands.h"
+#include "console/Output.h"
+#include "platform/component/ClassRegistry.h"
+#include "platform/component/LibraryFile.h"
+
+#include <fmt/format.h>
+
+namespace Console {
+namespace {
+
+namespace fs = std::filesystem;
+using Platform::LibraryFile;
+
+/// The library file that the user names, or the one beside the program or in its library folder.
+std::string LibraryOf(const std::string& named) {
+    if (!named.empty()) return named;
+    const fs::path host = Platform::FileOfAddress(&IID_NULL);
+    const fs::path library = host.parent_path() / "libOXClass.so";
+    if (fs::exists(library)) return library.string();
+    throw Complaint(
+        fmt::format("there is no {}; name the library: oxclass register LIBRARY", library.string()));
+}
+
+/// The text of what a failed call left on this thread.
+std::string FailureText(const char* otherwise) {
+    IErrorInfo* record = nullptr;
+    if (GetErrorInfo(0, &record) != S_OK) return otherwise;
+    BSTR text = nullptr;
+    record->GetDescription(&text);
+    const std::string description =
+        Platform::FromUtf16({reinterpret_cast<const char16_t*>(text), SysStringLen(text)});
+    SysFreeString(text);
+    record->Release();
+    return description;
+}
+
+void Register(const std::string& named) {
+    const std::string library = LibraryOf(named);
+    if (FAILED(LibraryFile(library).RegisterServer()))
+        throw Complaint(FailureText("the registration failed"));
+    fmt::print("Registered {} in {}\n", library, Platform::ClassRegistry::File().string());
+}
+
+void Unregister(const std::string& named) {
+    const std::string library = LibraryOf(named);
+    if (FAILED(LibraryFile(library).UnregisterServer())) throw Complaint(FailureText("the removal failed"));
+    fmt::print("Removed {} from {}\n", library, Platform::ClassRegistry::File().string());
+}
+
+void ListClasses(const Options& options) {
+    List list({{"class", "Class"},
+               {"instancing", "Instancing"},
+               {"threading", "Threading"},
+               {"identifier", "Identifier"},
+               {"library", "Library"}});
+    for (const auto& found : Platform::ClassRegistry::All())
+        list.Add({found.Name, found.Instancing, found.Threading, found.Identifier, found.Library});
+    list.Print(options.json, fmt::format("No classes are registered in {}. Register them: oxclass register",
+                                         Platform::ClassRegistry::File().string()));
+}
+
+CLI::App* AddLibraryCommand(Program& program, const char* name, const char* description,
+                            void (*run)(const std::string&)) {
+    const auto library = std::make_shared<std::string>();
+    auto* command = program.app.add_subcommand(name, description);
+    command
+        ->add_option("library", *library, "the library file (default: the one that came with this program)")
+        ->type_name("LIBRARY");
+    command->callback([library, run] { run(*library); });
+    return command;
+}
+
+}  // namespace
+
+void AddRegistration(Program& program) {
+    AddLibraryCommand(
+        program, "register",
+        "make the library's classes known by name to all programs of this user; needs no database", Register)
+        ->footer(
+            "They are written to the file that OXCLASS_REGISTRY names, else to oxclass/classes.json in the "
+            "user's "
+            "data folder.\nExample: oxclass register");
+    AddLibraryCommand(program, "unregister", "take the library's classes out again; needs no database",
+                      Unregister)
+        ->footer("Example: oxclass unregister");
+    auto* classes =
+        program.app.add_subcommand("classes", "list the classes that are registered; needs no database");
+    classes->footer("Example: oxclass classes --json");
+    classes->callback([&program] { ListClasses(program.options); });
+}
+
+}  // namespace Console

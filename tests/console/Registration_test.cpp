@@ -1,0 +1,58 @@
+#include "ProgramTest.h"
+
+#include <cstdlib>
+#include <fstream>
+
+/// register, unregister, classes: the library known by name to all programs of the user.
+namespace {
+
+class Registration : public ProgramTest::Program {
+protected:
+    Registration() { setenv("OXCLASS_REGISTRY", File().c_str(), 1); }
+    ~Registration() override { unsetenv("OXCLASS_REGISTRY"); }
+
+    std::filesystem::path File() const { return folder.Path() / "data" / "classes.json"; }
+};
+
+TEST_F(Registration, MakesTheClassesKnownAndTakesThemOutAgain) {
+    EXPECT_NE(Ok({"register", LIBRARY}).find(File().string()), std::string::npos);
+    const auto classes = OkJson({"classes"});
+    ASSERT_EQ(classes.size(), 28U);
+    EXPECT_EQ(classes[0]["class"], "OXClass.Class1");
+    EXPECT_EQ(classes[12]["class"], "OXClass.cStudy");
+    EXPECT_EQ(classes[12]["instancing"], "global");
+    EXPECT_EQ(classes[12]["library"], std::filesystem::canonical(LIBRARY).string());
+
+    Ok({"register", LIBRARY});
+    EXPECT_EQ(OkJson({"classes"}).size(), 28U) << "once more changes nothing";
+
+    Ok({"unregister", LIBRARY});
+    EXPECT_FALSE(std::filesystem::exists(File()));
+    EXPECT_NE(Ok({"classes"}).find("No classes are registered"), std::string::npos);
+}
+
+TEST_F(Registration, ADamagedFileIsToldAndStays) {
+    std::filesystem::create_directories(File().parent_path());
+    std::ofstream(File()) << "not a registry";
+    for (const auto& command : std::vector<std::vector<std::string>>{
+             {"register", LIBRARY}, {"unregister", LIBRARY}, {"classes"}}) {
+        const auto run = Try(command);
+        EXPECT_EQ(run.code, 1);
+        EXPECT_NE(run.err.find("is damaged"), std::string::npos) << run.err;
+    }
+    std::string text;
+    std::getline(std::ifstream(File()), text);
+    EXPECT_EQ(text, "not a registry");
+}
+
+TEST_F(Registration, ALibraryThatIsNoneIsTold) {
+    const auto missing = Try({"register", (folder.Path() / "nothing.so").string()});
+    EXPECT_EQ(missing.code, 1);
+    EXPECT_NE(missing.err.find("nothing.so"), std::string::npos) << missing.err;
+    const auto other = Try({"register", "libm.so.6"});
+    EXPECT_EQ(other.code, 1);
+    EXPECT_NE(other.err.find("is no library of classes"), std::string::npos) << other.err;
+    EXPECT_FALSE(std::filesystem::exists(File()));
+}
+
+}  // namespace
