@@ -1,0 +1,120 @@
+"""Objects as Python sees them: one proxy for each object that is in use on a thread."""
+from __future__ import annotations
+
+from ctypes import c_uint32
+from typing import Any, Dict, NoReturn, Optional
+
+from . import _binary as binary
+from ._binary import VARIANT
+from ._errors import no_member
+from ._library import library
+from ._threads import Hold, current
+
+
+class Object:
+    """An object of the library, or of its host. ``CreateObject`` makes one, and operations give others.
+
+    Properties are attributes and operations are methods; names are taken in any case. The same object is the same
+    Python object as long as it is in use. It belongs to the thread that got it.
+    """
+
+    __module__ = "oxclass"
+    __slots__ = ("_hold", "__weakref__")
+
+    _hold: Hold
+    _names: Dict[str, str] = {}  # the members' names by their lower case
+    _variant_type = binary.VT_DISPATCH
+
+    def __new__(cls, *arguments: Any, **keywords: Any) -> NoReturn:
+        raise TypeError("objects are made by oxclass.CreateObject")
+
+    def __reduce_ex__(self, protocol: Any) -> NoReturn:
+        raise TypeError(f"a {type(self).__name__} can't be copied or pickled: it lives in this process and thread")
+
+    def __getattr__(self, name: str) -> Any:
+        real = type(self)._names.get(name.lower(), name)
+        if real == name:
+            raise no_member(self, name)
+        return getattr(self, real)
+
+    def __setattr__(self, name: str, value: Any) -> None:
+        real = type(self)._names.get(name.lower())
+        if real is None:
+            raise no_member(self, name)
+        attribute = getattr(type(self), real)
+        if not isinstance(attribute, property):
+            raise no_member(self, real, "can't be assigned at the operation")
+        if attribute.fset is None:
+            raise no_member(self, real, "can only be read at")
+        attribute.fset(self, value)
+
+
+def adopt(cls: type, pointer: int) -> Any:
+    """A proxy that owns the caller's reference."""
+    proxy = object.__new__(cls)
+    object.__setattr__(proxy, "_hold", current().adopt(proxy, pointer))
+    return proxy
+
+
+def wrap(pointer: Optional[int], cls: Optional[type] = None) -> Any:
+    """The proxy of an interface pointer, whose reference stays the caller's; None for nothing."""
+    if not pointer:
+        return None
+    known = current().proxy_of(pointer)
+    if known is not None:
+        return known
+    if cls is None:
+        from ._classes import class_of  # which makes its members of this module's parts
+
+        cls = class_of(pointer)
+    binary.add_ref(pointer)
+    return adopt(cls, pointer)
+
+
+def wrap_owned(pointer: Optional[int], cls: Optional[type] = None) -> Any:
+    """As ``wrap``, and takes the caller's reference."""
+    try:
+        return wrap(pointer, cls)
+    finally:
+        if pointer:
+            binary.release(pointer)
+
+
+class Iterator(Object):
+    """A walk over the members of a collection."""
+
+    __module__ = "oxclass"
+    __slots__ = ()
+    _variant_type = binary.VT_UNKNOWN
+
+    def __iter__(self) -> Iterator:
+        return self
+
+    def __next__(self) -> Any:
+        from ._values import take
+
+        value, fetched = VARIANT(), c_uint32()
+        code = binary.next_value(self._hold.here(), value, fetched)
+        library().check(code)
+        if not fetched.value:
+            raise StopIteration
+        return take(value)
+
+
+class Opaque(Object):
+    """An object without members that can be called: it can be kept and given on."""
+
+    __module__ = "oxclass"
+    __slots__ = ()
+    _variant_type = binary.VT_UNKNOWN
+
+
+def wrap_unknown(pointer: Optional[int]) -> Any:
+    """The proxy of a plain interface pointer: an iterator, an object, or something to give on."""
+    if not pointer:
+        return None
+    for identity, cls in ((binary.IID_IEnumVARIANT, Iterator), (binary.IID_IDispatch, None)):
+        found = binary.query_interface(pointer, identity)
+        if found:
+            return wrap_owned(found, cls)
+    return wrap(pointer, Opaque)
