@@ -1,3 +1,4 @@
+#include "bench/Boundary.h"
 #include "bench/ByHand.h"
 #include "bench/Cards.h"
 #include "bench/Clinic.h"
@@ -226,4 +227,5 @@ int main(int argc, char** argv) {
     for (const std::size_t count : {4, 18, 20}) HangStored(con, hand, count);
     for (const std::size_t count : {4, 18, 20}) Hang(con, count);
     BenchCards(con, path, hand);
+    BenchBoundary();
 }

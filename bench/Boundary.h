@@ -1,0 +1,9 @@
+#pragma once
+
+namespace Bench {
+
+/// What the component boundary costs: a text property read by slot and by name, and an object made and dropped,
+/// each beside the same in C++.
+void BenchBoundary();
+
+}  // namespace Bench
