@@ -112,12 +112,12 @@ String DefaultText(const Argument& argument) {
     }
 }
 
-/// "[in, out] long* ID". A put's value keeps no star, since nothing of it comes back.
-String ArgumentText(const Argument& argument, bool ofPut) {
-    const bool reference = argument.ByReference && !ofPut;
-    String text = reference ? "[in, out" : "[in";
+/// "[in, out] long* ID".
+String ArgumentText(const Member& member, const Argument& argument) {
+    const bool place = member.CrossesAsPlace(argument);
+    String text = place ? "[in, out" : "[in";
     if (argument.Optional) text += ", " + DefaultText(argument);
-    return text + "] " + TypeText(argument.Type) + (reference ? "* " : " ") + argument.Name;
+    return text + "] " + TypeText(argument.Type) + (place ? "* " : " ") + argument.Name;
 }
 
 const char* KindText(MemberKind kind) {
@@ -131,13 +131,12 @@ const char* KindText(MemberKind kind) {
 }
 
 String MemberText(const Member& member) {
-    const bool put = member.Kind == MemberKind::Put || member.Kind == MemberKind::PutRef;
     String text = "    [id(" + Hexadecimal(member.DispId) + ")" + KindText(member.Kind) +
                   (member.DispId == EnumeratorMember ? ", restricted" : "") + "] HRESULT " + member.Name +
                   "(";
     String arguments;
     for (const Argument& argument : member.Arguments)
-        arguments += (arguments.empty() ? "" : ", ") + ArgumentText(argument, put);
+        arguments += (arguments.empty() ? "" : ", ") + ArgumentText(member, argument);
     if (member.Result.Is != Kind::None)
         arguments += (arguments.empty() ? "[out, retval] " : ", [out, retval] ") + TypeText(member.Result) +
                      "* Result";

@@ -41,6 +41,7 @@ STDAPI OxClasses(BSTR* json);
  *     "arguments": [{"name": "Value", "type": "text", "byReference": false, "comesBack": false,
  *                    "optional": false}], "result": "none"}, ...]}
  *
+ * "byReference" arguments cross as the place of their value, but for the object of a putref, which crosses itself.
  * "kind" is operation, get, put or putref; "type" and "result" are none, boolean, short, long, single,
  * double, date, text, variant, object or enumeration, and the last two have their name in "of" (in "resultOf"
  * for a result). E_NOINTERFACE for an object of somebody else. */

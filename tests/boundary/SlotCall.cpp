@@ -36,7 +36,7 @@ SlotOf FindSlot(IUnknown* object, const std::string& name, const std::string& ki
 }
 
 bool IsPlace(const Json& member, const Json& argument) {
-    return argument["byReference"] && member["kind"] != "put" && member["kind"] != "putref";
+    return argument["byReference"] && member["kind"] != "putref";
 }
 
 bool HasResult(const Json& member) { return member["result"] != "none"; }

@@ -46,6 +46,19 @@ TEST(TypeLibrary, TellsArgumentsResultsAndIdentities) {
         Contains(text, "[id(0x60030000), propput] HRESULT ManipulationType([in] ManipulationType Value);"));
 }
 
+TEST(TypeLibrary, ThreePutsTakeThePlaceOfTheirValue) {
+    const std::string text = TypeLibraryText();
+    std::size_t places = 0;
+    for (std::size_t at = 0; (at = text.find(", propput] HRESULT ", at)) != std::string::npos; ++at) {
+        const std::string line = text.substr(at, text.find('\n', at) - at);
+        places += Contains(line, "[in, out]");
+        EXPECT_EQ(Contains(line, "[in, out]"), Contains(line, " Key([in, out] BSTR* Value)") ||
+                                                   Contains(line, " ADId([in, out] long* Value)"))
+            << line;
+    }
+    EXPECT_EQ(places, 3U) << "the keys of study and series, and the group number";
+}
+
 TEST(TypeLibrary, EnumerationsHaveTheirNumbers) {
     const std::string text = TypeLibraryText();
     EXPECT_TRUE(Contains(

@@ -317,10 +317,9 @@ std::span<const void* const> EnumeratorSlots() {
 namespace detail {
 namespace {
 
-/// Where an argument's value stands: a put's value is itself there, as one by value is.
+/// Where an argument's value stands.
 const void* PlaceOf(const Member& member, std::size_t index, const void* given) {
-    const bool reference = member.Arguments[index].ByReference && !member.IsPut();
-    return reference ? *static_cast<const void* const*>(given) : given;
+    return member.CrossesAsPlace(member.Arguments[index]) ? *static_cast<const void* const*>(given) : given;
 }
 
 Variant ReadArgument(const Member& member, std::size_t index, const void* place) {

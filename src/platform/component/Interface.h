@@ -94,6 +94,12 @@ struct Member {
     const void* Slot = nullptr;
 
     bool IsPut() const noexcept { return Kind == MemberKind::Put || Kind == MemberKind::PutRef; }
+
+    /// True if an argument crosses the boundary as the place of its value. An object that is put by reference
+    /// crosses itself.
+    bool CrossesAsPlace(const Argument& argument) const noexcept {
+        return argument.ByReference && Kind != MemberKind::PutRef;
+    }
 };
 
 /// The members of a class that clients call, in their documented order.
@@ -358,6 +364,7 @@ struct DataOf<M> {
     static Member GetMember(const char* name) {
         return {name, MemberKind::Get, ByPosition, {}, TypeOf<T>(), Get, SlotOf<M, T>()};
     }
+    static const void* SlotOfPutByReference() { return SlotOf<M, void, Binary<T>*>(); }
     static Member PutMember(const char* name) {
         constexpr bool object = IsRef<T>::value;
         return {name,
@@ -418,12 +425,17 @@ detail::Line Property(const char* name) {
     return {{Data::PutMember(name), Data::GetMember(name)}};
 }
 
-/// A plain property whose get stands before its put; `PutByReference` where the put takes its value so.
+/// A plain property whose get stands before its put; `ByReference` where the put takes the place of its
+/// value.
 enum class PutForm { ByValue, ByReference };
 template <auto M>
 detail::Line PropertyGetFirst(const char* name, PutForm form = PutForm::ByValue) {
     detail::Line line = Property<M>(name);
-    line.members.front().Arguments.front().ByReference |= form == PutForm::ByReference;
+    Member& put = line.members.front();
+    if (form == PutForm::ByReference) {
+        put.Arguments.front().ByReference = true;
+        put.Slot = detail::DataOf<M>::SlotOfPutByReference();
+    }
     std::swap(line.members[0], line.members[1]);
     return line;
 }
