@@ -10,7 +10,9 @@ import sys
 
 import oxclass
 
-database = sys.argv[1] if len(sys.argv) == 2 else "clinic.db"
+database = sys.argv[1] if len(sys.argv) > 1 else "clinic.db"
+if database.startswith("-"):
+    sys.exit(__doc__)
 con = oxclass.CreateObject("ADODB.Connection")
 con.Open(f"Provider=SQLite;Data Source={database}")
 

@@ -11,14 +11,19 @@ namespace {
 namespace fs = std::filesystem;
 using Platform::LibraryFile;
 
-/// The library file that the user names, or the one beside the program or in its library folder.
+/// The whole path of the library file that the user names, or of the one that came with this program.
 std::string LibraryOf(const std::string& named) {
-    if (!named.empty()) return named;
     const fs::path host = Platform::FileOfAddress(&IID_NULL);
-    const fs::path library = host.parent_path() / "libOXClass.so";
-    if (fs::exists(library)) return library.string();
-    throw Complaint(
-        fmt::format("there is no {}; name the library: oxclass register LIBRARY", library.string()));
+    const fs::path file = named.empty() ? host.parent_path() / "libOXClass.so" : fs::path(named);
+    std::error_code failed;
+    const fs::path whole = fs::canonical(file, failed);
+    if (!failed) return whole.string();
+    return fs::absolute(file).lexically_normal().string();
+}
+
+void RequireFile(const std::string& library) {
+    if (!fs::exists(library))
+        throw Complaint(fmt::format("there is no library {}; name it: oxclass register LIBRARY", library));
 }
 
 /// The text of what a failed call left on this thread.
@@ -36,14 +41,17 @@ std::string FailureText(const char* otherwise) {
 
 void Register(const std::string& named) {
     const std::string library = LibraryOf(named);
+    RequireFile(library);
     if (FAILED(LibraryFile(library).RegisterServer()))
         throw Complaint(FailureText("the registration failed"));
     fmt::print("Registered {} in {}\n", library, Platform::ClassRegistry::File().string());
 }
 
+/// Takes out what stands in the registry under the library's path; its file may be gone.
 void Unregister(const std::string& named) {
     const std::string library = LibraryOf(named);
-    if (FAILED(LibraryFile(library).UnregisterServer())) throw Complaint(FailureText("the removal failed"));
+    if (!Platform::ClassRegistry::RemoveFile(library))
+        throw Complaint(fmt::format("{} is not registered; oxclass classes shows what is", library));
     fmt::print("Removed {} from {}\n", library, Platform::ClassRegistry::File().string());
 }
 

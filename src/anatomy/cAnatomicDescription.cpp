@@ -116,7 +116,7 @@ void cAnatomicDescription::SetTeethFromString(const String& sIOstring, const Ref
 
 const Interface& cAnatomicDescription::Describe() const {
     using Self = cAnatomicDescription;
-    static const Interface self = InterfaceOf<Self>({
+    static const Interface& self = InterfaceOf<Self>({
         Operation<&Self::InitCollection>("InitCollection"),
         Operation<&Self::LoadSGN>("LoadSGN", {"Con", "lADId"}),
         Operation<&Self::SaveSGN>("SaveSGN", {"Con"}),

@@ -3,7 +3,7 @@
 namespace OXClass {
 
 const Interface& cAnatomics::Describe() const {
-    static const Interface self = InterfaceOf<cAnatomics>({});
+    static const Interface& self = InterfaceOf<cAnatomics>({});
     return self;
 }
 

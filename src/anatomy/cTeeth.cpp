@@ -10,7 +10,7 @@ Ref<cTooth> cTeeth::Add(bool Selected, Integer TNumber, const String& sKey) {
 }
 
 const Interface& cTeeth::Describe() const {
-    static const Interface self = InterfaceOf<cTeeth>({
+    static const Interface& self = InterfaceOf<cTeeth>({
         Operation<&cTeeth::Add>("Add", {"Selected", "TNumber", Optional("sKey")}),
         ReadOnly<&cTeeth::Item>("Item", {"vntIndexKey"}, DefaultMember),
         ReadOnly<&cTeeth::Count>("Count"),

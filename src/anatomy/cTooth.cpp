@@ -3,7 +3,7 @@
 namespace OXClass {
 
 const Interface& cTooth::Describe() const {
-    static const Interface self = InterfaceOf<cTooth>({
+    static const Interface& self = InterfaceOf<cTooth>({
         Property<&cTooth::TNumber>("TNumber"),
         Property<&cTooth::Selected>("Selected"),
     });

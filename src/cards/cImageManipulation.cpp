@@ -4,7 +4,7 @@ namespace OXClass {
 
 const Interface& cImageManipulation::Describe() const {
     using Self = cImageManipulation;
-    static const Interface self = InterfaceOf<Self>({
+    static const Interface& self = InterfaceOf<Self>({
         Property<&Self::ManipulationType>("ManipulationType"),
         Property<&Self::LongParameter>("LongParameter"),
         Property<&Self::StringParameter>("StringParameter"),

@@ -97,7 +97,7 @@ bool cImagecard::Save(const Ref<Connection>& conn) {
 }
 
 const Interface& cImagecard::Describe() const {
-    static const Interface self = InterfaceOf<cImagecard>({
+    static const Interface& self = InterfaceOf<cImagecard>({
         Property<&cImagecard::ImagecardAttributes>("ImagecardAttributes"),
         Property<&cImagecard::ICWidth>("ICWidth"),
         Property<&cImagecard::ICHeight>("ICHeight"),

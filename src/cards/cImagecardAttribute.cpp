@@ -135,7 +135,7 @@ String cImagecardAttribute::InsertManipulations(const Ref<Connection>& con) cons
 
 const Interface& cImagecardAttribute::Describe() const {
     using Self = cImagecardAttribute;
-    static const Interface self = InterfaceOf<Self>({
+    static const Interface& self = InterfaceOf<Self>({
         Property<&Self::ToBeDeleted>("ToBeDeleted"),
         Property<&Self::IAComments>("IAComments"),
         Property<&Self::IASequence>("IASequence"),

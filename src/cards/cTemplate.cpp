@@ -96,7 +96,7 @@ bool cTemplate::Save(const Ref<Connection>& Con) {
 }
 
 const Interface& cTemplate::Describe() const {
-    static const Interface self = InterfaceOf<cTemplate>({
+    static const Interface& self = InterfaceOf<cTemplate>({
         Property<&cTemplate::TemplateAttributes>("TemplateAttributes"),
         Property<&cTemplate::TCForcedImageType>("TCForcedImageType"),
         Property<&cTemplate::TCDicomID>("TCDicomID"),

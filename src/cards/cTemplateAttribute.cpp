@@ -70,7 +70,7 @@ bool cTemplateAttribute::Save(const Ref<Connection>& Con) {
 
 const Interface& cTemplateAttribute::Describe() const {
     using Self = cTemplateAttribute;
-    static const Interface self = InterfaceOf<Self>({
+    static const Interface& self = InterfaceOf<Self>({
         Property<&Self::TANumberInTemplate>("TANumberInTemplate"),
         Property<&Self::TAHeight>("TAHeight"),
         Property<&Self::TAWidth>("TAWidth"),

@@ -80,7 +80,7 @@ void cUniCard::BuildCardForSeries() {
 }
 
 const Interface& cUniCard::Describe() const {
-    static const Interface self = InterfaceOf<cUniCard>({
+    static const Interface& self = InterfaceOf<cUniCard>({
         PropertyGetFirst<&cUniCard::mvarImgLead>("mvarImgLead"),
         ReadOnly<&cUniCard::SortDate>("SortDate"),
         Property<&cUniCard::Key>("Key"),

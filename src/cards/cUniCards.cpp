@@ -255,7 +255,7 @@ bool cUniCards::AddObj(const Ref<cUniCard>& oUC, const String& sKey, const Strin
 }
 
 const Interface& cUniCards::Describe() const {
-    static const Interface self = InterfaceOf<cUniCards>({
+    static const Interface& self = InterfaceOf<cUniCards>({
         Operation<&cUniCards::GetICAndSEList4Patient>(
             "GetICAndSEList4Patient",
             {"conn", "sPID", "lPID", Optional("FromDate", Date{}), Optional("ToDate", Date{})}),

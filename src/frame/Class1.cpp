@@ -88,7 +88,7 @@ String Class1::GetInstanceUID(Ref<Connection> Con) {
 }
 
 const Interface& Class1::Describe() const {
-    static const Interface self = InterfaceOf<Class1>({
+    static const Interface& self = InterfaceOf<Class1>({
         Property<&Class1::ActiveRootID>("ActiveRootID"),
         Operation<&Class1::GetRoots>("GetRoots", {"Con"}),
         Operation<&Class1::GetSubFolder>("GetSubFolder", {"PatID"}),

@@ -37,7 +37,7 @@ bool cGlobalList::GetGL(Ref<Connection> sConn, Long ID) {
 }
 
 const Interface& cGlobalList::Describe() const {
-    static const Interface self = InterfaceOf<cGlobalList>({
+    static const Interface& self = InterfaceOf<cGlobalList>({
         Property<&cGlobalList::GLSaved>("GLSaved"),
         Property<&cGlobalList::GlobalListID>("GlobalListID"),
         Property<&cGlobalList::ListID>("ListID"),

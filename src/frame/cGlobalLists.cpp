@@ -67,7 +67,7 @@ void cGlobalLists::DeleteAll(Ref<Connection> cnconn) {
 }
 
 const Interface& cGlobalLists::Describe() const {
-    static const Interface self = InterfaceOf<cGlobalLists>({
+    static const Interface& self = InterfaceOf<cGlobalLists>({
         Operation<&cGlobalLists::GetAllGLs>("GetAllGLs", {"sConn", "ListID"}),
         Operation<&cGlobalLists::Add>("Add", {Optional("sKey")}),
         ReadOnly<&cGlobalLists::Item>("Item", {"vntIndexKey"}),

@@ -18,7 +18,7 @@ void cComments::AddObj(const Ref<cStringItem>& Obj, const Long& Index, const Str
 }
 
 const Interface& cComments::Describe() const {
-    static const Interface self = InterfaceOf<cComments>({
+    static const Interface& self = InterfaceOf<cComments>({
         Operation<&cComments::Add>("Add", {"str", "ID", "DateStamp", "Signature", Optional("sKey")}),
         ReadOnly<&cComments::Item>("Item", {"vntIndexKey"}, DefaultMember),
         ReadOnly<&cComments::Count>("Count"),

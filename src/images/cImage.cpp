@@ -120,7 +120,7 @@ void cImage::GetComments(const Ref<Connection>& Con) {
 }
 
 const Interface& cImage::Describe() const {
-    static const Interface self = InterfaceOf<cImage>({
+    static const Interface& self = InterfaceOf<cImage>({
         Property<&cImage::AnaRegionMod>("AnaRegionMod"),
         Property<&cImage::AnaRegion>("AnaRegion"),
         Property<&cImage::Laterality>("Laterality"),

@@ -89,7 +89,7 @@ Ref<cImage> cImages::AddObject(Ref<cImage>& oImage, const String& sKey) {
 }
 
 const Interface& cImages::Describe() const {
-    static const Interface self = InterfaceOf<cImages>({
+    static const Interface& self = InterfaceOf<cImages>({
         Operation<&cImages::LoadAll4Object>("LoadAll4Object",
                                             {"conn", "ObjectType", "ID", Optional("SQLWhereClause")}),
         Operation<&cImages::Add>("Add", {"URL",

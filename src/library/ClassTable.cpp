@@ -35,14 +35,9 @@ namespace OXClass {
 namespace {
 
 template <class T>
-Platform::Ref<Platform::Object> Make() {
-    return New<T>();
-}
-
-template <class T>
 constexpr ClassEntry Entry(const char* classID, const char* interfaceID) {
     constexpr bool global = requires { T::IsGlobal; };
-    return {T::ClassName, classID, interfaceID, global, Make<T>};
+    return {T::ClassName, classID, interfaceID, global, Platform::MakeNew<T>};
 }
 
 }  // namespace

@@ -10,7 +10,7 @@ Ref<cStringItem> IntendedRecipients::Add(const String& str, const Long& ID, cons
 }
 
 const Interface& IntendedRecipients::Describe() const {
-    static const Interface self = InterfaceOf<IntendedRecipients>({
+    static const Interface& self = InterfaceOf<IntendedRecipients>({
         Operation<&IntendedRecipients::Add>("Add", {"str", "ID", Optional("sKey")}),
         ReadOnly<&IntendedRecipients::Item>("Item", {"vntIndexKey"}, DefaultMember),
         ReadOnly<&IntendedRecipients::Count>("Count"),

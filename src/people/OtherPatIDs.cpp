@@ -35,7 +35,7 @@ void OtherPatIDs::FillFromString(const String& sDelimitedString) {
 }
 
 const Interface& OtherPatIDs::Describe() const {
-    static const Interface self = InterfaceOf<OtherPatIDs>({
+    static const Interface& self = InterfaceOf<OtherPatIDs>({
         Operation<&OtherPatIDs::Add>("Add", {"str", "ID", Optional("sKey")}),
         ReadOnly<&OtherPatIDs::Item>("Item", {"vntIndexKey"}, DefaultMember),
         ReadOnly<&OtherPatIDs::Count>("Count"),

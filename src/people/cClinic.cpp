@@ -56,7 +56,7 @@ bool cClinic::LoadClinic(Long ClinicID, const Ref<Connection>& Con) {
 }
 
 const Interface& cClinic::Describe() const {
-    static const Interface self = InterfaceOf<cClinic>({
+    static const Interface& self = InterfaceOf<cClinic>({
         Operation<&cClinic::DeleteClinic>("DeleteClinic", {"Con"}),
         Operation<&cClinic::SaveClinic>("SaveClinic", {"Con"}),
         Operation<&cClinic::LoadClinic>("LoadClinic", {"ClinicID", "Con"}),

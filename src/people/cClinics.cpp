@@ -58,7 +58,7 @@ Ref<cClinic> cClinics::ItemOnClinicName(const String& sName, const Ref<Connectio
 }
 
 const Interface& cClinics::Describe() const {
-    static const Interface self = InterfaceOf<cClinics>({
+    static const Interface& self = InterfaceOf<cClinics>({
         Operation<&cClinics::GetHQClinic>("GetHQClinic", {"Con"}),
         Operation<&cClinics::GetAllClinics>("GetAllClinics", {"Con"}),
         Operation<&cClinics::Add>("Add", {"ID", "ClinicName", "OrgNumber", "ZipCode", "StreetAddress", "City",

@@ -94,7 +94,7 @@ void cDoctor::ReadRow(const Ref<Recordset>& rs) {
 }
 
 const Interface& cDoctor::Describe() const {
-    static const Interface self = InterfaceOf<cDoctor>({
+    static const Interface& self = InterfaceOf<cDoctor>({
         Operation<&cDoctor::GetDCMName>("GetDCMName"),
         Operation<&cDoctor::PatientCount>("PatientCount", {"Con"}),
         Operation<&cDoctor::DeleteDoctor>("DeleteDoctor", {"Con"}),

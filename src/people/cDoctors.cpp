@@ -57,7 +57,7 @@ String cDoctors::GetGUID() const {
 }
 
 const Interface& cDoctors::Describe() const {
-    static const Interface self = InterfaceOf<cDoctors>({
+    static const Interface& self = InterfaceOf<cDoctors>({
         Operation<&cDoctors::GetAllDoctors>("GetAllDoctors", {"Con"}),
         Operation<&cDoctors::Add>("Add", {"drID", "DrName", "DrFirstName", "DrLastName", "DrPrefix",
                                           "DrContactInfo", "DrType", Optional("sKey")}),

@@ -102,7 +102,7 @@ Long cPatient::Save(Ref<Connection> Con) {
 }
 
 const Interface& cPatient::Describe() const {
-    static const Interface self = InterfaceOf<cPatient>({
+    static const Interface& self = InterfaceOf<cPatient>({
         Property<&cPatient::ID>("ID"),
         Operation<&cPatient::LoadOnPatientID>("LoadOnPatientID", {"PatientID"}),
         Operation<&cPatient::Save>("Save", {"Con"}),

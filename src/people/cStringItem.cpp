@@ -3,7 +3,7 @@
 namespace OXClass {
 
 const Interface& cStringItem::Describe() const {
-    static const Interface self = InterfaceOf<cStringItem>({
+    static const Interface& self = InterfaceOf<cStringItem>({
         Property<&cStringItem::ID>("ID"),
         Property<&cStringItem::str>("str"),
         Property<&cStringItem::bSaved>("bSaved"),

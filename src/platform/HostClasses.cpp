@@ -9,14 +9,10 @@
 #include <array>
 #include <map>
 #include <memory>
+#include <utility>
 
 namespace Platform {
 namespace {
-
-template <class T>
-Ref<Object> Make() {
-    return New<T>();
-}
 
 [[noreturn]] void RaiseCannotCreate(const String& reason) {
     Raise(err::CannotCreate, DescriptionOf(err::CannotCreate) + ": " + reason);
@@ -28,10 +24,12 @@ ClassRegistry::ClassRecord RecordOf(const String& name) {
                       "\". \"oxclass register\" registers the library");
 }
 
+/// The dispatch interface of one of this host's objects, in place of the reference given.
 IDispatch* DispatchOf(IUnknown* object) {
     void* dispatch = nullptr;
-    object->QueryInterface(IID_IDispatch, &dispatch);
+    const HRESULT code = object->QueryInterface(IID_IDispatch, &dispatch);
     object->Release();
+    if (FAILED(code)) throw Error(code, "Runtime", "The object has no members that can be called by name");
     return static_cast<IDispatch*>(dispatch);
 }
 
@@ -59,13 +57,30 @@ const ClassEntry* HostClass(const String& name) {
     return nullptr;
 }
 
-/// The shared instances of a thread.
+/// The shared instances of a thread. Plain data, which stays readable while the thread's other data end.
 struct SharedObjects {
-    std::map<String, IDispatch*> byName;
-    ~SharedObjects() {
-        for (const auto& [name, object] : byName) object->Release();
+    std::map<String, IDispatch*>* byName = nullptr;
+    bool ended = false;
+};
+thread_local SharedObjects shared;
+
+/// Lets a thread's shared instances go with the thread.
+struct SharedObjectsEnd {
+    ~SharedObjectsEnd() {
+        shared.ended = true;
+        const std::unique_ptr<std::map<String, IDispatch*>> byName(std::exchange(shared.byName, nullptr));
+        for (const auto& [name, object] : *byName) object->Release();
     }
 };
+
+std::map<String, IDispatch*>& SharedByName() {
+    if (shared.ended) RaiseCannotCreate("the thread is ending");
+    if (!shared.byName) {
+        shared.byName = new std::map<String, IDispatch*>;
+        thread_local const SharedObjectsEnd end;
+    }
+    return *shared.byName;
+}
 
 Library& HostLibrary() {
     static Library library(LibraryDescription{"", "5bdb6692-a1cf-5836-abe1-2368bef44fad", "1.30", 1033,
@@ -78,11 +93,11 @@ Library& HostLibrary() {
 std::span<const ClassEntry> HostClasses() {
     static constexpr std::array classes{
         ClassEntry{"Collection", "b07496b6-c795-5704-a72a-0e5087592d58",
-                   "6d0f13c2-8228-54a7-a028-362f19c437b7", false, Make<Collection>},
+                   "6d0f13c2-8228-54a7-a028-362f19c437b7", false, MakeNew<Collection>},
         ClassEntry{"ADODB.Connection", "af08d789-e2f0-562b-9693-87a87dec653a",
-                   "fbdb9dc4-5416-51fa-a01c-f900d5ae8b84", false, Make<ADODB::Connection>},
+                   "fbdb9dc4-5416-51fa-a01c-f900d5ae8b84", false, MakeNew<ADODB::Connection>},
         ClassEntry{"ADODB.Recordset", "306e5bc6-1782-561a-83de-05525f9ef451",
-                   "69a26778-88e4-5199-9dea-f06960e2e3ca", false, Make<ADODB::Recordset>},
+                   "69a26778-88e4-5199-9dea-f06960e2e3ca", false, MakeNew<ADODB::Recordset>},
     };
     return classes;
 }
@@ -113,7 +128,8 @@ std::span<const Enumeration> HostEnumerations() {
 
 const LibraryFile& LoadedLibrary(const String& path) {
     static std::mutex guard;
-    static std::map<String, std::unique_ptr<LibraryFile>> loaded;
+    static auto& loaded =
+        *new std::map<String, std::unique_ptr<LibraryFile>>;  // for calls until the process is gone
     const std::scoped_lock lock(guard);
     std::unique_ptr<LibraryFile>& file = loaded[path];
     if (!file) file = std::make_unique<LibraryFile>(path);
@@ -128,13 +144,13 @@ IDispatch* CreateObject(const String& name) {
 }
 
 IDispatch* GlobalObject(const String& name) {
-    thread_local SharedObjects shared;
-    auto found = shared.byName.find(LCase(name));
-    if (found == shared.byName.end()) {
+    std::map<String, IDispatch*>& known = SharedByName();
+    auto found = known.find(LCase(name));
+    if (found == known.end()) {
         if (HostClass(name)) RaiseCannotCreate("the class " + name + " is not global");
         const ClassRegistry::ClassRecord record = RecordOf(name);
         if (record.Instancing != "global") RaiseCannotCreate("the class " + record.Name + " is not global");
-        found = shared.byName.emplace(LCase(name), CreateFrom(record)).first;
+        found = known.emplace(LCase(name), CreateFrom(record)).first;
     }
     found->second->AddRef();
     return found->second;

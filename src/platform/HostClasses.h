@@ -2,6 +2,7 @@
 
 #include "platform/component/Interface.h"
 #include "platform/component/Library.h"
+#include "platform/component/LibraryFile.h"
 
 #include <vector>
 
@@ -26,6 +27,6 @@ IDispatch* CreateObject(const String& name);
 IDispatch* GlobalObject(const String& name);
 
 /// Loads a library file once and keeps it. Raises CO_E_DLLNOTFOUND. Any thread may call.
-const class LibraryFile& LoadedLibrary(const String& path);
+const LibraryFile& LoadedLibrary(const String& path);
 
 }  // namespace Platform

@@ -9,10 +9,10 @@
 #include "platform/component/ReturnCode.h"
 #include "platform/runtime/Services.h"
 
+#include <atomic>
 #include <cmath>
-#include <map>
+#include <memory>
 #include <mutex>
-#include <nlohmann/json.hpp>
 
 using namespace Platform;
 
@@ -20,25 +20,55 @@ namespace {
 
 String Name(LPCOLESTR text) { return FromUtf16(reinterpret_cast<const char16_t*>(text)); }
 
-/// Runs `make`, whose result goes to `object`.
-template <class Make>
-HRESULT Creating(LPCOLESTR name, IDispatch** object, Make make) noexcept {
-    return Guarded([&]() -> HRESULT {
-        if (!object) return E_POINTER;
-        *object = nullptr;
-        if (!name) return E_POINTER;
-        *object = make(Name(name));
+[[noreturn]] void Fail(HRESULT code, const char* description) { throw Error(code, "Runtime", description); }
+
+/// The place that a result goes to, cleared.
+template <class T>
+T& Cleared(T* place) {
+    if (!place) Fail(E_POINTER, "The place of the result is missing");
+    return *place = T();
+}
+
+/// Runs an entry: no exception leaves it, and the thread's error record is its own.
+template <class Body>
+HRESULT Entry(Body body) noexcept {
+    SetErrorInfo(0, nullptr);
+    return Guarded([&]() -> HRESULT { return body(); });
+}
+
+/// An entry that does something or raises.
+template <class Body>
+HRESULT Doing(Body body) noexcept {
+    return Entry([&] {
+        body();
         return S_OK;
     });
 }
 
-/// Runs a library's own entry; its failure keeps its record.
-template <class Entry>
-HRESULT CallingLibrary(const char* path, Entry entry) noexcept {
-    return Guarded([&]() -> HRESULT {
-        if (!path) return E_POINTER;
-        return entry(LoadedLibrary(path));
+HRESULT Creating(LPCOLESTR name, IDispatch** object, IDispatch* (*make)(const String& name)) noexcept {
+    return Doing([&] {
+        IDispatch*& result = Cleared(object);
+        if (!name) Fail(E_POINTER, "The name is missing");
+        result = make(Name(name));
     });
+}
+
+/// Runs a library's own function, which leaves its own record.
+template <class Function>
+HRESULT CallingLibrary(const char* path, Function function) noexcept {
+    return Entry([&] {
+        if (!path) Fail(E_POINTER, "The path is missing");
+        return function(LoadedLibrary(path));
+    });
+}
+
+/// The host's own classes that can be made by name.
+std::vector<ClassRegistry::ClassRecord> OwnClasses() {
+    const String host = FileOfAddress(&IID_NULL);
+    std::vector<ClassRegistry::ClassRecord> classes;
+    for (const ClassEntry& entry : HostClasses())
+        classes.push_back({entry.Name, entry.ClassID, host, "Apartment", "multi-use"});
+    return classes;
 }
 
 }  // namespace
@@ -65,37 +95,21 @@ HRESULT OxUnregisterLibrary(const char* path) {
 }
 
 HRESULT OxClasses(BSTR* json) {
-    return Guarded([&]() -> HRESULT {
-        if (!json) return E_POINTER;
-        *json = nullptr;
-        nlohmann::ordered_json classes = nlohmann::ordered_json::array();
-        const auto add = [&classes](const String& name, const String& identifier, const String& library,
-                                    const String& threading, const String& instancing) {
-            classes.push_back({{"name", name},
-                               {"identifier", identifier},
-                               {"library", library},
-                               {"threading", threading},
-                               {"instancing", instancing}});
-        };
-        const String host = FileOfAddress(&IID_NULL);
-        for (const ClassEntry& entry : HostClasses())
-            add(entry.Name, entry.ClassID, host, "Apartment", "multi-use");
-        for (const ClassRegistry::ClassRecord& record : ClassRegistry::All())
-            add(record.Name, record.Identifier, record.Library, record.Threading, record.Instancing);
-        *json = ToBstr(classes.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
-        return S_OK;
+    return Doing([&] {
+        BSTR& result = Cleared(json);
+        std::vector<ClassRegistry::ClassRecord> classes = OwnClasses();
+        for (ClassRegistry::ClassRecord& record : ClassRegistry::All()) classes.push_back(std::move(record));
+        result = ToBstr(ClassRegistry::PrintClasses(classes));
     });
 }
 
 HRESULT OxDescribe(IUnknown* object, BSTR* json) {
-    return Guarded([&]() -> HRESULT {
-        if (!json) return E_POINTER;
-        *json = nullptr;
-        if (!object) return E_POINTER;
+    return Doing([&] {
+        BSTR& result = Cleared(json);
+        if (!object) Fail(E_POINTER, "The object is missing");
         const Object* own = Boundary::Own(object);
-        if (!own) return E_NOINTERFACE;
-        *json = ToBstr(DescriptionText(own->Describe()));
-        return S_OK;
+        if (!own) Fail(E_NOINTERFACE, "The object is somebody else's");
+        result = ToBstr(DescriptionText(own->Describe()));
     });
 }
 
@@ -127,9 +141,15 @@ Handler<OxMsgBoxHandler> theMsgBox;
 Handler<OxDoEventsHandler> theDoEvents;
 Handler<OxNowHandler> theNow;
 
+/// The machine's own services, for when no handler is there.
+const Host& TheMachine() {
+    static const Host& machine = *new Host;
+    return machine;
+}
+
 void CallMsgBox(const String& prompt, Long buttons) {
     const auto [handler, context] = theMsgBox.Get();
-    if (!handler) return Host().MsgBox(prompt, buttons);
+    if (!handler) return TheMachine().MsgBox(prompt, buttons);
     const OwnedText text(ToBstr(prompt));
     handler(context, text.get(), buttons);
 }
@@ -141,47 +161,40 @@ void CallDoEvents() {
 
 Date CallNow() {
     const auto [handler, context] = theNow.Get();
-    return handler ? Date{handler(context)} : Host().Now();
+    return handler ? Date{handler(context)} : TheMachine().Now();
 }
 
 float CallTimer() {
     constexpr double secondsOfDay = 86400;
     const auto [handler, context] = theNow.Get();
-    if (!handler) return Host().Timer();
+    if (!handler) return TheMachine().Timer();
     const double days = handler(context);
     return static_cast<float>(std::abs(days - std::trunc(days)) * secondsOfDay);
 }
 
-/// Lets the host's services ask the handlers, from the first handler on.
-void InstallHandlers() {
-    static std::once_flag installed;
-    std::call_once(installed, [] {
-        Host& host = TheHost();
-        host.MsgBox = CallMsgBox;
-        host.DoEvents = CallDoEvents;
-        host.Now = CallNow;
-        host.Timer = CallTimer;
-    });
-}
-
-template <class Function>
-HRESULT Install(Handler<Function>& handler, Function function, void* context) noexcept {
-    return Guarded([&]() -> HRESULT {
-        InstallHandlers();
-        handler.Set(function, context);
-        return S_OK;
-    });
-}
+/// Lets the host's services ask the handlers from the start, so that a handler may come at any time.
+[[maybe_unused]] const bool handlersAreAsked = [] {
+    Host& host = TheHost();
+    host.MsgBox = CallMsgBox;
+    host.DoEvents = CallDoEvents;
+    host.Now = CallNow;
+    host.Timer = CallTimer;
+    return true;
+}();
 
 }  // namespace
 
-HRESULT OxSetMsgBox(OxMsgBoxHandler handler, void* context) { return Install(theMsgBox, handler, context); }
-
-HRESULT OxSetDoEvents(OxDoEventsHandler handler, void* context) {
-    return Install(theDoEvents, handler, context);
+HRESULT OxSetMsgBox(OxMsgBoxHandler handler, void* context) {
+    return Doing([&] { theMsgBox.Set(handler, context); });
 }
 
-HRESULT OxSetNow(OxNowHandler handler, void* context) { return Install(theNow, handler, context); }
+HRESULT OxSetDoEvents(OxDoEventsHandler handler, void* context) {
+    return Doing([&] { theDoEvents.Set(handler, context); });
+}
+
+HRESULT OxSetNow(OxNowHandler handler, void* context) {
+    return Doing([&] { theNow.Set(handler, context); });
+}
 
 // ---- connections ------------------------------------------------------------------------------------
 
@@ -223,34 +236,36 @@ private:
 };
 
 ADODB::Connection& ConnectionOf(IUnknown* pointer) {
-    Object* own = pointer ? Boundary::Own(pointer) : nullptr;
-    auto* connection = dynamic_cast<ADODB::Connection*>(own);
-    if (!connection) throw Error(E_NOINTERFACE, "ADODB.Connection", "The object is no ADODB.Connection");
+    auto* connection = dynamic_cast<ADODB::Connection*>(pointer ? Boundary::Own(pointer) : nullptr);
+    if (!connection) Fail(E_NOINTERFACE, "The object is no ADODB.Connection");
+    if (!Boundary::IsAtHome(*reinterpret_cast<Face*>(pointer)))
+        Fail(RPC_E_WRONG_THREAD, "A connection is used only on the thread that made it");
     return *connection;
+}
+
+ClientEvents& EventsOf(const ADODB::Connection& connection, ULONG cookie) {
+    for (ADODB::ConnectionEvents* handler : connection.Handlers())
+        if (auto* events = dynamic_cast<ClientEvents*>(handler); events && events->Cookie == cookie)
+            return *events;
+    Fail(E_INVALIDARG, "The connection has no events of this cookie");
 }
 
 }  // namespace
 
 HRESULT OxAdvise(IUnknown* connection, const OxConnectionEvents* events, void* context, ULONG* cookie) {
-    return Guarded([&]() -> HRESULT {
+    return Doing([&] {
         static std::atomic<ULONG> last = 0;
-        if (!events || !cookie) return E_POINTER;
+        ULONG& result = Cleared(cookie);
+        if (!events) Fail(E_POINTER, "The events are missing");
         ADODB::Connection& target = ConnectionOf(connection);
-        *cookie = ++last;
-        target.Advise(std::make_unique<ClientEvents>(*events, context, *cookie));
-        return S_OK;
+        result = ++last;
+        target.Advise(std::make_unique<ClientEvents>(*events, context, result));
     });
 }
 
 HRESULT OxUnadvise(IUnknown* connection, ULONG cookie) {
-    return Guarded([&]() -> HRESULT {
+    return Doing([&] {
         ADODB::Connection& target = ConnectionOf(connection);
-        for (ADODB::ConnectionEvents* handler : target.Handlers()) {
-            auto* events = dynamic_cast<ClientEvents*>(handler);
-            if (!events || events->Cookie != cookie) continue;
-            target.Unadvise(*events);
-            return S_OK;
-        }
-        return E_INVALIDARG;
+        target.Unadvise(EventsOf(target, cookie));
     });
 }

@@ -41,13 +41,15 @@ STDAPI OxClasses(BSTR* json);
  *     "arguments": [{"name": "Value", "type": "text", "byReference": false, "comesBack": false,
  *                    "optional": false}], "result": "none"}, ...]}
  *
- * "byReference" arguments cross as the place of their value, but for the object of a putref, which crosses itself.
- * "kind" is operation, get, put or putref; "type" and "result" are none, boolean, short, long, single,
- * double, date, text, variant, object or enumeration, and the last two have their name in "of" (in "resultOf"
- * for a result). E_NOINTERFACE for an object of somebody else. */
+ * "byReference" arguments cross as the place of their value, but for the object of a putref, which crosses
+ * itself. "kind" is operation, get, put or putref; "type" and "result" are none, boolean, short, long,
+ * single, double, date, text, variant, object or enumeration, and the last two have their name in "of" (in
+ * "resultOf" for a result). E_NOINTERFACE for an object of somebody else. */
 STDAPI OxDescribe(IUnknown* object, BSTR* json);
 
 /* ---- services of the host ------------------------------------------------------------------------ */
+
+/* A handler may be set at any time, on any thread. One that is replaced may still be running on another thread. */
 
 /* What a text box does: called with its text (the callee doesn't free it) and its buttons; the box counts as
  * dismissed when it returns. Null brings back the own one, which writes to standard error. All threads' boxes
@@ -75,12 +77,13 @@ typedef struct OxConnectionEvents {
      * where it didn't, else the number as a return code, source and text. */
     void (*ExecuteComplete)(void* context, BSTR source, LONGLONG records, DOUBLE seconds, HRESULT failure,
                             BSTR failureSource, BSTR failureDescription);
-    /* The connection lets go of the events: it ended, or OxUnadvise took them out. The last call. */
+    /* The connection lets go of the events: it ended, or OxUnadvise took them out. The last call; the connection
+     * may not be used in it. */
     void (*Released)(void* context);
 } OxConnectionEvents;
 
-/* Adds events to an ADODB.Connection, which copies the functions and holds them until it ends; the connection
- * is not kept alive. `cookie` names them for OxUnadvise. E_NOINTERFACE for another object; E_INVALIDARG for a
- * cookie that names nothing. */
+/* Adds events to an ADODB.Connection, which copies the functions and holds them until it ends; the connection is
+ * not kept alive. `cookie` names them for OxUnadvise. E_NOINTERFACE for another object, RPC_E_WRONG_THREAD on another
+ * thread than the connection's, E_INVALIDARG for a cookie that names nothing. */
 STDAPI OxAdvise(IUnknown* connection, const OxConnectionEvents* events, void* context, ULONG* cookie);
 STDAPI OxUnadvise(IUnknown* connection, ULONG cookie);

@@ -82,7 +82,7 @@ void cSerie::Delete(const Ref<Connection>& Con) {
 }
 
 const Interface& cSerie::Describe() const {
-    static const Interface self = InterfaceOf<cSerie>({
+    static const Interface& self = InterfaceOf<cSerie>({
         Property<&cSerie::SeriesDateTime>("SeriesDateTime"),
         Property<&cSerie::SeriesDerived>("SeriesDerived"),
         Property<&cSerie::SeriesDescription>("SeriesDescription"),

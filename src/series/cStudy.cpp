@@ -82,7 +82,7 @@ void cStudy::Delete(const Ref<Connection>& Con) {
 }
 
 const Interface& cStudy::Describe() const {
-    static const Interface self = InterfaceOf<cStudy>({
+    static const Interface& self = InterfaceOf<cStudy>({
         PropertyGetFirst<&cStudy::Key>("Key", PutForm::ByReference),
         Property<&cStudy::location>("location"),
         Operation<&cStudy::loadStudy>("loadStudy", {"Study", "Con"}),

@@ -24,7 +24,7 @@ void cMWLItem::AddOtherPID(String& NewPID) {
 
 const Interface& cMWLItem::Describe() const {
     using Self = cMWLItem;
-    static const Interface self = InterfaceOf<Self>({
+    static const Interface& self = InterfaceOf<Self>({
         Property<&Self::Key>("Key"),
         Property<&Self::DS_URL>("DS_URL"),
         Property<&Self::PatientWeight>("PatientWeight"),

@@ -203,6 +203,9 @@ TEST(Invoke, WrongCallsGetTheStandardCodes) {
     const Dispatch patient = Create("OXClass.cPatient");
     EXPECT_EQ(Invoke(patient.Get(), "ID", DISPATCH_PROPERTYPUT, {3e9}).Code, DISP_E_OVERFLOW);
     EXPECT_EQ(Invoke(patient.Get(), "Save", DISPATCH_METHOD, {"no connection"}).Code, DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(Record(), "Runtime: Type mismatch");
+    EXPECT_EQ(Invoke(patient.Get(), "ID", DISPATCH_PROPERTYPUT, {patient}).Code, DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(Record(), "Runtime: Type mismatch");
     EXPECT_EQ(Get(patient, "ID").Long(), 0);
 }
 

@@ -1,7 +1,9 @@
 #include "boundary/Client.h"
+#include "kit/Database.h"
 
 #include <filesystem>
 #include <map>
+#include <thread>
 
 /// The plain entries of the host: services, events, descriptions.
 namespace {
@@ -127,6 +129,35 @@ TEST(Events, WrongCallsGetTheStandardCodes) {
     Call(connection, "Execute", {"CREATE TABLE t (a)"});
 }
 
+TEST(Events, AnotherThreadIsRefused) {
+    Told told;
+    ULONG cookie = 0;
+    const Dispatch connection = Create("ADODB.Connection");
+    std::thread([&] {
+        EXPECT_EQ(OxAdvise(connection.Get(), &Telling, &told, &cookie), RPC_E_WRONG_THREAD);
+        EXPECT_EQ(OxUnadvise(connection.Get(), 1), RPC_E_WRONG_THREAD);
+    }).join();
+}
+
+// ---- error records ----------------------------------------------------------------------------------
+
+TEST(Entries, EachFailureHasItsOwnRecord) {
+    BSTR json = nullptr;
+    Dispatch object;
+    CreateCode("OXClass.cNobody");
+    EXPECT_EQ(OxDescribe(nullptr, &json), E_POINTER);
+    EXPECT_EQ(Record(), "Runtime: The object is missing");
+    CreateCode("OXClass.cNobody");
+    EXPECT_EQ(OxCreateObject(u"Collection", nullptr), E_POINTER);
+    EXPECT_EQ(Record(), "Runtime: The place of the result is missing");
+    CreateCode("OXClass.cNobody");
+    EXPECT_EQ(OxUnadvise(Create("ADODB.Connection").Get(), 12345), E_INVALIDARG);
+    EXPECT_EQ(Record(), "Runtime: The connection has no events of this cookie");
+    CreateCode("OXClass.cNobody");
+    EXPECT_EQ(OxCreateObject(u"Collection", object.Place()), S_OK);
+    EXPECT_EQ(Record(), "") << "a success leaves none";
+}
+
 // ---- descriptions -----------------------------------------------------------------------------------
 
 TEST(Describe, TellsMembersArgumentsAndResults) {
@@ -159,6 +190,17 @@ TEST(Classes, TellWhereEachComesFrom) {
     EXPECT_EQ(byName["OXClass.cPatient"]["library"], std::filesystem::canonical(LIBRARY).string());
     EXPECT_EQ(byName.count("ADODB.Connection"), 1U);
     EXPECT_EQ(OxClasses(nullptr), E_POINTER);
+}
+
+TEST(Classes, ALibraryThatIsInUseStays) {
+    ClassNames();
+    const TestKit::TemporaryFolder folder;
+    const std::filesystem::path copy = folder.Path() / "libOXClass.so";
+    std::filesystem::copy_file(LIBRARY, copy);
+    ASSERT_EQ(OxUseLibrary(copy.c_str()), S_OK) << Record();
+    BSTR text = nullptr;
+    ASSERT_EQ(OxClasses(&text), S_OK);
+    EXPECT_EQ(Taken(text).find(copy.string()), std::string::npos);
 }
 
 }  // namespace

@@ -34,8 +34,8 @@ TEST_F(Registration, MakesTheClassesKnownAndTakesThemOutAgain) {
 TEST_F(Registration, ADamagedFileIsToldAndStays) {
     std::filesystem::create_directories(File().parent_path());
     std::ofstream(File()) << "not a registry";
-    for (const auto& command : std::vector<std::vector<std::string>>{
-             {"register", LIBRARY}, {"unregister", LIBRARY}, {"classes"}}) {
+    for (const auto& command :
+         std::vector<std::vector<std::string>>{{"register", LIBRARY}, {"unregister", LIBRARY}, {"classes"}}) {
         const auto run = Try(command);
         EXPECT_EQ(run.code, 1);
         EXPECT_NE(run.err.find("is damaged"), std::string::npos) << run.err;
@@ -45,11 +45,32 @@ TEST_F(Registration, ADamagedFileIsToldAndStays) {
     EXPECT_EQ(text, "not a registry");
 }
 
+TEST_F(Registration, WhatIsGoneCanBeTakenOut) {
+    const auto copy = folder.Path() / "libOXClass.so";
+    std::filesystem::copy_file(LIBRARY, copy);
+    Ok({"register", copy.string()});
+    std::filesystem::remove(copy);
+    Ok({"unregister", copy.string()});
+    EXPECT_FALSE(std::filesystem::exists(File()));
+    const auto again = Try({"unregister", copy.string()});
+    EXPECT_EQ(again.code, 1);
+    EXPECT_NE(again.err.find("is not registered"), std::string::npos) << again.err;
+}
+
+TEST_F(Registration, AFileOfTheCurrentFolderIsNamedAlone) {
+    const auto before = std::filesystem::current_path();
+    std::filesystem::current_path(std::filesystem::path(LIBRARY).parent_path());
+    Ok({"register", "libOXClass.so"});
+    std::filesystem::current_path(before);
+    EXPECT_EQ(OkJson({"classes"})[0]["library"], std::filesystem::canonical(LIBRARY).string());
+}
+
 TEST_F(Registration, ALibraryThatIsNoneIsTold) {
     const auto missing = Try({"register", (folder.Path() / "nothing.so").string()});
     EXPECT_EQ(missing.code, 1);
     EXPECT_NE(missing.err.find("nothing.so"), std::string::npos) << missing.err;
-    const auto other = Try({"register", "libm.so.6"});
+    const auto host = std::filesystem::path(LIBRARY).parent_path() / "liboxplatform.so";
+    const auto other = Try({"register", host.string()});
     EXPECT_EQ(other.code, 1);
     EXPECT_NE(other.err.find("is no library of classes"), std::string::npos) << other.err;
     EXPECT_FALSE(std::filesystem::exists(File()));

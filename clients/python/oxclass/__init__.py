@@ -24,5 +24,6 @@ from ._events import OnMsgBox, Subscription, WithEvents
 from ._objects import Object
 from ._values import ByRef, Missing, Null
 
+__version__ = "1.30"
 __all__ = ["ByRef", "CreateObject", "Error", "Global", "Missing", "Null", "Object", "OnMsgBox", "Subscription",
-           "WithEvents"] + _documented
+           "WithEvents", "__version__"] + _documented

@@ -68,6 +68,7 @@ class Subscription:
 
 Null: typing.Any
 Missing: typing.Any
+__version__: str
 
 
 def OnMsgBox(handler: typing.Optional[typing.Callable[[str], typing.Any]]) -> None: ...

@@ -177,6 +177,11 @@ def _walk(walk: Member) -> Callable[[Object], Any]:
     return __iter__
 
 
+def _reversed(self: Object) -> Any:
+    """The members from the last to the first."""
+    return reversed(list(self))
+
+
 def _find(members: Iterable[Member], kinds: str, name: str = "", id: Optional[int] = None) -> Optional[Member]:
     for member in members:
         if member.kind in kinds.split() and (member.id == id if id is not None else member.name == name):
@@ -187,7 +192,7 @@ def _find(members: Iterable[Member], kinds: str, name: str = "", id: Optional[in
 def _protocols(members: List[Member]) -> Dict[str, Any]:
     """Calling, indexing, ``len`` and ``for``, as far as the members have them."""
     readable = "get operation"
-    found: Dict[str, Any] = {"__iter__": None}
+    found: Dict[str, Any] = {"__iter__": None, "__reversed__": None}
     default = _find(members, readable, id=binary.DISPID_VALUE)
     if default is not None:
         found["__call__"] = _default(default)
@@ -200,7 +205,7 @@ def _protocols(members: List[Member]) -> Dict[str, Any]:
     if count is not None and not count.arguments:
         found["__len__"] = _length(count)
     if walk is not None:
-        found["__iter__"] = _walk(walk)
+        found["__iter__"], found["__reversed__"] = _walk(walk), _reversed
     return found
 
 

@@ -5,6 +5,7 @@ import ctypes
 from ctypes import c_void_p
 from typing import Any
 
+from ._errors import CANNOT_CREATE, Error
 from ._library import library
 from ._objects import wrap_owned
 
@@ -12,8 +13,10 @@ from ._objects import wrap_owned
 def _made(make: Any, name: str) -> Any:
     if not isinstance(name, str):
         raise TypeError(f"the name of a class is a text such as 'OXClass.cPatient', not {name!r}")
+    if "\0" in name:
+        raise Error(CANNOT_CREATE, "oxclass", f"no class has a zero character in its name: {name!r}")
     functions, made = library(), c_void_p()
-    text = ctypes.create_string_buffer(name.split("\0")[0].encode("utf-16-le", "replace") + b"\0\0")
+    text = ctypes.create_string_buffer(name.encode("utf-16-le", "replace") + b"\0\0")
     functions.check(make(functions)(text, made))
     return wrap_owned(made.value)
 

@@ -13,6 +13,7 @@ OVERFLOW = 6
 TYPE_MISMATCH = 13
 LIBRARY_UNUSABLE = 48
 FILE_NOT_FOUND = 53
+CANNOT_CREATE = 429
 OBJECT_NOT_SET = 91
 NO_SUCH_MEMBER = 438
 
@@ -66,8 +67,6 @@ class Error(Exception):
 class MemberError(Error, AttributeError):
     """A name that an object doesn't have, or that can't be set: an ``Error`` with the number 438, and an
     ``AttributeError`` so that ``hasattr`` and ``getattr`` with a default work."""
-
-    __module__ = "oxclass"
 
 
 def number_of(code: int) -> int:

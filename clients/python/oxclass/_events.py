@@ -64,8 +64,8 @@ def WithEvents(connection: Any, handler: Any) -> Subscription:
         def WillExecute(self, source): ...
         def ExecuteComplete(self, source, records, seconds, error): ...
 
-    ``records`` is the number of rows that an action statement hit, -1 for a select; ``error`` is None or an
-    ``Error``. An exception in ``WillExecute`` cancels the statement, and whoever ran it gets that exception.
+    The connection keeps the handler: one that keeps the connection in turn lives until ``close``. ``records`` is
+    the number of rows that an action statement hit, -1 for a select; ``error`` is None or an ``Error``. An exception in ``WillExecute`` cancels the statement, and whoever ran it gets that exception.
     """
     if not isinstance(connection, Object):
         raise TypeError(f"the first argument is an ADODB.Connection, not {connection!r}")
@@ -138,9 +138,12 @@ class calling:
         cancelled, self._home.cancelled = self._home.cancelled, self._outer
         if cancelled is None:
             return
-        if isinstance(failure, Error):
-            raise cancelled from failure
-        _report(cancelled)
+        try:
+            if isinstance(failure, Error) or not isinstance(cancelled, Exception):
+                raise cancelled from failure
+            _report(cancelled)  # the operation swallowed its failure
+        finally:
+            cancelled = failure = traceback = None  # what they hold goes with the last who catches them
 
 
 def _report(exception: BaseException) -> None:

@@ -81,10 +81,10 @@ def wrap_owned(pointer: Optional[int], cls: Optional[type] = None) -> Any:
 
 
 class Iterator(Object):
-    """A walk over the members of a collection."""
+    """A walk over the members of a collection. Once at its end, it stays there."""
 
     __module__ = "oxclass"
-    __slots__ = ()
+    __slots__ = ("_at_end",)
     _variant_type = binary.VT_UNKNOWN
 
     def __iter__(self) -> Iterator:
@@ -93,10 +93,13 @@ class Iterator(Object):
     def __next__(self) -> Any:
         from ._values import take
 
+        if getattr(self, "_at_end", False):
+            raise StopIteration
         value, fetched = VARIANT(), c_uint32()
         code = binary.next_value(self._hold.here(), value, fetched)
         library().check(code)
         if not fetched.value:
+            object.__setattr__(self, "_at_end", True)
             raise StopIteration
         return take(value)
 

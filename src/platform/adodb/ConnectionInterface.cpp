@@ -26,7 +26,7 @@ Ref<ErrorsObject> ErrorsOf(Connection& connection) { return New<ErrorsObject>(co
 }  // namespace
 
 const Interface& Connection::Describe() const {
-    static const Interface self = InterfaceOf<Connection>({
+    static const Interface& self = InterfaceOf<Connection>({
         ValueProperty<&Connection::ConnectionString, &Connection::SetConnectionString>("ConnectionString",
                                                                                        DefaultMember),
         ValueProperty<&LocationOf, &PutLocation>("CursorLocation"),

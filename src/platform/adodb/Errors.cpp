@@ -14,7 +14,7 @@ Ref<Enumerator> ErrorsObject::NewEnum() const {
 }
 
 const Interface& ErrorObject::Describe() const {
-    static const Interface self = InterfaceOf<ErrorObject>({
+    static const Interface& self = InterfaceOf<ErrorObject>({
         ReadOnly<&ErrorObject::Number>("Number"),
         ReadOnly<&ErrorObject::Source>("Source"),
         ReadOnly<&ErrorObject::Description>("Description", {}, DefaultMember),
@@ -25,7 +25,7 @@ const Interface& ErrorObject::Describe() const {
 }
 
 const Interface& ErrorsObject::Describe() const {
-    static const Interface self = InterfaceOf<ErrorsObject>({
+    static const Interface& self = InterfaceOf<ErrorsObject>({
         ReadOnly<&ErrorsObject::Count>("Count"),
         ReadOnly<&ErrorsObject::Item>("Item", {"Index"}, DefaultMember),
         Operation<&ErrorsObject::Clear>("Clear"),

@@ -20,7 +20,7 @@ Ref<Enumerator> FieldsObject::NewEnum() const {
 }
 
 const Interface& FieldObject::Describe() const {
-    static const Interface self = InterfaceOf<FieldObject>({
+    static const Interface& self = InterfaceOf<FieldObject>({
         ReadOnly<&FieldObject::Name>("Name"),
         ReadOnly<&FieldObject::Type>("Type"),
         ReadOnly<&FieldObject::DefinedSize>("DefinedSize"),
@@ -31,7 +31,7 @@ const Interface& FieldObject::Describe() const {
 }
 
 const Interface& FieldsObject::Describe() const {
-    static const Interface self = InterfaceOf<FieldsObject>({
+    static const Interface& self = InterfaceOf<FieldsObject>({
         ReadOnly<&FieldsObject::Count>("Count"),
         ReadOnly<&FieldsObject::Item>("Item", {"Index"}, DefaultMember),
         Operation<&FieldsObject::NewEnum>("_NewEnum", {}, EnumeratorMember),

@@ -71,7 +71,7 @@ Platform::detail::Line CollectProperty() {
 }  // namespace
 
 const Interface& Recordset::Describe() const {
-    static const Interface self = InterfaceOf<Recordset>({
+    static const Interface& self = InterfaceOf<Recordset>({
         ValueProperty<&Recordset::Source, &Recordset::SetSource>("Source"),
         ActiveConnectionProperty(),
         ValueProperty<&Recordset::CursorType, &Recordset::SetCursorType>("CursorType"),

@@ -10,6 +10,7 @@
 #include <fstream>
 #include <mutex>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 namespace Platform::ClassRegistry {
 namespace {
@@ -29,7 +30,7 @@ struct Here {
     std::vector<LibraryRecord> libraries;
 };
 Here& OfThisProcess() {
-    static Here here;
+    static Here& here = *new Here;  // for calls until the process is gone
     return here;
 }
 thread_local bool enteringHere = false;
@@ -44,12 +45,22 @@ void Put(std::vector<LibraryRecord>& libraries, const LibraryRecord& library) {
 
 // ---- the file ---------------------------------------------------------------------------------------
 
+String TextOfFile(const std::filesystem::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    in.exceptions(std::ios::badbit | std::ios::failbit);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
 std::vector<LibraryRecord> ReadFile(const std::filesystem::path& file) {
     std::error_code failed;
     if (!std::filesystem::exists(file, failed)) return {};
-    std::ifstream in(file, std::ios::binary);
-    const String text{std::istreambuf_iterator<char>(in), {}};
-    if (!in) Refuse(file, "can't be read");
+    String text;
+    try {
+        text = TextOfFile(file);
+    } catch (const std::ios::failure&) {
+        if (!std::filesystem::exists(file, failed)) return {};  // removed meanwhile
+        Refuse(file, "can't be read");
+    }
     try {
         return Parse(text);
     } catch (const Error& failure) {
@@ -60,12 +71,15 @@ std::vector<LibraryRecord> ReadFile(const std::filesystem::path& file) {
 /// Changes the libraries of the file while no other process does.
 template <class Change>
 void ChangeFile(Change change) {
-    const std::filesystem::path file = File();
     std::error_code failed;
+    std::filesystem::path file = File();
+    if (std::filesystem::is_symlink(file, failed)) file = std::filesystem::canonical(file, failed);
     std::filesystem::create_directories(file.parent_path(), failed);
     const FolderLock lock(file.parent_path());
-    std::vector<LibraryRecord> libraries = ReadFile(file);
+    const std::vector<LibraryRecord> before = ReadFile(file);
+    std::vector<LibraryRecord> libraries = before;
     change(libraries);
+    if (libraries == before) return;
     if (!libraries.empty()) {
         if (!WriteWhole(file, Print(libraries))) Refuse(file, "can't be written");
     } else if (std::filesystem::remove(file, failed); failed) {
@@ -83,8 +97,11 @@ const ClassRecord* FindIn(const std::vector<LibraryRecord>& libraries, const Str
 }  // namespace
 
 std::filesystem::path File() {
-    if (const char* named = std::getenv("OXCLASS_REGISTRY"); named && *named)
-        return std::filesystem::absolute(named);
+    if (const char* named = std::getenv("OXCLASS_REGISTRY"); named && *named) {
+        std::error_code failed;
+        const std::filesystem::path file = std::filesystem::absolute(named, failed);
+        return failed ? named : file;
+    }
     if (const char* data = std::getenv("XDG_DATA_HOME"); data && *data == '/')
         return std::filesystem::path(data) / "oxclass" / "classes.json";
     const char* home = std::getenv("HOME");
@@ -93,22 +110,42 @@ std::filesystem::path File() {
 }
 
 void Enter(const LibraryRecord& library) {
+    for (const ClassRecord& entry : library.Classes)
+        if (FromUtf16(ToUtf16(entry.Library)) != entry.Library)
+            throw Error(
+                err::PathFileAccess, "Runtime",
+                "The library's path is no UTF-8 text and can't be registered. Move it to another folder");
     if (!enteringHere) return ChangeFile([&](auto& libraries) { Put(libraries, library); });
     Here& here = OfThisProcess();
     const std::scoped_lock lock(here.guard);
-    Put(here.libraries, library);
+    const auto known = std::ranges::find(here.libraries, library.Identifier, &LibraryRecord::Identifier);
+    if (known == here.libraries.end()) here.libraries.push_back(library);
 }
 
 void Remove(const String& identifier) {
+    std::error_code failed;
+    if (!std::filesystem::exists(File(), failed)) return;
     ChangeFile([&](auto& libraries) {
         std::erase_if(libraries,
                       [&](const LibraryRecord& library) { return library.Identifier == identifier; });
     });
 }
 
-EnteringHere::EnteringHere() { enteringHere = true; }
+bool RemoveFile(const String& path) {
+    const auto isFrom = [&](const LibraryRecord& library) {
+        return std::ranges::any_of(library.Classes,
+                                   [&](const ClassRecord& entry) { return entry.Library == path; });
+    };
+    std::size_t removed = 0;
+    std::error_code failed;
+    if (std::filesystem::exists(File(), failed))
+        ChangeFile([&](auto& libraries) { removed = std::erase_if(libraries, isFrom); });
+    return removed > 0;
+}
 
-EnteringHere::~EnteringHere() { enteringHere = false; }
+EnteringHere::EnteringHere() : before_(std::exchange(enteringHere, true)) {}
+
+EnteringHere::~EnteringHere() { enteringHere = before_; }
 
 std::optional<ClassRecord> Find(const String& name) {
     Here& here = OfThisProcess();
@@ -144,10 +181,25 @@ std::vector<ClassRecord> All() {
 
 namespace {
 
+[[noreturn]] void RefuseText(const String& reason) { throw Error(err::PathFileAccess, "Runtime", reason); }
+
 String Identifier(const Json& json) {
     String text = json.at("identifier").get<String>();
-    if (!IsGuid(text)) throw Error(err::PathFileAccess, "Runtime", "\"" + text + "\" is no identifier");
+    if (!IsGuid(text)) RefuseText("\"" + text + "\" is no identifier");
     return text;
+}
+
+std::uint32_t Locale(const Json& json) {
+    const Json& locale = json.at("locale");
+    if (!locale.is_number_unsigned() || locale.get<std::uint64_t>() > UINT32_MAX)
+        RefuseText(locale.dump() + " is no locale");
+    return locale.get<std::uint32_t>();
+}
+
+const Json& List(const Json& json, const char* name) {
+    const Json& list = json.at(name);
+    if (!list.is_array()) RefuseText(String(name) + " is no list");
+    return list;
 }
 
 ClassRecord ClassFrom(const Json& json) {
@@ -157,22 +209,32 @@ ClassRecord ClassFrom(const Json& json) {
 
 LibraryRecord LibraryFrom(const Json& json) {
     LibraryRecord library{json.at("name").get<String>(),    Identifier(json),
-                          json.at("version").get<String>(), json.at("locale").get<std::uint32_t>(),
+                          json.at("version").get<String>(), Locale(json),
                           json.at("help").get<String>(),    {}};
-    for (const Json& found : json.at("classes")) library.Classes.push_back(ClassFrom(found));
+    for (const Json& found : List(json, "classes")) library.Classes.push_back(ClassFrom(found));
     return library;
 }
 
+Json JsonOf(const std::vector<ClassRecord>& classes) {
+    Json list = Json::array();
+    for (const ClassRecord& found : classes)
+        list.push_back({{"name", found.Name},
+                        {"identifier", found.Identifier},
+                        {"library", found.Library},
+                        {"threading", found.Threading},
+                        {"instancing", found.Instancing}});
+    return list;
+}
+
 Json JsonOf(const LibraryRecord& library) {
-    Json classes = Json::array();
-    for (const ClassRecord& found : library.Classes)
-        classes.push_back({{"name", found.Name},
-                           {"identifier", found.Identifier},
-                           {"library", found.Library},
-                           {"threading", found.Threading},
-                           {"instancing", found.Instancing}});
-    return {{"name", library.Name},     {"identifier", library.Identifier}, {"version", library.Version},
-            {"locale", library.Locale}, {"help", library.HelpText},         {"classes", std::move(classes)}};
+    return {{"name", library.Name},       {"identifier", library.Identifier},
+            {"version", library.Version}, {"locale", library.Locale},
+            {"help", library.HelpText},   {"classes", JsonOf(library.Classes)}};
+}
+
+/// The text, whatever the texts in it hold.
+String TextOf(const Json& json, int indent) {
+    return json.dump(indent, ' ', false, Json::error_handler_t::replace);
 }
 
 }  // namespace
@@ -181,9 +243,9 @@ std::vector<LibraryRecord> Parse(const String& text) {
     std::vector<LibraryRecord> libraries;
     try {
         const Json document = Json::parse(text);
-        for (const Json& library : document.at("libraries")) libraries.push_back(LibraryFrom(library));
+        for (const Json& library : List(document, "libraries")) libraries.push_back(LibraryFrom(library));
     } catch (const Json::exception& failure) {
-        throw Error(err::PathFileAccess, "Runtime", failure.what());
+        RefuseText(failure.what());
     }
     return libraries;
 }
@@ -192,7 +254,9 @@ String Print(const std::vector<LibraryRecord>& libraries) {
     Json list = Json::array();
     for (const LibraryRecord& library : libraries) list.push_back(JsonOf(library));
     const Json document{{"libraries", std::move(list)}};
-    return document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+    return TextOf(document, 2) + "\n";
 }
+
+String PrintClasses(const std::vector<ClassRecord>& classes) { return TextOf(JsonOf(classes), -1); }
 
 }  // namespace Platform::ClassRegistry

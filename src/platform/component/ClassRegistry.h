@@ -40,14 +40,19 @@ struct LibraryRecord {
 /// The registry file's path.
 std::filesystem::path File();
 
-/// Enters a library, in place of what stands there under its identifier. On a thread that has an
-/// `EnteringHere`, only this process learns of it; otherwise the file is written. Raises 75 with the reason
-/// where the file can't be read or written, or is no registry file; it stays as it was.
+/// Enters a library into the file, in place of what stands there under its identifier. On a thread that has
+/// an `EnteringHere`, only this process learns of it, and a library that it knows already stays. Raises 75
+/// with the reason where the file can't be read or written, or is no registry file, or where the library's
+/// path is no UTF-8; the file stays as it was.
 void Enter(const LibraryRecord& library);
 
 /// Removes a library, and the file with the last one. Without such a library nothing happens. Raises as
 /// `Enter`.
 void Remove(const String& identifier);
+
+/// Removes what was entered from a library file of this path, which may be gone, as `Remove`. False if there
+/// was nothing.
+bool RemoveFile(const String& path);
 
 /// As long as it lives, libraries that its thread enters are entered for this process alone.
 class EnteringHere {
@@ -55,6 +60,9 @@ public:
     EnteringHere();
     ~EnteringHere();
     EnteringHere(const EnteringHere&) = delete;
+
+private:
+    bool before_;
 };
 
 /// The class of this name, without regard to case: of the libraries that this process took in, else of the
@@ -66,6 +74,9 @@ std::vector<ClassRecord> All();
 
 /// The libraries of a registry file's text. Raises 75 with a description for a text that is none.
 std::vector<LibraryRecord> Parse(const String& text);
+
+/// A list of classes as JSON text.
+String PrintClasses(const std::vector<ClassRecord>& classes);
 
 /// The text of a registry file.
 String Print(const std::vector<LibraryRecord>& libraries);

@@ -230,6 +230,7 @@ SAFEARRAY* SafeArrayCreateVector(VARTYPE type, LONG lowerBound, ULONG count) {
 
 HRESULT SafeArrayDestroy(SAFEARRAY* array) {
     if (!array) return S_OK;
+    if (!(array->fFeatures & FADF_HAVEVARTYPE)) return E_INVALIDARG;
     if (array->cLocks > 0) return DISP_E_ARRAYISLOCKED;
     FreeElements(*array);
     std::free(array->pvData);
@@ -240,9 +241,9 @@ HRESULT SafeArrayDestroy(SAFEARRAY* array) {
 HRESULT SafeArrayCopy(SAFEARRAY* array, SAFEARRAY** copy) {
     if (!copy) return E_INVALIDARG;
     *copy = nullptr;
-    if (!array) return E_INVALIDARG;
-    SAFEARRAY* made = SafeArrayCreateVector(static_cast<VARTYPE>(WithType(array)->type),
-                                            array->rgsabound[0].lLbound, CountOf(*array));
+    VARTYPE type = VT_EMPTY;
+    if (SafeArrayGetDim(array) != 1 || FAILED(SafeArrayGetVartype(array, &type))) return E_INVALIDARG;
+    SAFEARRAY* made = SafeArrayCreateVector(type, array->rgsabound[0].lLbound, CountOf(*array));
     if (!made) return E_OUTOFMEMORY;
     if (array->fFeatures & (FADF_BSTR | FADF_VARIANT | FADF_UNKNOWN | FADF_DISPATCH)) {
         for (ULONG i = 0; i < CountOf(*array); ++i)
@@ -288,7 +289,18 @@ HRESULT SafeArrayGetUBound(SAFEARRAY* array, UINT dimension, LONG* bound) {
 
 HRESULT SafeArrayGetVartype(SAFEARRAY* array, VARTYPE* type) {
     if (!array || !type) return E_INVALIDARG;
-    *type = static_cast<VARTYPE>(WithType(array)->type);
+    if (array->fFeatures & FADF_HAVEVARTYPE)
+        *type = static_cast<VARTYPE>(WithType(array)->type);
+    else if (array->fFeatures & FADF_BSTR)
+        *type = VT_BSTR;
+    else if (array->fFeatures & FADF_VARIANT)
+        *type = VT_VARIANT;
+    else if (array->fFeatures & FADF_DISPATCH)
+        *type = VT_DISPATCH;
+    else if (array->fFeatures & FADF_UNKNOWN)
+        *type = VT_UNKNOWN;
+    else
+        return E_INVALIDARG;
     return S_OK;
 }
 
@@ -296,26 +308,33 @@ HRESULT SafeArrayGetVartype(SAFEARRAY* array, VARTYPE* type) {
 
 namespace {
 
-/// A thread's error record, released when the thread ends.
-struct ThreadRecord {
-    IErrorInfo* record = nullptr;
-    ~ThreadRecord() {
-        if (record) record->Release();
+/// A thread's error record. Plain data, which stays readable while the thread's other data end.
+thread_local IErrorInfo* theRecord = nullptr;
+thread_local bool isEnding = false;
+
+/// Lets a thread's record go with the thread.
+struct RecordEnd {
+    ~RecordEnd() {
+        isEnding = true;
+        SetErrorInfo(0, nullptr);
     }
 };
-thread_local ThreadRecord theRecord;
 
 }  // namespace
 
 HRESULT SetErrorInfo(ULONG, IErrorInfo* record) {
-    if (record) record->AddRef();
-    if (IErrorInfo* old = std::exchange(theRecord.record, record)) old->Release();
+    if (record) {
+        if (isEnding) return S_OK;  // nobody would release it
+        thread_local const RecordEnd end;
+        record->AddRef();
+    }
+    if (IErrorInfo* old = std::exchange(theRecord, record)) old->Release();
     return S_OK;
 }
 
 HRESULT GetErrorInfo(ULONG, IErrorInfo** record) {
     if (!record) return E_INVALIDARG;
-    *record = std::exchange(theRecord.record, nullptr);
+    *record = std::exchange(theRecord, nullptr);
     return *record ? S_OK : S_FALSE;
 }
 

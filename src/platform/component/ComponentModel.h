@@ -95,7 +95,7 @@ typedef const GUID* REFGUID;
 #ifdef __cplusplus
 #define EXTERN_C extern "C"
 #else
-#define EXTERN_C
+#define EXTERN_C extern
 #endif
 #define STDAPI EXTERN_C __attribute__((visibility("default"))) HRESULT STDAPICALLTYPE
 #define STDAPI_(type) EXTERN_C __attribute__((visibility("default"))) type STDAPICALLTYPE
@@ -338,29 +338,88 @@ struct ICreateErrorInfo : IUnknown {
 
 #else
 
+typedef struct IClassFactory IClassFactory;
+typedef struct IEnumVARIANT IEnumVARIANT;
+typedef struct ISupportErrorInfo ISupportErrorInfo;
 typedef struct IErrorInfo IErrorInfo;
 typedef struct ICreateErrorInfo ICreateErrorInfo;
 
+/* The first three functions of every interface. */
+#define OX_UNKNOWN_FUNCTIONS(type)                                \
+    HRESULT (*QueryInterface)(type*, REFIID riid, void** object); \
+    ULONG (*AddRef)(type*);                                       \
+    ULONG (*Release)(type*)
+
 typedef struct IUnknownVtbl {
-    HRESULT (*QueryInterface)(IUnknown*, REFIID, void**);
-    ULONG (*AddRef)(IUnknown*);
-    ULONG (*Release)(IUnknown*);
+    OX_UNKNOWN_FUNCTIONS(IUnknown);
 } IUnknownVtbl;
 struct IUnknown {
     const IUnknownVtbl* lpVtbl;
 };
 
 typedef struct IDispatchVtbl {
-    HRESULT (*QueryInterface)(IDispatch*, REFIID, void**);
-    ULONG (*AddRef)(IDispatch*);
-    ULONG (*Release)(IDispatch*);
-    HRESULT (*GetTypeInfoCount)(IDispatch*, UINT*);
-    HRESULT (*GetTypeInfo)(IDispatch*, UINT, LCID, ITypeInfo**);
-    HRESULT (*GetIDsOfNames)(IDispatch*, REFIID, LPOLESTR*, UINT, LCID, DISPID*);
-    HRESULT (*Invoke)(IDispatch*, DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*);
+    OX_UNKNOWN_FUNCTIONS(IDispatch);
+    HRESULT (*GetTypeInfoCount)(IDispatch*, UINT* count);
+    HRESULT (*GetTypeInfo)(IDispatch*, UINT which, LCID lcid, ITypeInfo** info);
+    HRESULT (*GetIDsOfNames)(IDispatch*, REFIID riid, LPOLESTR* names, UINT count, LCID lcid, DISPID* ids);
+    HRESULT (*Invoke)
+    (IDispatch*, DISPID id, REFIID riid, LCID lcid, WORD flags, DISPPARAMS* parameters, VARIANT* result,
+     EXCEPINFO* failure, UINT* wrongArgument);
 } IDispatchVtbl;
 struct IDispatch {
     const IDispatchVtbl* lpVtbl;
+};
+
+typedef struct IClassFactoryVtbl {
+    OX_UNKNOWN_FUNCTIONS(IClassFactory);
+    HRESULT (*CreateInstance)(IClassFactory*, IUnknown* outer, REFIID riid, void** object);
+    HRESULT (*LockServer)(IClassFactory*, BOOL lock);
+} IClassFactoryVtbl;
+struct IClassFactory {
+    const IClassFactoryVtbl* lpVtbl;
+};
+
+typedef struct IEnumVARIANTVtbl {
+    OX_UNKNOWN_FUNCTIONS(IEnumVARIANT);
+    HRESULT (*Next)(IEnumVARIANT*, ULONG count, VARIANT* values, ULONG* fetched);
+    HRESULT (*Skip)(IEnumVARIANT*, ULONG count);
+    HRESULT (*Reset)(IEnumVARIANT*);
+    HRESULT (*Clone)(IEnumVARIANT*, IEnumVARIANT** copy);
+} IEnumVARIANTVtbl;
+struct IEnumVARIANT {
+    const IEnumVARIANTVtbl* lpVtbl;
+};
+
+typedef struct ISupportErrorInfoVtbl {
+    OX_UNKNOWN_FUNCTIONS(ISupportErrorInfo);
+    HRESULT (*InterfaceSupportsErrorInfo)(ISupportErrorInfo*, REFIID riid);
+} ISupportErrorInfoVtbl;
+struct ISupportErrorInfo {
+    const ISupportErrorInfoVtbl* lpVtbl;
+};
+
+typedef struct IErrorInfoVtbl {
+    OX_UNKNOWN_FUNCTIONS(IErrorInfo);
+    HRESULT (*GetGUID)(IErrorInfo*, GUID* guid);
+    HRESULT (*GetSource)(IErrorInfo*, BSTR* source);
+    HRESULT (*GetDescription)(IErrorInfo*, BSTR* description);
+    HRESULT (*GetHelpFile)(IErrorInfo*, BSTR* file);
+    HRESULT (*GetHelpContext)(IErrorInfo*, DWORD* context);
+} IErrorInfoVtbl;
+struct IErrorInfo {
+    const IErrorInfoVtbl* lpVtbl;
+};
+
+typedef struct ICreateErrorInfoVtbl {
+    OX_UNKNOWN_FUNCTIONS(ICreateErrorInfo);
+    HRESULT (*SetGUID)(ICreateErrorInfo*, REFGUID guid);
+    HRESULT (*SetSource)(ICreateErrorInfo*, LPOLESTR source);
+    HRESULT (*SetDescription)(ICreateErrorInfo*, LPOLESTR description);
+    HRESULT (*SetHelpFile)(ICreateErrorInfo*, LPOLESTR file);
+    HRESULT (*SetHelpContext)(ICreateErrorInfo*, DWORD context);
+} ICreateErrorInfoVtbl;
+struct ICreateErrorInfo {
+    const ICreateErrorInfoVtbl* lpVtbl;
 };
 
 #endif
@@ -399,8 +458,10 @@ STDAPI VariantCopy(VARIANTARG* to, const VARIANTARG* from);
 
 /* An array of one dimension whose elements are zero. Null for a type that can't be an element. */
 STDAPI_(SAFEARRAY*) SafeArrayCreateVector(VARTYPE type, LONG lowerBound, ULONG count);
-/* Frees the array with its elements; DISP_E_ARRAYISLOCKED while somebody works on its data. */
+/* Frees the array with its elements; DISP_E_ARRAYISLOCKED while somebody works on its data, E_INVALIDARG for
+ * an array that its owner described himself (without FADF_HAVEVARTYPE). */
 STDAPI SafeArrayDestroy(SAFEARRAY* array);
+/* A copy of an array of one dimension, with its elements. */
 STDAPI SafeArrayCopy(SAFEARRAY* array, SAFEARRAY** copy);
 STDAPI SafeArrayAccessData(SAFEARRAY* array, void** data);
 STDAPI SafeArrayUnaccessData(SAFEARRAY* array);

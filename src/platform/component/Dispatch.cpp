@@ -102,6 +102,7 @@ DISPID IdOfArgument(const Member& member, const String& name) {
 HRESULT STDMETHODCALLTYPE GetIDsOfNames(Face* self, REFIID riid, LPOLESTR* names, UINT count, LCID,
                                         DISPID* ids) noexcept {
     return Guarded([&]() -> HRESULT {
+        SetErrorInfo(0, nullptr);
         if (!Same(riid, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
         if (!names || !ids) return E_POINTER;
         if (count == 0) return E_INVALIDARG;

@@ -35,7 +35,7 @@ const Member* FirstOf(const Members& members, Matches matches) {
 Object::~Object() = default;
 
 const Interface& Object::Describe() const {
-    static const Interface none("Object", std::vector<Member>());
+    static const Interface& none = *new Interface("Object", std::vector<Member>());
     return none;
 }
 
@@ -45,12 +45,13 @@ void Object::Begin() const noexcept {
 
 void Object::End() const noexcept {
     Library* owner = Describe().Owner();
+    references_ = 1;  // what is called while it ends may hold it for that time
     delete this;
     if (owner) owner->ObjectEnded();
 }
 
 const Interface& Collection::Describe() const {
-    static const Interface self = InterfaceOf<Collection>({
+    static const Interface& self = InterfaceOf<Collection>({
         Operation<&Collection::Item>("Item", {"Index"}, DefaultMember),
         Operation<&Collection::Add>("Add", {"Item", Optional("Key"), Optional("Before"), Optional("After")}),
         Operation<&Collection::Count>("Count"),
@@ -61,7 +62,8 @@ const Interface& Collection::Describe() const {
 }
 
 const Interface& Enumerator::Describe() const {
-    static const Interface self("Enumerator", IID_IEnumVARIANT, typeid(IEnumVARIANT), EnumeratorSlots());
+    static const Interface& self =
+        *new Interface("Enumerator", IID_IEnumVARIANT, typeid(IEnumVARIANT), EnumeratorSlots());
     return self;
 }
 

@@ -16,7 +16,7 @@
 /// A class ends its source with its table:
 ///
 ///     const Interface& cTooth::Describe() const {
-///         static const Interface self = InterfaceOf<cTooth>({
+///         static const Interface& self = InterfaceOf<cTooth>({
 ///             Property<&cTooth::TNumber>("TNumber"),
 ///             Property<&cTooth::Selected>("Selected"),
 ///         });
@@ -457,13 +457,14 @@ detail::Line ObjectProperty(const char* name) {
     return {{detail::GetMember<GetFunction, Value>(name), detail::PutMember<PutFunction, Value>(name)}};
 }
 
-/// The table of class `C` from its lines.
+/// The table of class `C` from its lines. It is never destroyed, so that an object may be called until the
+/// process is gone.
 template <class C>
-Interface InterfaceOf(std::initializer_list<detail::Line> lines) {
+const Interface& InterfaceOf(std::initializer_list<detail::Line> lines) {
     std::vector<Member> members;
     for (const detail::Line& line : lines)
         members.insert(members.end(), line.members.begin(), line.members.end());
-    return {C::ClassName, std::move(members)};
+    return *new Interface(C::ClassName, std::move(members));
 }
 
 }  // namespace Platform

@@ -6,8 +6,6 @@
 #include "platform/component/LibraryFile.h"
 #include "platform/component/ReturnCode.h"
 
-#include <new>
-
 namespace Platform {
 namespace {
 
@@ -49,9 +47,9 @@ public:
     }
     HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override {
         if (lock)
-            library_.ObjectBegan();
+            library_.Lock();
         else
-            library_.ObjectEnded();
+            library_.Unlock();
         return S_OK;
     }
 
@@ -109,7 +107,15 @@ HRESULT Library::GetClassObject(REFCLSID classID, REFIID riid, void** factory) n
 }
 
 HRESULT Library::CanUnloadNow() const noexcept {
-    return living_.load(std::memory_order_acquire) == 0 ? S_OK : S_FALSE;
+    const bool inUse =
+        living_.load(std::memory_order_acquire) > 0 || locks_.load(std::memory_order_acquire) > 0;
+    return inUse ? S_FALSE : S_OK;
+}
+
+void Library::Unlock() noexcept {
+    std::int64_t held = locks_.load(std::memory_order_relaxed);
+    while (held > 0 && !locks_.compare_exchange_weak(held, held - 1, std::memory_order_release)) {
+    }
 }
 
 HRESULT Library::RegisterServer() noexcept {

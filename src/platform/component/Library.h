@@ -18,6 +18,12 @@ struct ClassEntry {
     Ref<Object> (*Make)();  ///< a new object of the class
 };
 
+/// A new object of class `T`, for its entry.
+template <class T>
+Ref<Object> MakeNew() {
+    return New<T>();
+}
+
 /// What a library says of itself. Its texts live as long as the program.
 struct LibraryDescription {
     const char* Name;        ///< in front of the class names: "OXClass"
@@ -55,13 +61,18 @@ public:
     void ObjectBegan() noexcept { living_.fetch_add(1, std::memory_order_relaxed); }
     void ObjectEnded() noexcept { living_.fetch_sub(1, std::memory_order_release); }
 
+    /// Keeps the library in use until `Unlock`. An `Unlock` too many changes nothing.
+    void Lock() noexcept { locks_.fetch_add(1, std::memory_order_relaxed); }
+    void Unlock() noexcept;
+
     /// Enters the identities of the interfaces, once. Before that the library gives no object out.
     void Publish();
 
 private:
     const LibraryDescription description_;
     std::once_flag published_;
-    std::atomic<std::int64_t> living_ = 0;  ///< objects, factories and locks
+    std::atomic<std::int64_t> living_ = 0;  ///< objects and factories
+    std::atomic<std::int64_t> locks_ = 0;
 };
 
 }  // namespace Platform

@@ -35,6 +35,13 @@ double FromDecimal(const DECIMAL& decimal) {
 
 // ---- arrays of texts --------------------------------------------------------------------------------
 
+/// The text of an element, which is a value and neither an array nor a reference.
+String TextOf(const VARIANT& element) {
+    if (element.vt & (VT_ARRAY | VT_BYREF))
+        RaiseCode(DISP_E_BADVARTYPE, "Only texts can be the elements of an array");
+    return CStr(FromVariant(element));
+}
+
 std::vector<String> FromArray(SAFEARRAY* array) {
     VARTYPE type = VT_EMPTY;
     if (!array) return {};
@@ -45,7 +52,7 @@ std::vector<String> FromArray(SAFEARRAY* array) {
     texts.reserve(array->rgsabound[0].cElements);
     for (ULONG i = 0; i < array->rgsabound[0].cElements; ++i)
         texts.push_back(type == VT_BSTR ? FromBstr(static_cast<BSTR*>(array->pvData)[i])
-                                        : CStr(FromVariant(static_cast<VARIANT*>(array->pvData)[i])));
+                                        : TextOf(static_cast<VARIANT*>(array->pvData)[i]));
     return texts;
 }
 
@@ -69,6 +76,14 @@ VARTYPE TypeOfObject(const Ref<Object>& object) {
     if (const auto* foreign = dynamic_cast<const Foreign*>(object.Get()))
         return foreign->IsDispatch() ? VT_DISPATCH : VT_UNKNOWN;
     return object->Describe().IsDispatch() ? VT_DISPATCH : VT_UNKNOWN;
+}
+
+/// The pointer of an object for a place of this type: only an enumerator's place takes an object without
+/// `IDispatch`.
+IUnknown* GiveAs(const MemberType& type, const Ref<Object>& object) {
+    const bool anyInterface = std::string_view(type.Name) == Enumerator::ClassName;
+    if (!anyInterface && TypeOfObject(object) != VT_DISPATCH) Raise(err::TypeMismatch);
+    return Boundary::Give(object);
 }
 
 /// The value at a place of a variant type.
@@ -131,8 +146,8 @@ MemberType TypeOfReference(VARTYPE type) {
         case VT_DATE: return {Kind::Days, ""};
         case VT_BSTR: return {Kind::Text, ""};
         case VT_VARIANT: return {Kind::Any, ""};
-        case VT_DISPATCH:
-        case VT_UNKNOWN: return {Kind::Object, ""};
+        case VT_DISPATCH: return {Kind::Object, ""};
+        case VT_UNKNOWN: return {Kind::Object, Enumerator::ClassName};
         default: Raise(err::TypeMismatch);
     }
 }
@@ -226,9 +241,6 @@ void WriteBack(const Variant& value, VARIANT& to) {
     if (!(to.vt & VT_BYREF)) return AssignPlace({Kind::Any, ""}, value, &to);
     if (!to.byref) RaiseCode(E_POINTER, "A reference to nothing");
     const VARTYPE referred = to.vt & static_cast<VARTYPE>(~VT_BYREF);
-    if (referred == VT_DISPATCH && value.Is<Ref<Object>>() &&
-        TypeOfObject(value.As<Ref<Object>>()) != VT_DISPATCH)
-        Raise(err::TypeMismatch);
     AssignPlace(TypeOfReference(referred), value, to.byref);
 }
 
@@ -259,7 +271,7 @@ void WritePlace(const MemberType& type, const Variant& value, void* place) {
         case Kind::Days: At<DATE>(place) = CDate(value).Days; break;
         case Kind::Text: At<BSTR>(place) = ToBstr(To<String>(value)); break;
         case Kind::Any: ToVariant(value, At<VARIANT>(place)); break;
-        case Kind::Object: At<IUnknown*>(place) = Boundary::Give(To<Ref<Object>>(value)); break;
+        case Kind::Object: At<IUnknown*>(place) = GiveAs(type, To<Ref<Object>>(value)); break;
     }
 }
 

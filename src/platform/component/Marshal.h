@@ -28,7 +28,8 @@ bool IsLeftOut(const VARIANT& variant);
 /// reference's type raises where the value has no form of it; the argument stays as it was then.
 void WriteBack(const Variant& value, VARIANT& to);
 
-/// True if a value of `type` that comes back fits the caller's argument for certain.
+/// True if a value of `type` that comes back fits the caller's argument for certain, or is a variant's, which
+/// shows when it is there.
 bool Receives(const VARIANT& argument, const MemberType& type);
 
 /// A value at a typed place: read, and written (with `assign`, the old value is freed).

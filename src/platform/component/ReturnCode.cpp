@@ -100,10 +100,14 @@ HRESULT CodeOf(const Error& failure) {
 
 namespace {
 
-/// The return code for an argument that can't be taken; a null's is the runtime's own.
+/// The return code for an argument that can't be taken, with its record; a null's is the runtime's own.
 HRESULT CodeOfArgument(const ArgumentError& failure) {
+    LeaveRecord(failure);
     if (failure.Number < 0 || failure.Number == err::InvalidNull) return CodeOf(failure);
-    return failure.Number == err::Overflow ? DISP_E_OVERFLOW : DISP_E_TYPEMISMATCH;
+    if (failure.Number == err::Overflow) return DISP_E_OVERFLOW;
+    if (failure.Number != err::TypeMismatch)
+        LeaveRecord(Error(err::TypeMismatch, failure.Source, DescriptionOf(err::TypeMismatch)));
+    return DISP_E_TYPEMISMATCH;
 }
 
 }  // namespace
@@ -129,7 +133,6 @@ HRESULT CodeOfCaught() noexcept {
     try {
         throw;
     } catch (const ArgumentError& failure) {
-        LeaveRecord(failure);
         return CodeOfArgument(failure);
     } catch (const Error& failure) {
         LeaveRecord(failure);

@@ -71,14 +71,19 @@ bool WriteAll(int out, std::string_view text) {
     return true;
 }
 
+/// The rights of the file that is replaced; a new one can be read by all.
+mode_t ModeFor(const fs::path& file) {
+    struct stat earlier {};
+    return stat(file.c_str(), &earlier) == 0 ? earlier.st_mode & 07777 : 0644;
+}
+
 }  // namespace
 
 bool WriteWhole(const fs::path& file, std::string_view text) {
     std::string part = file.string() + ".XXXXXX";
     const int out = mkostemp(part.data(), O_CLOEXEC);
     if (out < 0) return false;
-    constexpr mode_t readableByAll = 0644;
-    bool good = WriteAll(out, text) && fchmod(out, readableByAll) == 0 && fsync(out) == 0;
+    bool good = WriteAll(out, text) && fchmod(out, ModeFor(file)) == 0 && fsync(out) == 0;
     good = close(out) == 0 && good;
     good = good && std::rename(part.c_str(), file.c_str()) == 0;
     if (!good) unlink(part.c_str());

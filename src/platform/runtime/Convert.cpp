@@ -485,7 +485,7 @@ String Format(const Variant& value, std::string_view pattern) {
 }
 
 const Ref<Object>& detail::ObjectOf(const Variant& value) {
-    static const Ref<Object> nothing;
+    static const Ref<Object>& nothing = *new Ref<Object>;  // for calls until the process is gone
     if (value.Is<Ref<Object>>()) return value.As<Ref<Object>>();
     if (value.Is<Empty>()) return nothing;
     Raise(err::ObjectRequired);

@@ -94,7 +94,7 @@ Host::Host()
       DeleteFile(MachineDelete) {}
 
 Host& TheHost() {
-    static Host host;
+    static Host& host = *new Host;  // for calls until the process is gone
     return host;
 }
 

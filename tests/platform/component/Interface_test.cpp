@@ -23,7 +23,7 @@ public:
     Variant Item(const Variant& index) const { return index; }
 
     const Interface& Describe() const override {
-        static const Interface self = InterfaceOf<Sample>({
+        static const Interface& self = InterfaceOf<Sample>({
             Property<&Sample::Number>("Number"),
             Property<&Sample::Text>("Text"),
             Property<&Sample::Members>("Members"),

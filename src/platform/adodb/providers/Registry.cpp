@@ -4,7 +4,7 @@ namespace ADODB {
 namespace {
 
 std::vector<std::pair<String, Opener>>& Known() {
-    static std::vector<std::pair<String, Opener>> known{{"SQLite", OpenSqlite}};
+    static auto& known = *new std::vector<std::pair<String, Opener>>{{"SQLite", OpenSqlite}};  // for the whole process
     return known;
 }
 

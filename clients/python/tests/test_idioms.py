@@ -1,0 +1,94 @@
+"""What Python programs expect of any object."""
+import gc
+import os
+import pickle
+import subprocess
+import sys
+import weakref
+
+import oxclass
+
+from .kit import SOURCES, DatabaseTest, open_database, program
+
+
+def collection_of(*values):
+    things = oxclass.CreateObject("Collection")
+    for value in values:
+        things.Add(value)
+    return things
+
+
+class Walks(DatabaseTest):
+    def test_backwards(self):
+        self.assertEqual(list(reversed(collection_of(1, 2, 3))), [3, 2, 1])
+        rows = self.con.Execute("SELECT 1 AS a, 2 AS b")
+        self.assertEqual([field.Name for field in reversed(rows.Fields)], ["b", "a"])
+        with self.assertRaises(TypeError):
+            reversed(oxclass.CreateObject("OXClass.cPatient"))
+
+    def test_one_that_ended_stays_at_its_end(self):
+        things = collection_of(1)
+        walk = iter(things)
+        self.assertEqual(list(walk), [1])
+        things.Add(2)
+        self.assertEqual(list(walk), [])
+        self.assertEqual(list(things), [1, 2])
+
+
+class Failures(DatabaseTest):
+    def test_they_can_be_pickled(self):
+        for failing in (lambda: self.con.Execute("SELECT * FROM nowhere"), lambda: self.con.Nobody):
+            with self.assertRaises(oxclass.Error) as caught:
+                failing()
+            again = pickle.loads(pickle.dumps(caught.exception))
+            self.assertEqual((type(again), again.Number, again.Source, again.Description),
+                             (type(caught.exception), caught.exception.Number, caught.exception.Source,
+                              caught.exception.Description))
+
+    def test_a_name_with_a_zero_is_refused(self):
+        with self.assertRaises(oxclass.Error) as caught:
+            oxclass.CreateObject("Collection\0more")
+        self.assertEqual(caught.exception.Number, 429)
+
+    def test_a_keyboard_interrupt_goes_on_though_the_operation_swallows(self):
+        class Interrupting:
+            def WillExecute(self, source):
+                raise KeyboardInterrupt
+
+        entries = oxclass.CreateObject("OXClass.cUniCards")
+        oxclass.OnMsgBox(lambda text: None)
+        try:
+            with oxclass.WithEvents(self.con, Interrupting()), self.assertRaises(KeyboardInterrupt):
+                entries.GetICAndSEList4Patient(self.con, "X", 0)
+        finally:
+            oxclass.OnMsgBox(None)
+
+    def test_a_cancelled_statement_keeps_nothing_alive(self):
+        class Forbidding:
+            def WillExecute(self, source):
+                raise PermissionError(source)
+
+        gc.disable()
+        try:
+            con = open_database(self.file)
+            with oxclass.WithEvents(con, Forbidding()):
+                try:
+                    con.Execute("SELECT 1")
+                except PermissionError:
+                    pass
+            gone = weakref.ref(con)
+            del con
+            self.assertIsNone(gone(), "the connection goes without the garbage collector")
+        finally:
+            gc.enable()
+
+
+class Package(DatabaseTest):
+    def test_its_version_is_the_type_librarys(self):
+        self.assertIn(f'"version": "{oxclass.__version__}"', program("idl", "--json"))
+
+    def test_the_example_tells_how_it_is_called(self):
+        example = SOURCES / "examples" / "patients_and_series.py"
+        done = subprocess.run([sys.executable, str(example), "--help"], capture_output=True, text=True,
+                              env={**os.environ, "PYTHONPATH": str(SOURCES / "clients" / "python")})
+        self.assertIn("patients_and_series.py clinic.db", done.stderr)

@@ -1,0 +1,188 @@
+#include "platform/component/WholeFile.h"
+
+#include "kit/Database.h"
+
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <fstream>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+using namespace Platform;
+namespace fs = std::filesystem;
+using TestKit::TemporaryFolder;
+
+String Content(const fs::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+std::vector<String> NamesIn(const fs::path& folder) {
+    std::vector<String> names;
+    for (const auto& entry : fs::directory_iterator(folder))
+        names.push_back(entry.path().filename().string());
+    std::ranges::sort(names);
+    return names;
+}
+
+/// No file grows beyond so many bytes while this object lives.
+class FilesUpTo {
+public:
+    explicit FilesUpTo(rlim_t size) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
+        getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit smaller{size, before_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &smaller);
+    }
+    ~FilesUpTo() {
+        setrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, handler_);
+    }
+    FilesUpTo(const FilesUpTo&) = delete;
+
+private:
+    void (*handler_)(int);
+    rlimit before_{};
+};
+
+TEST(WholeFile, IsWrittenWithAllBytes) {
+    const TemporaryFolder folder;
+    const fs::path file = folder.Path() / "file";
+    String large(3000000, 'x');
+    large[1000000] = '\0', large[2999999] = '\xFF';
+    for (const String& text : {String("first\r\n"), large, String()}) {
+        EXPECT_TRUE(WriteWhole(file, text));
+        EXPECT_TRUE(Content(file) == text) << text.size();
+        EXPECT_EQ(NamesIn(folder.Path()), std::vector<String>{"file"});
+    }
+}
+
+TEST(WholeFile, CanBeReadByAllAndWrittenByItsOwner) {
+    const TemporaryFolder folder;
+    const fs::path file = folder.Path() / "file";
+    const mode_t before = umask(0077);
+    EXPECT_TRUE(WriteWhole(file, "x"));
+    umask(before);
+    EXPECT_EQ(fs::status(file).permissions(), fs::perms{0644});
+}
+
+TEST(WholeFile, TakesThePlaceOfTheEarlierOneForItsReadersAtOnce) {
+    const TemporaryFolder folder;
+    const fs::path file = folder.Path() / "file";
+    ASSERT_TRUE(WriteWhole(file, "earlier"));
+    std::ifstream reader(file);
+    ASSERT_TRUE(WriteWhole(file, "later"));
+    String text;
+    reader >> text;
+    EXPECT_EQ(text, "earlier") << "who has it open reads it to its end";
+    EXPECT_EQ(Content(file), "later");
+}
+
+TEST(WholeFile, OnAFullDiskTheEarlierOneStaysAndNothingBeside) {
+    const TemporaryFolder folder;
+    const fs::path file = folder.Path() / "file";
+    ASSERT_TRUE(WriteWhole(file, "earlier"));
+    {
+        const FilesUpTo limit(1000);
+        EXPECT_FALSE(WriteWhole(file, String(5000, 'x')));
+    }
+    EXPECT_EQ(Content(file), "earlier");
+    EXPECT_EQ(NamesIn(folder.Path()), std::vector<String>{"file"});
+}
+
+TEST(WholeFile, WhereItsNameIsTakenByAFolderNothingIsLeftBeside) {
+    const TemporaryFolder folder;
+    fs::create_directories(folder.Path() / "file" / "within");
+    EXPECT_FALSE(WriteWhole(folder.Path() / "file", "x"));
+    EXPECT_EQ(NamesIn(folder.Path()), std::vector<String>{"file"});
+}
+
+TEST(WholeFile, WithoutItsFolderIsNotWritten) {
+    const TemporaryFolder folder;
+    EXPECT_FALSE(WriteWhole(folder.Path() / "none" / "file", "x"));
+    EXPECT_EQ(NamesIn(folder.Path()), std::vector<String>{});
+}
+
+// ---- the lock ---------------------------------------------------------------------------------------
+
+/// Waits for a byte of another process; false if none comes in so many milliseconds.
+bool Arrives(int pipe, int milliseconds) {
+    fd_set set;
+    FD_ZERO(&set);
+    FD_SET(pipe, &set);
+    timeval limit{milliseconds / 1000, milliseconds % 1000 * 1000};
+    char byte = 0;
+    return select(pipe + 1, &set, nullptr, nullptr, &limit) == 1 && read(pipe, &byte, 1) == 1;
+}
+
+/// Another process, made before any lock, that tells when it has the lock of a folder.
+class OtherProcess {
+public:
+    explicit OtherProcess(const fs::path& folder) {
+        if (pipe(go_) != 0 || pipe(locked_) != 0) throw std::runtime_error("no pipe");
+        process_ = fork();
+        if (process_ != 0) return;
+        if (!Arrives(go_[0], 20000)) _exit(1);
+        const FolderLock lock(folder);
+        _exit(write(locked_[1], "x", 1) == 1 ? 0 : 1);
+    }
+    ~OtherProcess() {
+        kill(process_, SIGKILL);
+        waitpid(process_, nullptr, 0);
+        for (const int end : {go_[0], go_[1], locked_[0], locked_[1]}) close(end);
+    }
+    OtherProcess(const OtherProcess&) = delete;
+
+    void AskForTheLock() const { EXPECT_EQ(write(go_[1], "x", 1), 1); }
+    bool HasTheLockWithin(int milliseconds) const { return Arrives(locked_[0], milliseconds); }
+
+private:
+    int go_[2] = {}, locked_[2] = {};
+    pid_t process_ = 0;
+};
+
+TEST(FolderLock, KeepsOtherProcessesWaiting) {
+    const TemporaryFolder folder;
+    const OtherProcess other(folder.Path());
+    auto lock = std::make_unique<FolderLock>(folder.Path());
+    other.AskForTheLock();
+    EXPECT_FALSE(other.HasTheLockWithin(100));
+    lock.reset();
+    EXPECT_TRUE(other.HasTheLockWithin(20000));
+}
+
+TEST(FolderLock, OfAnotherFolderKeepsNobodyWaiting) {
+    const TemporaryFolder folder, second;
+    const OtherProcess other(second.Path());
+    const FolderLock lock(folder.Path());
+    other.AskForTheLock();
+    EXPECT_TRUE(other.HasTheLockWithin(20000));
+}
+
+TEST(FolderLock, KeepsOtherThreadsWaiting) {
+    const TemporaryFolder folder;
+    auto lock = std::make_unique<FolderLock>(folder.Path());
+    std::atomic<bool> taken = false;
+    std::thread other([&] {
+        const FolderLock mine(folder.Path());
+        taken = true;
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    EXPECT_FALSE(taken);
+    lock.reset();
+    other.join();
+    EXPECT_TRUE(taken);
+}
+
+TEST(FolderLock, OfAFolderThatIsNotThereIsNone) {
+    const TemporaryFolder folder;
+    const FolderLock first(folder.Path() / "none"), second(folder.Path() / "none");
+    EXPECT_TRUE(NamesIn(folder.Path()).empty()) << "none is made, and nobody waits";
+}
+
+}  // namespace
