@@ -282,6 +282,33 @@ TEST(Invoke, UnsoundParametersAreRefused) {
     EXPECT_EQ(code(&none, IID_IDispatch), DISP_E_UNKNOWNINTERFACE);
 }
 
+TEST(Invoke, AReferenceThatCannotTakeWhatComesBackIsRefusedBeforeAnythingRuns) {
+    const Dispatch others = Create("OXClass.OtherPatIDs");
+    LONG number = 5;
+    EXPECT_EQ(Invoke(others.Get(), "Add", DISPATCH_METHOD, {Value::Reference(VT_I4, &number), 7}).Code,
+              DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(Get(others, "Count").Long(), 0);
+    Text text("19800101-1234");
+    EXPECT_EQ(Invoke(others.Get(), "Add", DISPATCH_METHOD, {Value::Reference(VT_BSTR, text.Place()), 7}).Code,
+              S_OK);
+    EXPECT_EQ(Get(others, "Count").Long(), 1);
+}
+
+TEST(Invoke, ATextThatComesBackTakesThePlaceOfTheOldOne) {
+    const Dispatch connection = OpenedConnection(), root = Create("OXClass.Class1");
+    Call(root, "SaveGLSetting", {connection, 42, "the setting", false});
+    Text typed("before");
+    Value held = "before", lists = Dispatch();
+    EXPECT_TRUE(Call(root, "GetGLSetting",
+                     {connection, 42, Value::Reference(VT_BSTR, typed.Place()),
+                      Value::Reference(VT_VARIANT, &lists.Get())})
+                    .Bool());
+    EXPECT_EQ(typed.Utf8(), "the setting");
+    EXPECT_EQ(Get(lists.Object(), "Count").Long(), 1) << "the object comes back too";
+    Call(root, "GetGLSetting", {connection, 42, Value::Reference(VT_VARIANT, &held.Get()), Dispatch()});
+    EXPECT_EQ(held.String(), "the setting");
+}
+
 TEST(Invoke, AReferenceIsReadThrough) {
     const Dispatch comments = Create("OXClass.cComments");
     LONG number = 1;

@@ -89,7 +89,8 @@ struct AtProcessEnd {
 };
 
 TEST(EndOfTheProcess, AnObjectInStaticStorageStillAnswers) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");  // a process of its own, which this one shares no file with
+    GTEST_FLAG_SET(death_test_style,
+                   "threadsafe");  // a process of its own, which this one shares no file with
     EXPECT_EXIT(
         {
             static AtProcessEnd end;  // made before the library's own data, and so ends after them

@@ -103,9 +103,18 @@ TEST(CanUnloadNow, CountsFactoriesAndLocks) {
     EXPECT_EQ(CanUnloadNow(), S_FALSE) << "the lock is held";
     PatientFactory()->LockServer(0);
     EXPECT_EQ(CanUnloadNow(), S_OK);
-    const auto factory = PatientFactory();
-    factory->LockServer(0);
-    EXPECT_EQ(CanUnloadNow(), S_FALSE) << "an unlock too many takes nothing away";
+}
+
+TEST(CanUnloadNow, AnUnlockTooManyTakesNothingAway) {
+    {
+        const auto factory = PatientFactory();
+        factory->LockServer(0);
+        EXPECT_EQ(CanUnloadNow(), S_FALSE) << "the factory is held";
+        factory->LockServer(1);
+    }
+    EXPECT_EQ(CanUnloadNow(), S_FALSE) << "the lock is held";
+    PatientFactory()->LockServer(0);
+    EXPECT_EQ(CanUnloadNow(), S_OK);
 }
 
 TEST(CanUnloadNow, AConnectionIsTheHostsOwn) {

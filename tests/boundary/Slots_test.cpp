@@ -1,7 +1,7 @@
 #include "boundary/SlotCall.h"
 
 #include <cmath>
-#include <map>
+#include <thread>
 
 /// Calls by slot, as clients that were compiled against the interfaces make them.
 namespace {
@@ -163,6 +163,28 @@ TEST(Slots, AVariantCrossesByItsPlace) {
     EXPECT_EQ(got.Get(), added.Get());
 }
 
+TEST(Slots, WhatComesBackTakesThePlaceOfWhatWasThere) {
+    const Dispatch connection = OpenedConnection(), root = Create("OXClass.Class1");
+    Call(root, "SaveGLSetting", {connection, 42, "the setting", false});
+    LONG list = 42;
+    Text text("before");
+    Dispatch lists = Create("OXClass.cGlobalLists");
+    IDispatch* held = lists.Get();
+    held->AddRef();
+    VARIANT_BOOL found = 7;
+    ASSERT_EQ(CallSlot(root.Get(), FindSlot(root.Get(), "GetGLSetting", "operation"),
+                       {Object(connection), Place(&list), Place(text.Place()), Place(&held), Place(&found)}),
+              S_OK)
+        << Record();
+    EXPECT_EQ(found, VARIANT_TRUE);
+    EXPECT_EQ(text.Utf8(), "the setting");
+    const Dispatch given(held);
+    EXPECT_NE(given.Get(), lists.Get());
+    EXPECT_EQ(Get(given, "Count").Long(), 1);
+    EXPECT_EQ(lists->AddRef(), 2U) << "the object that was there was let go";
+    lists->Release();
+}
+
 TEST(Slots, AFailureIsItsNumberWithARecord) {
     const Dispatch comments = Create("OXClass.cComments");
     Value index(7);
@@ -204,6 +226,16 @@ TEST(Slots, AFunctionOfAnotherClassRefusesTheObject) {
         CallForeignSlot(doctor.Get(), patient.Get(), FindSlot(patient.Get(), "ID", "get"), {Place(&number)}),
         DISP_E_MEMBERNOTFOUND);
     EXPECT_EQ(number, 7);
+}
+
+TEST(Slots, AnotherThreadIsRefused) {
+    const Dispatch patient = Create("OXClass.cPatient");
+    const SlotOf get = FindSlot(patient.Get(), "ID", "get");
+    std::thread([&] {
+        LONG number = 7;
+        EXPECT_EQ(CallSlot(patient.Get(), get, {Place(&number)}), RPC_E_WRONG_THREAD);
+        EXPECT_EQ(number, 7);
+    }).join();
 }
 
 TEST(Slots, ADateThatIsNoneIsRefused) {
