@@ -13,7 +13,7 @@ using Platform::LibraryFile;
 
 /// The whole path of the library file that the user names, or of the one that came with this program.
 std::string LibraryOf(const std::string& named) {
-    const fs::path host = Platform::FileOfAddress(&IID_NULL);
+    const fs::path host = Platform::HostFile();
     const fs::path file = named.empty() ? host.parent_path() / "libOXClass.so" : fs::path(named);
     std::error_code failed;
     const fs::path whole = fs::canonical(file, failed);

@@ -64,7 +64,7 @@ HRESULT CallingLibrary(const char* path, Function function) noexcept {
 
 /// The host's own classes that can be made by name.
 std::vector<ClassRegistry::ClassRecord> OwnClasses() {
-    const String host = FileOfAddress(&IID_NULL);
+    const String host = HostFile();
     std::vector<ClassRegistry::ClassRecord> classes;
     for (const ClassEntry& entry : HostClasses())
         classes.push_back({entry.Name, entry.ClassID, host, "Apartment", "multi-use"});

@@ -57,6 +57,11 @@ void* LibraryFile::Function(const char* name) const {
 
 #endif
 
+String HostFile() {
+    static constexpr char here = 0;
+    return FileOfAddress(&here);
+}
+
 HRESULT LibraryFile::GetClassObject(REFCLSID classID, REFIID riid, void** factory) const {
     using Call = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
     return reinterpret_cast<Call>(Function("DllGetClassObject"))(classID, riid, factory);

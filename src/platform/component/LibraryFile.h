@@ -8,6 +8,9 @@ namespace Platform {
 /// The whole path of the library or program file that a piece of constant data lies in.
 String FileOfAddress(const void* address);
 
+/// The whole path of the host's own library file.
+String HostFile();
+
 /// A library file that was loaded and stays loaded. Any thread may call.
 class LibraryFile {
 public:
