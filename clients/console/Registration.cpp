@@ -15,10 +15,7 @@ using Platform::LibraryFile;
 std::string LibraryOf(const std::string& named) {
     const fs::path host = Platform::HostFile();
     const fs::path file = named.empty() ? host.parent_path() / "libOXClass.so" : fs::path(named);
-    std::error_code failed;
-    const fs::path whole = fs::canonical(file, failed);
-    if (!failed) return whole.string();
-    return fs::absolute(file).lexically_normal().string();
+    return fs::weakly_canonical(fs::absolute(file)).string();
 }
 
 void RequireFile(const std::string& library) {

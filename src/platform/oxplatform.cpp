@@ -258,8 +258,9 @@ HRESULT OxAdvise(IUnknown* connection, const OxConnectionEvents* events, void* c
         ULONG& result = Cleared(cookie);
         if (!events) Fail(E_POINTER, "The events are missing");
         ADODB::Connection& target = ConnectionOf(connection);
-        result = ++last;
-        target.Advise(std::make_unique<ClientEvents>(*events, context, result));
+        const ULONG next = ++last;
+        target.Advise(std::make_unique<ClientEvents>(*events, context, next));
+        result = next;
     });
 }
 

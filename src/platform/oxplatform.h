@@ -49,7 +49,8 @@ STDAPI OxDescribe(IUnknown* object, BSTR* json);
 
 /* ---- services of the host ------------------------------------------------------------------------ */
 
-/* A handler may be set at any time, on any thread. One that is replaced may still be running on another thread. */
+/* A handler may be set at any time, on any thread. One that is replaced may still be running on another
+ * thread. */
 
 /* What a text box does: called with its text (the callee doesn't free it) and its buttons; the box counts as
  * dismissed when it returns. Null brings back the own one, which writes to standard error. All threads' boxes
@@ -77,13 +78,13 @@ typedef struct OxConnectionEvents {
      * where it didn't, else the number as a return code, source and text. */
     void (*ExecuteComplete)(void* context, BSTR source, LONGLONG records, DOUBLE seconds, HRESULT failure,
                             BSTR failureSource, BSTR failureDescription);
-    /* The connection lets go of the events: it ended, or OxUnadvise took them out. The last call; the connection
-     * may not be used in it. */
+    /* The connection lets go of the events: it ended, or OxUnadvise took them out. The last call; the
+     * connection may not be used in it. */
     void (*Released)(void* context);
 } OxConnectionEvents;
 
-/* Adds events to an ADODB.Connection, which copies the functions and holds them until it ends; the connection is
- * not kept alive. `cookie` names them for OxUnadvise. E_NOINTERFACE for another object, RPC_E_WRONG_THREAD on another
- * thread than the connection's, E_INVALIDARG for a cookie that names nothing. */
+/* Adds events to an ADODB.Connection, which copies the functions and holds them until it ends; the connection
+ * is not kept alive. `cookie` names them for OxUnadvise. E_NOINTERFACE for another object, RPC_E_WRONG_THREAD
+ * on another thread than the connection's, E_INVALIDARG for a cookie that names nothing. */
 STDAPI OxAdvise(IUnknown* connection, const OxConnectionEvents* events, void* context, ULONG* cookie);
 STDAPI OxUnadvise(IUnknown* connection, ULONG cookie);

@@ -57,6 +57,16 @@ TEST_F(Registration, WhatIsGoneCanBeTakenOut) {
     EXPECT_NE(again.err.find("is not registered"), std::string::npos) << again.err;
 }
 
+TEST_F(Registration, WhatIsGoneCanBeNamedThroughALink) {
+    std::filesystem::create_directory(folder.Path() / "real");
+    std::filesystem::create_directory_symlink(folder.Path() / "real", folder.Path() / "link");
+    const auto linked = folder.Path() / "link" / "libOXClass.so";
+    std::filesystem::copy_file(LIBRARY, linked);
+    Ok({"register", linked.string()});
+    std::filesystem::remove(linked);
+    Ok({"unregister", linked.string()});
+}
+
 TEST_F(Registration, AFileOfTheCurrentFolderIsNamedAlone) {
     const auto before = std::filesystem::current_path();
     std::filesystem::current_path(std::filesystem::path(LIBRARY).parent_path());

@@ -40,7 +40,7 @@ class Subscription:
 
     def leave(self) -> None:
         """Before the interpreter goes: takes the handler out where that is this thread's to do."""
-        if self._pointer and (self._home is current() or self._home.ended):
+        if self._pointer and self._home is current():
             self._unadvise()
 
     def ended(self) -> None:
@@ -65,7 +65,8 @@ def WithEvents(connection: Any, handler: Any) -> Subscription:
         def ExecuteComplete(self, source, records, seconds, error): ...
 
     The connection keeps the handler: one that keeps the connection in turn lives until ``close``. ``records`` is
-    the number of rows that an action statement hit, -1 for a select; ``error`` is None or an ``Error``. An exception in ``WillExecute`` cancels the statement, and whoever ran it gets that exception.
+    the number of rows that an action statement hit, -1 for a select; ``error`` is None or an ``Error``. An exception
+    in ``WillExecute`` cancels the statement, and whoever ran it gets that exception; of several, the first.
     """
     if not isinstance(connection, Object):
         raise TypeError(f"the first argument is an ADODB.Connection, not {connection!r}")
@@ -95,7 +96,11 @@ def _will_execute(context: Optional[int], source: Optional[int]) -> int:
             handler(library().text_of(source))
         return 0
     except BaseException as exception:
-        current().cancelled = exception
+        home = current()
+        if home.cancelled is None:
+            home.cancelled = exception
+        else:
+            _report(exception)
         return 1
 
 

@@ -126,4 +126,6 @@ def invoke(target: Any, member: Member, given: Sequence[Any] = (), named: Option
         arguments.come_back()
         return take(result, member.result)
     finally:
+        if result.vt:
+            library().VariantClear(result)  # what was given though the call is told as failed
         arguments.clear()

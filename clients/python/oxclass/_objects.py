@@ -87,13 +87,16 @@ class Iterator(Object):
     __slots__ = ("_at_end",)
     _variant_type = binary.VT_UNKNOWN
 
+    def __getattr__(self, name: str) -> Any:
+        return False if name == "_at_end" else super().__getattr__(name)
+
     def __iter__(self) -> Iterator:
         return self
 
     def __next__(self) -> Any:
         from ._values import take
 
-        if getattr(self, "_at_end", False):
+        if self._at_end:
             raise StopIteration
         value, fetched = VARIANT(), c_uint32()
         code = binary.next_value(self._hold.here(), value, fetched)

@@ -5,10 +5,11 @@ import pickle
 import subprocess
 import sys
 import weakref
+from unittest import mock
 
 import oxclass
 
-from .kit import SOURCES, DatabaseTest, open_database, program
+from .kit import SOURCES, DatabaseTest, open_database, program, run_python
 
 
 def collection_of(*values):
@@ -63,6 +64,22 @@ class Failures(DatabaseTest):
         finally:
             oxclass.OnMsgBox(None)
 
+    def test_of_several_handlers_the_first_is_heard(self):
+        class Interrupting:
+            def WillExecute(self, source):
+                raise KeyboardInterrupt
+
+        class Forbidding:
+            def WillExecute(self, source):
+                raise PermissionError(source)
+
+        caught = []
+        with mock.patch.object(sys, "unraisablehook", lambda unraisable: caught.append(unraisable.exc_type)):
+            with oxclass.WithEvents(self.con, Interrupting()), oxclass.WithEvents(self.con, Forbidding()):
+                with self.assertRaises(KeyboardInterrupt):
+                    self.con.Execute("SELECT 1")
+        self.assertEqual(caught, [PermissionError])
+
     def test_a_cancelled_statement_keeps_nothing_alive(self):
         class Forbidding:
             def WillExecute(self, source):
@@ -81,6 +98,26 @@ class Failures(DatabaseTest):
             self.assertIsNone(gone(), "the connection goes without the garbage collector")
         finally:
             gc.enable()
+
+
+class Ends(DatabaseTest):
+    def test_a_subscription_of_a_thread_that_ended(self):
+        done = run_python(f"""
+import threading, oxclass
+class Watch:
+    def WillExecute(self, source): pass
+kept = []
+def work():
+    con = oxclass.CreateObject("ADODB.Connection")
+    con.Open("Provider=SQLite;Data Source={self.file}")
+    kept.append((con, oxclass.WithEvents(con, Watch())))
+worker = threading.Thread(target=work)
+worker.start()
+worker.join()
+here = oxclass.CreateObject("ADODB.Connection")
+kept.append(oxclass.WithEvents(here, Watch()))
+""")
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
 
 
 class Package(DatabaseTest):

@@ -73,7 +73,8 @@ template <class Change>
 void ChangeFile(Change change) {
     std::error_code failed;
     std::filesystem::path file = File();
-    if (std::filesystem::is_symlink(file, failed)) file = std::filesystem::canonical(file, failed);
+    if (std::filesystem::is_symlink(file, failed))
+        file = file.parent_path() / std::filesystem::read_symlink(file, failed);
     std::filesystem::create_directories(file.parent_path(), failed);
     const FolderLock lock(file.parent_path());
     const std::vector<LibraryRecord> before = ReadFile(file);
@@ -85,6 +86,15 @@ void ChangeFile(Change change) {
     } else if (std::filesystem::remove(file, failed); failed) {
         Refuse(file, "can't be removed");
     }
+}
+
+/// The file is a text, so the paths in it must be texts.
+void RequireTexts(const LibraryRecord& library) {
+    for (const ClassRecord& entry : library.Classes)
+        if (FromUtf16(ToUtf16(entry.Library)) != entry.Library)
+            throw Error(
+                err::PathFileAccess, "Runtime",
+                "The library's path is no UTF-8 text and can't be registered. Move it to another folder");
 }
 
 const ClassRecord* FindIn(const std::vector<LibraryRecord>& libraries, const String& name) {
@@ -110,12 +120,10 @@ std::filesystem::path File() {
 }
 
 void Enter(const LibraryRecord& library) {
-    for (const ClassRecord& entry : library.Classes)
-        if (FromUtf16(ToUtf16(entry.Library)) != entry.Library)
-            throw Error(
-                err::PathFileAccess, "Runtime",
-                "The library's path is no UTF-8 text and can't be registered. Move it to another folder");
-    if (!enteringHere) return ChangeFile([&](auto& libraries) { Put(libraries, library); });
+    if (!enteringHere) {
+        RequireTexts(library);
+        return ChangeFile([&](auto& libraries) { Put(libraries, library); });
+    }
     Here& here = OfThisProcess();
     const std::scoped_lock lock(here.guard);
     const auto known = std::ranges::find(here.libraries, library.Identifier, &LibraryRecord::Identifier);

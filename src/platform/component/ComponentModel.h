@@ -362,7 +362,7 @@ typedef struct IDispatchVtbl {
     HRESULT (*GetTypeInfoCount)(IDispatch*, UINT* count);
     HRESULT (*GetTypeInfo)(IDispatch*, UINT which, LCID lcid, ITypeInfo** info);
     HRESULT (*GetIDsOfNames)(IDispatch*, REFIID riid, LPOLESTR* names, UINT count, LCID lcid, DISPID* ids);
-    HRESULT (*Invoke)
+    HRESULT(*Invoke)
     (IDispatch*, DISPID id, REFIID riid, LCID lcid, WORD flags, DISPPARAMS* parameters, VARIANT* result,
      EXCEPINFO* failure, UINT* wrongArgument);
 } IDispatchVtbl;
@@ -449,7 +449,8 @@ STDAPI_(UINT) SysStringByteLen(BSTR text);
 
 STDAPI_(void) VariantInit(VARIANTARG* variant);
 /* Frees what the variant holds and makes it empty; what a by-reference variant points at stays.
- * DISP_E_BADVARTYPE for a type that no variant has, and nothing is freed. */
+ * DISP_E_BADVARTYPE for a type that no variant has, as SafeArrayDestroy for an array; nothing is freed then.
+ */
 STDAPI VariantClear(VARIANTARG* variant);
 /* Clears `to` and makes it a copy of `from`. On a failure `to` stays as it was. */
 STDAPI VariantCopy(VARIANTARG* to, const VARIANTARG* from);

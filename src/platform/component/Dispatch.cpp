@@ -250,14 +250,23 @@ HRESULT STDMETHODCALLTYPE InvokeById(Face* self, DISPID id, REFIID riid, LCID, W
 
 Enumerator& EnumeratorOf(Face& face) { return static_cast<Enumerator&>(Boundary::ObjectOf(face)); }
 
-HRESULT STDMETHODCALLTYPE Next(Face* self, ULONG count, VARIANT* values, ULONG* fetched) noexcept {
+/// Runs a call of an enumerator, on its own thread and with a record of its own.
+template <class Body>
+HRESULT Walking(Face* self, Body body) noexcept {
+    SetErrorInfo(0, nullptr);
     return Guarded([&]() -> HRESULT {
+        if (!Boundary::IsAtHome(*self)) return WrongThread();
+        return body(EnumeratorOf(*self));
+    });
+}
+
+HRESULT STDMETHODCALLTYPE Next(Face* self, ULONG count, VARIANT* values, ULONG* fetched) noexcept {
+    return Walking(self, [&](Enumerator& walk) -> HRESULT {
         if (fetched) *fetched = 0;
         if (!values || (!fetched && count != 1)) return E_POINTER;
-        if (!Boundary::IsAtHome(*self)) return WrongThread();
         Variant item;
         ULONG got = 0;
-        for (; got < count && EnumeratorOf(*self).Next(item); ++got) {
+        for (; got < count && walk.Next(item); ++got) {
             ToVariant(item, values[got]);
             if (fetched) *fetched = got + 1;
         }
@@ -266,27 +275,26 @@ HRESULT STDMETHODCALLTYPE Next(Face* self, ULONG count, VARIANT* values, ULONG* 
 }
 
 HRESULT STDMETHODCALLTYPE Skip(Face* self, ULONG count) noexcept {
-    return Guarded([&]() -> HRESULT {
-        if (!Boundary::IsAtHome(*self)) return WrongThread();
+    return Walking(self, [&](Enumerator& walk) {
         Variant item;
         for (; count > 0; --count)
-            if (!EnumeratorOf(*self).Next(item)) return S_FALSE;
+            if (!walk.Next(item)) return S_FALSE;
         return S_OK;
     });
 }
 
 HRESULT STDMETHODCALLTYPE Reset(Face* self) noexcept {
-    if (!Boundary::IsAtHome(*self)) return WrongThread();
-    EnumeratorOf(*self).Reset();
-    return S_OK;
+    return Walking(self, [](Enumerator& walk) {
+        walk.Reset();
+        return S_OK;
+    });
 }
 
 HRESULT STDMETHODCALLTYPE Clone(Face* self, IUnknown** copy) noexcept {
-    return Guarded([&]() -> HRESULT {
+    return Walking(self, [&](const Enumerator& walk) -> HRESULT {
         if (!copy) return E_POINTER;
         *copy = nullptr;
-        if (!Boundary::IsAtHome(*self)) return WrongThread();
-        *copy = Boundary::Give(EnumeratorOf(*self).Copy());
+        *copy = Boundary::Give(walk.Copy());
         return S_OK;
     });
 }

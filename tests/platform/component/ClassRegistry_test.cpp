@@ -154,15 +154,24 @@ TEST_F(ClassRegistryFile, ALinkStaysALinkAndTheFileKeepsItsRights) {
     EXPECT_TRUE(fs::is_symlink(file));
     EXPECT_EQ(Registered(), "Linked 1.0;");
     EXPECT_EQ(fs::status(real).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    Remove(Id('1'));
+    EXPECT_FALSE(fs::exists(real));
+    EXPECT_TRUE(fs::is_symlink(file)) << "it leads to nothing now";
+    Enter(Library("Again", '1', {"A"}));
+    EXPECT_TRUE(fs::is_symlink(file));
+    EXPECT_EQ(Registered(), "Again 1.0;");
 }
 
 TEST_F(ClassRegistryFile, APathThatIsNoTextIsRefused) {
-    LibraryRecord library = Library("Broken", '1', {"A"});
+    LibraryRecord library = Library("Broken", 'b', {"A"});
     library.Classes[0].Library = "/opt/b\xE9/libBroken.so";
     const Error failure = FailureOf([&] { Enter(library); });
     EXPECT_EQ(failure.Number, err::PathFileAccess);
     EXPECT_THAT(failure.Description, HasSubstr("no UTF-8"));
     EXPECT_FALSE(fs::exists(file));
+    const EnteringHere here;
+    Enter(library);
+    EXPECT_EQ(Find("Broken.A")->Library, library.Classes[0].Library) << "this process can use it";
 }
 
 TEST_F(ClassRegistryFile, RemovingWhatIsNotThereChangesNothing) {
