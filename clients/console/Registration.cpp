@@ -2,6 +2,7 @@
 #include "console/Output.h"
 #include "platform/component/ClassRegistry.h"
 #include "platform/component/LibraryFile.h"
+#include "platform/component/Marshal.h"
 
 #include <fmt/format.h>
 
@@ -29,11 +30,9 @@ std::string FailureText(const char* otherwise) {
     if (GetErrorInfo(0, &record) != S_OK) return otherwise;
     BSTR text = nullptr;
     record->GetDescription(&text);
-    const std::string description =
-        Platform::FromUtf16({reinterpret_cast<const char16_t*>(text), SysStringLen(text)});
-    SysFreeString(text);
     record->Release();
-    return description;
+    const Platform::OwnedText description(text);
+    return Platform::FromBstr(text);
 }
 
 void Register(const std::string& named) {

@@ -18,8 +18,6 @@ using namespace Platform;
 
 namespace {
 
-String Name(LPCOLESTR text) { return FromUtf16(reinterpret_cast<const char16_t*>(text)); }
-
 [[noreturn]] void Fail(HRESULT code, const char* description) { throw Error(code, "Runtime", description); }
 
 /// The place that a result goes to, cleared.
@@ -49,7 +47,7 @@ HRESULT Creating(LPCOLESTR name, IDispatch** object, IDispatch* (*make)(const St
     return Doing([&] {
         IDispatch*& result = Cleared(object);
         if (!name) Fail(E_POINTER, "The name is missing");
-        result = make(Name(name));
+        result = make(FromUnits(name));
     });
 }
 

@@ -1,4 +1,5 @@
 #include "boundary/Client.h"
+#include "kit/Stranger.h"
 #include "platform/component/Identifier.h"
 
 #include <thread>
@@ -7,6 +8,7 @@
 namespace {
 
 using namespace Client;
+using TestKit::Stranger;
 
 IUnknown* IdentityOf(IUnknown* object) { return Ask<IUnknown>(object, IID_IUnknown).Get(); }
 
@@ -72,27 +74,6 @@ TEST(Identity, AReleasedCollectionEndsItsMembersUnlessSomebodyHoldsThem) {
 
 // ---- objects of somebody else -----------------------------------------------------------------------
 
-/// An object that knows `IDispatch` and nothing of this host.
-class Stranger final : public IDispatch {
-public:
-    HRESULT QueryInterface(REFIID riid, void** object) override {
-        *object = nullptr;
-        if (!Platform::Same(riid, IID_IUnknown) && !Platform::Same(riid, IID_IDispatch)) return E_NOINTERFACE;
-        *object = this;
-        AddRef();
-        return S_OK;
-    }
-    ULONG AddRef() override { return ++references; }
-    ULONG Release() override { return --references; }
-    HRESULT GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
-    HRESULT GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    HRESULT GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return DISP_E_UNKNOWNNAME; }
-    HRESULT Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override {
-        return DISP_E_MEMBERNOTFOUND;
-    }
-    ULONG references = 1;
-};
-
 Value ValueOf(Stranger& stranger) {
     stranger.AddRef();
     Value value = Value::OfType(VT_DISPATCH);
@@ -101,7 +82,7 @@ Value ValueOf(Stranger& stranger) {
 }
 
 TEST(ForeignObject, IsKeptAndGivenBackAsItIs) {
-    Stranger stranger;
+    Stranger stranger(true);
     {
         const Dispatch collection = Create("Collection");
         Call(collection, "Add", {ValueOf(stranger)});
@@ -111,7 +92,7 @@ TEST(ForeignObject, IsKeptAndGivenBackAsItIs) {
 }
 
 TEST(ForeignObject, IsNoObjectOfAClass) {
-    Stranger stranger;
+    Stranger stranger(true);
     const Dispatch entry = Create("OXClass.cUniCard");
     const Outcome put = Invoke(entry.Get(), "Study", DISPATCH_PROPERTYPUTREF, {ValueOf(stranger)});
     EXPECT_EQ(put.Code, DISP_E_TYPEMISMATCH);

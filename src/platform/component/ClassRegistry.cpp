@@ -88,6 +88,16 @@ void ChangeFile(Change change) {
     }
 }
 
+/// Takes the libraries that match out of the file; false if there were none. Makes no file and no folder.
+template <class Matches>
+bool Erase(Matches matches) {
+    std::size_t erased = 0;
+    std::error_code failed;
+    if (std::filesystem::exists(File(), failed))
+        ChangeFile([&](auto& libraries) { erased = std::erase_if(libraries, matches); });
+    return erased > 0;
+}
+
 /// The file is a text, so the paths in it must be texts.
 void RequireTexts(const LibraryRecord& library) {
     for (const ClassRecord& entry : library.Classes)
@@ -131,24 +141,14 @@ void Enter(const LibraryRecord& library) {
 }
 
 void Remove(const String& identifier) {
-    std::error_code failed;
-    if (!std::filesystem::exists(File(), failed)) return;
-    ChangeFile([&](auto& libraries) {
-        std::erase_if(libraries,
-                      [&](const LibraryRecord& library) { return library.Identifier == identifier; });
-    });
+    Erase([&](const LibraryRecord& library) { return library.Identifier == identifier; });
 }
 
 bool RemoveFile(const String& path) {
-    const auto isFrom = [&](const LibraryRecord& library) {
+    return Erase([&](const LibraryRecord& library) {
         return std::ranges::any_of(library.Classes,
                                    [&](const ClassRecord& entry) { return entry.Library == path; });
-    };
-    std::size_t removed = 0;
-    std::error_code failed;
-    if (std::filesystem::exists(File(), failed))
-        ChangeFile([&](auto& libraries) { removed = std::erase_if(libraries, isFrom); });
-    return removed > 0;
+    });
 }
 
 EnteringHere::EnteringHere() : before_(std::exchange(enteringHere, true)) {}

@@ -19,6 +19,16 @@ HRESULT WrongThread() noexcept {
                    "An object is used only on the thread that made it. Make another object on this thread");
 }
 
+/// What `read` gives for an argument; its failure tells which one it was.
+template <class Read>
+Variant Reading(std::size_t index, Read read) {
+    try {
+        return read();
+    } catch (const Error& failure) {
+        throw ArgumentError(failure, index);
+    }
+}
+
 // ---- error support ----------------------------------------------------------------------------------
 
 /// What an object says of its error records.
@@ -88,11 +98,6 @@ HRESULT STDMETHODCALLTYPE GetTypeInfo(Face*, UINT, LCID, ITypeInfo** info) noexc
     return DISP_E_BADINDEX;
 }
 
-String NameFrom(LPOLESTR name) {
-    if (!name) return {};
-    return FromUtf16(reinterpret_cast<const char16_t*>(name));
-}
-
 DISPID IdOfArgument(const Member& member, const String& name) {
     for (std::size_t i = 0; i < member.Arguments.size(); ++i)
         if (EqualsIgnoringCase(member.Arguments[i].Name, name)) return static_cast<DISPID>(i);
@@ -107,10 +112,10 @@ HRESULT STDMETHODCALLTYPE GetIDsOfNames(Face* self, REFIID riid, LPOLESTR* names
         if (!names || !ids) return E_POINTER;
         if (count == 0) return E_INVALIDARG;
         std::fill_n(ids, count, DISPID_UNKNOWN);
-        const Member* member = InterfaceOfFace(*self).Find(NameFrom(names[0]));
+        const Member* member = InterfaceOfFace(*self).Find(FromUnits(names[0]));
         if (!member) return DISP_E_UNKNOWNNAME;
         ids[0] = member->DispId;
-        for (UINT i = 1; i < count; ++i) ids[i] = IdOfArgument(*member, NameFrom(names[i]));
+        for (UINT i = 1; i < count; ++i) ids[i] = IdOfArgument(*member, FromUnits(names[i]));
         return std::find(ids, ids + count, DISPID_UNKNOWN) == ids + count ? S_OK : DISP_E_UNKNOWNNAME;
     });
 }
@@ -140,7 +145,7 @@ public:
                 continue;
             }
             if (argument.ComesBack && !Receives(*given, argument.Type)) return DISP_E_TYPEMISMATCH;
-            values_[i] = ReadArgument(*given, i);
+            values_[i] = Reading(i, [&] { return FromVariant(*given); });
         }
         return S_OK;
     }
@@ -159,14 +164,6 @@ public:
     }
 
 private:
-    static Variant ReadArgument(const VARIANT& given, std::size_t index) {
-        try {
-            return FromVariant(given);
-        } catch (const Error& failure) {
-            throw ArgumentError(failure, index);
-        }
-    }
-
     static bool IsReferenceToLeftOut(const VARIANT& given) {
         return given.vt == (VT_BYREF | VT_VARIANT) && given.pvarVal && IsLeftOut(*given.pvarVal);
     }
@@ -340,11 +337,7 @@ Variant ReadArgument(const Member& member, std::size_t index, const void* place)
     const bool leftOut =
         argument.Type.Is == MemberType::Kind::Any && IsLeftOut(*static_cast<const VARIANT*>(place));
     if (leftOut) return argument.Default;
-    try {
-        return ReadPlace(argument.Type, place);
-    } catch (const Error& failure) {
-        throw ArgumentError(failure, index);
-    }
+    return Reading(index, [&] { return ReadPlace(argument.Type, place); });
 }
 
 void WriteArgument(const Argument& argument, const Variant& value, const void* place) {

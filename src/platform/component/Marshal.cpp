@@ -180,6 +180,11 @@ String FromBstr(BSTR text) {
     return FromUtf16({reinterpret_cast<const char16_t*>(text), SysStringLen(text)});
 }
 
+String FromUnits(LPCOLESTR text) {
+    if (!text) return {};
+    return FromUtf16(reinterpret_cast<const char16_t*>(text));
+}
+
 // ---- variants ---------------------------------------------------------------------------------------
 
 Variant FromVariant(const VARIANT& variant) {

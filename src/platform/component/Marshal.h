@@ -13,6 +13,9 @@ BSTR ToBstr(std::string_view text);
 /// The text; empty for null.
 String FromBstr(BSTR text);
 
+/// The text of a zero-ended wide string; empty for null.
+String FromUnits(LPCOLESTR text);
+
 /// The value of a variant, followed through references. Raises DISP_E_BADVARTYPE for a type that has no form
 /// here, E_POINTER for a reference to nothing, 6 for a number or date out of range.
 Variant FromVariant(const VARIANT& variant);

@@ -1,6 +1,7 @@
 #include "platform/component/ClassRegistry.h"
 
 #include "kit/Database.h"
+#include "kit/Files.h"
 #include "platform/runtime/Convert.h"
 
 #include <algorithm>
@@ -18,7 +19,9 @@ using namespace Platform;
 using namespace Platform::ClassRegistry;
 namespace fs = std::filesystem;
 using ::testing::HasSubstr;
+using TestKit::Content;
 using TestKit::FailureOf;
+using TestKit::NamesIn;
 using TestKit::TemporaryFolder;
 
 // ---- helpers ----------------------------------------------------------------------------------------
@@ -50,18 +53,6 @@ LibraryRecord Library(const String& name, char digit, const std::vector<String>&
         library.Classes.push_back(
             {name + "." + found, Id('f'), "/opt/" + name + ".so", "Apartment", "multi-use"});
     return library;
-}
-
-String Content(const fs::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
-std::vector<String> NamesIn(const fs::path& folder) {
-    std::vector<String> names;
-    for (const auto& entry : fs::directory_iterator(folder))
-        names.push_back(entry.path().filename().string());
-    return names;
 }
 
 /// A registry file of one test's own, in a folder that is made with it.

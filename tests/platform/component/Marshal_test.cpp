@@ -1,6 +1,7 @@
 #include "platform/component/Marshal.h"
 
 #include "kit/Database.h"
+#include "kit/Stranger.h"
 
 #include <cmath>
 #include <cstring>
@@ -10,6 +11,7 @@ namespace {
 
 using namespace Platform;
 using TestKit::FailureOf;
+using TestKit::Stranger;
 using Kind = MemberType::Kind;
 
 const String Emoji = "\xF0\x9F\x98\x80";
@@ -23,32 +25,6 @@ struct Held : VARIANT {
     Held(int type, void* place) : Held(type) { byref = place; }
     Held(const Held&) = delete;
     ~Held() { VariantClear(this); }
-};
-
-/// An object of somebody else, with or without calls by name, which counts its references.
-class Stranger final : public IDispatch {
-public:
-    explicit Stranger(bool isDispatch) : isDispatch_(isDispatch) {}
-
-    HRESULT QueryInterface(REFIID riid, void** object) override {
-        const bool has = Same(riid, IID_IUnknown) || (isDispatch_ && Same(riid, IID_IDispatch));
-        *object = has ? this : nullptr;
-        if (has) AddRef();
-        return has ? S_OK : E_NOINTERFACE;
-    }
-    ULONG AddRef() override { return ++references; }
-    ULONG Release() override { return --references; }
-    HRESULT GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
-    HRESULT GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    HRESULT GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
-    HRESULT Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override {
-        return E_NOTIMPL;
-    }
-
-    ULONG references = 1;
-
-private:
-    bool isDispatch_;
 };
 
 /// How many references an interface pointer's object has.

@@ -1,6 +1,7 @@
 #include "platform/component/WholeFile.h"
 
 #include "kit/Database.h"
+#include "kit/Files.h"
 
 #include <atomic>
 #include <chrono>
@@ -16,20 +17,9 @@ namespace {
 
 using namespace Platform;
 namespace fs = std::filesystem;
+using TestKit::Content;
+using TestKit::NamesIn;
 using TestKit::TemporaryFolder;
-
-String Content(const fs::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
-std::vector<String> NamesIn(const fs::path& folder) {
-    std::vector<String> names;
-    for (const auto& entry : fs::directory_iterator(folder))
-        names.push_back(entry.path().filename().string());
-    std::ranges::sort(names);
-    return names;
-}
 
 /// No file grows beyond so many bytes while this object lives.
 class FilesUpTo {
