@@ -1,6 +1,7 @@
 #include "console/CardList.h"
 
 #include "frame/Statement.h"
+#include "platform/adodb/Transaction.h"
 
 #include <fmt/format.h>
 
@@ -16,16 +17,25 @@ Long SeriesOf(const Clinic& clinic, Long patient) {
             patient));
 }
 
+void ReadEntries(const Clinic& clinic, const cPatient& patient, cUniCards& entries) {
+    // The list finds the patient by the identifier, which is spliced between quotes.
+    const auto read = [&](const std::string& id) {
+        ComplainOfTextBoxes(
+            [&] { entries.GetICAndSEList4Patient(clinic.Con(), Replace(id, "'", "''"), patient.ID); });
+    };
+    if (PatientsWithID(clinic.Con(), patient.PatientID).size() == 1) return read(patient.PatientID);
+    ADODB::Transaction transaction(clinic.Con());
+    WithUniqueID(clinic.Con(), patient, read);
+    transaction.Commit();
+}
+
 }  // namespace
 
 CardList ListCards(const Clinic& clinic, const std::string& patient) {
     CardList list{.patient = LoadPatient(clinic, patient), .entries = New<cUniCards>()};
     const Long before = SeriesOf(clinic, list.patient->ID);
-    // The list takes the number as it stands between quotes.
-    const String number = Replace(list.patient->PatientID, "'", "''");
     try {
-        ComplainOfTextBoxes(
-            [&] { list.entries->GetICAndSEList4Patient(clinic.Con(), number, list.patient->ID); });
+        ReadEntries(clinic, *list.patient, *list.entries);
     } catch (const Complaint& told) {
         throw Complaint(
             fmt::format("the list of patient {} can't be read whole; look for the damaged card, study or "

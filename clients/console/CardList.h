@@ -2,7 +2,7 @@
 
 #include "cards/cUniCards.h"
 #include "console/Clinic.h"
-#include "console/FindPatient.h"
+#include "console/patients/PatientStore.h"
 
 #include <map>
 

@@ -17,18 +17,18 @@ struct Program {
 
 void AddInit(Program& program);
 void AddImport(Program& program);
-void AddPatients(Program& program);   ///< patients, patient
-void AddRecords(Program& program);    ///< studies, series, images, comment
-void AddHanging(Program& program);    ///< hang
-void AddCards(Program& program);      ///< cards, series save-as-card
-void AddComposing(Program& program);  ///< card new, add, move, remove, show
-void AddDrawing(Program& program);    ///< draw, report
-void AddLayouts(Program& program);    ///< layouts, anatomy
-void AddStaff(Program& program);      ///< doctors, doctor, clinics, clinic, guid
-void AddWorklist(Program& program);   ///< worklist
-void AddIdl(Program& program);        ///< idl
+void AddPatients(Program& program);      ///< patients, patient
+void AddRecords(Program& program);       ///< studies, series, images, comment
+void AddHanging(Program& program);       ///< hang
+void AddCards(Program& program);         ///< cards, series save-as-card
+void AddComposing(Program& program);     ///< card new, add, move, remove, show
+void AddDrawing(Program& program);       ///< draw, report
+void AddLayouts(Program& program);       ///< layouts, anatomy
+void AddStaff(Program& program);         ///< doctors, doctor, clinics, clinic, guid
+void AddWorklist(Program& program);      ///< worklist
+void AddIdl(Program& program);           ///< idl
 void AddRegistration(Program& program);  ///< register, unregister, classes
-void AddSettings(Program& program);   ///< roots, setting, uid
+void AddSettings(Program& program);      ///< roots, setting, uid
 
 /// A whole number of the command line, "12" or "K12". Throws `Complaint` for anything else.
 Platform::Long NumberOf(const std::string& text, const char* what);

@@ -1,7 +1,7 @@
 #include "console/Commands.h"
 #include "console/Program.h"
 #include "console/Report.h"
-#include "console/StoredFile.h"
+#include "console/WholeFile.h"
 #include "console/page/Png.h"
 #include "console/page/Svg.h"
 

@@ -1,5 +1,5 @@
 #include "console/Commands.h"
-#include "console/StoredFile.h"
+#include "console/WholeFile.h"
 #include "library/TypeLibrary.h"
 
 #include <fmt/format.h>
@@ -8,10 +8,10 @@ namespace Console {
 
 void AddIdl(Program& program) {
     const auto file = std::make_shared<std::string>();
-    auto* idl = program.app.add_subcommand(
-        "idl",
-        "print the type library of the classes as interface-definition text, or with --json for programs that "
-        "generate code; needs no database");
+    auto* idl = program.app.add_subcommand("idl",
+                                           "print the type library of the classes as interface-definition "
+                                           "text, or with --json for programs that "
+                                           "generate code; needs no database");
     idl->add_option("-o,--output", *file, "write it to this file")->type_name("FILE.idl");
     idl->footer("Example: oxclass idl -o OXClass.idl");
     idl->callback([file, &program] {

@@ -1,19 +1,16 @@
 #include "console/Commands.h"
 
-#include "console/FindPatient.h"
-#include "console/Hanging.h"
 #include "console/Program.h"
-#include "console/StoredFile.h"
-#include "console/dicom/DicomFile.h"
-#include "frame/Class1.h"
-#include "frame/Statement.h"
-#include "images/cImage.h"
-#include "series/cSerie.h"
-#include "series/cStudy.h"
+#include "console/import/FoundFiles.h"
+#include "console/import/ReadFile.h"
+#include "console/import/SeriesImport.h"
+#include "console/import/StopSignals.h"
+#include "console/import/WorkerPool.h"
 
 #include <algorithm>
-#include <cmath>
 #include <fmt/format.h>
+#include <list>
+#include <thread>
 
 namespace Console {
 namespace {
@@ -21,308 +18,160 @@ namespace {
 namespace fs = std::filesystem;
 using namespace OXClass;
 
-/// A file that was read, with its place.
-struct Radiograph {
-    fs::path path;
-    RadiographFile file;
-};
+/// Files whose series may still get other files are kept in memory: a series is stored when none of the
+/// next `FilesApart` files belongs to it, or when it has `LargestBatch` files. Files of the same series that
+/// come later are stored then, as if they were imported later.
+constexpr std::size_t FilesApart = 256, LargestBatch = 2000;
 
-/// What an import came to, for the last line and the exit code.
+/// What an import came to, for the last lines and the exit code.
 struct Tally {
-    std::size_t files = 0, stored = 0, known = 0, failed = 0;
+    std::size_t files = 0, stored = 0, known = 0, failed = 0, skipped = 0;
     std::vector<Long> hung;  ///< series that were hung
+    nlohmann::ordered_json conflicts = nlohmann::ordered_json::array();
+    std::size_t left = 0;  ///< files that were not looked at because the import was told to stop
+    bool stopped = false;
 };
 
-Date DateOf(const std::string& text) { return ParseDate(text).value_or(Date{}); }
-
-xigImageTypes TypeOf(const RadiographFile& file) {
-    if (file.modality == "IO") return imggTypeDXIntraOral;
-    if (file.modality == "PX") return imggTypeDXPanoramic;
-    if (file.modality == "XC") return imggTypeVLPhotographic;
-    if (file.modality != "DX") return imggTypeSC;
-    const bool head = file.region == "T-11100" || Contains(UCase(file.seriesDescription), "CEPH");
-    return head ? imggTypeDXCephalometric : imggTypeDXGeneral;
-}
-
-/// Refuses what is no DICOM identifier: the library would take a UID without a dot for a row's key.
-void RequireUid(const std::string& uid, const char* what) {
-    const bool formed =
-        uid.find_first_not_of("0123456789.") == std::string::npos && Contains(uid, ".") && uid.size() <= 64;
-    if (!formed) throw Complaint(fmt::format("its {} \"{}\" is no DICOM identifier", what, uid));
-}
-
-/// The files of the folders and files that were named, in the order of their names, each once.
-struct FoundFiles {
-    std::vector<fs::path> files;
-    std::vector<std::pair<fs::path, std::string>> unreadable;  ///< folders, with the reason
+/// The files of one series that were read and not stored yet.
+struct PendingSeries {
+    std::vector<Radiograph> files;
+    std::size_t last = 0;  ///< position of the newest one among all files
 };
 
-void AddFolder(const fs::path& folder, FoundFiles& found) {
-    std::error_code failure;
-    for (fs::directory_iterator entry(folder, failure), end; !failure && entry != end;
-         entry.increment(failure)) {
-        std::error_code unknown;
-        if (entry->is_symlink(unknown) && entry->is_directory(unknown))
-            continue;  // may lead round in a circle
-        if (entry->is_directory(unknown)) AddFolder(entry->path(), found);
-        if (entry->is_regular_file(unknown)) found.files.push_back(entry->path());
-    }
-    if (failure) found.unreadable.emplace_back(folder, "the folder can't be read: " + failure.message());
-}
-
-FoundFiles FilesOf(const std::vector<std::string>& names) {
-    FoundFiles found;
-    for (const std::string& name : names) {
-        if (!fs::exists(name)) throw Complaint(fmt::format("there is no file or folder {}", name));
-        if (fs::is_directory(name))
-            AddFolder(name, found);
-        else if (fs::is_regular_file(name))
-            found.files.emplace_back(name);
-        else
-            throw Complaint(fmt::format("{} is neither a file nor a folder", name));
-    }
-    std::sort(found.files.begin(), found.files.end());
-    found.files.erase(std::unique(found.files.begin(), found.files.end()), found.files.end());
-    return found;
-}
-
-/// One import: reads files, and stores them series by series.
+/// One import: reads files in worker processes, and stores them series by series.
 class Import {
 public:
-    explicit Import(const Clinic& clinic) : con_(clinic.Con()) {
-        String root = services_->GetRootOnID(con_, 0);
-        if (root.empty())
-            throw Complaint("the database has no active storage root; add one with: oxclass roots --add DIR");
-        root_ = root;
-        services_->GetRoots(con_);
-    }
+    Import(const Clinic& clinic, PatientDecision decision, unsigned jobs)
+        : series_(clinic.Con(), decision), patientDecided_(!decision.patient.empty()), jobs_(jobs) {}
 
-    void Run(const FoundFiles& found);
-    const Tally& Result() const noexcept { return tally_; }
+    Tally Run(const FoundFiles& found);
 
 private:
-    using Group = std::vector<Radiograph>;
-
-    std::vector<Group> ReadAll(const std::vector<fs::path>& paths);
-    void StoreSeries(const Group& group);
-    Long StoreGroup(const Group& group, std::vector<StoredFile>& files);
-    Long PatientOf(const RadiographFile& file);
-    Long StudyOf(const RadiographFile& file, Long patient);
-    Ref<cSerie> SeriesOf(const RadiographFile& file, Long study);
-    bool StoreImage(const Radiograph& radiograph, Long patient, const cSerie& series,
-                    std::vector<StoredFile>& files);
-    Ref<cImage> ImageOf(const RadiographFile& file);
-    void RequireSame(const Radiograph& radiograph, const cImage& image, Long patient, const cSerie& series,
-                     std::vector<StoredFile>& files) const;
-    void Fill(cImage& image, const Radiograph& radiograph, Long patient, const cSerie& series) const;
+    void ReadAndStore(const std::vector<FoundFile>& files);
+    void Take(const FoundFile& file, const WorkerPool::Answer& answer, std::size_t position);
+    void StoreReady(std::size_t position);
+    void Store(std::list<PendingSeries>::iterator series);
+    void Add(const SeriesResult& result);
     void Report(const fs::path& path, const std::string& reason);
+    void Tell(const std::string& text);
+    void Done(std::size_t files);
 
-    Ref<Connection> con_;
-    Ref<Class1> services_ = New<Class1>();
-    std::string root_;
+    SeriesImport series_;
+    bool patientDecided_;
+    unsigned jobs_;
+    std::list<PendingSeries> pending_;  // in the order in which the series were met
+    std::map<std::string, std::list<PendingSeries>::iterator> pendingOf_;
     Tally tally_;
-    Progress* progress_ = nullptr;
+    std::optional<Progress> progress_;
 };
 
-void Import::Report(const fs::path& path, const std::string& reason) {
+void Import::Tell(const std::string& text) {
     if (progress_) progress_->Clear();
+    fmt::print(stderr, "{}\n", Printable(text));
+}
+
+void Import::Report(const fs::path& path, const std::string& reason) {
     ++tally_.failed;
-    fmt::print(stderr, "{}: not imported: {}\n", path.string(), reason);
+    Tell(fmt::format("{}: not imported: {}", path.string(), reason));
 }
 
-/// All readable files, grouped by series in the order in which the series were met.
-std::vector<Import::Group> Import::ReadAll(const std::vector<fs::path>& paths) {
-    std::vector<Group> groups;
-    std::map<std::string, std::size_t> groupOf;
-    Progress progress("files read", paths.size());
-    progress_ = &progress;
-    for (const fs::path& path : paths) {
-        ++tally_.files;
-        try {
-            RadiographFile file = ReadRadiograph(path);
-            if (file.patientID.empty()) throw Complaint("it has no Patient ID, so it belongs to nobody");
-            RequireUid(file.studyUID, "Study Instance UID");
-            RequireUid(file.seriesUID, "Series Instance UID");
-            RequireUid(file.sopInstanceUID, "SOP Instance UID");
-            const auto [group, isNew] = groupOf.try_emplace(file.seriesUID, groups.size());
-            if (isNew) groups.emplace_back();
-            groups[group->second].push_back({path, std::move(file)});
-        } catch (const std::exception& failure) {
-            Report(path, failure.what());
-        }
-        progress.Step();
-    }
-    progress_ = nullptr;
-    return groups;
+void Import::Done(std::size_t files) {
+    for (std::size_t i = 0; i < files; ++i) progress_->Step();
 }
 
-void Import::Run(const FoundFiles& found) {
+Tally Import::Run(const FoundFiles& found) {
     for (const auto& [folder, reason] : found.unreadable) Report(folder, reason);
-    const std::vector<Group> groups = ReadAll(found.files);
-    std::size_t images = 0;
-    for (const Group& group : groups) images += group.size();
-    Progress progress("images stored", images);
-    progress_ = &progress;
-    for (const Group& group : groups) StoreSeries(group);
-    progress_ = nullptr;
-}
-
-/// Stores one series whole, or nothing of it: a failure rolls its rows back and removes its copies.
-void Import::StoreSeries(const Group& group) {
-    const Tally before = tally_;
-    std::vector<StoredFile> files;
-    con_->BeginTrans();
+    progress_.emplace("files", found.files.size());
     try {
-        const Long series = StoreGroup(group, files);
-        if (tally_.stored == before.stored) return con_->RollbackTrans();
-        HangStored(con_, series);
-        tally_.hung.push_back(series);
-        con_->CommitTrans();
-        for (StoredFile& file : files) file.Keep();
-    } catch (const std::exception& failure) {
-        con_->RollbackTrans();
-        tally_ = before;
-        const auto* error = dynamic_cast<const Error*>(&failure);
-        const std::string reason =
-            error ? fmt::format("error {}: {}", error->Number, error->Description) : failure.what();
-        for (const Radiograph& radiograph : group) Report(radiograph.path, reason);
+        ReadAndStore(found.files);
+    } catch (const Stopped&) {
+        tally_.stopped = true;
+    }
+    progress_->Clear();
+    tally_.left = found.files.size() - tally_.files;
+    return tally_;
+}
+
+void Import::ReadAndStore(const std::vector<FoundFile>& files) {
+    WorkerPool pool(ReadPacked, jobs_);
+    std::size_t submitted = 0;
+    const auto stop = [] { return StopSignals::Requested() != 0; };
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        for (; submitted < std::min(files.size(), i + FilesApart); ++submitted)
+            pool.Submit(files[submitted].path.string());
+        const auto answer = pool.Next(stop);
+        if (!answer || stop()) throw Stopped();
+        Take(files[i], *answer, i);
+        StoreReady(i);
+    }
+    while (!pending_.empty()) Store(pending_.begin());
+}
+
+/// Puts a file that was read to the files of its series, or reports why it isn't imported.
+void Import::Take(const FoundFile& file, const WorkerPool::Answer& answer, std::size_t position) {
+    ReadFile read;
+    if (answer.failure.empty())
+        read = Unpacked(answer.bytes);
+    else
+        read.refusal = answer.failure;
+    if (read.file && read.file->patientID.empty() && !patientDecided_) {
+        read.refusal = "it has no Patient ID, so it belongs to nobody; say whose it is with --patient";
+        read.file.reset();
+    }
+    if (!read.file) {
+        ++tally_.files;
+        Done(1);
+        if (!read.foreign || IsExpectedRadiograph(file)) return Report(file.path, read.refusal);
+        ++tally_.skipped;
+        return;
+    }
+    const auto [known, isNew] = pendingOf_.try_emplace(read.file->seriesUID);
+    if (isNew) known->second = pending_.emplace(pending_.end());
+    known->second->files.push_back({file.path, std::move(*read.file), read.noPicture});
+    known->second->last = position;
+}
+
+void Import::StoreReady(std::size_t position) {
+    for (auto series = pending_.begin(); series != pending_.end();) {
+        const auto next = std::next(series);
+        if (series->last + FilesApart < position || series->files.size() >= LargestBatch) Store(series);
+        series = next;
     }
 }
 
-Long Import::StoreGroup(const Group& group, std::vector<StoredFile>& files) {
-    const RadiographFile& first = group.front().file;
-    const Long patient = PatientOf(first);
-    const Ref<cSerie> series = SeriesOf(first, StudyOf(first, patient));
-    for (const Radiograph& radiograph : group) {
-        if (!EqualsIgnoringCase(radiograph.file.patientID, first.patientID))
-            throw Complaint(fmt::format("the files of series {} name two patients, {} and {}",
-                                        first.seriesUID, first.patientID, radiograph.file.patientID));
-        progress_->Step();
-        try {
-            (StoreImage(radiograph, patient, *series, files) ? tally_.stored : tally_.known) += 1;
-        } catch (const Complaint& refused) {  // raised before anything of the image was written
-            Report(radiograph.path, refused.what());
-        }
+void Import::Store(std::list<PendingSeries>::iterator series) {
+    const std::vector<Radiograph> files = std::move(series->files);
+    pendingOf_.erase(files.front().file.seriesUID);
+    pending_.erase(series);
+    std::string reason;
+    try {
+        Add(series_.Store(files));
+    } catch (const IdentityConflict& conflict) {
+        Tell("The patient of a series contradicts another one:");
+        fmt::print(stderr, "{}", conflict.table);
+        tally_.conflicts.push_back(conflict.json);
+        reason = conflict.what();
+    } catch (const Error& failure) {
+        reason = fmt::format("error {}: {}", failure.Number, failure.Description);
+    } catch (const std::runtime_error& failure) {
+        reason = failure.what();
     }
-    return series->ID;
+    tally_.files += files.size();
+    Done(files.size());
+    if (reason.empty()) return;
+    for (const Radiograph& radiograph : files) Report(radiograph.path, reason);
 }
 
-/// The patient's number; a patient that isn't known yet is made, a known one stays as it is.
-Long Import::PatientOf(const RadiographFile& file) {
-    const Ref<cPatient> patient = New<cPatient>();
-    if (FindPatient(con_, *patient, file.patientID)) return patient->ID;
-    patient->PatientID = file.patientID;
-    patient->LastName = file.familyName;
-    patient->FirstName = file.givenName;
-    patient->Sex = WithoutQuotes(Left(file.sex, 1));
-    patient->BirthDate = DateOf(file.birthDate);
-    Long place = 0;
-    for (const std::string& identifier : file.otherPatientIDs) {
-        String other = WithoutQuotes(identifier);
-        patient->OtherIDs->Add(other, place, "K" + CStr(place));
-        ++place;
-    }
-    patient->Save(con_);
-    return patient->ID;
+void Import::Add(const SeriesResult& result) {
+    tally_.stored += result.stored;
+    tally_.known += result.known;
+    if (result.hung != 0) tally_.hung.push_back(result.hung);
+    for (const auto& [path, reason] : result.refused) Report(path, reason);
+    for (const std::string& note : result.notes) Tell(note);
 }
 
-Long Import::StudyOf(const RadiographFile& file, Long patient) {
-    const Ref<cStudy> study = New<cStudy>();
-    if (study->loadStudy(file.studyUID, con_)) {
-        if (study->PatientID != patient)
-            throw Complaint(fmt::format("its study {} belongs to another patient already", file.studyUID));
-        return study->ID;
-    }
-    study->instanceUID = file.studyUID;
-    study->PatientID = patient;
-    study->dateTime = DateOf(file.studyDateTime);
-    study->description = file.studyDescription;
-    study->studyID = file.studyID;
-    study->accessionNumber = file.accessionNumber;
-    study->referDrName = file.referringPhysician;
-    study->PhysOfRecord = fmt::format("{}", fmt::join(file.physiciansOfRecord, "\\"));
-    study->savestudy(false, con_);
-    return study->ID;
-}
-
-Ref<cSerie> Import::SeriesOf(const RadiographFile& file, Long study) {
-    Ref<cSerie> series = New<cSerie>();
-    if (series->loadSeries(file.seriesUID, con_)) {
-        if (series->studyID != study)
-            throw Complaint(fmt::format("its series {} belongs to another study already", file.seriesUID));
-        return series;
-    }
-    series->instanceUID = file.seriesUID;
-    series->studyID = study;
-    series->Modality = file.modality;
-    series->seriesNumber = CStr(Long{file.seriesNumber});
-    series->SeriesDescription = file.seriesDescription;
-    series->SeriesDateTime = DateOf(file.seriesDateTime);
-    series->location = gdcmObjectLocLocal;
-    series->SaveSeries(false, con_);
-    return series;
-}
-
-/// The stored image of the file, or a new one.
-Ref<cImage> Import::ImageOf(const RadiographFile& file) {
-    Ref<cImage> image = New<cImage>();
-    const Ref<Recordset> known =
-        con_->Execute(sql("SELECT ImageBildID FROM ImageBild_T WHERE SOPInstanceUID_NVC = '",
-                          FixSqlString(file.sopInstanceUID), "'"));
-    if (!known->Eof()) image->GetImage(con_, CLng(known->Fields(0).Value()));
-    return image;
-}
-
-/// Refuses a file whose stored image is another one. A copy that is gone from its root is made
-/// again, since that is what the user imports it for.
-void Import::RequireSame(const Radiograph& radiograph, const cImage& image, Long patient,
-                         const cSerie& series, std::vector<StoredFile>& files) const {
-    if (image.PatID != patient || image.seriesID != series.ID)
-        throw Complaint(fmt::format("its SOP Instance UID {} belongs to an image of another series already",
-                                    radiograph.file.sopInstanceUID));
-    files.emplace_back(radiograph.path, StoredPath(image.Root_RootDirectory, image.URL)).Keep();
-}
-
-/// Copies the file and stores its image; false if the image is stored already, with the same file.
-bool Import::StoreImage(const Radiograph& radiograph, Long patient, const cSerie& series,
-                        std::vector<StoredFile>& files) {
-    const Ref<cImage> image = ImageOf(radiograph.file);
-    if (image->ID != 0 && !image->URL.empty()) {
-        RequireSame(radiograph, *image, patient, series, files);
-        return false;
-    }
-    const std::string name =
-        services_->GetSubFolder(patient) + "\\" + radiograph.file.sopInstanceUID + ".dcm";
-    files.emplace_back(radiograph.path, StoredPath(root_, name));
-    Fill(*image, radiograph, patient, series);
-    image->URL = name;
-    image->SaveEx(false, con_);
-    return true;
-}
-
-void Import::Fill(cImage& image, const Radiograph& radiograph, Long patient, const cSerie& series) const {
-    const RadiographFile& file = radiograph.file;
-    const auto whole = [](double value) { return CLng(std::clamp(value, 0.0, 2e9)); };
-    image.ImageType = TypeOf(file);
-    image.PatID = patient;
-    image.studyID = series.studyID;
-    image.seriesID = series.ID;
-    image.instanceUID = file.sopInstanceUID;
-    image.dateTime = DateOf(file.acquisitionDateTime);
-    image.ImageNumberInSeries = file.instanceNumber;
-    image.RootId = services_->ActiveRootID;
-    image.MirrRotStatus = 1;
-    image.DPIX = file.dpiX;
-    image.DPIY = file.dpiY;
-    image.sTeeth = file.teeth;
-    image.Laterality = file.laterality;
-    image.AnaRegion = file.region;
-    image.AnaRegionMod = file.regionModifier;
-    image.Voltage_kV = whole(file.kvp);
-    image.Current_mA = whole(file.tubeCurrent_mA);
-    image.ExposureTime_ms = whole(file.exposureTime_ms);
-    image.HWSourceTxt = Trim(file.manufacturer + " " + file.model + " " + file.serialNumber);
-    image.RespPerson = WithoutQuotes(file.operatorsName);
+std::string Plural(std::size_t count, const char* one, const char* many) {
+    return fmt::format("{} {}", count, count == 1 ? one : many);
 }
 
 void PrintTally(const Tally& tally, bool json) {
@@ -331,31 +180,65 @@ void PrintTally(const Tally& tally, bool json) {
                           {"stored", tally.stored},
                           {"known", tally.known},
                           {"failed", tally.failed},
-                          {"series", tally.hung}});
+                          {"skipped", tally.skipped},
+                          {"series", tally.hung},
+                          {"conflicts", tally.conflicts},
+                          {"stopped", tally.stopped},
+                          {"left", tally.left}});
     fmt::print("{} files: {} new images stored, {} were stored already, {} not imported; {} series hung.\n",
                tally.files, tally.stored, tally.known, tally.failed, tally.hung.size());
+    if (tally.skipped > 0)
+        fmt::print("{} without DICOM data skipped.\n", Plural(tally.skipped, "file was", "files were"));
     if (tally.stored == 0 && tally.known > 0) fmt::print("Nothing was stored twice.\n");
+    if (tally.stopped)
+        fmt::print("Stopped: {} not imported. Import the folder again to continue.\n",
+                   Plural(tally.left, "file was", "files were"));
 }
 
-void ImportFolders(Program& program, const std::vector<std::string>& names) {
+void ImportFolders(Program& program, const std::vector<std::string>& names, const PatientDecision& decision,
+                   unsigned jobs) {
+    const StopSignals signals;
     const Clinic clinic(program.options);
-    Import import(clinic);
-    import.Run(FilesOf(names));
-    PrintTally(import.Result(), program.options.json);
-    if (import.Result().failed > 0) program.exitCode = PartlyDone;
+    const FoundFiles found = FindFiles(names);
+    const Tally tally = Import(clinic, decision, jobs).Run(found);
+    PrintTally(tally, program.options.json);
+    if (tally.failed > 0 || tally.stopped) program.exitCode = PartlyDone;
 }
 
 }  // namespace
 
 void AddImport(Program& program) {
-    const auto names = std::make_shared<std::vector<std::string>>();
+    constexpr unsigned mostJobs = 64;
+    struct Arguments {
+        std::vector<std::string> names;
+        PatientDecision decision;
+        unsigned jobs = std::clamp(std::thread::hardware_concurrency(), 1U, 8U);
+    };
+    const auto given = std::make_shared<Arguments>();
     auto* command = program.app.add_subcommand(
         "import", "read radiographs from folders of DICOM files, store them and hang each series");
-    command->add_option("FOLDER", *names, "folders, with all below them, or single files")->required();
+    command->add_option("FOLDER", given->names, "folders, with all below them, a DICOMDIR, or single files")
+        ->required();
+    auto* patient =
+        command->add_option("--patient", given->decision.patient,
+                            "all files belong to this patient, whatever they say: an ID, or # and "
+                            "the number");
+    patient->type_name("PATIENT");
+    command
+        ->add_flag("--new-patient", given->decision.newPatient,
+                   "all files belong to patients who aren't in the database yet, whoever has the same ID")
+        ->excludes(patient);
+    command->add_option("--jobs", given->jobs, "processes that read files; default: one for each processor")
+        ->check(CLI::Range(1U, mostJobs))
+        ->type_name("N");
     command->footer(
-        "Importing the same files again stores nothing twice. Exit code 3: some files were not imported.\n"
+        "Importing the same files again stores nothing twice. A series whose patient contradicts the stored\n"
+        "patient of the same ID isn't stored; --patient and --new-patient decide. SIGINT ends an import "
+        "between\n"
+        "two images. Exit code 3: some files were not imported.\n"
         "Example: oxclass --db clinic.db import ~/radiographs");
-    command->callback([&program, names] { ImportFolders(program, *names); });
+    command->callback(
+        [&program, given] { ImportFolders(program, given->names, given->decision, given->jobs); });
 }
 
 }  // namespace Console

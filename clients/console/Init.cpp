@@ -1,6 +1,7 @@
 #include "console/Commands.h"
 
 #include "Schema.h"
+#include "console/import/StorageRoot.h"
 #include "frame/Statement.h"
 
 #include <fmt/format.h>
@@ -32,12 +33,29 @@ private:
     fs::path path_, made_;
 };
 
-void Fill(const fs::path& file, const fs::path& root) {
+/// The clinic of a database that is replaced, so that its storage root can be used on; empty for any other
+/// file.
+std::string ClinicOf(const fs::path& file) {
+    if (!fs::exists(file)) return {};
+    const Ref<Connection> con = Platform::New<Connection>();
+    try {
+        con->Open(ConnectionStringOf(file.string(), "Read"));
+        return StorageRoots(con).StoredIdentity();
+    } catch (const Platform::Error&) {
+        return {};
+    }
+}
+
+void Fill(const fs::path& file, const fs::path& root, const std::string& clinic) {
     const Ref<Connection> con = Platform::New<Connection>();
     con->Open(ConnectionStringOf(file.string(), "Create"));
     con->BeginTrans();
     RunScript(con, schema::sqlite_sql);
     RunScript(con, schema::layouts_sql);
+    RunScript(con, schema::program_sql);
+    if (!clinic.empty())
+        con->Execute(sql("INSERT INTO ClinicIdentity_T (Identity) VALUES ('", FixSqlString(clinic), "')"));
+    StorageRoots(con).Create(root);
     con->Execute(sql("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, '",
                      FixSqlString(root.string()), "', 1);"));
     con->CommitTrans();
@@ -82,9 +100,8 @@ void Init(const std::string& name, const std::string& rootName, bool replace) {
     if (!fs::is_directory(file.parent_path()))
         throw Complaint(fmt::format("there is no folder {}; make it first", file.parent_path().string()));
     if (!replace) PutAside(file, false);
-    fs::create_directories(root);
     NewFile made(file);
-    Fill(made.Made(), root);
+    Fill(made.Made(), root, replace ? ClinicOf(file) : std::string());
     PutAside(file, replace);
     made.Finish();
     fmt::print("{} is ready; images go to {}\nNext: oxclass --db {} import FOLDER\n", file.string(),

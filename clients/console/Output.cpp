@@ -20,8 +20,9 @@ std::string CellText(const Json& value) {
     return value.is_string() ? Printable(value.get<std::string>()) : value.dump();
 }
 
-/// The columns of a terminal that a text takes: twice as many for a character of an eastern script.
-std::size_t Width(std::string_view text) {
+}  // namespace
+
+std::size_t DisplayWidth(std::string_view text) {
     std::size_t width = 0;
     for (const char16_t unit : Platform::ToUtf16(text)) {
         const bool wide = (unit >= 0x1100 && unit <= 0x115F) || (unit >= 0x2E80 && unit <= 0xA4CF) ||
@@ -31,8 +32,6 @@ std::size_t Width(std::string_view text) {
     }
     return width;
 }
-
-}  // namespace
 
 std::string Printable(std::string text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -95,15 +94,15 @@ Json List::Rows() const {
 void List::PrintText() const {
     std::vector<std::size_t> widths;
     for (std::size_t i = 0; i < columns_.size(); ++i) {
-        std::size_t width = Width(columns_[i].title);
-        for (const auto& row : rows_) width = std::max(width, Width(CellText(row[i])));
+        std::size_t width = DisplayWidth(columns_[i].title);
+        for (const auto& row : rows_) width = std::max(width, DisplayWidth(CellText(row[i])));
         widths.push_back(width);
     }
     const auto line = [&](auto cell) {
         std::string text;
         for (std::size_t i = 0; i < columns_.size(); ++i) {
             const std::string value = cell(i);
-            text += value + std::string(widths[i] - Width(value) + 2, ' ');
+            text += value + std::string(widths[i] - DisplayWidth(value) + 2, ' ');
         }
         text.erase(text.find_last_not_of(' ') + 1);
         fmt::print("{}\n", text);

@@ -53,6 +53,9 @@ nlohmann::ordered_json AsJson(const Platform::Variant& value);
 /// The text without what would move a terminal's cursor or break a line: control characters become blanks.
 std::string Printable(std::string text);
 
+/// The columns of a terminal that a UTF-8 text takes: two for a character of an eastern script, else one.
+std::size_t DisplayWidth(std::string_view text);
+
 /// A date as text, with the time where it has one; empty for the zero date.
 std::string DateText(Platform::Date date);
 

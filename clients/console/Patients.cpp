@@ -1,6 +1,10 @@
 #include "console/Commands.h"
 #include "console/Fields.h"
-#include "console/FindPatient.h"
+#include "console/patients/PatientStore.h"
+#include "console/patients/TypedDate.h"
+#include "frame/Statement.h"
+#include "platform/adodb/Transaction.h"
+#include "platform/runtime/Services.h"
 
 #include <fmt/format.h>
 
@@ -53,29 +57,46 @@ constexpr TextField<cPatient> TextFields[] = {
     {"IDImg", &cPatient::IDImg},
 };
 
-Date DateOf(const std::string& value) {
-    if (value.empty()) return {};
-    const auto date = ParseDate(value);
-    if (!date || (date->Days > -1 && date->Days < 1))
-        throw Complaint(fmt::format("\"{}\" is no date; write it as 1980-01-31", value));
-    return *date;
+/// The day that a person typed; the zero date for an empty text.
+Date DateOf(const std::string& value) { return value.empty() ? Date{} : TypedDate(value); }
+
+Date BirthDateOf(const std::string& value) {
+    const Date date = DateOf(value);
+    if (date > Now()) throw Complaint(fmt::format("the birth date {} is in the future", DateText(date)));
+    return date;
 }
 
-void SetField(cPatient& patient, const std::string& assignment) {
+std::string SexOf(const std::string& value) {
+    const std::string letter = UCase(Trim(value));
+    if (!letter.empty() && letter != "M" && letter != "F" && letter != "O")
+        throw Complaint(fmt::format("\"{}\" is not a sex; write M, F or O, or nothing", value));
+    return letter;
+}
+
+Long DoctorOf(const Clinic& clinic, const std::string& value) {
+    const Long doctor = value.empty() ? 0 : NumberOf(value, "a doctor");
+    if (doctor != 0 && clinic.Number(sql("SELECT count(*) FROM Doctor_T WHERE drID = ", doctor)) == 0)
+        throw Complaint(fmt::format("there is no doctor {}; see: oxclass doctors", doctor));
+    return doctor;
+}
+
+void SetField(const Clinic& clinic, cPatient& patient, const std::string& assignment) {
     const auto [name, value] = AssignmentOf(assignment);
+    if (EqualsIgnoringCase(name, "PatientID")) return ChangePatientID(clinic.Con(), patient, value);
+    if (EqualsIgnoringCase(name, "Sex")) return void(patient.Sex = SexOf(value));
     if (SetText<cPatient>(patient, TextFields, name, value)) return;
-    if (EqualsIgnoringCase(name, "BirthDate")) return void(patient.BirthDate = DateOf(value));
+    if (EqualsIgnoringCase(name, "BirthDate")) return void(patient.BirthDate = BirthDateOf(value));
     if (EqualsIgnoringCase(name, "PrevXrayDate")) return void(patient.PrevXrayDate = DateOf(value));
-    if (EqualsIgnoringCase(name, "RespDoctor"))
-        return void(patient.RespDoctor = value.empty() ? 0 : NumberOf(value, "a doctor"));
+    if (EqualsIgnoringCase(name, "RespDoctor")) return void(patient.RespDoctor = DoctorOf(clinic, value));
     if (EqualsIgnoringCase(name, "OtherIDs")) return patient.OtherIDs->FillFromString(value);
     throw Complaint(fmt::format("a patient has no field \"{}\"; oxclass patient ID shows them all", name));
 }
 
-Json Shown(const cPatient& patient) {
+Json Shown(const Clinic& clinic, const cPatient& patient) {
     Json json;
     json["Number"] = patient.ID;
     json["PatientID"] = patient.PatientID;
+    json["Issuer"] = IdentityOf(clinic.Con(), patient).issuer;
     AddTexts<cPatient>(json, patient, TextFields);
     json["BirthDate"] = DateText(patient.BirthDate);
     json["PrevXrayDate"] = DateText(patient.PrevXrayDate);
@@ -84,47 +105,24 @@ Json Shown(const cPatient& patient) {
     return json;
 }
 
+/// Changes fields of one row, read and written in one transaction.
+void SetPatient(const Clinic& clinic, const std::string& id, const std::vector<std::string>& assignments) {
+    ADODB::Transaction transaction(clinic.Con());
+    const Ref<cPatient> patient = LoadPatient(clinic, id);
+    for (const std::string& assignment : assignments) SetField(clinic, *patient, assignment);
+    SavePatient(clinic.Con(), *patient);
+    transaction.Commit();
+}
+
 void ShowPatient(const Options& options, const std::string& id, const std::vector<std::string>& assignments) {
     const Clinic clinic(options);
-    const Ref<cPatient> patient = LoadPatient(clinic, id);
-    for (const std::string& assignment : assignments) SetField(*patient, assignment);
-    if (!assignments.empty()) {
-        RequireStorable(*patient);
-        patient->Save(clinic.Con());
-    }
-    PrintFields(Shown(*patient), options.json);
+    const Long number = LoadPatient(clinic, id)->ID;
+    const std::string row = fmt::format("#{}", number);
+    if (!assignments.empty()) SetPatient(clinic, row, assignments);
+    PrintFields(Shown(clinic, *LoadPatient(clinic, row)), options.json);
 }
 
 }  // namespace
-
-bool FindPatient(const Ref<Connection>& con, cPatient& patient, const std::string& id, Long number) {
-    bool found = false;
-    ComplainOfTextBoxes([&] { found = patient.LoadOnPatientIDorPDBID(con, id, number) != 0; });
-    return found;
-}
-
-void RequireStorable(const cPatient& patient) {
-    constexpr Long identifierWidth = 64, otherIDsWidth = 255;
-    const String others = patient.OtherIDs->GetAllAsString();
-    if (Contains(patient.Sex + others, "'"))
-        throw Complaint("Sex and OtherIDs can't hold a single quote; leave it out");
-    if (Len(others) > otherIDsWidth)
-        throw Complaint(
-            fmt::format("the other identifiers have more than {} characters in all; set fewer with: oxclass "
-                        "patient ID OtherIDs=A\\B",
-                        otherIDsWidth));
-    if (Len(patient.PatientID) > identifierWidth)
-        throw Complaint(fmt::format("a patient ID has at most {} characters", identifierWidth));
-}
-
-Ref<cPatient> LoadPatient(const Clinic& clinic, const std::string& id) {
-    Ref<cPatient> patient = New<cPatient>();
-    const bool byNumber = id.starts_with('#');
-    const Long number = byNumber ? NumberOf(id.substr(1), "a patient") : 0;
-    if (!FindPatient(clinic.Con(), *patient, byNumber ? String() : id, number))
-        throw Complaint(fmt::format("there is no patient {}; see: oxclass patients", id));
-    return patient;
-}
 
 void AddPatients(Program& program) {
     struct Arguments {

@@ -1,6 +1,7 @@
 #include "console/Commands.h"
 
 #include "console/Chart.h"
+#include "console/patients/PatientStore.h"
 #include "frame/Statement.h"
 #include "images/cImages.h"
 #include "platform/runtime/Services.h"
@@ -12,10 +13,10 @@ namespace {
 
 using namespace OXClass;
 
-/// " WHERE column = 'VALUE'" for a filter that is given; identifiers of patients are stored in upper case.
-std::string Filter(const char* column, const std::string& value) {
-    return value.empty() ? ""
-                         : std::string(" WHERE ") + column + sql(" = '", UCase(FixSqlString(value)), "'");
+/// " WHERE Study_T.PatientID = 5" for a patient that is named.
+std::string OfPatient(const Clinic& clinic, const std::string& patient) {
+    return patient.empty() ? std::string()
+                           : sql(" WHERE Study_T.PatientID = ", LoadPatient(clinic, patient)->ID);
 }
 
 void ListStudies(const Options& options, const std::string& patient) {
@@ -28,7 +29,7 @@ void ListStudies(const Options& options, const std::string& patient) {
             "(SELECT count(*) FROM Series_T WHERE Series_T.Study_ID = Study_T.Study_ID) AS Series, "
             "StudyInstanceUID AS UID FROM Study_T LEFT JOIN Patient_T ON Patient_T.PatientID = "
             "Study_T.PatientID" +
-            Filter("PersonNr_CH", patient) + " ORDER BY StudyDateTime, Study_ID")
+            OfPatient(clinic, patient) + " ORDER BY StudyDateTime, Study_ID")
         .Print(options.json, "There are no studies.");
 }
 
@@ -43,22 +44,21 @@ void ListSeries(const Options& options, const std::string& patient) {
             "Description "
             "FROM Series_T LEFT JOIN Study_T ON Study_T.Study_ID = Series_T.Study_ID LEFT JOIN Patient_T ON "
             "Patient_T.PatientID = Study_T.PatientID" +
-            Filter("PersonNr_CH", patient) + " ORDER BY SeriesDateTime, Series_ID")
+            OfPatient(clinic, patient) + " ORDER BY SeriesDateTime, Series_ID")
         .Print(options.json, "There are no series.");
 }
 
 /// The where clause of the images that are asked for.
-std::string ImagesClause(const std::string& patient, const std::string& series) {
+std::string ImagesClause(const Clinic& clinic, const std::string& patient, const std::string& series) {
     if (!series.empty()) return sql("where Series_ID=", NumberOf(series, "a series"));
     if (patient.empty()) return "where 1=1";
-    return sql("where PatientID IN (SELECT PatientID FROM Patient_T WHERE PersonNr_CH='",
-               UCase(FixSqlString(patient)), "')");
+    return sql("where PatientID=", LoadPatient(clinic, patient)->ID);
 }
 
 void ListImages(const Options& options, const std::string& patient, const std::string& series) {
     const Clinic clinic(options);
     const Ref<cImages> images = New<cImages>();
-    images->LoadAll4Object(clinic.Con(), iootUnknown, 0, ImagesClause(patient, series));
+    images->LoadAll4Object(clinic.Con(), iootUnknown, 0, ImagesClause(clinic, patient, series));
     List list({{"image", "Image"},
                {"series", "Series"},
                {"frame", "Frame"},
@@ -113,7 +113,8 @@ void AddRecords(Program& program) {
     };
     const auto given = std::make_shared<Arguments>();
     const auto patientOption = [&](CLI::App* command) {
-        command->add_option("--patient", given->patient, "of this patient ID only")->type_name("ID");
+        command->add_option("--patient", given->patient, "of this patient only: an ID, or # and the number")
+            ->type_name("PATIENT");
     };
     auto* studies = program.app.add_subcommand("studies", "list the studies");
     patientOption(studies);

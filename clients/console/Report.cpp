@@ -2,7 +2,7 @@
 
 #include "Report_page.h"
 #include "console/CardList.h"
-#include "console/StoredFile.h"
+#include "console/WholeFile.h"
 #include "console/page/Svg.h"
 #include "platform/runtime/Services.h"
 

@@ -1,9 +1,12 @@
 #include "console/Commands.h"
 
+#include "console/import/StorageRoot.h"
 #include "frame/Class1.h"
 #include "frame/Statement.h"
+#include "platform/adodb/Transaction.h"
 
 #include <fmt/format.h>
+#include <regex>
 
 namespace Console {
 namespace {
@@ -26,12 +29,12 @@ void ListRoots(const Options& options) {
 void AddRoot(const Options& options, const std::string& directory) {
     const Clinic clinic(options);
     const fs::path root = fs::absolute(directory);
-    fs::create_directories(root);
-    clinic.Con()->BeginTrans();
+    StorageRoots(clinic.Con()).Create(root);
+    ADODB::Transaction transaction(clinic.Con());
     clinic.Con()->Execute("UPDATE Root_T SET Status = 0");
     clinic.Con()->Execute(
         sql("INSERT INTO Root_T (RootDirectory, Status) VALUES ('", FixSqlString(root.string()), "', 1)"));
-    clinic.Con()->CommitTrans();
+    transaction.Commit();
     ListRoots(options);
 }
 
@@ -77,12 +80,17 @@ void GetSetting(const Options& options, const std::string& name) {
     fmt::print("{}\n", text);
 }
 
-/// Refuses a root under which no identifier could be made.
+/// Refuses a root under which no valid identifier can be made: its components are whole numbers without
+/// leading zeros, the first of them 0, 1 or 2.
 void RequireUidRoot(const std::string& root) {
     constexpr std::size_t longest = 62;  // leaves a dot and one digit
-    if (root.find_first_not_of("0123456789.") != std::string::npos || root.empty() || root.size() > longest)
-        throw Complaint(fmt::format("\"{}\" is no root of DICOM identifiers: digits and dots, at most {}",
-                                    root, longest));
+    static const std::regex form(R"([0-2](\.(0|[1-9][0-9]*))+)");
+    if (root.size() > longest || !std::regex_match(root, form))
+        throw Complaint(
+            fmt::format("\"{}\" can't be a root of DICOM identifiers; write numbers separated by dots, as "
+                        "1.2.826.0.1, at "
+                        "most {} characters",
+                        root, longest));
 }
 
 void SetSetting(const Options& options, const std::string& name, const std::string& text, bool add) {

@@ -2,6 +2,7 @@
 #include "console/Fields.h"
 #include "people/cClinics.h"
 #include "people/cDoctors.h"
+#include "platform/adodb/Transaction.h"
 
 #include <fmt/format.h>
 
@@ -120,11 +121,18 @@ void ShowDoctor(const Options& options, const std::string& number) {
     Print(options, *LoadDoctor(clinic, number));
 }
 
-void DeleteDoctor(const Options& options, const std::string& number) {
+void DeleteDoctor(const Options& options, const std::string& number, bool force) {
     const Clinic clinic(options);
+    ADODB::Transaction transaction(clinic.Con());
     const Ref<cDoctor> doctor = LoadDoctor(clinic, number);
     const Long patients = doctor->PatientCount(clinic.Con());
+    if (patients > 0 && !force)
+        throw Complaint(fmt::format(
+            "doctor {} is the doctor of {} and was not deleted; set another with: oxclass patient ID "
+            "RespDoctor=NUMBER, or use --force",
+            doctor->drID, patients == 1 ? "1 patient" : fmt::format("{} patients", patients)));
     doctor->DeleteDoctor(clinic.Con());
+    transaction.Commit();
     if (patients > 0)
         fmt::print(
             stderr,
@@ -139,6 +147,7 @@ void AddDoctorCommands(Program& program) {
     struct Arguments {
         std::string number;
         std::vector<std::string> assignments;
+        bool force = false;
     };
     const auto given = std::make_shared<Arguments>();
     const auto& options = program.options;
@@ -174,8 +183,9 @@ void AddDoctorCommands(Program& program) {
     fields(set);
     set->callback([&options, given] { SetDoctor(options, given->number, given->assignments); });
     numbered("show", "show a doctor")->callback([&options, given] { ShowDoctor(options, given->number); });
-    numbered("delete", "delete a doctor; tells how many patients still name him or her")
-        ->callback([&options, given] { DeleteDoctor(options, given->number); });
+    auto* remove = numbered("delete", "delete a doctor who has no patients");
+    remove->add_flag("--force", given->force, "also a doctor whom patients still name");
+    remove->callback([&options, given] { DeleteDoctor(options, given->number, given->force); });
 }
 
 // ---- clinics ----------------------------------------------------------------------------------------
@@ -269,9 +279,12 @@ void ShowClinic(const Options& options, const std::string& number) {
     Print(options, *LoadClinic(database, number));
 }
 
-void DeleteClinic(const Options& options, const std::string& number) {
+void DeleteClinic(const Options& options, const std::string& number, bool force) {
     const Clinic database(options);
     const Ref<cClinic> clinic = LoadClinic(database, number);
+    if (IsHeadOffice(*clinic) && !force)
+        throw Complaint(
+            fmt::format("clinic {} is the head office and was not deleted; use --force", clinic->ID));
     clinic->DeleteClinic(database.Con());
     if (options.json) return PrintJson({{"deleted", clinic->ID}});
     fmt::print("Clinic {} is deleted{}.\n", clinic->ID,
@@ -282,6 +295,7 @@ void AddClinicCommands(Program& program) {
     struct Arguments {
         std::string number;
         std::vector<std::string> assignments;
+        bool force = false;
     };
     const auto given = std::make_shared<Arguments>();
     const auto& options = program.options;
@@ -315,9 +329,9 @@ void AddClinicCommands(Program& program) {
     fields(set);
     set->callback([&options, given] { SetClinic(options, given->number, given->assignments); });
     numbered("show", "show a clinic")->callback([&options, given] { ShowClinic(options, given->number); });
-    numbered("delete", "delete a clinic")->callback([&options, given] {
-        DeleteClinic(options, given->number);
-    });
+    auto* remove = numbered("delete", "delete a clinic");
+    remove->add_flag("--force", given->force, "also the head office");
+    remove->callback([&options, given] { DeleteClinic(options, given->number, given->force); });
 }
 
 // ---- identifiers ------------------------------------------------------------------------------------

@@ -1,10 +1,13 @@
 #include "console/Commands.h"
-#include "console/FindPatient.h"
 #include "console/Program.h"
 #include "console/dicom/DicomFile.h"
 #include "console/dicom/DicomValues.h"
+#include "console/Sha256.h"
+#include "console/patients/PatientStore.h"
+#include "console/patients/TypedDate.h"
 #include "console/worklist/WorklistServer.h"
 #include "frame/Statement.h"
+#include "platform/adodb/Transaction.h"
 #include "platform/runtime/Services.h"
 
 #include <algorithm>
@@ -18,15 +21,9 @@ using namespace OXClass;
 
 // ---- what is asked for ------------------------------------------------------------------------------
 
-/// "20260131" of "2026-01-31" or "today".
+/// "20260131" for "2026-01-31" or "today".
 std::string DigitsOfDay(const std::string& text) {
-    if (EqualsIgnoringCase(text, "today")) return FormatDate(Now(), "yyyymmdd");
-    const std::string dicom = DayText(text);
-    const auto date = ParseDate(dicom.empty() ? text : dicom);
-    if (!date || date->Days < 1)
-        throw Complaint(
-            fmt::format("\"{}\" is no day; write 2026-01-31, 2026-01-01..2026-01-31 or today", text));
-    return FormatDate(*date, "yyyymmdd");
+    return FormatDate(EqualsIgnoringCase(text, "today") ? Now() : TypedDate(text), "yyyymmdd");
 }
 
 void SetDays(WorklistKeys& keys, const std::string& text) {
@@ -109,8 +106,8 @@ WorklistItems FromFiles(Program& program, const std::string& where, const Workli
     WorklistItems items;
     for (const fs::path& path : WorklistFiles(where)) {
         try {
-            for (auto& item : ReadWorklistFile(path))
-                if (Matches(*item, keys)) items.push_back(item);
+            for (WorklistEntry& entry : ReadWorklistFile(path))
+                if (Matches(*entry.item, keys)) items.push_back(std::move(entry));
         } catch (const std::runtime_error& refused) {
             fmt::print(stderr, "{}: no worklist item: {}\n", Printable(path.string()), refused.what());
             program.exitCode = PartlyDone;
@@ -127,24 +124,24 @@ WorklistItems FromServer(Program& program, const WorklistAddress& server, const 
                    server.Text(), answer.reason);
         program.exitCode = PartlyDone;
     }
-    std::erase_if(answer.items, [&](const auto& item) { return !Matches(*item, keys); });
+    std::erase_if(answer.items, [&](const WorklistEntry& entry) { return !Matches(*entry.item, keys); });
     return std::move(answer.items);
 }
 
-/// In the order of their days, times and patients, so that a number means the same item as long as the
-/// worklist is the same.
+/// Sorts by day, time and patient and numbers the items from 1.
 void Sort(WorklistItems& items) {
     const auto order = [](const cMWLItem& item) {
         return std::tie(item.SchProcStepStartDate, item.SchProcStepStartTime, item.PatientID,
                         item.SchProcStepID);
     };
-    std::stable_sort(items.begin(), items.end(),
-                     [&](const auto& a, const auto& b) { return order(*a) < order(*b); });
+    std::stable_sort(items.begin(), items.end(), [&](const WorklistEntry& a, const WorklistEntry& b) {
+        return order(*a.item) < order(*b.item);
+    });
     Long number = 0;
-    for (const auto& item : items) item->Key = CStr(++number);
+    for (const WorklistEntry& entry : items) entry.item->Key = CStr(++number);
 }
 
-void Print(const WorklistItems& items, bool asJson) {
+List ListOf(const WorklistItems& items) {
     List list({{"number", "No."},
                {"date", "Date"},
                {"time", "Time"},
@@ -155,70 +152,155 @@ void Print(const WorklistItems& items, bool asJson) {
                {"modality", "Modality"},
                {"station", "Station"},
                {"procedure", "Procedure"},
-               {"accession", "Accession"}});
-    for (const auto& item : items)
-        list.Add(
-            {std::stoi(item->Key), item->SchProcStepStartDate, item->SchProcStepStartTime, item->PatientID,
-             item->PatientName, item->PatientBirthDate, item->PatientSex, item->Modality, item->SchStatAE,
-             item->SchProcStepDesc.empty() ? item->ReqProcDesc : item->SchProcStepDesc, item->Accession});
-    list.Print(asJson, "The worklist is empty.");
+               {"accession", "Accession"},
+               {"step", "Step"}});
+    for (const auto& [item, issuer] : items)
+        list.Add({std::stoi(item->Key), item->SchProcStepStartDate, item->SchProcStepStartTime,
+                  item->PatientID, item->PatientName, item->PatientBirthDate, item->PatientSex,
+                  item->Modality, item->SchStatAE,
+                  item->SchProcStepDesc.empty() ? item->ReqProcDesc : item->SchProcStepDesc, item->Accession,
+                  item->SchProcStepID});
+    return list;
+}
+
+/// The checksum that a position is valid with: it changes with everything that the list shows.
+std::string ChecksumOf(const WorklistItems& items) {
+    constexpr std::size_t shown = 8;
+    const std::string text =
+        ListOf(items).Rows().dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+    return Sha256Of(text).substr(0, shown);
+}
+
+void Print(const WorklistItems& items, bool asJson) {
+    const std::string checksum = ChecksumOf(items);
+    if (asJson) {
+        nlohmann::ordered_json rows = ListOf(items).Rows();
+        for (auto& row : rows) row["entry"] = fmt::format("{}@{}", row["number"].get<int>(), checksum);
+        return PrintJson(rows);
+    }
+    ListOf(items).Print(false, "The worklist is empty.");
+    if (items.empty()) return;
+    fmt::print(
+        "Register an entry by its accession number, its step, or its position in this list: "
+        "--register 1@{}\n",
+        checksum);
 }
 
 // ---- registering ------------------------------------------------------------------------------------
 
-/// Adds those identifiers of the item that the patient lacks; true if there was one.
-bool TakeOverIdentifiers(cPatient& patient, cMWLItem& item) {
-    const Long before = patient.OtherIDs->Count();
-    Long place = before;
-    for (const cStringItem& other : *item.OtherPatIDs()) {
-        String id = WithoutQuotes(other.str);
-        if (EqualsIgnoringCase(id, patient.PatientID)) continue;
-        while (patient.OtherIDs->Members().HasKey("K" + CStr(place))) ++place;
-        patient.OtherIDs->Add(id, place, "K" + CStr(place));
+PatientIdentity IdentityOf(const WorklistEntry& entry) {
+    RadiographFile said;
+    said.patientID = entry.item->PatientID;
+    said.issuer = entry.issuer;
+    said.patientName = entry.item->PatientName;
+    said.birthDate = DayText(entry.item->PatientBirthDate);
+    said.sex = entry.item->PatientSex;
+    return Console::IdentityOf(said);
+}
+
+bool SamePerson(const WorklistEntry& a, const WorklistEntry& b) {
+    const PatientIdentity one = IdentityOf(a), other = IdentityOf(b);
+    return EqualsIgnoringCase(one.patientID, other.patientID) && Contradictions(one, other).empty();
+}
+
+/// The entry at "3@1a2b3c4d"; the list must be the one that the checksum was printed with.
+const WorklistEntry& EntryAt(const WorklistItems& items, const std::string& text, std::size_t at) {
+    const Long position = NumberOf(text.substr(0, at), "an entry");
+    if (!EqualsIgnoringCase(text.substr(at + 1), ChecksumOf(items)))
+        throw Complaint(fmt::format(
+            "the worklist has changed since {} was printed; leave --register out to see the list", text));
+    if (position < 1 || static_cast<std::size_t>(position) > items.size())
+        throw Complaint(
+            fmt::format("the worklist has no entry {}; leave --register out to see the list", position));
+    return items[static_cast<std::size_t>(position - 1)];
+}
+
+/// The entry that the user named by its accession number, by its step, or by a position with a checksum.
+const WorklistEntry& EntryNamed(const WorklistItems& items, const std::string& text) {
+    const WorklistEntry* found = nullptr;
+    for (const WorklistEntry& entry : items) {
+        if (text.empty() || (entry.item->Accession != text && entry.item->SchProcStepID != text)) continue;
+        if (found && !SamePerson(*found, entry))
+            throw Complaint(fmt::format(
+                "entries of several patients have the accession number or step {}; name one by its position, "
+                "as {}@{}",
+                text, entry.item->Key, ChecksumOf(items)));
+        found = &entry;
     }
+    if (found) return *found;
+    if (const auto at = text.find('@'); at != std::string::npos) return EntryAt(items, text, at);
+    throw Complaint(fmt::format(
+        "the worklist has no entry with the accession number or step \"{}\"; a position needs the "
+        "checksum that is printed below the list, as 1@{}",
+        text, items.empty() ? "1a2b3c4d" : ChecksumOf(items)));
+}
+
+/// The identifiers of the entry that the patient doesn't have; true if one was added.
+bool TakeOverIdentifiers(cPatient& patient, cMWLItem& item) {
+    std::vector<std::string> identifiers;
+    for (const cStringItem& other : *item.OtherPatIDs()) identifiers.push_back(other.str);
+    const Long before = patient.OtherIDs->Count();
+    for (const std::string& left : AddOtherIDs(patient, identifiers))
+        fmt::print(stderr, "oxclass: the other identifier {} is not stored: the column has no space for it\n",
+                   Printable(left));
     return patient.OtherIDs->Count() > before;
 }
 
-void Fill(cPatient& patient, const cMWLItem& item) {
-    const PersonName name = SplitPersonName(item.PatientName);
-    patient.PatientID = UCase(item.PatientID);
-    patient.LastName = name.family;
-    patient.FirstName = name.given;
-    patient.Sex = WithoutQuotes(Left(item.PatientSex, 1));
-    if (const auto born = ParseDate(item.PatientBirthDate)) patient.BirthDate = *born;
-    patient.Address = item.PatientAddress;
-}
-
-/// A save writes every row of the identifier, so two patients of one identifier would become one.
-void RequireOnlyOne(const Clinic& clinic, const cPatient& patient) {
-    const Long rows = clinic.Number(sql("SELECT count(*) FROM Patient_T WHERE PersonNr_CH = '",
-                                        UCase(FixSqlString(patient.PatientID)), "'"));
-    if (rows > 1)
-        throw Complaint(fmt::format("{} patients have the ID {}; give them different ones first", rows,
-                                    patient.PatientID));
-}
-
-void Register(const Options& options, const WorklistItems& items, int number) {
-    if (number < 1 || static_cast<std::size_t>(number) > items.size())
-        throw Complaint(
-            fmt::format("the worklist has no item {}; leave --register out to see the list", number));
-    cMWLItem& item = *items[static_cast<std::size_t>(number - 1)];
-    if (item.PatientID.empty())
-        throw Complaint("the item has no patient ID, so its patient can't be found again");
-    const Clinic clinic(options);
-    clinic.Con()->BeginTrans();
-    const Ref<cPatient> patient = New<cPatient>();
-    const bool known = FindPatient(clinic.Con(), *patient, item.PatientID);
-    if (!known) Fill(*patient, item);
-    if (TakeOverIdentifiers(*patient, item) || !known) {
-        RequireStorable(*patient);
-        RequireOnlyOne(clinic, *patient);
-        patient->Save(clinic.Con());
+void Fill(cPatient& patient, const WorklistEntry& entry) {
+    const PatientIdentity person = IdentityOf(entry);
+    patient.PatientID = UCase(person.patientID);
+    if (!person.names.empty()) {
+        patient.LastName = person.names.front().family;
+        patient.FirstName = person.names.front().given;
     }
-    clinic.Con()->CommitTrans();
-    if (options.json)
-        return PrintJson({{"patient", patient->PatientID}, {"number", patient->ID}, {"new", !known}});
-    fmt::print("{} {} is {}, number {}.\n", known ? "Patient" : "New patient", patient->PatientID,
+    patient.Sex = person.sex;
+    patient.BirthDate = person.birthDate;
+    patient.Address = entry.item->PatientAddress;
+}
+
+/// What `--register` is told: the entry, and what a person decided about its patient.
+struct Registration {
+    std::string entry, patient;
+    bool newPatient = false;
+};
+
+/// The entry's patient, loaded or new; null with both people printed where it contradicts the stored one.
+Ref<cPatient> PatientOf(const Ref<Connection>& con, const WorklistEntry& entry, const Registration& wanted) {
+    if (!wanted.patient.empty()) return LoadPatient(con, wanted.patient);
+    const PatientIdentity person = IdentityOf(entry);
+    const PatientMatch match = MatchPatient(con, person);
+    if (match.number != 0 && !wanted.newPatient) return PatientOfRow(con, match.number);
+    if (match.IsNew() || wanted.newPatient) return New<cPatient>();
+    for (const PatientIdentity& stored : match.refused)
+        fmt::print(
+            stderr, "{}",
+            SideBySide(stored, fmt::format("stored as #{}", stored.number), person, "in the worklist"));
+    fmt::print(stderr,
+               "oxclass: the entry contradicts the stored patient; nothing was registered. Decide with "
+               "--register-as '#{}' or with --new-patient\n",
+               match.refused.front().number);
+    return nullptr;
+}
+
+void Register(Program& program, const WorklistItems& items, const Registration& wanted) {
+    const WorklistEntry& entry = EntryNamed(items, wanted.entry);
+    if (entry.item->PatientID.empty())
+        throw Complaint("the entry has no patient ID, so its patient can't be found again");
+    const Clinic clinic(program.options);
+    ADODB::Transaction transaction(clinic.Con());
+    const Ref<cPatient> patient = PatientOf(clinic.Con(), entry, wanted);
+    if (!patient) {
+        program.exitCode = PartlyDone;
+        return;
+    }
+    const bool isNew = patient->ID == 0;
+    if (isNew) Fill(*patient, entry);
+    if (TakeOverIdentifiers(*patient, *entry.item) || isNew) SavePatient(clinic.Con(), *patient);
+    if (isNew) StoreIssuer(clinic.Con(), patient->ID, entry.issuer);
+    transaction.Commit();
+    if (program.options.json)
+        return PrintJson({{"patient", patient->PatientID}, {"number", patient->ID}, {"new", isNew}});
+    fmt::print("{} {} is {}, number {}.\n", isNew ? "New patient" : "Patient", Printable(patient->PatientID),
                Printable(fmt::format("{}, {}", patient->LastName, patient->FirstName)), patient->ID);
 }
 
@@ -228,7 +310,7 @@ void AddWorklist(Program& program) {
     struct Arguments {
         std::string where, days, callingTitle = "OXCLASS";
         WorklistKeys keys;
-        int number = 0;
+        Registration registration;
     };
     const auto given = std::make_shared<Arguments>();
     auto* command = program.app.add_subcommand(
@@ -244,8 +326,21 @@ void AddWorklist(Program& program) {
     command->add_option("--patient", given->keys.patient, "patient ID")->type_name("ID");
     command->add_option("--as", given->callingTitle, "AE title to ask with; default OXCLASS")
         ->type_name("AE");
-    command->add_option("--register", given->number, "make or find the patient of this item of the list")
-        ->type_name("NUMBER");
+    auto* entry = command->add_option("--register", given->registration.entry,
+                                      "make or find the patient of an entry, named by its accession number, "
+                                      "its step, or by a position with "
+                                      "the checksum of the list, as 1@1a2b3c4d");
+    entry->type_name("ENTRY");
+    auto* known = command
+                      ->add_option("--register-as", given->registration.patient,
+                                   "with --register: the entry's patient is this one, whatever differs")
+                      ->type_name("PATIENT")
+                      ->needs(entry);
+    command
+        ->add_flag("--new-patient", given->registration.newPatient,
+                   "with --register: the entry's patient is a new one, whoever has the same ID")
+        ->needs(entry)
+        ->excludes(known);
     command->footer("Example: oxclass worklist RIS@192.168.1.5:104 --date today --modality IO");
     command->callback([&program, given, command] {
         SetDays(given->keys, given->days);
@@ -257,7 +352,7 @@ void AddWorklist(Program& program) {
                                   ? FromServer(program, *server, given->callingTitle, given->keys)
                                   : FromFiles(program, given->where, given->keys);
         Sort(items);
-        if (command->count("--register") > 0) return Register(program.options, items, given->number);
+        if (command->count("--register") > 0) return Register(program, items, given->registration);
         Print(items, program.options.json);
     });
 }

@@ -295,7 +295,7 @@ TEST_F(Cards, OnlyFilesOfTheirKindAreReplaced) {
     EXPECT_THAT(Complaint({"report", "P-1.2.3", "-o", Database()}), HasSubstr("end it with .html"));
     EXPECT_THAT(Complaint({"report", "P-1.2.3", "-o", "/dev/null"}), HasSubstr("end it with .html"));
     fs::create_directory(File("folder.html"));
-    EXPECT_THAT(Complaint({"report", "P-1.2.3", "-o", File("folder.html")}), HasSubstr("it is no file"));
+    EXPECT_THAT(Complaint({"report", "P-1.2.3", "-o", File("folder.html")}), HasSubstr("it isn't a file"));
     EXPECT_EQ(Entries().size(), 1U);
 }
 

@@ -46,7 +46,7 @@ TEST_F(Staff, ALongNameIsShownAsItIsStored) {
     EXPECT_EQ(OkJson({"doctor", "new", "DrName=" + letters})["DrName"], letters.substr(0, 60));
 }
 
-TEST_F(Staff, DeletingTellsHowManyPatientsStillNameTheDoctor) {
+TEST_F(Staff, ADoctorWhoHasPatientsIsDeletedOnlyWithForce) {
     Ok({"doctor", "new", "DrLastName=Ek"});
     WriteSeries("1.2.3", {{{11}, ""}});
     WriteSeries("1.2.4", {{{11}, ""}});
@@ -54,7 +54,11 @@ TEST_F(Staff, DeletingTellsHowManyPatientsStillNameTheDoctor) {
     Ok({"patient", "P-1.2.3", "RespDoctor=1"});
     Ok({"patient", "P-1.2.4", "RespDoctor=1"});
     EXPECT_EQ(OkJson({"doctors"})[0]["patients"], 2);
-    const Result run = Try({"--db", Database(), "doctor", "delete", "1"});
+    const Result refused = Try({"--db", Database(), "doctor", "delete", "1"});
+    EXPECT_EQ(refused.code, 1);
+    EXPECT_THAT(refused.err, HasSubstr("doctor 1 is the doctor of 2 patients and was not deleted"));
+    EXPECT_EQ(OkJson({"doctors"}).size(), 1U);
+    const Result run = Try({"--db", Database(), "doctor", "delete", "1", "--force"});
     EXPECT_EQ(run.code, 0);
     EXPECT_THAT(run.err, HasSubstr("2 patients still name doctor 1"));
     EXPECT_EQ(OkJson({"doctors"}).size(), 0U);
@@ -77,6 +81,8 @@ TEST_F(Staff, TheHeadOfficeIsMadeAndMarked) {
     EXPECT_EQ(OkJson({"clinic", "show", "1"})["HeadOffice"], true);
     Ok({"clinic", "delete", "2"});
     EXPECT_EQ(OkJson({"clinics"}).size(), 1U);
+    EXPECT_EQ(Try({"--db", Database(), "clinic", "delete", "1"}).code, 1) << "the head office";
+    Ok({"clinic", "delete", "1", "--force"});
 }
 
 TEST_F(Staff, TheFirstClinicComesBehindTheHeadOffice) {

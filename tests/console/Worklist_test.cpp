@@ -101,6 +101,11 @@ protected:
         ASSERT_TRUE(file.saveFile((Folder() + "/RIS/" + name).c_str(), EXS_LittleEndianExplicit).good());
     }
 
+    /// What a position of the folder's list is valid with.
+    std::string Checksum() {
+        const std::string entry = Listed({Folder()})[0]["entry"];
+        return entry.substr(entry.find('@') + 1);
+    }
     std::string Folder() const { return (folder.Path() / "wl").string(); }
 
     json Listed(std::vector<std::string> arguments) {
@@ -140,7 +145,7 @@ TEST_F(Worklist, EveryTextOfAnItemHasItsProperty) {
     step->putAndInsertString(DCM_ScheduledProcedureStepStartTime, "soon");
     const Console::WorklistItems items = Console::ItemsOf(set, "here");
     ASSERT_EQ(items.size(), 2U);
-    OXClass::cMWLItem& item = *items[0];
+    OXClass::cMWLItem& item = *items[0].item;
     EXPECT_EQ(item.PatientName, "Åkesson^Lotta");
     EXPECT_EQ(item.PatientSex, "F");
     EXPECT_EQ(item.OtherPatientID, "x1\\x'2");
@@ -158,9 +163,9 @@ TEST_F(Worklist, EveryTextOfAnItemHasItsProperty) {
     EXPECT_EQ(item.SchPerfPhysName, "Alm^Bo");
     EXPECT_EQ(item.Modality, "IO");
     EXPECT_EQ(item.DS_URL, "here");
-    EXPECT_EQ(items[1]->PatientID, "P1");
-    EXPECT_EQ(items[1]->SchProcStepStartTime, "soon");
-    EXPECT_EQ(items[1]->SchStatAE, "");
+    EXPECT_EQ(items[1].item->PatientID, "P1");
+    EXPECT_EQ(items[1].item->SchProcStepStartTime, "soon");
+    EXPECT_EQ(items[1].item->SchStatAE, "");
 }
 
 TEST_F(Worklist, KeysChooseAmongFiles) {
@@ -199,15 +204,15 @@ TEST_F(Worklist, KeysMayHoldWildcardsAndOpenRanges) {
 TEST_F(Worklist, AKnownPatientWhoCannotBeReadIsNotTakenForANewOne) {
     Init();
     WriteItem("a.wl", "P1", "20260201");
-    Ok({"worklist", Folder(), "--register", "1"});
+    Ok({"worklist", Folder(), "--register", "A1"});
     Run("UPDATE Patient_T SET PrevXrayDate_CH = 'garbage', LastName_NVC = 'Ek'");
-    const Result run = Try({"--db", Database(), "worklist", Folder(), "--register", "1"});
+    const Result run = Try({"--db", Database(), "worklist", Folder(), "--register", "A1"});
     EXPECT_EQ(run.code, 1);
     EXPECT_THAT(run.err, HasSubstr("OXClass.LoadOnPatientIDorpdbid error: 13"));
     EXPECT_EQ(OkJson({"patients"})[0]["last_name"], "Ek");
 }
 
-TEST_F(Worklist, IdentifiersThatCannotBeStoredWholeAreRefused) {
+TEST_F(Worklist, IdentifiersThatDoNotFitAreLeftOutWholeAndTold) {
     Init();
     WriteItem("a.wl", "P1", "20260201", [](DcmDataset& set) {
         std::string many;
@@ -215,19 +220,20 @@ TEST_F(Worklist, IdentifiersThatCannotBeStoredWholeAreRefused) {
             many += (many.empty() ? "" : "\\") + std::string("NUMBER") + std::to_string(i);
         set.putAndInsertString(DCM_RETIRED_OtherPatientIDs, many.c_str());
     });
-    const Result run = Try({"--db", Database(), "worklist", Folder(), "--register", "1"});
-    EXPECT_EQ(run.code, 1);
-    EXPECT_THAT(run.err, HasSubstr("more than 255 characters"));
-    EXPECT_EQ(OkJson({"patients"}).size(), 0U);
+    const Result run = Try({"--db", Database(), "worklist", Folder(), "--register", "A1"});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_THAT(run.err, HasSubstr("the other identifier NUMBER139 is not stored"));
+    EXPECT_EQ(OkJson({"patient", "P1"})["OtherIDs"].get<std::string>().size(), 25U * 10 - 1);
 }
 
 TEST_F(Worklist, TwoPatientsOfOneIdentifierAreNotMadeOne) {
     Init();
     WriteItem("a.wl", "P1", "20260201");
     Run("INSERT INTO Patient_T (PersonNr_CH, LastName_NVC) VALUES ('P1', 'First'), ('P1', 'Second')");
-    const Result run = Try({"--db", Database(), "worklist", Folder(), "--register", "1"});
-    EXPECT_EQ(run.code, 1);
-    EXPECT_THAT(run.err, HasSubstr("2 patients have the ID P1"));
+    const Result run = Try({"--db", Database(), "worklist", Folder(), "--register", "A1"});
+    EXPECT_EQ(run.code, 3);
+    EXPECT_THAT(run.err, HasSubstr("stored as #2"));
+    EXPECT_THAT(run.err, HasSubstr("nothing was registered"));
     EXPECT_EQ(OkJson({"patients", "Second"}).size(), 1U);
 }
 
@@ -248,7 +254,7 @@ TEST_F(Worklist, AFileThatIsNoItemIsToldAndTheOthersAreListed) {
 TEST_F(Worklist, RegisteringMakesThePatientThatTheNextImportFinds) {
     Init();
     WriteItem("a.wl", "p-1.2.3", "20260201");
-    const json made = OkJson({"worklist", Folder(), "--register", "1"});
+    const json made = OkJson({"worklist", Folder(), "--register", "A1"});
     EXPECT_EQ(made["patient"], "P-1.2.3");
     EXPECT_EQ(made["new"], true);
     const json patient = OkJson({"patient", "P-1.2.3"});
@@ -257,21 +263,22 @@ TEST_F(Worklist, RegisteringMakesThePatientThatTheNextImportFinds) {
     EXPECT_EQ(patient["BirthDate"], "1980-01-31");
     EXPECT_EQ(patient["Sex"], "F");
     EXPECT_EQ(patient["OtherIDs"], "X1\\X\u20192");
-    WriteSeries("1.2.3", {{{11}, ""}});
+    Write("1.2.3", 1, {{11}, ""},
+          [](DcmDataset& set) { set.putAndInsertString(DCM_PatientName, "Akesson^Lotta"); });
     Ok({"import", Films()});
     ASSERT_EQ(OkJson({"patients"}).size(), 1U);
     EXPECT_EQ(OkJson({"patients"})[0]["last_name"], "Åkesson");
-    EXPECT_EQ(OkJson({"worklist", Folder(), "--register", "1"})["new"], false);
+    EXPECT_EQ(OkJson({"worklist", Folder(), "--register", "A1"})["new"], false);
     EXPECT_EQ(OkJson({"patient", "P-1.2.3"}), patient);
 }
 
 TEST_F(Worklist, RegisteringAKnownPatientAddsOnlyWhatIdentifiersAreNew) {
     Init();
     WriteItem("a.wl", "P1", "20260201");
-    Ok({"worklist", Folder(), "--register", "1"});
-    Ok({"patient", "P1", "LastName=Ek", "OtherIDs=X1\\OLD"});
-    Ok({"worklist", Folder(), "--register", "1"});
-    EXPECT_EQ(OkJson({"patient", "P1"})["LastName"], "Ek");
+    Ok({"worklist", Folder(), "--register", "A1"});
+    Ok({"patient", "P1", "LastName=AKESSON", "OtherIDs=X1\\OLD"});
+    Ok({"worklist", Folder(), "--register", "A1"});
+    EXPECT_EQ(OkJson({"patient", "P1"})["LastName"], "AKESSON");
     EXPECT_EQ(OkJson({"patient", "P1"})["OtherIDs"], "X1\\OLD\\X\u20192");
 }
 
@@ -283,10 +290,57 @@ TEST_F(Worklist, WhatCannotBeRegisteredSaysWhy) {
         EXPECT_EQ(run.code, 1);
         return run.err;
     };
-    EXPECT_THAT(told("1"), HasSubstr("the item has no patient ID"));
-    EXPECT_THAT(told("2"), HasSubstr("the worklist has no item 2"));
-    EXPECT_THAT(told("0"), HasSubstr("the worklist has no item 0"));
+    EXPECT_THAT(told("A1"), HasSubstr("the entry has no patient ID"));
+    EXPECT_THAT(told("1"), HasSubstr("a position needs the checksum"));
+    EXPECT_THAT(told("9@" + Checksum()), HasSubstr("the worklist has no entry 9"));
+    EXPECT_THAT(told("0@" + Checksum()), HasSubstr("the worklist has no entry 0"));
     EXPECT_EQ(OkJson({"patients"}).size(), 0U);
+}
+
+TEST_F(Worklist, APositionIsValidOnlyWithTheListThatWasPrinted) {
+    Init();
+    WriteItem("a.wl", "P1", "20260201");
+    WriteItem("b.wl", "P2", "20260203");
+    const std::string second = "2@" + Checksum();
+    EXPECT_EQ(Listed({Folder()})[1]["entry"], second);
+    EXPECT_EQ(OkJson({"worklist", Folder(), "--register", second})["patient"], "P2");
+    WriteItem("c.wl", "P3", "20260202");
+    const Result run = Try({"--db", Database(), "worklist", Folder(), "--register", second});
+    EXPECT_EQ(run.code, 1);
+    EXPECT_THAT(run.err, HasSubstr("the worklist has changed since"));
+    EXPECT_EQ(OkJson({"patients"}).size(), 1U);
+}
+
+TEST_F(Worklist, AnAccessionNumberOfSeveralPatientsNamesNone) {
+    Init();
+    WriteItem("a.wl", "P1", "20260201");
+    WriteItem("b.wl", "P2", "20260203");
+    const Result run = Try({"--db", Database(), "worklist", Folder(), "--register", "A1"});
+    EXPECT_EQ(run.code, 1);
+    EXPECT_THAT(run.err, HasSubstr("entries of several patients have the accession number or step A1"));
+    EXPECT_EQ(OkJson({"patients"}).size(), 0U);
+}
+
+TEST_F(Worklist, APersonWhoContradictsTheStoredPatientIsNotRegistered) {
+    Init();
+    WriteItem("a.wl", "P1", "20260201");
+    Run("INSERT INTO Patient_T (PersonNr_CH, LastName_NVC, FirstName_NVC) VALUES ('P1', 'Berg', 'Nils')");
+    const Result run = Try({"--db", Database(), "worklist", Folder(), "--register", "A1"});
+    EXPECT_EQ(run.code, 3);
+    EXPECT_THAT(run.err, ::testing::ContainsRegex("Name +Berg, Nils +<> Åkesson, Lotta"));
+    EXPECT_EQ(OkJson({"patient", "#1"})["OtherIDs"], "");
+    EXPECT_EQ(OkJson({"worklist", Folder(), "--register", "A1", "--register-as", "#1"})["number"], 1);
+    EXPECT_EQ(OkJson({"patient", "#1"})["LastName"], "Berg");
+    EXPECT_EQ(OkJson({"worklist", Folder(), "--register", "A1", "--new-patient"})["number"], 2);
+    EXPECT_EQ(OkJson({"patient", "#2"})["LastName"], "Åkesson");
+    EXPECT_EQ(OkJson({"worklist", Folder(), "--register", "A1"})["number"], 2)
+        << "found by its name from now on";
+}
+
+TEST_F(Worklist, ADayWithTwoReadingsIsRefused) {
+    const Result run = Try({"worklist", Folder(), "--date", "05.03.2026"});
+    EXPECT_EQ(run.code, 1);
+    EXPECT_THAT(run.err, HasSubstr("2026-03-05 or as 2026-05-03"));
 }
 
 TEST_F(Worklist, WhatIsNoWorklistSaysSo) {
@@ -301,7 +355,7 @@ TEST_F(Worklist, WhatIsNoWorklistSaysSo) {
     EXPECT_THAT(told({"worklist", "AE@[::1]:104"}), HasSubstr("no server"));
     EXPECT_THAT(told({"worklist", std::string(5000, 'x')}), HasSubstr("no server"));
     EXPECT_THAT(told({"worklist", Folder(), "--as", ""}), HasSubstr("1 to 16 characters"));
-    EXPECT_THAT(told({"worklist", Folder(), "--date", "someday"}), HasSubstr("\"someday\" is no day"));
+    EXPECT_THAT(told({"worklist", Folder(), "--date", "someday"}), HasSubstr("\"someday\" is not a date"));
     EXPECT_THAT(told({"worklist", Folder(), "--date", "2026-02-02..2026-02-01"}),
                 HasSubstr("ends before it begins"));
 }
@@ -348,7 +402,7 @@ TEST_F(WorklistServer, APatientIsRegisteredFromAServersAnswer) {
     Init();
     WriteItem("a.wl", "P1", "20260201");
     Serve();
-    EXPECT_EQ(OkJson({"worklist", Address(), "--register", "1"})["new"], true);
+    EXPECT_EQ(OkJson({"worklist", Address(), "--register", "A1"})["new"], true);
     EXPECT_EQ(OkJson({"patient", "P1"})["LastName"], "Åkesson");
 }
 
@@ -450,7 +504,7 @@ TEST_F(OddServer, ItIsAskedByTheKeysAndForIdentifiersOfASequence) {
         Put(*other, DCM_PatientID, "SEQ1");
     }});
     Ok({"worklist", Address(), "--patient", "P1", "--modality", "IO", "--station", "ROOM1", "--date",
-        "2026-02-01..2026-02-02", "--register", "1"});
+        "2026-02-01..2026-02-02", "--register", "A1"});
     speaking.join();
     ASSERT_TRUE(asked);
     const auto textOf = [](DcmItem& item, const DcmTagKey& tag) {

@@ -224,18 +224,29 @@ struct Ends {
 
 void CheckLoaded(const OFCondition& loaded, bool marked) {
     if (loaded.good()) return;
-    if (!marked) Refuse("not a DICOM file");
+    if (!marked) throw NotDicom("not a DICOM file");
     const bool ended = loaded == EC_StreamNotifyClient || loaded == EC_EndOfStream ||
                        loaded == EC_SequDelimitationItemMissing || loaded == EC_InvalidStream;
     if (ended) Refuse("file is cut short: it ends inside a value");
     Refuse(std::string("damaged DICOM file: ") + loaded.text());
 }
 
+void CheckNesting(DcmItem& item, int depth) {
+    if (depth > DeepestNesting)
+        Refuse("its sequences are nested more than " + std::to_string(DeepestNesting) + " deep");
+    for (DcmObject* element = item.nextInContainer(nullptr); element;
+         element = item.nextInContainer(element)) {
+        auto* const sequence = dynamic_cast<DcmSequenceOfItems*>(element);
+        if (!sequence || dynamic_cast<DcmPixelSequence*>(element)) continue;
+        for (unsigned long i = 0; i < sequence->card(); ++i) CheckNesting(*sequence->getItem(i), depth + 1);
+    }
+}
+
 void CheckIsImage(DcmFileFormat& file, bool marked) {
     DcmDataset& set = *file.getDataset();
     if (set.tagExists(DCM_DirectoryRecordSequence))
-        Refuse("a DICOMDIR, which lists files and holds no picture");
-    if (!marked && !set.tagExists(DCM_SOPClassUID)) Refuse("not a DICOM file");
+        throw NotDicom("a DICOMDIR, which lists files and holds no picture");
+    if (!marked && !set.tagExists(DCM_SOPClassUID)) throw NotDicom("not a DICOM file");
     if (!set.tagExists(DCM_PixelData)) Refuse("no pixel data");
 }
 
@@ -267,6 +278,7 @@ void CheckPixelsClosed(DcmDataset& set, const Ends& ends) {
 
 RadiographFile DescribeChecked(DcmFileFormat& file, const OFCondition& loaded, const Ends& ends) {
     CheckLoaded(loaded, ends.Marked());
+    CheckNesting(*file.getDataset(), 0);
     CheckIsImage(file, ends.Marked());
     RadiographFile described = Describer(*file.getDataset()).Describe();
     CheckIdentified(described);
@@ -291,7 +303,7 @@ Ends EndsOf(const std::filesystem::path& path) {
     if (!in) Refuse(std::string("cannot be read: ") + std::strerror(errno));
     in.seekg(0, std::ios::end);
     const std::streamoff size = in.tellg();
-    if (size <= 0) Refuse("the file is empty");
+    if (size <= 0) throw NotDicom("the file is empty");
     return {BytesAt(in, 0, 132), BytesAt(in, std::max<std::streamoff>(0, size - 8), 8)};
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -78,6 +79,16 @@ struct PersonName {
 /// the Latin one where there is one. A name without "^" is all family name.
 PersonName SplitPersonName(const std::string& name);
 
+/// A file that isn't a DICOM file with data of its own: another format, an empty file, a DICOMDIR.
+class NotDicom : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Sequences nested more deeply than this are refused: no radiograph has them, and every later reader of the
+/// file would need the stack for them.
+constexpr int DeepestNesting = 64;
+
 /// Reads the radiograph `path` without its pixels.
 ///
 /// Large values stay in the file, so reading takes little memory however large the picture is, and yet a
@@ -87,10 +98,10 @@ PersonName SplitPersonName(const std::string& name);
 /// the file names none, or one that its bytes do not follow, they count as UTF-8 if they can be and as
 /// Latin-1 if not.
 ///
-/// Throws `std::runtime_error` whose text tells in one clause, without the path, why the file is no
-/// radiograph: not readable, not DICOM, cut short, a DICOMDIR, without one of the three UIDs, without
-/// pixels. Silences the toolkit's own log, which would repeat the same on standard error. Calls from
-/// several threads are safe.
+/// Throws `std::runtime_error` whose text says in one clause, without the path, why the file is refused: not
+/// readable, cut short, sequences nested deeper than `DeepestNesting`, without one of the three UIDs, without
+/// pixels; and `NotDicom`. Silences the toolkit's own log, which would repeat the same on standard error.
+/// Calls from several threads are safe.
 RadiographFile ReadRadiograph(const std::filesystem::path& path);
 
 }  // namespace Console

@@ -38,6 +38,8 @@ public:
         return item_;
     }
 
+    std::string Issuer() { return Text(DCM_IssuerOfPatientID); }
+
 private:
     std::string Text(const DcmTagKey& tag) { return values_.Text(set_, tag); }
 
@@ -110,12 +112,12 @@ WorklistItems ItemsOf(DcmItem& dataset, const std::string& source) {
     WorklistItems items;
     Filler filler(dataset);
     EachItem(dataset, DCM_ScheduledProcedureStepSequence, [&](DcmItem& step) {
-        items.push_back(filler.Filled(step));
-        items.back()->DS_URL = source;
+        items.push_back({filler.Filled(step), filler.Issuer()});
+        items.back().item->DS_URL = source;
     });
     if (items.empty()) throw std::runtime_error("it has no scheduled procedure step");
-    if (items.front()->PatientID.empty() && items.front()->PatientName.empty())
-        throw std::runtime_error("it names no patient");
+    const cMWLItem& first = *items.front().item;
+    if (first.PatientID.empty() && first.PatientName.empty()) throw std::runtime_error("it names no patient");
     return items;
 }
 

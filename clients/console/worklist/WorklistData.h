@@ -9,7 +9,13 @@ class DcmItem;
 
 namespace Console {
 
-using WorklistItems = std::vector<Platform::Ref<OXClass::cMWLItem>>;
+/// An item of a worklist, with what a data set says beside the item's own properties.
+struct WorklistEntry {
+    Platform::Ref<OXClass::cMWLItem> item;
+    std::string issuer;  ///< who assigned the patient's identifier; empty where the data set doesn't say
+};
+
+using WorklistItems = std::vector<WorklistEntry>;
 
 /// The worklist items of a DICOM data set, one for each scheduled step, with all their texts in UTF-8. Dates
 /// read "YYYY-MM-DD" and times "hh:mm:ss" where they are such. `source` goes into `DS_URL`.

@@ -35,12 +35,26 @@ void PutCode(DcmItem& parent, const DcmTagKey& sequence) {
 DcmDataset Query(const WorklistKeys& keys) {
     DcmDataset query;
     Put(query, DCM_SpecificCharacterSet, "ISO_IR 192");
-    for (const DcmTagKey& tag :
-         {DCM_AccessionNumber, DCM_ReferringPhysicianName, DCM_ReferringPhysicianAddress, DCM_PatientName,
-          DCM_PatientBirthDate, DCM_PatientSex, DCM_RETIRED_OtherPatientIDs, DCM_PatientWeight,
-          DCM_PatientAddress, DCM_EthnicGroup, DCM_AdditionalPatientHistory, DCM_PatientComments,
-          DCM_StudyInstanceUID, DCM_RequestingPhysician, DCM_RequestedProcedureDescription, DCM_AdmissionID,
-          DCM_RequestedProcedureID, DCM_RequestedProcedurePriority, DCM_NamesOfIntendedRecipientsOfResults})
+    for (const DcmTagKey& tag : {DCM_AccessionNumber,
+                                 DCM_IssuerOfPatientID,
+                                 DCM_ReferringPhysicianName,
+                                 DCM_ReferringPhysicianAddress,
+                                 DCM_PatientName,
+                                 DCM_PatientBirthDate,
+                                 DCM_PatientSex,
+                                 DCM_RETIRED_OtherPatientIDs,
+                                 DCM_PatientWeight,
+                                 DCM_PatientAddress,
+                                 DCM_EthnicGroup,
+                                 DCM_AdditionalPatientHistory,
+                                 DCM_PatientComments,
+                                 DCM_StudyInstanceUID,
+                                 DCM_RequestingPhysician,
+                                 DCM_RequestedProcedureDescription,
+                                 DCM_AdmissionID,
+                                 DCM_RequestedProcedureID,
+                                 DCM_RequestedProcedurePriority,
+                                 DCM_NamesOfIntendedRecipientsOfResults})
         Put(query, tag);
     Put(query, DCM_PatientID, keys.patient);
     DcmItem* other = nullptr;

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+
+namespace Console {
+
+/// An open file of the system, closed by the destructor. Failures are `Complaint`s that name the file.
+class SystemFile {
+public:
+    /// Opens with the flags of open(2); a file that is made can be read by everybody and written by its
+    /// owner. Messages name `shown`, or the path itself.
+    SystemFile(const std::filesystem::path& path, int flags, const std::filesystem::path& shown = {});
+    ~SystemFile();
+    SystemFile(const SystemFile&) = delete;
+
+    /// Reads up to `size` bytes; returns how many, 0 at the end.
+    std::size_t Read(char* to, std::size_t size);
+
+    /// Reads `size` bytes, fewer only at the end.
+    std::size_t ReadFully(char* to, std::size_t size);
+
+    void Write(const char* from, std::size_t size);
+
+    /// Flushes the content to the disk.
+    void Flush();
+
+private:
+    std::filesystem::path shown_;
+    int descriptor_;
+};
+
+/// Flushes the names in a folder to the disk. File systems that can't do it are left as they are.
+void SyncFolder(const std::filesystem::path& folder);
+
+/// Throws a `Complaint` with the system's last error: "WHAT PATH: REASON".
+[[noreturn]] void ComplainOfSystem(const char* what, const std::filesystem::path& path);
+
+}  // namespace Console

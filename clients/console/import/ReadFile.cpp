@@ -1,0 +1,67 @@
+#include "console/import/ReadFile.h"
+
+#include "console/Output.h"
+#include "platform/runtime/Text.h"
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+namespace Console {
+
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(RadiographFile, patientID, issuer, otherPatientIDs, patientName,
+                                   familyName, givenName, sex, birthDate, studyUID, studyID, studyDateTime,
+                                   studyDescription, accessionNumber, referringPhysician, physiciansOfRecord,
+                                   seriesUID, seriesNumber, seriesDateTime, seriesDescription, modality,
+                                   operatorsName, sopInstanceUID, sopClassUID, instanceNumber,
+                                   acquisitionDateTime, rows, columns, rowSpacing_mm, columnSpacing_mm, dpiX,
+                                   dpiY, kvp, tubeCurrent_mA, exposureTime_ms, laterality, teeth, region,
+                                   regionModifier, regionText, bodyPartExamined, manufacturer, model,
+                                   serialNumber)
+
+namespace {
+
+using nlohmann::json;
+
+/// Refuses what isn't a DICOM identifier: the library would take a UID without a dot for a row's key.
+void RequireUid(const std::string& uid, const char* what) {
+    constexpr std::size_t longest = 64;
+    const bool formed = uid.find_first_not_of("0123456789.") == std::string::npos &&
+                        Platform::Contains(uid, ".") && uid.size() <= longest;
+    if (!formed) throw Complaint(fmt::format("its {} \"{}\" is no DICOM identifier", what, uid));
+}
+
+json Read(const std::string& path) {
+    const RadiographFile file = ReadRadiograph(path);
+    RequireUid(file.studyUID, "Study Instance UID");
+    RequireUid(file.seriesUID, "Series Instance UID");
+    RequireUid(file.sopInstanceUID, "SOP Instance UID");
+    return {{"file", file}};
+}
+
+}  // namespace
+
+std::string ReadPacked(const std::string& path) {
+    json read;
+    try {
+        read = Read(path);
+    } catch (const NotDicom& foreign) {
+        read = {{"refusal", foreign.what()}, {"foreign", true}};
+    } catch (const std::exception& refused) {
+        read = {{"refusal", refused.what()}};
+    }
+    std::string bytes;
+    json::to_msgpack(read, bytes);
+    return bytes;
+}
+
+ReadFile Unpacked(const std::string& bytes) {
+    const json read = json::from_msgpack(bytes);
+    ReadFile result;
+    if (read.contains("file")) result.file = read["file"].get<RadiographFile>();
+    result.refusal = read.value("refusal", "");
+    result.foreign = read.value("foreign", false);
+    result.noPicture = read.value("noPicture", "");
+    return result;
+}
+
+}  // namespace Console

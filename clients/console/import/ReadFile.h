@@ -1,0 +1,24 @@
+#pragma once
+
+#include "console/dicom/DicomFile.h"
+
+#include <optional>
+
+namespace Console {
+
+/// What reading a file for an import came to.
+struct ReadFile {
+    std::optional<RadiographFile> file;  ///< null for a file that was refused
+    std::string refusal;                 ///< why it was refused, one clause
+    bool foreign = false;                ///< refused because it isn't a DICOM file with a picture at all
+    std::string
+        noPicture;  ///< why the picture can't be drawn, though the file can be stored; empty if it can
+};
+
+/// Reads the radiograph `path`; never throws. The bytes are for `Unpacked`, in another process.
+std::string ReadPacked(const std::string& path);
+
+/// What `ReadPacked` returned.
+ReadFile Unpacked(const std::string& bytes);
+
+}  // namespace Console

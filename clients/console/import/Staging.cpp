@@ -1,0 +1,210 @@
+#include "console/import/Staging.h"
+
+#include "console/Sha256.h"
+#include "console/SystemFile.h"
+#include "frame/Statement.h"
+#include "frame/StoredName.h"
+#include "platform/adodb/Transaction.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <fstream>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Console {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace OXClass;
+
+constexpr std::string_view FolderPrefix = ".oxclass-import-";
+constexpr const char* NameList = "names";
+
+/// The lock of a staging folder: held as long as the descriptor is open. -1 where it can't be had.
+int LockFolder(const fs::path& folder) {
+    const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0) return -1;
+    struct stat about {};
+    const bool locked = flock(descriptor, LOCK_EX | LOCK_NB) == 0;
+    // A folder that was removed between its making and its locking has no name any more.
+    if (locked && fstat(descriptor, &about) == 0 && about.st_nlink > 0) return descriptor;
+    close(descriptor);
+    return -1;
+}
+
+std::vector<std::string> AnnouncedNames(const fs::path& folder) {
+    std::vector<std::string> names;
+    std::ifstream in(folder / NameList);
+    for (std::string name; std::getline(in, name);)
+        if (!name.empty() && !in.eof()) names.push_back(name);  // a line that was cut off counts for nothing
+    return names;
+}
+
+bool HasRow(const Ref<Connection>& con, const std::string& storedName) {
+    const fs::path file = Replace(storedName, "\\", "/");
+    return !con->Execute(sql("SELECT ImageBildID FROM ImageBild_T WHERE SOPInstanceUID_NVC = '",
+                             FixSqlString(file.stem().string()), "' AND GraphicURL_NVC = '",
+                             FixSqlString(storedName), "'"))
+                ->Eof();
+}
+
+/// Under the write lock, so that no importer is taking one of the files over at the same time.
+std::size_t RemoveFilesWithoutRow(const Ref<Connection>& con, const fs::path& root,
+                                  const std::vector<std::string>& names) {
+    if (names.empty()) return 0;
+    ADODB::Transaction transaction(con);
+    std::size_t removed = 0;
+    for (const std::string& name : names) {
+        std::error_code ignored;
+        const std::string file = FileBelow(root.string(), name);
+        if (!file.empty() && !HasRow(con, name)) removed += fs::remove(file, ignored);
+    }
+    return removed;
+}
+
+// ---- names without hard links -----------------------------------------------------------------------
+
+bool IsUnsupported(int error) {
+    return error == EINVAL || error == ENOSYS || error == EPERM || error == EOPNOTSUPP || error == EMLINK;
+}
+
+/// Takes the name by making an empty file of it, and then puts the staged file in its place.
+bool RenameOverReservation(const fs::path& from, const fs::path& to) {
+    const int reserved = open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
+    if (reserved < 0) return false;
+    close(reserved);
+    if (rename(from.c_str(), to.c_str()) == 0) return true;
+    const int error = errno;
+    unlink(to.c_str());
+    errno = error;
+    return false;
+}
+
+/// Gives the file a name that no file has; false with EEXIST where one has it. Not every file system knows
+/// each of the three ways.
+bool RenameToNewName(const fs::path& from, const fs::path& to) {
+    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return true;
+    if (!IsUnsupported(errno)) return false;
+    if (link(from.c_str(), to.c_str()) == 0) {
+        unlink(from.c_str());
+        return true;
+    }
+    if (!IsUnsupported(errno)) return false;
+    return RenameOverReservation(from, to);
+}
+
+}  // namespace
+
+Staging::Staging(fs::path root) {
+    constexpr int tries = 100;
+    for (int i = 0; lock_ < 0 && i < tries; ++i) {
+        std::string name = (root / (std::string(FolderPrefix) + "XXXXXX")).string();
+        if (!mkdtemp(name.data())) ComplainOfSystem("can't write", root);
+        folder_ = name;
+        lock_ = LockFolder(folder_);
+    }
+    if (lock_ < 0) throw Complaint(fmt::format("can't lock a folder in {}", root.string()));
+}
+
+Staging::~Staging() {
+    std::error_code ignored;
+    fs::remove_all(folder_, ignored);
+    close(lock_);
+}
+
+StagedFile Staging::Copy(const fs::path& from) {
+    StagedFile staged{folder_ / std::to_string(++copies_), {}};
+    try {
+        SystemFile source(from, O_RDONLY), target(staged.path, O_WRONLY | O_CREAT | O_EXCL);
+        Sha256 digest;
+        std::vector<char> buffer(1 << 18);
+        while (const std::size_t size = source.Read(buffer.data(), buffer.size())) {
+            digest.Add(buffer.data(), size);
+            target.Write(buffer.data(), size);
+        }
+        target.Flush();
+        staged.sha256 = digest.Hex();
+    } catch (...) {
+        std::error_code ignored;
+        fs::remove(staged.path, ignored);
+        throw;
+    }
+    return staged;
+}
+
+void Staging::Announce(const std::vector<std::string>& storedNames) {
+    std::string lines;
+    for (const std::string& name : storedNames) lines += name + "\n";
+    SystemFile list(folder_ / NameList, O_WRONLY | O_CREAT | O_APPEND);
+    list.Write(lines.data(), lines.size());
+    list.Flush();
+    SyncFolder(folder_);
+    SyncFolder(folder_.parent_path());
+}
+
+std::size_t RemoveLeftovers(const Ref<Connection>& con, const fs::path& root) {
+    std::size_t removed = 0;
+    std::error_code failure;
+    for (const fs::directory_entry& entry : fs::directory_iterator(root, failure)) {
+        if (!entry.path().filename().string().starts_with(FolderPrefix)) continue;
+        const int lock = LockFolder(entry.path());
+        if (lock < 0) continue;  // its import is running
+        const std::vector<std::string> names = AnnouncedNames(entry.path());
+        removed += RemoveFilesWithoutRow(con, root, names);
+        std::error_code ignored;
+        for (const auto& file : fs::directory_iterator(entry.path(), ignored))
+            removed += file.path().filename() != NameList;
+        fs::remove_all(entry.path(), ignored);
+        close(lock);
+    }
+    return removed;
+}
+
+NamedFiles::~NamedFiles() {
+    for (const fs::path& file : made_) {
+        std::error_code ignored;
+        fs::remove(file, ignored);
+    }
+}
+
+void NamedFiles::MakeFolder(const fs::path& folder) {
+    if (folder == root_ || folders_.contains(folder)) return;
+    MakeFolder(folder.parent_path());
+    if (mkdir(folder.c_str(), 0755) == 0)
+        folders_.insert(folder.parent_path());
+    else if (errno != EEXIST)
+        ComplainOfSystem("can't make the folder", folder);
+}
+
+void NamedFiles::Name(const StagedFile& staged, const fs::path& target) {
+    MakeFolder(target.parent_path());
+    if (RenameToNewName(staged.path, target)) {
+        made_.push_back(target);
+        folders_.insert(target.parent_path());
+        return;
+    }
+    if (errno != EEXIST) ComplainOfSystem("can't write", target);
+    if (!SameContent(staged.path, target))
+        throw Complaint(fmt::format("another file is stored as {} already", target.string()));
+}
+
+void NamedFiles::Sync() {
+    for (const fs::path& folder : folders_) SyncFolder(folder);
+}
+
+bool SameContent(const fs::path& a, const fs::path& b) {
+    SystemFile first(a, O_RDONLY), second(b, O_RDONLY);
+    std::vector<char> one(1 << 18), other(1 << 18);
+    for (;;) {
+        const std::size_t size = first.ReadFully(one.data(), one.size());
+        if (size != second.ReadFully(other.data(), other.size())) return false;
+        if (size == 0) return true;
+        if (std::memcmp(one.data(), other.data(), size) != 0) return false;
+    }
+}
+
+}  // namespace Console

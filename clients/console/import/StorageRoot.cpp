@@ -1,0 +1,135 @@
+#include "console/import/StorageRoot.h"
+
+#include "console/WholeFile.h"
+#include "console/patients/PatientStore.h"
+#include "frame/Class1.h"
+#include "frame/Statement.h"
+#include "frame/StoredName.h"
+#include "people/cDoctors.h"
+#include "platform/adodb/Transaction.h"
+
+#include <fmt/format.h>
+#include <fstream>
+
+namespace Console {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace OXClass;
+
+constexpr std::string_view MarkerLine = "storage root of clinic ";
+
+/// The clinic that the marker names; empty if there is no marker.
+std::string MarkedClinic(const fs::path& folder) {
+    std::ifstream in(folder / RootMarker);
+    std::string line;
+    std::getline(in, line);
+    return line.starts_with(MarkerLine) ? line.substr(MarkerLine.size()) : std::string();
+}
+
+void WriteMarker(const fs::path& folder, const std::string& identity) {
+    WriteWholeFile(folder / RootMarker, fmt::format("{}{}\n", MarkerLine, identity));
+}
+
+/// True for a folder without any file but a marker.
+bool IsUnused(const fs::path& folder) {
+    std::error_code failure;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder, failure))
+        if (entry.path().filename() != RootMarker) return false;
+    return !failure;
+}
+
+[[noreturn]] void RefuseForeign(const fs::path& folder) {
+    throw Complaint(fmt::format(
+        "{} belongs to another clinic, which its file {} names; nothing is stored there. Mount the right "
+        "disk, or delete that file if the other clinic doesn't exist any more",
+        folder.string(), RootMarker));
+}
+
+}  // namespace
+
+Long StorageRoots::ActiveRoot() const {
+    const Ref<Class1> services = New<Class1>();
+    if (services->GetRootOnID(con_, 0).empty())
+        throw Complaint("the database has no active storage root; add one with: oxclass roots --add DIR");
+    services->GetRoots(con_);
+    return services->ActiveRootID;
+}
+
+const fs::path& StorageRoots::Folder(Long root) {
+    const auto known = folders_.find(root);
+    if (known != folders_.end() && fs::exists(known->second / RootMarker)) return known->second;
+    const std::string directory = New<Class1>()->GetRootOnID(con_, root);
+    if (directory.empty()) throw Complaint(fmt::format("the database has no storage root {}", root));
+    Check(directory, root);
+    return folders_[root] = directory;
+}
+
+void StorageRoots::Check(const fs::path& folder, Long root) {
+    std::error_code failure;
+    if (!fs::is_directory(folder, failure))
+        throw Complaint(fmt::format(
+            "the storage root {} is missing, so nothing is stored; mount its disk, or make the folder if the "
+            "clinic has no images yet",
+            folder.string()));
+    const std::string marked = MarkedClinic(folder);
+    if (!marked.empty() && marked == Identity()) return;
+    if (!marked.empty()) RefuseForeign(folder);
+    if (!HoldsKnownFiles(folder, root))
+        throw Complaint(fmt::format(
+            "the storage root {} doesn't hold the images that the database has there, so nothing is "
+            "stored; is its disk mounted?",
+            folder.string()));
+    WriteMarker(folder, Identity());
+}
+
+/// True if one of the newest images of the root is there, or if it has none.
+bool StorageRoots::HoldsKnownFiles(const fs::path& folder, Long root) const {
+    const Ref<Recordset> rows =
+        con_->Execute(sql("SELECT GraphicURL_NVC FROM ImageBild_T WHERE RootId = ", root,
+                          " AND GraphicURL_NVC <> '' ORDER BY ImageBildID DESC LIMIT 100"));
+    if (rows->Eof()) return true;
+    for (; !rows->Eof(); rows->MoveNext()) {
+        std::error_code failure;
+        const std::string file = FileBelow(folder.string(), rows->Fields(0).As<String>());
+        if (!file.empty() && fs::exists(file, failure)) return true;
+    }
+    return false;
+}
+
+void StorageRoots::Create(const fs::path& folder) {
+    std::error_code failure;
+    fs::create_directories(folder, failure);
+    if (failure)
+        throw Complaint(fmt::format("can't make the folder {}: {}", folder.string(), failure.message()));
+    const std::string marked = MarkedClinic(folder);
+    if (!marked.empty() && marked != Identity() && !IsUnused(folder)) RefuseForeign(folder);
+    if (marked != Identity()) WriteMarker(folder, Identity());
+}
+
+std::string StorageRoots::StoredIdentity() const {
+    try {
+        const Ref<Recordset> row = con_->Execute("SELECT Identity FROM ClinicIdentity_T");
+        return row->Eof() || row->Fields(0).IsNull() ? String() : row->Fields(0).As<String>();
+    } catch (const Error& failure) {
+        if (failure.Number == ADODB::NoTable) return {};
+        throw;
+    }
+}
+
+const std::string& StorageRoots::Identity() {
+    if (identity_.empty()) identity_ = StoredIdentity();
+    if (!identity_.empty()) return identity_;
+    ADODB::Transaction transaction(con_);
+    CreateProgramTables(con_);
+    identity_ = StoredIdentity();  // another program may have been faster
+    if (identity_.empty()) {
+        identity_ = New<cDoctors>()->GetGUID();
+        con_->Execute(
+            sql("INSERT INTO ClinicIdentity_T (Identity) VALUES ('", FixSqlString(identity_), "')"));
+    }
+    transaction.Commit();
+    return identity_;
+}
+
+}  // namespace Console

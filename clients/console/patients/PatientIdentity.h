@@ -1,0 +1,56 @@
+#pragma once
+
+#include "platform/runtime/Date.h"
+
+#include <string>
+#include <vector>
+
+namespace Console {
+
+/// Family and given name of one writing of a person's name.
+struct NameWriting {
+    std::string family;
+    std::string given;  ///< first and middle names, separated by blanks
+};
+
+/// What tells one person from another: what a file, a worklist entry or a patient's row says about it.
+///
+/// Every text is UTF-8 and may be empty, which means that the source says nothing. A plain value.
+struct PatientIdentity {
+    long number = 0;  ///< the patient's row; 0 for a person who isn't read from the database
+    std::string patientID;
+    std::string issuer;              ///< who assigned `patientID`
+    std::vector<NameWriting> names;  ///< the same name in one or more scripts
+    Platform::Date birthDate;        ///< the zero date: not known
+    std::string sex;                 ///< "M", "F" or "O"; any other text counts as not known
+
+    /// The first writing as "Family, Given".
+    std::string Name() const;
+};
+
+/// A property in which two identities differ.
+enum class IdentityField { PatientID, Issuer, Name, BirthDate, Sex };
+
+/// The properties of which both sides have a value and in which the values differ, in the order of the
+/// enumeration, `PatientID` excepted: the caller has compared it already.
+///
+/// Names are compared without regard to letter case, accents, punctuation, blanks and the order of their
+/// parts. A missing middle name and an initial are no difference; a different family name is one. Of
+/// several writings one pair that agrees is enough. Issuers are compared without regard to case and outer
+/// blanks.
+std::vector<IdentityField> Contradictions(const PatientIdentity& a, const PatientIdentity& b);
+
+/// True if name or birth date is known on both sides and agrees, and nothing contradicts it.
+bool Confirms(const PatientIdentity& a, const PatientIdentity& b);
+
+/// True if the identifier alone is enough to take both for one person: both issuers are known and equal,
+/// or neither is known.
+bool SameIssuer(const PatientIdentity& a, const PatientIdentity& b);
+
+/// Both identities as a table of five lines, the properties that differ marked with "<>". `titleA` and
+/// `titleB` are the titles of the columns. Control characters are replaced by blanks; the text ends with a
+/// line break.
+std::string SideBySide(const PatientIdentity& a, const std::string& titleA, const PatientIdentity& b,
+                       const std::string& titleB);
+
+}  // namespace Console

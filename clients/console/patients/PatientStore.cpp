@@ -1,0 +1,244 @@
+#include "console/patients/PatientStore.h"
+
+#include "Schema.h"
+#include "console/Commands.h"
+#include "frame/Statement.h"
+#include "people/cDoctors.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+
+namespace Console {
+namespace {
+
+using namespace OXClass;
+
+constexpr Long IdentifierWidth = 64, OtherIDsWidth = 255;
+
+/// The one letter of a sex that programs of the suite agree on; empty for any other text.
+std::string SexLetter(const std::string& text) {
+    const std::string letter = UCase(Left(Trim(text), 1));
+    return letter == "M" || letter == "F" || letter == "O" ? letter : "";
+}
+
+std::vector<NameWriting> WritingsOf(const std::string& name) {
+    std::vector<NameWriting> writings;
+    for (const String& writing : SplitIgnoringCase(name, "=")) {
+        const PersonName parts = SplitPersonName(writing);
+        if (!parts.family.empty() || !parts.given.empty()) writings.push_back({parts.family, parts.given});
+    }
+    return writings;
+}
+
+/// Rows of a table that an older database may lack count as none.
+Ref<Recordset> RowsIfAny(const Ref<Connection>& con, const String& statement) {
+    try {
+        Ref<Recordset> rows = con->Execute(statement);
+        return rows->Eof() ? nullptr : rows;
+    } catch (const Error& failure) {
+        if (failure.Number == ADODB::NoTable) return nullptr;
+        throw;
+    }
+}
+
+std::string IssuerOf(const Ref<Connection>& con, Long patient) {
+    const auto rows = RowsIfAny(con, sql("SELECT Issuer FROM PatientIssuer_T WHERE PatientID = ", patient));
+    if (!rows || rows->Fields(0).IsNull()) return {};
+    return rows->Fields(0).As<String>();
+}
+
+std::string ShortName(const PatientIdentity& person) {
+    return fmt::format("#{} {}, born {}", person.number, person.Name(),
+                       person.birthDate.Days == 0 ? "?" : DateText(person.birthDate));
+}
+
+Long RowsWithID(const Ref<Connection>& con, const std::string& id) {
+    return con
+        ->Execute(sql("SELECT count(*) FROM Patient_T WHERE PersonNr_CH = '", UCase(FixSqlString(id)), "'"))
+        ->Fields(0)
+        .As<Long>();
+}
+
+void SetIdentifier(const Ref<Connection>& con, Long number, const std::string& id) {
+    con->Execute(
+        sql("UPDATE Patient_T SET PersonNr_CH = '", FixSqlString(id), "' WHERE PatientID = ", number));
+}
+
+/// Inserts a patient beside others of the same identifier: the class would update those.
+void InsertBesideOthers(const Ref<Connection>& con, cPatient& patient) {
+    const std::string id = patient.PatientID;
+    patient.PatientID = New<cDoctors>()->GetGUID();
+    patient.Save(con);
+    patient.PatientID = id;
+    SetIdentifier(con, patient.ID, UCase(id));
+}
+
+bool HasOtherID(const cPatient& patient, const std::string& identifier) {
+    for (const cStringItem& item : *patient.OtherIDs)
+        if (EqualsIgnoringCase(item.str, identifier)) return true;
+    return false;
+}
+
+void UpdateRow(const Ref<Connection>& con, cPatient& patient) {
+    const Long number = patient.ID;
+    const std::string id = patient.PatientID;
+    WithUniqueID(con, patient, [&](const std::string& unique) {
+        patient.PatientID = unique;
+        patient.Save(con);
+    });
+    patient.PatientID = id;
+    if (patient.ID != number)
+        throw Complaint(
+            fmt::format("patient #{} was changed by another program meanwhile; try again", number));
+}
+
+}  // namespace
+
+PatientIdentity IdentityOf(const RadiographFile& file) {
+    return {.patientID = file.patientID,
+            .issuer = file.issuer,
+            .names = WritingsOf(file.patientName),
+            .birthDate = ParseDate(file.birthDate).value_or(Date{}),
+            .sex = SexLetter(file.sex)};
+}
+
+PatientIdentity IdentityOf(const Ref<Connection>& con, const cPatient& patient) {
+    return {.number = patient.ID,
+            .patientID = patient.PatientID,
+            .issuer = IssuerOf(con, patient.ID),
+            .names = {{patient.LastName, patient.FirstName}},
+            .birthDate = patient.BirthDate,
+            .sex = SexLetter(patient.Sex)};
+}
+
+Ref<cPatient> PatientOfRow(const Ref<Connection>& con, Long number) {
+    Ref<cPatient> patient = New<cPatient>();
+    bool found = false;
+    ComplainOfTextBoxes([&] { found = patient->LoadOnPatientIDorPDBID(con, String(), number) != 0; });
+    return found ? patient : nullptr;
+}
+
+std::vector<Ref<cPatient>> PatientsWithID(const Ref<Connection>& con, const std::string& id) {
+    std::vector<Long> numbers;
+    const Ref<Recordset> rows = con->Execute(sql("SELECT PatientID FROM Patient_T WHERE PersonNr_CH = '",
+                                                 UCase(FixSqlString(id)), "' ORDER BY PatientID"));
+    for (; !rows->Eof(); rows->MoveNext()) numbers.push_back(rows->Fields(0).As<Long>());
+    std::vector<Ref<cPatient>> patients;
+    for (const Long number : numbers)
+        if (auto patient = PatientOfRow(con, number)) patients.push_back(std::move(patient));
+    return patients;
+}
+
+Ref<cPatient> LoadPatient(const Ref<Connection>& con, const std::string& text) {
+    if (text.starts_with('#')) {
+        if (auto patient = PatientOfRow(con, NumberOf(text.substr(1), "a patient"))) return patient;
+        throw Complaint(fmt::format("there is no patient {}; see: oxclass patients", text));
+    }
+    const std::vector<Ref<cPatient>> patients = PatientsWithID(con, text);
+    if (patients.empty()) throw Complaint(fmt::format("there is no patient {}; see: oxclass patients", text));
+    if (patients.size() == 1) return patients.front();
+    std::string list;
+    for (const auto& patient : patients)
+        list += (list.empty() ? "" : "; ") + ShortName(IdentityOf(con, *patient));
+    throw Complaint(fmt::format("{} patients have the ID {}: {}; name one by its number, as '#{}'",
+                                patients.size(), text, list, patients.front()->ID));
+}
+
+Ref<cPatient> LoadPatient(const Clinic& clinic, const std::string& text) {
+    return LoadPatient(clinic.Con(), text);
+}
+
+PatientMatch MatchPatient(const Ref<Connection>& con, const PatientIdentity& person) {
+    PatientMatch match;
+    const std::vector<Ref<cPatient>> patients = PatientsWithID(con, person.patientID);
+    std::vector<PatientIdentity> fitting;
+    for (const auto& patient : patients) {
+        PatientIdentity stored = IdentityOf(con, *patient);
+        const bool idIsEnough = patients.size() == 1 && SameIssuer(stored, person);
+        const bool fits = idIsEnough ? Contradictions(stored, person).empty() : Confirms(stored, person);
+        (fits ? fitting : match.refused).push_back(std::move(stored));
+    }
+    if (fitting.size() == 1)
+        match.number = static_cast<Long>(fitting.front().number);
+    else
+        std::ranges::move(fitting, std::back_inserter(match.refused));
+    return match;
+}
+
+void RequireStorable(const cPatient& patient) {
+    const String others = patient.OtherIDs->GetAllAsString();
+    if (Trim(patient.PatientID).empty()) throw Complaint("a patient needs an ID");
+    if (Contains(patient.Sex + others, "'"))
+        throw Complaint("Sex and OtherIDs can't hold a single quote; leave it out");
+    if (Len(others) > OtherIDsWidth)
+        throw Complaint(
+            fmt::format("the other identifiers have more than {} characters in all; set fewer with: oxclass "
+                        "patient ID OtherIDs=A\\B",
+                        OtherIDsWidth));
+    if (Len(patient.PatientID) > IdentifierWidth)
+        throw Complaint(fmt::format("a patient ID has at most {} characters", IdentifierWidth));
+}
+
+std::vector<std::string> AddOtherIDs(cPatient& patient, const std::vector<std::string>& identifiers) {
+    std::vector<std::string> left;
+    Long place = 0;
+    for (const std::string& identifier : identifiers) {
+        String other = UCase(Trim(WithoutQuotes(identifier)));
+        if (other.empty() || EqualsIgnoringCase(other, patient.PatientID) || HasOtherID(patient, other))
+            continue;
+        const Long length = patient.OtherIDs->TotalLengthWithDelimiter();
+        if (length + (length > 0 ? 1 : 0) + Len(other) > OtherIDsWidth) {
+            left.push_back(identifier);
+            continue;
+        }
+        while (patient.OtherIDs->Members().HasKey("K" + CStr(place))) ++place;
+        patient.OtherIDs->Add(other, place, "K" + CStr(place));
+    }
+    return left;
+}
+
+void SavePatient(const Ref<Connection>& con, cPatient& patient) {
+    RequireStorable(patient);
+    if (patient.ID != 0) return UpdateRow(con, patient);
+    if (RowsWithID(con, patient.PatientID) > 0) return InsertBesideOthers(con, patient);
+    patient.Save(con);
+}
+
+void ChangePatientID(const Ref<Connection>& con, cPatient& patient, const std::string& id) {
+    if (EqualsIgnoringCase(Trim(id), patient.PatientID)) return;
+    if (RowsWithID(con, Trim(id)) > 0)
+        throw Complaint(fmt::format("another patient has the ID {} already; see: oxclass patients", id));
+    patient.PatientID = UCase(Trim(id));
+    RequireStorable(patient);
+    CreateProgramTables(con);
+    con->Execute(sql("DELETE FROM PatientIssuer_T WHERE PatientID = ", patient.ID));
+    SetIdentifier(con, patient.ID, patient.PatientID);
+}
+
+void StoreIssuer(const Ref<Connection>& con, Long patient, const std::string& issuer) {
+    const std::string text = Trim(issuer);
+    if (text.empty()) return;
+    CreateProgramTables(con);
+    con->Execute(sql("DELETE FROM PatientIssuer_T WHERE PatientID = ", patient));
+    con->Execute(sql("INSERT INTO PatientIssuer_T (PatientID, Issuer) VALUES (", patient, ", '",
+                     FixSqlString(text), "')"));
+}
+
+void CreateProgramTables(const Ref<Connection>& con) { RunScript(con, schema::program_sql); }
+
+void WithUniqueID(const Ref<Connection>& con, const cPatient& patient,
+                  const std::function<void(const std::string& id)>& work) {
+    const Long number = patient.ID;
+    const Ref<Recordset> row =
+        con->Execute(sql("SELECT PersonNr_CH FROM Patient_T WHERE PatientID = ", number));
+    if (row->Eof()) throw Complaint(fmt::format("there is no patient #{}; see: oxclass patients", number));
+    const ADODB::Field stored = row->Fields(0);
+    const std::string own = stored.IsNull() ? String() : stored.As<String>();
+    if (!Trim(own).empty() && RowsWithID(con, own) == 1) return work(UCase(own));
+    const std::string unique = New<cDoctors>()->GetGUID();
+    SetIdentifier(con, number, unique);
+    work(unique);
+    SetIdentifier(con, number, own);
+}
+
+}  // namespace Console
