@@ -24,6 +24,8 @@ void AddCards(Program& program);         ///< cards, series save-as-card
 void AddComposing(Program& program);     ///< card new, add, move, remove, show
 void AddDrawing(Program& program);       ///< draw, report
 void AddLayouts(Program& program);       ///< layouts, anatomy
+void AddCheck(Program& program);         ///< check
+void AddBackup(Program& program);        ///< backup, restore
 void AddStaff(Program& program);         ///< doctors, doctor, clinics, clinic, guid
 void AddWorklist(Program& program);      ///< worklist
 void AddIdl(Program& program);           ///< idl

@@ -1,11 +1,11 @@
 #include "console/Commands.h"
 
 #include "Schema.h"
+#include "console/NewDatabase.h"
 #include "console/import/StorageRoot.h"
 #include "frame/Statement.h"
 
 #include <fmt/format.h>
-#include <unistd.h>
 
 namespace Console {
 namespace {
@@ -13,25 +13,6 @@ namespace {
 namespace fs = std::filesystem;
 using OXClass::FixSqlString;
 using OXClass::sql;
-
-/// A file that is made beside its name and gets it when it is whole; whatever fails, nothing of it stays.
-class NewFile {
-public:
-    explicit NewFile(fs::path path)
-        : path_(std::move(path)), made_(path_.string() + fmt::format(".new{}", getpid())) {}
-    ~NewFile() {
-        for (const char* end : {"", "-wal", "-shm", "-journal"}) {
-            std::error_code ignored;
-            fs::remove(made_.string() + end, ignored);
-        }
-    }
-    NewFile(const NewFile&) = delete;
-    const fs::path& Made() const { return made_; }
-    void Finish() { fs::rename(made_, path_); }
-
-private:
-    fs::path path_, made_;
-};
 
 /// The clinic of a database that is replaced, so that its storage root can be used on; empty for any other
 /// file.
@@ -100,7 +81,7 @@ void Init(const std::string& name, const std::string& rootName, bool replace) {
     if (!fs::is_directory(file.parent_path()))
         throw Complaint(fmt::format("there is no folder {}; make it first", file.parent_path().string()));
     if (!replace) PutAside(file, false);
-    NewFile made(file);
+    NewDatabase made(file);
     Fill(made.Made(), root, replace ? ClinicOf(file) : std::string());
     PutAside(file, replace);
     made.Finish();

@@ -52,6 +52,8 @@ int RunProgram(int argc, const char* const* argv) {
     AddDrawing(program);
     AddLayouts(program);
     AddStaff(program);
+    AddCheck(program);
+    AddBackup(program);
     AddWorklist(program);
     AddSettings(program);
     AddIdl(program);

@@ -97,6 +97,27 @@ bool RenameToNewName(const fs::path& from, const fs::path& to) {
     return RenameOverReservation(from, to);
 }
 
+/// Calls `visit` with each staging folder whose import has ended, while its lock is held.
+template <class Visitor>
+void EachAbandoned(const fs::path& root, const Visitor& visit) {
+    std::error_code failure;
+    for (const fs::directory_entry& entry : fs::directory_iterator(root, failure)) {
+        if (!entry.path().filename().string().starts_with(FolderPrefix)) continue;
+        const int lock = LockFolder(entry.path());
+        if (lock < 0) continue;  // its import is running
+        visit(entry.path());
+        close(lock);
+    }
+}
+
+std::size_t CopiesIn(const fs::path& folder) {
+    std::size_t copies = 0;
+    std::error_code failure;
+    for (const auto& file : fs::directory_iterator(folder, failure))
+        copies += file.path().filename() != NameList;
+    return copies;
+}
+
 }  // namespace
 
 Staging::Staging(fs::path root) {
@@ -148,20 +169,18 @@ void Staging::Announce(const std::vector<std::string>& storedNames) {
 
 std::size_t RemoveLeftovers(const Ref<Connection>& con, const fs::path& root) {
     std::size_t removed = 0;
-    std::error_code failure;
-    for (const fs::directory_entry& entry : fs::directory_iterator(root, failure)) {
-        if (!entry.path().filename().string().starts_with(FolderPrefix)) continue;
-        const int lock = LockFolder(entry.path());
-        if (lock < 0) continue;  // its import is running
-        const std::vector<std::string> names = AnnouncedNames(entry.path());
-        removed += RemoveFilesWithoutRow(con, root, names);
+    EachAbandoned(root, [&](const fs::path& folder) {
+        removed += RemoveFilesWithoutRow(con, root, AnnouncedNames(folder)) + CopiesIn(folder);
         std::error_code ignored;
-        for (const auto& file : fs::directory_iterator(entry.path(), ignored))
-            removed += file.path().filename() != NameList;
-        fs::remove_all(entry.path(), ignored);
-        close(lock);
-    }
+        fs::remove_all(folder, ignored);
+    });
     return removed;
+}
+
+std::size_t CountLeftovers(const fs::path& root) {
+    std::size_t files = 0;
+    EachAbandoned(root, [&](const fs::path& folder) { files += std::max<std::size_t>(CopiesIn(folder), 1); });
+    return files;
 }
 
 NamedFiles::~NamedFiles() {

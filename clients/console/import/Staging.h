@@ -45,6 +45,9 @@ private:
 /// many files it removed.
 std::size_t RemoveLeftovers(const Ref<Connection>& con, const std::filesystem::path& root);
 
+/// How many files killed imports left in the staging folders of a root. Changes nothing.
+std::size_t CountLeftovers(const std::filesystem::path& root);
+
 /// Files that get their final names under a storage root, inside the transaction that writes their rows.
 ///
 /// Each name is taken whole and never from another file, also on file systems without hard links. Unless

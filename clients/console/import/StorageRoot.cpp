@@ -59,13 +59,21 @@ Long StorageRoots::ActiveRoot() const {
 const fs::path& StorageRoots::Folder(Long root) {
     const auto known = folders_.find(root);
     if (known != folders_.end() && fs::exists(known->second / RootMarker)) return known->second;
-    const std::string directory = New<Class1>()->GetRootOnID(con_, root);
-    if (directory.empty()) throw Complaint(fmt::format("the database has no storage root {}", root));
-    Check(directory, root);
-    return folders_[root] = directory;
+    const fs::path folder = DirectoryOf(root);
+    if (!IsMarked(folder, root)) WriteMarker(folder, Identity());
+    return folders_[root] = folder;
 }
 
-void StorageRoots::Check(const fs::path& folder, Long root) {
+void StorageRoots::Inspect(Long root) const { IsMarked(DirectoryOf(root), root); }
+
+fs::path StorageRoots::DirectoryOf(Long root) const {
+    const std::string directory = New<Class1>()->GetRootOnID(con_, root);
+    if (directory.empty()) throw Complaint(fmt::format("the database has no storage root {}", root));
+    return directory;
+}
+
+/// True for a folder with the marker of this clinic, false for one without a marker that may get it.
+bool StorageRoots::IsMarked(const fs::path& folder, Long root) const {
     std::error_code failure;
     if (!fs::is_directory(folder, failure))
         throw Complaint(fmt::format(
@@ -73,14 +81,14 @@ void StorageRoots::Check(const fs::path& folder, Long root) {
             "clinic has no images yet",
             folder.string()));
     const std::string marked = MarkedClinic(folder);
-    if (!marked.empty() && marked == Identity()) return;
+    if (!marked.empty() && marked == StoredIdentity()) return true;
     if (!marked.empty()) RefuseForeign(folder);
     if (!HoldsKnownFiles(folder, root))
         throw Complaint(fmt::format(
             "the storage root {} doesn't hold the images that the database has there, so nothing is "
             "stored; is its disk mounted?",
             folder.string()));
-    WriteMarker(folder, Identity());
+    return false;
 }
 
 /// True if one of the newest images of the root is there, or if it has none.

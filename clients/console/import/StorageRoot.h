@@ -18,6 +18,9 @@ public:
     /// root, a missing folder, a folder without the files that it should hold, and one of another clinic.
     const std::filesystem::path& Folder(Platform::Long root);
 
+    /// Checks a root as `Folder` does, and writes nothing.
+    void Inspect(Platform::Long root) const;
+
     /// The number of the root that takes new files. Throws `Complaint` if there is none.
     Platform::Long ActiveRoot() const;
 
@@ -29,7 +32,8 @@ public:
     std::string StoredIdentity() const;
 
 private:
-    void Check(const std::filesystem::path& folder, Platform::Long root);
+    bool IsMarked(const std::filesystem::path& folder, Platform::Long root) const;
+    std::filesystem::path DirectoryOf(Platform::Long root) const;
     bool HoldsKnownFiles(const std::filesystem::path& folder, Platform::Long root) const;
     const std::string& Identity();
 

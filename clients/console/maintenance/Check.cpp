@@ -1,0 +1,49 @@
+#include "console/Commands.h"
+#include "console/Program.h"
+#include "console/maintenance/ClinicCheck.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+
+namespace Console {
+namespace {
+
+void Check(Program& program, bool repair) {
+    const Clinic clinic(program.options);
+    const CheckResult result = CheckClinic(clinic, repair);
+    List list({{"kind", "Kind"}, {"where", "Where"}, {"text", "What"}, {"repaired", "Repaired"}});
+    for (const Finding& finding : result.findings)
+        list.Add({finding.kind, finding.where, finding.text, finding.repaired});
+    const auto open = std::ranges::count(result.findings, false, &Finding::repaired);
+    if (open > 0) program.exitCode = PartlyDone;
+    if (program.options.json)
+        return PrintJson({{"images", result.images},
+                          {"files", result.files},
+                          {"without_checksum", result.withoutChecksum},
+                          {"open", open},
+                          {"findings", list.Rows()}});
+    if (!result.findings.empty()) list.Print(false, "");
+    fmt::print("{} images and {} files were checked: {} findings, {} repaired.\n", result.images,
+               result.files, result.findings.size(), result.findings.size() - static_cast<std::size_t>(open));
+    if (result.withoutChecksum > 0)
+        fmt::print("{} images {} no checksum{}.\n", result.withoutChecksum, repair ? "had" : "have",
+                   repair ? " and got one" : "; oxclass check --repair stores them");
+}
+
+}  // namespace
+
+void AddCheck(Program& program) {
+    const auto repair = std::make_shared<bool>(false);
+    auto* command = program.app.add_subcommand(
+        "check", "compare all rows with all files: missing, altered and orphaned ones, and damaged rows");
+    command->add_flag("--repair", *repair,
+                      "mend what needs no decision; the help of the findings says the rest");
+    command->footer(
+        "Repaired are: leftovers of killed imports, missing checksums, manipulations of placed images that "
+        "are\n"
+        "gone. Everything else is listed only. Exit code 3: findings are left.\n"
+        "Example: oxclass check --json");
+    command->callback([&program, repair] { Check(program, *repair); });
+}
+
+}  // namespace Console

@@ -1,0 +1,243 @@
+#include "console/maintenance/ClinicCheck.h"
+
+#include "console/import/ReadFile.h"
+#include "console/import/Staging.h"
+#include "console/maintenance/ClinicFiles.h"
+#include "console/patients/PatientStore.h"
+#include "frame/Statement.h"
+#include "frame/StoredName.h"
+#include "images/cImages.h"
+#include "platform/adodb/Transaction.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <unordered_set>
+
+namespace Console {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace OXClass;
+
+/// Rows of one table that name a row of another one that isn't there.
+struct Reference {
+    const char *what, *table, *key, *column, *owner, *ownerKey;
+    const char* also = "";  ///< a further condition
+};
+
+constexpr Reference References[] = {
+    {"image", "ImageBild_T", "ImageBildID", "PatientID", "Patient_T", "PatientID"},
+    {"image", "ImageBild_T", "ImageBildID", "Series_ID", "Series_T", "Series_ID"},
+    {"image", "ImageBild_T", "ImageBildID", "Study_ID", "Study_T", "Study_ID"},
+    {"image", "ImageBild_T", "ImageBildID", "RootId", "Root_T", "RootID", " AND c.GraphicURL_NVC <> ''"},
+    {"series", "Series_T", "Series_ID", "Study_ID", "Study_T", "Study_ID"},
+    {"study", "Study_T", "Study_ID", "PatientID", "Patient_T", "PatientID"},
+    {"image card", "ImageCard_T", "ImageCardID", "PatientID", "Patient_T", "PatientID"},
+    {"placed image", "ImageAttribute_T", "ImageAttributeID", "ImageCardID", "ImageCard_T", "ImageCardID"},
+    {"placed image", "ImageAttribute_T", "ImageAttributeID", "ImageBildId", "ImageBild_T", "ImageBildID"},
+    {"manipulation", "ImageManipulation_T", "ImageManipulationID", "ImageAttributeID", "ImageAttribute_T",
+     "ImageAttributeID"},
+    {"comment", "Comments_T", "CommentID", "objectID", "ImageBild_T", "ImageBildID", " AND c.tabelID = 1"},
+};
+
+/// One check of one clinic.
+class Check {
+public:
+    Check(const Clinic& clinic, bool repair)
+        : clinic_(clinic), con_(clinic.Con()), repair_(repair), folders_(FoldersOfRoots(con_)) {}
+
+    CheckResult Run() {
+        Database();
+        Roots();
+        const std::vector<ClinicFile> files = FilesOfClinic(con_);
+        result_.images = static_cast<std::size_t>(clinic_.Number("SELECT count(*) FROM ImageBild_T"));
+        StoredFiles(files);
+        FilesWithoutRow(files);
+        for (const Reference& reference : References) OrphanedRows(reference);
+        DamagedImages();
+        DoubleImages();
+        DoublePatients();
+        return std::move(result_);
+    }
+
+private:
+    void Found(const char* kind, std::string where, std::string text, bool repaired = false) {
+        result_.findings.push_back({kind, std::move(where), std::move(text), repaired});
+    }
+
+    void Database() {
+        const Ref<Recordset> rows = clinic_.Read("PRAGMA integrity_check");
+        for (; !rows->Eof(); rows->MoveNext()) {
+            const std::string text = rows->Fields(0).As<String>();
+            if (text != "ok") Found("damaged-database", "the database", text);
+        }
+    }
+
+    /// Roots that can't be used; their files are not looked at one by one.
+    void Roots() {
+        StorageRoots roots(con_);
+        for (const auto& [number, folder] : folders_) {
+            try {
+                roots.Inspect(number);
+                sound_.insert(number);
+                Leftovers(folder);
+            } catch (const Complaint& refused) {
+                Found("unusable-root", fmt::format("storage root {}", number), refused.what());
+            }
+        }
+    }
+
+    void Leftovers(const fs::path& folder) {
+        const std::size_t files = repair_ ? RemoveLeftovers(con_, folder) : CountLeftovers(folder);
+        if (files > 0)
+            Found("leftover", folder.string(), fmt::format("{} files of an import that was killed", files),
+                  repair_);
+    }
+
+    fs::path PathOf(const ClinicFile& file) const {
+        const auto folder = folders_.find(file.root);
+        return folder == folders_.end() ? std::string() : FileBelow(folder->second.string(), file.name);
+    }
+
+    void StoredFiles(const std::vector<ClinicFile>& all) {
+        std::vector<const ClinicFile*> files;
+        for (const ClinicFile& file : all) {
+            if (PathOf(file).empty() && folders_.contains(file.root))
+                Found("bad-name", Image(file),
+                      fmt::format("its stored name \"{}\" is no file of its root", file.name));
+            else if (sound_.contains(file.root))
+                files.push_back(&file);
+        }
+        ReadFiles(
+            files.size(), true, "files checked", [&](std::size_t i) { return PathOf(*files[i]).string(); },
+            [&](std::size_t i, const FileContent& content) { StoredFile(*files[i], content); });
+    }
+
+    static std::string Image(const ClinicFile& file) { return fmt::format("image {}", file.image); }
+
+    void StoredFile(const ClinicFile& file, const FileContent& content) {
+        ++result_.files;
+        const fs::path path = PathOf(file);
+        std::error_code failure;
+        if (!fs::exists(path, failure))
+            return Found("missing-file", Image(file), fmt::format("its file {} is missing", path.string()));
+        if (content.sha256.empty()) return Found("unreadable-file", Image(file), content.failure);
+        if (file.sha256.empty())
+            StoreChecksum(file, content.sha256);
+        else if (file.sha256 != content.sha256)
+            Found("altered-file", Image(file), fmt::format("its file {} was altered", path.string()));
+        Person(file, Unpacked(content.packedImage));
+    }
+
+    void StoreChecksum(const ClinicFile& file, const std::string& sha256) {
+        ++result_.withoutChecksum;
+        if (!repair_) return;
+        con_->Execute(sql("UPDATE ImageBild_T SET CRC = '", FixSqlString(sha256),
+                          "' WHERE ImageBildID = ", file.image));
+    }
+
+    /// A file that names another person than its patient.
+    void Person(const ClinicFile& file, const ReadFile& read) {
+        if (!read.file || file.patient == 0) return;
+        const auto [known, isNew] = people_.try_emplace(file.patient);
+        if (isNew)
+            if (const auto patient = PatientOfRow(con_, file.patient))
+                known->second = IdentityOf(con_, *patient);
+        PatientIdentity said = IdentityOf(*read.file);
+        said.issuer.clear();  // a person may have decided that two issuers mean one patient
+        if (known->second.number == 0 || Contradictions(known->second, said).empty()) return;
+        Found("two-names", Image(file),
+              fmt::format("its file names {}, {}, and its patient #{} is {}, {}", said.Name(),
+                          DateText(said.birthDate), known->second.number, known->second.Name(),
+                          DateText(known->second.birthDate)));
+    }
+
+    void FilesWithoutRow(const std::vector<ClinicFile>& files) {
+        std::unordered_set<std::string> known;
+        for (const ClinicFile& file : files) known.insert(PathOf(file).string());
+        for (const Long root : sound_) {
+            std::error_code failure;
+            for (fs::recursive_directory_iterator entry(folders_.at(root), failure), end;
+                 !failure && entry != end; entry.increment(failure)) {
+                const std::string name = entry->path().filename().string();
+                if (entry.depth() == 0 && name.starts_with(".oxclass-")) {
+                    entry.disable_recursion_pending();
+                    continue;
+                }
+                if (entry->is_regular_file(failure) && !known.contains(entry->path().string()))
+                    Found("orphaned-file", entry->path().string(),
+                          "no image has this file; import it, or move it away");
+            }
+        }
+    }
+
+    void OrphanedRows(const Reference& reference) {
+        const std::string condition = fmt::format(
+            "FROM {} c WHERE c.{} IS NOT NULL AND c.{} <> 0{} AND NOT EXISTS (SELECT 1 FROM {} o WHERE o.{} "
+            "= c.{})",
+            reference.table, reference.column, reference.column, reference.also, reference.owner,
+            reference.ownerKey, reference.column);
+        const Ref<Recordset> rows = clinic_.Read(fmt::format(
+            "SELECT c.{}, c.{} {} ORDER BY c.{}", reference.key, reference.column, condition, reference.key));
+        const bool repaired = repair_ && std::string_view(reference.what) == "manipulation" && !rows->Eof();
+        for (; !rows->Eof(); rows->MoveNext()) {
+            const Long key = rows->Fields(0).As<Long>();
+            Found("orphaned-row", fmt::format("{} {}", reference.what, key),
+                  fmt::format("{} {} of {} isn't there", reference.column, rows->Fields(1).As<Long>(),
+                              reference.owner),
+                  repaired);
+            if (repaired)
+                con_->Execute(sql("DELETE FROM ImageManipulation_T WHERE ImageManipulationID = ", key));
+        }
+    }
+
+    void DamagedImages() {}
+
+    void DoubleImages() {
+        const Ref<Recordset> rows = clinic_.Read(
+            "SELECT SOPInstanceUID_NVC, count(*), min(ImageBildID), max(ImageBildID) FROM ImageBild_T WHERE "
+            "SOPInstanceUID_NVC <> '' GROUP BY SOPInstanceUID_NVC HAVING count(*) > 1");
+        for (; !rows->Eof(); rows->MoveNext())
+            Found("double-image",
+                  fmt::format("images {} and {}", rows->Fields(2).As<Long>(), rows->Fields(3).As<Long>()),
+                  fmt::format("{} images have the SOP Instance UID {}", rows->Fields(1).As<Long>(),
+                              rows->Fields(0).As<String>()));
+    }
+
+    void DoublePatients() {
+        const Ref<Recordset> rows = clinic_.Read(
+            "SELECT PersonNr_CH FROM Patient_T WHERE PersonNr_CH <> '' GROUP BY PersonNr_CH HAVING count(*) "
+            "> 1");
+        for (; !rows->Eof(); rows->MoveNext()) PatientsOfID(rows->Fields(0).As<String>());
+    }
+
+    /// Patients of different issuers may have the same identifier.
+    void PatientsOfID(const String& id) {
+        std::set<std::string> issuers;
+        std::string names;
+        std::size_t count = 0;
+        for (const auto& patient : PatientsWithID(con_, id)) {
+            const PatientIdentity person = IdentityOf(con_, *patient);
+            if (!person.issuer.empty()) issuers.insert(UCase(person.issuer));
+            names += fmt::format("{}#{} {}", names.empty() ? "" : ", ", person.number, person.Name());
+            ++count;
+        }
+        if (issuers.size() < count)
+            Found("shared-id", fmt::format("patient ID {}", id),
+                  fmt::format("several patients have it: {}", names));
+    }
+
+    const Clinic& clinic_;
+    Ref<Connection> con_;
+    bool repair_;
+    std::map<Long, fs::path> folders_;
+    std::set<Long> sound_;
+    std::map<Long, PatientIdentity> people_;
+    CheckResult result_;
+};
+
+}  // namespace
+
+CheckResult CheckClinic(const Clinic& clinic, bool repair) { return Check(clinic, repair).Run(); }
+
+}  // namespace Console

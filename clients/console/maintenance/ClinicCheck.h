@@ -1,0 +1,34 @@
+#pragma once
+
+#include "console/Clinic.h"
+
+namespace Console {
+
+/// Something in a clinic that isn't as it should be.
+struct Finding {
+    std::string kind;   ///< a word for scripts: "missing-file", "altered-file", "orphaned-row" ...
+    std::string where;  ///< "image 12", a file's path, "patient #3"
+    std::string text;   ///< one clause
+    bool repaired = false;
+};
+
+/// What a check came to.
+struct CheckResult {
+    std::size_t images = 0, files = 0, withoutChecksum = 0;
+    std::vector<Finding> findings;
+};
+
+/// Compares all rows of a clinic with all files of its storage roots.
+///
+/// Found are: a damaged database; storage roots that are missing or belong to another clinic; missing,
+/// altered and unreadable files; files without a row; what killed imports left behind; rows whose owner is
+/// missing; image rows that can't be read completely; two images with one SOP Instance UID; patients of one
+/// identifier, and files of one patient, that name two people. A file is altered if its checksum isn't that
+/// of its row.
+///
+/// With `repair`, what needs no decision is mended: leftovers of killed imports are removed, images without a
+/// checksum get that of their file, and manipulations that belong to no placed image are deleted. Nothing
+/// else is changed, and without `repair` nothing at all.
+CheckResult CheckClinic(const Clinic& clinic, bool repair);
+
+}  // namespace Console
