@@ -2,6 +2,8 @@
 #include "console/Program.h"
 #include "console/dicom/DicomFile.h"
 #include "console/dicom/DicomValues.h"
+#include "console/import/FoundFiles.h"
+#include "console/import/WorkerPool.h"
 #include "console/Sha256.h"
 #include "console/patients/PatientStore.h"
 #include "console/patients/TypedDate.h"
@@ -12,6 +14,7 @@
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <set>
 
 namespace Console {
 namespace {
@@ -84,8 +87,14 @@ bool IsFile(const fs::path& path) {
     return fs::is_regular_file(path, unknown);
 }
 
-/// The files of a folder, with all below it, or the one file. The lock of a server's folder is none.
-std::vector<fs::path> WorklistFiles(const fs::path& where) {
+/// Tells of something that was passed over.
+void Tell(Program& program, const std::string& text) {
+    fmt::print(stderr, "{}\n", Printable(text));
+    program.exitCode = PartlyDone;
+}
+
+/// The files of a folder, with all below it, or the one file. The lock of a server's folder is left out.
+std::vector<fs::path> WorklistFiles(Program& program, const fs::path& where) {
     std::vector<fs::path> files;
     std::error_code unknown;
     if (!fs::is_directory(where, unknown)) {
@@ -96,34 +105,65 @@ std::vector<fs::path> WorklistFiles(const fs::path& where) {
                             Printable(where.string())));
         return {where};
     }
-    for (const auto& entry : fs::recursive_directory_iterator(where))
-        if (entry.is_regular_file() && entry.path().filename() != "lockfile") files.push_back(entry.path());
-    std::sort(files.begin(), files.end());
+    FoundFiles found = FindFiles({where.string()});
+    for (const auto& [folder, reason] : found.unreadable)
+        Tell(program, fmt::format("{}: {}", folder.string(), reason));
+    for (FoundFile& file : found.files)
+        if (file.path.filename() != "lockfile") files.push_back(std::move(file.path));
     return files;
+}
+
+/// Why a file can't be read as a worklist item; empty if it can. It is tried in a worker process first: what
+/// ends that process must not end the program.
+std::vector<std::string> RefusalsOf(const std::vector<fs::path>& files) {
+    WorkerPool pool(
+        [](const std::string& path) -> std::string {
+            try {
+                ReadWorklistFile(path);
+                return {};
+            } catch (const std::exception& refused) {
+                return refused.what();
+            }
+        },
+        1);
+    for (const fs::path& file : files) pool.Submit(file.string());
+    std::vector<std::string> refusals;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        const auto answer = pool.Next([] { return false; });
+        refusals.push_back(answer->failure.empty() ? answer->bytes : answer->failure);
+    }
+    return refusals;
 }
 
 WorklistItems FromFiles(Program& program, const std::string& where, const WorklistKeys& keys) {
     WorklistItems items;
-    for (const fs::path& path : WorklistFiles(where)) {
-        try {
-            for (WorklistEntry& entry : ReadWorklistFile(path))
+    const std::vector<fs::path> files = WorklistFiles(program, where);
+    const std::vector<std::string> refusals = RefusalsOf(files);
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        if (refusals[i].empty()) {
+            for (WorklistEntry& entry : ReadWorklistFile(files[i]))
                 if (Matches(*entry.item, keys)) items.push_back(std::move(entry));
-        } catch (const std::runtime_error& refused) {
-            fmt::print(stderr, "{}: no worklist item: {}\n", Printable(path.string()), refused.what());
-            program.exitCode = PartlyDone;
+            continue;
         }
+        Tell(program, fmt::format("{}: no worklist item: {}", files[i].string(), refusals[i]));
     }
     return items;
 }
 
-WorklistItems FromServer(Program& program, const WorklistAddress& server, const std::string& callingTitle,
+WorklistItems FromServer(Program& program, const WorklistAddress& server, const WorklistCall& call,
                          const WorklistKeys& keys) {
-    WorklistAnswer answer = AskWorklist(server, callingTitle, keys);
-    if (answer.broken > 0) {
-        fmt::print(stderr, "oxclass: {} data sets of {} are no worklist items: {}\n", answer.broken,
-                   server.Text(), answer.reason);
-        program.exitCode = PartlyDone;
-    }
+    WorklistAnswer answer = AskWorklist(server, call, keys);
+    if (answer.broken > 0)
+        Tell(program, fmt::format("oxclass: {} data sets of {} are no worklist items: {}", answer.broken,
+                                  server.Text(), answer.reason));
+    if (answer.cut)
+        Tell(program,
+             fmt::format("oxclass: {} has more than {} entries, and the others were not taken; ask for a "
+                         "day, a modality or a station, or for more with --most",
+                         server.Text(), call.mostAnswers));
+    if (answer.guessed > 0)
+        fmt::print(stderr, "oxclass: {} answers name no character set, so names in them may be wrong\n",
+                   answer.guessed);
     std::erase_if(answer.items, [&](const WorklistEntry& entry) { return !Matches(*entry.item, keys); });
     return std::move(answer.items);
 }
@@ -304,11 +344,46 @@ void Register(Program& program, const WorklistItems& items, const Registration& 
                Printable(fmt::format("{}, {}", patient->LastName, patient->FirstName)), patient->ID);
 }
 
+void AddCallOptions(CLI::App& command, WorklistCall& call) {
+    constexpr double longest = 3600;
+    constexpr std::size_t most = 1'000'000;
+    command.add_option("--timeout", call.seconds, "seconds for the whole query; default 60")
+        ->check(CLI::Range(1.0, longest))
+        ->type_name("SECONDS");
+    command.add_option("--most", call.mostAnswers, "entries that are taken at most; default 5000")
+        ->check(CLI::Range(std::size_t{1}, most))
+        ->type_name("N");
+    auto* tls = command.add_flag("--tls", call.tls, "encrypted; the server's certificate must be valid");
+    command
+        .add_option("--tls-ca", call.authorities, "PEM file of trusted authorities; default: the system's")
+        ->check(CLI::ExistingFile)
+        ->type_name("FILE")
+        ->needs(tls);
+    auto* certificate = command.add_option("--tls-cert", call.certificate, "PEM file of the own certificate");
+    auto* key = command.add_option("--tls-key", call.key, "PEM file of the own private key");
+    certificate->check(CLI::ExistingFile)->type_name("FILE")->needs(tls)->needs(key);
+    key->check(CLI::ExistingFile)->type_name("FILE")->needs(certificate);
+}
+
+/// The modality in upper case. Throws `Complaint` for a code that DICOM doesn't have.
+std::string ModalityOf(const std::string& typed) {
+    static const std::set<std::string> known{
+        "AR",      "AU",  "BDUS", "BI",  "BMD",  "CR",  "CT",  "DG", "DX", "ECG", "EPS",
+        "ES",      "GM",  "HD",   "IO",  "IVUS", "KER", "LEN", "LS", "MG", "MR",  "NM",
+        "OAM",     "OCT", "OP",   "OPM", "OPT",  "OPV", "OT",  "PT", "PX", "RF",  "RG",
+        "RTIMAGE", "SC",  "SM",   "SMR", "SR",   "SRF", "TG",  "US", "VA", "XA",  "XC"};
+    const std::string code = UCase(Trim(typed));
+    if (code.empty() || code.find_first_of("*?") != std::string::npos || known.contains(code)) return code;
+    throw Complaint(
+        fmt::format("\"{}\" is not a modality; write IO, PX, DX, CT, XC or another code of DICOM", typed));
+}
+
 }  // namespace
 
 void AddWorklist(Program& program) {
     struct Arguments {
-        std::string where, days, callingTitle = "OXCLASS";
+        std::string where, days;
+        WorklistCall call;
         WorklistKeys keys;
         Registration registration;
     };
@@ -324,8 +399,8 @@ void AddWorklist(Program& program) {
     command->add_option("--station", given->keys.station, "AE title of the scheduled station")
         ->type_name("AE");
     command->add_option("--patient", given->keys.patient, "patient ID")->type_name("ID");
-    command->add_option("--as", given->callingTitle, "AE title to ask with; default OXCLASS")
-        ->type_name("AE");
+    command->add_option("--as", given->call.title, "AE title to ask with; default OXCLASS")->type_name("AE");
+    AddCallOptions(*command, given->call);
     auto* entry = command->add_option("--register", given->registration.entry,
                                       "make or find the patient of an entry, named by its accession number, "
                                       "its step, or by a position with "
@@ -344,12 +419,13 @@ void AddWorklist(Program& program) {
     command->footer("Example: oxclass worklist RIS@192.168.1.5:104 --date today --modality IO");
     command->callback([&program, given, command] {
         SetDays(given->keys, given->days);
+        given->keys.modality = ModalityOf(given->keys.modality);
         constexpr std::size_t longestTitle = 16;
-        if (given->callingTitle.empty() || given->callingTitle.size() > longestTitle)
+        if (given->call.title.empty() || given->call.title.size() > longestTitle)
             throw Complaint("--as takes an AE title of 1 to 16 characters");
         const auto server = WorklistAddress::Of(given->where);
         WorklistItems items = server && !IsFile(given->where)
-                                  ? FromServer(program, *server, given->callingTitle, given->keys)
+                                  ? FromServer(program, *server, given->call, given->keys)
                                   : FromFiles(program, given->where, given->keys);
         Sort(items);
         if (command->count("--register") > 0) return Register(program, items, given->registration);

@@ -231,17 +231,6 @@ void CheckLoaded(const OFCondition& loaded, bool marked) {
     Refuse(std::string("damaged DICOM file: ") + loaded.text());
 }
 
-void CheckNesting(DcmItem& item, int depth) {
-    if (depth > DeepestNesting)
-        Refuse("its sequences are nested more than " + std::to_string(DeepestNesting) + " deep");
-    for (DcmObject* element = item.nextInContainer(nullptr); element;
-         element = item.nextInContainer(element)) {
-        auto* const sequence = dynamic_cast<DcmSequenceOfItems*>(element);
-        if (!sequence || dynamic_cast<DcmPixelSequence*>(element)) continue;
-        for (unsigned long i = 0; i < sequence->card(); ++i) CheckNesting(*sequence->getItem(i), depth + 1);
-    }
-}
-
 void CheckIsImage(DcmFileFormat& file, bool marked) {
     DcmDataset& set = *file.getDataset();
     if (set.tagExists(DCM_DirectoryRecordSequence))
@@ -278,7 +267,7 @@ void CheckPixelsClosed(DcmDataset& set, const Ends& ends) {
 
 RadiographFile DescribeChecked(DcmFileFormat& file, const OFCondition& loaded, const Ends& ends) {
     CheckLoaded(loaded, ends.Marked());
-    CheckNesting(*file.getDataset(), 0);
+    RequireShallow(*file.getDataset());
     CheckIsImage(file, ends.Marked());
     RadiographFile described = Describer(*file.getDataset()).Describe();
     CheckIdentified(described);

@@ -85,10 +85,6 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Sequences nested more deeply than this are refused: no radiograph has them, and every later reader of the
-/// file would need the stack for them.
-constexpr int DeepestNesting = 64;
-
 /// Reads the radiograph `path` without its pixels.
 ///
 /// Large values stay in the file, so reading takes little memory however large the picture is, and yet a
@@ -99,9 +95,9 @@ constexpr int DeepestNesting = 64;
 /// Latin-1 if not.
 ///
 /// Throws `std::runtime_error` whose text says in one clause, without the path, why the file is refused: not
-/// readable, cut short, sequences nested deeper than `DeepestNesting`, without one of the three UIDs, without
-/// pixels; and `NotDicom`. Silences the toolkit's own log, which would repeat the same on standard error.
-/// Calls from several threads are safe.
+/// readable, cut short, sequences nested too deeply (see `RequireShallow`), without one of the three UIDs,
+/// without pixels; and `NotDicom`. Silences the toolkit's own log, which would repeat the same on standard
+/// error. Calls from several threads are safe.
 RadiographFile ReadRadiograph(const std::filesystem::path& path);
 
 }  // namespace Console

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <chrono>
 #include <cmath>
+#include <stdexcept>
 
 namespace Console {
 namespace {
@@ -29,7 +30,25 @@ std::string RawText(DcmItem& item, const DcmTagKey& tag) {
     return item.findAndGetString(tag, text).good() && text != nullptr ? text : "";
 }
 
+/// True if no sequence below the item is nested deeper than `levels`.
+bool IsShallow(DcmItem& item, int levels) {
+    for (DcmObject* element = item.nextInContainer(nullptr); element;
+         element = item.nextInContainer(element)) {
+        auto* const sequence = dynamic_cast<DcmSequenceOfItems*>(element);
+        if (!sequence || dynamic_cast<DcmPixelSequence*>(element)) continue;
+        for (unsigned long i = 0; i < sequence->card(); ++i)
+            if (levels == 0 || !IsShallow(*sequence->getItem(i), levels - 1)) return false;
+    }
+    return true;
+}
+
 }  // namespace
+
+void RequireShallow(DcmItem& dataset) {
+    if (!IsShallow(dataset, DeepestNesting))
+        throw std::runtime_error("its sequences are nested more than " + std::to_string(DeepestNesting) +
+                                 " deep");
+}
 
 std::string Trimmed(std::string_view text) {
     constexpr std::string_view padding(" \0", 2);

@@ -48,6 +48,13 @@ private:
     TextDecoder decoder_;
 };
 
+/// Sequences nested more deeply than this are refused: no radiograph has them, and every later reader of the
+/// data would need the stack for them.
+constexpr int DeepestNesting = 64;
+
+/// Throws `std::runtime_error` for a data set whose sequences are nested deeper than `DeepestNesting`.
+void RequireShallow(DcmItem& dataset);
+
 /// Calls `visit` with each item of the sequence `tag`; does nothing if it is absent.
 template <class Visitor>
 void EachItem(DcmItem& parent, const DcmTagKey& tag, const Visitor& visit) {

@@ -234,7 +234,7 @@ void WorkerPool::Receive(Worker& worker) {
     std::string bytes;
     if (!ReceiveMessage(worker.socket, bytes)) return Bury(worker);
     Request& request = worker.given.front();
-    answers_[request.number] = {std::move(request.text), std::move(bytes), {}};
+    answers_[request.number] = {std::move(request.text), std::move(bytes), {}, false};
     worker.given.pop_front();
 }
 
@@ -245,7 +245,10 @@ void WorkerPool::Bury(Worker& worker) {
     close(worker.socket);
     if (!worker.given.empty()) {
         Request& culprit = worker.given.front();
-        answers_[culprit.number] = {std::move(culprit.text), {}, ReasonOf(status, limits_)};
+        answers_[culprit.number] = {std::move(culprit.text),
+                                    {},
+                                    ReasonOf(status, limits_),
+                                    WIFEXITED(status) && WEXITSTATUS(status) == OutOfTime};
         worker.given.pop_front();
         queue_.insert(queue_.begin(), std::make_move_iterator(worker.given.begin()),
                       std::make_move_iterator(worker.given.end()));

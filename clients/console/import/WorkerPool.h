@@ -29,11 +29,13 @@ public:
     /// that has a state outside of memory: open databases, files that are written.
     using Work = std::function<std::string(const std::string& request)>;
 
-    /// One answer. `failure` is empty, or says in one clause why there is none.
+    /// One answer. `failure` is empty, or says in one clause why there is none; `outOfTime` is then true for
+    /// a request that took too long.
     struct Answer {
         std::string request;
         std::string bytes;
         std::string failure;
+        bool outOfTime = false;
     };
 
     WorkerPool(Work work, unsigned workers, WorkerLimits limits = {});

@@ -10,6 +10,12 @@ namespace {
 
 using namespace OXClass;
 
+const std::string NonAscii = [] {
+    std::string bytes;
+    for (int byte = 0x80; byte <= 0xFF; ++byte) bytes += static_cast<char>(byte);
+    return bytes;
+}();
+
 /// A day as people write it, or the text as it stands where it is none.
 std::string ReadableDay(const std::string& text) {
     const std::string day = DayText(text);
@@ -121,12 +127,23 @@ WorklistItems ItemsOf(DcmItem& dataset, const std::string& source) {
     return items;
 }
 
+bool LacksCharacterSet(DcmItem& dataset) {
+    if (dataset.tagExistsWithValue(DCM_SpecificCharacterSet)) return false;
+    const char* name = nullptr;
+    for (const DcmTagKey& tag : {DCM_PatientName, DCM_PatientAddress, DCM_RequestedProcedureDescription})
+        if (dataset.findAndGetString(tag, name).good() && name &&
+            std::string_view(name).find_first_of(NonAscii) != std::string_view::npos)
+            return true;
+    return false;
+}
+
 WorklistItems ReadWorklistFile(const std::filesystem::path& path) {
     constexpr Uint32 longestValueRead = 64 * 1024;
     SilenceToolkit();
     DcmFileFormat file;
     const OFCondition loaded = file.loadFile(path.c_str(), EXS_Unknown, EGL_noChange, longestValueRead);
     if (loaded.bad()) throw std::runtime_error(std::string("can't be read as DICOM: ") + loaded.text());
+    RequireShallow(*file.getDataset());
     return ItemsOf(*file.getDataset(), path.string());
 }
 

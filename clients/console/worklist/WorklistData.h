@@ -24,6 +24,9 @@ using WorklistItems = std::vector<WorklistEntry>;
 /// no scheduled step, or says nothing about the patient.
 WorklistItems ItemsOf(DcmItem& dataset, const std::string& source);
 
+/// True for a data set with letters beyond ASCII that names no character set: its texts had to be guessed.
+bool LacksCharacterSet(DcmItem& dataset);
+
 /// The items in a file, with the file meta information or without. Throws as `ItemsOf`, and for a file
 /// that can't be read or is no DICOM.
 WorklistItems ReadWorklistFile(const std::filesystem::path& path);

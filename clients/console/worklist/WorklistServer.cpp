@@ -1,20 +1,29 @@
 #include "console/worklist/WorklistServer.h"
 
 #include "console/dicom/DicomFile.h"
+#include "console/dicom/DicomValues.h"
+#include "console/import/WorkerPool.h"
 
 #include <dcmtk/config/osconfig.h>
 #include <dcmtk/dcmnet/dcmtrans.h>
 #include <dcmtk/dcmnet/diutil.h>
 #include <dcmtk/dcmnet/scu.h>
+#include <dcmtk/dcmtls/tlsscu.h>
 
 #include <charconv>
+#include <cstdlib>
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 
 namespace Console {
 namespace {
 
+namespace fs = std::filesystem;
+using nlohmann::json;
+
 constexpr int TimeOut_s = 10;
+constexpr const char* SystemAuthorities = "/etc/ssl/certs/ca-certificates.crt";
 
 /// A text that is asked for, and that a match must have.
 void Put(DcmItem& item, const DcmTagKey& tag, const std::string& wanted = {}) {
@@ -74,63 +83,158 @@ DcmDataset Query(const WorklistKeys& keys) {
     return query;
 }
 
-/// An association with one server, released at its end.
-class Association {
+[[noreturn]] void Refuse(const WorklistAddress& server, const std::string& why) {
+    throw std::runtime_error(fmt::format("no worklist from {}: {}", server.Text(), why));
+}
+
+/// A client that takes a limited number of answers and saves each as a file.
+template <class Scu>
+class SavingScu : public Scu {
 public:
-    Association(const WorklistAddress& server, const std::string& callingTitle) : server_(server) {
-        SilenceToolkit();
-        scu_.setAETitle(callingTitle);
-        scu_.setPeerAETitle(server.title);
-        scu_.setPeerHostName(server.host);
-        scu_.setPeerPort(static_cast<Uint16>(server.port));
-        dcmSocketReceiveTimeout.set(TimeOut_s);
-        scu_.setConnectionTimeout(TimeOut_s);
-        scu_.setACSETimeout(TimeOut_s);
-        scu_.setDIMSETimeout(TimeOut_s);
-        scu_.setDIMSEBlockingMode(DIMSE_NONBLOCKING);
-        OFList<OFString> syntaxes;
-        for (const char* syntax :
-             {UID_LittleEndianExplicitTransferSyntax, UID_LittleEndianImplicitTransferSyntax})
-            syntaxes.push_back(syntax);
-        scu_.addPresentationContext(UID_FINDModalityWorklistInformationModel, syntaxes);
-        Require(scu_.initNetwork());
-        Require(scu_.negotiateAssociation());
-    }
-    ~Association() {
-        if (scu_.isConnected()) scu_.closeAssociation(DCMSCU_RELEASE_ASSOCIATION);
-    }
-    Association(const Association&) = delete;
+    SavingScu(const fs::path& folder, std::size_t most) : folder_(folder), most_(most) {}
 
-    OFList<QRResponse*> Find(DcmDataset query) {
-        const T_ASC_PresentationContextID context =
-            scu_.findPresentationContextID(UID_FINDModalityWorklistInformationModel, "");
-        if (context == 0) Refuse("it keeps no worklist");
-        OFList<QRResponse*> responses;
-        const OFCondition asked = scu_.sendFINDRequest(context, &query, &responses);
-        if (asked.bad()) {
-            for (QRResponse* response : responses) delete response;
-            Require(asked);
+    OFCondition handleFINDResponse(const T_ASC_PresentationContextID context, QRResponse* response,
+                                   OFBool& waitForNext) override {
+        const OFCondition handled = Scu::handleFINDResponse(context, response, waitForNext);
+        status = response->m_status;
+        if (!response->m_dataset) return handled;
+        if (saved == most_) {
+            cut = true;
+            waitForNext = OFFalse;
+            return EC_Normal;
         }
-        return responses;
+        const std::string file = (folder_ / std::to_string(saved++)).string();
+        return response->m_dataset->saveFile(file.c_str(), EXS_LittleEndianExplicit);
     }
 
-    [[noreturn]] void Refuse(const std::string& why) const {
-        throw std::runtime_error(fmt::format("no worklist from {}: {}", server_.Text(), why));
-    }
+    std::size_t saved = 0;
+    bool cut = false;
+    Uint16 status = STATUS_Success;
 
 private:
-    void Require(const OFCondition& condition) const {
-        if (condition.good()) return;
-        if (condition == DUL_ASSOCIATIONREJECTED)
-            Refuse(fmt::format("it refuses; is {} its AE title, and does it know {}?", server_.title,
-                               scu_.getAETitle().c_str()));
-        const std::string text = condition.text();
-        Refuse(text.substr(0, text.find('\n')));
-    }
-
-    const WorklistAddress& server_;
-    DcmSCU scu_;
+    fs::path folder_;
+    std::size_t most_;
 };
+
+/// What the toolkit says about a failed association, in words that say what to do.
+std::string ReasonOf(const OFCondition& condition, const WorklistAddress& server, const WorklistCall& call) {
+    const std::string text = condition.text();
+    const auto says = [&](const char* words) { return text.find(words) != std::string::npos; };
+    if (says("Calling AE Title Not Recognized"))
+        return fmt::format(
+            "it doesn't know this station as {}; have the title entered there, or name another "
+            "one with --as",
+            call.title);
+    if (says("Called AE Title Not Recognized"))
+        return fmt::format("its AE title isn't {}; write the right one before the @", server.title);
+    if (condition == DUL_ASSOCIATIONREJECTED)
+        return fmt::format("it refuses; is {} its AE title, and does it know {}?", server.title, call.title);
+    if (condition == DIMSE_NODATAAVAILABLE || condition == DUL_READTIMEOUT ||
+        condition == DUL_NETWORKCLOSED || condition == DUL_PEERABORTEDASSOCIATION ||
+        condition == DIMSE_READPDVFAILED)
+        return condition == DIMSE_NODATAAVAILABLE || condition == DUL_READTIMEOUT
+                   ? fmt::format("it didn't answer within {} seconds", TimeOut_s)
+                   : std::string("it cut the connection");
+    return text.substr(0, text.find('\n'));
+}
+
+template <class Scu>
+void Configure(Scu& scu, const WorklistAddress& server, const WorklistCall& call) {
+    scu.setAETitle(call.title);
+    scu.setPeerAETitle(server.title);
+    scu.setPeerHostName(server.host);
+    scu.setPeerPort(static_cast<Uint16>(server.port));
+    dcmSocketReceiveTimeout.set(TimeOut_s);
+    dcmSocketSendTimeout.set(TimeOut_s);
+    scu.setConnectionTimeout(TimeOut_s);
+    scu.setACSETimeout(TimeOut_s);
+    scu.setDIMSETimeout(TimeOut_s);
+    scu.setDIMSEBlockingMode(DIMSE_NONBLOCKING);
+    OFList<OFString> syntaxes;
+    for (const char* syntax :
+         {UID_LittleEndianExplicitTransferSyntax, UID_LittleEndianImplicitTransferSyntax})
+        syntaxes.push_back(syntax);
+    scu.addPresentationContext(UID_FINDModalityWorklistInformationModel, syntaxes);
+}
+
+/// Asks one question on one association. The answer says how many data sets lie in the folder.
+template <class Scu>
+json Ask(SavingScu<Scu>& scu, const WorklistAddress& server, const WorklistCall& call,
+         const WorklistKeys& keys) {
+    const auto require = [&](const OFCondition& condition) {
+        if (condition.bad()) Refuse(server, ReasonOf(condition, server, call));
+    };
+    Configure(scu, server, call);
+    require(scu.initNetwork());
+    require(scu.negotiateAssociation());
+    const T_ASC_PresentationContextID context =
+        scu.findPresentationContextID(UID_FINDModalityWorklistInformationModel, "");
+    if (context == 0) Refuse(server, "it keeps no worklist");
+    DcmDataset query = Query(keys);
+    require(scu.sendFINDRequest(context, &query, nullptr));
+    if (scu.cut)
+        scu.abortAssociation();
+    else
+        scu.closeAssociation(DCMSCU_RELEASE_ASSOCIATION);
+    if (!scu.cut && scu.status != STATUS_Success && !DICOM_PENDING_STATUS(scu.status))
+        Refuse(server, DU_cfindStatusString(scu.status));
+    return {{"saved", scu.saved}, {"cut", scu.cut}};
+}
+
+json AskEncrypted(const WorklistAddress& server, const WorklistCall& call, const WorklistKeys& keys,
+                  const fs::path& folder) {
+    SavingScu<DcmTLSSCU> scu(folder, call.mostAnswers);
+    scu.addTrustedCertFile(call.authorities.empty() ? SystemAuthorities : call.authorities);
+    if (!call.certificate.empty())
+        scu.enableAuthentication(call.key, call.certificate, nullptr, DCF_Filetype_PEM, DCF_Filetype_PEM);
+    scu.setPeerCertVerification(DCV_requireCertificate);
+    return Ask(scu, server, call, keys);
+}
+
+/// The work of the worker process: a JSON text with what came, or why nothing did.
+std::string AskInto(const fs::path& folder, const WorklistAddress& server, const WorklistCall& call,
+                    const WorklistKeys& keys) {
+    SilenceToolkit();
+    try {
+        if (call.tls) return AskEncrypted(server, call, keys, folder).dump();
+        SavingScu<DcmSCU> scu(folder, call.mostAnswers);
+        return Ask(scu, server, call, keys).dump();
+    } catch (const std::exception& failure) {
+        return json{{"failure", failure.what()}}.dump(-1, ' ', false, json::error_handler_t::replace);
+    }
+}
+
+/// A folder of this process's own, removed with all that is in it.
+class TemporaryFolder {
+public:
+    TemporaryFolder() {
+        std::string name = (fs::temp_directory_path() / "oxclass-XXXXXX").string();
+        if (!mkdtemp(name.data())) throw std::runtime_error("no temporary folder can be made");
+        path_ = name;
+    }
+    ~TemporaryFolder() {
+        std::error_code ignored;
+        fs::remove_all(path_, ignored);
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    const fs::path& Path() const { return path_; }
+
+private:
+    fs::path path_;
+};
+
+void TakeDataset(const fs::path& file, const std::string& source, WorklistAnswer& answer) {
+    DcmDataset dataset;
+    try {
+        if (dataset.loadFile(file.c_str(), EXS_LittleEndianExplicit).bad())
+            throw std::runtime_error("it can't be read");
+        RequireShallow(dataset);
+        for (WorklistEntry& entry : ItemsOf(dataset, source)) answer.items.push_back(std::move(entry));
+        answer.guessed += LacksCharacterSet(dataset);
+    } catch (const std::runtime_error& broken) {
+        if (answer.broken++ == 0) answer.reason = broken.what();
+    }
+}
 
 }  // namespace
 
@@ -150,24 +254,26 @@ std::optional<WorklistAddress> WorklistAddress::Of(const std::string& text) {
 
 std::string WorklistAddress::Text() const { return fmt::format("{}@{}:{}", title, host, port); }
 
-WorklistAnswer AskWorklist(const WorklistAddress& server, const std::string& callingTitle,
+WorklistAnswer AskWorklist(const WorklistAddress& server, const WorklistCall& call,
                            const WorklistKeys& keys) {
-    Association association(server, callingTitle);
-    const OFList<QRResponse*> responses = association.Find(Query(keys));
+    const TemporaryFolder folder;
+    WorkerPool pool([&](const std::string&) { return AskInto(folder.Path(), server, call, keys); }, 1,
+                    {.seconds = call.seconds});
+    pool.Submit({});
+    const auto worked = pool.Next([] { return false; });
+    if (worked->outOfTime)
+        Refuse(server,
+               fmt::format("it didn't finish its answer within {:g} seconds; ask for fewer entries, or for "
+                           "longer with --timeout",
+                           call.seconds));
+    if (!worked->failure.empty())
+        Refuse(server, "its answer can't be read: it is damaged, or nested too deeply");
+    const json told = json::parse(worked->bytes);
+    if (told.contains("failure")) throw std::runtime_error(told["failure"].get<std::string>());
     WorklistAnswer answer;
-    Uint16 status = STATUS_Success;
-    for (QRResponse* response : responses) {
-        const std::unique_ptr<QRResponse> held(response);
-        status = response->m_status;
-        if (!response->m_dataset) continue;
-        try {
-            for (auto& item : ItemsOf(*response->m_dataset, server.Text())) answer.items.push_back(item);
-        } catch (const std::runtime_error& broken) {
-            if (answer.broken++ == 0) answer.reason = broken.what();
-        }
-    }
-    if (status != STATUS_Success && !DICOM_PENDING_STATUS(status))
-        association.Refuse(DU_cfindStatusString(status));
+    answer.cut = told["cut"].get<bool>();
+    for (std::size_t i = 0; i < told["saved"].get<std::size_t>(); ++i)
+        TakeDataset(folder.Path() / std::to_string(i), server.Text(), answer);
     return answer;
 }
 

@@ -25,17 +25,29 @@ struct WorklistAddress {
     std::string Text() const;
 };
 
+/// How a server is asked.
+struct WorklistCall {
+    std::string title = "OXCLASS";  ///< the AE title of this station
+    double seconds = 60;            ///< for the whole query; each message has ten seconds at most
+    std::size_t mostAnswers = 5000;
+    bool tls = false;              ///< encrypted, with the server's certificate checked
+    std::string authorities;       ///< PEM file of the trusted authorities; empty: the system's
+    std::string certificate, key;  ///< PEM files of this station's own certificate; empty: none
+};
+
 /// What a server answered.
 struct WorklistAnswer {
     WorklistItems items;
-    std::size_t broken = 0;  ///< data sets that are no worklist items
-    std::string reason;      ///< why the first of them is none
+    std::size_t broken = 0;   ///< data sets that aren't worklist items
+    std::string reason;       ///< why the first of them isn't one
+    std::size_t guessed = 0;  ///< data sets with names in an unknown character set
+    bool cut = false;         ///< there were more answers than `mostAnswers`; the rest was not taken
 };
 
-/// Asks a server for worklist items, as the station `callingTitle`. Waits about ten seconds at most for
-/// each message. Throws `std::runtime_error` with one clause that names the server and tells why there is no
-/// answer: it isn't there, refuses the association, keeps no worklist, breaks off, reports a failure.
-WorklistAnswer AskWorklist(const WorklistAddress& server, const std::string& callingTitle,
-                           const WorklistKeys& keys);
+/// Asks a server for worklist items, in a worker process, so that no answer can end or block the program.
+/// Throws `std::runtime_error` with one clause that names the server and says why there is no answer: it
+/// isn't there or is silent, doesn't know this station or the title, has no worklist, breaks off, needs more
+/// time than allowed, has no valid certificate, reports a failure.
+WorklistAnswer AskWorklist(const WorklistAddress& server, const WorklistCall& call, const WorklistKeys& keys);
 
 }  // namespace Console
