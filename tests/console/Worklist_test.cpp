@@ -402,7 +402,10 @@ TEST_F(WorklistServer, APatientIsRegisteredFromAServersAnswer) {
     Init();
     WriteItem("a.wl", "P1", "20260201");
     Serve();
-    EXPECT_EQ(OkJson({"worklist", Address(), "--register", "A1"})["new"], true);
+    const Result run = Try({"--db", Database(), "--json", "worklist", Address(), "--register", "A1"});
+    EXPECT_EQ(run.code, 0) << run.err;
+    EXPECT_EQ(json::parse(run.out)["new"], true);
+    EXPECT_THAT(run.err, HasSubstr("1 answers name no character set")) << "as this server sends them";
     EXPECT_EQ(OkJson({"patient", "P1"})["LastName"], "Åkesson");
 }
 
@@ -412,7 +415,7 @@ TEST_F(WorklistServer, ARefusalIsToldInOneLine) {
     const Result run = Try({"worklist", Address("NOBODY")});
     EXPECT_EQ(run.code, 1);
     EXPECT_EQ(run.err, "oxclass: no worklist from " + Address("NOBODY") +
-                           ": it refuses; is NOBODY its AE title, and does it know OXCLASS?\n");
+                           ": its AE title isn't NOBODY; write the right one before the @\n");
 }
 
 TEST_F(WorklistServer, AServerThatIsNotThereIsToldInOneLine) {
@@ -563,6 +566,148 @@ TEST_F(OddServer, WhatIsNoDicomServerIsToldInOneLine) {
     EXPECT_EQ(run.code, 1);
     EXPECT_THAT(run.err, HasSubstr("no worklist from " + Address() + ": "));
     EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1);
+}
+
+TEST_F(OddServer, MoreAnswersThanAllowedAreNotTaken) {
+    const auto fill = [](DcmDataset& set) { FillItem(set, "P1", "20260201"); };
+    Answer({fill, fill, fill, fill});
+    const Result run = Try({"--json", "worklist", Address(), "--most", "2"});
+    EXPECT_EQ(run.code, 3);
+    EXPECT_EQ(json::parse(run.out).size(), 2U);
+    EXPECT_THAT(run.err, HasSubstr("has more than 2 entries"));
+}
+
+TEST_F(OddServer, NamesInAnUnknownCharacterSetAreTold) {
+    Answer({[](DcmDataset& set) {
+        FillItem(set, "P1", "20260201");
+        delete set.remove(DCM_SpecificCharacterSet);
+    }});
+    const Result run = Try({"--json", "worklist", Address()});
+    EXPECT_EQ(json::parse(run.out)[0]["name"], "Åkesson^Lotta") << "taken for Latin-1";
+    EXPECT_THAT(run.err, HasSubstr("1 answers name no character set"));
+}
+
+TEST_F(OddServer, AnAnswerNestedTooDeeplyIsRefused) {
+    Answer({[](DcmDataset& set) {
+        FillItem(set, "P1", "20260201");
+        DcmItem* item = &set;
+        for (int i = 0; i < 200; ++i) {
+            DcmItem* inner = nullptr;
+            item->findOrCreateSequenceItem(DCM_ContentSequence, inner, -2);
+            item = inner;
+        }
+    }});
+    const Result run = Try({"worklist", Address()});
+    EXPECT_EQ(run.code, 3);
+    EXPECT_THAT(run.err, HasSubstr("nested"));
+}
+
+/// A server that listens and then does what the test wants with the one connection.
+class RawServer : public OddServer {
+protected:
+    void Listen(std::function<void(int)> speak) {
+        const int listening = socket(AF_INET, SOCK_STREAM, 0);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        address.sin_port = htons(static_cast<std::uint16_t>(port.number));
+        ASSERT_EQ(bind(listening, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+        ASSERT_EQ(listen(listening, 1), 0);
+        speaking = std::thread([listening, speak = std::move(speak)] {
+            const int s = accept(listening, nullptr, nullptr);
+            speak(s);
+            close(s);
+            close(listening);
+        });
+    }
+};
+
+TEST_F(RawServer, AQueryEndsAfterItsTimeHoweverSlowlyTheServerAnswers) {
+    Listen([](int s) {
+        // The header of an association's acceptance announces 60,000 bytes, of which one comes at a time.
+        const unsigned char header[] = {2, 0, 0, 0, 0xEA, 0x60};
+        send(s, header, sizeof header, MSG_NOSIGNAL);
+        for (int i = 0; i < 100 && send(s, "", 1, MSG_NOSIGNAL) == 1; ++i) usleep(100'000);
+    });
+    const auto started = std::chrono::steady_clock::now();
+    const Result run = Try({"worklist", Address(), "--timeout", "1"});
+    EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(5));
+    EXPECT_EQ(run.code, 1);
+    EXPECT_THAT(run.err, HasSubstr("it didn't finish its answer within 1 seconds"));
+}
+
+TEST_F(RawServer, AConnectionThatIsCutIsToldAsSuch) {
+    Listen([](int s) {
+        char bytes[64];
+        static_cast<void>(recv(s, bytes, sizeof bytes, 0));
+        shutdown(s, SHUT_RDWR);
+    });
+    const Result run = Try({"worklist", Address()});
+    EXPECT_EQ(run.code, 1);
+    EXPECT_THAT(run.err, HasSubstr("it cut the connection"));
+}
+
+TEST_F(WorklistServer, AnEncryptedServerIsAskedIfItsCertificateIsTrusted) {
+    WriteItem("a.wl", "P1", "20260201");
+    Serve();
+    const Port encrypted;
+    const std::string at = folder.Path().string();
+    const std::string make =
+        "openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=localhost -addext "
+        "subjectAltName=DNS:localhost,IP:127.0.0.1 -keyout " +
+        at + "/key.pem -out " + at + "/cert.pem 2>/dev/null";
+    ASSERT_EQ(std::system(make.c_str()), 0);
+    const pid_t proxy = fork();
+    if (proxy == 0) {
+        execlp("python3", "python3", "-B", TLS_PROXY, (at + "/cert.pem").c_str(), (at + "/key.pem").c_str(),
+               std::to_string(encrypted.number).c_str(), std::to_string(port.number).c_str(), nullptr);
+        std::_Exit(127);
+    }
+    ASSERT_TRUE(encrypted.IsServed());
+    const std::string address = "RIS@127.0.0.1:" + std::to_string(encrypted.number);
+    const Result trusted = Try({"--json", "worklist", address, "--tls", "--tls-ca", at + "/cert.pem"});
+    EXPECT_EQ(trusted.code, 0) << trusted.err;
+    EXPECT_THAT(PatientsOf(json::parse(trusted.out)), ElementsAre("P1"));
+    const Result strange = Try({"worklist", address, "--tls"});
+    EXPECT_EQ(strange.code, 1) << "a certificate of an unknown authority";
+    EXPECT_THAT(strange.err, HasSubstr("certificate"));
+    EXPECT_EQ(Try({"worklist", Address(), "--tls", "--tls-ca", at + "/cert.pem"}).code, 1)
+        << "a plain server";
+    kill(proxy, SIGTERM);
+    waitpid(proxy, nullptr, 0);
+}
+
+TEST_F(Worklist, AModalityThatDicomDoesNotHaveIsTold) {
+    const Result run = Try({"worklist", Folder(), "--modality", "intraoral"});
+    EXPECT_EQ(run.code, 1);
+    EXPECT_THAT(run.err, HasSubstr("\"intraoral\" is not a modality"));
+    WriteItem("a.wl", "P1", "20260201");
+    EXPECT_THAT(PatientsOf(Listed({Folder(), "--modality", "io"})), ElementsAre("P1"));
+}
+
+TEST_F(Worklist, AFileThatWouldCrashTheProgramFailsAlone) {
+    WriteItem("a.wl", "P1", "20260201");
+    WriteItem("b.wl", "P2", "20260201", [](DcmDataset& set) {
+        DcmItem* item = &set;
+        for (int i = 0; i < 200; ++i) {
+            DcmItem* inner = nullptr;
+            item->findOrCreateSequenceItem(DCM_ContentSequence, inner, -2);
+            item = inner;
+        }
+    });
+    const Result run = Try({"--json", "worklist", Folder()});
+    EXPECT_EQ(run.code, 3);
+    EXPECT_THAT(PatientsOf(json::parse(run.out)), ElementsAre("P1"));
+    EXPECT_THAT(run.err, HasSubstr("b.wl: no worklist item: its sequences are nested"));
+}
+
+TEST_F(Worklist, AFolderThatCannotBeReadDoesNotEndTheList) {
+    WriteItem("a.wl", "P1", "20260201");
+    fs::create_symlink(folder.Path() / "nowhere", Folder() + "/dead");
+    const Result run = Try({"--json", "worklist", Folder()});
+    EXPECT_EQ(run.code, 3);
+    EXPECT_THAT(PatientsOf(json::parse(run.out)), ElementsAre("P1"));
+    EXPECT_THAT(run.err, HasSubstr("dead: the link leads nowhere"));
 }
 
 }  // namespace

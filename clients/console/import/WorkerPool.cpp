@@ -4,16 +4,17 @@
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <chrono>
 #include <cstdint>
-#include <ctime>
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <fstream>
 #include <poll.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
-#include <sys/time.h>
 #include <sys/wait.h>
 #include <system_error>
+#include <thread>
 #include <unistd.h>
 
 namespace Console {
@@ -64,37 +65,41 @@ bool ReceiveMessage(int socket, std::string& bytes) {
 
 // ---- inside of a worker -----------------------------------------------------------------------------
 
-/// What the handlers of a worker's signals read. The worker has one thread.
-struct Watch {
-    std::atomic<bool> working{false};
-    timespec started{};
-    double seconds = 0;
-    std::size_t megabytes = 0, pageSize = 4096;
-} watch;
-
 std::size_t ResidentMegabytes() {
-    char text[64] = {};
-    const int file = open("/proc/self/statm", O_RDONLY | O_CLOEXEC);
-    if (file < 0) return 0;
-    const auto count = read(file, text, sizeof text - 1);
-    close(file);
-    std::size_t pages = 0;
-    const char* at = text;
-    while (at < text + std::max<ssize_t>(count, 0) && *at != ' ')
-        ++at;  // behind the size of the address space
-    for (++at; *at >= '0' && *at <= '9'; ++at) pages = pages * 10 + static_cast<std::size_t>(*at - '0');
-    return pages * watch.pageSize / (1024 * 1024);
+    std::ifstream in("/proc/self/statm");
+    std::size_t all = 0, resident = 0;
+    in >> all >> resident;
+    return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) / (1024 * 1024);
 }
 
-void CheckLimits(int) {
-    if (!watch.working) return;
-    timespec now{};
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    const double elapsed = static_cast<double>(now.tv_sec - watch.started.tv_sec) +
-                           static_cast<double>(now.tv_nsec - watch.started.tv_nsec) / 1e9;
-    if (elapsed > watch.seconds) _exit(OutOfTime);
-    if (ResidentMegabytes() > watch.megabytes) _exit(OutOfMemory);
-}
+/// Ends the process when a request exceeds a limit. It runs on a thread of its own: a timer's signal would
+/// interrupt system calls, and libraries take that for a failure of the network.
+class Watch {
+public:
+    explicit Watch(const WorkerLimits& limits) : limits_(limits), megabytesAtStart_(ResidentMegabytes()) {
+        std::thread([this] { Run(); }).detach();
+    }
+    void Begin() { started_ = Now(); }
+    void End() { started_ = 0; }
+
+private:
+    static double Now() {
+        return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+    }
+    [[noreturn]] void Run() const {
+        for (;;) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+            const double started = started_;
+            if (started == 0) continue;
+            if (Now() - started > limits_.seconds) _exit(OutOfTime);
+            if (ResidentMegabytes() > megabytesAtStart_ + limits_.megabytes) _exit(OutOfMemory);
+        }
+    }
+
+    WorkerLimits limits_;
+    std::size_t megabytesAtStart_;
+    std::atomic<double> started_{0};  // 0 between requests
+};
 
 void Handle(int signal, void (*handler)(int), int flags) {
     struct sigaction action {};
@@ -104,7 +109,7 @@ void Handle(int signal, void (*handler)(int), int flags) {
 }
 
 /// The crash handlers have a stack of their own: most crashes are stacks that are used up.
-void WatchSelf(const WorkerLimits& limits) {
+void CatchCrashes() {
     static char stack[64 * 1024];
     stack_t alternate{};
     alternate.ss_sp = stack;
@@ -113,13 +118,6 @@ void WatchSelf(const WorkerLimits& limits) {
     for (const int signal : {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT})
         Handle(
             signal, [](int) { _exit(Crashed); }, SA_ONSTACK);
-    watch.seconds = limits.seconds;
-    watch.pageSize = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-    watch.megabytes = ResidentMegabytes() + limits.megabytes;
-    Handle(SIGALRM, CheckLimits, SA_RESTART | SA_ONSTACK);
-    constexpr suseconds_t pause_us = 50'000;
-    const itimerval timer{{0, pause_us}, {0, pause_us}};
-    setitimer(ITIMER_REAL, &timer, nullptr);
 }
 
 /// A worker outlives no program: it ends when the program does, even if that is killed. Requests to stop go
@@ -138,13 +136,13 @@ void BelongToProgram(int program, int socket) {
 
 [[noreturn]] void Serve(const WorkerPool::Work& work, const WorkerLimits& limits) {
     constexpr int socket = 3;
-    WatchSelf(limits);
+    CatchCrashes();
+    static Watch watch(limits);  // its thread runs to the end of the process
     std::string request;
     while (ReceiveMessage(socket, request)) {
-        clock_gettime(CLOCK_MONOTONIC, &watch.started);
-        watch.working = true;
+        watch.Begin();
         const std::string answer = work(request);
-        watch.working = false;
+        watch.End();
         if (!SendMessage(socket, answer)) break;
     }
     _exit(0);

@@ -9,6 +9,9 @@
 #include <dcmtk/dcmnet/diutil.h>
 #include <dcmtk/dcmnet/scu.h>
 #include <dcmtk/dcmtls/tlsscu.h>
+#include <dcmtk/oflog/appender.h>
+#include <dcmtk/oflog/oflog.h>
+#include <dcmtk/oflog/spi/logevent.h>
 
 #include <charconv>
 #include <cstdlib>
@@ -116,9 +119,33 @@ private:
     std::size_t most_;
 };
 
+/// Keeps what the toolkit logs about associations: the reason of a refusal is found only there.
+class NetworkLog : public dcmtk::log4cplus::Appender {
+public:
+    /// Starts the log, in a worker process, once.
+    static NetworkLog& Start() {
+        auto* const log = new NetworkLog;  // owned by the logger
+        auto logger = dcmtk::log4cplus::Logger::getInstance("dcmtk.dcmnet");
+        logger.setLogLevel(dcmtk::log4cplus::DEBUG_LOG_LEVEL);
+        logger.setAdditivity(false);
+        logger.addAppender(dcmtk::log4cplus::SharedAppenderPtr(log));
+        return *log;
+    }
+    ~NetworkLog() override { destructorImpl(); }
+    void close() override {}
+
+    std::string text;
+
+protected:
+    void append(const dcmtk::log4cplus::spi::InternalLoggingEvent& event) override {
+        text += event.getMessage().c_str();
+    }
+};
+
 /// What the toolkit says about a failed association, in words that say what to do.
-std::string ReasonOf(const OFCondition& condition, const WorklistAddress& server, const WorklistCall& call) {
-    const std::string text = condition.text();
+std::string ReasonOf(const OFCondition& condition, const std::string& log, const WorklistAddress& server,
+                     const WorklistCall& call) {
+    const std::string text = condition.text() + ("\n" + log);
     const auto says = [&](const char* words) { return text.find(words) != std::string::npos; };
     if (says("Calling AE Title Not Recognized"))
         return fmt::format(
@@ -161,8 +188,9 @@ void Configure(Scu& scu, const WorklistAddress& server, const WorklistCall& call
 template <class Scu>
 json Ask(SavingScu<Scu>& scu, const WorklistAddress& server, const WorklistCall& call,
          const WorklistKeys& keys) {
+    const NetworkLog& networkLog = NetworkLog::Start();
     const auto require = [&](const OFCondition& condition) {
-        if (condition.bad()) Refuse(server, ReasonOf(condition, server, call));
+        if (condition.bad()) Refuse(server, ReasonOf(condition, networkLog.text, server, call));
     };
     Configure(scu, server, call);
     require(scu.initNetwork());
