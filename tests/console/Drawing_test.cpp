@@ -93,7 +93,7 @@ std::string JpegOf(const Picture& png) {
 
 // ---- DICOM pixels -----------------------------------------------------------------------------------
 
-class DicomPicture : public ::testing::Test {
+class PictureOfFile : public ::testing::Test {
 protected:
     /// Writes a gray file of two pixels by one, and more attributes.
     fs::path Write(
@@ -121,7 +121,7 @@ protected:
 
     static std::string FailureOf(const fs::path& path) {
         try {
-            DicomPictureAsPng(path, 1000);
+            RenderDicom(path, 1000);
         } catch (const std::runtime_error& failure) {
             return failure.what();
         }
@@ -131,37 +131,41 @@ protected:
     TestKit::TemporaryFolder folder;
 };
 
-TEST_F(DicomPicture, GrayValuesFillTheRangeWhereThereIsNoWindow) {
-    const Pixels pixels(DicomPictureAsPng(Write({100, 200, 300}), 1000));
+TEST_F(PictureOfFile, GrayValuesFillTheRangeWhereThereIsNoWindow) {
+    const Pixels pixels(RenderDicom(Write({100, 200, 300}), 1000).png);
     EXPECT_TRUE(pixels.gray);
     EXPECT_EQ(pixels.Gray(0, 0), 0);
     EXPECT_NEAR(pixels.Gray(1, 0), 128, 1);
     EXPECT_EQ(pixels.Gray(2, 0), 255);
 }
 
-TEST_F(DicomPicture, TheFirstWindowOfTheFileIsItsWindow) {
-    const Pixels pixels(DicomPictureAsPng(Write({0, 1000, 1500, 2000, 4000},
-                                                [](DcmDataset& set) {
-                                                    set.putAndInsertString(DCM_WindowCenter, "1500\\100");
-                                                    set.putAndInsertString(DCM_WindowWidth, "1000\\10");
-                                                }),
-                                          1000));
+TEST_F(PictureOfFile, TheFirstWindowOfTheFileIsItsWindow) {
+    const Pixels pixels(RenderDicom(Write({0, 1000, 1500, 2000, 4000},
+                                          [](DcmDataset& set) {
+                                              set.putAndInsertString(DCM_WindowCenter, "1500\\100");
+                                              set.putAndInsertString(DCM_WindowWidth, "1000\\10");
+                                          }),
+                                    1000)
+                            .png);
     EXPECT_EQ(pixels.Gray(0, 0), 0);
     EXPECT_EQ(pixels.Gray(1, 0), 0);
     EXPECT_NEAR(pixels.Gray(2, 0), 128, 1);
     EXPECT_EQ(pixels.Gray(4, 0), 255);
 }
 
-TEST_F(DicomPicture, LightStandsForDenseInEitherInterpretation) {
-    const Pixels pixels(DicomPictureAsPng(
-        Write({0, 4095},
-              [](DcmDataset& set) { set.putAndInsertString(DCM_PhotometricInterpretation, "MONOCHROME1"); }),
-        1000));
+TEST_F(PictureOfFile, LightStandsForDenseInEitherInterpretation) {
+    const Pixels pixels(RenderDicom(Write({0, 4095},
+                                          [](DcmDataset& set) {
+                                              set.putAndInsertString(DCM_PhotometricInterpretation,
+                                                                     "MONOCHROME1");
+                                          }),
+                                    1000)
+                            .png);
     EXPECT_EQ(pixels.Gray(0, 0), 255);
     EXPECT_EQ(pixels.Gray(1, 0), 0);
 }
 
-TEST_F(DicomPicture, ColourStaysColour) {
+TEST_F(PictureOfFile, ColourStaysColour) {
     const fs::path path = Write({0}, [](DcmDataset& set) {
         const Uint8 rgb[] = {255, 0, 0, 0, 0, 255};
         set.putAndInsertUint16(DCM_Columns, 2);
@@ -173,36 +177,37 @@ TEST_F(DicomPicture, ColourStaysColour) {
         set.putAndInsertUint16(DCM_HighBit, 7);
         set.putAndInsertUint8Array(DCM_PixelData, rgb, 6);
     });
-    const Pixels pixels(DicomPictureAsPng(path, 1000));
+    const Pixels pixels(RenderDicom(path, 1000).png);
     EXPECT_FALSE(pixels.gray);
     EXPECT_EQ(pixels.At(0, 0), Red);
     EXPECT_EQ(pixels.At(1, 0), Blue);
 }
 
-TEST_F(DicomPicture, CompressedPixelsAreRead) {
+TEST_F(PictureOfFile, CompressedPixelsAreRead) {
     DJEncoderRegistration::registerCodecs();
     DcmRLEEncoderRegistration::registerCodecs();
     for (const E_TransferSyntax encoding : {EXS_JPEGProcess14SV1, EXS_RLELossless}) {
-        const Pixels pixels(DicomPictureAsPng(Write(
-                                                  {0, 4095, 0, 4095}, [](DcmDataset&) {}, encoding),
-                                              1000));
+        const Pixels pixels(RenderDicom(Write(
+                                            {0, 4095, 0, 4095}, [](DcmDataset&) {}, encoding),
+                                        1000)
+                                .png);
         EXPECT_EQ(pixels.Gray(0, 0), 0) << encoding;
         EXPECT_EQ(pixels.Gray(1, 0), 255) << encoding;
     }
 }
 
-TEST_F(DicomPicture, ALargePictureIsMadeSmallerEvenly) {
+TEST_F(PictureOfFile, ALargePictureIsMadeSmallerEvenly) {
     const fs::path path = Write(std::vector<Uint16>(4000, 7), [](DcmDataset& set) {
         set.putAndInsertUint16(DCM_Rows, 40);
         set.putAndInsertUint16(DCM_Columns, 100);
     });
-    const Pixels whole(DicomPictureAsPng(path, 100)), half(DicomPictureAsPng(path, 50));
+    const Pixels whole(RenderDicom(path, 100).png), half(RenderDicom(path, 50).png);
     EXPECT_EQ(whole.Width(), 100);
     EXPECT_EQ(half.Width(), 50);
     EXPECT_EQ(half.Height(), 20);
 }
 
-TEST_F(DicomPicture, WhatIsNoPictureSaysWhy) {
+TEST_F(PictureOfFile, WhatIsNoPictureSaysWhy) {
     std::ofstream(folder.Path() / "text.dcm") << "no film";
     EXPECT_THAT(FailureOf(folder.Path() / "text.dcm"), Not(HasSubstr("none")));
     EXPECT_EQ(FailureOf(Write({0}, [](DcmDataset& set) { delete set.remove(DCM_PixelData); })),
@@ -215,7 +220,7 @@ TEST_F(DicomPicture, WhatIsNoPictureSaysWhy) {
               "has more than 100 million pixels");
 }
 
-TEST_F(DicomPicture, APngOrJpegFileIsTakenAsItIs) {
+TEST_F(PictureOfFile, APngOrJpegFileIsTakenAsItIs) {
     const Picture png = PictureOf(1, {Red});
     std::ofstream(folder.Path() / "a.dat", std::ios::binary) << png.bytes;
     EXPECT_EQ(ReadPicture(folder.Path() / "a.dat", 1).mediaType, "image/png");
@@ -228,7 +233,7 @@ TEST_F(DicomPicture, APngOrJpegFileIsTakenAsItIs) {
     EXPECT_THROW(ReadPicture(folder.Path(), 1), std::runtime_error);
 }
 
-TEST_F(DicomPicture, APhotographIsTurnedAsItsFileSays) {
+TEST_F(PictureOfFile, APhotographIsTurnedAsItsFileSays) {
     const Picture wide = PictureOf(16, std::vector<Pixel>(16 * 8, Red));
     // Behind the start of the file, an EXIF segment whose one entry is the orientation 6.
     const std::string exif(
@@ -244,7 +249,7 @@ TEST_F(DicomPicture, APhotographIsTurnedAsItsFileSays) {
     EXPECT_EQ(Pixels(turned.bytes).Height(), 16);
 }
 
-TEST_F(DicomPicture, ADamagedOrCutPhotographIsRefused) {
+TEST_F(PictureOfFile, ADamagedOrCutPhotographIsRefused) {
     std::vector<Pixel> noise(static_cast<std::size_t>(64) * 64);
     for (std::size_t i = 0; i < noise.size(); ++i) noise[i] = {static_cast<int>(i * 7919 % 251), 0, 9};
     const Picture png = PictureOf(64, noise);
