@@ -1,5 +1,6 @@
 #include "console/dicom/DicomPicture.h"
 
+#include "console/dicom/DecoderComplaints.h"
 #include "console/dicom/DicomFile.h"
 #include "console/dicom/FirstFrame.h"
 #include "console/dicom/GrayTable.h"

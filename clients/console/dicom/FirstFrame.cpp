@@ -1,6 +1,5 @@
 #include "console/dicom/FirstFrame.h"
 
-#include "console/dicom/DicomFile.h"
 #include "console/dicom/Jpeg2000.h"
 
 #include <dcmtk/config/osconfig.h>
@@ -8,13 +7,11 @@
 #include <dcmtk/dcmdata/dcpixel.h>
 #include <dcmtk/dcmdata/dcpixseq.h>
 #include <dcmtk/dcmdata/dcpxitem.h>
+#include <dcmtk/dcmdata/dcrledec.h>
 #include <dcmtk/dcmdata/dcrledrg.h>
 #include <dcmtk/dcmdata/dctk.h>
 #include <dcmtk/dcmjpeg/djdecode.h>
 #include <dcmtk/dcmjpls/djdecode.h>
-#include <dcmtk/oflog/appender.h>
-#include <dcmtk/oflog/oflog.h>
-#include <dcmtk/oflog/spi/logevent.h>
 
 #include <cstring>
 #include <stdexcept>
@@ -67,7 +64,7 @@ std::size_t FrameSize(DcmDataset& set) {
     return (sharedColour ? bits / 3 * 2 : bits) / 8;
 }
 
-// ---- JPEG 2000 --------------------------------------------------------------------------------------
+// ---- fragments of compressed pixels -----------------------------------------------------------------
 
 /// True for bytes that end a codestream, with or without the padding to an even length. In front of the
 /// end no such bytes can occur in its pixels.
@@ -82,23 +79,66 @@ std::string_view BytesOf(DcmPixelItem& fragment) {
     return {reinterpret_cast<const char*>(bytes), fragment.getLength()};
 }
 
+DcmPixelSequence& FragmentsOf(DcmDataset& set) {
+    DcmPixelSequence* fragments = nullptr;
+    PixelsOf(set).getEncapsulatedRepresentation(set.getOriginalXfer(), nullptr, fragments);
+    if (!fragments) Refuse("its compressed pixels can't be found");
+    return *fragments;
+}
+
 /// The codestream of the first frame: all fragments of a single frame, else those up to its end. The first
 /// item of the sequence is the table of the frames' offsets.
 std::string FirstCodestream(DcmDataset& set) {
-    DcmPixelSequence* fragments = nullptr;
-    if (PixelsOf(set).getEncapsulatedRepresentation(set.getOriginalXfer(), nullptr, fragments).bad() ||
-        !fragments)
-        Refuse("its compressed pixels can't be found");
+    DcmPixelSequence& fragments = FragmentsOf(set);
     const bool single = NumberOfFrames(set) == 1;
     std::string codestream;
-    for (unsigned long i = 1; i < fragments->card(); ++i) {
+    for (unsigned long i = 1; i < fragments.card(); ++i) {
         DcmPixelItem* fragment = nullptr;
-        if (fragments->getItem(fragment, i).bad()) break;
+        if (fragments.getItem(fragment, i).bad()) break;
         codestream += BytesOf(*fragment);
         if (!single && EndsCodestream(codestream)) break;
     }
     return codestream;
 }
+
+/// The 32 bits at a place of an RLE header, the lowest byte first.
+std::size_t RleNumber(std::string_view frame, std::size_t place) {
+    std::size_t number = 0;
+    for (std::size_t i = 0; i < 4; ++i)
+        number |= std::size_t{static_cast<unsigned char>(frame[place * 4 + i])} << (8 * i);
+    return number;
+}
+
+/// The bytes of a segment after decoding, at most `most`.
+std::size_t RleSize(std::string segment, std::size_t most) {
+    DcmRLEDecoder decoder(most);
+    decoder.decompress(segment.data(), segment.size());
+    return decoder.size();
+}
+
+/// Raises where a segment of the first frame holds fewer bytes than the frame has pixels, which the toolkit's
+/// decoder leaves out without an error.
+void CheckRleComplete(DcmDataset& set) {
+    constexpr std::size_t header = 64, most = 15;
+    DcmPixelItem* fragment = nullptr;
+    FragmentsOf(set).getItem(fragment, 1);
+    const std::string_view frame = fragment ? BytesOf(*fragment) : std::string_view();
+    const std::size_t pixels = std::size_t{Number(set, DCM_Rows)} * Number(set, DCM_Columns);
+    const auto require = [](bool good) {
+        if (!good) Refuse("its pixels are damaged: an RLE segment is cut short");
+    };
+    require(frame.size() >= header);
+    const std::size_t segments = RleNumber(frame, 0);
+    require(segments >= 1 && segments <= most);
+    for (std::size_t i = 1; i <= segments; ++i) {
+        const std::size_t from = RleNumber(frame, i);
+        const std::size_t to = i == segments ? frame.size() : RleNumber(frame, i + 1);
+        require(from >= header && from <= to && to <= frame.size());
+        require(RleSize(std::string(frame.substr(from, to - from)), pixels) == pixels);
+    }
+}
+
+// ---- JPEG 2000 --------------------------------------------------------------------------------------
 
 /// Makes the attributes of the samples those of the decoded ones. Files exist whose codestream is unsigned
 /// and carries the bits of signed samples.
@@ -124,40 +164,6 @@ std::vector<unsigned char> FirstJpeg2000Frame(DcmDataset& set) {
     return bytes;
 }
 
-// ---- the toolkit's log ------------------------------------------------------------------------------
-
-namespace log = dcmtk::log4cplus;
-
-/// Where the complaints of this thread go; null where none are wanted.
-thread_local std::string* complaintsOfThread = nullptr;
-
-class Collector : public log::Appender {
-public:
-    ~Collector() override { destructorImpl(); }
-    void close() override {}
-
-protected:
-    void append(const log::spi::InternalLoggingEvent& event) override {
-        if (!complaintsOfThread || !complaintsOfThread->empty()) return;
-        *complaintsOfThread = std::string(event.getMessage().c_str());
-    }
-};
-
-void CollectFromDecoders() {
-    static const bool once = [] {
-        SilenceToolkit();
-        const log::SharedAppenderPtr collector(new Collector());
-        for (const char* decoder : {"dcmtk.dcmjpeg", "dcmtk.dcmjpls"}) {
-            OFLogger logger = OFLog::getLogger(decoder);
-            logger.setLogLevel(OFLogger::WARN_LOG_LEVEL);
-            logger.setAdditivity(false);
-            logger.addAppender(collector);
-        }
-        return true;
-    }();
-    static_cast<void>(once);
-}
-
 }  // namespace
 
 std::string WhyNotDecodable(const std::string& transferSyntax) {
@@ -178,8 +184,9 @@ int NumberOfFrames(DcmDataset& set) {
 bool IsJpeg2000(const DcmDataset& set) { return IsJpeg2000(set.getOriginalXfer()); }
 
 void CheckFirstFrameComplete(DcmDataset& set) {
-    if (DcmXfer(set.getOriginalXfer()).isEncapsulated()) return;
-    if (PixelsOf(set).getLength() < FrameSize(set))
+    const DcmXfer syntax(set.getOriginalXfer());
+    if (syntax.getXfer() == EXS_RLELossless) return CheckRleComplete(set);
+    if (!syntax.isEncapsulated() && PixelsOf(set).getLength() < FrameSize(set))
         Refuse("its pixels are cut short: fewer than its rows and columns need");
 }
 
@@ -209,17 +216,6 @@ void ReplaceByFirstFrame(DcmDataset& set) {
     std::vector<Uint16> words(bytes.size() / 2);
     std::memcpy(words.data(), bytes.data(), words.size() * 2);
     set.putAndInsertUint16Array(DCM_PixelData, words.data(), words.size());
-}
-
-DecoderComplaints::DecoderComplaints() {
-    CollectFromDecoders();
-    complaintsOfThread = &first_;
-}
-
-DecoderComplaints::~DecoderComplaints() { complaintsOfThread = nullptr; }
-
-void DecoderComplaints::Check() const {
-    if (!first_.empty()) Refuse("its pixels are damaged: " + first_);
 }
 
 }  // namespace Console

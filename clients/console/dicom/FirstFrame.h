@@ -27,22 +27,8 @@ std::vector<unsigned char> FirstFrame(DcmDataset& set);
 /// Replaces the pixels of a data set by those of its first frame, uncompressed. Throws as `FirstFrame`.
 void ReplaceByFirstFrame(DcmDataset& set);
 
-/// Raises like `FirstFrame` if uncompressed pixels are fewer than the first frame needs.
+/// Raises like `FirstFrame` if uncompressed or run-length encoded pixels are fewer than the first frame
+/// needs.
 void CheckFirstFrameComplete(DcmDataset& set);
-
-/// Collects the complaints of the toolkit's decoders on this thread, which decode damaged pixels to noise
-/// and only log that they did.
-class DecoderComplaints {
-public:
-    DecoderComplaints();
-    ~DecoderComplaints();
-    DecoderComplaints(const DecoderComplaints&) = delete;
-
-    /// Raises `std::runtime_error` with the first complaint since this object was made, if there is one.
-    void Check() const;
-
-private:
-    std::string first_;
-};
 
 }  // namespace Console
