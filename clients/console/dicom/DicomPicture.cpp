@@ -206,11 +206,9 @@ std::string WhyNoPicture(const std::filesystem::path& path) {
 
 std::string WhyNotDecodableByHead(const std::filesystem::path& path) {
     SilenceToolkit();
-    DcmFileFormat file;
-    const OFCondition loaded =
-        file.loadFile(path.c_str(), EXS_Unknown, EGL_noChange, DCM_MaxReadLength, ERM_metaOnly);
+    DcmMetaInfo head;
     OFString syntax;
-    if (loaded.bad() || file.getMetaInfo()->findAndGetOFString(DCM_TransferSyntaxUID, syntax).bad())
+    if (head.loadFile(path.c_str()).bad() || head.findAndGetOFString(DCM_TransferSyntaxUID, syntax).bad())
         return {};
     return WhyNotDecodable(syntax.c_str());
 }
