@@ -193,7 +193,8 @@ class Pictures(unittest.TestCase):
                    Film("MONOCHROME1-WINDOW", ramp(0, 4095), PhotometricInterpretation="MONOCHROME1", **window),
                    Film("SHAPE-INVERSE", ramp(0, 4095), PresentationLUTShape="INVERSE",
                         PhotometricInterpretation="MONOCHROME1", **window),
-                   Film("SHAPE-IDENTITY", ramp(0, 4095), PresentationLUTShape="IDENTITY", **window)])
+                   Film("SHAPE-IDENTITY", ramp(0, 4095), PresentationLUTShape="IDENTITY", **window),
+                   Film("SHAPE-DECIDES", ramp(0, 4095), PresentationLUTShape="INVERSE", **window)])
 
     def test_padding(self):
         padded = ramp(1000, 2000)

@@ -73,12 +73,30 @@ TEST(DicomCodes, KnowsEveryCodeOfEveryTooth) {
     }
 }
 
-TEST(DicomCodes, CodesOfDifferentTeethDiffer) {
-    std::map<std::string, int> seen;
+/// The codes of the region modifiers by the one that images carry: the current one, and those of SRT.
+const std::map<std::string, std::vector<std::string>> CodesOfModifiers{
+    {"T-51005", {"699453001", "T-51005"}}, {"T-51006", {"699511000", "T-51006"}},
+    {"T-51007", {"699510004", "T-51007"}}, {"T-51008", {"699509009", "T-51008"}},
+    {"T-51009", {"699508001", "T-51009"}}, {"T-5100A", {"699507006", "T-5100A"}},
+    {"T-5100B", {"699505003", "T-5100B"}}, {"T-5100C", {"699503005", "T-5100C"}},
+    {"T-5100D", {"260499007", "T-5100D"}}};
+
+TEST(DicomCodes, The161CodesOfTheToothTablesAreKnownAndDiffer) {
+    std::map<std::string, std::string> seen;
     for (const auto& [tooth, codes] : CodesOfTeeth) {
-        for (const std::string& code : codes) EXPECT_TRUE(seen.emplace(code, tooth).second) << code;
+        for (const std::string& code : codes)
+            EXPECT_TRUE(seen.emplace(code, std::to_string(tooth)).second) << code;
     }
     EXPECT_EQ(seen.size(), 142u);
+    for (const auto& [modifier, codes] : CodesOfModifiers) {
+        for (const std::string& code : codes) {
+            EXPECT_EQ(RegionModifierOfCode(code), modifier) << code;
+            EXPECT_TRUE(seen.emplace(code, modifier).second) << code;
+        }
+    }
+    EXPECT_EQ(RegionOfCode("T-54000"), "T-54000");
+    EXPECT_TRUE(seen.emplace("T-54000", "").second);
+    EXPECT_EQ(seen.size(), 161u);
 }
 
 TEST(DicomCodes, OtherCodesAreNoTooth) {
@@ -140,18 +158,14 @@ TEST(DicomCodes, ReadsRegionsOfAllGenerations) {
     for (const auto& [code, region] : expected) EXPECT_EQ(RegionOfCode(code), region) << code;
 }
 
-TEST(DicomCodes, ReadsRegionModifiersOfAllGenerations) {
-    const std::map<std::string, std::vector<std::string>> expected{
-        {"T-51005", {"699453001", "R-FB322"}}, {"T-51006", {"699511000", "R-FB35C"}},
-        {"T-51007", {"699510004", "R-FB35B"}}, {"T-51008", {"699509009", "R-FB35A"}},
-        {"T-51009", {"699508001", "R-FB359"}}, {"T-5100A", {"699507006", "R-FB358"}},
-        {"T-5100B", {"699505003", "R-FB356"}}, {"T-5100C", {"699503005", "R-FB354"}},
-        {"T-5100D", {"260499007", "R-40810"}}};
-    for (const auto& [modifier, codes] : expected) {
-        EXPECT_EQ(RegionModifierOfCode(modifier), modifier);
+TEST(DicomCodes, ReadsTheLaterCodesOfRegionModifiersToo) {
+    const std::map<std::string, std::string> later{
+        {"R-FB322", "T-51005"}, {"R-FB35C", "T-51006"}, {"R-FB35B", "T-51007"},
+        {"R-FB35A", "T-51008"}, {"R-FB359", "T-51009"}, {"R-FB358", "T-5100A"},
+        {"R-FB356", "T-5100B"}, {"R-FB354", "T-5100C"}, {"R-40810", "T-5100D"}};
+    for (const auto& [code, modifier] : later) EXPECT_EQ(RegionModifierOfCode(code), modifier) << code;
+    for (const auto& [modifier, codes] : CodesOfModifiers)
         EXPECT_EQ(CodeOfRegionModifier(modifier).value, codes.front());
-        for (const std::string& code : codes) EXPECT_EQ(RegionModifierOfCode(code), modifier) << code;
-    }
     EXPECT_EQ(RegionModifierOfCode("T-5100E"), "");
     EXPECT_EQ(RegionModifierOfCode(""), "");
     EXPECT_THROW(CodeOfRegionModifier("T-11170"), std::invalid_argument);

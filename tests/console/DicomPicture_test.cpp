@@ -461,6 +461,24 @@ TEST_F(PictureOfFile, DamagedCompressedPixelsAreRefusedAndNotDrawnAsNoise) {
     }
 }
 
+TEST_F(PictureOfFile, Jpeg2000ThatItsDecoderOnlyWarnsOfIsRefused) {
+    const auto noise = Noise();
+    std::string codestream = Jpeg2000Of({noise.begin(), noise.end()}, 64, 64, 1, 12);
+    const std::size_t quantization = codestream.find("\xFF\x5C");
+    ASSERT_NE(quantization, std::string::npos);
+    codestream[quantization + 3] = static_cast<char>(~codestream[quantization + 3]);  // its length
+    EXPECT_THAT(FailureOf(WriteFragments({codestream}, EXS_JPEG2000, Square)),
+                HasSubstr("its JPEG 2000 pixels are damaged: While reading"));
+}
+
+TEST_F(PictureOfFile, AMarkerThatIsNotKnownIsNoDamage) {
+    std::string codestream = Jpeg2000Of({0, 4095, 0, 2048, 100, 4095, 7, 0}, 8, 1, 1, 12);
+    const std::size_t comment = codestream.find("\xFF\x64");
+    ASSERT_NE(comment, std::string::npos);
+    codestream.insert(comment, std::string("\xFF\x6F\0\x02", 4));
+    EXPECT_EQ(FailureOf(WriteFragments({codestream}, EXS_JPEG2000)), "none");
+}
+
 TEST_F(PictureOfFile, AnyDamageOfAFileIsAPictureOrARefusal) {
     const auto sample = [](DcmDataset& set) {
         DcmItem* item = nullptr;

@@ -161,6 +161,7 @@ TEST_F(Shown, TransferSyntaxesThatCannotBeDecodedAreToldInTheList) {
     std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
     EXPECT_THAT(Listed<std::string>("noPicture"),
                 ElementsAre("its transfer syntax 1.2.840.10008.1.2.98 is unknown"));
+    EXPECT_THAT(Drawing("SE1"), HasSubstr("its transfer syntax 1.2.840.10008.1.2.98 is unknown"));
 }
 
 TEST_F(Shown, TheFirstOfSeveralFramesIsToldToBeOne) {

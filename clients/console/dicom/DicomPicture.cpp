@@ -43,10 +43,11 @@ void Load(DcmFileFormat& file, const std::filesystem::path& path) {
     SilenceToolkit();
     const OFCondition loaded = file.loadFile(path.c_str());
     if (loaded.bad()) Refuse(loaded.text());
-    DcmDataset& set = *file.getDataset();
-    CheckSize(set);
-    const std::string undecodable = WhyNotDecodable(DcmXfer(set.getOriginalXfer()).getXferID());
+    // The toolkit reads a file of an unknown transfer syntax as if it were uncompressed.
+    const std::string stated = Text(*file.getMetaInfo(), DCM_TransferSyntaxUID);
+    const std::string undecodable = stated.empty() ? "" : WhyNotDecodable(stated);
     if (!undecodable.empty()) Refuse(undecodable);
+    CheckSize(*file.getDataset());
 }
 
 bool IsGray(DcmItem& set) { return Text(set, DCM_PhotometricInterpretation).starts_with("MONOCHROME"); }

@@ -64,10 +64,11 @@ Stream StreamOf(Source& source) {
     return stream;
 }
 
-/// Keeps the first message of the decoder, without its line break.
+/// Keeps the first message of the decoder, without its line break. A marker that the decoder skips is no
+/// damage: makers may add their own.
 void Note(const char* message, void* data) {
     auto& first = *static_cast<std::string*>(data);
-    if (!first.empty()) return;
+    if (!first.empty() || std::string_view(message).starts_with("Unknown marker")) return;
     first = message;
     first.erase(first.find_last_not_of("\r\n ") + 1);
 }

@@ -157,8 +157,9 @@ std::string NameOf(const cUniCard& entry) {
 Ref<cUniCard> OpenEntry(const Clinic& clinic, const std::string& key) {
     const std::string kind = UCase(key.substr(0, 2));
     if (kind != "IC" && kind != "SE")
-        throw Complaint(fmt::format(
-            "\"{}\" names no card and no series; write IC5 for image card 5, SE7 for series 7", key));
+        throw Complaint(
+            fmt::format("\"{}\" names no card and no series; write IC5 for image card 5, SE7 for series 7",
+                        Printable(key)));
     const Long number = NumberOf(key.substr(2), kind == "IC" ? "an image card" : "a series");
     return kind == "IC" ? OpenCard(clinic, number) : OpenSeries(clinic, number);
 }
