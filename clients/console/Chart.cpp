@@ -14,15 +14,15 @@ using namespace OXClass;
 
 constexpr int ChartWidth = 100;
 
-/// A sheet of characters, written by column and row. ASCII only: one byte a place.
+/// A sheet of characters, written by column and row.
 class Sheet {
 public:
     Sheet(int width, int height)
-        : lines_(static_cast<std::size_t>(height), std::string(static_cast<std::size_t>(width), ' ')) {}
+        : lines_(static_cast<std::size_t>(height), std::u16string(static_cast<std::size_t>(width), ' ')) {}
 
-    void Put(int column, int row, std::string_view text) {
+    void Put(int column, int row, std::u16string_view text) {
         if (row < 0 || row >= static_cast<int>(lines_.size())) return;
-        std::string& line = lines_[static_cast<std::size_t>(row)];
+        std::u16string& line = lines_[static_cast<std::size_t>(row)];
         for (std::size_t i = 0; i < text.size(); ++i) {
             const auto at = static_cast<std::size_t>(column) + i;
             if (at < line.size()) line[at] = text[i];
@@ -30,40 +30,52 @@ public:
     }
 
     /// A box with lines of text in its middle, cut to what it has room for.
-    void Box(int left, int top, int width, int height, const std::vector<std::string>& texts) {
-        const std::string edge =
-            "+" + std::string(static_cast<std::size_t>(std::max(width - 2, 0)), '-') + "+";
+    void Box(int left, int top, int width, int height, const std::vector<std::u16string>& texts) {
+        const std::u16string edge =
+            u"+" + std::u16string(static_cast<std::size_t>(std::max(width - 2, 0)), u'-') + u"+";
         Put(left, top, edge);
         Put(left, top + height - 1, edge);
         for (int row = top + 1; row < top + height - 1; ++row) {
-            Put(left, row, "|");
-            Put(left + width - 1, row, "|");
+            Put(left, row, u"|");
+            Put(left + width - 1, row, u"|");
         }
         int row = top + std::max(1, (height - static_cast<int>(texts.size())) / 2);
-        for (const std::string& text : texts) {
+        for (const std::u16string& text : texts) {
             if (row >= top + height - 1) return;
-            const std::string shown = text.substr(0, static_cast<std::size_t>(std::max(width - 2, 0)));
+            const std::u16string shown = text.substr(0, static_cast<std::size_t>(std::max(width - 2, 0)));
             Put(left + (width - static_cast<int>(shown.size())) / 2, row++, shown);
         }
     }
 
     std::string Text() const {
         std::string text;
-        for (std::string line : lines_) {
-            line.erase(line.find_last_not_of(' ') + 1);
-            text += line + "\n";
+        for (std::u16string line : lines_) {
+            line.erase(line.find_last_not_of(u' ') + 1);
+            text += FromUtf16(line) + "\n";
         }
         return text;
     }
 
 private:
-    std::vector<std::string> lines_;
+    std::vector<std::u16string> lines_;
 };
 
-/// The label of a slot broken at its blanks, behind the slot's number.
-std::vector<std::string> Lines(Long number, const std::string& label) {
-    std::vector<std::string> lines{std::to_string(number)};
-    for (const std::string& part : SplitIgnoringCase(label, " ")) lines.push_back(part);
+/// The lines of a label behind the slot's number: each broken at its blanks where it is longer than `width`.
+std::vector<std::u16string> Lines(Long number, const std::string& label, int width) {
+    std::vector<std::u16string> lines{ToUtf16(std::to_string(number))};
+    for (const std::string& line : SplitIgnoringCase(label, "\n")) {
+        lines.emplace_back();
+        for (const std::string& word : SplitIgnoringCase(Printable(line), " ")) {
+            const std::u16string next = ToUtf16(word);
+            std::u16string& last = lines.back();
+            const bool fits =
+                last.empty() || last.size() + 1 + next.size() <= static_cast<std::size_t>(width);
+            if (fits)
+                last += (last.empty() ? u"" : u" ") + next;
+            else
+                lines.push_back(next);
+        }
+    }
     return lines;
 }
 
@@ -90,30 +102,66 @@ std::string ChartOf(const cTemplate& layout, const std::map<Long, std::string>& 
     const auto scaled = [](double part, int whole) { return static_cast<int>(std::lround(part * whole)); };
     for (const cTemplateAttribute& slot : Each<cTemplateAttribute>(*layout.TemplateAttributes)) {
         const auto label = labels.find(slot.TANumberInTemplate);
-        sheet.Box(scaled(slot.TAPosX, ChartWidth), scaled(slot.TAPosY, height),
-                  std::max(scaled(slot.TAWidth, ChartWidth), 4), std::max(scaled(slot.TAHeight, height), 3),
-                  Lines(slot.TANumberInTemplate, label == labels.end() ? "-" : label->second));
+        const int width = std::max(scaled(slot.TAWidth, ChartWidth), 4);
+        sheet.Box(scaled(slot.TAPosX, ChartWidth), scaled(slot.TAPosY, height), width,
+                  std::max(scaled(slot.TAHeight, height), 3),
+                  Lines(slot.TANumberInTemplate, label == labels.end() ? "-" : label->second, width - 2));
     }
     return sheet.Text();
 }
+
+namespace {
+
+/// What is said of the images of a series below its chart.
+struct Remarks {
+    std::vector<std::string> unplaced, byTimeOnly, withoutPicture;
+
+    void Print() const {
+        const auto print = [](const char* what, const std::vector<std::string>& images) {
+            if (!images.empty())
+                fmt::print("{}: {}\n", what, Printable(fmt::format("{}", fmt::join(images, "; "))));
+        };
+        print("Hanging nowhere", unplaced);
+        print("Placed by time only, as nothing of their anatomy is known", byTimeOnly);
+        print("No picture", withoutPicture);
+    }
+};
+
+/// The label of an image in the chart; fills in what is to be said below.
+std::string Label(const cImage& image, Remarks& remarks) {
+    const std::string caption = CaptionOf(image);
+    std::string label = caption;
+    if (image.FrameNumber <= 0) remarks.unplaced.push_back(caption);
+    if (IsPlacedByTimeOnly(image)) {
+        label += "\nby time";
+        remarks.byTimeOnly.push_back(fmt::format("frame {}", Long{image.FrameNumber}));
+    }
+    const std::string missing = WhyNoPicture(image);
+    if (!missing.empty()) {
+        label += "\nno picture";
+        remarks.withoutPicture.push_back(caption + ", " + missing);
+    }
+    return label;
+}
+
+}  // namespace
 
 void PrintHungSeries(const Clinic& clinic, Long number) {
     const Ref<cSerie> series = LoadSeries(clinic.Con(), number);
     const Ref<cTemplate> layout = New<cTemplate>();
     layout->GetTemplate(clinic.Con(), 0, series->TemplateID);
     std::map<Long, std::string> labels;
-    std::vector<std::string> unplaced;
+    Remarks remarks;
     const Ref<cImages> images = ImagesOf(clinic, number);
     for (const cImage& image : *images) {
-        if (image.FrameNumber > 0)
-            labels[image.FrameNumber] = CaptionOf(image);
-        else
-            unplaced.push_back(CaptionOf(image));
+        const std::string label = Label(image, remarks);
+        if (image.FrameNumber > 0) labels[image.FrameNumber] = label;
     }
-    fmt::print("Series {}: {}, {} images, layout {} {}\n", number, Undoubled(series->SeriesDescription),
-               series->ImgCount, series->TemplateID, layout->TCName);
+    fmt::print("Series {}: {}, {} images, layout {} {}\n", number,
+               Printable(Undoubled(series->SeriesDescription)), series->ImgCount, series->TemplateID,
+               Printable(layout->TCName));
     fmt::print("{}", ChartOf(*layout, labels));
-    if (!unplaced.empty()) fmt::print("Hanging nowhere: {}\n", fmt::join(unplaced, "; "));
+    remarks.Print();
 }
 
 void ShowSeries(const Options& options, Long number) {
@@ -132,7 +180,9 @@ void ShowSeries(const Options& options, Long number) {
                                   {"teeth", image.sTeeth},
                                   {"side", image.Laterality},
                                   {"region", image.AnaRegion},
-                                  {"modifier", image.AnaRegionMod}});
+                                  {"modifier", image.AnaRegionMod},
+                                  {"byTimeOnly", IsPlacedByTimeOnly(image)},
+                                  {"noPicture", WhyNoPicture(image)}});
     PrintJson(json);
 }
 

@@ -13,10 +13,12 @@ namespace Console {
 OXClass::Ref<OXClass::cSerie> LoadSeries(const Ref<Connection>& con, Platform::Long series);
 
 /// A layout as a chart of characters, 100 wide: each slot a box at its place, with its frame number, and
-/// the text that `labels` has for it. An empty slot shows "-".
+/// the text that `labels` has for it, broken at its line breaks and where it is too wide. An empty slot
+/// shows "-".
 std::string ChartOf(const OXClass::cTemplate& layout, const std::map<Platform::Long, std::string>& labels);
 
-/// Draws a series as it hangs, and names the images that hang nowhere; as JSON, its images by frame.
+/// Draws a series as it hangs, and names the images that hang nowhere, that are placed by time only and that
+/// have no picture; as JSON, its images by frame.
 /// Throws `Complaint` for an unknown series.
 void ShowSeries(const Options& options, Platform::Long series);
 

@@ -19,7 +19,8 @@ std::size_t TellMissing(const Page& page) {
     std::size_t missing = 0;
     for (const PlacedPicture& placed : page.pictures) {
         if (placed.picture) continue;
-        fmt::print(stderr, "oxclass: no picture for {}: {}\n", placed.caption, placed.missing);
+        fmt::print(stderr, "oxclass: no picture for {}: {}\n", Printable(placed.caption),
+                   Printable(placed.missing));
         ++missing;
     }
     return missing;
@@ -29,7 +30,8 @@ void Draw(Program& program, const std::string& key, const std::string& file, uns
           const DrawingOptions& drawing) {
     const bool png = EndsIn(file, ".png");
     if (!png && !EndsIn(file, ".svg"))
-        throw Complaint(fmt::format("\"{}\" is no name of a drawing; end it with .svg or .png", file));
+        throw Complaint(
+            fmt::format("\"{}\" is no name of a drawing; end it with .svg or .png", Printable(file)));
     const Clinic clinic(program.options);
     const Page page = PageOf(*OpenEntry(clinic, key), width);
     const std::string svg = SvgOf(page, drawing);
@@ -38,12 +40,12 @@ void Draw(Program& program, const std::string& key, const std::string& file, uns
     if (missing > 0) program.exitCode = PartlyDone;
     if (program.options.json)
         return PrintJson({{"file", file}, {"images", page.pictures.size()}, {"missing", missing}});
-    fmt::print("{}: {} images drawn.\n", file, page.pictures.size() - missing);
+    fmt::print("{}: {} images drawn.\n", Printable(file), page.pictures.size() - missing);
 }
 
 void Report(Program& program, const std::string& patient, const std::string& file) {
     if (!EndsIn(file, ".html") && !EndsIn(file, ".htm"))
-        throw Complaint(fmt::format("\"{}\" is no name of a report; end it with .html", file));
+        throw Complaint(fmt::format("\"{}\" is no name of a report; end it with .html", Printable(file)));
     const Clinic clinic(program.options);
     const ReportTally tally = WriteReport(clinic, patient, file);
     if (tally.missing > 0) program.exitCode = PartlyDone;
@@ -52,7 +54,7 @@ void Report(Program& program, const std::string& patient, const std::string& fil
                           {"entries", tally.entries},
                           {"images", tally.images},
                           {"missing", tally.missing}});
-    fmt::print("{}: {} entries with {} images.\n", file, tally.entries, tally.images);
+    fmt::print("{}: {} entries with {} images.\n", Printable(file), tally.entries, tally.images);
     if (tally.missing > 0) fmt::print("{} pictures are missing; the report says why.\n", tally.missing);
 }
 

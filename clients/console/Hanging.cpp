@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 #include <tuple>
+#include <utility>
 
 namespace Console {
 namespace {
@@ -16,6 +17,18 @@ using Hung = std::tuple<Long, String, String, String>;
 
 Hung Placing(const cImage& image) {
     return {image.FrameNumber, image.Laterality, image.AnaRegion, image.AnaRegionMod};
+}
+
+/// The images that belong into a layout of films. The others are photographs; their frame is cleared.
+Ref<Collection> FilmsOf(const cImages& images) {
+    Ref<Collection> films = New<Collection>();
+    for (cImage& image : images) {
+        if (image.ImageType == imggTypeVLPhotographic)
+            image.FrameNumber = 0;
+        else
+            films->Add(Ref<cImage>(&image));
+    }
+    return films;
 }
 
 void Hang(const Options& options, Long number) {
@@ -42,7 +55,11 @@ HungSeries HangStored(const Ref<Connection>& con, Long number) {
     std::vector<Hung> before;
     for (const cImage& image : *images) before.push_back(Placing(image));
     HungSeries result;
-    result.layout = series->HangSeries(images, con);
+    const Ref<Collection> films = FilmsOf(*images);
+    const Long count = std::exchange(series->ImgCount, films->Count());
+    series->TemplateID = 0;
+    result.layout = series->HangSeries(films, con);
+    series->ImgCount = count;
     std::size_t next = 0;
     for (cImage& image : *images) {
         result.placed += image.FrameNumber > 0;

@@ -32,7 +32,7 @@ void ShowLayout(const Options& options, Long number) {
         std::map<Long, std::string> labels;
         for (const auto& slot : Each<cTemplateAttribute>(*layout->TemplateAttributes))
             labels[slot.TANumberInTemplate] = slot.TAADName;
-        fmt::print("Layout {}: {}\n{}", number, layout->TCName, ChartOf(*layout, labels));
+        fmt::print("Layout {}: {}\n{}", number, Printable(layout->TCName), ChartOf(*layout, labels));
         return;
     }
     List list({{"frame", ""},

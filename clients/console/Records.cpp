@@ -1,6 +1,7 @@
 #include "console/Commands.h"
 
 #include "console/Chart.h"
+#include "console/page/Page.h"
 #include "console/patients/PatientStore.h"
 #include "frame/Statement.h"
 #include "images/cImages.h"
@@ -70,11 +71,14 @@ void ListImages(const Options& options, const std::string& patient, const std::s
                {"kv", "kV"},
                {"ma", "mA"},
                {"ms", "ms"},
+               {"placed", "Placed"},
+               {"noPicture", "No picture"},
                {"file", "File"}});
     for (const cImage& image : *images)
         list.Add({image.ID, image.seriesID, Long{image.FrameNumber}, image.sTeeth, image.Laterality,
                   image.AnaRegion, image.AnaRegionMod, DateText(image.dateTime), image.Voltage_kV,
-                  image.Current_mA, image.ExposureTime_ms, image.URL});
+                  image.Current_mA, image.ExposureTime_ms, IsPlacedByTimeOnly(image) ? "by time only" : "",
+                  WhyNoPictureByHead(image), image.URL});
     list.Print(options.json, "There are no images.");
 }
 

@@ -3,6 +3,7 @@
 #include "Report_page.h"
 #include "console/CardList.h"
 #include "console/WholeFile.h"
+#include "console/dicom/DicomCodes.h"
 #include "console/page/Svg.h"
 #include "platform/runtime/Services.h"
 
@@ -33,7 +34,16 @@ std::string FullName(const cPatient& patient) {
     return name.empty() ? patient.PatientID : name;
 }
 
-std::string Facts(const cPatient& patient) {
+/// The name of the clinic that reports: the first that is stored, but the head office, whose row has a mark
+/// instead of a name.
+std::string ClinicName(const Clinic& clinic) {
+    const Ref<Recordset> names = clinic.Read(
+        "SELECT ClinicName FROM Clinic_T WHERE trim(ClinicName) <> '' AND upper(ClinicName) <> '__HQ' ORDER "
+        "BY ClinicID");
+    return names->Eof() ? std::string() : CStr(names->Fields(0).Value());
+}
+
+std::string Facts(const Clinic& clinic, const cPatient& patient) {
     std::string facts;
     const auto add = [&](const char* name, const std::string& value) {
         if (!value.empty()) facts += fmt::format("<dt>{}</dt><dd>{}</dd>\n", name, XmlText(value));
@@ -42,13 +52,15 @@ std::string Facts(const cPatient& patient) {
     add("Other IDs", patient.OtherIDs->GetAllAsString());
     add("Born", DateText(patient.BirthDate));
     add("Sex", patient.Sex);
+    add("Clinic", ClinicName(clinic));
     add("Written", DateText(Now()));
     return facts;
 }
 
-/// "65 kV, 7 mA, 120 ms", without what is not known.
+/// "65 kV, 7 mA, 120 ms", without what is not known; empty for a photograph.
 std::string ExposureOf(const cImage& image) {
     std::string text;
+    if (image.ImageType == imggTypeVLPhotographic) return text;
     const auto add = [&](Long value, const char* unit) {
         if (value > 0) text += fmt::format("{}{} {}", text.empty() ? "" : ", ", value, unit);
     };
@@ -58,28 +70,53 @@ std::string ExposureOf(const cImage& image) {
     return text;
 }
 
+/// The comments of an image, newest first, one a line: "2026-01-31 AB: caries".
+std::string CommentsOf(const Clinic& clinic, cImage& image) {
+    image.GetComments(clinic.Con());
+    std::string lines;
+    for (const cStringItem& comment : *image.Comments()) {
+        const std::string by = Trim(DateText(comment.DateStamp) + " " + comment.Signature);
+        lines += fmt::format("{}{}", lines.empty() ? "" : "<br>",
+                             XmlText(by + (by.empty() ? "" : ": ") + comment.str));
+    }
+    return lines;
+}
+
+std::string RemarkOf(const PlacedPicture& placed) {
+    const std::string missing = placed.missing.empty() ? "" : "no picture: " + placed.missing;
+    return placed.note + (placed.note.empty() || missing.empty() ? "" : "; ") + missing;
+}
+
+/// The cells between an image's number and its remark.
+std::string CellsOf(const Clinic& clinic, const PlacedPicture& placed, const Ref<cImage>& image) {
+    if (!image)
+        return fmt::format("<td>{}</td><td></td><td></td><td></td><td></td>", XmlText(placed.caption));
+    return fmt::format("<td>{}</td><td>{}</td><td>{}</td><td>{}</td><td>{}</td>", XmlText(TeethOf(*image)),
+                       XmlText(AnatomyInWords(image->AnaRegion, image->AnaRegionMod, image->Laterality)),
+                       DateText(image->dateTime), ExposureOf(*image), CommentsOf(clinic, *image));
+}
+
 /// The table of a page's images.
-std::string Table(const cUniCard& entry, const Page& page) {
+std::string Table(const Clinic& clinic, const cUniCard& entry, const Page& page) {
     if (page.pictures.empty()) return "<p class=\"quiet\">No images.</p>\n";
     std::string rows;
     std::size_t next = 0;
     for (const auto& placed : Each<cImagecardAttribute>(*entry.Imagecard->ImagecardAttributes)) {
         const PlacedPicture& picture = page.pictures[next++];
-        const Ref<cImage> image = ImageOf(entry, placed);
-        rows += fmt::format(
-            "<tr class=\"image\"><td "
-            "class=\"number\">{}</td><td>{}</td><td>{}</td><td>{}</td><td>{}</td></tr>\n",
-            picture.number, XmlText(picture.caption), image ? DateText(image->dateTime) : "",
-            image ? ExposureOf(*image) : "", XmlText(picture.missing));
+        rows += fmt::format("<tr class=\"image\"><td class=\"number\">{}</td>{}<td>{}</td></tr>\n",
+                            picture.number, CellsOf(clinic, picture, ImageOf(entry, placed)),
+                            XmlText(RemarkOf(picture)));
     }
+    std::string titles;
+    for (const char* title : {"Teeth", "Region", "Taken", "Exposure", "Comments", "Remark"})
+        titles += fmt::format("<th scope=\"col\">{}</th>", title);
     return fmt::format(
-        "<table><caption>Images</caption><thead><tr><th scope=\"col\" class=\"number\">{}</th><th "
-        "scope=\"col\">Teeth</th><th scope=\"col\">Taken</th><th scope=\"col\">Exposure</th><th "
-        "scope=\"col\">Remark</th></tr></thead><tbody>\n{}</tbody></table>\n",
-        entry.Series ? "Frame" : "Place", rows);
+        "<table><caption>Images</caption><thead><tr><th scope=\"col\" "
+        "class=\"number\">{}</th>{}</tr></thead><tbody>\n{}</tbody></table>\n",
+        entry.Series ? "Frame" : "Place", titles, rows);
 }
 
-std::string Section(const cUniCard& entry, const Page& page) {
+std::string Section(const Clinic& clinic, const cUniCard& entry, const Page& page) {
     const std::string name = XmlText(page.title);
     const std::string kind = entry.Series ? "Series" : "Image card";
     std::string picture;
@@ -94,7 +131,7 @@ std::string Section(const cUniCard& entry, const Page& page) {
         "<article id=\"{0}\">\n<h2>{1}</h2>\n<p class=\"quiet\">{2} {0}, {3}, {4} "
         "images</p>\n{5}{6}{7}</article>\n",
         entry.Key, name, kind, DateText(entry.SortDate()), page.pictures.size(), description, picture,
-        Table(entry, page));
+        Table(clinic, entry, page));
 }
 
 void Load(cUniCard& entry, const Clinic& clinic) {
@@ -113,7 +150,7 @@ ReportTally WriteReport(const Clinic& clinic, const std::string& patient, const 
     for (cUniCard& entry : *list.entries) {
         Load(entry, clinic);
         const Page page = PageOf(entry, PixelWidth);
-        entries += Section(entry, page);
+        entries += Section(clinic, entry, page);
         ++tally.entries;
         tally.images += page.pictures.size();
         for (const PlacedPicture& placed : page.pictures) tally.missing += placed.picture == nullptr;
@@ -125,7 +162,7 @@ ReportTally WriteReport(const Clinic& clinic, const std::string& patient, const 
     WriteWholeFile(file, Filled(page::report_html,
                                 {{"title", name + ", dental images"},
                                  {"patient", name},
-                                 {"facts", Facts(*list.patient)},
+                                 {"facts", Facts(clinic, *list.patient)},
                                  {"summary", fmt::format("{} cards and series with {} images, newest first.",
                                                          tally.entries, tally.images)},
                                  {"entries", entries}}));

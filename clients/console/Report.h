@@ -11,8 +11,9 @@ struct ReportTally {
     std::size_t missing = 0;  ///< images whose picture could not be read
 };
 
-/// Writes a page on a patient, one HTML file that needs nothing else: who it is, the cards and series,
-/// newest first, each as a picture that enlarges on click, with teeth, time and exposure of each image.
+/// Writes a page on a patient, one HTML file that needs nothing else: who it is, the clinic, the cards and
+/// series, newest first, each as a picture that enlarges on click, with teeth, anatomy in words, time,
+/// exposure, comments and remarks of each image.
 /// Throws `Complaint` for an unknown patient, a list that can't be read whole, and a file that can't be
 /// written; an earlier file then stays.
 ReportTally WriteReport(const Clinic& clinic, const std::string& patient, const std::filesystem::path& file);

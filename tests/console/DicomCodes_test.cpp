@@ -44,26 +44,26 @@ const std::map<int, std::vector<std::string>> CodesOfTeeth{
     {46, {"866005003", "28480000", "T-54500"}},
     {47, {"863899008", "40005008", "T-54510"}},
     {48, {"38994002", "T-54520"}},
-    {51, {"88824007", "245620002"}},
-    {52, {"65624003", "245619008"}},
-    {53, {"30618001"}},
-    {54, {"17505006", "245616001"}},
-    {55, {"27855007"}},
-    {61, {"51678005"}},
-    {62, {"43622005"}},
-    {63, {"73937000"}},
-    {64, {"45234009"}},
-    {65, {"51943008"}},
-    {71, {"89552004"}},
-    {72, {"14770005"}},
-    {73, {"43281008", "245639007"}},
-    {74, {"38896004"}},
-    {75, {"49330006"}},
-    {81, {"67834006"}},
-    {82, {"22445006"}},
-    {83, {"6062009"}},
-    {84, {"58646007", "245631005"}},
-    {85, {"61868007"}},
+    {51, {"88824007", "245620002", "T-54610", "T-54611"}},
+    {52, {"65624003", "245619008", "T-54620", "T-54621"}},
+    {53, {"30618001", "T-54630"}},
+    {54, {"17505006", "245616001", "T-54640", "T-54641"}},
+    {55, {"27855007", "T-54650"}},
+    {61, {"51678005", "T-54660"}},
+    {62, {"43622005", "T-54670"}},
+    {63, {"73937000", "T-54680"}},
+    {64, {"45234009", "T-54690"}},
+    {65, {"51943008", "T-54700"}},
+    {71, {"89552004", "T-54760"}},
+    {72, {"14770005", "T-54770"}},
+    {73, {"43281008", "245639007", "T-54780", "T-54781"}},
+    {74, {"38896004", "T-54790"}},
+    {75, {"49330006", "T-54800"}},
+    {81, {"67834006", "T-54710"}},
+    {82, {"22445006", "T-54720"}},
+    {83, {"6062009", "T-54730"}},
+    {84, {"58646007", "245631005", "T-54740", "T-54741"}},
+    {85, {"61868007", "T-54750"}},
 };
 
 TEST(DicomCodes, KnowsEveryCodeOfEveryTooth) {
@@ -73,12 +73,30 @@ TEST(DicomCodes, KnowsEveryCodeOfEveryTooth) {
     }
 }
 
-TEST(DicomCodes, CodesOfDifferentTeethDiffer) {
-    std::map<std::string, int> seen;
+/// The codes of the region modifiers by the one that images carry: the current one, and those of SRT.
+const std::map<std::string, std::vector<std::string>> CodesOfModifiers{
+    {"T-51005", {"699453001", "T-51005"}}, {"T-51006", {"699511000", "T-51006"}},
+    {"T-51007", {"699510004", "T-51007"}}, {"T-51008", {"699509009", "T-51008"}},
+    {"T-51009", {"699508001", "T-51009"}}, {"T-5100A", {"699507006", "T-5100A"}},
+    {"T-5100B", {"699505003", "T-5100B"}}, {"T-5100C", {"699503005", "T-5100C"}},
+    {"T-5100D", {"260499007", "T-5100D"}}};
+
+TEST(DicomCodes, The161CodesOfTheToothTablesAreKnownAndDiffer) {
+    std::map<std::string, std::string> seen;
     for (const auto& [tooth, codes] : CodesOfTeeth) {
-        for (const std::string& code : codes) EXPECT_TRUE(seen.emplace(code, tooth).second) << code;
+        for (const std::string& code : codes)
+            EXPECT_TRUE(seen.emplace(code, std::to_string(tooth)).second) << code;
     }
-    EXPECT_EQ(seen.size(), 117u);
+    EXPECT_EQ(seen.size(), 142u);
+    for (const auto& [modifier, codes] : CodesOfModifiers) {
+        for (const std::string& code : codes) {
+            EXPECT_EQ(RegionModifierOfCode(code), modifier) << code;
+            EXPECT_TRUE(seen.emplace(code, modifier).second) << code;
+        }
+    }
+    EXPECT_EQ(RegionOfCode("T-54000"), "T-54000");
+    EXPECT_TRUE(seen.emplace("T-54000", "").second);
+    EXPECT_EQ(seen.size(), 161u);
 }
 
 TEST(DicomCodes, OtherCodesAreNoTooth) {
@@ -97,6 +115,8 @@ TEST(DicomCodes, StatesTheCodeOfTheAskedGeneration) {
     EXPECT_EQ(CodeOfTooth(11).scheme, "SCT");
     EXPECT_EQ(CodeOfTooth(11, CodeGeneration::Previous).value, "22120004");
     EXPECT_EQ(CodeOfTooth(11, CodeGeneration::Srt).value, "T-54280");
+    EXPECT_EQ(CodeOfTooth(51, CodeGeneration::Srt).value, "T-54610");
+    EXPECT_EQ(CodeOfTooth(75, CodeGeneration::Srt).value, "T-54800");
     EXPECT_EQ(CodeOfTooth(11, CodeGeneration::Srt).scheme, "SRT");
     EXPECT_EQ(CodeOfTooth(18, CodeGeneration::Previous).value, "68085002") << "nothing changed here";
 }
@@ -115,33 +135,38 @@ TEST(DicomCodes, NamesTeethInWords) {
     EXPECT_EQ(CodeOfTooth(81).meaning, "Deciduous mandibular right central incisor tooth");
 }
 
-TEST(DicomCodes, RefusesTeethWithoutACode) {
+TEST(DicomCodes, RefusesNumbersOfNoTooth) {
     EXPECT_THROW(CodeOfTooth(19), std::invalid_argument);
     EXPECT_THROW(CodeOfTooth(0), std::invalid_argument);
     EXPECT_THROW(CodeOfTooth(56), std::invalid_argument);
-    EXPECT_THROW(CodeOfTooth(51, CodeGeneration::Srt), std::invalid_argument);
 }
 
 TEST(DicomCodes, ReadsRegionsOfAllGenerations) {
-    const std::map<std::string, std::string> expected{
-        {"70925003", "T-11170"}, {"T-11170", "T-11170"}, {"91609006", "T-11180"}, {"T-11180", "T-11180"},
-        {"661005", "T-D1213"},   {"T-D1213", "T-D1213"}, {"89546000", "T-11100"}, {"T-11100", "T-11100"},
-        {"T-D1217", "T-D1217"},  {"28035005", ""},       {"T-54000", ""},         {"", ""}};
+    const std::map<std::string, std::string> expected{{"70925003", "T-11170"},
+                                                      {"T-11170", "T-11170"},
+                                                      {"91609006", "T-11180"},
+                                                      {"T-11180", "T-11180"},
+                                                      {"661005", "T-D1213"},
+                                                      {"T-D1213", "T-D1213"},
+                                                      {"89546000", "T-11100"},
+                                                      {"T-11100", "T-11100"},
+                                                      {"T-D1217", "T-D1217"},
+                                                      {"28035005", "T-54000"},
+                                                      {"T-54000", "T-54000"},
+                                                      {"T-54001", ""},
+                                                      {"", ""}};
     for (const auto& [code, region] : expected) EXPECT_EQ(RegionOfCode(code), region) << code;
 }
 
-TEST(DicomCodes, ReadsRegionModifiersOfAllGenerations) {
-    const std::map<std::string, std::vector<std::string>> expected{
-        {"T-51005", {"699453001", "R-FB322"}}, {"T-51006", {"699511000", "R-FB35C"}},
-        {"T-51007", {"699510004", "R-FB35B"}}, {"T-51008", {"699509009", "R-FB35A"}},
-        {"T-51009", {"699508001", "R-FB359"}}, {"T-5100A", {"699507006", "R-FB358"}},
-        {"T-5100B", {"699505003", "R-FB356"}}, {"T-5100C", {"699503005", "R-FB354"}}};
-    for (const auto& [modifier, codes] : expected) {
-        EXPECT_EQ(RegionModifierOfCode(modifier), modifier);
+TEST(DicomCodes, ReadsTheLaterCodesOfRegionModifiersToo) {
+    const std::map<std::string, std::string> later{
+        {"R-FB322", "T-51005"}, {"R-FB35C", "T-51006"}, {"R-FB35B", "T-51007"},
+        {"R-FB35A", "T-51008"}, {"R-FB359", "T-51009"}, {"R-FB358", "T-5100A"},
+        {"R-FB356", "T-5100B"}, {"R-FB354", "T-5100C"}, {"R-40810", "T-5100D"}};
+    for (const auto& [code, modifier] : later) EXPECT_EQ(RegionModifierOfCode(code), modifier) << code;
+    for (const auto& [modifier, codes] : CodesOfModifiers)
         EXPECT_EQ(CodeOfRegionModifier(modifier).value, codes.front());
-        for (const std::string& code : codes) EXPECT_EQ(RegionModifierOfCode(code), modifier) << code;
-    }
-    EXPECT_EQ(RegionModifierOfCode("T-5100D"), "");
+    EXPECT_EQ(RegionModifierOfCode("T-5100E"), "");
     EXPECT_EQ(RegionModifierOfCode(""), "");
     EXPECT_THROW(CodeOfRegionModifier("T-11170"), std::invalid_argument);
 }
@@ -154,6 +179,15 @@ TEST(DicomCodes, StatesRegions) {
     EXPECT_EQ(CodeOfRegion("T-D1217").value, "T-D1217");
     EXPECT_EQ(CodeOfRegion("T-D1217").scheme, "SRT");
     EXPECT_THROW(CodeOfRegion("T-99999"), std::invalid_argument);
+}
+
+TEST(DicomCodes, AnatomyIsToldInWords) {
+    EXPECT_EQ(AnatomyInWords("T-11170", "T-5100A", "L"), "Maxilla, first molar region, left");
+    EXPECT_EQ(AnatomyInWords("T-11180", "", "R"), "Mandible, right");
+    EXPECT_EQ(AnatomyInWords("", "T-5100D", "B"), "Occlusal projection, both sides");
+    EXPECT_EQ(AnatomyInWords("", "", "L"), "Left");
+    EXPECT_EQ(AnatomyInWords("T-99999", "", ""), "T-99999");
+    EXPECT_EQ(AnatomyInWords("", "", ""), "");
 }
 
 TEST(DicomCodes, TellsJawAndSideOfEveryQuadrant) {

@@ -289,7 +289,7 @@ TEST_F(DicomFile, ConvertsNamesFromTheFilesCharacterSet) {
 TEST_F(DicomFile, ConvertsDescriptionsAndTextsInItems) {
     Put(set, DCM_SpecificCharacterSet, "ISO_IR 100");
     Put(set, DCM_SeriesDescription, "Z\xE4hne");
-    AddCode(set, DCM_AnatomicRegionSequence, "28035005", "Z\xE4hne und Kiefer");
+    AddCode(set, DCM_AnatomicRegionSequence, "123851003", "Z\xE4hne und Kiefer");
     EXPECT_EQ(Read().seriesDescription, "Zähne");
     EXPECT_EQ(Read().regionText, "Zähne und Kiefer");
 }
@@ -328,9 +328,16 @@ TEST_F(DicomFile, ReadsRegionAndModifier) {
 }
 
 TEST_F(DicomFile, AnUnknownRegionIsKeptInWords) {
-    AddCode(set, DCM_AnatomicRegionSequence, "28035005", "Teeth, gums and supporting structures");
+    AddCode(set, DCM_AnatomicRegionSequence, "123851003", "Mouth");
     EXPECT_EQ(Read().region, "");
-    EXPECT_EQ(Read().regionText, "Teeth, gums and supporting structures");
+    EXPECT_EQ(Read().regionText, "Mouth");
+}
+
+TEST_F(DicomFile, ARegionThatNamesNoJawYieldsToListedTeeth) {
+    AddCode(set, DCM_AnatomicRegionSequence, "28035005", "Teeth, gums and supporting structures");
+    EXPECT_EQ(Read().region, "T-54000");
+    Teeth({16});
+    EXPECT_EQ(Read().region, "");
 }
 
 /// What is left of a stated region and side beside the teeth of the picture.

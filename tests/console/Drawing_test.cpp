@@ -1,79 +1,25 @@
+#include "Pixels.h"
 #include "ProgramTest.h"
 
-#include "console/dicom/DicomPicture.h"
 #include "console/page/Png.h"
 #include "console/page/Svg.h"
 
-#include <dcmtk/dcmdata/dcrleerg.h>
-#include <dcmtk/dcmjpeg/djencode.h>
 #include <fstream>
 #include <gdk-pixbuf/gdk-pixbuf.h>
-#include <png.h>
 
 /// The font library keeps what it found until the process ends, in memory that no pointer leads to.
 extern "C" const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig\n"; }
 
-/// What a drawing shows: pictures of files, the page as SVG, and its pixels.
+/// What a drawing shows: photographs, the page as SVG, and its pixels.
 namespace {
 
 using namespace Console;
+using namespace ProgramTest;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
 namespace fs = std::filesystem;
-
-struct Pixel {
-    int red, green, blue;
-    friend bool operator==(const Pixel&, const Pixel&) = default;
-};
-void PrintTo(const Pixel& p, std::ostream* out) { *out << p.red << "," << p.green << "," << p.blue; }
-constexpr Pixel Black{0, 0, 0}, White{255, 255, 255}, Red{255, 0, 0}, Green{0, 255, 0}, Blue{0, 0, 255};
-
-/// The pixels of a PNG file.
-class Pixels {
-public:
-    explicit Pixels(const std::string& file) {
-        png_.version = PNG_IMAGE_VERSION;
-        if (!png_image_begin_read_from_memory(&png_, file.data(), file.size()))
-            throw std::runtime_error(png_.message);
-        gray = (png_.format & PNG_FORMAT_FLAG_COLOR) == 0;
-        png_.format = PNG_FORMAT_RGB;
-        bytes_.resize(PNG_IMAGE_SIZE(png_));
-        if (!png_image_finish_read(&png_, nullptr, bytes_.data(), 0, nullptr))
-            throw std::runtime_error(png_.message);
-    }
-    int Width() const { return static_cast<int>(png_.width); }
-    int Height() const { return static_cast<int>(png_.height); }
-    Pixel At(int x, int y) const {
-        const auto* p = &bytes_[static_cast<std::size_t>(y * Width() + x) * 3];
-        return {p[0], p[1], p[2]};
-    }
-    int Gray(int x, int y) const { return At(x, y).red; }
-
-    bool gray = false;
-
-private:
-    png_image png_{};
-    std::vector<png_byte> bytes_;
-};
-
-/// A PNG picture of these pixels, in rows of `width`.
-Picture PictureOf(int width, const std::vector<Pixel>& pixels) {
-    png_image png{};
-    png.version = PNG_IMAGE_VERSION;
-    png.width = static_cast<png_uint_32>(width);
-    png.height = static_cast<png_uint_32>(pixels.size()) / png.width;
-    png.format = PNG_FORMAT_RGB;
-    std::vector<png_byte> bytes;
-    for (const Pixel& p : pixels)
-        for (const int channel : {p.red, p.green, p.blue}) bytes.push_back(static_cast<png_byte>(channel));
-    png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(png);
-    std::string file(size, '\0');
-    EXPECT_TRUE(png_image_write_to_memory(&png, file.data(), &size, 0, bytes.data(), 0, nullptr));
-    file.resize(size);
-    return {"image/png", file};
-}
 
 /// The same picture as a JPEG file.
 std::string JpegOf(const Picture& png) {
@@ -91,131 +37,14 @@ std::string JpegOf(const Picture& png) {
     return file;
 }
 
-// ---- DICOM pixels -----------------------------------------------------------------------------------
+// ---- photographs ------------------------------------------------------------------------------------
 
-class DicomPicture : public ::testing::Test {
+class Photograph : public ::testing::Test {
 protected:
-    /// Writes a gray file of two pixels by one, and more attributes.
-    fs::path Write(
-        std::vector<Uint16> values, const std::function<void(DcmDataset&)>& change = [](DcmDataset&) {},
-        E_TransferSyntax encoding = EXS_LittleEndianExplicit) {
-        DcmFileFormat file;
-        DcmDataset& set = *file.getDataset();
-        set.putAndInsertString(DCM_SOPClassUID, UID_SecondaryCaptureImageStorage);
-        set.putAndInsertString(DCM_SOPInstanceUID, "1.2.3");
-        set.putAndInsertUint16(DCM_Rows, 1);
-        set.putAndInsertUint16(DCM_Columns, static_cast<Uint16>(values.size()));
-        set.putAndInsertUint16(DCM_SamplesPerPixel, 1);
-        set.putAndInsertString(DCM_PhotometricInterpretation, "MONOCHROME2");
-        set.putAndInsertUint16(DCM_BitsAllocated, 16);
-        set.putAndInsertUint16(DCM_BitsStored, 12);
-        set.putAndInsertUint16(DCM_HighBit, 11);
-        set.putAndInsertUint16(DCM_PixelRepresentation, 0);
-        set.putAndInsertUint16Array(DCM_PixelData, values.data(), values.size());
-        change(set);
-        EXPECT_TRUE(set.chooseRepresentation(encoding, nullptr).good());
-        const fs::path path = folder.Path() / "film.dcm";
-        EXPECT_TRUE(file.saveFile(path.c_str(), encoding).good());
-        return path;
-    }
-
-    static std::string FailureOf(const fs::path& path) {
-        try {
-            DicomPictureAsPng(path, 1000);
-        } catch (const std::runtime_error& failure) {
-            return failure.what();
-        }
-        return "none";
-    }
-
     TestKit::TemporaryFolder folder;
 };
 
-TEST_F(DicomPicture, GrayValuesFillTheRangeWhereThereIsNoWindow) {
-    const Pixels pixels(DicomPictureAsPng(Write({100, 200, 300}), 1000));
-    EXPECT_TRUE(pixels.gray);
-    EXPECT_EQ(pixels.Gray(0, 0), 0);
-    EXPECT_NEAR(pixels.Gray(1, 0), 128, 1);
-    EXPECT_EQ(pixels.Gray(2, 0), 255);
-}
-
-TEST_F(DicomPicture, TheFirstWindowOfTheFileIsItsWindow) {
-    const Pixels pixels(DicomPictureAsPng(Write({0, 1000, 1500, 2000, 4000},
-                                                [](DcmDataset& set) {
-                                                    set.putAndInsertString(DCM_WindowCenter, "1500\\100");
-                                                    set.putAndInsertString(DCM_WindowWidth, "1000\\10");
-                                                }),
-                                          1000));
-    EXPECT_EQ(pixels.Gray(0, 0), 0);
-    EXPECT_EQ(pixels.Gray(1, 0), 0);
-    EXPECT_NEAR(pixels.Gray(2, 0), 128, 1);
-    EXPECT_EQ(pixels.Gray(4, 0), 255);
-}
-
-TEST_F(DicomPicture, LightStandsForDenseInEitherInterpretation) {
-    const Pixels pixels(DicomPictureAsPng(
-        Write({0, 4095},
-              [](DcmDataset& set) { set.putAndInsertString(DCM_PhotometricInterpretation, "MONOCHROME1"); }),
-        1000));
-    EXPECT_EQ(pixels.Gray(0, 0), 255);
-    EXPECT_EQ(pixels.Gray(1, 0), 0);
-}
-
-TEST_F(DicomPicture, ColourStaysColour) {
-    const fs::path path = Write({0}, [](DcmDataset& set) {
-        const Uint8 rgb[] = {255, 0, 0, 0, 0, 255};
-        set.putAndInsertUint16(DCM_Columns, 2);
-        set.putAndInsertUint16(DCM_SamplesPerPixel, 3);
-        set.putAndInsertUint16(DCM_PlanarConfiguration, 0);
-        set.putAndInsertString(DCM_PhotometricInterpretation, "RGB");
-        set.putAndInsertUint16(DCM_BitsAllocated, 8);
-        set.putAndInsertUint16(DCM_BitsStored, 8);
-        set.putAndInsertUint16(DCM_HighBit, 7);
-        set.putAndInsertUint8Array(DCM_PixelData, rgb, 6);
-    });
-    const Pixels pixels(DicomPictureAsPng(path, 1000));
-    EXPECT_FALSE(pixels.gray);
-    EXPECT_EQ(pixels.At(0, 0), Red);
-    EXPECT_EQ(pixels.At(1, 0), Blue);
-}
-
-TEST_F(DicomPicture, CompressedPixelsAreRead) {
-    DJEncoderRegistration::registerCodecs();
-    DcmRLEEncoderRegistration::registerCodecs();
-    for (const E_TransferSyntax encoding : {EXS_JPEGProcess14SV1, EXS_RLELossless}) {
-        const Pixels pixels(DicomPictureAsPng(Write(
-                                                  {0, 4095, 0, 4095}, [](DcmDataset&) {}, encoding),
-                                              1000));
-        EXPECT_EQ(pixels.Gray(0, 0), 0) << encoding;
-        EXPECT_EQ(pixels.Gray(1, 0), 255) << encoding;
-    }
-}
-
-TEST_F(DicomPicture, ALargePictureIsMadeSmallerEvenly) {
-    const fs::path path = Write(std::vector<Uint16>(4000, 7), [](DcmDataset& set) {
-        set.putAndInsertUint16(DCM_Rows, 40);
-        set.putAndInsertUint16(DCM_Columns, 100);
-    });
-    const Pixels whole(DicomPictureAsPng(path, 100)), half(DicomPictureAsPng(path, 50));
-    EXPECT_EQ(whole.Width(), 100);
-    EXPECT_EQ(half.Width(), 50);
-    EXPECT_EQ(half.Height(), 20);
-}
-
-TEST_F(DicomPicture, WhatIsNoPictureSaysWhy) {
-    std::ofstream(folder.Path() / "text.dcm") << "no film";
-    EXPECT_THAT(FailureOf(folder.Path() / "text.dcm"), Not(HasSubstr("none")));
-    EXPECT_EQ(FailureOf(Write({0}, [](DcmDataset& set) { delete set.remove(DCM_PixelData); })),
-              "has no pixels");
-    EXPECT_EQ(FailureOf(Write({0},
-                              [](DcmDataset& set) {
-                                  set.putAndInsertUint16(DCM_Rows, 60000);
-                                  set.putAndInsertUint16(DCM_Columns, 60000);
-                              })),
-              "has more than 100 million pixels");
-}
-
-TEST_F(DicomPicture, APngOrJpegFileIsTakenAsItIs) {
+TEST_F(Photograph, APngOrJpegFileIsTakenAsItIs) {
     const Picture png = PictureOf(1, {Red});
     std::ofstream(folder.Path() / "a.dat", std::ios::binary) << png.bytes;
     EXPECT_EQ(ReadPicture(folder.Path() / "a.dat", 1).mediaType, "image/png");
@@ -228,7 +57,7 @@ TEST_F(DicomPicture, APngOrJpegFileIsTakenAsItIs) {
     EXPECT_THROW(ReadPicture(folder.Path(), 1), std::runtime_error);
 }
 
-TEST_F(DicomPicture, APhotographIsTurnedAsItsFileSays) {
+TEST_F(Photograph, APhotographIsTurnedAsItsFileSays) {
     const Picture wide = PictureOf(16, std::vector<Pixel>(16 * 8, Red));
     // Behind the start of the file, an EXIF segment whose one entry is the orientation 6.
     const std::string exif(
@@ -244,7 +73,7 @@ TEST_F(DicomPicture, APhotographIsTurnedAsItsFileSays) {
     EXPECT_EQ(Pixels(turned.bytes).Height(), 16);
 }
 
-TEST_F(DicomPicture, ADamagedOrCutPhotographIsRefused) {
+TEST_F(Photograph, ADamagedOrCutPhotographIsRefused) {
     std::vector<Pixel> noise(static_cast<std::size_t>(64) * 64);
     for (std::size_t i = 0; i < noise.size(); ++i) noise[i] = {static_cast<int>(i * 7919 % 251), 0, 9};
     const Picture png = PictureOf(64, noise);
@@ -367,7 +196,7 @@ TEST(Drawing, AMissingPictureIsABoxThatSaysWhy) {
     Page page = PageWith(FourColours);
     page.pictures[0].picture = nullptr;
     page.pictures[0].missing = "the file is missing";
-    EXPECT_THAT(SvgOf(page, {}), HasSubstr("16,17: the file is missing"));
+    EXPECT_THAT(SvgOf(page, {}), HasSubstr("16,17: no picture: the file is missing"));
     EXPECT_NE(Drawn(page).At(50, 20), Black);
 }
 

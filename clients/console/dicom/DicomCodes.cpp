@@ -1,6 +1,7 @@
 #include "console/dicom/DicomCodes.h"
 
 #include <algorithm>
+#include <cctype>
 #include <stdexcept>
 
 namespace Console {
@@ -10,12 +11,12 @@ namespace {
 struct ToothCodes {
     int tooth;
     std::string_view current;
-    std::string_view previous;  ///< for deciduous teeth, another code met in files
+    std::string_view previous;
     std::string_view srt;
-    std::string_view laterSrt;  ///< the incisors' SRT codes after their concepts were split
+    std::string_view otherSrt;  ///< the SRT code of the other concept, where current and previous ones differ
 
     constexpr bool Has(std::string_view value) const {
-        return value == current || value == previous || value == srt || value == laterSrt;
+        return value == current || value == previous || value == srt || value == otherSrt;
     }
 };
 
@@ -52,26 +53,26 @@ constexpr std::array<ToothCodes, 52> Teeth{{
     {46, "866005003", "28480000", "T-54500", ""},
     {47, "863899008", "40005008", "T-54510", ""},
     {48, "38994002", "", "T-54520", ""},
-    {51, "88824007", "245620002", "", ""},
-    {52, "65624003", "245619008", "", ""},
-    {53, "30618001", "", "", ""},
-    {54, "17505006", "245616001", "", ""},
-    {55, "27855007", "", "", ""},
-    {61, "51678005", "", "", ""},
-    {62, "43622005", "", "", ""},
-    {63, "73937000", "", "", ""},
-    {64, "45234009", "", "", ""},
-    {65, "51943008", "", "", ""},
-    {71, "89552004", "", "", ""},
-    {72, "14770005", "", "", ""},
-    {73, "43281008", "245639007", "", ""},
-    {74, "38896004", "", "", ""},
-    {75, "49330006", "", "", ""},
-    {81, "67834006", "", "", ""},
-    {82, "22445006", "", "", ""},
-    {83, "6062009", "", "", ""},
-    {84, "58646007", "245631005", "", ""},
-    {85, "61868007", "", "", ""},
+    {51, "88824007", "245620002", "T-54610", "T-54611"},
+    {52, "65624003", "245619008", "T-54620", "T-54621"},
+    {53, "30618001", "", "T-54630", ""},
+    {54, "17505006", "245616001", "T-54640", "T-54641"},
+    {55, "27855007", "", "T-54650", ""},
+    {61, "51678005", "", "T-54660", ""},
+    {62, "43622005", "", "T-54670", ""},
+    {63, "73937000", "", "T-54680", ""},
+    {64, "45234009", "", "T-54690", ""},
+    {65, "51943008", "", "T-54700", ""},
+    {71, "89552004", "", "T-54760", ""},
+    {72, "14770005", "", "T-54770", ""},
+    {73, "43281008", "245639007", "T-54780", "T-54781"},
+    {74, "38896004", "", "T-54790", ""},
+    {75, "49330006", "", "T-54800", ""},
+    {81, "67834006", "", "T-54710", ""},
+    {82, "22445006", "", "T-54720", ""},
+    {83, "6062009", "", "T-54730", ""},
+    {84, "58646007", "245631005", "T-54740", "T-54741"},
+    {85, "61868007", "", "T-54750", ""},
 }};
 
 /// A region or a region modifier. The key is what the library's images carry, an SRT code.
@@ -86,15 +87,16 @@ struct AreaCodes {
     }
 };
 
-constexpr std::array<AreaCodes, 5> Regions{{
+constexpr std::array<AreaCodes, 6> Regions{{
     {"T-11170", "70925003", "Maxilla"},
     {"T-11180", "91609006", "Mandible"},
     {"T-D1213", "661005", "Jaw region"},
     {"T-D1217", "T-D1217", "Maxilla and mandible"},
     {"T-11100", "89546000", "Skull"},
+    {"T-54000", "28035005", "Teeth, gums and supporting structures"},
 }};
 
-constexpr std::array<AreaCodes, 8> Modifiers{{
+constexpr std::array<AreaCodes, 9> Modifiers{{
     {"T-51005", "699453001", "Central incisor region", "R-FB322"},
     {"T-51006", "699511000", "Lateral incisor region", "R-FB35C"},
     {"T-51007", "699510004", "Canine region", "R-FB35B"},
@@ -103,6 +105,7 @@ constexpr std::array<AreaCodes, 8> Modifiers{{
     {"T-5100A", "699507006", "First molar region", "R-FB358"},
     {"T-5100B", "699505003", "Second molar region", "R-FB356"},
     {"T-5100C", "699503005", "Third molar region", "R-FB354"},
+    {"T-5100D", "260499007", "Occlusal projection", "R-40810"},
 }};
 
 constexpr std::array<int, 52> NumbersOfTable() {
@@ -123,6 +126,18 @@ const AreaCodes& Area(const auto& table, std::string_view key, const char* kind)
     const auto hit = std::ranges::find(table, key, &AreaCodes::key);
     if (hit == table.end()) throw std::invalid_argument(std::string(key) + " is no " + kind);
     return *hit;
+}
+
+/// The meaning of a code of the table; of another code the code itself.
+std::string Meaning(const auto& table, std::string_view code) {
+    const AreaCodes* entry = Find(table, code);
+    return std::string(entry ? entry->meaning : code);
+}
+
+std::string SideInWords(std::string_view side) {
+    if (side == "L") return "Left";
+    if (side == "R") return "Right";
+    return side == "B" ? "Both sides" : std::string(side);
 }
 
 const ToothCodes& Tooth(int tooth) {
@@ -176,7 +191,6 @@ DicomCode CodeOfTooth(int tooth, CodeGeneration generation) {
     std::string_view value = codes.current;
     if (generation == CodeGeneration::Previous && !codes.previous.empty()) value = codes.previous;
     if (generation == CodeGeneration::Srt) value = codes.srt;
-    if (value.empty()) throw std::invalid_argument("no SRT code is known of tooth " + std::to_string(tooth));
     return Coded(value, MeaningOfTooth(tooth));
 }
 
@@ -189,6 +203,20 @@ DicomCode CodeOfRegion(std::string_view region, CodeGeneration generation) {
 DicomCode CodeOfRegionModifier(std::string_view modifier) {
     const AreaCodes& area = Area(Modifiers, modifier, "region modifier");
     return Coded(area.current, std::string(area.meaning));
+}
+
+std::string AnatomyInWords(std::string_view region, std::string_view modifier, std::string_view side) {
+    std::string words = Meaning(Regions, region);
+    const auto add = [&](std::string text) {
+        if (text.empty()) return;
+        const bool inWords = text.size() > 1 && text[1] >= 'a' && text[1] <= 'z';
+        if (!words.empty() && inWords)
+            text[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(text[0])));
+        words += (words.empty() ? "" : ", ") + text;
+    };
+    add(Meaning(Modifiers, modifier));
+    add(SideInWords(side));
+    return words;
 }
 
 bool IsUpperTooth(int tooth) {

@@ -187,7 +187,8 @@ private:
         const bool left = !std::ranges::all_of(teeth, IsRightTooth);
         const std::string& region = file.region;
         const bool bothJaws = region == "T-D1213" || region == "T-D1217";
-        if ((bothJaws && !(upper && lower)) || (region == "T-11170" && lower) ||
+        const bool noJaw = region == "T-54000";  // would keep hanging from deriving the jaw
+        if (noJaw || (bothJaws && !(upper && lower)) || (region == "T-11170" && lower) ||
             (region == "T-11180" && upper))
             file.region.clear();
         const std::string& side = file.laterality;

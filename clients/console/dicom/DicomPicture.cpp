@@ -1,17 +1,21 @@
 #include "console/dicom/DicomPicture.h"
 
+#include "console/dicom/DecoderComplaints.h"
 #include "console/dicom/DicomFile.h"
+#include "console/dicom/FirstFrame.h"
+#include "console/dicom/GrayTable.h"
+#include "console/dicom/StandardView.h"
 
 #include <dcmtk/config/osconfig.h>
-#include <dcmtk/dcmdata/dcrledrg.h>
 #include <dcmtk/dcmdata/dctk.h>
 #include <dcmtk/dcmimage/diregist.h>
 #include <dcmtk/dcmimgle/dcmimage.h>
-#include <dcmtk/dcmjpeg/djdecode.h>
-#include <dcmtk/dcmjpls/djdecode.h>
 #include <png.h>
 
 #include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
 #include <memory>
 #include <stdexcept>
 
@@ -20,53 +24,145 @@ namespace {
 
 [[noreturn]] void Refuse(const std::string& why) { throw std::runtime_error(why); }
 
-void KnowCompressedPixels() {
-    static const bool once = [] {
-        DJDecoderRegistration::registerCodecs();
-        DJLSDecoderRegistration::registerCodecs();
-        DcmRLEDecoderRegistration::registerCodecs();
-        return true;
-    }();
-    static_cast<void>(once);
+std::string Text(DcmItem& set, const DcmTagKey& tag) {
+    OFString text;
+    set.findAndGetOFStringArray(tag, text);
+    return {text.data(), text.size()};
 }
 
-void CheckSize(DcmDataset& dataset) {
+void CheckSize(DcmDataset& set) {
     constexpr double mostPixels = 100e6;
     Uint16 rows = 0, columns = 0;
-    if (dataset.findAndGetUint16(DCM_Rows, rows).bad() ||
-        dataset.findAndGetUint16(DCM_Columns, columns).bad() || !dataset.tagExists(DCM_PixelData))
-        Refuse("has no pixels");
+    set.findAndGetUint16(DCM_Rows, rows);
+    set.findAndGetUint16(DCM_Columns, columns);
+    if (rows == 0 || columns == 0 || !set.tagExists(DCM_PixelData)) Refuse("has no pixels");
     if (static_cast<double>(rows) * columns > mostPixels) Refuse("has more than 100 million pixels");
 }
 
-/// The picture, made smaller where a side is too long.
-std::unique_ptr<DicomImage> Sized(std::unique_ptr<DicomImage> picture, unsigned longestSide) {
-    constexpr int byArea = 1, keepAspect = 1;
-    const auto longest = std::max(picture->getWidth(), picture->getHeight());
-    if (longest <= longestSide) return picture;
-    const bool wide = picture->getWidth() == longest;
-    const auto side = static_cast<unsigned long>(longestSide);
-    std::unique_ptr<DicomImage> scaled(
-        picture->createScaledImage(wide ? side : 0UL, wide ? 0UL : side, byArea, keepAspect));
+void Load(DcmFileFormat& file, const std::filesystem::path& path) {
+    SilenceToolkit();
+    const OFCondition loaded = file.loadFile(path.c_str());
+    if (loaded.bad()) Refuse(loaded.text());
+    // The toolkit reads a file of an unknown transfer syntax as if it were uncompressed.
+    const std::string stated = Text(*file.getMetaInfo(), DCM_TransferSyntaxUID);
+    const std::string undecodable = stated.empty() ? "" : WhyNotDecodable(stated);
+    if (!undecodable.empty()) Refuse(undecodable);
+    CheckSize(*file.getDataset());
+}
+
+bool IsGray(DcmItem& set) { return Text(set, DCM_PhotometricInterpretation).starts_with("MONOCHROME"); }
+
+bool IsIntraOral(DcmItem& set) {
+    return Text(set, DCM_Modality) == "IO" ||
+           Text(set, DCM_SOPClassUID).starts_with(UID_DigitalIntraOralXRayImageStorageForPresentation);
+}
+
+/// Height by width of a pixel; 1 where the file says nothing, or what can't be.
+double PixelProportion(DcmItem& set) {
+    constexpr double most = 20;
+    for (const DcmTagKey& tag :
+         {DCM_PixelSpacing, DCM_ImagerPixelSpacing, DCM_NominalScannedPixelSpacing, DCM_PixelAspectRatio}) {
+        const std::string text = Text(set, tag);
+        double height = 0, width = 0;
+        if (std::sscanf(text.c_str(), "%lf\\%lf", &height, &width) != 2) continue;
+        const double proportion = height / width;
+        if (proportion >= 1 / most && proportion <= most) return proportion;
+    }
+    return 1;
+}
+
+// ---- gray pictures ----------------------------------------------------------------------------------
+
+/// The samples of a frame by the table; `Sample` is as wide as the frame's samples.
+template <class Sample>
+std::vector<Uint8> Grays(DcmItem& set, const std::vector<unsigned char>& frame) {
+    std::vector<bool> occurs(std::size_t{1} << (8 * sizeof(Sample)));
+    std::vector<Sample> samples(frame.size() / sizeof(Sample));
+    std::memcpy(samples.data(), frame.data(), samples.size() * sizeof(Sample));
+    for (const Sample sample : samples) occurs[sample] = true;
+    const std::vector<unsigned char> table = GrayTable(set, occurs);
+    std::vector<Uint8> grays(samples.size());
+    std::ranges::transform(samples, grays.begin(), [&](Sample sample) { return table[sample]; });
+    return grays;
+}
+
+/// Replaces a gray picture by its first frame as it is shown, in 8 bits.
+void ShowGrays(DcmDataset& set) {
+    const std::vector<unsigned char> frame = FirstFrame(set);
+    Uint16 bits = 0, rows = 0, columns = 0;
+    set.findAndGetUint16(DCM_BitsAllocated, bits);
+    set.findAndGetUint16(DCM_Rows, rows);
+    set.findAndGetUint16(DCM_Columns, columns);
+    const std::vector<Uint8> grays = bits == 8 ? Grays<Uint8>(set, frame) : Grays<Uint16>(set, frame);
+    set.clear();
+    set.putAndInsertString(DCM_PhotometricInterpretation, "MONOCHROME2");
+    set.putAndInsertUint16(DCM_SamplesPerPixel, 1);
+    set.putAndInsertUint16(DCM_Rows, rows);
+    set.putAndInsertUint16(DCM_Columns, columns);
+    set.putAndInsertUint16(DCM_BitsAllocated, 8);
+    set.putAndInsertUint16(DCM_BitsStored, 8);
+    set.putAndInsertUint16(DCM_HighBit, 7);
+    set.putAndInsertUint16(DCM_PixelRepresentation, 0);
+    set.putAndInsertUint8Array(DCM_PixelData, grays.data(), grays.size());
+}
+
+// ---- pixels to show ---------------------------------------------------------------------------------
+
+using Image = std::unique_ptr<DicomImage>;
+
+Image Checked(Image image) {
+    if (image->getStatus() != EIS_Normal) Refuse(DicomImage::getString(image->getStatus()));
+    return image;
+}
+
+/// The first frame with gray or colour values to show. The image uses the data set as long as it lives.
+Image FirstFrameShown(DcmDataset& set) {
+    constexpr unsigned long firstFrame = 0, oneFrame = 1;
+    const DecoderComplaints complaints;
+    Image image;
+    if (IsGray(set)) {
+        ShowGrays(set);
+        image = std::make_unique<DicomImage>(&set, EXS_LittleEndianExplicit);
+    } else if (IsJpeg2000(set)) {
+        ReplaceByFirstFrame(set);
+        image = std::make_unique<DicomImage>(&set, EXS_LittleEndianExplicit);
+    } else {
+        CheckFirstFrameComplete(set);
+        image = std::make_unique<DicomImage>(&set, set.getOriginalXfer(), CIF_UsePartialAccessToPixelData,
+                                             firstFrame, oneFrame);
+    }
+    complaints.Check();
+    return Checked(std::move(image));
+}
+
+/// The picture with no side longer than that; `proportion` is width by height of the whole.
+Image Sized(Image image, double proportion, unsigned longestSide) {
+    constexpr int byArea = 1, asAsked = 0;
+    const auto side = [&](double part) {
+        return static_cast<unsigned long>(std::max(1L, std::lround(longestSide * std::min(part, 1.0))));
+    };
+    const unsigned long width = std::min(image->getWidth(), side(proportion));
+    const unsigned long height = std::min(image->getHeight(), side(1 / proportion));
+    if (width == image->getWidth() && height == image->getHeight()) return image;
+    Image scaled(image->createScaledImage(width, height, byArea, asAsked));
     if (!scaled) Refuse("its pixels can't be scaled");
-    return scaled;
+    return Checked(std::move(scaled));
 }
 
-void SetWindow(DicomImage& picture) {
-    if (!picture.isMonochrome()) return;
-    const bool set = picture.getWindowCount() > 0 ? picture.setWindow(0) : picture.setMinMaxWindow();
-    if (!set) picture.setMinMaxWindow();
+void Turn(DicomImage& image, const Orientation& form) {
+    if (form.Mirrored() && !image.flipImage(1, 0)) Refuse("its pixels can't be mirrored");
+    if (form.Degrees() != 0 && !image.rotateImage(form.Degrees())) Refuse("its pixels can't be turned");
 }
 
-std::string PngOf(DicomImage& picture) {
+std::string PngOf(DicomImage& image) {
     constexpr int bitsAChannel = 8;
-    const void* const pixels = picture.getOutputData(bitsAChannel);
+    const void* const pixels = image.getOutputData(bitsAChannel);
     if (!pixels) Refuse("its pixels can't be read");
     png_image png{};
     png.version = PNG_IMAGE_VERSION;
-    png.width = static_cast<png_uint_32>(picture.getWidth());
-    png.height = static_cast<png_uint_32>(picture.getHeight());
-    png.format = picture.isMonochrome() ? PNG_FORMAT_GRAY : PNG_FORMAT_RGB;
+    png.width = static_cast<png_uint_32>(image.getWidth());
+    png.height = static_cast<png_uint_32>(image.getHeight());
+    png.format = image.isMonochrome() ? PNG_FORMAT_GRAY : PNG_FORMAT_RGB;
     png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(png);
     std::string bytes(size, '\0');
     if (!png_image_write_to_memory(&png, bytes.data(), &size, 0, pixels, 0, nullptr)) Refuse(png.message);
@@ -74,23 +170,48 @@ std::string PngOf(DicomImage& picture) {
     return bytes;
 }
 
+/// Decodes the first frame and forgets it.
+void RequirePicture(const std::filesystem::path& path) {
+    DcmFileFormat file;
+    Load(file, path);
+    FirstFrameShown(*file.getDataset());
+}
+
 }  // namespace
 
-std::string DicomPictureAsPng(const std::filesystem::path& path, unsigned longestSide) {
-    SilenceToolkit();
-    KnowCompressedPixels();
+DicomPicture RenderDicom(const std::filesystem::path& path, unsigned longestSide) {
     DcmFileFormat file;
-    const OFCondition loaded = file.loadFile(path.c_str());
-    if (loaded.bad()) Refuse(loaded.text());
-    DcmDataset& dataset = *file.getDataset();
-    CheckSize(dataset);
-    constexpr unsigned long firstFrame = 0, oneFrame = 1;
-    auto picture = std::make_unique<DicomImage>(&file, dataset.getOriginalXfer(),
-                                                CIF_UsePartialAccessToPixelData, firstFrame, oneFrame);
-    if (picture->getStatus() != EIS_Normal) Refuse(DicomImage::getString(picture->getStatus()));
-    picture = Sized(std::move(picture), std::max(longestSide, 1U));
-    SetWindow(*picture);
-    return PngOf(*picture);
+    Load(file, path);
+    DcmDataset& set = *file.getDataset();
+    DicomPicture picture{.png = {}, .proportion = PixelProportion(set), .frames = NumberOfFrames(set)};
+    const Orientation form =
+        IsGray(set) && !IsIntraOral(set) ? StandardView(Text(set, DCM_PatientOrientation)) : Orientation(1);
+    Image image = FirstFrameShown(set);
+    picture.proportion =
+        static_cast<double>(image->getWidth()) / static_cast<double>(image->getHeight()) / picture.proportion;
+    image = Sized(std::move(image), picture.proportion, std::max(longestSide, 1U));
+    Turn(*image, form);
+    if (form.Degrees() % 180 != 0) picture.proportion = 1 / picture.proportion;
+    picture.png = PngOf(*image);
+    return picture;
+}
+
+std::string WhyNoPicture(const std::filesystem::path& path) {
+    try {
+        RequirePicture(path);
+        return {};
+    } catch (const std::exception& failure) {
+        return failure.what();
+    }
+}
+
+std::string WhyNotDecodableByHead(const std::filesystem::path& path) {
+    SilenceToolkit();
+    DcmMetaInfo head;
+    OFString syntax;
+    if (head.loadFile(path.c_str()).bad() || head.findAndGetOFString(DCM_TransferSyntaxUID, syntax).bad())
+        return {};
+    return WhyNotDecodable(syntax.c_str());
 }
 
 }  // namespace Console

@@ -1,6 +1,7 @@
 #include "console/page/Page.h"
 
 #include "console/Commands.h"
+#include "console/dicom/DicomCodes.h"
 #include "frame/StoredName.h"
 
 #include <algorithm>
@@ -29,12 +30,22 @@ unsigned PixelsOf(const Box& box, const Page& page, unsigned pixelWidth) {
     return static_cast<unsigned>(std::clamp(std::ceil(side), least, most));
 }
 
+std::filesystem::path FileOf(const cImage& image) {
+    std::filesystem::path path = FileBelow(image.Root_RootDirectory, image.URL);
+    if (path.empty()) throw std::runtime_error("its stored name means no file");
+    return path;
+}
+
+void Note(PlacedPicture& placed, const std::string& note) {
+    placed.note += (placed.note.empty() ? "" : ", ") + note;
+}
+
 void Fill(PlacedPicture& placed, const cImage& image, unsigned longestSide) {
     placed.caption = CaptionOf(image);
-    const std::filesystem::path path = FileBelow(image.Root_RootDirectory, image.URL);
     try {
-        if (path.empty()) throw std::runtime_error("its stored name means no file");
-        placed.picture = std::make_shared<Picture>(ReadPicture(path, longestSide));
+        placed.picture = std::make_shared<Picture>(ReadPicture(FileOf(image), longestSide));
+        const int frames = placed.picture->frames;
+        if (frames > 1) Note(placed, fmt::format("frame 1 of {}", frames));
     } catch (const std::exception& failure) {
         placed.missing = failure.what();
     }
@@ -51,8 +62,10 @@ PlacedPicture Placed(const cUniCard& entry, const cImagecardAttribute& attribute
         placed.missing = "the image is not in the database";
         return placed;
     }
-    if (entry.Series) placed.number = image->FrameNumber;
     Fill(placed, *image, PixelsOf(placed.box, page, pixelWidth));
+    if (!entry.Series) return placed;
+    placed.number = image->FrameNumber;
+    if (IsPlacedByTimeOnly(*image)) Note(placed, PlacedByTimeOnly);
     return placed;
 }
 
@@ -100,9 +113,35 @@ Ref<cUniCard> OpenSeries(const Clinic& clinic, Long number) {
 
 }  // namespace
 
+std::string TeethOf(const cImage& image) { return TeethByQuadrant(image.sTeeth); }
+
 std::string CaptionOf(const cImage& image) {
-    if (!image.sTeeth.empty()) return TeethByQuadrant(image.sTeeth);
-    return image.AnaRegion.empty() ? "image " + std::to_string(image.ID) : image.AnaRegion;
+    if (!image.sTeeth.empty()) return TeethOf(image);
+    if (image.AnaRegion.empty() && image.AnaRegionMod.empty()) return fmt::format("image {}", image.ID);
+    return AnatomyInWords(image.AnaRegion, image.AnaRegionMod, image.Laterality);
+}
+
+bool IsPlacedByTimeOnly(const cImage& image) {
+    const bool head = image.ImageType == imggTypeDXPanoramic || image.ImageType == imggTypeDXCephalometric ||
+                      image.ImageType == imggTypeDXSkull;
+    const bool known = !image.sTeeth.empty() || !image.AnaRegion.empty() || !image.AnaRegionMod.empty();
+    return image.FrameNumber > 0 && !known && !head;
+}
+
+std::string WhyNoPicture(const cImage& image) {
+    try {
+        return WhyNotReadable(FileOf(image));
+    } catch (const std::exception& failure) {
+        return failure.what();
+    }
+}
+
+std::string WhyNoPictureByHead(const cImage& image) {
+    try {
+        return WhyNotReadableByHead(FileOf(image));
+    } catch (const std::exception& failure) {
+        return failure.what();
+    }
 }
 
 Ref<cImage> ImageOf(const cUniCard& entry, const cImagecardAttribute& placed) {
@@ -118,8 +157,9 @@ std::string NameOf(const cUniCard& entry) {
 Ref<cUniCard> OpenEntry(const Clinic& clinic, const std::string& key) {
     const std::string kind = UCase(key.substr(0, 2));
     if (kind != "IC" && kind != "SE")
-        throw Complaint(fmt::format(
-            "\"{}\" names no card and no series; write IC5 for image card 5, SE7 for series 7", key));
+        throw Complaint(
+            fmt::format("\"{}\" names no card and no series; write IC5 for image card 5, SE7 for series 7",
+                        Printable(key)));
     const Long number = NumberOf(key.substr(2), kind == "IC" ? "an image card" : "a series");
     return kind == "IC" ? OpenCard(clinic, number) : OpenSeries(clinic, number);
 }

@@ -20,6 +20,7 @@ struct PlacedPicture {
     Platform::Long number = 0;  ///< what is written at it on demand: frame of a series, place on a card
     Orientation orientation{1};
     std::string caption{};  ///< the teeth, or what else is known
+    std::string note{};     ///< what a viewer must know beside: "frame 1 of 3, placed by time only"
     std::shared_ptr<const Picture> picture{};
     std::string missing{};  ///< why there is no picture; empty where there is one
 };
@@ -47,15 +48,29 @@ std::string NameOf(const OXClass::cUniCard& entry);
 OXClass::Ref<OXClass::cImage> ImageOf(const OXClass::cUniCard& entry,
                                       const OXClass::cImagecardAttribute& placed);
 
-/// The teeth of an image by quadrant, "16,17 46,47"; else its region, or its number.
+/// The teeth of an image by quadrant, "16,17 46,47"; else its anatomy in words, or its number.
 std::string CaptionOf(const OXClass::cImage& image);
+
+/// The teeth of an image by quadrant, "16,17 46,47"; empty where none are known.
+std::string TeethOf(const OXClass::cImage& image);
+
+/// True for a film that has a frame though neither teeth nor region of it are known: hanging then placed it
+/// by its time alone, and its place says nothing of what it shows. Views of the whole head are none.
+bool IsPlacedByTimeOnly(const OXClass::cImage& image);
+constexpr const char* PlacedByTimeOnly = "placed by time only";
+
+/// Why there is no picture of an image; empty where there is one. By the head alone it takes little time, and
+/// damaged files pass.
+std::string WhyNoPicture(const OXClass::cImage& image);
+std::string WhyNoPictureByHead(const OXClass::cImage& image);
 
 /// An entry by its key, "IC5" or "SE7", with its images loaded. Throws `Complaint` for any other key and for
 /// one that isn't in the database.
 OXClass::Ref<OXClass::cUniCard> OpenEntry(const Clinic& clinic, const std::string& key);
 
 /// The page of an opened entry, for a drawing that is `pixelWidth` wide: pictures are no finer than that
-/// needs. A picture that can't be read is missing, with its reason.
+/// needs. A picture that can't be read is missing, with its reason. Films of a series that are placed by
+/// time only have a note.
 Page PageOf(const OXClass::cUniCard& entry, unsigned pixelWidth);
 
 }  // namespace Console

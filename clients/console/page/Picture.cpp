@@ -75,22 +75,54 @@ void RequireEnd(const std::string& jpeg) {
     if (end == std::string::npos || end < jpeg.size() / 2) throw std::runtime_error("is cut short");
 }
 
+/// What a file is by its first bytes.
+enum class Kind { Dicom, Jpeg, Png };
+
+Kind KindOf(std::istream& in) {
+    std::string head(PngHead.size(), '\0');
+    in.read(head.data(), static_cast<std::streamsize>(head.size()));
+    head.resize(static_cast<std::size_t>(in.gcount()));
+    if (head == PngHead) return Kind::Png;
+    return head.starts_with(JpegHead) ? Kind::Jpeg : Kind::Dicom;
+}
+
+Picture ReadDicom(const fs::path& path, unsigned longestSide) {
+    DicomPicture rendered = RenderDicom(path, longestSide);
+    return {"image/png", std::move(rendered.png), rendered.proportion, rendered.frames};
+}
+
 }  // namespace
 
 Picture ReadPicture(const fs::path& path, unsigned longestSide) {
     std::ifstream in = Opened(path);
-    std::string head(PngHead.size(), '\0');
-    in.read(head.data(), static_cast<std::streamsize>(head.size()));
-    head.resize(static_cast<std::size_t>(in.gcount()));
-    const bool png = head == PngHead;
-    if (!png && !head.starts_with(JpegHead)) return {"image/png", DicomPictureAsPng(path, longestSide)};
+    const Kind kind = KindOf(in);
+    if (kind == Kind::Dicom) return ReadDicom(path, longestSide);
     in.clear();
     in.seekg(0);
     std::string bytes{std::istreambuf_iterator<char>(in), {}};
     const Pixels pixels = Decoded(path);
-    if (!png) RequireEnd(bytes);
+    if (kind == Kind::Jpeg) RequireEnd(bytes);
     if (SaysToTurn(*pixels)) return Turned(*pixels);
-    return {png ? "image/png" : "image/jpeg", std::move(bytes)};
+    return {kind == Kind::Png ? "image/png" : "image/jpeg", std::move(bytes)};
+}
+
+std::string WhyNotReadable(const fs::path& path) {
+    constexpr unsigned smallest = 1;
+    try {
+        ReadPicture(path, smallest);
+        return {};
+    } catch (const std::exception& failure) {
+        return failure.what();
+    }
+}
+
+std::string WhyNotReadableByHead(const fs::path& path) {
+    try {
+        std::ifstream in = Opened(path);
+        return KindOf(in) == Kind::Dicom ? WhyNotDecodableByHead(path) : std::string();
+    } catch (const std::exception& failure) {
+        return failure.what();
+    }
 }
 
 }  // namespace Console

@@ -9,13 +9,21 @@ namespace Console {
 struct Picture {
     std::string mediaType;  ///< "image/png" or "image/jpeg"
     std::string bytes;
+    double proportion = 0;  ///< width by height as it is shown; 0: that of its pixels
+    int frames = 1;         ///< that its file has; the picture is the first
 };
 
-/// The picture in a file: a JPEG or PNG file as it is, a DICOM file's pixels with their window, no side
+/// The picture in a file: a JPEG or PNG file as it is, a DICOM file as `RenderDicom` renders it, no side
 /// longer than `longestSide`. A photograph whose file says to turn it comes turned, as a PNG.
 ///
 /// Throws `std::runtime_error` whose text tells in one clause, without the path, why there is none: no such
 /// file, more than 256 MB or 100 million pixels, a damaged, cut or another kind of file.
 Picture ReadPicture(const std::filesystem::path& path, unsigned longestSide);
+
+/// Why `ReadPicture` throws for a file; empty where it returns a picture.
+std::string WhyNotReadable(const std::filesystem::path& path);
+
+/// The same by what takes little time: the file's presence, its size and its head. A damaged file passes.
+std::string WhyNotReadableByHead(const std::filesystem::path& path);
 
 }  // namespace Console

@@ -25,7 +25,10 @@ public:
     std::string Text() {
         Begin();
         if (options_.empty)
-            for (const EmptySlot& slot : page_.empty) Outline(slot.box, slot.caption, slot.number);
+            for (const EmptySlot& slot : page_.empty) {
+                Outline(Scaled(slot.box), {slot.caption});
+                Number(Scaled(slot.box), slot.number);
+            }
         for (const PlacedPicture& placed : page_.pictures) Put(placed);
         return std::move(svg_) + "</svg>\n";
     }
@@ -70,21 +73,42 @@ private:
     }
 
     void Put(const PlacedPicture& placed) {
-        if (!placed.picture)
-            return Outline(placed.box, placed.caption + ": " + placed.missing, placed.number);
         const Rectangle r = Scaled(placed.box);
+        if (placed.picture)
+            Show(*placed.picture, placed, r);
+        else
+            Outline(r, {placed.caption, "no picture", placed.missing});
+        Note(r, placed.note);
+        if (options_.numbers || !placed.picture) Number(r, placed.number);
+    }
+
+    void Show(const Picture& picture, const PlacedPicture& placed, const Rectangle& r) {
         const Orientation& form = placed.orientation;
         const bool exchanged = form.Degrees() % 180 != 0;
         const double width = exchanged ? r.height : r.width, height = exchanged ? r.width : r.height;
-        Add("<g><title>{}</title><image transform=\"translate({:.6g} {:.6g})", XmlText(placed.caption),
+        Add("<g><title>{}</title><image transform=\"translate({:.6g} {:.6g})", XmlText(TitleOf(placed)),
             r.x + r.width / 2, r.y + r.height / 2);
         if (form.Degrees() != 0) Add(" rotate({})", form.Degrees());
         if (form.Mirrored()) svg_ += " scale(-1 1)";
-        Add("\" x=\"{:.6g}\" y=\"{:.6g}\" width=\"{:.6g}\" height=\"{:.6g}\" href=\"", -width / 2,
-            -height / 2, width, height);
-        svg_ += DataAddress(*placed.picture);
+        Add("\" {} href=\"", PlaceOf(picture, width, height));
+        svg_ += DataAddress(picture);
         svg_ += "\"/></g>\n";
-        if (options_.numbers) Number(r, placed.number);
+    }
+
+    static std::string TitleOf(const PlacedPicture& placed) {
+        return placed.caption + (placed.note.empty() ? "" : ", ") + placed.note;
+    }
+
+    /// Where a picture lies around the middle of its box. One of known proportion fills what is computed
+    /// here, whatever its pixels; any other is fitted into the box by whoever draws.
+    static std::string PlaceOf(const Picture& picture, double width, double height) {
+        const bool known = picture.proportion > 0;
+        if (known && width > height * picture.proportion)
+            width = height * picture.proportion;
+        else if (known)
+            height = width / picture.proportion;
+        return fmt::format("x=\"{:.6g}\" y=\"{:.6g}\" width=\"{:.6g}\" height=\"{:.6g}\"{}", -width / 2,
+                           -height / 2, width, height, known ? " preserveAspectRatio=\"none\"" : "");
     }
 
     void Number(const Rectangle& r, Platform::Long number) {
@@ -94,20 +118,40 @@ private:
             r.x + size * 0.3, r.y + size * 1.1, Font, size, size * 0.15, number);
     }
 
+    /// Writes at the lower edge of a box.
+    void Note(const Rectangle& r, const std::string& note) {
+        if (note.empty()) return;
+        const double size = Fitting(r, note, 0.06);
+        Add("<text x=\"{:.6g}\" y=\"{:.6g}\" font-family=\"{}\" font-size=\"{:.6g}\" fill=\"#ffd54a\" "
+            "stroke=\"#000\" stroke-width=\"{:.6g}\" paint-order=\"stroke\" "
+            "text-anchor=\"middle\">{}</text>\n",
+            r.x + r.width / 2, r.y + r.height - size * 0.4, Font, size, size * 0.15, XmlText(note));
+    }
+
     static double TextSize(const Rectangle& r) { return std::max(r.height, r.width) * 0.09; }
 
-    void Outline(const Box& box, const std::string& caption, Platform::Long number) {
+    /// The size at which a text fits the width of a box, at most this part of its longer side.
+    static double Fitting(const Rectangle& r, const std::string& text, double part) {
         constexpr double widthOfACharacter = 0.62;
-        const Rectangle r = Scaled(box);
+        const double fitting = r.width * 0.94 / (widthOfACharacter * std::max(Platform::Len(text), 1));
+        return std::min(fitting, std::max(r.height, r.width) * part);
+    }
+
+    /// An empty box with lines of text in its middle.
+    void Outline(const Rectangle& r, const std::vector<std::string>& lines) {
         Add("<g><title>{}</title><rect x=\"{:.6g}\" y=\"{:.6g}\" width=\"{:.6g}\" height=\"{:.6g}\" "
             "fill=\"#1a1a1a\" "
             "stroke=\"#888\" stroke-dasharray=\"4 3\"/>",
-            XmlText(caption), r.x, r.y, r.width, r.height);
-        const double fitting = r.width * 0.94 / (widthOfACharacter * std::max(Platform::Len(caption), 1));
-        Add("<text x=\"{:.6g}\" y=\"{:.6g}\" font-family=\"{}\" font-size=\"{:.6g}\" fill=\"#bbb\" "
-            "text-anchor=\"middle\">{}</text></g>\n",
-            r.x + r.width / 2, r.y + r.height / 2, Font, std::min(fitting, TextSize(r)), XmlText(caption));
-        Number(r, number);
+            XmlText(fmt::format("{}", fmt::join(lines, ": "))), r.x, r.y, r.width, r.height);
+        const double step = TextSize(r) * 1.2;
+        double y = r.y + r.height / 2 - step * (static_cast<double>(lines.size()) - 1) / 2;
+        for (const std::string& line : lines) {
+            Add("<text x=\"{:.6g}\" y=\"{:.6g}\" font-family=\"{}\" font-size=\"{:.6g}\" fill=\"#bbb\" "
+                "text-anchor=\"middle\">{}</text>",
+                r.x + r.width / 2, y, Font, Fitting(r, line, 0.09), XmlText(line));
+            y += step;
+        }
+        svg_ += "</g>\n";
     }
 
     const Page& page_;

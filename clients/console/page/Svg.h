@@ -12,8 +12,9 @@ struct DrawingOptions {
 };
 
 /// The page as an SVG drawing that needs no other file: the canvas in black, each picture whole in its
-/// box, turned and mirrored. A missing picture is an outlined box that says why. What lies beyond the
-/// canvas makes the drawing larger, so that nothing is hidden.
+/// box, turned and mirrored, with its note at the lower edge. The shape of a picture is that of its
+/// proportion, however many pixels it has. A missing picture is an outlined box that says "no picture" and
+/// why. What lies beyond the canvas makes the drawing larger, so that nothing is hidden.
 std::string SvgOf(const Page& page, const DrawingOptions& options);
 
 /// A text as XML and HTML take it, in content and in quoted attributes; what is no character there, or
