@@ -7,12 +7,14 @@ namespace Console {
 /// What hanging a stored series came to.
 struct HungSeries {
     Platform::Long layout = 0;
-    std::size_t placed = 0;   ///< images with a frame
-    std::size_t changed = 0;  ///< images that hanging changed, which were saved
+    std::size_t placed = 0;                      ///< images with a frame
+    std::size_t changed = 0;                     ///< images that hanging changed, which were stored
+    std::vector<Platform::Long> withoutTeeth{};  ///< images whose text of teeth is none and was not looked at
 };
 
-/// Hangs a stored series and saves the images that it changed, and the series. The caller holds the
-/// transaction. Throws `Complaint` for an unknown series.
+/// Hangs a stored series, and stores the places and derived codes of the images that it changed and the
+/// layout of the series, and nothing else of them. The caller holds the transaction, from before this reads.
+/// Throws `Complaint` for an unknown series and for an image that can't be read whole.
 HungSeries HangStored(const Ref<Connection>& con, Platform::Long series);
 
 }  // namespace Console
