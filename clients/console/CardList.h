@@ -17,8 +17,8 @@ struct CardList {
     Platform::Long orphansKept = 0;               ///< those that it could not delete
 };
 
-/// Lists what can be read of the cards and series of a patient. A series without any image that nobody
-/// captures any more is deleted, where the database can be written; one whose images name no file is damaged.
+/// Lists what can be read of the cards and series of a patient. A series without image files that nobody
+/// captures any more is deleted, where the database can be written, unless one of its images can't be read.
 /// Throws `Complaint` for an unknown patient.
 CardList ListReadableCards(const Clinic& clinic, const std::string& patient);
 

@@ -5,6 +5,7 @@
 #include "console/Program.h"
 #include "console/page/Page.h"
 #include "frame/Statement.h"
+#include "platform/adodb/Transaction.h"
 
 #include <fmt/format.h>
 
@@ -62,7 +63,7 @@ void ShowCards(Program& program, const std::string& patient) {
 
 void SaveSeriesAsCard(const Options& options, Long number, const std::string& name) {
     const Clinic clinic(options);
-    clinic.Con()->BeginTrans();
+    ADODB::Transaction transaction(clinic.Con());
     const Ref<cSerie> series = LoadSeries(clinic.Con(), number);
     const Ref<cImages> images = New<cImages>();
     const Long count = images->LoadReadable(clinic.Con(), iootSeries, number);
@@ -73,7 +74,7 @@ void SaveSeriesAsCard(const Options& options, Long number, const std::string& na
     series->SaveAsIC(clinic.Con(), images);
     const Long card = clinic.Number(
         sql("SELECT max(ImageCardID) FROM ImageCard_T WHERE PatientID = ", images->Item(1)->PatID));
-    clinic.Con()->CommitTrans();
+    transaction.Commit();
     if (options.json) return PrintJson({{"card", fmt::format("IC{}", card)}, {"images", images->Count()}});
     fmt::print("Series {} is stored as card IC{}, with {} images.\n", number, card, images->Count());
 }

@@ -4,6 +4,7 @@
 #include "console/Completeness.h"
 #include "console/page/Page.h"
 #include "frame/Statement.h"
+#include "platform/adodb/Transaction.h"
 #include "platform/runtime/Services.h"
 
 #include <charconv>
@@ -55,8 +56,7 @@ std::pair<Long, Long> CanvasOf(const std::string& text) {
 /// A stored card that is changed as a whole: nothing is stored unless all of it is.
 class Composing {
 public:
-    Composing(const Clinic& clinic, const std::string& key) : clinic_(clinic) {
-        clinic_.Con()->BeginTrans();
+    Composing(const Clinic& clinic, const std::string& key) : clinic_(clinic), transaction_(clinic.Con()) {
         LoadWhole(clinic_.Con(), *card_, CardNumber(key));
     }
 
@@ -73,11 +73,12 @@ public:
     void Store() {
         card_->ICLastUpdate = Now();
         SaveWhole(clinic_.Con(), *card_);
-        clinic_.Con()->CommitTrans();
+        transaction_.Commit();
     }
 
 private:
     const Clinic& clinic_;
+    ADODB::Transaction transaction_;
     Ref<cImagecard> card_ = New<cImagecard>();
 };
 
@@ -87,14 +88,14 @@ void NewCard(const Options& options, const std::string& patient, const std::stri
     if (Len(name) > width) throw Complaint("the name of a card has at most 255 characters");
     const Clinic clinic(options);
     const Ref<cImagecard> card = New<cImagecard>();
-    clinic.Con()->BeginTrans();
+    ADODB::Transaction transaction(clinic.Con());
     card->ICPID = LoadPatient(clinic, patient)->ID;
     card->ICName = name;
     card->ICDescription = description;
     card->ICCreateDate = card->ICLastUpdate = Now();
     std::tie(card->ICWidth, card->ICHeight) = CanvasOf(canvas);
     SaveWhole(clinic.Con(), *card);
-    clinic.Con()->CommitTrans();
+    transaction.Commit();
     if (options.json) return PrintJson({{"card", fmt::format("IC{}", card->ICID)}});
     fmt::print("IC{} is made. Place images on it: oxclass card add IC{} IMAGE\n", card->ICID, card->ICID);
 }

@@ -6,6 +6,7 @@
 #include "console/Completeness.h"
 #include "frame/Statement.h"
 #include "images/cImages.h"
+#include "platform/adodb/Transaction.h"
 
 #include <fmt/format.h>
 #include <tuple>
@@ -52,9 +53,9 @@ bool LeftWithoutTeeth(cImage& image) {
 
 void Hang(const Options& options, Long number) {
     const Clinic clinic(options);
-    clinic.Con()->BeginTrans();
+    ADODB::Transaction transaction(clinic.Con());
     const HungSeries hung = HangStored(clinic.Con(), number);
-    clinic.Con()->CommitTrans();
+    transaction.Commit();
     if (options.json)
         return PrintJson({{"series", number},
                           {"layout", hung.layout},

@@ -6,6 +6,7 @@
 #include "console/patients/PatientStore.h"
 #include "frame/Statement.h"
 #include "images/cImages.h"
+#include "platform/adodb/Transaction.h"
 #include "platform/runtime/Services.h"
 
 #include <fmt/format.h>
@@ -141,12 +142,12 @@ void Comment(const Options& options, const std::string& number, const std::strin
         return PrintComments(options, *image, clinic);
     }
     RequireComment(text, signature);
-    clinic.Con()->BeginTrans();
+    ADODB::Transaction transaction(clinic.Con());
     RequireImage(clinic, image->ID);
     image->GetComments(clinic.Con());
     image->addComment(text, signature, Now(), false);
     image->SaveComments(clinic.Con());
-    clinic.Con()->CommitTrans();
+    transaction.Commit();
     PrintComments(options, *image, clinic);
 }
 
