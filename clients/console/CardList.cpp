@@ -1,7 +1,7 @@
 #include "console/CardList.h"
 
+#include "console/Completeness.h"
 #include "frame/Statement.h"
-#include "platform/adodb/Transaction.h"
 
 #include <fmt/format.h>
 
@@ -10,40 +10,49 @@ namespace {
 
 using namespace OXClass;
 
-Long SeriesOf(const Clinic& clinic, Long patient) {
-    return clinic.Number(
-        sql("SELECT count(*) FROM Series_T JOIN Study_T ON Study_T.Study_ID = Series_T.Study_ID "
-            "WHERE Study_T.PatientID = ",
-            patient));
+/// Deletes a series without image files. The statement looks for files itself, because a capture may have
+/// stored one since the list was read. Returns whether it was deleted.
+bool DeleteOrphan(const Clinic& clinic, Long series) {
+    Long deleted = 0;
+    clinic.Con()->Execute(sql("DELETE FROM Series_T WHERE Series_ID = ", series,
+                              " AND NOT EXISTS (SELECT 1 FROM ImageBild_T WHERE Series_ID = ", series,
+                              " AND GraphicURL_NVC <> '')"),
+                          &deleted);
+    return deleted > 0;
 }
 
-void ReadEntries(const Clinic& clinic, const cPatient& patient, cUniCards& entries) {
-    // The list finds the patient by the identifier, which is spliced between quotes.
-    const auto read = [&](const std::string& id) {
-        ComplainOfTextBoxes(
-            [&] { entries.GetICAndSEList4Patient(clinic.Con(), Replace(id, "'", "''"), patient.ID); });
-    };
-    if (PatientsWithID(clinic.Con(), patient.PatientID).size() == 1) return read(patient.PatientID);
-    ADODB::Transaction transaction(clinic.Con());
-    WithUniqueID(clinic.Con(), patient, read);
-    transaction.Commit();
+/// Deletes a series without image files, or counts it as kept where the database can't be written. A series
+/// with an image that can't be read is damaged: what is wrong with it may be the very reason that it has no
+/// file.
+void Remove(const Clinic& clinic, Long orphan, CardList& list) {
+    const Ref<cImages> images = New<cImages>();
+    images->LoadReadable(clinic.Con(), iootSeries, orphan);
+    if (!images->Unread().empty())
+        return list.damaged.push_back({"SE" + CStr(orphan), images->Unread().front().Failure});
+    try {
+        list.orphansRemoved += DeleteOrphan(clinic, orphan);
+    } catch (const Error& failure) {
+        if (failure.Number != ADODB::NoPermission) throw;
+        ++list.orphansKept;
+    }
 }
 
 }  // namespace
 
-CardList ListCards(const Clinic& clinic, const std::string& patient) {
+CardList ListReadableCards(const Clinic& clinic, const std::string& patient) {
     CardList list{.patient = LoadPatient(clinic, patient), .entries = New<cUniCards>()};
-    const Long before = SeriesOf(clinic, list.patient->ID);
-    try {
-        ReadEntries(clinic, *list.patient, *list.entries);
-    } catch (const Complaint& told) {
-        throw Complaint(
-            fmt::format("the list of patient {} can't be read whole; look for the damaged card, study or "
-                        "series, or for a database that can't be written: {}",
-                        list.patient->PatientID, told.what()));
-    }
-    list.orphansRemoved = before - SeriesOf(clinic, list.patient->ID);
+    Readable found = list.entries->ListReadable(clinic.Con(), list.patient->ID);
+    list.damaged = std::move(found.unread);
+    for (const Long orphan : found.orphans) Remove(clinic, orphan, list);
     return list;
+}
+
+CardList ListCards(const Clinic& clinic, const std::string& patient) {
+    CardList list = ListReadableCards(clinic, patient);
+    if (list.damaged.empty()) return list;
+    const UnreadEntry& first = list.damaged.front();
+    throw Complaint(fmt::format("{} of patient {} can't be read; correct its row in the database ({})",
+                                first.Key, list.patient->PatientID, DamageOf(first.Failure)));
 }
 
 std::map<Long, ImagesOfEntry> ImagesOfCards(const Clinic& clinic, Long patient) {

@@ -12,11 +12,17 @@ namespace Console {
 struct CardList {
     Ref<OXClass::cPatient> patient;
     Ref<OXClass::cUniCards> entries;
-    Platform::Long orphansRemoved = 0;  ///< series without images that the listing deleted
+    std::vector<OXClass::UnreadEntry> damaged{};  ///< what could not be read, and is not among the entries
+    Platform::Long orphansRemoved = 0;            ///< series without images that the listing deleted
+    Platform::Long orphansKept = 0;               ///< those that it could not delete
 };
 
-/// Lists the cards and series of a patient. Throws `Complaint` for an unknown patient, and where the list
-/// could not be read whole.
+/// Lists what can be read of the cards and series of a patient. A series without image files that nobody
+/// captures any more is deleted, where the database can be written, unless one of its images can't be read.
+/// Throws `Complaint` for an unknown patient.
+CardList ListReadableCards(const Clinic& clinic, const std::string& patient);
+
+/// The same, for callers who have no place for what is damaged: throws `Complaint` for the first of it.
 CardList ListCards(const Clinic& clinic, const std::string& patient);
 
 /// How many images an entry shows, and whether all of them are approved.

@@ -1,8 +1,11 @@
 #include "console/CardList.h"
 #include "console/Chart.h"
 #include "console/Commands.h"
+#include "console/Completeness.h"
+#include "console/Program.h"
 #include "console/page/Page.h"
 #include "frame/Statement.h"
+#include "platform/adodb/Transaction.h"
 
 #include <fmt/format.h>
 
@@ -21,9 +24,10 @@ const char* PlaceOf(const cUniCard& entry) {
     }
 }
 
-void ShowCards(const Options& options, const std::string& patient) {
+void ShowCards(Program& program, const std::string& patient) {
+    const Options& options = program.options;
     const Clinic clinic(options);
-    const CardList list = ListCards(clinic, patient);
+    const CardList list = ListReadableCards(clinic, patient);
     const auto cards = ImagesOfCards(clinic, list.patient->ID);
     List shown({{"key", "Key"},
                 {"kind", "Kind"},
@@ -31,7 +35,8 @@ void ShowCards(const Options& options, const std::string& patient) {
                 {"name", "Name"},
                 {"images", "Images"},
                 {"approved", "Approved"},
-                {"place", "Where"}});
+                {"place", "Where"},
+                {"damaged", "Damaged", true}});
     for (const cUniCard& entry : *list.entries) {
         ImagesOfEntry images;
         if (entry.Series)
@@ -39,28 +44,37 @@ void ShowCards(const Options& options, const std::string& patient) {
         else if (const auto card = cards.find(entry.Imagecard->ICID); card != cards.end())
             images = card->second;
         shown.Add({entry.Key, entry.Series ? "series" : "card", DateText(entry.SortDate()), NameOf(entry),
-                   images.count, images.approved, PlaceOf(entry)});
+                   images.count, images.approved, PlaceOf(entry), nullptr});
     }
+    for (const UnreadEntry& entry : list.damaged)
+        shown.Add({entry.Key, entry.Key.starts_with("SE") ? "series" : "card", nullptr, nullptr, nullptr,
+                   nullptr, nullptr, DamageOf(entry.Failure)});
+    if (!list.damaged.empty()) program.exitCode = PartlyDone;
     if (options.json)
         return PrintJson({{"patient", list.patient->PatientID},
                           {"orphans_removed", list.orphansRemoved},
+                          {"orphans_kept", list.orphansKept},
                           {"entries", shown.Rows()}});
     shown.Print(false, "The patient has no cards and no series.");
     if (list.orphansRemoved > 0) fmt::print("{} series without images were removed.\n", list.orphansRemoved);
+    if (list.orphansKept > 0)
+        fmt::print("{} series without images stay: the database can't be written.\n", list.orphansKept);
 }
 
 void SaveSeriesAsCard(const Options& options, Long number, const std::string& name) {
     const Clinic clinic(options);
+    ADODB::Transaction transaction(clinic.Con());
     const Ref<cSerie> series = LoadSeries(clinic.Con(), number);
     const Ref<cImages> images = New<cImages>();
-    if (images->LoadAll4Object(clinic.Con(), iootSeries, number) == 0)
+    const Long count = images->LoadReadable(clinic.Con(), iootSeries, number);
+    RequireComplete(*images);
+    if (count == 0)
         throw Complaint(fmt::format("series {} has no images, so there is nothing to store", number));
     series->SeriesName = name.empty() ? Undoubled(series->SeriesDescription) : name;
-    clinic.Con()->BeginTrans();
     series->SaveAsIC(clinic.Con(), images);
     const Long card = clinic.Number(
         sql("SELECT max(ImageCardID) FROM ImageCard_T WHERE PatientID = ", images->Item(1)->PatID));
-    clinic.Con()->CommitTrans();
+    transaction.Commit();
     if (options.json) return PrintJson({{"card", fmt::format("IC{}", card)}, {"images", images->Count()}});
     fmt::print("Series {} is stored as card IC{}, with {} images.\n", number, card, images->Count());
 }
@@ -89,9 +103,11 @@ void AddCards(Program& program) {
         program.app.add_subcommand("cards", "list a patient's image cards and series, newest first");
     cards->add_option("PATIENT", *patient, "the patient's ID, or # and the number")->required();
     cards->footer(
-        "Series without image files that nobody captures any more are removed on the way.\n"
+        "Series without images that nobody captures any more are removed on the way. Cards and series that "
+        "can't\n"
+        "be read are listed with the column that is damaged. Exit code 3: some are damaged.\n"
         "Example: oxclass cards TEST-FMX18");
-    cards->callback([&program, patient] { ShowCards(program.options, *patient); });
+    cards->callback([&program, patient] { ShowCards(program, *patient); });
     AddSaveAsCard(program);
 }
 

@@ -1,5 +1,6 @@
 #include "console/Clinic.h"
 
+#include "console/DatabaseFile.h"
 #include "frame/Statement.h"
 #include "frame/StoredName.h"
 #include "platform/runtime/Services.h"
@@ -13,9 +14,6 @@ namespace {
 namespace fs = std::filesystem;
 using namespace Platform;
 
-constexpr Long ApplicationMark = 0x4F58434C;  // what schema/sqlite.sql writes into each database
-constexpr Long KnownVersion = 1;
-
 std::string DatabaseOf(const Options& options) {
     if (!options.database.empty()) return options.database;
     const char* const fromEnvironment = std::getenv("OXCLASS_DB");
@@ -26,14 +24,52 @@ std::string DatabaseOf(const Options& options) {
 
 bool IsConnectionString(const std::string& database) { return Contains(LCase(database), "provider="); }
 
-/// Opens for writing, or where that is not allowed for reading.
+/// Text boxes go to another handler while this object lives.
+class TextBoxes {
+public:
+    explicit TextBoxes(std::function<void(const String&, Long)> handler)
+        : before_(std::exchange(TheHost().MsgBox, std::move(handler))) {}
+    ~TextBoxes() { TheHost().MsgBox = before_; }
+    TextBoxes(const TextBoxes&) = delete;
+
+private:
+    std::function<void(const String&, Long)> before_;
+};
+
+/// True if a file could not be opened because of the rights of the file, of its folder or of its log.
+bool IsOfRights(const Error& failure) {
+    constexpr Long primary = 0xFF, cannotOpen = 14;  // the engine's code
+    return failure.Number == ADODB::NoPermission || (failure.NativeError & primary) == cannotOpen;
+}
+
+/// Opens for writing, or where that is not allowed for reading. A file in a folder where the engine may not
+/// put its lock file is read as one that nobody changes, which the file alone can only be without a log.
 void OpenAsAllowed(const Ref<Connection>& con, const std::string& database) {
-    try {
-        con->Open(ConnectionStringOf(database));
-    } catch (const Error& failure) {
-        if (failure.Number != ADODB::NoPermission || IsConnectionString(database)) throw;
-        con->Open(ConnectionStringOf(database, "Read"));
+    if (IsConnectionString(database)) return con->Open(database);
+    for (const char* const mode : {"ReadWrite", "Read"}) {
+        try {
+            return con->Open(ConnectionStringOf(database, mode));
+        } catch (const Error& failure) {
+            if (!IsOfRights(failure)) throw;
+            if (mode == std::string_view("Read") && HasLog(database)) throw;
+        }
     }
+    con->Open(ConnectionStringOf(database, "Snapshot"));
+}
+
+/// Throws `Complaint` unless the open database has the marks of a clinic database, as its engine reads them.
+void RequireClinic(const Ref<Connection>& con, const std::string& name) {
+    const auto mark = [&](const char* pragma) { return CLng(con->Execute(pragma)->Fields(0).Value()); };
+    RequireMarks(name, mark("PRAGMA application_id"), mark("PRAGMA user_version"));
+}
+
+/// Throws `Complaint` for a file that isn't a clinic database, before it is opened for writing: opening turns
+/// a file of another program into one with a log.
+void RequireClinicFile(const std::string& file) {
+    if (IsClinicFile(file)) return;
+    const Ref<Connection> reader = New<Connection>();
+    reader->Open(ConnectionStringOf(file, "Read"));
+    RequireClinic(reader, file);
 }
 
 }  // namespace
@@ -61,16 +97,14 @@ std::string ConnectionStringOf(const std::string& database, const std::string& m
 
 Clinic::Clinic(const Options& options) : con_(New<Connection>()) {
     const std::string database = DatabaseOf(options);
-    if (!IsConnectionString(database) && !fs::exists(database))
-        throw Complaint(fmt::format("there is no database {0}; make one with: oxclass init {0}", database));
     try {
+        const ADODB::ConnectionString settings(ConnectionStringOf(database));
+        if (EqualsIgnoringCase(settings.Value("Provider"), "SQLite"))
+            RequireClinicFile(settings.Value("Data Source"));
         OpenAsAllowed(con_, database);
-        RequireClinic(database);
+        RequireClinic(con_, database);
     } catch (const Error& failure) {
-        throw Complaint(
-            fmt::format("{} can't be opened: {}; see that you may read and write it and its folder, or "
-                        "copy it to a folder of yours",
-                        database, failure.Description));
+        throw Complaint(fmt::format("{} can't be opened: {}", database, ExplanationOf(failure)));
     }
     if (options.trace) {
         trace_ = std::make_unique<Trace>();
@@ -80,19 +114,6 @@ Clinic::Clinic(const Options& options) : con_(New<Connection>()) {
 
 Clinic::~Clinic() {
     if (trace_) con_->Unadvise(*trace_);
-}
-
-void Clinic::RequireClinic(const std::string& name) const {
-    const Long mark = CLng(con_->Execute("PRAGMA application_id")->Fields(0).Value());
-    const Long version = CLng(con_->Execute("PRAGMA user_version")->Fields(0).Value());
-    if (mark != ApplicationMark)
-        throw Complaint(
-            fmt::format("{} is no clinic database; make one under another name with: oxclass init", name));
-    if (version > KnownVersion)
-        throw Complaint(
-            fmt::format("{} was made by a newer program (tables of version {}, this program knows {}); "
-                        "use that program",
-                        name, version, KnownVersion));
 }
 
 Ref<Recordset> Clinic::Read(const std::string& statement) const {
@@ -124,17 +145,18 @@ std::string Undoubled(const std::string& description) { return Replace(descripti
 
 std::string WithoutQuotes(const std::string& text) { return Replace(text, "'", "\u2019"); }
 
+void WithoutTextBoxes(const std::function<void()>& work) {
+    const TextBoxes boxes([](const String&, Long) {});
+    work();
+}
+
 void ComplainOfTextBoxes(const std::function<void()>& work) {
     std::string told;
-    const auto before = std::exchange(
-        TheHost().MsgBox, [&](const String& prompt, Long) { told += (told.empty() ? "" : "; ") + prompt; });
-    try {
+    {
+        const TextBoxes boxes(
+            [&](const String& prompt, Long) { told += (told.empty() ? "" : "; ") + prompt; });
         work();
-    } catch (...) {
-        TheHost().MsgBox = before;
-        throw;
     }
-    TheHost().MsgBox = before;
     if (!told.empty()) throw Complaint(told);
 }
 

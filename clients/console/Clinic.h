@@ -24,8 +24,9 @@ std::string ConnectionStringOf(const std::string& database, const std::string& m
 /// An open clinic database, for one command.
 class Clinic {
 public:
-    /// Opens the database of the options. Throws `Complaint` if there is none, or if it is no clinic
-    /// database or a newer one.
+    /// Opens the database of the options, for reading only where the rights of the file or of its folder
+    /// allow no more. Throws `Complaint` if there is none, or if it is no clinic database or a newer one;
+    /// such a file is not changed.
     explicit Clinic(const Options& options);
     ~Clinic();
     Clinic(const Clinic&) = delete;
@@ -43,7 +44,6 @@ public:
 
 private:
     class Trace;
-    void RequireClinic(const std::string& name) const;
 
     Ref<Connection> con_;
     std::unique_ptr<Trace> trace_;
@@ -55,6 +55,10 @@ std::string Undoubled(const std::string& description);
 
 /// A text for a column that a statement takes unescaped: a quote becomes the typographic one.
 std::string WithoutQuotes(const std::string& text);
+
+/// Runs `work` and drops the text boxes that the library shows in it, for callers who learn of the failures
+/// from the objects.
+void WithoutTextBoxes(const std::function<void()>& work);
 
 /// Runs `work`. A text box that the library shows in it, which tells a failure that it doesn't raise, becomes
 /// a `Complaint` behind it.

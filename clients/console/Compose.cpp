@@ -1,8 +1,10 @@
 #include "cards/SlotPlacing.h"
 #include "console/CardList.h"
 #include "console/Commands.h"
+#include "console/Completeness.h"
 #include "console/page/Page.h"
 #include "frame/Statement.h"
+#include "platform/adodb/Transaction.h"
 #include "platform/runtime/Services.h"
 
 #include <charconv>
@@ -54,15 +56,8 @@ std::pair<Long, Long> CanvasOf(const std::string& text) {
 /// A stored card that is changed as a whole: nothing is stored unless all of it is.
 class Composing {
 public:
-    Composing(const Clinic& clinic, const std::string& key) : clinic_(clinic) {
-        clinic_.Con()->BeginTrans();
-        ComplainOfTextBoxes([&] { card_->GetImageCard(clinic_.Con(), CardNumber(key)); });
-        if (card_->ICID == 0)
-            throw Complaint(fmt::format("there is no image card {}; see: oxclass cards PATIENT", key));
-        // Loading manipulations tells no failure, and a save would store what was loaded.
-        if (Stored() != Loaded([](const cImagecardAttribute&) { return true; }))
-            throw Complaint(
-                fmt::format("the manipulations of card {} can't be read whole; nothing was changed", key));
+    Composing(const Clinic& clinic, const std::string& key) : clinic_(clinic), transaction_(clinic.Con()) {
+        LoadWhole(clinic_.Con(), *card_, CardNumber(key));
     }
 
     cImagecard& Card() { return *card_; }
@@ -77,34 +72,13 @@ public:
 
     void Store() {
         card_->ICLastUpdate = Now();
-        card_->Save(clinic_.Con());
-        // Saving manipulations tells no failure either.
-        const auto stays = [](const cImagecardAttribute& placed) {
-            return placed.ImageID == 0 || !placed.ToBeDeleted;
-        };
-        if (Stored() != Loaded(stays))
-            throw Complaint("the manipulations of the card can't be stored; nothing was changed");
-        clinic_.Con()->CommitTrans();
+        SaveWhole(clinic_.Con(), *card_);
+        transaction_.Commit();
     }
 
 private:
-    /// The manipulations of those placed images that are counted.
-    template <class Counts>
-    Long Loaded(Counts counts) const {
-        Long count = 0;
-        for (const auto& placed : Each<cImagecardAttribute>(*card_->ImagecardAttributes))
-            if (counts(placed)) count += placed.Manipulations->Count();
-        return count;
-    }
-
-    Long Stored() const {
-        return clinic_.Number(
-            sql("SELECT count(*) FROM ImageManipulation_T JOIN ImageAttribute_T USING "
-                "(ImageAttributeID) WHERE ImageCardID = ",
-                card_->ICID));
-    }
-
     const Clinic& clinic_;
+    ADODB::Transaction transaction_;
     Ref<cImagecard> card_ = New<cImagecard>();
 };
 
@@ -114,14 +88,14 @@ void NewCard(const Options& options, const std::string& patient, const std::stri
     if (Len(name) > width) throw Complaint("the name of a card has at most 255 characters");
     const Clinic clinic(options);
     const Ref<cImagecard> card = New<cImagecard>();
+    ADODB::Transaction transaction(clinic.Con());
     card->ICPID = LoadPatient(clinic, patient)->ID;
     card->ICName = name;
     card->ICDescription = description;
     card->ICCreateDate = card->ICLastUpdate = Now();
     std::tie(card->ICWidth, card->ICHeight) = CanvasOf(canvas);
-    clinic.Con()->BeginTrans();
-    card->Save(clinic.Con());
-    clinic.Con()->CommitTrans();
+    SaveWhole(clinic.Con(), *card);
+    transaction.Commit();
     if (options.json) return PrintJson({{"card", fmt::format("IC{}", card->ICID)}});
     fmt::print("IC{} is made. Place images on it: oxclass card add IC{} IMAGE\n", card->ICID, card->ICID);
 }
@@ -159,9 +133,7 @@ void AddImages(const Options& options, const std::string& key, const std::vector
     cImagecard& card = composing.Card();
     Long cell = 0;
     for (const std::string& number : images) {
-        const Ref<cImage> image = New<cImage>();
-        if (!image->GetImage(clinic.Con(), NumberOf(number, "an image")))
-            throw Complaint(fmt::format("there is no image {}; see: oxclass images", number));
+        const Ref<cImage> image = LoadWholeImage(clinic.Con(), NumberOf(number, "an image"));
         if (image->PatID != card.ICPID)
             throw Complaint(fmt::format("image {} belongs to another patient than the card", number));
         const Ref<cImagecardAttribute> placed = New<cImagecardAttribute>();

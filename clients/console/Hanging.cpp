@@ -1,9 +1,14 @@
 #include "console/Hanging.h"
 
+#include "anatomy/ToothString.h"
 #include "console/Chart.h"
 #include "console/Commands.h"
+#include "console/Completeness.h"
+#include "frame/Statement.h"
 #include "images/cImages.h"
+#include "platform/adodb/Transaction.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 #include <tuple>
 #include <utility>
@@ -19,30 +24,70 @@ Hung Placing(const cImage& image) {
     return {image.FrameNumber, image.Laterality, image.AnaRegion, image.AnaRegionMod};
 }
 
-/// The images that belong into a layout of films. The others are photographs; their frame is cleared.
+/// The images that belong into a layout of films, in the order in which they were taken. The others are
+/// photographs; their frame is cleared.
 Ref<Collection> FilmsOf(const cImages& images) {
-    Ref<Collection> films = New<Collection>();
+    std::vector<cImage*> taken;
     for (cImage& image : images) {
         if (image.ImageType == imggTypeVLPhotographic)
             image.FrameNumber = 0;
         else
-            films->Add(Ref<cImage>(&image));
+            taken.push_back(&image);
     }
+    const auto order = [](const cImage& image) {
+        return std::tie(image.dateTime, image.ImageNumberInSeries, image.instanceUID);
+    };
+    std::stable_sort(taken.begin(), taken.end(),
+                     [&](const cImage* a, const cImage* b) { return order(*a) < order(*b); });
+    Ref<Collection> films = New<Collection>();
+    for (cImage* image : taken) films->Add(Ref<cImage>(image));
     return films;
+}
+
+/// Stores what hanging has changed of an image, and nothing else: the documented update takes some of the
+/// image's texts unescaped and fails for a quote in them, and it replaces what others have changed in the
+/// row.
+void StorePlacing(const Ref<Connection>& con, const cImage& image) {
+    con->Execute(sql("UPDATE ImageBild_T SET FrameNumber_INT=", Long{image.FrameNumber}, ", Laterality='",
+                     FixSqlString(image.Laterality), "', AnaRegion='", FixSqlString(image.AnaRegion),
+                     "', AnaRegionMod='", FixSqlString(image.AnaRegionMod),
+                     "' WHERE ImageBildID=", image.ID));
+}
+
+/// The same of a series. The documented save does nothing, and tells nobody, for a series without UID or
+/// study.
+void StoreLayout(const Ref<Connection>& con, const cSerie& series) {
+    con->Execute(sql("UPDATE Series_T SET template_ID=", series.TemplateID,
+                     ", NumberOfImages=", series.ImgCount, " WHERE Series_ID=", series.ID));
+}
+
+/// Hangs an image as one without teeth if its tooth string is none, which would fail the whole series.
+/// Returns true for such an image. The stored text stays.
+bool LeftWithoutTeeth(cImage& image) {
+    try {
+        TeethOf(image.sTeeth);
+        return false;
+    } catch (const Error&) {
+        image.sTeeth.clear();
+        return true;
+    }
 }
 
 void Hang(const Options& options, Long number) {
     const Clinic clinic(options);
-    clinic.Con()->BeginTrans();
+    ADODB::Transaction transaction(clinic.Con());
     const HungSeries hung = HangStored(clinic.Con(), number);
-    clinic.Con()->CommitTrans();
+    transaction.Commit();
     if (options.json)
         return PrintJson({{"series", number},
                           {"layout", hung.layout},
                           {"placed", hung.placed},
-                          {"changed", hung.changed}});
+                          {"changed", hung.changed},
+                          {"without_teeth", hung.withoutTeeth}});
     PrintHungSeries(clinic, number);
     fmt::print("{} images have a frame, {} were changed.\n", hung.placed, hung.changed);
+    for (const Long image : hung.withoutTeeth)
+        fmt::print("Image {} hangs as one without teeth: its text of teeth isn't like 11,21,48,\n", image);
 }
 
 }  // namespace
@@ -51,10 +96,14 @@ HungSeries HangStored(const Ref<Connection>& con, Long number) {
     const Ref<cSerie> series = LoadSeries(con, number);
     series->SeriesDescription = Undoubled(series->SeriesDescription);
     const Ref<cImages> images = New<cImages>();
-    series->ImgCount = images->LoadAll4Object(con, iootSeries, number);
+    series->ImgCount = images->LoadReadable(con, iootSeries, number);
+    RequireComplete(*images);
     std::vector<Hung> before;
-    for (const cImage& image : *images) before.push_back(Placing(image));
     HungSeries result;
+    for (cImage& image : *images) {
+        before.push_back(Placing(image));
+        if (LeftWithoutTeeth(image)) result.withoutTeeth.push_back(image.ID);
+    }
     const Ref<Collection> films = FilmsOf(*images);
     const Long count = std::exchange(series->ImgCount, films->Count());
     series->TemplateID = 0;
@@ -64,10 +113,10 @@ HungSeries HangStored(const Ref<Connection>& con, Long number) {
     for (cImage& image : *images) {
         result.placed += image.FrameNumber > 0;
         if (before[next++] == Placing(image)) continue;
-        image.Save(con);
+        StorePlacing(con, image);
         ++result.changed;
     }
-    series->SaveSeries(true, con);
+    StoreLayout(con, *series);
     return result;
 }
 

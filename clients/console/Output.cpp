@@ -93,14 +93,17 @@ Json List::Rows() const {
 
 void List::PrintText() const {
     std::vector<std::size_t> widths;
+    std::vector<bool> left;
     for (std::size_t i = 0; i < columns_.size(); ++i) {
-        std::size_t width = DisplayWidth(columns_[i].title);
+        std::size_t width = 0;
         for (const auto& row : rows_) width = std::max(width, DisplayWidth(CellText(row[i])));
-        widths.push_back(width);
+        left.push_back(width == 0 && columns_[i].onlyWhereFilled);
+        widths.push_back(std::max(width, DisplayWidth(columns_[i].title)));
     }
     const auto line = [&](auto cell) {
         std::string text;
         for (std::size_t i = 0; i < columns_.size(); ++i) {
+            if (left[i]) continue;
             const std::string value = cell(i);
             text += value + std::string(widths[i] - DisplayWidth(value) + 2, ' ');
         }

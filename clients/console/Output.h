@@ -25,6 +25,7 @@ public:
     struct Column {
         std::string key;
         std::string title;
+        bool onlyWhereFilled = false;  ///< left out on paper where no row has a value
     };
 
     explicit List(std::vector<Column> columns) : columns_(std::move(columns)) {}

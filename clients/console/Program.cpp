@@ -1,6 +1,7 @@
 #include "console/Program.h"
 
 #include "console/Commands.h"
+#include "console/DatabaseFile.h"
 
 #include <charconv>
 #include <fmt/format.h>
@@ -72,12 +73,7 @@ int RunProgram(int argc, const char* const* argv) {
     } catch (const CLI::ParseError& e) {
         return program.app.exit(e) == 0 ? Done : WrongUsage;
     } catch (const Platform::Error& failure) {
-        if (failure.Number == ADODB::NoPermission)
-            return Complain(
-                "the database can't be written; look at the rights of the file and of its folder: " +
-                failure.Description);
-        const std::string statement = failure.Statement.empty() ? "" : " (in: " + failure.Statement + ")";
-        return Complain(fmt::format("error {}: {}{}", failure.Number, failure.Description, statement));
+        return Complain(ExplanationOf(failure));
     } catch (const std::exception& failure) {
         return Complain(failure.what());
     }

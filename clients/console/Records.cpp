@@ -1,10 +1,13 @@
 #include "console/Commands.h"
 
 #include "console/Chart.h"
+#include "console/Completeness.h"
+#include "console/Program.h"
 #include "console/page/Page.h"
 #include "console/patients/PatientStore.h"
 #include "frame/Statement.h"
 #include "images/cImages.h"
+#include "platform/adodb/Transaction.h"
 #include "platform/runtime/Services.h"
 
 #include <fmt/format.h>
@@ -34,19 +37,43 @@ void ListStudies(const Options& options, const std::string& patient) {
         .Print(options.json, "There are no studies.");
 }
 
-void ListSeries(const Options& options, const std::string& patient) {
-    const Clinic clinic(options);
-    clinic
-        .ListOf(
-            "SELECT Series_ID AS Series, Series_T.Study_ID AS Study, PersonNr_CH AS Patient, SeriesDateTime "
-            "AS "
-            "Date, Modality, NumberOfImages AS Images, template_ID AS Layout, replace(SeriesDescription, "
-            "'''''', '''') AS "
-            "Description "
-            "FROM Series_T LEFT JOIN Study_T ON Study_T.Study_ID = Series_T.Study_ID LEFT JOIN Patient_T ON "
-            "Patient_T.PatientID = Study_T.PatientID" +
-            OfPatient(clinic, patient) + " ORDER BY SeriesDateTime, Series_ID")
-        .Print(options.json, "There are no series.");
+/// What keeps a row of Series_T from being read; null for one that can be read.
+nlohmann::ordered_json DamageOfSeries(const Ref<Recordset>& row) {
+    try {
+        New<cSerie>()->ReadRow(row);
+        return nullptr;
+    } catch (const Error& failure) {
+        return DamageOf(failure);
+    }
+}
+
+void ListSeries(Program& program, const std::string& patient) {
+    const Clinic clinic(program.options);
+    const Ref<Recordset> rows = clinic.Read(
+        "SELECT Series_T.*, PersonNr_CH, replace(SeriesDescription, '''''', '''') AS Description FROM "
+        "Series_T "
+        "LEFT JOIN Study_T ON Study_T.Study_ID = Series_T.Study_ID LEFT JOIN Patient_T ON "
+        "Patient_T.PatientID = Study_T.PatientID" +
+        OfPatient(clinic, patient) + " ORDER BY SeriesDateTime, Series_ID");
+    List list({{"series", "Series"},
+               {"study", "Study"},
+               {"patient", "Patient"},
+               {"date", "Date"},
+               {"modality", "Modality"},
+               {"images", "Images"},
+               {"layout", "Layout"},
+               {"description", "Description"},
+               {"damaged", "Damaged", true}});
+    for (; !rows->Eof(); rows->MoveNext()) {
+        std::vector<nlohmann::ordered_json> row;
+        for (const char* const column : {"Series_ID", "Study_ID", "PersonNr_CH", "SeriesDateTime", "Modality",
+                                         "NumberOfImages", "template_ID", "Description"})
+            row.push_back(AsJson(rows->Fields(column).Value()));
+        row.push_back(DamageOfSeries(rows));
+        if (!row.back().is_null()) program.exitCode = PartlyDone;
+        list.Add(std::move(row));
+    }
+    list.Print(program.options.json, "There are no series.");
 }
 
 /// The where clause of the images that are asked for.
@@ -56,10 +83,11 @@ std::string ImagesClause(const Clinic& clinic, const std::string& patient, const
     return sql("where PatientID=", LoadPatient(clinic, patient)->ID);
 }
 
-void ListImages(const Options& options, const std::string& patient, const std::string& series) {
+void ListImages(Program& program, const std::string& patient, const std::string& series) {
+    const Options& options = program.options;
     const Clinic clinic(options);
     const Ref<cImages> images = New<cImages>();
-    images->LoadAll4Object(clinic.Con(), iootUnknown, 0, ImagesClause(clinic, patient, series));
+    images->LoadReadable(clinic.Con(), iootUnknown, 0, ImagesClause(clinic, patient, series));
     List list({{"image", "Image"},
                {"series", "Series"},
                {"frame", "Frame"},
@@ -73,12 +101,17 @@ void ListImages(const Options& options, const std::string& patient, const std::s
                {"ms", "ms"},
                {"placed", "Placed"},
                {"noPicture", "No picture"},
-               {"file", "File"}});
+               {"file", "File"},
+               {"damaged", "Damaged", true}});
     for (const cImage& image : *images)
         list.Add({image.ID, image.seriesID, Long{image.FrameNumber}, image.sTeeth, image.Laterality,
                   image.AnaRegion, image.AnaRegionMod, DateText(image.dateTime), image.Voltage_kV,
                   image.Current_mA, image.ExposureTime_ms, IsPlacedByTimeOnly(image) ? "by time only" : "",
-                  WhyNoPictureByHead(image), image.URL});
+                  WhyNoPictureByHead(image), image.URL, nullptr});
+    for (const UnreadRow& row : images->Unread())
+        list.Add({row.ID, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                  nullptr, nullptr, nullptr, nullptr, DamageOf(row.Failure)});
+    if (!images->Unread().empty()) program.exitCode = PartlyDone;
     list.Print(options.json, "There are no images.");
 }
 
@@ -90,22 +123,35 @@ void PrintComments(const Options& options, cImage& image, const Clinic& clinic) 
     list.Print(options.json, "The image has no comments.");
 }
 
+void RequireComment(const std::string& text, const std::string& signature) {
+    constexpr Long width = 150;
+    if (Trim(text).empty()) throw Complaint("the comment is blank");
+    if (Len(text) > width || Len(signature) > width)
+        throw Complaint(fmt::format("a comment and its signature have at most {} characters each", width));
+}
+
+/// The row of the image is not read: a comment can be added to an image whose row is damaged.
+void RequireImage(const Clinic& clinic, Long number) {
+    if (clinic.Number(sql("SELECT count(*) FROM ImageBild_T WHERE ImageBildID=", number)) == 0)
+        throw Complaint(fmt::format("there is no image {}; see: oxclass images", number));
+}
+
 void Comment(const Options& options, const std::string& number, const std::string& text,
              const std::string& signature) {
-    constexpr Long width = 150;
     const Clinic clinic(options);
     const Ref<cImage> image = New<cImage>();
-    if (!image->GetImage(clinic.Con(), NumberOf(number, "an image")))
-        throw Complaint(fmt::format("there is no image {}; see: oxclass images", number));
-    image->GetComments(clinic.Con());
-    if (!text.empty()) {
-        if (Trim(text).empty()) throw Complaint("the comment is blank");
-        if (Len(text) > width || Len(signature) > width)
-            throw Complaint(
-                fmt::format("a comment and its signature have at most {} characters each", width));
-        image->addComment(text, signature, Now(), false);
-        image->Save(clinic.Con());
+    image->ID = NumberOf(number, "an image");
+    if (text.empty()) {
+        RequireImage(clinic, image->ID);
+        return PrintComments(options, *image, clinic);
     }
+    RequireComment(text, signature);
+    ADODB::Transaction transaction(clinic.Con());
+    RequireImage(clinic, image->ID);
+    image->GetComments(clinic.Con());
+    image->addComment(text, signature, Now(), false);
+    image->SaveComments(clinic.Con());
+    transaction.Commit();
     PrintComments(options, *image, clinic);
 }
 
@@ -132,7 +178,7 @@ void AddRecords(Program& program) {
     series->footer("Example: oxclass series 1");
     series->callback([&program, given, series] {
         if (!series->get_subcommands().empty()) return;
-        if (given->series.empty()) return ListSeries(program.options, given->patient);
+        if (given->series.empty()) return ListSeries(program, given->patient);
         ShowSeries(program.options, NumberOf(given->series, "a series"));
     });
 
@@ -140,7 +186,7 @@ void AddRecords(Program& program) {
     patientOption(images);
     images->add_option("--series", given->series, "of this series only")->type_name("SERIES");
     images->footer("Example: oxclass images --series 1");
-    images->callback([&program, given] { ListImages(program.options, given->patient, given->series); });
+    images->callback([&program, given] { ListImages(program, given->patient, given->series); });
 
     auto* comment = program.app.add_subcommand("comment", "list the comments of an image, or add one");
     comment->add_option("IMAGE", given->image, "number of an image")->required();

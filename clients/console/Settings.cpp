@@ -96,9 +96,9 @@ void RequireUidRoot(const std::string& root) {
 void SetSetting(const Options& options, const std::string& name, const std::string& text, bool add) {
     if (ListNamed(name) == gglID_DicomRootUID) RequireUidRoot(text);
     const Clinic clinic(options);
-    clinic.Con()->BeginTrans();
+    ADODB::Transaction transaction(clinic.Con());
     New<Class1>()->SaveGLSetting(clinic.Con(), ListNamed(name), text, !add);
-    clinic.Con()->CommitTrans();
+    transaction.Commit();
 }
 
 void PrintIdentifiers(const Options& options, int count) {

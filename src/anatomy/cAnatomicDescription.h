@@ -29,8 +29,13 @@ public:
 
     /// Writes the row: an update when `ID` is above 0, otherwise an insert in a transaction of its own.
     /// An intra-oral group stores its selected teeth. A new row without a group number gets its key +
-    /// 1000. Gives a boolean: true, or false for any failure, and nothing is raised. A failure between
-    /// begin and commit leaves the transaction open on the caller's connection.
+    /// 1000. Gives a boolean: true, or false for any failure, and nothing is raised. True says nothing of the
+    /// update that stores the group number of a new row, which may have failed, nor of an update whose row is
+    /// gone.
+    ///
+    /// A failure between begin and commit leaves the transaction open on the caller's connection. After false
+    /// the caller ends it with `RollbackTrans`, which raises 0x8004D00E where none is open; else what the
+    /// connection stores from then on is lost when it closes.
     Variant SaveSGN(const Ref<Connection>& Con);
 
     String ADName;

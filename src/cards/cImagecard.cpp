@@ -10,8 +10,11 @@ namespace {
 /// A side of the card without its sign: the full view's, or the preview's where that is null, empty or 0.
 Long Side(const Ref<Recordset>& rs, std::string_view fullView, std::string_view preview) {
     const auto text = [&](std::string_view column) { return "0" + CStr(std::abs(Nz<double>(rs, column))); };
+    const auto whole = [](std::string_view column, const String& side) {
+        return NamingColumn(column, [&] { return CLng(side); });
+    };
     const String side = text(fullView);
-    return CLng(CDbl(side) != 0 ? side : text(preview));
+    return CDbl(side) != 0 ? whole(fullView, side) : whole(preview, text(preview));
 }
 
 }  // namespace
@@ -33,6 +36,7 @@ Variant cImagecard::GetImageCard(const Ref<Connection>& conn, const Long& lICID)
 }
 
 Long cImagecard::LoadImageAttributes(const Ref<Connection>& conn) {
+    reading_.Begin();
     return Boxed(
         [&] {
             const Ref<Recordset> rs =
@@ -49,7 +53,8 @@ Long cImagecard::LoadImageAttributes(const Ref<Connection>& conn) {
             rs->Close();
             return count;
         },
-        [](const Error& failure) {
+        [&](const Error& failure) {
+            reading_.EndedBy(failure);
             return "cImageCard.LoadImageAttribues: (" + CStr(Now()) + ") " + CStr(failure.Number) + " " +
                    failure.Description;
         });

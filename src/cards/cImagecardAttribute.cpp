@@ -77,7 +77,7 @@ void cImagecardAttribute::Delete(const Ref<Connection>& con) const {
 }
 
 bool cImagecardAttribute::LoadImageManipulations(const Ref<Connection>& conn) {
-    return Swallowed([&] {
+    return Swallowed(reading_, [&] {
         const Ref<Recordset> rs = OpenPlain(
             conn,
             sql("SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=", ID, " ORDER BY SequenceNo;"));
@@ -94,7 +94,7 @@ bool cImagecardAttribute::LoadImageManipulations(const Ref<Connection>& conn) {
 }
 
 void cImagecardAttribute::SaveManipulations(const Ref<Connection>& conn) {
-    Swallowed([&] {
+    Swallowed(saving_, [&] {
         const String oldCosmetic = DeleteStoredManipulations(conn);
         const String newCosmetic = InsertManipulations(conn);
         if (newCosmetic != oldCosmetic && !oldCosmetic.empty())

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cards/cImageManipulation.h"
+#include "frame/Completion.h"
 
 namespace OXClass {
 
@@ -27,7 +28,8 @@ public:
     /// Writes the row and its manipulations, or deletes both where `ToBeDeleted` is true, and returns
     /// true. No transaction is opened.
     ///
-    /// `ID` above 0 updates, and pending messages of the program are handled then; any other inserts, and
+    /// `ID` above 0 updates, and pending messages of the program are handled then; that the row is gone is
+    /// not noticed. Any other inserts, and
     /// `ID` becomes the newest row of this card, image and sequence. A deletion with `ID` below 0 does
     /// nothing, one with 0 runs and finds no row; the object stays as it was, and a cosmetic file stays
     /// on the disk. Raises what the database raises, and 94 when a cosmetic manipulation that is being
@@ -50,7 +52,15 @@ public:
     /// Any failure is swallowed: a quote in a text, a member that is no manipulation, more than 32767 of
     /// them, a file that may not be deleted. What was deleted before stays deleted, so that stored
     /// manipulations may be lost.
+    ///
+    /// Nothing tells a client of such a failure. A client that must not lose manipulations saves in a
+    /// transaction of its own and reads them back before it commits; a client in C++ asks `Saving`.
     void SaveManipulations(const Ref<Connection>& conn);
+
+    /// How the last `LoadImageManipulations` and the last `SaveManipulations`, that of `Save` too, ended. No
+    /// part of the interface.
+    const Completion& Reading() const noexcept { return reading_; }
+    const Completion& Saving() const noexcept { return saving_; }
 
     /// Fills the object from the current row of a card's placed images; `Manipulations` stay. Raises 94
     /// for a null in a key or the sequence, and 13 or 6 for what can't be converted.
@@ -65,6 +75,9 @@ private:
     String UpdateStatement() const;
     String DeleteStoredManipulations(const Ref<Connection>& con) const;
     String InsertManipulations(const Ref<Connection>& con) const;
+
+    Completion reading_;
+    Completion saving_;
 };
 
 }  // namespace OXClass

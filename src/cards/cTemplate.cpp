@@ -17,8 +17,7 @@ void cTemplate::GetTemplate(const Ref<Connection>& Con, Long TID, const Long& Di
         rs->Close();
         return;
     }
-    const Variant date = rs->Fields("TCDate").Value();
-    if (!date.Is<Null>()) TCDate = CDate(date);
+    if (!rs->Fields("TCDate").IsNull()) TCDate = Direct<Date>(rs, "TCDate");
     TCComments = Joined(rs, "TCComments");
     TCHeight = CanvasSide(rs, "TCFullViewHeight", "TCPreviewHeight");
     TCWidth = CanvasSide(rs, "TCFullViewWidth", "TCPreviewWidth");

@@ -38,11 +38,11 @@ public:
     bool TCHidden = false;  ///< stored in the column TCMaximized
     Long TCChecksum = 0;    ///< the caller's number
 
-    /// Writes the template, then all its slots, and returns true. `TCID` above 0 updates. Otherwise a row
-    /// is inserted: a `TCDicomID` below 1 gets a random number from 1000 to 100000999 first, `TCID`
-    /// becomes the newest row of this name, and all slots are inserted under it. A slot that was taken
-    /// out of the collection stays in its table. Raises what the database raises; what was written before
-    /// stays written.
+    /// Writes the template, then all its slots, and returns true. `TCID` above 0 updates; that the row is
+    /// gone is not noticed. Otherwise a row is inserted: a `TCDicomID` below 1 gets a random number from 1000
+    /// to 100000999 first, `TCID` becomes the newest row of this name, and all slots are inserted under it. A
+    /// slot that was taken out of the collection stays in its table. Raises what the database raises; what
+    /// was written before stays written.
     bool Save(const Ref<Connection>& Con);
 
     const Interface& Describe() const override;

@@ -10,12 +10,16 @@
 namespace OXClass {
 namespace {
 
+constexpr char SelectCards[] =
+    "SELECT Patient_T.PatientID as PatientID,  Patient_T.*, ImageCard_T.* FROM Patient_T INNER JOIN "
+    "ImageCard_T ON Patient_T.PatientId=ImageCard_T.PatientId WHERE ";
+constexpr char NewestFirst[] = " ORDER BY ICDateCreated desc ";
+
 String CardsStatement(const String& personalNumber) {
-    return sql(
-        "SELECT Patient_T.PatientID as PatientID,  Patient_T.*, ImageCard_T.* FROM Patient_T INNER JOIN "
-        "ImageCard_T ON Patient_T.PatientId=ImageCard_T.PatientId WHERE PersonNr_CH='",
-        AsItStands(personalNumber), "' ORDER BY ICDateCreated desc ");
+    return sql(SelectCards, "PersonNr_CH='", AsItStands(personalNumber), "'", NewestFirst);
 }
+
+String CardsStatement(Long patient) { return sql(SelectCards, "Patient_T.PatientID=", patient, NewestFirst); }
 
 String SeriesStatement(Long patient) {
     return sql(
@@ -73,7 +77,7 @@ Ref<cSerie> SeriesOf(const Ref<Recordset>& rs) {
     series->ID = Direct<Long>(rs, "Series_ID");
     series->OrgServer = Nz<Long>(rs, "orgServerID");
     series->SeriesDescription = Joined(rs, "SeriesDescription");
-    series->SeriesDateTime = WholeSeconds(NzValue(rs->Fields("SeriesDateTime").Value()));
+    series->SeriesDateTime = NzWholeSeconds(rs, "SeriesDateTime");
     return series;
 }
 
@@ -110,25 +114,28 @@ void Complete(cSerie& series, const Ref<Recordset>& rs, Integer& step) {
     series.TemplateID = Nz<Long>(rs, "template_ID");
 }
 
-/// Adds the patient's image cards, newest first, and gives the patient's key, 0 without any.
-Long ReadCards(const Ref<Connection>& con, const String& personalNumber, Collection& entries, Integer& step) {
+/// Adds the image card of a row, and gives the patient's key.
+Long AddCard(const Ref<Recordset>& rs, Collection& entries, Integer& step) {
+    step = 2;
+    const Ref<cUniCard> entry = New<cUniCard>();
+    entry->Imagecard = CardOf(rs);
+    step = 3;
+    const Long patient = Direct<Long>(rs, "PatientID");
+    entry->Key = "IC" + CStr(entry->Imagecard->ICID);
+    entries.Add(entry, entry->Key);
+    step = 4;
+    return patient;
+}
+
+/// Calls `row` for each image card of the statement.
+template <class Row>
+void ReadCards(const Ref<Connection>& con, const String& statement, Integer& step, Row row) {
     con->CursorLocation = ADODB::adUseClient;
-    const Ref<Recordset> rs = OpenPlain(con, CardsStatement(personalNumber), ADODB::adCmdUnspecified);
-    Long patient = 0;
+    const Ref<Recordset> rs = OpenPlain(con, statement, ADODB::adCmdUnspecified);
     step = 1;
-    for (; !rs->Eof(); rs->MoveNext()) {
-        step = 2;
-        const Ref<cUniCard> entry = New<cUniCard>();
-        entry->Imagecard = CardOf(rs);
-        step = 3;
-        patient = Direct<Long>(rs, "PatientID");
-        entry->Key = "IC" + CStr(entry->Imagecard->ICID);
-        entries.Add(entry, entry->Key);
-        step = 4;
-    }
+    for (; !rs->Eof(); rs->MoveNext()) row(rs);
     step = 5;
     rs->Close();
-    return patient;
 }
 
 /// The key of the patient who has no image cards; 0 if there is none.
@@ -141,36 +148,49 @@ Long FindPatient(const Ref<Connection>& con, const String& personalNumber) {
     return patient;
 }
 
-/// Adds the patient's series, and deletes the orphans among them. Gives the open recordset.
-Ref<Recordset> ReadSeries(const Ref<Connection>& con, Long patient, Collection& entries, Integer& step) {
+/// Adds the series of a row, or hands it to `orphan`. `study` is the one that the row before had.
+template <class Orphan>
+void AddSeries(const Ref<Recordset>& rs, Ref<cStudy>& study, Collection& entries, Integer& step,
+               Orphan orphan) {
+    step = 8;
+    const Long lastStudy = study ? study->ID : 0;
+    if (Direct<Long>(rs, "Study_ID") != lastStudy) study = StudyOf(rs);
+    step = 10;
+    const Ref<cUniCard> entry = New<cUniCard>();
+    entry->Series = SeriesOf(rs);
+    step = 11;
+    const bool kept = IsKept(*entry->Series, rs);
+    if (!kept) orphan(entry->Series);
+    step = 12;
+    if (kept) {
+        Complete(*entry->Series, rs, step);
+        entry->Study = study;
+        entry->Key = "SE" + CStr(entry->Series->ID);
+        entries.Add(entry, entry->Key);
+    }
+    step = 14;
+}
+
+/// Calls `row` for each series of the patient. Gives the open recordset.
+template <class Row>
+Ref<Recordset> ReadSeries(const Ref<Connection>& con, Long patient, Integer& step, Row row) {
     Ref<Recordset> rs = New<Recordset>();
     rs->Open(SeriesStatement(patient), con, ADODB::adOpenStatic, ADODB::adLockReadOnly, ADODB::adCmdText);
     step = 7;
-    Ref<cStudy> study;
-    Long lastStudy = 0;
-    for (; !rs->Eof(); rs->MoveNext()) {
-        step = 8;
-        if (Direct<Long>(rs, "Study_ID") != lastStudy) {
-            study = StudyOf(rs);
-            lastStudy = study->ID;
-        }
-        step = 10;
-        const Ref<cUniCard> entry = New<cUniCard>();
-        entry->Series = SeriesOf(rs);
-        step = 11;
-        const bool kept = IsKept(*entry->Series, rs);
-        if (!kept) entry->Series->Delete(con);
-        step = 12;
-        if (kept) {
-            Complete(*entry->Series, rs, step);
-            entry->Study = study;
-            entry->Key = "SE" + CStr(entry->Series->ID);
-            entries.Add(entry, entry->Key);
-        }
-        step = 14;
-    }
+    for (; !rs->Eof(); rs->MoveNext()) row(rs);
     step = 15;
     return rs;
+}
+
+/// Runs `read` on a row; a row that can't be read is noted.
+template <class Read>
+void ReadOrNote(const Ref<Recordset>& rs, const char* kind, std::string_view key,
+                std::vector<UnreadEntry>& unread, Read read) {
+    try {
+        read();
+    } catch (const Error& failure) {
+        unread.push_back({kind + Joined(rs, key), failure});
+    }
 }
 
 }  // namespace
@@ -182,13 +202,19 @@ Long cUniCards::GetICAndSEList4Patient(const Ref<Connection>& conn, const String
     Boxed(
         [&] {
             const Ref<Collection> entries = New<Collection>();
-            Long patient = ReadCards(conn, sPID, *entries, step);
+            Long patient = 0;
+            ReadCards(conn, CardsStatement(sPID), step,
+                      [&](const Ref<Recordset>& rs) { patient = AddCard(rs, *entries, step); });
             if (patient == 0) patient = FindPatient(conn, sPID);
             step = 6;
             result = patient;
-            const Ref<Recordset> rs = ReadSeries(conn, patient, *entries, step);
+            Ref<cStudy> study;
+            const Ref<Recordset> series = ReadSeries(conn, patient, step, [&](const Ref<Recordset>& rs) {
+                AddSeries(rs, study, *entries, step,
+                          [&](const Ref<cSerie>& orphan) { orphan->Delete(conn); });
+            });
             Merge(*entries, step);
-            rs->Close();
+            series->Close();
             step = 18;
         },
         [&](const Error& failure) {
@@ -196,6 +222,24 @@ Long cUniCards::GetICAndSEList4Patient(const Ref<Connection>& conn, const String
                    CStr(Long{step}) + "\r\n" + failure.Description;
         });
     return result;
+}
+
+Readable cUniCards::ListReadable(const Ref<Connection>& conn, Long patient) {
+    Readable found;
+    Integer step = 0;
+    const Ref<Collection> entries = New<Collection>();
+    ReadCards(conn, CardsStatement(patient), step, [&](const Ref<Recordset>& rs) {
+        ReadOrNote(rs, "IC", "ImageCardID", found.unread, [&] { AddCard(rs, *entries, step); });
+    });
+    Ref<cStudy> study;
+    ReadSeries(conn, patient, step, [&](const Ref<Recordset>& rs) {
+        ReadOrNote(rs, "SE", "Series_ID", found.unread, [&] {
+            AddSeries(rs, study, *entries, step,
+                      [&](const Ref<cSerie>& orphan) { found.orphans.push_back(orphan->ID); });
+        });
+    });
+    Merge(*entries, step);
+    return found;
 }
 
 /// For each member the oldest date up to it, in which the first member older than a date is found. Ends

@@ -6,6 +6,18 @@
 
 namespace OXClass {
 
+/// An entry that could not be read.
+struct UnreadEntry {
+    String Key;     ///< "IC" + the card's key, or "SE" + the series'
+    Error Failure;  ///< why, with the column
+};
+
+/// What `cUniCards::ListReadable` met besides the entries of the list.
+struct Readable {
+    std::vector<UnreadEntry> unread;
+    std::vector<Long> orphans;  ///< keys of series without image files that nobody captures any more
+};
+
 /// A patient's image cards and series in one list, newest first. `Item` and `Remove` raise on a missing
 /// member. An object belongs to one thread.
 class cUniCards final : public Keyed<cUniCard> {
@@ -26,6 +38,12 @@ public:
     /// description, date or identifier, and a key that the list has already.
     Long GetICAndSEList4Patient(const Ref<Connection>& conn, const String& sPID, const Long& lPID,
                                 const Date& FromDate = {}, const Date& ToDate = {});
+
+    /// The list of one patient, for programs in C++ that go on past a row that can't be read, and that delete
+    /// orphans themselves: changes nothing in the database, shows no text box, and leaves both out of the
+    /// list. Goes by the patient's key, so that others of the same personal number have no part in it. Raises
+    /// what the statements raise; the list then stays as it was. No part of the interface.
+    Readable ListReadable(const Ref<Connection>& conn, Long patient);
 
     /// Adds an entry before the member of the key `sBefore`, under `sKey` if that is not empty, and returns
     /// true. Raises 5 if there is no such member, also where `sBefore` is left out, and 457 for a key that

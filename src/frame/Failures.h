@@ -1,6 +1,6 @@
 #pragma once
 
-#include "frame/modGeneral.h"
+#include "frame/Completion.h"
 #include "platform/runtime/Services.h"
 
 /// The ways in which a failure travels that need code. Raising it again unchanged needs none: that is
@@ -37,6 +37,18 @@ auto Swallowed(Body body) -> decltype(body()) {
     try {
         return body();
     } catch (const Error&) {
+        return decltype(body())();
+    }
+}
+
+/// As above, and the failure is kept in `completion`.
+template <class Body>
+auto Swallowed(Completion& completion, Body body) -> decltype(body()) {
+    completion.Begin();
+    try {
+        return body();
+    } catch (const Error& failure) {
+        completion.EndedBy(failure);
         return decltype(body())();
     }
 }

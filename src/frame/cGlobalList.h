@@ -48,8 +48,10 @@ public:
     /// Writes the row: an update when `GLSaved`, otherwise an insert in a transaction of its own.
     ///
     /// Returns false on both paths; look at `GLSaved`. After an insert `GlobalListID` is the row's
-    /// counter. Raises what the database raises. A failure between begin and commit leaves the
-    /// transaction open on the caller's connection and the object unsaved.
+    /// counter. An update of a row that is gone changes nothing, and nothing tells it. Raises what the
+    /// database raises. A failure between begin and commit (a full disk) leaves the transaction open on the
+    /// caller's connection and the object unsaved: the caller ends it with `RollbackTrans`, or what the
+    /// connection stores from then on is lost when it closes.
     bool Save(Ref<Connection> sConn);
 
     /// Deletes the row when `GLSaved`, which stays as it is. Returns true, whether or not a row was

@@ -5,7 +5,15 @@
 namespace OXClass {
 namespace {
 
-bool Flag(const Variant& value) { return CInt(value) != 0; }
+/// A flag of a column: true unless it is 0.
+bool Flag(const Ref<Recordset>& rs, std::string_view column) {
+    return OfColumn(rs, column, [](const ADODB::Field& field) { return CInt(field.Value()) != 0; });
+}
+
+/// The same, a null as false.
+bool NzFlag(const Ref<Recordset>& rs, std::string_view column) {
+    return OfColumn(rs, column, [](const ADODB::Field& field) { return CInt(NzValue(field.Value())) != 0; });
+}
 
 }  // namespace
 
@@ -34,27 +42,31 @@ bool cImage::GetImage(const Ref<Connection>& Con, Long ImageBildID) {
                 "Where ImageBildID = ", ImageBildID, ";"));
         rs->SetActiveConnection(nullptr);
         const bool found = !rs->Eof();
+        reading_.Begin();
         if (found) GetFromRecord(rs);
         rs->Close();
         return found;
     } catch (const Error& failure) {
-        if (failure.Number == ADODB::UnknownName) return false;
-        throw;
+        if (failure.Number != ADODB::UnknownName) throw;
+        reading_.EndedBy(failure);
+        return false;
     }
 }
 
 void cImage::GetFromRecord(const Ref<Recordset>& rs) {
     // The read of "RootId" in place of "ImageBild_T.RootId" is the one failure that the caller learns of.
     bool repairing = false;
+    reading_.Begin();
     try {
         ReadColumns(rs, repairing);
-    } catch (const Error&) {
+    } catch (const Error& failure) {
+        reading_.EndedBy(failure);
         if (repairing) throw;
     }
 }
 
 void cImage::ReadColumns(const Ref<Recordset>& rs, bool& repairing) {
-    Approved = Flag(NzValue(rs->Fields("Approved").Value()));
+    Approved = NzFlag(rs, "Approved");
     ApprBrightness = Direct<Long>(rs, "Brightness_INT");
     ApprContrast = Direct<Long>(rs, "Contrast_INT");
     dateTime = Direct<Date>(rs, "DateCaptured_SD");
@@ -63,16 +75,17 @@ void cImage::ReadColumns(const Ref<Recordset>& rs, bool& repairing) {
     HWSourceTxt = Joined(rs, "HardwareSourcetxt_NVC");
     ID = Direct<Long>(rs, "ImageBildID");
     ImageType = Direct<xigImageTypes>(rs, "ImageType");
-    ApprInvert = Flag(rs->Fields("Invert_BT").Value());
+    ApprInvert = Flag(rs, "Invert_BT");
     PatID = Direct<Long>(rs, "PatientID");
     RespPerson = Joined(rs, "Responsible_Person_NVC");
     constexpr std::string_view ofImage = "ImageBild_T.RootId";
     repairing = !rs->HasField(ofImage);
     RootId = Direct<Long>(rs, repairing ? "RootId" : ofImage);
     repairing = false;
-    rs->Fields("Status");
-    const Variant directory = rs->Fields("RootDirectory").Value();
-    if (!directory.Is<Null>()) Root_RootDirectory = CStr(directory);
+    OfColumn(rs, "Status", [](const ADODB::Field&) {});
+    OfColumn(rs, "RootDirectory", [&](const ADODB::Field& field) {
+        if (!field.IsNull()) Root_RootDirectory = field.As<String>();
+    });
     AnaRegion = Joined(rs, "AnaRegion");
     AnaRegionMod = Joined(rs, "AnaRegionMod");
     Laterality = Joined(rs, "Laterality");
@@ -87,13 +100,18 @@ void cImage::ReadColumns(const Ref<Recordset>& rs, bool& repairing) {
     studyID = Nz<Long>(rs, "Study_ID");
     seriesID = Nz<Long>(rs, "Series_ID");
     instanceUID = Trim(Joined(rs, "SOPInstanceUID_NVC"));
-    ImageNumberInSeries = CLng(Val(Trim(Joined(rs, "ImageNumberInSeries"))));
+    ImageNumberInSeries = NamingColumn("ImageNumberInSeries",
+                                       [&] { return CLng(Val(Trim(Joined(rs, "ImageNumberInSeries")))); });
     DicomStatus = Nz<Integer>(rs, "DicomStatus_INT");
-    FrameNumber = LateNumber(NzValue(rs->Fields("FrameNumber_INT").Value()));
+    constexpr std::string_view frame = "FrameNumber_INT";
+    FrameNumber =
+        LateNumber(OfColumn(rs, frame, [](const ADODB::Field& field) { return NzValue(field.Value()); }));
     SubType = Nz<Long>(rs, "SubType_INT");
     ApprGamma = Nz<Long>(rs, "Gamma_INT");
     ApprCrop = Trim(Joined(rs, "AnatomicRegion"));
     DCMDerived = Nz<Integer>(rs, "DCMDerived_BT");
+    // A frame that is no number fails whoever asks for it: the row isn't read whole then.
+    NamingColumn(frame, [&] { return Long{FrameNumber}; });
 }
 
 void cImage::addComment(const String& sComment, const String& sSignature, const Date& commentDate,

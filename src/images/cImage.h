@@ -1,5 +1,6 @@
 #pragma once
 
+#include "frame/Completion.h"
 #include "frame/SharedTypes.h"
 #include "images/cComments.h"
 
@@ -48,12 +49,12 @@ public:
     /// Writes the image, and then its comments that aren't stored yet. Returns 0.
     ///
     /// `ID` 0 inserts, and `ID` becomes the newest row of this `URL` and patient; any other updates that
-    /// row, which is not tested to exist. No transaction is opened. Raises 6 for a `Pregnant` beyond 16
-    /// bits, 0x80040E14 for a quote in a text that the statement takes unescaped (`CRC`, `instanceUID`,
-    /// `ApprCrop`, `Laterality`, `AnaRegion`, `AnaRegionMod`, `sTeeth`; on the update also
-    /// `CapturePerson`, `RespPerson`), 91 when the comments were put to nothing, and what the database
-    /// raises. What was written before a failure stays written; a repeated save writes only the comments
-    /// that are still missing.
+    /// row, which is not tested to exist: if it is gone, nothing is written and nothing tells it. No
+    /// transaction is opened. Raises 6 for a `Pregnant` beyond 16 bits, 0x80040E14 for a quote in a text that
+    /// the statement takes unescaped (`CRC`, `instanceUID`, `ApprCrop`, `Laterality`, `AnaRegion`,
+    /// `AnaRegionMod`, `sTeeth`; on the update also `CapturePerson`, `RespPerson`), 91 when the comments were
+    /// put to nothing, and what the database raises. What was written before a failure stays written; a
+    /// repeated save writes only the comments that are still missing.
     Long Save(const Ref<Connection>& Con);
 
     Long ID = 0;  ///< the row's counter; 0: there is no row yet
@@ -92,9 +93,15 @@ public:
     String RespPerson;
     String CapturePerson;  ///< stored by the update alone
 
+    /// How the last `GetImage` or `GetFromRecord` ended, those of `cImages` too. An object whose reading a
+    /// failure ended holds old values in the members behind that column: saving it stores them. No part of
+    /// the interface.
+    const Completion& Reading() const noexcept { return reading_; }
+
     /// Fills the object from the current row of `rs`, column by column in a fixed order; `rs` doesn't
     /// move, and the comments stay. A column that is missing or can't be read ends the reading there
-    /// without a word: the members before it are new, the others old. Only where a record lacks
+    /// without a failure to the caller: the members before it are new, the others old, and `Reading` says so
+    /// to programs in C++. Only where a record lacks
     /// "ImageBild_T.RootId", "RootId" is read in its place; that fails to the caller (3265).
     void GetFromRecord(const Ref<Recordset>& rs);
 
@@ -121,6 +128,11 @@ public:
     /// Raises as `Save`; a failure of the look leaves everything unwritten.
     Long SaveEx(const bool& CheckExistOnID, const Ref<Connection>& Con);
 
+    /// Writes the comments that aren't stored yet, as `Save` does behind the image, and nothing else. `ID`
+    /// names the image, which is not tested to exist. Raises 91 when the comments were put to nothing, and
+    /// what the database raises; those written before a failure stay written. No part of the interface.
+    void SaveComments(const Ref<Connection>& Con);
+
     /// Derive the side, the jaw and the region modifier from the tooth numbers that occur in `sTeeth`.
     /// A text of no known tooth leaves the member as it was. Called by the hanging of a series, and no
     /// part of the interface.
@@ -137,11 +149,11 @@ private:
     void LookForRow(bool checkExistOnID, const Ref<Connection>& con);
     void TakeOverRow(const Ref<Connection>& con);
     void Write(const Ref<Connection>& con, const String& teeth);
-    void WriteComments(const Ref<Connection>& con);
     String InsertStatement(const String& teeth) const;
     String UpdateStatement(const String& teeth) const;
     Long ComputedDPI() const;
 
+    Completion reading_;
     Ref<cComments> comments_ = New<cComments>();
 };
 

@@ -72,7 +72,7 @@ void cImage::Write(const Ref<Connection>& con, const String& teeth) {
     } else {
         con->Execute(UpdateStatement(teeth));
     }
-    WriteComments(con);
+    SaveComments(con);
 }
 
 Long cImage::ComputedDPI() const { return DPIX != 0 && DPIY != 0 ? DPIX : 0; }
@@ -122,11 +122,11 @@ String cImage::UpdateStatement(const String& teeth) const {
         "ExposureTime_F = ", ExposureTime_ms, " WHERE ImageBildID = ", ID, ";");
 }
 
-void cImage::WriteComments(const Ref<Connection>& con) {
+void cImage::SaveComments(const Ref<Connection>& Con) {
     constexpr Long width = 150;
     for (cStringItem& comment : *comments_) {
         if (comment.bSaved) continue;
-        con->Execute(sql("INSERT INTO Comments_T ", "( dates, signature, tabelID, objectID,commentString ) ",
+        Con->Execute(sql("INSERT INTO Comments_T ", "( dates, signature, tabelID, objectID,commentString ) ",
                          "VALUES (", "'", Stamp(comment.DateStamp), "',", "'",
                          FixSqlString(Left(comment.Signature, width)), "', ", "1, ", ID, ", ", "'",
                          FixSqlString(Left(comment.str, width)), "')"));

@@ -21,16 +21,37 @@ String LoadStatement(ImageOwnerOjectTypes owner, Long id, const String& clause) 
     return order;
 }
 
+/// The key of a row, whose reading may have ended before it; 0 for one that can't be read.
+Long KeyOf(const Ref<Recordset>& rs) {
+    return Swallowed([&] { return Direct<Long>(rs, "ImageBildID"); });
+}
+
 }  // namespace
 
 Long cImages::LoadAll4Object(const Ref<Connection>& conn, const ImageOwnerOjectTypes& ObjectType,
                              const Long& ID, const String& SQLWhereClause) {
+    return Load(conn, LoadStatement(ObjectType, ID, SQLWhereClause), true);
+}
+
+Long cImages::LoadReadable(const Ref<Connection>& conn, ImageOwnerOjectTypes ObjectType, Long ID,
+                           const String& SQLWhereClause) {
+    return Load(conn, LoadStatement(ObjectType, ID, SQLWhereClause), false);
+}
+
+Long cImages::Load(const Ref<Connection>& con, const String& statement, bool partlyReadToo) {
     Clear();
-    const Ref<Recordset> rs = OpenClient(conn, LoadStatement(ObjectType, ID, SQLWhereClause));
+    unread_.clear();
+    const Ref<Recordset> rs = OpenClient(con, statement);
     for (; !rs->Eof(); rs->MoveNext()) {
         const Ref<cImage> image = New<cImage>();
-        image->GetFromRecord(rs);
-        AddMember(image, "K" + CStr(image->ID));
+        try {
+            image->GetFromRecord(rs);
+        } catch (const Error&) {
+            if (partlyReadToo) throw;
+        }
+        const bool whole = image->Reading().Complete();
+        if (!whole) unread_.push_back({KeyOf(rs), image->Reading().Failure()});
+        if (whole || partlyReadToo) AddMember(image, "K" + CStr(image->ID));
     }
     const Long count = Count();
     rs->Close();

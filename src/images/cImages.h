@@ -24,6 +24,15 @@ public:
     Long LoadAll4Object(const Ref<Connection>& conn, const ImageOwnerOjectTypes& ObjectType, const Long& ID,
                         const String& SQLWhereClause = {});
 
+    /// The same without the rows that can't be read whole; only `Unread` has them, and none raises. No part
+    /// of the interface.
+    Long LoadReadable(const Ref<Connection>& conn, ImageOwnerOjectTypes ObjectType, Long ID,
+                      const String& SQLWhereClause = {});
+
+    /// The rows that the last load of either kind could not read whole, in their order. No part of the
+    /// interface.
+    const std::vector<UnreadRow>& Unread() const noexcept { return unread_; }
+
     /// Makes an image of these values, adds it at the end, under `sKey` if that is not empty, and gives
     /// it. The given comments are shared, not copied. Raises 457 for a key that is present.
     Ref<cImage> Add(const String& URL, const Long& ID, const xigImageTypes& ImageType, const String& sTeeth,
@@ -46,6 +55,11 @@ public:
     Ref<cImage> AddObject(Ref<cImage>& oImage, const String& sKey = {});
 
     const Interface& Describe() const override;
+
+private:
+    Long Load(const Ref<Connection>& con, const String& statement, bool partlyReadToo);
+
+    std::vector<UnreadRow> unread_;
 };
 
 }  // namespace OXClass

@@ -8,11 +8,19 @@ namespace {
 /// A date as its text column holds it: empty for the zero date.
 String DateColumn(Date date) { return date.Days == 0 ? String() : FormatDate(date, "YYYY-MM-DD"); }
 
+/// What the zero date in place of a text that is no date is told as.
+Error NoDate(const char* column) {
+    Error failure(err::TypeMismatch, cPatient::ClassName, DescriptionOf(err::TypeMismatch));
+    failure.Column = column;
+    return failure;
+}
+
 }  // namespace
 
 Long cPatient::LoadOnPatientID(const String&) { return 0; }
 
 Long cPatient::LoadOnPatientIDorPDBID(Ref<Connection> Con, const String& sPatientID, const Long& PDBID) {
+    reading_.Begin();
     return Boxed(
         [&]() -> Long {
             const Ref<Recordset> rs =
@@ -23,7 +31,8 @@ Long cPatient::LoadOnPatientIDorPDBID(Ref<Connection> Con, const String& sPatien
             ReadRow(rs);
             return 1;
         },
-        [](const Error& e) {
+        [&](const Error& e) {
+            reading_.EndedBy(e);
             return "OXClass.LoadOnPatientIDorpdbid error: " + CStr(e.Number) + " " + e.Description;
         });
 }
@@ -34,7 +43,8 @@ void cPatient::ReadRow(const Ref<Recordset>& rs) {
     LastName = Joined(rs, "LastName_NVC");
     PatientID = UCase(Trim(Joined(rs, "PersonNr_CH")));
     const String birth = Trim(Joined(rs, "Birthdate_CH"));
-    BirthDate = IsDate(birth) ? CDate(birth) : Date{};
+    const bool born = IsDate(birth);
+    BirthDate = born ? CDate(birth) : Date{};
     Sex = Joined(rs, "Sex_CH");
     Address = Joined(rs, "Address_NVC");
     TelOne = Joined(rs, "TelOne_NVC");
@@ -47,6 +57,7 @@ void cPatient::ReadRow(const Ref<Recordset>& rs) {
     RespDoctor = Nz<Long>(rs, "RespDoctor");
     const bool xrayed = !Trim(Joined(rs, "PrevXrayDate_CH")).empty();
     PrevXrayDate = xrayed ? Direct<Date>(rs, "PrevXrayDate_CH") : Date{};
+    if (!born && !birth.empty()) reading_.EndedBy(NoDate("Birthdate_CH"));
 }
 
 String cPatient::OtherIDsColumn() const {

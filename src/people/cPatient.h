@@ -1,5 +1,6 @@
 #pragma once
 
+#include "frame/Completion.h"
 #include "people/OtherPatIDs.h"
 
 namespace OXClass {
@@ -42,6 +43,10 @@ public:
     /// members read before it keep their new values.
     Long LoadOnPatientIDorPDBID(Ref<Connection> Con, const String& PatientID, const Long& PDBID);
 
+    /// How the last load ended. A birth date that is no date counts as a failure: the load goes on, but
+    /// saving the object would replace the text. No part of the interface.
+    const Completion& Reading() const noexcept { return reading_; }
+
     String IDImg;
     Date PrevXrayDate;
     String Comments;
@@ -58,6 +63,8 @@ private:
     String UpdateStatement() const;
     String InsertStatement() const;
     String OtherIDsColumn() const;
+
+    Completion reading_;
 };
 
 }  // namespace OXClass

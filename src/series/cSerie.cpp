@@ -36,7 +36,7 @@ void cSerie::ReadRow(const Ref<Recordset>& rs) {
     studyID = Nz<Long>(rs, "Study_ID");
     OrgServer = Nz<Long>(rs, "orgServerID");
     SeriesDescription = Joined(rs, "SeriesDescription");
-    SeriesDateTime = WholeSeconds(NzValue(rs->Fields("SeriesDateTime").Value()));
+    SeriesDateTime = NzWholeSeconds(rs, "SeriesDateTime");
     SeriesDerived = Nz<double>(rs, "Derived_BT") != 0;
     location = Nz<gdcmObjectLocation>(rs, "location");
     if (ImgCount == 0) ImgCount = Nz<Long>(rs, "NumberOfImages");

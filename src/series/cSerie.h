@@ -73,10 +73,14 @@ public:
     /// string of teeth that are none, and what the database raises; what was changed before stays.
     Long HangSeries(const Ref<Walkable>& colImgs, const Ref<Connection>& conn);
 
+    /// Fills the object from the current row of Series_T, as `loadSeries` does. Raises 13 or 6 for a value
+    /// that a member can't take, and names the column; the members read before it stay new. No part of the
+    /// interface.
+    void ReadRow(const Ref<Recordset>& rs);
+
     const Interface& Describe() const override;
 
 private:
-    void ReadRow(const Ref<Recordset>& rs);
     void WriteRow(const Ref<Recordset>& rs) const;
 };
 

@@ -32,7 +32,7 @@ bool cStudy::loadStudy(String Study, const Ref<Connection>& Con) {
 
 void cStudy::ReadRow(const Ref<Recordset>& rs) {
     accessionNumber = Direct<String>(rs, "accessionNumber");
-    dateTime = WholeSeconds(rs->Fields("StudyDateTime").Value());
+    dateTime = WholeSeconds(rs, "StudyDateTime");
     description = Direct<String>(rs, "Studydesc");
     ID = Direct<Long>(rs, "Study_ID");
     instanceUID = Direct<String>(rs, "StudyInstanceUID");

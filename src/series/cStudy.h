@@ -15,9 +15,9 @@ public:
 
     /// Loads the study with this UID (a text with a ".") or with this key. Returns false and changes
     /// nothing if there is none. Raises, with "cStudy.loadStudy, " in front of the source, 94 for a null
-    /// in any column but `studyID` (the property stays) and `PhysOfRecord` (13 for one in the date), 0x80040E14
-    /// for a text that is neither a UID nor a number, and what the database raises; members read before
-    /// stay new.
+    /// in any column but `studyID` (the property stays) and `PhysOfRecord` (13 for one in the date),
+    /// 0x80040E14 for a text that is neither a UID nor a number, and what the database raises; members read
+    /// before stay new.
     bool loadStudy(String Study, const Ref<Connection>& Con);
 
     /// Writes the study and returns true; `ID` becomes the row's key. The row is looked for by `ID` where
@@ -25,8 +25,8 @@ public:
     ///
     /// Quotes are stored doubled in description, `studyID` and `PhysOfRecord`, and texts are cut to the
     /// columns' widths; an empty UID is stored as "TOM"; a patient of 0 is not written. A column that the
-    /// table lacks is passed over. Raises, with "cStudy.SaveStudy, " in front of the source, what else
-    /// the database raises; nothing is written then.
+    /// table lacks is passed over, and the result is true all the same. Raises, with "cStudy.SaveStudy, " in
+    /// front of the source, what else the database raises; nothing is written then.
     bool savestudy(const bool& CheckExistOnID, const Ref<Connection>& Con);
 
     Long PatientID = 0;

@@ -7,12 +7,13 @@ using namespace ADODB;
 
 int failAt = 0;
 int calls = 0;
+Error failsWith;
+std::function<void()> between;
 
 void Count() {
-    if (++calls != failAt) return;
-    Error failure(Failed, "SQLite", "injected");
-    failure.Provider = "SQLite";
-    throw failure;
+    ++calls;
+    if (between) between();
+    if (calls == failAt) throw Error(failsWith);
 }
 
 class FaultySession final : public Session {
@@ -59,10 +60,26 @@ void InstallFaultyProvider() {
     static_cast<void>(installed);
 }
 
-void FailAtCall(int number) {
+Error Injected() {
+    Error failure(Failed, "SQLite", "injected");
+    failure.Provider = "SQLite";
+    return failure;
+}
+
+Error DiskFull() {
+    Error failure(Failed, "SQLite", "database or disk is full");
+    failure.Provider = "SQLite";
+    failure.NativeError = 13;
+    return failure;
+}
+
+void FailAtCall(int number, const Error& failure) {
     failAt = number;
+    failsWith = failure;
     calls = 0;
 }
+
+void BeforeEachCall(std::function<void()> action) { between = std::move(action); }
 
 int CallsSoFar() { return calls; }
 

@@ -9,9 +9,17 @@ namespace TestKit {
 
 void InstallFaultyProvider();
 
-/// Makes the call of this number, from 1, fail with E_FAIL "injected"; 0 lets all calls through. Counting
-/// starts anew.
-void FailAtCall(int number);
+/// E_FAIL "injected", and what the engine reports for a full disk.
+Error Injected();
+Error DiskFull();
+
+/// Makes the call of this number, from 1, fail with `failure`; 0 lets all calls through. Counting starts
+/// anew.
+void FailAtCall(int number, const Error& failure = Injected());
+
+/// Runs `action` before each call from now on; nothing ends that. The action stands for what other programs
+/// do between two calls, and counts no calls itself.
+void BeforeEachCall(std::function<void()> action);
 
 /// How many calls reached the database since `FailAtCall`.
 int CallsSoFar();

@@ -198,6 +198,25 @@ TEST_F(Patient, ABadBirthDateLoadsAsZeroInSilence) {
     EXPECT_THAT(boxes.shown, IsEmpty());
 }
 
+TEST_F(Patient, ALoadThatIsNotWholeNamesTheColumn) {
+    const TextBoxes boxes;
+    Run("INSERT INTO Patient_T (PersonNr_CH, Birthdate_CH) VALUES ('A', '1984-02-29')");
+    EXPECT_EQ(Load("A"), 1);
+    EXPECT_TRUE(patient->Reading().Complete());
+    Run("UPDATE Patient_T SET PrevXrayDate_CH='soon'");
+    EXPECT_EQ(Load("A"), 0);
+    EXPECT_EQ(patient->Reading().Failure().Column, "PrevXrayDate_CH");
+    EXPECT_EQ(patient->Reading().Failure().Number, 13);
+    EXPECT_EQ(Load("B"), 0);
+    EXPECT_TRUE(patient->Reading().Complete()) << "there is no such patient";
+    Run("UPDATE Patient_T SET PrevXrayDate_CH='', Birthdate_CH='1984'");
+    EXPECT_EQ(Load("A"), 1) << "as documented, the birth date is the zero date then";
+    EXPECT_EQ(patient->Reading().Failure().Column, "Birthdate_CH");
+    Run("UPDATE Patient_T SET Birthdate_CH=' '");
+    EXPECT_EQ(Load("A"), 1);
+    EXPECT_TRUE(patient->Reading().Complete());
+}
+
 TEST_F(Patient, ABadPreviousXrayDateIsShownInATextBox) {
     Run("INSERT INTO Patient_T (PatientID, PersonNr_CH, FirstName_NVC, RespDoctor, PrevXrayDate_CH)"
         " VALUES (5, 'A', 'Ann', 8, 'last week')");

@@ -33,14 +33,16 @@ public:
     String SQLState;       ///< five characters, or empty where the engine has none
     String Statement;      ///< the statement that failed, as it was written
 
+    String Column;  ///< the column whose value could not be read; empty for every other failure
+
     /// `Description`; valid as long as this object.
     const char* what() const noexcept override { return Description.c_str(); }
 };
 
 /// Numbers of the runtime's failures, as far as this system meets or raises them.
 namespace err {
-constexpr Long InvalidCall = 5;    ///< an argument that the operation cannot work with
-constexpr Long Overflow = 6;       ///< a number outside the range of its type
+constexpr Long InvalidCall = 5;  ///< an argument that the operation cannot work with
+constexpr Long Overflow = 6;     ///< a number outside the range of its type
 constexpr Long OutOfMemory = 7;
 constexpr Long OutOfBounds = 9;    ///< a position that an array or a collection doesn't have
 constexpr Long TypeMismatch = 13;  ///< a value that has no form of the wanted type

@@ -63,6 +63,25 @@ TEST_F(ConnectionTest, ReadModeChangesNothing) {
     reader->RollbackTrans();
 }
 
+TEST_F(ConnectionTest, SnapshotModeReadsAFileWithoutAFileBesideIt) {
+    Run("INSERT INTO Root_T (RootID, RootDirectory) VALUES (1, 'a')");
+    con->Unadvise(log);
+    con->Close();
+    const std::filesystem::path odd = folder.Path() / "100% odd#name?.db";
+    std::filesystem::rename(Path(), odd);
+    const auto names = [&] { return std::distance(std::filesystem::directory_iterator(folder.Path()), {}); };
+    const auto before = names();
+    const Ref<Connection> reader = New<Connection>();
+    reader->Open("Provider=SQLite;Mode=Snapshot;Data Source='" + odd.string() + "'");
+    EXPECT_EQ(CLng(reader->Execute("SELECT count(*) FROM Root_T")->Fields(0).Value()), 1);
+    EXPECT_EQ(FailureOf([&] { reader->Execute("DELETE FROM Root_T"); }).Number, NoPermission);
+    EXPECT_EQ(names(), before);
+    reader->Close();
+    std::filesystem::rename(odd, Path());
+    con->Open();
+    con->Advise(log);
+}
+
 TEST_F(ConnectionTest, AnActionStatementGivesAClosedRecordsetAndItsCount) {
     Long count = 0;
     Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1,'a',1),(2,'b',0)");

@@ -118,6 +118,8 @@ private:
     void Walk(Plan& plan, Outcome& outcome, std::string_view text) {
         sqlite3_stmt* const compiled = plan.Compiled();
         int code = sqlite3_step(compiled);
+        // Each later call replaces the engine's error: it is raised before the columns are asked for.
+        if (code != SQLITE_ROW && code != SQLITE_DONE) RaiseSqlite(database_.get(), text);
         // The engine compiles anew when a table has changed, and the columns with it.
         if (sqlite3_stmt_status(compiled, SQLITE_STMTSTATUS_REPREPARE, 1) > 0) plan.ForgetColumns();
         outcome.columns = plan.ResultColumns(database_.get());
@@ -157,10 +159,28 @@ private:
 
 int FlagsOf(const String& mode) {
     if (EqualsIgnoringCase(mode, "Read")) return SQLITE_OPEN_READONLY;
+    if (EqualsIgnoringCase(mode, "Snapshot")) return SQLITE_OPEN_READONLY | SQLITE_OPEN_URI;
     if (EqualsIgnoringCase(mode, "ReadWrite")) return SQLITE_OPEN_READWRITE;
     if (EqualsIgnoringCase(mode, "Create")) return SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
     RaiseAdo(MultipleStepFailed, "ADODB.Connection",
-             "Mode=" + mode + " can't be honoured; it is Read, ReadWrite or Create.");
+             "Mode=" + mode + " can't be honoured; it is Read, Snapshot, ReadWrite or Create.");
+}
+
+/// A file's name as a URI whose file the engine takes as one that nobody changes.
+String SnapshotName(const String& file) {
+    constexpr std::string_view plain = "/-._~";
+    String name = file.starts_with("//") ? "file://" : "file:";
+    for (const char c : file) {
+        const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+        if (letter || plain.find(c) != std::string_view::npos) {
+            name += c;
+            continue;
+        }
+        constexpr std::string_view digits = "0123456789ABCDEF";
+        const auto byte = static_cast<unsigned char>(c);
+        name += {'%', digits[byte >> 4U], digits[byte & 0xFU]};
+    }
+    return name + "?immutable=1";
 }
 
 void RequireKnownSettings(const ConnectionString& settings) {
@@ -189,14 +209,15 @@ void SetUp(sqlite3* database, bool readOnly) {
 std::unique_ptr<Session> OpenSqlite(const ConnectionString& settings) {
     RequireKnownSettings(settings);
     const int flags = FlagsOf(settings.Value("Mode", "ReadWrite"));
-    const bool readOnly = (flags & SQLITE_OPEN_READONLY) != 0;
+    const String file = settings.Value("Data Source");
+    const String name = (flags & SQLITE_OPEN_URI) != 0 ? SnapshotName(file) : file;
     sqlite3* opened = nullptr;
-    const int code =
-        sqlite3_open_v2(settings.Value("Data Source").c_str(), &opened, flags | SQLITE_OPEN_NOMUTEX, nullptr);
+    const int code = sqlite3_open_v2(name.c_str(), &opened, flags | SQLITE_OPEN_NOMUTEX, nullptr);
     Database database(opened);
     if (code != SQLITE_OK) RaiseSqlite(opened, {});
-    SetUp(opened, readOnly);
-    return std::make_unique<SqliteSession>(std::move(database), readOnly);
+    SetUp(opened, (flags & SQLITE_OPEN_READONLY) != 0);
+    // The engine opens a file without write permission for reading, whatever was asked for.
+    return std::make_unique<SqliteSession>(std::move(database), sqlite3_db_readonly(opened, "main") == 1);
 }
 
 }  // namespace ADODB

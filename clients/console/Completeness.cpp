@@ -1,0 +1,77 @@
+#include "console/Completeness.h"
+
+#include <fmt/format.h>
+
+namespace Console {
+
+using namespace OXClass;
+
+namespace {
+
+/// Runs a load; what it raises about a column becomes the `Complaint` that names the row.
+template <class Load>
+void RefusingDamage(const std::string& row, Load load) {
+    try {
+        load();
+    } catch (const Error& failure) {
+        if (failure.Column.empty()) throw;
+        RefuseDamaged(row, failure);
+    }
+}
+
+}  // namespace
+
+std::string DamageOf(const Error& failure) {
+    return failure.Column.empty() ? failure.Description : failure.Column + ": " + failure.Description;
+}
+
+void RefuseDamaged(const std::string& row, const Error& failure) {
+    if (failure.Column.empty())
+        throw Complaint(
+            fmt::format("{} can't be read whole, and nothing was changed: {}", row, failure.Description));
+    throw Complaint(fmt::format(
+        "{} can't be read whole, and nothing was changed: correct its column {} in the database ({})", row,
+        failure.Column, failure.Description));
+}
+
+void RequireComplete(const Completion& reading, const std::string& row) {
+    if (!reading.Complete()) RefuseDamaged(row, reading.Failure());
+}
+
+void RequireComplete(const cImages& images) {
+    if (images.Unread().empty()) return;
+    const UnreadRow& first = images.Unread().front();
+    RefuseDamaged(fmt::format("image {}", first.ID), first.Failure);
+}
+
+Ref<cImage> LoadWholeImage(const Ref<Connection>& con, Long number) {
+    const std::string name = fmt::format("image {}", number);
+    Ref<cImage> image = New<cImage>();
+    bool found = false;
+    RefusingDamage(name, [&] { found = image->GetImage(con, number); });
+    RequireComplete(*image, name);
+    if (!found) throw Complaint(fmt::format("there is no {}; see: oxclass images", name));
+    return image;
+}
+
+void LoadWhole(const Ref<Connection>& con, cImagecard& card, Long number) {
+    const std::string name = fmt::format("card IC{}", number);
+    RefusingDamage(name, [&] { WithoutTextBoxes([&] { card.GetImageCard(con, number); }); });
+    RequireComplete(card, "a placed image of " + name);
+    if (number == 0 || card.ICID == 0)
+        throw Complaint(fmt::format("there is no image {}; see: oxclass cards PATIENT", name));
+    for (const auto& placed : Each<cImagecardAttribute>(*card.ImagecardAttributes))
+        RequireComplete(placed, fmt::format("a manipulation of placed image {} of {}", placed.ID, name));
+}
+
+void SaveWhole(const Ref<Connection>& con, cImagecard& card) {
+    card.Save(con);
+    for (const auto& placed : Each<cImagecardAttribute>(*card.ImagecardAttributes))
+        if (!placed.Saving().Complete())
+            throw Complaint(
+                fmt::format("the manipulations of placed image {} of card IC{} can't be stored, and nothing "
+                            "was changed: {}",
+                            placed.ID, card.ICID, placed.Saving().Failure().Description));
+}
+
+}  // namespace Console
