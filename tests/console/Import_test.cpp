@@ -149,6 +149,18 @@ TEST_F(ImportTest, SequencesNestedDeeperThanAnyRadiographHasAreRefused) {
     EXPECT_THAT(run.out, HasSubstr("2 files: 1 new images stored"));
 }
 
+TEST_F(ImportTest, AFilmWhosePictureCannotBeDrawnIsStoredAndTold) {
+    Init();
+    Write("2.25.5", 1, FullMouth18[7], [](DcmDataset& set) {
+        set.putAndInsertString(DCM_PhotometricInterpretation, "YBR_PARTIAL_420");
+        set.putAndInsertUint16(DCM_SamplesPerPixel, 3);
+    });
+    const Result run = Import();
+    EXPECT_EQ(run.code, 0);
+    EXPECT_THAT(run.err, HasSubstr("2.25.5-101.dcm: stored, but it has no picture: "));
+    EXPECT_EQ(OkJson({"images"}).size(), 1U);
+}
+
 TEST_F(ImportTest, AnAcquisitionDiscIsImportedWithoutAMessagePerFile) {
     Init();
     WriteSeries("2.25.5", {FullMouth18[7]});

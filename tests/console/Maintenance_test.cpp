@@ -64,6 +64,13 @@ TEST_F(Maintenance, RowsWithoutTheirOwnerAreFound) {
     EXPECT_EQ(Found().size(), 3U);
 }
 
+TEST_F(Maintenance, RowsThatCannotBeReadWholeAreNamedWithTheirColumn) {
+    Run("UPDATE ImageBild_T SET Brightness_INT = NULL WHERE ImageBildID = 3");
+    EXPECT_THAT(Found(), ElementsAre("damaged-row"));
+    const Result run = Try({"--db", Database(), "check"});
+    EXPECT_THAT(run.out, ::testing::ContainsRegex("damaged-row +image 3 +Brightness_INT"));
+}
+
 TEST_F(Maintenance, TwoImagesOfOneIdentifierAndPatientsOfTwoNamesAreFound) {
     Run("UPDATE ImageBild_T SET SOPInstanceUID_NVC = '2.25.5.1' WHERE ImageBildID = 2");
     Run("UPDATE Patient_T SET LastName_NVC = 'Berg' WHERE PatientID = 2");

@@ -1,6 +1,7 @@
 #include "console/import/ReadFile.h"
 
 #include "console/Output.h"
+#include "console/dicom/DicomPicture.h"
 #include "platform/runtime/Text.h"
 
 #include <fmt/format.h>
@@ -35,7 +36,7 @@ json Read(const std::string& path) {
     RequireUid(file.studyUID, "Study Instance UID");
     RequireUid(file.seriesUID, "Series Instance UID");
     RequireUid(file.sopInstanceUID, "SOP Instance UID");
-    return {{"file", file}};
+    return {{"file", file}, {"noPicture", WhyNoPicture(path)}};
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "console/maintenance/ClinicCheck.h"
 
+#include "console/Completeness.h"
 #include "console/import/ReadFile.h"
 #include "console/import/Staging.h"
 #include "console/maintenance/ClinicFiles.h"
@@ -191,7 +192,19 @@ private:
         }
     }
 
-    void DamagedImages() {}
+    /// Patient by patient, so that the memory that this takes doesn't grow with the clinic.
+    void DamagedImages() {
+        const Ref<Recordset> patients = clinic_.Read("SELECT DISTINCT PatientID FROM ImageBild_T");
+        for (; !patients->Eof(); patients->MoveNext()) {
+            const ADODB::Field patient = patients->Fields(0);
+            const Ref<cImages> images = New<cImages>();
+            images->LoadReadable(con_, iootUnknown, 0,
+                                 patient.IsNull() ? String("where PatientID IS NULL")
+                                                  : sql("where PatientID=", patient.As<Long>()));
+            for (const UnreadRow& row : images->Unread())
+                Found("damaged-row", fmt::format("image {}", row.ID), DamageOf(row.Failure));
+        }
+    }
 
     void DoubleImages() {
         const Ref<Recordset> rows = clinic_.Read(
