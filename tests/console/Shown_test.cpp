@@ -113,6 +113,14 @@ TEST_F(Shown, FilmsOfUnknownAnatomyAreMarkedAsPlacedByTimeOnly) {
     EXPECT_THAT(Report("P-1.2.3"), HasSubstr("<td>placed by time only</td>"));
 }
 
+TEST_F(Shown, AFilmWhoseTextOfTeethNamesNoneIsPlacedByTimeOnly) {
+    Write("1.2.3", 1, {{}, ""});
+    Import();
+    Run("UPDATE ImageBild_T SET PriStructure = 'molar'");
+    Ok({"hang", "1"});
+    EXPECT_THAT(Listed<std::string>("placed"), ElementsAre("by time only"));
+}
+
 TEST_F(Shown, KnownAnatomyAndViewsOfTheHeadAreNotMarked) {
     Write("1.2.3", 1, {{}, ""}, [](DcmDataset& set) {
         DcmItem* region = nullptr;

@@ -1,5 +1,6 @@
 #include "console/page/Page.h"
 
+#include "anatomy/ToothString.h"
 #include "console/Commands.h"
 #include "console/dicom/DicomCodes.h"
 #include "frame/StoredName.h"
@@ -92,6 +93,15 @@ std::string TeethByQuadrant(const std::string& teeth) {
     return text;
 }
 
+/// False for an image without teeth, and for one whose tooth string is none: it hangs as one without teeth.
+bool HasTeeth(const cImage& image) {
+    try {
+        return OXClass::TeethOf(image.sTeeth).any();
+    } catch (const Error&) {
+        return false;
+    }
+}
+
 Ref<cUniCard> OpenCard(const Clinic& clinic, Long number) {
     Ref<cUniCard> entry = New<cUniCard>();
     entry->Imagecard = New<cImagecard>();
@@ -124,7 +134,7 @@ std::string CaptionOf(const cImage& image) {
 bool IsPlacedByTimeOnly(const cImage& image) {
     const bool head = image.ImageType == imggTypeDXPanoramic || image.ImageType == imggTypeDXCephalometric ||
                       image.ImageType == imggTypeDXSkull;
-    const bool known = !image.sTeeth.empty() || !image.AnaRegion.empty() || !image.AnaRegionMod.empty();
+    const bool known = HasTeeth(image) || !image.AnaRegion.empty() || !image.AnaRegionMod.empty();
     return image.FrameNumber > 0 && !known && !head;
 }
 
