@@ -1,6 +1,7 @@
 #include "console/page/Page.h"
 
 #include "console/Commands.h"
+#include "console/Completeness.h"
 #include "console/dicom/DicomCodes.h"
 #include "frame/StoredName.h"
 
@@ -59,7 +60,7 @@ PlacedPicture Placed(const cUniCard& entry, const cImagecardAttribute& attribute
     const Ref<cImage> image = ImageOf(entry, attribute);
     if (!image) {
         placed.caption = fmt::format("image {}", attribute.ImageID);
-        placed.missing = "the image is not in the database";
+        placed.missing = WhyNoImage(entry, attribute.ImageID);
         return placed;
     }
     Fill(placed, *image, PixelsOf(placed.box, page, pixelWidth));
@@ -95,10 +96,10 @@ std::string TeethByQuadrant(const std::string& teeth) {
 Ref<cUniCard> OpenCard(const Clinic& clinic, Long number) {
     Ref<cUniCard> entry = New<cUniCard>();
     entry->Imagecard = New<cImagecard>();
-    ComplainOfTextBoxes([&] { entry->Imagecard->GetImageCard(clinic.Con(), number); });
+    WithoutTextBoxes([&] { entry->Imagecard->GetImageCard(clinic.Con(), number); });
     if (number == 0 || entry->Imagecard->ICID == 0)
         throw Complaint(fmt::format("there is no image card IC{}; see: oxclass cards PATIENT", number));
-    ComplainOfTextBoxes([&] { entry->LoadCardFull(clinic.Con(), {}, number, ctImagecard); });
+    LoadReadable(clinic.Con(), *entry);
     return entry;
 }
 
@@ -107,7 +108,7 @@ Ref<cUniCard> OpenSeries(const Clinic& clinic, Long number) {
     entry->Series = New<cSerie>();
     if (!entry->Series->loadSeries(CStr(number), clinic.Con()))
         throw Complaint(fmt::format("there is no series SE{}; see: oxclass series", number));
-    entry->LoadCardFull(clinic.Con(), {}, number, ctseries);
+    LoadReadable(clinic.Con(), *entry);
     return entry;
 }
 
