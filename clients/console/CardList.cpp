@@ -1,6 +1,5 @@
 #include "console/CardList.h"
 
-#include "console/Completeness.h"
 #include "frame/Statement.h"
 
 #include <fmt/format.h>
@@ -39,20 +38,12 @@ void Remove(const Clinic& clinic, Long orphan, CardList& list) {
 
 }  // namespace
 
-CardList ListReadableCards(const Clinic& clinic, const std::string& patient) {
+CardList ListCards(const Clinic& clinic, const std::string& patient) {
     CardList list{.patient = LoadPatient(clinic, patient), .entries = New<cUniCards>()};
     Readable found = list.entries->ListReadable(clinic.Con(), list.patient->ID);
     list.damaged = std::move(found.unread);
     for (const Long orphan : found.orphans) Remove(clinic, orphan, list);
     return list;
-}
-
-CardList ListCards(const Clinic& clinic, const std::string& patient) {
-    CardList list = ListReadableCards(clinic, patient);
-    if (list.damaged.empty()) return list;
-    const UnreadEntry& first = list.damaged.front();
-    throw Complaint(fmt::format("{} of patient {} can't be read; correct its row in the database ({})",
-                                first.Key, list.patient->PatientID, DamageOf(first.Failure)));
 }
 
 std::map<Long, ImagesOfEntry> ImagesOfCards(const Clinic& clinic, Long patient) {

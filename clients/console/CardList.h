@@ -20,9 +20,6 @@ struct CardList {
 /// Lists what can be read of the cards and series of a patient. A series without image files that nobody
 /// captures any more is deleted, where the database can be written, unless one of its images can't be read.
 /// Throws `Complaint` for an unknown patient.
-CardList ListReadableCards(const Clinic& clinic, const std::string& patient);
-
-/// The same, for callers who have no place for what is damaged: throws `Complaint` for the first of it.
 CardList ListCards(const Clinic& clinic, const std::string& patient);
 
 /// How many images an entry shows, and whether all of them are approved.

@@ -27,7 +27,7 @@ const char* PlaceOf(const cUniCard& entry) {
 void ShowCards(Program& program, const std::string& patient) {
     const Options& options = program.options;
     const Clinic clinic(options);
-    const CardList list = ListReadableCards(clinic, patient);
+    const CardList list = ListCards(clinic, patient);
     const auto cards = ImagesOfCards(clinic, list.patient->ID);
     List shown({{"key", "Key"},
                 {"kind", "Kind"},

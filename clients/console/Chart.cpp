@@ -1,5 +1,6 @@
 #include "console/Chart.h"
 
+#include "console/Completeness.h"
 #include "console/page/Page.h"
 #include "images/cImages.h"
 
@@ -81,7 +82,7 @@ std::vector<std::u16string> Lines(Long number, const std::string& label, int wid
 
 Ref<cImages> ImagesOf(const Clinic& clinic, Long series) {
     Ref<cImages> images = New<cImages>();
-    images->LoadAll4Object(clinic.Con(), iootSeries, series);
+    images->LoadReadable(clinic.Con(), iootSeries, series);
     return images;
 }
 
@@ -114,7 +115,7 @@ namespace {
 
 /// What is said of the images of a series below its chart.
 struct Remarks {
-    std::vector<std::string> unplaced, byTimeOnly, withoutPicture;
+    std::vector<std::string> unplaced, byTimeOnly, withoutPicture, damaged;
 
     void Print() const {
         const auto print = [](const char* what, const std::vector<std::string>& images) {
@@ -124,6 +125,7 @@ struct Remarks {
         print("Hanging nowhere", unplaced);
         print("Placed by time only, as nothing of their anatomy is known", byTimeOnly);
         print("No picture", withoutPicture);
+        print("Damaged", damaged);
     }
 };
 
@@ -146,13 +148,14 @@ std::string Label(const cImage& image, Remarks& remarks) {
 
 }  // namespace
 
-void PrintHungSeries(const Clinic& clinic, Long number) {
+bool PrintHungSeries(const Clinic& clinic, Long number) {
     const Ref<cSerie> series = LoadSeries(clinic.Con(), number);
     const Ref<cTemplate> layout = New<cTemplate>();
     layout->GetTemplate(clinic.Con(), 0, series->TemplateID);
     std::map<Long, std::string> labels;
     Remarks remarks;
     const Ref<cImages> images = ImagesOf(clinic, number);
+    remarks.damaged = DamagesOf(*images);
     for (const cImage& image : *images) {
         const std::string label = Label(image, remarks);
         if (image.FrameNumber > 0) labels[image.FrameNumber] = label;
@@ -162,9 +165,10 @@ void PrintHungSeries(const Clinic& clinic, Long number) {
                Printable(layout->TCName));
     fmt::print("{}", ChartOf(*layout, labels));
     remarks.Print();
+    return remarks.damaged.empty();
 }
 
-void ShowSeries(const Options& options, Long number) {
+bool ShowSeries(const Options& options, Long number) {
     const Clinic clinic(options);
     if (!options.json) return PrintHungSeries(clinic, number);
     const Ref<cSerie> series = LoadSeries(clinic.Con(), number);
@@ -183,7 +187,9 @@ void ShowSeries(const Options& options, Long number) {
                                   {"modifier", image.AnaRegionMod},
                                   {"byTimeOnly", IsPlacedByTimeOnly(image)},
                                   {"noPicture", WhyNoPicture(image)}});
+    json["damaged"] = DamagesOf(*images);
     PrintJson(json);
+    return images->Unread().empty();
 }
 
 }  // namespace Console

@@ -18,11 +18,11 @@ OXClass::Ref<OXClass::cSerie> LoadSeries(const Ref<Connection>& con, Platform::L
 std::string ChartOf(const OXClass::cTemplate& layout, const std::map<Platform::Long, std::string>& labels);
 
 /// Draws a series as it hangs, and names the images that hang nowhere, that are placed by time only and that
-/// have no picture; as JSON, its images by frame.
+/// have no picture; as JSON, its images by frame. Returns false if an image can't be read, which is named.
 /// Throws `Complaint` for an unknown series.
-void ShowSeries(const Options& options, Platform::Long series);
+bool ShowSeries(const Options& options, Platform::Long series);
 
-/// Draws a stored series on an open database, as text.
-void PrintHungSeries(const Clinic& clinic, Platform::Long series);
+/// Draws a stored series on an open database, as text. Returns false if an image can't be read.
+bool PrintHungSeries(const Clinic& clinic, Platform::Long series);
 
 }  // namespace Console

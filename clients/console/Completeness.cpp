@@ -19,7 +19,41 @@ void RefusingDamage(const std::string& row, Load load) {
     }
 }
 
+std::string LineOn(const std::string& row, const Error& failure) {
+    return fmt::format("{} can't be read: {}", row, DamageOf(failure));
+}
+
 }  // namespace
+
+void LoadReadable(const Ref<Connection>& con, cUniCard& entry) {
+    WithoutTextBoxes([&] { entry.LoadReadable(con); });
+}
+
+std::vector<std::string> DamagesOf(const cImages& images) {
+    std::vector<std::string> lines;
+    for (const UnreadRow& row : images.Unread())
+        lines.push_back(LineOn(fmt::format("image {}", row.ID), row.Failure));
+    return lines;
+}
+
+std::vector<std::string> DamagesOf(const cUniCard& entry) {
+    std::vector<std::string> lines = DamagesOf(*entry.colImages);
+    const cImagecard& card = *entry.Imagecard;
+    if (!card.Reading().Complete())
+        lines.push_back(LineOn(fmt::format("a placed image of IC{}, and those behind it,", card.ICID),
+                               card.Reading().Failure()));
+    for (const auto& placed : Each<cImagecardAttribute>(*card.ImagecardAttributes))
+        if (!placed.Reading().Complete())
+            lines.push_back(LineOn(fmt::format("a manipulation of placed image {}", placed.ID),
+                                   placed.Reading().Failure()));
+    return lines;
+}
+
+std::string WhyNoImage(const cUniCard& entry, Long image) {
+    for (const UnreadRow& row : entry.colImages->Unread())
+        if (row.ID == image) return "its row can't be read: " + DamageOf(row.Failure);
+    return "the image is not in the database";
+}
 
 std::string DamageOf(const Error& failure) {
     return failure.Column.empty() ? failure.Description : failure.Column + ": " + failure.Description;

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "cards/cImagecard.h"
+#include "cards/cUniCard.h"
 #include "console/Clinic.h"
-#include "images/cImages.h"
 
 /// Rows that could not be read whole. An object that was read only in part must not be saved: the members
 /// that were not read would replace what is stored.
@@ -10,6 +9,18 @@ namespace Console {
 
 /// What keeps a row from being read, as lists show it: "Brightness_INT: Invalid use of Null".
 std::string DamageOf(const Platform::Error& failure);
+
+/// Loads the images of a card or series, past those that can't be read. Shows no text box.
+void LoadReadable(const Ref<Connection>& con, OXClass::cUniCard& entry);
+
+/// What of a loaded card or series could not be read, one line each: "image 5 can't be read: ...".
+std::vector<std::string> DamagesOf(const OXClass::cUniCard& entry);
+
+/// The same for a list of images.
+std::vector<std::string> DamagesOf(const OXClass::cImages& images);
+
+/// Why a card or series that places an image lacks it: its row is missing or can't be read.
+std::string WhyNoImage(const OXClass::cUniCard& entry, Platform::Long image);
 
 /// Throws the `Complaint` that names a damaged row ("image 5"), its column, and what to do.
 [[noreturn]] void RefuseDamaged(const std::string& row, const Platform::Error& failure);

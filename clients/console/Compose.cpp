@@ -2,6 +2,7 @@
 #include "console/CardList.h"
 #include "console/Commands.h"
 #include "console/Completeness.h"
+#include "console/Program.h"
 #include "console/page/Page.h"
 #include "frame/Statement.h"
 #include "platform/adodb/Transaction.h"
@@ -272,18 +273,21 @@ List PlacedImagesOf(const cUniCard& entry) {
         const Ref<cImage> image = ImageOf(entry, placed);
         const Orientation form(placed.IAMirrRotStatus);
         list.Add({placed.ID, placed.IASequence, placed.ImageID,
-                  image ? CaptionOf(*image) : "not in the database", placed.IAPosX, placed.IAPosY,
+                  image ? CaptionOf(*image) : WhyNoImage(entry, placed.ImageID), placed.IAPosX, placed.IAPosY,
                   placed.IAWidth, placed.IAHeight, form.Degrees(), form.Mirrored(), ManipulationsOf(placed),
                   placed.IAComments});
     }
     return list;
 }
 
-void ShowCard(const Options& options, const std::string& key) {
+void ShowCard(Program& program, const std::string& key) {
+    const Options& options = program.options;
     const Clinic clinic(options);
     const Ref<cUniCard> entry = OpenEntry(clinic, fmt::format("IC{}", CardNumber(key)));
     const cImagecard& card = *entry->Imagecard;
     const List placed = PlacedImagesOf(*entry);
+    const std::vector<std::string> damages = DamagesOf(*entry);
+    if (!damages.empty()) program.exitCode = PartlyDone;
     if (options.json)
         return PrintJson({{"card", fmt::format("IC{}", card.ICID)},
                           {"name", card.ICName},
@@ -292,11 +296,13 @@ void ShowCard(const Options& options, const std::string& key) {
                           {"changed", DateText(card.ICLastUpdate)},
                           {"width", card.ICWidth},
                           {"height", card.ICHeight},
-                          {"images", placed.Rows()}});
+                          {"images", placed.Rows()},
+                          {"damaged", damages}});
     fmt::print("IC{}: {}, {} x {}, made {}, changed {}\n", card.ICID, Printable(NameOf(*entry)), card.ICWidth,
                card.ICHeight, DateText(card.ICCreateDate), DateText(card.ICLastUpdate));
     if (!card.ICDescription.empty()) fmt::print("{}\n", Printable(card.ICDescription));
     placed.Print(false, fmt::format("No images yet; place some: oxclass card add IC{} IMAGE", card.ICID));
+    for (const std::string& damage : damages) fmt::print("Damaged: {}\n", Printable(damage));
 }
 
 }  // namespace
@@ -369,7 +375,7 @@ void AddComposing(Program& program) {
     auto* show = card->add_subcommand("show", "list what is placed on the card");
     cardArgument(show);
     show->footer("Example: oxclass card show IC1");
-    show->callback([&options, given] { ShowCard(options, given->key); });
+    show->callback([&program, given] { ShowCard(program, given->key); });
 }
 
 }  // namespace Console

@@ -1,4 +1,5 @@
 #include "console/Commands.h"
+#include "console/Completeness.h"
 #include "console/Program.h"
 #include "console/Report.h"
 #include "console/WholeFile.h"
@@ -33,13 +34,19 @@ void Draw(Program& program, const std::string& key, const std::string& file, uns
         throw Complaint(
             fmt::format("\"{}\" is no name of a drawing; end it with .svg or .png", Printable(file)));
     const Clinic clinic(program.options);
-    const Page page = PageOf(*OpenEntry(clinic, key), width);
+    const auto entry = OpenEntry(clinic, key);
+    // The placed images behind one that can't be read are not known: the drawing would look whole.
+    RequireComplete(*entry->Imagecard, fmt::format("a placed image of card {}", Platform::UCase(key)));
+    const Page page = PageOf(*entry, width);
     const std::string svg = SvgOf(page, drawing);
     WriteWholeFile(file, png ? PngOfSvg(svg, width) : svg);
     const std::size_t missing = TellMissing(page);
-    if (missing > 0) program.exitCode = PartlyDone;
+    const std::vector<std::string> damages = DamagesOf(*entry);
+    for (const std::string& damage : damages) fmt::print(stderr, "oxclass: {}\n", Printable(damage));
+    if (missing > 0 || !damages.empty()) program.exitCode = PartlyDone;
     if (program.options.json)
-        return PrintJson({{"file", file}, {"images", page.pictures.size()}, {"missing", missing}});
+        return PrintJson(
+            {{"file", file}, {"images", page.pictures.size()}, {"missing", missing}, {"damaged", damages}});
     fmt::print("{}: {} images drawn.\n", Printable(file), page.pictures.size() - missing);
 }
 
@@ -48,14 +55,16 @@ void Report(Program& program, const std::string& patient, const std::string& fil
         throw Complaint(fmt::format("\"{}\" is no name of a report; end it with .html", Printable(file)));
     const Clinic clinic(program.options);
     const ReportTally tally = WriteReport(clinic, patient, file);
-    if (tally.missing > 0) program.exitCode = PartlyDone;
+    if (tally.missing > 0 || tally.damaged > 0) program.exitCode = PartlyDone;
     if (program.options.json)
         return PrintJson({{"file", file},
                           {"entries", tally.entries},
                           {"images", tally.images},
-                          {"missing", tally.missing}});
+                          {"missing", tally.missing},
+                          {"damaged", tally.damaged}});
     fmt::print("{}: {} entries with {} images.\n", Printable(file), tally.entries, tally.images);
     if (tally.missing > 0) fmt::print("{} pictures are missing; the report says why.\n", tally.missing);
+    if (tally.damaged > 0) fmt::print("{} rows can't be read; the report names them.\n", tally.damaged);
 }
 
 }  // namespace

@@ -179,7 +179,7 @@ void AddRecords(Program& program) {
     series->callback([&program, given, series] {
         if (!series->get_subcommands().empty()) return;
         if (given->series.empty()) return ListSeries(program, given->patient);
-        ShowSeries(program.options, NumberOf(given->series, "a series"));
+        if (!ShowSeries(program.options, NumberOf(given->series, "a series"))) program.exitCode = PartlyDone;
     });
 
     auto* images = program.app.add_subcommand("images", "list the images with frame, teeth and exposure");

@@ -2,6 +2,7 @@
 
 #include "Report_page.h"
 #include "console/CardList.h"
+#include "console/Completeness.h"
 #include "console/WholeFile.h"
 #include "console/dicom/DicomCodes.h"
 #include "console/page/Svg.h"
@@ -116,6 +117,14 @@ std::string Table(const Clinic& clinic, const cUniCard& entry, const Page& page)
         entry.Series ? "Frame" : "Place", titles, rows);
 }
 
+/// What could not be read, a paragraph each.
+std::string Damages(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const std::string& line : lines)
+        text += fmt::format("<p class=\"damaged\">Damaged: {}</p>\n", XmlText(line));
+    return text;
+}
+
 std::string Section(const Clinic& clinic, const cUniCard& entry, const Page& page) {
     const std::string name = XmlText(page.title);
     const std::string kind = entry.Series ? "Series" : "Image card";
@@ -129,15 +138,15 @@ std::string Section(const Clinic& clinic, const cUniCard& entry, const Page& pag
                                         : fmt::format("<p>{}</p>\n", XmlText(entry.Imagecard->ICDescription));
     return fmt::format(
         "<article id=\"{0}\">\n<h2>{1}</h2>\n<p class=\"quiet\">{2} {0}, {3}, {4} "
-        "images</p>\n{5}{6}{7}</article>\n",
-        entry.Key, name, kind, DateText(entry.SortDate()), page.pictures.size(), description, picture,
-        Table(clinic, entry, page));
+        "images</p>\n{5}{6}{7}{8}</article>\n",
+        entry.Key, name, kind, DateText(entry.SortDate()), page.pictures.size(), description,
+        Damages(DamagesOf(entry)), picture, Table(clinic, entry, page));
 }
 
-void Load(cUniCard& entry, const Clinic& clinic) {
-    const CardTypes kind = entry.CardType();
-    Long number = kind == ctseries ? entry.Series->ID : entry.Imagecard->ICID;
-    ComplainOfTextBoxes([&] { entry.LoadCardFull(clinic.Con(), {}, number, kind); });
+/// An entry that can't be read at all.
+std::string DamagedSection(const UnreadEntry& entry) {
+    return fmt::format("<article id=\"{0}\">\n<h2>{0}</h2>\n{1}</article>\n", entry.Key,
+                       Damages({"it can't be read: " + DamageOf(entry.Failure)}));
 }
 
 }  // namespace
@@ -148,16 +157,19 @@ ReportTally WriteReport(const Clinic& clinic, const std::string& patient, const 
     std::string entries;
     Progress progress("entries", static_cast<std::size_t>(list.entries->Count()));
     for (cUniCard& entry : *list.entries) {
-        Load(entry, clinic);
+        LoadReadable(clinic.Con(), entry);
         const Page page = PageOf(entry, PixelWidth);
         entries += Section(clinic, entry, page);
         ++tally.entries;
         tally.images += page.pictures.size();
+        tally.damaged += DamagesOf(entry).size();
         for (const PlacedPicture& placed : page.pictures) tally.missing += placed.picture == nullptr;
         entry.colImages = nullptr;
         progress.Step();
     }
     progress.Clear();
+    for (const UnreadEntry& entry : list.damaged) entries += DamagedSection(entry);
+    tally.damaged += list.damaged.size();
     const std::string name = XmlText(FullName(*list.patient));
     WriteWholeFile(file, Filled(page::report_html,
                                 {{"title", name + ", dental images"},

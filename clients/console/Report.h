@@ -9,13 +9,15 @@ struct ReportTally {
     std::size_t entries = 0;
     std::size_t images = 0;
     std::size_t missing = 0;  ///< images whose picture could not be read
+    std::size_t damaged = 0;  ///< cards, series, images and manipulations that could not be read, each named
 };
 
 /// Writes a page on a patient, one HTML file that needs nothing else: who it is, the clinic, the cards and
 /// series, newest first, each as a picture that enlarges on click, with teeth, anatomy in words, time,
 /// exposure, comments and remarks of each image.
-/// Throws `Complaint` for an unknown patient, a list that can't be read whole, and a file that can't be
-/// written; an earlier file then stays.
+/// Cards, series and images that can't be read are named with the damaged column.
+/// Throws `Complaint` for an unknown patient and for a file that can't be written; an earlier file then
+/// stays.
 ReportTally WriteReport(const Clinic& clinic, const std::string& patient, const std::filesystem::path& file);
 
 }  // namespace Console

@@ -34,24 +34,31 @@ CardTypes cUniCard::CardType() const {
 
 Long cUniCard::LoadCardFull(const Ref<Connection>& conn, const String&, Long& ID, const CardTypes& CardType) {
     colImages = New<cImages>();
-    if (CardType == ctImagecard) LoadImagecard(conn);
-    if (CardType == ctseries) LoadSeries(conn, ID);
+    if (CardType == ctImagecard) LoadImagecard(conn, &cImages::LoadAll4Object);
+    if (CardType == ctseries) LoadSeries(conn, ID, &cImages::LoadAll4Object);
     return 0;
 }
 
-void cUniCard::LoadImagecard(const Ref<Connection>& con) {
+void cUniCard::LoadReadable(const Ref<Connection>& conn) {
+    colImages = New<cImages>();
+    if (!Series) return LoadImagecard(conn, &cImages::LoadReadable);
+    Long key = Series->ID;
+    LoadSeries(conn, key, &cImages::LoadReadable);
+}
+
+void cUniCard::LoadImagecard(const Ref<Connection>& con, LoadImages load) {
     Imagecard->LoadImageAttributes(con);
     Long sequence = 0;
     for (auto& placed : Each<cImagecardAttribute>(*Imagecard->ImagecardAttributes))
         placed.IASequence = ++sequence;
     const String clause = ImagesOn(*Imagecard);
-    if (!clause.empty()) colImages->LoadAll4Object(con, iootImageCard, 0, clause);
+    if (!clause.empty()) (*colImages.*load)(con, iootImageCard, 0, clause);
 }
 
-void cUniCard::LoadSeries(const Ref<Connection>& con, Long& id) {
+void cUniCard::LoadSeries(const Ref<Connection>& con, Long& id, LoadImages load) {
     if (!Series) Raise(err::ObjectNotSet);
     if (id == 0) id = Series->ID;
-    colImages->LoadAll4Object(con, iootSeries, id);
+    (*colImages.*load)(con, iootSeries, id, {});
     Template = New<cTemplate>();
     Template->GetTemplate(con, 0, Series->TemplateID);
     BuildCardForSeries();

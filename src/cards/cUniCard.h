@@ -42,6 +42,11 @@ public:
     /// and what the loads raise; what was loaded before a failure stays.
     Long LoadCardFull(const Ref<Connection>& conn, const String& UID, Long& ID, const CardTypes& CardType);
 
+    /// The same for the record that the entry has, for programs in C++ that go on past an image that can't be
+    /// read: it is not in `colImages`, whose `Unread` tells it. Placed images that can't be read are told in
+    /// a text box, and by `Reading` of `Imagecard`. Raises as `LoadCardFull`. No part of the interface.
+    void LoadReadable(const Ref<Connection>& conn);
+
     Ref<cTemplate> Template;    ///< the layout of a series, after `LoadCardFull`
     bool Fullyloaded = false;   ///< the client's mark; the list sets it false
     Ref<cStudy> Study;          ///< of a series; entries of one study share it
@@ -52,8 +57,10 @@ public:
     const Interface& Describe() const override;
 
 private:
-    void LoadImagecard(const Ref<Connection>& con);
-    void LoadSeries(const Ref<Connection>& con, Long& id);
+    using LoadImages = decltype(&cImages::LoadAll4Object);
+
+    void LoadImagecard(const Ref<Connection>& con, LoadImages load);
+    void LoadSeries(const Ref<Connection>& con, Long& id, LoadImages load);
     void BuildCardForSeries();
 };
 

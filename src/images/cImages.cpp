@@ -33,8 +33,8 @@ Long cImages::LoadAll4Object(const Ref<Connection>& conn, const ImageOwnerOjectT
     return Load(conn, LoadStatement(ObjectType, ID, SQLWhereClause), true);
 }
 
-Long cImages::LoadReadable(const Ref<Connection>& conn, ImageOwnerOjectTypes ObjectType, Long ID,
-                           const String& SQLWhereClause) {
+Long cImages::LoadReadable(const Ref<Connection>& conn, const ImageOwnerOjectTypes& ObjectType,
+                           const Long& ID, const String& SQLWhereClause) {
     return Load(conn, LoadStatement(ObjectType, ID, SQLWhereClause), false);
 }
 

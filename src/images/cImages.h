@@ -26,7 +26,7 @@ public:
 
     /// The same without the rows that can't be read whole; only `Unread` has them, and none raises. No part
     /// of the interface.
-    Long LoadReadable(const Ref<Connection>& conn, ImageOwnerOjectTypes ObjectType, Long ID,
+    Long LoadReadable(const Ref<Connection>& conn, const ImageOwnerOjectTypes& ObjectType, const Long& ID,
                       const String& SQLWhereClause = {});
 
     /// The rows that the last load of either kind could not read whole, in their order. No part of the

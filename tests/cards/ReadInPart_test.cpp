@@ -57,14 +57,14 @@ protected:
 TEST_F(CardsReadInPart, ACardTellsThePlacedImageThatItCouldNotRead) {
     StoreCard(7);
     StorePlaced(1, 7);
-    StorePlaced(2, 7, "IASequence=NULL");
+    StorePlaced(2, 7, "IAMirrRotStatus='x'");
     const TextBoxes boxes;
     const Ref<cImagecard> card = New<cImagecard>();
     card->GetImageCard(con, 7);
     EXPECT_EQ(boxes.shown.size(), 1U);
     EXPECT_EQ(card->ImagecardAttributes->Count(), 1);
-    EXPECT_EQ(card->Reading().Failure().Column, "IASequence");
-    Run("UPDATE ImageAttribute_T SET IASequence=1");
+    EXPECT_EQ(card->Reading().Failure().Column, "IAMirrRotStatus");
+    Run("UPDATE ImageAttribute_T SET IAMirrRotStatus=1");
     card->LoadImageAttributes(con);
     EXPECT_TRUE(card->Reading().Complete());
 }

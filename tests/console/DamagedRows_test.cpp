@@ -1,6 +1,7 @@
 #include "ProgramTest.h"
 #include "kit/Damage.h"
 #include "kit/FaultyProvider.h"
+#include "kit/Files.h"
 
 #include <sqlite3.h>
 
@@ -69,6 +70,18 @@ protected:
             text += Rows(table);
         return text;
     }
+
+    /// How many pictures a drawing shows.
+    static std::size_t Drawn(const std::string& file) {
+        const std::string svg = TestKit::Content(file);
+        std::size_t count = 0;
+        for (auto at = svg.find("<image "); at != std::string::npos; at = svg.find("<image ", at + 1))
+            ++count;
+        return count;
+    }
+
+    /// A text as a page holds it.
+    static std::string Escaped(const std::string& text) { return Platform::Replace(text, "'", "&#39;"); }
 
     long Number(const std::string& select) const {
         const auto con = Platform::New<ADODB::Connection>();
@@ -220,6 +233,58 @@ TEST_F(DamagedRows, NothingIsComposedOfWhatIsReadInPart) {
     before = Everything();
     EXPECT_THAT(Refused({"card", "move", "IC1", "1", "--turn", "90"}), HasSubstr("IASequence"));
     EXPECT_EQ(Everything(), before);
+}
+
+TEST_F(DamagedRows, DrawingsAndReportsGoOnPastThemAndNameThem) {
+    Ok({"card", "new", "P-1.2.3", "A"});
+    Ok({"card", "add", "IC1", "1", "2", "3"});
+    Run("UPDATE ImageBild_T SET Brightness_INT = NULL WHERE ImageBildID < 3");
+    const std::string damage = "Brightness_INT: Invalid use of Null";
+    const auto run = [&](std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {"--db", Database()});
+        Result result = Try(arguments);
+        EXPECT_EQ(result.code, 3) << result.out << result.err;
+        return result;
+    };
+    const std::string image1 = "image 1 can't be read: " + damage,
+                      image2 = "image 2 can't be read: " + damage;
+    EXPECT_THAT(run({"series", "1"}).out, HasSubstr("Damaged: " + image1 + "; " + image2));
+    const json series = Partly({"series", "1"});
+    EXPECT_EQ(series["damaged"], (json{image1, image2}));
+    EXPECT_EQ(series["images"].size(), 2U);
+    EXPECT_EQ(Partly({"card", "show", "IC1"})["images"][0]["teeth"], "its row can't be read: " + damage);
+    EXPECT_THAT(run({"card", "show", "IC1"}).out, HasSubstr("Damaged: " + image2));
+
+    const std::string drawing = (folder.Path() / "drawing.svg").string();
+    for (const char* key : {"SE1", "IC1"}) {
+        EXPECT_THAT(run({"draw", key, "-o", drawing}).err, HasSubstr("oxclass: " + image2 + "\n"));
+        EXPECT_EQ(Drawn(drawing), key == std::string("SE1") ? 2U : 1U) << key;
+    }
+
+    Run("INSERT INTO ImageCard_T (PatientID, ICName, ICDateCreated) VALUES (1, 'B', '2026-01-01 10:00:00')");
+    const std::string page = (folder.Path() / "report.html").string();
+    EXPECT_THAT(run({"report", "P-1.2.3", "-o", page}).out,
+                HasSubstr("5 rows can't be read; the report names them."));
+    const std::string html = TestKit::Content(page);
+    for (const std::string& told : {image1, image2})
+        EXPECT_THAT(html, HasSubstr("Damaged: " + Escaped(told)));
+    EXPECT_THAT(html, HasSubstr(Escaped("Damaged: it can't be read: ICDescription: Invalid use of Null")));
+    EXPECT_THAT(html, HasSubstr("2 cards and series with 5 images"));
+}
+
+TEST_F(DamagedRows, ACardIsShownUpToThePlacedImageThatCannotBeRead) {
+    Ok({"card", "new", "P-1.2.3", "A"});
+    Ok({"card", "add", "IC1", "1", "2"});
+    Ok({"card", "move", "IC1", "1", "--turn", "90"});
+    Run("UPDATE ImageManipulation_T SET LongParameter = NULL");
+    EXPECT_EQ(
+        Partly({"card", "show", "IC1"})["damaged"],
+        json::array({"a manipulation of placed image 1 can't be read: LongParameter: Invalid use of Null"}));
+    Run("UPDATE ImageAttribute_T SET IAMirrRotStatus = 'x' WHERE ImageAttributeID = 2");
+    const json shown = Partly({"card", "show", "IC1"});
+    EXPECT_EQ(shown["images"].size(), 1U);
+    EXPECT_THAT(shown["damaged"][0].get<std::string>(),
+                HasSubstr("a placed image of IC1, and those behind it, can't be read: IAMirrRotStatus"));
 }
 
 TEST_F(DamagedRows, ManipulationsThatCannotBeStoredAreTold) {

@@ -2,6 +2,7 @@
 
 #include "anatomy/ToothString.h"
 #include "console/Commands.h"
+#include "console/Completeness.h"
 #include "console/dicom/DicomCodes.h"
 #include "frame/StoredName.h"
 
@@ -60,7 +61,7 @@ PlacedPicture Placed(const cUniCard& entry, const cImagecardAttribute& attribute
     const Ref<cImage> image = ImageOf(entry, attribute);
     if (!image) {
         placed.caption = fmt::format("image {}", attribute.ImageID);
-        placed.missing = "the image is not in the database";
+        placed.missing = WhyNoImage(entry, attribute.ImageID);
         return placed;
     }
     Fill(placed, *image, PixelsOf(placed.box, page, pixelWidth));
@@ -105,10 +106,10 @@ bool HasTeeth(const cImage& image) {
 Ref<cUniCard> OpenCard(const Clinic& clinic, Long number) {
     Ref<cUniCard> entry = New<cUniCard>();
     entry->Imagecard = New<cImagecard>();
-    ComplainOfTextBoxes([&] { entry->Imagecard->GetImageCard(clinic.Con(), number); });
+    WithoutTextBoxes([&] { entry->Imagecard->GetImageCard(clinic.Con(), number); });
     if (number == 0 || entry->Imagecard->ICID == 0)
         throw Complaint(fmt::format("there is no image card IC{}; see: oxclass cards PATIENT", number));
-    ComplainOfTextBoxes([&] { entry->LoadCardFull(clinic.Con(), {}, number, ctImagecard); });
+    LoadReadable(clinic.Con(), *entry);
     return entry;
 }
 
@@ -117,7 +118,7 @@ Ref<cUniCard> OpenSeries(const Clinic& clinic, Long number) {
     entry->Series = New<cSerie>();
     if (!entry->Series->loadSeries(CStr(number), clinic.Con()))
         throw Complaint(fmt::format("there is no series SE{}; see: oxclass series", number));
-    entry->LoadCardFull(clinic.Con(), {}, number, ctseries);
+    LoadReadable(clinic.Con(), *entry);
     return entry;
 }
 

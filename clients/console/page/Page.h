@@ -64,8 +64,8 @@ constexpr const char* PlacedByTimeOnly = "placed by time only";
 std::string WhyNoPicture(const OXClass::cImage& image);
 std::string WhyNoPictureByHead(const OXClass::cImage& image);
 
-/// An entry by its key, "IC5" or "SE7", with its images loaded. Throws `Complaint` for any other key and for
-/// one that isn't in the database.
+/// An entry by its key, "IC5" or "SE7", with those of its images loaded that can be read (`DamagesOf` tells
+/// the others). Throws `Complaint` for any other key and for one that isn't in the database.
 OXClass::Ref<OXClass::cUniCard> OpenEntry(const Clinic& clinic, const std::string& key);
 
 /// The page of an opened entry, for a drawing that is `pixelWidth` wide: pictures are no finer than that
