@@ -15,9 +15,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         const auto items = Console::ReadWorklistFile(path);
         CHECK(!items.empty());
-        for (const auto& item : items) {
-            CHECK(!item->PatientID.empty() || !item->PatientName.empty());
-            CHECK(item->OtherPatIDs()->Count() >= 0 && item->IntendedRecipients()->Count() >= 0);
+        for (const auto& entry : items) {
+            CHECK(!entry.item->PatientID.empty() || !entry.item->PatientName.empty());
+            CHECK(entry.item->OtherPatIDs()->Count() >= 0 && entry.item->IntendedRecipients()->Count() >= 0);
         }
     } catch (const std::runtime_error& refused) {
         CHECK(*refused.what() != '\0');

@@ -36,6 +36,7 @@ TEST(PatientIdentity, SpellingsOfOneNameDoNotContradict) {
         {Named("Ek", "Anna"), Named("Ek", "Anna Maria")},
         {Named("Ek", "A."), Named("Ek", "Anna")},
         {Named("Ek", ""), Named("Ek", "Anna")},
+        {Named("Ek", "A Anna"), Named("Ek", "Anna Astrid")},
         {Named("Sørensen", "Bjørn"), Named("Sorensen", "Bjorn")},
         {Named("Şahin", "Işık"), Named("SAHIN", "ISIK")},
         {Named("Παπαδοπούλου", "Ελένη"), Named("ΠΑΠΑΔΟΠΟΥΛΟΥ", "ΕΛΕΝΗ")},

@@ -63,17 +63,31 @@ std::string_view Initial(std::string_view text) {
     return text.substr(0, end);
 }
 
-bool SamePart(const std::string& a, const std::string& b) {
-    return a == b || (a == Initial(a) && a == Initial(b)) || (b == Initial(b) && b == Initial(a));
+/// True if one of the parts is the initial of the other.
+bool IsInitialOf(const std::string& a, const std::string& b) {
+    const std::string_view initial = Initial(a);
+    return initial == Initial(b) && (a == initial || b == initial);
 }
 
-/// True if the given names can be one person's: each part of the shorter list is a part of the longer.
+/// Takes the parts that both lists have out of both.
+void TakeOutEqualParts(Parts& a, Parts& b) {
+    std::erase_if(a, [&](const std::string& part) {
+        const auto same = std::ranges::find(b, part);
+        if (same == b.end()) return false;
+        b.erase(same);
+        return true;
+    });
+}
+
+/// True if the given names can be one person's: each part of the shorter list is a part of the longer, whole
+/// or as an initial.
 bool GivenNamesAgree(Parts a, Parts b) {
     if (a.size() > b.size()) std::swap(a, b);
     if (a.empty() || Joined(a) == Joined(b)) return true;
+    TakeOutEqualParts(a, b);
     return std::ranges::all_of(a, [&](const std::string& part) {
         const auto hit =
-            std::ranges::find_if(b, [&](const std::string& other) { return SamePart(part, other); });
+            std::ranges::find_if(b, [&](const std::string& other) { return IsInitialOf(part, other); });
         if (hit == b.end()) return false;
         b.erase(hit);
         return true;
