@@ -2,8 +2,8 @@
 
 #include "bench/Ratio.h"
 #include "people/cPatient.h"
-#include "platform/component/Boundary.h"
-#include "platform/component/Interface.h"
+#include "platform/component/dispatch/Boundary.h"
+#include "platform/component/dispatch/InterfaceTable.h"
 
 namespace Bench {
 namespace {
@@ -16,7 +16,7 @@ constexpr int Rounds = 100'000;
 class Held {
 public:
     explicit Held(const Ref<cPatient>& patient)
-        : dispatch_(static_cast<IDispatch*>(Platform::Boundary::Give(patient))) {}
+        : dispatch_(static_cast<IDispatch*>(Platform::Boundary::ToPointer(patient))) {}
     ~Held() {
         if (dispatch_) dispatch_->Release();
     }

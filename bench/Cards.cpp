@@ -3,7 +3,7 @@
 #include "bench/CardsByHand.h"
 #include "bench/Clinic.h"
 #include "bench/Ratio.h"
-#include "cards/cUniCards.h"
+#include "cardlist/cUniCards.h"
 
 namespace Bench {
 namespace {

@@ -1,7 +1,7 @@
 #include "Check.h"
 
-#include "platform/component/ClassRegistry.h"
-#include "platform/component/Identifier.h"
+#include "platform/component/registry/ClassRegistry.h"
+#include "platform/component/binary/Identifier.h"
 #include "platform/runtime/Error.h"
 
 using namespace Platform;

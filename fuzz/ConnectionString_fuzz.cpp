@@ -1,8 +1,10 @@
 #include "Check.h"
 
 #include "platform/adodb/ConnectionString.h"
+#include "platform/runtime/Convert.h"
 
 using namespace ADODB;
+using namespace Platform;
 
 /// A value in the form in which any text may stand in a connection string.
 static String Quoted(const String& value) { return "'" + Replace(value, "'", "''") + "'"; }

@@ -11,7 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         const Platform::Date date = TypedDate(text);
         CHECK(TypedDate(DateText(date)) == date);
-    } catch (const Complaint&) {
+    } catch (const UserError&) {
     }
     const auto half = text.find('=');
     const auto personOf = [](const std::string& name) {

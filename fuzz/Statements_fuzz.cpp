@@ -2,10 +2,12 @@
 
 #include "platform/adodb/Recordset.h"
 #include "platform/adodb/providers/sqlite/SqliteShape.h"
+#include "platform/runtime/Convert.h"
 
 #include <sqlite3.h>
 
 using namespace ADODB;
+using namespace Platform;
 
 namespace {
 

@@ -1,5 +1,5 @@
 #!/bin/sh
-# The component layer and what stands on it compile against the platform's own headers on a system that has
+# The component layer and what uses it compile against the platform's own headers on a system that has
 # them, and those have the sizes and offsets that ours declare elsewhere. Only the syntax is checked.
 #
 # Usage: windows_check.sh ROOT-OF-THE-PROJECT. Exit code 0 when all compiles, otherwise 1.
@@ -20,13 +20,13 @@ check() {
     failed=1
 }
 
-for file in platform/component/*.cpp platform/oxplatform.cpp library/Exports.cpp library/ClassTable.cpp \
+for file in platform/component/*/*.cpp platform/runtime/Object.cpp platform/oxplatform.cpp library/Exports.cpp library/ClassTable.cpp \
     people/cPatient.cpp; do
     check "$file" "$file"
 done
 
 check "the comparison of sizes and offsets" -x c++ - <<'UNIT'
-#include "platform/component/ComponentModel.h"
+#include "platform/component/binary/ComponentModel.h"
 
 #include <cstddef>
 

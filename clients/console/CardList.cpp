@@ -11,9 +11,9 @@ using namespace OXClass;
 
 /// Deletes a series without image files. The statement looks for files itself, because a capture may have
 /// stored one since the list was read. Returns whether it was deleted.
-bool DeleteOrphan(const Clinic& clinic, Long series) {
+bool DeleteOrphan(const Database& database, Long series) {
     Long deleted = 0;
-    clinic.Con()->Execute(sql("DELETE FROM Series_T WHERE Series_ID = ", series,
+    database.Con()->Execute(sql("DELETE FROM Series_T WHERE Series_ID = ", series,
                               " AND NOT EXISTS (SELECT 1 FROM ImageBild_T WHERE Series_ID = ", series,
                               " AND GraphicURL_NVC <> '')"),
                           &deleted);
@@ -23,13 +23,13 @@ bool DeleteOrphan(const Clinic& clinic, Long series) {
 /// Deletes a series without image files, or counts it as kept where the database can't be written. A series
 /// with an image that can't be read is damaged: what is wrong with it may be the very reason that it has no
 /// file.
-void Remove(const Clinic& clinic, Long orphan, CardList& list) {
+void Remove(const Database& database, Long orphan, CardList& list) {
     const Ref<cImages> images = New<cImages>();
-    images->LoadReadable(clinic.Con(), iootSeries, orphan);
+    images->LoadReadable(database.Con(), iootSeries, orphan);
     if (!images->Unread().empty())
         return list.damaged.push_back({"SE" + CStr(orphan), images->Unread().front().Failure});
     try {
-        list.orphansRemoved += DeleteOrphan(clinic, orphan);
+        list.orphansRemoved += DeleteOrphan(database, orphan);
     } catch (const Error& failure) {
         if (failure.Number != ADODB::NoPermission) throw;
         ++list.orphansKept;
@@ -38,17 +38,17 @@ void Remove(const Clinic& clinic, Long orphan, CardList& list) {
 
 }  // namespace
 
-CardList ListCards(const Clinic& clinic, const std::string& patient) {
-    CardList list{.patient = LoadPatient(clinic, patient), .entries = New<cUniCards>()};
-    Readable found = list.entries->ListReadable(clinic.Con(), list.patient->ID);
+CardList ListCards(const Database& database, const std::string& patient) {
+    CardList list{.patient = LoadPatient(database, patient), .entries = New<cUniCards>()};
+    Readable found = list.entries->ListReadable(database.Con(), list.patient->ID);
     list.damaged = std::move(found.unread);
-    for (const Long orphan : found.orphans) Remove(clinic, orphan, list);
+    for (const Long orphan : found.orphans) Remove(database, orphan, list);
     return list;
 }
 
-std::map<Long, ImagesOfEntry> ImagesOfCards(const Clinic& clinic, Long patient) {
+std::map<Long, ImagesOfEntry> ImagesOfCards(const Database& database, Long patient) {
     std::map<Long, ImagesOfEntry> cards;
-    const Ref<Recordset> rows = clinic.Read(sql(
+    const Ref<Recordset> rows = database.Read(sql(
         "SELECT c.ImageCardID, count(*), sum(i.Approved <> 0) FROM ImageCard_T c JOIN ImageAttribute_T a ON "
         "a.ImageCardID = c.ImageCardID LEFT JOIN ImageBild_T i ON i.ImageBildID = a.ImageBildId WHERE "
         "c.PatientID = ",

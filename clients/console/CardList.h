@@ -1,7 +1,7 @@
 #pragma once
 
-#include "cards/cUniCards.h"
-#include "console/Clinic.h"
+#include "cardlist/cUniCards.h"
+#include "console/Database.h"
 #include "console/patients/PatientStore.h"
 
 #include <map>
@@ -19,8 +19,8 @@ struct CardList {
 
 /// Lists what can be read of the cards and series of a patient. A series without image files that nobody
 /// captures any more is deleted, where the database can be written, unless one of its images can't be read.
-/// Throws `Complaint` for an unknown patient.
-CardList ListCards(const Clinic& clinic, const std::string& patient);
+/// Throws `UserError` for an unknown patient.
+CardList ListCards(const Database& database, const std::string& patient);
 
 /// How many images an entry shows, and whether all of them are approved.
 struct ImagesOfEntry {
@@ -29,6 +29,6 @@ struct ImagesOfEntry {
 };
 
 /// The same of the image cards of a patient, by the cards' keys; cards without images are not in it.
-std::map<Platform::Long, ImagesOfEntry> ImagesOfCards(const Clinic& clinic, Platform::Long patient);
+std::map<Platform::Long, ImagesOfEntry> ImagesOfCards(const Database& database, Platform::Long patient);
 
 }  // namespace Console

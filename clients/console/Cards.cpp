@@ -26,9 +26,9 @@ const char* PlaceOf(const cUniCard& entry) {
 
 void ShowCards(Program& program, const std::string& patient) {
     const Options& options = program.options;
-    const Clinic clinic(options);
-    const CardList list = ListCards(clinic, patient);
-    const auto cards = ImagesOfCards(clinic, list.patient->ID);
+    const Database database(options);
+    const CardList list = ListCards(database, patient);
+    const auto cards = ImagesOfCards(database, list.patient->ID);
     List shown({{"key", "Key"},
                 {"kind", "Kind"},
                 {"date", "Date"},
@@ -62,17 +62,17 @@ void ShowCards(Program& program, const std::string& patient) {
 }
 
 void SaveSeriesAsCard(const Options& options, Long number, const std::string& name) {
-    const Clinic clinic(options);
-    ADODB::Transaction transaction(clinic.Con());
-    const Ref<cSerie> series = LoadSeries(clinic.Con(), number);
+    const Database database(options);
+    ADODB::Transaction transaction(database.Con());
+    const Ref<cSerie> series = LoadSeries(database.Con(), number);
     const Ref<cImages> images = New<cImages>();
-    const Long count = images->LoadReadable(clinic.Con(), iootSeries, number);
+    const Long count = images->LoadReadable(database.Con(), iootSeries, number);
     RequireComplete(*images);
     if (count == 0)
-        throw Complaint(fmt::format("series {} has no images, so there is nothing to store", number));
+        throw UserError(fmt::format("series {} has no images, so there is nothing to store", number));
     series->SeriesName = name.empty() ? Undoubled(series->SeriesDescription) : name;
-    series->SaveAsIC(clinic.Con(), images);
-    const Long card = clinic.Number(
+    series->SaveAsIC(database.Con(), images);
+    const Long card = database.Number(
         sql("SELECT max(ImageCardID) FROM ImageCard_T WHERE PatientID = ", images->Item(1)->PatID));
     transaction.Commit();
     if (options.json) return PrintJson({{"card", fmt::format("IC{}", card)}, {"images", images->Count()}});

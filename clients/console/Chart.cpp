@@ -80,9 +80,9 @@ std::vector<std::u16string> Lines(Long number, const std::string& label, int wid
     return lines;
 }
 
-Ref<cImages> ImagesOf(const Clinic& clinic, Long series) {
+Ref<cImages> ImagesOf(const Database& database, Long series) {
     Ref<cImages> images = New<cImages>();
-    images->LoadReadable(clinic.Con(), iootSeries, series);
+    images->LoadReadable(database.Con(), iootSeries, series);
     return images;
 }
 
@@ -91,7 +91,7 @@ Ref<cImages> ImagesOf(const Clinic& clinic, Long series) {
 Ref<cSerie> LoadSeries(const Ref<Connection>& con, Long number) {
     Ref<cSerie> series = New<cSerie>();
     if (!series->loadSeries(std::to_string(number), con))
-        throw Complaint(fmt::format("there is no series {}; see: oxclass series", number));
+        throw UserError(fmt::format("there is no series {}; see: oxclass series", number));
     return series;
 }
 
@@ -148,13 +148,13 @@ std::string Label(const cImage& image, Remarks& remarks) {
 
 }  // namespace
 
-bool PrintHungSeries(const Clinic& clinic, Long number) {
-    const Ref<cSerie> series = LoadSeries(clinic.Con(), number);
+bool PrintHungSeries(const Database& database, Long number) {
+    const Ref<cSerie> series = LoadSeries(database.Con(), number);
     const Ref<cTemplate> layout = New<cTemplate>();
-    layout->GetTemplate(clinic.Con(), 0, series->TemplateID);
+    layout->GetTemplate(database.Con(), 0, series->TemplateID);
     std::map<Long, std::string> labels;
     Remarks remarks;
-    const Ref<cImages> images = ImagesOf(clinic, number);
+    const Ref<cImages> images = ImagesOf(database, number);
     remarks.damaged = DamagesOf(*images);
     for (const cImage& image : *images) {
         const std::string label = Label(image, remarks);
@@ -169,15 +169,15 @@ bool PrintHungSeries(const Clinic& clinic, Long number) {
 }
 
 bool ShowSeries(const Options& options, Long number) {
-    const Clinic clinic(options);
-    if (!options.json) return PrintHungSeries(clinic, number);
-    const Ref<cSerie> series = LoadSeries(clinic.Con(), number);
+    const Database database(options);
+    if (!options.json) return PrintHungSeries(database, number);
+    const Ref<cSerie> series = LoadSeries(database.Con(), number);
     nlohmann::ordered_json json{{"series", number},
                                 {"description", series->SeriesDescription},
                                 {"modality", series->Modality},
                                 {"layout", series->TemplateID},
                                 {"images", nlohmann::ordered_json::array()}};
-    const Ref<cImages> images = ImagesOf(clinic, number);
+    const Ref<cImages> images = ImagesOf(database, number);
     for (const cImage& image : *images)
         json["images"].push_back({{"image", image.ID},
                                   {"frame", Long{image.FrameNumber}},

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "console/Clinic.h"
+#include "console/Database.h"
 
 #include <map>
 
@@ -9,7 +9,7 @@
 
 namespace Console {
 
-/// A stored series. Throws `Complaint` for an unknown one.
+/// A stored series. Throws `UserError` for an unknown one.
 OXClass::Ref<OXClass::cSerie> LoadSeries(const Ref<Connection>& con, Platform::Long series);
 
 /// A layout as a chart of characters, 100 wide: each slot a box at its place, with its frame number, and
@@ -19,10 +19,10 @@ std::string ChartOf(const OXClass::cTemplate& layout, const std::map<Platform::L
 
 /// Draws a series as it hangs, and names the images that hang nowhere, that are placed by time only and that
 /// have no picture; as JSON, its images by frame. Returns false if an image can't be read, which is named.
-/// Throws `Complaint` for an unknown series.
+/// Throws `UserError` for an unknown series.
 bool ShowSeries(const Options& options, Platform::Long series);
 
 /// Draws a stored series on an open database, as text. Returns false if an image can't be read.
-bool PrintHungSeries(const Clinic& clinic, Platform::Long series);
+bool PrintHungSeries(const Database& database, Platform::Long series);
 
 }  // namespace Console

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "console/Clinic.h"
+#include "console/Database.h"
 
 #include <CLI/CLI.hpp>
 
 /// The commands of the program. Each `Add...` puts its command into the program's parser; the work is
-/// done when the parser meets it. They throw `Complaint` and the library's `Error`.
+/// done when the parser meets it. They throw `UserError` and the library's `Error`.
 namespace Console {
 
 /// What a command works with: the options of the command line, and the exit code that it leaves.
@@ -32,7 +32,7 @@ void AddIdl(Program& program);           ///< idl
 void AddRegistration(Program& program);  ///< register, unregister, classes
 void AddSettings(Program& program);      ///< roots, setting, uid
 
-/// A whole number of the command line, "12" or "K12". Throws `Complaint` for anything else.
+/// A whole number of the command line, "12" or "K12". Throws `UserError` for anything else.
 Platform::Long NumberOf(const std::string& text, const char* what);
 
 }  // namespace Console

@@ -8,7 +8,7 @@ using namespace OXClass;
 
 namespace {
 
-/// Runs a load; what it raises about a column becomes the `Complaint` that names the row.
+/// Runs a load; what it raises about a column becomes the `UserError` that names the row.
 template <class Load>
 void RefusingDamage(const std::string& row, Load load) {
     try {
@@ -39,13 +39,13 @@ std::vector<std::string> DamagesOf(const cImages& images) {
 std::vector<std::string> DamagesOf(const cUniCard& entry) {
     std::vector<std::string> lines = DamagesOf(*entry.colImages);
     const cImagecard& card = *entry.Imagecard;
-    if (!card.Reading().Complete())
+    if (!card.LoadCompletion().Complete())
         lines.push_back(LineOn(fmt::format("a placed image of IC{}, and those behind it,", card.ICID),
-                               card.Reading().Failure()));
+                               card.LoadCompletion().Failure()));
     for (const auto& placed : Each<cImagecardAttribute>(*card.ImagecardAttributes))
-        if (!placed.Reading().Complete())
+        if (!placed.LoadCompletion().Complete())
             lines.push_back(LineOn(fmt::format("a manipulation of placed image {}", placed.ID),
-                                   placed.Reading().Failure()));
+                                   placed.LoadCompletion().Failure()));
     return lines;
 }
 
@@ -61,9 +61,9 @@ std::string DamageOf(const Error& failure) {
 
 void RefuseDamaged(const std::string& row, const Error& failure) {
     if (failure.Column.empty())
-        throw Complaint(
+        throw UserError(
             fmt::format("{} can't be read whole, and nothing was changed: {}", row, failure.Description));
-    throw Complaint(fmt::format(
+    throw UserError(fmt::format(
         "{} can't be read whole, and nothing was changed: correct its column {} in the database ({})", row,
         failure.Column, failure.Description));
 }
@@ -84,7 +84,7 @@ Ref<cImage> LoadWholeImage(const Ref<Connection>& con, Long number) {
     bool found = false;
     RefusingDamage(name, [&] { found = image->GetImage(con, number); });
     RequireComplete(*image, name);
-    if (!found) throw Complaint(fmt::format("there is no {}; see: oxclass images", name));
+    if (!found) throw UserError(fmt::format("there is no {}; see: oxclass images", name));
     return image;
 }
 
@@ -93,7 +93,7 @@ void LoadWhole(const Ref<Connection>& con, cImagecard& card, Long number) {
     RefusingDamage(name, [&] { WithoutTextBoxes([&] { card.GetImageCard(con, number); }); });
     RequireComplete(card, "a placed image of " + name);
     if (number == 0 || card.ICID == 0)
-        throw Complaint(fmt::format("there is no image {}; see: oxclass cards PATIENT", name));
+        throw UserError(fmt::format("there is no image {}; see: oxclass cards PATIENT", name));
     for (const auto& placed : Each<cImagecardAttribute>(*card.ImagecardAttributes))
         RequireComplete(placed, fmt::format("a manipulation of placed image {} of {}", placed.ID, name));
 }
@@ -101,11 +101,11 @@ void LoadWhole(const Ref<Connection>& con, cImagecard& card, Long number) {
 void SaveWhole(const Ref<Connection>& con, cImagecard& card) {
     card.Save(con);
     for (const auto& placed : Each<cImagecardAttribute>(*card.ImagecardAttributes))
-        if (!placed.Saving().Complete())
-            throw Complaint(
+        if (!placed.SaveCompletion().Complete())
+            throw UserError(
                 fmt::format("the manipulations of placed image {} of card IC{} can't be stored, and nothing "
                             "was changed: {}",
-                            placed.ID, card.ICID, placed.Saving().Failure().Description));
+                            placed.ID, card.ICID, placed.SaveCompletion().Failure().Description));
 }
 
 }  // namespace Console

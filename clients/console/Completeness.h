@@ -1,7 +1,7 @@
 #pragma once
 
-#include "cards/cUniCard.h"
-#include "console/Clinic.h"
+#include "cardlist/cUniCard.h"
+#include "console/Database.h"
 
 /// Rows that could not be read whole. An object that was read only in part must not be saved: the members
 /// that were not read would replace what is stored.
@@ -22,31 +22,31 @@ std::vector<std::string> DamagesOf(const OXClass::cImages& images);
 /// Why a card or series that places an image lacks it: its row is missing or can't be read.
 std::string WhyNoImage(const OXClass::cUniCard& entry, Platform::Long image);
 
-/// Throws the `Complaint` that names a damaged row ("image 5"), its column, and what to do.
+/// Throws the `UserError` that names a damaged row ("image 5"), its column, and what to do.
 [[noreturn]] void RefuseDamaged(const std::string& row, const Platform::Error& failure);
 
-/// Throws that `Complaint` unless the reading of the row came to its end.
+/// Throws that `UserError` unless the reading of the row came to its end.
 void RequireComplete(const OXClass::Completion& reading, const std::string& row);
 
 /// The same for what an object tells of its last reading.
 template <class Object>
 void RequireComplete(const Object& object, const std::string& row) {
-    RequireComplete(object.Reading(), row);
+    RequireComplete(object.LoadCompletion(), row);
 }
 
 /// The same for each image of a list that was loaded.
 void RequireComplete(const OXClass::cImages& images);
 
-/// Loads an image without its comments. Throws `Complaint` for an unknown image and for one that can't be
+/// Loads an image without its comments. Throws `UserError` for an unknown image and for one that can't be
 /// read whole.
 Ref<OXClass::cImage> LoadWholeImage(const Ref<Connection>& con, Platform::Long number);
 
-/// Loads a card with all that is placed on it. Throws `Complaint` for an unknown card and for one of which
+/// Loads a card with all that is placed on it. Throws `UserError` for an unknown card and for one of which
 /// anything can't be read, a manipulation too.
 void LoadWhole(const Ref<Connection>& con, OXClass::cImagecard& card, Platform::Long number);
 
 /// Saves a card with all that is placed on it, inside of the caller's transaction. The documented save tells
-/// no failure of manipulations; this throws `Complaint` for one, and the caller must not commit.
+/// no failure of manipulations; this throws `UserError` for one, and the caller must not commit.
 void SaveWhole(const Ref<Connection>& con, OXClass::cImagecard& card);
 
 }  // namespace Console

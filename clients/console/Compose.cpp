@@ -1,4 +1,4 @@
-#include "cards/SlotPlacing.h"
+#include "cards/CardGrid.h"
 #include "console/CardList.h"
 #include "console/Commands.h"
 #include "console/Completeness.h"
@@ -37,7 +37,7 @@ std::pair<double, double> PairOf(const std::string& text, const char* what) {
         if (!whole || i == 1 || *result.ptr != ',') break;
         at = result.ptr + 1;
     }
-    throw Complaint(fmt::format(
+    throw UserError(fmt::format(
         "\"{}\" is no {}; write fractions of the card as in 0.5,0.25, or one number for both", text, what));
 }
 
@@ -48,17 +48,17 @@ std::pair<Long, Long> CanvasOf(const std::string& text) {
         NumberOf(cross == std::string::npos ? "" : text.substr(cross + 1), "a canvas (write 1000x700)");
     constexpr Long largest = 100'000;
     if (width < 1 || height < 1 || width > largest || height > largest)
-        throw Complaint("a canvas has a width and a height above 0, and at most 100000");
+        throw UserError("a canvas has a width and a height above 0, and at most 100000");
     return {width, height};
 }
 
 // ---- composing --------------------------------------------------------------------------------------
 
 /// A stored card that is changed as a whole: nothing is stored unless all of it is.
-class Composing {
+class CardComposer {
 public:
-    Composing(const Clinic& clinic, const std::string& key) : clinic_(clinic), transaction_(clinic.Con()) {
-        LoadWhole(clinic_.Con(), *card_, CardNumber(key));
+    CardComposer(const Database& database, const std::string& key) : database_(database), transaction_(database.Con()) {
+        LoadWhole(database_.Con(), *card_, CardNumber(key));
     }
 
     cImagecard& Card() { return *card_; }
@@ -66,19 +66,19 @@ public:
     cImagecardAttribute& Placed(const std::string& number) {
         const String key = "K" + CStr(NumberOf(number, "a placed image"));
         if (!card_->ImagecardAttributes->HasKey(key))
-            throw Complaint(fmt::format("card IC{0} has no placed image {1}; see: oxclass card show IC{0}",
+            throw UserError(fmt::format("card IC{0} has no placed image {1}; see: oxclass card show IC{0}",
                                         card_->ICID, number));
         return *To<Ref<cImagecardAttribute>>(card_->ImagecardAttributes->Item(key));
     }
 
     void Store() {
         card_->ICLastUpdate = Now();
-        SaveWhole(clinic_.Con(), *card_);
+        SaveWhole(database_.Con(), *card_);
         transaction_.Commit();
     }
 
 private:
-    const Clinic& clinic_;
+    const Database& database_;
     ADODB::Transaction transaction_;
     Ref<cImagecard> card_ = New<cImagecard>();
 };
@@ -86,16 +86,16 @@ private:
 void NewCard(const Options& options, const std::string& patient, const std::string& name,
              const std::string& description, const std::string& canvas) {
     constexpr Long width = 255;
-    if (Len(name) > width) throw Complaint("the name of a card has at most 255 characters");
-    const Clinic clinic(options);
+    if (Len(name) > width) throw UserError("the name of a card has at most 255 characters");
+    const Database database(options);
     const Ref<cImagecard> card = New<cImagecard>();
-    ADODB::Transaction transaction(clinic.Con());
-    card->ICPID = LoadPatient(clinic, patient)->ID;
+    ADODB::Transaction transaction(database.Con());
+    card->ICPID = LoadPatient(database, patient)->ID;
     card->ICName = name;
     card->ICDescription = description;
     card->ICCreateDate = card->ICLastUpdate = Now();
     std::tie(card->ICWidth, card->ICHeight) = CanvasOf(canvas);
-    SaveWhole(clinic.Con(), *card);
+    SaveWhole(database.Con(), *card);
     transaction.Commit();
     if (options.json) return PrintJson({{"card", fmt::format("IC{}", card->ICID)}});
     fmt::print("IC{} is made. Place images on it: oxclass card add IC{} IMAGE\n", card->ICID, card->ICID);
@@ -106,7 +106,7 @@ void PutAt(cImagecardAttribute& placed, const std::string& at, const std::string
     if (!at.empty()) std::tie(placed.IAPosX, placed.IAPosY) = PairOf(at, "place");
     if (size.empty()) return;
     std::tie(placed.IAWidth, placed.IAHeight) = PairOf(size, "size");
-    if (placed.IAWidth <= 0 || placed.IAHeight <= 0) throw Complaint("a size is above 0");
+    if (placed.IAWidth <= 0 || placed.IAHeight <= 0) throw UserError("a size is above 0");
 }
 
 bool Overlap(const cImagecardAttribute& a, const cImagecardAttribute& b) {
@@ -121,22 +121,22 @@ void PutInFreeCell(cImagecardAttribute& placed, const cImagecard& card, Long& ce
             if (Overlap(placed, other)) return true;
         return false;
     };
-    do SlotPlacing::PlaceInGrid(placed, cell++);
+    do PlaceInGrid(placed, cell++);
     while (covered());
 }
 
 void AddImages(const Options& options, const std::string& key, const std::vector<std::string>& images,
                const std::string& at, const std::string& size) {
     if (!at.empty() && images.size() > 1)
-        throw Complaint("--at places one image; leave it out to place several in a grid");
-    const Clinic clinic(options);
-    Composing composing(clinic, key);
+        throw UserError("--at places one image; leave it out to place several in a grid");
+    const Database database(options);
+    CardComposer composing(database, key);
     cImagecard& card = composing.Card();
     Long cell = 0;
     for (const std::string& number : images) {
-        const Ref<cImage> image = LoadWholeImage(clinic.Con(), NumberOf(number, "an image"));
+        const Ref<cImage> image = LoadWholeImage(database.Con(), NumberOf(number, "an image"));
         if (image->PatID != card.ICPID)
-            throw Complaint(fmt::format("image {} belongs to another patient than the card", number));
+            throw UserError(fmt::format("image {} belongs to another patient than the card", number));
         const Ref<cImagecardAttribute> placed = New<cImagecardAttribute>();
         placed->ImageID = image->ID;
         placed->ICID = card.ICID;
@@ -154,7 +154,7 @@ void AddImages(const Options& options, const std::string& key, const std::vector
     PrintJson({{"card", fmt::format("IC{}", card.ICID)}, {"placed", placed}});
 }
 
-/// "ManRotate=90,text" as a manipulation. Throws `Complaint` for an unknown kind or number.
+/// "ManRotate=90,text" as a manipulation. Throws `UserError` for an unknown kind or number.
 Ref<cImageManipulation> ManipulationOf(const std::string& text) {
     const auto equals = text.find('=');
     const std::string name = text.substr(0, equals);
@@ -163,14 +163,14 @@ Ref<cImageManipulation> ManipulationOf(const std::string& text) {
         if (EqualsIgnoringCase(value.Name, name))
             step->ManipulationType = static_cast<ManipulationType>(value.Value);
     if (step->ManipulationType == ManCosmetic)
-        throw Complaint(
+        throw UserError(
             "a cosmetic manipulation belongs to the program that makes its file; it can't be recorded here");
     if (step->ManipulationType == ManipulationType{} || step->ManipulationType == UndoStop) {
         std::string names;
         for (const EnumerationValue& value : EnumerationOf<ManipulationType>::Values)
             if (value.Value != UndoStop && value.Value != ManCosmetic)
                 names += std::string(names.empty() ? "" : ", ") + value.Name;
-        throw Complaint(fmt::format("there is no manipulation \"{}\"; there are {}", name, names));
+        throw UserError(fmt::format("there is no manipulation \"{}\"; there are {}", name, names));
     }
     if (equals == std::string::npos) return step;
     const std::string parameters = text.substr(equals + 1);
@@ -178,7 +178,7 @@ Ref<cImageManipulation> ManipulationOf(const std::string& text) {
     step->LongParameter = NumberOf(parameters.substr(0, comma), "a manipulation (write NAME=NUMBER,TEXT)");
     if (comma != std::string::npos) step->StringParameter = parameters.substr(comma + 1);
     if (Contains(step->StringParameter, "'"))
-        throw Complaint("the text of a manipulation can't hold a single quote; leave it out");
+        throw UserError("the text of a manipulation can't hold a single quote; leave it out");
     return step;
 }
 
@@ -199,12 +199,12 @@ struct Move {
 };
 
 void MoveImage(const Options& options, const std::string& key, const std::string& number, const Move& move) {
-    if (move.turn % 90 != 0) throw Complaint("an image turns by 90, 180 or 270 degrees, clockwise");
+    if (move.turn % 90 != 0) throw UserError("an image turns by 90, 180 or 270 degrees, clockwise");
     if (move.at.empty() && move.size.empty() && !move.comment && move.turn == 0 && !move.mirror &&
         move.records.empty())
-        throw Complaint("nothing to change; oxclass card move --help tells what can be");
-    const Clinic clinic(options);
-    Composing composing(clinic, key);
+        throw UserError("nothing to change; oxclass card move --help tells what can be");
+    const Database database(options);
+    CardComposer composing(database, key);
     cImagecardAttribute& placed = composing.Placed(number);
     PutAt(placed, move.at, move.size);
     if (move.comment) placed.IAComments = *move.comment;
@@ -225,8 +225,8 @@ void MoveImage(const Options& options, const std::string& key, const std::string
 }
 
 void RemoveImages(const Options& options, const std::string& key, const std::vector<std::string>& numbers) {
-    const Clinic clinic(options);
-    Composing composing(clinic, key);
+    const Database database(options);
+    CardComposer composing(database, key);
     std::set<Long> removed;
     for (const std::string& number : numbers) {
         cImagecardAttribute& placed = composing.Placed(number);
@@ -282,8 +282,8 @@ List PlacedImagesOf(const cUniCard& entry) {
 
 void ShowCard(Program& program, const std::string& key) {
     const Options& options = program.options;
-    const Clinic clinic(options);
-    const Ref<cUniCard> entry = OpenEntry(clinic, fmt::format("IC{}", CardNumber(key)));
+    const Database database(options);
+    const Ref<cUniCard> entry = OpenEntry(database, fmt::format("IC{}", CardNumber(key)));
     const cImagecard& card = *entry->Imagecard;
     const List placed = PlacedImagesOf(*entry);
     const std::vector<std::string> damages = DamagesOf(*entry);

@@ -30,18 +30,18 @@ void RequireReachable(const fs::path& file) {
     if (status.type() == fs::file_type::not_found) {
         const fs::path folder = fs::absolute(file).parent_path();
         if (!fs::exists(folder, failure))
-            throw Complaint(
+            throw UserError(
                 fmt::format("there is no folder {}; look at the name of the database, or make the "
                             "folder and a database in it with: oxclass init {}",
                             folder.string(), file.string()));
-        throw Complaint(
+        throw UserError(
             fmt::format("there is no database {0}; make one with: oxclass init {0}", file.string()));
     }
     if (failure)
-        throw Complaint(fmt::format("{} can't be reached ({}); look at the rights of its folders",
+        throw UserError(fmt::format("{} can't be reached ({}); look at the rights of its folders",
                                     file.string(), failure.message()));
     if (status.type() != fs::file_type::regular)
-        throw Complaint(fmt::format("{} is not a file; name the database itself", file.string()));
+        throw UserError(fmt::format("{} is not a file; name the database itself", file.string()));
 }
 
 /// The first bytes of a database file: what it is, and the marks of the program that made it.
@@ -50,7 +50,7 @@ public:
     explicit Header(const fs::path& file) {
         std::ifstream in(file, std::ios::binary);
         if (!in)
-            throw Complaint(fmt::format("{} can't be read ({}); see that you may read it", file.string(),
+            throw UserError(fmt::format("{} can't be read ({}); see that you may read it", file.string(),
                                         std::strerror(errno)));
         in.read(bytes_.data(), static_cast<std::streamsize>(bytes_.size()));
         length_ = static_cast<std::size_t>(in.gcount());
@@ -80,10 +80,10 @@ private:
 
 void RequireMarks(const std::string& name, Long mark, Long version) {
     if (mark != ApplicationMark)
-        throw Complaint(
+        throw UserError(
             fmt::format("{} is no clinic database; make one under another name with: oxclass init", name));
     if (version > KnownVersion)
-        throw Complaint(
+        throw UserError(
             fmt::format("{} was made by a newer program (tables of version {}, this program knows {}); "
                         "use that program",
                         name, version, KnownVersion));
@@ -99,10 +99,10 @@ bool IsClinicFile(const fs::path& file) {
     RequireReachable(file);
     const Header header(file);
     if (header.IsEmpty())
-        throw Complaint(
+        throw UserError(
             fmt::format("{} is empty; make a database under another name with: oxclass init", file.string()));
     if (!header.IsDatabase())
-        throw Complaint(
+        throw UserError(
             fmt::format("{} can't be opened: file is not a database; name a file that oxclass init has made",
                         file.string()));
     if (header.Mark() == ApplicationMark && header.Version() <= KnownVersion) return true;

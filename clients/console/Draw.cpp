@@ -31,10 +31,10 @@ void Draw(Program& program, const std::string& key, const std::string& file, uns
           const DrawingOptions& drawing) {
     const bool png = EndsIn(file, ".png");
     if (!png && !EndsIn(file, ".svg"))
-        throw Complaint(
+        throw UserError(
             fmt::format("\"{}\" is no name of a drawing; end it with .svg or .png", Printable(file)));
-    const Clinic clinic(program.options);
-    const auto entry = OpenEntry(clinic, key);
+    const Database database(program.options);
+    const auto entry = OpenEntry(database, key);
     // The placed images behind one that can't be read are not known: the drawing would look whole.
     RequireComplete(*entry->Imagecard, fmt::format("a placed image of card {}", Platform::UCase(key)));
     const Page page = PageOf(*entry, width);
@@ -52,9 +52,9 @@ void Draw(Program& program, const std::string& key, const std::string& file, uns
 
 void Report(Program& program, const std::string& patient, const std::string& file) {
     if (!EndsIn(file, ".html") && !EndsIn(file, ".htm"))
-        throw Complaint(fmt::format("\"{}\" is no name of a report; end it with .html", Printable(file)));
-    const Clinic clinic(program.options);
-    const ReportTally tally = WriteReport(clinic, patient, file);
+        throw UserError(fmt::format("\"{}\" is no name of a report; end it with .html", Printable(file)));
+    const Database database(program.options);
+    const ReportTally tally = WriteReport(database, patient, file);
     if (tally.missing > 0 || tally.damaged > 0) program.exitCode = PartlyDone;
     if (program.options.json)
         return PrintJson({{"file", file},

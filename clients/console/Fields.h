@@ -2,6 +2,8 @@
 
 #include "console/Output.h"
 
+#include "platform/runtime/Text.h"
+
 #include <fmt/format.h>
 #include <span>
 
@@ -14,11 +16,11 @@ struct TextField {
     std::string Record::*text;
 };
 
-/// Name and value of "FIELD=VALUE". Throws `Complaint` for a text that is none.
+/// Name and value of "FIELD=VALUE". Throws `UserError` for a text that is none.
 inline std::pair<std::string, std::string> AssignmentOf(const std::string& text) {
     const auto equals = text.find('=');
     if (equals == std::string::npos)
-        throw Complaint(fmt::format("\"{}\" sets nothing; write FIELD=VALUE", text));
+        throw UserError(fmt::format("\"{}\" sets nothing; write FIELD=VALUE", text));
     return {text.substr(0, equals), text.substr(equals + 1)};
 }
 

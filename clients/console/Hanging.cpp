@@ -74,9 +74,9 @@ bool LeftWithoutTeeth(cImage& image) {
 }
 
 void Hang(const Options& options, Long number) {
-    const Clinic clinic(options);
-    ADODB::Transaction transaction(clinic.Con());
-    const HungSeries hung = HangStored(clinic.Con(), number);
+    const Database database(options);
+    ADODB::Transaction transaction(database.Con());
+    const HungSeries hung = HangStored(database.Con(), number);
     transaction.Commit();
     if (options.json)
         return PrintJson({{"series", number},
@@ -84,7 +84,7 @@ void Hang(const Options& options, Long number) {
                           {"placed", hung.placed},
                           {"changed", hung.changed},
                           {"without_teeth", hung.withoutTeeth}});
-    PrintHungSeries(clinic, number);
+    PrintHungSeries(database, number);
     fmt::print("{} images have a frame, {} were changed.\n", hung.placed, hung.changed);
     for (const Long image : hung.withoutTeeth)
         fmt::print("Image {} hangs as one without teeth: its text of teeth isn't like 11,21,48,\n", image);

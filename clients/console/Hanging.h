@@ -1,6 +1,6 @@
 #pragma once
 
-#include "console/Clinic.h"
+#include "console/Database.h"
 
 namespace Console {
 
@@ -15,7 +15,7 @@ struct HungSeries {
 /// Hangs the films of a stored series, and stores the places and derived codes of the images that it changed and
 /// the layout of the series, and nothing else of them. The result doesn't depend on the order in which the images
 /// were stored. Photographs have no frame; a series of photographs only has layout 0. The caller holds the
-/// transaction, from before this reads. Throws `Complaint` for an unknown series and for an image that can't be
+/// transaction, from before this reads. Throws `UserError` for an unknown series and for an image that can't be
 /// read whole.
 HungSeries HangStored(const Ref<Connection>& con, Platform::Long series);
 

@@ -41,8 +41,8 @@ struct PendingSeries {
 /// One import: reads files in worker processes, and stores them series by series.
 class Import {
 public:
-    Import(const Clinic& clinic, PatientDecision decision, unsigned jobs)
-        : series_(clinic.Con(), decision), patientDecided_(!decision.patient.empty()), jobs_(jobs) {}
+    Import(const Database& database, PatientDecision decision, unsigned jobs)
+        : series_(database.Con(), decision), patientDecided_(!decision.patient.empty()), jobs_(jobs) {}
 
     Tally Run(const FoundFiles& found);
 
@@ -198,9 +198,9 @@ void PrintTally(const Tally& tally, bool json) {
 void ImportFolders(Program& program, const std::vector<std::string>& names, const PatientDecision& decision,
                    unsigned jobs) {
     const StopSignals signals;
-    const Clinic clinic(program.options);
+    const Database database(program.options);
     const FoundFiles found = FindFiles(names);
-    const Tally tally = Import(clinic, decision, jobs).Run(found);
+    const Tally tally = Import(database, decision, jobs).Run(found);
     PrintTally(tally, program.options.json);
     if (tally.failed > 0 || tally.stopped) program.exitCode = PartlyDone;
 }

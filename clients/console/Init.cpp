@@ -27,15 +27,15 @@ std::string ClinicOf(const fs::path& file) {
     }
 }
 
-void Fill(const fs::path& file, const fs::path& root, const std::string& clinic) {
+void Fill(const fs::path& file, const fs::path& root, const std::string& database) {
     const Ref<Connection> con = Platform::New<Connection>();
     con->Open(ConnectionStringOf(file.string(), "Create"));
     con->BeginTrans();
     RunScript(con, schema::sqlite_sql);
     RunScript(con, schema::layouts_sql);
     RunScript(con, schema::program_sql);
-    if (!clinic.empty())
-        con->Execute(sql("INSERT INTO ClinicIdentity_T (Identity) VALUES ('", FixSqlString(clinic), "')"));
+    if (!database.empty())
+        con->Execute(sql("INSERT INTO ClinicIdentity_T (Identity) VALUES ('", FixSqlString(database), "')"));
     StorageRoots(con).Create(root);
     con->Execute(sql("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, '",
                      FixSqlString(root.string()), "', 1);"));
@@ -60,16 +60,16 @@ void PutAside(const fs::path& file, bool replace) {
     const fs::path aside = file.string() + ".old", log = file.string() + "-wal";
     if (fs::exists(file)) {
         if (!replace)
-            throw Complaint(fmt::format(
+            throw UserError(fmt::format(
                 "{} exists already and stays as it is; name another file, or use --replace to put "
                 "it aside as {}",
                 file.string(), aside.string()));
         if (fs::exists(aside))
-            throw Complaint(fmt::format("{} exists already; move it away first", aside.string()));
+            throw UserError(fmt::format("{} exists already; move it away first", aside.string()));
         Settle(file);
     }
     if (fs::exists(log))
-        throw Complaint(
+        throw UserError(
             fmt::format("{} belongs to a database in use; close the programs that use it, or move it away",
                         log.string()));
     if (fs::exists(file)) fs::rename(file, aside);
@@ -79,7 +79,7 @@ void Init(const std::string& name, const std::string& rootName, bool replace) {
     const fs::path file = fs::absolute(name);
     const fs::path root = fs::absolute(rootName.empty() ? file.parent_path() / "images" : fs::path(rootName));
     if (!fs::is_directory(file.parent_path()))
-        throw Complaint(fmt::format("there is no folder {}; make it first", file.parent_path().string()));
+        throw UserError(fmt::format("there is no folder {}; make it first", file.parent_path().string()));
     if (!replace) PutAside(file, false);
     NewDatabase made(file);
     Fill(made.Made(), root, replace ? ClinicOf(file) : std::string());

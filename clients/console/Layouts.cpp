@@ -11,8 +11,8 @@ namespace {
 using namespace OXClass;
 
 void ListLayouts(const Options& options) {
-    const Clinic clinic(options);
-    clinic
+    const Database database(options);
+    database
         .ListOf(
             "SELECT TCDicomId AS Layout, TCName AS Name, TCFullViewWidth AS Width, TCFullViewHeight AS "
             "Height, "
@@ -23,11 +23,11 @@ void ListLayouts(const Options& options) {
 }
 
 void ShowLayout(const Options& options, Long number) {
-    const Clinic clinic(options);
+    const Database database(options);
     const Ref<cTemplate> layout = New<cTemplate>();
-    layout->GetTemplate(clinic.Con(), 0, number);
+    layout->GetTemplate(database.Con(), 0, number);
     if (number == 0 || layout->TCID == 0)
-        throw Complaint(fmt::format("there is no layout {}; see: oxclass layouts", number));
+        throw UserError(fmt::format("there is no layout {}; see: oxclass layouts", number));
     if (!options.json) {
         std::map<Long, std::string> labels;
         for (const auto& slot : Each<cTemplateAttribute>(*layout->TemplateAttributes))
@@ -49,8 +49,8 @@ void ShowLayout(const Options& options, Long number) {
 }
 
 void ListGroups(const Options& options) {
-    const Clinic clinic(options);
-    clinic
+    const Database database(options);
+    database
         .ListOf(
             "SELECT TGId AS \"Group\", Name, ADLaterality AS Side, ADAnaRegion AS Region, ADAnaRegionMod AS "
             "Modifier, ADPriStructure AS Teeth FROM StandardGroupName ORDER BY OrderNo, TGId")
@@ -58,10 +58,10 @@ void ListGroups(const Options& options) {
 }
 
 void ShowGroup(const Options& options, Long number) {
-    const Clinic clinic(options);
+    const Database database(options);
     const Ref<cAnatomicDescription> group = New<cAnatomicDescription>();
-    group->LoadSGN(clinic.Con(), number);
-    if (group->ID == 0) throw Complaint(fmt::format("there is no group {}; see: oxclass anatomy", number));
+    group->LoadSGN(database.Con(), number);
+    if (group->ID == 0) throw UserError(fmt::format("there is no group {}; see: oxclass anatomy", number));
     List list({{"group", "Group"},
                {"name", "Name"},
                {"side", "Side"},

@@ -1,5 +1,7 @@
 #include "console/Output.h"
 
+#include "platform/runtime/Convert.h"
+
 #include <algorithm>
 #include <chrono>
 #include <fmt/format.h>

@@ -11,7 +11,7 @@
 namespace Console {
 
 /// What the user did wrong or what keeps the program from its work, as one line that says what to do.
-class Complaint : public std::runtime_error {
+class UserError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };

@@ -16,8 +16,8 @@ using Json = nlohmann::ordered_json;
 
 /// The patients of whom any of the texts holds `text`, without regard to case; all for an empty text.
 void ListPatients(const Options& options, const std::string& text) {
-    const Clinic clinic(options);
-    const Ref<Recordset> rows = clinic.Read(
+    const Database database(options);
+    const Ref<Recordset> rows = database.Read(
         "SELECT PatientID, PersonNr_CH, LastName_NVC, FirstName_NVC, Birthdate_CH, Sex_CH, (SELECT count(*) "
         "FROM Study_T "
         "WHERE Study_T.PatientID = Patient_T.PatientID) AS Studies FROM Patient_T ORDER BY LastName_NVC, "
@@ -62,41 +62,41 @@ Date DateOf(const std::string& value) { return value.empty() ? Date{} : TypedDat
 
 Date BirthDateOf(const std::string& value) {
     const Date date = DateOf(value);
-    if (date > Now()) throw Complaint(fmt::format("the birth date {} is in the future", DateText(date)));
+    if (date > Now()) throw UserError(fmt::format("the birth date {} is in the future", DateText(date)));
     return date;
 }
 
 std::string SexOf(const std::string& value) {
     const std::string letter = UCase(Trim(value));
     if (!letter.empty() && letter != "M" && letter != "F" && letter != "O")
-        throw Complaint(fmt::format("\"{}\" is not a sex; write M, F or O, or nothing", value));
+        throw UserError(fmt::format("\"{}\" is not a sex; write M, F or O, or nothing", value));
     return letter;
 }
 
-Long DoctorOf(const Clinic& clinic, const std::string& value) {
+Long DoctorOf(const Database& database, const std::string& value) {
     const Long doctor = value.empty() ? 0 : NumberOf(value, "a doctor");
-    if (doctor != 0 && clinic.Number(sql("SELECT count(*) FROM Doctor_T WHERE drID = ", doctor)) == 0)
-        throw Complaint(fmt::format("there is no doctor {}; see: oxclass doctors", doctor));
+    if (doctor != 0 && database.Number(sql("SELECT count(*) FROM Doctor_T WHERE drID = ", doctor)) == 0)
+        throw UserError(fmt::format("there is no doctor {}; see: oxclass doctors", doctor));
     return doctor;
 }
 
-void SetField(const Clinic& clinic, cPatient& patient, const std::string& assignment) {
+void SetField(const Database& database, cPatient& patient, const std::string& assignment) {
     const auto [name, value] = AssignmentOf(assignment);
-    if (EqualsIgnoringCase(name, "PatientID")) return ChangePatientID(clinic.Con(), patient, value);
+    if (EqualsIgnoringCase(name, "PatientID")) return ChangePatientID(database.Con(), patient, value);
     if (EqualsIgnoringCase(name, "Sex")) return void(patient.Sex = SexOf(value));
     if (SetText<cPatient>(patient, TextFields, name, value)) return;
     if (EqualsIgnoringCase(name, "BirthDate")) return void(patient.BirthDate = BirthDateOf(value));
     if (EqualsIgnoringCase(name, "PrevXrayDate")) return void(patient.PrevXrayDate = DateOf(value));
-    if (EqualsIgnoringCase(name, "RespDoctor")) return void(patient.RespDoctor = DoctorOf(clinic, value));
+    if (EqualsIgnoringCase(name, "RespDoctor")) return void(patient.RespDoctor = DoctorOf(database, value));
     if (EqualsIgnoringCase(name, "OtherIDs")) return patient.OtherIDs->FillFromString(value);
-    throw Complaint(fmt::format("a patient has no field \"{}\"; oxclass patient ID shows them all", name));
+    throw UserError(fmt::format("a patient has no field \"{}\"; oxclass patient ID shows them all", name));
 }
 
-Json Shown(const Clinic& clinic, const cPatient& patient) {
+Json Shown(const Database& database, const cPatient& patient) {
     Json json;
     json["Number"] = patient.ID;
     json["PatientID"] = patient.PatientID;
-    json["Issuer"] = IdentityOf(clinic.Con(), patient).issuer;
+    json["Issuer"] = IdentityOf(database.Con(), patient).issuer;
     AddTexts<cPatient>(json, patient, TextFields);
     json["BirthDate"] = DateText(patient.BirthDate);
     json["PrevXrayDate"] = DateText(patient.PrevXrayDate);
@@ -106,20 +106,20 @@ Json Shown(const Clinic& clinic, const cPatient& patient) {
 }
 
 /// Changes fields of one row, read and written in one transaction.
-void SetPatient(const Clinic& clinic, const std::string& id, const std::vector<std::string>& assignments) {
-    ADODB::Transaction transaction(clinic.Con());
-    const Ref<cPatient> patient = LoadPatient(clinic, id);
-    for (const std::string& assignment : assignments) SetField(clinic, *patient, assignment);
-    SavePatient(clinic.Con(), *patient);
+void SetPatient(const Database& database, const std::string& id, const std::vector<std::string>& assignments) {
+    ADODB::Transaction transaction(database.Con());
+    const Ref<cPatient> patient = LoadPatient(database, id);
+    for (const std::string& assignment : assignments) SetField(database, *patient, assignment);
+    SavePatient(database.Con(), *patient);
     transaction.Commit();
 }
 
 void ShowPatient(const Options& options, const std::string& id, const std::vector<std::string>& assignments) {
-    const Clinic clinic(options);
-    const Long number = LoadPatient(clinic, id)->ID;
+    const Database database(options);
+    const Long number = LoadPatient(database, id)->ID;
     const std::string row = fmt::format("#{}", number);
-    if (!assignments.empty()) SetPatient(clinic, row, assignments);
-    PrintFields(Shown(clinic, *LoadPatient(clinic, row)), options.json);
+    if (!assignments.empty()) SetPatient(database, row, assignments);
+    PrintFields(Shown(database, *LoadPatient(database, row)), options.json);
 }
 
 }  // namespace

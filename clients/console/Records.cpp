@@ -18,14 +18,14 @@ namespace {
 using namespace OXClass;
 
 /// " WHERE Study_T.PatientID = 5" for a patient that is named.
-std::string OfPatient(const Clinic& clinic, const std::string& patient) {
+std::string OfPatient(const Database& database, const std::string& patient) {
     return patient.empty() ? std::string()
-                           : sql(" WHERE Study_T.PatientID = ", LoadPatient(clinic, patient)->ID);
+                           : sql(" WHERE Study_T.PatientID = ", LoadPatient(database, patient)->ID);
 }
 
 void ListStudies(const Options& options, const std::string& patient) {
-    const Clinic clinic(options);
-    clinic
+    const Database database(options);
+    database
         .ListOf(
             "SELECT Study_ID AS Study, PersonNr_CH AS Patient, StudyDateTime AS Date, replace(Studydesc, "
             "'''''', '''') AS "
@@ -33,7 +33,7 @@ void ListStudies(const Options& options, const std::string& patient) {
             "(SELECT count(*) FROM Series_T WHERE Series_T.Study_ID = Study_T.Study_ID) AS Series, "
             "StudyInstanceUID AS UID FROM Study_T LEFT JOIN Patient_T ON Patient_T.PatientID = "
             "Study_T.PatientID" +
-            OfPatient(clinic, patient) + " ORDER BY StudyDateTime, Study_ID")
+            OfPatient(database, patient) + " ORDER BY StudyDateTime, Study_ID")
         .Print(options.json, "There are no studies.");
 }
 
@@ -48,13 +48,13 @@ nlohmann::ordered_json DamageOfSeries(const Ref<Recordset>& row) {
 }
 
 void ListSeries(Program& program, const std::string& patient) {
-    const Clinic clinic(program.options);
-    const Ref<Recordset> rows = clinic.Read(
+    const Database database(program.options);
+    const Ref<Recordset> rows = database.Read(
         "SELECT Series_T.*, PersonNr_CH, replace(SeriesDescription, '''''', '''') AS Description FROM "
         "Series_T "
         "LEFT JOIN Study_T ON Study_T.Study_ID = Series_T.Study_ID LEFT JOIN Patient_T ON "
         "Patient_T.PatientID = Study_T.PatientID" +
-        OfPatient(clinic, patient) + " ORDER BY SeriesDateTime, Series_ID");
+        OfPatient(database, patient) + " ORDER BY SeriesDateTime, Series_ID");
     List list({{"series", "Series"},
                {"study", "Study"},
                {"patient", "Patient"},
@@ -77,17 +77,17 @@ void ListSeries(Program& program, const std::string& patient) {
 }
 
 /// The where clause of the images that are asked for.
-std::string ImagesClause(const Clinic& clinic, const std::string& patient, const std::string& series) {
+std::string ImagesClause(const Database& database, const std::string& patient, const std::string& series) {
     if (!series.empty()) return sql("where Series_ID=", NumberOf(series, "a series"));
     if (patient.empty()) return "where 1=1";
-    return sql("where PatientID=", LoadPatient(clinic, patient)->ID);
+    return sql("where PatientID=", LoadPatient(database, patient)->ID);
 }
 
 void ListImages(Program& program, const std::string& patient, const std::string& series) {
     const Options& options = program.options;
-    const Clinic clinic(options);
+    const Database database(options);
     const Ref<cImages> images = New<cImages>();
-    images->LoadReadable(clinic.Con(), iootUnknown, 0, ImagesClause(clinic, patient, series));
+    images->LoadReadable(database.Con(), iootUnknown, 0, ImagesClause(database, patient, series));
     List list({{"image", "Image"},
                {"series", "Series"},
                {"frame", "Frame"},
@@ -115,8 +115,8 @@ void ListImages(Program& program, const std::string& patient, const std::string&
     list.Print(options.json, "There are no images.");
 }
 
-void PrintComments(const Options& options, cImage& image, const Clinic& clinic) {
-    image.GetComments(clinic.Con());
+void PrintComments(const Options& options, cImage& image, const Database& database) {
+    image.GetComments(database.Con());
     List list({{"date", "Date"}, {"signature", "Signature"}, {"comment", "Comment"}});
     for (const cStringItem& comment : *image.Comments())
         list.Add({DateText(comment.DateStamp), comment.Signature, comment.str});
@@ -125,34 +125,34 @@ void PrintComments(const Options& options, cImage& image, const Clinic& clinic) 
 
 void RequireComment(const std::string& text, const std::string& signature) {
     constexpr Long width = 150;
-    if (Trim(text).empty()) throw Complaint("the comment is blank");
+    if (Trim(text).empty()) throw UserError("the comment is blank");
     if (Len(text) > width || Len(signature) > width)
-        throw Complaint(fmt::format("a comment and its signature have at most {} characters each", width));
+        throw UserError(fmt::format("a comment and its signature have at most {} characters each", width));
 }
 
 /// The row of the image is not read: a comment can be added to an image whose row is damaged.
-void RequireImage(const Clinic& clinic, Long number) {
-    if (clinic.Number(sql("SELECT count(*) FROM ImageBild_T WHERE ImageBildID=", number)) == 0)
-        throw Complaint(fmt::format("there is no image {}; see: oxclass images", number));
+void RequireImage(const Database& database, Long number) {
+    if (database.Number(sql("SELECT count(*) FROM ImageBild_T WHERE ImageBildID=", number)) == 0)
+        throw UserError(fmt::format("there is no image {}; see: oxclass images", number));
 }
 
 void Comment(const Options& options, const std::string& number, const std::string& text,
              const std::string& signature) {
-    const Clinic clinic(options);
+    const Database database(options);
     const Ref<cImage> image = New<cImage>();
     image->ID = NumberOf(number, "an image");
     if (text.empty()) {
-        RequireImage(clinic, image->ID);
-        return PrintComments(options, *image, clinic);
+        RequireImage(database, image->ID);
+        return PrintComments(options, *image, database);
     }
     RequireComment(text, signature);
-    ADODB::Transaction transaction(clinic.Con());
-    RequireImage(clinic, image->ID);
-    image->GetComments(clinic.Con());
+    ADODB::Transaction transaction(database.Con());
+    RequireImage(database, image->ID);
+    image->GetComments(database.Con());
     image->addComment(text, signature, Now(), false);
-    image->SaveComments(clinic.Con());
+    image->SaveComments(database.Con());
     transaction.Commit();
-    PrintComments(options, *image, clinic);
+    PrintComments(options, *image, database);
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 #include "console/Commands.h"
 #include "console/Output.h"
-#include "platform/component/ClassRegistry.h"
-#include "platform/component/LibraryFile.h"
-#include "platform/component/Marshal.h"
+#include "platform/component/binary/Bstr.h"
+#include "platform/component/registry/ClassRegistry.h"
+#include "platform/component/registry/LibraryFile.h"
 
 #include <fmt/format.h>
 
@@ -21,17 +21,17 @@ std::string LibraryOf(const std::string& named) {
 
 void RequireFile(const std::string& library) {
     if (!fs::exists(library))
-        throw Complaint(fmt::format("there is no library {}; name it: oxclass register LIBRARY", library));
+        throw UserError(fmt::format("there is no library {}; name it: oxclass register LIBRARY", library));
 }
 
-/// The text of what a failed call left on this thread.
+/// The description in the error record of a failed call.
 std::string FailureText(const char* otherwise) {
     IErrorInfo* record = nullptr;
     if (GetErrorInfo(0, &record) != S_OK) return otherwise;
     BSTR text = nullptr;
     record->GetDescription(&text);
     record->Release();
-    const Platform::OwnedText description(text);
+    const Platform::OwnedBstr description(text);
     return Platform::FromBstr(text);
 }
 
@@ -39,7 +39,7 @@ void Register(const std::string& named) {
     const std::string library = LibraryOf(named);
     RequireFile(library);
     if (FAILED(LibraryFile(library).RegisterServer()))
-        throw Complaint(FailureText("the registration failed"));
+        throw UserError(FailureText("the registration failed"));
     fmt::print("Registered {} in {}\n", library, Platform::ClassRegistry::File().string());
 }
 
@@ -47,7 +47,7 @@ void Register(const std::string& named) {
 void Unregister(const std::string& named) {
     const std::string library = LibraryOf(named);
     if (!Platform::ClassRegistry::RemoveFile(library))
-        throw Complaint(fmt::format("{} is not registered; oxclass classes shows what is", library));
+        throw UserError(fmt::format("{} is not registered; oxclass classes shows what is", library));
     fmt::print("Removed {} from {}\n", library, Platform::ClassRegistry::File().string());
 }
 

@@ -37,14 +37,14 @@ std::string FullName(const cPatient& patient) {
 
 /// The name of the clinic that reports: the first that is stored, but the head office, whose row has a mark
 /// instead of a name.
-std::string ClinicName(const Clinic& clinic) {
-    const Ref<Recordset> names = clinic.Read(
+std::string ClinicName(const Database& database) {
+    const Ref<Recordset> names = database.Read(
         "SELECT ClinicName FROM Clinic_T WHERE trim(ClinicName) <> '' AND upper(ClinicName) <> '__HQ' ORDER "
         "BY ClinicID");
     return names->Eof() ? std::string() : CStr(names->Fields(0).Value());
 }
 
-std::string Facts(const Clinic& clinic, const cPatient& patient) {
+std::string Facts(const Database& database, const cPatient& patient) {
     std::string facts;
     const auto add = [&](const char* name, const std::string& value) {
         if (!value.empty()) facts += fmt::format("<dt>{}</dt><dd>{}</dd>\n", name, XmlText(value));
@@ -53,7 +53,7 @@ std::string Facts(const Clinic& clinic, const cPatient& patient) {
     add("Other IDs", patient.OtherIDs->GetAllAsString());
     add("Born", DateText(patient.BirthDate));
     add("Sex", patient.Sex);
-    add("Clinic", ClinicName(clinic));
+    add("Clinic", ClinicName(database));
     add("Written", DateText(Now()));
     return facts;
 }
@@ -72,8 +72,8 @@ std::string ExposureOf(const cImage& image) {
 }
 
 /// The comments of an image, newest first, one a line: "2026-01-31 AB: caries".
-std::string CommentsOf(const Clinic& clinic, cImage& image) {
-    image.GetComments(clinic.Con());
+std::string CommentsOf(const Database& database, cImage& image) {
+    image.GetComments(database.Con());
     std::string lines;
     for (const cStringItem& comment : *image.Comments()) {
         const std::string by = Trim(DateText(comment.DateStamp) + " " + comment.Signature);
@@ -89,23 +89,23 @@ std::string RemarkOf(const PlacedPicture& placed) {
 }
 
 /// The cells between an image's number and its remark.
-std::string CellsOf(const Clinic& clinic, const PlacedPicture& placed, const Ref<cImage>& image) {
+std::string CellsOf(const Database& database, const PlacedPicture& placed, const Ref<cImage>& image) {
     if (!image)
         return fmt::format("<td>{}</td><td></td><td></td><td></td><td></td>", XmlText(placed.caption));
     return fmt::format("<td>{}</td><td>{}</td><td>{}</td><td>{}</td><td>{}</td>", XmlText(TeethOf(*image)),
                        XmlText(AnatomyInWords(image->AnaRegion, image->AnaRegionMod, image->Laterality)),
-                       DateText(image->dateTime), ExposureOf(*image), CommentsOf(clinic, *image));
+                       DateText(image->dateTime), ExposureOf(*image), CommentsOf(database, *image));
 }
 
 /// The table of a page's images.
-std::string Table(const Clinic& clinic, const cUniCard& entry, const Page& page) {
+std::string Table(const Database& database, const cUniCard& entry, const Page& page) {
     if (page.pictures.empty()) return "<p class=\"quiet\">No images.</p>\n";
     std::string rows;
     std::size_t next = 0;
     for (const auto& placed : Each<cImagecardAttribute>(*entry.Imagecard->ImagecardAttributes)) {
         const PlacedPicture& picture = page.pictures[next++];
         rows += fmt::format("<tr class=\"image\"><td class=\"number\">{}</td>{}<td>{}</td></tr>\n",
-                            picture.number, CellsOf(clinic, picture, ImageOf(entry, placed)),
+                            picture.number, CellsOf(database, picture, ImageOf(entry, placed)),
                             XmlText(RemarkOf(picture)));
     }
     std::string titles;
@@ -125,7 +125,7 @@ std::string Damages(const std::vector<std::string>& lines) {
     return text;
 }
 
-std::string Section(const Clinic& clinic, const cUniCard& entry, const Page& page) {
+std::string Section(const Database& database, const cUniCard& entry, const Page& page) {
     const std::string name = XmlText(page.title);
     const std::string kind = entry.Series ? "Series" : "Image card";
     std::string picture;
@@ -140,7 +140,7 @@ std::string Section(const Clinic& clinic, const cUniCard& entry, const Page& pag
         "<article id=\"{0}\">\n<h2>{1}</h2>\n<p class=\"quiet\">{2} {0}, {3}, {4} "
         "images</p>\n{5}{6}{7}{8}</article>\n",
         entry.Key, name, kind, DateText(entry.SortDate()), page.pictures.size(), description,
-        Damages(DamagesOf(entry)), picture, Table(clinic, entry, page));
+        Damages(DamagesOf(entry)), picture, Table(database, entry, page));
 }
 
 /// An entry that can't be read at all.
@@ -151,15 +151,15 @@ std::string DamagedSection(const UnreadEntry& entry) {
 
 }  // namespace
 
-ReportTally WriteReport(const Clinic& clinic, const std::string& patient, const std::filesystem::path& file) {
-    const CardList list = ListCards(clinic, patient);
+ReportTally WriteReport(const Database& database, const std::string& patient, const std::filesystem::path& file) {
+    const CardList list = ListCards(database, patient);
     ReportTally tally;
     std::string entries;
     Progress progress("entries", static_cast<std::size_t>(list.entries->Count()));
     for (cUniCard& entry : *list.entries) {
-        LoadReadable(clinic.Con(), entry);
+        LoadReadable(database.Con(), entry);
         const Page page = PageOf(entry, PixelWidth);
-        entries += Section(clinic, entry, page);
+        entries += Section(database, entry, page);
         ++tally.entries;
         tally.images += page.pictures.size();
         tally.damaged += DamagesOf(entry).size();
@@ -174,7 +174,7 @@ ReportTally WriteReport(const Clinic& clinic, const std::string& patient, const 
     WriteWholeFile(file, Filled(page::report_html,
                                 {{"title", name + ", dental images"},
                                  {"patient", name},
-                                 {"facts", Facts(clinic, *list.patient)},
+                                 {"facts", Facts(database, *list.patient)},
                                  {"summary", fmt::format("{} cards and series with {} images, newest first.",
                                                          tally.entries, tally.images)},
                                  {"entries", entries}}));

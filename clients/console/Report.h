@@ -1,6 +1,6 @@
 #pragma once
 
-#include "console/Clinic.h"
+#include "console/Database.h"
 
 namespace Console {
 
@@ -16,8 +16,8 @@ struct ReportTally {
 /// series, newest first, each as a picture that enlarges on click, with teeth, anatomy in words, time,
 /// exposure, comments and remarks of each image.
 /// Cards, series and images that can't be read are named with the damaged column.
-/// Throws `Complaint` for an unknown patient and for a file that can't be written; an earlier file then
+/// Throws `UserError` for an unknown patient and for a file that can't be written; an earlier file then
 /// stays.
-ReportTally WriteReport(const Clinic& clinic, const std::string& patient, const std::filesystem::path& file);
+ReportTally WriteReport(const Database& database, const std::string& patient, const std::filesystem::path& file);
 
 }  // namespace Console

@@ -17,8 +17,8 @@ using namespace OXClass;
 constexpr std::string_view Prefix = "gglID_";
 
 void ListRoots(const Options& options) {
-    const Clinic clinic(options);
-    clinic
+    const Database database(options);
+    database
         .ListOf(
             "SELECT RootID AS Root, Status <> 0 AS Active, RootDirectory AS Directory FROM Root_T ORDER BY "
             "RootID")
@@ -27,12 +27,12 @@ void ListRoots(const Options& options) {
 
 /// Adds a root and makes it the active one, where new files go.
 void AddRoot(const Options& options, const std::string& directory) {
-    const Clinic clinic(options);
+    const Database database(options);
     const fs::path root = fs::absolute(directory);
-    StorageRoots(clinic.Con()).Create(root);
-    ADODB::Transaction transaction(clinic.Con());
-    clinic.Con()->Execute("UPDATE Root_T SET Status = 0");
-    clinic.Con()->Execute(
+    StorageRoots(database.Con()).Create(root);
+    ADODB::Transaction transaction(database.Con());
+    database.Con()->Execute("UPDATE Root_T SET Status = 0");
+    database.Con()->Execute(
         sql("INSERT INTO Root_T (RootDirectory, Status) VALUES ('", FixSqlString(root.string()), "', 1)"));
     transaction.Commit();
     ListRoots(options);
@@ -46,15 +46,15 @@ gGlobalListIDs ListNamed(const std::string& name) {
             std::to_string(value.Value) == name)
             return static_cast<gGlobalListIDs>(value.Value);
     }
-    throw Complaint(fmt::format("there is no setting \"{}\"; see: oxclass setting list", name));
+    throw UserError(fmt::format("there is no setting \"{}\"; see: oxclass setting list", name));
 }
 
 void PrintSettings(const Options& options, const std::vector<gGlobalListIDs>& lists, bool onlyFilled) {
-    const Clinic clinic(options);
+    const Database database(options);
     List shown({{"name", "Name"}, {"number", "Number"}, {"row", "Row"}, {"text", "Text"}});
     for (const gGlobalListIDs id : lists) {
         const Ref<cGlobalLists> rows = New<cGlobalLists>();
-        rows->GetAllGLs(clinic.Con(), id);
+        rows->GetAllGLs(database.Con(), id);
         const std::string name(
             std::string_view(EnumerationOf<gGlobalListIDs>::Values[id - 1].Name).substr(Prefix.size()));
         for (const cGlobalList& row : *rows) shown.Add({name, Long{id}, row.GlobalListID, row.ListText});
@@ -72,10 +72,10 @@ void ListSettings(const Options& options, const std::string& name) {
 }
 
 void GetSetting(const Options& options, const std::string& name) {
-    const Clinic clinic(options);
+    const Database database(options);
     Ref<cGlobalLists> rows;
     String text;
-    New<Class1>()->GetGLSetting(clinic.Con(), ListNamed(name), text, rows);
+    New<Class1>()->GetGLSetting(database.Con(), ListNamed(name), text, rows);
     if (options.json) return PrintJson({{"name", name}, {"text", text}, {"set", rows->Count() > 0}});
     fmt::print("{}\n", text);
 }
@@ -86,7 +86,7 @@ void RequireUidRoot(const std::string& root) {
     constexpr std::size_t longest = 62;  // leaves a dot and one digit
     static const std::regex form(R"([0-2](\.(0|[1-9][0-9]*))+)");
     if (root.size() > longest || !std::regex_match(root, form))
-        throw Complaint(
+        throw UserError(
             fmt::format("\"{}\" can't be a root of DICOM identifiers; write numbers separated by dots, as "
                         "1.2.826.0.1, at "
                         "most {} characters",
@@ -95,17 +95,17 @@ void RequireUidRoot(const std::string& root) {
 
 void SetSetting(const Options& options, const std::string& name, const std::string& text, bool add) {
     if (ListNamed(name) == gglID_DicomRootUID) RequireUidRoot(text);
-    const Clinic clinic(options);
-    ADODB::Transaction transaction(clinic.Con());
-    New<Class1>()->SaveGLSetting(clinic.Con(), ListNamed(name), text, !add);
+    const Database database(options);
+    ADODB::Transaction transaction(database.Con());
+    New<Class1>()->SaveGLSetting(database.Con(), ListNamed(name), text, !add);
     transaction.Commit();
 }
 
 void PrintIdentifiers(const Options& options, int count) {
-    const Clinic clinic(options);
+    const Database database(options);
     const Ref<Class1> services = New<Class1>();
     nlohmann::ordered_json all = nlohmann::ordered_json::array();
-    for (int i = 0; i < count; ++i) all.push_back(services->GetInstanceUID(clinic.Con()));
+    for (int i = 0; i < count; ++i) all.push_back(services->GetInstanceUID(database.Con()));
     if (options.json) return PrintJson(all);
     for (const auto& uid : all) fmt::print("{}\n", uid.get<std::string>());
 }

@@ -38,17 +38,17 @@ std::string NameOf(DoctorType type) {
 DoctorType TypeNamed(const std::string& name) {
     for (const auto& known : DoctorTypes)
         if (EqualsIgnoringCase(known.name, name)) return known.type;
-    throw Complaint(
+    throw UserError(
         fmt::format("\"{}\" is no type of doctor; there are unknown, local, remote and web", name));
 }
 
 void ListDoctors(const Options& options) {
-    const Clinic clinic(options);
+    const Database database(options);
     const Ref<cDoctors> doctors = New<cDoctors>();
-    doctors->GetAllDoctors(clinic.Con());
+    doctors->GetAllDoctors(database.Con());
     std::map<Long, Long> patients;
     const Ref<Recordset> counts =
-        clinic.Read("SELECT RespDoctor, count(*) FROM Patient_T WHERE RespDoctor <> 0 GROUP BY RespDoctor");
+        database.Read("SELECT RespDoctor, count(*) FROM Patient_T WHERE RespDoctor <> 0 GROUP BY RespDoctor");
     for (; !counts->Eof(); counts->MoveNext())
         patients[counts->Fields(0).As<Long>()] = counts->Fields(1).As<Long>();
     List list({{"number", "Number"},
@@ -69,16 +69,16 @@ void SetFields(cDoctor& doctor, const std::vector<std::string>& assignments) {
         const auto [name, value] = AssignmentOf(assignment);
         if (SetText<cDoctor>(doctor, DoctorTexts, name, value)) continue;
         if (!EqualsIgnoringCase(name, "DrType"))
-            throw Complaint(
+            throw UserError(
                 fmt::format("a doctor has no field \"{}\"; oxclass doctor show NUMBER shows them all", name));
         doctor.DrType = TypeNamed(value);
     }
 }
 
-Ref<cDoctor> LoadDoctor(const Clinic& clinic, const std::string& number) {
+Ref<cDoctor> LoadDoctor(const Database& database, const std::string& number) {
     Ref<cDoctor> doctor = New<cDoctor>();
-    if (!doctor->LoadDoctor(NumberOf(number, "a doctor"), clinic.Con()))
-        throw Complaint(fmt::format("there is no doctor {}; see: oxclass doctors", number));
+    if (!doctor->LoadDoctor(NumberOf(number, "a doctor"), database.Con()))
+        throw UserError(fmt::format("there is no doctor {}; see: oxclass doctors", number));
     return doctor;
 }
 
@@ -93,45 +93,45 @@ void Print(const Options& options, const cDoctor& doctor) {
 }
 
 /// Stores a doctor and shows it as it is stored, with its texts cut and its new GUID.
-void Store(const Options& options, const Clinic& clinic, cDoctor& doctor) {
+void Store(const Options& options, const Database& database, cDoctor& doctor) {
     if (Trim(doctor.DrLastName + doctor.DrFirstName + doctor.DrName).empty())
-        throw Complaint("a doctor needs a name; set DrLastName, DrFirstName or DrName");
-    doctor.SaveDoctor(clinic.Con());
-    Print(options, *LoadDoctor(clinic, CStr(doctor.drID)));
+        throw UserError("a doctor needs a name; set DrLastName, DrFirstName or DrName");
+    doctor.SaveDoctor(database.Con());
+    Print(options, *LoadDoctor(database, CStr(doctor.drID)));
 }
 
 void NewDoctor(const Options& options, const std::vector<std::string>& assignments) {
-    const Clinic clinic(options);
+    const Database database(options);
     const Ref<cDoctor> doctor = New<cDoctor>();
     doctor->DrType = drt_Local;
     SetFields(*doctor, assignments);
-    Store(options, clinic, *doctor);
+    Store(options, database, *doctor);
 }
 
 void SetDoctor(const Options& options, const std::string& number,
                const std::vector<std::string>& assignments) {
-    const Clinic clinic(options);
-    const Ref<cDoctor> doctor = LoadDoctor(clinic, number);
+    const Database database(options);
+    const Ref<cDoctor> doctor = LoadDoctor(database, number);
     SetFields(*doctor, assignments);
-    Store(options, clinic, *doctor);
+    Store(options, database, *doctor);
 }
 
 void ShowDoctor(const Options& options, const std::string& number) {
-    const Clinic clinic(options);
-    Print(options, *LoadDoctor(clinic, number));
+    const Database database(options);
+    Print(options, *LoadDoctor(database, number));
 }
 
 void DeleteDoctor(const Options& options, const std::string& number, bool force) {
-    const Clinic clinic(options);
-    ADODB::Transaction transaction(clinic.Con());
-    const Ref<cDoctor> doctor = LoadDoctor(clinic, number);
-    const Long patients = doctor->PatientCount(clinic.Con());
+    const Database database(options);
+    ADODB::Transaction transaction(database.Con());
+    const Ref<cDoctor> doctor = LoadDoctor(database, number);
+    const Long patients = doctor->PatientCount(database.Con());
     if (patients > 0 && !force)
-        throw Complaint(fmt::format(
+        throw UserError(fmt::format(
             "doctor {} is the doctor of {} and was not deleted; set another with: oxclass patient ID "
             "RespDoctor=NUMBER, or use --force",
             doctor->drID, patients == 1 ? "1 patient" : fmt::format("{} patients", patients)));
-    doctor->DeleteDoctor(clinic.Con());
+    doctor->DeleteDoctor(database.Con());
     transaction.Commit();
     if (patients > 0)
         fmt::print(
@@ -201,10 +201,10 @@ constexpr TextField<cClinic> ClinicTexts[] = {
 };
 
 void ListClinics(const Options& options) {
-    const Clinic clinic(options);
+    const Database database(options);
     const Ref<cClinics> clinics = New<cClinics>();
-    clinics->GetAllClinics(clinic.Con());
-    const Ref<cClinic> headOffice = clinics->GetHQClinic(clinic.Con());
+    clinics->GetAllClinics(database.Con());
+    const Ref<cClinic> headOffice = clinics->GetHQClinic(database.Con());
     List list({{"number", "Number"},
                {"name", "Name"},
                {"head_office", "Head office"},
@@ -222,15 +222,15 @@ void SetFields(cClinic& clinic, const std::vector<std::string>& assignments) {
     for (const std::string& assignment : assignments) {
         const auto [name, value] = AssignmentOf(assignment);
         if (!SetText<cClinic>(clinic, ClinicTexts, name, value))
-            throw Complaint(
+            throw UserError(
                 fmt::format("a clinic has no field \"{}\"; oxclass clinic show NUMBER shows them all", name));
     }
 }
 
-Ref<cClinic> LoadClinic(const Clinic& database, const std::string& number) {
+Ref<cClinic> LoadClinic(const Database& database, const std::string& number) {
     Ref<cClinic> clinic = New<cClinic>();
     if (!clinic->LoadClinic(NumberOf(number, "a clinic"), database.Con()))
-        throw Complaint(fmt::format("there is no clinic {}; see: oxclass clinics", number));
+        throw UserError(fmt::format("there is no clinic {}; see: oxclass clinics", number));
     return clinic;
 }
 
@@ -247,18 +247,18 @@ void Print(const Options& options, const cClinic& clinic) {
 }
 
 void RequireName(const cClinic& clinic) {
-    if (Trim(clinic.ClinicName).empty()) throw Complaint("a clinic needs a name; set ClinicName");
+    if (Trim(clinic.ClinicName).empty()) throw UserError("a clinic needs a name; set ClinicName");
 }
 
 /// Stores a clinic and shows it as it is stored, with its texts cut.
-void Store(const Options& options, const Clinic& database, cClinic& clinic) {
+void Store(const Options& options, const Database& database, cClinic& clinic) {
     RequireName(clinic);
     clinic.SaveClinic(database.Con());
     Print(options, *LoadClinic(database, CStr(clinic.ID)));
 }
 
 void NewClinic(const Options& options, const std::vector<std::string>& assignments) {
-    const Clinic database(options);
+    const Database database(options);
     const Ref<cClinic> clinic = New<cClinic>();
     SetFields(*clinic, assignments);
     RequireName(*clinic);
@@ -268,22 +268,22 @@ void NewClinic(const Options& options, const std::vector<std::string>& assignmen
 
 void SetClinic(const Options& options, const std::string& number,
                const std::vector<std::string>& assignments) {
-    const Clinic database(options);
+    const Database database(options);
     const Ref<cClinic> clinic = LoadClinic(database, number);
     SetFields(*clinic, assignments);
     Store(options, database, *clinic);
 }
 
 void ShowClinic(const Options& options, const std::string& number) {
-    const Clinic database(options);
+    const Database database(options);
     Print(options, *LoadClinic(database, number));
 }
 
 void DeleteClinic(const Options& options, const std::string& number, bool force) {
-    const Clinic database(options);
+    const Database database(options);
     const Ref<cClinic> clinic = LoadClinic(database, number);
     if (IsHeadOffice(*clinic) && !force)
-        throw Complaint(
+        throw UserError(
             fmt::format("clinic {} is the head office and was not deleted; use --force", clinic->ID));
     clinic->DeleteClinic(database.Con());
     if (options.json) return PrintJson({{"deleted", clinic->ID}});
@@ -341,7 +341,7 @@ void PrintGUIDs(const Options& options, int count) {
     Json all = Json::array();
     for (int i = 0; i < count; ++i) {
         all.push_back(doctors->GetGUID());
-        if (all.back().get<std::string>().empty()) throw Complaint("the system gives no identifier");
+        if (all.back().get<std::string>().empty()) throw UserError("the system gives no identifier");
     }
     if (options.json) return PrintJson(all);
     for (const auto& guid : all) fmt::print("{}\n", guid.get<std::string>());

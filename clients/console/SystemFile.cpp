@@ -13,7 +13,7 @@ namespace Console {
 namespace fs = std::filesystem;
 
 void ComplainOfSystem(const char* what, const fs::path& path) {
-    throw Complaint(fmt::format("{} {}: {}", what, path.string(), std::strerror(errno)));
+    throw UserError(fmt::format("{} {}: {}", what, path.string(), std::strerror(errno)));
 }
 
 SystemFile::SystemFile(const fs::path& path, int flags, const fs::path& shown)

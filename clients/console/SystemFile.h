@@ -5,7 +5,7 @@
 
 namespace Console {
 
-/// An open file of the system, closed by the destructor. Failures are `Complaint`s that name the file.
+/// An open file of the system, closed by the destructor. Failures are `UserError`s that name the file.
 class SystemFile {
 public:
     /// Opens with the flags of open(2); a file that is made can be read by everybody and written by its
@@ -33,7 +33,7 @@ private:
 /// Flushes the names in a folder to the disk. File systems that can't do it are left as they are.
 void SyncFolder(const std::filesystem::path& folder);
 
-/// Throws a `Complaint` with the system's last error: "WHAT PATH: REASON".
+/// Throws a `UserError` with the system's last error: "WHAT PATH: REASON".
 [[noreturn]] void ComplainOfSystem(const char* what, const std::filesystem::path& path);
 
 }  // namespace Console

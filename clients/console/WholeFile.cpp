@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 void WriteWholeFile(const fs::path& path, std::string_view bytes) {
     std::error_code failure;
     if (fs::exists(path, failure) && !fs::is_regular_file(path, failure))
-        throw Complaint(fmt::format("can't write {}: it isn't a file", path.string()));
+        throw UserError(fmt::format("can't write {}: it isn't a file", path.string()));
     std::string partial = path.string() + ".part-XXXXXX";
     const int made = mkostemp(partial.data(), O_CLOEXEC);
     if (made < 0) ComplainOfSystem("can't write", path);

@@ -40,7 +40,7 @@ void SetDays(WorklistKeys& keys, const std::string& text) {
     if (!first.empty()) keys.firstDay = DigitsOfDay(first);
     if (!last.empty()) keys.lastDay = DigitsOfDay(last);
     if (!keys.firstDay.empty() && !keys.lastDay.empty() && keys.firstDay > keys.lastDay)
-        throw Complaint(fmt::format("\"{}\" ends before it begins", text));
+        throw UserError(fmt::format("\"{}\" ends before it begins", text));
 }
 
 /// True if `text` is what is wanted, without regard to case; "*" stands for any characters, "?" for one.
@@ -99,7 +99,7 @@ std::vector<fs::path> WorklistFiles(Program& program, const fs::path& where) {
     std::error_code unknown;
     if (!fs::is_directory(where, unknown)) {
         if (!IsFile(where))
-            throw Complaint(
+            throw UserError(
                 fmt::format("{} is no file, no folder and no server AE@HOST:PORT (the AE title has at most "
                             "16 characters)",
                             Printable(where.string())));
@@ -247,10 +247,10 @@ bool SamePerson(const WorklistEntry& a, const WorklistEntry& b) {
 const WorklistEntry& EntryAt(const WorklistItems& items, const std::string& text, std::size_t at) {
     const Long position = NumberOf(text.substr(0, at), "an entry");
     if (!EqualsIgnoringCase(text.substr(at + 1), ChecksumOf(items)))
-        throw Complaint(fmt::format(
+        throw UserError(fmt::format(
             "the worklist has changed since {} was printed; leave --register out to see the list", text));
     if (position < 1 || static_cast<std::size_t>(position) > items.size())
-        throw Complaint(
+        throw UserError(
             fmt::format("the worklist has no entry {}; leave --register out to see the list", position));
     return items[static_cast<std::size_t>(position - 1)];
 }
@@ -261,7 +261,7 @@ const WorklistEntry& EntryNamed(const WorklistItems& items, const std::string& t
     for (const WorklistEntry& entry : items) {
         if (text.empty() || (entry.item->Accession != text && entry.item->SchProcStepID != text)) continue;
         if (found && !SamePerson(*found, entry))
-            throw Complaint(fmt::format(
+            throw UserError(fmt::format(
                 "entries of several patients have the accession number or step {}; name one by its position, "
                 "as {}@{}",
                 text, entry.item->Key, ChecksumOf(items)));
@@ -269,7 +269,7 @@ const WorklistEntry& EntryNamed(const WorklistItems& items, const std::string& t
     }
     if (found) return *found;
     if (const auto at = text.find('@'); at != std::string::npos) return EntryAt(items, text, at);
-    throw Complaint(fmt::format(
+    throw UserError(fmt::format(
         "the worklist has no entry with the accession number or step \"{}\"; a position needs the "
         "checksum that is printed below the list, as 1@{}",
         text, items.empty() ? "1a2b3c4d" : ChecksumOf(items)));
@@ -325,18 +325,18 @@ Ref<cPatient> PatientOf(const Ref<Connection>& con, const WorklistEntry& entry, 
 void Register(Program& program, const WorklistItems& items, const Registration& wanted) {
     const WorklistEntry& entry = EntryNamed(items, wanted.entry);
     if (entry.item->PatientID.empty())
-        throw Complaint("the entry has no patient ID, so its patient can't be found again");
-    const Clinic clinic(program.options);
-    ADODB::Transaction transaction(clinic.Con());
-    const Ref<cPatient> patient = PatientOf(clinic.Con(), entry, wanted);
+        throw UserError("the entry has no patient ID, so its patient can't be found again");
+    const Database database(program.options);
+    ADODB::Transaction transaction(database.Con());
+    const Ref<cPatient> patient = PatientOf(database.Con(), entry, wanted);
     if (!patient) {
         program.exitCode = PartlyDone;
         return;
     }
     const bool isNew = patient->ID == 0;
     if (isNew) Fill(*patient, entry);
-    if (TakeOverIdentifiers(*patient, *entry.item) || isNew) SavePatient(clinic.Con(), *patient);
-    if (isNew) StoreIssuer(clinic.Con(), patient->ID, entry.issuer);
+    if (TakeOverIdentifiers(*patient, *entry.item) || isNew) SavePatient(database.Con(), *patient);
+    if (isNew) StoreIssuer(database.Con(), patient->ID, entry.issuer);
     transaction.Commit();
     if (program.options.json)
         return PrintJson({{"patient", patient->PatientID}, {"number", patient->ID}, {"new", isNew}});
@@ -365,7 +365,7 @@ void AddCallOptions(CLI::App& command, WorklistCall& call) {
     key->check(CLI::ExistingFile)->type_name("FILE")->needs(certificate);
 }
 
-/// The modality in upper case. Throws `Complaint` for a code that DICOM doesn't have.
+/// The modality in upper case. Throws `UserError` for a code that DICOM doesn't have.
 std::string ModalityOf(const std::string& typed) {
     static const std::set<std::string> known{
         "AR",      "AU",  "BDUS", "BI",  "BMD",  "CR",  "CT",  "DG", "DX", "ECG", "EPS",
@@ -374,7 +374,7 @@ std::string ModalityOf(const std::string& typed) {
         "RTIMAGE", "SC",  "SM",   "SMR", "SR",   "SRF", "TG",  "US", "VA", "XA",  "XC"};
     const std::string code = UCase(Trim(typed));
     if (code.empty() || code.find_first_of("*?") != std::string::npos || known.contains(code)) return code;
-    throw Complaint(
+    throw UserError(
         fmt::format("\"{}\" is not a modality; write IO, PX, DX, CT, XC or another code of DICOM", typed));
 }
 
@@ -422,7 +422,7 @@ void AddWorklist(Program& program) {
         given->keys.modality = ModalityOf(given->keys.modality);
         constexpr std::size_t longestTitle = 16;
         if (given->call.title.empty() || given->call.title.size() > longestTitle)
-            throw Complaint("--as takes an AE title of 1 to 16 characters");
+            throw UserError("--as takes an AE title of 1 to 16 characters");
         const auto server = WorklistAddress::Of(given->where);
         WorklistItems items = server && !IsFile(given->where)
                                   ? FromServer(program, *server, given->call, given->keys)

@@ -4,6 +4,8 @@
 
 namespace OXClass {
 
+using namespace Platform;
+
 const std::array<Integer, 52> AllTeeth = [] {
     std::array<Integer, 52> teeth{};
     auto next = teeth.begin();

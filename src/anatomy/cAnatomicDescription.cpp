@@ -2,8 +2,11 @@
 
 #include "anatomy/ToothString.h"
 #include "frame/Reading.h"
+#include "platform/component/dispatch/InterfaceTable.h"
 
 namespace OXClass {
+
+using namespace Platform;
 
 const Ref<cTeeth>& cAnatomicDescription::cTeeth() const {
     if (!teeth_) teeth_ = New<OXClass::cTeeth>();
@@ -19,21 +22,21 @@ void cAnatomicDescription::LoadSGN(const Ref<Connection>& Con, const Long& lADId
     const Ref<Recordset> rs =
         OpenClient(Con, sql("SELECT * ", "FROM StandardGroupName ", "Where TGId = ", lADId, ";"));
     if (rs->Eof()) return;
-    ADAnaRegion = Joined(rs, "ADAnaRegion");
-    ADAnaRegionMod = Joined(rs, "ADAnaRegionMod");
-    ADLaterality = Joined(rs, "ADLaterality");
-    ID = Direct<Long>(rs, "StandardNameID");
-    ADComments = Direct<String>(rs, "Comments");
-    ADOrderNo = Direct<Long>(rs, "OrderNo");
+    ADAnaRegion = TextOrEmpty(rs, "ADAnaRegion");
+    ADAnaRegionMod = TextOrEmpty(rs, "ADAnaRegionMod");
+    ADLaterality = TextOrEmpty(rs, "ADLaterality");
+    ID = Required<Long>(rs, "StandardNameID");
+    ADComments = Required<String>(rs, "Comments");
+    ADOrderNo = Required<Long>(rs, "OrderNo");
     ADId = Nz<Long>(rs, "TGId");
-    ADType = Direct<AnaDescType>(rs, "ADType");
-    ADPriStructure = Joined(rs, "ADPriStructure");
+    ADType = Required<AnaDescType>(rs, "ADType");
+    ADPriStructure = TextOrEmpty(rs, "ADPriStructure");
     if (ADType != adtIntraOral)
         InitCollection();
     else
         SetTeethFromString(ADPriStructure, cTeeth());
     if (UCase(Trim(ADAnaRegion)) == "T-D1217") ADAnaRegion = "T-D1213";
-    if (ADName.empty()) ADName = Joined(rs, "Name");
+    if (ADName.empty()) ADName = TextOrEmpty(rs, "Name");
     rs->Close();
 }
 

@@ -1,6 +1,10 @@
 #include "anatomy/cTeeth.h"
 
+#include "platform/component/dispatch/InterfaceTable.h"
+
 namespace OXClass {
+
+using namespace Platform;
 
 Ref<cTooth> cTeeth::Add(bool Selected, Integer TNumber, const String& sKey) {
     const Ref<cTooth> tooth = New<cTooth>();

@@ -8,7 +8,7 @@ namespace OXClass {
 /// negative one.
 inline double CanvasSide(const Ref<Recordset>& rs, std::string_view fullView, std::string_view preview) {
     const auto read = [&](std::string_view column) {
-        return NamingColumn(column, [&] { return CDbl("0" + Joined(rs, column)); });
+        return WithColumnName(column, [&] { return CDbl("0" + TextOrEmpty(rs, column)); });
     };
     const double side = read(fullView);
     return side != 0 ? side : read(preview);

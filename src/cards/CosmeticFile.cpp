@@ -6,6 +6,8 @@
 
 namespace OXClass {
 
+using namespace Platform;
+
 CosmeticFile CosmeticFile::Named(const String& parameter) {
     constexpr Long numberWidth = 3;
     return {CLng(Val(Left(parameter, numberWidth))), Mid(parameter, numberWidth + 1)};

@@ -1,6 +1,10 @@
 #include "cards/SlotPlacing.h"
 
+#include "cards/CardGrid.h"
+
 namespace OXClass {
+
+using namespace Platform;
 
 SlotPlacing::SlotPlacing(const cTemplate& layout) {
     for (const auto& slot : Each<cTemplateAttribute>(*layout.TemplateAttributes))
@@ -17,15 +21,6 @@ void SlotPlacing::Place(cImagecardAttribute& placed, const LateNumber& frame) {
         return;
     }
     PlaceInGrid(placed, inGrid_++);
-}
-
-void SlotPlacing::PlaceInGrid(cImagecardAttribute& placed, Long cell) {
-    constexpr Long columns = 5;
-    constexpr double step = 0.2, side = 0.19;
-    placed.IAHeight = placed.IAWidth = side;
-    const Long column = cell % columns, row = cell / columns;
-    placed.IAPosX = column * step;
-    placed.IAPosY = row * step;
 }
 
 }  // namespace OXClass

@@ -19,9 +19,6 @@ public:
     /// Raises what the frame raises that can't be read; where the layout has no slot it isn't read.
     void Place(cImagecardAttribute& placed, const LateNumber& frame);
 
-    /// Puts it into a cell of the grid, counted from 0 by rows.
-    static void PlaceInGrid(cImagecardAttribute& placed, Long cell);
-
 private:
     std::unordered_map<Long, const cTemplateAttribute*> slots_;
     Long inGrid_ = 0;

@@ -1,6 +1,10 @@
 #include "cards/cImageManipulation.h"
 
+#include "platform/component/dispatch/InterfaceTable.h"
+
 namespace OXClass {
+
+using namespace Platform;
 
 const Interface& cImageManipulation::Describe() const {
     using Self = cImageManipulation;

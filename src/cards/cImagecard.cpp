@@ -1,17 +1,21 @@
 #include "cards/cImagecard.h"
 
 #include "frame/Reading.h"
+#include "platform/component/dispatch/InterfaceTable.h"
 
 #include <cmath>
 
 namespace OXClass {
+
+using namespace Platform;
+
 namespace {
 
 /// A side of the card without its sign: the full view's, or the preview's where that is null, empty or 0.
 Long Side(const Ref<Recordset>& rs, std::string_view fullView, std::string_view preview) {
     const auto text = [&](std::string_view column) { return "0" + CStr(std::abs(Nz<double>(rs, column))); };
     const auto whole = [](std::string_view column, const String& side) {
-        return NamingColumn(column, [&] { return CLng(side); });
+        return WithColumnName(column, [&] { return CLng(side); });
     };
     const String side = text(fullView);
     return CDbl(side) != 0 ? whole(fullView, side) : whole(preview, text(preview));
@@ -23,20 +27,20 @@ Variant cImagecard::GetImageCard(const Ref<Connection>& conn, const Long& lICID)
     const Ref<Recordset> rs =
         OpenClient(conn, sql("SELECT * FROM ImageCard_T WHERE ImageCardID = ", lICID, ";"));
     if (rs->Eof()) return {};
-    ICCreateDate = Direct<Date>(rs, "ICDateCreated");
-    ICDescription = Direct<String>(rs, "ICDescription");
+    ICCreateDate = Required<Date>(rs, "ICDateCreated");
+    ICDescription = Required<String>(rs, "ICDescription");
     ICHeight = Side(rs, "ICFullViewHeight", "ICPreviewHeight");
     ICWidth = Side(rs, "ICFullViewWidth", "ICPreviewWidth");
-    ICLastUpdate = Direct<Date>(rs, "ICLastUpdate");
-    ICName = Direct<String>(rs, "ICName");
-    ICID = Direct<Long>(rs, "ImageCardID");
-    ICPID = Direct<Long>(rs, "PatientID");
+    ICLastUpdate = Required<Date>(rs, "ICLastUpdate");
+    ICName = Required<String>(rs, "ICName");
+    ICID = Required<Long>(rs, "ImageCardID");
+    ICPID = Required<Long>(rs, "PatientID");
     LoadImageAttributes(conn);
     return {};
 }
 
 Long cImagecard::LoadImageAttributes(const Ref<Connection>& conn) {
-    reading_.Begin();
+    loadCompletion_.Begin();
     return Boxed(
         [&] {
             const Ref<Recordset> rs =
@@ -54,7 +58,7 @@ Long cImagecard::LoadImageAttributes(const Ref<Connection>& conn) {
             return count;
         },
         [&](const Error& failure) {
-            reading_.EndedBy(failure);
+            loadCompletion_.EndedBy(failure);
             return "cImageCard.LoadImageAttribues: (" + CStr(Now()) + ") " + CStr(failure.Number) + " " +
                    failure.Description;
         });

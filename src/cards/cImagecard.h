@@ -48,7 +48,7 @@ public:
 
     /// How the last `LoadImageAttributes` ended, that of `GetImageCard` too. What it says of manipulations is
     /// each placed image's own. No part of the interface.
-    const Completion& Reading() const noexcept { return reading_; }
+    const Completion& LoadCompletion() const noexcept { return loadCompletion_; }
 
     const Interface& Describe() const override;
 
@@ -57,7 +57,7 @@ private:
     String InsertStatement() const;
     String UpdateStatement() const;
 
-    Completion reading_;
+    Completion loadCompletion_;
 };
 
 }  // namespace OXClass

@@ -2,19 +2,22 @@
 
 #include "cards/CosmeticFile.h"
 #include "frame/Reading.h"
+#include "platform/component/dispatch/InterfaceTable.h"
 
 namespace OXClass {
 
+using namespace Platform;
+
 void cImagecardAttribute::ReadRow(const Ref<Recordset>& rs) {
-    IAComments = Joined(rs, "IAComments");
+    IAComments = TextOrEmpty(rs, "IAComments");
     IAHeight = Nz<double>(rs, "IAFullViewHeight");
     IAWidth = Nz<double>(rs, "IAFullviewWidth");
     IAPosX = Nz<double>(rs, "IAFullViewPosX");
     IAPosY = Nz<double>(rs, "IAFullViewPosY");
-    IASequence = Direct<Long>(rs, "IASequence");
-    ID = Direct<Long>(rs, "ImageAttributeID");
-    ImageID = Direct<Long>(rs, "ImageBildId");
-    ICID = Direct<Long>(rs, "ImageCardID");
+    IASequence = Required<Long>(rs, "IASequence");
+    ID = Required<Long>(rs, "ImageAttributeID");
+    ImageID = Required<Long>(rs, "ImageBildId");
+    ICID = Required<Long>(rs, "ImageCardID");
     IAMirrRotStatus = Nz<Integer>(rs, "IAMirrRotStatus");
 }
 
@@ -70,23 +73,23 @@ void cImagecardAttribute::Delete(const Ref<Connection>& con) const {
     if (!rs->Eof()) rs->MoveFirst();
     while (!rs->Eof()) {
         // A cosmetic step without a text can't be deleted. The file behind one stays.
-        if (OrElse(rs, "Type", 0) == ManCosmetic) Direct<String>(rs, "StringParameter");
+        if (ValueOr(rs, "Type", 0) == ManCosmetic) Required<String>(rs, "StringParameter");
         rs->Delete(ADODB::adAffectCurrent);
         if (!rs->Eof()) rs->MoveFirst();
     }
 }
 
 bool cImagecardAttribute::LoadImageManipulations(const Ref<Connection>& conn) {
-    return Swallowed(reading_, [&] {
+    return Swallowed(loadCompletion_, [&] {
         const Ref<Recordset> rs = OpenPlain(
             conn,
             sql("SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=", ID, " ORDER BY SequenceNo;"));
         for (; !rs->Eof(); rs->MoveNext()) {
             const Ref<cImageManipulation> step = New<cImageManipulation>();
-            step->ImageManipulationID = Direct<Long>(rs, "ImageManipulationID");
-            step->ManipulationType = Direct<ManipulationType>(rs, "Type");
-            step->LongParameter = Direct<Long>(rs, "LongParameter");
-            step->StringParameter = Trim(Direct<String>(rs, "StringParameter"));
+            step->ImageManipulationID = Required<Long>(rs, "ImageManipulationID");
+            step->ManipulationType = Required<ManipulationType>(rs, "Type");
+            step->LongParameter = Required<Long>(rs, "LongParameter");
+            step->StringParameter = Trim(Required<String>(rs, "StringParameter"));
             Manipulations->Add(step);
         }
         return true;
@@ -94,7 +97,7 @@ bool cImagecardAttribute::LoadImageManipulations(const Ref<Connection>& conn) {
 }
 
 void cImagecardAttribute::SaveManipulations(const Ref<Connection>& conn) {
-    Swallowed(saving_, [&] {
+    Swallowed(saveCompletion_, [&] {
         const String oldCosmetic = DeleteStoredManipulations(conn);
         const String newCosmetic = InsertManipulations(conn);
         if (newCosmetic != oldCosmetic && !oldCosmetic.empty())
@@ -109,7 +112,7 @@ String cImagecardAttribute::DeleteStoredManipulations(const Ref<Connection>& con
     if (rs->Eof()) return {};
     String cosmetic;
     for (; !rs->Eof(); rs->MoveNext())
-        if (OrElse(rs, "Type", 0) == ManCosmetic) cosmetic = Trim(Direct<String>(rs, "StringParameter"));
+        if (ValueOr(rs, "Type", 0) == ManCosmetic) cosmetic = Trim(Required<String>(rs, "StringParameter"));
     con->Execute(sql("DELETE FROM ImageManipulation_T WHERE ImageAttributeID=", ID, ";"));
     rs->Close();
     return cosmetic;

@@ -54,13 +54,13 @@ public:
     /// manipulations may be lost.
     ///
     /// Nothing tells a client of such a failure. A client that must not lose manipulations saves in a
-    /// transaction of its own and reads them back before it commits; a client in C++ asks `Saving`.
+    /// transaction of its own and reads them back before it commits; a client in C++ asks `SaveCompletion`.
     void SaveManipulations(const Ref<Connection>& conn);
 
     /// How the last `LoadImageManipulations` and the last `SaveManipulations`, that of `Save` too, ended. No
     /// part of the interface.
-    const Completion& Reading() const noexcept { return reading_; }
-    const Completion& Saving() const noexcept { return saving_; }
+    const Completion& LoadCompletion() const noexcept { return loadCompletion_; }
+    const Completion& SaveCompletion() const noexcept { return saveCompletion_; }
 
     /// Fills the object from the current row of a card's placed images; `Manipulations` stay. Raises 94
     /// for a null in a key or the sequence, and 13 or 6 for what can't be converted.
@@ -76,8 +76,8 @@ private:
     String DeleteStoredManipulations(const Ref<Connection>& con) const;
     String InsertManipulations(const Ref<Connection>& con) const;
 
-    Completion reading_;
-    Completion saving_;
+    Completion loadCompletion_;
+    Completion saveCompletion_;
 };
 
 }  // namespace OXClass

@@ -1,11 +1,14 @@
 #include "cards/cTemplate.h"
 
 #include "cards/CanvasSide.h"
+#include "platform/component/dispatch/InterfaceTable.h"
 #include "platform/runtime/Random.h"
 
 #include <cmath>
 
 namespace OXClass {
+
+using namespace Platform;
 
 void cTemplate::GetTemplate(const Ref<Connection>& Con, Long TID, const Long& DicomID) {
     const Ref<Recordset> rs =
@@ -17,16 +20,16 @@ void cTemplate::GetTemplate(const Ref<Connection>& Con, Long TID, const Long& Di
         rs->Close();
         return;
     }
-    if (!rs->Fields("TCDate").IsNull()) TCDate = Direct<Date>(rs, "TCDate");
-    TCComments = Joined(rs, "TCComments");
+    if (!rs->Fields("TCDate").IsNull()) TCDate = Required<Date>(rs, "TCDate");
+    TCComments = TextOrEmpty(rs, "TCComments");
     TCHeight = CanvasSide(rs, "TCFullViewHeight", "TCPreviewHeight");
     TCWidth = CanvasSide(rs, "TCFullViewWidth", "TCPreviewWidth");
-    TCHidden = OrElse(rs, "TCMaximized", 0) != 0;
-    TCName = Direct<String>(rs, "TCName");
-    TCID = Direct<Long>(rs, "TemplateID");
-    TCChecksum = OrElse(rs, "TCChecksum", 0);
-    TCDicomID = OrElse(rs, "TCDicomId", 0);
-    TCForcedImageType = static_cast<xigImageTypes>(OrElse(rs, "TCForcedImageType", -1));
+    TCHidden = ValueOr(rs, "TCMaximized", 0) != 0;
+    TCName = Required<String>(rs, "TCName");
+    TCID = Required<Long>(rs, "TemplateID");
+    TCChecksum = ValueOr(rs, "TCChecksum", 0);
+    TCDicomID = ValueOr(rs, "TCDicomId", 0);
+    TCForcedImageType = static_cast<xigImageTypes>(ValueOr(rs, "TCForcedImageType", -1));
     LoadTemplateAttributes(Con);
     rs->Close();
 }

@@ -1,8 +1,12 @@
 #include "cards/cTemplateAttribute.h"
 
 #include "frame/Reading.h"
+#include "platform/component/dispatch/InterfaceTable.h"
 
 namespace OXClass {
+
+using namespace Platform;
+
 namespace {
 
 /// A full-view measure, or the preview's where that is 0 or null.
@@ -15,21 +19,21 @@ double Measure(const Ref<Recordset>& rs, std::string_view fullView, std::string_
 
 void cTemplateAttribute::ReadRow(const Ref<Recordset>& rs) {
     constexpr float usualProportions = 0.7F;
-    TAComments = Joined(rs, "TAComments");
+    TAComments = TextOrEmpty(rs, "TAComments");
     TAHeight = Measure(rs, "TAFullViewHeight", "TAPreviewHeight");
     TAPosX = Measure(rs, "TAFullViewPosX", "TAPreviewPosX");
     TAPosY = Measure(rs, "TAFullViewPosY", "TAPreviewPosY");
     TAWidth = Measure(rs, "TAFullviewWidth", "TAPreviewWidth");
-    TARotation = Direct<Long>(rs, "TARotation");
-    TASequence = Direct<Long>(rs, "TASequence");
-    ID = Direct<Long>(rs, "TemplateImageId");
-    TCID = Direct<Long>(rs, "TemplateID");
+    TARotation = Required<Long>(rs, "TARotation");
+    TASequence = Required<Long>(rs, "TASequence");
+    ID = Required<Long>(rs, "TemplateImageId");
+    TCID = Required<Long>(rs, "TemplateID");
     TANumberInTemplate = CLng(HeadNumber(rs, "TANumberInTemplate"));
     if (TANumberInTemplate == 0) TANumberInTemplate = TASequence;
-    TAProportions = CSng(Val(Replace("0" + Joined(rs, "TAProportions"), ",", ".")));
+    TAProportions = CSng(Val(Replace("0" + TextOrEmpty(rs, "TAProportions"), ",", ".")));
     if (TAProportions == 0) TAProportions = usualProportions;
     AIID = CLng(HeadNumber(rs, "TATGId"));
-    TAADName = Direct<String>(rs, "TAGroupName");
+    TAADName = Required<String>(rs, "TAGroupName");
 }
 
 String cTemplateAttribute::InsertStatement() const {

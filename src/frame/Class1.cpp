@@ -1,8 +1,11 @@
 #include "frame/Class1.h"
 
 #include "frame/Reading.h"
+#include "platform/component/dispatch/InterfaceTable.h"
 
 namespace OXClass {
+
+using namespace Platform;
 
 Variant Class1::GetRoots(Ref<Connection> Con) {
     if (!Con) return {};
@@ -14,11 +17,11 @@ Variant Class1::GetRoots(Ref<Connection> Con) {
     for (Integer next = 1; !rs->Eof(); rs->MoveNext()) {
         const ADODB::Field status = rs->Fields("Status");
         if (!status.IsNull() && status.As<double>() != 0) {
-            roots[0] = Direct<String>(rs, "RootDirectory");
-            ActiveRootID = Direct<Long>(rs, "RootID");
+            roots[0] = Required<String>(rs, "RootDirectory");
+            ActiveRootID = Required<Long>(rs, "RootID");
         } else {
             if (next >= count) Raise(err::OutOfBounds);
-            roots[static_cast<std::size_t>(next)] = Direct<String>(rs, "RootDirectory");
+            roots[static_cast<std::size_t>(next)] = Required<String>(rs, "RootDirectory");
             next = CInt(Long{next} + 1);
         }
     }
@@ -66,7 +69,7 @@ String Class1::GetRootOnID(Ref<Connection> Con, const Long& RootId) {
                                                      : sql("SELECT * FROM Root_T WHERE Status <> 0;"),
                                          ADODB::adCmdUnspecified);
     if (rs->Eof()) return {};
-    const String directory = Direct<String>(rs, "RootDirectory");
+    const String directory = Required<String>(rs, "RootDirectory");
     if (RootId < 0) Raise(err::OutOfBounds);
     return roots_[RootId] = directory;
 }

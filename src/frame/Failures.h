@@ -1,7 +1,6 @@
 #pragma once
 
 #include "frame/Completion.h"
-#include "platform/runtime/Services.h"
 
 /// The ways in which a failure travels that need code. Raising it again unchanged needs none: that is
 /// what an exception does.

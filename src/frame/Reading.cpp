@@ -2,6 +2,8 @@
 
 namespace OXClass {
 
+using namespace Platform;
+
 Ref<Recordset> OpenPlain(const Ref<Connection>& con, const String& statement, Long options) {
     Ref<Recordset> rs = New<Recordset>();
     rs->Open(statement, con, ADODB::adOpenForwardOnly, ADODB::adLockReadOnly, options);

@@ -24,7 +24,7 @@ Ref<Recordset> OpenKeyset(const Ref<Connection>& con, const String& statement);
 
 /// Runs `take`; what it raises names the column, so that a person learns where a reading ended.
 template <class Take>
-auto NamingColumn(std::string_view column, Take take) -> decltype(take()) {
+auto WithColumnName(std::string_view column, Take take) -> decltype(take()) {
     try {
         return take();
     } catch (Error& failure) {
@@ -36,18 +36,18 @@ auto NamingColumn(std::string_view column, Take take) -> decltype(take()) {
 /// `take(field)` of a column of the current row. Raises 3265 for a missing column, and what `take` raises.
 template <class Take>
 auto OfColumn(const Ref<Recordset>& rs, std::string_view column, Take take) {
-    return NamingColumn(column, [&] { return take(rs->Fields(column)); });
+    return WithColumnName(column, [&] { return take(rs->Fields(column)); });
 }
 
 /// A column as it stands. Raises 94 for a null (unless `T` is `Variant`), 13 and 6 for a value that the
 /// member can't take, 3265 for a missing column; so do the two below, nulls excepted.
 template <class T>
-T Direct(const Ref<Recordset>& rs, std::string_view column) {
+T Required(const Ref<Recordset>& rs, std::string_view column) {
     return OfColumn(rs, column, [](const ADODB::Field& field) { return field.As<T>(); });
 }
 
 /// A column as text, a null as the empty text.
-inline String Joined(const Ref<Recordset>& rs, std::string_view column) {
+inline String TextOrEmpty(const Ref<Recordset>& rs, std::string_view column) {
     return OfColumn(rs, column,
                     [](const ADODB::Field& field) { return field.IsNull() ? String() : field.As<String>(); });
 }
@@ -61,7 +61,7 @@ T Nz(const Ref<Recordset>& rs, std::string_view column) {
 }
 
 /// A column as a whole number, `otherwise` for a null.
-inline Long OrElse(const Ref<Recordset>& rs, std::string_view column, Long otherwise) {
+inline Long ValueOr(const Ref<Recordset>& rs, std::string_view column, Long otherwise) {
     return OfColumn(rs, column, [otherwise](const ADODB::Field& field) {
         return field.IsNull() ? otherwise : field.As<Long>();
     });

@@ -3,6 +3,9 @@
 #include <algorithm>
 
 namespace OXClass {
+
+using namespace Platform;
+
 namespace {
 
 /// True if a text between single quotes stays between them: all its runs of quotes are pairs.

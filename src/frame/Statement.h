@@ -81,18 +81,18 @@ private:
 };
 
 template <std::size_t N>
-constexpr std::size_t RoomFor(const char (&)[N]) {
+constexpr std::size_t LengthOf(const char (&)[N]) {
     return N;
 }
-inline std::size_t RoomFor(const Escaped& escaped) { return escaped.Text().size(); }
-constexpr std::size_t RoomFor(const auto&) { return 24; }
+inline std::size_t LengthOf(const Escaped& escaped) { return escaped.Text().size(); }
+constexpr std::size_t LengthOf(const auto&) { return 24; }
 
 }  // namespace detail
 
 /// The statement of these pieces. Raises 0x80040E14 for an `AsItStands` that would end its literal.
 template <class... Pieces>
 String sql(const Pieces&... pieces) {
-    detail::StatementText statement((detail::RoomFor(pieces) + ... + 0));
+    detail::StatementText statement((detail::LengthOf(pieces) + ... + 0));
     (statement.Add(pieces), ...);
     return statement.Take();
 }

@@ -4,6 +4,9 @@
 #include <filesystem>
 
 namespace OXClass {
+
+using namespace Platform;
+
 namespace {
 
 namespace fs = std::filesystem;

@@ -1,8 +1,11 @@
 #include "frame/cGlobalList.h"
 
 #include "frame/Reading.h"
+#include "platform/component/dispatch/InterfaceTable.h"
 
 namespace OXClass {
+
+using namespace Platform;
 
 bool cGlobalList::Save(Ref<Connection> sConn) {
     if (GLSaved) {
@@ -30,8 +33,8 @@ bool cGlobalList::GetGL(Ref<Connection> sConn, Long ID) {
     const Ref<Recordset> rs = OpenClient(sConn, sql("SELECT * FROM GlobalList_T WHERE GlobalListID = ", ID));
     if (rs->Eof()) return false;
     GlobalListID = ID;
-    ListID = Direct<gGlobalListIDs>(rs, "ListID");
-    ListText = Joined(rs, "ListText");
+    ListID = Required<gGlobalListIDs>(rs, "ListID");
+    ListText = TextOrEmpty(rs, "ListText");
     GLSaved = true;
     return true;
 }

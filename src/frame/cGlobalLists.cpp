@@ -1,8 +1,12 @@
 #include "frame/cGlobalLists.h"
 
 #include "frame/Reading.h"
+#include "platform/component/dispatch/InterfaceTable.h"
 
 namespace OXClass {
+
+using namespace Platform;
+
 namespace {
 
 /// Waits until the clock has gone on by a second, with the program's messages handled in between. The
@@ -40,9 +44,9 @@ Long cGlobalLists::GetAllGLs(Ref<Connection> sConn, const gGlobalListIDs& ListID
     Clear();
     for (; !rs->Eof(); rs->MoveNext()) {
         const Ref<cGlobalList> row = New<cGlobalList>();
-        row->GlobalListID = Direct<Long>(rs, "GlobalListID");
-        row->ListID = Direct<gGlobalListIDs>(rs, "ListID");
-        row->ListText = Joined(rs, "ListText");
+        row->GlobalListID = Required<Long>(rs, "GlobalListID");
+        row->ListID = Required<gGlobalListIDs>(rs, "ListID");
+        row->ListText = TextOrEmpty(rs, "ListText");
         row->GLSaved = true;
         AddMember(row, "K" + CStr(row->GlobalListID));
     }

@@ -7,6 +7,8 @@
 
 namespace OXClass {
 
+using namespace Platform;
+
 thread_local bool bEscapeBackslash = false;
 thread_local String sDicomRootUID;
 

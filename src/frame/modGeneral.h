@@ -1,14 +1,29 @@
 #pragma once
 
 #include "platform/adodb/Recordset.h"
+#include "platform/runtime/Collection.h"
+#include "platform/runtime/Services.h"
 
 /// What all classes share besides the statements: escaping, the null-safe read, the module data of a
 /// thread. No client can reach it.
 namespace OXClass {
 
-using namespace Platform;
-using ADODB::Connection;
-using ADODB::Recordset;
+// The names of the platform that the classes, and programs that use them, are written with.
+namespace err = Platform::err;
+using ADODB::Connection, ADODB::Recordset;
+using Platform::CBool, Platform::CDate, Platform::CDbl, Platform::CInt, Platform::CLng, Platform::CSng,
+    Platform::CStr, Platform::Format, Platform::IsDate, Platform::ParseDate, Platform::To, Platform::Val;
+using Platform::Collection, Platform::Each, Platform::Enumerable, Platform::Enumerator, Platform::Keyed;
+using Platform::Contains, Platform::EqualsIgnoringCase, Platform::FromUtf16, Platform::LCase, Platform::Left,
+    Platform::Len, Platform::Mid, Platform::Replace, Platform::Right, Platform::SplitIgnoringCase,
+    Platform::ToUtf16, Platform::Trim;
+using Platform::CreateGuid, Platform::DoEvents, Platform::FileExists, Platform::Guid, Platform::MsgBox,
+    Platform::Now, Platform::Sleep, Platform::TheHost, Platform::TickCount, Platform::Timer;
+using Platform::Date, Platform::DateFrom, Platform::FormatDate;
+using Platform::Empty, Platform::Integer, Platform::Long, Platform::Null, Platform::String, Platform::Variant;
+using Platform::EnumerationOf, Platform::EnumerationValue, Platform::Interface;
+using Platform::Error, Platform::Raise;
+using Platform::New, Platform::Object, Platform::Ref;
 
 /// True makes `FixSqlString` double backslashes, for an engine that takes them for escapes. One flag a
 /// thread, false, and nothing in the library sets it.

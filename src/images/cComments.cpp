@@ -1,6 +1,10 @@
 #include "images/cComments.h"
 
+#include "platform/component/dispatch/InterfaceTable.h"
+
 namespace OXClass {
+
+using namespace Platform;
 
 Ref<cStringItem> cComments::Add(const String& str, const Long& ID, const Date& DateStamp,
                                 const String& Signature, const String& sKey) {

@@ -1,8 +1,12 @@
 #include "images/cImage.h"
 
 #include "frame/Reading.h"
+#include "platform/component/dispatch/InterfaceTable.h"
 
 namespace OXClass {
+
+using namespace Platform;
+
 namespace {
 
 /// A flag of a column: true unless it is 0.
@@ -42,13 +46,13 @@ bool cImage::GetImage(const Ref<Connection>& Con, Long ImageBildID) {
                 "Where ImageBildID = ", ImageBildID, ";"));
         rs->SetActiveConnection(nullptr);
         const bool found = !rs->Eof();
-        reading_.Begin();
+        loadCompletion_.Begin();
         if (found) GetFromRecord(rs);
         rs->Close();
         return found;
     } catch (const Error& failure) {
         if (failure.Number != ADODB::UnknownName) throw;
-        reading_.EndedBy(failure);
+        loadCompletion_.EndedBy(failure);
         return false;
     }
 }
@@ -56,62 +60,62 @@ bool cImage::GetImage(const Ref<Connection>& Con, Long ImageBildID) {
 void cImage::GetFromRecord(const Ref<Recordset>& rs) {
     // The read of "RootId" in place of "ImageBild_T.RootId" is the one failure that the caller learns of.
     bool repairing = false;
-    reading_.Begin();
+    loadCompletion_.Begin();
     try {
         ReadColumns(rs, repairing);
     } catch (const Error& failure) {
-        reading_.EndedBy(failure);
+        loadCompletion_.EndedBy(failure);
         if (repairing) throw;
     }
 }
 
 void cImage::ReadColumns(const Ref<Recordset>& rs, bool& repairing) {
     Approved = NzFlag(rs, "Approved");
-    ApprBrightness = Direct<Long>(rs, "Brightness_INT");
-    ApprContrast = Direct<Long>(rs, "Contrast_INT");
-    dateTime = Direct<Date>(rs, "DateCaptured_SD");
-    ExposureTime_ms = OrElse(rs, "ExposureTime_F", 0);
-    URL = Joined(rs, "GraphicURL_NVC");
-    HWSourceTxt = Joined(rs, "HardwareSourcetxt_NVC");
-    ID = Direct<Long>(rs, "ImageBildID");
-    ImageType = Direct<xigImageTypes>(rs, "ImageType");
+    ApprBrightness = Required<Long>(rs, "Brightness_INT");
+    ApprContrast = Required<Long>(rs, "Contrast_INT");
+    dateTime = Required<Date>(rs, "DateCaptured_SD");
+    ExposureTime_ms = ValueOr(rs, "ExposureTime_F", 0);
+    URL = TextOrEmpty(rs, "GraphicURL_NVC");
+    HWSourceTxt = TextOrEmpty(rs, "HardwareSourcetxt_NVC");
+    ID = Required<Long>(rs, "ImageBildID");
+    ImageType = Required<xigImageTypes>(rs, "ImageType");
     ApprInvert = Flag(rs, "Invert_BT");
-    PatID = Direct<Long>(rs, "PatientID");
-    RespPerson = Joined(rs, "Responsible_Person_NVC");
+    PatID = Required<Long>(rs, "PatientID");
+    RespPerson = TextOrEmpty(rs, "Responsible_Person_NVC");
     constexpr std::string_view ofImage = "ImageBild_T.RootId";
     repairing = !rs->HasField(ofImage);
-    RootId = Direct<Long>(rs, repairing ? "RootId" : ofImage);
+    RootId = Required<Long>(rs, repairing ? "RootId" : ofImage);
     repairing = false;
     OfColumn(rs, "Status", [](const ADODB::Field&) {});
     OfColumn(rs, "RootDirectory", [&](const ADODB::Field& field) {
         if (!field.IsNull()) Root_RootDirectory = field.As<String>();
     });
-    AnaRegion = Joined(rs, "AnaRegion");
-    AnaRegionMod = Joined(rs, "AnaRegionMod");
-    Laterality = Joined(rs, "Laterality");
-    sTeeth = Joined(rs, "PriStructure");
-    MirrRotStatus = OrElse(rs, "MirrRotStatus", 1);
-    CRC = Trim(Joined(rs, "CRC"));
+    AnaRegion = TextOrEmpty(rs, "AnaRegion");
+    AnaRegionMod = TextOrEmpty(rs, "AnaRegionMod");
+    Laterality = TextOrEmpty(rs, "Laterality");
+    sTeeth = TextOrEmpty(rs, "PriStructure");
+    MirrRotStatus = ValueOr(rs, "MirrRotStatus", 1);
+    CRC = Trim(TextOrEmpty(rs, "CRC"));
     DPIY = Nz<Long>(rs, "DPIY_INT");
     DPIX = Nz<Long>(rs, "DPIX_INT");
     Voltage_kV = Nz<Long>(rs, "Voltage_INT");
-    Current_mA = OrElse(rs, "Current_INT", 0);
-    CapturePerson = Joined(rs, "Capture_Person_NVC");
+    Current_mA = ValueOr(rs, "Current_INT", 0);
+    CapturePerson = TextOrEmpty(rs, "Capture_Person_NVC");
     studyID = Nz<Long>(rs, "Study_ID");
     seriesID = Nz<Long>(rs, "Series_ID");
-    instanceUID = Trim(Joined(rs, "SOPInstanceUID_NVC"));
-    ImageNumberInSeries = NamingColumn("ImageNumberInSeries",
-                                       [&] { return CLng(Val(Trim(Joined(rs, "ImageNumberInSeries")))); });
+    instanceUID = Trim(TextOrEmpty(rs, "SOPInstanceUID_NVC"));
+    ImageNumberInSeries = WithColumnName("ImageNumberInSeries",
+                                       [&] { return CLng(Val(Trim(TextOrEmpty(rs, "ImageNumberInSeries")))); });
     DicomStatus = Nz<Integer>(rs, "DicomStatus_INT");
     constexpr std::string_view frame = "FrameNumber_INT";
     FrameNumber =
         LateNumber(OfColumn(rs, frame, [](const ADODB::Field& field) { return NzValue(field.Value()); }));
     SubType = Nz<Long>(rs, "SubType_INT");
     ApprGamma = Nz<Long>(rs, "Gamma_INT");
-    ApprCrop = Trim(Joined(rs, "AnatomicRegion"));
+    ApprCrop = Trim(TextOrEmpty(rs, "AnatomicRegion"));
     DCMDerived = Nz<Integer>(rs, "DCMDerived_BT");
     // A frame that is no number fails whoever asks for it: the row isn't read whole then.
-    NamingColumn(frame, [&] { return Long{FrameNumber}; });
+    WithColumnName(frame, [&] { return Long{FrameNumber}; });
 }
 
 void cImage::addComment(const String& sComment, const String& sSignature, const Date& commentDate,
@@ -132,8 +136,8 @@ void cImage::GetComments(const Ref<Connection>& Con) {
                            "Where (((Comments_T.tabelID)=1) AND ((Comments_T.objectID)=", ID, "))",
                            "ORDER BY Comments_T.dates ASC;"));
     for (; !rs->Eof(); rs->MoveNext())
-        addComment(Direct<String>(rs, "commentString"), Direct<String>(rs, "signature"),
-                   Direct<Date>(rs, "dates"), true);
+        addComment(Required<String>(rs, "commentString"), Required<String>(rs, "signature"),
+                   Required<Date>(rs, "dates"), true);
     rs->Close();
 }
 

@@ -96,11 +96,11 @@ public:
     /// How the last `GetImage` or `GetFromRecord` ended, those of `cImages` too. An object whose reading a
     /// failure ended holds old values in the members behind that column: saving it stores them. No part of
     /// the interface.
-    const Completion& Reading() const noexcept { return reading_; }
+    const Completion& LoadCompletion() const noexcept { return loadCompletion_; }
 
     /// Fills the object from the current row of `rs`, column by column in a fixed order; `rs` doesn't
     /// move, and the comments stay. A column that is missing or can't be read ends the reading there
-    /// without a failure to the caller: the members before it are new, the others old, and `Reading` says so
+    /// without a failure to the caller: the members before it are new, the others old, and `LoadCompletion` says so
     /// to programs in C++. Only where a record lacks
     /// "ImageBild_T.RootId", "RootId" is read in its place; that fails to the caller (3265).
     void GetFromRecord(const Ref<Recordset>& rs);
@@ -153,7 +153,7 @@ private:
     String UpdateStatement(const String& teeth) const;
     Long ComputedDPI() const;
 
-    Completion reading_;
+    Completion loadCompletion_;
     Ref<cComments> comments_ = New<cComments>();
 };
 

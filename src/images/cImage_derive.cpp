@@ -3,6 +3,9 @@
 #include "anatomy/ToothString.h"
 
 namespace OXClass {
+
+using namespace Platform;
+
 namespace {
 
 /// The two-digit numbers from 11 to 88 whose text occurs anywhere in `text`: a plain search, so that

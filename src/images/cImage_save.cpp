@@ -2,6 +2,9 @@
 #include "images/cImage.h"
 
 namespace OXClass {
+
+using namespace Platform;
+
 namespace {
 
 /// A boolean as the 16-bit number that it holds, -1 or 0.
@@ -37,7 +40,7 @@ void cImage::LookForRow(bool checkExistOnID, const Ref<Connection>& con) {
     if (rs->Eof()) {
         ID = 0;
     } else if (ID == 0) {
-        ID = Direct<Long>(rs, "ImagebildID");
+        ID = Required<Long>(rs, "ImagebildID");
         TakeOverRow(con);
     }
     rs->Close();
@@ -67,7 +70,7 @@ void cImage::Write(const Ref<Connection>& con, const String& teeth) {
         const Ref<Recordset> newest =
             con->Execute(sql("SELECT MAX(ImageBildID) AS ID FROM ImageBild_T WHERE (GraphicURL_NVC='",
                              FixSqlString(URL), "' AND PatientID=", PatID, ");"));
-        ID = Direct<Long>(newest, "ID");
+        ID = Required<Long>(newest, "ID");
         newest->Close();
     } else {
         con->Execute(UpdateStatement(teeth));

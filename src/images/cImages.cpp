@@ -1,8 +1,12 @@
 #include "images/cImages.h"
 
 #include "frame/Reading.h"
+#include "platform/component/dispatch/InterfaceTable.h"
 
 namespace OXClass {
+
+using namespace Platform;
+
 namespace {
 
 String LoadStatement(ImageOwnerOjectTypes owner, Long id, const String& clause) {
@@ -23,7 +27,7 @@ String LoadStatement(ImageOwnerOjectTypes owner, Long id, const String& clause) 
 
 /// The key of a row, whose reading may have ended before it; 0 for one that can't be read.
 Long KeyOf(const Ref<Recordset>& rs) {
-    return Swallowed([&] { return Direct<Long>(rs, "ImageBildID"); });
+    return Swallowed([&] { return Required<Long>(rs, "ImageBildID"); });
 }
 
 }  // namespace
@@ -49,8 +53,8 @@ Long cImages::Load(const Ref<Connection>& con, const String& statement, bool par
         } catch (const Error&) {
             if (partlyReadToo) throw;
         }
-        const bool whole = image->Reading().Complete();
-        if (!whole) unread_.push_back({KeyOf(rs), image->Reading().Failure()});
+        const bool whole = image->LoadCompletion().Complete();
+        if (!whole) unread_.push_back({KeyOf(rs), image->LoadCompletion().Failure()});
         if (whole || partlyReadToo) AddMember(image, "K" + CStr(image->ID));
     }
     const Long count = Count();

@@ -9,8 +9,8 @@
 #include "cards/cImagecardAttribute.h"
 #include "cards/cTemplate.h"
 #include "cards/cTemplateAttribute.h"
-#include "cards/cUniCard.h"
-#include "cards/cUniCards.h"
+#include "cardlist/cUniCard.h"
+#include "cardlist/cUniCards.h"
 #include "frame/Class1.h"
 #include "frame/cGlobalList.h"
 #include "frame/cGlobalLists.h"
@@ -32,6 +32,9 @@
 #include <array>
 
 namespace OXClass {
+
+using namespace Platform;
+
 namespace {
 
 template <class T>

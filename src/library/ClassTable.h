@@ -1,7 +1,6 @@
 #pragma once
 
-#include "platform/component/Interface.h"
-#include "platform/component/Library.h"
+#include "platform/component/registry/Library.h"
 
 /// The public classes, and what a client finds them by.
 namespace OXClass {

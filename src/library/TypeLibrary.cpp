@@ -1,7 +1,7 @@
 #include "library/TypeLibrary.h"
 
 #include "anatomy/cAnatomicDescription.h"
-#include "cards/cUniCard.h"
+#include "cardlist/cUniCard.h"
 #include "frame/SharedTypes.h"
 #include "frame/SuiteTypes.h"
 #include "frame/cGlobalList.h"
@@ -13,6 +13,9 @@
 #include <cstdio>
 
 namespace OXClass {
+
+using namespace Platform;
+
 namespace {
 
 using Kind = MemberType::Kind;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/component/Interface.h"
+#include "platform/component/dispatch/Interface.h"
 
 namespace OXClass {
 

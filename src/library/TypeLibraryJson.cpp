@@ -1,11 +1,14 @@
 #include "library/ClassTable.h"
 #include "library/TypeLibrary.h"
 #include "platform/HostClasses.h"
-#include "platform/component/Description.h"
+#include "platform/component/dispatch/Description.h"
 
 #include <nlohmann/json.hpp>
 
 namespace OXClass {
+
+using namespace Platform;
+
 namespace {
 
 using Json = nlohmann::ordered_json;

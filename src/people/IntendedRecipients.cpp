@@ -1,6 +1,10 @@
 #include "people/IntendedRecipients.h"
 
+#include "platform/component/dispatch/InterfaceTable.h"
+
 namespace OXClass {
+
+using namespace Platform;
 
 Ref<cStringItem> IntendedRecipients::Add(const String& str, const Long& ID, const String& sKey) {
     const Ref<cStringItem> item = New<cStringItem>();

@@ -1,6 +1,10 @@
 #include "people/OtherPatIDs.h"
 
+#include "platform/component/dispatch/InterfaceTable.h"
+
 namespace OXClass {
+
+using namespace Platform;
 
 Ref<cStringItem> OtherPatIDs::Add(String& str, const Long& ID, const String& sKey) {
     for (cStringItem& item : *this)

@@ -4,6 +4,8 @@
 
 namespace OXClass {
 
+using namespace Platform;
+
 std::function<String()> OutsideGUID;
 
 String NewOutsideGUID() { return UCase(OutsideGUID ? OutsideGUID() : New<cDoctors>()->GetGUID()); }

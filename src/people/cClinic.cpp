@@ -1,8 +1,11 @@
 #include "people/cClinic.h"
 
 #include "frame/Reading.h"
+#include "platform/component/dispatch/InterfaceTable.h"
 
 namespace OXClass {
+
+using namespace Platform;
 
 bool cClinic::DeleteClinic(const Ref<Connection>& Con) const {
     return Prefixed("cClinic.DeleteClinic, ", [&] {
@@ -28,7 +31,7 @@ bool cClinic::SaveClinic(const Ref<Connection>& Con) {
         write("Telephone", Telephone);
         write("Remarks", Remarks16);
         rs->Update();
-        ID = Direct<Long>(rs, "ClinicID");
+        ID = Required<Long>(rs, "ClinicID");
         if (ID == 0) MsgBox("OXClass.cClinic.SaveClinic.Error. Me.ID=0");
         rs->Close();
         return true;
@@ -41,14 +44,14 @@ bool cClinic::LoadClinic(Long ClinicID, const Ref<Connection>& Con) {
             OpenPlain(Con, sql("SELECT * FROM Clinic_T  ", " WHERE ClinicID =", ClinicID, ";"));
         const bool found = !rs->Eof();
         if (found) {
-            ID = Direct<Long>(rs, "ClinicID");
-            City = Joined(rs, "City");
-            ClinicName = Joined(rs, "ClinicName");
-            OrgNumber = Joined(rs, "OrgNumber");
-            Remarks16 = Joined(rs, "Remarks");
-            StreetAddress = Joined(rs, "StreetAdress");
-            Telephone = Joined(rs, "Telephone");
-            ZipCode = Joined(rs, "ZipCode");
+            ID = Required<Long>(rs, "ClinicID");
+            City = TextOrEmpty(rs, "City");
+            ClinicName = TextOrEmpty(rs, "ClinicName");
+            OrgNumber = TextOrEmpty(rs, "OrgNumber");
+            Remarks16 = TextOrEmpty(rs, "Remarks");
+            StreetAddress = TextOrEmpty(rs, "StreetAdress");
+            Telephone = TextOrEmpty(rs, "Telephone");
+            ZipCode = TextOrEmpty(rs, "ZipCode");
         }
         rs->Close();
         return found;

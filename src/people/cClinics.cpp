@@ -1,8 +1,11 @@
 #include "people/cClinics.h"
 
 #include "frame/Reading.h"
+#include "platform/component/dispatch/InterfaceTable.h"
 
 namespace OXClass {
+
+using namespace Platform;
 
 Ref<cClinic> cClinics::GetHQClinic(const Ref<Connection>& Con) { return FirstNamed(HeadOffice, Con); }
 
@@ -27,10 +30,10 @@ Long cClinics::GetAllClinics(const Ref<Connection>& Con) {
         }
         Long count = 0;
         for (; !rs->Eof(); rs->MoveNext()) {
-            const Long number = Direct<Long>(rs, "ClinicID");
-            Add(number, Joined(rs, "ClinicName"), Joined(rs, "OrgNumber"), Joined(rs, "ZipCode"),
-                Joined(rs, "StreetAdress"), Joined(rs, "City"), Joined(rs, "Telephone"),
-                Joined(rs, "Remarks"), "K" + CStr(number));
+            const Long number = Required<Long>(rs, "ClinicID");
+            Add(number, TextOrEmpty(rs, "ClinicName"), TextOrEmpty(rs, "OrgNumber"), TextOrEmpty(rs, "ZipCode"),
+                TextOrEmpty(rs, "StreetAdress"), TextOrEmpty(rs, "City"), TextOrEmpty(rs, "Telephone"),
+                TextOrEmpty(rs, "Remarks"), "K" + CStr(number));
             ++count;
         }
         rs->Close();

@@ -2,8 +2,11 @@
 
 #include "frame/Reading.h"
 #include "people/OutsideGUID.h"
+#include "platform/component/dispatch/InterfaceTable.h"
 
 namespace OXClass {
+
+using namespace Platform;
 
 String cDoctor::GetDCMName() const {
     String name = Trim(DrLastName + "^" + DrFirstName + "^^" + DrPrefix);
@@ -34,7 +37,7 @@ bool cDoctor::SaveDoctor(const Ref<Connection>& Con) {
         if (rs->Eof()) rs->AddNew();
         WriteRow(rs);
         rs->Update();
-        drID = Direct<Long>(rs, "drID");
+        drID = Required<Long>(rs, "drID");
         if (drID == 0) MsgBox("OXClass.SaveDoctor.Error. Me.drID=0");
         rs->Close();
         return true;
@@ -81,16 +84,16 @@ bool cDoctor::Load(const String& statement, const Ref<Connection>& con) {
 }
 
 void cDoctor::ReadRow(const Ref<Recordset>& rs) {
-    DrContactInfo = Joined(rs, "DrContactInfo_NVC");
-    DrFirstName = Joined(rs, "DrFirstName_NVC");
+    DrContactInfo = TextOrEmpty(rs, "DrContactInfo_NVC");
+    DrFirstName = TextOrEmpty(rs, "DrFirstName_NVC");
     drID = Nz<Long>(rs, "drID");
-    DrLastName = Joined(rs, "DrLastName_NVC");
-    DrName = Joined(rs, "DrName_NVC");
-    DrPrefix = Joined(rs, "DrPrefix_NVC");
+    DrLastName = TextOrEmpty(rs, "DrLastName_NVC");
+    DrName = TextOrEmpty(rs, "DrName_NVC");
+    DrPrefix = TextOrEmpty(rs, "DrPrefix_NVC");
     DrType = Nz<DoctorType>(rs, "DrType_INT");
-    DrEMail = Joined(rs, "DrEMail");
-    drGUID = UCase(Joined(rs, "drGUID"));
-    DrLogin = Joined(rs, "DrLogin");
+    DrEMail = TextOrEmpty(rs, "DrEMail");
+    drGUID = UCase(TextOrEmpty(rs, "drGUID"));
+    DrLogin = TextOrEmpty(rs, "DrLogin");
 }
 
 const Interface& cDoctor::Describe() const {

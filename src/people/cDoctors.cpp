@@ -1,10 +1,13 @@
 #include "people/cDoctors.h"
 
 #include "frame/Reading.h"
+#include "platform/component/dispatch/InterfaceTable.h"
 
 #include <cstdio>
 
 namespace OXClass {
+
+using namespace Platform;
 
 Long cDoctors::GetAllDoctors(const Ref<Connection>& Con) {
     Clear();
@@ -13,14 +16,14 @@ Long cDoctors::GetAllDoctors(const Ref<Connection>& Con) {
             Con, "SELECT * FROM Doctor_T order by DrLastName_nvc, DrFirstname_nvc;", ADODB::adCmdUnspecified);
         Long count = 0;
         for (; !rs->Eof(); rs->MoveNext()) {
-            const Long number = Direct<Long>(rs, "drID");
+            const Long number = Required<Long>(rs, "drID");
             const Ref<cDoctor> doctor =
-                Add(number, Joined(rs, "DrName_NVC"), Joined(rs, "DrFirstName_NVC"),
-                    Joined(rs, "DrLastName_NVC"), Joined(rs, "DrPrefix_NVC"), Joined(rs, "DrContactInfo_NVC"),
+                Add(number, TextOrEmpty(rs, "DrName_NVC"), TextOrEmpty(rs, "DrFirstName_NVC"),
+                    TextOrEmpty(rs, "DrLastName_NVC"), TextOrEmpty(rs, "DrPrefix_NVC"), TextOrEmpty(rs, "DrContactInfo_NVC"),
                     Nz<DoctorType>(rs, "DrType_INT"), "K" + CStr(number));
-            doctor->DrEMail = Joined(rs, "DrEMail");
-            doctor->drGUID = UCase(Joined(rs, "drGUID"));
-            doctor->DrLogin = Joined(rs, "DrLogin");
+            doctor->DrEMail = TextOrEmpty(rs, "DrEMail");
+            doctor->drGUID = UCase(TextOrEmpty(rs, "drGUID"));
+            doctor->DrLogin = TextOrEmpty(rs, "DrLogin");
             if (Trim(doctor->drGUID).empty()) doctor->drGUID = UCase(GetGUID());
             ++count;
         }

@@ -1,8 +1,12 @@
 #include "people/cPatient.h"
 
 #include "frame/Reading.h"
+#include "platform/component/dispatch/InterfaceTable.h"
 
 namespace OXClass {
+
+using namespace Platform;
+
 namespace {
 
 /// A date as its text column holds it: empty for the zero date.
@@ -20,7 +24,7 @@ Error NoDate(const char* column) {
 Long cPatient::LoadOnPatientID(const String&) { return 0; }
 
 Long cPatient::LoadOnPatientIDorPDBID(Ref<Connection> Con, const String& sPatientID, const Long& PDBID) {
-    reading_.Begin();
+    loadCompletion_.Begin();
     return Boxed(
         [&]() -> Long {
             const Ref<Recordset> rs =
@@ -32,32 +36,32 @@ Long cPatient::LoadOnPatientIDorPDBID(Ref<Connection> Con, const String& sPatien
             return 1;
         },
         [&](const Error& e) {
-            reading_.EndedBy(e);
+            loadCompletion_.EndedBy(e);
             return "OXClass.LoadOnPatientIDorpdbid error: " + CStr(e.Number) + " " + e.Description;
         });
 }
 
 void cPatient::ReadRow(const Ref<Recordset>& rs) {
-    ID = Direct<Long>(rs, "PatientId");
-    FirstName = Joined(rs, "FirstName_NVC");
-    LastName = Joined(rs, "LastName_NVC");
-    PatientID = UCase(Trim(Joined(rs, "PersonNr_CH")));
-    const String birth = Trim(Joined(rs, "Birthdate_CH"));
+    ID = Required<Long>(rs, "PatientId");
+    FirstName = TextOrEmpty(rs, "FirstName_NVC");
+    LastName = TextOrEmpty(rs, "LastName_NVC");
+    PatientID = UCase(Trim(TextOrEmpty(rs, "PersonNr_CH")));
+    const String birth = Trim(TextOrEmpty(rs, "Birthdate_CH"));
     const bool born = IsDate(birth);
     BirthDate = born ? CDate(birth) : Date{};
-    Sex = Joined(rs, "Sex_CH");
-    Address = Joined(rs, "Address_NVC");
-    TelOne = Joined(rs, "TelOne_NVC");
-    TelTwo = Joined(rs, "TelTwo_NVC");
-    TelMobile = Joined(rs, "TelMobile_NVC");
-    EMail = Joined(rs, "Email_adress");
-    Comments = Joined(rs, "Comments_NVC");
-    IDImg = Joined(rs, "IDImg");
-    OtherIDs->FillFromString(Joined(rs, "OtherIDs"));
+    Sex = TextOrEmpty(rs, "Sex_CH");
+    Address = TextOrEmpty(rs, "Address_NVC");
+    TelOne = TextOrEmpty(rs, "TelOne_NVC");
+    TelTwo = TextOrEmpty(rs, "TelTwo_NVC");
+    TelMobile = TextOrEmpty(rs, "TelMobile_NVC");
+    EMail = TextOrEmpty(rs, "Email_adress");
+    Comments = TextOrEmpty(rs, "Comments_NVC");
+    IDImg = TextOrEmpty(rs, "IDImg");
+    OtherIDs->FillFromString(TextOrEmpty(rs, "OtherIDs"));
     RespDoctor = Nz<Long>(rs, "RespDoctor");
-    const bool xrayed = !Trim(Joined(rs, "PrevXrayDate_CH")).empty();
-    PrevXrayDate = xrayed ? Direct<Date>(rs, "PrevXrayDate_CH") : Date{};
-    if (!born && !birth.empty()) reading_.EndedBy(NoDate("Birthdate_CH"));
+    const bool xrayed = !Trim(TextOrEmpty(rs, "PrevXrayDate_CH")).empty();
+    PrevXrayDate = xrayed ? Required<Date>(rs, "PrevXrayDate_CH") : Date{};
+    if (!born && !birth.empty()) loadCompletion_.EndedBy(NoDate("Birthdate_CH"));
 }
 
 String cPatient::OtherIDsColumn() const {
@@ -95,7 +99,7 @@ Long cPatient::Save(Ref<Connection> Con) {
     const Ref<Recordset> rs = OpenPlain(
         Con, sql("Select * from Patient_T where ", "(PersonNr_CH) = '", UCase(FixSqlString(PatientID)), "'"));
     if (!rs->Eof()) {
-        ID = Direct<Long>(rs, "PatientID");
+        ID = Required<Long>(rs, "PatientID");
         rs->Close();
         Con->Execute(UpdateStatement());
         return 0;
@@ -107,7 +111,7 @@ Long cPatient::Save(Ref<Connection> Con) {
                                                 "(PersonNr_CH)='", UCase(FixSqlString(PatientID)), "';"),
                                             ADODB::adCmdUnspecified);
     if (!(newest->Bof() && newest->Eof())) newest->MoveFirst();
-    ID = Direct<Long>(newest, "Max_ID");
+    ID = Required<Long>(newest, "Max_ID");
     newest->Close();
     return 0;
 }

@@ -45,7 +45,7 @@ public:
 
     /// How the last load ended. A birth date that is no date counts as a failure: the load goes on, but
     /// saving the object would replace the text. No part of the interface.
-    const Completion& Reading() const noexcept { return reading_; }
+    const Completion& LoadCompletion() const noexcept { return loadCompletion_; }
 
     String IDImg;
     Date PrevXrayDate;
@@ -64,7 +64,7 @@ private:
     String InsertStatement() const;
     String OtherIDsColumn() const;
 
-    Completion reading_;
+    Completion loadCompletion_;
 };
 
 }  // namespace OXClass

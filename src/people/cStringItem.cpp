@@ -1,6 +1,10 @@
 #include "people/cStringItem.h"
 
+#include "platform/component/dispatch/InterfaceTable.h"
+
 namespace OXClass {
+
+using namespace Platform;
 
 const Interface& cStringItem::Describe() const {
     static const Interface& self = InterfaceOf<cStringItem>({

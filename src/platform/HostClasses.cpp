@@ -2,9 +2,10 @@
 
 #include "platform/adodb/Errors.h"
 #include "platform/adodb/Fields.h"
-#include "platform/component/Boundary.h"
-#include "platform/component/ClassRegistry.h"
-#include "platform/component/LibraryFile.h"
+#include "platform/component/binary/Identifier.h"
+#include "platform/component/dispatch/Boundary.h"
+#include "platform/component/registry/ClassRegistry.h"
+#include "platform/component/registry/LibraryFile.h"
 
 #include <array>
 #include <map>
@@ -140,7 +141,7 @@ IDispatch* CreateObject(const String& name) {
     const ClassEntry* own = HostClass(name);
     if (!own) return CreateFrom(RecordOf(name));
     HostLibrary().Publish();
-    return DispatchOf(Boundary::Give(own->Make()));
+    return DispatchOf(Boundary::ToPointer(own->Make()));
 }
 
 IDispatch* GlobalObject(const String& name) {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/component/Interface.h"
-#include "platform/component/Library.h"
-#include "platform/component/LibraryFile.h"
+#include "platform/component/dispatch/Interface.h"
+#include "platform/component/registry/Library.h"
+#include "platform/component/registry/LibraryFile.h"
 
 #include <vector>
 

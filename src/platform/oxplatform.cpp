@@ -2,11 +2,12 @@
 
 #include "platform/HostClasses.h"
 #include "platform/adodb/Connection.h"
-#include "platform/component/ClassRegistry.h"
-#include "platform/component/Description.h"
-#include "platform/component/LibraryFile.h"
-#include "platform/component/Marshal.h"
-#include "platform/component/ReturnCode.h"
+#include "platform/component/binary/Bstr.h"
+#include "platform/component/registry/ClassRegistry.h"
+#include "platform/component/dispatch/Boundary.h"
+#include "platform/component/dispatch/Description.h"
+#include "platform/component/registry/LibraryFile.h"
+#include "platform/component/binary/ReturnCode.h"
 #include "platform/runtime/Services.h"
 
 #include <atomic>
@@ -36,15 +37,15 @@ HRESULT Entry(Body body) noexcept {
 
 /// An entry that does something or raises.
 template <class Body>
-HRESULT Doing(Body body) noexcept {
+HRESULT RunEntry(Body body) noexcept {
     return Entry([&] {
         body();
         return S_OK;
     });
 }
 
-HRESULT Creating(LPCOLESTR name, IDispatch** object, IDispatch* (*make)(const String& name)) noexcept {
-    return Doing([&] {
+HRESULT CreateByName(LPCOLESTR name, IDispatch** object, IDispatch* (*make)(const String& name)) noexcept {
+    return RunEntry([&] {
         IDispatch*& result = Cleared(object);
         if (!name) Fail(E_POINTER, "The name is missing");
         result = make(FromUnits(name));
@@ -53,7 +54,7 @@ HRESULT Creating(LPCOLESTR name, IDispatch** object, IDispatch* (*make)(const St
 
 /// Runs a library's own function, which leaves its own record.
 template <class Function>
-HRESULT CallingLibrary(const char* path, Function function) noexcept {
+HRESULT CallLibrary(const char* path, Function function) noexcept {
     return Entry([&] {
         if (!path) Fail(E_POINTER, "The path is missing");
         return function(LoadedLibrary(path));
@@ -73,27 +74,27 @@ std::vector<ClassRegistry::ClassRecord> OwnClasses() {
 
 // ---- classes by name --------------------------------------------------------------------------------
 
-HRESULT OxCreateObject(LPCOLESTR name, IDispatch** object) { return Creating(name, object, CreateObject); }
+HRESULT OxCreateObject(LPCOLESTR name, IDispatch** object) { return CreateByName(name, object, CreateObject); }
 
-HRESULT OxGlobal(LPCOLESTR name, IDispatch** object) { return Creating(name, object, GlobalObject); }
+HRESULT OxGlobal(LPCOLESTR name, IDispatch** object) { return CreateByName(name, object, GlobalObject); }
 
 HRESULT OxUseLibrary(const char* path) {
-    return CallingLibrary(path, [](const LibraryFile& library) {
-        const ClassRegistry::EnteringHere here;
+    return CallLibrary(path, [](const LibraryFile& library) {
+        const ClassRegistry::RegisterInProcess here;
         return library.RegisterServer();
     });
 }
 
 HRESULT OxRegisterLibrary(const char* path) {
-    return CallingLibrary(path, [](const LibraryFile& library) { return library.RegisterServer(); });
+    return CallLibrary(path, [](const LibraryFile& library) { return library.RegisterServer(); });
 }
 
 HRESULT OxUnregisterLibrary(const char* path) {
-    return CallingLibrary(path, [](const LibraryFile& library) { return library.UnregisterServer(); });
+    return CallLibrary(path, [](const LibraryFile& library) { return library.UnregisterServer(); });
 }
 
 HRESULT OxClasses(BSTR* json) {
-    return Doing([&] {
+    return RunEntry([&] {
         BSTR& result = Cleared(json);
         std::vector<ClassRegistry::ClassRecord> classes = OwnClasses();
         for (ClassRegistry::ClassRecord& record : ClassRegistry::All()) classes.push_back(std::move(record));
@@ -102,10 +103,10 @@ HRESULT OxClasses(BSTR* json) {
 }
 
 HRESULT OxDescribe(IUnknown* object, BSTR* json) {
-    return Doing([&] {
+    return RunEntry([&] {
         BSTR& result = Cleared(json);
         if (!object) Fail(E_POINTER, "The object is missing");
-        const Object* own = Boundary::Own(object);
+        const Object* own = Boundary::OwnObject(object);
         if (!own) Fail(E_NOINTERFACE, "The object is somebody else's");
         result = ToBstr(DescriptionText(own->Describe()));
     });
@@ -148,7 +149,7 @@ const Host& TheMachine() {
 void CallMsgBox(const String& prompt, Long buttons) {
     const auto [handler, context] = theMsgBox.Get();
     if (!handler) return TheMachine().MsgBox(prompt, buttons);
-    const OwnedText text(ToBstr(prompt));
+    const OwnedBstr text(ToBstr(prompt));
     handler(context, text.get(), buttons);
 }
 
@@ -183,15 +184,15 @@ float CallTimer() {
 }  // namespace
 
 HRESULT OxSetMsgBox(OxMsgBoxHandler handler, void* context) {
-    return Doing([&] { theMsgBox.Set(handler, context); });
+    return RunEntry([&] { theMsgBox.Set(handler, context); });
 }
 
 HRESULT OxSetDoEvents(OxDoEventsHandler handler, void* context) {
-    return Doing([&] { theDoEvents.Set(handler, context); });
+    return RunEntry([&] { theDoEvents.Set(handler, context); });
 }
 
 HRESULT OxSetNow(OxNowHandler handler, void* context) {
-    return Doing([&] { theNow.Set(handler, context); });
+    return RunEntry([&] { theNow.Set(handler, context); });
 }
 
 // ---- connections ------------------------------------------------------------------------------------
@@ -209,14 +210,14 @@ public:
 
     void WillExecute(ADODB::ExecuteRequest& request) override {
         if (!events_.WillExecute) return;
-        const OwnedText source(ToBstr(request.Source));
+        const OwnedBstr source(ToBstr(request.Source));
         if (events_.WillExecute(context_, source.get()) != 0) request.Status = ADODB::adStatusCancel;
     }
 
     void ExecuteComplete(const ADODB::ExecuteReport& report) override {
         if (!events_.ExecuteComplete) return;
-        const OwnedText source(ToBstr(report.Source));
-        OwnedText failureSource, failureText;
+        const OwnedBstr source(ToBstr(report.Source));
+        OwnedBstr failureSource, failureText;
         if (report.Failure) {
             failureSource.reset(ToBstr(report.Failure->Source));
             failureText.reset(ToBstr(report.Failure->Description));
@@ -234,9 +235,9 @@ private:
 };
 
 ADODB::Connection& ConnectionOf(IUnknown* pointer) {
-    auto* connection = dynamic_cast<ADODB::Connection*>(pointer ? Boundary::Own(pointer) : nullptr);
+    auto* connection = dynamic_cast<ADODB::Connection*>(pointer ? Boundary::OwnObject(pointer) : nullptr);
     if (!connection) Fail(E_NOINTERFACE, "The object is no ADODB.Connection");
-    if (!Boundary::IsAtHome(*reinterpret_cast<Face*>(pointer)))
+    if (!Boundary::IsOnItsThread(*reinterpret_cast<InterfacePointer*>(pointer)))
         Fail(RPC_E_WRONG_THREAD, "A connection is used only on the thread that made it");
     return *connection;
 }
@@ -251,7 +252,7 @@ ClientEvents& EventsOf(const ADODB::Connection& connection, ULONG cookie) {
 }  // namespace
 
 HRESULT OxAdvise(IUnknown* connection, const OxConnectionEvents* events, void* context, ULONG* cookie) {
-    return Doing([&] {
+    return RunEntry([&] {
         static std::atomic<ULONG> last = 0;
         ULONG& result = Cleared(cookie);
         if (!events) Fail(E_POINTER, "The events are missing");
@@ -263,7 +264,7 @@ HRESULT OxAdvise(IUnknown* connection, const OxConnectionEvents* events, void* c
 }
 
 HRESULT OxUnadvise(IUnknown* connection, ULONG cookie) {
-    return Doing([&] {
+    return RunEntry([&] {
         ADODB::Connection& target = ConnectionOf(connection);
         target.Unadvise(EventsOf(target, cookie));
     });

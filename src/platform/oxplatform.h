@@ -7,7 +7,7 @@
  * (GetErrorInfo), and lets no exception out. A null pointer where a result goes gives E_POINTER. Names are
  * zero-ended UTF-16, paths are in the file system's bytes. Objects belong to the thread that made them. */
 
-#include "platform/component/ComponentModel.h"
+#include "platform/component/binary/ComponentModel.h"
 
 /* ---- classes by name ----------------------------------------------------------------------------- */
 

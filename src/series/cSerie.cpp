@@ -1,8 +1,12 @@
 #include "series/cSerie.h"
 
 #include "frame/Reading.h"
+#include "platform/component/dispatch/InterfaceTable.h"
 
 namespace OXClass {
+
+using namespace Platform;
+
 void cSerie::adjustLocationStatus() {
     if (InstanceAv == "ONLINE" || InstanceAv == "NEARLINE") {
         if (location == gdcmObjectLocUnknown) location = gdcmObjectLocServer;
@@ -28,14 +32,14 @@ bool cSerie::loadSeries(String Series, const Ref<Connection>& Con) {
 }
 
 void cSerie::ReadRow(const Ref<Recordset>& rs) {
-    ID = Direct<Long>(rs, "Series_ID");
-    instanceUID = Joined(rs, "SeriesInstanceUID");
-    Modality = Joined(rs, "Modality");
+    ID = Required<Long>(rs, "Series_ID");
+    instanceUID = TextOrEmpty(rs, "SeriesInstanceUID");
+    Modality = TextOrEmpty(rs, "Modality");
     seriesNumber = Nz<String>(rs, "seriesNumber");
     TemplateID = Nz<Long>(rs, "template_ID");
     studyID = Nz<Long>(rs, "Study_ID");
     OrgServer = Nz<Long>(rs, "orgServerID");
-    SeriesDescription = Joined(rs, "SeriesDescription");
+    SeriesDescription = TextOrEmpty(rs, "SeriesDescription");
     SeriesDateTime = NzWholeSeconds(rs, "SeriesDateTime");
     SeriesDerived = Nz<double>(rs, "Derived_BT") != 0;
     location = Nz<gdcmObjectLocation>(rs, "location");
@@ -52,7 +56,7 @@ bool cSerie::SaveSeries(const bool& CheckExistOnID, const Ref<Connection>& Con) 
         if (rs->Eof()) rs->AddNew();
         WriteRow(rs);
         rs->Update();
-        ID = Direct<Long>(rs, "Series_ID");
+        ID = Required<Long>(rs, "Series_ID");
         if (ID == 0) MsgBox("FEL");
         rs->Close();
         return true;

@@ -60,7 +60,7 @@ public:
     /// `colImages` is a `Collection` of images or a `cImages`. Raises 13 for a member that is no image, 6
     /// for a canvas beyond 32 bits, and as `cTemplate::GetTemplate` and `cImagecard::Save`; what was
     /// written before a failure stays written.
-    void SaveAsIC(const Ref<Connection>& Con, const Ref<Walkable>& colImages) const;
+    void SaveAsIC(const Ref<Connection>& Con, const Ref<Enumerable>& colImages) const;
 
     /// Lays the images out: derives their side, jaw and region where only teeth are known, chooses a
     /// standard layout into `TemplateID`, and gives each image its `FrameNumber`, 0 for none. Nothing is
@@ -71,7 +71,7 @@ public:
     /// `conn` is used where no image found a frame, to read the layout's own order. Raises 6 for more
     /// than 32767 images or a frame sum beyond that, 13 for a member that is no image, 91 for a tooth
     /// string of teeth that are none, and what the database raises; what was changed before stays.
-    Long HangSeries(const Ref<Walkable>& colImgs, const Ref<Connection>& conn);
+    Long HangSeries(const Ref<Enumerable>& colImgs, const Ref<Connection>& conn);
 
     /// Fills the object from the current row of Series_T, as `loadSeries` does. Raises 13 or 6 for a value
     /// that a member can't take, and names the column; the members read before it stay new. No part of the

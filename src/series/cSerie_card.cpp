@@ -1,9 +1,13 @@
 #include "cards/SlotPlacing.h"
 #include "cards/cImagecard.h"
 #include "images/cImage.h"
+#include "platform/component/dispatch/Interface.h"
 #include "series/cSerie.h"
 
 namespace OXClass {
+
+using namespace Platform;
+
 namespace {
 
 /// A new card of the series, without images yet.
@@ -20,7 +24,7 @@ Ref<cImagecard> CardOf(const cSerie& series, const cTemplate& layout, const Coll
 
 }  // namespace
 
-void cSerie::SaveAsIC(const Ref<Connection>& Con, const Ref<Walkable>& colImages) const {
+void cSerie::SaveAsIC(const Ref<Connection>& Con, const Ref<Enumerable>& colImages) const {
     if (colImages->Members().Count() == 0) return;
     const Ref<cTemplate> layout = New<cTemplate>();
     layout->GetTemplate(Con, 0, TemplateID);

@@ -8,6 +8,9 @@
 #include <optional>
 
 namespace OXClass {
+
+using namespace Platform;
+
 namespace {
 
 constexpr const char* UpperJaw = "T-11170";
@@ -103,7 +106,7 @@ constexpr std::array FourBitewings{
 /// search looks at each image many times.
 class Hanging {
 public:
-    explicit Hanging(const Walkable& images) {
+    explicit Hanging(const Enumerable& images) {
         for (cImage& image : Each<cImage>(images)) {
             const bool teeth = !image.sTeeth.empty();
             if (image.Laterality.empty() && teeth) image.DeriveLaterality();
@@ -332,7 +335,7 @@ void Hanging::RemoveDoublePlacements() {
 
 }  // namespace
 
-Long cSerie::HangSeries(const Ref<Walkable>& colImgs, const Ref<Connection>& conn) {
+Long cSerie::HangSeries(const Ref<Enumerable>& colImgs, const Ref<Connection>& conn) {
     const Integer count = CInt(ImgCount);
     if (count == 0) return 0;
     Hanging hanging(*colImgs);

@@ -1,8 +1,12 @@
 #include "series/cStudy.h"
 
 #include "frame/Reading.h"
+#include "platform/component/dispatch/InterfaceTable.h"
 
 namespace OXClass {
+
+using namespace Platform;
+
 namespace {
 
 /// Runs one step of the save; a missing column passes it over, and the save goes on behind it.
@@ -31,16 +35,16 @@ bool cStudy::loadStudy(String Study, const Ref<Connection>& Con) {
 }
 
 void cStudy::ReadRow(const Ref<Recordset>& rs) {
-    accessionNumber = Direct<String>(rs, "accessionNumber");
+    accessionNumber = Required<String>(rs, "accessionNumber");
     dateTime = WholeSeconds(rs, "StudyDateTime");
-    description = Direct<String>(rs, "Studydesc");
-    ID = Direct<Long>(rs, "Study_ID");
-    instanceUID = Direct<String>(rs, "StudyInstanceUID");
-    PatientID = Direct<Long>(rs, "PatientID");
-    referDrName = Direct<String>(rs, "referDrName");
-    const String identifier = Joined(rs, "studyID");
+    description = Required<String>(rs, "Studydesc");
+    ID = Required<Long>(rs, "Study_ID");
+    instanceUID = Required<String>(rs, "StudyInstanceUID");
+    PatientID = Required<Long>(rs, "PatientID");
+    referDrName = Required<String>(rs, "referDrName");
+    const String identifier = TextOrEmpty(rs, "studyID");
     if (!identifier.empty()) studyID = identifier;
-    PhysOfRecord = Joined(rs, "PhysOfRecord");
+    PhysOfRecord = TextOrEmpty(rs, "PhysOfRecord");
 }
 
 bool cStudy::savestudy(const bool& CheckExistOnID, const Ref<Connection>& Con) {
@@ -52,7 +56,7 @@ bool cStudy::savestudy(const bool& CheckExistOnID, const Ref<Connection>& Con) {
         if (rs->Eof()) rs->AddNew();
         WriteRow(rs);
         rs->Update();
-        UnlessColumnIsMissing([&] { ID = Direct<Long>(rs, "Study_ID"); });
+        UnlessColumnIsMissing([&] { ID = Required<Long>(rs, "Study_ID"); });
         if (ID == 0) MsgBox("fel");
         rs->Close();
         return true;

@@ -1,6 +1,10 @@
 #include "worklist/cMWLItem.h"
 
+#include "platform/component/dispatch/InterfaceTable.h"
+
 namespace OXClass {
+
+using namespace Platform;
 
 const Ref<IntendedRecipients>& cMWLItem::IntendedRecipients() {
     if (!recipients_) recipients_ = New<OXClass::IntendedRecipients>();

@@ -1,6 +1,7 @@
 #include "anatomy/cAnatomicDescription.h"
 
 #include "kit/FaultyProvider.h"
+#include "platform/component/dispatch/Interface.h"
 
 /// A standard group: its row, and the teeth of an intra-oral one.
 namespace OXClass {

@@ -1,6 +1,7 @@
 #include "anatomy/cAnatomics.h"
 
 #include "kit/Database.h"
+#include "platform/component/dispatch/Interface.h"
 
 /// The class without members.
 namespace OXClass {

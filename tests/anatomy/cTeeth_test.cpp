@@ -1,6 +1,7 @@
 #include "anatomy/cTeeth.h"
 
 #include "kit/Database.h"
+#include "platform/component/dispatch/Interface.h"
 
 /// The collection of teeth.
 namespace OXClass {

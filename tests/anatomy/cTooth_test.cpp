@@ -1,6 +1,7 @@
 #include "anatomy/cTooth.h"
 
 #include "kit/Database.h"
+#include "platform/component/dispatch/Interface.h"
 
 /// One tooth.
 namespace OXClass {

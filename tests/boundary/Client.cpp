@@ -1,6 +1,7 @@
 #include "boundary/Client.h"
 
 #include "kit/Database.h"
+#include "platform/component/dispatch/Interface.h"
 #include "platform/runtime/Text.h"
 
 #include <dlfcn.h>
@@ -19,7 +20,7 @@ Function* Exported(const char* name) {
     return reinterpret_cast<Function*>(dlsym(library, name));
 }
 
-Outcome Failing(const Outcome& outcome, const std::string& name) {
+Outcome FailWith(const Outcome& outcome, const std::string& name) {
     EXPECT_EQ(outcome.Code, S_OK) << name << ": " << outcome.Source << ": " << outcome.Description;
     return outcome;
 }
@@ -103,15 +104,15 @@ Outcome Invoke(IDispatch* object, const std::string& name, int flags, std::vecto
 }
 
 Value Get(const Dispatch& object, const std::string& name, std::vector<Value> arguments) {
-    return Failing(Invoke(object.Get(), name, DISPATCH_PROPERTYGET, std::move(arguments)), name).Result;
+    return FailWith(Invoke(object.Get(), name, DISPATCH_PROPERTYGET, std::move(arguments)), name).Result;
 }
 
 void Put(const Dispatch& object, const std::string& name, Value value) {
-    Failing(Invoke(object.Get(), name, DISPATCH_PROPERTYPUT, {std::move(value)}), name);
+    FailWith(Invoke(object.Get(), name, DISPATCH_PROPERTYPUT, {std::move(value)}), name);
 }
 
 Value Call(const Dispatch& object, const std::string& name, std::vector<Value> arguments) {
-    return Failing(Invoke(object.Get(), name, DISPATCH_METHOD, std::move(arguments)), name).Result;
+    return FailWith(Invoke(object.Get(), name, DISPATCH_METHOD, std::move(arguments)), name).Result;
 }
 
 // ---- objects ----------------------------------------------------------------------------------------

@@ -2,6 +2,8 @@
 
 #include "platform/oxplatform.h"
 
+#include "platform/component/dispatch/Interface.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>

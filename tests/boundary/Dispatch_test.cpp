@@ -1,5 +1,7 @@
 #include "boundary/Client.h"
 
+#include "platform/component/dispatch/Interface.h"
+
 /// Calls by name: arguments there and back, defaults, failures.
 namespace {
 

@@ -1,5 +1,6 @@
 #include "boundary/Client.h"
-#include "platform/component/Identifier.h"
+#include "platform/component/binary/Identifier.h"
+#include "platform/component/dispatch/Interface.h"
 
 #include <thread>
 

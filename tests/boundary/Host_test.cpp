@@ -1,5 +1,6 @@
 #include "boundary/Client.h"
 #include "kit/Database.h"
+#include "platform/component/dispatch/Interface.h"
 
 #include <filesystem>
 #include <map>

@@ -1,6 +1,7 @@
 #include "boundary/Client.h"
-#include "kit/Stranger.h"
-#include "platform/component/Identifier.h"
+#include "kit/ForeignObject.h"
+#include "platform/component/binary/Identifier.h"
+#include "platform/component/dispatch/Interface.h"
 
 #include <thread>
 
@@ -8,7 +9,7 @@
 namespace {
 
 using namespace Client;
-using TestKit::Stranger;
+using TestKit::ForeignObject;
 
 IUnknown* IdentityOf(IUnknown* object) { return Ask<IUnknown>(object, IID_IUnknown).Get(); }
 
@@ -74,7 +75,7 @@ TEST(Identity, AReleasedCollectionEndsItsMembersUnlessSomebodyHoldsThem) {
 
 // ---- objects of somebody else -----------------------------------------------------------------------
 
-Value ValueOf(Stranger& stranger) {
+Value ValueOf(ForeignObject& stranger) {
     stranger.AddRef();
     Value value = Value::OfType(VT_DISPATCH);
     value.Get().pdispVal = &stranger;
@@ -82,7 +83,7 @@ Value ValueOf(Stranger& stranger) {
 }
 
 TEST(ForeignObject, IsKeptAndGivenBackAsItIs) {
-    Stranger stranger(true);
+    ForeignObject stranger(true);
     {
         const Dispatch collection = Create("Collection");
         Call(collection, "Add", {ValueOf(stranger)});
@@ -92,7 +93,7 @@ TEST(ForeignObject, IsKeptAndGivenBackAsItIs) {
 }
 
 TEST(ForeignObject, IsNoObjectOfAClass) {
-    Stranger stranger(true);
+    ForeignObject stranger(true);
     const Dispatch entry = Create("OXClass.cUniCard");
     const Outcome put = Invoke(entry.Get(), "Study", DISPATCH_PROPERTYPUTREF, {ValueOf(stranger)});
     EXPECT_EQ(put.Code, DISP_E_TYPEMISMATCH);

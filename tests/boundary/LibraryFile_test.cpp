@@ -1,5 +1,5 @@
 #include "boundary/Client.h"
-#include "platform/component/Identifier.h"
+#include "platform/component/binary/Identifier.h"
 
 #include <array>
 #include <cstdio>

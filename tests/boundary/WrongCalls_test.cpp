@@ -1,5 +1,7 @@
 #include "boundary/SlotCall.h"
 
+#include "platform/component/dispatch/Interface.h"
+
 #include <cmath>
 #include <limits>
 #include <set>

@@ -1,4 +1,4 @@
-#include "cards/cUniCards.h"
+#include "cardlist/cUniCards.h"
 #include "frame/Class1.h"
 #include "kit/Database.h"
 #include "platform/runtime/Services.h"

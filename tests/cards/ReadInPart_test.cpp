@@ -1,4 +1,4 @@
-#include "cards/cUniCards.h"
+#include "cardlist/cUniCards.h"
 
 #include "kit/FaultyProvider.h"
 
@@ -63,10 +63,10 @@ TEST_F(CardsReadInPart, ACardTellsThePlacedImageThatItCouldNotRead) {
     card->GetImageCard(con, 7);
     EXPECT_EQ(boxes.shown.size(), 1U);
     EXPECT_EQ(card->ImagecardAttributes->Count(), 1);
-    EXPECT_EQ(card->Reading().Failure().Column, "IAMirrRotStatus");
+    EXPECT_EQ(card->LoadCompletion().Failure().Column, "IAMirrRotStatus");
     Run("UPDATE ImageAttribute_T SET IAMirrRotStatus=1");
     card->LoadImageAttributes(con);
-    EXPECT_TRUE(card->Reading().Complete());
+    EXPECT_TRUE(card->LoadCompletion().Complete());
 }
 
 TEST_F(CardsReadInPart, ACardThatRaisesNamesTheColumn) {
@@ -89,10 +89,10 @@ TEST_F(CardsReadInPart, APlacedImageTellsTheManipulationThatItCouldNotRead) {
     placed->ID = 1;
     EXPECT_FALSE(placed->LoadImageManipulations(con));
     EXPECT_EQ(placed->Manipulations->Count(), 1);
-    EXPECT_EQ(placed->Reading().Failure().Column, "LongParameter");
+    EXPECT_EQ(placed->LoadCompletion().Failure().Column, "LongParameter");
     Run("UPDATE ImageManipulation_T SET LongParameter=0");
     EXPECT_TRUE(placed->LoadImageManipulations(con));
-    EXPECT_TRUE(placed->Reading().Complete());
+    EXPECT_TRUE(placed->LoadCompletion().Complete());
 }
 
 TEST_F(CardsReadInPart, APlacedImageTellsThatItsManipulationsAreNotStored) {
@@ -110,7 +110,7 @@ TEST_F(CardsReadInPart, APlacedImageTellsThatItsManipulationsAreNotStored) {
     };
     const Ref<cImagecardAttribute> quoted = steps("it's");
     EXPECT_TRUE(quoted->Save(con)) << "as documented, the save tells nothing";
-    EXPECT_EQ(quoted->Saving().Failure().Number, ADODB::ErrorsInCommand);
+    EXPECT_EQ(quoted->SaveCompletion().Failure().Number, ADODB::ErrorsInCommand);
     EXPECT_EQ(CountOf("ImageManipulation_T"), 1) << "the first one was stored again";
 
     const int calls = CallsOf([&] { steps("fine")->Save(faulty); });
@@ -122,9 +122,9 @@ TEST_F(CardsReadInPart, APlacedImageTellsThatItsManipulationsAreNotStored) {
         placed->Save(faulty);
         const bool reached = CallsSoFar() >= call;
         FailAtCall(0);
-        EXPECT_EQ(placed->Saving().Complete(), !reached) << call;
+        EXPECT_EQ(placed->SaveCompletion().Complete(), !reached) << call;
         placed->Save(con);
-        EXPECT_TRUE(placed->Saving().Complete());
+        EXPECT_TRUE(placed->SaveCompletion().Complete());
     }
 }
 

@@ -1,6 +1,7 @@
 #include "cards/cImageManipulation.h"
 
 #include "kit/Database.h"
+#include "platform/component/dispatch/Interface.h"
 
 /// One recorded manipulation of a placed image.
 namespace OXClass {

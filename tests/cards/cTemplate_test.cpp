@@ -1,6 +1,7 @@
 #include "cards/cTemplate.h"
 
 #include "kit/FaultyProvider.h"
+#include "platform/component/dispatch/Interface.h"
 
 /// A template card with its slots.
 namespace OXClass {

@@ -34,7 +34,7 @@ protected:
     }
 
     /// A failing run: its one line, and the database as it was before.
-    std::string Complaint(const std::vector<std::string>& arguments, int code = 1) {
+    std::string UserError(const std::vector<std::string>& arguments, int code = 1) {
         std::vector<std::string> whole{"--db", Database()};
         whole.insert(whole.end(), arguments.begin(), arguments.end());
         const Result run = Try(whole);
@@ -170,32 +170,32 @@ TEST_F(Cards, AWrongRequestIsToldInOneLineAndChangesNothing) {
     Run("INSERT INTO ImageBild_T (PatientID, ImageType, Approved, Brightness_INT, Contrast_INT, Invert_BT, "
         "DateCaptured_SD, RootId) VALUES (99, 0, 0, 0, 0, 0, '2020-01-01 10:00:00', 1)");
     const json before = OkJson({"card", "show", "IC1"});
-    EXPECT_THAT(Complaint({"cards", "nobody"}), HasSubstr("there is no patient nobody"));
-    EXPECT_THAT(Complaint({"card", "show", "IC7"}), HasSubstr("there is no image card IC7"));
-    EXPECT_THAT(Complaint({"card", "show", "0"}), HasSubstr("there is no image card IC0"));
-    EXPECT_THAT(Complaint({"card", "add", "IC1", "77"}), HasSubstr("there is no image 77"));
-    EXPECT_THAT(Complaint({"card", "add", "IC1", "2", "5"}), HasSubstr("image 5 belongs to another patient"));
-    EXPECT_THAT(Complaint({"card", "add", "IC1", "2", "3", "--at", "0,0"}),
+    EXPECT_THAT(UserError({"cards", "nobody"}), HasSubstr("there is no patient nobody"));
+    EXPECT_THAT(UserError({"card", "show", "IC7"}), HasSubstr("there is no image card IC7"));
+    EXPECT_THAT(UserError({"card", "show", "0"}), HasSubstr("there is no image card IC0"));
+    EXPECT_THAT(UserError({"card", "add", "IC1", "77"}), HasSubstr("there is no image 77"));
+    EXPECT_THAT(UserError({"card", "add", "IC1", "2", "5"}), HasSubstr("image 5 belongs to another patient"));
+    EXPECT_THAT(UserError({"card", "add", "IC1", "2", "3", "--at", "0,0"}),
                 HasSubstr("--at places one image"));
-    EXPECT_THAT(Complaint({"card", "add", "IC1", "2", "--at", "left"}), HasSubstr("\"left\" is no place"));
-    EXPECT_THAT(Complaint({"card", "add", "IC1", "2", "--at", "1,2,3"}), HasSubstr("is no place"));
-    EXPECT_THAT(Complaint({"card", "add", "IC1", "2", "--size", "0"}), HasSubstr("a size is above 0"));
-    EXPECT_THAT(Complaint({"card", "add", "IC1", "2", "--size", "nan"}), HasSubstr("is no size"));
-    EXPECT_THAT(Complaint({"card", "move", "IC1", "1", "--turn", "45"}), HasSubstr("90, 180 or 270"));
-    EXPECT_THAT(Complaint({"card", "move", "IC1", "9", "--mirror"}),
+    EXPECT_THAT(UserError({"card", "add", "IC1", "2", "--at", "left"}), HasSubstr("\"left\" is no place"));
+    EXPECT_THAT(UserError({"card", "add", "IC1", "2", "--at", "1,2,3"}), HasSubstr("is no place"));
+    EXPECT_THAT(UserError({"card", "add", "IC1", "2", "--size", "0"}), HasSubstr("a size is above 0"));
+    EXPECT_THAT(UserError({"card", "add", "IC1", "2", "--size", "nan"}), HasSubstr("is no size"));
+    EXPECT_THAT(UserError({"card", "move", "IC1", "1", "--turn", "45"}), HasSubstr("90, 180 or 270"));
+    EXPECT_THAT(UserError({"card", "move", "IC1", "9", "--mirror"}),
                 HasSubstr("card IC1 has no placed image 9"));
-    EXPECT_THAT(Complaint({"card", "move", "IC1", "1", "--record", "Paint=1"}), HasSubstr("Manbrightness, "));
-    EXPECT_THAT(Complaint({"card", "move", "IC1", "1", "--record", "UndoStop"}),
+    EXPECT_THAT(UserError({"card", "move", "IC1", "1", "--record", "Paint=1"}), HasSubstr("Manbrightness, "));
+    EXPECT_THAT(UserError({"card", "move", "IC1", "1", "--record", "UndoStop"}),
                 HasSubstr("no manipulation"));
-    EXPECT_THAT(Complaint({"card", "move", "IC1", "1", "--record", "ManBitmap=1,it's"}),
+    EXPECT_THAT(UserError({"card", "move", "IC1", "1", "--record", "ManBitmap=1,it's"}),
                 HasSubstr("single quote"));
-    EXPECT_THAT(Complaint({"card", "remove", "IC1", "1", "9"}), HasSubstr("has no placed image 9"));
-    EXPECT_THAT(Complaint({"card", "new", "P-1.2.3", "x", "--canvas", "0x5"}), HasSubstr("above 0"));
-    EXPECT_THAT(Complaint({"card", "new", "P-1.2.3", "x", "--canvas", "wide"}), HasSubstr("1000x700"));
-    EXPECT_THAT(Complaint({"card", "new", "P-1.2.3", "x", "--canvas", "1x200000"}),
+    EXPECT_THAT(UserError({"card", "remove", "IC1", "1", "9"}), HasSubstr("has no placed image 9"));
+    EXPECT_THAT(UserError({"card", "new", "P-1.2.3", "x", "--canvas", "0x5"}), HasSubstr("above 0"));
+    EXPECT_THAT(UserError({"card", "new", "P-1.2.3", "x", "--canvas", "wide"}), HasSubstr("1000x700"));
+    EXPECT_THAT(UserError({"card", "new", "P-1.2.3", "x", "--canvas", "1x200000"}),
                 HasSubstr("at most 100000"));
-    EXPECT_THAT(Complaint({"card", "new", "P-1.2.3", std::string(256, 'x')}), HasSubstr("255 characters"));
-    EXPECT_THAT(Complaint({"series", "save-as-card", "9"}), HasSubstr("there is no series 9"));
+    EXPECT_THAT(UserError({"card", "new", "P-1.2.3", std::string(256, 'x')}), HasSubstr("255 characters"));
+    EXPECT_THAT(UserError({"series", "save-as-card", "9"}), HasSubstr("there is no series 9"));
     EXPECT_EQ(OkJson({"card", "show", "IC1"}), before);
     EXPECT_EQ(Entries().size(), 2U);
 }
@@ -205,7 +205,7 @@ TEST_F(Cards, ManipulationsThatCannotBeStoredLeaveTheCardAsItWas) {
     Ok({"card", "add", "IC1", "1"});
     const json before = OkJson({"card", "show", "IC1"});
     Run("CREATE TRIGGER full BEFORE INSERT ON ImageManipulation_T BEGIN SELECT RAISE(ABORT, 'full'); END");
-    EXPECT_THAT(Complaint({"card", "move", "IC1", "1", "--turn", "90"}), HasSubstr("nothing was changed"));
+    EXPECT_THAT(UserError({"card", "move", "IC1", "1", "--turn", "90"}), HasSubstr("nothing was changed"));
     EXPECT_EQ(OkJson({"card", "show", "IC1"}), before);
 }
 
@@ -214,7 +214,7 @@ TEST_F(Cards, ManipulationsThatCannotBeReadKeepTheCardFromBeingStored) {
     Ok({"card", "add", "IC1", "1"});
     Ok({"card", "move", "IC1", "1", "--turn", "90", "--record", "ManInvert"});
     Run("UPDATE ImageManipulation_T SET StringParameter = NULL WHERE SequenceNo = 1");
-    EXPECT_THAT(Complaint({"card", "move", "IC1", "1", "--at", "0.1,0.1"}), HasSubstr("can't be read whole"));
+    EXPECT_THAT(UserError({"card", "move", "IC1", "1", "--at", "0.1,0.1"}), HasSubstr("can't be read whole"));
     Run("UPDATE ImageManipulation_T SET StringParameter = ''");
     EXPECT_EQ(Placed()[0]["manipulations"], "ManRotate=90 ManInvert=0");
     EXPECT_EQ(Placed()[0]["x"], 0.0);
@@ -232,7 +232,7 @@ TEST_F(Cards, ARowWithoutAnImageKeepsItsManipulations) {
 TEST_F(Cards, ACosmeticManipulationIsNotTheProgramsToRecord) {
     Ok({"card", "new", "P-1.2.3", "Control"});
     Ok({"card", "add", "IC1", "1"});
-    EXPECT_THAT(Complaint({"card", "move", "IC1", "1", "--record", "ManCosmetic=0,001x"}),
+    EXPECT_THAT(UserError({"card", "move", "IC1", "1", "--record", "ManCosmetic=0,001x"}),
                 HasSubstr("cosmetic"));
 }
 
@@ -260,13 +260,13 @@ TEST_F(Cards, ACommentCanBeTakenAway) {
     Ok({"card", "move", "IC1", "1", "--comment", "distal"});
     Ok({"card", "move", "IC1", "1", "--comment", ""});
     EXPECT_EQ(Placed()[0]["comment"], "");
-    EXPECT_THAT(Complaint({"card", "move", "IC1", "1"}), HasSubstr("nothing to change"));
+    EXPECT_THAT(UserError({"card", "move", "IC1", "1"}), HasSubstr("nothing to change"));
 }
 
 TEST_F(Cards, ACardThatCannotBeReadIsNotDrawnAsEmpty) {
     Ok({"series", "save-as-card", "1"});
     Run("UPDATE ImageAttribute_T SET IASequence = NULL WHERE ImageAttributeID = 2");
-    EXPECT_THAT(Complaint({"draw", "IC1", "-o", File("x.png")}),
+    EXPECT_THAT(UserError({"draw", "IC1", "-o", File("x.png")}),
                 HasSubstr("a placed image of card IC1 can't be read whole"));
     EXPECT_FALSE(fs::exists(File("x.png")));
 }
@@ -285,10 +285,10 @@ TEST_F(Cards, NamesDoNotReachTheTerminalAsCommands) {
 }
 
 TEST_F(Cards, OnlyFilesOfTheirKindAreReplaced) {
-    EXPECT_THAT(Complaint({"report", "P-1.2.3", "-o", Database()}), HasSubstr("end it with .html"));
-    EXPECT_THAT(Complaint({"report", "P-1.2.3", "-o", "/dev/null"}), HasSubstr("end it with .html"));
+    EXPECT_THAT(UserError({"report", "P-1.2.3", "-o", Database()}), HasSubstr("end it with .html"));
+    EXPECT_THAT(UserError({"report", "P-1.2.3", "-o", "/dev/null"}), HasSubstr("end it with .html"));
     fs::create_directory(File("folder.html"));
-    EXPECT_THAT(Complaint({"report", "P-1.2.3", "-o", File("folder.html")}), HasSubstr("it isn't a file"));
+    EXPECT_THAT(UserError({"report", "P-1.2.3", "-o", File("folder.html")}), HasSubstr("it isn't a file"));
     EXPECT_EQ(Entries().size(), 1U);
 }
 
@@ -328,7 +328,7 @@ TEST_F(Cards, APictureThatIsGoneIsToldAndTheOthersAreDrawn) {
     const std::string file = OkJson({"images"})[0]["file"];
     for (const auto& entry : fs::recursive_directory_iterator(folder.Path()))
         if (entry.path().filename() == file.substr(file.find('\\') + 1)) fs::remove(entry.path());
-    EXPECT_THAT(Complaint({"draw", "SE1", "-o", File("mouth.svg")}, 3), HasSubstr("the file is missing"));
+    EXPECT_THAT(UserError({"draw", "SE1", "-o", File("mouth.svg")}, 3), HasSubstr("the file is missing"));
     EXPECT_EQ(CountOf("<image", Read(File("mouth.svg"))), 3U);
     EXPECT_THAT(Read(File("mouth.svg")), HasSubstr("the file is missing"));
     EXPECT_EQ(Try({"--db", Database(), "report", "P-1.2.3", "-o", File("r.html")}).code, 3);
@@ -338,19 +338,19 @@ TEST_F(Cards, APictureThatIsGoneIsToldAndTheOthersAreDrawn) {
 TEST_F(Cards, AStoredNameOutOfTheRootIsNeverOpened) {
     std::ofstream(folder.Path() / "secret.png") << "\x89PNG\r\n\x1A\nsecret";
     Run("UPDATE ImageBild_T SET GraphicURL_NVC = '..\\secret.png' WHERE ImageBildID = 1");
-    EXPECT_THAT(Complaint({"draw", "SE1", "-o", File("mouth.svg")}, 3),
+    EXPECT_THAT(UserError({"draw", "SE1", "-o", File("mouth.svg")}, 3),
                 HasSubstr("its stored name means no file"));
 }
 
 TEST_F(Cards, ADrawingThatCannotBeMadeLeavesTheEarlierFile) {
     std::ofstream(File("old.svg")) << "old";
-    EXPECT_THAT(Complaint({"draw", "SE9", "-o", File("old.svg")}), HasSubstr("there is no series SE9"));
-    EXPECT_THAT(Complaint({"draw", "7", "-o", File("old.svg")}), HasSubstr("IC5"));
-    EXPECT_THAT(Complaint({"draw", "SE1", "-o", File("old.pdf")}), HasSubstr(".svg or .png"));
+    EXPECT_THAT(UserError({"draw", "SE9", "-o", File("old.svg")}), HasSubstr("there is no series SE9"));
+    EXPECT_THAT(UserError({"draw", "7", "-o", File("old.svg")}), HasSubstr("IC5"));
+    EXPECT_THAT(UserError({"draw", "SE1", "-o", File("old.pdf")}), HasSubstr(".svg or .png"));
     EXPECT_EQ(Read(File("old.svg")), "old");
-    EXPECT_THAT(Complaint({"draw", "SE1", "-o", File("nowhere/x.svg")}), HasSubstr("can't write"));
+    EXPECT_THAT(UserError({"draw", "SE1", "-o", File("nowhere/x.svg")}), HasSubstr("can't write"));
     fs::create_directory(File("folder.svg"));
-    EXPECT_THAT(Complaint({"draw", "SE1", "-o", File("folder.svg")}), HasSubstr("can't write"));
+    EXPECT_THAT(UserError({"draw", "SE1", "-o", File("folder.svg")}), HasSubstr("can't write"));
     for (const auto& entry : fs::directory_iterator(folder.Path()))
         EXPECT_THAT(entry.path().string(), Not(HasSubstr(".part")));
 }

@@ -121,7 +121,7 @@ TEST(TypedDate, TwoReadingsAreBothShown) {
         try {
             TypedDate(text);
             FAIL() << text;
-        } catch (const Complaint& refused) {
+        } catch (const UserError& refused) {
             EXPECT_THAT(refused.what(), HasSubstr("1980-03-05"));
             EXPECT_THAT(refused.what(), HasSubstr("1980-05-03"));
         }
@@ -131,7 +131,7 @@ TEST(TypedDate, TwoReadingsAreBothShown) {
 TEST(TypedDate, WhatIsNotADateIsRefused) {
     for (const char* text : {"", "soon", "1980", "31.02.1980", "1980-13-01", "31.01.80", "05031980", "12",
                              "1.5", "0000-00-00", "1980-01-31x", "32 Jan 1980", "3 Foo 1980"})
-        EXPECT_THROW(TypedDate(text), Complaint) << text;
+        EXPECT_THROW(TypedDate(text), UserError) << text;
 }
 
 }  // namespace

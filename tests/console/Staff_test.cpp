@@ -11,7 +11,7 @@ class Staff : public Program {
 protected:
     void SetUp() override { Init(); }
 
-    std::string Complaint(std::vector<std::string> arguments) {
+    std::string UserError(std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), {"--db", Database()});
         const Result run = Try(arguments);
         EXPECT_EQ(run.code, 1) << run.out << run.err;
@@ -92,18 +92,18 @@ TEST_F(Staff, TheFirstClinicComesBehindTheHeadOffice) {
 
 TEST_F(Staff, AWrongRequestIsToldInOneLine) {
     Ok({"doctor", "new", "DrLastName=Ek"});
-    EXPECT_THAT(Complaint({"doctor", "show", "7"}), HasSubstr("there is no doctor 7"));
-    EXPECT_THAT(Complaint({"doctor", "set", "1", "DrShoe=44"}),
+    EXPECT_THAT(UserError({"doctor", "show", "7"}), HasSubstr("there is no doctor 7"));
+    EXPECT_THAT(UserError({"doctor", "set", "1", "DrShoe=44"}),
                 HasSubstr("a doctor has no field \"DrShoe\""));
-    EXPECT_THAT(Complaint({"doctor", "set", "1", "DrType=king"}),
+    EXPECT_THAT(UserError({"doctor", "set", "1", "DrType=king"}),
                 HasSubstr("unknown, local, remote and web"));
-    EXPECT_THAT(Complaint({"doctor", "set", "1", "DrName"}), HasSubstr("write FIELD=VALUE"));
-    EXPECT_THAT(Complaint({"doctor", "set", "1", "DrLogin=" + std::string(256, 'x')}), HasSubstr("DrLogin"));
-    EXPECT_THAT(Complaint({"doctor", "new", "DrPrefix=Dr"}), HasSubstr("a doctor needs a name"));
-    EXPECT_THAT(Complaint({"doctor", "set", "1", "DrLastName="}), HasSubstr("a doctor needs a name"));
-    EXPECT_THAT(Complaint({"clinic", "new", "City=Lund"}), HasSubstr("a clinic needs a name"));
-    EXPECT_THAT(Complaint({"clinic", "delete", "9"}), HasSubstr("there is no clinic 9"));
-    EXPECT_THAT(Complaint({"clinic", "set", "1", "Shoe=44"}), HasSubstr("there is no clinic 1"));
+    EXPECT_THAT(UserError({"doctor", "set", "1", "DrName"}), HasSubstr("write FIELD=VALUE"));
+    EXPECT_THAT(UserError({"doctor", "set", "1", "DrLogin=" + std::string(256, 'x')}), HasSubstr("DrLogin"));
+    EXPECT_THAT(UserError({"doctor", "new", "DrPrefix=Dr"}), HasSubstr("a doctor needs a name"));
+    EXPECT_THAT(UserError({"doctor", "set", "1", "DrLastName="}), HasSubstr("a doctor needs a name"));
+    EXPECT_THAT(UserError({"clinic", "new", "City=Lund"}), HasSubstr("a clinic needs a name"));
+    EXPECT_THAT(UserError({"clinic", "delete", "9"}), HasSubstr("there is no clinic 9"));
+    EXPECT_THAT(UserError({"clinic", "set", "1", "Shoe=44"}), HasSubstr("there is no clinic 1"));
     EXPECT_EQ(OkJson({"doctors"}).size(), 1U);
 }
 

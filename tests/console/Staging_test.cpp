@@ -83,7 +83,7 @@ TEST_F(StagingTest, AnotherFileIsLeftAlone) {
     Put(to, "FILM");
     Staging staging(root);
     NamedFiles names(root);
-    EXPECT_THROW(names.Name(staging.Copy(from), to), Complaint);
+    EXPECT_THROW(names.Name(staging.Copy(from), to), UserError);
     EXPECT_EQ(ContentOf(to), "FILM");
 }
 
@@ -91,15 +91,15 @@ TEST_F(StagingTest, TheRootItselfIsNeverMade) {
     Staging staging(root);
     const StagedFile staged = staging.Copy(from);
     NamedFiles names(folder.Path() / "gone");
-    EXPECT_THROW(names.Name(staged, folder.Path() / "gone" / "0_" / "1.2.dcm"), Complaint);
+    EXPECT_THROW(names.Name(staged, folder.Path() / "gone" / "0_" / "1.2.dcm"), UserError);
     EXPECT_FALSE(fs::exists(folder.Path() / "gone"));
-    EXPECT_THROW(Staging(folder.Path() / "gone"), Complaint);
+    EXPECT_THROW(Staging(folder.Path() / "gone"), UserError);
     EXPECT_FALSE(fs::exists(folder.Path() / "gone"));
 }
 
 TEST_F(StagingTest, ASourceThatIsGoneLeavesNothing) {
     Staging staging(root);
-    EXPECT_THROW(staging.Copy(folder.Path() / "none"), Complaint);
+    EXPECT_THROW(staging.Copy(folder.Path() / "none"), UserError);
     EXPECT_EQ(InRoot().size(), 1U) << "the staging folder, empty";
 }
 
@@ -142,7 +142,7 @@ TEST_F(StagingTest, NamesAreTakenWithoutHardLinksAndNeverFromAnotherFile) {
             bool refused = false;
             try {
                 names.Name(staging.Copy(from), taken);
-            } catch (const Complaint&) {
+            } catch (const UserError&) {
                 refused = true;
             }
             return refused ? 17 : 1;
@@ -244,7 +244,7 @@ protected:
     std::string Refusal() {
         try {
             StorageRoots(con).Folder(1);
-        } catch (const Complaint& refused) {
+        } catch (const UserError& refused) {
             return refused.what();
         }
         return "accepted";
@@ -288,7 +288,7 @@ TEST_F(RootTest, ARootOfAnotherClinicIsRefused) {
     StorageRoots(other.con).Create(root);
     Put(root / "file", "theirs");
     EXPECT_THAT(Refusal(), HasSubstr("belongs to another clinic"));
-    EXPECT_THROW(StorageRoots(con).Create(root), Complaint);
+    EXPECT_THROW(StorageRoots(con).Create(root), UserError);
     fs::remove(root / "file");
     StorageRoots(con).Create(root);
     EXPECT_EQ(Refusal(), "accepted") << "an unused folder can be taken";

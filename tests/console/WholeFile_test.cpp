@@ -1,5 +1,5 @@
 #include "console/WholeFile.h"
-#include "console/Clinic.h"
+#include "console/Database.h"
 #include "kit/Database.h"
 
 #include <fstream>
@@ -38,7 +38,7 @@ TEST_F(WholeFileTest, AnUnfinishedFileOfAnotherProgramIsNotTouched) {
 
 TEST_F(WholeFileTest, AFolderIsNotReplaced) {
     fs::create_directory(file);
-    EXPECT_THROW(WriteWholeFile(file, "text"), Complaint);
+    EXPECT_THROW(WriteWholeFile(file, "text"), UserError);
     EXPECT_TRUE(fs::is_directory(file));
     EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), {}), 1);
 }
@@ -46,7 +46,7 @@ TEST_F(WholeFileTest, AFolderIsNotReplaced) {
 TEST(StoredPath, NamesThatLeadOutOfTheRootAreRefused) {
     EXPECT_EQ(StoredPath("/root", "0_\\x.dcm"), fs::path("/root/0_/x.dcm"));
     for (const char* bad : {"..\\x", "0_\\..\\..\\x", "/etc/passwd", "\\x", "0_\\\\x", "0_/../x"})
-        EXPECT_THROW(StoredPath("/root", bad), Complaint) << bad;
+        EXPECT_THROW(StoredPath("/root", bad), UserError) << bad;
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "frame/Class1.h"
 
 #include "kit/Database.h"
+#include "platform/component/dispatch/Interface.h"
 
 /// Storage roots, sub-folders and settings. The identifiers have a test file of their own.
 namespace OXClass {

@@ -30,7 +30,7 @@ TEST(CompletionTest, KeepsWhatAnOperationSwallows) {
 
 TEST(CompletionTest, ANamedFailureKeepsTheFirstColumnAndAllElse) {
     const Error failure = FailureOf(
-        [] { NamingColumn("outer", [] { NamingColumn("inner", []() -> Long { Raise(err::Overflow); }); }); });
+        [] { WithColumnName("outer", [] { WithColumnName("inner", []() -> Long { Raise(err::Overflow); }); }); });
     EXPECT_EQ(failure.Column, "inner");
     EXPECT_EQ(failure.Number, 6);
     EXPECT_EQ(failure.Source, "Runtime");
@@ -43,13 +43,13 @@ TEST_F(ColumnReading, AFailureNamesTheColumn) {
     Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, NULL, 'x')");
     const Ref<Recordset> rs = OpenPlain(con, "SELECT * FROM Root_T");
     const auto column = [](auto read) { return FailureOf(read).Column; };
-    EXPECT_EQ(column([&] { Direct<String>(rs, "RootDirectory"); }), "RootDirectory");
-    EXPECT_EQ(column([&] { Direct<Long>(rs, "Status"); }), "Status");
+    EXPECT_EQ(column([&] { Required<String>(rs, "RootDirectory"); }), "RootDirectory");
+    EXPECT_EQ(column([&] { Required<Long>(rs, "Status"); }), "Status");
     EXPECT_EQ(column([&] { Nz<Long>(rs, "Status"); }), "Status");
-    EXPECT_EQ(column([&] { OrElse(rs, "Status", 0); }), "Status");
+    EXPECT_EQ(column([&] { ValueOr(rs, "Status", 0); }), "Status");
     EXPECT_EQ(column([&] { WholeSeconds(rs, "Status"); }), "Status");
     EXPECT_EQ(column([&] { NzWholeSeconds(rs, "Status"); }), "Status");
-    EXPECT_EQ(column([&] { Joined(rs, "Nowhere"); }), "Nowhere");
+    EXPECT_EQ(column([&] { TextOrEmpty(rs, "Nowhere"); }), "Nowhere");
     EXPECT_EQ(column([&] { HeadNumber(rs, "Nowhere"); }), "Nowhere");
     EXPECT_EQ(column([&] { con->Execute("SELECT Nowhere FROM Root_T"); }), "")
         << "a failure of a statement is of no column";

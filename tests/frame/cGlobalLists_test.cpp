@@ -1,6 +1,7 @@
 #include "frame/cGlobalLists.h"
 
 #include "kit/Database.h"
+#include "platform/component/dispatch/Interface.h"
 #include "platform/runtime/Services.h"
 
 #include <cmath>

@@ -35,11 +35,11 @@ protected:
 TEST_F(ReadInPart, AWholeRowIsComplete) {
     Store(1);
     const Ref<cImage> image = New<cImage>();
-    EXPECT_TRUE(image->Reading().Complete()) << "nothing was read yet";
+    EXPECT_TRUE(image->LoadCompletion().Complete()) << "nothing was read yet";
     ASSERT_TRUE(image->GetImage(con, 1));
-    EXPECT_TRUE(image->Reading().Complete());
+    EXPECT_TRUE(image->LoadCompletion().Complete());
     EXPECT_FALSE(image->GetImage(con, 2));
-    EXPECT_TRUE(image->Reading().Complete()) << "a missing row is told by the result";
+    EXPECT_TRUE(image->LoadCompletion().Complete()) << "a missing row is told by the result";
 }
 
 TEST_F(ReadInPart, TheColumnThatEndsAReadingIsNamed) {
@@ -60,9 +60,9 @@ TEST_F(ReadInPart, TheColumnThatEndsAReadingIsNamed) {
         Store(++id, column + "=" + value);
         const Ref<cImage> image = New<cImage>();
         EXPECT_TRUE(image->GetImage(con, id)) << column;
-        EXPECT_FALSE(image->Reading().Complete()) << column;
-        EXPECT_EQ(image->Reading().Failure().Column, column);
-        EXPECT_NE(image->Reading().Failure().Number, 0) << column;
+        EXPECT_FALSE(image->LoadCompletion().Complete()) << column;
+        EXPECT_EQ(image->LoadCompletion().Failure().Column, column);
+        EXPECT_NE(image->LoadCompletion().Failure().Number, 0) << column;
     }
 }
 
@@ -72,8 +72,8 @@ TEST_F(ReadInPart, AColumnThatTheRecordLacksIsNamed) {
         "SELECT Approved, Brightness_INT, Contrast_INT, DateCaptured_SD, ExposureTime_F FROM ImageBild_T");
     const Ref<cImage> image = New<cImage>();
     image->GetFromRecord(rows);
-    EXPECT_EQ(image->Reading().Failure().Column, "GraphicURL_NVC");
-    EXPECT_EQ(image->Reading().Failure().Number, ADODB::adErrItemNotFound);
+    EXPECT_EQ(image->LoadCompletion().Failure().Column, "GraphicURL_NVC");
+    EXPECT_EQ(image->LoadCompletion().Failure().Number, ADODB::adErrItemNotFound);
 }
 
 TEST_F(ReadInPart, ATableThatLacksAColumnIsNoMissingImage) {
@@ -81,7 +81,7 @@ TEST_F(ReadInPart, ATableThatLacksAColumnIsNoMissingImage) {
     Run("ALTER TABLE ImageBild_T DROP COLUMN Gamma_INT");
     const Ref<cImage> image = New<cImage>();
     EXPECT_FALSE(image->GetImage(con, 1));
-    EXPECT_EQ(image->Reading().Failure().Number, ADODB::UnknownName);
+    EXPECT_EQ(image->LoadCompletion().Failure().Number, ADODB::UnknownName);
 }
 
 TEST_F(ReadInPart, ACompleteReadingBehindAPartialOneIsComplete) {
@@ -89,9 +89,9 @@ TEST_F(ReadInPart, ACompleteReadingBehindAPartialOneIsComplete) {
     Store(2);
     const Ref<cImage> image = New<cImage>();
     image->GetImage(con, 1);
-    ASSERT_FALSE(image->Reading().Complete());
+    ASSERT_FALSE(image->LoadCompletion().Complete());
     image->GetImage(con, 2);
-    EXPECT_TRUE(image->Reading().Complete());
+    EXPECT_TRUE(image->LoadCompletion().Complete());
 }
 
 TEST_F(ReadInPart, ALoadTellsTheRowsThatItCouldNotReadWhole) {

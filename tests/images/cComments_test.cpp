@@ -2,6 +2,7 @@
 
 #include "images/cImage.h"
 #include "kit/Database.h"
+#include "platform/component/dispatch/Interface.h"
 
 /// The list of an image's comments, and how an image loads it. Writing them is tested with the save.
 namespace OXClass {

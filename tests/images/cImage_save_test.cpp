@@ -1,6 +1,7 @@
 #include "images/cImage.h"
 
 #include "kit/Database.h"
+#include "platform/component/dispatch/Interface.h"
 
 /// How an image and its comments are written: the statements, whole, and what they leave in the tables.
 namespace OXClass {

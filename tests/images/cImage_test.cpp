@@ -1,6 +1,7 @@
 #include "images/cImage.h"
 
 #include "kit/Database.h"
+#include "platform/component/dispatch/Interface.h"
 
 #include <map>
 

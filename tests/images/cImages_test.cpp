@@ -1,6 +1,7 @@
 #include "images/cImages.h"
 
 #include "kit/Database.h"
+#include "platform/component/dispatch/Interface.h"
 
 /// The collection of images, and how it loads them.
 namespace OXClass {

@@ -1,6 +1,7 @@
 #include "kit/Database.h"
 
 #include "Schema.h"
+#include "platform/component/dispatch/Interface.h"
 #include "platform/runtime/Services.h"
 
 #include <sqlite3.h>

@@ -1,5 +1,7 @@
 #include "library/ClassTable.h"
 
+#include "platform/component/dispatch/Interface.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <set>

@@ -2,6 +2,7 @@
 
 #include "kit/Database.h"
 #include "library/ClassTable.h"
+#include "platform/component/dispatch/Interface.h"
 
 #include <cstdlib>
 #include <fstream>

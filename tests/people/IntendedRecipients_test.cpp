@@ -1,6 +1,7 @@
 #include "people/IntendedRecipients.h"
 
 #include "kit/Database.h"
+#include "platform/component/dispatch/Interface.h"
 
 /// The plain list of recipients.
 namespace OXClass {

@@ -1,6 +1,7 @@
 #include "people/OtherPatIDs.h"
 
 #include "kit/Database.h"
+#include "platform/component/dispatch/Interface.h"
 
 /// The delimited list of a patient's other identifiers.
 namespace OXClass {

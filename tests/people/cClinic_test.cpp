@@ -1,6 +1,7 @@
 #include "people/cClinic.h"
 
 #include "kit/Database.h"
+#include "platform/component/dispatch/Interface.h"
 
 /// One clinic and the row of Clinic_T.
 namespace OXClass {

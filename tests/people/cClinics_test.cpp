@@ -1,6 +1,7 @@
 #include "people/cClinics.h"
 
 #include "kit/Database.h"
+#include "platform/component/dispatch/Interface.h"
 
 /// The list of clinics with its head office.
 namespace OXClass {

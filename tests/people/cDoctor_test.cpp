@@ -2,6 +2,7 @@
 
 #include "kit/Database.h"
 #include "people/OutsideGUID.h"
+#include "platform/component/dispatch/Interface.h"
 
 /// A person who can be responsible for patients, and the row of Doctor_T.
 namespace OXClass {

@@ -1,6 +1,7 @@
 #include "people/cDoctors.h"
 
 #include "kit/Database.h"
+#include "platform/component/dispatch/Interface.h"
 #include "platform/runtime/Services.h"
 
 /// The list of doctors, and the identifiers that it makes.

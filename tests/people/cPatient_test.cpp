@@ -1,6 +1,7 @@
 #include "people/cPatient.h"
 
 #include "kit/FaultyProvider.h"
+#include "platform/component/dispatch/Interface.h"
 
 /// One person and the row of Patient_T.
 namespace OXClass {
@@ -202,19 +203,19 @@ TEST_F(Patient, ALoadThatIsNotWholeNamesTheColumn) {
     const TextBoxes boxes;
     Run("INSERT INTO Patient_T (PersonNr_CH, Birthdate_CH) VALUES ('A', '1984-02-29')");
     EXPECT_EQ(Load("A"), 1);
-    EXPECT_TRUE(patient->Reading().Complete());
+    EXPECT_TRUE(patient->LoadCompletion().Complete());
     Run("UPDATE Patient_T SET PrevXrayDate_CH='soon'");
     EXPECT_EQ(Load("A"), 0);
-    EXPECT_EQ(patient->Reading().Failure().Column, "PrevXrayDate_CH");
-    EXPECT_EQ(patient->Reading().Failure().Number, 13);
+    EXPECT_EQ(patient->LoadCompletion().Failure().Column, "PrevXrayDate_CH");
+    EXPECT_EQ(patient->LoadCompletion().Failure().Number, 13);
     EXPECT_EQ(Load("B"), 0);
-    EXPECT_TRUE(patient->Reading().Complete()) << "there is no such patient";
+    EXPECT_TRUE(patient->LoadCompletion().Complete()) << "there is no such patient";
     Run("UPDATE Patient_T SET PrevXrayDate_CH='', Birthdate_CH='1984'");
     EXPECT_EQ(Load("A"), 1) << "as documented, the birth date is the zero date then";
-    EXPECT_EQ(patient->Reading().Failure().Column, "Birthdate_CH");
+    EXPECT_EQ(patient->LoadCompletion().Failure().Column, "Birthdate_CH");
     Run("UPDATE Patient_T SET Birthdate_CH=' '");
     EXPECT_EQ(Load("A"), 1);
-    EXPECT_TRUE(patient->Reading().Complete());
+    EXPECT_TRUE(patient->LoadCompletion().Complete());
 }
 
 TEST_F(Patient, ABadPreviousXrayDateIsShownInATextBox) {

@@ -1,6 +1,7 @@
 #include "people/cStringItem.h"
 
 #include "kit/Database.h"
+#include "platform/component/dispatch/Interface.h"
 
 /// The carrier of one text.
 namespace OXClass {

@@ -1,5 +1,6 @@
 #include "images/cImages.h"
 #include "kit/FaultyProvider.h"
+#include "platform/component/dispatch/Interface.h"
 #include "series/cSerie.h"
 
 /// A series that is stored as an image card.

@@ -1,6 +1,7 @@
 #include "series/cSerie.h"
 
 #include "kit/Database.h"
+#include "platform/component/dispatch/Interface.h"
 
 /// A series' row: loading, saving, deleting, and where it lies. Hanging has a file of its own.
 namespace OXClass {

@@ -1,6 +1,7 @@
 #include "series/cStudy.h"
 
 #include "kit/Database.h"
+#include "platform/component/dispatch/Interface.h"
 
 /// A study's row: loading, saving, deleting.
 namespace OXClass {

@@ -1,6 +1,7 @@
 #include "worklist/cMWLItem.h"
 
 #include "kit/Database.h"
+#include "platform/component/dispatch/Interface.h"
 
 /// One entry of a modality worklist.
 namespace OXClass {

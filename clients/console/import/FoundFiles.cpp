@@ -51,12 +51,12 @@ FoundFiles FindFiles(const std::vector<std::string>& names) {
     Walk walk(found);
     for (const std::string& name : names) {
         std::error_code failure;
-        if (!fs::exists(name, failure)) throw Complaint(fmt::format("there is no file or folder {}", name));
+        if (!fs::exists(name, failure)) throw UserError(fmt::format("there is no file or folder {}", name));
         const fs::path path = name;
         if (fs::is_directory(path, failure))
             walk.Folder(path);
         else if (!fs::is_regular_file(path, failure))
-            throw Complaint(fmt::format("{} is neither a file nor a folder", name));
+            throw UserError(fmt::format("{} is neither a file nor a folder", name));
         else if (IsDicomDirectory(path))
             walk.Folder(path.has_parent_path() ? path.parent_path() : fs::path("."));
         else

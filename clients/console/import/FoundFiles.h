@@ -20,7 +20,7 @@ struct FoundFiles {
 
 /// Finds the files that were named and those of the folders, with all folders below. Linked folders are
 /// followed, and each folder is read once, however many links lead to it. A DICOMDIR that was named stands
-/// for its folder. Throws `Complaint` for a name that is neither a file nor a folder.
+/// for its folder. Throws `UserError` for a name that is neither a file nor a folder.
 FoundFiles FindFiles(const std::vector<std::string>& names);
 
 /// True for a file that the user expects to be a radiograph: it was named, or its name ends in ".dcm",

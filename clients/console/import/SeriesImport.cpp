@@ -109,20 +109,20 @@ std::vector<const Radiograph*> SeriesImport::NewFiles(const std::vector<Radiogra
         try {
             const auto [first, isFirst] = seen.try_emplace(radiograph.file.sopInstanceUID, &radiograph);
             if (!isFirst && !SameContent(first->second->path, radiograph.path))
-                throw Complaint(fmt::format("{} has the same SOP Instance UID and another content",
+                throw UserError(fmt::format("{} has the same SOP Instance UID and another content",
                                             first->second->path.string()));
             if (!isFirst || IsStored(radiograph))
                 ++result.known;
             else
                 fresh.push_back(&radiograph);
-        } catch (const Complaint& refused) {
+        } catch (const UserError& refused) {
             result.refused.emplace_back(radiograph.path, refused.what());
         }
     }
     return fresh;
 }
 
-/// True if the file is stored already. Throws `Complaint` where its stored image is another one.
+/// True if the file is stored already. Throws `UserError` where its stored image is another one.
 bool SeriesImport::IsStored(const Radiograph& radiograph) {
     const Ref<cImage> image = ImageOf(con_, radiograph.file.sopInstanceUID);
     if (!HasFile(*image)) return false;
@@ -136,12 +136,12 @@ void SeriesImport::RequireSame(const Radiograph& radiograph, const cImage& image
     const RadiographFile& file = radiograph.file;
     const Ref<cSerie> series = New<cSerie>();
     if (!series->loadSeries(file.seriesUID, con_) || series->ID != image.seriesID)
-        throw Complaint(fmt::format("its SOP Instance UID {} belongs to an image of another series already",
+        throw UserError(fmt::format("its SOP Instance UID {} belongs to an image of another series already",
                                     file.sopInstanceUID));
     const fs::path target = StoredPath(roots_.Folder(image.RootId).string(), image.URL);
     if (!fs::exists(target)) return Restore(radiograph, target, image.RootId);
     if (!SameContent(radiograph.path, target))
-        throw Complaint(fmt::format("another file is stored as {} already", target.string()));
+        throw UserError(fmt::format("another file is stored as {} already", target.string()));
 }
 
 void SeriesImport::Restore(const Radiograph& radiograph, const fs::path& target, Long root) {
@@ -228,7 +228,7 @@ bool SeriesImport::StoreImage(const NewImage& fresh, Long patient, const cSerie&
 std::optional<Long> SeriesImport::KnownPatientOf(const RadiographFile& file) {
     const PatientIdentity person = IdentityOf(file);
     if (file.patientID.empty() && !decidedPatient_)
-        throw Complaint("it has no Patient ID, so it belongs to nobody; say whose it is with --patient");
+        throw UserError("it has no Patient ID, so it belongs to nobody; say whose it is with --patient");
     if (const auto patient = PatientOfStudy(file, person)) return patient;
     if (decidedPatient_) return decidedPatient_;
     if (decision_.newPatient) {
@@ -257,7 +257,7 @@ std::optional<Long> SeriesImport::PatientOfStudy(const RadiographFile& file, con
     if (decidedPatient_ && study->PatientID == *decidedPatient_) return decidedPatient_;
     const Ref<cPatient> patient = PatientOfRow(con_, study->PatientID);
     if (!patient)
-        throw Complaint(fmt::format("its study {} belongs to patient #{}, who isn't in the database",
+        throw UserError(fmt::format("its study {} belongs to patient #{}, who isn't in the database",
                                     file.studyUID, study->PatientID));
     const PatientIdentity stored = IdentityOf(con_, *patient);
     const bool same = EqualsIgnoringCase(stored.patientID, Trim(person.patientID)) &&
@@ -311,7 +311,7 @@ Ref<cSerie> SeriesImport::SeriesOf(const RadiographFile& file, Long study) {
     Ref<cSerie> series = New<cSerie>();
     if (series->loadSeries(file.seriesUID, con_)) {
         if (series->studyID != study)
-            throw Complaint(fmt::format("its series {} belongs to another study already", file.seriesUID));
+            throw UserError(fmt::format("its series {} belongs to another study already", file.seriesUID));
         return series;
     }
     series->instanceUID = file.seriesUID;

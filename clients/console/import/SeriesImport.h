@@ -25,10 +25,10 @@ struct PatientDecision {
 };
 
 /// The files say that they belong to another person than the one they would be stored under.
-class IdentityConflict : public Complaint {
+class IdentityConflict : public UserError {
 public:
     IdentityConflict(const std::string& reason, std::string told, nlohmann::ordered_json described)
-        : Complaint(reason), table(std::move(told)), json(std::move(described)) {}
+        : UserError(reason), table(std::move(told)), json(std::move(described)) {}
 
     std::string table;            ///< both people side by side, several lines
     nlohmann::ordered_json json;  ///< the same for scripts
@@ -55,7 +55,7 @@ public:
     SeriesImport(Ref<Connection> con, PatientDecision decision);
 
     /// Stores a series; `files` isn't empty, and all name the same series. Throws `IdentityConflict`,
-    /// `Complaint` and the library's `Error` for a series of which nothing was stored, and `Stopped`.
+    /// `UserError` and the library's `Error` for a series of which nothing was stored, and `Stopped`.
     SeriesResult Store(const std::vector<Radiograph>& files);
 
 private:

@@ -128,7 +128,7 @@ Staging::Staging(fs::path root) {
         folder_ = name;
         lock_ = LockFolder(folder_);
     }
-    if (lock_ < 0) throw Complaint(fmt::format("can't lock a folder in {}", root.string()));
+    if (lock_ < 0) throw UserError(fmt::format("can't lock a folder in {}", root.string()));
 }
 
 Staging::~Staging() {
@@ -208,7 +208,7 @@ void NamedFiles::Name(const StagedFile& staged, const fs::path& target) {
     }
     if (errno != EEXIST) ComplainOfSystem("can't write", target);
     if (!SameContent(staged.path, target))
-        throw Complaint(fmt::format("another file is stored as {} already", target.string()));
+        throw UserError(fmt::format("another file is stored as {} already", target.string()));
 }
 
 void NamedFiles::Sync() {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "console/Clinic.h"
+#include "console/Database.h"
 
 #include <set>
 
@@ -20,14 +20,14 @@ struct StagedFile {
 /// is touched. Used by one thread.
 class Staging {
 public:
-    /// Makes the folder in `root`, which must exist. Throws `Complaint` if it can't be made.
+    /// Makes the folder in `root`, which must exist. Throws `UserError` if it can't be made.
     explicit Staging(std::filesystem::path root);
 
     /// Removes the folder and what is left in it.
     ~Staging();
     Staging(const Staging&) = delete;
 
-    /// Copies a file into the folder and flushes it to the disk. Throws `Complaint`; nothing of the copy is
+    /// Copies a file into the folder and flushes it to the disk. Throws `UserError`; nothing of the copy is
     /// left then.
     StagedFile Copy(const std::filesystem::path& from);
 
@@ -59,11 +59,11 @@ public:
     NamedFiles(const NamedFiles&) = delete;
 
     /// Moves a staged file to `target`, a path below the root, whose folder is made; the root itself never
-    /// is. Where a file of the same content has the name already, that one is taken. Throws `Complaint` when
+    /// is. Where a file of the same content has the name already, that one is taken. Throws `UserError` when
     /// another file has the name, and when the file system refuses.
     void Name(const StagedFile& staged, const std::filesystem::path& target);
 
-    /// Flushes the folders in which names were made. Throws `Complaint`.
+    /// Flushes the folders in which names were made. Throws `UserError`.
     void Sync();
 
     void Keep() noexcept { made_.clear(); }
@@ -76,7 +76,7 @@ private:
     std::set<std::filesystem::path> folders_;
 };
 
-/// True if both files have the same content. Throws `Complaint` if one can't be read.
+/// True if both files have the same content. Throws `UserError` if one can't be read.
 bool SameContent(const std::filesystem::path& a, const std::filesystem::path& b);
 
 }  // namespace Console

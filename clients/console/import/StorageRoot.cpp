@@ -40,7 +40,7 @@ bool IsUnused(const fs::path& folder) {
 }
 
 [[noreturn]] void RefuseForeign(const fs::path& folder) {
-    throw Complaint(fmt::format(
+    throw UserError(fmt::format(
         "{} belongs to another clinic, which its file {} names; nothing is stored there. Mount the right "
         "disk, or delete that file if the other clinic doesn't exist any more",
         folder.string(), RootMarker));
@@ -51,7 +51,7 @@ bool IsUnused(const fs::path& folder) {
 Long StorageRoots::ActiveRoot() const {
     const Ref<Class1> services = New<Class1>();
     if (services->GetRootOnID(con_, 0).empty())
-        throw Complaint("the database has no active storage root; add one with: oxclass roots --add DIR");
+        throw UserError("the database has no active storage root; add one with: oxclass roots --add DIR");
     services->GetRoots(con_);
     return services->ActiveRootID;
 }
@@ -68,7 +68,7 @@ void StorageRoots::Inspect(Long root) const { IsMarked(DirectoryOf(root), root);
 
 fs::path StorageRoots::DirectoryOf(Long root) const {
     const std::string directory = New<Class1>()->GetRootOnID(con_, root);
-    if (directory.empty()) throw Complaint(fmt::format("the database has no storage root {}", root));
+    if (directory.empty()) throw UserError(fmt::format("the database has no storage root {}", root));
     return directory;
 }
 
@@ -76,7 +76,7 @@ fs::path StorageRoots::DirectoryOf(Long root) const {
 bool StorageRoots::IsMarked(const fs::path& folder, Long root) const {
     std::error_code failure;
     if (!fs::is_directory(folder, failure))
-        throw Complaint(fmt::format(
+        throw UserError(fmt::format(
             "the storage root {} is missing, so nothing is stored; mount its disk, or make the folder if the "
             "clinic has no images yet",
             folder.string()));
@@ -84,7 +84,7 @@ bool StorageRoots::IsMarked(const fs::path& folder, Long root) const {
     if (!marked.empty() && marked == StoredIdentity()) return true;
     if (!marked.empty()) RefuseForeign(folder);
     if (!HoldsKnownFiles(folder, root))
-        throw Complaint(fmt::format(
+        throw UserError(fmt::format(
             "the storage root {} doesn't hold the images that the database has there, so nothing is "
             "stored; is its disk mounted?",
             folder.string()));
@@ -109,7 +109,7 @@ void StorageRoots::Create(const fs::path& folder) {
     std::error_code failure;
     fs::create_directories(folder, failure);
     if (failure)
-        throw Complaint(fmt::format("can't make the folder {}: {}", folder.string(), failure.message()));
+        throw UserError(fmt::format("can't make the folder {}: {}", folder.string(), failure.message()));
     const std::string marked = MarkedClinic(folder);
     if (!marked.empty() && marked != Identity() && !IsUnused(folder)) RefuseForeign(folder);
     if (marked != Identity()) WriteMarker(folder, Identity());

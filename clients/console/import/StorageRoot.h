@@ -1,6 +1,6 @@
 #pragma once
 
-#include "console/Clinic.h"
+#include "console/Database.h"
 
 namespace Console {
 
@@ -14,17 +14,17 @@ public:
     explicit StorageRoots(Ref<Connection> con) : con_(std::move(con)) {}
 
     /// The folder of a root. A root of an older database, which has no marker, gets one if it holds an image
-    /// file that the database knows, or if the database knows none in it. Throws `Complaint` for an unknown
+    /// file that the database knows, or if the database knows none in it. Throws `UserError` for an unknown
     /// root, a missing folder, a folder without the files that it should hold, and one of another clinic.
     const std::filesystem::path& Folder(Platform::Long root);
 
     /// Checks a root as `Folder` does, and writes nothing.
     void Inspect(Platform::Long root) const;
 
-    /// The number of the root that takes new files. Throws `Complaint` if there is none.
+    /// The number of the root that takes new files. Throws `UserError` if there is none.
     Platform::Long ActiveRoot() const;
 
-    /// Creates the folder if it is missing, and marks it as a root of this clinic. Throws `Complaint` for a
+    /// Creates the folder if it is missing, and marks it as a root of this clinic. Throws `UserError` for a
     /// folder that holds files of another clinic.
     void Create(const std::filesystem::path& folder);
 

@@ -47,8 +47,8 @@ void AddBackup(Program& program) {
         "copied.\n"
         "Example: oxclass backup /mnt/backup/clinic");
     backup->callback([&program, given] {
-        const Clinic clinic(program.options);
-        Print(program, BackUp(clinic, given->folder), "is backed up", given->folder);
+        const Database database(program.options);
+        Print(program, BackUp(database, given->folder), "is backed up", given->folder);
     });
 
     auto* restore =

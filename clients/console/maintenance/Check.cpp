@@ -9,8 +9,8 @@ namespace Console {
 namespace {
 
 void Check(Program& program, bool repair) {
-    const Clinic clinic(program.options);
-    const CheckResult result = CheckClinic(clinic, repair);
+    const Database database(program.options);
+    const CheckResult result = CheckClinic(database, repair);
     List list({{"kind", "Kind"}, {"where", "Where"}, {"text", "What"}, {"repaired", "Repaired"}});
     for (const Finding& finding : result.findings)
         list.Add({finding.kind, finding.where, finding.text, finding.repaired});

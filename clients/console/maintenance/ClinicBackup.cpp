@@ -24,16 +24,16 @@ void MakeFolder(const fs::path& folder) {
     std::error_code failure;
     fs::create_directories(folder, failure);
     if (failure)
-        throw Complaint(fmt::format("can't make the folder {}: {}", folder.string(), failure.message()));
+        throw UserError(fmt::format("can't make the folder {}: {}", folder.string(), failure.message()));
 }
 
-/// The manifest of a backup; null if there is none. Throws `Complaint` for one that can't be read.
+/// The manifest of a backup; null if there is none. Throws `UserError` for one that can't be read.
 Json ManifestOf(const fs::path& folder) {
     std::ifstream in(folder / ManifestName);
     if (!in) return nullptr;
     Json manifest = Json::parse(in, nullptr, false);
     if (!manifest.is_object() || !manifest.contains("clinic") || !manifest.contains("files"))
-        throw Complaint(fmt::format("{} is damaged; use another folder", (folder / ManifestName).string()));
+        throw UserError(fmt::format("{} is damaged; use another folder", (folder / ManifestName).string()));
     return manifest;
 }
 
@@ -50,19 +50,19 @@ void SnapshotDatabase(const Ref<Connection>& con, const fs::path& target) {
     made.Finish();
 }
 
-/// Where the backup keeps a file; throws `Complaint` for a stored name that leads out of its root.
+/// Where the backup keeps a file; throws `UserError` for a stored name that leads out of its root.
 fs::path BackupPath(const fs::path& folder, const ClinicFile& file) {
     return StoredPath((folder / FilesName / std::to_string(file.root)).string(), file.name);
 }
 
 /// Copies a file so that the target appears whole, with the expected checksum or with any if that is empty.
-/// Returns the checksum. Throws `Complaint`; an earlier target stays then.
+/// Returns the checksum. Throws `UserError`; an earlier target stays then.
 std::string CopyVerified(const fs::path& from, const fs::path& to, const std::string& sha256) {
     MakeFolder(to.parent_path());
     Staging staging(to.parent_path());
     const StagedFile copy = staging.Copy(from);
     if (!sha256.empty() && copy.sha256 != sha256)
-        throw Complaint(fmt::format("{} was altered, so it isn't copied", from.string()));
+        throw UserError(fmt::format("{} was altered, so it isn't copied", from.string()));
     fs::rename(copy.path, to);
     return copy.sha256;
 }
@@ -75,17 +75,17 @@ bool HasChecksum(const fs::path& file, const std::string& sha256) {
 /// One backup of one clinic.
 class Backup {
 public:
-    Backup(const Clinic& clinic, fs::path folder) : clinic_(clinic), folder_(std::move(folder)) {}
+    Backup(const Database& database, fs::path folder) : database_(database), folder_(std::move(folder)) {}
 
     BackupResult Run() {
         MakeFolder(folder_);
-        StorageRoots roots(clinic_.Con());
+        StorageRoots roots(database_.Con());
         const std::string identity = IdentityOfClinic(roots);
         const Json earlier = ManifestOf(folder_);
         if (earlier.is_object() && earlier["clinic"] != identity)
-            throw Complaint(
+            throw UserError(
                 fmt::format("{} holds the backup of another clinic; use another folder", folder_.string()));
-        SnapshotDatabase(clinic_.Con(), folder_ / DatabaseName);
+        SnapshotDatabase(database_.Con(), folder_ / DatabaseName);
         CopyFiles(earlier);
         const Json manifest{{"clinic", identity}, {"files", files_}};
         WriteWholeFile(folder_ / ManifestName, manifest.dump(1) + "\n");
@@ -132,7 +132,7 @@ private:
         }
     }
 
-    const Clinic& clinic_;
+    const Database& database_;
     fs::path folder_;
     std::map<Long, fs::path> folders_;
     Json files_ = Json::array();
@@ -140,19 +140,19 @@ private:
 };
 
 /// One restore of one backup.
-class Restoring {
+class RestoreRun {
 public:
-    Restoring(fs::path folder, fs::path file, fs::path root)
+    RestoreRun(fs::path folder, fs::path file, fs::path root)
         : folder_(std::move(folder)), file_(std::move(file)), root_(std::move(root)) {}
 
     BackupResult Run() {
         const Json manifest = ManifestOf(folder_);
         if (!manifest.is_object() || !fs::exists(folder_ / DatabaseName))
-            throw Complaint(fmt::format("{} holds no backup", folder_.string()));
+            throw UserError(fmt::format("{} holds no backup", folder_.string()));
         if (fs::exists(file_))
-            throw Complaint(fmt::format("{} exists already; name another file", file_.string()));
+            throw UserError(fmt::format("{} exists already; name another file", file_.string()));
         if (!fs::is_directory(file_.parent_path()))
-            throw Complaint(
+            throw UserError(
                 fmt::format("there is no folder {}; make it first", file_.parent_path().string()));
         NewDatabase made(file_);
         fs::copy_file(folder_ / DatabaseName, made.Made());
@@ -198,7 +198,7 @@ private:
         const fs::path to =
             StoredPath(folders_.at(file.at("root").get<Long>()).string(), file.at("name").get<std::string>());
         if (HasChecksum(to, sha256)) return;
-        if (fs::exists(to)) throw Complaint(fmt::format("another file is stored as {} already", to.string()));
+        if (fs::exists(to)) throw UserError(fmt::format("another file is stored as {} already", to.string()));
         CopyVerified(from, to, sha256);
         ++result_.copied;
     }
@@ -210,12 +210,12 @@ private:
 
 }  // namespace
 
-BackupResult BackUp(const Clinic& clinic, const fs::path& folder) {
-    return Backup(clinic, fs::absolute(folder)).Run();
+BackupResult BackUp(const Database& database, const fs::path& folder) {
+    return Backup(database, fs::absolute(folder)).Run();
 }
 
 BackupResult Restore(const fs::path& folder, const fs::path& file, const fs::path& root) {
-    return Restoring(fs::absolute(folder), fs::absolute(file), fs::absolute(root)).Run();
+    return RestoreRun(fs::absolute(folder), fs::absolute(file), fs::absolute(root)).Run();
 }
 
 }  // namespace Console

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "console/Clinic.h"
+#include "console/Database.h"
 
 #include <filesystem>
 
@@ -18,12 +18,12 @@ struct BackupResult {
 /// The database is a consistent snapshot, made while other programs go on. Files that the folder holds
 /// already with the right checksum are not copied again. Each copy is compared with the checksum that the
 /// clinic has of the file; an altered or missing file is reported, and an earlier copy of it stays. Throws
-/// `Complaint` for a folder that holds the backup of another clinic, and when the folder can't be written.
-BackupResult BackUp(const Clinic& clinic, const std::filesystem::path& folder);
+/// `UserError` for a folder that holds the backup of another clinic, and when the folder can't be written.
+BackupResult BackUp(const Database& database, const std::filesystem::path& folder);
 
 /// Restores a backup: makes the database `file`, which must not exist, and puts the image files below `root`,
 /// one folder for each storage root if there are several. Files that are there with the right checksum are
-/// left. Throws `Complaint` for a folder without a backup, for a damaged one, for an existing database, and
+/// left. Throws `UserError` for a folder without a backup, for a damaged one, for an existing database, and
 /// for a root that belongs to another clinic; no database is made then, nor when a file can't be restored.
 BackupResult Restore(const std::filesystem::path& folder, const std::filesystem::path& file,
                      const std::filesystem::path& root);

@@ -44,14 +44,14 @@ constexpr Reference References[] = {
 /// One check of one clinic.
 class Check {
 public:
-    Check(const Clinic& clinic, bool repair)
-        : clinic_(clinic), con_(clinic.Con()), repair_(repair), folders_(FoldersOfRoots(con_)) {}
+    Check(const Database& database, bool repair)
+        : database_(database), con_(database.Con()), repair_(repair), folders_(FoldersOfRoots(con_)) {}
 
     CheckResult Run() {
-        Database();
+        CheckIntegrity();
         Roots();
         const std::vector<ClinicFile> files = FilesOfClinic(con_);
-        result_.images = static_cast<std::size_t>(clinic_.Number("SELECT count(*) FROM ImageBild_T"));
+        result_.images = static_cast<std::size_t>(database_.Number("SELECT count(*) FROM ImageBild_T"));
         StoredFiles(files);
         FilesWithoutRow(files);
         for (const Reference& reference : References) OrphanedRows(reference);
@@ -66,8 +66,8 @@ private:
         result_.findings.push_back({kind, std::move(where), std::move(text), repaired});
     }
 
-    void Database() {
-        const Ref<Recordset> rows = clinic_.Read("PRAGMA integrity_check");
+    void CheckIntegrity() {
+        const Ref<Recordset> rows = database_.Read("PRAGMA integrity_check");
         for (; !rows->Eof(); rows->MoveNext()) {
             const std::string text = rows->Fields(0).As<String>();
             if (text != "ok") Found("damaged-database", "the database", text);
@@ -82,7 +82,7 @@ private:
                 roots.Inspect(number);
                 sound_.insert(number);
                 Leftovers(folder);
-            } catch (const Complaint& refused) {
+            } catch (const UserError& refused) {
                 Found("unusable-root", fmt::format("storage root {}", number), refused.what());
             }
         }
@@ -178,7 +178,7 @@ private:
             "= c.{})",
             reference.table, reference.column, reference.column, reference.also, reference.owner,
             reference.ownerKey, reference.column);
-        const Ref<Recordset> rows = clinic_.Read(fmt::format(
+        const Ref<Recordset> rows = database_.Read(fmt::format(
             "SELECT c.{}, c.{} {} ORDER BY c.{}", reference.key, reference.column, condition, reference.key));
         const bool repaired = repair_ && std::string_view(reference.what) == "manipulation" && !rows->Eof();
         for (; !rows->Eof(); rows->MoveNext()) {
@@ -194,7 +194,7 @@ private:
 
     /// Patient by patient, so that the memory that this takes doesn't grow with the clinic.
     void DamagedImages() {
-        const Ref<Recordset> patients = clinic_.Read("SELECT DISTINCT PatientID FROM ImageBild_T");
+        const Ref<Recordset> patients = database_.Read("SELECT DISTINCT PatientID FROM ImageBild_T");
         for (; !patients->Eof(); patients->MoveNext()) {
             const ADODB::Field patient = patients->Fields(0);
             const Ref<cImages> images = New<cImages>();
@@ -207,7 +207,7 @@ private:
     }
 
     void DoubleImages() {
-        const Ref<Recordset> rows = clinic_.Read(
+        const Ref<Recordset> rows = database_.Read(
             "SELECT SOPInstanceUID_NVC, count(*), min(ImageBildID), max(ImageBildID) FROM ImageBild_T WHERE "
             "SOPInstanceUID_NVC <> '' GROUP BY SOPInstanceUID_NVC HAVING count(*) > 1");
         for (; !rows->Eof(); rows->MoveNext())
@@ -218,7 +218,7 @@ private:
     }
 
     void DoublePatients() {
-        const Ref<Recordset> rows = clinic_.Read(
+        const Ref<Recordset> rows = database_.Read(
             "SELECT PersonNr_CH FROM Patient_T WHERE PersonNr_CH <> '' GROUP BY PersonNr_CH HAVING count(*) "
             "> 1");
         for (; !rows->Eof(); rows->MoveNext()) PatientsOfID(rows->Fields(0).As<String>());
@@ -240,7 +240,7 @@ private:
                   fmt::format("several patients have it: {}", names));
     }
 
-    const Clinic& clinic_;
+    const Database& database_;
     Ref<Connection> con_;
     bool repair_;
     std::map<Long, fs::path> folders_;
@@ -251,6 +251,6 @@ private:
 
 }  // namespace
 
-CheckResult CheckClinic(const Clinic& clinic, bool repair) { return Check(clinic, repair).Run(); }
+CheckResult CheckClinic(const Database& database, bool repair) { return Check(database, repair).Run(); }
 
 }  // namespace Console

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "console/Clinic.h"
+#include "console/Database.h"
 
 namespace Console {
 
@@ -29,6 +29,6 @@ struct CheckResult {
 /// With `repair`, what needs no decision is mended: leftovers of killed imports are removed, images without a
 /// checksum get that of their file, and manipulations that belong to no placed image are deleted. Nothing
 /// else is changed, and without `repair` nothing at all.
-CheckResult CheckClinic(const Clinic& clinic, bool repair);
+CheckResult CheckClinic(const Database& database, bool repair);
 
 }  // namespace Console

@@ -36,7 +36,7 @@ void ReadFiles(std::size_t count, bool asImages, const char* what,
                const std::function<std::string(std::size_t)>& path,
                const std::function<void(std::size_t, const FileContent&)>& take);
 
-/// The checksum of a file. Throws `Complaint` if it can't be read.
+/// The checksum of a file. Throws `UserError` if it can't be read.
 std::string Sha256OfFile(const std::filesystem::path& path);
 
 }  // namespace Console

@@ -103,22 +103,22 @@ bool HasTeeth(const cImage& image) {
     }
 }
 
-Ref<cUniCard> OpenCard(const Clinic& clinic, Long number) {
+Ref<cUniCard> OpenCard(const Database& database, Long number) {
     Ref<cUniCard> entry = New<cUniCard>();
     entry->Imagecard = New<cImagecard>();
-    WithoutTextBoxes([&] { entry->Imagecard->GetImageCard(clinic.Con(), number); });
+    WithoutTextBoxes([&] { entry->Imagecard->GetImageCard(database.Con(), number); });
     if (number == 0 || entry->Imagecard->ICID == 0)
-        throw Complaint(fmt::format("there is no image card IC{}; see: oxclass cards PATIENT", number));
-    LoadReadable(clinic.Con(), *entry);
+        throw UserError(fmt::format("there is no image card IC{}; see: oxclass cards PATIENT", number));
+    LoadReadable(database.Con(), *entry);
     return entry;
 }
 
-Ref<cUniCard> OpenSeries(const Clinic& clinic, Long number) {
+Ref<cUniCard> OpenSeries(const Database& database, Long number) {
     Ref<cUniCard> entry = New<cUniCard>();
     entry->Series = New<cSerie>();
-    if (!entry->Series->loadSeries(CStr(number), clinic.Con()))
-        throw Complaint(fmt::format("there is no series SE{}; see: oxclass series", number));
-    LoadReadable(clinic.Con(), *entry);
+    if (!entry->Series->loadSeries(CStr(number), database.Con()))
+        throw UserError(fmt::format("there is no series SE{}; see: oxclass series", number));
+    LoadReadable(database.Con(), *entry);
     return entry;
 }
 
@@ -165,14 +165,14 @@ std::string NameOf(const cUniCard& entry) {
     return entry.Series ? "Series" : "Image card";
 }
 
-Ref<cUniCard> OpenEntry(const Clinic& clinic, const std::string& key) {
+Ref<cUniCard> OpenEntry(const Database& database, const std::string& key) {
     const std::string kind = UCase(key.substr(0, 2));
     if (kind != "IC" && kind != "SE")
-        throw Complaint(
+        throw UserError(
             fmt::format("\"{}\" names no card and no series; write IC5 for image card 5, SE7 for series 7",
                         Printable(key)));
     const Long number = NumberOf(key.substr(2), kind == "IC" ? "an image card" : "a series");
-    return kind == "IC" ? OpenCard(clinic, number) : OpenSeries(clinic, number);
+    return kind == "IC" ? OpenCard(database, number) : OpenSeries(database, number);
 }
 
 Page PageOf(const cUniCard& entry, unsigned pixelWidth) {

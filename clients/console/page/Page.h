@@ -1,7 +1,7 @@
 #pragma once
 
-#include "cards/cUniCard.h"
-#include "console/Clinic.h"
+#include "cardlist/cUniCard.h"
+#include "console/Database.h"
 #include "console/page/Orientation.h"
 #include "console/page/Picture.h"
 
@@ -65,8 +65,8 @@ std::string WhyNoPicture(const OXClass::cImage& image);
 std::string WhyNoPictureByHead(const OXClass::cImage& image);
 
 /// An entry by its key, "IC5" or "SE7", with those of its images loaded that can be read (`DamagesOf` tells
-/// the others). Throws `Complaint` for any other key and for one that isn't in the database.
-OXClass::Ref<OXClass::cUniCard> OpenEntry(const Clinic& clinic, const std::string& key);
+/// the others). Throws `UserError` for any other key and for one that isn't in the database.
+OXClass::Ref<OXClass::cUniCard> OpenEntry(const Database& database, const std::string& key);
 
 /// The page of an opened entry, for a drawing that is `pixelWidth` wide: pictures are no finer than that
 /// needs. A picture that can't be read is missing, with its reason. Films of a series that are placed by

@@ -88,7 +88,7 @@ void UpdateRow(const Ref<Connection>& con, cPatient& patient) {
     });
     patient.PatientID = id;
     if (patient.ID != number)
-        throw Complaint(
+        throw UserError(
             fmt::format("patient #{} was changed by another program meanwhile; try again", number));
 }
 
@@ -132,20 +132,20 @@ std::vector<Ref<cPatient>> PatientsWithID(const Ref<Connection>& con, const std:
 Ref<cPatient> LoadPatient(const Ref<Connection>& con, const std::string& text) {
     if (text.starts_with('#')) {
         if (auto patient = PatientOfRow(con, NumberOf(text.substr(1), "a patient"))) return patient;
-        throw Complaint(fmt::format("there is no patient {}; see: oxclass patients", text));
+        throw UserError(fmt::format("there is no patient {}; see: oxclass patients", text));
     }
     const std::vector<Ref<cPatient>> patients = PatientsWithID(con, text);
-    if (patients.empty()) throw Complaint(fmt::format("there is no patient {}; see: oxclass patients", text));
+    if (patients.empty()) throw UserError(fmt::format("there is no patient {}; see: oxclass patients", text));
     if (patients.size() == 1) return patients.front();
     std::string list;
     for (const auto& patient : patients)
         list += (list.empty() ? "" : "; ") + ShortName(IdentityOf(con, *patient));
-    throw Complaint(fmt::format("{} patients have the ID {}: {}; name one by its number, as '#{}'",
+    throw UserError(fmt::format("{} patients have the ID {}: {}; name one by its number, as '#{}'",
                                 patients.size(), text, list, patients.front()->ID));
 }
 
-Ref<cPatient> LoadPatient(const Clinic& clinic, const std::string& text) {
-    return LoadPatient(clinic.Con(), text);
+Ref<cPatient> LoadPatient(const Database& database, const std::string& text) {
+    return LoadPatient(database.Con(), text);
 }
 
 PatientMatch MatchPatient(const Ref<Connection>& con, const PatientIdentity& person) {
@@ -167,16 +167,16 @@ PatientMatch MatchPatient(const Ref<Connection>& con, const PatientIdentity& per
 
 void RequireStorable(const cPatient& patient) {
     const String others = patient.OtherIDs->GetAllAsString();
-    if (Trim(patient.PatientID).empty()) throw Complaint("a patient needs an ID");
+    if (Trim(patient.PatientID).empty()) throw UserError("a patient needs an ID");
     if (Contains(patient.Sex + others, "'"))
-        throw Complaint("Sex and OtherIDs can't hold a single quote; leave it out");
+        throw UserError("Sex and OtherIDs can't hold a single quote; leave it out");
     if (Len(others) > OtherIDsWidth)
-        throw Complaint(
+        throw UserError(
             fmt::format("the other identifiers have more than {} characters in all; set fewer with: oxclass "
                         "patient ID OtherIDs=A\\B",
                         OtherIDsWidth));
     if (Len(patient.PatientID) > IdentifierWidth)
-        throw Complaint(fmt::format("a patient ID has at most {} characters", IdentifierWidth));
+        throw UserError(fmt::format("a patient ID has at most {} characters", IdentifierWidth));
 }
 
 std::vector<std::string> AddOtherIDs(cPatient& patient, const std::vector<std::string>& identifiers) {
@@ -207,7 +207,7 @@ void SavePatient(const Ref<Connection>& con, cPatient& patient) {
 void ChangePatientID(const Ref<Connection>& con, cPatient& patient, const std::string& id) {
     if (EqualsIgnoringCase(Trim(id), patient.PatientID)) return;
     if (RowsWithID(con, Trim(id)) > 0)
-        throw Complaint(fmt::format("another patient has the ID {} already; see: oxclass patients", id));
+        throw UserError(fmt::format("another patient has the ID {} already; see: oxclass patients", id));
     patient.PatientID = UCase(Trim(id));
     RequireStorable(patient);
     CreateProgramTables(con);
@@ -231,7 +231,7 @@ void WithUniqueID(const Ref<Connection>& con, const cPatient& patient,
     const Long number = patient.ID;
     const Ref<Recordset> row =
         con->Execute(sql("SELECT PersonNr_CH FROM Patient_T WHERE PatientID = ", number));
-    if (row->Eof()) throw Complaint(fmt::format("there is no patient #{}; see: oxclass patients", number));
+    if (row->Eof()) throw UserError(fmt::format("there is no patient #{}; see: oxclass patients", number));
     const ADODB::Field stored = row->Fields(0);
     const std::string own = stored.IsNull() ? String() : stored.As<String>();
     if (!Trim(own).empty() && RowsWithID(con, own) == 1) return work(UCase(own));

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "console/Clinic.h"
+#include "console/Database.h"
 #include "console/dicom/DicomFile.h"
 #include "console/patients/PatientIdentity.h"
 #include "people/cPatient.h"
@@ -14,17 +14,17 @@ PatientIdentity IdentityOf(const RadiographFile& file);
 /// The identity of a loaded patient, with the issuer of its identifier.
 PatientIdentity IdentityOf(const Ref<Connection>& con, const OXClass::cPatient& patient);
 
-/// Loads the patient of this row; null if there is none. Throws `Complaint` for a row that can't be read, so
+/// Loads the patient of this row; null if there is none. Throws `UserError` for a row that can't be read, so
 /// that it is never taken for a missing one.
 Ref<OXClass::cPatient> PatientOfRow(const Ref<Connection>& con, Platform::Long number);
 
 /// All patients with this text identifier, by rising row number. Throws as `PatientOfRow`.
 std::vector<Ref<OXClass::cPatient>> PatientsWithID(const Ref<Connection>& con, const std::string& id);
 
-/// The patient that `text` names: "#12" is the row 12, any other text an identifier. Throws `Complaint` if
+/// The patient that `text` names: "#12" is the row 12, any other text an identifier. Throws `UserError` if
 /// there is none, and if several patients have the identifier; the message then lists them.
 Ref<OXClass::cPatient> LoadPatient(const Ref<Connection>& con, const std::string& text);
-Ref<OXClass::cPatient> LoadPatient(const Clinic& clinic, const std::string& text);
+Ref<OXClass::cPatient> LoadPatient(const Database& database, const std::string& text);
 
 /// What the database knows about a person.
 struct PatientMatch {
@@ -42,7 +42,7 @@ struct PatientMatch {
 /// who fit are none: the result then lists both as refused.
 PatientMatch MatchPatient(const Ref<Connection>& con, const PatientIdentity& person);
 
-/// Throws `Complaint` unless the patient's texts can be stored: a quote in those that a statement takes
+/// Throws `UserError` unless the patient's texts can be stored: a quote in those that a statement takes
 /// unescaped, more than 255 characters of other identifiers, more than 64 of the identifier, none at all.
 void RequireStorable(const OXClass::cPatient& patient);
 
@@ -51,12 +51,12 @@ void RequireStorable(const OXClass::cPatient& patient);
 std::vector<std::string> AddOtherIDs(OXClass::cPatient& patient, const std::vector<std::string>& identifiers);
 
 /// Inserts a patient (`ID` 0) or updates exactly its row, other patients of the same identifier excepted.
-/// The caller holds the transaction. Throws as `RequireStorable`, and `Complaint` where another row than
+/// The caller holds the transaction. Throws as `RequireStorable`, and `UserError` where another row than
 /// the patient's was written.
 void SavePatient(const Ref<Connection>& con, OXClass::cPatient& patient);
 
 /// Gives the row another identifier, with the issuer of the old one forgotten. The caller holds the
-/// transaction. Throws `Complaint` if a patient has the new identifier already.
+/// transaction. Throws `UserError` if a patient has the new identifier already.
 void ChangePatientID(const Ref<Connection>& con, OXClass::cPatient& patient, const std::string& id);
 
 /// Stores the issuer of a patient's identifier; ignores an empty one.

@@ -61,7 +61,7 @@ std::optional<Date> YearLast(const std::string& text) {
     const int first = Number(match, 1), second = Number(match, 3), year = Number(match, 4);
     const auto dayFirst = DayOf(year, second, first), monthFirst = DayOf(year, first, second);
     if (dayFirst && monthFirst && *dayFirst != *monthFirst)
-        throw Complaint(fmt::format("\"{}\" can be read as {} or as {}; write one of these", text,
+        throw UserError(fmt::format("\"{}\" can be read as {} or as {}; write one of these", text,
                                     DateText(*dayFirst), DateText(*monthFirst)));
     return dayFirst ? dayFirst : monthFirst;
 }
@@ -74,7 +74,7 @@ Date TypedDate(const std::string& typed) {
     if (text.size() <= longest)
         for (const auto& read : {YearFirst, MonthInWords, YearLast})
             if (const auto date = read(text)) return *date;
-    throw Complaint(fmt::format("\"{}\" is not a date; write it as 1980-01-31", typed));
+    throw UserError(fmt::format("\"{}\" is not a date; write it as 1980-01-31", typed));
 }
 
 }  // namespace Console

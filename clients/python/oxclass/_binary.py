@@ -1,6 +1,6 @@
 """The binary form of the component model, for ctypes: structures, interfaces as tables of functions, texts.
 
-Everything here has the layout and the names that ``platform/component/ComponentModel.h`` gives it.
+Everything here has the layout and the names that ``platform/component/binary/ComponentModel.h`` gives it.
 """
 from __future__ import annotations
 

@@ -7,6 +7,9 @@
 #include <optional>
 
 namespace ADODB {
+
+using namespace Platform;
+
 namespace {
 
 constexpr const char* Self = "ADODB.Connection";

@@ -1,8 +1,11 @@
 #include "platform/adodb/Errors.h"
 #include "platform/adodb/Recordset.h"
-#include "platform/component/Interface.h"
+#include "platform/component/dispatch/InterfaceTable.h"
 
 namespace ADODB {
+
+using namespace Platform;
+
 namespace {
 
 Ref<Recordset> ExecuteText(Connection& connection, const String& commandText, Variant& recordsAffected,

@@ -1,8 +1,13 @@
 #include "platform/adodb/ConnectionString.h"
 
+#include "platform/runtime/Convert.h"
+
 #include <algorithm>
 
 namespace ADODB {
+
+using namespace Platform;
+
 namespace {
 
 [[noreturn]] void Refuse(const String& why) {

@@ -1,6 +1,9 @@
 #include "platform/adodb/Enums.h"
 
 namespace ADODB {
+
+using namespace Platform;
+
 namespace {
 
 const char* TextOf(Long number) {

@@ -1,11 +1,17 @@
 #pragma once
 
-#include "platform/component/Interface.h"
+#include "platform/component/dispatch/Member.h"
 
 /// The enumerations and error numbers of the database layer, by their ADO names and values.
 namespace ADODB {
 
-using namespace Platform;
+// The names that this layer takes from the runtime.
+namespace err = Platform::err;
+using Platform::Date, Platform::Integer, Platform::Long, Platform::String;
+using Platform::Empty, Platform::Null, Platform::Object, Platform::Variant;
+using Platform::Error, Platform::Raise;
+using Platform::EnumerationOf, Platform::EnumerationValue, Platform::Interface;
+using Platform::New, Platform::Ref;
 
 enum CursorLocationEnum : Long { adUseNone = 1, adUseServer = 2, adUseClient = 3 };
 enum CursorTypeEnum : Long {

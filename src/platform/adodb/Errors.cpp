@@ -1,6 +1,10 @@
 #include "platform/adodb/Errors.h"
 
+#include "platform/component/dispatch/InterfaceTable.h"
+
 namespace ADODB {
+
+using namespace Platform;
 
 Ref<ErrorObject> ErrorsObject::Item(Long index) const {
     if (index < 0 || index >= Count()) RaiseAdo(adErrItemNotFound, "ADODB.Errors");

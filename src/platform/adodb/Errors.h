@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/adodb/Connection.h"
+#include "platform/runtime/Collection.h"
 
 namespace ADODB {
 
@@ -39,7 +40,7 @@ public:
     void Clear() { connection_->ClearErrors(); }
 
     /// A walk over the failures that are there now.
-    Ref<Enumerator> NewEnum() const;
+    Ref<Platform::Enumerator> NewEnum() const;
 
     const Interface& Describe() const override;
 

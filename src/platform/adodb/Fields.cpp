@@ -1,8 +1,10 @@
 #include "platform/adodb/Fields.h"
 
-#include "platform/component/Interface.h"
+#include "platform/component/dispatch/InterfaceTable.h"
 
 namespace ADODB {
+
+using namespace Platform;
 
 Field FieldAt(Recordset& recordset, const Variant& index) {
     if (index.Is<String>()) return recordset.Fields(index.As<String>());

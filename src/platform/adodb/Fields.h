@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/adodb/Recordset.h"
+#include "platform/runtime/Collection.h"
 
 namespace ADODB {
 
@@ -45,7 +46,7 @@ public:
     Ref<FieldObject> Item(const Variant& index) const;
 
     /// A walk over the columns that are there now.
-    Ref<Enumerator> NewEnum() const;
+    Ref<Platform::Enumerator> NewEnum() const;
 
     const Interface& Describe() const override;
 

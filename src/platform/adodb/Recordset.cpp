@@ -1,6 +1,13 @@
 #include "platform/adodb/Recordset.h"
 
+#include "platform/runtime/Convert.h"
+
+#include <algorithm>
+
 namespace ADODB {
+
+using namespace Platform;
+
 namespace {
 
 constexpr const char* Self = "ADODB.Recordset";
@@ -126,23 +133,23 @@ void Recordset::SetActiveConnection(const Ref<Connection>& connection) {
 
 bool Recordset::Eof() const {
     Result();
-    return eof_ && !Adding();
+    return eof_ && !IsAdding();
 }
 
 bool Recordset::Bof() const {
     Result();
-    return bof_ && !Adding();
+    return bof_ && !IsAdding();
 }
 
 Long Recordset::RecordCount() const {
     Result();
     if (actualCursor_ == adOpenForwardOnly) return -1;
-    return static_cast<Long>(rows_.size()) + (Adding() ? 1 : 0);
+    return static_cast<Long>(rows_.size()) + (IsAdding() ? 1 : 0);
 }
 
 Long Recordset::AbsolutePosition() const {
     Result();
-    if (Adding()) return static_cast<Long>(rows_.size()) + 1;
+    if (IsAdding()) return static_cast<Long>(rows_.size()) + 1;
     if (bof_ && eof_) return adPosUnknown;
     if (bof_) return adPosBOF;
     return eof_ ? adPosEOF : position_ + 1;
@@ -217,7 +224,7 @@ Variant Recordset::ValueAt(Long ordinal) const {
 
 Variant Recordset::OriginalAt(Long ordinal) const {
     const Column& column = ColumnAt(ordinal);
-    return Adding() ? Variant(Null{}) : ValueOf(Current().At(ordinal), column);
+    return IsAdding() ? Variant(Null{}) : ValueOf(Current().At(ordinal), column);
 }
 
 }  // namespace ADODB

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/adodb/Connection.h"
+#include "platform/runtime/Convert.h"
 
 #include <optional>
 
@@ -196,7 +197,7 @@ private:
     }
     /// The column that a field stands for; the recordset may have been closed or opened anew since.
     const Column& ColumnAt(Long ordinal) const { return Result().At(OrdinalOf(ordinal)); }
-    bool Adding() const noexcept { return edit_ && edit_->mode == adEditAdd; }
+    bool IsAdding() const noexcept { return edit_ && edit_->mode == adEditAdd; }
     Variant ValueAt(Long ordinal) const;
     Variant OriginalAt(Long ordinal) const;
     void Assign(Long ordinal, const Variant& value);

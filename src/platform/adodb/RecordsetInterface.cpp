@@ -1,6 +1,11 @@
 #include "platform/adodb/Fields.h"
 
+#include "platform/component/dispatch/InterfaceTable.h"
+
 namespace ADODB {
+
+using namespace Platform;
+
 namespace {
 
 constexpr const char* Self = "ADODB.Recordset";

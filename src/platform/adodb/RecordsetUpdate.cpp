@@ -1,6 +1,9 @@
 #include "platform/adodb/Recordset.h"
 
 namespace ADODB {
+
+using namespace Platform;
+
 namespace {
 
 constexpr const char* Self = "ADODB.Recordset";

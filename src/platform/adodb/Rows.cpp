@@ -1,10 +1,15 @@
 #include "platform/adodb/Rows.h"
 
+#include "platform/runtime/Convert.h"
+
 #include <algorithm>
 #include <cstring>
 #include <memory>
 
 namespace ADODB {
+
+using namespace Platform;
+
 namespace {
 
 /// Where the memory of names begins to look for a name, by the place of its text.
@@ -102,7 +107,7 @@ Long Columns::Search(std::string_view name) const {
     return found == byName_.end() ? Missing : found->second;
 }
 
-std::byte* RowStore::Room(std::size_t bytes) {
+std::byte* RowStore::Allocate(std::size_t bytes) {
     constexpr std::size_t alignment = alignof(Cell), largestBlock = 1 << 20;
     bytes = (bytes + alignment - 1) / alignment * alignment;
     if (bytes > left_) {
@@ -119,7 +124,7 @@ Row RowStore::Add(std::span<const Cell> cells) {
     std::size_t bytes = cells.size_bytes();
     for (const Cell& cell : cells)
         if (cell.kind == Cell::Kind::Text) bytes += cell.length;
-    std::byte* const room = Room(bytes);
+    std::byte* const room = Allocate(bytes);
     auto* const to = reinterpret_cast<Cell*>(room);
     auto* texts = reinterpret_cast<char*>(room + cells.size_bytes());
     std::uninitialized_copy(cells.begin(), cells.end(), to);

@@ -4,6 +4,8 @@
 
 #include <array>
 #include <memory>
+#include <unordered_map>
+#include <vector>
 
 namespace ADODB {
 
@@ -100,7 +102,7 @@ public:
     Row Add(std::span<const Cell> cells);
 
 private:
-    std::byte* Room(std::size_t bytes);
+    std::byte* Allocate(std::size_t bytes);
 
     std::vector<std::unique_ptr<std::byte[]>> blocks_;
     std::byte* free_ = nullptr;

@@ -64,7 +64,7 @@ void Collection::Remove(const Variant& indexOrKey) {
 
 Ref<Enumerator> Collection::NewEnum() const { return New<Enumerator>(*this); }
 
-Walkable::~Walkable() = default;
+Enumerable::~Enumerable() = default;
 
 Enumerator::Enumerator(const Collection& collection) : collection_(&collection) {
     collection.walks_.push_back(this);

@@ -11,11 +11,11 @@ class Collection;
 class Enumerator;
 
 /// Anything whose members can be walked in order: a `Collection`, and every class that wraps one.
-class Walkable : public Object {
+class Enumerable : public Object {
 public:
     static constexpr const char* ClassName = "Collection";
 
-    ~Walkable() override;
+    ~Enumerable() override;
 
     /// The collection that holds the members.
     virtual const Collection& Members() const = 0;
@@ -27,7 +27,7 @@ public:
 /// case; it can't be read back or changed. A text argument is always a key and a number always a
 /// position (rounded half to even). Lookup by key or position takes constant time, an insert or a
 /// removal in the middle moves pointers only. One thread.
-class Collection final : public Walkable {
+class Collection final : public Enumerable {
 public:
     Collection();
     ~Collection() override;
@@ -58,7 +58,6 @@ public:
     Ref<Enumerator> NewEnum() const;
 
     const Collection& Members() const override { return *this; }
-    const Interface& Describe() const override;
 
 private:
     friend class Enumerator;
@@ -93,8 +92,6 @@ public:
 
     /// Another walk over the same collection, which stands where this one does.
     Ref<Enumerator> Copy() const;
-
-    const Interface& Describe() const override;
 
 private:
     friend class Collection;
@@ -141,7 +138,7 @@ private:
 /// The members of a collection as objects of class `T`, for a range-for. A member of another class
 /// raises 13 when the walk reaches it. `members` must outlive the walk.
 template <class T>
-detail::Each<T> Each(const Walkable& members) {
+detail::Each<T> Each(const Enumerable& members) {
     return detail::Each<T>(members.Members());
 }
 
@@ -150,7 +147,7 @@ detail::Each<T> Each(const Walkable& members) {
 /// Each class adds its own `Add`. `Item` raises on a missing member; a class whose `Item` gives nothing
 /// there uses `Find` for it.
 template <class T>
-class Keyed : public Walkable {
+class Keyed : public Enumerable {
 public:
     /// The member at a position or under a key; raises 5 or 9 as `Collection::Item`.
     Ref<T> Item(const Variant& vntIndexKey) const {

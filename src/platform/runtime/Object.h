@@ -9,19 +9,40 @@ namespace Platform {
 
 class Boundary;
 class Interface;
+class Object;
 template <class T>
 class Ref;
 
-/// What an interface pointer of a component client points at: the functions of its object.
-struct Face {
-    const void* const* Slots = nullptr;  ///< null until the object crosses the boundary
+/// What a COM client's interface pointer points to: the pointer to the vtable of the object.
+struct InterfacePointer {
+    const void* const* Slots = nullptr;  ///< null until the object is passed to a COM client
 };
 
-/// The root of everything that is held by counted reference.
+/// Counts the living objects of one library, which is not unloaded while the count is above zero.
+class ObjectCounter {
+public:
+    virtual void ObjectBegan() noexcept = 0;
+    virtual void ObjectEnded() noexcept = 0;
+
+protected:
+    ~ObjectCounter() = default;
+};
+
+/// What the layer of the COM interfaces (component/dispatch) knows about an object. The runtime is complete without
+/// it: objects then belong to no library and have no interface table.
+struct ObjectHooks {
+    const Interface& (*TableOf)(const Object& object);           ///< of an object that doesn't describe itself
+    ObjectCounter* (*CounterOf)(const Object& object) noexcept;  ///< null for an object of no library
+};
+
+/// Replaces the hooks. Called once, before any object exists.
+void InstallObjectHooks(const ObjectHooks& hooks) noexcept;
+
+/// The base class of everything that is held by counted reference.
 ///
-/// An object is made with `New<T>()`, lives as long as a `Ref` or a component client holds it, and stays on the
-/// thread that made it: the count is not atomic, and no member of any object may be called from another thread.
-class Object : private Face {
+/// An object is created by `New<T>()` and is deleted when no `Ref` and no COM client holds it any more. It belongs to
+/// the thread that created it: the count is not atomic, and no member may be called from another thread.
+class Object : private InterfacePointer {
 public:
     static constexpr const char* ClassName = "Object";  ///< each class has its own
 
@@ -30,7 +51,8 @@ public:
     Object& operator=(const Object&) = delete;
     virtual ~Object();
 
-    /// The members that a client may call by name, in their documented order (component/Interface.h).
+    /// Returns the interface table of the class: the members that a client may call by name, in their documented order
+    /// (component/dispatch/Interface.h). Raises 438 in a program that has no interface tables.
     virtual const Interface& Describe() const;
 
 private:
@@ -44,18 +66,16 @@ private:
     void Release() const noexcept {
         if (--references_ == 0) End();
     }
-    /// Counts the object among the living of its library, and ends it.
-    void Begin() const noexcept;
-    void End() const noexcept;
+    void Begin() const noexcept;  ///< counts the object in its library
+    void End() const noexcept;    ///< deletes the object
 
     mutable std::uint32_t references_ = 0;
-    mutable std::uint32_t thread_ = 0;  ///< whose it is, once it crossed the boundary
+    mutable std::uint32_t thread_ = 0;  ///< the object's thread; 0 until it is passed to a COM client
 };
 
-/// A counted reference to an object, or nothing.
+/// A counted reference to an object, or null.
 ///
-/// Copying shares the object, the last reference ends it. Following a reference to nothing raises 91,
-/// so that a forgotten object is a failure with a number and never a crash.
+/// A copy refers to the same object; the last reference deletes it. `->` and `*` of a null reference raise 91.
 template <class T>
 class Ref {
 public:
@@ -94,7 +114,7 @@ private:
     T* object_ = nullptr;
 };
 
-/// Makes an object and gives the first reference to it.
+/// Creates an object and returns the first reference to it. Raises what the constructor raises.
 template <class T, class... Args>
 Ref<T> New(Args&&... args) {
     T* object = new T(std::forward<Args>(args)...);

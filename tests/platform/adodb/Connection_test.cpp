@@ -8,6 +8,7 @@
 namespace {
 
 using namespace ADODB;
+using namespace Platform;
 using TestKit::FailureOf;
 
 class ConnectionTest : public TestKit::WithDatabase {

@@ -2,11 +2,14 @@
 #include "platform/adodb/Fields.h"
 
 #include "kit/Database.h"
-#include "platform/component/Boundary.h"
+#include "platform/component/dispatch/Boundary.h"
+#include "platform/component/dispatch/Interface.h"
+#include "platform/runtime/Collection.h"
 
 namespace {
 
 using namespace ADODB;
+using namespace Platform;
 using testing::ElementsAre;
 using TestKit::FailureOf;
 
@@ -507,9 +510,9 @@ TEST_F(InterfaceTest, CollectIsCalledThroughItsSlots) {
     const Ref<Recordset> rs = Clinics();
     const Interface& members = rs->Describe();
     EXPECT_EQ(members.Find("Collect", MemberKind::Put)->Arguments.size(), 2U);
-    auto* const face = reinterpret_cast<Face*>(Boundary::Give(rs));
-    using PutSlot = HRESULT(STDMETHODCALLTYPE*)(Face*, VARIANT, VARIANT) noexcept;
-    using GetSlot = HRESULT(STDMETHODCALLTYPE*)(Face*, VARIANT, VARIANT*) noexcept;
+    auto* const face = reinterpret_cast<InterfacePointer*>(Boundary::ToPointer(rs));
+    using PutSlot = HRESULT(STDMETHODCALLTYPE*)(InterfacePointer*, VARIANT, VARIANT) noexcept;
+    using GetSlot = HRESULT(STDMETHODCALLTYPE*)(InterfacePointer*, VARIANT, VARIANT*) noexcept;
     VARIANT ordinal{}, text{}, got{};
     ordinal.vt = VT_I4, ordinal.lVal = 2;
     text.vt = VT_BSTR, text.bstrVal = SysAllocString(reinterpret_cast<LPCOLESTR>(u"Höör"));

@@ -1,10 +1,12 @@
 #include "platform/adodb/Recordset.h"
 
 #include "kit/Database.h"
+#include "platform/runtime/Collection.h"
 
 namespace {
 
 using namespace ADODB;
+using namespace Platform;
 using TestKit::FailureOf;
 
 class RecordsetTest : public TestKit::WithDatabase {

@@ -1,7 +1,7 @@
 #include "platform/adodb/providers/sqlite/SqliteShape.h"
 
 #include "platform/adodb/providers/sqlite/SqliteErrors.h"
-#include "platform/adodb/providers/sqlite/SqlitePlans.h"
+#include "platform/adodb/providers/sqlite/SqliteStatementCache.h"
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
@@ -61,28 +61,28 @@ TEST(SqliteShape, BalancesOrChains) {
               "DELETE FROM t WHERE( a=1 OR( a=2 OR a=3));");
 }
 
-/// A session's plans on an empty database of their own.
+/// A session's cache on an empty database of their own.
 class SqlitePlansTest : public ::testing::Test {
 protected:
     SqlitePlansTest() {
         sqlite3_open(":memory:", &database);
         sqlite3_exec(database, "CREATE TABLE t (a INTEGER PRIMARY KEY, b TEXT)", nullptr, nullptr, nullptr);
-        plans.emplace(database);
+        cache.emplace(database);
     }
     ~SqlitePlansTest() override {
-        plans.reset();
+        cache.reset();
         sqlite3_close(database);
     }
     sqlite3* database = nullptr;
-    std::optional<Plans> plans;
+    std::optional<StatementCache> cache;
     std::vector<Literal> literals;
 };
 
 TEST_F(SqlitePlansTest, OneShapeIsCompiledOnce) {
     std::string statement;  // the literals point into it
     for (int i = 0; i < 100; ++i)
-        plans->For(statement = "SELECT b FROM t WHERE a=" + std::to_string(i), literals);
-    EXPECT_EQ(plans->CompiledCount(), 1U);
+        cache->For(statement = "SELECT b FROM t WHERE a=" + std::to_string(i), literals);
+    EXPECT_EQ(cache->CompiledCount(), 1U);
     EXPECT_EQ(literals.size(), 1U);
     EXPECT_EQ(literals[0].body, "99");
 }
@@ -92,27 +92,27 @@ TEST_F(SqlitePlansTest, TheLeastRecentlyUsedGoesFirst) {
         return "SELECT b FROM t WHERE a=1 AND b<>'' AND" + std::string(static_cast<std::size_t>(i), ' ') +
                "a<5";
     };
-    plans->For(statement(1), literals);
+    cache->For(statement(1), literals);
     for (int i = 2; i <= 300; ++i) {
-        plans->For(statement(i), literals);
-        plans->For(statement(1), literals);
+        cache->For(statement(i), literals);
+        cache->For(statement(1), literals);
     }
-    EXPECT_EQ(plans->Kept(), 256U);
-    EXPECT_EQ(plans->CompiledCount(), 300U) << "the one in use was never compiled again";
-    plans->For(statement(2), literals);
-    EXPECT_EQ(plans->CompiledCount(), 301U);
+    EXPECT_EQ(cache->Count(), 256U);
+    EXPECT_EQ(cache->CompiledCount(), 300U) << "the one in use was never compiled again";
+    cache->For(statement(2), literals);
+    EXPECT_EQ(cache->CompiledCount(), 301U);
 }
 
 TEST_F(SqlitePlansTest, AVeryLongStatementIsNotKept) {
     std::string list = "SELECT b FROM t WHERE a IN (1";
     for (int i = 0; i < 5000; ++i) list += "," + std::to_string(i);
-    plans->For(list + ")", literals);
-    EXPECT_EQ(plans->Kept(), 0U);
+    cache->For(list + ")", literals);
+    EXPECT_EQ(cache->Count(), 0U);
     EXPECT_EQ(literals.size(), 5001U);
 }
 
 TEST_F(SqlitePlansTest, AShapeThatIsRefusedIsCompiledAsItStands) {
-    const Plan& plan = plans->For("UPDATE t SET 'b'='x' WHERE a=1", literals);
+    const CompiledStatement& plan = cache->For("UPDATE t SET 'b'='x' WHERE a=1", literals);
     EXPECT_TRUE(literals.empty()) << "a column's name in quotes is no value";
     EXPECT_EQ(std::string(sqlite3_sql(plan.Compiled())), "UPDATE t SET 'b'='x' WHERE a=1");
 }

@@ -1,4 +1,4 @@
-#include "platform/component/ClassRegistry.h"
+#include "platform/component/registry/ClassRegistry.h"
 
 #include "kit/Database.h"
 #include "kit/Files.h"
@@ -160,7 +160,7 @@ TEST_F(ClassRegistryFile, APathThatIsNoTextIsRefused) {
     EXPECT_EQ(failure.Number, err::PathFileAccess);
     EXPECT_THAT(failure.Description, HasSubstr("no UTF-8"));
     EXPECT_FALSE(fs::exists(file));
-    const EnteringHere here;
+    const RegisterInProcess here;
     Enter(library);
     EXPECT_EQ(Find("Broken.A")->Library, library.Classes[0].Library) << "this process can use it";
 }
@@ -193,7 +193,7 @@ TEST_F(ClassRegistryFile, WithoutAFileNothingIsFoundAndNoneIsMade) {
 
 TEST_F(ClassRegistryFile, AllHasEachClassOnce) {
     {
-        const EnteringHere here;
+        const RegisterInProcess here;
         Enter(Library("AllHere", '1', {"Both", "Mine"}));
     }
     LibraryRecord same = Library("AllHere", '2', {"BOTH", "Filed"});
@@ -212,7 +212,7 @@ TEST_F(ClassRegistryFile, EnteringHereTouchesNoFileAndWinsOverIt) {
     LibraryRecord mine = Library("Here", '8', {"A"});
     mine.Classes[0].Library = "/mine.so";
     {
-        const EnteringHere here;
+        const RegisterInProcess here;
         Enter(mine);
     }
     EXPECT_EQ(Content(file), before);
@@ -222,7 +222,7 @@ TEST_F(ClassRegistryFile, EnteringHereTouchesNoFileAndWinsOverIt) {
 }
 
 TEST_F(ClassRegistryFile, ALibraryThatThisProcessKnowsStays) {
-    const EnteringHere here;
+    const RegisterInProcess here;
     Enter(Library("Stays", '5', {"A"}));
     LibraryRecord copy = Library("Stays", '5', {"A"});
     copy.Classes[0].Library = "/another/copy.so";
@@ -232,8 +232,8 @@ TEST_F(ClassRegistryFile, ALibraryThatThisProcessKnowsStays) {
 
 TEST_F(ClassRegistryFile, EnteringHereEndsWithTheLastOfThem) {
     {
-        const EnteringHere outer;
-        { const EnteringHere inner; }
+        const RegisterInProcess outer;
+        { const RegisterInProcess inner; }
         Enter(Library("Nested", '9', {"A"}));
         EXPECT_FALSE(fs::exists(file));
     }
@@ -242,7 +242,7 @@ TEST_F(ClassRegistryFile, EnteringHereEndsWithTheLastOfThem) {
 }
 
 TEST_F(ClassRegistryFile, EnteringHereIsOfItsThreadAlone) {
-    const EnteringHere here;
+    const RegisterInProcess here;
     std::thread([] { Enter(Library("OtherThread", '6', {"A"})); }).join();
     EXPECT_EQ(Registered(), "OtherThread 1.0;");
 }

@@ -1,7 +1,7 @@
-#include "platform/component/ComponentModel.h"
+#include "platform/component/binary/ComponentModel.h"
 
 #include "kit/Database.h"
-#include "platform/component/Identifier.h"
+#include "platform/component/binary/Identifier.h"
 
 #include <cstddef>
 #include <cstring>
@@ -847,7 +847,7 @@ const std::string CLayout =
 
 TEST(HeadersInC, AreReadWithoutAWarning) {
     const TemporaryFolder folder;
-    for (const char* header : {"platform/component/ComponentModel.h", "platform/oxplatform.h"}) {
+    for (const char* header : {"platform/component/binary/ComponentModel.h", "platform/oxplatform.h"}) {
         const auto [code, output] = CheckC(folder, "-fsyntax-only", header, CLayout);
         EXPECT_EQ(code, 0) << output;
     }

@@ -1,6 +1,8 @@
-#include "platform/component/Description.h"
+#include "platform/component/dispatch/Description.h"
 
 #include "kit/Database.h"
+#include "platform/component/dispatch/InterfaceTable.h"
+#include "platform/runtime/Collection.h"
 
 enum class Shade { Light, Dark };
 
@@ -90,8 +92,8 @@ TEST(Description, HasEachMemberWithItsTypesInTheirOrder) {
 }
 
 TEST(Description, OfAClassWithoutMembersHasAnEmptyList) {
-    const Interface none("Nobody", {});
-    EXPECT_EQ(DescriptionText(none), R"({"class":"Nobody","members":[]})");
+    const Interface none("Empty", {}, {});
+    EXPECT_EQ(DescriptionText(none), R"({"class":"Empty","members":[]})");
 }
 
 }  // namespace

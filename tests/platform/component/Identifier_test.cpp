@@ -1,4 +1,4 @@
-#include "platform/component/Identifier.h"
+#include "platform/component/binary/Identifier.h"
 
 #include <gtest/gtest.h>
 #include <string>

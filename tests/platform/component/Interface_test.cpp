@@ -1,6 +1,7 @@
-#include "platform/component/Interface.h"
+#include "platform/component/dispatch/InterfaceTable.h"
 
 #include "kit/Database.h"
+#include "platform/runtime/Collection.h"
 
 namespace {
 

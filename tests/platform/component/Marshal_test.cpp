@@ -1,7 +1,11 @@
-#include "platform/component/Marshal.h"
+#include "platform/component/dispatch/Marshal.h"
 
 #include "kit/Database.h"
-#include "kit/Stranger.h"
+#include "kit/ForeignObject.h"
+#include "platform/component/binary/Bstr.h"
+#include "platform/component/dispatch/Boundary.h"
+#include "platform/component/dispatch/Interface.h"
+#include "platform/runtime/Collection.h"
 
 #include <cmath>
 #include <cstring>
@@ -11,7 +15,7 @@ namespace {
 
 using namespace Platform;
 using TestKit::FailureOf;
-using TestKit::Stranger;
+using TestKit::ForeignObject;
 using Kind = MemberType::Kind;
 
 const String Emoji = "\xF0\x9F\x98\x80";
@@ -160,7 +164,7 @@ TEST(Marshal, AnObjectThatIsGivenIsHeldByItsTaker) {
 
 TEST(Marshal, AStrangersObjectPassesThroughAsItIs) {
     for (const bool isDispatch : {true, false}) {
-        Stranger stranger(isDispatch);
+        ForeignObject stranger(isDispatch);
         {
             Held given(VT_UNKNOWN), back;
             stranger.AddRef();
@@ -396,7 +400,7 @@ TEST(Marshal, AnArrayThatHoldsItselfIsRefused) {
 }
 
 TEST(Marshal, AnArrayThatItsOwnerDescribesIsTakenByItsFeatures) {
-    const OwnedText text(ToBstr("ä"));
+    const OwnedBstr text(ToBstr("ä"));
     BSTR texts[] = {text.get()};
     SAFEARRAY described = {1, FADF_BSTR, sizeof(BSTR), 0, texts, {{1, 0}}};
     VARIANT variant{};
@@ -463,23 +467,23 @@ TEST(Marshal, AValueComesBackInAVariantThatIsNoReference) {
 TEST(Marshal, AnObjectComesBackInPlaceOfAnother) {
     const Ref<Collection> before = New<Collection>(), after = New<Collection>();
     for (const int type : {VT_DISPATCH, VT_UNKNOWN}) {
-        IUnknown* place = Boundary::Give(before);
+        IUnknown* place = Boundary::ToPointer(before);
         Held reference(VT_BYREF | type, &place);
         WriteBack(after, reference);
-        EXPECT_EQ(Boundary::Take(place), after);
+        EXPECT_EQ(Boundary::FromPointer(place), after);
         EXPECT_EQ(ReferencesOf(place), 2U);
         WriteBack(after, reference);
         EXPECT_EQ(ReferencesOf(place), 2U) << "the same one again";
         WriteBack(Ref<Object>(), reference);
         EXPECT_EQ(place, nullptr);
     }
-    IUnknown* pointer = Boundary::Give(before);
+    IUnknown* pointer = Boundary::ToPointer(before);
     EXPECT_EQ(pointer->Release(), 1U);
 }
 
 TEST(Marshal, AnObjectWithoutCallsByNameFitsNoReferenceToThem) {
-    Stranger stranger(false);
-    const Ref<Object> walk = New<Collection>()->NewEnum(), foreign = Boundary::Take(&stranger);
+    ForeignObject stranger(false);
+    const Ref<Object> walk = New<Collection>()->NewEnum(), foreign = Boundary::FromPointer(&stranger);
     for (const Ref<Object>& object : {walk, foreign}) {
         IUnknown* place = nullptr;
         Held dispatch(VT_BYREF | VT_DISPATCH, &place), any(VT_BYREF | VT_UNKNOWN, &place);
@@ -499,7 +503,7 @@ TEST(Marshal, WhatHasNoFormOfTheReferencesTypeStaysOut) {
     DOUBLE real = 14;
     DATE date = 15;
     BSTR text = ToBstr("stays");
-    IUnknown* object = Boundary::Give(New<Collection>());
+    IUnknown* object = Boundary::ToPointer(New<Collection>());
     LONGLONG large = 16;
     struct {
         int type;
@@ -649,7 +653,7 @@ TEST(TypedPlace, KeepsItsValueWhenAnotherCantBeAssigned) {
     EXPECT_EQ(FailureOf([&] { AssignPlace({Kind::Text, ""}, Null{}, &text); }).Number, err::InvalidNull);
     EXPECT_EQ(TextOf(text), "stays");
     SysFreeString(text);
-    IUnknown* object = Boundary::Give(New<Collection>());
+    IUnknown* object = Boundary::ToPointer(New<Collection>());
     EXPECT_EQ(FailureOf([&] {
                   AssignPlace({Kind::Object, ""}, "text", &object);
               }).Number,

@@ -1,8 +1,10 @@
-#include "platform/component/ReturnCode.h"
+#include "platform/component/binary/ReturnCode.h"
 
 #include "kit/Database.h"
-#include "platform/component/Interface.h"
-#include "platform/component/Marshal.h"
+#include "platform/component/binary/Bstr.h"
+#include "platform/component/binary/ErrorRecord.h"
+#include "platform/component/dispatch/InterfaceTable.h"
+#include "platform/component/dispatch/Marshal.h"
 
 #include <new>
 #include <stdexcept>
@@ -17,7 +19,7 @@ HRESULT Code(std::uint32_t code) { return static_cast<HRESULT>(code); }
 String Got(IErrorInfo* record, HRESULT (IErrorInfo::*get)(BSTR*)) {
     BSTR text = nullptr;
     EXPECT_EQ((record->*get)(&text), S_OK);
-    const OwnedText owned(text);
+    const OwnedBstr owned(text);
     return FromBstr(text);
 }
 
@@ -33,7 +35,7 @@ String Record() {
 /// What `Guarded` gives for a failure, on a thread that has the record of an earlier one.
 template <class Failure>
 HRESULT CodeOfThrown(const Failure& failure) {
-    LeaveRecord(Error(5, "Earlier", "failure"));
+    SetErrorRecord(Error(5, "Earlier", "failure"));
     return Guarded([&]() -> HRESULT { throw failure; });
 }
 
@@ -57,7 +59,7 @@ TEST(ReturnCode, OfAnyOtherNumberFailsToo) {
 }
 
 TEST(ReturnCode, OfASuccessIsTheBodysOwnAndLeavesTheRecord) {
-    LeaveRecord(Error(5, "Earlier", "failure"));
+    SetErrorRecord(Error(5, "Earlier", "failure"));
     EXPECT_EQ(Guarded([] { return S_OK; }), S_OK);
     EXPECT_EQ(Guarded([] { return S_FALSE; }), S_FALSE);
     EXPECT_EQ(Guarded([] { return E_POINTER; }), E_POINTER);
@@ -98,22 +100,22 @@ TEST(ReturnCode, ForeignExceptionsAreUnexpected) {
 }
 
 TEST(ReturnCode, FailingLeavesARecordAndGivesTheCode) {
-    EXPECT_EQ(Failing(E_NOTIMPL, "Not here"), E_NOTIMPL);
+    EXPECT_EQ(FailWith(E_NOTIMPL, "Not here"), E_NOTIMPL);
     EXPECT_EQ(Record(), "Runtime: Not here");
 }
 
 TEST(ReturnCode, ARecordHoldsAnyText) {
-    LeaveRecord(Error(5, "", ""));
+    SetErrorRecord(Error(5, "", ""));
     EXPECT_EQ(Record(), ": ");
-    LeaveRecord(Error(5, String("a\0b", 3), "\xFF"));
+    SetErrorRecord(Error(5, String("a\0b", 3), "\xFF"));
     EXPECT_EQ(Record(), String("a\0b", 3) + ": \xEF\xBF\xBD");
 }
 
 TEST(ReturnCode, ANewRecordHasOneReference) {
     ICreateErrorInfo* record = nullptr;
-    ASSERT_EQ(NewErrorRecord(&record), S_OK);
+    ASSERT_EQ(CreateErrorInfo(&record), S_OK);
     EXPECT_EQ(record->Release(), 0U);
-    EXPECT_EQ(NewErrorRecord(nullptr), E_POINTER);
+    EXPECT_EQ(CreateErrorInfo(nullptr), E_POINTER);
 }
 
 }  // namespace

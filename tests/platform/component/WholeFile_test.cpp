@@ -1,4 +1,4 @@
-#include "platform/component/WholeFile.h"
+#include "platform/component/registry/WholeFile.h"
 
 #include "kit/Database.h"
 #include "kit/Files.h"

@@ -1,6 +1,7 @@
 #include "platform/runtime/Convert.h"
 
 #include "kit/Database.h"
+#include "platform/runtime/Collection.h"
 #include "platform/runtime/Services.h"
 
 #include <cmath>

@@ -1,6 +1,11 @@
 #include "platform/adodb/providers/sqlite/SqliteSession.h"
 
+#include "platform/runtime/Convert.h"
+
 namespace ADODB {
+
+using namespace Platform;
+
 namespace {
 
 std::vector<std::pair<String, Opener>>& Known() {

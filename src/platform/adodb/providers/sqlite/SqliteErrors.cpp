@@ -1,8 +1,13 @@
 #include "platform/adodb/providers/sqlite/SqliteErrors.h"
 
+#include "platform/runtime/Convert.h"
+
 #include <sqlite3.h>
 
 namespace ADODB {
+
+using namespace Platform;
+
 namespace {
 
 struct Mapped {

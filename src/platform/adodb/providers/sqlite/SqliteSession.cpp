@@ -1,13 +1,17 @@
 #include "platform/adodb/providers/sqlite/SqliteSession.h"
 
 #include "platform/adodb/providers/sqlite/SqliteErrors.h"
-#include "platform/adodb/providers/sqlite/SqlitePlans.h"
+#include "platform/adodb/providers/sqlite/SqliteStatementCache.h"
+#include "platform/runtime/Convert.h"
 
 #include <charconv>
 #include <limits>
 #include <sqlite3.h>
 
 namespace ADODB {
+
+using namespace Platform;
+
 namespace {
 
 constexpr int WaitForLock_ms = 15'000;
@@ -34,10 +38,10 @@ private:
 class SqliteSession final : public Session {
 public:
     SqliteSession(Database database, bool readOnly)
-        : database_(std::move(database)), plans_(database_.get()), readOnly_(readOnly) {}
+        : database_(std::move(database)), statements_(database_.get()), readOnly_(readOnly) {}
 
     Outcome Run(std::string_view text) override {
-        Plan& plan = plans_.For(text, literals_);
+        CompiledStatement& plan = statements_.For(text, literals_);
         const Running running(plan.Compiled());
         Bind(plan.Compiled(), text);
         const std::int64_t before = sqlite3_total_changes64(database_.get());
@@ -49,7 +53,7 @@ public:
     }
 
     std::int64_t Change(std::string_view text, std::span<const Variant> values) override {
-        Plan& plan = plans_.ForMarked(text);
+        CompiledStatement& plan = statements_.ForMarked(text);
         const Running running(plan.Compiled());
         for (std::size_t i = 0; i < values.size(); ++i)
             Bind(plan.Compiled(), static_cast<int>(i) + 1, CellOf(values[i]), text);
@@ -115,7 +119,7 @@ private:
         if (code != SQLITE_OK) RaiseSqlite(database_.get(), statement);
     }
 
-    void Walk(Plan& plan, Outcome& outcome, std::string_view text) {
+    void Walk(CompiledStatement& plan, Outcome& outcome, std::string_view text) {
         sqlite3_stmt* const compiled = plan.Compiled();
         int code = sqlite3_step(compiled);
         // Each later call replaces the engine's error: it is raised before the columns are asked for.
@@ -150,7 +154,7 @@ private:
     }
 
     Database database_;
-    Plans plans_;
+    StatementCache statements_;
     bool readOnly_;
     std::vector<Literal> literals_;
     std::vector<std::string> unquoted_;

@@ -5,6 +5,7 @@
 #include <cstring>
 
 namespace ADODB {
+
 namespace {
 
 enum class Kind { Space, Word, Number, Text, Quoted, Open, Close, Mark, Unclear };

@@ -1,0 +1,138 @@
+#include "platform/component/dispatch/Boundary.h"
+
+#include "platform/component/binary/Identifier.h"
+#include "platform/component/dispatch/Interface.h"
+
+#include <array>
+#include <atomic>
+#include <new>
+
+namespace Platform {
+namespace {
+
+/// A number for the calling thread that no other thread has.
+std::uint32_t ThisThread() {
+    static std::atomic<std::uint32_t> last = 0;
+    thread_local const std::uint32_t number = ++last;
+    return number;
+}
+
+/// The first function of a pointer's vtable.
+const void* FirstSlot(IUnknown* pointer) { return **reinterpret_cast<const void* const* const*>(pointer); }
+
+/// What an object says of its error records.
+class ErrorSupport final : public ISupportErrorInfo {
+public:
+    explicit ErrorSupport(InterfacePointer& owner) : owner_(owner) { Boundary::AddRef(owner_); }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override;
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
+    ULONG STDMETHODCALLTYPE Release() override {
+        const ULONG left = --references_;
+        if (left > 0) return left;
+        Boundary::Release(owner_);
+        delete this;
+        return 0;
+    }
+    HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID riid) override {
+        const bool supported = Same(riid, IID_IDispatch) || Same(riid, Boundary::ObjectOf(owner_).Describe().Identity());
+        return supported ? S_OK : S_FALSE;
+    }
+
+private:
+    InterfacePointer& owner_;
+    std::atomic<ULONG> references_ = 1;
+};
+
+// ---- IUnknown ---------------------------------------------------------------------------------------
+
+HRESULT STDMETHODCALLTYPE QueryObject(InterfacePointer* self, REFIID riid, void** object) noexcept {
+    if (!object) return E_POINTER;
+    *object = nullptr;
+    if (Same(riid, IID_NULL)) return E_NOINTERFACE;
+    const Interface& described = Boundary::ObjectOf(*self).Describe();
+    if (Same(riid, IID_IUnknown) || Same(riid, described.Identity()) ||
+        (described.IsDispatch() && Same(riid, IID_IDispatch))) {
+        Boundary::AddRef(*self);
+        *object = self;
+        return S_OK;
+    }
+    if (!described.IsDispatch() || !Same(riid, IID_ISupportErrorInfo)) return E_NOINTERFACE;
+    *object = new (std::nothrow) ErrorSupport(*self);
+    return *object ? S_OK : E_OUTOFMEMORY;
+}
+
+ULONG STDMETHODCALLTYPE AddRefObject(InterfacePointer* self) noexcept { return Boundary::AddRef(*self); }
+
+ULONG STDMETHODCALLTYPE ReleaseObject(InterfacePointer* self) noexcept { return Boundary::Release(*self); }
+
+HRESULT ErrorSupport::QueryInterface(REFIID riid, void** object) {
+    if (!object || !Same(riid, IID_ISupportErrorInfo)) return QueryObject(&owner_, riid, object);
+    AddRef();
+    *object = this;
+    return S_OK;
+}
+
+}  // namespace
+
+// ---- objects ----------------------------------------------------------------------------------------
+
+IUnknown* Boundary::ToPointer(const Ref<Object>& object) {
+    if (!object) return nullptr;
+    if (!object->Slots) {
+        if (const auto* foreign = dynamic_cast<const Foreign*>(object.Get())) {
+            foreign->Pointer()->AddRef();
+            return foreign->Pointer();
+        }
+        object->Slots = object->Describe().Slots();
+        object->thread_ = ThisThread();
+    }
+    object->Hold();
+    return reinterpret_cast<IUnknown*>(static_cast<InterfacePointer*>(object.Get()));
+}
+
+Object* Boundary::OwnObject(IUnknown* pointer) {
+    if (FirstSlot(pointer) != UnknownSlots().front()) return nullptr;
+    return &ObjectOf(*reinterpret_cast<InterfacePointer*>(pointer));
+}
+
+Ref<Object> Boundary::FromPointer(IUnknown* pointer) {
+    if (!pointer) return nullptr;
+    if (Object* own = OwnObject(pointer)) return Ref<Object>(own);
+    return New<Foreign>(pointer);
+}
+
+std::span<const void* const> Boundary::UnknownSlots() {
+    static const std::array slots{reinterpret_cast<const void*>(QueryObject),
+                                  reinterpret_cast<const void*>(AddRefObject),
+                                  reinterpret_cast<const void*>(ReleaseObject)};
+    return slots;
+}
+
+ULONG Boundary::AddRef(InterfacePointer& pointer) {
+    const Object& object = ObjectOf(pointer);
+    object.Hold();
+    return object.references_;
+}
+
+ULONG Boundary::Release(InterfacePointer& pointer) {
+    const Object& object = ObjectOf(pointer);
+    const ULONG left = object.references_ - 1;
+    object.Release();
+    return left;
+}
+
+bool Boundary::IsOnItsThread(const InterfacePointer& pointer) { return static_cast<const Object&>(pointer).thread_ == ThisThread(); }
+
+Foreign::Foreign(IUnknown* pointer) : pointer_(pointer) {
+    void* dispatch = nullptr;
+    isDispatch_ = SUCCEEDED(pointer->QueryInterface(IID_IDispatch, &dispatch)) && dispatch;
+    if (isDispatch_)
+        pointer_ = static_cast<IDispatch*>(dispatch);
+    else
+        pointer_->AddRef();
+}
+
+Foreign::~Foreign() { pointer_->Release(); }
+
+}  // namespace Platform
