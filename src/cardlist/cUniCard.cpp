@@ -37,6 +37,7 @@ CardTypes cUniCard::CardType() const {
 }
 
 Long cUniCard::LoadCardFull(const Ref<Connection>& conn, const String&, Long& ID, const CardTypes& CardType) {
+    const Ref<cUniCard> held(this);  // handlers of the connection may release it
     colImages = New<cImages>();
     if (CardType == ctImagecard) LoadImagecard(conn, &cImages::LoadAll4Object);
     if (CardType == ctseries) LoadSeries(conn, ID, &cImages::LoadAll4Object);
@@ -44,6 +45,7 @@ Long cUniCard::LoadCardFull(const Ref<Connection>& conn, const String&, Long& ID
 }
 
 void cUniCard::LoadReadable(const Ref<Connection>& conn) {
+    const Ref<cUniCard> held(this);  // handlers of the connection may release it
     colImages = New<cImages>();
     if (!Series) return LoadImagecard(conn, &cImages::LoadReadable);
     Long key = Series->ID;
@@ -51,20 +53,23 @@ void cUniCard::LoadReadable(const Ref<Connection>& conn) {
 }
 
 void cUniCard::LoadImagecard(const Ref<Connection>& con, LoadImages load) {
-    Imagecard->LoadImageAttributes(con);
+    const Ref<cImagecard> card = Imagecard;  // handlers of the connection may replace it, and the list below
+    card->LoadImageAttributes(con);
     Long sequence = 0;
-    for (auto& placed : Each<cImagecardAttribute>(*Imagecard->ImagecardAttributes))
-        placed.IASequence = ++sequence;
-    const String clause = ImagesOn(*Imagecard);
-    if (!clause.empty()) (*colImages.*load)(con, iootImageCard, 0, clause);
+    for (auto& placed : Each<cImagecardAttribute>(*card->ImagecardAttributes)) placed.IASequence = ++sequence;
+    const String clause = ImagesOn(*card);
+    if (clause.empty()) return;
+    const Ref<cImages> images = colImages;
+    (*images.*load)(con, iootImageCard, 0, clause);
 }
 
 void cUniCard::LoadSeries(const Ref<Connection>& con, Long& id, LoadImages load) {
     if (!Series) Raise(err::ObjectNotSet);
     if (id == 0) id = Series->ID;
-    (*colImages.*load)(con, iootSeries, id, {});
-    Template = New<cTemplate>();
-    Template->GetTemplate(con, 0, Series->TemplateID);
+    const Ref<cImages> images = colImages;  // handlers of the connection may replace it, and the template
+    (*images.*load)(con, iootSeries, id, {});
+    const Ref<cTemplate> layout = Template = New<cTemplate>();
+    layout->GetTemplate(con, 0, Series->TemplateID);
     BuildCardForSeries();
 }
 

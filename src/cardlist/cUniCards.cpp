@@ -94,15 +94,15 @@ bool Holds(const Ref<Recordset>& rs, std::string_view column, double number) {
 /// True if the series has images, or may still get them: taken here, less than ten minutes ago. Sets what
 /// the images tell.
 bool IsKept(cSerie& series, const Ref<Recordset>& rs) {
-    constexpr double tenMinutes = 600, secondsADay = 86400;
+    constexpr double tenMinutes = 10.0 / (24 * 60);  // in days
     if (!rs->Fields("ZeroImages").IsNull()) {
         series.ImgCount = Required<Long>(rs, "ImageCount");
         series.location =
             Holds(rs, "dicomstatussum", 2.0 * series.ImgCount) ? gdcmObjectLocBoth : gdcmObjectLocLocal;
         return true;
     }
-    const double age = std::round((Now().Days - series.SeriesDateTime.Days) * secondsADay);
-    return age < tenMinutes && series.OrgServer == 0;
+    const Date captured = Nz<Date>(rs, "SeriesDateTime");  // with fractions of a second, unlike the member
+    return captured.Days > Now().Days - tenMinutes && series.OrgServer == 0;
 }
 
 /// The rest of a series that stays in the list.

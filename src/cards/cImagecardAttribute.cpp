@@ -84,6 +84,7 @@ bool cImagecardAttribute::LoadImageManipulations(const Ref<Connection>& conn) {
         const Ref<Recordset> rs = OpenPlain(
             conn,
             sql("SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=", ID, " ORDER BY SequenceNo;"));
+        Manipulations->Count();  // a list that was set to null raises before any row is read
         for (; !rs->Eof(); rs->MoveNext()) {
             const Ref<cImageManipulation> step = New<cImageManipulation>();
             step->ImageManipulationID = Required<Long>(rs, "ImageManipulationID");

@@ -24,7 +24,9 @@ void cTemplate::GetTemplate(const Ref<Connection>& Con, Long TID, const Long& Di
     TCComments = TextOrEmpty(rs, "TCComments");
     TCHeight = CanvasSide(rs, "TCFullViewHeight", "TCPreviewHeight");
     TCWidth = CanvasSide(rs, "TCFullViewWidth", "TCPreviewWidth");
-    TCHidden = ValueOr(rs, "TCMaximized", 0) != 0;
+    TCHidden = OfColumn(rs, "TCMaximized", [](const ADODB::Field& field) {
+        return !field.IsNull() && field.As<double>() != 0;
+    });
     TCName = Required<String>(rs, "TCName");
     TCID = Required<Long>(rs, "TemplateID");
     TCChecksum = ValueOr(rs, "TCChecksum", 0);
@@ -89,11 +91,13 @@ void cTemplate::Insert(const Ref<Connection>& con) {
 }
 
 bool cTemplate::Save(const Ref<Connection>& Con) {
+    const Ref<cTemplate> held(this);  // handlers of the connection may release it
     if (TCID > 0)
         Con->Execute(UpdateStatement());
     else
         Insert(Con);
-    for (cTemplateAttribute& slot : Each<cTemplateAttribute>(*TemplateAttributes)) slot.Save(Con);
+    const Ref<Collection> slots = TemplateAttributes;  // handlers of the connection may replace it
+    for (cTemplateAttribute& slot : Each<cTemplateAttribute>(*slots)) slot.Save(Con);
     return true;
 }
 

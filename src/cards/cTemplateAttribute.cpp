@@ -59,6 +59,7 @@ String cTemplateAttribute::UpdateStatement() const {
 }
 
 bool cTemplateAttribute::Save(const Ref<Connection>& Con) {
+    const Ref<cTemplateAttribute> held(this);  // handlers of the connection may release it
     if (ID != 0) {
         Con->Execute(UpdateStatement());
         return true;

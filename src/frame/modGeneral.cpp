@@ -27,11 +27,26 @@ Escaped FixSqlString(std::string_view s) {
 
 Escaped UCase(const Escaped& text) { return Escaped(Platform::UCase(text.Text())); }
 
+namespace {
+
+/// False for a date that can't be formatted, which only those near the ends of the calendar can be.
+bool HasText(Date date) {
+    if (date.Days >= FirstDay && date.Days < LastDay) return true;
+    try {
+        CStr(Variant(date));
+        return true;
+    } catch (const Error&) {
+        return false;
+    }
+}
+
+}  // namespace
+
 Variant NzValue(Variant v) {
     constexpr Integer zero = 0;
     if (v.Is<String>()) return v.As<String>().find_first_not_of(' ') == String::npos ? Variant(zero) : v;
     if (v.Is<Null>() || v.Is<Empty>() || v.Is<Ref<Object>>() || v.Is<std::vector<String>>()) return zero;
-    if (v.Is<Date>() && !(v.As<Date>().Days > FirstDay - 1 && v.As<Date>().Days < LastDay + 1)) return zero;
+    if (v.Is<Date>() && !HasText(v.As<Date>())) return zero;
     return v;
 }
 

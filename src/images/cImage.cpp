@@ -135,9 +135,11 @@ void cImage::GetComments(const Ref<Connection>& Con) {
         OpenPlain(Con, sql("SELECT Comments_T.* From Comments_T ",
                            "Where (((Comments_T.tabelID)=1) AND ((Comments_T.objectID)=", ID, "))",
                            "ORDER BY Comments_T.dates ASC;"));
-    for (; !rs->Eof(); rs->MoveNext())
-        addComment(Required<String>(rs, "commentString"), Required<String>(rs, "signature"),
-                   Required<Date>(rs, "dates"), true);
+    for (; !rs->Eof(); rs->MoveNext()) {
+        const String text = Required<String>(rs, "commentString");
+        const String signature = Required<String>(rs, "signature");
+        addComment(text, signature, Required<Date>(rs, "dates"), true);
+    }
     rs->Close();
 }
 

@@ -83,46 +83,107 @@ Long cImage::ComputedDPI() const { return DPIX != 0 && DPIY != 0 ? DPIX : 0; }
 String cImage::InsertStatement(const String& teeth) const {
     constexpr Long notKnown = 10;
     const bool unknown = Pregnant == notKnown;
+    // clang-format off
     return sql(
         "INSERT INTO ImageBild_T ", "(ToothCollectionID, PatientID, DateCaptured_SD, Comments_NVC, ",
         "StandCollName_NVC, ComputedDPI_INT, HardwareSourceId_INT, ",
         "HardwareSourcetxt_NVC, RootId, GraphicURL_NVC, Invert_BT, StretchIntens_BT, ",
         "Rotation_INT, Contrast_INT, Brightness_INT, Histogram_BT, ExposureTime_F, ",
-        "HorizMirror_BT, VerticalMirror_BT, Responsible_Person_NVC, Approved, MirrRotStatus, ImageType, "
+        "HorizMirror_BT, VerticalMirror_BT, Responsible_Person_NVC, Approved, MirrRotStatus, ImageType, ",
         "CRC, ",
         "DPIY_INT, DPIX_INT, Voltage_INT, Current_INT, Capture_Person_NVC, Pregnant_BT, XRaySource_NVC, ",
-        "PrevXrayDate_DT, Dosage_INT, Study_ID, Series_ID, SOPInstanceUID_NVC, ImageNumberInSeries, "
+        "PrevXrayDate_DT, Dosage_INT, Study_ID, Series_ID, SOPInstanceUID_NVC, ImageNumberInSeries, ",
         "DicomStatus_INT ,FrameNumber_INT ,AnatomicRegion, DCMDerived_BT, ",
-        "Laterality, AnaRegion, AnaRegionMod, PriStructure, SubType_INT, Gamma_INT", ") ", "VALUES (", " 0, ",
-        PatID, ", '", Stamp(dateTime), "', '', '',  ", ComputedDPI(), ", 100, '", FixSqlString(HWSourceTxt),
-        "', ", RootId, ", '", FixSqlString(URL), "',", -Number(ApprInvert), ", 0,0,  ", ApprContrast, ", ",
-        ApprBrightness, ",  0, ", ExposureTime_ms, ",  0, 0, '", FixSqlString(RespPerson), "', ",
-        Number(Approved), ",  ", MirrRotStatus, ", ", ImageType, ", '", AsItStands(CRC), "',  ", DPIY, ", ",
-        DPIX, ", ", Voltage_kV, ",  ", Current_mA, ", '", "', ",
-        NumberOrNull{unknown, unknown ? 0 : CInt(Pregnant)}, ", '', '", Stamp(Date{}), "',  0,", studyID, ",",
-        seriesID, ",'", AsItStands(Trim(instanceUID)), "',", ImageNumberInSeries, ",  ", DicomStatus, ", ",
-        Long{FrameNumber}, ", '", AsItStands(ApprCrop), "', ", DCMDerived, ", '", AsItStands(Laterality),
-        "','", AsItStands(AnaRegion), "','", AsItStands(AnaRegionMod), "','", AsItStands(teeth), "', ",
-        SubType, ", ", ApprGamma, ");");
+        "Laterality, AnaRegion, AnaRegionMod, PriStructure, SubType_INT, Gamma_INT", ") ",
+        "VALUES (",
+        " 0, ",                                             // ToothCollectionID
+        PatID, ", ",                                        // PatientID
+        "'", Stamp(dateTime), "', ",                        // DateCaptured_SD
+        "'', ",                                             // Comments_NVC
+        "'',  ",                                            // StandCollName_NVC
+        ComputedDPI(), ", ",                                // ComputedDPI_INT
+        "100, ",                                            // HardwareSourceId_INT
+        "'", FixSqlString(HWSourceTxt), "', ",              // HardwareSourcetxt_NVC
+        RootId, ", ",                                       // RootId
+        "'", FixSqlString(URL), "',",                       // GraphicURL_NVC
+        -Number(ApprInvert), ", ",                          // Invert_BT
+        "0,",                                               // StretchIntens_BT
+        "0,  ",                                             // Rotation_INT
+        ApprContrast, ", ",                                 // Contrast_INT
+        ApprBrightness, ",  ",                              // Brightness_INT
+        "0, ",                                              // Histogram_BT
+        ExposureTime_ms, ",  ",                             // ExposureTime_F
+        "0, ",                                              // HorizMirror_BT
+        "0, ",                                              // VerticalMirror_BT
+        "'", FixSqlString(RespPerson), "', ",               // Responsible_Person_NVC
+        Number(Approved), ",  ",                            // Approved
+        MirrRotStatus, ", ",                                // MirrRotStatus
+        ImageType, ", ",                                    // ImageType
+        "'", AsItStands(CRC), "',  ",                       // CRC
+        DPIY, ", ",                                         // DPIY_INT
+        DPIX, ", ",                                         // DPIX_INT
+        Voltage_kV, ",  ",                                  // Voltage_INT
+        Current_mA, ", ",                                   // Current_INT
+        "'", "', ",                                         // Capture_Person_NVC
+        NumberOrNull{unknown, unknown ? 0 : CInt(Pregnant)}, ", ",  // Pregnant_BT
+        "'', ",                                             // XRaySource_NVC
+        "'", Stamp(Date{}), "',  ",                         // PrevXrayDate_DT
+        "0,",                                               // Dosage_INT
+        studyID, ",",                                       // Study_ID
+        seriesID, ",",                                      // Series_ID
+        "'", AsItStands(Trim(instanceUID)), "',",           // SOPInstanceUID_NVC
+        ImageNumberInSeries, ",  ",                         // ImageNumberInSeries
+        DicomStatus, ", ",                                  // DicomStatus_INT
+        Long{FrameNumber}, ", ",                            // FrameNumber_INT
+        "'", AsItStands(ApprCrop), "', ",                   // AnatomicRegion
+        DCMDerived, ", ",                                   // DCMDerived_BT
+        "'", AsItStands(Laterality), "',",                  // Laterality
+        "'", AsItStands(AnaRegion), "',",                   // AnaRegion
+        "'", AsItStands(AnaRegionMod), "',",                // AnaRegionMod
+        "'", AsItStands(teeth), "', ",                      // PriStructure
+        SubType, ", ",                                      // SubType_INT
+        ApprGamma, ");");                                   // Gamma_INT
+    // clang-format on
 }
 
 String cImage::UpdateStatement(const String& teeth) const {
+    // clang-format off
     return sql(
-        "UPDATE ImageBild_T ", "SET ", "ImageType = ", ImageType, ", ", "GraphicURL_NVC = '",
-        FixSqlString(URL), "', ", "Approved = ", Number(Approved), ", ", "MirrRotStatus = ", MirrRotStatus,
-        ", ", "DPIY_INT= ", DPIY, ", ", "DPIX_INT= ", DPIX, ", ", "ComputedDPI_INT= ", ComputedDPI(), ", ",
-        "PriStructure='", AsItStands(teeth), "',", "Study_ID=", studyID, ", ", "Series_ID=", seriesID, ", ",
-        "SOPInstanceUID_NVC='", AsItStands(instanceUID), "', ", "HardwareSourcetxt_NVC='",
-        FixSqlString(HWSourceTxt), "', ", "ImageNumberInSeries=", ImageNumberInSeries, ", ",
-        "dicomStatus_INT=", DicomStatus, ", ", "AnaRegion='", AsItStands(AnaRegion), "', ", "AnaRegionMod='",
-        AsItStands(AnaRegionMod), "', ", "FrameNumber_INT=", Long{FrameNumber}, ", ", "Gamma_INT=", ApprGamma,
-        ", ", "Invert_BT=", -Number(ApprInvert), ", ", "Contrast_INT=", ApprContrast, ", ",
-        "Brightness_INT=", ApprBrightness, ", ", "CRC='", AsItStands(CRC), "', ", "Laterality='",
-        AsItStands(Laterality), "', ", "PatientID=", PatID, ", ", "Capture_Person_NVC='",
-        AsItStands(CapturePerson), "', ", "Responsible_Person_NVC='", AsItStands(RespPerson), "', ",
-        "Voltage_INT= ", Voltage_kV, ", ", "DCMDerived_BT= ", DCMDerived, ", ", "SubType_INT= ", SubType,
-        ", ", "Current_INT= ", Current_mA, ", ", "AnatomicRegion= '", AsItStands(ApprCrop), "', ",
-        "ExposureTime_F = ", ExposureTime_ms, " WHERE ImageBildID = ", ID, ";");
+        "UPDATE ImageBild_T ", "SET ",
+        "ImageType = ", ImageType, ", ",
+        "GraphicURL_NVC = '", FixSqlString(URL), "', ",
+        "Approved = ", Number(Approved), ", ",
+        "MirrRotStatus = ", MirrRotStatus, ", ",
+        "DPIY_INT= ", DPIY, ", ",
+        "DPIX_INT= ", DPIX, ", ",
+        "ComputedDPI_INT= ", ComputedDPI(), ", ",
+        "PriStructure='", AsItStands(teeth), "',",
+        "Study_ID=", studyID, ", ",
+        "Series_ID=", seriesID, ", ",
+        "SOPInstanceUID_NVC='", AsItStands(instanceUID), "', ",
+        "HardwareSourcetxt_NVC='", FixSqlString(HWSourceTxt), "', ",
+        "ImageNumberInSeries=", ImageNumberInSeries, ", ",
+        "dicomStatus_INT=", DicomStatus, ", ",
+        "AnaRegion='", AsItStands(AnaRegion), "', ",
+        "AnaRegionMod='", AsItStands(AnaRegionMod), "', ",
+        "FrameNumber_INT=", Long{FrameNumber}, ", ",
+        "Gamma_INT=", ApprGamma, ", ",
+        "Invert_BT=", -Number(ApprInvert), ", ",
+        "Contrast_INT=", ApprContrast, ", ",
+        "Brightness_INT=", ApprBrightness, ", ",
+        "CRC='", AsItStands(CRC), "', ",
+        "Laterality='", AsItStands(Laterality), "', ",
+        "PatientID=", PatID, ", ",
+        "Capture_Person_NVC='", AsItStands(CapturePerson), "', ",
+        "Responsible_Person_NVC='", AsItStands(RespPerson), "', ",
+        "Voltage_INT= ", Voltage_kV, ", ",
+        "DCMDerived_BT= ", DCMDerived, ", ",
+        "SubType_INT= ", SubType, ", ",
+        "Current_INT= ", Current_mA, ", ",
+        "AnatomicRegion= '", AsItStands(ApprCrop), "', ",
+        "ExposureTime_F = ", ExposureTime_ms,
+        " WHERE ImageBildID = ", ID, ";");
+    // clang-format on
 }
 
 void cImage::SaveComments(const Ref<Connection>& Con) {

@@ -1,6 +1,7 @@
 #include "people/OutsideGUID.h"
 
-#include "people/cDoctors.h"
+#include <array>
+#include <cstdio>
 
 namespace OXClass {
 
@@ -8,6 +9,19 @@ using namespace Platform;
 
 std::function<String()> OutsideGUID;
 
-String NewOutsideGUID() { return UCase(OutsideGUID ? OutsideGUID() : New<cDoctors>()->GetGUID()); }
+String NewDoctorGUID() {
+    Guid guid;
+    if (CreateGuid(guid) != 0) return {};
+    std::array<char, 33> digits{};
+    std::snprintf(digits.data(), digits.size(), "%08X%04X%04X", guid.Data1, guid.Data2, guid.Data3);
+    String text = digits.data();
+    for (const std::uint8_t byte : guid.Data4) {
+        std::snprintf(digits.data(), digits.size(), "%02X", byte);
+        text += digits.data();
+    }
+    return text;
+}
+
+String NewOutsideGUID() { return UCase(OutsideGUID ? OutsideGUID() : NewDoctorGUID()); }
 
 }  // namespace OXClass

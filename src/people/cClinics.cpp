@@ -3,6 +3,8 @@
 #include "frame/Reading.h"
 #include "platform/component/dispatch/InterfaceTable.h"
 
+#include <array>
+
 namespace OXClass {
 
 using namespace Platform;
@@ -30,10 +32,13 @@ Long cClinics::GetAllClinics(const Ref<Connection>& Con) {
         }
         Long count = 0;
         for (; !rs->Eof(); rs->MoveNext()) {
+            // Braces read the columns in this order, so that of several bad columns the first one raises.
             const Long number = Required<Long>(rs, "ClinicID");
-            Add(number, TextOrEmpty(rs, "ClinicName"), TextOrEmpty(rs, "OrgNumber"), TextOrEmpty(rs, "ZipCode"),
-                TextOrEmpty(rs, "StreetAdress"), TextOrEmpty(rs, "City"), TextOrEmpty(rs, "Telephone"),
-                TextOrEmpty(rs, "Remarks"), "K" + CStr(number));
+            const std::array texts{TextOrEmpty(rs, "ClinicName"), TextOrEmpty(rs, "OrgNumber"),
+                                   TextOrEmpty(rs, "ZipCode"),    TextOrEmpty(rs, "StreetAdress"),
+                                   TextOrEmpty(rs, "City"),       TextOrEmpty(rs, "Telephone"),
+                                   TextOrEmpty(rs, "Remarks")};
+            Add(number, texts[0], texts[1], texts[2], texts[3], texts[4], texts[5], texts[6], "K" + CStr(number));
             ++count;
         }
         rs->Close();

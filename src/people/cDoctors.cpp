@@ -1,9 +1,9 @@
 #include "people/cDoctors.h"
 
 #include "frame/Reading.h"
+#include "people/OutsideGUID.h"
 #include "platform/component/dispatch/InterfaceTable.h"
 
-#include <cstdio>
 
 namespace OXClass {
 
@@ -16,11 +16,13 @@ Long cDoctors::GetAllDoctors(const Ref<Connection>& Con) {
             Con, "SELECT * FROM Doctor_T order by DrLastName_nvc, DrFirstname_nvc;", ADODB::adCmdUnspecified);
         Long count = 0;
         for (; !rs->Eof(); rs->MoveNext()) {
+            // Braces read the columns in this order, so that of several bad columns the first one raises.
             const Long number = Required<Long>(rs, "drID");
-            const Ref<cDoctor> doctor =
-                Add(number, TextOrEmpty(rs, "DrName_NVC"), TextOrEmpty(rs, "DrFirstName_NVC"),
-                    TextOrEmpty(rs, "DrLastName_NVC"), TextOrEmpty(rs, "DrPrefix_NVC"), TextOrEmpty(rs, "DrContactInfo_NVC"),
-                    Nz<DoctorType>(rs, "DrType_INT"), "K" + CStr(number));
+            const std::array texts{TextOrEmpty(rs, "DrName_NVC"), TextOrEmpty(rs, "DrFirstName_NVC"),
+                                   TextOrEmpty(rs, "DrLastName_NVC"), TextOrEmpty(rs, "DrPrefix_NVC"),
+                                   TextOrEmpty(rs, "DrContactInfo_NVC")};
+            const Ref<cDoctor> doctor = Add(number, texts[0], texts[1], texts[2], texts[3], texts[4],
+                                            Nz<DoctorType>(rs, "DrType_INT"), "K" + CStr(number));
             doctor->DrEMail = TextOrEmpty(rs, "DrEMail");
             doctor->drGUID = UCase(TextOrEmpty(rs, "drGUID"));
             doctor->DrLogin = TextOrEmpty(rs, "DrLogin");
@@ -46,18 +48,7 @@ Ref<cDoctor> cDoctors::Add(const Long& drID, const String& DrName, const String&
     return AddMember(doctor, sKey);
 }
 
-String cDoctors::GetGUID() const {
-    Guid guid;
-    if (CreateGuid(guid) != 0) return {};
-    std::array<char, 33> digits{};
-    std::snprintf(digits.data(), digits.size(), "%08X%04X%04X", guid.Data1, guid.Data2, guid.Data3);
-    String text = digits.data();
-    for (const std::uint8_t byte : guid.Data4) {
-        std::snprintf(digits.data(), digits.size(), "%02X", byte);
-        text += digits.data();
-    }
-    return text;
-}
+String cDoctors::GetGUID() const { return NewDoctorGUID(); }
 
 const Interface& cDoctors::Describe() const {
     static const Interface& self = InterfaceOf<cDoctors>({

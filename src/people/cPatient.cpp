@@ -69,10 +69,10 @@ String cPatient::OtherIDsColumn() const {
     return Left(OtherIDs->GetAllAsString(), width);
 }
 
-String cPatient::UpdateStatement() const {
+String cPatient::UpdateStatement(const String& birth, const String& previous) const {
     return sql("Update Patient_T ", "Set Firstname_NVC='", FixSqlString(FirstName), "',", "LastName_NVC='",
-               FixSqlString(LastName), "',", "Birthdate_CH='", AsItStands(DateColumn(BirthDate)), "',",
-               "PrevXrayDate_CH='", AsItStands(DateColumn(PrevXrayDate)), "',", "Address_NVC='",
+               FixSqlString(LastName), "',", "Birthdate_CH='", AsItStands(birth), "',",
+               "PrevXrayDate_CH='", AsItStands(previous), "',", "Address_NVC='",
                FixSqlString(Address), "',", "TelOne_NVC='", FixSqlString(TelOne), "',", "TelTwo_NVC='",
                FixSqlString(TelTwo), "',", "TelMobile_NVC ='", FixSqlString(TelMobile), "',",
                "email_adress='", FixSqlString(EMail), "',", "Comments_NVC='", FixSqlString(Comments), "',",
@@ -81,31 +81,32 @@ String cPatient::UpdateStatement() const {
                FixSqlString(UCase(PatientID)), "'");
 }
 
-String cPatient::InsertStatement() const {
+String cPatient::InsertStatement(const String& birth, const String& previous) const {
     return sql(
         "INSERT INTO Patient_T ",
         "(PersonNr_CH, Birthdate_CH, Firstname_NVC, LastName_NVC, Sex_CH, OtherIDs, RespDoctor, "
         "Address_NVC,TelOne_NVC, TelTwo_NVC, TelMobile_NVC, email_adress, Comments_NVC, PrevXrayDate_CH, "
         "IDImg) ",
-        "VALUES (", "'", UCase(FixSqlString(PatientID)), "', ", "'", FixSqlString(DateColumn(BirthDate)),
+        "VALUES (", "'", UCase(FixSqlString(PatientID)), "', ", "'", FixSqlString(birth),
         "', ", "'", FixSqlString(FirstName), "', ", "'", FixSqlString(LastName), "', ", "'", AsItStands(Sex),
         "',", "'", AsItStands(OtherIDsColumn()), "', ", RespDoctor, ", ", "'", FixSqlString(Address), "', ",
         "'", FixSqlString(TelOne), "', ", "'", FixSqlString(TelTwo), "', ", "'", FixSqlString(TelMobile),
         "', ", "'", FixSqlString(EMail), "', ", "'", FixSqlString(Comments), "', ", "'",
-        AsItStands(DateColumn(PrevXrayDate)), "', ", "'", FixSqlString(IDImg), "' ", ");");
+        AsItStands(previous), "', ", "'", FixSqlString(IDImg), "' ", ");");
 }
 
 Long cPatient::Save(Ref<Connection> Con) {
+    const String birth = DateColumn(BirthDate), previous = DateColumn(PrevXrayDate);
     const Ref<Recordset> rs = OpenPlain(
         Con, sql("Select * from Patient_T where ", "(PersonNr_CH) = '", UCase(FixSqlString(PatientID)), "'"));
     if (!rs->Eof()) {
         ID = Required<Long>(rs, "PatientID");
         rs->Close();
-        Con->Execute(UpdateStatement());
+        Con->Execute(UpdateStatement(birth, previous));
         return 0;
     }
     rs->Close();
-    Con->Execute(InsertStatement());
+    Con->Execute(InsertStatement(birth, previous));
     const Ref<Recordset> newest = OpenPlain(Con,
                                             sql("SELECT MAX(PatientID) AS Max_ID FROM Patient_T WHERE ",
                                                 "(PersonNr_CH)='", UCase(FixSqlString(PatientID)), "';"),

@@ -60,8 +60,8 @@ public:
 
 private:
     void ReadRow(const Ref<Recordset>& rs);
-    String UpdateStatement() const;
-    String InsertStatement() const;
+    String UpdateStatement(const String& birth, const String& previous) const;
+    String InsertStatement(const String& birth, const String& previous) const;
     String OtherIDsColumn() const;
 
     Completion loadCompletion_;

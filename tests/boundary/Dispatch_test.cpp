@@ -111,6 +111,16 @@ TEST(Invoke, ArgumentsByReferenceComeBack) {
     EXPECT_EQ(typed, 2);
 }
 
+TEST(Invoke, AnArgumentByReferenceComesBackFromAnOperationThatRaises) {
+    const Dispatch ids = Create("OXClass.OtherPatIDs");
+    Call(ids, "Add", {"one", 1, "K"});
+    Value text(" abc ");
+    const Outcome failed = Invoke(ids.Get(), "Add", DISPATCH_METHOD,
+                                  {Value::Reference(VT_BSTR, &text.Get().bstrVal), 2, "K"});
+    EXPECT_EQ(failed.Code, DISP_E_EXCEPTION);
+    EXPECT_EQ(text.String(), "ABC");
+}
+
 TEST(Invoke, AnObjectIsTakenThroughAReference) {
     const Dispatch comments = Create("OXClass.cComments");
     Dispatch item = Create("OXClass.cStringItem");

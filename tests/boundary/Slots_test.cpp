@@ -185,6 +185,19 @@ TEST(Slots, WhatComesBackTakesThePlaceOfWhatWasThere) {
     lists->Release();
 }
 
+TEST(Slots, AnArgumentByReferenceComesBackFromAnOperationThatRaises) {
+    const Dispatch ids = Create("OXClass.OtherPatIDs");
+    Call(ids, "Add", {"one", 1, "K"});
+    Text text(" abc "), key("K");
+    LONG id = 2;
+    IDispatch* item = nullptr;
+    EXPECT_EQ(CallSlot(ids.Get(), FindSlot(ids.Get(), "Add", "operation"),
+                       {Place(text.Place()), Place(&id), Place(key.Place()), Place(&item)}),
+              static_cast<HRESULT>(0x800A01C9));
+    EXPECT_EQ(text.Utf8(), "ABC");
+    EXPECT_EQ(item, nullptr);
+}
+
 TEST(Slots, AFailureIsItsNumberWithARecord) {
     const Dispatch comments = Create("OXClass.cComments");
     Value index(7);

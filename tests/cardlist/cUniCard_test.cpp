@@ -195,6 +195,45 @@ TEST_F(UniCard, ACardLoadsItsPlacedImagesAndThenTheImages) {
     EXPECT_THAT(Images(), ElementsAre(12, 11)) << "in the order of capture";
 }
 
+/// Replaces everything that an entry holds, and releases the entry, before each statement.
+struct ReleasesEntry final : ADODB::ConnectionEvents {
+    void WillExecute(ADODB::ExecuteRequest&) override {
+        if (!*entry) return;
+        (*entry)->Imagecard = New<cImagecard>();
+        (*entry)->colImages = New<cImages>();
+        (*entry)->Template = New<cTemplate>();
+        *entry = nullptr;
+    }
+    Ref<cUniCard>* entry = nullptr;
+};
+
+TEST_F(UniCard, AHandlerMayReleaseACardWhileItIsLoaded) {
+    HoldCard();
+    RunImage(11, "0", "2024-01-02 00:00:00");
+    RunPlaced(1, 11, 1);
+    ReleasesEntry releases;
+    cUniCard& loaded = *entry;
+    releases.entry = &entry;
+    con->Advise(releases);
+    Long key = 5;
+    EXPECT_EQ(FailureOf([&] { EXPECT_EQ(loaded.LoadCardFull(con, "", key, ctImagecard), 0); }).Number, 0);
+    con->Unadvise(releases);
+    EXPECT_FALSE(entry);
+}
+
+TEST_F(UniCard, AHandlerMayReleaseASeriesWhileItIsLoaded) {
+    HoldSeries();
+    RunImage(11, "5", "2024-01-02 00:00:00");
+    ReleasesEntry releases;
+    cUniCard& loaded = *entry;
+    releases.entry = &entry;
+    con->Advise(releases);
+    Long key = 5;
+    EXPECT_EQ(FailureOf([&] { EXPECT_EQ(loaded.LoadCardFull(con, "", key, ctseries), 0); }).Number, 0);
+    con->Unadvise(releases);
+    EXPECT_FALSE(entry);
+}
+
 TEST_F(UniCard, TheStoredNumbersOfACardAreReplaced) {
     HoldCard();
     RunPlaced(1, 11, 4);

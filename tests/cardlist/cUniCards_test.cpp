@@ -599,6 +599,13 @@ TEST_F(UniCards, ASeriesOfNineMinutesAndFiftyNineSecondsStays) {
     EXPECT_THAT(Keys(), ElementsAre("SE5"));
 }
 
+TEST_F(UniCards, ASeriesIsComparedWithItsFractionOfASecond) {
+    RunSeries(5, noon);
+    Run("UPDATE Series_T SET SeriesDateTime = julianday('2024-05-06 12:00:00.400') - 2415018.5");
+    Load();
+    EXPECT_EQ(CountOf("Series_T"), 1) << "taken 9 minutes and 59.6 seconds ago";
+}
+
 TEST_F(UniCards, TenMinutesAreTenMinutesAtEverySecondOfTheDay) {
     for (int second = 0; second < 86400; second += 3677) {
         const auto at = [&](int offset) {

@@ -602,6 +602,12 @@ TEST_F(Steps, AStoredStepWithoutATypeIsReplaced) {
     EXPECT_THAT(StoredSteps(), ElementsAre("21:1:6:0:new"));
 }
 
+TEST_F(Steps, AListThatWasSetToNullFailsTheLoadAlsoWithoutRows) {
+    placed->Manipulations = nullptr;
+    EXPECT_FALSE(placed->LoadImageManipulations(con));
+    EXPECT_EQ(placed->LoadCompletion().Failure().Number, 91);
+}
+
 TEST_F(Steps, AHandlerOfTheConnectionMayReplaceThemWhileTheyAreWritten) {
     struct Replacing final : ADODB::ConnectionEvents {
         void WillExecute(ADODB::ExecuteRequest& request) override {

@@ -198,6 +198,22 @@ TEST_F(Slot, InsertsWithIdZeroAndReadsItsKey) {
     EXPECT_EQ(Ask("SELECT TAImagePath FROM TemplateAttribute_T"), Variant("C:\\it's.jpg"));
 }
 
+TEST_F(Slot, AHandlerMayReleaseItWhileItIsSaved) {
+    struct Releasing final : ADODB::ConnectionEvents {
+        void WillExecute(ADODB::ExecuteRequest&) override { *held = nullptr; }
+        Ref<cTemplateAttribute>* held = nullptr;
+    } releasing;
+    Ref<cTemplateAttribute> slot = New<cTemplateAttribute>();
+    slot->TCID = 7;
+    cTemplateAttribute& saved = *slot;
+    releasing.held = &slot;
+    con->Advise(releasing);
+    EXPECT_EQ(FailureOf([&] { EXPECT_TRUE(saved.Save(con)); }).Number, 0);
+    con->Unadvise(releasing);
+    EXPECT_FALSE(slot);
+    EXPECT_EQ(Ask("SELECT count(*) FROM TemplateAttribute_T WHERE TemplateId=7"), Variant(Long{1}));
+}
+
 TEST_F(Slot, UpdatesWithAnyOtherId) {
     FillAll();
     for (const Long id : {9, -1}) {

@@ -201,6 +201,10 @@ TEST_F(Template, ANullForcedTypeIsSavedAsMinusOne) {
 
 TEST_F(Template, AnyOtherFlagThanZeroIsHidden) { EXPECT_TRUE(Loaded("TCMaximized=-7")->TCHidden); }
 
+TEST_F(Template, AFractionInTheFlagIsHidden) { EXPECT_TRUE(Loaded("TCMaximized=0.4")->TCHidden); }
+
+TEST_F(Template, AFlagBeyondWholeNumbersIsHidden) { EXPECT_TRUE(Loaded("TCMaximized=3000000000")->TCHidden); }
+
 TEST_F(Template, ANullNameFailsTheLoadAndLeavesTheMembersReadBeforeIt) {
     RunRow(7, 5, "TCName=NULL");
     EXPECT_EQ(FailureOf([&] { card->GetTemplate(con, 7); }).Number, 94);
@@ -391,6 +395,25 @@ TEST_F(Template, AnUpdateLeavesTheSlotsNumbersToTheSlots) {
     EXPECT_EQ(SlotAt(1)->TCID, 600);
     EXPECT_EQ(SlotAt(1)->ID, 501);
     EXPECT_THAT(Sent().at(1), HasSubstr("UPDATE TemplateAttribute_T SET TemplateID = 600, "));
+}
+
+TEST_F(Template, AHandlerMayReplaceTheSlotsAndReleaseTheTemplateWhileTheyAreSaved) {
+    struct Releasing final : ADODB::ConnectionEvents {
+        void WillExecute(ADODB::ExecuteRequest&) override {
+            if (!*owner) return;
+            (*owner)->TemplateAttributes = New<Collection>();
+            *owner = nullptr;
+        }
+        Ref<cTemplate>* owner = nullptr;
+    } releasing;
+    card->TCID = 7;
+    AddSlot(1)->ID = 0;
+    AddSlot(2)->ID = 0;
+    releasing.owner = &card;
+    cTemplate& saved = *card;
+    con->Advise(releasing);
+    EXPECT_EQ(FailureOf([&] { saved.Save(con); }).Number, 91) << "the list was replaced by an empty one";
+    con->Unadvise(releasing);
 }
 
 TEST_F(Template, ASlotThatWasTakenOutStaysInItsTable) {

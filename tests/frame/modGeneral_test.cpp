@@ -67,6 +67,11 @@ TEST(NzValueOf, ATextOfBlanksIsTheInteger0) {
 
 TEST(NzValueOf, ATextWithOuterBlanksComesBackUnchanged) { EXPECT_EQ(NzValue("  a "), Variant("  a ")); }
 
+TEST(NzValueOf, ADateWhoseTextCannotBeFormedIsTheInteger0) {
+    EXPECT_EQ(NzValue(Date{2958465.9999999}), Variant(zero)) << "rounded to seconds it lies behind the last day";
+    EXPECT_EQ(NzValue(Date{2958465.5}), Variant(Date{2958465.5}));
+}
+
 TEST(NzValueOf, ATabAloneComesBack) {
     EXPECT_EQ(NzValue("\t"), Variant("\t"));
     EXPECT_EQ(NzValue(" \n "), Variant(" \n "));

@@ -226,6 +226,23 @@ TEST_F(GetComments, SendsItsStatement) {
     EXPECT_THAT(Sent(), ElementsAre(SelectOfImage7));
 }
 
+TEST_F(GetComments, OfTwoBadColumnsTheFirstInTheDocumentedOrderRaises) {
+    Run("INSERT INTO Comments_T (tabelID, objectID, commentString, signature, dates) VALUES (1, 7, NULL, NULL, 'x')");
+    const Error failure = FailureOf([&] { image->GetComments(con); });
+    EXPECT_EQ(failure.Number, 94);
+    EXPECT_EQ(failure.Column, "commentString");
+}
+
+TEST_F(GetComments, TwoEqualCommentsAreBothLoaded) {
+    for (int i = 0; i < 2; ++i)
+        Run("INSERT INTO Comments_T (tabelID, objectID, commentString, signature, dates) VALUES (1, 7, 'caries', 'Ek', "
+            "'2024-03-05 14:07:09')");
+    image->GetComments(con);
+    ASSERT_EQ(image->Comments()->Count(), 2);
+    EXPECT_EQ(image->Comments()->Item(Long{1})->str, "caries");
+    EXPECT_EQ(image->Comments()->Item(Long{2})->str, "caries");
+}
+
 TEST_F(GetComments, WithoutRowsLeavesAnEmptyListAndAsksAgain) {
     image->GetComments(con);
     EXPECT_EQ(image->Comments()->Count(), 0);

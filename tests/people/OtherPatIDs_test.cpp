@@ -131,6 +131,17 @@ TEST(OtherIdentifiers, AddChangesALateBoundCallersVariableToo) {
     EXPECT_EQ(arguments[0], Variant("ABC"));
 }
 
+TEST(OtherIdentifiers, AddUnderAKeyThatExistsRaisesAndStillChangesTheCallersVariable) {
+    OtherPatIDs ids;
+    String first = "one", text = " abc ";
+    ids.Add(first, 1, "K");
+    EXPECT_THROW(ids.Add(text, 2, "K"), Error);
+    EXPECT_EQ(text, "ABC");
+    std::vector<Variant> arguments{Variant(" def "), Variant(Long{3}), Variant("K")};
+    EXPECT_THROW(Invoke(ids, "Add", MemberKind::Operation, arguments), Error);
+    EXPECT_EQ(arguments[0], Variant("DEF"));
+}
+
 TEST(OtherIdentifiers, AddOfBlanksGivesNothingAndLeavesTheCallersVariableEmpty) {
     OtherPatIDs ids;
     String text = "   ";

@@ -271,6 +271,13 @@ TEST_F(Clinics, AMissingColumnFailsTheLoadAndLeavesNoClinic) {
 // ---- the head office
 // ----------------------------------------------------------------------------------------
 
+TEST_F(Clinics, OfTwoBadColumnsTheFirstInTheDocumentedOrderRaises) {
+    RunRow(5, "a");
+    Run("ALTER TABLE Clinic_T RENAME COLUMN OrgNumber TO a");
+    Run("ALTER TABLE Clinic_T RENAME COLUMN Remarks TO b");
+    EXPECT_EQ(FailureOf([&] { clinics->GetAllClinics(con); }).Column, "OrgNumber");
+}
+
 TEST_F(Clinics, TheHeadOfficeOfAnEmptyListIsLoaded) {
     RunRow(5, "North");
     RunRow(6, "__HQ");

@@ -305,6 +305,13 @@ TEST_F(Doctors, AMissingColumnOfTheNamesLeavesNoDoctor) {
     EXPECT_EQ(doctors->Count(), 0);
 }
 
+TEST_F(Doctors, OfTwoBadColumnsTheFirstInTheDocumentedOrderRaises) {
+    Run("ALTER TABLE Doctor_T RENAME COLUMN DrName_NVC TO a");
+    Run("ALTER TABLE Doctor_T RENAME COLUMN DrContactInfo_NVC TO b");
+    Run("INSERT INTO Doctor_T (drID, DrType_INT) VALUES (5, 'x')");
+    EXPECT_EQ(FailureOf([&] { doctors->GetAllDoctors(con); }).Column, "DrName_NVC");
+}
+
 // ---- identifiers
 // --------------------------------------------------------------------------------------------
 

@@ -49,6 +49,16 @@ protected:
     Ref<cPatient> patient = New<cPatient>();
 };
 
+TEST_F(Patient, ADateThatCannotBeFormattedRaisesBeforeAnyStatement) {
+    for (const bool birth : {true, false}) {
+        const Ref<cPatient> patient = New<cPatient>();
+        patient->PatientID = "P1";
+        (birth ? patient->BirthDate : patient->PrevXrayDate) = Date{1e9};
+        EXPECT_NE(FailureOf([&] { patient->Save(con); }).Number, 0);
+        EXPECT_THAT(Sent(), testing::IsEmpty());
+    }
+}
+
 TEST_F(Patient, HasTheDocumentedMembers) {
     EXPECT_THAT(
         MembersOf(*patient),

@@ -16,6 +16,7 @@ given as a ``ByRef``. An object belongs to the thread that made it.
 
 The library is loaded at the first use: see ``oxclass._library`` for where it is looked for.
 """
+from . import _classes  # noqa: F401  (provides the classes of objects)
 from ._creation import CreateObject, Global
 from ._enumerations import *  # noqa: F401,F403
 from ._enumerations import __all__ as _documented

@@ -12,6 +12,7 @@ from ctypes import c_void_p
 from typing import Any, Callable, Dict, Iterable, List, Optional
 
 from . import _binary as binary
+from . import _objects
 from ._errors import E_NOINTERFACE, no_member
 from ._library import library
 from ._members import Argument, Member, invoke, member_of
@@ -250,3 +251,6 @@ def class_of(pointer: int) -> type:
         if name not in _by_name:
             _by_name[name] = build(description)
         return _by_table.setdefault(table, _by_name[name])
+
+
+_objects.class_of = class_of

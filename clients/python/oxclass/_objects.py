@@ -2,13 +2,17 @@
 from __future__ import annotations
 
 from ctypes import c_uint32
-from typing import Any, Dict, NoReturn, Optional
+from typing import Any, Callable, Dict, NoReturn, Optional
 
 from . import _binary as binary
 from ._binary import VARIANT
 from ._errors import no_member
 from ._library import library
 from ._threads import Hold, current
+
+# Functions of the modules that are built on this one, which set them when they are imported.
+class_of: Callable[[int], type]  # the Python class of an interface pointer (_classes)
+take: Callable[[VARIANT], Any]  # the Python value of a variant, which is cleared (_values)
 
 
 class Object:
@@ -64,8 +68,6 @@ def wrap(pointer: Optional[int], cls: Optional[type] = None) -> Any:
     if known is not None:
         return known
     if cls is None:
-        from ._classes import class_of  # which makes its members of this module's parts
-
         cls = class_of(pointer)
     binary.add_ref(pointer)
     return adopt(cls, pointer)
@@ -94,8 +96,6 @@ class Iterator(Object):
         return self
 
     def __next__(self) -> Any:
-        from ._values import take
-
         if self._at_end:
             raise StopIteration
         value, fetched = VARIANT(), c_uint32()

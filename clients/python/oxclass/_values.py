@@ -9,7 +9,7 @@ from ctypes import c_int32, c_uint16, c_void_p
 from typing import Any, Callable, Dict, Generic, List, NamedTuple, Tuple, TypeVar
 
 from . import _binary as binary
-from . import _enumerations
+from . import _enumerations, _objects
 from ._binary import VARIANT
 from ._errors import DISP_E_PARAMNOTFOUND, E_OUTOFMEMORY, OVERFLOW, TYPE_MISMATCH, Error, error_of
 from ._library import library
@@ -299,3 +299,6 @@ class Returning:
 
     def clear(self) -> None:
         library().VariantClear(self._inner)
+
+
+_objects.take = take

@@ -10,6 +10,7 @@
 #include "platform/runtime/Collection.h"
 
 #include <algorithm>
+#include <exception>
 #include <initializer_list>
 #include <vector>
 
@@ -67,6 +68,32 @@ HRESULT STDMETHODCALLTYPE GetIDsOfNames(InterfacePointer* self, REFIID riid, LPO
     });
 }
 
+// ---- calls, by name and by slot ----------------------------------------------------------------------
+
+/// Calls the member; then `write(i)` writes the value of each argument that comes back to the caller. It does so as well
+/// when the member raises, because a client sees what was assigned before. What can't be written then is ignored.
+template <class Write>
+Variant CallAndWriteBack(const Member& member, Object& object, std::span<Variant> values, Write write) {
+    const auto writeAll = [&] {
+        for (std::size_t i = 0; i < values.size(); ++i)
+            if (member.Arguments[i].ComesBack) write(i);
+    };
+    try {
+        Variant result = member.Call(object, values);
+        writeAll();
+        return result;
+    } catch (const ArgumentError&) {
+        throw;  // the member was not called
+    } catch (...) {
+        const std::exception_ptr raised = std::current_exception();
+        try {
+            writeAll();
+        } catch (const Error&) {
+        }
+        std::rethrow_exception(raised);
+    }
+}
+
 // ---- IDispatch: calls -------------------------------------------------------------------------------
 
 /// The arguments of one call by name, brought into the member's order.
@@ -98,11 +125,9 @@ public:
     }
 
     Variant Run(Object& object) {
-        Variant result = member_.Call(object, values_);
-        for (std::size_t i = 0; i < given_.size(); ++i)
-            if (given_[i] && member_.Arguments[i].ComesBack && (given_[i]->vt & VT_BYREF))
-                WriteBack(values_[i], *given_[i]);
-        return result;
+        return CallAndWriteBack(member_, object, values_, [&](std::size_t i) {
+            if (given_[i] && (given_[i]->vt & VT_BYREF)) WriteBack(values_[i], *given_[i]);
+        });
     }
 
     /// The position in the caller's list of an argument.
@@ -302,18 +327,17 @@ void WriteArgument(const Argument& argument, const Variant& value, const void* p
 
 HRESULT Run(Object& object, const Member& member, const void* const* given) {
     const std::size_t count = member.Arguments.size();
-    const bool gives = member.Result.Is != MemberType::Kind::None;
-    void* const result = gives ? *static_cast<void* const*>(given[count]) : nullptr;
-    if (gives && !result) return FailWith(E_POINTER, "The result's place is missing");
-    if (gives) ClearPlace(member.Result, result);
+    const bool hasResult = member.Result.Is != MemberType::Kind::None;
+    void* const result = hasResult ? *static_cast<void* const*>(given[count]) : nullptr;
+    if (hasResult && !result) return FailWith(E_POINTER, "The result's place is missing");
+    if (hasResult) ClearPlace(member.Result, result);
 
     std::vector<Variant> values(count);
     for (std::size_t i = 0; i < count; ++i) values[i] = ReadArgument(member, i, PlaceOf(member, i, given[i]));
-    const Variant value = member.Call(object, values);
-    for (std::size_t i = 0; i < count; ++i)
-        if (const void* place = PlaceOf(member, i, given[i]); place && member.Arguments[i].ComesBack)
-            WriteArgument(member.Arguments[i], values[i], place);
-    if (gives) WritePlace(member.Result, value, result);
+    const Variant value = CallAndWriteBack(member, object, values, [&](std::size_t i) {
+        if (const void* place = PlaceOf(member, i, given[i])) WriteArgument(member.Arguments[i], values[i], place);
+    });
+    if (hasResult) WritePlace(member.Result, value, result);
     return S_OK;
 }
 

@@ -3,6 +3,7 @@
 #include "platform/runtime/Convert.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace Platform {
 namespace {
@@ -84,9 +85,12 @@ Variant Invoke(Object& object, std::string_view name, MemberKind kind, std::span
         if (!member->Arguments[i].Optional) Raise(err::ArgumentNotOptional);
         all.push_back(member->Arguments[i].Default);
     }
-    Variant result = member->Call(object, all);
-    std::copy_n(all.begin(), arguments.size(), arguments.begin());
-    return result;
+    struct CopyBack {
+        ~CopyBack() { std::copy_n(std::make_move_iterator(from.begin()), to.size(), to.begin()); }
+        std::vector<Variant>& from;
+        std::span<Variant> to;
+    } const copyBack{all, arguments};
+    return member->Call(object, all);
 }
 
 }  // namespace Platform

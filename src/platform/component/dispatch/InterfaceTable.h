@@ -165,16 +165,18 @@ struct OperationCall {
     template <std::size_t... I>
     static Variant With(Object& self, [[maybe_unused]] std::span<Variant> arguments,
                         std::index_sequence<I...>) {
-        std::tuple<BoundArgument<A>...> passing{BoundArgument<A>(arguments[I], I)...};
+        std::tuple<BoundArgument<A>...> bound{BoundArgument<A>(arguments[I], I)...};
+        // What the operation assigned to an argument by reference stays assigned when it raises afterwards.
+        struct WriteBack {
+            ~WriteBack() { (std::get<I>(bound).Return(), ...); }
+            std::tuple<BoundArgument<A>...>& bound;
+        } const writeBack{bound};
         auto& object = static_cast<C&>(self);
         if constexpr (std::is_void_v<R>) {
-            std::invoke(F, object, std::get<I>(passing).value...);
-            (std::get<I>(passing).Return(), ...);
+            std::invoke(F, object, std::get<I>(bound).value...);
             return {};
         } else {
-            Variant result(std::invoke(F, object, std::get<I>(passing).value...));
-            (std::get<I>(passing).Return(), ...);
-            return result;
+            return Variant(std::invoke(F, object, std::get<I>(bound).value...));
         }
     }
     static std::vector<Argument> Arguments(const std::vector<ArgumentName>& names) {

@@ -11,7 +11,7 @@ const Interface& TableOfCollection() {
     static const Interface& self = InterfaceOf<Collection>({
         Operation<&Collection::Item>("Item", {"Index"}, DefaultMember),
         Operation<&Collection::Add>("Add", {"Item", Optional("Key"), Optional("Before"), Optional("After")}),
-        Operation<&Collection::Count>("Count"),
+        ReadOnly<&Collection::Count>("Count"),
         Operation<&Collection::Remove>("Remove", {"Index"}),
         Operation<&Collection::NewEnum>("_NewEnum", {}, EnumeratorMember),
     });

@@ -1,7 +1,8 @@
 #include "platform/component/registry/ClassRegistry.h"
 
 #include "platform/component/binary/Identifier.h"
-#include "platform/component/registry/WholeFile.h"
+#include "platform/component/registry/FolderLock.h"
+#include "platform/runtime/AtomicFile.h"
 #include "platform/runtime/Error.h"
 #include "platform/runtime/Text.h"
 
@@ -82,7 +83,7 @@ void ChangeFile(Change change) {
     change(libraries);
     if (libraries == before) return;
     if (!libraries.empty()) {
-        if (!WriteWhole(file, Print(libraries))) Refuse(file, "can't be written");
+        if (!WriteAtomically(file, Print(libraries))) Refuse(file, "can't be written");
     } else if (std::filesystem::remove(file, failed); failed) {
         Refuse(file, "can't be removed");
     }

@@ -1,14 +1,16 @@
-#include "platform/component/registry/WholeFile.h"
+#include "platform/runtime/AtomicFile.h"
 
 #include <string>
 
 #ifdef _WIN32
-#include "platform/component/binary/ComponentModel.h"
+#define WIN32_LEAN_AND_MEAN
+#define NOMINMAX
+#include <windows.h>
 #else
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #endif
@@ -19,21 +21,7 @@ namespace fs = std::filesystem;
 
 #ifdef _WIN32
 
-FolderLock::FolderLock(const fs::path& folder) {
-    std::wstring name = L"Local\\" + folder.wstring();
-    for (std::size_t i = 6; i < name.size(); ++i)
-        if (name[i] == L'\\') name[i] = L'/';
-    mutex_ = CreateMutexW(nullptr, FALSE, name.c_str());
-    if (mutex_) WaitForSingleObject(mutex_, INFINITE);
-}
-
-FolderLock::~FolderLock() {
-    if (!mutex_) return;
-    ReleaseMutex(mutex_);
-    CloseHandle(mutex_);
-}
-
-bool WriteWhole(const fs::path& file, std::string_view text) {
+bool WriteAtomically(const fs::path& file, std::string_view text) {
     const std::wstring part = file.wstring() + L"." + std::to_wstring(GetCurrentProcessId());
     HANDLE out =
         CreateFileW(part.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -49,16 +37,6 @@ bool WriteWhole(const fs::path& file, std::string_view text) {
 
 #else
 
-FolderLock::FolderLock(const fs::path& folder)
-    : folder_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-    while (folder_ >= 0 && flock(folder_, LOCK_EX) != 0 && errno == EINTR) {
-    }
-}
-
-FolderLock::~FolderLock() {
-    if (folder_ >= 0) close(folder_);
-}
-
 namespace {
 
 bool WriteAll(int out, std::string_view text) {
@@ -71,7 +49,7 @@ bool WriteAll(int out, std::string_view text) {
     return true;
 }
 
-/// The rights of the file that is replaced; a new one can be read by all.
+/// Returns the permissions of the file that is replaced; everybody may read a new one.
 mode_t ModeFor(const fs::path& file) {
     struct stat earlier {};
     return stat(file.c_str(), &earlier) == 0 ? earlier.st_mode & 07777 : 0644;
@@ -79,14 +57,22 @@ mode_t ModeFor(const fs::path& file) {
 
 }  // namespace
 
-bool WriteWhole(const fs::path& file, std::string_view text) {
+bool WriteAtomically(const fs::path& file, std::string_view text) {
     std::string part = file.string() + ".XXXXXX";
     const int out = mkostemp(part.data(), O_CLOEXEC);
     if (out < 0) return false;
     bool good = WriteAll(out, text) && fchmod(out, ModeFor(file)) == 0 && fsync(out) == 0;
-    good = close(out) == 0 && good;
+    const int reason = errno;
+    if (close(out) != 0)
+        good = false;
+    else
+        errno = reason;
     good = good && std::rename(part.c_str(), file.c_str()) == 0;
-    if (!good) unlink(part.c_str());
+    if (!good) {
+        const int reason = errno;
+        unlink(part.c_str());
+        errno = reason;
+    }
     return good;
 }
 
