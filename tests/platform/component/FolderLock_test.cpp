@@ -15,6 +15,7 @@ namespace {
 
 using namespace Platform;
 namespace fs = std::filesystem;
+using TestKit::NamesIn;
 using TestKit::TemporaryFolder;
 
 /// Waits for a byte of another process; false if none comes in so many milliseconds.
