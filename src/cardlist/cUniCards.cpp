@@ -94,7 +94,8 @@ bool Holds(const Ref<Recordset>& rs, std::string_view column, double number) {
 /// True if the series has images, or may still get them: taken here, less than ten minutes ago. Sets what
 /// the images tell.
 bool IsKept(cSerie& series, const Ref<Recordset>& rs) {
-    constexpr double tenMinutes = 10.0 / (24 * 60);  // in days
+    constexpr double tenMinutes = 600, secondsADay = 86400;
+    constexpr double resolution = 1e-5;  // in seconds, of what a date can hold
     if (!rs->Fields("ZeroImages").IsNull()) {
         series.ImgCount = Required<Long>(rs, "ImageCount");
         series.location =
@@ -102,7 +103,8 @@ bool IsKept(cSerie& series, const Ref<Recordset>& rs) {
         return true;
     }
     const Date captured = Nz<Date>(rs, "SeriesDateTime");  // with fractions of a second, unlike the member
-    return captured.Days > Now().Days - tenMinutes && series.OrgServer == 0;
+    const double age = (Now().Days - captured.Days) * secondsADay;
+    return age < tenMinutes - resolution && series.OrgServer == 0;
 }
 
 /// The rest of a series that stays in the list.

@@ -399,21 +399,22 @@ TEST_F(Template, AnUpdateLeavesTheSlotsNumbersToTheSlots) {
 
 TEST_F(Template, AHandlerMayReplaceTheSlotsAndReleaseTheTemplateWhileTheyAreSaved) {
     struct Releasing final : ADODB::ConnectionEvents {
-        void WillExecute(ADODB::ExecuteRequest&) override {
-            if (!*owner) return;
+        void WillExecute(ADODB::ExecuteRequest& request) override {
+            if (!*owner || !request.Source.starts_with("INSERT INTO TemplateAttribute_T")) return;
             (*owner)->TemplateAttributes = New<Collection>();
             *owner = nullptr;
         }
         Ref<cTemplate>* owner = nullptr;
     } releasing;
     card->TCID = 7;
-    AddSlot(1)->ID = 0;
-    AddSlot(2)->ID = 0;
+    for (const Long sequence : {1, 2}) AddSlot(sequence)->ID = 0;
     releasing.owner = &card;
     cTemplate& saved = *card;
     con->Advise(releasing);
-    EXPECT_EQ(FailureOf([&] { saved.Save(con); }).Number, 91) << "the list was replaced by an empty one";
+    EXPECT_EQ(FailureOf([&] { EXPECT_TRUE(saved.Save(con)); }).Number, 0);
     con->Unadvise(releasing);
+    EXPECT_FALSE(card);
+    EXPECT_EQ(Ask("SELECT count(*) FROM TemplateAttribute_T WHERE TemplateID=600"), Variant(Long{2}));
 }
 
 TEST_F(Template, ASlotThatWasTakenOutStaysInItsTable) {

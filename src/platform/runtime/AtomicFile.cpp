@@ -49,6 +49,12 @@ bool WriteAll(int out, std::string_view text) {
     return true;
 }
 
+void CloseKeepingErrno(int out) {
+    const int reason = errno;
+    close(out);
+    errno = reason;
+}
+
 /// Returns the permissions of the file that is replaced; everybody may read a new one.
 mode_t ModeFor(const fs::path& file) {
     struct stat earlier {};
@@ -62,11 +68,10 @@ bool WriteAtomically(const fs::path& file, std::string_view text) {
     const int out = mkostemp(part.data(), O_CLOEXEC);
     if (out < 0) return false;
     bool good = WriteAll(out, text) && fchmod(out, ModeFor(file)) == 0 && fsync(out) == 0;
-    const int reason = errno;
-    if (close(out) != 0)
-        good = false;
+    if (good)
+        good = close(out) == 0;
     else
-        errno = reason;
+        CloseKeepingErrno(out);
     good = good && std::rename(part.c_str(), file.c_str()) == 0;
     if (!good) {
         const int reason = errno;

@@ -47,6 +47,7 @@ DateParts PartsOf(Date date) {
     if (second == SecondsADay) {
         second = 0;
         day += 1;
+        if (day > LastDay) Raise(err::InvalidCall);
     }
     const std::chrono::year_month_day ymd{DayZero + std::chrono::days{static_cast<int>(day)}};
     return {int(ymd.year()),
