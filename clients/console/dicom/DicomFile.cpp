@@ -103,6 +103,8 @@ private:
         file.acquisitionDateTime = AcquisitionDateTime();
         file.rows = Binary(set, DCM_Rows);
         file.columns = Binary(set, DCM_Columns);
+        const std::string meaning = Text(DCM_PhotometricInterpretation);
+        file.colour = !meaning.empty() && !meaning.starts_with("MONOCHROME");
         const DcmTagKey& spacing =
             values.Number(set, DCM_PixelSpacing) > 0 ? DCM_PixelSpacing : DCM_ImagerPixelSpacing;
         file.rowSpacing_mm = std::max(0.0, values.Number(set, spacing, 0));
@@ -232,12 +234,34 @@ void CheckLoaded(const OFCondition& loaded, bool marked) {
     Refuse(std::string("damaged DICOM file: ") + loaded.text());
 }
 
+/// The paths that the records of a DICOMDIR name: their components are the values of one attribute.
+std::vector<std::string> ListedFiles(DcmDataset& directory) {
+    std::vector<std::string> files;
+    EachItem(directory, DCM_DirectoryRecordSequence, [&](DcmItem& record) {
+        OFString path;
+        if (record.findAndGetOFStringArray(DCM_ReferencedFileID, path).bad() || path.empty()) return;
+        std::string file;
+        for (const std::string& part : Split(path.c_str(), '\\'))
+            file += (file.empty() ? "" : "/") + Trimmed(part);
+        if (std::ranges::find(files, file) == files.end()) files.push_back(file);
+    });
+    return files;
+}
+
+/// True for a known kind of DICOM object that isn't an image. Objects of unknown kinds may be damaged images.
+bool HasNoPictureByKind(DcmDataset& set) {
+    OFString kind;
+    if (set.findAndGetOFString(DCM_SOPClassUID, kind).bad()) return false;
+    return dcmIsaStorageSOPClassUID(kind.c_str()) && !dcmIsImageStorageSOPClassUID(kind.c_str());
+}
+
 void CheckIsImage(DcmFileFormat& file, bool marked) {
     DcmDataset& set = *file.getDataset();
-    if (set.tagExists(DCM_DirectoryRecordSequence))
-        throw NotDicom("a DICOMDIR, which lists files and holds no picture");
+    if (set.tagExists(DCM_DirectoryRecordSequence)) throw DicomDirectory(ListedFiles(set));
     if (!marked && !set.tagExists(DCM_SOPClassUID)) throw NotDicom("not a DICOM file");
-    if (!set.tagExists(DCM_PixelData)) Refuse("no pixel data");
+    if (set.tagExists(DCM_PixelData)) return;
+    if (HasNoPictureByKind(set)) throw NotAPicture("a DICOM object of a kind without picture");
+    Refuse("no pixel data");
 }
 
 void CheckIdentified(const RadiographFile& file) {

@@ -45,6 +45,7 @@ struct RadiographFile {
 
     int rows = 0;
     int columns = 0;
+    bool colour = false;          ///< its pixels have colours, which X-rays don't
     double rowSpacing_mm = 0;     ///< from row to row, that is downwards; at the patient if the file tells,
     double columnSpacing_mm = 0;  ///< else at the sensor
     int dpiX = 0;                 ///< pixels an inch by `columnSpacing_mm`
@@ -85,6 +86,21 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// A DICOMDIR: it holds no picture, and lists the files of a disc.
+class DicomDirectory : public NotDicom {
+public:
+    explicit DicomDirectory(std::vector<std::string> files)
+        : NotDicom("a DICOMDIR, which lists files and holds no picture"), listed(std::move(files)) {}
+
+    std::vector<std::string> listed;  ///< the paths of the files below its folder, with "/", no doubles
+};
+
+/// A DICOM object of a kind that has no picture: a presentation state, a report, a PDF.
+class NotAPicture : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
 /// Reads the radiograph `path` without its pixels.
 ///
 /// Large values stay in the file, so reading takes little memory however large the picture is, and yet a
@@ -96,8 +112,8 @@ public:
 ///
 /// Throws `std::runtime_error` whose text says in one clause, without the path, why the file is refused: not
 /// readable, cut short, sequences nested too deeply (see `RequireShallow`), without one of the three UIDs,
-/// without pixels; and `NotDicom`. Silences the toolkit's own log, which would repeat the same on standard
-/// error. Calls from several threads are safe.
+/// without pixels; `NotDicom`, and `NotAPicture`. Silences the toolkit's own log, which would repeat the same
+/// on standard error. Calls from several threads are safe.
 RadiographFile ReadRadiograph(const std::filesystem::path& path);
 
 }  // namespace Console

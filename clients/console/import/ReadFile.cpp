@@ -15,8 +15,8 @@ NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(RadiographFile, patientID, issuer, otherPatie
                                    seriesUID, seriesNumber, seriesDateTime, seriesDescription, modality,
                                    operatorsName, sopInstanceUID, sopClassUID, instanceNumber,
                                    acquisitionDateTime, rows, columns, rowSpacing_mm, columnSpacing_mm, dpiX,
-                                   dpiY, kvp, tubeCurrent_mA, exposureTime_ms, laterality, teeth, region,
-                                   regionModifier, regionText, bodyPartExamined, manufacturer, model,
+                                   dpiY, colour, kvp, tubeCurrent_mA, exposureTime_ms, laterality, teeth,
+                                   region, regionModifier, regionText, bodyPartExamined, manufacturer, model,
                                    serialNumber)
 
 namespace {
@@ -45,6 +45,10 @@ std::string ReadPacked(const std::string& path) {
     json read;
     try {
         read = Read(path);
+    } catch (const DicomDirectory& directory) {
+        read = {{"refusal", directory.what()}, {"foreign", true}, {"listed", directory.listed}};
+    } catch (const NotAPicture& object) {
+        read = {{"refusal", object.what()}, {"foreign", true}, {"object", true}};
     } catch (const NotDicom& foreign) {
         read = {{"refusal", foreign.what()}, {"foreign", true}};
     } catch (const std::exception& refused) {
@@ -61,6 +65,8 @@ ReadFile Unpacked(const std::string& bytes) {
     if (read.contains("file")) result.file = read["file"].get<RadiographFile>();
     result.refusal = read.value("refusal", "");
     result.foreign = read.value("foreign", false);
+    result.object = read.value("object", false);
+    result.listed = read.value("listed", std::vector<std::string>{});
     result.noPicture = read.value("noPicture", "");
     return result;
 }
