@@ -19,12 +19,23 @@ using namespace OXClass;
 
 constexpr std::string_view MarkerLine = "storage root of clinic ";
 
-/// The clinic that the marker names; empty if there is no marker.
+/// The clinic that the marker names; empty if there is no marker. Throws `UserError` for a file of its name
+/// that names none: what it stood for isn't known, so it is neither taken nor replaced.
 std::string MarkedClinic(const fs::path& folder) {
-    std::ifstream in(folder / RootMarker);
+    const fs::path marker = folder / RootMarker;
+    std::error_code failure;
+    if (!fs::exists(fs::symlink_status(marker, failure))) return {};
+    std::ifstream in(marker);
     std::string line;
     std::getline(in, line);
-    return line.starts_with(MarkerLine) ? line.substr(MarkerLine.size()) : std::string();
+    const std::string clinic =
+        line.starts_with(MarkerLine) ? Trim(line.substr(MarkerLine.size())) : std::string();
+    if (!clinic.empty()) return clinic;
+    throw UserError(
+        fmt::format("{} is no marker of a storage root, so nothing is stored; it is damaged. If the folder "
+                    "holds the images "
+                    "of this clinic, delete that file, and the next import makes it anew",
+                    marker.string()));
 }
 
 void WriteMarker(const fs::path& folder, const std::string& identity) {
