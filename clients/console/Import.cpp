@@ -1,5 +1,6 @@
 #include "console/Commands.h"
 
+#include "console/DatabaseFile.h"
 #include "console/Program.h"
 #include "console/import/FoundFiles.h"
 #include "console/import/ReadFile.h"
@@ -10,6 +11,8 @@
 #include <algorithm>
 #include <fmt/format.h>
 #include <list>
+#include <map>
+#include <set>
 #include <thread>
 
 namespace Console {
@@ -18,14 +21,15 @@ namespace {
 namespace fs = std::filesystem;
 using namespace OXClass;
 
-/// Files whose series may still get other files are kept in memory: a series is stored when none of the
-/// next `FilesApart` files belongs to it, or when it has `LargestBatch` files. Files of the same series that
-/// come later are stored then, as if they were imported later.
+/// Files whose series may still get other files are kept in memory: a series is
+/// stored when none of the next `FilesApart` files belongs to it, or when it
+/// has `LargestBatch` files. Files of the same series that come later are
+/// stored then, as if they were imported later.
 constexpr std::size_t FilesApart = 256, LargestBatch = 2000;
 
 /// What an import came to, for the last lines and the exit code.
 struct Tally {
-    std::size_t files = 0, stored = 0, known = 0, failed = 0, skipped = 0;
+    std::size_t files = 0, stored = 0, known = 0, restored = 0, failed = 0, skipped = 0, objects = 0;
     std::vector<Long> hung;  ///< series that were hung
     nlohmann::ordered_json conflicts = nlohmann::ordered_json::array();
     std::size_t left = 0;  ///< files that were not looked at because the import was told to stop
@@ -38,7 +42,8 @@ struct PendingSeries {
     std::size_t last = 0;  ///< position of the newest one among all files
 };
 
-/// One import: reads files in worker processes, and stores them series by series.
+/// One import: reads files in worker processes, and stores them series by
+/// series.
 class Import {
 public:
     Import(const Database& database, PatientDecision decision, unsigned jobs)
@@ -49,6 +54,8 @@ public:
 private:
     void ReadAndStore(const std::vector<FoundFile>& files);
     void Take(const FoundFile& file, const WorkerPool::Answer& answer, std::size_t position);
+    void Refuse(const FoundFile& file, const ReadFile& read);
+    void ReportListed(const std::vector<FoundFile>& files);
     void StoreReady(std::size_t position);
     void Store(std::list<PendingSeries>::iterator series);
     void Add(const SeriesResult& result);
@@ -63,7 +70,18 @@ private:
     std::map<std::string, std::list<PendingSeries>::iterator> pendingOf_;
     Tally tally_;
     std::optional<Progress> progress_;
+    std::map<std::string, fs::path> listed_;         // the files that DICOMDIRs name, by their folded paths
+    std::map<std::string, std::string> passedOver_;  // the reasons of foreign files, by their folded paths
 };
+
+/// A path to compare: discs name files in upper case and with a version behind a semicolon, systems show them
+/// otherwise.
+std::string FoldedPath(const fs::path& path) {
+    const std::string text = LCase(path.lexically_normal().string());
+    const auto version = text.rfind(';');
+    const std::string name = version == std::string::npos ? text : text.substr(0, version);
+    return name.ends_with('.') ? name.substr(0, name.size() - 1) : name;
+}
 
 void Import::Tell(const std::string& text) {
     if (progress_) progress_->Clear();
@@ -105,9 +123,11 @@ void Import::ReadAndStore(const std::vector<FoundFile>& files) {
         StoreReady(i);
     }
     while (!pending_.empty()) Store(pending_.begin());
+    ReportListed(files);
 }
 
-/// Puts a file that was read to the files of its series, or reports why it isn't imported.
+/// Puts a file that was read to the files of its series, or reports why it
+/// isn't imported.
 void Import::Take(const FoundFile& file, const WorkerPool::Answer& answer, std::size_t position) {
     ReadFile read;
     if (answer.failure.empty())
@@ -115,20 +135,46 @@ void Import::Take(const FoundFile& file, const WorkerPool::Answer& answer, std::
     else
         read.refusal = answer.failure;
     if (read.file && read.file->patientID.empty() && !patientDecided_) {
-        read.refusal = "it has no Patient ID, so it belongs to nobody; say whose it is with --patient";
+        read.refusal =
+            "it has no Patient ID, so it belongs to nobody; say whose "
+            "it is with --patient";
         read.file.reset();
     }
     if (!read.file) {
         ++tally_.files;
         Done(1);
-        if (!read.foreign || IsExpectedRadiograph(file)) return Report(file.path, read.refusal);
-        ++tally_.skipped;
-        return;
+        return Refuse(file, read);
     }
     const auto [known, isNew] = pendingOf_.try_emplace(read.file->seriesUID);
     if (isNew) known->second = pending_.emplace(pending_.end());
     known->second->files.push_back({file.path, std::move(*read.file), read.noPicture});
     known->second->last = position;
+}
+
+/// Reports a file that isn't imported, or counts it where the user doesn't expect a radiograph in it.
+void Import::Refuse(const FoundFile& file, const ReadFile& read) {
+    for (const std::string& listed : read.listed)
+        listed_.emplace(FoldedPath(file.path.parent_path() / listed), file.path.parent_path() / listed);
+    const bool object = read.object && !file.named;
+    if (!object && (!read.foreign || IsExpectedRadiograph(file))) return Report(file.path, read.refusal);
+    ++(object ? tally_.objects : tally_.skipped);
+    if (!object && read.listed.empty()) passedOver_.emplace(FoldedPath(file.path), read.refusal);
+}
+
+/// Reports the files that a DICOMDIR names and that are missing, or that were passed over as foreign.
+void Import::ReportListed(const std::vector<FoundFile>& files) {
+    if (listed_.empty()) return;
+    std::set<std::string> found;
+    for (const FoundFile& file : files) found.insert(FoldedPath(file.path));
+    for (const auto& [folded, path] : listed_) {
+        const auto passed = passedOver_.find(folded);
+        if (passed != passedOver_.end()) {
+            --tally_.skipped;
+            Report(path, "the DICOMDIR names it, and it is damaged: " + passed->second);
+        } else if (!found.contains(folded)) {
+            Report(path, "the DICOMDIR names it, and it is missing");
+        }
+    }
 }
 
 void Import::StoreReady(std::size_t position) {
@@ -147,12 +193,12 @@ void Import::Store(std::list<PendingSeries>::iterator series) {
     try {
         Add(series_.Store(files));
     } catch (const IdentityConflict& conflict) {
-        Tell("The patient of a series contradicts another one:");
+        Tell("The patient of a series, beside the stored one or another file:");
         fmt::print(stderr, "{}", conflict.table);
         tally_.conflicts.push_back(conflict.json);
         reason = conflict.what();
     } catch (const Error& failure) {
-        reason = fmt::format("error {}: {}", failure.Number, failure.Description);
+        reason = ExplanationOf(failure);
     } catch (const std::runtime_error& failure) {
         reason = failure.what();
     }
@@ -165,6 +211,7 @@ void Import::Store(std::list<PendingSeries>::iterator series) {
 void Import::Add(const SeriesResult& result) {
     tally_.stored += result.stored;
     tally_.known += result.known;
+    tally_.restored += result.restored;
     if (result.hung != 0) tally_.hung.push_back(result.hung);
     for (const auto& [path, reason] : result.refused) Report(path, reason);
     for (const std::string& note : result.notes) Tell(note);
@@ -179,16 +226,26 @@ void PrintTally(const Tally& tally, bool json) {
         return PrintJson({{"files", tally.files},
                           {"stored", tally.stored},
                           {"known", tally.known},
+                          {"restored", tally.restored},
                           {"failed", tally.failed},
                           {"skipped", tally.skipped},
+                          {"without_picture", tally.objects},
                           {"series", tally.hung},
                           {"conflicts", tally.conflicts},
                           {"stopped", tally.stopped},
                           {"left", tally.left}});
-    fmt::print("{} files: {} new images stored, {} were stored already, {} not imported; {} series hung.\n",
-               tally.files, tally.stored, tally.known, tally.failed, tally.hung.size());
+    fmt::print(
+        "{} files: {} new images stored, {} were stored already, {} not "
+        "imported; {} series hung.\n",
+        tally.files, tally.stored, tally.known, tally.failed, tally.hung.size());
+    if (tally.restored > 0)
+        fmt::print("{} missing and stored again.\n", Plural(tally.restored, "file was", "files were"));
     if (tally.skipped > 0)
-        fmt::print("{} without DICOM data skipped.\n", Plural(tally.skipped, "file was", "files were"));
+        fmt::print("{} without DICOM data {} skipped.\n", Plural(tally.skipped, "file", "files"),
+                   tally.skipped == 1 ? "was" : "were");
+    if (tally.objects > 0)
+        fmt::print("{} without picture {} skipped.\n", Plural(tally.objects, "DICOM object", "DICOM objects"),
+                   tally.objects == 1 ? "was" : "were");
     if (tally.stored == 0 && tally.known > 0) fmt::print("Nothing was stored twice.\n");
     if (tally.stopped)
         fmt::print("Stopped: {} not imported. Import the folder again to continue.\n",
@@ -215,8 +272,9 @@ void AddImport(Program& program) {
         unsigned jobs = std::clamp(std::thread::hardware_concurrency(), 1U, 8U);
     };
     const auto given = std::make_shared<Arguments>();
-    auto* command = program.app.add_subcommand(
-        "import", "read radiographs from folders of DICOM files, store them and hang each series");
+    auto* command = program.app.add_subcommand("import",
+                                               "read radiographs from folders of DICOM files, store them and "
+                                               "hang each series");
     command->add_option("FOLDER", given->names, "folders, with all below them, a DICOMDIR, or single files")
         ->required();
     auto* patient =
@@ -226,14 +284,17 @@ void AddImport(Program& program) {
     patient->type_name("PATIENT");
     command
         ->add_flag("--new-patient", given->decision.newPatient,
-                   "all files belong to patients who aren't in the database yet, whoever has the same ID")
+                   "all files belong to patients who aren't in the database yet, "
+                   "whoever has the same ID")
         ->excludes(patient);
     command->add_option("--jobs", given->jobs, "processes that read files; default: one for each processor")
         ->check(CLI::Range(1U, mostJobs))
         ->type_name("N");
     command->footer(
-        "Importing the same files again stores nothing twice. A series whose patient contradicts the stored\n"
-        "patient of the same ID isn't stored; --patient and --new-patient decide. SIGINT ends an import "
+        "Importing the same files again stores nothing twice. A "
+        "series whose patient contradicts the stored\n"
+        "patient of the same ID isn't stored; --patient and "
+        "--new-patient decide. SIGINT ends an import "
         "between\n"
         "two images. Exit code 3: some files were not imported.\n"
         "Example: oxclass --db clinic.db import ~/radiographs");

@@ -14,13 +14,16 @@ namespace {
 using namespace OXClass;
 using Json = nlohmann::ordered_json;
 
-/// The patients of whom any of the texts holds `text`, without regard to case; all for an empty text.
+/// The patients of whom any of the texts holds `text`, without regard to case;
+/// all for an empty text.
 void ListPatients(const Options& options, const std::string& text) {
     const Database database(options);
     const Ref<Recordset> rows = database.Read(
-        "SELECT PatientID, PersonNr_CH, LastName_NVC, FirstName_NVC, Birthdate_CH, Sex_CH, (SELECT count(*) "
+        "SELECT PatientID, PersonNr_CH, LastName_NVC, "
+        "FirstName_NVC, Birthdate_CH, Sex_CH, (SELECT count(*) "
         "FROM Study_T "
-        "WHERE Study_T.PatientID = Patient_T.PatientID) AS Studies FROM Patient_T ORDER BY LastName_NVC, "
+        "WHERE Study_T.PatientID = Patient_T.PatientID) AS Studies "
+        "FROM Patient_T ORDER BY LastName_NVC, "
         "FirstName_NVC, "
         "PatientID");
     List list({{"number", "Number"},
@@ -80,9 +83,15 @@ Long DoctorOf(const Database& database, const std::string& value) {
     return doctor;
 }
 
+void SetIssuer(const Database& database, const cPatient& patient, const std::string& value) {
+    if (Trim(value).empty()) return ForgetIssuer(database.Con(), patient.ID);
+    StoreIssuer(database.Con(), patient.ID, value);
+}
+
 void SetField(const Database& database, cPatient& patient, const std::string& assignment) {
     const auto [name, value] = AssignmentOf(assignment);
     if (EqualsIgnoringCase(name, "PatientID")) return ChangePatientID(database.Con(), patient, value);
+    if (EqualsIgnoringCase(name, "Issuer")) return SetIssuer(database, patient, value);
     if (EqualsIgnoringCase(name, "Sex")) return void(patient.Sex = SexOf(value));
     if (SetText<cPatient>(patient, TextFields, name, value)) return;
     if (EqualsIgnoringCase(name, "BirthDate")) return void(patient.BirthDate = BirthDateOf(value));
@@ -106,7 +115,8 @@ Json Shown(const Database& database, const cPatient& patient) {
 }
 
 /// Changes fields of one row, read and written in one transaction.
-void SetPatient(const Database& database, const std::string& id, const std::vector<std::string>& assignments) {
+void SetPatient(const Database& database, const std::string& id,
+                const std::vector<std::string>& assignments) {
     ADODB::Transaction transaction(database.Con());
     const Ref<cPatient> patient = LoadPatient(database, id);
     for (const std::string& assignment : assignments) SetField(database, *patient, assignment);

@@ -34,7 +34,8 @@ protected:
         arguments.insert(arguments.begin(), {"--db", Database(), "import", Films()});
         return Try(arguments);
     }
-    /// Imports films of one person, and then of the other; returns the second run.
+    /// Imports films of one person, and then of the other; returns the second
+    /// run.
     Result ImportBoth(const Person& first, const Person& second) {
         Init();
         Film("2.25.1", first);
@@ -138,7 +139,9 @@ TEST_F(ImportIdentity, APersonDecidesForAStoredPatient) {
     EXPECT_EQ(OkJson({"images"})[1]["series"], 2);
     EXPECT_EQ(OkJson({"cards", "#1"})["entries"].size(), 2U);
     EXPECT_EQ(Import().code, 0) << "the decision holds for the files that it was made for";
-    EXPECT_EQ(Import({"--patient", "#2"}).code, 0) << "known files are only compared";
+    const Result moved = Import({"--patient", "#2"});
+    EXPECT_EQ(moved.code, 3) << "a stored film isn't moved to another patient";
+    EXPECT_THAT(moved.err, HasSubstr("it is stored already, as image 3 of patient #1 Ek, Anna"));
     EXPECT_EQ(OkJson({"cards", "#2"})["entries"].size(), 1U);
 }
 
@@ -192,19 +195,200 @@ TEST_F(ImportIdentity, OtherIdentifiersThatDoNotFitAreLeftOutWholeAndTold) {
     EXPECT_EQ(stored, many.substr(0, 25 * 10 - 1)) << "25 of 9 characters with their separators";
 }
 
-// ---- the row that is meant --------------------------------------------------------------------------
+// ---- what the database doesn't know yet
+// --------------------------------------------------------------
+
+TEST_F(ImportIdentity, WhatThePatientLacksIsTakenFromALaterFileAndThenCompared) {
+    Init();
+    Film("2.25.1", {"4711", "", "Ek^Anna", "", ""});
+    ASSERT_EQ(Import().code, 0);
+    Film("2.25.2", Anna);
+    const Result filled = Import();
+    EXPECT_EQ(filled.code, 0) << filled.err;
+    EXPECT_THAT(filled.err, HasSubstr("patient #1 Ek, Anna: issuer A, birth date "
+                                      "1980-01-31, sex F added from the files"));
+    const json patient = OkJson({"patient", "#1"});
+    EXPECT_EQ(patient["Issuer"], "A");
+    EXPECT_EQ(patient["BirthDate"], "1980-01-31");
+    EXPECT_EQ(patient["Sex"], "F");
+    const Person others[] = {{"4711", "", "Ek^Anna", "19550101", "F"},
+                             {"4711", "B", "Ek^Anna", "", ""},
+                             {"4711", "", "Ek^Anna", "", "M"}};
+    for (const Person& other : others) {
+        fs::remove_all(Films());
+        Film("2.25.3", other);
+        EXPECT_EQ(Import().code, 3) << other.born << other.issuer << other.sex;
+    }
+    EXPECT_EQ(OkJson({"images"}).size(), 2U);
+}
+
+TEST_F(ImportIdentity, AFillingIsRolledBackWithTheSeries) {
+    Init();
+    Film("2.25.1", {"4711", "", "Ek^Anna", "", ""});
+    ASSERT_EQ(Import().code, 0);
+    Run("CREATE TRIGGER full BEFORE INSERT ON ImageBild_T BEGIN SELECT "
+        "RAISE(ABORT, 'no space'); END");
+    Film("2.25.2", Anna);
+    EXPECT_EQ(Import().code, 3);
+    const json patient = OkJson({"patient", "#1"});
+    EXPECT_EQ(patient["Issuer"], "");
+    EXPECT_EQ(patient["BirthDate"], "");
+}
+
+TEST_F(ImportIdentity, APatientWithoutNameTakesTheFirstNameAndRefusesTheSecond) {
+    Init();
+    Film("2.25.1", {"4711", "A", "", "19800131", "F"});
+    ASSERT_EQ(Import().code, 0);
+    Film("2.25.2", Anna);
+    ASSERT_EQ(Import().code, 0);
+    EXPECT_EQ(OkJson({"patient", "#1"})["LastName"], "Ek");
+    EXPECT_EQ(OkJson({"patient", "#1"})["FirstName"], "Anna");
+    Film("2.25.3", {"4711", "A", "Berg^Eva", "19800131", "F"});
+    EXPECT_EQ(Import().code, 3);
+    EXPECT_EQ(OkJson({"images"}).size(), 2U);
+}
+
+TEST_F(ImportIdentity, AFamilyNameAloneTakesTheGivenName) {
+    Init();
+    Film("2.25.1", {"4711", "A", "Ek", "19800131", "F"});
+    ASSERT_EQ(Import().code, 0);
+    Film("2.25.2", Anna);
+    ASSERT_EQ(Import().code, 0);
+    EXPECT_EQ(OkJson({"patient", "#1"})["FirstName"], "Anna");
+    Film("2.25.3", {"4711", "A", "Ek^Berta", "19800131", "F"});
+    EXPECT_EQ(Import().code, 3);
+}
+
+TEST_F(ImportIdentity, ABirthDateThatCannotBeReadIsNotReplaced) {
+    Init();
+    Film("2.25.1", {"4711", "", "Ek^Anna", "", ""});
+    ASSERT_EQ(Import().code, 0);
+    Run("UPDATE Patient_T SET Birthdate_CH = 'ca. 1980'");
+    Film("2.25.2", Anna);
+    ASSERT_EQ(Import().code, 0);
+    EXPECT_EQ(OkJson({"patients"})[0]["born"], "ca. 1980");
+    EXPECT_EQ(OkJson({"patient", "#1"})["Sex"], "F");
+}
+
+TEST_F(ImportIdentity, EachTwoFilesOfASeriesAreCompared) {
+    Init();
+    Film("2.25.1", {"4711", "A", "Ek^Anna", "", "F"}, 1);
+    Film("2.25.1", {"4711", "A", "Ek^Anna", "19900101", "F"}, 2);
+    Film("2.25.1", {"4711", "A", "Ek^Anna", "19550505", "F"}, 3);
+    const Result run = Import();
+    EXPECT_EQ(run.code, 3);
+    EXPECT_THAT(run.err, ::testing::ContainsRegex("Born +1990-01-01 +<> 1955-05-05"));
+    EXPECT_EQ(OkJson({"patients"}).size(), 0U);
+}
+
+TEST_F(ImportIdentity, ASeriesIsStoredUnderWhatAllItsFilesSay) {
+    Init();
+    Film("2.25.1", {"4711", "", "", "", ""}, 1);
+    Film("2.25.1", {"4711", "A", "Ek^Anna", "", ""}, 2);
+    Film("2.25.1", {"4711", "", "Ek^Anna", "19800131", "F"}, 3);
+    ASSERT_EQ(Import().code, 0);
+    const json patient = OkJson({"patient", "#1"});
+    EXPECT_EQ(patient["LastName"], "Ek");
+    EXPECT_EQ(patient["BirthDate"], "1980-01-31");
+    EXPECT_EQ(patient["Issuer"], "A");
+}
+
+TEST_F(ImportIdentity, ALaterFileOfASeriesThatContradictsTheStoredPatientIsFoundBehindTheFirst) {
+    Init();
+    Film("2.25.1", Anna);
+    ASSERT_EQ(Import().code, 0);
+    Film("2.25.2", {"4711", "A", "", "", ""}, 1);
+    Film("2.25.2", {"4711", "A", "Berg^Eva", "", ""}, 2);
+    EXPECT_EQ(Import().code, 3);
+    EXPECT_EQ(OkJson({"images"}).size(), 1U);
+}
+
+TEST_F(ImportIdentity, NewPatientsOfOneImportAreFilledToo) {
+    Init();
+    Film("2.25.1", Anna);
+    ASSERT_EQ(Import().code, 0);
+    fs::remove_all(Films());
+    Film("2.25.2", {"4711", "", "Berg^Nils", "", ""});
+    Film("2.25.3", {"4711", "", "Berg^Nils", "19550505", ""});
+    Film("2.25.4", {"4711", "", "Berg^Nils", "19660606", ""});
+    ASSERT_EQ(Import({"--new-patient"}).code, 0);
+    EXPECT_EQ(OkJson({"patients"}).size(), 3U) << "two people of one name have two birth dates";
+    EXPECT_EQ(OkJson({"patient", "#2"})["BirthDate"], "1955-05-05");
+}
+
+TEST_F(ImportIdentity, ASecondNewPatientOfTheSamePersonIsTold) {
+    Init();
+    Film("2.25.1", Anna);
+    ASSERT_EQ(Import().code, 0);
+    fs::remove_all(Films());
+    Film("2.25.2", Anna);
+    const Result run = Import({"--new-patient"});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_THAT(run.err, HasSubstr("new patient #2 agrees with patient #1 Ek, Anna in every field"));
+    fs::remove_all(Films());
+    Film("2.25.3", Nils);
+    EXPECT_THAT(Import({"--new-patient"}).err, ::testing::Not(HasSubstr("in every field")));
+}
+
+TEST_F(ImportIdentity, AnIdentifierAloneIsNotEnoughAndIsToldSo) {
+    const Result run = ImportBoth(Anna, {"4711", "", "", "", ""});
+    EXPECT_EQ(run.code, 3);
+    EXPECT_THAT(run.err, HasSubstr("there is not enough to tell whether"));
+    EXPECT_THAT(run.err, HasSubstr("--patient '#1' or --new-patient"));
+    EXPECT_EQ(run.err.find("contradicts"), std::string::npos) << run.err;
+}
+
+TEST_F(ImportIdentity, ARefusedPatientWithoutNameIsNamedByItsNumber) {
+    const Result run =
+        ImportBoth({"4711", "A", "", "19800131", ""}, {"4711", "A", "Berg^Nils", "19550505", ""});
+    EXPECT_EQ(run.code, 3);
+    EXPECT_THAT(run.err, HasSubstr("Patient ID 4711 belongs to another person in the database, #1"));
+    EXPECT_EQ(run.err.find(", ,"), std::string::npos) << run.err;
+}
+
+TEST_F(ImportIdentity, FilesOfOneSeriesThatDisagreeNameTheOptionThatHelps) {
+    Init();
+    Film("2.25.1", Anna, 1);
+    Film("2.25.1", {"4711", "A", "Berg^Nils", "19800131", "F"}, 2);
+    const Result run = Import();
+    EXPECT_THAT(run.err, HasSubstr("decide with --patient '#N'; --new-patient doesn't help here"));
+    EXPECT_EQ(Import({"--new-patient"}).code, 3);
+}
+
+TEST_F(Program, APatientRegisteredWithoutBirthDateTakesItFromItsFilms) {
+    Init();
+    Run("INSERT INTO Patient_T (PersonNr_CH, LastName_NVC, FirstName_NVC, "
+        "Birthdate_CH, Sex_CH) VALUES "
+        "('P-2.25.1', 'Test', 'Anna', '', '')");
+    const auto born = [](const char* day) {
+        return [day](DcmDataset& set) { set.putAndInsertString(DCM_PatientBirthDate, day); };
+    };
+    Write("2.25.1", 1, FullMouth18[7], born("19800131"));
+    Try({"--db", Database(), "import", Films()});
+    EXPECT_EQ(OkJson({"patient", "#1"})["BirthDate"], "1980-01-31");
+    fs::remove_all(Films());
+    Write("2.25.1", 2, FullMouth18[7], born("19550505"));
+    EXPECT_EQ(Try({"--db", Database(), "import", Films()}).code, 3);
+}
+
+// ---- the row that is meant
+// --------------------------------------------------------------------------
 
 class TwoPatientsOfOneID : public Program {
 protected:
     void SetUp() override {
         Init();
-        Run("INSERT INTO Patient_T (PersonNr_CH, LastName_NVC, Birthdate_CH) VALUES ('4711', 'Ek', "
+        Run("INSERT INTO Patient_T (PersonNr_CH, LastName_NVC, Birthdate_CH) "
+            "VALUES ('4711', 'Ek', "
             "'1980-01-31'), "
             "('4711', 'Berg', '1955-05-05')");
-        Run("INSERT INTO ImageCard_T (PatientID, ICName, ICDateCreated, ICLastUpdate, ICFullViewHeight, "
-            "ICFullViewWidth, ICDescription) VALUES (1, 'of Ek', '2026-01-01 10:00:00', '2026-01-01 "
+        Run("INSERT INTO ImageCard_T (PatientID, ICName, ICDateCreated, "
+            "ICLastUpdate, ICFullViewHeight, "
+            "ICFullViewWidth, ICDescription) VALUES (1, 'of Ek', '2026-01-01 "
+            "10:00:00', '2026-01-01 "
             "10:00:00', 700, "
-            "1000, ''), (2, 'of Berg', '2026-01-02 10:00:00', '2026-01-02 10:00:00', 700, 1000, '')");
+            "1000, ''), (2, 'of Berg', '2026-01-02 10:00:00', '2026-01-02 "
+            "10:00:00', 700, 1000, '')");
     }
 };
 
@@ -249,8 +433,45 @@ TEST_F(TwoPatientsOfOneID, OneOfThemCanGetAnotherIdentifier) {
     EXPECT_THAT(taken.err, HasSubstr("another patient has the ID 4711"));
 }
 
+TEST_F(TwoPatientsOfOneID, AnIssuerStaysWithANewIdentifierAndCanBeSet) {
+    EXPECT_EQ(OkJson({"patient", "#2", "Issuer=ISSA"})["Issuer"], "ISSA");
+    EXPECT_EQ(OkJson({"patient", "#2", "PatientID=NEW1"})["Issuer"], "ISSA");
+    EXPECT_EQ(OkJson({"patient", "#1"})["Issuer"], "");
+    EXPECT_EQ(OkJson({"patient", "#2", "Issuer="})["Issuer"], "");
+    EXPECT_EQ(OkJson({"patient", "#2", "PatientID=NEW2", "Issuer=ISSB"})["Issuer"], "ISSB");
+}
+
+TEST_F(TwoPatientsOfOneID, AChangeWritesTheNamedColumnsOnly) {
+    for (const char* born : {"19800131", "ca. 1980"}) {
+        Run(std::string("UPDATE Patient_T SET PersonNr_CH = 'low er', Birthdate_CH = '") + born +
+            "', Sex_CH = NULL WHERE PatientID = 1");
+        Ok({"patient", "#1", "TelOne=1"});
+        EXPECT_EQ(OkJson({"patients", born}).size(), 1U) << born;
+        EXPECT_EQ(OkJson({"patient", "#1"})["TelOne"], "1");
+    }
+    EXPECT_EQ(OkJson({"patient", "#1", "BirthDate=1980-01-31"})["BirthDate"], "1980-01-31");
+}
+
+TEST_F(TwoPatientsOfOneID, ARowThatCannotBeReadIsNamedWithItsColumn) {
+    const std::pair<const char*, const char*> damages[] = {{"PrevXrayDate_CH", "hello"}, {"RespDoctor", "x"}};
+    for (const auto& [column, value] : damages) {
+        Run(std::string("UPDATE Patient_T SET ") + column + " = '" + value + "' WHERE PatientID = 1");
+        for (const std::vector<std::string>& command :
+             {std::vector<std::string>{"patient", "#1", "TelOne=2"}, {"cards", "#1"}, {"patient", "#1"}}) {
+            std::vector<std::string> arguments{"--db", Database()};
+            arguments.insert(arguments.end(), command.begin(), command.end());
+            const Result run = Try(arguments);
+            EXPECT_EQ(run.code, 1);
+            EXPECT_THAT(run.err, HasSubstr("patient #1 can't be read")) << column;
+            EXPECT_THAT(run.err, HasSubstr(column));
+        }
+        Run(std::string("UPDATE Patient_T SET ") + column + " = NULL WHERE PatientID = 1");
+    }
+}
+
 TEST_F(TwoPatientsOfOneID, ListsTakeANumberToo) {
-    Run("INSERT INTO Study_T (PatientID, StudyInstanceUID, StudyDateTime) VALUES (1, '1.1', '2026-01-01 "
+    Run("INSERT INTO Study_T (PatientID, StudyInstanceUID, StudyDateTime) VALUES "
+        "(1, '1.1', '2026-01-01 "
         "10:00:00'), "
         "(2, '1.2', '2026-01-01 10:00:00')");
     ASSERT_EQ(OkJson({"studies", "--patient", "#2"}).size(), 1U);

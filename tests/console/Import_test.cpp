@@ -23,6 +23,7 @@ protected:
         std::ifstream in(path, std::ios::binary);
         return {std::istreambuf_iterator<char>(in), {}};
     }
+    static std::string LCased(const std::string& text) { return Platform::LCase(text); }
     /// All names below the root, with their sizes and times of change.
     std::map<std::string, std::pair<std::uintmax_t, fs::file_time_type>> RootState() const {
         std::map<std::string, std::pair<std::uintmax_t, fs::file_time_type>> state;
@@ -178,9 +179,149 @@ TEST_F(ImportTest, AnAcquisitionDiscIsImportedWithoutAMessagePerFile) {
     EXPECT_EQ(run.code, 0);
     EXPECT_EQ(run.err, "");
     EXPECT_THAT(run.out, HasSubstr("1 new images stored"));
-    EXPECT_THAT(run.out, HasSubstr("6 files were without DICOM data"));
+    EXPECT_THAT(run.out, HasSubstr("6 files without DICOM data were skipped"));
     EXPECT_EQ(Try({"--db", Database(), "import", Films() + "/DICOMDIR"}).code, 0);
     EXPECT_EQ(Try({"--db", Database(), "import", Films() + "/README"}).code, 3) << "a file that was named";
+}
+
+/// A disc with a DICOMDIR that names files.
+class DiscTest : public ImportTest {
+protected:
+    /// The films are A and B in a folder of the disc; the DICOMDIR names them and more files.
+    void MakeDisc(const std::vector<std::string>& more = {}) {
+        Init();
+        WriteSeries("2.25.5", {FullMouth18[7], FullMouth18[8]});
+        fs::create_directories(Films() + "/images");
+        fs::rename(Films() + "/2.25.5-101.dcm", Films() + "/images/a");
+        fs::rename(Films() + "/2.25.5-102.dcm", Films() + "/images/b");
+        DcmFileFormat directory;
+        std::vector<std::string> named{"IMAGES\\A", "IMAGES\\B"};
+        named.insert(named.end(), more.begin(), more.end());
+        for (const std::string& file : named) {
+            DcmItem* record = nullptr;
+            directory.getDataset()->findOrCreateSequenceItem(DCM_DirectoryRecordSequence, record, -2);
+            record->putAndInsertString(DCM_DirectoryRecordType, "IMAGE");
+            record->putAndInsertString(DCM_ReferencedFileID, file.c_str());
+        }
+        ASSERT_TRUE(directory.saveFile((Films() + "/DICOMDIR").c_str(), EXS_LittleEndianExplicit).good());
+    }
+};
+
+TEST_F(DiscTest, EachFileThatTheDicomdirNamesIsImportedWhateverItsCase) {
+    MakeDisc();
+    const Result run = Import();
+    EXPECT_EQ(run.code, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("2 new images stored"));
+}
+
+TEST_F(DiscTest, FilesThatTheDicomdirNamesAndThatAreDamagedAreReported) {
+    const std::string zeros(1000, '\0'), noise = "no film, whatever the directory says";
+    for (const std::string& content : {zeros, noise, std::string()}) {
+        fs::remove_all(Films());
+        fs::remove_all(Root());
+        fs::remove(Database());
+        MakeDisc();
+        std::ofstream(Films() + "/images/b", std::ios::trunc) << content;
+        std::ofstream(Films() + "/README") << "no film";
+        const Result run = Import();
+        EXPECT_EQ(run.code, 3) << content;
+        EXPECT_THAT(LCased(run.err),
+                    HasSubstr("/images/b: not imported: the dicomdir names it, and it is damaged"));
+        EXPECT_THAT(run.out, HasSubstr("1 new images stored, 0 were stored already, 1 not imported"));
+        EXPECT_THAT(run.out, HasSubstr("2 files without DICOM data were skipped"));
+    }
+}
+
+TEST_F(DiscTest, FilesThatTheDicomdirNamesAndThatAreMissingAreReported) {
+    MakeDisc({"IMAGES\\C", "OTHER\\D"});
+    const Result run = Try({"--db", Database(), "import", Films() + "/DICOMDIR"});
+    EXPECT_EQ(run.code, 3);
+    EXPECT_THAT(run.err, HasSubstr("/IMAGES/C: not imported: the DICOMDIR names it, and it is missing"));
+    EXPECT_THAT(run.err, HasSubstr("/OTHER/D: not imported: the DICOMDIR names it, and it is missing"));
+    EXPECT_THAT(run.out, HasSubstr("2 new images stored, 0 were stored already, 2 not imported"));
+}
+
+TEST_F(DiscTest, ObjectsWithoutPictureAreCountedInOneLine) {
+    MakeDisc({"IMAGES\\PR.DCM"});
+    for (const char* name : {"pr.dcm", "pdf"}) {
+        DcmFileFormat object;
+        DcmDataset& set = *object.getDataset();
+        set.putAndInsertString(DCM_SOPClassUID, *name == 'p' && name[1] == 'r'
+                                                    ? UID_GrayscaleSoftcopyPresentationStateStorage
+                                                    : UID_EncapsulatedPDFStorage);
+        set.putAndInsertString(DCM_SOPInstanceUID, "1.2.3.4");
+        ASSERT_TRUE(object.saveFile((Films() + "/images/" + name).c_str(), EXS_LittleEndianExplicit).good());
+    }
+    const Result run = Import();
+    EXPECT_EQ(run.code, 0) << run.err;
+    EXPECT_EQ(run.err, "");
+    EXPECT_THAT(run.out, HasSubstr("2 DICOM objects without picture were skipped"));
+    EXPECT_EQ(Try({"--db", Database(), "import", Films() + "/images/pr.dcm"}).code, 3)
+        << "a file that was named";
+    Write("2.25.6", 1, FullMouth18[7], [](DcmDataset& set) { set.findAndDeleteElement(DCM_PixelData); });
+    EXPECT_THAT(Import().err, HasSubstr("2.25.6-101.dcm: not imported: no pixel data"))
+        << "a kind that has pixels";
+}
+
+TEST_F(ImportTest, PicturesOfVisibleLightAreNoFilms) {
+    Init();
+    struct Kind {
+        const char *sopClass, *modality, *pixels;
+        bool photograph;
+    };
+    const Kind kinds[] = {
+        {UID_VLPhotographicImageStorage, "IO", "MONOCHROME2", true},
+        {UID_VLEndoscopicImageStorage, "ES", "RGB", true},
+        {UID_VLMicroscopicImageStorage, "GM", "RGB", true},
+        {UID_SecondaryCaptureImageStorage, "OT", "RGB", true},
+        {UID_SecondaryCaptureImageStorage, "IO", "YBR_FULL", true},
+        {UID_SecondaryCaptureImageStorage, "OT", "MONOCHROME2", false},
+        {UID_DigitalIntraOralXRayImageStorageForPresentation, "IO", "MONOCHROME1", false},
+    };
+    int number = 0;
+    for (const Kind& kind : kinds)
+        Write("2.25." + std::to_string(10 + number++), 1, {}, [&](DcmDataset& set) {
+            set.putAndInsertString(DCM_SOPClassUID, kind.sopClass);
+            set.putAndInsertString(DCM_Modality, kind.modality);
+            set.putAndInsertString(DCM_PhotometricInterpretation, kind.pixels);
+            if (std::string(kind.pixels).starts_with("MONO")) return;
+            const Uint8 pixels[12] = {};
+            set.putAndInsertUint16(DCM_SamplesPerPixel, 3);
+            set.putAndInsertUint16(DCM_PlanarConfiguration, 0);
+            set.putAndInsertUint8Array(DCM_PixelData, pixels, 12);
+        });
+    ASSERT_EQ(Import().code, 0);
+    const json images = OkJson({"images"});
+    ASSERT_EQ(images.size(), std::size(kinds));
+    for (const json& image : images) {
+        const auto place = static_cast<std::size_t>(image["series"].get<int>() - 1);
+        EXPECT_EQ(image["frame"] == 0, kinds[place].photograph) << place;
+    }
+}
+
+TEST_F(ImportTest, AFailureOfTheDatabaseIsToldInPlainWords) {
+    Init();
+    WriteSeries("2.25.5", {FullMouth18[7]});
+    Ok({"import", Films()});
+    Write("2.25.5", 2, FullMouth18[8]);
+    Run("UPDATE Study_T SET ReferDrName = NULL");
+    const Result run = Import();
+    EXPECT_EQ(run.code, 3);
+    EXPECT_THAT(run.err, HasSubstr("correct its column referDrName"));
+    EXPECT_THAT(run.err, HasSubstr("study 2.25.5.900 can't be read whole"));
+}
+
+TEST_F(ImportTest, AMarkerThatIsNoneIsNeitherTakenNorReplaced) {
+    Init();
+    WriteSeries("2.25.5", {FullMouth18[7]});
+    for (const char* marker : {"deadbeef\n", "", "storage root of clinic \n"}) {
+        std::ofstream(Root() / ".oxclass-root", std::ios::trunc) << marker;
+        const Result run = Import();
+        EXPECT_EQ(run.code, 1) << marker;
+        EXPECT_THAT(run.err, HasSubstr(".oxclass-root is no marker of a storage root")) << marker;
+        EXPECT_EQ(ContentOf(Root() / ".oxclass-root"), marker);
+        EXPECT_EQ(OkJson({"images"}).size(), 0U);
+    }
 }
 
 TEST_F(ImportTest, ControlCharactersOfAFileNeverReachTheTerminal) {

@@ -392,7 +392,7 @@ TEST_F(Program, AKnownImageUnderAnotherPatientOrWithAnotherPictureIsNotTakenForS
           [](DcmDataset& set) { set.putAndInsertString(DCM_SOPInstanceUID, "2.25.5.1"); });
     const Result other = Try({"--db", Database(), "import", Films() + "/2.25.6-101.dcm"});
     EXPECT_EQ(other.code, 3);
-    EXPECT_NE(other.err.find("belongs to an image of another series"), std::string::npos) << other.err;
+    EXPECT_NE(other.err.find("belongs to image 1 of another series"), std::string::npos) << other.err;
     EXPECT_EQ(OkJson({"patients"}).size(), 1U) << "nothing of a series without a stored image stays";
     Write("2.25.5", 1, FullMouth18[7], [](DcmDataset& set) { set.putAndInsertUint16(DCM_Columns, 1); });
     const Result changed = Try({"--db", Database(), "import", Films() + "/2.25.5-101.dcm"});
@@ -406,8 +406,14 @@ TEST_F(Program, ACopyThatIsGoneFromItsRootIsMadeAgain) {
     Ok({"import", Films()});
     const fs::path stored = folder.Path() / "images" / "0_" / "2.25.5.1.dcm";
     fs::remove(stored);
-    EXPECT_EQ(OkJson({"import", Films()})["known"], 1);
+    const json told = OkJson({"import", Films()});
+    EXPECT_EQ(told["known"], 0);
+    EXPECT_EQ(told["restored"], 1);
     EXPECT_TRUE(fs::exists(stored));
+    fs::remove(stored);
+    const std::string text = Ok({"import", Films()});
+    EXPECT_NE(text.find("1 file was missing and stored again."), std::string::npos) << text;
+    EXPECT_EQ(text.find("Nothing was stored twice"), std::string::npos) << text;
 }
 
 TEST_F(Program, QuotesInAFileDoNotKeepItOut) {

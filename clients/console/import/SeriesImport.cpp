@@ -1,5 +1,6 @@
 #include "console/import/SeriesImport.h"
 
+#include "console/Completeness.h"
 #include "console/Hanging.h"
 #include "console/import/StopSignals.h"
 #include "frame/Class1.h"
@@ -20,10 +21,21 @@ using Json = nlohmann::ordered_json;
 
 Date DateOf(const std::string& text) { return ParseDate(text).value_or(Date{}); }
 
+/// True for pictures that light made: those of the kinds for visible light and of the modalities of cameras,
+/// and coloured secondary captures, since X-rays have no colours.
+bool IsPhotograph(const RadiographFile& file) {
+    constexpr std::string_view visibleLight = "1.2.840.10008.5.1.4.1.1.77.1.",
+                               secondaryCapture = "1.2.840.10008.5.1.4.1.1.7";
+    const std::string& kind = file.sopClassUID;
+    const bool captured = kind == secondaryCapture || kind.starts_with(std::string(secondaryCapture) + ".");
+    return file.modality == "XC" || file.modality == "ES" || file.modality == "GM" ||
+           kind.starts_with(visibleLight) || (file.colour && captured);
+}
+
 xigImageTypes TypeOf(const RadiographFile& file) {
+    if (IsPhotograph(file)) return imggTypeVLPhotographic;
     if (file.modality == "IO") return imggTypeDXIntraOral;
     if (file.modality == "PX") return imggTypeDXPanoramic;
-    if (file.modality == "XC") return imggTypeVLPhotographic;
     if (file.modality != "DX") return imggTypeSC;
     const bool head = file.region == "T-11100" || Contains(UCase(file.seriesDescription), "CEPH");
     return head ? imggTypeDXCephalometric : imggTypeDXGeneral;
@@ -42,8 +54,8 @@ Json JsonOf(const PatientIdentity& person) {
 
 /// A conflict between a file and the patients that it was compared with.
 [[noreturn]] void RaiseConflict(const std::string& reason, const RadiographFile& file,
-                                const std::vector<PatientIdentity>& others, const std::string& titleOfOther) {
-    const PatientIdentity person = IdentityOf(file);
+                                const PatientIdentity& person, const std::vector<PatientIdentity>& others,
+                                const std::string& titleOfOther) {
     std::string table;
     Json json{{"series", file.seriesUID}, {"file", JsonOf(person)}, {"others", Json::array()}};
     for (const PatientIdentity& other : others) {
@@ -55,30 +67,90 @@ Json JsonOf(const PatientIdentity& person) {
     throw IdentityConflict(reason, table, json);
 }
 
-void RequireOnePerson(const std::vector<Radiograph>& files) {
-    const RadiographFile& first = files.front().file;
-    const PatientIdentity person = IdentityOf(first);
-    for (const auto& [path, file, noPicture] : files) {
-        const PatientIdentity other = IdentityOf(file);
-        if (EqualsIgnoringCase(other.patientID, person.patientID) && Contradictions(person, other).empty())
-            continue;
-        RaiseConflict(
-            fmt::format("the files of series {} name two patients, {} {} and {} {}", first.seriesUID,
-                        person.patientID, person.Name(), other.patientID, other.Name()),
-            file, {person}, "in the first file");
+/// True if two files can be of one person.
+bool CanBeOne(const PatientIdentity& a, const PatientIdentity& b) {
+    return EqualsIgnoringCase(a.patientID, b.patientID) && Contradictions(a, b).empty();
+}
+
+/// "#5 Ek, Anna", or "#5" for a patient without name.
+std::string Called(const PatientIdentity& stored) {
+    return Trim(fmt::format("#{} {}", stored.number, stored.Name()));
+}
+
+/// Loads the study of a file; false if it isn't known. Throws `UserError` for one that can't be read whole.
+bool LoadStudy(const Ref<Connection>& con, cStudy& study, const RadiographFile& file) {
+    try {
+        return study.loadStudy(file.studyUID, con);
+    } catch (const Error& failure) {
+        if (failure.Column.empty()) throw;
+        RefuseDamaged("study " + file.studyUID, failure);
     }
 }
 
-/// The image of this SOP Instance UID; `ID` is 0 if there is none.
+/// The same for its series.
+bool LoadSeries(const Ref<Connection>& con, cSerie& series, const RadiographFile& file) {
+    try {
+        return series.loadSeries(file.seriesUID, con);
+    } catch (const Error& failure) {
+        if (failure.Column.empty()) throw;
+        RefuseDamaged("series " + file.seriesUID, failure);
+    }
+}
+
+/// Throws `UserError` if an image without SOP Instance UID has the file of this
+/// UID: it is the same image.
+void RequireNoneWithoutUid(const Ref<Connection>& con, const std::string& uid) {
+    const Ref<Recordset> rows =
+        con->Execute(sql("SELECT ImageBildID FROM ImageBild_T WHERE "
+                         "(SOPInstanceUID_NVC IS NULL OR "
+                         "SOPInstanceUID_NVC = '') AND GraphicURL_NVC LIKE '%\\",
+                         FixSqlString(uid), ".dcm'"));
+    if (rows->Eof()) return;
+    throw UserError(
+        fmt::format("image {} has this file already, and its column "
+                    "SOPInstanceUID_NVC is empty; enter {} in it",
+                    rows->Fields(0).As<Long>(), uid));
+}
+
+/// The image of this SOP Instance UID; `ID` is 0 if there is none. Throws
+/// `UserError` for one that can't be read whole.
 Ref<cImage> ImageOf(const Ref<Connection>& con, const std::string& uid) {
-    Ref<cImage> image = New<cImage>();
     const Ref<Recordset> known = con->Execute(
         sql("SELECT ImageBildID FROM ImageBild_T WHERE SOPInstanceUID_NVC = '", FixSqlString(uid), "'"));
-    if (!known->Eof()) image->GetImage(con, known->Fields(0).As<Long>());
-    return image;
+    if (!known->Eof()) return LoadWholeImage(con, known->Fields(0).As<Long>());
+    RequireNoneWithoutUid(con, uid);
+    return New<cImage>();
 }
 
 bool HasFile(const cImage& image) { return image.ID != 0 && !image.URL.empty(); }
+
+void StoreFileName(const Ref<Connection>& con, Long image, const std::string& name, Long root,
+                   const std::string& sha256) {
+    con->Execute(sql("UPDATE ImageBild_T SET GraphicURL_NVC = '", FixSqlString(name), "', RootId = ", root,
+                     ", CRC = '", FixSqlString(sha256), "' WHERE ImageBildID = ", image));
+}
+
+/// Throws the `UserError` that names what is wrong with the series of an image
+/// which the file's series isn't.
+[[noreturn]] void RefuseSeriesOf(const Ref<Connection>& con, const cImage& image,
+                                 const RadiographFile& file) {
+    if (image.seriesID == 0)
+        throw UserError(
+            fmt::format("image {} is this film, and its column Series_ID names no series", image.ID));
+    const Ref<Recordset> row =
+        con->Execute(sql("SELECT SeriesInstanceUID FROM Series_T WHERE Series_ID = ", image.seriesID));
+    if (row->Eof())
+        throw UserError(fmt::format("image {} is this film, and its series {} isn't in the database",
+                                    image.ID, image.seriesID));
+    const ADODB::Field uid = row->Fields(0);
+    if (uid.IsNull() || Trim(uid.As<String>()).empty())
+        throw UserError(
+            fmt::format("image {} is this film, and the column SeriesInstanceUID "
+                        "of its series {} is empty; enter {} in it",
+                        image.ID, image.seriesID, file.seriesUID));
+    throw UserError(fmt::format("its SOP Instance UID {} belongs to image {} of another series already",
+                                file.sopInstanceUID, image.ID));
+}
 
 }  // namespace
 
@@ -92,14 +164,14 @@ SeriesResult SeriesImport::Store(const std::vector<Radiograph>& files) {
     SeriesResult result;
     const std::vector<const Radiograph*> fresh = NewFiles(files, result);
     if (fresh.empty()) return result;
-    if (!decidedPatient_) RequireOnePerson(files);
+    RequireOnePerson(files);
     KnownPatientOf(fresh.front()->file);  // a conflict is met before anything is copied
     StoreRows(Copied(fresh), result);
     return result;
 }
 
-/// The files that have no stored image. The others are compared with their images, and files that another
-/// one of the list repeats are left out.
+/// The files that have no stored image. The others are compared with their
+/// images, and files that another one of the list repeats are left out.
 std::vector<const Radiograph*> SeriesImport::NewFiles(const std::vector<Radiograph>& files,
                                                       SeriesResult& result) {
     std::vector<const Radiograph*> fresh;
@@ -111,8 +183,11 @@ std::vector<const Radiograph*> SeriesImport::NewFiles(const std::vector<Radiogra
             if (!isFirst && !SameContent(first->second->path, radiograph.path))
                 throw UserError(fmt::format("{} has the same SOP Instance UID and another content",
                                             first->second->path.string()));
-            if (!isFirst || IsStored(radiograph))
+            const Ref<cImage> image = isFirst ? ImageOf(con_, radiograph.file.sopInstanceUID) : nullptr;
+            if (!isFirst)
                 ++result.known;
+            else if (HasFile(*image))
+                TakeKnown(radiograph, *image, result);
             else
                 fresh.push_back(&radiograph);
         } catch (const UserError& refused) {
@@ -122,26 +197,37 @@ std::vector<const Radiograph*> SeriesImport::NewFiles(const std::vector<Radiogra
     return fresh;
 }
 
-/// True if the file is stored already. Throws `UserError` where its stored image is another one.
-bool SeriesImport::IsStored(const Radiograph& radiograph) {
-    const Ref<cImage> image = ImageOf(con_, radiograph.file.sopInstanceUID);
-    if (!HasFile(*image)) return false;
-    RequireSame(radiograph, *image);
-    return true;
+/// Counts a file that is stored already. Throws `UserError` where its stored
+/// image is another one, or another patient's than the user decided.
+void SeriesImport::TakeKnown(const Radiograph& radiograph, const cImage& image, SeriesResult& result) {
+    RequireSame(radiograph, image);
+    (RequireFile(radiograph, image) ? result.known : result.restored) += 1;
 }
 
-/// Refuses a file whose stored image is another one. A stored file that is missing is stored again, since
-/// that is what the user imports it for.
+/// Refuses a file whose stored image belongs to another series, or to another
+/// patient than the user decided.
 void SeriesImport::RequireSame(const Radiograph& radiograph, const cImage& image) {
-    const RadiographFile& file = radiograph.file;
     const Ref<cSerie> series = New<cSerie>();
-    if (!series->loadSeries(file.seriesUID, con_) || series->ID != image.seriesID)
-        throw UserError(fmt::format("its SOP Instance UID {} belongs to an image of another series already",
-                                    file.sopInstanceUID));
+    if (!LoadSeries(con_, *series, radiograph.file) || series->ID != image.seriesID)
+        RefuseSeriesOf(con_, image, radiograph.file);
+    if (!decidedPatient_ || image.PatID == *decidedPatient_) return;
+    const Ref<cPatient> owner = PatientOfRow(con_, image.PatID);
+    throw UserError(fmt::format("it is stored already, as image {} of patient {}; nothing is moved", image.ID,
+                                owner ? Called(IdentityOf(con_, *owner))
+                                      : fmt::format("#{}, who isn't in the database", image.PatID)));
+}
+
+/// Compares a file with the stored one. Stores it again where that is missing,
+/// since that is what the user imports it for, and returns false then.
+bool SeriesImport::RequireFile(const Radiograph& radiograph, const cImage& image) {
     const fs::path target = StoredPath(roots_.Folder(image.RootId).string(), image.URL);
-    if (!fs::exists(target)) return Restore(radiograph, target, image.RootId);
+    if (!fs::exists(target)) {
+        Restore(radiograph, target, image.RootId);
+        return false;
+    }
     if (!SameContent(radiograph.path, target))
         throw UserError(fmt::format("another file is stored as {} already", target.string()));
+    return true;
 }
 
 void SeriesImport::Restore(const Radiograph& radiograph, const fs::path& target, Long root) {
@@ -170,18 +256,22 @@ std::vector<SeriesImport::NewImage> SeriesImport::Copied(const std::vector<const
 
 void SeriesImport::StoreRows(const std::vector<NewImage>& images, SeriesResult& result) {
     SeriesResult now = result;
-    insertedPatient_.reset();
+    storedNew_.reset();
     ADODB::Transaction transaction(con_);
     NamedFiles names(roots_.Folder(root_));
     ComplainOfTextBoxes([&] { now.hung = StoreInTransaction(images, names, now); });
     names.Sync();
     transaction.Commit();
     names.Keep();
-    if (insertedPatient_) newPatients_.push_back(*insertedPatient_);
+    if (storedNew_) {
+        std::erase_if(newPatients_, [&](const auto& made) { return made.number == storedNew_->number; });
+        newPatients_.push_back(*storedNew_);
+    }
     result = std::move(now);
 }
 
-/// Returns the series if it was hung, 0 if another program has stored all of its images meanwhile.
+/// Returns the series if it was hung, 0 if another program has stored all of
+/// its images meanwhile.
 Long SeriesImport::StoreInTransaction(const std::vector<NewImage>& images, NamedFiles& names,
                                       SeriesResult& result) {
     const RadiographFile& first = images.front().radiograph->file;
@@ -193,9 +283,9 @@ Long SeriesImport::StoreInTransaction(const std::vector<NewImage>& images, Named
     const std::size_t before = result.stored;
     for (const NewImage& image : images) {
         if (StopSignals::Requested()) throw Stopped();
-        const bool isNew = StoreImage(image, patient, *series, names);
-        (isNew ? result.stored : result.known) += 1;
-        if (isNew && !image.radiograph->noPicture.empty())
+        const std::size_t storedBefore = result.stored;
+        StoreImage(image, patient, *series, names, result);
+        if (result.stored > storedBefore && !image.radiograph->noPicture.empty())
             result.notes.push_back(fmt::format("{}: stored, but it has no picture: {}",
                                                image.radiograph->path.string(), image.radiograph->noPicture));
     }
@@ -208,93 +298,177 @@ std::string SeriesImport::StoredNameOf(const RadiographFile& file, Long patient)
     return New<Class1>()->GetSubFolder(patient) + "\\" + file.sopInstanceUID + ".dcm";
 }
 
-/// Names the file and stores its image; false if another program has stored it meanwhile.
-bool SeriesImport::StoreImage(const NewImage& fresh, Long patient, const cSerie& series, NamedFiles& names) {
+/// Names the file and stores its image. An image that another program has
+/// stored meanwhile is compared; one whose row has lost the file's name gets
+/// that, and keeps all else.
+void SeriesImport::StoreImage(const NewImage& fresh, Long patient, const cSerie& series, NamedFiles& names,
+                              SeriesResult& result) {
     const Ref<cImage> image = ImageOf(con_, fresh.radiograph->file.sopInstanceUID);
-    if (HasFile(*image)) {
-        RequireSame(*fresh.radiograph, *image);
-        return false;
-    }
+    if (HasFile(*image)) return TakeKnown(*fresh.radiograph, *image, result);
+    const bool isNew = image->ID == 0;
+    if (!isNew) RequireSame(*fresh.radiograph, *image);
+    const std::string name = StoredNameOf(fresh.radiograph->file, isNew ? patient : image->PatID);
+    names.Name(fresh.staged, StoredPath(roots_.Folder(root_).string(), name));
+    (isNew ? result.stored : result.restored) += 1;
+    if (!isNew) return StoreFileName(con_, image->ID, name, root_, fresh.staged.sha256);
     Fill(*image, fresh.radiograph->file, patient, series);
-    image->URL = StoredNameOf(fresh.radiograph->file, patient);
+    image->URL = name;
     image->CRC = fresh.staged.sha256;
-    names.Name(fresh.staged, StoredPath(roots_.Folder(root_).string(), image->URL));
     image->SaveEx(false, con_);
-    return true;
 }
 
-/// The patient under whom the series is stored, if there is one. Throws `IdentityConflict` for a person who
-/// contradicts the stored one.
+/// Notes what the files say about their person. Throws `IdentityConflict` where
+/// two of them disagree, unless the user has decided whose they are. Each two
+/// are compared: what one file lacks, the next may tell.
+void SeriesImport::RequireOnePerson(const std::vector<Radiograph>& files) {
+    said_.clear();
+    for (const auto& [path, file, noPicture] : files) {
+        const PatientIdentity person = IdentityOf(file);
+        if (std::ranges::any_of(said_, [&](const auto& other) { return other == person; })) continue;
+        for (const PatientIdentity& other : said_) {
+            if (decidedPatient_ || CanBeOne(other, person)) continue;
+            RaiseConflict(
+                fmt::format("the files of series {} name two patients, {} {} and {} "
+                            "{}; decide with "
+                            "--patient '#N'; --new-patient doesn't help here",
+                            file.seriesUID, other.patientID, other.Name(), person.patientID, person.Name()),
+                file, person, {other}, "in another file");
+        }
+        said_.push_back(person);
+    }
+    person_ = said_.front();
+    if (decidedPatient_) return;
+    for (const PatientIdentity& person : said_) Complete(person_, person);
+}
+
+/// Throws `IdentityConflict` if anything that a file of the series says
+/// contradicts the stored patient.
+void SeriesImport::RequireNoContradiction(const RadiographFile& file, Long patient) {
+    const PatientIdentity stored = IdentityOf(con_, *PatientOfRow(con_, patient));
+    for (const PatientIdentity& person : said_)
+        if (!Contradictions(stored, person).empty())
+            RaiseConflict(fmt::format("a file of the series belongs to another "
+                                      "person than patient {}; decide "
+                                      "with --patient '#{}' or --new-patient",
+                                      Called(stored), stored.number),
+                          file, person, {stored}, {});
+}
+
+/// The patient under whom the series is stored, if there is one. Throws
+/// `IdentityConflict` for a person who contradicts the stored one.
 std::optional<Long> SeriesImport::KnownPatientOf(const RadiographFile& file) {
-    const PatientIdentity person = IdentityOf(file);
     if (file.patientID.empty() && !decidedPatient_)
-        throw UserError("it has no Patient ID, so it belongs to nobody; say whose it is with --patient");
-    if (const auto patient = PatientOfStudy(file, person)) return patient;
+        throw UserError(
+            "it has no Patient ID, so it belongs to nobody; say whose "
+            "it is with --patient");
+    if (const auto patient = PatientOfStudy(file)) return patient;
     if (decidedPatient_) return decidedPatient_;
     if (decision_.newPatient) {
         for (const PatientIdentity& made : newPatients_)
-            if (EqualsIgnoringCase(made.patientID, person.patientID) && Contradictions(made, person).empty())
+            if (std::ranges::all_of(said_, [&](const auto& person) { return CanBeOne(made, person); }))
                 return static_cast<Long>(made.number);
         return std::nullopt;
     }
-    const PatientMatch match = MatchPatient(con_, person);
-    if (match.number != 0) return match.number;
+    const PatientMatch match = MatchPatient(con_, person_);
+    if (match.number != 0) {
+        RequireNoContradiction(file, match.number);
+        return match.number;
+    }
     if (match.IsNew()) return std::nullopt;
-    const bool several = match.refused.size() > 1;
-    RaiseConflict(
-        fmt::format("Patient ID {} belongs to {} in the database; decide with --patient '#{}' or "
-                    "--new-patient",
-                    person.patientID,
-                    several ? "several patients" : "another person, " + match.refused.front().Name() + ",",
-                    match.refused.front().number),
-        file, match.refused, {});
+    const PatientIdentity& first = match.refused.front();
+    const std::string known = match.refused.size() > 1 ? "several patients" : "patient " + Called(first);
+    const std::string reason =
+        match.contradicted
+            ? fmt::format("Patient ID {} belongs to {} in the database, {}", person_.patientID,
+                          match.refused.size() > 1 ? "several patients" : "another person", Called(first))
+            : fmt::format(
+                  "there is not enough to tell whether this is {}, who "
+                  "has the Patient ID {}",
+                  known, person_.patientID);
+    RaiseConflict(fmt::format("{}; decide with --patient '#{}' or --new-patient", reason, first.number), file,
+                  person_, match.refused, {});
 }
 
 /// The patient of the file's study, if the study is known.
-std::optional<Long> SeriesImport::PatientOfStudy(const RadiographFile& file, const PatientIdentity& person) {
+std::optional<Long> SeriesImport::PatientOfStudy(const RadiographFile& file) {
     const Ref<cStudy> study = New<cStudy>();
-    if (!study->loadStudy(file.studyUID, con_)) return std::nullopt;
+    if (!LoadStudy(con_, *study, file)) return std::nullopt;
     if (decidedPatient_ && study->PatientID == *decidedPatient_) return decidedPatient_;
     const Ref<cPatient> patient = PatientOfRow(con_, study->PatientID);
     if (!patient)
         throw UserError(fmt::format("its study {} belongs to patient #{}, who isn't in the database",
                                     file.studyUID, study->PatientID));
     const PatientIdentity stored = IdentityOf(con_, *patient);
-    const bool same = EqualsIgnoringCase(stored.patientID, Trim(person.patientID)) &&
-                      Contradictions(stored, person).empty();
-    if (same && !decidedPatient_) return study->PatientID;
-    RaiseConflict(fmt::format("its study {} belongs to another patient already, #{} {}", file.studyUID,
-                              stored.number, stored.Name()),
-                  file, {stored}, {});
+    const auto other = std::ranges::find_if(said_, [&](const PatientIdentity& person) {
+        return !EqualsIgnoringCase(stored.patientID, Trim(person.patientID)) ||
+               !Contradictions(stored, person).empty();
+    });
+    if (other == said_.end() && !decidedPatient_) return study->PatientID;
+    RaiseConflict(fmt::format("its study {} belongs to another patient already, "
+                              "{}; decide with --patient "
+                              "'#{}'; --new-patient doesn't help here",
+                              file.studyUID, Called(stored), stored.number),
+                  file, other == said_.end() ? person_ : *other, {stored}, {});
 }
 
 Long SeriesImport::PatientOf(const RadiographFile& file, SeriesResult& result) {
     const auto known = KnownPatientOf(file);
-    return known ? *known : NewPatient(file, result);
+    if (!known) return NewPatient(file, result);
+    Fill(*known, result);
+    return *known;
+}
+
+/// Stores what the patient's row lacks and the files tell, so that the next
+/// file is compared with it. Nothing is taken from files of another identifier
+/// or of a person who contradicts the patient.
+void SeriesImport::Fill(Long number, SeriesResult& result) {
+    PatientIdentity stored = IdentityOf(con_, *PatientOfRow(con_, number));
+    if (!std::ranges::all_of(said_, [&](const auto& person) { return CanBeOne(stored, person); })) return;
+    const std::string told = FillPatient(con_, stored, person_, "the files");
+    if (told.empty()) return;
+    result.notes.push_back(told);
+    Complete(stored, person_);
+    if (decision_.newPatient) storedNew_ = stored;
 }
 
 Long SeriesImport::NewPatient(const RadiographFile& file, SeriesResult& result) {
-    PatientIdentity person = IdentityOf(file);
+    PatientIdentity person = person_;
     const Ref<cPatient> patient = New<cPatient>();
     patient->PatientID = file.patientID;
-    patient->LastName = file.familyName;
-    patient->FirstName = file.givenName;
+    if (!person.names.empty()) {
+        patient->LastName = person.names.front().family;
+        patient->FirstName = person.names.front().given;
+    }
     patient->Sex = person.sex;
     patient->BirthDate = person.birthDate;
     for (const std::string& left : AddOtherIDs(*patient, file.otherPatientIDs))
         result.notes.push_back(
-            fmt::format("patient {}: the other identifier {} is not stored: the column has no space for it",
+            fmt::format("patient {}: the other identifier {} is not stored: the "
+                        "column has no space for it",
                         file.patientID, left));
     SavePatient(con_, *patient);
-    StoreIssuer(con_, patient->ID, file.issuer);
+    StoreIssuer(con_, patient->ID, person.issuer);
     person.number = patient->ID;
-    insertedPatient_ = std::move(person);
+    TellSamePerson(person, result);
+    storedNew_ = std::move(person);
     return patient->ID;
+}
+
+/// Tells of the patients whom nothing distinguishes from the one that was made.
+void SeriesImport::TellSamePerson(const PatientIdentity& made, SeriesResult& result) {
+    for (const auto& patient : PatientsWithID(con_, made.patientID)) {
+        const PatientIdentity stored = IdentityOf(con_, *patient);
+        if (stored.number != made.number && SameInEachField(stored, made))
+            result.notes.push_back(
+                fmt::format("new patient #{} agrees with patient {} in every field; if they are "
+                            "one person, import with --patient '#{}' instead",
+                            made.number, Called(stored), stored.number));
+    }
 }
 
 Long SeriesImport::StudyOf(const RadiographFile& file, Long patient) {
     const Ref<cStudy> study = New<cStudy>();
-    if (study->loadStudy(file.studyUID, con_)) return study->ID;
+    if (LoadStudy(con_, *study, file)) return study->ID;
     study->instanceUID = file.studyUID;
     study->PatientID = patient;
     study->dateTime = DateOf(file.studyDateTime);
@@ -309,7 +483,7 @@ Long SeriesImport::StudyOf(const RadiographFile& file, Long patient) {
 
 Ref<cSerie> SeriesImport::SeriesOf(const RadiographFile& file, Long study) {
     Ref<cSerie> series = New<cSerie>();
-    if (series->loadSeries(file.seriesUID, con_)) {
+    if (LoadSeries(con_, *series, file)) {
         if (series->studyID != study)
             throw UserError(fmt::format("its series {} belongs to another study already", file.seriesUID));
         return series;

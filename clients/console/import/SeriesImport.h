@@ -20,11 +20,13 @@ struct Radiograph {
 
 /// What a person decided about the patient of all files of an import.
 struct PatientDecision {
-    std::string patient;      ///< "#5" or an identifier: the files belong to this patient, whatever differs
+    std::string patient;      ///< "#5" or an identifier: the files belong to this
+                              ///< patient, whatever differs
     bool newPatient = false;  ///< the files belong to a patient who isn't in the database yet
 };
 
-/// The files say that they belong to another person than the one they would be stored under.
+/// The files say that they belong to another person than the one they would be
+/// stored under.
 class IdentityConflict : public UserError {
 public:
     IdentityConflict(const std::string& reason, std::string told, nlohmann::ordered_json described)
@@ -40,6 +42,8 @@ class Stopped : public std::exception {};
 /// What storing a series came to.
 struct SeriesResult {
     std::size_t stored = 0, known = 0;
+    std::size_t restored = 0;  ///< images whose file, or whose file's name, was
+                               ///< missing and is there again
     std::vector<std::pair<std::filesystem::path, std::string>> refused;  ///< files, with the reason
     std::vector<std::string> notes;  ///< what was stored otherwise than the file has it
     Platform::Long hung = 0;         ///< the series, if it was hung
@@ -47,15 +51,17 @@ struct SeriesResult {
 
 /// Stores the files of one series, whole or nothing of it.
 ///
-/// Files are copied and flushed before the transaction begins; the database is locked only while rows are
-/// written and names are taken. A series of which every file is stored already is only compared. Used by the
-/// thread of its connection.
+/// Files are copied and flushed before the transaction begins; the database is
+/// locked only while rows are written and names are taken. A series of which
+/// every file is stored already is only compared. Used by the thread of its
+/// connection.
 class SeriesImport {
 public:
     SeriesImport(Ref<Connection> con, PatientDecision decision);
 
-    /// Stores a series; `files` isn't empty, and all name the same series. Throws `IdentityConflict`,
-    /// `UserError` and the library's `Error` for a series of which nothing was stored, and `Stopped`.
+    /// Stores a series; `files` isn't empty, and all name the same series. Throws
+    /// `IdentityConflict`, `UserError` and the library's `Error` for a series of
+    /// which nothing was stored, and `Stopped`.
     SeriesResult Store(const std::vector<Radiograph>& files);
 
 private:
@@ -65,19 +71,24 @@ private:
     };
 
     std::vector<const Radiograph*> NewFiles(const std::vector<Radiograph>& files, SeriesResult& result);
-    bool IsStored(const Radiograph& radiograph);
+    void TakeKnown(const Radiograph& radiograph, const OXClass::cImage& image, SeriesResult& result);
     void RequireSame(const Radiograph& radiograph, const OXClass::cImage& image);
+    bool RequireFile(const Radiograph& radiograph, const OXClass::cImage& image);
     void Restore(const Radiograph& radiograph, const std::filesystem::path& target, Platform::Long root);
     std::vector<NewImage> Copied(const std::vector<const Radiograph*>& files);
     void StoreRows(const std::vector<NewImage>& images, SeriesResult& result);
     Platform::Long StoreInTransaction(const std::vector<NewImage>& images, NamedFiles& names,
                                       SeriesResult& result);
-    bool StoreImage(const NewImage& image, Platform::Long patient, const OXClass::cSerie& series,
-                    NamedFiles& names);
+    void StoreImage(const NewImage& image, Platform::Long patient, const OXClass::cSerie& series,
+                    NamedFiles& names, SeriesResult& result);
+    void RequireOnePerson(const std::vector<Radiograph>& files);
     Platform::Long PatientOf(const RadiographFile& file, SeriesResult& result);
+    void Fill(Platform::Long patient, SeriesResult& result);
     std::optional<Platform::Long> KnownPatientOf(const RadiographFile& file);
-    std::optional<Platform::Long> PatientOfStudy(const RadiographFile& file, const PatientIdentity& person);
+    std::optional<Platform::Long> PatientOfStudy(const RadiographFile& file);
+    void RequireNoContradiction(const RadiographFile& file, Platform::Long patient);
     Platform::Long NewPatient(const RadiographFile& file, SeriesResult& result);
+    void TellSamePerson(const PatientIdentity& made, SeriesResult& result);
     OXClass::Ref<OXClass::cSerie> SeriesOf(const RadiographFile& file, Platform::Long study);
     Platform::Long StudyOf(const RadiographFile& file, Platform::Long patient);
     std::string StoredNameOf(const RadiographFile& file, Platform::Long patient) const;
@@ -88,8 +99,10 @@ private:
     Ref<Connection> con_;
     PatientDecision decision_;
     std::optional<Platform::Long> decidedPatient_;
-    std::vector<PatientIdentity> newPatients_;        // committed by this import, for `newPatient`
-    std::optional<PatientIdentity> insertedPatient_;  // of the transaction that is open
+    std::vector<PatientIdentity> said_;         // what the files of the series say, each person once
+    PatientIdentity person_;                    // the same in one
+    std::vector<PatientIdentity> newPatients_;  // committed by this import, for `newPatient`
+    std::optional<PatientIdentity> storedNew_;  // inserted or filled by the transaction that is open
     StorageRoots roots_;
     Platform::Long root_;
     std::optional<Staging> staging_;

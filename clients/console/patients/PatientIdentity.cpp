@@ -19,7 +19,8 @@ using Parts = std::vector<std::string>;
 constexpr std::pair<std::string_view, std::string_view> BaseLetters[] = {
     {"ø", "o"}, {"ł", "l"}, {"đ", "d"}, {"ð", "d"}, {"ı", "i"}, {"æ", "ae"}, {"œ", "oe"}, {"þ", "th"}};
 
-/// The text in lower case without accents; a text that isn't valid UTF-8 in lower case only.
+/// The text in lower case without accents; a text that isn't valid UTF-8 in
+/// lower case only.
 std::string Folded(const std::string& text) {
     utf8proc_uint8_t* mapped = nullptr;
     const auto options = static_cast<utf8proc_option_t>(
@@ -33,7 +34,8 @@ std::string Folded(const std::string& text) {
     return folded;
 }
 
-/// The parts of a name, folded: blanks, hyphens and commas separate them, other punctuation is left out.
+/// The parts of a name, folded: blanks, hyphens and commas separate them, other
+/// punctuation is left out.
 Parts PartsOf(const std::string& name) {
     constexpr std::string_view separators = " \t^,-", leftOut = ".'`\"()/\\";
     Parts parts(1);
@@ -47,7 +49,9 @@ Parts PartsOf(const std::string& name) {
     return parts;
 }
 
-std::string TextOrEmpty(const Parts& parts) { return std::accumulate(parts.begin(), parts.end(), std::string()); }
+std::string TextOrEmpty(const Parts& parts) {
+    return std::accumulate(parts.begin(), parts.end(), std::string());
+}
 
 Parts SortedParts(const Parts& family, const Parts& given) {
     Parts all = family;
@@ -79,8 +83,8 @@ void TakeOutEqualParts(Parts& a, Parts& b) {
     });
 }
 
-/// True if the given names can be one person's: each part of the shorter list is a part of the longer, whole
-/// or as an initial.
+/// True if the given names can be one person's: each part of the shorter list
+/// is a part of the longer, whole or as an initial.
 bool GivenNamesAgree(Parts a, Parts b) {
     if (a.size() > b.size()) std::swap(a, b);
     if (a.empty() || TextOrEmpty(a) == TextOrEmpty(b)) return true;
@@ -114,6 +118,16 @@ bool NamesAgree(const PatientIdentity& a, const PatientIdentity& b) {
                    return IsKnown(other) && WritingsAgree(one, other);
                });
     });
+}
+
+/// The given name that `said` has with the family name of a writing without
+/// given name; else empty.
+std::string GivenNameFor(const NameWriting& writing, const PatientIdentity& said) {
+    const Parts family = PartsOf(writing.family);
+    if (family.empty() || !PartsOf(writing.given).empty()) return {};
+    for (const NameWriting& other : said.names)
+        if (PartsOf(other.family) == family) return other.given;
+    return {};
 }
 
 bool SexKnown(const PatientIdentity& person) {
@@ -169,6 +183,30 @@ bool Confirms(const PatientIdentity& a, const PatientIdentity& b) {
 
 bool SameIssuer(const PatientIdentity& a, const PatientIdentity& b) {
     return Platform::EqualsIgnoringCase(Trimmed(a.issuer), Trimmed(b.issuer));
+}
+
+std::vector<IdentityField> Complete(PatientIdentity& known, const PatientIdentity& said) {
+    std::vector<IdentityField> taken;
+    const auto take = [&](IdentityField field, bool lacks, auto& to, const auto& from) {
+        if (!lacks) return;
+        to = from;
+        taken.push_back(field);
+    };
+    take(IdentityField::Issuer, Trimmed(known.issuer).empty() && !Trimmed(said.issuer).empty(), known.issuer,
+         said.issuer);
+    if (!NameKnown(known))
+        take(IdentityField::Name, NameKnown(said), known.names, said.names);
+    else if (const std::string given = GivenNameFor(known.names.front(), said); !given.empty())
+        take(IdentityField::Name, true, known.names.front().given, given);
+    take(IdentityField::BirthDate, known.birthDate.Days == 0 && said.birthDate.Days != 0, known.birthDate,
+         said.birthDate);
+    take(IdentityField::Sex, !SexKnown(known) && SexKnown(said), known.sex, said.sex);
+    return taken;
+}
+
+bool SameInEachField(const PatientIdentity& a, const PatientIdentity& b) {
+    return !Differ(a, b, IdentityField::PatientID) && SameIssuer(a, b) && NameKnown(a) == NameKnown(b) &&
+           a.birthDate == b.birthDate && SexKnown(a) == SexKnown(b) && Contradictions(a, b).empty();
 }
 
 std::string SideBySide(const PatientIdentity& a, const std::string& titleA, const PatientIdentity& b,

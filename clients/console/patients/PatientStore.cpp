@@ -15,7 +15,8 @@ using namespace OXClass;
 
 constexpr Long IdentifierWidth = 64, OtherIDsWidth = 255;
 
-/// The one letter of a sex that programs of the suite agree on; empty for any other text.
+/// The one letter of a sex that programs of the suite agree on; empty for any
+/// other text.
 std::string SexLetter(const std::string& text) {
     const std::string letter = UCase(Left(Trim(text), 1));
     return letter == "M" || letter == "F" || letter == "O" ? letter : "";
@@ -64,7 +65,8 @@ void SetIdentifier(const Ref<Connection>& con, Long number, const std::string& i
         sql("UPDATE Patient_T SET PersonNr_CH = '", FixSqlString(id), "' WHERE PatientID = ", number));
 }
 
-/// Inserts a patient beside others of the same identifier: the class would update those.
+/// Inserts a patient beside others of the same identifier: the class would
+/// update those.
 void InsertBesideOthers(const Ref<Connection>& con, cPatient& patient) {
     const std::string id = patient.PatientID;
     patient.PatientID = New<cDoctors>()->GetGUID();
@@ -79,17 +81,72 @@ bool HasOtherID(const cPatient& patient, const std::string& identifier) {
     return false;
 }
 
-void UpdateRow(const Ref<Connection>& con, cPatient& patient) {
-    const Long number = patient.ID;
-    const std::string id = patient.PatientID;
-    WithUniqueID(con, patient, [&](const std::string& unique) {
-        patient.PatientID = unique;
-        patient.Save(con);
-    });
-    patient.PatientID = id;
-    if (patient.ID != number)
-        throw UserError(
-            fmt::format("patient #{} was changed by another program meanwhile; try again", number));
+/// A text column of Patient_T and its member.
+struct TextColumn {
+    const char* name;
+    String cPatient::*text;
+};
+
+constexpr TextColumn TextColumns[] = {
+    {"FirstName_NVC", &cPatient::FirstName},
+    {"LastName_NVC", &cPatient::LastName},
+    {"Sex_CH", &cPatient::Sex},
+    {"Address_NVC", &cPatient::Address},
+    {"TelOne_NVC", &cPatient::TelOne},
+    {"TelTwo_NVC", &cPatient::TelTwo},
+    {"TelMobile_NVC", &cPatient::TelMobile},
+    {"Email_adress", &cPatient::EMail},
+    {"Comments_NVC", &cPatient::Comments},
+    {"IDImg", &cPatient::IDImg},
+};
+
+String DateColumn(Date date) { return date.Days == 0 ? String() : FormatDate(date, "yyyy-mm-dd"); }
+
+/// "Sex_CH = 'F', ..." with the columns whose values differ.
+std::string Changes(const cPatient& stored, const cPatient& wanted) {
+    std::vector<std::string> changes;
+    const auto text = [&](const char* column, const String& before, const String& after) {
+        if (before != after) changes.push_back(sql(Clause(column), " = '", FixSqlString(after), "'"));
+    };
+    for (const TextColumn& column : TextColumns) text(column.name, stored.*column.text, wanted.*column.text);
+    text("Birthdate_CH", DateColumn(stored.BirthDate), DateColumn(wanted.BirthDate));
+    text("PrevXrayDate_CH", DateColumn(stored.PrevXrayDate), DateColumn(wanted.PrevXrayDate));
+    text("OtherIDs", stored.OtherIDs->GetAllAsString(), wanted.OtherIDs->GetAllAsString());
+    if (stored.RespDoctor != wanted.RespDoctor) changes.push_back(sql("RespDoctor = ", wanted.RespDoctor));
+    return fmt::format("{}", fmt::join(changes, ", "));
+}
+
+void UpdateRow(const Ref<Connection>& con, const cPatient& patient) {
+    const Ref<cPatient> stored = PatientOfRow(con, patient.ID);
+    if (!stored)
+        throw UserError(fmt::format("patient #{} was removed by another program meanwhile", patient.ID));
+    const std::string changes = Changes(*stored, patient);
+    if (!changes.empty())
+        con->Execute(sql("UPDATE Patient_T SET ", Clause(changes), " WHERE PatientID = ", patient.ID));
+}
+
+/// Writes a column that is null or blank.
+void FillColumn(const Ref<Connection>& con, Long patient, const char* column, const std::string& text) {
+    con->Execute(sql("UPDATE Patient_T SET ", Clause(column), " = '", FixSqlString(text),
+                     "' WHERE PatientID = ", patient, " AND trim(ifnull(", Clause(column), ", '')) = ''"));
+}
+
+/// Stores one property of an identity, and tells it: "sex F".
+std::string FillField(const Ref<Connection>& con, const PatientIdentity& person, IdentityField field) {
+    const auto patient = static_cast<Long>(person.number);
+    switch (field) {
+        case IdentityField::Issuer:
+            StoreIssuer(con, patient, person.issuer);
+            return "issuer " + person.issuer;
+        case IdentityField::Name:
+            FillColumn(con, patient, "LastName_NVC", person.names.front().family);
+            FillColumn(con, patient, "FirstName_NVC", person.names.front().given);
+            return "name " + person.Name();
+        case IdentityField::BirthDate:
+            FillColumn(con, patient, "Birthdate_CH", DateColumn(person.birthDate));
+            return "birth date " + DateText(person.birthDate);
+        default: FillColumn(con, patient, "Sex_CH", person.sex); return "sex " + person.sex;
+    }
 }
 
 }  // namespace
@@ -114,8 +171,12 @@ PatientIdentity IdentityOf(const Ref<Connection>& con, const cPatient& patient) 
 Ref<cPatient> PatientOfRow(const Ref<Connection>& con, Long number) {
     Ref<cPatient> patient = New<cPatient>();
     bool found = false;
-    ComplainOfTextBoxes([&] { found = patient->LoadOnPatientIDorPDBID(con, String(), number) != 0; });
-    return found ? patient : nullptr;
+    WithoutTextBoxes([&] { found = patient->LoadOnPatientIDorPDBID(con, String(), number) != 0; });
+    const Completion& load = patient->LoadCompletion();
+    if (found || load.Complete()) return found ? patient : nullptr;
+    if (load.Failure().Column.empty()) throw Error(load.Failure());
+    throw UserError(fmt::format("patient #{} can't be read: correct its column {} in the database ({})",
+                                number, load.Failure().Column, load.Failure().Description));
 }
 
 std::vector<Ref<cPatient>> PatientsWithID(const Ref<Connection>& con, const std::string& id) {
@@ -155,7 +216,9 @@ PatientMatch MatchPatient(const Ref<Connection>& con, const PatientIdentity& per
     for (const auto& patient : patients) {
         PatientIdentity stored = IdentityOf(con, *patient);
         const bool idIsEnough = patients.size() == 1 && SameIssuer(stored, person);
-        const bool fits = idIsEnough ? Contradictions(stored, person).empty() : Confirms(stored, person);
+        const bool contradicts = !Contradictions(stored, person).empty();
+        const bool fits = idIsEnough ? !contradicts : Confirms(stored, person);
+        match.contradicted = match.contradicted || contradicts;
         (fits ? fitting : match.refused).push_back(std::move(stored));
     }
     if (fitting.size() == 1)
@@ -172,7 +235,8 @@ void RequireStorable(const cPatient& patient) {
         throw UserError("Sex and OtherIDs can't hold a single quote; leave it out");
     if (Len(others) > OtherIDsWidth)
         throw UserError(
-            fmt::format("the other identifiers have more than {} characters in all; set fewer with: oxclass "
+            fmt::format("the other identifiers have more than {} "
+                        "characters in all; set fewer with: oxclass "
                         "patient ID OtherIDs=A\\B",
                         OtherIDsWidth));
     if (Len(patient.PatientID) > IdentifierWidth)
@@ -204,14 +268,22 @@ void SavePatient(const Ref<Connection>& con, cPatient& patient) {
     patient.Save(con);
 }
 
+std::string FillPatient(const Ref<Connection>& con, const PatientIdentity& stored,
+                        const PatientIdentity& said, const char* source) {
+    PatientIdentity filled = stored;
+    std::vector<std::string> added;
+    for (const IdentityField field : Complete(filled, said)) added.push_back(FillField(con, filled, field));
+    if (added.empty()) return {};
+    return fmt::format("patient #{} {}: {} added from {}", stored.number, filled.Name(),
+                       fmt::join(added, ", "), source);
+}
+
 void ChangePatientID(const Ref<Connection>& con, cPatient& patient, const std::string& id) {
     if (EqualsIgnoringCase(Trim(id), patient.PatientID)) return;
     if (RowsWithID(con, Trim(id)) > 0)
         throw UserError(fmt::format("another patient has the ID {} already; see: oxclass patients", id));
     patient.PatientID = UCase(Trim(id));
     RequireStorable(patient);
-    CreateProgramTables(con);
-    con->Execute(sql("DELETE FROM PatientIssuer_T WHERE PatientID = ", patient.ID));
     SetIdentifier(con, patient.ID, patient.PatientID);
 }
 
@@ -222,6 +294,11 @@ void StoreIssuer(const Ref<Connection>& con, Long patient, const std::string& is
     con->Execute(sql("DELETE FROM PatientIssuer_T WHERE PatientID = ", patient));
     con->Execute(sql("INSERT INTO PatientIssuer_T (PatientID, Issuer) VALUES (", patient, ", '",
                      FixSqlString(text), "')"));
+}
+
+void ForgetIssuer(const Ref<Connection>& con, Long patient) {
+    CreateProgramTables(con);
+    con->Execute(sql("DELETE FROM PatientIssuer_T WHERE PatientID = ", patient));
 }
 
 void CreateProgramTables(const Ref<Connection>& con) { RunScript(con, schema::program_sql); }
