@@ -12,8 +12,10 @@ class IntendedRecipients final : public Keyed<cStringItem> {
 public:
     static constexpr const char* ClassName = "IntendedRecipients";
 
-    /// Adds a recipient at the end, under `sKey` unless that is empty, and returns it. `str` and `ID` are
-    /// stored unchanged, and equal texts are all added.
+    /// Adds a recipient at the end, under `sKey` unless that is empty, and returns it.
+    ///
+    /// `str` and `ID` become the members of the same name, unchanged; equal texts are all added. The members
+    /// of the item that belong to comments keep their initial values.
     ///
     /// Raises 457 if the key exists; the list stays unchanged then.
     Ref<cStringItem> Add(const String& str, const Long& ID, const String& sKey = {});

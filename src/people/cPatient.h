@@ -54,10 +54,13 @@ public:
 
     String FirstName;
     String LastName;
-    Date BirthDate;   ///< without a time of day
-    String Sex;       ///< must not contain an unpaired single quote
-    String IDImg;     ///< the client's name for a portrait
-    String Comments;  ///< free text
+    /// The date of birth, without a time of day; 0 if it isn't known.
+    Date BirthDate;
+    /// A code for the sex that the client chooses. A save can't store an unpaired single quote.
+    String Sex;
+    /// The client's name for a portrait.
+    String IDImg;
+    String Comments;
 
     // ---- contact -----------------------------------------------------------------------------------
 
@@ -69,8 +72,10 @@ public:
 
     // ---- treatment ---------------------------------------------------------------------------------
 
-    Long RespDoctor = 0;  ///< the number of the responsible doctor, `cDoctor::drID`
-    Date PrevXrayDate;    ///< the date of the previous X-ray image, without a time of day
+    /// The number of the responsible doctor, `cDoctor::drID`; 0 if there is none. A null reads as 0.
+    Long RespDoctor = 0;
+    /// The date of the previous X-ray image, without a time of day; 0 if it isn't known.
+    Date PrevXrayDate;
 
     const Interface& Describe() const override;
 

@@ -6,8 +6,9 @@ namespace OXClass {
 
 /// One text with an identifier: a member of `OtherPatIDs`, `IntendedRecipients` and `cComments`.
 ///
-/// The object only holds its values: nothing here checks, converts or stores them. An object belongs to the
-/// thread that created it.
+/// The object only holds its values: nothing here checks, converts or stores them. Each list fills the
+/// members that it uses, and the others keep their initial values: 0, empty and false. An object belongs to
+/// the thread that created it.
 class cStringItem final : public Object {
 public:
     static constexpr const char* ClassName = "cStringItem";
