@@ -4,11 +4,13 @@
 
 namespace OXClass {
 
-/// A class without members, which programs that create it still find.
+/// A class without members. It remains so that programs that create it by name or by identifier still can. An
+/// object belongs to the thread that created it.
 class cAnatomics final : public Object {
 public:
     static constexpr const char* ClassName = "cAnatomics";
 
+    /// Describes an interface with no member of its own: any call by name raises an unknown name.
     const Interface& Describe() const override;
 };
 

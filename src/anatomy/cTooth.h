@@ -4,13 +4,17 @@
 
 namespace OXClass {
 
-/// One tooth, by its two-digit FDI number, with the mark that it is selected. An object belongs to one
-/// thread.
+/// One tooth, with the mark that it is selected.
+///
+/// The object only holds its values: nothing here checks or stores them. An object belongs to the thread that
+/// created it.
 class cTooth final : public Object {
 public:
     static constexpr const char* ClassName = "cTooth";
 
+    /// The number in the two-digit FDI notation: the quadrant 1 to 8 and the place in it, such as 11 or 85.
     Integer TNumber = 0;
+    /// True if the tooth is selected.
     bool Selected = false;
 
     const Interface& Describe() const override;
