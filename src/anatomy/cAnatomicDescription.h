@@ -6,7 +6,7 @@ namespace OXClass {
 
 /// The kind of an anatomic description. Column StandardGroupName.ADType; a row can hold other numbers too.
 enum AnaDescType : Long {
-    adtIntraOral = 0,  ///< the teeth decide; `ADPriStructure` is a tooth string
+    adtIntraOral = 0,  ///< `ADPriStructure` is a tooth string
     adtGeneralDX = 1,  ///< any other X-ray image
     adtAll = 999       ///< for clients; no operation here treats it in a special way
 };

@@ -12,7 +12,8 @@ class cTooth final : public Object {
 public:
     static constexpr const char* ClassName = "cTooth";
 
-    /// The number in the two-digit FDI notation: the quadrant 1 to 8 and the place in it, such as 11 or 85.
+    /// The number in the two-digit FDI notation: the quadrant, then the place in it counted from the middle.
+    /// Quadrants 1 to 4 have 8 permanent teeth each, quadrants 5 to 8 have 5 primary teeth each.
     Integer TNumber = 0;
     /// True if the tooth is selected.
     bool Selected = false;
