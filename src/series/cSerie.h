@@ -31,9 +31,10 @@ public:
     /// Loads the series that `Series` names, a UID if it contains a ".", otherwise a key in decimal. Returns
     /// true. Returns false and changes nothing if there is none. An `ImgCount` other than 0 stays unchanged.
     ///
-    /// Raises, with "cSerie.loadseries, " in front of the source, 0x80040E14 for a text that is neither a key
-    /// nor a UID without unpaired single quotes, 94 for a null key, 13 or 6 for a value that doesn't convert,
-    /// and what the database raises. Members that were read before the failure keep their new values.
+    /// Raises, with "cSerie.loadseries, " in front of the source, 0x80040E14 for a key that isn't a whole
+    /// number and for a UID with an unpaired single quote, 94 for a null key, 13 or 6 for a value that
+    /// doesn't convert, and what the database raises. Members that were read before the failure keep their
+    /// new values.
     bool loadSeries(String Series, const Ref<Connection>& Con);
 
     /// Fills the object from the current row of Series_T, as `loadSeries` does, and raises as that without
@@ -74,10 +75,10 @@ public:
     /// layout's own order through `conn`, which is otherwise not used. Returns 0 and does nothing if
     /// `ImgCount` is 0. Returns 0 for 21 images or more, and numbers them by their time of capture.
     ///
-    /// Raises 6 for an `ImgCount` beyond 16 bits, before anything is changed; 13 for a member that isn't an
-    /// image; 91, in the full-mouth layouts 5 and 6 only, for a tooth string that names something else than
-    /// teeth; 6 for more than 32767 images or a sum of frames beyond 16 bits; and what the database raises.
-    /// What was changed before a failure stays changed.
+    /// Raises 6 for an `ImgCount` beyond 16 bits and 91 for a null collection, before anything is changed;
+    /// 13 for a member that isn't an image; 91 for a tooth string that names something else than teeth, but
+    /// only in the full-mouth layouts 5 and 6; 6 for more than 32767 images or a sum of frames beyond 16
+    /// bits; and what the database raises. What was changed before a failure stays changed.
     Long HangSeries(const Ref<Enumerable>& colImgs, const Ref<Connection>& conn);
 
     /// Stores the series as a new image card of the patient of the first image, with each image in the slot

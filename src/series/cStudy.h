@@ -31,10 +31,10 @@ public:
     /// Loads the study that `Study` names, a UID if it contains a ".", otherwise a key in decimal. Returns
     /// true. Returns false and changes nothing if there is none.
     ///
-    /// Raises, with "cStudy.loadStudy, " in front of the source, 0x80040E14 for a text that is neither a key
-    /// nor a UID without unpaired single quotes, 94 for a null in any column but `studyID`, `PhysOfRecord`
-    /// and the date, 13 for a date that is null or isn't a date, and what the database raises. Members that
-    /// were read before the failure keep their new values.
+    /// Raises, with "cStudy.loadStudy, " in front of the source, 0x80040E14 for a key that isn't a whole
+    /// number and for a UID with an unpaired single quote, 94 for a null in any column but `studyID`,
+    /// `PhysOfRecord` and the date, 13 for a date that is null or isn't a date, and what the database
+    /// raises. Members that were read before the failure keep their new values.
     bool loadStudy(String Study, const Ref<Connection>& Con);
 
     /// Writes the study and returns true. Searches the row by `ID` if `CheckExistOnID` is true, otherwise by
