@@ -16,8 +16,10 @@ public:
     /// Returns the tooth at a position or under a key, or null if there is none. Raises nothing.
     Ref<cTooth> Item(const Variant& vntIndexKey) const { return Find(vntIndexKey); }
 
-    /// Creates a tooth with these values, adds it at the end, under `sKey` unless that is empty, and returns
-    /// it. The number isn't checked. Raises 457 if the key exists; the list stays unchanged then.
+    /// Creates a tooth, adds it at the end, under `sKey` unless that is empty, and returns it.
+    ///
+    /// `Selected` is the mark, `TNumber` the FDI number. Neither number nor key is checked, and they need not
+    /// agree. Raises 457 if the key exists; the list stays unchanged then.
     Ref<cTooth> Add(bool Selected, Integer TNumber, const String& sKey = {});
 
     const Interface& Describe() const override;

@@ -4,7 +4,8 @@
 
 namespace OXClass {
 
-/// The owner whose images `cImages::LoadAll4Object` loads. Only a patient and a series are supported.
+/// The owner whose images `cImages::LoadAll4Object` loads. `iootPatient` selects by the column PatientID,
+/// `iootSeries` by Series_ID. The other two select nothing: with them, a caller must pass a condition.
 enum ImageOwnerOjectTypes : Long { iootUnknown = 0, iootPatient = 1, iootImageCard = 2, iootSeries = 3 };
 
 /// The images of a patient, of a series, or of a condition in SQL, as a keyed list that is counted from 1.
@@ -46,8 +47,11 @@ public:
     Ref<cImage> Item(const Variant& vntIndexKey) const { return Find(vntIndexKey); }
 
     /// Creates an image with these values, adds it at the end, under `sKey` unless that is empty, and returns
-    /// it. Stores nothing. The image refers to the given comments and doesn't copy them; if they are null, it
-    /// gets an empty list. Raises 457 if the key exists; the list stays unchanged then.
+    /// it. Stores nothing in the database.
+    ///
+    /// Each argument becomes the property of its name; the other properties keep their initial values, `Key`
+    /// too. The image refers to the given comments and doesn't copy them; if they are null, it gets an empty
+    /// list. Raises 457 if the key exists; the list stays unchanged then.
     Ref<cImage> Add(const String& URL, const Long& ID, const xigImageTypes& ImageType, const String& sTeeth,
                     const bool& Approved, const Long& PatID, const Date& dateTime, const Long& MirrRotStatus,
                     const Long& DPIY, const Long& DPIX, const Long& RootId, const Long& Pregnant,

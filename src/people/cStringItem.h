@@ -25,7 +25,8 @@ public:
     String Signature;
     /// The date and time of the comment.
     Date DateStamp;
-    /// True if the comment is a row of Comments_T; `cImage` stores a comment only if this is false.
+    /// True if the comment is a row of Comments_T. `cImage` stores a comment only if this is false, and sets
+    /// it afterwards.
     bool bSaved = false;
 
     const Interface& Describe() const override;

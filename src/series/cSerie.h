@@ -121,8 +121,10 @@ public:
 
     // ---- held for the client, not stored -----------------------------------------------------------
 
-    String Key;             ///< the key under which a collection contains it
-    bool Approved = false;  ///< true if all images are approved; the card list sets it
+    /// The key under which a collection contains it.
+    String Key;
+    /// The card list sets this true if all images are approved, or if there are none yet.
+    bool Approved = false;
     bool Changed = false;
 
     const Interface& Describe() const override;
