@@ -74,8 +74,8 @@ public:
 
     // ---- teeth -------------------------------------------------------------------------------------
 
-    /// The teeth. Never null: an empty collection is created if there is none. `SetcTeeth` replaces the
-    /// collection without copying it, and may set it to null.
+    /// The teeth. `cTeeth` never returns null: it creates an empty collection if there is none. `SetcTeeth`
+    /// replaces the collection without copying it; the argument may be null.
     const Ref<OXClass::cTeeth>& cTeeth() const;
     void SetcTeeth(const Ref<OXClass::cTeeth>& teeth) { teeth_ = teeth; }
 

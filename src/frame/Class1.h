@@ -38,8 +38,8 @@ public:
     /// Returns the directory of a root as `GetRootOnID` does, from the cache if the cache holds it. In that
     /// case the database isn't asked and `Con` may be null.
     ///
-    /// If `bFlushCache` is true, empties the cache first, whatever happens afterwards. The cache never
-    /// answers with an empty directory. Raises 9 for a negative root, otherwise as `GetRootOnID`.
+    /// If `bFlushCache` is true, empties the cache first, whatever happens afterwards. A directory that is
+    /// empty in the cache is read again. Raises 9 for a negative root, otherwise as `GetRootOnID`.
     String GetCachedRootOnID(Ref<Connection> Con, const Long& RootId, const bool& bFlushCache);
 
     /// Returns the sub-folder of a patient below a root. A sub-folder serves 500 patients and is named after

@@ -14,7 +14,8 @@ namespace OXClass {
 /// pointer, which is null unless a failure ended the last run. It belongs to the thread that created it.
 class Completion {
 public:
-    /// Returns false if a failure ended the last run, true otherwise and before the first run.
+    /// Returns false if a failure ended the last run, true otherwise and before the first run. Says nothing
+    /// about failures that the operation raised before it started its run.
     bool Complete() const noexcept { return !failure_; }
 
     /// Returns the failure that ended the last run; number 0 if none did. `Column` names the column that

@@ -8,19 +8,28 @@
 /// two variables that each thread has. COM clients can't reach any of it. Any thread may call.
 namespace OXClass {
 
-// The names of the platform that the classes use, and the programs that use the classes.
+// ---- the names of the platform that the classes use, and the programs that use the classes -------------
+
+// Numbers of failures.
 namespace err = Platform::err;
+// The database.
 using ADODB::Connection, ADODB::Recordset;
+// Conversions.
 using Platform::CBool, Platform::CDate, Platform::CDbl, Platform::CInt, Platform::CLng, Platform::CSng,
     Platform::CStr, Platform::Format, Platform::IsDate, Platform::ParseDate, Platform::To, Platform::Val;
+// Lists.
 using Platform::Collection, Platform::Each, Platform::Enumerable, Platform::Enumerator, Platform::Keyed;
+// Texts, whose lengths and positions count UTF-16 units.
 using Platform::Contains, Platform::EqualsIgnoringCase, Platform::FromUtf16, Platform::LCase, Platform::Left,
     Platform::Len, Platform::Mid, Platform::Replace, Platform::Right, Platform::SplitIgnoringCase,
     Platform::ToUtf16, Platform::Trim;
+// Services of the host.
 using Platform::CreateGuid, Platform::DoEvents, Platform::FileExists, Platform::Guid, Platform::MsgBox,
     Platform::Now, Platform::Sleep, Platform::TheHost, Platform::TickCount, Platform::Timer;
+// Dates and values.
 using Platform::Date, Platform::DateFrom, Platform::FormatDate;
 using Platform::Empty, Platform::Integer, Platform::Long, Platform::Null, Platform::String, Platform::Variant;
+// Interfaces, failures, objects.
 using Platform::EnumerationOf, Platform::EnumerationValue, Platform::Interface;
 using Platform::Error, Platform::Raise;
 using Platform::New, Platform::Object, Platform::Ref;
@@ -74,7 +83,7 @@ Variant NzValue(Variant v);
 ///
 /// The UID has at most 64 characters: a root of more than 22 characters shortens the digits from the front,
 /// and one of 63 leaves only the dot. Raises 5 for a root of 64 characters or more, and 6 for a system time
-/// beyond the year 30000.
+/// from about the year 30810 to 30828, whose upper half overflows.
 String MakeUIDSuffix();
 
 /// Returns the upper or the lower 16 bits of `v`, without sign, in decimal. Zeros in front fill the text up

@@ -111,13 +111,14 @@ public:
 
     // ---- comments ----------------------------------------------------------------------------------
 
-    /// The comments, newest first. Never null: an empty list is created if there is none. `SetComments`
-    /// replaces the list without copying it, and may set it to null.
+    /// The comments, newest first. `Comments` never returns null: it creates an empty list if there is none.
+    /// `SetComments` replaces the list without copying it; the argument may be null.
     const Ref<cComments>& Comments();
     void SetComments(const Ref<cComments>& comments) { comments_ = comments; }
 
     /// Loads the comments of `ID`, newest first. Does nothing if the list isn't empty. Raises 94 for a null
-    /// text, signature or date and what the database raises; the comments before it stay in the list.
+    /// text, signature or date and what the database raises; the comments before the failure stay in the
+    /// list.
     void GetComments(const Ref<Connection>& Con);
 
     /// Creates a comment and inserts it at the front. `saved` true means that it is already stored; if false,
@@ -134,7 +135,8 @@ public:
 
     /// The number of the storage root, a key of Root_T. Needed.
     Long RootId = 0;
-    /// The directory of that root, from Root_T. Read only; a root that doesn't exist leaves it unchanged.
+    /// The directory of that root, from Root_T. Never written; a root that doesn't exist leaves it
+    /// unchanged.
     String Root_RootDirectory;
     /// The path of the file below the root, column GraphicURL_NVC. Empty if there is no file.
     String URL;

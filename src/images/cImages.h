@@ -33,7 +33,8 @@ public:
                         const String& SQLWhereClause = {});
 
     /// Loads as `LoadAll4Object` does, but omits the images that can't be read whole: only `Unread` lists
-    /// them. Raises only what the statement and the move to the next row raise. Not part of the interface.
+    /// them. Raises 457 for a second image of one key and what the statement raises. Not part of the
+    /// interface.
     Long LoadReadable(const Ref<Connection>& conn, const ImageOwnerOjectTypes& ObjectType, const Long& ID,
                       const String& SQLWhereClause = {});
 

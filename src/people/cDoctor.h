@@ -10,8 +10,8 @@ enum DoctorType : Long { drt_Unknown = 0, drt_Local = 1, drt_Remote = 2, drt_Web
 /// A person who can be responsible for patients: a row of Doctor_T.
 ///
 /// A doctor has two identifiers: the number `drID`, which the database assigns, and the GUID `drGUID`, which
-/// a load assigns to a row that has none. Each text is empty if its column is null. An object belongs to the
-/// thread that created it.
+/// a load assigns to a row that has none. A null column reads as 0 or the empty text. An object belongs to
+/// the thread that created it.
 class cDoctor final : public Object {
 public:
     static constexpr const char* ClassName = "cDoctor";

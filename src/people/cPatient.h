@@ -8,8 +8,8 @@ namespace OXClass {
 /// One patient: a row of Patient_T.
 ///
 /// The text identifier `PatientID` decides which row a save writes; `ID` doesn't. A save writes all columns,
-/// so a program that changes one member must load the patient first. Each text is empty if its column is
-/// null, and a date of 0 is stored as the empty text. An object belongs to the thread that created it.
+/// so a program that changes one member must load the patient first. A null column reads as the empty text,
+/// and a date of 0 is stored as the empty text. An object belongs to the thread that created it.
 class cPatient final : public Object {
 public:
     static constexpr const char* ClassName = "cPatient";

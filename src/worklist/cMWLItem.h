@@ -48,8 +48,8 @@ public:
     /// Other patient IDs as one text, apart from `OtherPatIDs`.
     String OtherPatientID;
 
-    /// Other patient IDs as a list. Never null: an empty list is created if there is none. `SetOtherPatIDs`
-    /// replaces the list without copying it.
+    /// Other patient IDs as a list. `OtherPatIDs` never returns null: it creates an empty list if there is
+    /// none. `SetOtherPatIDs` replaces the list without copying it; the argument may be null.
     const Ref<OXClass::OtherPatIDs>& OtherPatIDs();
     void SetOtherPatIDs(const Ref<OXClass::OtherPatIDs>& list) { otherIDs_ = list; }
 
@@ -81,8 +81,9 @@ public:
     /// Intended recipients of results as one text, apart from `IntendedRecipients`.
     String IntendedRecipientsOfResults;
 
-    /// Intended recipients of results as a list. Never null: an empty list is created if there is none.
-    /// `SetIntendedRecipients` replaces the list without copying it.
+    /// Intended recipients of results as a list. `IntendedRecipients` never returns null: it creates an
+    /// empty list if there is none. `SetIntendedRecipients` replaces the list without copying it; the
+    /// argument may be null.
     const Ref<OXClass::IntendedRecipients>& IntendedRecipients();
     void SetIntendedRecipients(const Ref<OXClass::IntendedRecipients>& list) { recipients_ = list; }
 
