@@ -93,8 +93,8 @@ private:
     bool inside_ = false;      // true if the counted bytes end between quotes
 };
 
-/// An estimate of a piece's length, to reserve memory once: exact for literals and escaped texts.
-
+/// Returns an estimate of a piece's length in bytes, to reserve memory once; not too short for literals and
+/// escaped texts.
 template <std::size_t N>
 constexpr std::size_t LengthOf(const char (&)[N]) {
     return N;

@@ -8,10 +8,9 @@ namespace OXClass {
 /// One entry of a DICOM modality worklist: the patient, the requested procedure, the scheduled procedure
 /// step.
 ///
-/// The object only holds its values: nothing here checks, converts or stores them. All values are texts, also
-/// dates, times and the weight; they have the form that the worklist server sends. Two attributes with
-/// several values are held twice, as a text and as a list, and neither follows the other. An object belongs
-/// to the thread that created it.
+/// The object only holds its values: nothing here checks, converts or stores them. All values are texts,
+/// also dates, times and the weight. Two attributes with several values are held twice, as a text and as a
+/// list, and neither follows the other. An object belongs to the thread that created it.
 class cMWLItem final : public Object {
 public:
     static constexpr const char* ClassName = "cMWLItem";
