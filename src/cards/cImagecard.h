@@ -53,9 +53,10 @@ public:
     /// numbered from 1, those to be deleted too, and saved. They all stay in the collection. The program
     /// handles its pending messages during the save.
     ///
-    /// Raises 6 at the 32767th placed image, 13 for a member that isn't a placed image, 94 if the key of a
-    /// new card can't be read back, and what `cImagecardAttribute::Save` and the database raise. What was
-    /// written before a failure stays written. Manipulations that could not be stored raise nothing: see
+    /// Raises 5 for a date outside the years 100 to 9999, 91 if the collection is null, 6 at the 32767th
+    /// placed image, 13 for a member that isn't a placed image, 94 if the key of a new card can't be read
+    /// back, and what `cImagecardAttribute::Save` and the database raise. What was written before a failure
+    /// stays written. Manipulations that could not be stored raise nothing: see
     /// `cImagecardAttribute::SaveManipulations`.
     bool Save(const Ref<Connection>& conn);
 

@@ -45,7 +45,8 @@ public:
     /// to 100000999, which isn't checked to be free; `TCID` becomes the highest key with this name, and each
     /// slot becomes a new slot of it. A slot that a client removed from the collection stays in the table.
     ///
-    /// Raises 13 for a member that isn't a slot, 94 if the key of a new template can't be read back, and what
+    /// Raises 5 on an insert if `TCDate` is outside the years 100 to 9999, 91 if the collection is null, 13
+    /// for a member that isn't a slot, 94 if the key of a new template can't be read back, and what
     /// `cTemplateAttribute::Save` and the database raise. What was written before a failure stays written,
     /// and a random number stays in `TCDicomID`.
     bool Save(const Ref<Connection>& Con);

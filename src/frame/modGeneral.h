@@ -72,8 +72,8 @@ Escaped UCase(const Escaped& text);
 // ---- reading nulls -------------------------------------------------------------------------------------
 
 /// Returns a value for a member that can't hold a null: the 16-bit 0 for a null, an empty value, a text of
-/// blanks, an object, an array, and a date outside the calendar. Returns every other value unchanged, with
-/// its type. Raises nothing.
+/// blanks, an object, an array, and a date that can't be formatted. Returns every other value unchanged,
+/// with its type. Raises nothing.
 Variant NzValue(Variant v);
 
 // ---- DICOM identifiers ---------------------------------------------------------------------------------

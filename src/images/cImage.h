@@ -86,13 +86,13 @@ public:
     /// updates the row of `ID`; an update of a row that no longer exists changes nothing and isn't detected.
     /// `dateTime`, `RootId` and `Pregnant` are stored by an insert only, `CapturePerson` by an update only.
     ///
-    /// Before it sends anything, raises 6 on an insert if `Pregnant` is beyond 16 bits, 13 or 6 if
-    /// `FrameNumber` isn't a number, and 0x80040E14 for an unpaired single quote in a text that the statement
-    /// takes unescaped: `CRC`, `instanceUID`, `ApprCrop`, `Laterality`, `AnaRegion`, `AnaRegionMod`,
-    /// `sTeeth`, and on an update also `CapturePerson` and `RespPerson`. Raises 91 after the row is written
-    /// if the comments are null. Raises what the database raises. What was written before a failure stays
-    /// written. A second save then writes only the missing comments, but inserts a second row if `ID` is
-    /// still 0.
+    /// Before it sends anything, raises on an insert 6 if `Pregnant` is beyond 16 bits and 5 if `dateTime`
+    /// is outside the years 100 to 9999, 13 or 6 if `FrameNumber` isn't a number, and 0x80040E14 for an
+    /// unpaired single quote in a text that the statement takes unescaped: `CRC`, `instanceUID`, `ApprCrop`,
+    /// `Laterality`, `AnaRegion`, `AnaRegionMod`, `sTeeth`, and on an update also `CapturePerson` and
+    /// `RespPerson`. Raises 91 after the row is written if the comments are null. Raises what the database
+    /// raises. What was written before a failure stays written. A second save then writes only the missing
+    /// comments, but inserts a second row if `ID` is still 0.
     Long Save(const Ref<Connection>& Con);
 
     /// Searches the image in the table and then saves it as `Save` does, so that a second import stores no

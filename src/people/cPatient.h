@@ -41,9 +41,10 @@ public:
     /// Returns 0. `ID` becomes the key of the first such row, or of the new row.
     ///
     /// At most 255 characters of `OtherIDs` are stored, and no time of day. Raises 0x80040E14 for an
-    /// unpaired single quote in `Sex` or `OtherIDs`, which the statement takes unescaped, 91 if `OtherIDs` is
-    /// null, and what the database raises; the table stays unchanged then, but `ID` may be that of the row to
-    /// update. If the key of a new row can't be read back, the row is written and `ID` stays unchanged.
+    /// unpaired single quote in `Sex` or `OtherIDs`, which the statement takes unescaped, 91 if `OtherIDs`
+    /// is null, 5 for a date outside the years 100 to 9999, and what the database raises; the table stays
+    /// unchanged then, but `ID` may be that of the row to update. If the key of a new row can't be read
+    /// back, the row is written and `ID` stays unchanged.
     Long Save(Ref<Connection> Con);
 
     /// Returns how the last load ended. A birth date that isn't a date counts as a failure, though the load

@@ -49,9 +49,10 @@ public:
     ///
     /// If the key of the row is 0, shows the message box "FEL", and still returns true: the row is written.
     /// Raises, with "cSerie.SaveSeries, " in front of the source, 0x80040E14 for an unpaired single quote in
-    /// the UID that is searched, 0x80040E21 for a text that is longer than its column, 0x80040E38 if another
-    /// program changed the row meanwhile, and what the database raises; nothing is written then. Raises 94 if
-    /// the key of a new row can't be read back; the row is written then, and `ID` stays unchanged.
+    /// the UID that is searched, 0x80040E21 for a text that is longer than its column, 5 for a date outside
+    /// the years 100 to 9999, 0x80040E38 if another program changed the row meanwhile, and what the database
+    /// raises; nothing is written then. Raises 94 if the key of a new row can't be read back; the row is
+    /// written then, and `ID` stays unchanged.
     bool SaveSeries(const bool& CheckExistOnID, const Ref<Connection>& Con);
 
     /// Deletes the row of `ID`, if it exists. Its images, and all members, stay unchanged. Raises 0x80040E38

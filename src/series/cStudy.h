@@ -47,9 +47,9 @@ public:
     /// If `ID` is 0 afterwards, because the key is 0 or the key column is missing, shows the message box
     /// "fel", and still returns true: the row is written. Raises, with "cStudy.SaveStudy, " in front of the
     /// source, 0x80040E14 for an unpaired single quote in the UID that is searched, 0x80040E21 for a text
-    /// that is longer than its column, 0x80040E38 if another program changed the row meanwhile, and what the
-    /// database raises; nothing is written then. Raises 94 if the key of a new row can't be read back; the
-    /// row is written then, and `ID` stays unchanged.
+    /// that is longer than its column, 5 for a date outside the years 100 to 9999, 0x80040E38 if another
+    /// program changed the row meanwhile, and what the database raises; nothing is written then. Raises 94
+    /// if the key of a new row can't be read back; the row is written then, and `ID` stays unchanged.
     bool savestudy(const bool& CheckExistOnID, const Ref<Connection>& Con);
 
     /// Deletes the row of `ID`, if it exists. Its series and images, and all members, stay unchanged. Raises
