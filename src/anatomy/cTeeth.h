@@ -13,7 +13,8 @@ class cTeeth final : public Keyed<cTooth> {
 public:
     static constexpr const char* ClassName = "cTeeth";
 
-    /// Returns the tooth at a position or under a key, or null if there is none. Raises nothing.
+    /// Returns the tooth at a position or under a key, or null if there is none. Keys are compared without
+    /// regard to case. Raises nothing.
     Ref<cTooth> Item(const Variant& vntIndexKey) const { return Find(vntIndexKey); }
 
     /// Creates a tooth, adds it at the end, under `sKey` unless that is empty, and returns it.

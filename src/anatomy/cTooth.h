@@ -16,7 +16,8 @@ public:
     /// The number in the two-digit FDI notation: the quadrant, then the place in it counted from the middle.
     /// Quadrants 1 to 4 have 8 permanent teeth each, quadrants 5 to 8 have 5 primary teeth each.
     Integer TNumber = 0;
-    /// True if the tooth is selected, that is, part of the tooth string.
+    /// True if the tooth is selected, that is, part of the tooth string. False in a new object and in the
+    /// full set.
     bool Selected = false;
 
     const Interface& Describe() const override;

@@ -9,16 +9,22 @@ namespace OXClass {
 /// The library treats two of them specially: it deletes the file of a `ManCosmetic` that is no longer used,
 /// and never stores an `UndoStop`. It stores all others for the clients, which define their meaning.
 enum ManipulationType : Long {
+    /// `StringParameter` names a file in image storage. A save deletes the file of the last stored cosmetic
+    /// if
+    /// the last new one names another file, or if there is none.
     ManCosmetic = 1,
     Manbrightness = 2,
     ManContrast = 3,
     ManInvert = 4,
     ManColorize = 5,
+    /// The console program stores a rotation with `LongParameter` in degrees clockwise.
     ManRotate = 6,
+    /// The console program stores a mirroring from left to right with `LongParameter` 1.
     ManMirror = 7,
     ManSharpen = 8,
     ManBitmap = 9,
     ManPosResize = 10,
+    /// A mark of the client's among the manipulations. A save skips it and assigns it no number.
     UndoStop = 11,
     ManLeftFocus = 12,
     ManGotfocus = 13,

@@ -13,6 +13,7 @@ enum gGlobalListIDs : Long {
     gglID_DeveloperFKeys = 1,
     gglID_VersionStatus = 2,
     gglID_DicomServer = 3,
+    /// The root UID of DICOM identifiers; "1.2.840.990731.3.6" if the list is empty.
     gglID_DicomRootUID = 4,
     gglID_LoginMethod = 5,
     gglID_ImageFormat = 6,

@@ -21,7 +21,8 @@ public:
     /// Inserts an existing comment before the position `Index`, under `sKey` unless that is empty. Without a
     /// key, an empty list accepts any index.
     ///
-    /// Raises 9 for a position that doesn't exist and 457 if the key exists; the list stays unchanged then.
+    /// The list refers to the comment and doesn't copy it. Raises 9 for a position that doesn't exist and 457
+    /// if the key exists; the list stays unchanged then.
     void AddObj(const Ref<cStringItem>& Obj, const Long& Index, const String& sKey = {});
 
     const Interface& Describe() const override;

@@ -21,7 +21,8 @@ public:
 
     // ---- of a comment only -------------------------------------------------------------------------
 
-    /// The person who signed the comment. `cImage` stores the first 150 characters.
+    /// The person who signed the comment. `cImage` stores the first 150 characters, and compares with it when
+    /// an image is imported a second time.
     String Signature;
     /// The date and time of the comment.
     Date DateStamp;
