@@ -17,9 +17,9 @@ enum ManipulationType : Long {
     ManContrast = 3,
     ManInvert = 4,
     ManColorize = 5,
-    /// The console program stores a rotation with `LongParameter` in degrees clockwise.
+    /// `oxclass` stores the angle in `LongParameter`, in degrees clockwise.
     ManRotate = 6,
-    /// The console program stores a mirroring from left to right with `LongParameter` 1.
+    /// `oxclass` stores 1 in `LongParameter` for a mirroring from left to right.
     ManMirror = 7,
     ManSharpen = 8,
     ManBitmap = 9,
