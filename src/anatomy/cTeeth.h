@@ -4,18 +4,24 @@
 
 namespace OXClass {
 
-/// A collection of teeth. In a full set each of the 52 stands under the key "Tooth" + its number. An
-/// object belongs to one thread.
+/// A keyed list of teeth that is counted from 1.
+///
+/// In the full set, which `cAnatomicDescription::InitCollection` makes, each of the 52 teeth has the key
+/// "Tooth" + its number, such as "Tooth11". `Remove` raises 9 for a position and 5 for a key that doesn't
+/// exist. An object belongs to the thread that created it.
 class cTeeth final : public Keyed<cTooth> {
 public:
     static constexpr const char* ClassName = "cTeeth";
 
-    /// Makes a tooth, adds it at the end, under `sKey` if that is not empty, and gives it. Raises 457
-    /// for a key that is present.
-    Ref<cTooth> Add(bool Selected, Integer TNumber, const String& sKey = {});
-
-    /// The tooth at a position or under a key; nothing where there is none. Never raises.
+    /// Returns the tooth at a position or under a key, or null if there is none. Keys are compared without
+    /// regard to case. Raises nothing.
     Ref<cTooth> Item(const Variant& vntIndexKey) const { return Find(vntIndexKey); }
+
+    /// Creates a tooth, adds it at the end, under `sKey` unless that is empty, and returns it.
+    ///
+    /// `Selected` is the mark, `TNumber` the FDI number. Neither number nor key is checked, and they need not
+    /// agree. Raises 457 if the key exists; the list stays unchanged then.
+    Ref<cTooth> Add(bool Selected, Integer TNumber, const String& sKey = {});
 
     const Interface& Describe() const override;
 };

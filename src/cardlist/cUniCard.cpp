@@ -10,7 +10,7 @@ using namespace Platform;
 
 namespace {
 
-/// The condition for the images that are placed on a card; empty if none is.
+/// Returns the condition for the images that are placed on a card; the empty text if there are none.
 String ImagesOn(const cImagecard& card) {
     String terms;
     for (const auto& placed : Each<cImagecardAttribute>(*card.ImagecardAttributes))

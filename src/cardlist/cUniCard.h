@@ -8,51 +8,77 @@
 
 namespace OXClass {
 
-/// What an entry of a patient's card list holds.
+/// The kind of an entry in a patient's card list.
 enum CardTypes : Long { ctUnknown = 0, ctImagecard = 1, ctseries = 2 };
 
-/// One entry of a patient's card list: an image card, or a series with its study. A new one is empty; one
-/// from the list knows its record; `LoadCardFull` adds its images and what they are laid out on. An object
-/// belongs to one thread.
+/// One entry of a patient's card list: an image card, or a series with its study.
+///
+/// A new entry is empty. An entry that `cUniCards` made has its record, but no images; `LoadCardFull` adds
+/// the images and their places. An object belongs to the thread that created it.
 class cUniCard final : public Object {
 public:
     static constexpr const char* ClassName = "cUniCard";
 
-    Ref<Object> mvarImgLead;  ///< an object of the client's own; the library never looks at it
+    // ---- identity ----------------------------------------------------------------------------------
 
-    /// The date by which the list is sorted: an image card's creation or else its last change, a
-    /// series' own or else its study's; 0 for neither kind. Raises 91 for an undated series without a study.
-    Date SortDate() const;
+    /// The key in the list: "IC" + the key of the image card, or "SE" + the key of the series.
+    String Key;
 
-    String Key;  ///< "IC" + the card's key, or "SE" + the series'
-
-    /// What it holds; a series, where both are present, as after `LoadCardFull`.
+    /// Returns the kind: a series if `Series` isn't null, otherwise an image card if `Imagecard` isn't null.
+    /// After `LoadCardFull` of a series both are set. Raises nothing.
     CardTypes CardType() const;
 
-    /// Loads the images of the entry into `colImages`, and what they are laid out on; returns 0. The
-    /// caller passes the entry's kind and key; what the entry itself says is not looked at, `UID` neither.
+    /// Returns the date by which the list is sorted: for an image card the date of creation, or of the last
+    /// change if that is 0; for a series its own date, or that of its study if that is 0; otherwise 0. Raises
+    /// 91 for a series without a date and without a study.
+    Date SortDate() const;
+
+    // ---- load --------------------------------------------------------------------------------------
+
+    /// Loads the images of the entry into a new `colImages`, and their places into `Imagecard`. Returns 0.
+    /// The caller passes kind and key of the entry; the members `CardType` and `Key` and the argument `UID`
+    /// are ignored, and `Fullyloaded` stays unchanged.
     ///
-    /// An image card's placed images are loaded anew and numbered from 1, then their images; without any,
-    /// no image is asked for. A series is never loaded again: its images, its layout into `Template`, and
-    /// an `Imagecard` that stands in memory only, with each image in the slot of its frame or in a grid of
-    /// five columns, on a canvas of 1000 by 700 where the layout has no size. `ID` 0 takes the series' key,
-    /// in the caller's variable too. Any other kind leaves an empty `colImages`. `Fullyloaded` stays.
+    /// An image card: loads the placed images of `Imagecard` again, by its own key, numbers them from 1, and
+    /// loads their images. Asks for no images if there are no placed images. A failure to load the placed
+    /// images shows a message box and isn't raised.
     ///
-    /// Raises 91 where the entry lacks the record of this kind, 6 for more than 32767 images of a series,
-    /// and what the loads raise; what was loaded before a failure stays.
+    /// A series: loads the images of the series `ID` and its layout into `Template`, and creates an
+    /// `Imagecard` that isn't stored, with each image in the slot of its frame, or in a grid if the layout
+    /// has no such slot
+    /// (`SlotPlacing`). A side of the canvas that the layout doesn't define is 1000 wide or 700 high. If `ID`
+    /// is 0, it becomes the key of the series, in the caller's variable too.
+    ///
+    /// Any other kind: `colImages` stays empty. Raises 91 if the entry has no record of the kind, 6 for more
+    /// than 32767 images of a series, 13 or 6 for a frame that isn't a number, and what the loads raise. What
+    /// was loaded before a failure stays.
     Long LoadCardFull(const Ref<Connection>& conn, const String& UID, Long& ID, const CardTypes& CardType);
 
-    /// The same for the record that the entry has, for programs in C++ that go on past an image that can't be
-    /// read: it is not in `colImages`, whose `Unread` tells it. Placed images that can't be read are told in
-    /// a text box, and by `LoadCompletion` of `Imagecard`. Raises as `LoadCardFull`. No part of the interface.
+    /// Loads as `LoadCardFull` does, by the record that the entry has, for C++ programs that continue after
+    /// an image that can't be read: `colImages` omits it, and `cImages::Unread` lists it. Placed images that
+    /// can't be read show a message box, and `cImagecard::LoadCompletion` reports them. Raises as
+    /// `LoadCardFull`. Not part of the interface.
     void LoadReadable(const Ref<Connection>& conn);
 
-    Ref<cTemplate> Template;    ///< the layout of a series, after `LoadCardFull`
-    bool Fullyloaded = false;   ///< the client's mark; the list sets it false
-    Ref<cStudy> Study;          ///< of a series; entries of one study share it
-    Ref<cSerie> Series;         ///< nothing for an image card
-    Ref<cImagecard> Imagecard;  ///< nothing for a series that isn't loaded
-    Ref<cImages> colImages;     ///< nothing before `LoadCardFull`
+    // ---- the record and what belongs to it ---------------------------------------------------------
+
+    /// The image card; null for a series before `LoadCardFull`.
+    Ref<cImagecard> Imagecard;
+    /// The series; null for an image card.
+    Ref<cSerie> Series;
+    /// The study of the series. Entries of one study refer to one object.
+    Ref<cStudy> Study;
+    /// The layout of the series; null before `LoadCardFull`.
+    Ref<cTemplate> Template;
+    /// The images; null before `LoadCardFull`.
+    Ref<cImages> colImages;
+
+    // ---- held for the client -----------------------------------------------------------------------
+
+    /// The client's mark that the entry is loaded. Nothing in the library sets it.
+    bool Fullyloaded = false;
+    /// An object of the client's.
+    Ref<Object> mvarImgLead;
 
     const Interface& Describe() const override;
 
@@ -66,6 +92,7 @@ private:
 
 }  // namespace OXClass
 
+/// The names and numbers of `CardTypes`, for the type library.
 template <>
 struct Platform::EnumerationOf<OXClass::CardTypes> {
     static constexpr const char* Name = "CardTypes";

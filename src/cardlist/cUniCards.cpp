@@ -75,7 +75,7 @@ Ref<cStudy> StudyOf(const Ref<Recordset>& rs) {
     return study;
 }
 
-/// The part of a series that tells whether it is an orphan.
+/// Returns a series with the members that decide whether it is an orphan.
 Ref<cSerie> SeriesOf(const Ref<Recordset>& rs) {
     Ref<cSerie> series = New<cSerie>();
     series->ID = Required<Long>(rs, "Series_ID");
@@ -85,14 +85,14 @@ Ref<cSerie> SeriesOf(const Ref<Recordset>& rs) {
     return series;
 }
 
-/// True if a computed column holds this number; a null holds none.
+/// Returns true if a computed column has this value; false for a null.
 bool Holds(const Ref<Recordset>& rs, std::string_view column, double number) {
     const ADODB::Field field = rs->Fields(column);
     return !field.IsNull() && field.As<double>() == number;
 }
 
-/// True if the series has images, or may still get them: taken here, less than ten minutes ago. Sets what
-/// the images tell.
+/// Returns true if the series has image files, or is under capture: captured here, less than ten minutes ago.
+/// Sets number and location of the images, if there are any.
 bool IsKept(cSerie& series, const Ref<Recordset>& rs) {
     constexpr double tenMinutes = 600, secondsADay = 86400;
     constexpr double resolution = 1e-5;  // in seconds, of what a date can hold
@@ -107,7 +107,7 @@ bool IsKept(cSerie& series, const Ref<Recordset>& rs) {
     return age < tenMinutes - resolution && series.OrgServer == 0;
 }
 
-/// The rest of a series that stays in the list.
+/// Reads the other members of a series that stays in the list.
 void Complete(cSerie& series, const Ref<Recordset>& rs, Integer& step) {
     const Long images = Required<Long>(rs, "ImageCount");
     series.Approved = series.location == gdcmObjectLocUnknown || Holds(rs, "ApprovedSum", images) ||
@@ -120,7 +120,7 @@ void Complete(cSerie& series, const Ref<Recordset>& rs, Integer& step) {
     series.TemplateID = Nz<Long>(rs, "template_ID");
 }
 
-/// Adds the image card of a row, and gives the patient's key.
+/// Adds the image card of a row, and returns the key of the patient.
 Long AddCard(const Ref<Recordset>& rs, Collection& entries, Integer& step) {
     step = 2;
     const Ref<cUniCard> entry = New<cUniCard>();
@@ -144,7 +144,7 @@ void ReadCards(const Ref<Connection>& con, const String& statement, Integer& ste
     rs->Close();
 }
 
-/// The key of the patient who has no image cards; 0 if there is none.
+/// Returns the key of a patient with this personal number, for one without image cards; 0 if there is none.
 Long FindPatient(const Ref<Connection>& con, const String& personalNumber) {
     const Ref<Recordset> rs = OpenPlain(
         con, sql("SELECT Patient_T.* FROM Patient_T WHERE PersonNr_CH='", AsItStands(personalNumber), "'"),
@@ -154,7 +154,8 @@ Long FindPatient(const Ref<Connection>& con, const String& personalNumber) {
     return patient;
 }
 
-/// Adds the series of a row, or hands it to `orphan`. `study` is the one that the row before had.
+/// Adds the series of a row, or calls `orphan` with it. `study` is the study of the previous row; a series of
+/// the same study refers to it, and another one replaces it.
 template <class Orphan>
 void AddSeries(const Ref<Recordset>& rs, Ref<cStudy>& study, Collection& entries, Integer& step,
                Orphan orphan) {
@@ -177,7 +178,7 @@ void AddSeries(const Ref<Recordset>& rs, Ref<cStudy>& study, Collection& entries
     step = 14;
 }
 
-/// Calls `row` for each series of the patient. Gives the open recordset.
+/// Calls `row` for each series of the patient. Returns the recordset, still open.
 template <class Row>
 Ref<Recordset> ReadSeries(const Ref<Connection>& con, Long patient, Integer& step, Row row) {
     Ref<Recordset> rs = New<Recordset>();
@@ -188,7 +189,7 @@ Ref<Recordset> ReadSeries(const Ref<Connection>& con, Long patient, Integer& ste
     return rs;
 }
 
-/// Runs `read` on a row; a row that can't be read is noted.
+/// Runs `read` on a row. Adds a row that can't be read to `unread`, and raises nothing for it.
 template <class Read>
 void ReadOrNote(const Ref<Recordset>& rs, const char* kind, std::string_view key,
                 std::vector<UnreadEntry>& unread, Read read) {
@@ -248,8 +249,8 @@ Readable cUniCards::ListReadable(const Ref<Connection>& conn, Long patient) {
     return found;
 }
 
-/// For each member the oldest date up to it, in which the first member older than a date is found. Ends
-/// at a member whose date can't be read, and says why.
+/// Returns for each member the oldest date up to it: the first one that is older than an entry's date is the
+/// place of the entry. Ends before a member that has no date, and stores the failure in `unreadable`.
 std::vector<double> cUniCards::OldestSoFar(std::optional<Error>& unreadable) const {
     std::vector<double> oldest;
     try {
@@ -263,9 +264,9 @@ std::vector<double> cUniCards::OldestSoFar(std::optional<Error>& unreadable) con
     return oldest;
 }
 
-/// Each entry goes before the first member that is older than it, one after the other. That comes to one
-/// stable sort and one merge, which is how it is done. Where an entry can't be merged, those that arrived
-/// before it are, and what it fails with is raised.
+/// Inserts each entry before the first member that is older, one after the other. One stable sort and one
+/// merge have the same result in less time. If an entry can't be inserted, inserts those that arrived before
+/// it, and raises its failure.
 void cUniCards::Merge(const Collection& arrived, Integer& step) {
     std::optional<Error> unreadable;
     const std::vector<double> oldest = OldestSoFar(unreadable);

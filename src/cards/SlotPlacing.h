@@ -8,20 +8,23 @@
 
 namespace OXClass {
 
-/// Gives the images of a series their places on a card: the slot of their frame, and for those that hang
-/// nowhere a grid of five columns from the top left. One object a card.
+/// Places the images of a series on one card: each in the slot of its frame, or, if the layout has no such
+/// slot, in the next cell of a grid (`PlaceInGrid`). Each card needs an object of its own, which belongs to
+/// the thread that created it.
 class SlotPlacing {
 public:
-    /// `layout` must outlive this object.
+    /// Reads the slots of a layout; of several slots with one number the first counts. `layout` must outlive
+    /// this object, and its slots must not change. Raises 13 if a member of the layout isn't a slot.
     explicit SlotPlacing(const cTemplate& layout);
 
-    /// Sets place and size: those of the layout's first slot of this frame, or of the grid's next cell.
-    /// Raises what the frame raises that can't be read; where the layout has no slot it isn't read.
+    /// Sets position and size of `placed`, and nothing else: those of the slot of `frame`, or of the next
+    /// cell of the grid. Raises 13 or 6 if the frame isn't a number, unless the layout has no slots at all:
+    /// then the frame isn't read.
     void Place(cImagecardAttribute& placed, const LateNumber& frame);
 
 private:
-    std::unordered_map<Long, const cTemplateAttribute*> slots_;
-    Long inGrid_ = 0;
+    std::unordered_map<Long, const cTemplateAttribute*> slots_;  // by number
+    Long inGrid_ = 0;                                            // the next cell of the grid
 };
 
 }  // namespace OXClass

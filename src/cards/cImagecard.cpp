@@ -11,7 +11,8 @@ using namespace Platform;
 
 namespace {
 
-/// A side of the card without its sign: the full view's, or the preview's where that is null, empty or 0.
+/// Returns one side of the card without its sign: the column `fullView`, or the column `preview` if that is
+/// null, empty or 0. Raises as `GetImageCard`.
 Long Side(const Ref<Recordset>& rs, std::string_view fullView, std::string_view preview) {
     const auto text = [&](std::string_view column) { return "0" + CStr(std::abs(Nz<double>(rs, column))); };
     const auto whole = [](std::string_view column, const String& side) {
@@ -93,7 +94,8 @@ bool cImagecard::Save(const Ref<Connection>& conn) {
     else
         conn->Execute(UpdateStatement());
     Integer sequence = 1;
-    // Held, because a save lets the program handle messages, and they may change this card.
+    // Referenced here, because the program handles messages during a save, and may change or release this
+    // card.
     const Ref<Collection> all = ImagecardAttributes;
     for (cImagecardAttribute& member : Each<cImagecardAttribute>(*all)) {
         const Ref<cImagecardAttribute> placed(&member);

@@ -22,7 +22,7 @@ void cImagecardAttribute::ReadRow(const Ref<Recordset>& rs) {
 }
 
 bool cImagecardAttribute::Save(const Ref<Connection>& conn) {
-    const Ref<cImagecardAttribute> held(this);  // the program's messages may let it go
+    const Ref<cImagecardAttribute> held(this);  // the program may release it while it handles messages
     if (ToBeDeleted) {
         if (ID >= 0) Delete(conn);
         return true;
@@ -72,7 +72,7 @@ void cImagecardAttribute::Delete(const Ref<Connection>& con) const {
         OpenUpdatable(con, sql("SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=", ID, ";"));
     if (!rs->Eof()) rs->MoveFirst();
     while (!rs->Eof()) {
-        // A cosmetic step without a text can't be deleted. The file behind one stays.
+        // A cosmetic without a text can't be deleted. The file that a cosmetic names stays.
         if (ValueOr(rs, "Type", 0) == ManCosmetic) Required<String>(rs, "StringParameter");
         rs->Delete(ADODB::adAffectCurrent);
         if (!rs->Eof()) rs->MoveFirst();
@@ -106,7 +106,7 @@ void cImagecardAttribute::SaveManipulations(const Ref<Connection>& conn) {
     });
 }
 
-/// Gives the last cosmetic text that was stored, or the empty text.
+/// Deletes the stored manipulations and returns the text of the last cosmetic among them, or the empty text.
 String cImagecardAttribute::DeleteStoredManipulations(const Ref<Connection>& con) const {
     const Ref<Recordset> rs =
         OpenKeyset(con, sql("SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=", ID, ";"));
@@ -119,11 +119,11 @@ String cImagecardAttribute::DeleteStoredManipulations(const Ref<Connection>& con
     return cosmetic;
 }
 
-/// Gives the last cosmetic text that was written, or the empty text.
+/// Inserts the manipulations and returns the text of the last cosmetic among them, or the empty text.
 String cImagecardAttribute::InsertManipulations(const Ref<Connection>& con) const {
     String cosmetic;
     Integer sequence = 0;
-    const Ref<Collection> steps = Manipulations;  // handlers of the connection may replace it
+    const Ref<Collection> steps = Manipulations;  // a handler of the connection may replace the collection
     for (const cImageManipulation& step : Each<cImageManipulation>(*steps)) {
         if (step.ManipulationType == UndoStop) continue;
         sequence = CInt(Long{sequence} + 1);

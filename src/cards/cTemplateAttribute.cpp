@@ -9,7 +9,7 @@ using namespace Platform;
 
 namespace {
 
-/// A full-view measure, or the preview's where that is 0 or null.
+/// Returns a measure: the column `fullView`, or the column `preview` if that is 0 or null.
 double Measure(const Ref<Recordset>& rs, std::string_view fullView, std::string_view preview) {
     const double measure = Nz<double>(rs, fullView);
     return measure != 0 ? measure : Nz<double>(rs, preview);

@@ -4,40 +4,69 @@
 
 namespace OXClass {
 
-/// One image slot of a template: where it lies on the canvas, how large it is, in which order it is
-/// filled, and which anatomic group it expects. One row of TemplateAttribute_T.
+/// One image slot of a template: where it is on the canvas, how large, in which order it is filled, and which
+/// anatomic group it expects. One row of TemplateAttribute_T.
 ///
-/// Places and sizes are on one scale with those of the cards. An object belongs to one thread.
+/// Positions and sizes are fractions of the canvas, from 0 to 1, counted from its top left, as those of the
+/// images on a card. An object belongs to the thread that created it.
 class cTemplateAttribute final : public Object {
 public:
     static constexpr const char* ClassName = "cTemplateAttribute";
 
-    Long TANumberInTemplate = 0;  ///< an image of this `FrameNumber` lands here
-    double TAHeight = 0;
-    double TAWidth = 0;
-    double TAPosY = 0;
-    double TAPosX = 0;
-    Long TARotation = 0;
-    Long TASequence = 0;
-    Long AIID = 0;  ///< the number of the slot's anatomic group
-    Long TCID = 0;  ///< the key of the owning template
-    Long ID = 0;    ///< the key of the slot; 0 means new
+    // ---- identity ----------------------------------------------------------------------------------
 
-    /// Writes the slot and returns true. `ID` 0 inserts, and `ID` becomes the highest key of its template
-    /// and sequence. Any other `ID` updates the row whose key is `AIID`, which is the slot's own row only
-    /// where both are equal; that no row was hit is not noticed. Raises what the database raises; after a
-    /// failed read of the key the row exists and `ID` is still 0.
+    /// The key of the row, a counter of the database; 0 if the slot isn't stored. Column TemplateImageId.
+    Long ID = 0;
+    /// The key of the template. Column TemplateID.
+    Long TCID = 0;
+    /// The number of the slot: an image with this `FrameNumber` is placed here. A null, a negative number and
+    /// 0 read as `TASequence`.
+    Long TANumberInTemplate = 0;
+
+    // ---- load and save -----------------------------------------------------------------------------
+
+    /// Fills the slot from the current row of a template's slots. A measure that is null or 0 reads from the
+    /// preview's column, and as 0 if that is null too.
+    ///
+    /// Raises 94 for a null rotation, sequence, key or group name, 13 or 6 for a value that doesn't convert,
+    /// 3265 for a missing column; members that were read before keep their new values. Not part of the
+    /// interface.
+    void ReadRow(const Ref<Recordset>& rs);
+
+    /// Writes the slot. Returns true.
+    ///
+    /// If `ID` is 0, inserts a row, and `ID` becomes the highest key with this template and sequence.
+    /// Otherwise updates the row whose key is `AIID`: that is the row of the slot only if `ID` and `AIID` are
+    /// equal. An update that changes no row isn't detected. Raises what the database raises. If the key of a
+    /// new row can't be read back, the row is written and `ID` is still 0.
     bool Save(const Ref<Connection>& Con);
 
-    String TAADName;          ///< the name of the anatomic group
-    String TAAnatomicRegion;  ///< held for the client, not stored
-    String TAImagepath;       ///< stored, never loaded
-    String TAComments;
-    float TAProportions = 0;
+    // ---- place in the template ---------------------------------------------------------------------
 
-    /// Fills the slot from the current row of a template's slots. Raises 94 for a null in the rotation,
-    /// sequence, a key or the group's name, and 13 or 6 for what can't be converted.
-    void ReadRow(const Ref<Recordset>& rs);
+    /// The top left corner: columns TAFullViewPosX and TAFullViewPosY.
+    double TAPosX = 0;
+    double TAPosY = 0;
+    /// The size: columns TAFullViewWidth and TAFullViewHeight.
+    double TAWidth = 0;
+    double TAHeight = 0;
+    /// Height divided by width. A null, an empty text and 0 read as 0.7.
+    float TAProportions = 0;
+    Long TARotation = 0;  ///< a number of the client's, 0 for upright
+    Long TASequence = 0;  ///< the order of filling, from 1
+
+    // ---- anatomic group ----------------------------------------------------------------------------
+
+    /// The number of the group that the slot expects, `cAnatomicDescription::ADId`. Column TATGId; a null and
+    /// a negative number read as 0.
+    Long AIID = 0;
+    /// The name of that group. Column TAGroupName.
+    String TAADName;
+    String TAAnatomicRegion;  ///< held for the client, not stored
+
+    // ---- the rest of the row -----------------------------------------------------------------------
+
+    String TAComments;
+    String TAImagepath;  ///< a save stores it, no load reads it
 
     const Interface& Describe() const override;
 

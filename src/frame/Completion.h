@@ -6,37 +6,43 @@
 
 namespace OXClass {
 
-/// How the last run of an operation ended that returns normally even when a failure ended it.
+/// How the last run of an operation ended, for operations that return normally after a failure too.
 ///
-/// A record class keeps one beside its documented members, for programs in C++: those who save an object that
-/// was read only in part store the members that were not read as well. One pointer, which is null after a run
-/// that came to its end. An object belongs to one thread.
+/// Some documented operations return the same result whether or not a failure ended them. A record class
+/// keeps one `Completion` for each such operation beside its documented members, for C++ programs: a program
+/// that saves an object after an incomplete read also stores the members that were not read. An object is one
+/// pointer, which is null unless a failure ended the last run. It belongs to the thread that created it.
 class Completion {
 public:
-    /// True unless a failure ended the last run; true before the first.
+    /// Returns false if a failure ended the last run, true otherwise and before the first run. Says nothing
+    /// about failures that the operation raised before it started its run.
     bool Complete() const noexcept { return !failure_; }
 
-    /// What ended the last run; `Column` names the column that could not be read, and is empty where the
-    /// failure is another one. Number 0 after a run that came to its end. Valid until the next run.
+    /// Returns the failure that ended the last run; number 0 if none did. `Column` names the column that
+    /// could not be read, and is empty for any other failure. The reference is valid until the next run.
     const Error& Failure() const noexcept {
         static const Error none;
         return failure_ ? *failure_ : none;
     }
 
-    /// A run begins.
+    // ---- for the operations themselves -------------------------------------------------------------
+
+    /// Starts a run: the last failure is forgotten.
     void Begin() noexcept { failure_.reset(); }
 
-    /// A failure has ended the run.
+    /// Stores a copy of the failure that ended the run. A second one replaces it.
     void EndedBy(const Error& failure) { failure_ = std::make_unique<const Error>(failure); }
 
 private:
     std::unique_ptr<const Error> failure_;
 };
 
-/// A row that a tolerant reading left out.
+/// A row that a load could not read whole.
 struct UnreadRow {
-    Long ID = 0;    ///< the key of the row
-    Error Failure;  ///< why, with the column
+    /// The row's key; 0 if the key itself could not be read.
+    Long ID = 0;
+    /// What ended the reading, with the column.
+    Error Failure;
 };
 
 }  // namespace OXClass

@@ -2,12 +2,13 @@
 
 #include "frame/Completion.h"
 
-/// The ways in which a failure travels that need code. Raising it again unchanged needs none: that is
-/// what an exception does.
+/// The ways of handling a failure: prefixed, shown in a message box, swallowed. Raising a failure again
+/// unchanged needs no code. Only `Error` is handled; any other exception passes. Any thread may call.
 namespace OXClass {
 
-/// Runs `body`; a failure goes on with `prefix` in front of its source, so that nested operations make
-/// the source grow into the call path.
+/// Runs `body` and returns its result. On a failure puts `prefix` in front of the source and raises the same
+/// failure again, so that the source of a nested failure lists the operations that it passed, outermost
+/// first.
 template <class Body>
 auto Prefixed(const char* prefix, Body body) -> decltype(body()) {
     try {
@@ -18,8 +19,8 @@ auto Prefixed(const char* prefix, Body body) -> decltype(body()) {
     }
 }
 
-/// Runs `body`; a failure is told in a text box, with the text that `say` makes of it, and the result is
-/// the zero of its type.
+/// Runs `body` and returns its result. On a failure shows the text `say(failure)` in a message box and
+/// returns the zero of the result's type.
 template <class Body, class Say>
 auto Boxed(Body body, Say say) -> decltype(body()) {
     try {
@@ -30,7 +31,7 @@ auto Boxed(Body body, Say say) -> decltype(body()) {
     }
 }
 
-/// Runs `body`; a failure is dropped, and the result is the zero of its type.
+/// Runs `body` and returns its result. Ignores a failure and returns the zero of the result's type.
 template <class Body>
 auto Swallowed(Body body) -> decltype(body()) {
     try {
@@ -40,7 +41,7 @@ auto Swallowed(Body body) -> decltype(body()) {
     }
 }
 
-/// As above, and the failure is kept in `completion`.
+/// The same, and stores in `completion` how the run ended, for C++ programs that must know.
 template <class Body>
 auto Swallowed(Completion& completion, Body body) -> decltype(body()) {
     completion.Begin();

@@ -5,9 +5,11 @@
 /// The shared instances of the global classes.
 namespace OXClass {
 
-/// The instance of a global class that all callers on this thread share, so that its members keep their
-/// values between calls. Made on first use, and ended with the thread unless somebody else holds it. Only a
-/// class marked with `IsGlobal` has one.
+/// Returns the instance of a global class that all callers on this thread share, so that its members keep
+/// their values between calls. A class is global if it defines `IsGlobal`; no other class compiles here.
+///
+/// The first call of a thread creates the instance. The thread drops its reference when it ends; the instance
+/// ends with its last reference. Each thread has an instance of its own, and only that thread may use it.
 template <class T>
     requires(T::IsGlobal)
 const Ref<T>& Global() {

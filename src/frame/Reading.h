@@ -3,26 +3,34 @@
 #include "frame/Failures.h"
 #include "frame/Statement.h"
 
-/// How all classes read: the modes in which they open a statement, and the forms in which they take a
-/// column.
+/// How all classes read: the modes in which they open a statement, and the forms in which they read a column.
+///
+/// A function here may be called from the thread that its connection or recordset belongs to.
 namespace OXClass {
 
-/// Opens the plain read, forward-only and read-only, with the rows kept where the connection keeps them.
+// ---- opening a statement -------------------------------------------------------------------------------
+// All four raise 3709 for a null or closed connection, and what the database raises.
+
+/// Opens a statement for a plain read: forward-only, read-only, the rows where the connection keeps them.
 Ref<Recordset> OpenPlain(const Ref<Connection>& con, const String& statement,
                          Long options = ADODB::adCmdText);
 
-/// The same with a client cursor, so that the rows are counted and the connection isn't needed to read
-/// them.
+/// Opens a statement for a read with a client cursor: the rows are counted, and can be read without the
+/// connection.
 Ref<Recordset> OpenClient(const Ref<Connection>& con, const String& statement,
                           Long options = ADODB::adCmdText);
 
-/// Opens one row to change it or to add one: client cursor, keyset, optimistic locks.
+/// Opens a statement to change its rows or to add one: client cursor, keyset, optimistic locks.
 Ref<Recordset> OpenUpdatable(const Ref<Connection>& con, const String& statement);
 
-/// The same with the rows kept where the connection keeps them.
+/// The same as `OpenUpdatable`, with the rows where the connection keeps them.
 Ref<Recordset> OpenKeyset(const Ref<Connection>& con, const String& statement);
 
-/// Runs `take`; what it raises names the column, so that a person learns where a reading ended.
+// ---- reading a column of the current row ---------------------------------------------------------------
+// All of these raise 3265 if the column is missing, and 13 or 6 for a value that doesn't convert. A failure
+// carries the column's name, so that a message can say where a reading ended.
+
+/// Runs `take` and returns its result. A failure that names no column yet gets the name `column`.
 template <class Take>
 auto WithColumnName(std::string_view column, Take take) -> decltype(take()) {
     try {
@@ -33,26 +41,25 @@ auto WithColumnName(std::string_view column, Take take) -> decltype(take()) {
     }
 }
 
-/// `take(field)` of a column of the current row. Raises 3265 for a missing column, and what `take` raises.
+/// Returns `take(field)` for the column. Raises 3265 if the column is missing, and what `take` raises.
 template <class Take>
 auto OfColumn(const Ref<Recordset>& rs, std::string_view column, Take take) {
     return WithColumnName(column, [&] { return take(rs->Fields(column)); });
 }
 
-/// A column as it stands. Raises 94 for a null (unless `T` is `Variant`), 13 and 6 for a value that the
-/// member can't take, 3265 for a missing column; so do the two below, nulls excepted.
+/// Returns the column's value as a `T`. Raises 94 for a null, unless `T` is `Variant`.
 template <class T>
 T Required(const Ref<Recordset>& rs, std::string_view column) {
     return OfColumn(rs, column, [](const ADODB::Field& field) { return field.As<T>(); });
 }
 
-/// A column as text, a null as the empty text.
+/// Returns the column as text; the empty text for a null.
 inline String TextOrEmpty(const Ref<Recordset>& rs, std::string_view column) {
     return OfColumn(rs, column,
                     [](const ADODB::Field& field) { return field.IsNull() ? String() : field.As<String>(); });
 }
 
-/// A column through `NzValue`: a null or a blank as 0.
+/// Returns the column's value as a `T` after `NzValue`: 0 for a null and for a text of blanks.
 template <class T>
 T Nz(const Ref<Recordset>& rs, std::string_view column) {
     return OfColumn(rs, column, [](const ADODB::Field& field) {
@@ -60,29 +67,29 @@ T Nz(const Ref<Recordset>& rs, std::string_view column) {
     });
 }
 
-/// A column as a whole number, `otherwise` for a null.
+/// Returns the column as a whole number, rounded half to even; `otherwise` for a null.
 inline Long ValueOr(const Ref<Recordset>& rs, std::string_view column, Long otherwise) {
     return OfColumn(rs, column, [otherwise](const ADODB::Field& field) {
         return field.IsNull() ? otherwise : field.As<Long>();
     });
 }
 
-/// A column as a date of whole seconds; what is no date raises 13, a null too.
+/// Returns the column as a date of whole seconds. Raises 13 for a null and for a text that isn't a date.
 inline Date WholeSeconds(const Ref<Recordset>& rs, std::string_view column) {
     return OfColumn(rs, column, [](const ADODB::Field& field) {
         return CDate(Format(field.Value(), "yyyy-mm-dd hh:nn:ss"));
     });
 }
 
-/// The same through `NzValue`: a null or a blank as the zero date.
+/// The same after `NzValue`: the zero date for a null and for a text of blanks.
 inline Date NzWholeSeconds(const Ref<Recordset>& rs, std::string_view column) {
     return OfColumn(rs, column, [](const ADODB::Field& field) {
         return CDate(Format(NzValue(field.Value()), "yyyy-mm-dd hh:nn:ss"));
     });
 }
 
-/// The number at the head of a column's text with a "0" in front: 0 for a null, and for a negative
-/// value, whose sign ends the number.
+/// Returns the number at the start of the column's text, after a "0" is put in front of it: 0 for a null, and
+/// 0 for a negative value, because its sign ends the number.
 inline double HeadNumber(const Ref<Recordset>& rs, std::string_view column) {
     return OfColumn(rs, column, [](const ADODB::Field& field) -> double {
         const Variant value = field.Value();

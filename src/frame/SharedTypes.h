@@ -2,10 +2,12 @@
 
 #include "frame/modGeneral.h"
 
-/// The enumerations that several classes share.
+/// The enumerations that several classes share. All enumerations are 32-bit integers; a member holds any
+/// number that a row contains, also one without a name here.
 namespace OXClass {
 
-/// The kind of an image.
+/// The kind of an image, column ImageBild_T.ImageType. SC, DX and VL are the DICOM terms secondary capture,
+/// digital X-ray and visible light.
 enum xigImageTypes : Long {
     imggTypeSC = 0,
     imggTypeDXIntraOral = 1,
@@ -20,16 +22,17 @@ enum xigImageTypes : Long {
     imggTypeGeneralObject = 32767
 };
 
-/// Where a study or a series lies.
+/// Where the images of a study or a series are stored, column Series_T.location.
 enum gdcmObjectLocation : Long {
     gdcmObjectLocUnknown = 0,
-    gdcmObjectLocLocal = 1,
-    gdcmObjectLocServer = 2,
-    gdcmObjectLocBoth = 3
+    gdcmObjectLocLocal = 1,   ///< in this system's image storage
+    gdcmObjectLocServer = 2,  ///< on a DICOM server
+    gdcmObjectLocBoth = 3     ///< in both places
 };
 
 }  // namespace OXClass
 
+/// The names and numbers of `xigImageTypes`, for the type library.
 template <>
 struct Platform::EnumerationOf<OXClass::xigImageTypes> {
     static constexpr const char* Name = "xigImageTypes";
@@ -48,6 +51,7 @@ struct Platform::EnumerationOf<OXClass::xigImageTypes> {
     };
 };
 
+/// The names and numbers of `gdcmObjectLocation`, for the type library.
 template <>
 struct Platform::EnumerationOf<OXClass::gdcmObjectLocation> {
     static constexpr const char* Name = "gdcmObjectLocation";

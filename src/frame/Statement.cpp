@@ -8,7 +8,7 @@ using namespace Platform;
 
 namespace {
 
-/// True if a text between single quotes stays between them: all its runs of quotes are pairs.
+/// Returns true if a text between single quotes can't end its literal: each run of quotes has an even length.
 bool StaysInLiteral(std::string_view text) {
     for (std::size_t at = text.find('\''); at < text.size(); at = text.find('\'', at)) {
         const std::size_t start = at;

@@ -5,37 +5,45 @@
 #include <array>
 #include <charconv>
 
-/// Statements, joined from pieces of which none can be spliced by oversight.
+/// Statements, joined from typed pieces so that no text is spliced by oversight.
 ///
 ///     con->Execute(sql("Update GlobalList_T ", "Set ListID=", ListID, ",",
 ///                      "ListText='", FixSqlString(ListText), "' WHERE GlobalListID=", GlobalListID));
 ///
-/// A piece is a string literal, a whole number, an `Escaped` text or one of the types below; a plain
-/// text does not compile.
+/// A piece is a string literal, a whole number, an enumeration, an `Escaped` text or one of the types below.
+/// A plain `String` doesn't compile. Any thread may call; the pieces live until the statement is joined.
 namespace OXClass {
 
-/// A float's decimal text (15 or 7 significant digits) with a point in every locale.
+// ---- pieces --------------------------------------------------------------------------------------------
+
+/// The decimal text of a floating-point number, with a point in every locale.
 struct Decimal {
+    /// Up to 15 significant digits.
     explicit Decimal(double value) : text(Replace(CStr(value), ",", ".")) {}
+    /// Up to 7 significant digits.
     explicit Decimal(float value) : text(Replace(CStr(value), ",", ".")) {}
     String text;
 };
 
-/// A date's text, "yyyy-mm-dd hh:nn:ss".
+/// The text of a date, "yyyy-mm-dd hh:nn:ss", in every locale. The caller writes the enclosing quotes.
 struct Stamp {
     explicit Stamp(Date date) : text(FormatDate(date, "yyyy-mm-dd hh:nn:ss")) {}
     String text;
 };
 
-/// A text that the statement takes as it stands, unescaped. Between single quotes, a quote in it breaks
-/// the statement; outside of them only a whole number may stand. Any other text raises 0x80040E14 when
-/// the statement is joined: so a text can make a statement fail, and never make it another statement.
+/// A text that becomes part of the statement unescaped, because the documented statement has it so.
+///
+/// Between single quotes, each run of quotes in the text must have an even length; outside of quotes, the
+/// text must be a whole number. Any other text raises 0x80040E14 when the statement is joined. A text can
+/// therefore make a statement fail, and can never turn it into another statement.
 struct AsItStands {
     explicit AsItStands(std::string_view spliced) : text(spliced) {}
-    std::string_view text;  ///< not owned: the statement is joined in the same expression
+    /// Not owned: the caller's text must live until the statement is joined.
+    std::string_view text;
 };
 
-/// A condition in the database's own language that the caller worded. It stands as written.
+/// A condition in SQL that the caller wrote. It becomes part of the statement unchanged and unchecked: it is
+/// SQL by design, so a program must not build it from what a user types.
 struct Clause {
     explicit Clause(std::string_view worded) : text(worded) {}
     std::string_view text;
@@ -43,14 +51,17 @@ struct Clause {
 
 /// A whole number, or the word NULL.
 struct NumberOrNull {
-    bool isNull;
+    bool isNull;  ///< true writes NULL, whatever `value` is
     Long value;
 };
 
 namespace detail {
 
+/// The text of one statement while its pieces are added. Each `Add` appends one kind of piece; only that of
+/// `AsItStands` raises.
 class StatementText {
 public:
+    /// Reserves memory for `room` bytes.
     explicit StatementText(std::size_t room) { text_.reserve(room); }
 
     template <std::size_t N>
@@ -70,16 +81,20 @@ public:
     void Add(const NumberOrNull& number) { text_ += number.isNull ? "NULL" : CStr(number.value); }
     void Add(const AsItStands& spliced);
 
+    /// Returns the joined text, and leaves this object empty.
     String Take() { return std::move(text_); }
 
 private:
+    /// Returns true if the text so far ends between single quotes.
     bool InsideQuotes();
 
     String text_;
-    std::size_t counted_ = 0;
-    bool inside_ = false;
+    std::size_t counted_ = 0;  // the bytes whose quotes are counted
+    bool inside_ = false;      // true if the counted bytes end between quotes
 };
 
+/// Returns an estimate of a piece's length in bytes, to reserve memory once; not too short for literals and
+/// escaped texts.
 template <std::size_t N>
 constexpr std::size_t LengthOf(const char (&)[N]) {
     return N;
@@ -89,7 +104,8 @@ constexpr std::size_t LengthOf(const auto&) { return 24; }
 
 }  // namespace detail
 
-/// The statement of these pieces. Raises 0x80040E14 for an `AsItStands` that would end its literal.
+/// Returns the statement that consists of these pieces, in their order. Raises 0x80040E14 for an `AsItStands`
+/// that would end its literal, or that isn't a number outside of quotes.
 template <class... Pieces>
 String sql(const Pieces&... pieces) {
     detail::StatementText statement((detail::LengthOf(pieces) + ... + 0));

@@ -16,12 +16,12 @@ bool IsPartOfAPath(const String& part) {
     return !part.empty() && part != "." && part != ".." && part.find_first_of(meaningful) == String::npos;
 }
 
-/// True if `path` is a link that leads nowhere yet.
+/// Returns true if `path` is a link whose target doesn't exist.
 bool IsDanglingLink(const fs::path& path) {
     return fs::is_symlink(fs::symlink_status(path)) && !fs::exists(path);
 }
 
-/// True if `path`, its links followed as far as it exists, lies below `root`.
+/// Returns true if `path` is below `root` after all links in both are resolved, as far as the path exists.
 bool LiesBelow(const fs::path& path, const fs::path& root) {
     const fs::path realRoot = fs::weakly_canonical(root);
     const fs::path realPath = fs::weakly_canonical(path);
@@ -44,7 +44,7 @@ String FileBelow(const String& root, const String& storedName) {
         }
         return LiesBelow(path, folder) ? path.string() : String();
     } catch (const fs::filesystem_error&) {
-        return {};  // a loop of links, or a folder that may not be looked into
+        return {};  // a loop of links, or a folder without permission to read
     }
 }
 

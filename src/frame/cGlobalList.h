@@ -4,11 +4,16 @@
 
 namespace OXClass {
 
-/// The lists of GlobalList_T. Only `gglID_DicomRootUID` means something to the library.
+/// The lists of GlobalList_T, by number: the values of the column ListID.
+///
+/// The library itself reads only `gglID_DicomRootUID`, the root UID of `Class1::GetInstanceUID`. It stores
+/// and returns the texts of all other lists for the programs that use it, and defines no meaning for them. A
+/// member holds any other number too.
 enum gGlobalListIDs : Long {
     gglID_DeveloperFKeys = 1,
     gglID_VersionStatus = 2,
     gglID_DicomServer = 3,
+    /// The root UID of DICOM identifiers; "1.2.840.990731.3.6" if the list is empty.
     gglID_DicomRootUID = 4,
     gglID_LoginMethod = 5,
     gglID_ImageFormat = 6,
@@ -30,43 +35,56 @@ enum gGlobalListIDs : Long {
     gglID_PromptForDeleteReason = 22
 };
 
-/// One row of GlobalList_T: a text that belongs to a list, the list named by a number.
+/// One row of GlobalList_T: a text that belongs to a list.
 ///
-/// A setting is a list that is used for its first row. A new object is unsaved; `GetGL` and
-/// `cGlobalLists::GetAllGLs` give saved ones. `GLSaved` alone chooses between insert and update, so a
-/// client that sets it chooses too. An object belongs to one thread.
+/// A setting is the first row of its list. A new object is unsaved; `GetGL` and `cGlobalLists::GetAllGLs`
+/// make saved ones. An object belongs to the thread that created it.
 class cGlobalList final : public Object {
 public:
     static constexpr const char* ClassName = "cGlobalList";
-    static constexpr bool IsGlobal = true;  ///< `Global<cGlobalList>()` gives the thread's shared instance
+    /// `Global<cGlobalList>()` returns the instance that all callers on a thread share.
+    static constexpr bool IsGlobal = true;
 
-    bool GLSaved = false;     ///< true: the row stands in the table
-    Long GlobalListID = 0;    ///< the row's counter, 0 before the first save
-    gGlobalListIDs ListID{};  ///< the list that the text belongs to
+    // ---- the row -----------------------------------------------------------------------------------
+
+    /// The key of the row, a counter of the database; 0 before the first save. Column GlobalListID.
+    Long GlobalListID = 0;
+    /// The list that the text belongs to; 0 in a new object. Column ListID.
+    gGlobalListIDs ListID{};
+    /// The text. A null in the column ListText reads as the empty text.
     String ListText;
+    /// True if the row exists in the table. Chooses between insert and update in `Save`, also if a client
+    /// sets it.
+    bool GLSaved = false;
 
-    /// Writes the row: an update when `GLSaved`, otherwise an insert in a transaction of its own.
+    // ---- load and save -----------------------------------------------------------------------------
+
+    /// Loads the row with the key `ID` and returns true. Returns false and changes nothing if there is none.
     ///
-    /// Returns false on both paths; look at `GLSaved`. After an insert `GlobalListID` is the row's
-    /// counter. An update of a row that is gone changes nothing, and nothing tells it. Raises what the
-    /// database raises. A failure between begin and commit (a full disk) leaves the transaction open on the
-    /// caller's connection and the object unsaved: the caller ends it with `RollbackTrans`, or what the
-    /// connection stores from then on is lost when it closes.
+    /// Raises 94 for a null list number and what the database raises. `GlobalListID` is new then if a row was
+    /// found.
+    bool GetGL(Ref<Connection> sConn, Long ID);
+
+    /// Writes the row: an update if `GLSaved` is true, otherwise an insert in a transaction of its own, which
+    /// sets `GlobalListID` and `GLSaved`. Always returns false; `GLSaved` says whether the row is stored.
+    ///
+    /// An update of a row that no longer exists changes nothing and isn't detected. Raises what the database
+    /// raises; `GLSaved` stays unchanged then. A failure after the begin of the transaction leaves it open on
+    /// the caller's connection. The caller must end it with `RollbackTrans`; otherwise all that the
+    /// connection stores later is lost when it closes. If only the commit fails, `GlobalListID` is already
+    /// new.
     bool Save(Ref<Connection> sConn);
 
-    /// Deletes the row when `GLSaved`, which stays as it is. Returns true, whether or not a row was
-    /// there. Raises what the database raises.
+    /// Deletes the row if `GLSaved` is true, and runs no statement otherwise. Returns true, whether or not
+    /// the row existed. All members keep their values, `GLSaved` too. Raises what the database raises.
     bool Delete(Ref<Connection> sConn);
-
-    /// Loads the row with this counter. Returns false and changes nothing if there is none. Raises what
-    /// the database raises.
-    bool GetGL(Ref<Connection> sConn, Long ID);
 
     const Interface& Describe() const override;
 };
 
 }  // namespace OXClass
 
+/// The names and numbers of `gGlobalListIDs`, for the type library.
 template <>
 struct Platform::EnumerationOf<OXClass::gGlobalListIDs> {
     static constexpr const char* Name = "gGlobalListIDs";

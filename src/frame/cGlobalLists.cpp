@@ -9,9 +9,9 @@ using namespace Platform;
 
 namespace {
 
-/// Waits until the clock has gone on by a second, with the program's messages handled in between. The
-/// clock starts again at midnight: a wait that begins in a day's last second ends when it has come round
-/// to the same time.
+/// Waits until the clock has advanced by a second, and lets the program handle its messages meanwhile. The
+/// clock restarts at midnight: a wait that starts in the last second of a day can end only when the clock
+/// reaches the same time of the next day.
 void WaitASecond() {
     constexpr double step = 0.01;
     constexpr float midnight = 86400;

@@ -4,34 +4,45 @@
 
 namespace OXClass {
 
-/// The rows of one list of GlobalList_T.
+/// The rows of one list of GlobalList_T, as a keyed list that is counted from 1.
 ///
-/// A collection class whose `Item` is not its default member, and whose `Add` puts the new member
-/// first. An object belongs to one thread.
+/// Unlike in the other collection classes, `Item` is not the default member, and `Add` inserts the new member
+/// at the front. `Item` and `Remove` raise 9 for a position and 5 for a key that doesn't exist. An object
+/// belongs to the thread that created it.
 class cGlobalLists final : public Keyed<cGlobalList> {
 public:
     static constexpr const char* ClassName = "cGlobalLists";
-    static constexpr bool IsGlobal = true;  ///< `Global<cGlobalLists>()` gives the thread's shared instance
+    /// `Global<cGlobalLists>()` returns the instance that all callers on a thread share.
+    static constexpr bool IsGlobal = true;
 
-    /// Loads the rows of a list, in the database's order, under the keys "K" + `GlobalListID`, and
-    /// gives their number.
+    // ---- load --------------------------------------------------------------------------------------
+
+    /// Replaces the members by the rows of the list `ListID`, in the database's order, under the keys "K" +
+    /// `GlobalListID`. Returns their number. The new members are saved ones.
     ///
-    /// While the database says that the table is missing (0x80040E37) it waits a second and asks again,
-    /// ten times at most; the program's pending messages are handled meanwhile, so the caller can be
-    /// entered again. Raises that failure after the tenth, and any other at once. A failed open leaves
-    /// the old members; one while reading leaves those read so far.
+    /// If the table is missing (0x80040E37), waits a second and asks again, ten times at most. During the
+    /// wait the program handles its pending messages, so the caller can be entered again. A wait that starts
+    /// in the last second of a day can last until the same time of the next day. Raises 0x80040E37 after the
+    /// tenth wait, any other failure of the database at once, and 94 for a null key or list number. If the
+    /// open fails, the old members stay; if a row can't be read, the list holds those before it.
     Long GetAllGLs(Ref<Connection> sConn, const gGlobalListIDs& ListID);
 
-    /// Makes a new, unsaved row, puts it before all others, under `sKey` if that is not empty, and gives
-    /// it. Raises 457 for a key that is present; the list then stays as it was.
+    // ---- members -----------------------------------------------------------------------------------
+
+    /// Creates an unsaved row, inserts it before all others, under `sKey` unless that is empty, and returns
+    /// it. Stores nothing. Raises 457 if the key exists; the list stays unchanged then.
     Ref<cGlobalList> Add(const String& sKey = {});
 
-    /// Deletes all rows of a list from the table. The members stay. Raises what the database raises.
+    // ---- delete ------------------------------------------------------------------------------------
+
+    /// Deletes all rows of the list `lID` from the table; the members stay. Raises what the database raises.
     void DeleteAllOnListID(Ref<Connection> cnconn, const gGlobalListIDs& lID);
 
-    /// Deletes the rows of the members from the table with one statement, then the members. Without
-    /// members nothing happens, whatever the table holds. Raises what the database raises, and then the
-    /// members stay; raises 6 for more than 32767 members, when the rows have gone already.
+    /// Deletes the rows of all members from the table with one statement, then removes the members. Does
+    /// nothing if the list is empty, whatever the table contains.
+    ///
+    /// Raises what the database raises; the members stay then. Raises 6 for more than 32767 members, after
+    /// the rows are deleted; the members stay then too.
     void DeleteAll(Ref<Connection> cnconn);
 
     const Interface& Describe() const override;

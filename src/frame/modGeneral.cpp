@@ -63,7 +63,7 @@ String HighWordText(Long v, Integer width) {
 
 namespace {
 
-/// A draw scaled to whole numbers from 0 to 100000.
+/// Returns a random draw scaled to a whole number from 0 to 100000.
 Long Scaled(float draw) { return CLng(static_cast<double>(draw) * 100000.0); }
 
 Long Sum(Long a, Long b) {

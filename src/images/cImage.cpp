@@ -9,12 +9,12 @@ using namespace Platform;
 
 namespace {
 
-/// A flag of a column: true unless it is 0.
+/// Returns the column as a flag: false for 0, true for any other number.
 bool Flag(const Ref<Recordset>& rs, std::string_view column) {
     return OfColumn(rs, column, [](const ADODB::Field& field) { return CInt(field.Value()) != 0; });
 }
 
-/// The same, a null as false.
+/// The same, with false for a null.
 bool NzFlag(const Ref<Recordset>& rs, std::string_view column) {
     return OfColumn(rs, column, [](const ADODB::Field& field) { return CInt(NzValue(field.Value())) != 0; });
 }
@@ -58,7 +58,7 @@ bool cImage::GetImage(const Ref<Connection>& Con, Long ImageBildID) {
 }
 
 void cImage::GetFromRecord(const Ref<Recordset>& rs) {
-    // The read of "RootId" in place of "ImageBild_T.RootId" is the one failure that the caller learns of.
+    // Only a failure to read "RootId" in place of "ImageBild_T.RootId" is raised.
     bool repairing = false;
     loadCompletion_.Begin();
     try {
@@ -104,8 +104,8 @@ void cImage::ReadColumns(const Ref<Recordset>& rs, bool& repairing) {
     studyID = Nz<Long>(rs, "Study_ID");
     seriesID = Nz<Long>(rs, "Series_ID");
     instanceUID = Trim(TextOrEmpty(rs, "SOPInstanceUID_NVC"));
-    ImageNumberInSeries = WithColumnName("ImageNumberInSeries",
-                                       [&] { return CLng(Val(Trim(TextOrEmpty(rs, "ImageNumberInSeries")))); });
+    ImageNumberInSeries = WithColumnName(
+        "ImageNumberInSeries", [&] { return CLng(Val(Trim(TextOrEmpty(rs, "ImageNumberInSeries")))); });
     DicomStatus = Nz<Integer>(rs, "DicomStatus_INT");
     constexpr std::string_view frame = "FrameNumber_INT";
     FrameNumber =
@@ -114,7 +114,7 @@ void cImage::ReadColumns(const Ref<Recordset>& rs, bool& repairing) {
     ApprGamma = Nz<Long>(rs, "Gamma_INT");
     ApprCrop = Trim(TextOrEmpty(rs, "AnatomicRegion"));
     DCMDerived = Nz<Integer>(rs, "DCMDerived_BT");
-    // A frame that is no number fails whoever asks for it: the row isn't read whole then.
+    // A frame that isn't a number raises in each operation that needs it, so the load isn't complete.
     WithColumnName(frame, [&] { return Long{FrameNumber}; });
 }
 

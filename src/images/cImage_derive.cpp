@@ -8,8 +8,8 @@ using namespace Platform;
 
 namespace {
 
-/// The two-digit numbers from 11 to 88 whose text occurs anywhere in `text`: a plain search, so that
-/// digits without separators count for each pair that they form.
+/// Returns the two-digit numbers from 11 to 88 that occur anywhere in `text`. Separators don't matter: digits
+/// without separators count for each pair that they form.
 ToothSet NumbersIn(std::string_view text) {
     ToothSet numbers;
     for (std::size_t at = 0; at + 1 < text.size(); ++at) {
@@ -27,7 +27,7 @@ bool Any(const ToothSet& numbers, std::initializer_list<std::size_t> teeth) {
     return false;
 }
 
-/// True if a tooth of one of these quadrants is among the numbers.
+/// Returns true if the numbers include a tooth of one of these quadrants.
 bool AnyOfQuadrants(const ToothSet& numbers, std::initializer_list<std::size_t> quadrants) {
     for (const std::size_t quadrant : quadrants)
         for (std::size_t place = 1; place <= 8; ++place)
@@ -35,7 +35,8 @@ bool AnyOfQuadrants(const ToothSet& numbers, std::initializer_list<std::size_t> 
     return false;
 }
 
-/// The first rule that holds decides: some of the first teeth, and none of the second.
+/// A rule applies if the numbers include some of the first teeth and none of the second. The first rule that
+/// applies decides.
 struct ModifierRule {
     std::initializer_list<std::size_t> some;
     std::initializer_list<std::size_t> none;
@@ -47,7 +48,7 @@ const ModifierRule ModifierRules[] = {
     {{16, 17, 18, 26, 27, 28, 36, 37, 38, 46, 47, 48}, {13, 23, 33, 43}, "T-5100C"},
     {{16, 17, 26, 27, 36, 37, 46, 47},
      {12, 22, 32, 42},
-     "T-5100A"},  // never reached: the first rule takes it
+     "T-5100A"},  // never reached: where this rule applies, the first rule does too
     {{14, 15, 16, 24, 25, 26, 34, 35, 36, 44, 45, 46}, {12, 22, 32, 42, 18, 28, 38, 48}, "T-51009"},
     {{14, 15, 24, 25, 34, 35, 44, 45}, {17, 27, 37, 47, 11, 21, 31, 41}, "T-51008"},
     {{13, 23, 33, 43}, {15, 25, 35, 45, 11, 21, 31, 41}, "T-51007"},

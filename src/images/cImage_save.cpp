@@ -7,10 +7,10 @@ using namespace Platform;
 
 namespace {
 
-/// A boolean as the 16-bit number that it holds, -1 or 0.
+/// Returns a boolean as its 16-bit number, -1 or 0.
 Long Number(bool flag) { return flag ? -1 : 0; }
 
-/// True for a comment that marks the image as deleted: "Deleted " and a date in the 19-character form.
+/// Returns true if the comment marks the image as deleted: "Deleted " and a date of 19 characters.
 bool IsDeletionMark(const String& comment) {
     return Left(comment, 8) == "Deleted " && IsDate(Mid(comment, 9, 19));
 }

@@ -25,7 +25,7 @@ String LoadStatement(ImageOwnerOjectTypes owner, Long id, const String& clause) 
     return order;
 }
 
-/// The key of a row, whose reading may have ended before it; 0 for one that can't be read.
+/// Returns the key of the current row, which the load may not have reached; 0 if it can't be read.
 Long KeyOf(const Ref<Recordset>& rs) {
     return Swallowed([&] { return Required<Long>(rs, "ImageBildID"); });
 }

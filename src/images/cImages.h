@@ -4,37 +4,55 @@
 
 namespace OXClass {
 
-/// Whose images `cImages::LoadAll4Object` loads.
+/// The owner whose images `cImages::LoadAll4Object` loads. `iootPatient` selects by the column PatientID,
+/// `iootSeries` by Series_ID. The other two select nothing: with them, a caller must pass a condition.
 enum ImageOwnerOjectTypes : Long { iootUnknown = 0, iootPatient = 1, iootImageCard = 2, iootSeries = 3 };
 
-/// The images that a client works on: all of a patient, of a series, or of a condition that the caller
-/// words. An object belongs to one thread.
+/// The images of a patient, of a series, or of a condition in SQL, as a keyed list that is counted from 1.
+///
+/// `Remove` raises 9 for a position and 5 for a key that doesn't exist. An object belongs to the thread that
+/// created it.
 class cImages final : public Keyed<cImage> {
 public:
     static constexpr const char* ClassName = "cImages";
 
-    /// Loads images, oldest capture first and by counter among equal dates, under the keys "K" + their
-    /// counter, and gives their number. Comments are not loaded.
+    // ---- load --------------------------------------------------------------------------------------
+
+    /// Replaces the members by the images of an owner, oldest capture first and by key among equal dates,
+    /// under the keys "K" + `cImage::ID`. Returns their number. Doesn't load the comments.
     ///
-    /// A condition that isn't empty is used as it stands, its own "where" included, and type and `ID`
-    /// are not looked at; otherwise the patient's or the series' images are loaded, and any other type
-    /// raises the database's statement error. The list starts empty, even if the statement fails. Raises
-    /// 457 for two rows whose counter couldn't be read, and what the database raises; those read before
-    /// stay.
+    /// `ObjectType` and `ID` name the owner: the key of a patient or of a series. If `SQLWhereClause` isn't
+    /// empty, it selects the images instead, with its own WHERE, unchanged and unchecked. Any other owner
+    /// raises the statement error of the database. The list is emptied before the statement runs.
+    ///
+    /// An image that can't be read whole is added with the members that were read; `Unread` lists it, and its
+    /// `LoadCompletion` names the column. Its key is "K0" if the reading ended before the key. Raises 457 for
+    /// a second image of one key, such as "K0", as `cImage::GetFromRecord` for a `RootId` that can't be read,
+    /// and what the database raises; the images before it stay in the list.
     Long LoadAll4Object(const Ref<Connection>& conn, const ImageOwnerOjectTypes& ObjectType, const Long& ID,
                         const String& SQLWhereClause = {});
 
-    /// The same without the rows that can't be read whole; only `Unread` has them, and none raises. No part
-    /// of the interface.
+    /// Loads as `LoadAll4Object` does, but omits the images that can't be read whole: only `Unread` lists
+    /// them. Raises 457 for a second image of one key and what the statement raises. Not part of the
+    /// interface.
     Long LoadReadable(const Ref<Connection>& conn, const ImageOwnerOjectTypes& ObjectType, const Long& ID,
                       const String& SQLWhereClause = {});
 
-    /// The rows that the last load of either kind could not read whole, in their order. No part of the
-    /// interface.
+    /// Returns the rows that the last load of either kind could not read whole, in their order. The reference
+    /// is valid until the next load. Not part of the interface.
     const std::vector<UnreadRow>& Unread() const noexcept { return unread_; }
 
-    /// Makes an image of these values, adds it at the end, under `sKey` if that is not empty, and gives
-    /// it. The given comments are shared, not copied. Raises 457 for a key that is present.
+    // ---- members -----------------------------------------------------------------------------------
+
+    /// Returns the image at a position or under a key, or null if there is none. Raises nothing.
+    Ref<cImage> Item(const Variant& vntIndexKey) const { return Find(vntIndexKey); }
+
+    /// Creates an image with these values, adds it at the end, under `sKey` unless that is empty, and returns
+    /// it. Stores nothing in the database.
+    ///
+    /// Each argument becomes the property of its name; the other properties keep their initial values, `Key`
+    /// too. The image refers to the given comments and doesn't copy them; if they are null, it gets an empty
+    /// list. Raises 457 if the key exists; the list stays unchanged then.
     Ref<cImage> Add(const String& URL, const Long& ID, const xigImageTypes& ImageType, const String& sTeeth,
                     const bool& Approved, const Long& PatID, const Date& dateTime, const Long& MirrRotStatus,
                     const Long& DPIY, const Long& DPIX, const Long& RootId, const Long& Pregnant,
@@ -46,12 +64,9 @@ public:
                     const Long& ApprContrast, const bool& ApprInvert, const String& CapturePerson,
                     const String& RespPerson, const String& sKey = {});
 
-    /// The image at a position or under a key; nothing where there is none. Never raises.
-    Ref<cImage> Item(const Variant& vntIndexKey) const { return Find(vntIndexKey); }
-
-    /// Adds an image at the end, under `sKey` if that is not empty, which then becomes the image's `Key`
-    /// too. Gives the image, and sets the caller's variable to nothing. Raises 457 for a key that is
-    /// present; the image's `Key` is set by then.
+    /// Adds an existing image at the end, under `sKey` unless that is empty, which also becomes the image's
+    /// `Key`. Returns the image, and sets the caller's variable to null. Raises 457 if the key exists; the
+    /// list and the variable stay unchanged then, but the image's `Key` is set.
     Ref<cImage> AddObject(Ref<cImage>& oImage, const String& sKey = {});
 
     const Interface& Describe() const override;
@@ -64,6 +79,7 @@ private:
 
 }  // namespace OXClass
 
+/// The names and numbers of `ImageOwnerOjectTypes`, for the type library.
 template <>
 struct Platform::EnumerationOf<OXClass::ImageOwnerOjectTypes> {
     static constexpr const char* Name = "ImageOwnerOjectTypes";

@@ -1,6 +1,6 @@
 #include "library/ClassTable.h"
 
-/// The four functions that the library file exports. Each hands on to the host's entry of the same purpose.
+/// The four functions that the library file exports. Each calls the host's function of the same purpose.
 namespace {
 
 Platform::Library& TheLibrary() {
@@ -10,16 +10,17 @@ Platform::Library& TheLibrary() {
 
 }  // namespace
 
-/// The class factory of a class, by its identifier.
+/// Returns the class factory of the class with this identifier.
 STDAPI DllGetClassObject(REFCLSID classID, REFIID riid, void** factory) {
     return TheLibrary().GetClassObject(classID, riid, factory);
 }
 
-/// S_OK if nothing of the library is in use any more.
+/// Returns S_OK if no object and no class factory of the library exists and no lock is held, otherwise
+/// S_FALSE.
 STDAPI DllCanUnloadNow() { return TheLibrary().CanUnloadNow(); }
 
-/// Makes the classes known by their names.
+/// Enters the classes and the type library into the class registry, so that clients can create them by name.
 STDAPI DllRegisterServer() { return TheLibrary().RegisterServer(); }
 
-/// Removes what `DllRegisterServer` wrote.
+/// Removes from the class registry what `DllRegisterServer` entered.
 STDAPI DllUnregisterServer() { return TheLibrary().UnregisterServer(); }

@@ -103,7 +103,8 @@ String TypeText(const MemberType& type) {
     return std::string_view(type.Name) == "Enumerator" ? "IUnknown*" : "IDispatch*";
 }
 
-/// What a left out argument counts as; by reference, the callee knows it.
+/// Returns the attribute for the value of an argument that is left out. An argument by reference has no value
+/// in the text: the operation itself supplies it.
 String DefaultText(const Argument& argument) {
     if (argument.ByReference) return "optional";
     switch (argument.Type.Is) {
@@ -115,7 +116,7 @@ String DefaultText(const Argument& argument) {
     }
 }
 
-/// "[in, out] long* ID".
+/// Returns the declaration of an argument, such as "[in, out] long* ID".
 String ArgumentText(const Member& member, const Argument& argument) {
     const bool place = member.CrossesAsPlace(argument);
     String text = place ? "[in, out" : "[in";

@@ -4,33 +4,44 @@
 
 namespace OXClass {
 
-/// A patient's other identifiers: in memory a collection of texts, in Patient_T one delimited text.
+/// The other identifiers of a patient: a keyed list of texts, counted from 1, that Patient_T.OtherIDs stores
+/// as one text with a delimiter.
 ///
-/// `Item` and `Remove` raise on a missing member. An object belongs to one thread.
+/// `Item` and `Remove` raise 9 for a position and 5 for a key that doesn't exist. An object belongs to the
+/// thread that created it.
 class OtherPatIDs final : public Keyed<cStringItem> {
 public:
     static constexpr const char* ClassName = "OtherPatIDs";
-    static constexpr bool IsGlobal = true;  ///< `Global<OtherPatIDs>()` gives the thread's shared instance
+    /// `Global<OtherPatIDs>()` returns the instance that all callers on a thread share.
+    static constexpr bool IsGlobal = true;
 
-    String Delimiter = "\\";  ///< stands between two identifiers; any text
+    // ---- members -----------------------------------------------------------------------------------
 
-    /// Adds an identifier at the end, trimmed and in upper case, under `sKey` if that is not empty.
+    /// Adds an identifier at the end, trimmed and in upper case, under `sKey` unless that is empty, and
+    /// returns it. Returns null and adds nothing for a text of blanks.
     ///
-    /// A member that equals `str` exactly, as it was handed in, is given back instead. A blank text gives
-    /// nothing. Unless a member was found, `str` comes back trimmed and in upper case. Raises 457 for a
-    /// key that is present.
+    /// If a member equals `str` exactly, as the caller passed it, returns that member and changes nothing.
+    /// Otherwise `str` is trimmed and in upper case afterwards, also if nothing was added. So an identifier
+    /// in lower case can be added twice. Raises 457 if the key exists; only `str` is changed then.
     Ref<cStringItem> Add(String& str, const Long& ID, const String& sKey = {});
 
-    /// All identifiers, each with the delimiter behind it, and the last character cut: one character,
-    /// however long the delimiter is. The empty text for an empty list.
+    // ---- the delimited text ------------------------------------------------------------------------
+
+    /// The separator of the delimited text. Any text; compared without regard to case.
+    String Delimiter = "\\";
+
+    /// Replaces the members by the parts of a delimited text, added as by `Add`. The `ID` of a member is the
+    /// position of its part, counted from 0, and its key is "K" + that position. Ignores empty and blank
+    /// parts, whose positions stay unused.
+    void FillFromString(const String& sDelimitedString);
+
+    /// Returns all identifiers, trimmed, each followed by the delimiter, without the last character. Only one
+    /// character is cut: a longer delimiter leaves its start at the end, and an empty one costs the last
+    /// identifier its last character. Returns the empty text for an empty list.
     String GetAllAsString() const;
 
-    /// The length that `GetAllAsString` would have with a delimiter of one character.
+    /// Returns the length in characters that `GetAllAsString` has if the delimiter is one character long.
     Long TotalLengthWithDelimiter() const;
-
-    /// Fills the list anew from a delimited text. Each part gets its place in the text, from 0, as `ID`
-    /// and "K" + that place as key; empty parts are left out, and their places stay free.
-    void FillFromString(const String& sDelimitedString);
 
     const Interface& Describe() const override;
 };

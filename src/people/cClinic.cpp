@@ -15,7 +15,7 @@ bool cClinic::DeleteClinic(const Ref<Connection>& Con) const {
 }
 
 bool cClinic::SaveClinic(const Ref<Connection>& Con) {
-    // The name in the prefix is another class's. It has always been so, and clients look for it.
+    // The prefix names an operation of another class. Clients compare with this text, so it must not change.
     return Prefixed("cClinic.SaveDoctor, ", [&] {
         const Ref<Recordset> rs = OpenUpdatable(Con, sql("SELECT * FROM Clinic_T WHERE ClinicID =", ID));
         if (rs->Eof()) rs->AddNew();

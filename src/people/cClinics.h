@@ -4,34 +4,45 @@
 
 namespace OXClass {
 
-/// All clinics of an organisation. One row is special: the head office, named "__HQ" in any case. An object
-/// belongs to one thread.
+/// The clinics of an organisation, as a keyed list that is counted from 1. One of them is the head office.
+///
+/// `Remove` raises 9 for a position and 5 for a key that doesn't exist. An object belongs to the thread that
+/// created it.
 class cClinics final : public Keyed<cClinic> {
 public:
     static constexpr const char* ClassName = "cClinics";
-    static constexpr const char* HeadOffice = "__HQ";  ///< the head office's name, in any case
+    /// The name of the head office. Names are compared with it without regard to case.
+    static constexpr const char* HeadOffice = "__HQ";
 
-    /// The head office, or nothing. An empty list is loaded first. Raises as `GetAllClinics`.
-    Ref<cClinic> GetHQClinic(const Ref<Connection>& Con);
+    // ---- load and find -----------------------------------------------------------------------------
 
-    /// Loads all clinics by name, under "K" + their identifier, and gives how many. The list starts empty,
-    /// even if the statement fails. An empty table gets its head office first, so a read may write. Raises,
-    /// with "cClinics.GetAllClinics, " in front of the source, 94 for a null identifier and what the database
-    /// raises; those read before stay.
+    /// Replaces the members by all clinics, sorted by name, under the keys "K" + `ID`. Returns their number.
+    ///
+    /// If the table is empty, first inserts a row for the head office: a load can write. The list is emptied
+    /// before the statement runs. Raises, with "cClinics.GetAllClinics, " in front of the source, 94 for a
+    /// null key, 457 for a key that occurs twice and what the database raises; the list then holds the
+    /// clinics that were read before.
     Long GetAllClinics(const Ref<Connection>& Con);
 
-    /// Makes a clinic of these values, adds it at the end, under `sKey` if that is not empty, and gives it.
-    /// Raises 457 for a key that is present.
+    /// Returns the head office, or null if no clinic has its name. Calls `GetAllClinics` first if the list is
+    /// empty, and raises what that raises.
+    Ref<cClinic> GetHQClinic(const Ref<Connection>& Con);
+
+    /// Returns the first clinic whose name is `sName` without regard to case, or null if there is none. Calls
+    /// `GetAllClinics` first if the list is empty; ignores a failure of it and returns null then. A list that
+    /// isn't empty isn't loaded again, so a clinic that was stored later is not found. Raises nothing.
+    Ref<cClinic> ItemOnClinicName(const String& sName, const Ref<Connection>& Con);
+
+    // ---- members -----------------------------------------------------------------------------------
+
+    /// Returns the clinic at a position or under a key, or null if there is none. Raises nothing.
+    Ref<cClinic> Item(const Variant& vntIndexKey) const { return Find(vntIndexKey); }
+
+    /// Creates a clinic with these values, adds it at the end, under `sKey` unless that is empty, and returns
+    /// it. Stores nothing. Raises 457 if the key exists; the list stays unchanged then.
     Ref<cClinic> Add(const Long& ID, const String& ClinicName, const String& OrgNumber, const String& ZipCode,
                      const String& StreetAddress, const String& City, const String& Telephone,
                      const String& Remarks16, const String& sKey = {});
-
-    /// The clinic at a position or under a key; nothing where there is none. Never raises.
-    Ref<cClinic> Item(const Variant& vntIndexKey) const { return Find(vntIndexKey); }
-
-    /// The first clinic of this name without regard to case, or nothing. An empty list is loaded first; a
-    /// list that can't be loaded has none. Never raises.
-    Ref<cClinic> ItemOnClinicName(const String& sName, const Ref<Connection>& Con);
 
     const Interface& Describe() const override;
 

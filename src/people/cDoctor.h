@@ -4,56 +4,78 @@
 
 namespace OXClass {
 
-/// What a doctor is to the clinic.
+/// The relation of a doctor to the clinic. Column Doctor_T.DrType_INT; a row can hold other numbers too.
 enum DoctorType : Long { drt_Unknown = 0, drt_Local = 1, drt_Remote = 2, drt_Web = 3 };
 
 /// A person who can be responsible for patients: a row of Doctor_T.
 ///
-/// Besides the number that the database gives, a doctor has a GUID, 32 hexadecimal digits, which a load
-/// gives to any row that lacks one. An object belongs to one thread.
+/// A doctor has two identifiers: the number `drID`, which the database assigns, and the GUID `drGUID`, which
+/// a load assigns to a row that has none. A null column reads as 0 or the empty text. An object belongs to
+/// the thread that created it.
 class cDoctor final : public Object {
 public:
     static constexpr const char* ClassName = "cDoctor";
 
-    /// The name in the form of DICOM: family name, given name, an empty middle name and the prefix with "^"
-    /// between them, without those at the end; `DrName` where all three are empty.
-    String GetDCMName() const;
+    // ---- identity ----------------------------------------------------------------------------------
 
-    /// The number of patients whose responsible doctor this is. Raises, with "cDoctor.PatientCount, " in
-    /// front of the source, what the database raises.
-    Long PatientCount(const Ref<Connection>& Con) const;
+    /// The key of the row, a counter of the database; 0 if the doctor isn't stored.
+    Long drID = 0;
+    /// The GUID, 32 hexadecimal digits. A load changes it to upper case, a save stores it unchanged.
+    String drGUID;
 
-    /// Deletes the row, if it is there, and returns true. Its patients keep its number, and the object its
-    /// members. Raises, with "cDoctor.DeleteDoctor, " in front of the source, what the database raises.
-    bool DeleteDoctor(const Ref<Connection>& Con) const;
+    // ---- load, save, delete ------------------------------------------------------------------------
 
-    /// Writes the row of `drID`, or a new one where there is none, and returns true; `drID` becomes the row's
-    /// number. Contact, names and prefix are stored trimmed and cut to 255, 60, 60, 30 and 20 characters; the
-    /// members keep theirs. Raises, with "cDoctor.SaveDoctor, " in front of the source, what the database
-    /// raises, 0x80040E21 for a longer text than the column of one of the last three; nothing is written
-    /// then.
+    /// Loads the doctor with the number `drID` and returns true. Returns false and changes nothing if there
+    /// is none.
+    ///
+    /// If the row has no GUID, assigns one (`NewOutsideGUID`) and calls `SaveDoctor`, so a load can write.
+    /// Raises, with "cDoctor.loadDoctor, " in front of the source, 13 or 6 for a value that doesn't convert,
+    /// what the database raises, and what `NewOutsideGUID` and `SaveDoctor` raise. Members that were read
+    /// before the failure keep their new values.
+    bool LoadDoctor(const Long& drID, const Ref<Connection>& Con);
+
+    /// Loads a doctor as `LoadDoctor` does, by the GUID in upper or lower case; the prefix of the source is
+    /// "cDoctor.loadDoctorOnGUID, ". The statement compares with the GUID in upper case, so a row that stores
+    /// it in lower case isn't found. Also raises 0x80040E14 for an unpaired single quote in `drGUID`.
+    bool LoadDoctorOnGUID(const String& drGUID, const Ref<Connection>& Con);
+
+    /// Writes the row of `drID`, or a new row if there is none, and returns true. `drID` becomes the number
+    /// of the row. Contact, first name, last name, short name and prefix are stored trimmed and cut to 255,
+    /// 60, 60, 30 and 20 characters; the members stay unchanged.
+    ///
+    /// If the number of the row is 0, shows a message box, and still returns true: the row is written.
+    /// Raises, with "cDoctor.SaveDoctor, " in front of the source, 0x80040E21 for an e-mail address or login
+    /// of more than 255 or a GUID of more than 38 characters, 0x80040E38 if another program changed the row
+    /// meanwhile, and what the database raises; nothing is written then. Raises 94 if the number of a new row
+    /// can't be read back; the row is written then, and `drID` stays unchanged.
     bool SaveDoctor(const Ref<Connection>& Con);
 
-    /// Loads the doctor of this number. Returns false and changes nothing if there is none. A row without
-    /// a GUID gets one (see `OutsideGUID`) and is written at once, as by `SaveDoctor`. Raises, with
-    /// "cDoctor.loadDoctor, " in front of the source, what the database raises and, with its own prefix
-    /// behind that, what `SaveDoctor` raises; the members are new then.
-    bool LoadDoctor(const Long& drID, const Ref<Connection>& Con);
+    /// Deletes the row of `drID` and returns true, whether or not the row existed. The members stay
+    /// unchanged, and the doctor's patients keep the number. Raises, with "cDoctor.DeleteDoctor, " in front
+    /// of the source, what the database raises.
+    bool DeleteDoctor(const Ref<Connection>& Con) const;
+
+    // ---- names -------------------------------------------------------------------------------------
+
+    String DrFirstName;
+    String DrLastName;
+    String DrPrefix;  ///< a title, such as "Dr."
+    String DrName;    ///< the short or display name
+
+    /// Returns the name in the form of DICOM: last name, first name, an empty middle name and prefix with "^"
+    /// between them, trimmed, without the "^" at the end. Returns `DrName` if all three are empty.
+    String GetDCMName() const;
+
+    // ---- the rest of the row -----------------------------------------------------------------------
 
     DoctorType DrType = drt_Unknown;
     String DrContactInfo;
-    String DrPrefix;
-    String DrLastName;
-    String DrFirstName;
-    String DrName;  ///< the short or display name
-    Long drID = 0;  ///< the row's number; 0: not in the database
-    String DrLogin;
-    String drGUID;
     String DrEMail;
+    String DrLogin;
 
-    /// `LoadDoctor`, by the GUID in either case; a quote in it raises 0x80040E14. The prefix is
-    /// "cDoctor.loadDoctorOnGUID, ".
-    bool LoadDoctorOnGUID(const String& drGUID, const Ref<Connection>& Con);
+    /// Returns the number of patients whose responsible doctor has the number `drID`. Raises, with
+    /// "cDoctor.PatientCount, " in front of the source, what the database raises.
+    Long PatientCount(const Ref<Connection>& Con) const;
 
     const Interface& Describe() const override;
 
@@ -65,6 +87,7 @@ private:
 
 }  // namespace OXClass
 
+/// The names and numbers of `DoctorType`, for the type library.
 template <>
 struct Platform::EnumerationOf<OXClass::DoctorType> {
     static constexpr const char* Name = "DoctorType";

@@ -9,10 +9,10 @@ using namespace Platform;
 
 namespace {
 
-/// A date as its text column holds it: empty for the zero date.
+/// Returns a date as its text column stores it: the empty text for the date 0.
 String DateColumn(Date date) { return date.Days == 0 ? String() : FormatDate(date, "YYYY-MM-DD"); }
 
-/// What the zero date in place of a text that is no date is told as.
+/// Returns the failure that reports a text that isn't a date, which the load reads as the date 0.
 Error NoDate(const char* column) {
     Error failure(err::TypeMismatch, cPatient::ClassName, DescriptionOf(err::TypeMismatch));
     failure.Column = column;

@@ -10,7 +10,8 @@ using namespace Platform;
 
 namespace {
 
-/// A new card of the series, without images yet.
+/// Returns a new card of the series, without images. Raises as `SaveAsIC` for the canvas and the first
+/// member.
 Ref<cImagecard> CardOf(const cSerie& series, const cTemplate& layout, const Collection& images) {
     Ref<cImagecard> card = New<cImagecard>();
     card->ICCreateDate = series.SeriesDateTime;

@@ -19,7 +19,7 @@ constexpr const char* BothJaws = "T-D1213";
 constexpr const char* BothJawsOldCode = "T-D1217";
 constexpr const char* Skull = "T-11100";
 
-/// A region modifier by its last character: "C" is "T-5100C".
+/// Returns the region modifier with this last character: 'C' denotes "T-5100C".
 String ModifierOf(char last) { return String("T-5100") + last; }
 
 // ---- which modifiers an image's teeth fit ---------------------------------------------------------
@@ -40,8 +40,8 @@ bool FitsBackOfJaw(const ToothSet& teeth) {
            (two({46, 47, 48}) && !Some(teeth, {13, 23, 33, 43}));
 }
 
-/// True if teeth fit a modifier other than the one that their image carries. "T-5100B", "T-5100A" and
-/// "T-51008" are matched by their code alone.
+/// Returns true if the teeth fit a modifier, whatever modifier their image has. "T-5100B", "T-5100A" and
+/// "T-51008" are matched by their code alone, so no teeth fit them.
 bool TeethFitMod(const ToothSet& teeth, char modifier) {
     switch (modifier) {
         case 'C': return FitsBackOfJaw(teeth);
@@ -57,13 +57,13 @@ bool TeethFitMod(const ToothSet& teeth, char modifier) {
 
 // ---- layouts ----------------------------------------------------------------------------------------
 
-/// One frame of a layout and the image that belongs there; earlier modifiers win.
+/// One frame of a layout and the anatomy of the image that belongs there. Earlier modifiers are preferred.
 struct Frame {
     Long number;
     const char* laterality;
     const char* region;
     const char* modifiers;
-    Long behind = 0;  ///< taken only if this frame was filled, and its image decides the modifiers
+    Long behind = 0;  ///< if not 0, filled only if this frame was, whose image decides the modifiers
 };
 
 constexpr std::array TwentyFrames{
@@ -85,7 +85,8 @@ constexpr std::array EighteenFrames{
     Frame{16, "L", LowerJaw, "765"}, Frame{17, "L", LowerJaw, "98"},  Frame{18, "L", LowerJaw, "CBA"},
 };
 
-/// The four bitewings: first by what belongs there, then, for frames still free, by what will do.
+/// One frame of the layout of four bitewings: the modifiers of the first pass, and those of the second pass,
+/// which fills the frames that are still free.
 struct BitewingFrame {
     Long number;
     const char* laterality;
@@ -102,7 +103,7 @@ constexpr std::array FourBitewings{
 
 // ---- one call of HangSeries -------------------------------------------------------------------------
 
-/// The images of one call, and how they are placed. Keeps what it reads of a tooth string, since a
+/// The images of one call, and their placing. Stores the teeth of an image once they are read, because a
 /// search looks at each image many times.
 class Hanging {
 public:
@@ -141,7 +142,7 @@ private:
     std::vector<Hung> images_;
 };
 
-/// What the images of a small series show together.
+/// What all images of a series of up to four show together.
 struct View {
     bool bothJaws = false;
     bool panoramic = false;
@@ -270,8 +271,8 @@ void Hanging::PlaceTwoBitewings() {
         }
 }
 
-/// The images that capture time can place, oldest first, equal times in their order. A date at the end
-/// of the calendar is none.
+/// Returns the images that can be placed by capture time, oldest first, those of equal time in their order. A
+/// date at the end of the calendar doesn't count as a time.
 std::vector<cImage*> Hanging::OldestFirst() const {
     const Date limit = DateFrom({9999, 12, 31, 23, 59, 0});
     std::vector<cImage*> images;
@@ -286,11 +287,11 @@ void Hanging::PlaceByTime() {
     ImageCount();
     Long frame = 0;
     for (cImage* image : OldestFirst())
-        if (image->FrameNumber == 0) image->FrameNumber = ++frame;  // one that stands twice is placed once
+        if (image->FrameNumber == 0) image->FrameNumber = ++frame;  // one listed twice is placed once
 }
 
-/// The template's own order, for a series of which no image found a frame: the slot of sequence i takes
-/// the oldest image that is still without one.
+/// Places by the template's own order, if no image found a frame: the slot of sequence i takes the oldest
+/// image that is still without a frame.
 void Hanging::PlaceByTemplate(Long layout, const Ref<Connection>& conn) {
     const Ref<cTemplate> card = New<cTemplate>();
     card->GetTemplate(conn, 0, layout);
@@ -314,7 +315,8 @@ Integer Hanging::FrameSum() const {
     return static_cast<Integer>(sum);
 }
 
-/// From the second image of a frame on, every image of the list loses its frame, whatever its number.
+/// If a frame has several images, every image from the second one of them to the end of the list loses its
+/// frame, whatever its number.
 void Hanging::RemoveDoublePlacements() {
     std::vector<Long> holders(static_cast<std::size_t>(ImageCount()) + 1);
     const auto counted = [&](Long frame) { return frame >= 1 && frame < static_cast<Long>(holders.size()); };

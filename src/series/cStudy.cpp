@@ -9,7 +9,8 @@ using namespace Platform;
 
 namespace {
 
-/// Runs one step of the save; a missing column passes it over, and the save goes on behind it.
+/// Runs one step of the save. Ignores the failure of a missing column, so that the save continues with the
+/// next step, and raises any other.
 template <class Step>
 void UnlessColumnIsMissing(Step step) {
     try {
