@@ -1,60 +1,59 @@
 #pragma once
 
-/* The host side of component clients, as plain C: everything that a program in another language needs of
- * liboxplatform beside the component model itself.
+/* The C functions of liboxplatform: what a program in another language needs besides the COM types themselves.
  *
- * Each entry gives S_OK or a failing return code, leaves an error record on the calling thread when it fails
- * (GetErrorInfo), and lets no exception out. A null pointer where a result goes gives E_POINTER. Names are
- * zero-ended UTF-16, paths are in the file system's bytes. Objects belong to the thread that made them. */
+ * Each function returns S_OK or a failure code. When it fails it sets the error record of the calling thread
+ * (GetErrorInfo); no exception leaves it. A null pointer for a result returns E_POINTER. Names are null-terminated
+ * UTF-16, paths are in the bytes of the file system. Objects belong to the thread that created them. */
 
 #include "platform/component/binary/ComponentModel.h"
 
 /* ---- classes by name ----------------------------------------------------------------------------- */
 
-/* Makes an object of the class of this name, without regard to case: "Collection", "ADODB.Connection",
- * "ADODB.Recordset", and the classes of the libraries that OxUseLibrary took in or that are registered, such
- * as "OXClass.cPatient". 0x800A01AD (429) where there is no such class or its library can't be loaded. */
+/* Creates an object of the class of this name, without regard to case: "Collection", "ADODB.Connection",
+ * "ADODB.Recordset", and the classes of libraries that OxUseLibrary loaded or that are registered, such as
+ * "OXClass.cPatient". 0x800A01AD (429) if no class has the name or its library can't be loaded. */
 STDAPI OxCreateObject(LPCOLESTR name, IDispatch** object);
 
-/* The instance of a global class that all callers on this thread share, made on first use and ended with the
- * thread unless somebody else holds it. 0x800A01AD for a class that is not global, and as OxCreateObject. */
+/* Returns the instance of a global class that all callers on this thread share. It is created on first use and
+ * released when the thread ends. 0x800A01AD for a class that is not global, and as OxCreateObject. */
 STDAPI OxGlobal(LPCOLESTR name, IDispatch** object);
 
 /* Makes the classes of a library file creatable in this process without any registration. A library that is
- * in use already stays. CO_E_DLLNOTFOUND where the file can't be loaded, CO_E_ERRORINDLL where it is no
+ * in use already is not replaced. CO_E_DLLNOTFOUND if the file can't be loaded, CO_E_ERRORINDLL if it is not a
  * library of classes. */
 STDAPI OxUseLibrary(const char* path);
 
-/* Enters a library file into the registry file (the one that OXCLASS_REGISTRY names, else
- * oxclass/classes.json in the user's data folder), or removes it, by the library's own DllRegisterServer and
- * DllUnregisterServer. On a failure the file stays as it was. */
+/* Adds a library file to the registry file (the one that OXCLASS_REGISTRY names, otherwise oxclass/classes.json in
+ * the user's data folder), or removes it, by the library's own DllRegisterServer and DllUnregisterServer. The file
+ * is unchanged on failure. */
 STDAPI OxRegisterLibrary(const char* path);
 STDAPI OxUnregisterLibrary(const char* path);
 
-/* The classes that OxCreateObject knows, as JSON: an array of {"name": "OXClass.cPatient", "identifier":
+/* Returns the classes that OxCreateObject can create, as JSON: an array of {"name": "OXClass.cPatient", "identifier":
  * "...", "library": path, "threading": "Apartment", "instancing": "multi-use" or "global"}. */
 STDAPI OxClasses(BSTR* json);
 
-/* The members of an object of this host or of one of its libraries, as JSON:
+/* Returns the members of an object of the platform or of one of its libraries, as JSON:
  *
  *   {"class": "cPatient", "members": [{"name": "LastName", "kind": "put", "id": 1610809346,
  *     "arguments": [{"name": "Value", "type": "text", "byReference": false, "comesBack": false,
  *                    "optional": false}], "result": "none"}, ...]}
  *
- * "byReference" arguments cross as the place of their value, but for the object of a putref, which crosses
- * itself. "kind" is operation, get, put or putref; "type" and "result" are none, boolean, short, long,
+ * For a "byReference" argument the address of the value is passed, except for the object of a putref, which is
+ * passed itself. "kind" is operation, get, put or putref; "type" and "result" are none, boolean, short, long,
  * single, double, date, text, variant, object or enumeration, and the last two have their name in "of" (in
- * "resultOf" for a result). E_NOINTERFACE for an object of somebody else. */
+ * "resultOf" for a result). E_NOINTERFACE for a foreign object. */
 STDAPI OxDescribe(IUnknown* object, BSTR* json);
 
-/* ---- services of the host ------------------------------------------------------------------------ */
+/* ---- services of the platform ------------------------------------------------------------------------ */
 
 /* A handler may be set at any time, on any thread. One that is replaced may still be running on another
  * thread. */
 
-/* What a text box does: called with its text (the callee doesn't free it) and its buttons; the box counts as
- * dismissed when it returns. Null brings back the own one, which writes to standard error. All threads' boxes
- * go to the one handler, each on its own thread. */
+/* Sets the function that shows a message box. It is called with the text (which it must not free) and the buttons;
+ * the box is closed when it returns. Null restores the default, which writes to standard error. The handler is
+ * called on the thread that shows the box. */
 typedef void (*OxMsgBoxHandler)(void* context, BSTR prompt, LONG buttons);
 STDAPI OxSetMsgBox(OxMsgBoxHandler handler, void* context);
 

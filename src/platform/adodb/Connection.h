@@ -7,28 +7,30 @@ namespace ADODB {
 class Connection;
 class Recordset;
 
-/// What is about to run, handed to `ConnectionEvents::WillExecute`, which may change it.
+/// A statement before it runs. `ConnectionEvents::WillExecute` receives it and may change it.
 struct ExecuteRequest {
-    String Source;  ///< the statement
+    String Source;  ///< the text of the statement
     CursorTypeEnum CursorType = adOpenForwardOnly;
     LockTypeEnum LockType = adLockReadOnly;
     Long Options = adCmdUnspecified;
-    EventStatusEnum Status = adStatusOK;  ///< adStatusCancel: the caller gets 3712 and nothing runs
+    EventStatusEnum Status = adStatusOK;  ///< `adStatusCancel` cancels: the caller gets 3712, and nothing runs
 };
 
-/// What ran, handed to `ConnectionEvents::ExecuteComplete`.
+/// The result of a statement. `ConnectionEvents::ExecuteComplete` receives it.
 struct ExecuteReport {
-    std::string_view Source;
-    std::int64_t RecordsAffected = -1;  ///< rows hit by an action statement; -1 for a select
+    std::string_view Source;            ///< the statement, valid during the call
+    std::int64_t RecordsAffected = -1;  ///< rows that an action statement changed; -1 for a SELECT
     std::int64_t Rows = 0;              ///< rows of the result
-    double Seconds = 0;
-    const Error* Failure = nullptr;  ///< what it failed with, or nothing
+    double Seconds = 0;                 ///< duration
+    const Error* Failure = nullptr;     ///< the failure, or null; valid during the call
 };
 
-/// A client that is told of every statement that is executed or opened; what a recordset writes to post an
-/// edit is not announced. Handlers run on the connection's thread, inside the call,
-/// and may not start another operation on the same connection from `WillExecute` (3710). A handler that
-/// throws makes the operation fail with what it threw, before anything runs or after it ran.
+/// A handler of a connection's events: it is called for every statement that is executed or opened. It is not called for the
+/// statements by which a recordset posts an edit.
+///
+/// Handlers run on the connection's thread, inside the operation. `WillExecute` must not start another operation on the same
+/// connection, which raises 3710. If a handler throws, the operation fails with that exception, before the statement runs
+/// (`WillExecute`) or after it has run (`ExecuteComplete`).
 class ConnectionEvents {
 public:
     virtual ~ConnectionEvents() = default;
@@ -39,74 +41,75 @@ public:
     virtual void RollbackTransComplete() {}
 };
 
-/// An open session with a database, by ADO's rules.
+/// A connection to a database, with ADO's members, numbers and rules.
 ///
-/// Used by the thread that made it. Failures of the layer itself have the source "ADODB.Connection" and
-/// short numbers; a database engine's keep the engine's text.
+/// It belongs to the thread that created it. Failures of this layer have the source "ADODB.Connection" and short numbers;
+/// failures of a database engine have the engine's text.
 class Connection final : public Object {
 public:
     static constexpr const char* ClassName = "Connection";
 
     Connection() = default;
-    /// Ends the session; an open transaction is rolled back without a word.
+    /// Closes the connection; an open transaction is rolled back without an error.
     ~Connection() override;
 
-    /// Opens the session that a connection string describes, "Provider=SQLite;Data Source=clinic.db".
-    /// An empty argument leaves what `ConnectionString` holds. User and password win over those in the
-    /// text. Raises 3705 if open, 3706 for an unknown provider, 0x80040E21 for settings that can't be
-    /// read or honoured, and what the engine raises; the connection then stays closed.
+    /// Opens the connection that a connection string describes, "Provider=SQLite;Data Source=clinic.db". If the argument is
+    /// empty, the property `ConnectionString` is used. `UserID` and `Password` override those in the text. Raises 3705 if open,
+    /// 3706 for an unknown provider, 0x80040E21 for a setting that can't be parsed or is not supported, and what the engine
+    /// raises; the connection is then closed.
     void Open(const String& ConnectionString = {}, const String& UserID = {}, const String& Password = {},
               Long Options = -1);
 
-    /// Closes the session and every recordset on it; their unposted edits are gone. Raises 3704 if
-    /// closed, 3246 with a transaction open, and then changes nothing.
+    /// Closes the connection and every recordset on it; edits that were not posted are lost. Raises 3704 if closed, 3246 while a
+    /// transaction is open; nothing changes then.
     void Close();
 
-    /// Runs a statement. Gives a recordset: on its first row where the statement yields rows, closed
-    /// where it doesn't; nothing with `adExecuteNoRecords`. `RecordsAffected` gets the number of rows
-    /// that an action statement hit. Raises 3704 if closed, 3712 if a handler cancelled it, and what
-    /// the engine raises.
+    /// Runs a statement and returns a recordset: at its first row if the statement returns rows, otherwise closed; null with
+    /// `adExecuteNoRecords`. `RecordsAffected` receives the number of rows that an action statement changed. Raises 3704 if
+    /// closed, 3712 if a handler cancelled it, and what the engine raises.
     Ref<Recordset> Execute(const String& CommandText, Long* RecordsAffected = nullptr,
                            Long Options = adCmdUnspecified);
 
-    /// Opens a transaction, inside the one that is open, and gives its level, 1 for the outermost.
-    /// Raises 3704 if closed, 0x8004D013 where the engine nests no deeper.
+    /// Begins a transaction, nested in the open one if there is one, and returns its level, 1 for the outermost. Raises 3704 if
+    /// closed, 0x8004D013 if the engine does not support the level, and what the engine raises.
     Long BeginTrans();
 
-    /// Ends the innermost transaction. Raises 3704 if closed, 0x8004D00E if none is open.
+    /// Commit or roll back the innermost transaction. Raise 3704 if closed, 0x8004D00E if no transaction is open, and what the
+    /// engine raises.
     ///
-    /// After a failure that the engine answers by rolling everything back (a full disk), every operation
-    /// raises 0x8004D00E until `RollbackTrans` has been called for each level.
+    /// After a failure in which the engine itself rolled everything back (a full disk), every operation raises 0x8004D00E
+    /// until `RollbackTrans` has been called for each level.
     void CommitTrans();
     void RollbackTrans();
 
+    /// Returns `adStateOpen` or `adStateClosed`.
     Long State() const noexcept { return session_ ? adStateOpen : adStateClosed; }
+    /// Returns the connection string that was set, or with which the connection was opened.
     const String& ConnectionString() const noexcept { return text_; }
 
-    /// Raises 3705 while open.
+    /// Sets the connection string for the next `Open`. Raises 3705 while open.
     void SetConnectionString(const String& text);
 
-    /// Where the recordsets made from now on keep their rows; no effect on open ones.
+    /// Where recordsets that are opened from now on keep their rows; it has no effect on open recordsets.
     CursorLocationEnum CursorLocation = adUseServer;
 
-    /// What the engine's last failing operation reported. A later success does not empty it, and the
-    /// layer's own failures never enter it.
+    /// Returns what the engine reported at its last failure. A later success does not clear the list, and failures of this
+    /// layer are not added to it.
     const std::vector<Error>& Errors() const noexcept { return errors_; }
     void ClearErrors() { errors_.clear(); }
 
-    /// Adds a handler, which must live until it is taken out again or the connection ends.
+    /// Adds a handler, which must live until it is removed or the connection is deleted.
     void Advise(ConnectionEvents& handler) { handlers_.push_back(&handler); }
 
-    /// Adds a handler that the connection owns. It ends when it is taken out, or with the connection, after
-    /// the session; it holds no reference to the connection, and its end starts nothing on it. Raises 91 for
-    /// nothing.
+    /// Adds a handler that the connection owns. It is deleted when it is removed, or with the connection after that was closed.
+    /// It must not hold a reference to the connection, and its destructor must not use it. Raises 91 for null.
     void Advise(std::unique_ptr<ConnectionEvents> handler);
 
-    /// All handlers that are in, in the order in which they are called.
+    /// Returns all handlers in the order in which they are called.
     const std::vector<ConnectionEvents*>& Handlers() const noexcept { return handlers_; }
 
-    /// Takes a handler out, which isn't called any more. One that the connection owns ends at once, or, while
-    /// handlers are being called, behind the last of these calls.
+    /// Removes a handler, which is not called any more. One that the connection owns is deleted at once, or, while handlers are
+    /// being called, after the last of these calls.
     void Unadvise(ConnectionEvents& handler);
 
     const Interface& Describe() const override;

@@ -6,20 +6,20 @@ namespace ADODB {
 
 /// The settings of a connection string, "key=value;key=value".
 ///
-/// Keys have no case. A value that holds ";" or quotes stands in '...' or "...", a quote of the same
-/// kind inside it doubled. Of a key given twice the last one counts.
+/// Keys are compared without regard to case. A value that contains ";" or quotes is written in '...' or "...", with a quote of
+/// the same kind doubled. If a key occurs more than once, the last one is used. A value; one thread at a time.
 class ConnectionString {
 public:
-    /// Raises 0x80040E21 for a part without "=", an empty key, or a quote that doesn't end.
+    /// Parses the text. Raises 0x80040E21 for a part without "=", an empty key, or a quote without an end.
     explicit ConnectionString(std::string_view text);
 
-    /// The value of a key, or `otherwise`.
+    /// Returns the value of a key, or `otherwise` if the key does not occur.
     String Value(std::string_view key, const String& otherwise = {}) const;
 
-    /// Sets a key, as a later part of the text would.
+    /// Sets the value of a key, in place of earlier ones.
     void Set(std::string_view key, const String& value);
 
-    /// The first key that is none of `known`, or the empty text.
+    /// Returns the first key that is not in `known`, or an empty text.
     String FirstUnknown(std::initializer_list<std::string_view> known) const;
 
 private:

@@ -5,13 +5,14 @@
 
 namespace ADODB {
 
-/// One failure of an engine as component clients hold it: what was reported, kept unchanged.
+/// A failure of an engine as a COM object: a copy of what was reported. It belongs to the thread that created it.
 class ErrorObject final : public Object {
 public:
     static constexpr const char* ClassName = "Error";
 
     explicit ErrorObject(const Error& failure) { failure_ = failure; }
 
+    // The members of `Platform::Error` of the same names. None raises.
     Long Number() const { return failure_.Number; }
     const String& Source() const { return failure_.Source; }
     const String& Description() const { return failure_.Description; }
@@ -24,8 +25,8 @@ private:
     Error failure_;
 };
 
-/// A connection's `Errors` as component clients hold them: always those that the connection has now. Keeps
-/// its connection.
+/// The `Errors` of a connection as a COM object: always the failures that the connection has now. It holds a reference to
+/// the connection and belongs to the connection's thread.
 class ErrorsObject final : public Object {
 public:
     static constexpr const char* ClassName = "Errors";
@@ -34,12 +35,12 @@ public:
 
     Long Count() const { return static_cast<Long>(connection_->Errors().size()); }
 
-    /// The failure at a position from 0. Raises 3265.
+    /// Returns the failure at a position, counted from 0. Raises 3265 for a position that does not exist.
     Ref<ErrorObject> Item(Long index) const;
 
     void Clear() { connection_->ClearErrors(); }
 
-    /// A walk over the failures that are there now.
+    /// Returns an enumerator over the failures that the connection has now.
     Ref<Platform::Enumerator> NewEnum() const;
 
     const Interface& Describe() const override;

@@ -5,12 +5,13 @@
 
 namespace ADODB {
 
-/// The column that a client names: a text is a column's name, digits or not, anything else converts to an
-/// ordinal from 0. Raises 3704 on a closed recordset, 3265 where there is no such column, 6, 13, 91, 94 and
-/// 438 for what is no index.
+/// Returns the column that a client names: a text is the name of a column, also if it consists of digits; any other value is
+/// converted to an ordinal, counted from 0. Raises 3704 on a closed recordset, 3265 for a column that does not exist, 6, 13,
+/// 91, 94 or 438 for a value that can't be an index.
 Field FieldAt(Recordset& recordset, const Variant& index);
 
-/// A column as component clients hold it: a `Field` that keeps its recordset. Raises as `Field`.
+/// A column as a COM object: a `Field` with a reference to its recordset. It belongs to the recordset's thread, and raises
+/// as `Field`.
 class FieldObject final : public Object {
 public:
     static constexpr const char* ClassName = "Field";
@@ -32,8 +33,8 @@ private:
     Field field_;
 };
 
-/// A recordset's columns as component clients hold them: always those that the recordset has now. Keeps its
-/// recordset; every member raises 3704 while that is closed.
+/// The columns of a recordset as a COM object: always those that the recordset has now. It holds a reference to the
+/// recordset and belongs to the recordset's thread. Every member raises 3704 while the recordset is closed.
 class FieldsObject final : public Object {
 public:
     static constexpr const char* ClassName = "Fields";
@@ -42,10 +43,10 @@ public:
 
     Long Count() const { return recordset_->FieldCount(); }
 
-    /// The column that `FieldAt` finds; raises as that.
+    /// Returns the column that `FieldAt` finds. Raises as `FieldAt`.
     Ref<FieldObject> Item(const Variant& index) const;
 
-    /// A walk over the columns that are there now.
+    /// Returns an enumerator over the columns that the recordset has now.
     Ref<Platform::Enumerator> NewEnum() const;
 
     const Interface& Describe() const override;

@@ -9,34 +9,35 @@ namespace ADODB {
 
 class Recordset;
 
-/// A column of a recordset, seen at its current row. A light value: it may be copied, and must not outlive
-/// its recordset. On a closed recordset every member raises 3704; on one that was opened anew it stands for
-/// the column at the same place, or raises 3265 where there is none.
+/// A column of a recordset, at the current row. It is a small value that may be copied; it must not outlive its recordset.
+///
+/// On a closed recordset every member raises 3704. After the recordset was opened again, the field refers to the column with
+/// the same ordinal; every member raises 3265 if there is none.
 class Field {
 public:
     Field(Recordset& recordset, Long ordinal) : recordset_(&recordset), ordinal_(ordinal) {}
 
-    const String& Name() const;
-    DataTypeEnum Type() const;
-    Long DefinedSize() const;
+    const String& Name() const;  ///< as the engine returns it
+    DataTypeEnum Type() const;   ///< the same for all rows
+    Long DefinedSize() const;    ///< characters that a text may have; 0 without a limit
 
-    /// The value at the current row, an unposted one if there is any. Raises 3021 without a current
-    /// row, 0x80040E23 on a deleted one.
+    /// Returns the value at the current row, or the assigned value that is not posted yet. Raises 3021 without a current row,
+    /// 0x80040E23 on a deleted row.
     Variant Value() const;
 
-    /// True if the value is null, or a text. Raise as `Value`.
+    /// Return true if the value is null, or a text. Raise as `Value`.
     bool IsNull() const;
     bool IsText() const;
 
-    /// `To<T>(Value())`, without the detour where the value is stored as a `T` already. Raises as both.
+    /// Returns `To<T>(Value())`, without creating a variant if the value is stored as a `T`. Raises as both.
     template <class T>
     T As() const;
 
-    /// The value that the row had before it was edited. Raises as `Value`.
+    /// Returns the value that the row had before it was edited. Raises as `Value`.
     Variant OriginalValue() const;
 
-    /// Assigns a value, which starts an edit; `Recordset::Update` posts it. Raises 3251 on a read-only
-    /// recordset, 3021 without a current row, 3421 or 0x80040E21 for a value that the column can't take.
+    /// Assigns a value, which begins an edit; `Recordset::Update` posts it. Raises 3251 on a read-only recordset, 3021 without a
+    /// current row, 3421 or 0x80040E21 for a value that the column can't store; the edit is then unchanged.
     void SetValue(const Variant& value);
 
 private:
@@ -44,13 +45,13 @@ private:
     Long ordinal_;
 };
 
-/// The rows of a statement, a snapshot of them, and the way to change them.
+/// The rows of a statement: a snapshot with a cursor, which can be edited.
 ///
-/// Rows are copied when the recordset opens: later changes, also by statements on the same connection,
-/// are not seen. With `adUseClient` the result is static and scrolls both ways. A recordset on one
-/// table whose key is among its columns can be edited when opened with another lock than
-/// `adLockReadOnly`; an update names only the columns that changed, and finds its row by key and by the
-/// old values of those columns. One thread; dropping the last reference closes it.
+/// Rows are copied when the recordset is opened: later changes are not visible, not even those of statements on the same
+/// connection. With `adUseClient` the cursor is static and scrolls in both directions. A recordset of one table whose key
+/// is among its columns can be edited if it was opened with another lock type than `adLockReadOnly`. An update names only
+/// the columns that changed, and finds its row by the key and the old values of these columns. A recordset belongs to the
+/// thread that created it; it is closed with its last reference.
 class Recordset final : public Object {
 public:
     static constexpr const char* ClassName = "Recordset";
@@ -60,14 +61,14 @@ public:
 
     // ---- opening and closing --------------------------------------------------------------------
 
-    /// Runs a statement; the first row is current. A statement that yields no rows leaves the recordset
-    /// closed. Raises 3705 if open, 3709 without an open connection, 3712 if a handler cancelled it, and
-    /// what the engine raises.
+    /// Runs a statement; the first row becomes current. After a statement that does not return rows the recordset is closed.
+    /// Raises 3705 if open, 3709 without an open connection, 3712 if a handler cancelled the statement, and what the engine
+    /// raises; the recordset is then closed.
     void Open(const String& Source, const Ref<Connection>& ActiveConnection,
               CursorTypeEnum CursorType = adOpenForwardOnly, LockTypeEnum LockType = adLockReadOnly,
               Long Options = adCmdUnspecified);
 
-    /// Raises 3704 if closed, 3219 while an edit is pending.
+    /// Releases the rows. Raises 3704 if closed, 3219 while an edit is pending; nothing changes then.
     void Close();
 
     /// Runs the statement again. Raises 3704 if closed, 3219 while an edit is pending, 3709 when
@@ -79,79 +80,84 @@ public:
     CursorTypeEnum CursorType() const noexcept { return columns_ ? actualCursor_ : cursor_; }
     LockTypeEnum LockType() const noexcept { return columns_ ? actualLock_ : lock_; }
 
-    /// What an `Open` by name takes where its argument is left out. Raise 3705 while open, 3001 for a number
-    /// that the enumeration doesn't have.
+    /// Set what a later `Open` by name uses for an argument that is left out. Raise 3705 while open, 3001 for a number that is not
+    /// in the enumeration.
     void SetSource(const String& source);
     void SetCursorType(CursorTypeEnum type);
     void SetLockType(LockTypeEnum type);
 
+    /// Returns where the rows are kept; `adUseServer` until it is set.
     CursorLocationEnum CursorLocation() const noexcept { return location_.value_or(adUseServer); }
 
-    /// Where the rows are kept; wins over the connection's setting. Raises 3705 while open.
+    /// Sets where the rows are kept; it overrides the connection's setting. Raises 3705 while open.
     void SetCursorLocation(CursorLocationEnum location);
 
     const Ref<Connection>& ActiveConnection() const noexcept { return connection_; }
 
-    /// Nothing disconnects an open client recordset, which stays readable; another connection attaches
-    /// it again. Raises 3705 for an open server recordset, 3709 for a closed connection.
+    /// Sets the connection. Null disconnects an open client recordset, which can still be read; another connection attaches it
+    /// again. Raises 3705 for an open server recordset, 3709 for a closed connection.
     void SetActiveConnection(const Ref<Connection>& connection);
 
-    // ---- where it stands ------------------------------------------------------------------------
+    // ---- position -------------------------------------------------------------------------------
     // All of these raise 3704 on a closed recordset.
 
-    bool Eof() const;
-    bool Bof() const;
+    bool Eof() const;  ///< true after the last row, and if there are no rows
+    bool Bof() const;  ///< true before the first row, and if there are no rows
 
-    /// The number of rows; -1 for a forward-only server cursor, which can't know.
+    /// Returns the number of rows, or -1 for a forward-only server cursor.
     Long RecordCount() const;
 
-    /// The position of the current row from 1, or a `PositionEnum`.
+    /// Returns the position of the current row, counted from 1, or a `PositionEnum`.
     Long AbsolutePosition() const;
 
-    // Moving posts a pending edit first; if that fails, its failure is raised and nothing moves.
+    // A move posts a pending edit first. If that fails, its failure is raised and the position is unchanged.
 
-    /// Raise 3021 on an empty recordset.
+    /// Move to the first or the last row. Raise 3021 on an empty recordset.
     void MoveFirst();
     void MoveLast();
-    /// Raises 3021 at EOF.
+    /// Moves to the next row, or to EOF after the last. Raises 3021 at EOF.
     void MoveNext();
-    /// Raises 3021 at BOF, 3219 on a forward-only server cursor.
+    /// Moves to the previous row, or to BOF before the first. Raises 3021 at BOF, 3219 on a forward-only server cursor.
     void MovePrevious();
-    /// Moves by so many rows, forward or back; beyond either end sets EOF or BOF. Raises 3021.
+    /// Moves by this number of rows, backward if it is negative; beyond the last or first row to EOF or BOF. Raises 3021 without a
+    /// row.
     void Move(Long rows);
 
     // ---- columns --------------------------------------------------------------------------------
 
-    /// The column of this name, without regard to case, or at an ordinal from 0. Raises 3265.
+    /// Returns the column with this name, without regard to case, or with this ordinal, counted from 0. Raises 3265 if there is
+    /// none.
     Field Fields(std::string_view name) { return {*this, OrdinalOf(name)}; }
     Field Fields(Long ordinal) { return {*this, OrdinalOf(ordinal)}; }
+    /// Returns the number of columns.
     Long FieldCount() const { return Result().Count(); }
 
-    /// True if there is a column of this name.
+    /// Returns true if there is a column with this name, without regard to case.
     bool HasField(std::string_view name) const { return Result().Find(name) != Columns::Missing; }
 
-    /// `Fields(name).Value()` and its assignment in one.
+    /// Read or assign a value, as `Value` and `SetValue` of the column do.
     Variant Collect(std::string_view name) { return Fields(name).Value(); }
     void Collect(std::string_view name, const Variant& value) { Fields(name).SetValue(value); }
 
     // ---- changing rows --------------------------------------------------------------------------
 
-    /// Starts a new row, which becomes the current one. Raises 3251 if read-only.
+    /// Begins a new row, which becomes the current one; a pending edit is posted first. Raises 3251 if read-only.
     void AddNew();
 
-    /// Writes the pending edit; the row stays current, a new one too, with the counter that the
-    /// database gave it. Without an edit nothing happens. Raises 0x80040E38 if somebody else changed or
-    /// removed the row, and what the engine raises; the edit stays pending then.
+    /// Writes the pending edit. The row is still current afterwards; a new row then has the counter that the database assigned.
+    /// Does nothing without an edit. Raises 0x80040E38 if another client changed or deleted the row, and what the engine
+    /// raises; the edit is then still pending.
     void Update();
 
-    /// Drops the pending edit; after `AddNew` the row that was current before is current again.
+    /// Discards the pending edit; after `AddNew` the row that was current before is current again.
     void CancelUpdate();
 
-    /// Deletes the current row at once. The position doesn't move: reading the row raises 0x80040E23
-    /// until the next move. Raises 3001 for anything but `adAffectCurrent`, 3021, 3251, 0x80040E38.
+    /// Deletes the current row from the table. The position does not change: reading the row raises 0x80040E23 until the next
+    /// move. Raises 3001 for another argument than `adAffectCurrent`, 3021 without a current row, 3251 if read-only, 0x80040E38
+    /// if another client changed or deleted the row, and what the engine raises.
     void Delete(AffectEnum AffectRecords = adAffectCurrent);
 
-    /// Raises 3021 without a current row.
+    /// Returns whether an edit or a new row is pending. Raises 3021 without a current row.
     EditModeEnum EditMode() const;
 
     const Interface& Describe() const override;
@@ -160,7 +166,7 @@ private:
     friend class Connection;
     friend class Field;
 
-    /// An edit that isn't posted: per column the stored form that was assigned, if any.
+    /// An edit that is not posted: for each column the assigned value in its stored form, if any.
     struct Edit {
         EditModeEnum mode;
         std::vector<std::optional<Variant>> assigned;
@@ -190,12 +196,12 @@ private:
     }
     void GoTo(Long position);
 
-    /// The cell at the current row; nothing while an edit stands before it.
+    /// Returns the cell at the current row, or null while an edit is pending.
     const Cell* CellAt(Long ordinal) const {
         ColumnAt(ordinal);
         return edit_ ? nullptr : &Current().At(ordinal);
     }
-    /// The column that a field stands for; the recordset may have been closed or opened anew since.
+    /// Returns the column of a field; the recordset may have been closed or opened again since the field was created.
     const Column& ColumnAt(Long ordinal) const { return Result().At(OrdinalOf(ordinal)); }
     bool IsAdding() const noexcept { return edit_ && edit_->mode == adEditAdd; }
     Variant ValueAt(Long ordinal) const;
@@ -205,7 +211,7 @@ private:
     void Change();
     Row EditedRow(Long counter, std::int64_t counterValue);
     const String& BaseTable() const;
-    /// True if the pending edit gives the column another value than the row has.
+    /// Returns true if the pending edit assigns a value to the column that differs from that of the row.
     bool IsChanged(Long ordinal) const;
     String WhereRow(std::vector<Variant>& values) const;
     Variant StoredAt(Long ordinal) const;
@@ -220,10 +226,10 @@ private:
     CursorTypeEnum actualCursor_ = adOpenForwardOnly;
     LockTypeEnum actualLock_ = adLockReadOnly;
 
-    std::shared_ptr<const Columns> columns_;  // nothing while closed
+    std::shared_ptr<const Columns> columns_;  // null while closed
     std::vector<Row> rows_;
     RowStore store_;
-    Long position_ = 0;  // of the current row from 0; of the row behind it when the current one is deleted
+    Long position_ = 0;  // of the current row, from 0; of the next row if the current one is deleted
     bool bof_ = true;
     bool eof_ = true;
     bool onDeleted_ = false;

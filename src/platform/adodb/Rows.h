@@ -20,7 +20,7 @@ struct Column {
     bool Counter = false;           ///< numbered by the database
 };
 
-/// The columns of a result, shared by all runs of one compiled statement. One thread.
+/// The columns of a result, shared by all runs of one compiled statement. They belong to one thread.
 class Columns {
 public:
     static constexpr Long Missing = -1;
@@ -30,13 +30,13 @@ public:
     Long Count() const noexcept { return static_cast<Long>(columns_.size()); }
     const Column& At(Long ordinal) const { return columns_[static_cast<std::size_t>(ordinal)]; }
 
-    /// The ordinal of the first column of this name, without regard to case; `Missing` if there is none.
+    /// Returns the ordinal of the first column with this name, without regard to case; `Missing` if there is none.
     Long Find(std::string_view name) const;
 
 private:
     Long Search(std::string_view name) const;
 
-    /// An answer given before, to a name as it was spelled.
+    /// An earlier result, for a name with exactly this spelling.
     struct Remembered {
         String name;
         Long ordinal = Missing;
@@ -44,11 +44,11 @@ private:
 
     std::vector<Column> columns_;
     std::unordered_map<String, Long> byName_;
-    // Callers ask with literals, row after row: where the text of a name stands tells which one it is.
+    // Callers pass literals, row after row: the address of a literal identifies the name.
     mutable std::array<Remembered, 256> remembered_;
 };
 
-/// One value of a row as the engine stores it. A text is no copy: it points into the row.
+/// One value of a row as the engine stores it. A text is not a copy: it points into the row.
 struct Cell {
     enum class Kind : std::uint8_t { Null, Whole, Real, Text };
     Kind kind = Kind::Null;
@@ -71,7 +71,7 @@ struct Cell {
         cell.real = value;
         return cell;
     }
-    /// The text must live until the cell went into a `RowStore`.
+    /// The text must live until the cell is added to a `RowStore`.
     static Cell Of(std::string_view value) {
         Cell cell;
         cell.kind = Kind::Text;
@@ -82,7 +82,7 @@ struct Cell {
     std::string_view Text() const { return {text, length}; }
 };
 
-/// The values of one row. They live in the `RowStore` that made it.
+/// The values of one row, which are in the memory of the `RowStore` that created it.
 class Row {
 public:
     const Cell& At(Long ordinal) const { return cells_[ordinal]; }
@@ -94,8 +94,8 @@ private:
     const Cell* cells_;
 };
 
-/// The memory of many rows, texts included, in few large blocks. A row stays where it is as long as its
-/// store; the store can be moved, and grows only.
+/// The memory of many rows, including their texts, in a few large blocks. A row is valid as long as its store, also after the
+/// store was moved. Memory is released with the store only.
 class RowStore {
 public:
     /// Copies the cells, and the texts that they point to.
@@ -107,19 +107,19 @@ private:
     std::vector<std::unique_ptr<std::byte[]>> blocks_;
     std::byte* free_ = nullptr;
     std::size_t left_ = 0;
-    std::size_t nextBlock_ = 2048;  ///< blocks double, so that one row costs little and many few blocks
+    std::size_t nextBlock_ = 2048;  ///< sizes double: one row needs little memory, many rows few blocks
 };
 
-/// The value of a cell by its column's type: a whole number gives a `Long` (`int64` where it needs it),
-/// a date column's text a `Date`. A stored value that doesn't fit the type is given as it is stored.
+/// Returns the value of a cell in the type of its column: a whole number as a `Long` (as `int64` if it is larger), the text of
+/// a date column as a `Date`. A stored value that can't be converted to the type is returned as it is stored.
 Variant ValueOf(const Cell& cell, const Column& column);
 
-/// A value converted to what a column takes, in the form in which it is stored: whole number, double,
-/// text, or `Null`; a date is the text "yyyy-mm-dd hh:nn:ss". Raises 3421 for a value of the wrong
-/// type, 0x80040E21 for a text longer than the column or a number out of range.
+/// Returns a value converted to the type of a column, in the form in which it is stored: whole number, double, text, or `Null`; a
+/// date is the text "yyyy-mm-dd hh:nn:ss". Raises 3421 for a value of another type, 0x80040E21 for a text that is longer
+/// than the column or a number outside the range.
 Variant StoredForm(const Variant& value, const Column& column);
 
-/// The cell of a stored form; `stored` must outlive it.
+/// Returns the cell of a value in its stored form; `stored` must outlive it.
 Cell CellOf(const Variant& stored);
 
 }  // namespace ADODB

@@ -10,51 +10,52 @@ namespace Platform {
 class Collection;
 class Enumerator;
 
-/// Anything whose members can be walked in order: a `Collection`, and every class that wraps one.
+/// The base class of everything whose members can be visited in order: `Collection`, and every class that contains one.
 class Enumerable : public Object {
 public:
     static constexpr const char* ClassName = "Collection";
 
     ~Enumerable() override;
 
-    /// The collection that holds the members.
+    /// Returns the collection that contains the members, valid as long as this object.
     virtual const Collection& Members() const = 0;
 };
 
-/// A keyed list of values, counted from 1.
+/// A list of values with optional keys; positions start at 1.
 ///
-/// Members are any values, objects by reference. A key is an optional text, compared without regard to
-/// case; it can't be read back or changed. A text argument is always a key and a number always a
-/// position (rounded half to even). Lookup by key or position takes constant time, an insert or a
-/// removal in the middle moves pointers only. One thread.
+/// Members are values of any type; objects are held by reference. A key is a text that is compared without regard to case;
+/// it can't be read back or changed. A text as index is always a key, a number always a position (rounded half to even).
+/// Finding a member by key or position takes constant time; inserting and removing in the middle move pointers only. A
+/// collection belongs to the thread that created it.
 class Collection final : public Enumerable {
 public:
     Collection();
     ~Collection() override;
 
-    /// Appends `item`, or puts it before or behind the named member. Raises 457 for a key that is
-    /// present, 13 for a key that is no text, 5 for both `before` and `after` or an unknown key in
-    /// them, 9 for a position that isn't there. On a failure the collection stays as it was.
+    /// Appends `item`, or inserts it before or after the member that `before` or `after` names by key or position. Raises 457
+    /// for a key that exists, 13 for a key that is not a text, 5 for both `before` and `after` or an unknown key in them, 9
+    /// for a position that does not exist. The collection is unchanged on failure.
     void Add(const Variant& item, const Variant& key = {}, const Variant& before = {},
              const Variant& after = {});
 
-    /// The member at a position or under a key. Raises 9 for a position below 1 or above `Count`, 5 for
-    /// an unknown key, 13 for an index that is neither.
+    /// Returns the member at a position or with a key; the reference is valid until the collection changes. Raises 9 for a
+    /// position below 1 or above `Count`, 5 for an unknown key, 13 for an index that can't be converted to a number.
     const Variant& Item(const Variant& indexOrKey) const;
 
-    /// The member at a position from 1 to `Count`; raises 9 for any other.
+    /// Returns the member at a position from 1 to `Count`; raises 9 for any other position.
     const Variant& At(Long position) const;
 
+    /// Returns the number of members.
     Long Count() const noexcept { return static_cast<Long>(nodes_.size()); }
 
-    /// True if a member has this key.
+    /// Returns true if a member has this key, without regard to case.
     bool HasKey(const String& key) const { return keys_.contains(LCase(key)); }
 
-    /// Takes a member out; those behind it close up. Raises as `Item`.
+    /// Removes a member; the positions of those after it decrease by one. Raises as `Item`; the collection is then unchanged.
     void Remove(const Variant& indexOrKey);
 
-    /// An enumerator over the members. Removing members during a walk is safe: one that is gone isn't
-    /// visited, and none is visited twice.
+    /// Returns an enumerator over the members. Members may be added and removed while it is used: a removed member is not
+    /// visited, and no member is visited twice.
     Ref<Enumerator> NewEnum() const;
 
     const Collection& Members() const override { return *this; }
@@ -76,7 +77,8 @@ private:
     mutable std::vector<Enumerator*> walks_;
 };
 
-/// A walk over the members of a collection, from the first to the last.
+/// An enumerator visits the members of a collection from the first to the last. It holds a reference to the collection and
+/// belongs to the thread of the collection.
 class Enumerator final : public Object {
 public:
     static constexpr const char* ClassName = "Enumerator";
@@ -84,13 +86,13 @@ public:
     explicit Enumerator(const Collection& collection);
     ~Enumerator() override;
 
-    /// Puts the next member into `item` and gives true, or gives false at the end.
+    /// Assigns the next member to `item` and returns true. Returns false at the end; `item` is then unchanged.
     bool Next(Variant& item);
 
-    /// Starts again at the first member.
+    /// Continues with the first member.
     void Reset() { next_ = 1; }
 
-    /// Another walk over the same collection, which stands where this one does.
+    /// Returns another enumerator of the same collection, at the same position.
     Ref<Enumerator> Copy() const;
 
 private:
@@ -101,7 +103,7 @@ private:
 
 namespace detail {
 
-/// Walks a collection as objects of one class, by position, so that it stands removals.
+/// Visits the members of a collection as objects of one class, by position, so that members may be removed meanwhile.
 template <class T>
 class Each {
 public:
@@ -135,26 +137,29 @@ private:
 
 }  // namespace detail
 
-/// The members of a collection as objects of class `T`, for a range-for. A member of another class
-/// raises 13 when the walk reaches it. `members` must outlive the walk.
+/// Returns the members of a collection as objects of class `T`, for a range-based `for`. A member of another class raises 13
+/// when it is reached. `members` must outlive the loop.
 template <class T>
 detail::Each<T> Each(const Enumerable& members) {
     return detail::Each<T>(members.Members());
 }
 
-/// The base that all collection classes share: a private collection of objects of class `T`.
+/// The base class of all collection classes: a private collection of objects of class `T`.
 ///
-/// Each class adds its own `Add`. `Item` raises on a missing member; a class whose `Item` gives nothing
-/// there uses `Find` for it.
+/// Each class adds its own `Add`. `Item` raises for a missing member; a class whose `Item` returns null instead
+/// uses `Find`. An object belongs to the thread that created it.
 template <class T>
 class Keyed : public Enumerable {
 public:
-    /// The member at a position or under a key; raises 5 or 9 as `Collection::Item`.
+    /// Returns the member at a position or with a key. Raises 5 or 9 as `Collection::Item`.
     Ref<T> Item(const Variant& vntIndexKey) const {
         return Ref<T>(static_cast<T*>(detail::ObjectOf(members_->Item(vntIndexKey)).Get()));
     }
+    /// Returns the number of members.
     Long Count() const { return members_->Count(); }
+    /// Removes a member. Raises as `Item`; nothing changes then.
     void Remove(const Variant& vntIndexKey) { members_->Remove(vntIndexKey); }
+    /// Returns an enumerator over the members.
     Ref<Enumerator> NewEnum() const { return members_->NewEnum(); }
     const Collection& Members() const override { return *members_; }
 
@@ -162,13 +167,13 @@ public:
     auto end() const { return detail::Each<T>(*members_).end(); }
 
 protected:
-    /// Adds under `key` if that is not empty, without a key otherwise, and gives the member back.
+    /// Adds the member, with `key` unless that is empty, and returns it. Raises as `Collection::Add`.
     Ref<T> AddMember(Ref<T> member, const String& key, const Variant& before = {}) {
         members_->Add(member, key.empty() ? Variant() : Variant(key), before);
         return member;
     }
 
-    /// `Item`, but nothing where it would raise.
+    /// Returns the member as `Item` does, or null where that raises.
     Ref<T> Find(const Variant& indexOrKey) const {
         try {
             return Item(indexOrKey);
@@ -177,7 +182,7 @@ protected:
         }
     }
 
-    /// Lets all members go.
+    /// Replaces the private collection by an empty one.
     void Clear() { members_ = New<Collection>(); }
 
 private:

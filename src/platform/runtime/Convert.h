@@ -5,82 +5,81 @@
 
 #include <optional>
 
-/// Every conversion between the system's types, and nothing else that converts.
+/// All conversions between the system's types.
 ///
-/// Three failures repeat: 13 for a value that has no form of the wanted type, 6 for a number outside
-/// the type's range, 94 for a null. What depends on the user's settings (decimal sign, order of a
-/// date's parts) reads `UserLocale`. Any thread may call anything here.
+/// Three failures are common to them: 13 for a value that can't be converted to the type, 6 for a number outside the range of
+/// the type, 94 for a null. What depends on the user's settings (decimal sign, order of the parts of a date) reads
+/// `UserLocale`. Any thread may call the functions.
 namespace Platform {
 
-/// How the user's machine writes numbers and dates.
+/// How numbers and dates are written on the user's machine.
 struct Locale {
     char DecimalSign = '.';
     char ThousandsSign = ',';
     enum class Order { MonthDayYear, DayMonthYear, YearMonthDay } DateOrder = Order::MonthDayYear;
 };
 
-/// The calling thread's locale: the environment's, unless `SetUserLocale` gave it another.
+/// Returns the locale of the calling thread: the one of the environment, unless `SetUserLocale` was called.
 const Locale& UserLocale();
 
-/// Gives the calling thread another locale, from its next conversion on.
+/// Sets the locale of the calling thread, for its conversions from now on.
 void SetUserLocale(const Locale& locale);
 
-/// Whole numbers. Fractions go to the nearest, a tie to the even one; true is -1; `Empty` is 0; a text
-/// is read as `CDbl` reads it; a date gives its days. Raise 6, 13, 94.
+/// Convert to a whole number. Fractions are rounded to the nearest number, halves to the even one. True is -1, `Empty`
+/// is 0, a text is read as by `CDbl`, a date is its number of days. Raise 6, 13, 94.
 Integer CInt(const Variant& value);
 Long CLng(const Variant& value);
 
-/// A double, by the same rules without the rounding. A text may have blanks around it, a sign at either
-/// end, parentheses for a negative number, thousands signs, an exponent with e or d, "&H" or "&O" in
-/// front; signs are the locale's. Raises 6, 13, 94.
+/// Convert to a floating-point number, by the same rules without rounding. A text may have blanks around it, a sign at either
+/// end, parentheses for a negative number, thousands signs, an exponent with e or d, or the prefix "&H" or "&O"; decimal
+/// and thousands signs are those of the locale. Raise 6, 13, 94.
 double CDbl(const Variant& value);
 float CSng(const Variant& value);
 
-/// False for 0, true for any other number; a text may also be "True" or "False". Raises 13, 94.
+/// Returns false for 0 and true for any other number; a text may also be "True" or "False". Raises 13, 94.
 bool CBool(const Variant& value);
 
-/// A text. Whole numbers by their digits, floats as `CStr(double)`, booleans "True" or "False", dates
-/// in the locale's short form with the time where there is one. Raises 13, 94.
+/// Returns the text of a value: whole numbers as digits, floats as by `CStr(double)`, booleans as "True" or "False", dates in
+/// the short form of the locale, with the time unless that is midnight. Raises 13, 94.
 String CStr(const Variant& value);
 
-/// The decimal text of a float: up to 15 (`float`: 7) significant digits without trailing zeros, the
-/// locale's decimal sign, "0" in front of it; 1E+15 and beyond, and what would need more decimals than
-/// that, with an exponent of two digits.
+/// Returns the decimal text of a number: up to 15 (`float`: 7) significant digits without trailing zeros, with the decimal
+/// sign of the locale and a "0" in front of it. Numbers from 1E+15, and those that would need more decimals, have an
+/// exponent of at least two digits.
 String CStr(double value);
 String CStr(float value);
 
-/// The decimal digits, "-" in front if negative.
+/// Returns the decimal digits, with "-" in front of a negative number.
 String CStr(std::int64_t value);
 inline String CStr(Long value) { return CStr(static_cast<std::int64_t>(value)); }
 
-/// "True" or "False".
+/// Returns "True" or "False".
 inline String CStr(bool value) { return value ? "True" : "False"; }
 
-/// A date. Numbers are days; a text is read as `ParseDate` reads it, or else as a number of days.
-/// Raises 6 for a number outside the years 100 to 9999, 13, 94.
+/// Converts to a date. A number is a number of days; a text is read as by `ParseDate`, or else as a number of days. Raises 6
+/// for a number outside the years 100 to 9999, 13, 94.
 Date CDate(const Variant& value);
 
-/// The date that a text spells, if it does.
+/// Returns the date that a text contains, or nothing if the text is not a date.
 ///
-/// "yyyy-mm-dd" with or without " hh:nn" or " hh:nn:ss" in every locale; else three numbers separated
-/// by "/", "-", "." or "," in the locale's order, or, where that gives no day, in another order that
-/// does; a month's English name or its first three letters may stand for its number. A time alone is a
-/// time of day 0. "AM" and "PM" count. Two-digit years 0 to 29 lie in 2000, 30 to 99 in 1900.
+/// "yyyy-mm-dd" with or without " hh:nn" or " hh:nn:ss" is accepted in every locale. Otherwise the text has three numbers,
+/// separated by "/", "-", "." or ",", in the order of the locale, or in another order where that one is not a valid day.
+/// The English name of a month or its first three letters may replace its number. A time alone is a time of day 0. "AM"
+/// and "PM" are accepted. Two-digit years from 0 to 29 are in 2000, from 30 to 99 in 1900.
 std::optional<Date> ParseDate(std::string_view text);
 
-/// True for a date and for a text that `ParseDate` reads; false for anything else, never a failure.
+/// Returns true for a date and for a text that `ParseDate` accepts, and false for anything else. Never raises.
 bool IsDate(const Variant& value);
 
-/// The number at the head of a text: blanks and line breaks are skipped anywhere, then a sign, digits,
-/// "." as the decimal sign in every locale, an exponent, or "&H" or "&O" digits. 0 when there is none.
+/// Returns the number at the beginning of a text, 0 if there is none: a sign, digits, "." as decimal sign in every locale,
+/// and an exponent, or digits with the prefix "&H" or "&O". Blanks and line breaks are ignored everywhere. Never raises.
 double Val(std::string_view text);
 
-/// A date or a text that spells one by a pattern (see `FormatDate`), the empty text for a null, any
-/// other text as it stands. Numbers count as days. Raises 5, 13.
+/// Returns a date, or a text that is a date, formatted by a pattern (see `FormatDate`); an empty text for a null; any other text
+/// unchanged. Numbers are numbers of days. Raises 5, 13.
 String Format(const Variant& value, std::string_view pattern);
 
-/// The value as a member of type `T` takes it: the conversion above that belongs to the type. An object
-/// that isn't a `T` raises 13.
+/// Returns the value converted to type `T` by the conversion above for this type. An object of another class raises 13.
 template <class T>
 T To(Variant value);
 

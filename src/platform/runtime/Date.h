@@ -31,21 +31,21 @@ struct DateParts {
 constexpr double FirstDay = -657434;
 constexpr double LastDay = 2958465;
 
-/// The components of `date`. Raises 5 for a date outside the years 100 to 9999.
+/// Returns the components of `date`. Raises 5 for a date outside the years 100 to 9999.
 DateParts PartsOf(Date date);
 
-/// The date of a calendar day and a time of day. The components must name a real day and time;
-/// `IsCalendarDay` tells about the day.
+/// Returns the date of a calendar day and a time of day. The components must be a valid day, which `IsCalendarDay` checks, and a
+/// valid time.
 Date DateFrom(const DateParts& parts);
 
-/// True if the year lies in 100 to 9999 and has this day.
+/// Returns true if the year is from 100 to 9999 and has this day.
 bool IsCalendarDay(int year, int month, int day);
 
-/// The text of `date` by a pattern.
+/// Returns the text of `date`, formatted by a pattern.
 ///
-/// "yyyy" "yy" year, "mm" "m" month, "dd" "d" day, "hh" "h" hour of 24, "nn" "n" minutes, "ss" "s"
-/// seconds, letters in either case; "mm" and "m" directly behind "hh" or "h", separators between them
-/// allowed, mean minutes. Any other character stands for itself. Raises 5 as `PartsOf`.
+/// "yyyy" and "yy" are the year, "mm" and "m" the month, "dd" and "d" the day, "hh" and "h" the hour of 24, "nn" and "n" the minutes,
+/// "ss" and "s" the seconds, in upper or lower case. "mm" and "m" after "hh" or "h", also with separators between them, are
+/// minutes. Any other character is copied. Raises 5 as `PartsOf`.
 String FormatDate(Date date, std::string_view pattern);
 
 }  // namespace Platform

@@ -2,24 +2,24 @@
 
 #include "platform/runtime/Types.h"
 
-/// The runtime's random numbers: a 24-bit linear generator, one state a thread.
+/// The runtime's random numbers: a 24-bit linear congruential generator with one state for each thread.
 ///
-/// Good enough to spread numbers, not to keep secrets. Each thread starts at the same state and may
-/// call everything here for itself.
+/// It is not suitable for secrets. Each thread starts with the same state. Any thread may call the functions, for its own
+/// state.
 namespace Platform {
 
-/// The next number, at least 0 and below 1.
+/// Returns the next number, at least 0 and below 1.
 float Rnd();
 
-/// A positive `argument` gives the next number, 0 the last one again, a negative one the number that
-/// belongs to it, from which the sequence then goes on.
+/// Returns the next number for a positive `argument`, the last number again for 0, and for a negative one the number that belongs to
+/// it, from which the sequence then continues.
 float Rnd(float argument);
 
-/// Puts a seed taken from the clock (`Timer`) into the upper 16 bits of the state.
+/// Sets the upper 16 bits of the state to a seed that is taken from `Timer`.
 void Randomize();
 
-/// Puts `seed` there. The low 8 bits stay, so that it alone doesn't repeat a sequence; `Rnd` of a
-/// negative number followed by it does.
+/// Sets the upper 16 bits of the state to `seed`. The low 8 bits are unchanged, so that this call alone doesn't repeat a sequence;
+/// `Rnd` of a negative number followed by it does.
 void Randomize(double seed);
 
 }  // namespace Platform

@@ -6,12 +6,11 @@
 #include <array>
 #include <functional>
 
-/// What the host of a program gives to the classes: clock, counters, identifiers, text boxes, pending
-/// messages, files.
+/// The services that a program provides to the classes: clock, counters, identifiers, message boxes, pending messages,
+/// files.
 ///
-/// Each is one function here and one member of `Host`, which a program or a test replaces. Replacing is
-/// for the start of a program, before other threads call in; the functions themselves may be called
-/// from any thread.
+/// Each service is one function here and one member of `Host`, which a program or a test may replace. A program replaces
+/// services when it starts, before other threads use them. Any thread may call the functions.
 namespace Platform {
 
 /// A globally unique identifier by its fields.
@@ -22,7 +21,7 @@ struct Guid {
     std::array<std::uint8_t, 8> Data4{};
 };
 
-/// The host's services; each member has the meaning of the function of its name below.
+/// The services as replaceable functions; each member has the contract of the function of the same name below.
 struct Host {
     std::function<Date()> Now;
     std::function<float()> Timer;
@@ -35,43 +34,43 @@ struct Host {
     std::function<bool(const String&)> FileExists;
     std::function<void(const String&)> DeleteFile;
 
-    /// The machine's own services.
+    /// The services of the operating system.
     Host();
 };
 
-/// The services in force in this process.
+/// Returns the services that this process uses, for reading and replacing.
 Host& TheHost();
 
-/// The local time, whole seconds.
+/// Returns the local time in whole seconds.
 Date Now();
 
-/// Seconds since local midnight, with a fraction; 0 again at midnight.
+/// Returns the seconds since local midnight, with a fraction.
 float Timer();
 
-/// Milliseconds of a counter that only goes up and wraps after 49 days.
+/// Returns the milliseconds of a counter that increases and wraps to 0 after 49 days.
 std::uint32_t TickCount();
 
-/// The time in UTC, counted in steps of 100 nanoseconds since 1601-01-01. No two calls in a process
-/// give the same count.
+/// Returns the time in UTC as the number of 100-nanosecond steps since 1601-01-01. Two calls in a process never return the
+/// same number.
 std::uint64_t SystemFileTime();
 
-/// Fills `guid` with a new random identifier and gives 0, or another number if there is none.
+/// Assigns a new random identifier to `guid` and returns 0. Returns another number if the system has none.
 Long CreateGuid(Guid& guid);
 
-/// Lets the calling thread rest for so many seconds.
+/// Suspends the calling thread for this number of seconds.
 void Sleep(double seconds);
 
-/// Lets the program handle its pending messages. Does nothing where the program has no pump.
+/// Lets the program handle its pending messages. Does nothing where the program installed no function for it.
 void DoEvents();
 
-/// Shows a text with one OK button and waits for it. Without a desktop, the text goes to standard error
-/// and the call returns at once. Never raises.
+/// Shows a text in a message box with an OK button, and waits until it is closed. Without a desktop the text is written to
+/// standard error and the call returns at once. Never raises.
 void MsgBox(const String& prompt, Long buttons = 0);
 
-/// True if a file (no folder) of this name exists; never raises.
+/// Returns true if a file of this name exists; false for a folder. Never raises.
 bool FileExists(const String& path);
 
-/// Deletes a file. Raises 53 if there is none, 70 if it is read-only or may not be deleted.
+/// Deletes a file. Raises 53 if it does not exist, 70 if it is read-only or may not be deleted; it then still exists.
 void DeleteFile(const String& path);
 
 }  // namespace Platform

@@ -5,49 +5,46 @@
 #include <string_view>
 #include <vector>
 
-/// Texts, counted and cut as the system's wide-character strings are.
+/// Operations on texts, with lengths and positions as columns and callers count them.
 ///
-/// Inside, a text is UTF-8. Each length and position here counts UTF-16 units: one for a character of
-/// the basic plane, two for one beyond it, so that a cut to 60 fits a 60-wide column. A cut that would
-/// fall into the middle of a pair leaves the whole character out. A byte that is no part of valid
-/// UTF-8 counts as one unit and is kept as it is. Any thread may call anything here.
+/// A text is stored in UTF-8. Each length and position here counts UTF-16 units: one for a character of the basic plane, two
+/// for any other, so that a text cut to 60 fits a column of 60. A cut that would split a surrogate pair omits the whole
+/// character. A byte that is not valid UTF-8 counts as one unit and is preserved. Any thread may call the functions.
 namespace Platform {
 
-/// The number of UTF-16 units of `text`.
+/// Returns the number of UTF-16 units of `text`.
 Long Len(std::string_view text);
 
-/// The first or last `count` units; the whole text where it is shorter. Raises 5 for a negative count.
+/// Return the first or the last `count` units, or the whole text if it is shorter. Raise 5 for a negative count.
 String Left(std::string_view text, Long count);
 String Right(std::string_view text, Long count);
 
-/// The units from position `start`, counted from 1, at most `count` of them (all that follow when left
-/// out). A start behind the end gives the empty text. Raises 5 for a start below 1 or a negative count.
+/// Return at most `count` units (all, if `count` is left out) from position `start`, which counts from 1. The result is empty if
+/// `start` is after the end. Raise 5 for a start below 1 or a negative count.
 String Mid(std::string_view text, Long start);
 String Mid(std::string_view text, Long start, Long count);
 
-/// The text without the blanks (U+0020 and nothing else) at both ends.
+/// Returns the text without the blanks at both ends. Only U+0020 is a blank.
 String Trim(std::string_view text);
 
-/// Upper and lower case, one character for one: a character whose other case has two stays as it is.
+/// Return the text in upper or lower case. A character whose other case has more than one character is unchanged.
 String UCase(std::string_view text);
 String LCase(std::string_view text);
 
-/// True if both texts are equal without regard to case, character by character.
+/// Returns true if the texts are equal without regard to case.
 bool EqualsIgnoringCase(std::string_view a, std::string_view b);
 
-/// The text with every `find` replaced by `by`; unchanged where `find` is empty.
+/// Returns the text with every `find` replaced by `by`; the unchanged text if `find` is empty.
 String Replace(std::string_view text, std::string_view find, std::string_view by);
 
-/// True if `sought` stands anywhere in `text`, case mattering. An empty `sought` is in every text.
+/// Returns true if `text` contains `sought`, with regard to case. Every text contains the empty text.
 bool Contains(std::string_view text, std::string_view sought);
 
-/// The parts of `text` between the delimiters, compared without regard to case. An empty text has no
-/// part; an empty delimiter gives the whole text as the only part; a delimiter at the end gives an
-/// empty last part.
+/// Returns the parts of `text` between the delimiters, which are found without regard to case. An empty text has no parts. With an
+/// empty delimiter the whole text is the only part. After a delimiter at the end there is an empty last part.
 std::vector<String> SplitIgnoringCase(std::string_view text, std::string_view delimiter);
 
-/// The text in UTF-16 and back. What is no valid UTF-8 becomes U+FFFD on the way out, and half a pair
-/// becomes U+FFFD on the way in.
+/// Convert between UTF-8 and UTF-16. Invalid UTF-8 and half of a surrogate pair become U+FFFD.
 std::u16string ToUtf16(std::string_view text);
 String FromUtf16(std::u16string_view text);
 

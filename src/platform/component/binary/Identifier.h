@@ -7,12 +7,14 @@
 
 namespace Platform {
 
-/// True for the text of an identifier, "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx".
+/// Returns true for the text of a GUID, "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx" with hexadecimal digits. Any thread may call the
+/// functions here.
 bool IsGuid(std::string_view text);
 
-/// The identifier of a text, which must be one.
+/// Returns the GUID of a text for which `IsGuid` returns true.
 GUID GuidOf(std::string_view text);
 
+/// Returns true if the identifiers are equal.
 inline bool Same(const GUID& a, const GUID& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
 
 }  // namespace Platform

@@ -5,38 +5,40 @@
 
 #include <span>
 
-/// Where objects meet the component model.
+/// The COM side of objects: interface pointers and `IUnknown`.
 namespace Platform {
 
-/// Objects as interface pointers, and back.
+/// Converts objects to COM interface pointers and back.
 ///
-/// An object's interface pointer is the object's own address, so that it is the same one each time;
-/// references of component clients and of this side are one count.
+/// The interface pointer of an object points into the object, so that it is always the same one. COM clients and C++ code
+/// count references in one place. An object is used on the thread on which it was first passed to a client.
 class Boundary {
 public:
-    /// The interface pointer of an object with a reference for the caller; null for nothing. A foreign object
-    /// gives the pointer that it came with.
+    /// Returns the interface pointer of an object, with a reference for the caller; null for null. For a foreign object it is the
+    /// pointer that was passed in.
     static IUnknown* ToPointer(const Ref<Object>& object);
 
-    /// The object of an interface pointer; nothing for null. A pointer of somebody else is held as a
-    /// `Foreign`.
+    /// Returns the object of an interface pointer; null for null. A pointer that is not one of this platform library is held by a
+    /// new `Foreign`.
     static Ref<Object> FromPointer(IUnknown* pointer);
 
-    /// The object of an interface pointer if it is one of this host, else null.
+    /// Returns the object of an interface pointer if it is one of this platform library, otherwise null.
     static Object* OwnObject(IUnknown* pointer);
 
+    /// Returns the object that contains `pointer`.
     static Object& ObjectOf(InterfacePointer& pointer) { return static_cast<Object&>(pointer); }
+    /// Add or release a reference and return the number of references, as `IUnknown` does.
     static ULONG AddRef(InterfacePointer& pointer);
     static ULONG Release(InterfacePointer& pointer);
 
-    /// The functions of `IUnknown`, with which the vtable of every object begins.
+    /// Returns the functions of `IUnknown`, with which the vtable of every object begins.
     static std::span<const void* const> UnknownSlots();
 
-    /// True on the thread that the object crossed the boundary on.
+    /// Returns true on the thread on which the object was first passed to a client.
     static bool IsOnItsThread(const InterfacePointer& pointer);
 };
 
-/// An object of somebody else, which passes through as it is: it can be kept in a collection and got back.
+/// An object of another component. It can be stored in a collection, and is returned to clients as the same pointer.
 class Foreign final : public Object {
 public:
     explicit Foreign(IUnknown* pointer);

@@ -8,53 +8,56 @@
 
 namespace Platform {
 
-/// The members of a class that clients call, in their documented order.
+/// The interface table of a class: the members that clients can call, in their documented order.
 ///
-/// Made once for each class and shared by all threads; only `Publish` changes it, once.
+/// There is one for each class, created on first use and never deleted. All threads may read it; only `Publish` changes
+/// it, once.
 class Interface {
 public:
-    /// A dispatch interface: its vtable has the slots of `IUnknown` and `IDispatch`, then the members' own.
+    /// A dual interface: its vtable has the slots of `IUnknown` and `IDispatch`, followed by those of the members.
     Interface(String className, std::vector<Member> members, std::span<const void* const> dispatchSlots);
 
-    /// One of the standard interfaces in place of a dispatch interface.
+    /// A standard interface, such as `IEnumVARIANT`, instead of a dual interface. It has no members.
     Interface(String className, const IID& identity, const std::type_info& type,
               std::span<const void* const> slots);
 
     const String& ClassName() const noexcept { return className_; }
     const std::vector<Member>& Members() const noexcept { return members_; }
 
-    /// The member of this name (without regard to case) and kind, or nothing.
+    /// Returns the member of this name (without regard to case) and kind, or null. A get also matches an operation, because
+    /// late-bound clients can't always distinguish them; so do put and put by reference.
     const Member* Find(std::string_view name, MemberKind kind) const;
 
-    /// Any member of this name, or nothing.
+    /// Returns the first member of this name, without regard to case, or null.
     const Member* Find(std::string_view name) const;
 
-    /// The member of this identity and kind, or nothing.
+    /// Returns the member with this dispatch identifier and kind, or null.
     const Member* Find(DISPID id, MemberKind kind) const;
 
-    /// The member that a slot belongs to, or nothing.
+    /// Returns the member that a slot of the vtable belongs to, or null.
     const Member* FindSlot(const void* slot) const;
 
-    // ---- at the boundary ------------------------------------------------------------------------
+    // ---- for COM clients ------------------------------------------------------------------------
 
-    /// What an interface pointer of an object points at.
+    /// Returns the vtable.
     const void* const* Slots() const noexcept { return table_.data() + TableHead; }
 
+    /// Returns true for a dual interface.
     bool IsDispatch() const noexcept { return isDispatch_; }
 
-    /// The identity of the (dual) interface; all zero before `Publish`.
+    /// Returns the interface identifier; all zero before `Publish`.
     const IID& Identity() const noexcept { return identity_; }
 
-    /// The counter of the library whose class this is; null before `Publish`.
+    /// Returns the counter of the library of the class; null before `Publish`, and for classes of C++ programs.
     ObjectCounter* Owner() const noexcept { return owner_.load(std::memory_order_acquire); }
 
-    /// Enters the interface into a library, which then counts the objects of the class. Once, before the
-    /// library gives its first object out.
+    /// Sets the interface identifier and the library, which then counts the objects of the class. Called once, before the
+    /// library creates its first object for a client.
     void Publish(const IID& identity, ObjectCounter& owner) const;
 
 private:
-    /// What stands in front of the slots in a C++ table of functions: how far the object reaches to the front
-    /// (0), and its type. Compilers that check the type of a pointer look there.
+    /// The number of words before the slots, as in a C++ vtable: the offset of the object (0) and its type. Compilers that check
+    /// the type of a pointer read them.
     static constexpr std::size_t TableHead = 2;
 
     void FillTable(const std::type_info& type, std::span<const void* const> slots);
@@ -67,11 +70,11 @@ private:
     mutable std::atomic<ObjectCounter*> owner_ = nullptr;
 };
 
-/// Calls a member by name. `arguments` holds the values in order; those that come back are changed in
-/// it; optional ones may be missing at the end. Gives the result, `Empty` where there is none.
+/// Calls a member by name. `arguments` has the values in order; arguments that are written back are changed in it, also when the
+/// member raises; optional arguments may be left out at the end. Returns the result, `Empty` if the member has none.
 ///
-/// Raises 438 for an unknown name or a put of what can only be read, 450 for too many arguments, 449
-/// for a missing one, 13 for one of the wrong type, and what the member raises.
+/// Raises 438 for an unknown name or an assignment to a read-only property, 450 for too many arguments, 449 for a missing
+/// argument, 13 for one of another type, and what the member raises. Called on the object's thread.
 Variant Invoke(Object& object, std::string_view name, MemberKind kind, std::span<Variant> arguments);
 
 }  // namespace Platform

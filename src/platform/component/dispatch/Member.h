@@ -5,20 +5,20 @@
 #include <span>
 #include <vector>
 
-/// What an interface table says about the members of a class: names, types, and the function that calls each.
+/// What an interface table contains about each member of a class: its name, its types, and the function that calls it.
 namespace Platform {
 
-/// One value of an enumeration that clients see.
+/// One value of a public enumeration.
 struct EnumerationValue {
     const char* Name;
     Long Value;
 };
 
-/// The name and the values of an enumeration; specialised beside each enumeration that clients see.
+/// The name and the values of an enumeration; each public enumeration specialises it.
 template <class E>
 struct EnumerationOf;
 
-/// An enumeration that clients see, whatever its type.
+/// A public enumeration, independent of its C++ type.
 struct Enumeration {
     const char* Name;
     std::span<const EnumerationValue> Values;
@@ -33,7 +33,7 @@ constexpr Enumeration EnumerationFor() {
 struct MemberType {
     enum class Kind { None, Boolean, Int16, Int32, Float32, Float64, Days, Text, Any, Object, Enumeration };
     Kind Is = Kind::None;
-    const char* Name = "";  ///< the class's or the enumeration's name; empty for the others
+    const char* Name = "";  ///< of the class or the enumeration; empty for the other kinds
 };
 
 /// One argument of a member.
@@ -41,37 +41,36 @@ struct Argument {
     const char* Name = "";
     MemberType Type;
     bool ByReference = false;
-    bool ComesBack = false;  ///< by reference, and written back
+    bool ComesBack = false;  ///< passed by reference and written back
     bool Optional = false;
-    Variant Default;  ///< what a left out argument counts as
+    Variant Default;  ///< the value of an argument that is left out
 };
 
-/// Dispatch identities with a meaning of their own.
+/// Dispatch identifiers with a special meaning.
 constexpr Long DefaultMember = 0;
 constexpr Long EnumeratorMember = -4;
 constexpr Long ByPosition = 0x7FFFFFFF;  ///< replaced by a number that follows the order
 
-/// How a member is reached. A property has up to two members, a put and a get.
+/// The kind of a member. A property has one or two members: a get, a put.
 enum class MemberKind { Operation, Get, Put, PutRef };
 
 /// One member of an interface.
 struct Member {
     String Name;
     MemberKind Kind = MemberKind::Operation;
-    Long DispId = 0;  ///< the number by which late-bound clients call it: 0 default, -4 enumerator
-    std::vector<Argument> Arguments;  ///< a put's value is the last
+    Long DispId = 0;  ///< the dispatch identifier: 0 for the default member, -4 for the enumerator
+    std::vector<Argument> Arguments;  ///< the value of a put is the last one
     MemberType Result;
-    /// Calls the member on `self`, an object of the table's class. `arguments` has one value for each
-    /// argument; those that come back are written into it. Raises what the member raises, and
-    /// `ArgumentError`.
+    /// Calls the member on `self`, an object of the table's class. `arguments` has one value for each argument; arguments that
+    /// are written back are changed in it, also when the member raises. Raises what the member raises, and `ArgumentError`
+    /// if an argument can't be converted; the member is not called then.
     Variant (*Call)(Object& self, std::span<Variant> arguments) = nullptr;
-    /// The member's function in the dual interface; it ends in `Call`.
+    /// The function of the member in the vtable of the dual interface; it calls `Call`.
     const void* Slot = nullptr;
 
     bool IsPut() const noexcept { return Kind == MemberKind::Put || Kind == MemberKind::PutRef; }
 
-    /// True if an argument crosses the boundary as the place of its value. An object that is put by reference
-    /// crosses itself.
+    /// Returns true if a COM client passes the address of the value. For a put by reference it passes the object itself.
     bool CrossesAsPlace(const Argument& argument) const noexcept {
         return argument.ByReference && Kind != MemberKind::PutRef;
     }

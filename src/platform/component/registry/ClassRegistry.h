@@ -6,15 +6,14 @@
 #include <optional>
 #include <vector>
 
-/// Where classes are found by name: the libraries that this process took in, and the registry file of the
+/// The registry that finds classes by name: the libraries that were registered for this process, and the registry file of the
 /// user.
 ///
-/// The file is the one that OXCLASS_REGISTRY names, else `oxclass/classes.json` in the user's data folder. It
-/// is written whole or not at all, and processes that change it at the same time wait for each other. Any
-/// thread may call.
+/// The file is the one that OXCLASS_REGISTRY names, otherwise `oxclass/classes.json` in the user's data folder. It is written
+/// atomically, and processes that change it at the same time wait for each other. Any thread may call the functions.
 namespace Platform::ClassRegistry {
 
-/// A class that can be made by name.
+/// A class that can be created by name.
 struct ClassRecord {
     String Name;        ///< "OXClass.cPatient"
     String Identifier;  ///< "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx"
@@ -37,24 +36,23 @@ struct LibraryRecord {
     friend bool operator==(const LibraryRecord&, const LibraryRecord&) = default;
 };
 
-/// The registry file's path.
+/// Returns the path of the registry file.
 std::filesystem::path File();
 
-/// Enters a library into the file, in place of what stands there under its identifier. On a thread that has
-/// an `RegisterInProcess`, only this process learns of it, and a library that it knows already stays. Raises 75
-/// with the reason where the file can't be read or written, or is no registry file, or where the library's
-/// path is no UTF-8; the file stays as it was.
+/// Registers a library in the file, in place of one with the same identifier. While the thread has a `RegisterInProcess`, it is
+/// registered for this process only, and a library that is registered already is not replaced. Raises 75 with the reason if the
+/// file can't be read or written or is not a registry file, or if the path of the library is not UTF-8; the file is then
+/// unchanged.
 void Enter(const LibraryRecord& library);
 
-/// Removes a library, and the file with the last one. Without such a library nothing happens. Raises as
-/// `Enter`.
+/// Removes a library, and with the last library the file. Does nothing if the library is not registered. Raises as `Enter`.
 void Remove(const String& identifier);
 
-/// Removes what was entered from a library file of this path, which may be gone, as `Remove`. False if there
-/// was nothing.
+/// Removes, as `Remove`, the library that was registered with this path; the file at the path may have been deleted. Returns
+/// false if no library has the path.
 bool RemoveFile(const String& path);
 
-/// As long as it lives, libraries that its thread enters are entered for this process alone.
+/// While an object of this class lives, its thread registers libraries for this process only.
 class RegisterInProcess {
 public:
     RegisterInProcess();
@@ -65,20 +63,20 @@ private:
     bool before_;
 };
 
-/// The class of this name, without regard to case: of the libraries that this process took in, else of the
-/// file. A file that can't be read raises 75.
+/// Returns the class of this name, without regard to case, from the libraries of this process or else from the file. Raises 75 if
+/// the file can't be read.
 std::optional<ClassRecord> Find(const String& name);
 
-/// All classes that `Find` knows.
+/// Returns all classes that `Find` can return. Raises as `Find`.
 std::vector<ClassRecord> All();
 
-/// The libraries of a registry file's text. Raises 75 with a description for a text that is none.
+/// Returns the libraries in the text of a registry file. Raises 75 with a description if it is not the text of a registry file.
 std::vector<LibraryRecord> Parse(const String& text);
 
-/// A list of classes as JSON text.
+/// Returns a list of classes as JSON text.
 String PrintClasses(const std::vector<ClassRecord>& classes);
 
-/// The text of a registry file.
+/// Returns the text of a registry file with these libraries.
 String Print(const std::vector<LibraryRecord>& libraries);
 
 }  // namespace Platform::ClassRegistry

@@ -11,20 +11,20 @@ namespace Platform {
 
 /// One public class of a library.
 struct ClassEntry {
-    const char* Name;     ///< "cPatient"; its interface is "_cPatient"
-    const char* ClassID;  ///< identifiers, fixed for ever: "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx"
-    const char* InterfaceID;
-    bool IsGlobal;          ///< callers on a thread share one instance without creating it
-    Ref<Object> (*Make)();  ///< a new object of the class
+    const char* Name;         ///< "cPatient"; its interface is "_cPatient"
+    const char* ClassID;      ///< never changes: "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx"
+    const char* InterfaceID;  ///< never changes
+    bool IsGlobal;            ///< all callers on a thread share one instance, which they don't create
+    Ref<Object> (*Make)();    ///< creates an object of the class
 };
 
-/// A new object of class `T`, for its entry.
+/// Creates an object of class `T`, for its entry.
 template <class T>
 Ref<Object> MakeNew() {
     return New<T>();
 }
 
-/// What a library says of itself. Its texts live as long as the program.
+/// The description of a library. Its texts live as long as the program.
 struct LibraryDescription {
     const char* Name;        ///< in front of the class names: "OXClass"
     const char* Identifier;  ///< of its type library
@@ -34,38 +34,36 @@ struct LibraryDescription {
     std::span<const ClassEntry> Classes;  ///< in their documented order
 };
 
-/// A library of classes behind the boundary: what its file's four exported functions hand on to.
+/// An in-process server: the implementation of the four functions that a library file exports.
 ///
-/// One for each library, living as long as the program. Any thread may call.
+/// There is one object for each library, which lives as long as the program. Any thread may call.
 class Library final : public ObjectCounter {
 public:
     explicit Library(const LibraryDescription& description) : description_(description) {}
 
     const LibraryDescription& Description() const noexcept { return description_; }
 
-    /// The class factory of a class: DllGetClassObject. CLASS_E_CLASSNOTAVAILABLE for an identifier that is
-    /// none of the library's, E_NOINTERFACE for an interface that factories don't have, E_POINTER.
+    /// DllGetClassObject: returns the class factory of a class. CLASS_E_CLASSNOTAVAILABLE for a class of another library,
+    /// E_NOINTERFACE for an interface that class factories don't have, E_POINTER for null.
     HRESULT GetClassObject(REFCLSID classID, REFIID riid, void** factory) noexcept;
 
-    /// S_OK if no object of the library's classes lives, no factory and no lock is held; else S_FALSE:
-    /// DllCanUnloadNow.
+    /// DllCanUnloadNow: returns S_OK if no object, class factory or lock of the library exists, otherwise S_FALSE.
     HRESULT CanUnloadNow() const noexcept;
 
-    /// Enters the library and its classes where classes are found by name, or removes them: DllRegisterServer
-    /// and DllUnregisterServer. SELFREG_E_CLASS where the registry can't be written or read; it stays as it
-    /// was then, and the error record says why.
+    /// DllRegisterServer and DllUnregisterServer: add the library and its classes to the class registry, or remove them.
+    /// SELFREG_E_CLASS if the registry can't be read or written; it is then unchanged, and the error record has the reason.
     HRESULT RegisterServer() noexcept;
     HRESULT UnregisterServer() noexcept;
 
-    // ---- counts: for Object and the factories ---------------------------------------------------
+    // ---- counts, for Object and the class factories ---------------------------------------------------
     void ObjectBegan() noexcept override { living_.fetch_add(1, std::memory_order_relaxed); }
     void ObjectEnded() noexcept override { living_.fetch_sub(1, std::memory_order_release); }
 
-    /// Keeps the library in use until `Unlock`. An `Unlock` too many changes nothing.
+    /// `Lock` keeps the library in use until `Unlock`. An `Unlock` without a `Lock` is ignored.
     void Lock() noexcept { locks_.fetch_add(1, std::memory_order_relaxed); }
     void Unlock() noexcept;
 
-    /// Enters the identities of the interfaces, once. Before that the library gives no object out.
+    /// Publishes the interface identifiers of the classes, once. It is called before the library creates an object for a client.
     void Publish();
 
 private:

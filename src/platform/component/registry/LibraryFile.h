@@ -5,19 +5,19 @@
 
 namespace Platform {
 
-/// The whole path of the library or program file that a piece of constant data lies in.
+/// Returns the absolute path of the library or program file that contains this address of constant data. Any thread may call.
 String FileOfAddress(const void* address);
 
-/// The whole path of the host's own library file.
+/// Returns the absolute path of the platform's own library file. Any thread may call.
 String HostFile();
 
-/// A library file that was loaded and stays loaded. Any thread may call.
+/// A loaded library file. It is never unloaded. Any thread may call.
 class LibraryFile {
 public:
-    /// Loads a file; raises CO_E_DLLNOTFOUND with the system's reason.
+    /// Loads a file. Raises CO_E_DLLNOTFOUND with the reason that the system reports.
     explicit LibraryFile(const String& path);
 
-    /// The exported functions of a library of classes; raise CO_E_ERRORINDLL where the file has none.
+    /// Call the exported function of the file. Raise CO_E_ERRORINDLL if the file does not export it.
     HRESULT GetClassObject(REFCLSID classID, REFIID riid, void** factory) const;
     HRESULT RegisterServer() const;
     HRESULT UnregisterServer() const;

@@ -11,7 +11,7 @@ struct sqlite3_stmt;
 
 namespace ADODB {
 
-/// A compiled statement with the columns of its result.
+/// A compiled statement with the columns of its result. One thread.
 class CompiledStatement {
 public:
     CompiledStatement(sqlite3_stmt* compiled) : compiled_(compiled) {}
@@ -21,10 +21,10 @@ public:
 
     sqlite3_stmt* Compiled() const noexcept { return compiled_; }
 
-    /// The columns of its result; nothing where it yields no rows. Asked of the engine once.
+    /// Returns the columns of its result; null if it does not return rows. They are read from the engine once.
     const std::shared_ptr<const Columns>& ResultColumns(sqlite3* database);
 
-    /// Forgets the columns, after the engine compiled the statement anew for a changed table.
+    /// Discards the columns, after the engine compiled the statement again for a changed table.
     void ForgetColumns() { columns_.reset(); }
 
     Shape shape;
@@ -34,34 +34,33 @@ private:
     std::shared_ptr<const Columns> columns_;
 };
 
-/// The compiled statements of one session, kept by their shape; the least recently used goes first.
+/// The compiled statements of one session, cached by their shape; the least recently used one is removed first. One thread.
 class StatementCache {
 public:
     explicit StatementCache(sqlite3* database) : database_(database) {}
 
-    /// The plan for a statement, kept or newly compiled, and its literals in the order of its "?".
-    /// The plan is good until the next call. Raises what the engine says of the statement, and
-    /// 0x80040E14 for a second statement behind the first.
+    /// Returns the compiled statement for a text, from the cache or newly compiled, and its literals in the order of the "?".
+    /// It is valid until the next call. Raises the engine's error, and 0x80040E14 if a second statement follows the first.
     CompiledStatement& For(std::string_view statement, std::vector<Literal>& literals);
 
-    /// The plan for a statement that the layer wrote, with its own "?".
+    /// Returns the compiled statement for a text of the database layer, which contains "?" itself.
     CompiledStatement& ForMarked(std::string_view statement);
 
-    /// How many plans are kept, and how many statements were compiled so far.
+    /// Return how many statements are cached, and how many were compiled so far.
     std::size_t Count() const noexcept { return cached_.size(); }
     std::size_t CompiledCount() const noexcept { return compiled_; }
 
 private:
     using List = std::list<CompiledStatement>;
     static constexpr std::size_t MostKept = 256;
-    static constexpr std::size_t LongestKept = 16384;  ///< a longer text hardly comes twice
+    static constexpr std::size_t LongestKept = 16384;  ///< longer texts are not cached: they are rarely repeated
 
     CompiledStatement* Find(std::string_view statement, std::vector<Literal>& literals);
-    /// The plan of a statement's shape; nothing where the text is better compiled as it stands.
+    /// Returns the compiled shape of a statement; nothing if the text must be compiled unchanged.
     std::optional<CompiledStatement> CompileShape(std::string_view statement, std::vector<Literal>& literals);
     CompiledStatement& Keep(CompiledStatement plan, std::string_view statement);
     CompiledStatement& Once(CompiledStatement plan);
-    /// The compiled text, or nothing where the engine refuses it and `orNothing` asks for that.
+    /// Returns the compiled text, or null if the engine rejects it and `orNothing` is true.
     sqlite3_stmt* Compile(std::string_view text, bool orNothing);
 
     sqlite3* database_;
