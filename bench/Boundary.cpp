@@ -55,8 +55,7 @@ void ReadByName(const Ref<cPatient>& patient, IDispatch* held) {
             for (int i = 0; i < Rounds; ++i) {
                 DISPPARAMS none{};
                 VARIANT value{};
-                Require(held->Invoke(id, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, &value, nullptr,
-                                     nullptr) == S_OK);
+                Require(held->Invoke(id, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, &value, nullptr, nullptr) == S_OK);
                 VariantClear(&value);
             }
         },

@@ -141,8 +141,7 @@ const std::string ZeroDate = "1899-12-30 00:00:00";
 }  // namespace
 
 ByHand::ByHand(const std::string& path) {
-    if (sqlite3_open_v2(path.c_str(), &database_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr) !=
-        SQLITE_OK)
+    if (sqlite3_open_v2(path.c_str(), &database_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr) != SQLITE_OK)
         throw std::runtime_error("can't open " + path);
     Execute("PRAGMA journal_mode=WAL");
     Execute("PRAGMA synchronous=NORMAL");
@@ -192,8 +191,7 @@ void ByHand::Execute(const char* statement) {
 
 sqlite3_stmt* ByHand::Prepare(const char* statement) {
     sqlite3_stmt* compiled = nullptr;
-    if (sqlite3_prepare_v3(database_, statement, -1, SQLITE_PREPARE_PERSISTENT, &compiled, nullptr) !=
-        SQLITE_OK)
+    if (sqlite3_prepare_v3(database_, statement, -1, SQLITE_PREPARE_PERSISTENT, &compiled, nullptr) != SQLITE_OK)
         throw std::runtime_error(sqlite3_errmsg(database_));
     all_.push_back(compiled);
     return compiled;
@@ -239,12 +237,12 @@ bool ByHand::LoadImage(std::int64_t id, HandImage& image) {
 }
 
 std::int64_t ByHand::Insert(const HandImage& i) {
-    Binder(insert_) << 0 << i.patient << ZeroDate << Empty << Empty << i.dpiX << 100 << i.source << i.root
-                    << i.url << i.invert << 0 << 0 << i.contrast << i.brightness << 0 << i.exposure << 0 << 0
-                    << i.responsible << (i.approved ? -1 : 0) << i.mirror << i.type << i.crc << i.dpiY
-                    << i.dpiX << i.voltage << i.current << Empty << 0 << Empty << ZeroDate << 0 << i.study
-                    << i.series << i.uid << i.number << i.status << i.frame << i.crop << i.derived
-                    << i.laterality << i.region << i.modifier << i.teeth << i.subType << i.gamma;
+    Binder(insert_) << 0 << i.patient << ZeroDate << Empty << Empty << i.dpiX << 100 << i.source << i.root << i.url
+                    << i.invert << 0 << 0 << i.contrast << i.brightness << 0 << i.exposure << 0 << 0 << i.responsible
+                    << (i.approved ? -1 : 0) << i.mirror << i.type << i.crc << i.dpiY << i.dpiX << i.voltage
+                    << i.current << Empty << 0 << Empty << ZeroDate << 0 << i.study << i.series << i.uid << i.number
+                    << i.status << i.frame << i.crop << i.derived << i.laterality << i.region << i.modifier << i.teeth
+                    << i.subType << i.gamma;
     if (sqlite3_step(insert_) != SQLITE_DONE) throw std::runtime_error(sqlite3_errmsg(database_));
     sqlite3_reset(insert_);
     Binder(newest_) << i.url << i.patient;
@@ -255,11 +253,11 @@ std::int64_t ByHand::Insert(const HandImage& i) {
 }
 
 void ByHand::Update(const HandImage& i) {
-    Binder(update_) << i.type << i.url << (i.approved ? -1 : 0) << i.mirror << i.dpiY << i.dpiX << i.dpiX
-                    << i.teeth << i.study << i.series << i.uid << i.source << i.number << i.status << i.region
-                    << i.modifier << i.frame << i.gamma << i.invert << i.contrast << i.brightness << i.crc
-                    << i.laterality << i.patient << i.capture << i.responsible << i.voltage << i.derived
-                    << i.subType << i.current << i.crop << i.exposure << i.id;
+    Binder(update_) << i.type << i.url << (i.approved ? -1 : 0) << i.mirror << i.dpiY << i.dpiX << i.dpiX << i.teeth
+                    << i.study << i.series << i.uid << i.source << i.number << i.status << i.region << i.modifier
+                    << i.frame << i.gamma << i.invert << i.contrast << i.brightness << i.crc << i.laterality
+                    << i.patient << i.capture << i.responsible << i.voltage << i.derived << i.subType << i.current
+                    << i.crop << i.exposure << i.id;
     if (sqlite3_step(update_) != SQLITE_DONE) throw std::runtime_error(sqlite3_errmsg(database_));
     sqlite3_reset(update_);
 }

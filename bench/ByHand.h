@@ -13,11 +13,10 @@ namespace Bench {
 /// What a program that uses the engine's C interface alone would keep of an image: the same 36 columns.
 struct HandImage {
     bool approved, invert;
-    std::int64_t brightness, contrast, exposure, id, type, patient, root, mirror, dpiY, dpiX, voltage,
-        current, study, series, number, status, frame, subType, gamma, derived, rootStatus;
+    std::int64_t brightness, contrast, exposure, id, type, patient, root, mirror, dpiY, dpiX, voltage, current, study,
+        series, number, status, frame, subType, gamma, derived, rootStatus;
     double captured;
-    std::string url, source, responsible, rootDirectory, region, modifier, laterality, teeth, crc, capture,
-        uid, crop;
+    std::string url, source, responsible, rootDirectory, region, modifier, laterality, teeth, crc, capture, uid, crop;
 };
 
 /// The same work by hand: statements prepared once, values bound, columns read by position.

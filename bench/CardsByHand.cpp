@@ -82,8 +82,7 @@ void Walk(sqlite3_stmt* statement, Take take) {
 }  // namespace
 
 CardsByHand::CardsByHand(const std::string& path) {
-    if (sqlite3_open_v2(path.c_str(), &database_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr) !=
-        SQLITE_OK)
+    if (sqlite3_open_v2(path.c_str(), &database_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr) != SQLITE_OK)
         throw std::runtime_error(sqlite3_errmsg(database_));
     cards_ = Prepare(CardsText);
     series_ = Prepare(SeriesText);
@@ -106,8 +105,7 @@ CardsByHand::~CardsByHand() {
 
 sqlite3_stmt* CardsByHand::Prepare(const char* statement) {
     sqlite3_stmt* prepared = nullptr;
-    if (sqlite3_prepare_v3(database_, statement, -1, SQLITE_PREPARE_PERSISTENT, &prepared, nullptr) !=
-        SQLITE_OK)
+    if (sqlite3_prepare_v3(database_, statement, -1, SQLITE_PREPARE_PERSISTENT, &prepared, nullptr) != SQLITE_OK)
         throw std::runtime_error(sqlite3_errmsg(database_));
     all_.push_back(prepared);
     return prepared;
@@ -115,8 +113,7 @@ sqlite3_stmt* CardsByHand::Prepare(const char* statement) {
 
 std::vector<HandEntry> CardsByHand::List(const std::string& personalNumber) {
     std::vector<HandEntry> entries;
-    sqlite3_bind_text(cards_, 1, personalNumber.data(), static_cast<int>(personalNumber.size()),
-                      SQLITE_STATIC);
+    sqlite3_bind_text(cards_, 1, personalNumber.data(), static_cast<int>(personalNumber.size()), SQLITE_STATIC);
     Walk(cards_, [&](sqlite3_stmt* row) { entries.push_back(CardOf(row)); });
     sqlite3_bind_int64(series_, 1, entries.empty() ? 0 : entries.front().patient);
     Walk(series_, [&](sqlite3_stmt* row) { entries.push_back(SeriesOf(row)); });

@@ -14,8 +14,7 @@ struct HandEntry {
     std::int64_t id = 0, patient = 0, width = 0, height = 0, study = 0, images = 0, layout = 0, server = 0;
     double date = 0, changed = 0, studyDate = 0;
     bool series = false, approved = false, both = false, derived = false;
-    std::string name, description, uid, number, studyUID, studyText, studyID, referring, physicians,
-        accession;
+    std::string name, description, uid, number, studyUID, studyText, studyID, referring, physicians, accession;
 };
 
 /// An image as it lies on a card.

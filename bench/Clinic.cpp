@@ -17,8 +17,7 @@ void Run(sqlite3* database, const std::string& script) {
 }
 
 std::string FillStatement() {
-    return "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " +
-           std::to_string(Images) +
+    return "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " + std::to_string(Images) +
            ") INSERT INTO ImageBild_T (ImageBildID, ToothCollectionID, PatientID, DateCaptured_SD, "
            "Comments_NVC, "
            "StandCollName_NVC, ComputedDPI_INT, HardwareSourceId_INT, HardwareSourcetxt_NVC, RootId, "
@@ -71,8 +70,7 @@ std::string ListStatements(const ListOfCards& list) {
            "1000, 700, 0 FROM n;"
            "INSERT INTO ImageAttribute_T (ImageCardID, ImageBildId, IAFullViewWidth, IAFullViewHeight, "
            "IAFullViewPosX, IAFullViewPosY, IASequence, IAComments, IAMirrRotStatus) " +
-           numbers + ", k(j) AS (SELECT 1 UNION ALL SELECT j + 1 FROM k WHERE j < 20) SELECT " + key + ", (" +
-           key +
+           numbers + ", k(j) AS (SELECT 1 UNION ALL SELECT j + 1 FROM k WHERE j < 20) SELECT " + key + ", (" + key +
            ") * 20 + j, 0.19, 0.19, j % 5 * 0.2, j / 5 * 0.2, j, '', 1 FROM n, k;"
            "INSERT INTO ImageManipulation_T (ImageAttributeID, SequenceNo, Type, LongParameter, "
            "StringParameter) "
@@ -92,8 +90,8 @@ std::string ClinicWithMillionImages(const std::string& folder) {
     std::filesystem::remove(partial);
     sqlite3* database = nullptr;
     sqlite3_open(partial.c_str(), &database);
-    Run(database, "PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF; BEGIN;" +
-                      std::string(schema::sqlite_sql) + std::string(schema::layouts_sql) +
+    Run(database, "PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF; BEGIN;" + std::string(schema::sqlite_sql) +
+                      std::string(schema::layouts_sql) +
                       "INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, '/srv/images', 1);" +
                       FillStatement() + ListStatements(ShortList) + ListStatements(LongList) + "COMMIT;");
     sqlite3_close(database);

@@ -9,8 +9,7 @@ namespace Bench {
 
 inline std::string Text(sqlite3_stmt* row, int column) {
     const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(row, column));
-    return text ? std::string(text, static_cast<std::size_t>(sqlite3_column_bytes(row, column)))
-                : std::string();
+    return text ? std::string(text, static_cast<std::size_t>(sqlite3_column_bytes(row, column))) : std::string();
 }
 
 /// Days of a date text "yyyy-mm-dd hh:nn:ss", by the civil calendar.

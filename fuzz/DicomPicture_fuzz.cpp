@@ -11,8 +11,7 @@
 
 /// Any bytes are rendered as a picture or refused with a reason; nothing else may happen.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const auto path =
-        std::filesystem::temp_directory_path() / ("picture-" + std::to_string(getpid()) + ".dcm");
+    static const auto path = std::filesystem::temp_directory_path() / ("picture-" + std::to_string(getpid()) + ".dcm");
     std::ofstream(path, std::ios::binary)
         .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
     try {

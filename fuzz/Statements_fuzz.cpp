@@ -61,15 +61,13 @@ private:
     bool Run(const String& text, String* rows = nullptr) {
         sqlite3_stmt* statement = nullptr;
         const char* tail = nullptr;
-        if (sqlite3_prepare_v2(database_, text.c_str(), -1, &statement, &tail) != SQLITE_OK || !statement)
-            return false;
+        if (sqlite3_prepare_v2(database_, text.c_str(), -1, &statement, &tail) != SQLITE_OK || !statement) return false;
         const bool single = String(tail).find_first_not_of(" ;\t\r\n\v\f") == String::npos;
         int code = single ? sqlite3_step(statement) : SQLITE_ERROR;
         for (int i = 0; rows && i < sqlite3_column_count(statement); ++i)
             *rows += String(sqlite3_column_name(statement, i)) + "|";
         for (; code == SQLITE_ROW; code = sqlite3_step(statement))
-            for (int i = 0; rows && i < sqlite3_column_count(statement); ++i)
-                *rows += ValueText(statement, i);
+            for (int i = 0; rows && i < sqlite3_column_count(statement); ++i) *rows += ValueText(statement, i);
         sqlite3_finalize(statement);
         return code == SQLITE_DONE;
     }
@@ -125,11 +123,11 @@ private:
 
 /// Statements whose effect isn't a matter of their text and the tables alone, or that may run for ever.
 bool IsOutOfScope(const String& text) {
-    static const char* const words[] = {
-        "random",    "now",     "changes",  "insert_rowid", "recursive", "pragma",    "attach",
-        "vacuum",    "sqlite_", "current_", "blob",         "commit",    "rollback",  "begin",
-        "savepoint", "release", "end",      "x'",           "detach",    "julianday", "unixepoch",
-        "create",    "drop",    "alter",    "likelihood",   "delete *"};
+    static const char* const words[] = {"random",     "now",       "changes",   "insert_rowid", "recursive", "pragma",
+                                        "attach",     "vacuum",    "sqlite_",   "current_",     "blob",      "commit",
+                                        "rollback",   "begin",     "savepoint", "release",      "end",       "x'",
+                                        "detach",     "julianday", "unixepoch", "create",       "drop",      "alter",
+                                        "likelihood", "delete *"};
     if (text.find_first_of("?:@$#") != String::npos || text.find('\0') != String::npos || text.size() > 400)
         return true;
     for (const unsigned char c : text)

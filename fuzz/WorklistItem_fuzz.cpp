@@ -8,8 +8,7 @@
 
 /// Any bytes are read as worklist items or refused with a reason; nothing else may happen.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const auto path =
-        std::filesystem::temp_directory_path() / ("worklist-" + std::to_string(getpid()) + ".wl");
+    static const auto path = std::filesystem::temp_directory_path() / ("worklist-" + std::to_string(getpid()) + ".wl");
     std::ofstream(path, std::ios::binary)
         .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
     try {

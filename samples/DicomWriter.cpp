@@ -35,8 +35,8 @@ public:
 
     void Image(const Picture& picture) {
         const bool dental = about.kind == Kind::IntraOral;
-        Put(DCM_SOPClassUID, dental ? UID_DigitalIntraOralXRayImageStorageForPresentation
-                                    : UID_DigitalXRayImageStorageForPresentation);
+        Put(DCM_SOPClassUID,
+            dental ? UID_DigitalIntraOralXRayImageStorageForPresentation : UID_DigitalXRayImageStorageForPresentation);
         Put(DCM_PresentationIntentType, "FOR PRESENTATION");
         Put(DCM_ImageType, "ORIGINAL\\PRIMARY\\");
         Put(DCM_AcquisitionDate, about.day);
@@ -189,8 +189,7 @@ private:
             {"65", "7", "120", "NONE"}, {"70", "10", "14100", "NONE"}, {"80", "12", "600", "CEPHALOSTAT"}};
         const Settings& settings = all[static_cast<int>(about.kind)];
         std::string spacing(32, '\0');
-        const auto end =
-            std::to_chars(spacing.data(), spacing.data() + spacing.size(), picture.spacing_mm).ptr;
+        const auto end = std::to_chars(spacing.data(), spacing.data() + spacing.size(), picture.spacing_mm).ptr;
         spacing.resize(static_cast<std::size_t>(end - spacing.data()));
         Put(DCM_ImagerPixelSpacing, spacing + "\\" + spacing);
         Put(DCM_KVP, settings.kv);

@@ -8,8 +8,8 @@ namespace {
 
 /// A number between 0 and 1 that looks random and depends on the three arguments only.
 double Scatter(std::int64_t x, std::int64_t y, unsigned seed) {
-    auto h = static_cast<std::uint64_t>(x) * 0x9E3779B97F4A7C15u ^
-             static_cast<std::uint64_t>(y) * 0xC2B2AE3D27D4EB4Fu ^ (seed * 0x165667B19E3779F9u);
+    auto h = static_cast<std::uint64_t>(x) * 0x9E3779B97F4A7C15u ^ static_cast<std::uint64_t>(y) * 0xC2B2AE3D27D4EB4Fu ^
+             (seed * 0x165667B19E3779F9u);
     h = (h ^ (h >> 31)) * 0xBF58476D1CE4E5B9u;
     h = (h ^ (h >> 29)) * 0x94D049BB133111EBu;
     return static_cast<double>((h ^ (h >> 32)) >> 11) / 9007199254740992.0;
@@ -20,8 +20,7 @@ double Mix(double a, double b, double share) { return a + (b - a) * share; }
 /// The point at `t` (0 to 1) between `b` and `c` of a Catmull-Rom spline.
 Point Spline(Point a, Point b, Point c, Point d, double t) {
     const auto along = [t](double p, double q, double r, double s) {
-        return 0.5 * (2 * q + (r - p) * t + (2 * p - 5 * q + 4 * r - s) * t * t +
-                      (3 * q - p - 3 * r + s) * t * t * t);
+        return 0.5 * (2 * q + (r - p) * t + (2 * p - 5 * q + 4 * r - s) * t * t + (3 * q - p - 3 * r + s) * t * t * t);
     };
     return {along(a.x, b.x, c.x, d.x), along(a.y, b.y, c.y, d.y)};
 }
@@ -106,8 +105,7 @@ bool Curve::Contains(Point p) const {
     for (std::size_t i = 1; i < points.size(); ++i) {
         const Point a = points[i - 1];
         const Point b = points[i];
-        if ((a.y > p.y) != (b.y > p.y) && p.x < a.x + (b.x - a.x) * (p.y - a.y) / (b.y - a.y))
-            inside = !inside;
+        if ((a.y > p.y) != (b.y > p.y) && p.x < a.x + (b.x - a.x) * (p.y - a.y) / (b.y - a.y)) inside = !inside;
     }
     return inside;
 }

@@ -82,9 +82,7 @@ double ObliqueRidge(Point p) {
     return 0.24 * Band(20 - 0.42 * (x - 42), 1.3, p.y) * SmoothStep(36, 44, x);
 }
 
-double LowerSurroundings(Point p, double density) {
-    return LowerFront(p, NerveCanal(p, density)) + ObliqueRidge(p);
-}
+double LowerSurroundings(Point p, double density) { return LowerFront(p, NerveCanal(p, density)) + ObliqueRidge(p); }
 
 /// Gum and bone of one jaw over the cheek behind them.
 double Jaw(const Mouth& mouth, bool upper, Point p, double density) {

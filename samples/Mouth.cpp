@@ -42,9 +42,7 @@ void Mouth::AddRow(int rightQuadrant, int leftQuadrant) {
     }
 }
 
-double Mouth::MiddleOf(int number) const {
-    return std::ranges::find(teeth, number, &Tooth::Number)->Neck().x;
-}
+double Mouth::MiddleOf(int number) const { return std::ranges::find(teeth, number, &Tooth::Number)->Neck().x; }
 
 double Mouth::BoneDepth(bool upper, Point place) const {
     const std::vector<Point>& line = upper ? upperNecks : lowerNecks;

@@ -27,10 +27,10 @@ Curve Line(const std::vector<Point>& right) { return {right, Curve::Kind::Open};
 
 /// The patient's jaws are drawn once, for positive x; the view is the same on both sides.
 struct Bones {
-    Curve mandible = Shape({{-12, 15}, {0, 15},    {20, 14},  {40, 11},  {58, 7},   {66, 2},   {70, -10},
-                            {73, -24}, {76, -37},  {79, -41}, {83, -35}, {87, -31}, {91, -36}, {90, -44},
-                            {95, -49}, {101, -45}, {99, -37}, {97, -24}, {95, -8},  {92, 6},   {86, 17},
-                            {76, 25},  {60, 33},   {40, 40},  {20, 44},  {0, 45},   {-12, 45}});
+    Curve mandible =
+        Shape({{-12, 15}, {0, 15},   {20, 14},  {40, 11},  {58, 7},   {66, 2},   {70, -10},  {73, -24}, {76, -37},
+               {79, -41}, {83, -35}, {87, -31}, {91, -36}, {90, -44}, {95, -49}, {101, -45}, {99, -37}, {97, -24},
+               {95, -8},  {92, 6},   {86, 17},  {76, 25},  {60, 33},  {40, 40},  {20, 44},   {0, 45},   {-12, 45}});
     Curve maxilla = Shape({{-12, -8},
                            {0, -8},
                            {22, -10},
@@ -42,8 +42,8 @@ struct Bones {
                            {30, -52},
                            {0, -54},
                            {-12, -54}});
-    Curve sinus = Shape(
-        {{20, -27}, {28, -20}, {40, -20}, {52, -24}, {61, -28}, {62, -38}, {54, -46}, {36, -48}, {23, -40}});
+    Curve sinus =
+        Shape({{20, -27}, {28, -20}, {40, -20}, {52, -24}, {61, -28}, {62, -38}, {54, -46}, {36, -48}, {23, -40}});
     Curve nose = Shape({{-6, -24}, {0, -24}, {9, -24}, {14, -29}, {14, -40}, {9, -52}, {0, -56}, {-6, -56}});
     Curve orbit = Shape({{18, -52}, {28, -46}, {42, -45}, {52, -50}, {56, -62}, {36, -75}, {18, -66}});
     Curve palate = Line({{-2, -23}, {14, -24}, {34, -28}, {58, -33}, {70, -36}});
@@ -74,18 +74,15 @@ double Midface(const Bones& bones, Point p, double density) {
     const double septum = Band(0.6 * std::sin(p.y / 8), 1.3, p.x) * SmoothStep(-22, -24, p.y);
     const double concha = SmoothStep(1.0, 0.6, std::hypot((p.x - 8) / 4.2, (p.y + 34) / 5.5));
     return density + 0.3 * septum + 0.22 * concha + 0.42 * Band(0, 1.3, bones.palate.Distance(p)) +
-           0.36 * SmoothStep(3.6, 2.2, bones.cheekArch.Distance(p)) +
-           0.4 * Band(0, 1.6, bones.socket.Distance(p));
+           0.36 * SmoothStep(3.6, 2.2, bones.cheekArch.Distance(p)) + 0.4 * Band(0, 1.6, bones.socket.Distance(p));
 }
 
 double LowerJaw(const Bones& bones, Point p, double density) {
     const double depth = bones.mandible.Depth(p);
-    const double plate =
-        Band(1.2, 1.4, depth) * SmoothStep(10, 16, p.y - BitingPlane(p.x) + std::max(0.0, p.x - 60));
+    const double plate = Band(1.2, 1.4, depth) * SmoothStep(10, 16, p.y - BitingPlane(p.x) + std::max(0.0, p.x - 60));
     const double canal = bones.canal.Distance(p);
     density += SmoothStep(0, 1.2, depth) * (0.34 + 0.1 * SmoothStep(0, 8, depth)) * Net(p) + 0.3 * plate;
-    density +=
-        0.55 * SmoothStep(1.9, 1.0, bones.rim.Distance(p)) + 0.22 * Band(0, 1.8, bones.oblique.Distance(p));
+    density += 0.55 * SmoothStep(1.9, 1.0, bones.rim.Distance(p)) + 0.22 * Band(0, 1.8, bones.oblique.Distance(p));
     return density * (1 - 0.22 * SmoothStep(1.5, 0.9, canal)) + 0.1 * Band(1.7, 0.5, canal);
 }
 
@@ -95,8 +92,8 @@ double Alveolus(const Mouth& mouth, Point p, double density) {
     const double reach = SmoothStep(68, 64, std::abs(p.x));
     const double upper = mouth.BoneDepth(true, inside);
     const double lower = mouth.BoneDepth(false, inside);
-    const double fill = SmoothStep(0, 1, upper) * SmoothStep(16, 9, upper) +
-                        SmoothStep(0, 1, lower) * SmoothStep(14, 5, lower);
+    const double fill =
+        SmoothStep(0, 1, upper) * SmoothStep(16, 9, upper) + SmoothStep(0, 1, lower) * SmoothStep(14, 5, lower);
     return density + reach * (0.24 * fill * Net(p) + 0.12 * (Band(0.4, 0.7, upper) + Band(0.4, 0.7, lower)));
 }
 

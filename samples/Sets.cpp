@@ -35,8 +35,7 @@ const std::vector<Shot> Lower3{{{43, 42}, true}, {{41, 31}, true}, {{32, 33}, tr
 /// The usual order of taking a full mouth: bitewings, then posterior, then anterior teeth.
 std::vector<Shot> FullMouth(const std::vector<Shot>& upperFront) {
     std::vector<Shot> all = Bitewings;
-    for (const auto& group : {Posterior, upperFront, Lower3})
-        all.insert(all.end(), group.begin(), group.end());
+    for (const auto& group : {Posterior, upperFront, Lower3}) all.insert(all.end(), group.begin(), group.end());
     return all;
 }
 
@@ -86,8 +85,7 @@ SampleFile FilmFile(const std::string& path, const Radiograph& about, const Intr
 // -------------------------------------------------------------------------------------------- the sets
 
 /// Films of one series, numbered as they were taken.
-Files Series(const std::string& name, const std::string& description, const std::vector<Shot>& shots,
-             int bits) {
+Files Series(const std::string& name, const std::string& description, const std::vector<Shot>& shots, int bits) {
     Files files;
     for (int number = 1; number <= static_cast<int>(shots.size()); ++number) {
         const Shot& shot = shots[static_cast<std::size_t>(number - 1)];
@@ -192,8 +190,7 @@ Files Names() {
     }
     Radiograph japanese = IntraOral("name-japanese", {14, 15}, "Periapical");
     japanese.characterSet = "\\ISO 2022 IR 87";
-    japanese.patientName =
-        "Yamada^Tarou=\x1b$B;3ED\x1b(B^\x1b$BB@O:\x1b(B=\x1b$B$d$^$@\x1b(B^\x1b$B$?$m$&\x1b(B";
+    japanese.patientName = "Yamada^Tarou=\x1b$B;3ED\x1b(B^\x1b$BB@O:\x1b(B=\x1b$B$d$^$@\x1b(B^\x1b$B$?$m$&\x1b(B";
     files.push_back(AwkwardFilm(japanese));
     return files;
 }
@@ -215,8 +212,7 @@ void WriteText(const std::filesystem::path& file, std::string_view text) {
 Files NoRadiographs() {
     const Radiograph report = Named("no-pixels", Kind::IntraOral, "Report");
     return {{Awkward("truncated"), WriteTruncated},
-            {Awkward("text"),
-             [](const auto& file) { WriteText(file, "This is a text, whatever its name says.\n"); }},
+            {Awkward("text"), [](const auto& file) { WriteText(file, "This is a text, whatever its name says.\n"); }},
             {Awkward("empty"), [](const auto& file) { WriteText(file, ""); }},
             {Awkward("no-pixels"), [=](const auto& file) { WriteReport(report, file); }}};
 }
@@ -225,11 +221,11 @@ Files NoRadiographs() {
 
 std::vector<SampleFile> AllSamples() {
     Files all;
-    for (Files files : {Series("fmx18", "Full mouth, 18 films", FullMouth(Upper3), 12),
-                        Series("fmx20", "Full mouth, 20 films", FullMouth(Upper5), 12),
-                        Series("bitewings2", "Bitewings", MolarBitewings, 8),
-                        Series("bitewings4", "Bitewings", Bitewings, 12), WholeHeads(), OldCodes(), Missing(),
-                        Names(), NoRadiographs()})
+    for (Files files :
+         {Series("fmx18", "Full mouth, 18 films", FullMouth(Upper3), 12),
+          Series("fmx20", "Full mouth, 20 films", FullMouth(Upper5), 12),
+          Series("bitewings2", "Bitewings", MolarBitewings, 8), Series("bitewings4", "Bitewings", Bitewings, 12),
+          WholeHeads(), OldCodes(), Missing(), Names(), NoRadiographs()})
         std::ranges::move(files, std::back_inserter(all));
     return all;
 }

@@ -86,8 +86,7 @@ double Tooth::EdgeDrop(double x) const {
         case 1:
         case 2: {
             const double corner = u > 0 ? 0.82 : 0.6;
-            return 1.4 * std::pow(std::max(0.0, std::abs(u) - corner) / (1 - corner), 2.0) +
-                   0.25 * (1 - u) / 2;
+            return 1.4 * std::pow(std::max(0.0, std::abs(u) - corner) / (1 - corner), 2.0) + 0.25 * (1 - u) / 2;
         }
         case 3: return 2.8 * std::hypot(u + 0.1, 0.16) - 0.45;
         case 4:
@@ -105,8 +104,7 @@ double Tooth::CrownDepth(Point p) const {
     const double bulge = SmoothStep(-0.05, 0.62, t);
     const double taper = place == 3 ? 0.35 : place < 3 ? 0.04 : 0.16;
     const double upperPart = std::max(0.0, (t - 0.7) / 0.3);
-    const double half =
-        (neckWidth + (crownWidth - neckWidth) * bulge) / 2 * (1 - taper * upperPart * upperPart);
+    const double half = (neckWidth + (crownWidth - neckWidth) * bulge) / 2 * (1 - taper * upperPart * upperPart);
     return std::min(half - std::abs(p.x), crownHeight - EdgeDrop(p.x) + p.y);
 }
 
@@ -165,8 +163,7 @@ double Tooth::Pulp(Point p) const {
     const double half = 0.27 * neckWidth;
     const double horns = -0.22 * crownHeight - 0.16 * crownHeight * std::min(1.0, std::abs(p.x) / half);
     const double chamber = SmoothStep(half + 0.3, half - 0.3, std::abs(p.x)) *
-                           SmoothStep(horns - 0.3, horns + 0.3, p.y) *
-                           SmoothStep(trunk - 0.9, trunk - 1.6, p.y);
+                           SmoothStep(horns - 0.3, horns + 0.3, p.y) * SmoothStep(trunk - 0.9, trunk - 1.6, p.y);
     return std::max(canals, chamber);
 }
 

@@ -37,8 +37,7 @@ void ReadToothString(const String& teeth, Select select) {
     const auto length = CInt(Len(teeth));
     const bool bytes = static_cast<std::size_t>(length) == teeth.size();  // each character is one byte
     for (Long i = 1; i <= length; i += 3) {
-        const Integer number =
-            ToothNumber(bytes ? teeth.substr(static_cast<std::size_t>(i - 1), 2) : Mid(teeth, i, 2));
+        const Integer number = ToothNumber(bytes ? teeth.substr(static_cast<std::size_t>(i - 1), 2) : Mid(teeth, i, 2));
         if (number == 0) Raise(err::ObjectNotSet);
         select(number);
         if (i + 3 > INT16_MAX) Raise(err::Overflow);  // the position counts in 16 bits

@@ -19,8 +19,7 @@ void cAnatomicDescription::InitCollection() {
 }
 
 void cAnatomicDescription::LoadSGN(const Ref<Connection>& Con, const Long& lADId) {
-    const Ref<Recordset> rs =
-        OpenClient(Con, sql("SELECT * ", "FROM StandardGroupName ", "Where TGId = ", lADId, ";"));
+    const Ref<Recordset> rs = OpenClient(Con, sql("SELECT * ", "FROM StandardGroupName ", "Where TGId = ", lADId, ";"));
     if (rs->Eof()) return;
     ADAnaRegion = TextOrEmpty(rs, "ADAnaRegion");
     ADAnaRegionMod = TextOrEmpty(rs, "ADAnaRegionMod");
@@ -42,10 +41,10 @@ void cAnatomicDescription::LoadSGN(const Ref<Connection>& Con, const Long& lADId
 
 String cAnatomicDescription::UpdateStatement() const {
     return sql("UPDATE StandardGroupName ", "SET ", "Name='", FixSqlString(ADName), "', Comments='",
-               FixSqlString(ADComments), "', OrderNo=", ADOrderNo, ", TGId=", ADId, ", ", "ADType =", ADType,
-               ", ", "ADLaterality ='", AsItStands(ADLaterality), "', ", "ADAnaRegion ='",
-               AsItStands(ADAnaRegion), "', ", "ADAnaRegionMod ='", AsItStands(ADAnaRegionMod), "', ",
-               "ADPriStructure ='", AsItStands(ADPriStructure), "'", " WHERE StandardNameID=", ID, ";");
+               FixSqlString(ADComments), "', OrderNo=", ADOrderNo, ", TGId=", ADId, ", ", "ADType =", ADType, ", ",
+               "ADLaterality ='", AsItStands(ADLaterality), "', ", "ADAnaRegion ='", AsItStands(ADAnaRegion), "', ",
+               "ADAnaRegionMod ='", AsItStands(ADAnaRegionMod), "', ", "ADPriStructure ='", AsItStands(ADPriStructure),
+               "'", " WHERE StandardNameID=", ID, ";");
 }
 
 String cAnatomicDescription::InsertStatement() const {
@@ -58,8 +57,8 @@ String cAnatomicDescription::InsertStatement() const {
                "(Name, Comments, OrderNo, TGId, ADType, ADLaterality, ADAnaRegion, ADAnaRegionMod, "
                "ADPriStructure") +
            columns +
-           sql(") VALUES ('", FixSqlString(ADName), "', '", FixSqlString(ADComments), "', ", ADOrderNo, ", ",
-               ADId, ", ", ADType, ", '", AsItStands(ADLaterality), "', '", AsItStands(ADAnaRegion), "', '",
+           sql(") VALUES ('", FixSqlString(ADName), "', '", FixSqlString(ADComments), "', ", ADOrderNo, ", ", ADId,
+               ", ", ADType, ", '", AsItStands(ADLaterality), "', '", AsItStands(ADAnaRegion), "', '",
                AsItStands(ADAnaRegionMod), "', '", AsItStands(ADPriStructure), "'") +
            zeros + ");";
 }
@@ -72,8 +71,8 @@ bool cAnatomicDescription::Write(const Ref<Connection>& con) {
     }
     con->BeginTrans();
     con->Execute(InsertStatement());
-    const Ref<Recordset> key = con->Execute(sql(
-        "SELECT MAX(StandardNameID) AS ID FROM StandardGroupName WHERE Name='", FixSqlString(ADName), "';"));
+    const Ref<Recordset> key = con->Execute(
+        sql("SELECT MAX(StandardNameID) AS ID FROM StandardGroupName WHERE Name='", FixSqlString(ADName), "';"));
     ID = CLng(key->Fields("ID").Value());
     if (ADId <= 0) {
         constexpr Long firstGroup = 1000;
@@ -113,8 +112,7 @@ String cAnatomicDescription::GetAsString(const bool& bComm) const {
 
 void cAnatomicDescription::SetTeethFromString(const String& sIOstring, const Ref<OXClass::cTeeth>&) {
     InitCollection();
-    ReadToothString(sIOstring,
-                    [&](Integer tooth) { cTeeth()->Item("Tooth" + CStr(Long{tooth}))->Selected = true; });
+    ReadToothString(sIOstring, [&](Integer tooth) { cTeeth()->Item("Tooth" + CStr(Long{tooth}))->Selected = true; });
 }
 
 const Interface& cAnatomicDescription::Describe() const {

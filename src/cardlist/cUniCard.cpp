@@ -24,8 +24,7 @@ String ImagesOn(const cImagecard& card) {
 
 Date cUniCard::SortDate() const {
     switch (CardType()) {
-        case ctImagecard:
-            return Imagecard->ICCreateDate != Date{} ? Imagecard->ICCreateDate : Imagecard->ICLastUpdate;
+        case ctImagecard: return Imagecard->ICCreateDate != Date{} ? Imagecard->ICCreateDate : Imagecard->ICLastUpdate;
         case ctseries: return Series->SeriesDateTime != Date{} ? Series->SeriesDateTime : Study->dateTime;
         default: return {};
     }

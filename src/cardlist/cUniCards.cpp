@@ -98,8 +98,7 @@ bool IsKept(cSerie& series, const Ref<Recordset>& rs) {
     constexpr double resolution = 1e-5;  // in seconds, of what a date can hold
     if (!rs->Fields("ZeroImages").IsNull()) {
         series.ImgCount = Required<Long>(rs, "ImageCount");
-        series.location =
-            Holds(rs, "dicomstatussum", 2.0 * series.ImgCount) ? gdcmObjectLocBoth : gdcmObjectLocLocal;
+        series.location = Holds(rs, "dicomstatussum", 2.0 * series.ImgCount) ? gdcmObjectLocBoth : gdcmObjectLocLocal;
         return true;
     }
     const Date captured = Nz<Date>(rs, "SeriesDateTime");  // with fractions of a second, unlike the member
@@ -146,9 +145,9 @@ void ReadCards(const Ref<Connection>& con, const String& statement, Integer& ste
 
 /// Returns the key of a patient with this personal number, for one without image cards; 0 if there is none.
 Long FindPatient(const Ref<Connection>& con, const String& personalNumber) {
-    const Ref<Recordset> rs = OpenPlain(
-        con, sql("SELECT Patient_T.* FROM Patient_T WHERE PersonNr_CH='", AsItStands(personalNumber), "'"),
-        ADODB::adCmdUnspecified);
+    const Ref<Recordset> rs =
+        OpenPlain(con, sql("SELECT Patient_T.* FROM Patient_T WHERE PersonNr_CH='", AsItStands(personalNumber), "'"),
+                  ADODB::adCmdUnspecified);
     const Long patient = rs->Eof() ? 0 : Required<Long>(rs, "PatientID");
     rs->Close();
     return patient;
@@ -157,8 +156,7 @@ Long FindPatient(const Ref<Connection>& con, const String& personalNumber) {
 /// Adds the series of a row, or calls `orphan` with it. `study` is the study of the previous row; a series of
 /// the same study refers to it, and another one replaces it.
 template <class Orphan>
-void AddSeries(const Ref<Recordset>& rs, Ref<cStudy>& study, Collection& entries, Integer& step,
-               Orphan orphan) {
+void AddSeries(const Ref<Recordset>& rs, Ref<cStudy>& study, Collection& entries, Integer& step, Orphan orphan) {
     step = 8;
     const Long lastStudy = study ? study->ID : 0;
     if (Required<Long>(rs, "Study_ID") != lastStudy) study = StudyOf(rs);
@@ -191,8 +189,8 @@ Ref<Recordset> ReadSeries(const Ref<Connection>& con, Long patient, Integer& ste
 
 /// Runs `read` on a row. Adds a row that can't be read to `unread`, and raises nothing for it.
 template <class Read>
-void ReadOrNote(const Ref<Recordset>& rs, const char* kind, std::string_view key,
-                std::vector<UnreadEntry>& unread, Read read) {
+void ReadOrNote(const Ref<Recordset>& rs, const char* kind, std::string_view key, std::vector<UnreadEntry>& unread,
+                Read read) {
     try {
         read();
     } catch (const Error& failure) {
@@ -202,8 +200,8 @@ void ReadOrNote(const Ref<Recordset>& rs, const char* kind, std::string_view key
 
 }  // namespace
 
-Long cUniCards::GetICAndSEList4Patient(const Ref<Connection>& conn, const String& sPID, const Long&,
-                                       const Date&, const Date&) {
+Long cUniCards::GetICAndSEList4Patient(const Ref<Connection>& conn, const String& sPID, const Long&, const Date&,
+                                       const Date&) {
     Integer step = 0;
     Long result = 0;
     Boxed(
@@ -217,16 +215,15 @@ Long cUniCards::GetICAndSEList4Patient(const Ref<Connection>& conn, const String
             result = patient;
             Ref<cStudy> study;
             const Ref<Recordset> series = ReadSeries(conn, patient, step, [&](const Ref<Recordset>& rs) {
-                AddSeries(rs, study, *entries, step,
-                          [&](const Ref<cSerie>& orphan) { orphan->Delete(conn); });
+                AddSeries(rs, study, *entries, step, [&](const Ref<cSerie>& orphan) { orphan->Delete(conn); });
             });
             Merge(*entries, step);
             series->Close();
             step = 18;
         },
         [&](const Error& failure) {
-            return "cUniCards.GetICAndSEList4Patient error: " + CStr(failure.Number) + ", " +
-                   CStr(Long{step}) + "\r\n" + failure.Description;
+            return "cUniCards.GetICAndSEList4Patient error: " + CStr(failure.Number) + ", " + CStr(Long{step}) +
+                   "\r\n" + failure.Description;
         });
     return result;
 }

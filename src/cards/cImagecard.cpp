@@ -25,8 +25,7 @@ Long Side(const Ref<Recordset>& rs, std::string_view fullView, std::string_view 
 }  // namespace
 
 Variant cImagecard::GetImageCard(const Ref<Connection>& conn, const Long& lICID) {
-    const Ref<Recordset> rs =
-        OpenClient(conn, sql("SELECT * FROM ImageCard_T WHERE ImageCardID = ", lICID, ";"));
+    const Ref<Recordset> rs = OpenClient(conn, sql("SELECT * FROM ImageCard_T WHERE ImageCardID = ", lICID, ";"));
     if (rs->Eof()) return {};
     ICCreateDate = Required<Date>(rs, "ICDateCreated");
     ICDescription = Required<String>(rs, "ICDescription");
@@ -66,17 +65,17 @@ Long cImagecard::LoadImageAttributes(const Ref<Connection>& conn) {
 }
 
 String cImagecard::UpdateStatement() const {
-    return sql("UPDATE ImageCard_T ", "SET ", "PatientID = ", ICPID, ", ", "ICName = '", FixSqlString(ICName),
-               "', ", "ICLastUpdate = '", Stamp(ICLastUpdate), "', ", "ICDescription = '",
-               FixSqlString(ICDescription), "', ", "ICFullViewWidth = ", ICWidth, ", ",
-               "ICFullViewHeight = ", ICHeight, ", ", "ICMaximized = 0", " WHERE ImageCardId = ", ICID, ";");
+    return sql("UPDATE ImageCard_T ", "SET ", "PatientID = ", ICPID, ", ", "ICName = '", FixSqlString(ICName), "', ",
+               "ICLastUpdate = '", Stamp(ICLastUpdate), "', ", "ICDescription = '", FixSqlString(ICDescription), "', ",
+               "ICFullViewWidth = ", ICWidth, ", ", "ICFullViewHeight = ", ICHeight, ", ", "ICMaximized = 0",
+               " WHERE ImageCardId = ", ICID, ";");
 }
 
 String cImagecard::InsertStatement() const {
     return sql("INSERT INTO ImageCard_T ", "(PatientId, ICName, ICDateCreated, ICLastUpdate, ",
-               "ICDescription, ICFullViewWidth, ICFullViewHeight, ", "ICMaximized) ", "VALUES (", ICPID, ", ",
-               "'", FixSqlString(ICName), "', ", "'", Stamp(ICCreateDate), "', ", "'", Stamp(ICLastUpdate),
-               "', ", "'", FixSqlString(ICDescription), "', ", ICWidth, ", ", ICHeight, ", ", "0", ");");
+               "ICDescription, ICFullViewWidth, ICFullViewHeight, ", "ICMaximized) ", "VALUES (", ICPID, ", ", "'",
+               FixSqlString(ICName), "', ", "'", Stamp(ICCreateDate), "', ", "'", Stamp(ICLastUpdate), "', ", "'",
+               FixSqlString(ICDescription), "', ", ICWidth, ", ", ICHeight, ", ", "0", ");");
 }
 
 void cImagecard::Insert(const Ref<Connection>& con) {

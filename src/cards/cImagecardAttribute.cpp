@@ -38,31 +38,30 @@ bool cImagecardAttribute::Save(const Ref<Connection>& conn) {
 }
 
 String cImagecardAttribute::UpdateStatement() const {
-    return sql("UPDATE ImageAttribute_T ", "SET ", "ImageCardID = ", ICID, ", ", "ImageBildID = ", ImageID,
-               ", ", "IAFullviewWidth = ", Decimal(IAWidth), ", ", "IAFullViewHeight = ", Decimal(IAHeight),
-               ", ", "IAFullViewPosX = ", Decimal(IAPosX), ", ", "IAFullViewPosY = ", Decimal(IAPosY), ", ",
-               "IASequence = ", IASequence, ", ", "IAMirrRotStatus = ", IAMirrRotStatus, ", ",
-               "IAComments = '", FixSqlString(IAComments), "'", " WHERE ImageAttributeId = ", ID, ";");
+    return sql("UPDATE ImageAttribute_T ", "SET ", "ImageCardID = ", ICID, ", ", "ImageBildID = ", ImageID, ", ",
+               "IAFullviewWidth = ", Decimal(IAWidth), ", ", "IAFullViewHeight = ", Decimal(IAHeight), ", ",
+               "IAFullViewPosX = ", Decimal(IAPosX), ", ", "IAFullViewPosY = ", Decimal(IAPosY), ", ",
+               "IASequence = ", IASequence, ", ", "IAMirrRotStatus = ", IAMirrRotStatus, ", ", "IAComments = '",
+               FixSqlString(IAComments), "'", " WHERE ImageAttributeId = ", ID, ";");
 }
 
 String cImagecardAttribute::InsertStatement() const {
-    return sql("INSERT INTO ImageAttribute_T ",
-               "(ImageCardId, ImageBildId, IAFullViewWidth, IAFullViewHeight, ",
+    return sql("INSERT INTO ImageAttribute_T ", "(ImageCardId, ImageBildId, IAFullViewWidth, IAFullViewHeight, ",
                "IAFullViewPosX, IAFullViewPosY, IAContrast, IABrightness, ",
                "IAInvert, IARotation, IASharpen, IASoften, IAZoom, IAGamma, ",
                "IAHorizontalMirror, IAVerticalMirror, IAHistoEqualize, ",
                "IAStretchIntensity, IAHistogram, IASequence, IAComments, IAMirrRotStatus , IAColorized, "
                "IAAttCorr) ",
-               "VALUES (", ICID, ", ", ImageID, ", ", Decimal(IAWidth), ", ", Decimal(IAHeight), ", ",
-               Decimal(IAPosX), ", ", Decimal(IAPosY), ", 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0", ", ",
-               IASequence, ", '", FixSqlString(IAComments), "', ", IAMirrRotStatus, ", 0, 0);");
+               "VALUES (", ICID, ", ", ImageID, ", ", Decimal(IAWidth), ", ", Decimal(IAHeight), ", ", Decimal(IAPosX),
+               ", ", Decimal(IAPosY), ", 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0", ", ", IASequence, ", '",
+               FixSqlString(IAComments), "', ", IAMirrRotStatus, ", 0, 0);");
 }
 
 void cImagecardAttribute::Insert(const Ref<Connection>& con) {
     con->Execute(InsertStatement());
-    const Ref<Recordset> key = con->Execute(
-        sql("SELECT MAX(ImageAttributeId) FROM ImageAttribute_T ", "WHERE ((ImageCardId = ", ICID, ") AND (",
-            "ImageBildId = ", ImageID, ") AND (", "IASequence = ", IASequence, "));"));
+    const Ref<Recordset> key =
+        con->Execute(sql("SELECT MAX(ImageAttributeId) FROM ImageAttribute_T ", "WHERE ((ImageCardId = ", ICID,
+                         ") AND (", "ImageBildId = ", ImageID, ") AND (", "IASequence = ", IASequence, "));"));
     ID = CLng(key->Fields(0).Value());
 }
 
@@ -82,8 +81,7 @@ void cImagecardAttribute::Delete(const Ref<Connection>& con) const {
 bool cImagecardAttribute::LoadImageManipulations(const Ref<Connection>& conn) {
     return Swallowed(loadCompletion_, [&] {
         const Ref<Recordset> rs = OpenPlain(
-            conn,
-            sql("SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=", ID, " ORDER BY SequenceNo;"));
+            conn, sql("SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=", ID, " ORDER BY SequenceNo;"));
         Manipulations->Count();  // a list that was set to null raises before any row is read
         for (; !rs->Eof(); rs->MoveNext()) {
             const Ref<cImageManipulation> step = New<cImageManipulation>();
@@ -101,8 +99,7 @@ void cImagecardAttribute::SaveManipulations(const Ref<Connection>& conn) {
     Swallowed(saveCompletion_, [&] {
         const String oldCosmetic = DeleteStoredManipulations(conn);
         const String newCosmetic = InsertManipulations(conn);
-        if (newCosmetic != oldCosmetic && !oldCosmetic.empty())
-            CosmeticFile::Named(oldCosmetic).DeleteIfPresent(conn);
+        if (newCosmetic != oldCosmetic && !oldCosmetic.empty()) CosmeticFile::Named(oldCosmetic).DeleteIfPresent(conn);
     });
 }
 

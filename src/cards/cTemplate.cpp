@@ -24,9 +24,8 @@ void cTemplate::GetTemplate(const Ref<Connection>& Con, Long TID, const Long& Di
     TCComments = TextOrEmpty(rs, "TCComments");
     TCHeight = CanvasSide(rs, "TCFullViewHeight", "TCPreviewHeight");
     TCWidth = CanvasSide(rs, "TCFullViewWidth", "TCPreviewWidth");
-    TCHidden = OfColumn(rs, "TCMaximized", [](const ADODB::Field& field) {
-        return !field.IsNull() && field.As<double>() != 0;
-    });
+    TCHidden = OfColumn(rs, "TCMaximized",
+                        [](const ADODB::Field& field) { return !field.IsNull() && field.As<double>() != 0; });
     TCName = Required<String>(rs, "TCName");
     TCID = Required<Long>(rs, "TemplateID");
     TCChecksum = ValueOr(rs, "TCChecksum", 0);
@@ -64,12 +63,11 @@ String cTemplate::UpdateStatement() const {
 }
 
 String cTemplate::InsertStatement() const {
-    return sql("INSERT INTO TemplateCard_T ", "(TCName, TCDate, ",
-               "TCComments, TCFullViewWidth, TCFullViewHeight, ",
-               "TCMaximized, TCCheckSum,TCDicomId, TCForcedImageType) ", "VALUES (", "'",
-               FixSqlString(TCName), "', ", "'", Stamp(TCDate), "', ", "'", FixSqlString(TCComments), "', ",
-               Decimal(TCWidth), ", ", Decimal(TCHeight), ", ", Long{TCHidden}, ", ", TCChecksum, ", ",
-               TCDicomID, ", ", TCForcedImageType, ");");
+    return sql("INSERT INTO TemplateCard_T ", "(TCName, TCDate, ", "TCComments, TCFullViewWidth, TCFullViewHeight, ",
+               "TCMaximized, TCCheckSum,TCDicomId, TCForcedImageType) ", "VALUES (", "'", FixSqlString(TCName), "', ",
+               "'", Stamp(TCDate), "', ", "'", FixSqlString(TCComments), "', ", Decimal(TCWidth), ", ",
+               Decimal(TCHeight), ", ", Long{TCHidden}, ", ", TCChecksum, ", ", TCDicomID, ", ", TCForcedImageType,
+               ");");
 }
 
 void cTemplate::Insert(const Ref<Connection>& con) {
@@ -79,9 +77,8 @@ void cTemplate::Insert(const Ref<Connection>& con) {
         TCDicomID = CLng(std::floor(static_cast<double>(Rnd()) * range + lowest));
     }
     con->Execute(InsertStatement());
-    const Ref<Recordset> key =
-        con->Execute(sql("SELECT MAX(TemplateID) AS Max_DicomID FROM TemplateCard_T WHERE TCName='",
-                         FixSqlString(TCName), "';"));
+    const Ref<Recordset> key = con->Execute(
+        sql("SELECT MAX(TemplateID) AS Max_DicomID FROM TemplateCard_T WHERE TCName='", FixSqlString(TCName), "';"));
     TCID = CLng(key->Fields(0).Value());
     key->Close();
     for (cTemplateAttribute& slot : Each<cTemplateAttribute>(*TemplateAttributes)) {

@@ -37,14 +37,13 @@ void cTemplateAttribute::ReadRow(const Ref<Recordset>& rs) {
 }
 
 String cTemplateAttribute::InsertStatement() const {
-    return sql(
-        "INSERT INTO TemplateAttribute_T ", "(TemplateId, TAFullViewWidth, TAFullViewHeight, ",
-        "TAFullViewPosX, TAFullViewPosY, ", "TARotation, ",
-        "TASequence, TAComments, TAGroupname, TANumberInTemplate, TAProportions, TATGid, TAImagePath) ",
-        "VALUES (", TCID, ", ", Decimal(TAWidth), ", ", Decimal(TAHeight), ", ", Decimal(TAPosX), ", ",
-        Decimal(TAPosY), ", ", TARotation, ", ", TASequence, ", '", FixSqlString(TAComments), "', '",
-        FixSqlString(TAADName), "', ", TANumberInTemplate, ", ", Decimal(TAProportions), ", ", AIID, ", '",
-        FixSqlString(TAImagepath), "'", ");");
+    return sql("INSERT INTO TemplateAttribute_T ", "(TemplateId, TAFullViewWidth, TAFullViewHeight, ",
+               "TAFullViewPosX, TAFullViewPosY, ", "TARotation, ",
+               "TASequence, TAComments, TAGroupname, TANumberInTemplate, TAProportions, TATGid, TAImagePath) ",
+               "VALUES (", TCID, ", ", Decimal(TAWidth), ", ", Decimal(TAHeight), ", ", Decimal(TAPosX), ", ",
+               Decimal(TAPosY), ", ", TARotation, ", ", TASequence, ", '", FixSqlString(TAComments), "', '",
+               FixSqlString(TAADName), "', ", TANumberInTemplate, ", ", Decimal(TAProportions), ", ", AIID, ", '",
+               FixSqlString(TAImagepath), "'", ");");
 }
 
 String cTemplateAttribute::UpdateStatement() const {
@@ -53,8 +52,8 @@ String cTemplateAttribute::UpdateStatement() const {
                "TAFullViewPosX = ", Decimal(TAPosX), ", ", "TAFullViewPosY = ", Decimal(TAPosY), ", ",
                "TARotation = ", TARotation, ", ", "TASequence = ", TASequence, ", ", "TAGroupName = '",
                FixSqlString(TAADName), "', ", "TAComments = '", FixSqlString(TAComments), "', ",
-               "TAProportions = ", Decimal(TAProportions), ", ", "TANumberInTemplate = ", TANumberInTemplate,
-               ", ", "TATGId =", AIID, ", ", "TAImagePath ='", FixSqlString(TAImagepath), "'",
+               "TAProportions = ", Decimal(TAProportions), ", ", "TANumberInTemplate = ", TANumberInTemplate, ", ",
+               "TATGId =", AIID, ", ", "TAImagePath ='", FixSqlString(TAImagepath), "'",
                " WHERE TemplateImageId = ", AIID, ";");
 }
 
@@ -65,9 +64,8 @@ bool cTemplateAttribute::Save(const Ref<Connection>& Con) {
         return true;
     }
     Con->Execute(InsertStatement());
-    const Ref<Recordset> key =
-        OpenPlain(Con, sql("SELECT Max(TemplateImageID) AS Max_ID FROM TemplateAttribute_T ",
-                           "WHERE TemplateId = ", TCID, " AND TASequence = ", TASequence, ";"));
+    const Ref<Recordset> key = OpenPlain(Con, sql("SELECT Max(TemplateImageID) AS Max_ID FROM TemplateAttribute_T ",
+                                                  "WHERE TemplateId = ", TCID, " AND TASequence = ", TASequence, ";"));
     ID = CLng(key->Fields(0).Value());
     key->Close();
     return true;

@@ -9,8 +9,7 @@ using namespace Platform;
 
 Variant Class1::GetRoots(Ref<Connection> Con) {
     if (!Con) return {};
-    const Ref<Recordset> rs =
-        OpenClient(Con, "SELECT * FROM Root_T ORDER BY RootID;", ADODB::adCmdUnspecified);
+    const Ref<Recordset> rs = OpenClient(Con, "SELECT * FROM Root_T ORDER BY RootID;", ADODB::adCmdUnspecified);
     const Long count = rs->RecordCount();
     if (count == 0) Raise(err::OutOfBounds);
     std::vector<String> roots(static_cast<std::size_t>(count));
@@ -96,8 +95,7 @@ const Interface& Class1::Describe() const {
         Operation<&Class1::GetRoots>("GetRoots", {"Con"}),
         Operation<&Class1::GetSubFolder>("GetSubFolder", {"PatID"}),
         Operation<&Class1::SaveGLSetting>("SaveGLSetting", {"Con", "GLId", "sSetting", "bReplace"}),
-        Operation<&Class1::GetGLSetting>("GetGLSetting",
-                                         {"Con", "GLId", "sFirstSetting", Optional("cAllGLs")}),
+        Operation<&Class1::GetGLSetting>("GetGLSetting", {"Con", "GLId", "sFirstSetting", Optional("cAllGLs")}),
         Operation<&Class1::GetRootOnID>("GetRootOnID", {"Con", "RootId"}),
         Operation<&Class1::GetCachedRootOnID>("GetCachedRootOnID", {"Con", "RootId", "bFlushCache"}),
         Operation<&Class1::GetInstanceUID>("GetInstanceUID", {"Con"}),

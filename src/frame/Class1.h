@@ -54,8 +54,7 @@ public:
     ///
     /// Raises as `cGlobalLists::GetAllGLs`, `cGlobalLists::DeleteAll` and `cGlobalList::Save`. The deletion
     /// is not part of the transaction of that save: if the save fails, the earlier rows stay deleted.
-    void SaveGLSetting(Ref<Connection> Con, const gGlobalListIDs& GLId, const String& sSetting,
-                       const bool& bReplace);
+    void SaveGLSetting(Ref<Connection> Con, const gGlobalListIDs& GLId, const String& sSetting, const bool& bReplace);
 
     /// Stores the first text of the list `GLId` in `sFirstSetting` and returns true. The order is the
     /// database's. Replaces `cAllGLs` by a new object that holds the whole list.

@@ -11,8 +11,7 @@ namespace OXClass {
 /// The first call of a thread creates the instance. The thread drops its reference when it ends; the instance
 /// ends with its last reference. Each thread has an instance of its own, and only that thread may use it.
 template <class T>
-    requires(T::IsGlobal)
-const Ref<T>& Global() {
+requires(T::IsGlobal) const Ref<T>& Global() {
     thread_local const Ref<T> shared = New<T>();
     return shared;
 }

@@ -12,13 +12,11 @@ namespace OXClass {
 // All four raise 3709 for a null or closed connection, and what the database raises.
 
 /// Opens a statement for a plain read: forward-only, read-only, the rows where the connection keeps them.
-Ref<Recordset> OpenPlain(const Ref<Connection>& con, const String& statement,
-                         Long options = ADODB::adCmdText);
+Ref<Recordset> OpenPlain(const Ref<Connection>& con, const String& statement, Long options = ADODB::adCmdText);
 
 /// Opens a statement for a read with a client cursor: the rows are counted, and can be read without the
 /// connection.
-Ref<Recordset> OpenClient(const Ref<Connection>& con, const String& statement,
-                          Long options = ADODB::adCmdText);
+Ref<Recordset> OpenClient(const Ref<Connection>& con, const String& statement, Long options = ADODB::adCmdText);
 
 /// Opens a statement to change its rows or to add one: client cursor, keyset, optimistic locks.
 Ref<Recordset> OpenUpdatable(const Ref<Connection>& con, const String& statement);
@@ -69,16 +67,14 @@ T Nz(const Ref<Recordset>& rs, std::string_view column) {
 
 /// Returns the column as a whole number, rounded half to even; `otherwise` for a null.
 inline Long ValueOr(const Ref<Recordset>& rs, std::string_view column, Long otherwise) {
-    return OfColumn(rs, column, [otherwise](const ADODB::Field& field) {
-        return field.IsNull() ? otherwise : field.As<Long>();
-    });
+    return OfColumn(rs, column,
+                    [otherwise](const ADODB::Field& field) { return field.IsNull() ? otherwise : field.As<Long>(); });
 }
 
 /// Returns the column as a date of whole seconds. Raises 13 for a null and for a text that isn't a date.
 inline Date WholeSeconds(const Ref<Recordset>& rs, std::string_view column) {
-    return OfColumn(rs, column, [](const ADODB::Field& field) {
-        return CDate(Format(field.Value(), "yyyy-mm-dd hh:nn:ss"));
-    });
+    return OfColumn(rs, column,
+                    [](const ADODB::Field& field) { return CDate(Format(field.Value(), "yyyy-mm-dd hh:nn:ss")); });
 }
 
 /// The same after `NzValue`: the zero date for a null and for a text of blanks.

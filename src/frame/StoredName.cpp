@@ -17,16 +17,13 @@ bool IsPartOfAPath(const String& part) {
 }
 
 /// Returns true if `path` is a link whose target doesn't exist.
-bool IsDanglingLink(const fs::path& path) {
-    return fs::is_symlink(fs::symlink_status(path)) && !fs::exists(path);
-}
+bool IsDanglingLink(const fs::path& path) { return fs::is_symlink(fs::symlink_status(path)) && !fs::exists(path); }
 
 /// Returns true if `path` is below `root` after all links in both are resolved, as far as the path exists.
 bool LiesBelow(const fs::path& path, const fs::path& root) {
     const fs::path realRoot = fs::weakly_canonical(root);
     const fs::path realPath = fs::weakly_canonical(path);
-    const auto [rest, ignored] =
-        std::mismatch(realRoot.begin(), realRoot.end(), realPath.begin(), realPath.end());
+    const auto [rest, ignored] = std::mismatch(realRoot.begin(), realRoot.end(), realPath.begin(), realPath.end());
     return rest == realRoot.end();
 }
 

@@ -56,13 +56,7 @@ static_assert(offsetof(GeneralType, dbl1) == 24 && offsetof(GeneralType, dte1) =
 
 /// The group that a coded entry belongs to: region or modifier, of intra-oral (IO) or other X-ray (DX)
 /// images.
-enum CIDTypes : Long {
-    cidtRegionIO = 0,
-    cidtRegionDX = 1,
-    cidtModifierIO = 2,
-    cidtModifierDX = 3,
-    cidtOther = 999
-};
+enum CIDTypes : Long { cidtRegionIO = 0, cidtRegionDX = 1, cidtModifierIO = 2, cidtModifierDX = 3, cidtOther = 999 };
 
 /// A coded entry of DICOM: the scheme that defines the code, the code, and its meaning as text.
 struct CID {
@@ -94,9 +88,6 @@ struct Platform::EnumerationOf<OXClass::gtFuncs> {
 template <>
 struct Platform::EnumerationOf<OXClass::CIDTypes> {
     static constexpr const char* Name = "CIDTypes";
-    static constexpr EnumerationValue Values[] = {{"cidtRegionIO", 0},
-                                                  {"cidtRegionDX", 1},
-                                                  {"cidtModifierIO", 2},
-                                                  {"cidtModifierDX", 3},
-                                                  {"cidtOther", 999}};
+    static constexpr EnumerationValue Values[] = {
+        {"cidtRegionIO", 0}, {"cidtRegionDX", 1}, {"cidtModifierIO", 2}, {"cidtModifierDX", 3}, {"cidtOther", 999}};
 };

@@ -9,8 +9,8 @@ using namespace Platform;
 
 bool cGlobalList::Save(Ref<Connection> sConn) {
     if (GLSaved) {
-        sConn->Execute(sql("Update GlobalList_T ", "Set ListID=", ListID, ",", "ListText='",
-                           FixSqlString(ListText), "' WHERE GlobalListID=", GlobalListID));
+        sConn->Execute(sql("Update GlobalList_T ", "Set ListID=", ListID, ",", "ListText='", FixSqlString(ListText),
+                           "' WHERE GlobalListID=", GlobalListID));
         return false;
     }
     sConn->BeginTrans();

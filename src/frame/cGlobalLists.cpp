@@ -39,8 +39,7 @@ Ref<Recordset> OpenWhenTableIsThere(const Ref<Connection>& con, const String& st
 }  // namespace
 
 Long cGlobalLists::GetAllGLs(Ref<Connection> sConn, const gGlobalListIDs& ListID) {
-    const Ref<Recordset> rs =
-        OpenWhenTableIsThere(sConn, sql("SELECT * FROM GlobalList_T WHERE ListID=", ListID, ";"));
+    const Ref<Recordset> rs = OpenWhenTableIsThere(sConn, sql("SELECT * FROM GlobalList_T WHERE ListID=", ListID, ";"));
     Clear();
     for (; !rs->Eof(); rs->MoveNext()) {
         const Ref<cGlobalList> row = New<cGlobalList>();

@@ -84,8 +84,8 @@ String Suffix() {
     const Long shifted = Sum(ftHigh, shift);
     const String lead = CStr(CLng(static_cast<double>(r1) * 8.0 + 1.0));
     return "." + lead + HighWordText(ftLow, 5) + LowWordText(ftLow, 5) + LowWordText(shifted, 5) +
-           HighWordText(shifted | marker, 5) + LowWordText(Scaled(r2), 5) + HighWordText(t1, 5) +
-           LowWordText(t2, 5) + LowWordText(Scaled(r3), 5);
+           HighWordText(shifted | marker, 5) + LowWordText(Scaled(r2), 5) + HighWordText(t1, 5) + LowWordText(t2, 5) +
+           LowWordText(Scaled(r3), 5);
 }
 
 }  // namespace

@@ -15,17 +15,17 @@ namespace err = Platform::err;
 // The database.
 using ADODB::Connection, ADODB::Recordset;
 // Conversions.
-using Platform::CBool, Platform::CDate, Platform::CDbl, Platform::CInt, Platform::CLng, Platform::CSng,
-    Platform::CStr, Platform::Format, Platform::IsDate, Platform::ParseDate, Platform::To, Platform::Val;
+using Platform::CBool, Platform::CDate, Platform::CDbl, Platform::CInt, Platform::CLng, Platform::CSng, Platform::CStr,
+    Platform::Format, Platform::IsDate, Platform::ParseDate, Platform::To, Platform::Val;
 // Lists.
 using Platform::Collection, Platform::Each, Platform::Enumerable, Platform::Enumerator, Platform::Keyed;
 // Texts, whose lengths and positions count UTF-16 units.
 using Platform::Contains, Platform::EqualsIgnoringCase, Platform::FromUtf16, Platform::LCase, Platform::Left,
-    Platform::Len, Platform::Mid, Platform::Replace, Platform::Right, Platform::SplitIgnoringCase,
-    Platform::ToUtf16, Platform::Trim;
+    Platform::Len, Platform::Mid, Platform::Replace, Platform::Right, Platform::SplitIgnoringCase, Platform::ToUtf16,
+    Platform::Trim;
 // Services of the host.
-using Platform::CreateGuid, Platform::DoEvents, Platform::FileExists, Platform::Guid, Platform::MsgBox,
-    Platform::Now, Platform::Sleep, Platform::TheHost, Platform::TickCount, Platform::Timer;
+using Platform::CreateGuid, Platform::DoEvents, Platform::FileExists, Platform::Guid, Platform::MsgBox, Platform::Now,
+    Platform::Sleep, Platform::TheHost, Platform::TickCount, Platform::Timer;
 // Dates and values.
 using Platform::Date, Platform::DateFrom, Platform::FormatDate;
 using Platform::Empty, Platform::Integer, Platform::Long, Platform::Null, Platform::String, Platform::Variant;

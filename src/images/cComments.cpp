@@ -6,8 +6,8 @@ namespace OXClass {
 
 using namespace Platform;
 
-Ref<cStringItem> cComments::Add(const String& str, const Long& ID, const Date& DateStamp,
-                                const String& Signature, const String& sKey) {
+Ref<cStringItem> cComments::Add(const String& str, const Long& ID, const Date& DateStamp, const String& Signature,
+                                const String& sKey) {
     const Ref<cStringItem> item = New<cStringItem>();
     item->str = str;
     item->ID = ID;

@@ -29,21 +29,20 @@ const Ref<cComments>& cImage::Comments() {
 bool cImage::GetImage(const Ref<Connection>& Con, Long ImageBildID) {
     try {
         const Ref<Recordset> rs = OpenClient(
-            Con,
-            sql("SELECT ", "ImageBildID, ToothCollectionID, PatientID, ",
-                "DateCaptured_SD, Comments_NVC, StandCollName_NVC, ",
-                "ComputedDPI_INT, HardwareSourceId_INT, HardwareSourcetxt_NVC, ",
-                "ImageBild_T.RootId, GraphicURL_NVC, Invert_BT, StretchIntens_BT, ",
-                "Rotation_INT, Contrast_INT, Brightness_INT, Histogram_BT, ",
-                "ExposureTime_F, HorizMirror_BT, VerticalMirror_BT, CRC, ",
-                "Responsible_Person_NVC, Approved, ImageType, MirrRotStatus, ",
-                "DPIY_INT, DPIX_INT, Voltage_INT, Current_INT, ",
-                "Capture_Person_NVC, Pregnant_BT, XRaySource_NVC, PrevXrayDate_DT, Dosage_INT, ",
-                "Root_T.Status, Root_T.RootDirectory, Study_ID, Series_ID, SOPInstanceUID_NVC, "
-                "ImageNumberInSeries, DicomStatus_INT ,FrameNumber_INT,AnatomicRegion, ",
-                "DCMDerived_BT, Laterality, AnaRegion, AnaRegionMod, PriStructure, SubType_INT, Gamma_INT ",
-                "FROM ImageBild_T ", "LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId ",
-                "Where ImageBildID = ", ImageBildID, ";"));
+            Con, sql("SELECT ", "ImageBildID, ToothCollectionID, PatientID, ",
+                     "DateCaptured_SD, Comments_NVC, StandCollName_NVC, ",
+                     "ComputedDPI_INT, HardwareSourceId_INT, HardwareSourcetxt_NVC, ",
+                     "ImageBild_T.RootId, GraphicURL_NVC, Invert_BT, StretchIntens_BT, ",
+                     "Rotation_INT, Contrast_INT, Brightness_INT, Histogram_BT, ",
+                     "ExposureTime_F, HorizMirror_BT, VerticalMirror_BT, CRC, ",
+                     "Responsible_Person_NVC, Approved, ImageType, MirrRotStatus, ",
+                     "DPIY_INT, DPIX_INT, Voltage_INT, Current_INT, ",
+                     "Capture_Person_NVC, Pregnant_BT, XRaySource_NVC, PrevXrayDate_DT, Dosage_INT, ",
+                     "Root_T.Status, Root_T.RootDirectory, Study_ID, Series_ID, SOPInstanceUID_NVC, "
+                     "ImageNumberInSeries, DicomStatus_INT ,FrameNumber_INT,AnatomicRegion, ",
+                     "DCMDerived_BT, Laterality, AnaRegion, AnaRegionMod, PriStructure, SubType_INT, Gamma_INT ",
+                     "FROM ImageBild_T ", "LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId ",
+                     "Where ImageBildID = ", ImageBildID, ";"));
         rs->SetActiveConnection(nullptr);
         const bool found = !rs->Eof();
         loadCompletion_.Begin();
@@ -104,12 +103,11 @@ void cImage::ReadColumns(const Ref<Recordset>& rs, bool& repairing) {
     studyID = Nz<Long>(rs, "Study_ID");
     seriesID = Nz<Long>(rs, "Series_ID");
     instanceUID = Trim(TextOrEmpty(rs, "SOPInstanceUID_NVC"));
-    ImageNumberInSeries = WithColumnName(
-        "ImageNumberInSeries", [&] { return CLng(Val(Trim(TextOrEmpty(rs, "ImageNumberInSeries")))); });
+    ImageNumberInSeries =
+        WithColumnName("ImageNumberInSeries", [&] { return CLng(Val(Trim(TextOrEmpty(rs, "ImageNumberInSeries")))); });
     DicomStatus = Nz<Integer>(rs, "DicomStatus_INT");
     constexpr std::string_view frame = "FrameNumber_INT";
-    FrameNumber =
-        LateNumber(OfColumn(rs, frame, [](const ADODB::Field& field) { return NzValue(field.Value()); }));
+    FrameNumber = LateNumber(OfColumn(rs, frame, [](const ADODB::Field& field) { return NzValue(field.Value()); }));
     SubType = Nz<Long>(rs, "SubType_INT");
     ApprGamma = Nz<Long>(rs, "Gamma_INT");
     ApprCrop = Trim(TextOrEmpty(rs, "AnatomicRegion"));
@@ -118,8 +116,8 @@ void cImage::ReadColumns(const Ref<Recordset>& rs, bool& repairing) {
     WithColumnName(frame, [&] { return Long{FrameNumber}; });
 }
 
-void cImage::addComment(const String& sComment, const String& sSignature, const Date& commentDate,
-                        const bool& saved, const String&, const Long&) {
+void cImage::addComment(const String& sComment, const String& sSignature, const Date& commentDate, const bool& saved,
+                        const String&, const Long&) {
     const Ref<cStringItem> comment = New<cStringItem>();
     comment->str = sComment;
     comment->Signature = sSignature;
@@ -131,10 +129,9 @@ void cImage::addComment(const String& sComment, const String& sSignature, const 
 
 void cImage::GetComments(const Ref<Connection>& Con) {
     if (Comments()->Count() >= 1) return;
-    const Ref<Recordset> rs =
-        OpenPlain(Con, sql("SELECT Comments_T.* From Comments_T ",
-                           "Where (((Comments_T.tabelID)=1) AND ((Comments_T.objectID)=", ID, "))",
-                           "ORDER BY Comments_T.dates ASC;"));
+    const Ref<Recordset> rs = OpenPlain(Con, sql("SELECT Comments_T.* From Comments_T ",
+                                                 "Where (((Comments_T.tabelID)=1) AND ((Comments_T.objectID)=", ID,
+                                                 "))", "ORDER BY Comments_T.dates ASC;"));
     for (; !rs->Eof(); rs->MoveNext()) {
         const String text = Required<String>(rs, "commentString");
         const String signature = Required<String>(rs, "signature");

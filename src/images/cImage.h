@@ -123,8 +123,8 @@ public:
 
     /// Creates a comment and inserts it at the front. `saved` true means that it is already stored; if false,
     /// the next save stores it. `Action` and `objpointer` are ignored. Raises nothing.
-    void addComment(const String& sComment, const String& sSignature, const Date& commentDate,
-                    const bool& saved, const String& Action = {}, const Long& objpointer = 0);
+    void addComment(const String& sComment, const String& sSignature, const Date& commentDate, const bool& saved,
+                    const String& Action = {}, const Long& objpointer = 0);
 
     /// Stores the comments that aren't stored yet, and nothing else: the first 150 characters of text and
     /// signature. Doesn't check that the row of `ID` exists. Raises 91 if the list is null and what the

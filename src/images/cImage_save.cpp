@@ -11,9 +11,7 @@ namespace {
 Long Number(bool flag) { return flag ? -1 : 0; }
 
 /// Returns true if the comment marks the image as deleted: "Deleted " and a date of 19 characters.
-bool IsDeletionMark(const String& comment) {
-    return Left(comment, 8) == "Deleted " && IsDate(Mid(comment, 9, 19));
-}
+bool IsDeletionMark(const String& comment) { return Left(comment, 8) == "Deleted " && IsDate(Mid(comment, 9, 19)); }
 
 }  // namespace
 
@@ -33,10 +31,9 @@ void cImage::LookForRow(bool checkExistOnID, const Ref<Connection>& con) {
     const bool byID = checkExistOnID && ID != 0;
     if (!byID && instanceUID.empty()) return;
     const Ref<Recordset> rs = New<Recordset>();
-    rs->Open(
-        byID ? sql("SELECT * FROM ImageBild_T WHERE ImageBildID =", ID, ";")
-             : sql("SELECT * FROM ImageBild_T WHERE SOPInstanceUID_NVC ='", AsItStands(instanceUID), "';"),
-        con, ADODB::adOpenForwardOnly, ADODB::adLockOptimistic, ADODB::adCmdUnspecified);
+    rs->Open(byID ? sql("SELECT * FROM ImageBild_T WHERE ImageBildID =", ID, ";")
+                  : sql("SELECT * FROM ImageBild_T WHERE SOPInstanceUID_NVC ='", AsItStands(instanceUID), "';"),
+             con, ADODB::adOpenForwardOnly, ADODB::adLockOptimistic, ADODB::adCmdUnspecified);
     if (rs->Eof()) {
         ID = 0;
     } else if (ID == 0) {

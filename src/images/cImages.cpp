@@ -12,16 +12,14 @@ namespace {
 String LoadStatement(ImageOwnerOjectTypes owner, Long id, const String& clause) {
     constexpr char order[] = " ORDER BY DateCaptured_SD, ImageBildID";
     if (!clause.empty())
-        return sql("SELECT * FROM ImageBild_T LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId ",
-                   Clause(clause), order);
+        return sql("SELECT * FROM ImageBild_T LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId ", Clause(clause),
+                   order);
     if (owner == iootPatient)
-        return sql(
-            "SELECT * FROM ImageBild_T LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId where PatientID=",
-            id, order);
+        return sql("SELECT * FROM ImageBild_T LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId where PatientID=",
+                   id, order);
     if (owner == iootSeries)
-        return sql(
-            "SELECT * FROM ImageBild_T LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId where Series_ID=",
-            id, order);
+        return sql("SELECT * FROM ImageBild_T LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId where Series_ID=",
+                   id, order);
     return order;
 }
 
@@ -32,13 +30,13 @@ Long KeyOf(const Ref<Recordset>& rs) {
 
 }  // namespace
 
-Long cImages::LoadAll4Object(const Ref<Connection>& conn, const ImageOwnerOjectTypes& ObjectType,
-                             const Long& ID, const String& SQLWhereClause) {
+Long cImages::LoadAll4Object(const Ref<Connection>& conn, const ImageOwnerOjectTypes& ObjectType, const Long& ID,
+                             const String& SQLWhereClause) {
     return Load(conn, LoadStatement(ObjectType, ID, SQLWhereClause), true);
 }
 
-Long cImages::LoadReadable(const Ref<Connection>& conn, const ImageOwnerOjectTypes& ObjectType,
-                           const Long& ID, const String& SQLWhereClause) {
+Long cImages::LoadReadable(const Ref<Connection>& conn, const ImageOwnerOjectTypes& ObjectType, const Long& ID,
+                           const String& SQLWhereClause) {
     return Load(conn, LoadStatement(ObjectType, ID, SQLWhereClause), false);
 }
 
@@ -62,16 +60,16 @@ Long cImages::Load(const Ref<Connection>& con, const String& statement, bool par
     return count;
 }
 
-Ref<cImage> cImages::Add(const String& URL, const Long& ID, const xigImageTypes& ImageType,
-                         const String& sTeeth, const bool& Approved, const Long& PatID, const Date& dateTime,
-                         const Long& MirrRotStatus, const Long& DPIY, const Long& DPIX, const Long& RootId,
-                         const Long& Pregnant, const Long& ImageNumberInSeries, const Integer& DicomStatus,
-                         const Long& studyID, const Long& FrameNumber, const Long& seriesID,
-                         const String& instanceUID, const String& Laterality, const String& AnaRegion,
-                         const String& AnaRegionMod, const Ref<cComments>& Comments,
-                         const String& Root_RootDirectory, const String& HWSourceTxt, const Long& ApprGamma,
-                         const Long& ApprBrightness, const Long& ApprContrast, const bool& ApprInvert,
-                         const String& CapturePerson, const String& RespPerson, const String& sKey) {
+Ref<cImage> cImages::Add(const String& URL, const Long& ID, const xigImageTypes& ImageType, const String& sTeeth,
+                         const bool& Approved, const Long& PatID, const Date& dateTime, const Long& MirrRotStatus,
+                         const Long& DPIY, const Long& DPIX, const Long& RootId, const Long& Pregnant,
+                         const Long& ImageNumberInSeries, const Integer& DicomStatus, const Long& studyID,
+                         const Long& FrameNumber, const Long& seriesID, const String& instanceUID,
+                         const String& Laterality, const String& AnaRegion, const String& AnaRegionMod,
+                         const Ref<cComments>& Comments, const String& Root_RootDirectory, const String& HWSourceTxt,
+                         const Long& ApprGamma, const Long& ApprBrightness, const Long& ApprContrast,
+                         const bool& ApprInvert, const String& CapturePerson, const String& RespPerson,
+                         const String& sKey) {
     const Ref<cImage> image = New<cImage>();
     image->URL = URL;
     image->ID = ID;
@@ -115,8 +113,7 @@ Ref<cImage> cImages::AddObject(Ref<cImage>& oImage, const String& sKey) {
 
 const Interface& cImages::Describe() const {
     static const Interface& self = InterfaceOf<cImages>({
-        Operation<&cImages::LoadAll4Object>("LoadAll4Object",
-                                            {"conn", "ObjectType", "ID", Optional("SQLWhereClause")}),
+        Operation<&cImages::LoadAll4Object>("LoadAll4Object", {"conn", "ObjectType", "ID", Optional("SQLWhereClause")}),
         Operation<&cImages::Add>("Add", {"URL",
                                          "ID",
                                          "ImageType",

@@ -57,12 +57,11 @@ public:
                     const bool& Approved, const Long& PatID, const Date& dateTime, const Long& MirrRotStatus,
                     const Long& DPIY, const Long& DPIX, const Long& RootId, const Long& Pregnant,
                     const Long& ImageNumberInSeries, const Integer& DicomStatus, const Long& studyID,
-                    const Long& FrameNumber, const Long& seriesID, const String& instanceUID,
-                    const String& Laterality, const String& AnaRegion, const String& AnaRegionMod,
-                    const Ref<cComments>& Comments, const String& Root_RootDirectory,
-                    const String& HWSourceTxt, const Long& ApprGamma, const Long& ApprBrightness,
-                    const Long& ApprContrast, const bool& ApprInvert, const String& CapturePerson,
-                    const String& RespPerson, const String& sKey = {});
+                    const Long& FrameNumber, const Long& seriesID, const String& instanceUID, const String& Laterality,
+                    const String& AnaRegion, const String& AnaRegionMod, const Ref<cComments>& Comments,
+                    const String& Root_RootDirectory, const String& HWSourceTxt, const Long& ApprGamma,
+                    const Long& ApprBrightness, const Long& ApprContrast, const bool& ApprInvert,
+                    const String& CapturePerson, const String& RespPerson, const String& sKey = {});
 
     /// Adds an existing image at the end, under `sKey` unless that is empty, which also becomes the image's
     /// `Key`. Returns the image, and sets the caller's variable to null. Raises 457 if the key exists; the

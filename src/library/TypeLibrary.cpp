@@ -22,10 +22,9 @@ using Kind = MemberType::Kind;
 
 String Head(const Platform::LibraryDescription& library) {
     return String("// The type library of ") + library.Name +
-           ". Made by: oxclass idl\n\nimport \"oaidl.idl\";\n\n[\n    uuid(" + library.Identifier +
-           "),\n    version(" + library.Version + "),\n    lcid(" + CStr(std::int64_t{library.Locale}) +
-           "),\n    helpstring(\"" + library.HelpText + "\")\n]\nlibrary " + library.Name +
-           " {\n\nimportlib(\"stdole2.tlb\");\n\n";
+           ". Made by: oxclass idl\n\nimport \"oaidl.idl\";\n\n[\n    uuid(" + library.Identifier + "),\n    version(" +
+           library.Version + "),\n    lcid(" + CStr(std::int64_t{library.Locale}) + "),\n    helpstring(\"" +
+           library.HelpText + "\")\n]\nlibrary " + library.Name + " {\n\nimportlib(\"stdole2.tlb\");\n\n";
 }
 
 constexpr const char* Records = R"(// Records that the programs of the suite pass among themselves.
@@ -136,44 +135,35 @@ const char* KindText(MemberKind kind) {
 
 String MemberText(const Member& member) {
     String text = "    [id(" + Hexadecimal(member.DispId) + ")" + KindText(member.Kind) +
-                  (member.DispId == EnumeratorMember ? ", restricted" : "") + "] HRESULT " + member.Name +
-                  "(";
+                  (member.DispId == EnumeratorMember ? ", restricted" : "") + "] HRESULT " + member.Name + "(";
     String arguments;
     for (const Argument& argument : member.Arguments)
         arguments += (arguments.empty() ? "" : ", ") + ArgumentText(member, argument);
     if (member.Result.Is != Kind::None)
-        arguments += (arguments.empty() ? "[out, retval] " : ", [out, retval] ") + TypeText(member.Result) +
-                     "* Result";
+        arguments += (arguments.empty() ? "[out, retval] " : ", [out, retval] ") + TypeText(member.Result) + "* Result";
     return text + arguments + ");\n";
 }
 
 String InterfaceText(const ClassEntry& entry) {
-    String text = String("[object, uuid(") + entry.InterfaceID +
-                  "), dual, oleautomation, hidden, nonextensible]\n" + "interface _" + entry.Name +
-                  " : IDispatch {\n";
+    String text = String("[object, uuid(") + entry.InterfaceID + "), dual, oleautomation, hidden, nonextensible]\n" +
+                  "interface _" + entry.Name + " : IDispatch {\n";
     for (const Member& member : entry.Make()->Describe().Members()) text += MemberText(member);
     return text + "};\n\n";
 }
 
 String ClassText(const ClassEntry& entry) {
-    return String("// ") + (entry.IsGlobal ? "global, multi-use" : "multi-use") + "\n[uuid(" + entry.ClassID +
-           ")" + (entry.IsGlobal ? ", appobject" : "") + "]\ncoclass " + entry.Name +
-           " { [default] interface _" + entry.Name + "; };\n\n";
+    return String("// ") + (entry.IsGlobal ? "global, multi-use" : "multi-use") + "\n[uuid(" + entry.ClassID + ")" +
+           (entry.IsGlobal ? ", appobject" : "") + "]\ncoclass " + entry.Name + " { [default] interface _" +
+           entry.Name + "; };\n\n";
 }
 
 }  // namespace
 
 std::span<const Enumeration> PublicEnumerations() {
     static constexpr std::array enumerations{
-        EnumerationFor<xigImageTypes>(),
-        EnumerationFor<DoctorType>(),
-        EnumerationFor<gdcmObjectLocation>(),
-        EnumerationFor<gGlobalListIDs>(),
-        EnumerationFor<ImageOwnerOjectTypes>(),
-        EnumerationFor<ManipulationType>(),
-        EnumerationFor<CardTypes>(),
-        EnumerationFor<AnaDescType>(),
-        EnumerationFor<gtFuncs>(),
+        EnumerationFor<xigImageTypes>(),  EnumerationFor<DoctorType>(),           EnumerationFor<gdcmObjectLocation>(),
+        EnumerationFor<gGlobalListIDs>(), EnumerationFor<ImageOwnerOjectTypes>(), EnumerationFor<ManipulationType>(),
+        EnumerationFor<CardTypes>(),      EnumerationFor<AnaDescType>(),          EnumerationFor<gtFuncs>(),
         EnumerationFor<CIDTypes>(),
     };
     return enumerations;

@@ -19,8 +19,7 @@ Json JsonOf(std::span<const Enumeration> enumerations) {
     Json list = Json::array();
     for (const Enumeration& enumeration : enumerations) {
         Json values = Json::array();
-        for (const auto& value : enumeration.Values)
-            values.push_back({{"name", value.Name}, {"value", value.Value}});
+        for (const auto& value : enumeration.Values) values.push_back({{"name", value.Name}, {"value", value.Value}});
         list.push_back({{"name", enumeration.Name}, {"values", std::move(values)}});
     }
     return list;

@@ -40,8 +40,7 @@ bool cClinic::SaveClinic(const Ref<Connection>& Con) {
 
 bool cClinic::LoadClinic(Long ClinicID, const Ref<Connection>& Con) {
     return Prefixed("cClinic.LoadClinic, ", [&] {
-        const Ref<Recordset> rs =
-            OpenPlain(Con, sql("SELECT * FROM Clinic_T  ", " WHERE ClinicID =", ClinicID, ";"));
+        const Ref<Recordset> rs = OpenPlain(Con, sql("SELECT * FROM Clinic_T  ", " WHERE ClinicID =", ClinicID, ";"));
         const bool found = !rs->Eof();
         if (found) {
             ID = Required<Long>(rs, "ClinicID");

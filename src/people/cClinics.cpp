@@ -23,8 +23,8 @@ Long cClinics::GetAllClinics(const Ref<Connection>& Con) {
     return Prefixed("cClinics.GetAllClinics, ", [&] {
         const Ref<Recordset> rs = New<Recordset>();
         rs->SetCursorLocation(ADODB::adUseClient);
-        rs->Open("SELECT * FROM Clinic_T order by ClinicName;", Con, ADODB::adOpenDynamic,
-                 ADODB::adLockPessimistic, ADODB::adCmdUnspecified);
+        rs->Open("SELECT * FROM Clinic_T order by ClinicName;", Con, ADODB::adOpenDynamic, ADODB::adLockPessimistic,
+                 ADODB::adCmdUnspecified);
         if (rs->Eof()) {
             rs->AddNew();
             rs->Collect("ClinicName", HeadOffice);
@@ -46,9 +46,9 @@ Long cClinics::GetAllClinics(const Ref<Connection>& Con) {
     });
 }
 
-Ref<cClinic> cClinics::Add(const Long& ID, const String& ClinicName, const String& OrgNumber,
-                           const String& ZipCode, const String& StreetAddress, const String& City,
-                           const String& Telephone, const String& Remarks16, const String& sKey) {
+Ref<cClinic> cClinics::Add(const Long& ID, const String& ClinicName, const String& OrgNumber, const String& ZipCode,
+                           const String& StreetAddress, const String& City, const String& Telephone,
+                           const String& Remarks16, const String& sKey) {
     const Ref<cClinic> clinic = New<cClinic>();
     clinic->ID = ID;
     clinic->ClinicName = ClinicName;

@@ -41,8 +41,8 @@ public:
     /// Creates a clinic with these values, adds it at the end, under `sKey` unless that is empty, and returns
     /// it. Stores nothing. Raises 457 if the key exists; the list stays unchanged then.
     Ref<cClinic> Add(const Long& ID, const String& ClinicName, const String& OrgNumber, const String& ZipCode,
-                     const String& StreetAddress, const String& City, const String& Telephone,
-                     const String& Remarks16, const String& sKey = {});
+                     const String& StreetAddress, const String& City, const String& Telephone, const String& Remarks16,
+                     const String& sKey = {});
 
     const Interface& Describe() const override;
 

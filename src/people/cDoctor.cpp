@@ -16,8 +16,7 @@ String cDoctor::GetDCMName() const {
 
 Long cDoctor::PatientCount(const Ref<Connection>& Con) const {
     return Prefixed("cDoctor.PatientCount, ", [&] {
-        const Ref<Recordset> rs =
-            OpenClient(Con, sql("SELECT * FROM Patient_T WHERE RespDoctor =", drID, ";"));
+        const Ref<Recordset> rs = OpenClient(Con, sql("SELECT * FROM Patient_T WHERE RespDoctor =", drID, ";"));
         const Long count = rs->RecordCount();
         rs->Close();
         return count;

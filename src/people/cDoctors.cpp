@@ -4,7 +4,6 @@
 #include "people/OutsideGUID.h"
 #include "platform/component/dispatch/InterfaceTable.h"
 
-
 namespace OXClass {
 
 using namespace Platform;
@@ -12,8 +11,8 @@ using namespace Platform;
 Long cDoctors::GetAllDoctors(const Ref<Connection>& Con) {
     Clear();
     return Prefixed("cDoctors.GetAllDoctors, ", [&] {
-        const Ref<Recordset> rs = OpenClient(
-            Con, "SELECT * FROM Doctor_T order by DrLastName_nvc, DrFirstname_nvc;", ADODB::adCmdUnspecified);
+        const Ref<Recordset> rs = OpenClient(Con, "SELECT * FROM Doctor_T order by DrLastName_nvc, DrFirstname_nvc;",
+                                             ADODB::adCmdUnspecified);
         Long count = 0;
         for (; !rs->Eof(); rs->MoveNext()) {
             // Braces read the columns in this order, so that of several bad columns the first one raises.
@@ -34,9 +33,9 @@ Long cDoctors::GetAllDoctors(const Ref<Connection>& Con) {
     });
 }
 
-Ref<cDoctor> cDoctors::Add(const Long& drID, const String& DrName, const String& DrFirstName,
-                           const String& DrLastName, const String& DrPrefix, const String& DrContactInfo,
-                           const DoctorType& DrType, const String& sKey) {
+Ref<cDoctor> cDoctors::Add(const Long& drID, const String& DrName, const String& DrFirstName, const String& DrLastName,
+                           const String& DrPrefix, const String& DrContactInfo, const DoctorType& DrType,
+                           const String& sKey) {
     const Ref<cDoctor> doctor = New<cDoctor>();
     doctor->drID = drID;
     doctor->DrName = DrName;
@@ -53,8 +52,8 @@ String cDoctors::GetGUID() const { return NewDoctorGUID(); }
 const Interface& cDoctors::Describe() const {
     static const Interface& self = InterfaceOf<cDoctors>({
         Operation<&cDoctors::GetAllDoctors>("GetAllDoctors", {"Con"}),
-        Operation<&cDoctors::Add>("Add", {"drID", "DrName", "DrFirstName", "DrLastName", "DrPrefix",
-                                          "DrContactInfo", "DrType", Optional("sKey")}),
+        Operation<&cDoctors::Add>("Add", {"drID", "DrName", "DrFirstName", "DrLastName", "DrPrefix", "DrContactInfo",
+                                          "DrType", Optional("sKey")}),
         ReadOnly<&cDoctors::Item>("Item", {"vntIndexKey"}, DefaultMember),
         ReadOnly<&cDoctors::Count>("Count"),
         Operation<&cDoctors::Remove>("Remove", {"vntIndexKey"}),

@@ -24,9 +24,9 @@ public:
 
     /// Creates a doctor with these values, adds it at the end, under `sKey` unless that is empty, and returns
     /// it. Stores nothing. Raises 457 if the key exists; the list stays unchanged then.
-    Ref<cDoctor> Add(const Long& drID, const String& DrName, const String& DrFirstName,
-                     const String& DrLastName, const String& DrPrefix, const String& DrContactInfo,
-                     const DoctorType& DrType, const String& sKey = {});
+    Ref<cDoctor> Add(const Long& drID, const String& DrName, const String& DrFirstName, const String& DrLastName,
+                     const String& DrPrefix, const String& DrContactInfo, const DoctorType& DrType,
+                     const String& sKey = {});
 
     /// Returns a new GUID as 32 hexadecimal digits in upper case, without braces and dashes. Returns the
     /// empty text if the system can't create one. Raises nothing.

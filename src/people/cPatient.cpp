@@ -27,10 +27,10 @@ Long cPatient::LoadOnPatientIDorPDBID(Ref<Connection> Con, const String& sPatien
     loadCompletion_.Begin();
     return Boxed(
         [&]() -> Long {
-            const Ref<Recordset> rs =
-                OpenClient(Con, sPatientID.empty() ? sql("SELECT * FROM Patient_T WHERE PatientID = ", PDBID)
-                                                   : sql("SELECT * FROM Patient_T WHERE PersonNr_CH = '",
-                                                         UCase(FixSqlString(sPatientID)), "'"));
+            const Ref<Recordset> rs = OpenClient(
+                Con, sPatientID.empty()
+                         ? sql("SELECT * FROM Patient_T WHERE PatientID = ", PDBID)
+                         : sql("SELECT * FROM Patient_T WHERE PersonNr_CH = '", UCase(FixSqlString(sPatientID)), "'"));
             if (rs->Eof()) return 0;
             ReadRow(rs);
             return 1;
@@ -71,34 +71,32 @@ String cPatient::OtherIDsColumn() const {
 
 String cPatient::UpdateStatement(const String& birth, const String& previous) const {
     return sql("Update Patient_T ", "Set Firstname_NVC='", FixSqlString(FirstName), "',", "LastName_NVC='",
-               FixSqlString(LastName), "',", "Birthdate_CH='", AsItStands(birth), "',",
-               "PrevXrayDate_CH='", AsItStands(previous), "',", "Address_NVC='",
-               FixSqlString(Address), "',", "TelOne_NVC='", FixSqlString(TelOne), "',", "TelTwo_NVC='",
-               FixSqlString(TelTwo), "',", "TelMobile_NVC ='", FixSqlString(TelMobile), "',",
-               "email_adress='", FixSqlString(EMail), "',", "Comments_NVC='", FixSqlString(Comments), "',",
-               "IDImg='", FixSqlString(IDImg), "',", "OtherIDs='", AsItStands(OtherIDsColumn()), "',",
-               "Sex_CH='", AsItStands(Sex), "', ", "RespDoctor=", RespDoctor, " ", "Where ", "PersonNr_CH ='",
-               FixSqlString(UCase(PatientID)), "'");
+               FixSqlString(LastName), "',", "Birthdate_CH='", AsItStands(birth), "',", "PrevXrayDate_CH='",
+               AsItStands(previous), "',", "Address_NVC='", FixSqlString(Address), "',", "TelOne_NVC='",
+               FixSqlString(TelOne), "',", "TelTwo_NVC='", FixSqlString(TelTwo), "',", "TelMobile_NVC ='",
+               FixSqlString(TelMobile), "',", "email_adress='", FixSqlString(EMail), "',", "Comments_NVC='",
+               FixSqlString(Comments), "',", "IDImg='", FixSqlString(IDImg), "',", "OtherIDs='",
+               AsItStands(OtherIDsColumn()), "',", "Sex_CH='", AsItStands(Sex), "', ", "RespDoctor=", RespDoctor, " ",
+               "Where ", "PersonNr_CH ='", FixSqlString(UCase(PatientID)), "'");
 }
 
 String cPatient::InsertStatement(const String& birth, const String& previous) const {
-    return sql(
-        "INSERT INTO Patient_T ",
-        "(PersonNr_CH, Birthdate_CH, Firstname_NVC, LastName_NVC, Sex_CH, OtherIDs, RespDoctor, "
-        "Address_NVC,TelOne_NVC, TelTwo_NVC, TelMobile_NVC, email_adress, Comments_NVC, PrevXrayDate_CH, "
-        "IDImg) ",
-        "VALUES (", "'", UCase(FixSqlString(PatientID)), "', ", "'", FixSqlString(birth),
-        "', ", "'", FixSqlString(FirstName), "', ", "'", FixSqlString(LastName), "', ", "'", AsItStands(Sex),
-        "',", "'", AsItStands(OtherIDsColumn()), "', ", RespDoctor, ", ", "'", FixSqlString(Address), "', ",
-        "'", FixSqlString(TelOne), "', ", "'", FixSqlString(TelTwo), "', ", "'", FixSqlString(TelMobile),
-        "', ", "'", FixSqlString(EMail), "', ", "'", FixSqlString(Comments), "', ", "'",
-        AsItStands(previous), "', ", "'", FixSqlString(IDImg), "' ", ");");
+    return sql("INSERT INTO Patient_T ",
+               "(PersonNr_CH, Birthdate_CH, Firstname_NVC, LastName_NVC, Sex_CH, OtherIDs, RespDoctor, "
+               "Address_NVC,TelOne_NVC, TelTwo_NVC, TelMobile_NVC, email_adress, Comments_NVC, PrevXrayDate_CH, "
+               "IDImg) ",
+               "VALUES (", "'", UCase(FixSqlString(PatientID)), "', ", "'", FixSqlString(birth), "', ", "'",
+               FixSqlString(FirstName), "', ", "'", FixSqlString(LastName), "', ", "'", AsItStands(Sex), "',", "'",
+               AsItStands(OtherIDsColumn()), "', ", RespDoctor, ", ", "'", FixSqlString(Address), "', ", "'",
+               FixSqlString(TelOne), "', ", "'", FixSqlString(TelTwo), "', ", "'", FixSqlString(TelMobile), "', ", "'",
+               FixSqlString(EMail), "', ", "'", FixSqlString(Comments), "', ", "'", AsItStands(previous), "', ", "'",
+               FixSqlString(IDImg), "' ", ");");
 }
 
 Long cPatient::Save(Ref<Connection> Con) {
     const String birth = DateColumn(BirthDate), previous = DateColumn(PrevXrayDate);
-    const Ref<Recordset> rs = OpenPlain(
-        Con, sql("Select * from Patient_T where ", "(PersonNr_CH) = '", UCase(FixSqlString(PatientID)), "'"));
+    const Ref<Recordset> rs =
+        OpenPlain(Con, sql("Select * from Patient_T where ", "(PersonNr_CH) = '", UCase(FixSqlString(PatientID)), "'"));
     if (!rs->Eof()) {
         ID = Required<Long>(rs, "PatientID");
         rs->Close();

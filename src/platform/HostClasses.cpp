@@ -21,8 +21,7 @@ namespace {
 
 ClassRegistry::ClassRecord RecordOf(const String& name) {
     if (const auto record = ClassRegistry::Find(name)) return *record;
-    RaiseCannotCreate("no class is registered as \"" + name +
-                      "\". \"oxclass register\" registers the library");
+    RaiseCannotCreate("no class is registered as \"" + name + "\". \"oxclass register\" registers the library");
 }
 
 /// The dispatch interface of one of this host's objects, in place of the reference given.
@@ -38,8 +37,7 @@ IDispatch* CreateFrom(const ClassRegistry::ClassRecord& record) {
     void *factory = nullptr, *object = nullptr;
     HRESULT code = E_FAIL;
     try {
-        code = LoadedLibrary(record.Library)
-                   .GetClassObject(GuidOf(record.Identifier), IID_IClassFactory, &factory);
+        code = LoadedLibrary(record.Library).GetClassObject(GuidOf(record.Identifier), IID_IClassFactory, &factory);
     } catch (const Error& failure) {
         RaiseCannotCreate(failure.Description);
     }
@@ -93,12 +91,12 @@ Library& HostLibrary() {
 
 std::span<const ClassEntry> HostClasses() {
     static constexpr std::array classes{
-        ClassEntry{"Collection", "b07496b6-c795-5704-a72a-0e5087592d58",
-                   "6d0f13c2-8228-54a7-a028-362f19c437b7", false, MakeNew<Collection>},
-        ClassEntry{"ADODB.Connection", "af08d789-e2f0-562b-9693-87a87dec653a",
-                   "fbdb9dc4-5416-51fa-a01c-f900d5ae8b84", false, MakeNew<ADODB::Connection>},
-        ClassEntry{"ADODB.Recordset", "306e5bc6-1782-561a-83de-05525f9ef451",
-                   "69a26778-88e4-5199-9dea-f06960e2e3ca", false, MakeNew<ADODB::Recordset>},
+        ClassEntry{"Collection", "b07496b6-c795-5704-a72a-0e5087592d58", "6d0f13c2-8228-54a7-a028-362f19c437b7", false,
+                   MakeNew<Collection>},
+        ClassEntry{"ADODB.Connection", "af08d789-e2f0-562b-9693-87a87dec653a", "fbdb9dc4-5416-51fa-a01c-f900d5ae8b84",
+                   false, MakeNew<ADODB::Connection>},
+        ClassEntry{"ADODB.Recordset", "306e5bc6-1782-561a-83de-05525f9ef451", "69a26778-88e4-5199-9dea-f06960e2e3ca",
+                   false, MakeNew<ADODB::Recordset>},
     };
     return classes;
 }
@@ -118,19 +116,17 @@ std::vector<const Interface*> HostInterfaces() {
 std::span<const Enumeration> HostEnumerations() {
     using namespace ADODB;
     static constexpr std::array enumerations{
-        EnumerationFor<CursorLocationEnum>(), EnumerationFor<CursorTypeEnum>(),
-        EnumerationFor<LockTypeEnum>(),       EnumerationFor<CommandTypeEnum>(),
-        EnumerationFor<ObjectStateEnum>(),    EnumerationFor<EditModeEnum>(),
-        EnumerationFor<AffectEnum>(),         EnumerationFor<PositionEnum>(),
-        EnumerationFor<EventStatusEnum>(),    EnumerationFor<DataTypeEnum>(),
+        EnumerationFor<CursorLocationEnum>(), EnumerationFor<CursorTypeEnum>(),  EnumerationFor<LockTypeEnum>(),
+        EnumerationFor<CommandTypeEnum>(),    EnumerationFor<ObjectStateEnum>(), EnumerationFor<EditModeEnum>(),
+        EnumerationFor<AffectEnum>(),         EnumerationFor<PositionEnum>(),    EnumerationFor<EventStatusEnum>(),
+        EnumerationFor<DataTypeEnum>(),
     };
     return enumerations;
 }
 
 const LibraryFile& LoadedLibrary(const String& path) {
     static std::mutex guard;
-    static auto& loaded =
-        *new std::map<String, std::unique_ptr<LibraryFile>>;  // for calls until the process is gone
+    static auto& loaded = *new std::map<String, std::unique_ptr<LibraryFile>>;  // for calls until the process is gone
     const std::scoped_lock lock(guard);
     std::unique_ptr<LibraryFile>& file = loaded[path];
     if (!file) file = std::make_unique<LibraryFile>(path);

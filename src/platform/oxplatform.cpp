@@ -244,8 +244,7 @@ ADODB::Connection& ConnectionOf(IUnknown* pointer) {
 
 ClientEvents& EventsOf(const ADODB::Connection& connection, ULONG cookie) {
     for (ADODB::ConnectionEvents* handler : connection.Handlers())
-        if (auto* events = dynamic_cast<ClientEvents*>(handler); events && events->Cookie == cookie)
-            return *events;
+        if (auto* events = dynamic_cast<ClientEvents*>(handler); events && events->Cookie == cookie) return *events;
     Fail(E_INVALIDARG, "The connection has no events of this cookie");
 }
 

@@ -20,10 +20,9 @@ void cSerie::adjustLocationStatus() {
 bool cSerie::loadSeries(String Series, const Ref<Connection>& Con) {
     return Prefixed("cSerie.loadseries, ", [&] {
         const Ref<Recordset> rs = OpenPlain(
-            Con,
-            Contains(Series, ".")
-                ? sql("SELECT * FROM Series_T  ", " WHERE seriesInstanceUID ='", AsItStands(Series), "';")
-                : sql("SELECT * FROM Series_T  ", " WHERE series_id =", AsItStands(Series), ";"));
+            Con, Contains(Series, ".")
+                     ? sql("SELECT * FROM Series_T  ", " WHERE seriesInstanceUID ='", AsItStands(Series), "';")
+                     : sql("SELECT * FROM Series_T  ", " WHERE series_id =", AsItStands(Series), ";"));
         const bool found = !rs->Eof();
         if (found) ReadRow(rs);
         rs->Close();
@@ -49,10 +48,10 @@ void cSerie::ReadRow(const Ref<Recordset>& rs) {
 bool cSerie::SaveSeries(const bool& CheckExistOnID, const Ref<Connection>& Con) {
     return Prefixed("cSerie.SaveSeries, ", [&] {
         if (instanceUID.empty() || studyID == 0) return false;
-        const Ref<Recordset> rs =
-            OpenUpdatable(Con, CheckExistOnID ? sql("SELECT * FROM Series_T WHERE series_id =", ID, ";")
-                                              : sql("SELECT * FROM Series_T WHERE SeriesInstanceUID ='",
-                                                    AsItStands(instanceUID), "';"));
+        const Ref<Recordset> rs = OpenUpdatable(
+            Con, CheckExistOnID
+                     ? sql("SELECT * FROM Series_T WHERE series_id =", ID, ";")
+                     : sql("SELECT * FROM Series_T WHERE SeriesInstanceUID ='", AsItStands(instanceUID), "';"));
         if (rs->Eof()) rs->AddNew();
         WriteRow(rs);
         rs->Update();

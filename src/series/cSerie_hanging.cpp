@@ -27,9 +27,8 @@ String ModifierOf(char last) { return String("T-5100") + last; }
 using Teeth = std::initializer_list<Integer>;
 
 std::size_t Selected(const ToothSet& teeth, Teeth wanted) {
-    return static_cast<std::size_t>(std::count_if(wanted.begin(), wanted.end(), [&](Integer tooth) {
-        return teeth.test(static_cast<std::size_t>(tooth));
-    }));
+    return static_cast<std::size_t>(std::count_if(
+        wanted.begin(), wanted.end(), [&](Integer tooth) { return teeth.test(static_cast<std::size_t>(tooth)); }));
 }
 
 bool Some(const ToothSet& teeth, Teeth wanted) { return Selected(teeth, wanted) > 0; }
@@ -212,8 +211,7 @@ void Hanging::Place(Long layout, const Ref<Connection>& conn) {
 
 bool Hanging::Belongs(Hung& hung, const Frame& frame, char modifier) {
     const cImage& image = *hung.image;
-    if (image.FrameNumber != 0 || image.Laterality != frame.laterality || image.AnaRegion != frame.region)
-        return false;
+    if (image.FrameNumber != 0 || image.Laterality != frame.laterality || image.AnaRegion != frame.region) return false;
     if (image.AnaRegionMod == ModifierOf(modifier)) return true;
     if (!hung.teeth) hung.teeth = TeethOf(image.sTeeth);
     return TeethFitMod(*hung.teeth, modifier);

@@ -24,10 +24,10 @@ void UnlessColumnIsMissing(Step step) {
 
 bool cStudy::loadStudy(String Study, const Ref<Connection>& Con) {
     return Prefixed("cStudy.loadStudy, ", [&] {
-        const Ref<Recordset> rs = OpenPlain(
-            Con, Contains(Study, ".")
-                     ? sql("SELECT * FROM Study_T  ", " WHERE StudyInstanceUID ='", AsItStands(Study), "';")
-                     : sql("SELECT * FROM Study_T  ", " WHERE study_id =", AsItStands(Study), ";"));
+        const Ref<Recordset> rs =
+            OpenPlain(Con, Contains(Study, ".")
+                               ? sql("SELECT * FROM Study_T  ", " WHERE StudyInstanceUID ='", AsItStands(Study), "';")
+                               : sql("SELECT * FROM Study_T  ", " WHERE study_id =", AsItStands(Study), ";"));
         const bool found = !rs->Eof();
         if (found) ReadRow(rs);
         rs->Close();
@@ -50,10 +50,10 @@ void cStudy::ReadRow(const Ref<Recordset>& rs) {
 
 bool cStudy::savestudy(const bool& CheckExistOnID, const Ref<Connection>& Con) {
     return Prefixed("cStudy.SaveStudy, ", [&] {
-        const Ref<Recordset> rs =
-            OpenUpdatable(Con, CheckExistOnID ? sql("SELECT * FROM study_T WHERE study_id =", ID, ";")
-                                              : sql("SELECT * FROM study_T WHERE StudyInstanceUID = '",
-                                                    AsItStands(instanceUID), "';"));
+        const Ref<Recordset> rs = OpenUpdatable(
+            Con, CheckExistOnID
+                     ? sql("SELECT * FROM study_T WHERE study_id =", ID, ";")
+                     : sql("SELECT * FROM study_T WHERE StudyInstanceUID = '", AsItStands(instanceUID), "';"));
         if (rs->Eof()) rs->AddNew();
         WriteRow(rs);
         rs->Update();

@@ -18,10 +18,9 @@ std::vector<Integer> Read(const String& teeth) {
 }
 
 TEST(ToothText, TheFullSetHasFiftyTwoTeethQuadrantByQuadrant) {
-    const std::vector<Integer> expected{11, 12, 13, 14, 15, 16, 17, 18, 21, 22, 23, 24, 25,
-                                        26, 27, 28, 31, 32, 33, 34, 35, 36, 37, 38, 41, 42,
-                                        43, 44, 45, 46, 47, 48, 51, 52, 53, 54, 55, 61, 62,
-                                        63, 64, 65, 71, 72, 73, 74, 75, 81, 82, 83, 84, 85};
+    const std::vector<Integer> expected{11, 12, 13, 14, 15, 16, 17, 18, 21, 22, 23, 24, 25, 26, 27, 28, 31, 32,
+                                        33, 34, 35, 36, 37, 38, 41, 42, 43, 44, 45, 46, 47, 48, 51, 52, 53, 54,
+                                        55, 61, 62, 63, 64, 65, 71, 72, 73, 74, 75, 81, 82, 83, 84, 85};
     EXPECT_THAT(AllTeeth, ElementsAreArray(expected));
 }
 
@@ -29,9 +28,7 @@ TEST(ToothText, RecordsComeInTheTextsOrder) { EXPECT_THAT(Read("48,11,85,"), Ele
 
 TEST(ToothText, TheLastCommaMayBeMissing) { EXPECT_THAT(Read("11,21"), ElementsAre(11, 21)); }
 
-TEST(ToothText, WhatStandsBetweenTheRecordsDoesNotMatter) {
-    EXPECT_THAT(Read("11;21 48x"), ElementsAre(11, 21, 48));
-}
+TEST(ToothText, WhatStandsBetweenTheRecordsDoesNotMatter) { EXPECT_THAT(Read("11;21 48x"), ElementsAre(11, 21, 48)); }
 
 TEST(ToothText, BlanksSelectNothing) {
     EXPECT_THAT(Read(""), IsEmpty());
@@ -39,16 +36,13 @@ TEST(ToothText, BlanksSelectNothing) {
 }
 
 TEST(ToothText, WhatNamesNoToothFails) {
-    for (const char* text :
-         {"19,", "59,", "86,", "10,", "00,", "1", " 11,", "1 ,", "ab,", "\t", "１１,", "-1,", "91,"})
+    for (const char* text : {"19,", "59,", "86,", "10,", "00,", "1", " 11,", "1 ,", "ab,", "\t", "１１,", "-1,", "91,"})
         EXPECT_EQ(FailureOf([&] { Read(text); }).Number, 91) << text;
 }
 
 TEST(ToothText, RecordsBeforeABadOneAreHandedOut) {
     std::vector<Integer> numbers;
-    const auto read = [&] {
-        ReadToothString("11,19,21,", [&](Integer number) { numbers.push_back(number); });
-    };
+    const auto read = [&] { ReadToothString("11,19,21,", [&](Integer number) { numbers.push_back(number); }); };
     EXPECT_EQ(FailureOf(read).Number, 91);
     EXPECT_THAT(numbers, ElementsAre(11));
 }

@@ -101,8 +101,7 @@ TEST_F(Description, HasTheDocumentedMembersBesidesThePassingOfTheConnection) {
     std::vector<String> expected;
     for (const String& member : documented) expected.push_back(Replace(member, "Connection&", "Connection"));
     std::vector<String> actual;
-    for (const String& member : MembersOf(*group))
-        actual.push_back(Replace(member, "Connection&", "Connection"));
+    for (const String& member : MembersOf(*group)) actual.push_back(Replace(member, "Connection&", "Connection"));
     EXPECT_EQ(actual, expected);
 }
 
@@ -195,8 +194,7 @@ TEST_F(Description, NullTextsReadAsEmptyAndANullNameToo) {
     FillAll();
     group->ADName = "";
     group->LoadSGN(con, 77);
-    EXPECT_EQ(group->ADLaterality + group->ADAnaRegion + group->ADAnaRegionMod + group->ADPriStructure +
-                  group->ADName,
+    EXPECT_EQ(group->ADLaterality + group->ADAnaRegion + group->ADAnaRegionMod + group->ADPriStructure + group->ADName,
               "");
 }
 
@@ -249,20 +247,18 @@ TEST_F(Description, UpdatesWhereTheKeyIsAboveZero) {
     FillAll();
     group->ID = 40;
     EXPECT_EQ(group->SaveSGN(con), Yes());
-    EXPECT_THAT(Sent(),
-                ElementsAre("UPDATE StandardGroupName SET Name='O''Group', Comments='it''s', OrderNo=6, "
-                            "TGId=77, ADType =1, ADLaterality ='L', ADAnaRegion ='T-D1213', "
-                            "ADAnaRegionMod ='G-A1', ADPriStructure ='T-54' WHERE StandardNameID=40;"));
+    EXPECT_THAT(Sent(), ElementsAre("UPDATE StandardGroupName SET Name='O''Group', Comments='it''s', OrderNo=6, "
+                                    "TGId=77, ADType =1, ADLaterality ='L', ADAnaRegion ='T-D1213', "
+                                    "ADAnaRegionMod ='G-A1', ADPriStructure ='T-54' WHERE StandardNameID=40;"));
     EXPECT_EQ(Ask("SELECT Tooth11 FROM StandardGroupName"), Variant(Long{5}));
 }
 
 TEST_F(Description, ANewRowWithAGroupKeepsItAndRunsNoUpdate) {
     FillAll();
     EXPECT_EQ(group->SaveSGN(con), Yes());
-    EXPECT_THAT(Sent(),
-                ElementsAre("BeginTrans",
-                            columns + "'O''Group', 'it''s', 6, 77, 1, 'L', 'T-D1213', 'G-A1', 'T-54'" + zeros,
-                            keyOfAll, "CommitTrans"));
+    EXPECT_THAT(Sent(), ElementsAre("BeginTrans",
+                                    columns + "'O''Group', 'it''s', 6, 77, 1, 'L', 'T-D1213', 'G-A1', 'T-54'" + zeros,
+                                    keyOfAll, "CommitTrans"));
     EXPECT_EQ(group->ID, 1);
     EXPECT_EQ(group->ADId, 77);
     EXPECT_EQ(Ask("SELECT Tooth85 FROM StandardGroupName"), Variant(Long{0}));
@@ -278,8 +274,7 @@ TEST_F(Description, ANewRowWithoutAGroupGetsItsKeyPlusAThousand) {
     EXPECT_EQ(Ask("SELECT TGId FROM StandardGroupName WHERE StandardNameID=40"), Variant(Long{1040}));
     EXPECT_THAT(
         Sent(),
-        ElementsAre("BeginTrans",
-                    columns + "'O''Group', 'it''s', 6, 0, 1, 'L', 'T-D1213', 'G-A1', 'T-54'" + zeros,
+        ElementsAre("BeginTrans", columns + "'O''Group', 'it''s', 6, 0, 1, 'L', 'T-D1213', 'G-A1', 'T-54'" + zeros,
                     keyOfAll, "CommitTrans",
                     "UPDATE StandardGroupName SET Name='O''Group', Comments='it''s', OrderNo=6, TGId=1040, "
                     "ADType =1, ADLaterality ='L', ADAnaRegion ='T-D1213', ADAnaRegionMod ='G-A1', "
@@ -358,8 +353,7 @@ TEST_F(Description, NamesOfAnyScriptComeBackAsTheyWere) {
     }
 }
 
-class UnescapedText : public Description,
-                      public ::testing::WithParamInterface<String cAnatomicDescription::*> {};
+class UnescapedText : public Description, public ::testing::WithParamInterface<String cAnatomicDescription::*> {};
 
 TEST_P(UnescapedText, AQuoteFailsTheInsertBeforeItIsSentAndLeavesTheTransactionOpen) {
     for (const char* text : {"'", "O'Neil", "x', Name='y", "'); DELETE FROM StandardGroupName; --"}) {
@@ -387,8 +381,7 @@ TEST_P(UnescapedText, AQuoteFailsTheUpdateBeforeItIsSent) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, UnescapedText,
-                         ::testing::Values(&cAnatomicDescription::ADLaterality,
-                                           &cAnatomicDescription::ADAnaRegion,
+                         ::testing::Values(&cAnatomicDescription::ADLaterality, &cAnatomicDescription::ADAnaRegion,
                                            &cAnatomicDescription::ADAnaRegionMod,
                                            &cAnatomicDescription::ADPriStructure));
 

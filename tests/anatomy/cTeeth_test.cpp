@@ -17,10 +17,9 @@ std::vector<Integer> NumbersOf(const cTeeth& teeth) {
 }
 
 TEST(Teeth, HaveTheDocumentedMembers) {
-    EXPECT_THAT(MembersOf(cTeeth()),
-                ElementsAre("Add(Selected: boolean, TNumber: int16, [sKey: string&]) -> cTooth",
-                            "get Item(vntIndexKey: variant&) -> cTooth", "get Count -> int32",
-                            "Remove(vntIndexKey: variant&)", "get NewEnum -> Enumerator"));
+    EXPECT_THAT(MembersOf(cTeeth()), ElementsAre("Add(Selected: boolean, TNumber: int16, [sKey: string&]) -> cTooth",
+                                                 "get Item(vntIndexKey: variant&) -> cTooth", "get Count -> int32",
+                                                 "Remove(vntIndexKey: variant&)", "get NewEnum -> Enumerator"));
 }
 
 TEST(Teeth, ItemIsTheDefaultAndNewEnumTheEnumerator) {
@@ -49,8 +48,7 @@ TEST(Teeth, ASecondAddUnderAKeyRaisesAndDropsTheNewMember) {
 TEST(Teeth, ItemOfAnUnknownKeyReturnsNothingAndRaisesNothing) {
     cTeeth teeth;
     teeth.Add(false, 11, "Tooth11");
-    for (const Variant& missing :
-         {Variant("Tooth12"), Variant(Long{0}), Variant(Long{2}), Variant(Null{}), Variant()})
+    for (const Variant& missing : {Variant("Tooth12"), Variant(Long{0}), Variant(Long{2}), Variant(Null{}), Variant()})
         EXPECT_FALSE(teeth.Item(missing));
 }
 

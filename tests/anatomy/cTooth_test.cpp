@@ -11,8 +11,8 @@ using namespace TestKit;
 using ::testing::ElementsAre;
 
 TEST(Tooth, HasTheDocumentedMembers) {
-    EXPECT_THAT(MembersOf(cTooth()), ElementsAre("put TNumber(int16)", "get TNumber -> int16",
-                                                 "put Selected(boolean)", "get Selected -> boolean"));
+    EXPECT_THAT(MembersOf(cTooth()), ElementsAre("put TNumber(int16)", "get TNumber -> int16", "put Selected(boolean)",
+                                                 "get Selected -> boolean"));
 }
 
 TEST(Tooth, StartsWithoutANumberAndUnselected) {

@@ -79,12 +79,11 @@ Outcome Invoke(IDispatch* object, DISPID id, int flags, std::vector<Value>& argu
         reversed.push_back(argument->Get());
     DISPID put = DISPID_PROPERTYPUT;
     const bool isPut = flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF);
-    DISPPARAMS parameters{reversed.data(), isPut ? &put : nullptr, static_cast<UINT>(reversed.size()),
-                          isPut ? 1U : 0U};
+    DISPPARAMS parameters{reversed.data(), isPut ? &put : nullptr, static_cast<UINT>(reversed.size()), isPut ? 1U : 0U};
     Outcome outcome;
     EXCEPINFO failure{};
-    outcome.Code = object->Invoke(id, IID_NULL, 0, static_cast<WORD>(flags), &parameters,
-                                  &outcome.Result.Get(), &failure, &outcome.Wrong);
+    outcome.Code = object->Invoke(id, IID_NULL, 0, static_cast<WORD>(flags), &parameters, &outcome.Result.Get(),
+                                  &failure, &outcome.Wrong);
     outcome.Failure = failure.scode;
     outcome.Source = Taken(failure.bstrSource);
     outcome.Description = Taken(failure.bstrDescription);
@@ -126,8 +125,7 @@ HRESULT CreateCode(const std::string& name) {
 Dispatch Create(const std::string& name) {
     TakeInLibrary();
     Dispatch object;
-    EXPECT_EQ(OxCreateObject(Platform::ToUtf16(name).c_str(), object.Place()), S_OK)
-        << name << ": " << Record();
+    EXPECT_EQ(OxCreateObject(Platform::ToUtf16(name).c_str(), object.Place()), S_OK) << name << ": " << Record();
     return object;
 }
 

@@ -73,12 +73,8 @@ public:
     Value() { VariantInit(&variant_); }
     Value(LONG number) : Value() { variant_.vt = VT_I4, variant_.lVal = number; }
     Value(double number) : Value() { variant_.vt = VT_R8, variant_.dblVal = number; }
-    Value(bool truth) : Value() {
-        variant_.vt = VT_BOOL, variant_.boolVal = truth ? VARIANT_TRUE : VARIANT_FALSE;
-    }
-    Value(const char* text) : Value() {
-        variant_.vt = VT_BSTR, variant_.bstrVal = SysAllocString(Units(text).c_str());
-    }
+    Value(bool truth) : Value() { variant_.vt = VT_BOOL, variant_.boolVal = truth ? VARIANT_TRUE : VARIANT_FALSE; }
+    Value(const char* text) : Value() { variant_.vt = VT_BSTR, variant_.bstrVal = SysAllocString(Units(text).c_str()); }
     Value(const Dispatch& object) : Value() {
         variant_.vt = VT_DISPATCH, variant_.pdispVal = object.Get();
         if (object) object->AddRef();

@@ -103,8 +103,7 @@ TEST(Invoke, ArgumentsByReferenceComeBack) {
     const Dispatch connection = OpenedConnection();
     Call(connection, "Execute", {"CREATE TABLE t (a INTEGER)"});
     Value count;
-    Call(connection, "Execute",
-         {"INSERT INTO t VALUES (1), (2)", Value::Reference(VT_VARIANT, &count.Get())});
+    Call(connection, "Execute", {"INSERT INTO t VALUES (1), (2)", Value::Reference(VT_VARIANT, &count.Get())});
     EXPECT_EQ(count.Long(), 2);
     LONG typed = 0;
     Call(connection, "Execute", {"DELETE FROM t", Value::Reference(VT_I4, &typed)});
@@ -115,8 +114,8 @@ TEST(Invoke, AnArgumentByReferenceComesBackFromAnOperationThatRaises) {
     const Dispatch ids = Create("OXClass.OtherPatIDs");
     Call(ids, "Add", {"one", 1, "K"});
     Value text(" abc ");
-    const Outcome failed = Invoke(ids.Get(), "Add", DISPATCH_METHOD,
-                                  {Value::Reference(VT_BSTR, &text.Get().bstrVal), 2, "K"});
+    const Outcome failed =
+        Invoke(ids.Get(), "Add", DISPATCH_METHOD, {Value::Reference(VT_BSTR, &text.Get().bstrVal), 2, "K"});
     EXPECT_EQ(failed.Code, DISP_E_EXCEPTION);
     EXPECT_EQ(text.String(), "ABC");
 }
@@ -138,8 +137,7 @@ TEST(Invoke, OptionalArgumentsMayBeLeftOut) {
     Call(teeth, "Add", {true, "18", Value::Reference(VT_VARIANT, &leftOut.Get())});
     EXPECT_EQ(Get(teeth, "Count").Long(), 3);
     EXPECT_EQ(Invoke(teeth.Get(), "Add", DISPATCH_METHOD, {true}).Code, DISP_E_PARAMNOTOPTIONAL);
-    EXPECT_EQ(Invoke(teeth.Get(), "Add", DISPATCH_METHOD, {true, Value::LeftOut()}).Code,
-              DISP_E_PARAMNOTOPTIONAL);
+    EXPECT_EQ(Invoke(teeth.Get(), "Add", DISPATCH_METHOD, {true, Value::LeftOut()}).Code, DISP_E_PARAMNOTOPTIONAL);
     EXPECT_EQ(Get(teeth, "Count").Long(), 3);
 }
 
@@ -152,8 +150,7 @@ TEST(Invoke, ArgumentsAreTakenByName) {
     Value given[] = {"26", true, "K"};
     VARIANT raw[] = {given[0].Get(), given[1].Get(), given[2].Get()};
     DISPPARAMS parameters{raw, &ids[1], 3, 3};
-    ASSERT_EQ(teeth->Invoke(ids[0], IID_NULL, 0, DISPATCH_METHOD, &parameters, nullptr, nullptr, nullptr),
-              S_OK);
+    ASSERT_EQ(teeth->Invoke(ids[0], IID_NULL, 0, DISPATCH_METHOD, &parameters, nullptr, nullptr, nullptr), S_OK);
     EXPECT_EQ(Get(Get(teeth, "Item", {"K"}).Object(), "TNumber").Integer(), 26);
 
     DISPID twice[] = {ids[1], ids[1], ids[2]};
@@ -172,8 +169,7 @@ TEST(Invoke, TheDefaultMemberHasTheIdentityZero) {
     const Dispatch teeth = Create("OXClass.cTeeth");
     Call(teeth, "Add", {true, "16"});
     std::vector<Value> first{1};
-    EXPECT_EQ(Get(Invoke(teeth.Get(), DISPID_VALUE, DISPATCH_PROPERTYGET, first).Result.Object(), "TNumber")
-                  .Integer(),
+    EXPECT_EQ(Get(Invoke(teeth.Get(), DISPID_VALUE, DISPATCH_PROPERTYGET, first).Result.Object(), "TNumber").Integer(),
               16);
     const Dispatch lists = Create("OXClass.cGlobalLists");
     Call(lists, "Add");
@@ -182,17 +178,16 @@ TEST(Invoke, TheDefaultMemberHasTheIdentityZero) {
 }
 
 TEST(Invoke, TheNineCollectionsWalkByTheEnumeratorsIdentity) {
-    for (const char* name : {"cDoctors", "cClinics", "cImages", "cTeeth", "cComments", "cGlobalLists",
-                             "OtherPatIDs", "IntendedRecipients", "cUniCards"}) {
+    for (const char* name : {"cDoctors", "cClinics", "cImages", "cTeeth", "cComments", "cGlobalLists", "OtherPatIDs",
+                             "IntendedRecipients", "cUniCards"}) {
         std::vector<Value> none;
         const Dispatch collection = Create(std::string("OXClass.") + name);
         const Outcome walk = Invoke(collection.Get(), DISPID_NEWENUM, DISPATCH_METHOD, none);
         EXPECT_EQ(walk.Code, S_OK) << name;
         EXPECT_EQ(walk.Result.Type(), VT_UNKNOWN) << name;
         std::vector<Value> index{1};
-        EXPECT_EQ(
-            Invoke(collection.Get(), DISPID_VALUE, DISPATCH_PROPERTYGET, index).Code == DISP_E_MEMBERNOTFOUND,
-            std::string(name) == "cGlobalLists")
+        EXPECT_EQ(Invoke(collection.Get(), DISPID_VALUE, DISPATCH_PROPERTYGET, index).Code == DISP_E_MEMBERNOTFOUND,
+                  std::string(name) == "cGlobalLists")
             << name;
     }
 }
@@ -233,8 +228,7 @@ TEST(Invoke, TellsWhichArgumentIsWrong) {
 }
 
 TEST(Invoke, ANullIsTheRuntimesOwnFailure) {
-    const Outcome wrong =
-        Invoke(Create("OXClass.cPatient").Get(), "LastName", DISPATCH_PROPERTYPUT, {Value::Null()});
+    const Outcome wrong = Invoke(Create("OXClass.cPatient").Get(), "LastName", DISPATCH_PROPERTYPUT, {Value::Null()});
     EXPECT_EQ(wrong.Code, DISP_E_EXCEPTION);
     EXPECT_EQ(wrong.Failure, static_cast<HRESULT>(0x800A005E));
     EXPECT_EQ(wrong.Description, "Invalid use of Null");
@@ -270,14 +264,13 @@ TEST(Invoke, ASuccessLeavesNoOldRecord) {
 TEST(Invoke, WorksWithoutPlacesForResultAndFailure) {
     const Dispatch comments = Create("OXClass.cComments");
     DISPPARAMS none{};
-    EXPECT_EQ(comments->Invoke(IdOf(comments.Get(), "Count"), IID_NULL, 0, DISPATCH_PROPERTYGET, &none,
-                               nullptr, nullptr, nullptr),
+    EXPECT_EQ(comments->Invoke(IdOf(comments.Get(), "Count"), IID_NULL, 0, DISPATCH_PROPERTYGET, &none, nullptr,
+                               nullptr, nullptr),
               S_OK);
     Value seven(7);
     DISPPARAMS one{&seven.Get(), nullptr, 1, 0};
-    EXPECT_EQ(
-        comments->Invoke(DISPID_VALUE, IID_NULL, 0, DISPATCH_PROPERTYGET, &one, nullptr, nullptr, nullptr),
-        DISP_E_EXCEPTION);
+    EXPECT_EQ(comments->Invoke(DISPID_VALUE, IID_NULL, 0, DISPATCH_PROPERTYGET, &one, nullptr, nullptr, nullptr),
+              DISP_E_EXCEPTION);
 }
 
 TEST(Invoke, UnsoundParametersAreRefused) {
@@ -301,8 +294,7 @@ TEST(Invoke, AReferenceThatCannotTakeWhatComesBackIsRefusedBeforeAnythingRuns) {
               DISP_E_TYPEMISMATCH);
     EXPECT_EQ(Get(others, "Count").Long(), 0);
     Text text("19800101-1234");
-    EXPECT_EQ(Invoke(others.Get(), "Add", DISPATCH_METHOD, {Value::Reference(VT_BSTR, text.Place()), 7}).Code,
-              S_OK);
+    EXPECT_EQ(Invoke(others.Get(), "Add", DISPATCH_METHOD, {Value::Reference(VT_BSTR, text.Place()), 7}).Code, S_OK);
     EXPECT_EQ(Get(others, "Count").Long(), 1);
 }
 
@@ -311,10 +303,10 @@ TEST(Invoke, ATextThatComesBackTakesThePlaceOfTheOldOne) {
     Call(root, "SaveGLSetting", {connection, 42, "the setting", false});
     Text typed("before");
     Value held = "before", lists = Dispatch();
-    EXPECT_TRUE(Call(root, "GetGLSetting",
-                     {connection, 42, Value::Reference(VT_BSTR, typed.Place()),
-                      Value::Reference(VT_VARIANT, &lists.Get())})
-                    .Bool());
+    EXPECT_TRUE(
+        Call(root, "GetGLSetting",
+             {connection, 42, Value::Reference(VT_BSTR, typed.Place()), Value::Reference(VT_VARIANT, &lists.Get())})
+            .Bool());
     EXPECT_EQ(typed.Utf8(), "the setting");
     EXPECT_EQ(Get(lists.Object(), "Count").Long(), 1) << "the object comes back too";
     Call(root, "GetGLSetting", {connection, 42, Value::Reference(VT_VARIANT, &held.Get()), Dispatch()});
@@ -324,11 +316,9 @@ TEST(Invoke, ATextThatComesBackTakesThePlaceOfTheOldOne) {
 TEST(Invoke, AReferenceIsReadThrough) {
     const Dispatch comments = Create("OXClass.cComments");
     LONG number = 1;
-    EXPECT_EQ(Invoke(comments.Get(), "Item", DISPATCH_PROPERTYGET, {Value::Reference(VT_I4, nullptr)}).Code,
-              E_POINTER);
+    EXPECT_EQ(Invoke(comments.Get(), "Item", DISPATCH_PROPERTYGET, {Value::Reference(VT_I4, nullptr)}).Code, E_POINTER);
     Call(comments, "AddObj", {Create("OXClass.cStringItem"), 0});
-    EXPECT_EQ(Invoke(comments.Get(), "Item", DISPATCH_PROPERTYGET, {Value::Reference(VT_I4, &number)}).Code,
-              S_OK);
+    EXPECT_EQ(Invoke(comments.Get(), "Item", DISPATCH_PROPERTYGET, {Value::Reference(VT_I4, &number)}).Code, S_OK);
 }
 
 TEST(Invoke, AnObjectThatEndsInsideItsOwnCallIsSafe) {

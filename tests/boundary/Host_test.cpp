@@ -25,8 +25,8 @@ TEST(Services, TextBoxesGoToTheClient) {
     Told told;
     ASSERT_EQ(OxSetMsgBox(
                   [](void* context, BSTR prompt, LONG buttons) {
-                      static_cast<Told*>(context)->lines.push_back(
-                          Text(Taken(SysAllocString(prompt))).Utf8() + "/" + std::to_string(buttons));
+                      static_cast<Told*>(context)->lines.push_back(Text(Taken(SysAllocString(prompt))).Utf8() + "/" +
+                                                                   std::to_string(buttons));
                   },
                   &told),
               S_OK);
@@ -66,20 +66,19 @@ TEST(Services, PendingMessagesAreHandledByTheClient) {
 
 // ---- connection events ------------------------------------------------------------------------------
 
-const OxConnectionEvents Telling{[](void* context, BSTR source) -> LONG {
-                                     auto& told = *static_cast<Told*>(context);
-                                     told.lines.push_back("will " + Taken(SysAllocString(source)));
-                                     return told.cancel ? 1 : 0;
-                                 },
-                                 [](void* context, BSTR source, LONGLONG records, DOUBLE seconds,
-                                    HRESULT failure, BSTR, BSTR description) {
-                                     EXPECT_GE(seconds, 0);
-                                     static_cast<Told*>(context)->lines.push_back(
-                                         "did " + Taken(SysAllocString(source)) + " " +
-                                         std::to_string(records) + " " + std::to_string(failure == S_OK) +
-                                         Taken(SysAllocString(description)));
-                                 },
-                                 [](void* context) { static_cast<Told*>(context)->released = true; }};
+const OxConnectionEvents Telling{
+    [](void* context, BSTR source) -> LONG {
+        auto& told = *static_cast<Told*>(context);
+        told.lines.push_back("will " + Taken(SysAllocString(source)));
+        return told.cancel ? 1 : 0;
+    },
+    [](void* context, BSTR source, LONGLONG records, DOUBLE seconds, HRESULT failure, BSTR, BSTR description) {
+        EXPECT_GE(seconds, 0);
+        static_cast<Told*>(context)->lines.push_back("did " + Taken(SysAllocString(source)) + " " +
+                                                     std::to_string(records) + " " + std::to_string(failure == S_OK) +
+                                                     Taken(SysAllocString(description)));
+    },
+    [](void* context) { static_cast<Told*>(context)->released = true; }};
 
 TEST(Events, TellOfEachStatement) {
     Told told;
@@ -94,8 +93,7 @@ TEST(Events, TellOfEachStatement) {
         EXPECT_THAT(told.lines,
                     ElementsAre("will CREATE TABLE t (a INTEGER)", ::testing::StartsWith("did CREATE"),
                                 "will INSERT INTO t VALUES (1)", "did INSERT INTO t VALUES (1) 1 1",
-                                "will SELECT * FROM nowhere",
-                                "did SELECT * FROM nowhere -1 0no such table: nowhere"));
+                                "will SELECT * FROM nowhere", "did SELECT * FROM nowhere -1 0no such table: nowhere"));
         EXPECT_FALSE(told.released);
     }
     EXPECT_TRUE(told.released) << "the connection has ended";

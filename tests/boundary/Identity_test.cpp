@@ -35,8 +35,7 @@ TEST(Identity, AnObjectHasItsOwnDualInterfaceAndNoOthers) {
 TEST(Identity, TheObjectSaysThatItLeavesErrorRecords) {
     const auto errors = Ask<ISupportErrorInfo>(Create("OXClass.cPatient").Get(), IID_ISupportErrorInfo);
     EXPECT_EQ(errors->InterfaceSupportsErrorInfo(IID_IDispatch), S_OK);
-    EXPECT_EQ(errors->InterfaceSupportsErrorInfo(Platform::GuidOf("3dc52b67-ccee-53fe-9017-dbfb547bb273")),
-              S_OK);
+    EXPECT_EQ(errors->InterfaceSupportsErrorInfo(Platform::GuidOf("3dc52b67-ccee-53fe-9017-dbfb547bb273")), S_OK);
     EXPECT_EQ(errors->InterfaceSupportsErrorInfo(IID_IClassFactory), S_FALSE);
 }
 
@@ -222,10 +221,10 @@ TEST(Threads, OnlySevenClassesAreShared) {
             else
                 EXPECT_EQ(code, static_cast<HRESULT>(0x800A01AD)) << name;
         }
-        EXPECT_THAT(shared, ::testing::ElementsAre("OXClass.cGlobalList", "OXClass.cGlobalLists",
-                                                   "OXClass.cImagecardAttribute", "OXClass.cStudy",
-                                                   "OXClass.OtherPatIDs", "OXClass.cImageManipulation",
-                                                   "OXClass.cSerie"));
+        EXPECT_THAT(shared,
+                    ::testing::ElementsAre("OXClass.cGlobalList", "OXClass.cGlobalLists", "OXClass.cImagecardAttribute",
+                                           "OXClass.cStudy", "OXClass.OtherPatIDs", "OXClass.cImageManipulation",
+                                           "OXClass.cSerie"));
     }).join();
 }
 

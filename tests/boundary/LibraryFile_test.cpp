@@ -21,22 +21,20 @@ std::string OutputOf(const std::string& command) {
 }
 
 TEST(LibraryFile, ExportsItsFourFunctionsAndNothingElse) {
-    EXPECT_EQ(
-        OutputOf("nm --dynamic --defined-only --format=posix '" LIBRARY "' | cut -d' ' -f1 | LC_ALL=C sort"),
-        "DllCanUnloadNow\nDllGetClassObject\nDllRegisterServer\nDllUnregisterServer\n");
+    EXPECT_EQ(OutputOf("nm --dynamic --defined-only --format=posix '" LIBRARY "' | cut -d' ' -f1 | LC_ALL=C sort"),
+              "DllCanUnloadNow\nDllGetClassObject\nDllRegisterServer\nDllUnregisterServer\n");
 }
 
 TEST(LibraryFile, HasTheTwentyEightClassesInTheirOrder) {
     EXPECT_THAT(
         ClassNames(),
-        ElementsAre("OXClass.Class1", "OXClass.cComments", "OXClass.cAnatomics", "OXClass.cDoctor",
-                    "OXClass.cDoctors", "OXClass.cGlobalList", "OXClass.cGlobalLists", "OXClass.cImagecard",
-                    "OXClass.cImagecardAttribute", "OXClass.cMWLItem", "OXClass.cPatient",
-                    "OXClass.cStringItem", "OXClass.cStudy", "OXClass.cTeeth", "OXClass.cTemplate",
-                    "OXClass.cTemplateAttribute", "OXClass.cTooth", "OXClass.IntendedRecipients",
+        ElementsAre("OXClass.Class1", "OXClass.cComments", "OXClass.cAnatomics", "OXClass.cDoctor", "OXClass.cDoctors",
+                    "OXClass.cGlobalList", "OXClass.cGlobalLists", "OXClass.cImagecard", "OXClass.cImagecardAttribute",
+                    "OXClass.cMWLItem", "OXClass.cPatient", "OXClass.cStringItem", "OXClass.cStudy", "OXClass.cTeeth",
+                    "OXClass.cTemplate", "OXClass.cTemplateAttribute", "OXClass.cTooth", "OXClass.IntendedRecipients",
                     "OXClass.OtherPatIDs", "OXClass.cAnatomicDescription", "OXClass.cImageManipulation",
-                    "OXClass.cUniCard", "OXClass.cImages", "OXClass.cUniCards", "OXClass.cImage",
-                    "OXClass.cSerie", "OXClass.cClinic", "OXClass.cClinics"));
+                    "OXClass.cUniCard", "OXClass.cImages", "OXClass.cUniCards", "OXClass.cImage", "OXClass.cSerie",
+                    "OXClass.cClinic", "OXClass.cClinics"));
 }
 
 const GUID PatientClass = Platform::GuidOf("4b7f6647-8a1a-58a2-a42e-8a831cf71482");
@@ -60,9 +58,9 @@ TEST(ClassFactory, MakesANewObjectEachTime) {
 
 TEST(ClassFactory, GivesTheDualInterfaceByItsIdentity) {
     void* patient = nullptr;
-    ASSERT_EQ(PatientFactory()->CreateInstance(
-                  nullptr, Platform::GuidOf("3dc52b67-ccee-53fe-9017-dbfb547bb273"), &patient),
-              S_OK);
+    ASSERT_EQ(
+        PatientFactory()->CreateInstance(nullptr, Platform::GuidOf("3dc52b67-ccee-53fe-9017-dbfb547bb273"), &patient),
+        S_OK);
     static_cast<IUnknown*>(patient)->Release();
 }
 

@@ -35,9 +35,7 @@ SlotOf FindSlot(IUnknown* object, const std::string& name, const std::string& ki
     throw std::runtime_error("no member " + name);
 }
 
-bool IsPlace(const Json& member, const Json& argument) {
-    return argument["byReference"] && member["kind"] != "putref";
-}
+bool IsPlace(const Json& member, const Json& argument) { return argument["byReference"] && member["kind"] != "putref"; }
 
 bool HasResult(const Json& member) { return member["result"] != "none"; }
 
@@ -45,8 +43,7 @@ HRESULT CallSlot(IUnknown* object, const SlotOf& slot, std::vector<Binary> argum
     return CallForeignSlot(object, object, slot, std::move(arguments));
 }
 
-HRESULT CallForeignSlot(IUnknown* object, IUnknown* tableOf, const SlotOf& slot,
-                        std::vector<Binary> arguments) {
+HRESULT CallForeignSlot(IUnknown* object, IUnknown* tableOf, const SlotOf& slot, std::vector<Binary> arguments) {
     std::vector<ffi_type*> types{&ffi_type_pointer};
     for (const Json& argument : slot.Member["arguments"])
         types.push_back(IsPlace(slot.Member, argument) ? &ffi_type_pointer : TypeOf(argument["type"]));
@@ -57,8 +54,8 @@ HRESULT CallForeignSlot(IUnknown* object, IUnknown* tableOf, const SlotOf& slot,
     std::vector<void*> places{&self};
     for (Binary& argument : arguments) places.push_back(&argument);
     ffi_cif call;
-    if (ffi_prep_cif(&call, FFI_DEFAULT_ABI, static_cast<unsigned>(types.size()), &ffi_type_sint32,
-                     types.data()) != FFI_OK)
+    if (ffi_prep_cif(&call, FFI_DEFAULT_ABI, static_cast<unsigned>(types.size()), &ffi_type_sint32, types.data()) !=
+        FFI_OK)
         throw std::logic_error("ffi refuses the call");
     auto* const table = *reinterpret_cast<void (***)()>(tableOf);
     ffi_arg code = 0;

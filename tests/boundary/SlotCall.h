@@ -34,8 +34,7 @@ union Binary {
 HRESULT CallSlot(IUnknown* object, const SlotOf& slot, std::vector<Binary> arguments);
 
 /// The same with the function of another object's table.
-HRESULT CallForeignSlot(IUnknown* object, IUnknown* tableOf, const SlotOf& slot,
-                        std::vector<Binary> arguments);
+HRESULT CallForeignSlot(IUnknown* object, IUnknown* tableOf, const SlotOf& slot, std::vector<Binary> arguments);
 
 /// True if an argument crosses as the place of its value.
 bool IsPlace(const Json& member, const Json& argument);

@@ -70,8 +70,7 @@ void ExpectSame(Value& got, Value& expected, const std::string& what) {
     if (got.Type() == VT_BSTR)
         EXPECT_EQ(got.String(), expected.String()) << what;
     else
-        EXPECT_EQ(std::memcmp(&got.Get().llVal, &expected.Get().llVal, got.Type() == VT_I2 ? 2 : 4), 0)
-            << what;
+        EXPECT_EQ(std::memcmp(&got.Get().llVal, &expected.Get().llVal, got.Type() == VT_I2 ? 2 : 4), 0) << what;
 }
 
 /// Reads a property by slot into a variant of the type that a call by name gives.
@@ -138,8 +137,7 @@ TEST(Slots, AnOperationWorksOnTheDatabase) {
     std::vector<Binary> arguments{Object(connection)};
     for (std::size_t i = 1; i < save["arguments"].size(); ++i) arguments.push_back(Binary{});
     if (HasResult(save)) arguments.push_back(Place(&saved));
-    ASSERT_EQ(CallSlot(patient.Get(), FindSlot(patient.Get(), "Save", "operation"), arguments), S_OK)
-        << Record();
+    ASSERT_EQ(CallSlot(patient.Get(), FindSlot(patient.Get(), "Save", "operation"), arguments), S_OK) << Record();
 
     const Dispatch again = Create("OXClass.cPatient");
     Text id("19800101-1234");
@@ -157,9 +155,8 @@ TEST(Slots, AVariantCrossesByItsPlace) {
     const Dispatch added = Call(teeth, "Add", {true, "16", "K"}).Object();
     Value key("k");
     Dispatch got;
-    ASSERT_EQ(
-        CallSlot(teeth.Get(), FindSlot(teeth.Get(), "Item", "get"), {Place(&key.Get()), Place(got.Place())}),
-        S_OK);
+    ASSERT_EQ(CallSlot(teeth.Get(), FindSlot(teeth.Get(), "Item", "get"), {Place(&key.Get()), Place(got.Place())}),
+              S_OK);
     EXPECT_EQ(got.Get(), added.Get());
 }
 
@@ -202,9 +199,9 @@ TEST(Slots, AFailureIsItsNumberWithARecord) {
     const Dispatch comments = Create("OXClass.cComments");
     Value index(7);
     Dispatch got;
-    EXPECT_EQ(CallSlot(comments.Get(), FindSlot(comments.Get(), "Item", "get"),
-                       {Place(&index.Get()), Place(got.Place())}),
-              static_cast<HRESULT>(0x800A0009));
+    EXPECT_EQ(
+        CallSlot(comments.Get(), FindSlot(comments.Get(), "Item", "get"), {Place(&index.Get()), Place(got.Place())}),
+        static_cast<HRESULT>(0x800A0009));
     EXPECT_EQ(Record(), "Runtime: Subscript out of range");
     EXPECT_FALSE(got);
 }
@@ -214,30 +211,26 @@ TEST(Slots, APlaceThatIsMissingIsToldBeforeAnythingRuns) {
     const SlotOf load = FindSlot(patient.Get(), "LoadOnPatientIDorPDBID", "operation");
     Text id("X");
     LONG number = 0, found = 7;
-    EXPECT_EQ(CallSlot(patient.Get(), load,
-                       {Object(connection), Place(id.Place()), Place(&number), Place(nullptr)}),
+    EXPECT_EQ(CallSlot(patient.Get(), load, {Object(connection), Place(id.Place()), Place(&number), Place(nullptr)}),
               E_POINTER);
-    EXPECT_EQ(
-        CallSlot(patient.Get(), load, {Object(connection), Place(nullptr), Place(&number), Place(&found)}),
-        E_POINTER);
+    EXPECT_EQ(CallSlot(patient.Get(), load, {Object(connection), Place(nullptr), Place(&number), Place(&found)}),
+              E_POINTER);
     EXPECT_EQ(Record(), "Runtime: The argument PatientID points at nothing");
     EXPECT_EQ(found, 0) << "the result is cleared";
 }
 
 TEST(Slots, AnObjectOfAnotherClassIsRefused) {
     const Dispatch entry = Create("OXClass.cUniCard");
-    EXPECT_EQ(
-        CallSlot(entry.Get(), FindSlot(entry.Get(), "Study", "putref"), {Object(Create("OXClass.cPatient"))}),
-        DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(CallSlot(entry.Get(), FindSlot(entry.Get(), "Study", "putref"), {Object(Create("OXClass.cPatient"))}),
+              DISP_E_TYPEMISMATCH);
     EXPECT_EQ(Record(), "Runtime: Type mismatch");
 }
 
 TEST(Slots, AFunctionOfAnotherClassRefusesTheObject) {
     const Dispatch patient = Create("OXClass.cPatient"), doctor = Create("OXClass.cDoctor");
     LONG number = 7;
-    EXPECT_EQ(
-        CallForeignSlot(doctor.Get(), patient.Get(), FindSlot(patient.Get(), "ID", "get"), {Place(&number)}),
-        DISP_E_MEMBERNOTFOUND);
+    EXPECT_EQ(CallForeignSlot(doctor.Get(), patient.Get(), FindSlot(patient.Get(), "ID", "get"), {Place(&number)}),
+              DISP_E_MEMBERNOTFOUND);
     EXPECT_EQ(number, 7);
 }
 
@@ -256,8 +249,7 @@ TEST(Slots, ADateThatIsNoneIsRefused) {
     for (const double days : {std::nan(""), 1e300, -700000.0, 2958466.0}) {
         Binary date{};
         date.real = days;
-        EXPECT_EQ(CallSlot(patient.Get(), FindSlot(patient.Get(), "BirthDate", "put"), {date}),
-                  DISP_E_OVERFLOW)
+        EXPECT_EQ(CallSlot(patient.Get(), FindSlot(patient.Get(), "BirthDate", "put"), {date}), DISP_E_OVERFLOW)
             << days;
     }
     EXPECT_EQ(Get(patient, "BirthDate").Get().date, 0);

@@ -22,8 +22,7 @@ protected:
 
     /// All classes that can be made by name, those of the host too.
     static std::vector<Dispatch> Objects() {
-        std::vector<Dispatch> objects{Create("Collection"), Create("ADODB.Connection"),
-                                      Create("ADODB.Recordset")};
+        std::vector<Dispatch> objects{Create("Collection"), Create("ADODB.Connection"), Create("ADODB.Recordset")};
         for (const std::string& name : ClassNames()) objects.push_back(Create(name));
         const Dispatch connection = OpenedConnection();
         const Dispatch rows = Call(connection, "Execute", {"SELECT * FROM Patient_T"}).Object();
@@ -113,8 +112,8 @@ TEST_F(WrongCalls, WrongNumbersOfArguments) {
                 << description["class"] << member["name"];
             if (count == 0 || member["arguments"][0]["optional"]) continue;
             DISPPARAMS none{};
-            EXPECT_EQ(object->Invoke(member["id"], IID_NULL, 0, static_cast<WORD>(FlagsOf(member["kind"])),
-                                     &none, nullptr, nullptr, nullptr),
+            EXPECT_EQ(object->Invoke(member["id"], IID_NULL, 0, static_cast<WORD>(FlagsOf(member["kind"])), &none,
+                                     nullptr, nullptr, nullptr),
                       DISP_E_PARAMNOTOPTIONAL)
                 << description["class"] << member["name"];
         }
@@ -127,9 +126,9 @@ TEST_F(WrongCalls, UnknownMembers) {
             for (const int flags : {1, 2, 4, 8, 0, 15, 0xFFFF}) {
                 std::vector<Value> none;
                 DISPPARAMS parameters{};
-                EXPECT_EQ(object->Invoke(id, IID_NULL, 0, static_cast<WORD>(flags), &parameters, nullptr,
-                                         nullptr, nullptr),
-                          DISP_E_MEMBERNOTFOUND);
+                EXPECT_EQ(
+                    object->Invoke(id, IID_NULL, 0, static_cast<WORD>(flags), &parameters, nullptr, nullptr, nullptr),
+                    DISP_E_MEMBERNOTFOUND);
             }
 }
 
@@ -147,8 +146,7 @@ TEST_F(WrongCalls, EachArgumentByNameWithWhatItCannotTake) {
                                              member["name"].get<std::string>() + " of a " +
                                              std::to_string(misfit.Type());
                     ExpectStandard(
-                        Invoke(object.Get(), member["id"].get<DISPID>(), FlagsOf(member["kind"]), arguments)
-                            .Code,
+                        Invoke(object.Get(), member["id"].get<DISPID>(), FlagsOf(member["kind"]), arguments).Code,
                         what);
                     ++calls;
                 }
@@ -164,9 +162,8 @@ TEST_F(WrongCalls, EachMemberWithALivingConnectionAndNothingElse) {
             std::vector<Value> arguments;
             for (const Json& argument : member["arguments"])
                 arguments.push_back(argument.value("of", "") == "Connection" ? Value(connection) : Value());
-            ExpectStandard(
-                Invoke(object.Get(), member["id"].get<DISPID>(), FlagsOf(member["kind"]), arguments).Code,
-                name + "." + member["name"].get<std::string>());
+            ExpectStandard(Invoke(object.Get(), member["id"].get<DISPID>(), FlagsOf(member["kind"]), arguments).Code,
+                           name + "." + member["name"].get<std::string>());
         }
     }
 }

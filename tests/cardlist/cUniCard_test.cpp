@@ -51,8 +51,8 @@ protected:
             "TARotation,"
             " TANumberInTemplate, TAFullViewPosX, TAFullViewPosY, TAFullViewWidth, TAFullViewHeight) VALUES "
             "(" +
-            CStr(key) + ", 1, '', 1, 0, " + CStr(number) + ", " + CStr(measure) + ", " +
-            CStr(measure + 0.25) + ", " + CStr(measure + 0.5) + ", " + CStr(measure + 0.75) + ")");
+            CStr(key) + ", 1, '', 1, 0, " + CStr(number) + ", " + CStr(measure) + ", " + CStr(measure + 0.25) + ", " +
+            CStr(measure + 0.5) + ", " + CStr(measure + 0.75) + ")");
     }
 
     void HoldCard() {
@@ -85,24 +85,20 @@ protected:
 };
 
 TEST_F(UniCard, HasTheDocumentedMembers) {
-    EXPECT_THAT(
-        MembersOf(*entry),
-        ElementsAre(
-            "get mvarImgLead -> Object", "putref mvarImgLead(Object&)", "get SortDate -> date",
-            "put Key(string)", "get Key -> string", "get CardType -> CardTypes",
-            "LoadCardFull(conn: Connection&, UID: string&, ID: int32&, CardType: CardTypes&) -> int32",
-            "putref Template(cTemplate&)", "get Template -> cTemplate", "put Fullyloaded(boolean)",
-            "get Fullyloaded -> boolean", "putref Study(cStudy&)", "get Study -> cStudy",
-            "putref Series(cSerie&)", "get Series -> cSerie", "putref Imagecard(cImagecard&)",
-            "get Imagecard -> cImagecard", "putref colImages(cImages&)", "get colImages -> cImages"));
+    EXPECT_THAT(MembersOf(*entry),
+                ElementsAre("get mvarImgLead -> Object", "putref mvarImgLead(Object&)", "get SortDate -> date",
+                            "put Key(string)", "get Key -> string", "get CardType -> CardTypes",
+                            "LoadCardFull(conn: Connection&, UID: string&, ID: int32&, CardType: CardTypes&) -> int32",
+                            "putref Template(cTemplate&)", "get Template -> cTemplate", "put Fullyloaded(boolean)",
+                            "get Fullyloaded -> boolean", "putref Study(cStudy&)", "get Study -> cStudy",
+                            "putref Series(cSerie&)", "get Series -> cSerie", "putref Imagecard(cImagecard&)",
+                            "get Imagecard -> cImagecard", "putref colImages(cImages&)", "get colImages -> cImages"));
 }
 
 TEST_F(UniCard, HasTheDocumentedKinds) {
     std::vector<std::pair<String, Long>> kinds;
-    for (const EnumerationValue& value : EnumerationOf<CardTypes>::Values)
-        kinds.emplace_back(value.Name, value.Value);
-    EXPECT_THAT(
-        kinds, ElementsAre(std::pair("ctUnknown", 0), std::pair("ctImagecard", 1), std::pair("ctseries", 2)));
+    for (const EnumerationValue& value : EnumerationOf<CardTypes>::Values) kinds.emplace_back(value.Name, value.Value);
+    EXPECT_THAT(kinds, ElementsAre(std::pair("ctUnknown", 0), std::pair("ctImagecard", 1), std::pair("ctseries", 2)));
     EXPECT_STREQ(EnumerationOf<CardTypes>::Name, "CardTypes");
 }
 
@@ -186,12 +182,11 @@ TEST_F(UniCard, ACardLoadsItsPlacedImagesAndThenTheImages) {
     RunPlaced(1, 11, 1);
     RunPlaced(2, 12, 2);
     EXPECT_EQ(Load(ctImagecard), 0);
-    EXPECT_THAT(Sent(),
-                ElementsAre(placedOfFive,
-                            "SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=1 ORDER BY SequenceNo;",
-                            "SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=2 ORDER BY SequenceNo;",
-                            "SELECT * FROM ImageBild_T LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId "
-                            "WHERE ImageBildID=11 OR ImageBildID=12  ORDER BY DateCaptured_SD, ImageBildID"));
+    EXPECT_THAT(Sent(), ElementsAre(placedOfFive,
+                                    "SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=1 ORDER BY SequenceNo;",
+                                    "SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=2 ORDER BY SequenceNo;",
+                                    "SELECT * FROM ImageBild_T LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId "
+                                    "WHERE ImageBildID=11 OR ImageBildID=12  ORDER BY DateCaptured_SD, ImageBildID"));
     EXPECT_THAT(Images(), ElementsAre(12, 11)) << "in the order of capture";
 }
 

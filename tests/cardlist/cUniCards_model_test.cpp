@@ -29,8 +29,8 @@ struct Shown {
     friend bool operator==(const Shown&, const Shown&) = default;
     friend std::ostream& operator<<(std::ostream& out, const Shown& shown) {
         return out << '[' << shown.key << " kind " << shown.kind << " at " << shown.date << " '" << shown.name
-                   << "' images " << shown.images << " location " << shown.location << " approved "
-                   << shown.approved << " study " << shown.study << ']';
+                   << "' images " << shown.images << " location " << shown.location << " approved " << shown.approved
+                   << " study " << shown.study << ']';
     }
 };
 
@@ -94,8 +94,7 @@ public:
                                     CStr(Long{step}) + "\r\n" + DescriptionOf(failure.number));
         }
         for (const Member& member : list) outcome.list.push_back(member.shown);
-        for (const auto& row : Rows("SELECT Series_ID FROM Series_T"))
-            outcome.series.insert(CLng(Variant(*row[0])));
+        for (const auto& row : Rows("SELECT Series_ID FROM Series_T")) outcome.series.insert(CLng(Variant(*row[0])));
         return outcome;
     }
 
@@ -266,9 +265,9 @@ protected:
         con->Execute(
             "INSERT INTO ImageCard_T (ImageCardID, PatientID, ICDateCreated, ICLastUpdate, ICName,"
             " ICDescription, ICFullViewHeight) VALUES (" +
-            CStr(Long{key}) + ", " + OneOf({"7", "7", "7", "8", "9", "99"}) + ", " + Rarely(DateText()) +
-            ", " + Rarely(DateText()) + ", " + Rarely("'n" + CStr(Long{key}) + "'") + ", " + Rarely("''") +
-            ", " + (OneIn(120) ? "-5" : OneOf({"NULL", "0", "600"})) + ")");
+            CStr(Long{key}) + ", " + OneOf({"7", "7", "7", "8", "9", "99"}) + ", " + Rarely(DateText()) + ", " +
+            Rarely(DateText()) + ", " + Rarely("'n" + CStr(Long{key}) + "'") + ", " + Rarely("''") + ", " +
+            (OneIn(120) ? "-5" : OneOf({"NULL", "0", "600"})) + ")");
     }
     void AddStudy(int key) {
         con->Execute(

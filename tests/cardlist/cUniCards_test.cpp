@@ -49,8 +49,7 @@ String SeriesOf(Long patient) {
 String Orphan(Long series) { return "select * from Series_T where Series_T.Series_ID=" + CStr(series); }
 
 String Box(const String& number, int step, const String& description) {
-    return "cUniCards.GetICAndSEList4Patient error: " + number + ", " + CStr(Long{step}) + "\r\n" +
-           description;
+    return "cUniCards.GetICAndSEList4Patient error: " + number + ", " + CStr(Long{step}) + "\r\n" + description;
 }
 
 String InvalidNullAt(int step) { return Box("94", step, "Invalid use of Null"); }
@@ -72,8 +71,7 @@ protected:
     void RunCard(Long key, const String& created, const String& changes = {}) {
         Run("INSERT INTO ImageCard_T (ImageCardID, PatientID, ICName, ICDateCreated, ICLastUpdate,"
             " ICDescription, ICFullViewWidth, ICFullViewHeight, ICPreviewWidth, ICPreviewHeight) VALUES (" +
-            CStr(key) + ", 7, 'card', '" + created +
-            "', '2024-02-02 02:02:02', 'about', 1000, 700, 100, 70)");
+            CStr(key) + ", 7, 'card', '" + created + "', '2024-02-02 02:02:02', 'about', 1000, 700, 100, 70)");
         Change("ImageCard_T", "ImageCardID", key, changes);
     }
 
@@ -87,8 +85,8 @@ protected:
 
     /// Writes an image with a file.
     void RunImage(Long series, const String& approved = "1", const String& status = "0") {
-        Run("INSERT INTO ImageBild_T (Series_ID, GraphicURL_NVC, Approved, DicomStatus_INT) VALUES (" +
-            CStr(series) + ", 'a.dcm', " + approved + ", " + status + ")");
+        Run("INSERT INTO ImageBild_T (Series_ID, GraphicURL_NVC, Approved, DicomStatus_INT) VALUES (" + CStr(series) +
+            ", 'a.dcm', " + approved + ", " + status + ")");
     }
 
     void RunSeriesWithImage(Long key, const String& taken, const String& changes = {}) {
@@ -97,8 +95,7 @@ protected:
     }
 
     void Change(const String& table, const String& column, Long key, const String& changes) {
-        if (!changes.empty())
-            Run("UPDATE " + table + " SET " + changes + " WHERE " + column + "=" + CStr(key));
+        if (!changes.empty()) Run("UPDATE " + table + " SET " + changes + " WHERE " + column + "=" + CStr(key));
     }
 
     Long Load(const String& person = "ANNA") { return list->GetICAndSEList4Patient(con, person, 0); }
@@ -135,14 +132,12 @@ protected:
 };
 
 TEST_F(UniCards, HaveTheDocumentedMembers) {
-    EXPECT_THAT(
-        MembersOf(*list),
-        ElementsAre(
-            "GetICAndSEList4Patient(conn: Connection&, sPID: string&, lPID: int32&, [FromDate: date&], "
-            "[ToDate: date&]) -> int32",
-            "AddObj(oUC: cUniCard&, [sKey: string&], [sBefore: string&]) -> boolean",
-            "get Item(vntIndexKey: variant&) -> cUniCard", "get Count -> int32",
-            "Remove(vntIndexKey: variant&)", "get NewEnum -> Enumerator"));
+    EXPECT_THAT(MembersOf(*list),
+                ElementsAre("GetICAndSEList4Patient(conn: Connection&, sPID: string&, lPID: int32&, [FromDate: date&], "
+                            "[ToDate: date&]) -> int32",
+                            "AddObj(oUC: cUniCard&, [sKey: string&], [sBefore: string&]) -> boolean",
+                            "get Item(vntIndexKey: variant&) -> cUniCard", "get Count -> int32",
+                            "Remove(vntIndexKey: variant&)", "get NewEnum -> Enumerator"));
 }
 
 TEST_F(UniCards, ItemIsTheDefaultMemberAndNewEnumTheEnumerator) {
@@ -411,8 +406,7 @@ TEST_F(UniCards, StudiesOfOneTimeThatInterleaveAreNotShared) {
     EXPECT_THAT(Keys(), ElementsAre("SE5", "SE2", "SE1"));
     EXPECT_EQ(list->Item("SE1")->Study->ID, 3);
     EXPECT_EQ(list->Item("SE5")->Study->ID, 3);
-    EXPECT_FALSE(list->Item("SE1")->Study == list->Item("SE5")->Study)
-        << "the rows aren't next to each other";
+    EXPECT_FALSE(list->Item("SE1")->Study == list->Item("SE5")->Study) << "the rows aren't next to each other";
 }
 
 TEST_F(UniCards, TwoCallsMakeTwoStudyObjects) {
@@ -665,8 +659,7 @@ TEST_F(UniCards, OnlyTheOrphansOfThePatientAreDeleted) {
     RunSeries(6, noon);
     Load();
     EXPECT_THAT(Keys(), ElementsAre("SE3", "SE2"));
-    EXPECT_EQ(Ask("SELECT group_concat(Series_ID) FROM (SELECT Series_ID FROM Series_T ORDER BY 1)"),
-              Variant("2,3,5"));
+    EXPECT_EQ(Ask("SELECT group_concat(Series_ID) FROM (SELECT Series_ID FROM Series_T ORDER BY 1)"), Variant("2,3,5"));
     EXPECT_EQ(CountOf("Study_T"), 2) << "a study without series stays";
     EXPECT_THAT(Sent(), ElementsAre(CardsOf("ANNA"), PatientOf("ANNA"), SeriesOf(7), Orphan(6), Orphan(1)));
 }
@@ -741,14 +734,12 @@ TEST_F(UniCards, TwoThousandOfEachComeInTheOrderOfAStableSort) {
         String date;
     };
     std::vector<Dated> expected;
-    for (const char* select :
-         {"SELECT 'IC'||ImageCardID, ICDateCreated FROM ImageCard_T ORDER BY 2 DESC",
-          "SELECT 'SE'||Series_ID, SeriesDateTime FROM Series_T ORDER BY Series_ID DESC"})
+    for (const char* select : {"SELECT 'IC'||ImageCardID, ICDateCreated FROM ImageCard_T ORDER BY 2 DESC",
+                               "SELECT 'SE'||Series_ID, SeriesDateTime FROM Series_T ORDER BY Series_ID DESC"})
         for (const Ref<Recordset> rs = Connect()->Execute(select); !rs->Eof(); rs->MoveNext())
-            expected.push_back({To<String>(rs->Fields(0).Value()),
-                                FormatDate(CDate(rs->Fields(1).Value()), "yyyy-mm-dd hh:nn:ss")});
-    std::stable_sort(expected.begin(), expected.end(),
-                     [](const Dated& a, const Dated& b) { return a.date > b.date; });
+            expected.push_back(
+                {To<String>(rs->Fields(0).Value()), FormatDate(CDate(rs->Fields(1).Value()), "yyyy-mm-dd hh:nn:ss")});
+    std::stable_sort(expected.begin(), expected.end(), [](const Dated& a, const Dated& b) { return a.date > b.date; });
     std::vector<String> keys;
     for (const Dated& entry : expected) keys.push_back(entry.key);
     EXPECT_EQ(Load(), 7);
@@ -1055,8 +1046,7 @@ TEST_F(UniCards, OrphansBeforeAFailedRowStayDeleted) {
     RunSeriesWithImage(5, noon, "SeriesInstanceUID=NULL");
     RunSeries(1, noon);
     LoadFails(InvalidNullAt(12), 7);
-    EXPECT_EQ(Ask("SELECT group_concat(Series_ID) FROM (SELECT Series_ID FROM Series_T ORDER BY 1)"),
-              Variant("1,5"));
+    EXPECT_EQ(Ask("SELECT group_concat(Series_ID) FROM (SELECT Series_ID FROM Series_T ORDER BY 1)"), Variant("1,5"));
 }
 
 TEST_F(UniCards, AServerThatIsNoNumberFailsTheEntry) {
@@ -1082,8 +1072,7 @@ TEST_F(UniCards, AnOrphanThatCannotBeDeletedFailsTheCall) {
     EXPECT_EQ(Load(), 7);
     ASSERT_EQ(boxes.shown.size(), 1U);
     EXPECT_TRUE(std::regex_match(
-        boxes.shown[0],
-        std::regex("cUniCards\\.GetICAndSEList4Patient error: -?[0-9]+, 11\r\n[^\n]*kept[^\n]*")))
+        boxes.shown[0], std::regex("cUniCards\\.GetICAndSEList4Patient error: -?[0-9]+, 11\r\n[^\n]*kept[^\n]*")))
         << boxes.shown[0];
     EXPECT_EQ(CountOf("Series_T"), 1);
     EXPECT_EQ(list->Count(), 0);

@@ -80,8 +80,7 @@ TEST(CosmeticText, NothingIsTrimmedFromTheName) { EXPECT_EQ(Parts("007 a "), "7|
 class CosmeticDeletion : public WithDatabase {
 protected:
     CosmeticDeletion() {
-        Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (7, '" + folder.Path().string() +
-            "', 0)");
+        Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (7, '" + folder.Path().string() + "', 0)");
         std::ofstream(file) << "x";
     }
 

@@ -33,8 +33,7 @@ protected:
     void StorePlaced(Long id, Long card, const String& changes = {}) {
         Run("INSERT INTO ImageAttribute_T (ImageAttributeID, ImageCardID, ImageBildId, IASequence) VALUES (" +
             CStr(id) + ", " + CStr(card) + ", 40, 1)");
-        if (!changes.empty())
-            Run("UPDATE ImageAttribute_T SET " + changes + " WHERE ImageAttributeID = " + CStr(id));
+        if (!changes.empty()) Run("UPDATE ImageAttribute_T SET " + changes + " WHERE ImageAttributeID = " + CStr(id));
     }
 
     void StoreStep(Long placed, const String& values) {
@@ -45,8 +44,8 @@ protected:
     }
 
     void StoreSeries(Long id, const String& columns = {}, const String& values = {}) {
-        Run("INSERT INTO Series_T (Series_ID, Study_ID, SeriesInstanceUID, SeriesDateTime" + columns +
-            ") VALUES (" + CStr(id) + ", 4, '1.5." + CStr(id) + "', '2024-03-04 05:06:07'" + values + ")");
+        Run("INSERT INTO Series_T (Series_ID, Study_ID, SeriesInstanceUID, SeriesDateTime" + columns + ") VALUES (" +
+            CStr(id) + ", 4, '1.5." + CStr(id) + "', '2024-03-04 05:06:07'" + values + ")");
     }
 
     void StoreFile(Long series) {
@@ -144,8 +143,8 @@ TEST_F(CardsReadInPart, AListGoesOnPastWhatCannotBeRead) {
     EXPECT_EQ(list->Item(2)->Key, "SE5");
     std::map<String, String> unread;
     for (const UnreadEntry& entry : found.unread) unread[entry.Key] = entry.Failure.Column;
-    EXPECT_EQ(unread, (std::map<String, String>{
-                          {"IC1", "ICFullViewWidth"}, {"IC3", "ICName"}, {"SE6", "template_ID"}}));
+    EXPECT_EQ(unread,
+              (std::map<String, String>{{"IC1", "ICFullViewWidth"}, {"IC3", "ICName"}, {"SE6", "template_ID"}}));
     EXPECT_THAT(found.orphans, IsEmpty());
     EXPECT_THAT(boxes.shown, IsEmpty());
 }

@@ -67,8 +67,7 @@ TEST_F(Placing, FrameZeroTakesASlotOfNumberZero) {
 TEST_F(Placing, FramesWithoutASlotFillTheGridByRows) {
     SlotPlacing placing(*layout);
     for (int cell = 0; cell < 12; ++cell)
-        EXPECT_THAT(PlaceOf(placing, cell - 6), ElementsAre(cell % 5 * 0.2, cell / 5 * 0.2, 0.19, 0.19))
-            << cell;
+        EXPECT_THAT(PlaceOf(placing, cell - 6), ElementsAre(cell % 5 * 0.2, cell / 5 * 0.2, 0.19, 0.19)) << cell;
 }
 
 TEST_F(Placing, ImagesInSlotsLeaveTheGridAsItIs) {

@@ -70,8 +70,7 @@ protected:
 
     std::vector<Long> StoredRows() {
         std::vector<Long> keys;
-        const Ref<Recordset> rs =
-            Connect()->Execute("SELECT ImageAttributeID FROM ImageAttribute_T ORDER BY 1");
+        const Ref<Recordset> rs = Connect()->Execute("SELECT ImageAttributeID FROM ImageAttribute_T ORDER BY 1");
         for (; !rs->Eof(); rs->MoveNext()) keys.push_back(To<Long>(rs->Fields(0).Value()));
         return keys;
     }
@@ -104,22 +103,20 @@ const char* const updateOfAll =
 const char* const deleteOfRow = "DELETE FROM ImageAttribute_T WHERE ImageattributeID = 21;";
 const char* const steps = "SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=21;";
 const char* const deleteOfSteps = "DELETE FROM ImageManipulation_T WHERE ImageAttributeID=21;";
-const char* const stepsInOrder =
-    "SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=21 ORDER BY SequenceNo;";
+const char* const stepsInOrder = "SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=21 ORDER BY SequenceNo;";
 
 TEST_F(Placed, HasTheDocumentedMembers) {
     EXPECT_THAT(
         MembersOf(*placed),
-        ElementsAre(
-            "put ToBeDeleted(boolean)", "get ToBeDeleted -> boolean", "put IAComments(string)",
-            "get IAComments -> string", "put IASequence(int32)", "get IASequence -> int32",
-            "put IAHeight(double)", "get IAHeight -> double", "put IAWidth(double)", "get IAWidth -> double",
-            "put IAPosY(double)", "get IAPosY -> double", "put IAPosX(double)", "get IAPosX -> double",
-            "put ImageID(int32)", "get ImageID -> int32", "put ICID(int32)", "get ICID -> int32",
-            "put ID(int32)", "get ID -> int32", "Save(conn: Connection&) -> boolean",
-            "putref Manipulations(Collection&)", "get Manipulations -> Collection",
-            "put IAMirrRotStatus(int16)", "get IAMirrRotStatus -> int16",
-            "LoadImageManipulations(conn: Connection&) -> boolean", "SaveManipulations(conn: Connection&)"));
+        ElementsAre("put ToBeDeleted(boolean)", "get ToBeDeleted -> boolean", "put IAComments(string)",
+                    "get IAComments -> string", "put IASequence(int32)", "get IASequence -> int32",
+                    "put IAHeight(double)", "get IAHeight -> double", "put IAWidth(double)", "get IAWidth -> double",
+                    "put IAPosY(double)", "get IAPosY -> double", "put IAPosX(double)", "get IAPosX -> double",
+                    "put ImageID(int32)", "get ImageID -> int32", "put ICID(int32)", "get ICID -> int32",
+                    "put ID(int32)", "get ID -> int32", "Save(conn: Connection&) -> boolean",
+                    "putref Manipulations(Collection&)", "get Manipulations -> Collection",
+                    "put IAMirrRotStatus(int16)", "get IAMirrRotStatus -> int16",
+                    "LoadImageManipulations(conn: Connection&) -> boolean", "SaveManipulations(conn: Connection&)"));
 }
 
 TEST_F(Placed, StartsEmpty) {
@@ -140,8 +137,8 @@ TEST_F(Placed, StartsEmpty) {
 TEST_F(Placed, InsertsWithIdZeroAndReadsItsKeyBeforeTheManipulations) {
     FillAll();
     EXPECT_TRUE(placed->Save(con));
-    EXPECT_THAT(Sent(), ElementsAre(insertOfAll, keyOfAll,
-                                    "SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=1;"));
+    EXPECT_THAT(Sent(),
+                ElementsAre(insertOfAll, keyOfAll, "SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=1;"));
     EXPECT_EQ(placed->ID, 1);
 }
 
@@ -155,10 +152,9 @@ TEST_F(Placed, InsertsWithANegativeIdToo) {
 
 TEST_F(Placed, AnInsertWritesZeroIntoTheColumnsWithoutAProperty) {
     placed->Save(con);
-    for (const char* column :
-         {"IAContrast", "IABrightness", "IAInvert", "IARotation", "IASharpen", "IASoften", "IAZoom",
-          "IAGamma", "IAHorizontalMirror", "IAVerticalMirror", "IAHistoEqualize", "IAStretchIntensity",
-          "IAHistogram", "IAColorized", "IAAttCorr"})
+    for (const char* column : {"IAContrast", "IABrightness", "IAInvert", "IARotation", "IASharpen", "IASoften",
+                               "IAZoom", "IAGamma", "IAHorizontalMirror", "IAVerticalMirror", "IAHistoEqualize",
+                               "IAStretchIntensity", "IAHistogram", "IAColorized", "IAAttCorr"})
         EXPECT_EQ(Ask("SELECT " + String(column) + " FROM ImageAttribute_T"), Variant(Long{0})) << column;
 }
 
@@ -502,11 +498,10 @@ TEST_F(Steps, ReplaceThoseThatWereStored) {
     RunStep(7, "'old'", 2);
     AddStep(ManRotate, "new", -90);
     placed->SaveManipulations(con);
-    EXPECT_THAT(
-        Sent(),
-        ElementsAre(steps, deleteOfSteps,
-                    "INSERT INTO ImageManipulation_T (SequenceNo, Type, LongParameter, StringParameter, "
-                    "ImageAttributeID) VALUES('1', '6', '-90', 'new', '21');"));
+    EXPECT_THAT(Sent(),
+                ElementsAre(steps, deleteOfSteps,
+                            "INSERT INTO ImageManipulation_T (SequenceNo, Type, LongParameter, StringParameter, "
+                            "ImageAttributeID) VALUES('1', '6', '-90', 'new', '21');"));
     EXPECT_THAT(StoredSteps(), ElementsAre("21:1:6:-90:new"));
 }
 
@@ -640,8 +635,7 @@ TEST_F(Steps, ThoseBehindTheLastNumberAreLostWithoutAWord) {
 class Cosmetics : public Steps {
 protected:
     Cosmetics() {
-        for (const char* name : {"root/0_/a.dcm", "root/0_/b.dcm", "root/top.dcm", "outside/secret.dcm"})
-            Write(name);
+        for (const char* name : {"root/0_/a.dcm", "root/0_/b.dcm", "root/top.dcm", "outside/secret.dcm"}) Write(name);
         RunRoot(7, root.string());
     }
 
@@ -655,8 +649,8 @@ protected:
     bool There(const String& name) const { return fs::is_regular_file(folder.Path() / name); }
 
     void RunRoot(Long number, const String& directory, Long status = 0) {
-        Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (" + CStr(number) + ", '" + directory +
-            "', " + CStr(status) + ")");
+        Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (" + CStr(number) + ", '" + directory + "', " +
+            CStr(status) + ")");
     }
 
     /// Saves no manipulation where this cosmetic one is stored; whatever that meets must be swallowed.
@@ -867,10 +861,9 @@ TEST_F(Cosmetics, ANegativeRootIsNoFailure) {
 TEST_F(Cosmetics, ANameThatLeadsOutOfTheRootDeletesNothing) {
     const String away = (folder.Path() / "outside" / "secret.dcm").string();
     for (const String& name :
-         {String("..\\outside\\secret.dcm"), String("../outside/secret.dcm"),
-          String("0_\\..\\..\\outside\\secret.dcm"), String(".\\..\\outside\\secret.dcm"),
-          String("\\..\\outside\\secret.dcm"), away, Replace(away, "/", "\\"), "C:" + away,
-          String("\\\\outside\\secret.dcm")})
+         {String("..\\outside\\secret.dcm"), String("../outside/secret.dcm"), String("0_\\..\\..\\outside\\secret.dcm"),
+          String(".\\..\\outside\\secret.dcm"), String("\\..\\outside\\secret.dcm"), away, Replace(away, "/", "\\"),
+          "C:" + away, String("\\\\outside\\secret.dcm")})
         Drop("007" + name);
     EXPECT_TRUE(There("outside/secret.dcm"));
 }
@@ -879,8 +872,7 @@ TEST_F(Cosmetics, ALinkOutOfTheRootDeletesNothing) {
     fs::create_symlink("../outside/secret.dcm", root / "file");
     fs::create_directory_symlink("../outside", root / "away");
     fs::create_directory_symlink("..", root / "up");
-    for (const char* name :
-         {"file", "away\\secret.dcm", "up\\outside\\secret.dcm", "up\\root\\away\\secret.dcm"})
+    for (const char* name : {"file", "away\\secret.dcm", "up\\outside\\secret.dcm", "up\\root\\away\\secret.dcm"})
         Drop("007" + String(name));
     EXPECT_TRUE(There("outside/secret.dcm"));
     EXPECT_TRUE(fs::is_symlink(root / "file"));

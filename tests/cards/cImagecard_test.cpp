@@ -32,8 +32,7 @@ protected:
             " IAFullViewHeight, IAFullViewPosX, IAFullViewPosY, IASequence, IAComments, IAMirrRotStatus)"
             " VALUES (" +
             CStr(key) + ", 7, 40, 10.5, 20.5, 30.5, -40.5, 2, 'it''s', 5)");
-        if (!changes.empty())
-            Run("UPDATE ImageAttribute_T SET " + changes + " WHERE ImageAttributeID=" + CStr(key));
+        if (!changes.empty()) Run("UPDATE ImageAttribute_T SET " + changes + " WHERE ImageAttributeID=" + CStr(key));
     }
 
     /// Loads the card behind changes of its columns.
@@ -132,12 +131,11 @@ TEST_F(Card, HasTheDocumentedMembers) {
     EXPECT_THAT(
         MembersOf(*card),
         ElementsAre("putref ImagecardAttributes(Collection&)", "get ImagecardAttributes -> Collection",
-                    "put ICWidth(int32)", "get ICWidth -> int32", "put ICHeight(int32)",
-                    "get ICHeight -> int32", "put ICDescription(string)", "get ICDescription -> string",
-                    "put ICLastUpdate(date)", "get ICLastUpdate -> date", "put ICCreateDate(date)",
-                    "get ICCreateDate -> date", "put ICName(string)", "get ICName -> string",
-                    "put ICPID(int32)", "get ICPID -> int32", "put ICID(int32)", "get ICID -> int32",
-                    "Save(conn: Connection&) -> boolean",
+                    "put ICWidth(int32)", "get ICWidth -> int32", "put ICHeight(int32)", "get ICHeight -> int32",
+                    "put ICDescription(string)", "get ICDescription -> string", "put ICLastUpdate(date)",
+                    "get ICLastUpdate -> date", "put ICCreateDate(date)", "get ICCreateDate -> date",
+                    "put ICName(string)", "get ICName -> string", "put ICPID(int32)", "get ICPID -> int32",
+                    "put ICID(int32)", "get ICID -> int32", "Save(conn: Connection&) -> boolean",
                     "GetImageCard(conn: Connection&, lICID: int32&) -> variant",
                     "LoadImageAttributes(conn: Connection&) -> int32"));
 }
@@ -172,11 +170,10 @@ TEST_F(Card, ALoadSendsTheCardThenItsPlacedImagesThenTheirManipulations) {
     RunPlaced(21);
     RunPlaced(22);
     Loaded();
-    EXPECT_THAT(
-        Sent(),
-        ElementsAre(cardSeven, placedOfSeven,
-                    "SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=21 ORDER BY SequenceNo;",
-                    "SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=22 ORDER BY SequenceNo;"));
+    EXPECT_THAT(Sent(),
+                ElementsAre(cardSeven, placedOfSeven,
+                            "SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=21 ORDER BY SequenceNo;",
+                            "SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=22 ORDER BY SequenceNo;"));
 }
 
 TEST_F(Card, EveryStatementOfALoadIsAPlainRead) {
@@ -240,9 +237,7 @@ TEST_F(Card, ANullDescriptionFailsTheLoad) {
     EXPECT_EQ(failure.Description, expected.Description);
 }
 
-TEST_F(Card, ANullDateOfCreationLeavesEverything) {
-    EXPECT_THAT(SetBeforeTheNull("ICDateCreated=NULL"), IsEmpty());
-}
+TEST_F(Card, ANullDateOfCreationLeavesEverything) { EXPECT_THAT(SetBeforeTheNull("ICDateCreated=NULL"), IsEmpty()); }
 
 TEST_F(Card, ANullDescriptionComesBehindTheDateOfCreation) {
     EXPECT_THAT(SetBeforeTheNull("ICDescription=NULL"), ElementsAre("ICCreateDate"));
@@ -259,8 +254,8 @@ TEST_F(Card, ANullNameComesBehindTheDateOfTheLastChange) {
 }
 
 TEST_F(Card, ANullPatientComesLastAndThePlacedImagesAreNotLoaded) {
-    EXPECT_THAT(SetBeforeTheNull("PatientID=NULL"), ElementsAre("ICCreateDate", "ICDescription", "ICHeight",
-                                                                "ICWidth", "ICLastUpdate", "ICName", "ICID"));
+    EXPECT_THAT(SetBeforeTheNull("PatientID=NULL"),
+                ElementsAre("ICCreateDate", "ICDescription", "ICHeight", "ICWidth", "ICLastUpdate", "ICName", "ICID"));
     EXPECT_THAT(Sent(), ElementsAre(cardSeven));
 }
 
@@ -320,9 +315,7 @@ TEST_F(Card, ASizeThatIsNullInBothViewsReadsAsZero) {
     EXPECT_EQ(Loaded("ICFullViewWidth=NULL, ICPreviewWidth=NULL")->ICWidth, 0);
 }
 
-TEST_F(Card, ANegativeHeightReadsAsItsPositiveValue) {
-    EXPECT_EQ(Loaded("ICFullViewHeight=-600")->ICHeight, 600);
-}
+TEST_F(Card, ANegativeHeightReadsAsItsPositiveValue) { EXPECT_EQ(Loaded("ICFullViewHeight=-600")->ICHeight, 600); }
 
 TEST_F(Card, ANegativeWidthOfThePreviewReadsAsItsPositiveValue) {
     EXPECT_EQ(Loaded("ICFullViewWidth=0, ICPreviewWidth=-800")->ICWidth, 800);
@@ -401,9 +394,7 @@ TEST_F(Card, NullMeasuresReadAsZero) {
 
 TEST_F(Card, NullCommentsReadAsEmpty) { EXPECT_EQ(LoadedPlaced("IAComments=NULL")->IAComments, ""); }
 
-TEST_F(Card, ANullStateOfMirroringReadsAsZero) {
-    EXPECT_EQ(LoadedPlaced("IAMirrRotStatus=NULL")->IAMirrRotStatus, 0);
-}
+TEST_F(Card, ANullStateOfMirroringReadsAsZero) { EXPECT_EQ(LoadedPlaced("IAMirrRotStatus=NULL")->IAMirrRotStatus, 0); }
 
 TEST_F(Card, MeasuresReadTheSameOnAMachineWithDecimalCommas) {
     const InLocale comma(DecimalComma);
@@ -437,8 +428,8 @@ protected:
     void ExpectOnlyTheFirstAndABoxOf(Long number, const String& description) {
         ASSERT_EQ(card->ImagecardAttributes->Count(), 1);
         EXPECT_EQ(PlacedAt(1)->ID, 21);
-        EXPECT_THAT(boxes.shown, ElementsAre("cImageCard.LoadImageAttribues: (3/14/2024 15:06:07) " +
-                                             CStr(number) + " " + description));
+        EXPECT_THAT(boxes.shown, ElementsAre("cImageCard.LoadImageAttribues: (3/14/2024 15:06:07) " + CStr(number) +
+                                             " " + description));
     }
 
     const InLocale plain{Locale{}};
@@ -490,16 +481,15 @@ TEST_F(CardAtATime, AFailedOpenIsToldAndLeavesTheOldCollection) {
     EXPECT_EQ(card->LoadImageAttributes(con), 0);
     EXPECT_EQ(card->ImagecardAttributes, before);
     EXPECT_EQ(before->Count(), 1);
-    EXPECT_THAT(boxes.shown, ElementsAre("cImageCard.LoadImageAttribues: (3/14/2024 15:06:07) -2147217865 " +
-                                         expected.Description));
+    EXPECT_THAT(boxes.shown,
+                ElementsAre("cImageCard.LoadImageAttribues: (3/14/2024 15:06:07) -2147217865 " + expected.Description));
 }
 
 TEST_F(CardAtATime, TheTextBoxWritesTheTimeAsTheMachineDoes) {
     const InLocale comma(DecimalComma);
     LoadWithSecond("IASequence=NULL");
-    EXPECT_THAT(boxes.shown,
-                ElementsAre("cImageCard.LoadImageAttribues: (" + CStr(DateFrom({2024, 3, 14, 15, 6, 7})) +
-                            ") 94 Invalid use of Null"));
+    EXPECT_THAT(boxes.shown, ElementsAre("cImageCard.LoadImageAttribues: (" + CStr(DateFrom({2024, 3, 14, 15, 6, 7})) +
+                                         ") 94 Invalid use of Null"));
 }
 
 // ---- saving ---------------------------------------------------------------------------------------
@@ -557,12 +547,11 @@ TEST_F(Card, ASaveSetsTheFlagOfTheWindowToZero) {
 
 TEST_F(Card, ANewObjectIsInsertedWithItsDefaults) {
     card->Save(con);
-    EXPECT_THAT(
-        Sent(),
-        ElementsAre("INSERT INTO ImageCard_T (PatientId, ICName, ICDateCreated, ICLastUpdate, ICDescription, "
-                    "ICFullViewWidth, ICFullViewHeight, ICMaximized) VALUES (0, '', '1899-12-30 00:00:00', "
-                    "'1899-12-30 00:00:00', '', 0, 0, 0);",
-                    "SELECT MAX(ImageCardId) FROM ImageCard_T WHERE PatientId = 0;"));
+    EXPECT_THAT(Sent(),
+                ElementsAre("INSERT INTO ImageCard_T (PatientId, ICName, ICDateCreated, ICLastUpdate, ICDescription, "
+                            "ICFullViewWidth, ICFullViewHeight, ICMaximized) VALUES (0, '', '1899-12-30 00:00:00', "
+                            "'1899-12-30 00:00:00', '', 0, 0, 0);",
+                            "SELECT MAX(ImageCardId) FROM ImageCard_T WHERE PatientId = 0;"));
 }
 
 TEST_F(Card, StatementsAreTheSameOnAMachineWithDecimalCommas) {

@@ -74,18 +74,17 @@ const char* const updateOfAll =
     "TAImagePath ='C:\\it''s.jpg' WHERE TemplateImageId = 4;";
 
 TEST_F(Slot, HasTheDocumentedMembers) {
-    EXPECT_THAT(MembersOf(*slot),
-                ElementsAre("put TANumberInTemplate(int32)", "get TANumberInTemplate -> int32",
-                            "put TAHeight(double)", "get TAHeight -> double", "put TAWidth(double)",
-                            "get TAWidth -> double", "put TAPosY(double)", "get TAPosY -> double",
-                            "put TAPosX(double)", "get TAPosX -> double", "put TARotation(int32)",
-                            "get TARotation -> int32", "put TASequence(int32)", "get TASequence -> int32",
-                            "put AIID(int32)", "get AIID -> int32", "put TCID(int32)", "get TCID -> int32",
-                            "put ID(int32)", "get ID -> int32", "Save(Con: Connection&) -> boolean",
-                            "put TAADName(string)", "get TAADName -> string", "put TAAnatomicRegion(string)",
-                            "get TAAnatomicRegion -> string", "put TAImagepath(string)",
-                            "get TAImagepath -> string", "put TAComments(string)", "get TAComments -> string",
-                            "put TAProportions(float)", "get TAProportions -> float"));
+    EXPECT_THAT(
+        MembersOf(*slot),
+        ElementsAre("put TANumberInTemplate(int32)", "get TANumberInTemplate -> int32", "put TAHeight(double)",
+                    "get TAHeight -> double", "put TAWidth(double)", "get TAWidth -> double", "put TAPosY(double)",
+                    "get TAPosY -> double", "put TAPosX(double)", "get TAPosX -> double", "put TARotation(int32)",
+                    "get TARotation -> int32", "put TASequence(int32)", "get TASequence -> int32", "put AIID(int32)",
+                    "get AIID -> int32", "put TCID(int32)", "get TCID -> int32", "put ID(int32)", "get ID -> int32",
+                    "Save(Con: Connection&) -> boolean", "put TAADName(string)", "get TAADName -> string",
+                    "put TAAnatomicRegion(string)", "get TAAnatomicRegion -> string", "put TAImagepath(string)",
+                    "get TAImagepath -> string", "put TAComments(string)", "get TAComments -> string",
+                    "put TAProportions(float)", "get TAProportions -> float"));
 }
 
 TEST_F(Slot, StartsEmptyAndWithoutProportions) {
@@ -121,21 +120,13 @@ TEST_F(Slot, NullProportionsReadAsSeventyPercent) {
     EXPECT_EQ(std::bit_cast<std::uint32_t>(Loaded("TAProportions=NULL")->TAProportions), 0x3F333333U);
 }
 
-TEST_F(Slot, ProportionsWithADecimalCommaAreRead) {
-    EXPECT_EQ(Loaded("TAProportions='0,85'")->TAProportions, 0.85F);
-}
+TEST_F(Slot, ProportionsWithADecimalCommaAreRead) { EXPECT_EQ(Loaded("TAProportions='0,85'")->TAProportions, 0.85F); }
 
-TEST_F(Slot, ZeroProportionsReadAsSeventyPercent) {
-    EXPECT_EQ(Loaded("TAProportions=0")->TAProportions, 0.7F);
-}
+TEST_F(Slot, ZeroProportionsReadAsSeventyPercent) { EXPECT_EQ(Loaded("TAProportions=0")->TAProportions, 0.7F); }
 
-TEST_F(Slot, EmptyProportionsReadAsSeventyPercent) {
-    EXPECT_EQ(Loaded("TAProportions=''")->TAProportions, 0.7F);
-}
+TEST_F(Slot, EmptyProportionsReadAsSeventyPercent) { EXPECT_EQ(Loaded("TAProportions=''")->TAProportions, 0.7F); }
 
-TEST_F(Slot, ANullNumberTakesTheSequence) {
-    EXPECT_EQ(Loaded("TANumberInTemplate=NULL")->TANumberInTemplate, 3);
-}
+TEST_F(Slot, ANullNumberTakesTheSequence) { EXPECT_EQ(Loaded("TANumberInTemplate=NULL")->TANumberInTemplate, 3); }
 
 TEST_F(Slot, ANegativeNumberReadsAsZeroAndSoTakesTheSequence) {
     EXPECT_EQ(Loaded("TANumberInTemplate=-2, TASequence=-4")->TANumberInTemplate, -4);
@@ -231,8 +222,7 @@ TEST_F(Slot, TheKeyIsTheHighestOfItsTemplateAndSequence) {
     FillAll();
     slot->Save(con);
     EXPECT_EQ(slot->ID, 61);
-    EXPECT_EQ(Ask("SELECT TAGroupName FROM TemplateAttribute_T WHERE TemplateImageId=61"),
-              Variant("O'Group"));
+    EXPECT_EQ(Ask("SELECT TAGroupName FROM TemplateAttribute_T WHERE TemplateImageId=61"), Variant("O'Group"));
 }
 
 TEST_F(Slot, TheUpdateFindsItsRowByTheGroupAndNotByTheKey) {
@@ -271,15 +261,14 @@ TEST_F(Slot, DoublesHaveFifteenDigitsAndFloatsSeven) {
 }
 
 TEST_F(Slot, TextsOfAnyScriptAndInjectionsAreStoredAsTheyAre) {
-    for (const char* text :
-         {"Ωμέγα", "зуб", "切歯", "🦷", "x', TAComments='y", "'; DROP TABLE TemplateCard_T; --"}) {
+    for (const char* text : {"Ωμέγα", "зуб", "切歯", "🦷", "x', TAComments='y", "'; DROP TABLE TemplateCard_T; --"}) {
         const Ref<cTemplateAttribute> fresh = New<cTemplateAttribute>();
         fresh->TAADName = fresh->TAComments = fresh->TAImagepath = text;
         fresh->Save(con);
         for (const char* column : {"TAGroupName", "TAComments", "TAImagePath"})
-            EXPECT_EQ(Ask("SELECT " + String(column) +
-                          " FROM TemplateAttribute_T WHERE TemplateImageId=" + CStr(fresh->ID)),
-                      Variant(text));
+            EXPECT_EQ(
+                Ask("SELECT " + String(column) + " FROM TemplateAttribute_T WHERE TemplateImageId=" + CStr(fresh->ID)),
+                Variant(text));
     }
 }
 

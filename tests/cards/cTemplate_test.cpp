@@ -18,8 +18,8 @@ protected:
         Run("INSERT INTO TemplateCard_T (TemplateID, TCName, TCDate, TCComments, TCFullViewWidth,"
             " TCFullViewHeight, TCPreviewWidth, TCPreviewHeight, TCMaximized, TCChecksum, TCDicomId,"
             " TCForcedImageType) VALUES (" +
-            CStr(key) + ", 'Full mouth', '2024-03-04 05:06:07', 'all', 100.5, 200.5, 1, 2, 1, 99, " +
-            CStr(number) + ", 4)");
+            CStr(key) + ", 'Full mouth', '2024-03-04 05:06:07', 'all', 100.5, 200.5, 1, 2, 1, 99, " + CStr(number) +
+            ", 4)");
         if (!changes.empty()) Run("UPDATE TemplateCard_T SET " + changes + " WHERE TemplateID=" + CStr(key));
     }
 
@@ -63,8 +63,7 @@ const char* const insertOfAll =
     "TCCheckSum,TCDicomId, TCForcedImageType) VALUES ('O''Mouth', '2024-03-04 15:06:07', 'it''s', 12.5, "
     "0.001, 1, "
     "-3, 42, 4);";
-const char* const keyOfAll =
-    "SELECT MAX(TemplateID) AS Max_DicomID FROM TemplateCard_T WHERE TCName='O''Mouth';";
+const char* const keyOfAll = "SELECT MAX(TemplateID) AS Max_DicomID FROM TemplateCard_T WHERE TCName='O''Mouth';";
 const char* const slotsOfSeven =
     "SELECT TemplateImageId, TemplateID, TAGroupName, TASequence, TARotation, TAFullViewWidth, "
     "TAFullViewHeight, "
@@ -74,18 +73,17 @@ const char* const slotsOfSeven =
     "TANumberInTemplate";
 
 TEST_F(Template, HasTheDocumentedMembers) {
-    EXPECT_THAT(
-        MembersOf(*card),
-        ElementsAre("putref TemplateAttributes(Collection&)", "get TemplateAttributes -> Collection",
-                    "put TCForcedImageType(xigImageTypes)", "get TCForcedImageType -> xigImageTypes",
-                    "put TCDicomID(int32)", "get TCDicomID -> int32", "put TCComments(string)",
-                    "get TCComments -> string", "put TCHeight(double)", "get TCHeight -> double",
-                    "put TCWidth(double)", "get TCWidth -> double", "put TCDate(date)", "get TCDate -> date",
-                    "put TCName(string)", "get TCName -> string", "put TCID(int32)", "get TCID -> int32",
-                    "GetTemplate(Con: Connection&, [TID: int32], [DicomID: int32&])",
-                    "LoadTemplateAttributes(Con: Connection&) -> int32", "put TCHidden(boolean)",
-                    "get TCHidden -> boolean", "put TCChecksum(int32)", "get TCChecksum -> int32",
-                    "Save(Con: Connection&) -> boolean"));
+    EXPECT_THAT(MembersOf(*card),
+                ElementsAre("putref TemplateAttributes(Collection&)", "get TemplateAttributes -> Collection",
+                            "put TCForcedImageType(xigImageTypes)", "get TCForcedImageType -> xigImageTypes",
+                            "put TCDicomID(int32)", "get TCDicomID -> int32", "put TCComments(string)",
+                            "get TCComments -> string", "put TCHeight(double)", "get TCHeight -> double",
+                            "put TCWidth(double)", "get TCWidth -> double", "put TCDate(date)", "get TCDate -> date",
+                            "put TCName(string)", "get TCName -> string", "put TCID(int32)", "get TCID -> int32",
+                            "GetTemplate(Con: Connection&, [TID: int32], [DicomID: int32&])",
+                            "LoadTemplateAttributes(Con: Connection&) -> int32", "put TCHidden(boolean)",
+                            "get TCHidden -> boolean", "put TCChecksum(int32)", "get TCChecksum -> int32",
+                            "Save(Con: Connection&) -> boolean"));
 }
 
 TEST_F(Template, StartsEmptyWithAnImageTypeOfZero) {
@@ -280,11 +278,10 @@ TEST_F(Template, UpdatesWhereTheKeyIsAboveZero) {
     FillAll();
     card->TCID = 7;
     EXPECT_TRUE(card->Save(con));
-    EXPECT_THAT(
-        Sent(),
-        ElementsAre("UPDATE TemplateCard_T SET TCName = 'O''Mouth', TCComments = 'it''s', TCFullViewWidth = "
-                    "12.5, TCFullViewHeight = 0.001, TCMaximized = 1, TCChecksum = -3, TCDicomID = 42, "
-                    "TCForcedImageType = 4 WHERE TemplateId = 7;"));
+    EXPECT_THAT(Sent(),
+                ElementsAre("UPDATE TemplateCard_T SET TCName = 'O''Mouth', TCComments = 'it''s', TCFullViewWidth = "
+                            "12.5, TCFullViewHeight = 0.001, TCMaximized = 1, TCChecksum = -3, TCDicomID = 42, "
+                            "TCForcedImageType = 4 WHERE TemplateId = 7;"));
     EXPECT_EQ(Ask("SELECT TCDate FROM TemplateCard_T"), Variant(DateFrom({2024, 3, 4, 5, 6, 7})));
     EXPECT_EQ(Ask("SELECT TCPreviewWidth FROM TemplateCard_T"), Variant(1.0));
 }
@@ -342,8 +339,7 @@ TEST_F(Template, OfTwoTemplatesOfOneNameTheNewRowGivesTheKey) {
     second->TCDicomID = 43;
     second->Save(con);
     EXPECT_GT(second->TCID, card->TCID);
-    EXPECT_EQ(Ask("SELECT TCDicomId FROM TemplateCard_T WHERE TemplateID=" + CStr(second->TCID)),
-              Variant(Long{43}));
+    EXPECT_EQ(Ask("SELECT TCDicomId FROM TemplateCard_T WHERE TemplateID=" + CStr(second->TCID)), Variant(Long{43}));
 }
 
 TEST_F(Template, ANameWithAnApostropheIsDoubledInTheInsertAndInTheKeyQuery) {

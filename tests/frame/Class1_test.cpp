@@ -29,15 +29,14 @@ protected:
 TEST_F(Services, HaveTheDocumentedMembers) {
     EXPECT_THAT(
         MembersOf(*services),
-        ElementsAre(
-            "put ActiveRootID(int32)", "get ActiveRootID -> int32", "GetRoots(Con: Connection) -> variant",
-            "GetSubFolder(PatID: int32) -> string",
-            "SaveGLSetting(Con: Connection, GLId: gGlobalListIDs&, sSetting: string&, bReplace: boolean&)",
-            "GetGLSetting(Con: Connection, GLId: gGlobalListIDs&, sFirstSetting: string&, "
-            "[cAllGLs: cGlobalLists&]) -> boolean",
-            "GetRootOnID(Con: Connection, RootId: int32&) -> string",
-            "GetCachedRootOnID(Con: Connection, RootId: int32&, bFlushCache: boolean&) -> string",
-            "GetInstanceUID(Con: Connection) -> string"));
+        ElementsAre("put ActiveRootID(int32)", "get ActiveRootID -> int32", "GetRoots(Con: Connection) -> variant",
+                    "GetSubFolder(PatID: int32) -> string",
+                    "SaveGLSetting(Con: Connection, GLId: gGlobalListIDs&, sSetting: string&, bReplace: boolean&)",
+                    "GetGLSetting(Con: Connection, GLId: gGlobalListIDs&, sFirstSetting: string&, "
+                    "[cAllGLs: cGlobalLists&]) -> boolean",
+                    "GetRootOnID(Con: Connection, RootId: int32&) -> string",
+                    "GetCachedRootOnID(Con: Connection, RootId: int32&, bFlushCache: boolean&) -> string",
+                    "GetInstanceUID(Con: Connection) -> string"));
 }
 
 // ---- all roots ------------------------------------------------------------------------------------
@@ -274,11 +273,10 @@ TEST_F(Services, ASettingThatReplacesDeletesTheListsRowsFirst) {
     Run("INSERT INTO GlobalList_T (GlobalListID, ListID, ListText) VALUES (30, 6, 'a'), (31, 6, 'b'), (32, "
         "7, 'c')");
     services->SaveGLSetting(con, gglID_ImageFormat, "it's", true);
-    EXPECT_THAT(Sent(),
-                ElementsAre("SELECT * FROM GlobalList_T WHERE ListID=6;",
-                            "DELETE FROM GlobalList_T WHERE GlobalListID=30 OR GlobalListID=31;",
-                            "BeginTrans", "INSERT INTO GlobalList_T (ListID, ListText) VALUES ( 6, 'it''s');",
-                            "SELECT @@IDENTITY", "CommitTrans"));
+    EXPECT_THAT(Sent(), ElementsAre("SELECT * FROM GlobalList_T WHERE ListID=6;",
+                                    "DELETE FROM GlobalList_T WHERE GlobalListID=30 OR GlobalListID=31;", "BeginTrans",
+                                    "INSERT INTO GlobalList_T (ListID, ListText) VALUES ( 6, 'it''s');",
+                                    "SELECT @@IDENTITY", "CommitTrans"));
     EXPECT_EQ(Ask("SELECT ListText FROM GlobalList_T WHERE ListID=6"), Variant("it's"));
     EXPECT_EQ(Ask("SELECT count(*) FROM GlobalList_T"), Variant(Long{2}));
 }

@@ -40,8 +40,7 @@ TEST(PrefixedFailure, ASuccessPassesItsResult) {
 
 TEST(BoxedFailure, IsShownAndTheResultIsZero) {
     const TextBoxes boxes;
-    const Long result =
-        Boxed(Fail, [](const Error& e) { return "error: " + CStr(e.Number) + " " + e.Description; });
+    const Long result = Boxed(Fail, [](const Error& e) { return "error: " + CStr(e.Number) + " " + e.Description; });
     EXPECT_EQ(result, 0);
     EXPECT_THAT(boxes.shown, ElementsAre("error: -2147217865 no such table"));
 }

@@ -27,9 +27,7 @@ protected:
     /// The clock stands at this count, and the tick counter gives these two.
     static void Fix(std::uint64_t fileTime, std::uint32_t tick1 = 0, std::uint32_t tick2 = 0) {
         TheHost().SystemFileTime = [=] { return fileTime; };
-        TheHost().TickCount = [=, first = true]() mutable {
-            return std::exchange(first, !first) ? tick1 : tick2;
-        };
+        TheHost().TickCount = [=, first = true]() mutable { return std::exchange(first, !first) ? tick1 : tick2; };
         TheHost().Timer = [] { return 43210.5F; };
     }
 
@@ -64,9 +62,9 @@ TEST_F(Identifiers, EveryPieceStandsInItsPlace) {
     Randomize();
     const float r1 = Rnd(), r2 = Rnd(), r3 = Rnd();
     Rnd(-1.0F);
-    const String expected = "1.2." + CStr(CLng(static_cast<double>(r1) * 8.0 + 1.0)) + "65535" + "00001" +
-                            "55839" + "04590" + Five(CLng(static_cast<double>(r2) * 100000.0) & 0xFFFF) +
-                            "65534" + "00007" + Five(CLng(static_cast<double>(r3) * 100000.0) & 0xFFFF);
+    const String expected = "1.2." + CStr(CLng(static_cast<double>(r1) * 8.0 + 1.0)) + "65535" + "00001" + "55839" +
+                            "04590" + Five(CLng(static_cast<double>(r2) * 100000.0) & 0xFFFF) + "65534" + "00007" +
+                            Five(CLng(static_cast<double>(r3) * 100000.0) & 0xFFFF);
     EXPECT_EQ(UidUnder("1.2"), expected);
 }
 

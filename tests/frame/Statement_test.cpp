@@ -17,14 +17,12 @@ concept Joins = requires(detail::StatementText statement, Piece piece) {
     statement.Add(piece);
 };
 
-static_assert(!Joins<String> && !Joins<std::string_view> && !Joins<const char*>,
-              "a plain text joins no statement");
+static_assert(!Joins<String> && !Joins<std::string_view> && !Joins<const char*>, "a plain text joins no statement");
 static_assert(!Joins<double> && !Joins<float> && !Joins<bool>, "a number needs its decimal form first");
 static_assert(Joins<Long> && Joins<Integer> && Joins<Escaped>);
 
 TEST(Statement, IsItsPiecesInOrder) {
-    EXPECT_EQ(sql("A='", FixSqlString("it's"), "' B=", Long{-7}, " C=", Integer{12}, ";"),
-              "A='it''s' B=-7 C=12;");
+    EXPECT_EQ(sql("A='", FixSqlString("it's"), "' B=", Long{-7}, " C=", Integer{12}, ";"), "A='it''s' B=-7 C=12;");
 }
 
 TEST(Statement, TheFarthestNumbersAreWrittenInFull) {
@@ -53,9 +51,7 @@ TEST(Statement, ANumberOrNullIsEither) {
     EXPECT_EQ(sql("A=", NumberOrNull{false, 5}, ",B=", NumberOrNull{true, 5}), "A=5,B=NULL");
 }
 
-TEST(Statement, AClauseStandsAsWorded) {
-    EXPECT_EQ(sql("X ", Clause("A = 'b' AND C > 1")), "X A = 'b' AND C > 1");
-}
+TEST(Statement, AClauseStandsAsWorded) { EXPECT_EQ(sql("X ", Clause("A = 'b' AND C > 1")), "X A = 'b' AND C > 1"); }
 
 TEST(Statement, AnUnescapedTextStandsAsItIsBetweenQuotes) {
     for (const char* text : {"", "plain", "\\", "\"", "-- /* ;", "Ωж日🦷", "a''b", "''", "''''"})
@@ -68,14 +64,12 @@ TEST(Statement, AQuoteInAnUnescapedTextFails) {
 }
 
 TEST(Statement, AQuoteInAnEarlierTextDoesNotShiftTheQuotes) {
-    EXPECT_EQ(FailureOf([] { sql("A='", FixSqlString("it's"), "', B='", AsItStands("x'"), "'"); }).Number,
-              SyntaxError);
+    EXPECT_EQ(FailureOf([] { sql("A='", FixSqlString("it's"), "', B='", AsItStands("x'"), "'"); }).Number, SyntaxError);
     EXPECT_EQ(sql("A='", FixSqlString("it's"), "', B=", AsItStands("12")), "A='it''s', B=12");
 }
 
 TEST(Statement, OutsideOfQuotesOnlyAWholeNumberMayStand) {
-    for (const char* text : {"12", "-3", "+4", " 5 "})
-        EXPECT_EQ(sql("A=", AsItStands(text)), "A=" + String(text));
+    for (const char* text : {"12", "-3", "+4", " 5 "}) EXPECT_EQ(sql("A=", AsItStands(text)), "A=" + String(text));
     for (const char* text : {"", " ", "-", "1 OR 1=1", "1;", "1.5", "0x1", "1e3", "--1", "Name", "''", "１"})
         EXPECT_EQ(FailureOf([&] { sql("A=", AsItStands(text)); }).Number, SyntaxError) << text;
 }

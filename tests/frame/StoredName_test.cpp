@@ -133,9 +133,7 @@ TEST_F(NameBelowARoot, ANameOfAnyScriptIsFound) {
     }
 }
 
-TEST_F(NameBelowARoot, BytesThatAreNoTextAreTakenAsTheyAre) {
-    EXPECT_EQ(File("\xFF\xFE.dcm"), Path("\xFF\xFE.dcm"));
-}
+TEST_F(NameBelowARoot, BytesThatAreNoTextAreTakenAsTheyAre) { EXPECT_EQ(File("\xFF\xFE.dcm"), Path("\xFF\xFE.dcm")); }
 
 TEST_F(NameBelowARoot, ANameLongerThanTheSystemTakesHasNoFile) {
     EXPECT_EQ(File(String(300, 'a')), "");
@@ -219,9 +217,7 @@ TEST_F(NameBelowARoot, ARootThatIsALoopHasNoFiles) {
     EXPECT_EQ(FileBelow((folder.Path() / "loop").string(), "a.dcm"), "");
 }
 
-TEST_F(NameBelowARoot, AFolderThatIsAFileHasNothingBelowIt) {
-    EXPECT_FALSE(fs::exists(File("top.dcm\\a.dcm")));
-}
+TEST_F(NameBelowARoot, AFolderThatIsAFileHasNothingBelowIt) { EXPECT_FALSE(fs::exists(File("top.dcm\\a.dcm"))); }
 
 }  // namespace
 }  // namespace OXClass

@@ -18,9 +18,9 @@ protected:
 TEST_F(GlobalList, HasTheDocumentedMembers) {
     EXPECT_THAT(MembersOf(*row),
                 ElementsAre("put GLSaved(boolean)", "get GLSaved -> boolean", "put GlobalListID(int32)",
-                            "get GlobalListID -> int32", "put ListID(gGlobalListIDs)",
-                            "get ListID -> gGlobalListIDs", "put ListText(string)", "get ListText -> string",
-                            "Save(sConn: Connection) -> boolean", "Delete(sConn: Connection) -> boolean",
+                            "get GlobalListID -> int32", "put ListID(gGlobalListIDs)", "get ListID -> gGlobalListIDs",
+                            "put ListText(string)", "get ListText -> string", "Save(sConn: Connection) -> boolean",
+                            "Delete(sConn: Connection) -> boolean",
                             "GetGL(sConn: Connection, GlobalListID: int32) -> boolean"));
 }
 
@@ -28,16 +28,15 @@ TEST_F(GlobalList, TheListsHaveTheirDocumentedNumbers) {
     std::vector<String> lists;
     for (const EnumerationValue& value : EnumerationOf<gGlobalListIDs>::Values)
         lists.push_back(value.Name + (" " + CStr(value.Value)));
-    EXPECT_THAT(
-        lists,
-        ElementsAre("gglID_DeveloperFKeys 1", "gglID_VersionStatus 2", "gglID_DicomServer 3",
-                    "gglID_DicomRootUID 4", "gglID_LoginMethod 5", "gglID_ImageFormat 6", "gglID_CIDCodes 7",
-                    "gglID_TemplateRegionRelationship 8", "gglID_DicomClientAEAndPortPerWSName 9",
-                    "gglID_SecuritySettings 10", "gglID_MaintenanceFlags 11", "gglID_SecurityGroups 12",
-                    "gglID_PromptOnTemplateSelection 13", "gglID_MaintServerClient 14",
-                    "gglID_SkipTSChangePrompt 15", "gglID_SwipeCardOptions 16", "gglID_LogSelections 17",
-                    "gglID_HashedPasswords 18", "gglID_ApproveOverwritesReferrer 19", "gglID_CropAllowed 20",
-                    "gglID_DeleteReasons 21", "gglID_PromptForDeleteReason 22"));
+    EXPECT_THAT(lists,
+                ElementsAre("gglID_DeveloperFKeys 1", "gglID_VersionStatus 2", "gglID_DicomServer 3",
+                            "gglID_DicomRootUID 4", "gglID_LoginMethod 5", "gglID_ImageFormat 6", "gglID_CIDCodes 7",
+                            "gglID_TemplateRegionRelationship 8", "gglID_DicomClientAEAndPortPerWSName 9",
+                            "gglID_SecuritySettings 10", "gglID_MaintenanceFlags 11", "gglID_SecurityGroups 12",
+                            "gglID_PromptOnTemplateSelection 13", "gglID_MaintServerClient 14",
+                            "gglID_SkipTSChangePrompt 15", "gglID_SwipeCardOptions 16", "gglID_LogSelections 17",
+                            "gglID_HashedPasswords 18", "gglID_ApproveOverwritesReferrer 19", "gglID_CropAllowed 20",
+                            "gglID_DeleteReasons 21", "gglID_PromptForDeleteReason 22"));
 }
 
 TEST_F(GlobalList, StartsUnsaved) {
@@ -52,9 +51,8 @@ TEST_F(GlobalList, AnUnsavedRowIsInsertedInATransactionOfItsOwn) {
     row->ListID = gglID_ImageFormat;
     row->ListText = "it's";
     EXPECT_FALSE(row->Save(con));
-    EXPECT_THAT(Sent(),
-                ElementsAre("BeginTrans", "INSERT INTO GlobalList_T (ListID, ListText) VALUES ( 6, 'it''s');",
-                            "SELECT @@IDENTITY", "CommitTrans"));
+    EXPECT_THAT(Sent(), ElementsAre("BeginTrans", "INSERT INTO GlobalList_T (ListID, ListText) VALUES ( 6, 'it''s');",
+                                    "SELECT @@IDENTITY", "CommitTrans"));
     EXPECT_TRUE(row->GLSaved);
     EXPECT_EQ(row->GlobalListID, 31);
     EXPECT_EQ(Ask("SELECT ListText FROM GlobalList_T WHERE GlobalListID=31"), Variant("it's"));
@@ -67,8 +65,7 @@ TEST_F(GlobalList, ASavedRowWithAQuoteInItsTextIsStoredCorrectly) {
     row->ListID = gglID_LoginMethod;
     log.statements.clear();
     EXPECT_FALSE(row->Save(con));
-    EXPECT_THAT(Sent(),
-                ElementsAre("Update GlobalList_T Set ListID=5,ListText='O''Hara''s' WHERE GlobalListID=30"));
+    EXPECT_THAT(Sent(), ElementsAre("Update GlobalList_T Set ListID=5,ListText='O''Hara''s' WHERE GlobalListID=30"));
     EXPECT_EQ(Ask("SELECT ListText FROM GlobalList_T"), Variant("O'Hara's"));
 }
 
@@ -81,8 +78,7 @@ TEST_F(GlobalList, TheClientChoosesThePathWithGLSaved) {
 }
 
 TEST_F(GlobalList, TextsOfAnyScriptAndInjectionsComeBackAsTheyWere) {
-    for (const char* text :
-         {"Ωμέγα", "Список", "設定", "🦷", "x', ListID='9", "'); DROP TABLE GlobalList_T; --"}) {
+    for (const char* text : {"Ωμέγα", "Список", "設定", "🦷", "x', ListID='9", "'); DROP TABLE GlobalList_T; --"}) {
         const Ref<cGlobalList> fresh = New<cGlobalList>(), read = New<cGlobalList>();
         fresh->ListText = text;
         fresh->Save(con);

@@ -35,13 +35,11 @@ TEST_F(GlobalLists, HaveTheDocumentedMembers) {
         ElementsAre("GetAllGLs(sConn: Connection, ListID: gGlobalListIDs&) -> int32",
                     "Add([sKey: string&]) -> cGlobalList", "get Item(vntIndexKey: variant&) -> cGlobalList",
                     "get Count -> int32", "Remove(vntIndexKey: variant&)", "get NewEnum -> Enumerator",
-                    "DeleteAllOnListID(cnconn: Connection, lID: gGlobalListIDs&)",
-                    "DeleteAll(cnconn: Connection)"));
+                    "DeleteAllOnListID(cnconn: Connection, lID: gGlobalListIDs&)", "DeleteAll(cnconn: Connection)"));
 }
 
 TEST_F(GlobalLists, ItemIsNotTheDefaultMember) {
-    for (const Member& member : list->Describe().Members())
-        EXPECT_NE(member.DispId, DefaultMember) << member.Name;
+    for (const Member& member : list->Describe().Members()) EXPECT_NE(member.DispId, DefaultMember) << member.Name;
     EXPECT_EQ(list->Describe().Find("NewEnum")->DispId, EnumeratorMember);
 }
 

@@ -94,9 +94,7 @@ TEST(NzValueOf, WhatHasNoTextIsTheInteger0) {
     EXPECT_EQ(NzValue(std::vector<String>{"a"}), Variant(zero));
 }
 
-TEST(NzValueOf, ADateBeyondTheCalendarHasNoTextAndIsTheInteger0) {
-    EXPECT_EQ(NzValue(Date{1e9}), Variant(zero));
-}
+TEST(NzValueOf, ADateBeyondTheCalendarHasNoTextAndIsTheInteger0) { EXPECT_EQ(NzValue(Date{1e9}), Variant(zero)); }
 
 class NzValueOfColumn : public WithDatabase {};
 

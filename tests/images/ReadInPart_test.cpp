@@ -43,18 +43,17 @@ TEST_F(ReadInPart, AWholeRowIsComplete) {
 }
 
 TEST_F(ReadInPart, TheColumnThatEndsAReadingIsNamed) {
-    const std::map<String, String> values{
-        {"Approved", "'x'"},          {"Brightness_INT", "NULL"},
-        {"Contrast_INT", "NULL"},     {"DateCaptured_SD", "NULL"},
-        {"ExposureTime_F", "'x'"},    {"ImageType", "NULL"},
-        {"Invert_BT", "NULL"},        {"PatientID", "NULL"},
-        {"MirrRotStatus", "'x'"},     {"DPIY_INT", "'x'"},
-        {"DPIX_INT", "'x'"},          {"Voltage_INT", "'x'"},
-        {"Current_INT", "'x'"},       {"Study_ID", "'x'"},
-        {"Series_ID", "'x'"},         {"ImageNumberInSeries", "'99999999999'"},
-        {"DicomStatus_INT", "70000"}, {"FrameNumber_INT", "'x'"},
-        {"SubType_INT", "'x'"},       {"Gamma_INT", "'x'"},
-        {"DCMDerived_BT", "70000"}};
+    const std::map<String, String> values{{"Approved", "'x'"},          {"Brightness_INT", "NULL"},
+                                          {"Contrast_INT", "NULL"},     {"DateCaptured_SD", "NULL"},
+                                          {"ExposureTime_F", "'x'"},    {"ImageType", "NULL"},
+                                          {"Invert_BT", "NULL"},        {"PatientID", "NULL"},
+                                          {"MirrRotStatus", "'x'"},     {"DPIY_INT", "'x'"},
+                                          {"DPIX_INT", "'x'"},          {"Voltage_INT", "'x'"},
+                                          {"Current_INT", "'x'"},       {"Study_ID", "'x'"},
+                                          {"Series_ID", "'x'"},         {"ImageNumberInSeries", "'99999999999'"},
+                                          {"DicomStatus_INT", "70000"}, {"FrameNumber_INT", "'x'"},
+                                          {"SubType_INT", "'x'"},       {"Gamma_INT", "'x'"},
+                                          {"DCMDerived_BT", "70000"}};
     Long id = 0;
     for (const auto& [column, value] : values) {
         Store(++id, column + "=" + value);
@@ -68,8 +67,8 @@ TEST_F(ReadInPart, TheColumnThatEndsAReadingIsNamed) {
 
 TEST_F(ReadInPart, AColumnThatTheRecordLacksIsNamed) {
     Store(1);
-    const Ref<Recordset> rows = con->Execute(
-        "SELECT Approved, Brightness_INT, Contrast_INT, DateCaptured_SD, ExposureTime_F FROM ImageBild_T");
+    const Ref<Recordset> rows =
+        con->Execute("SELECT Approved, Brightness_INT, Contrast_INT, DateCaptured_SD, ExposureTime_F FROM ImageBild_T");
     const Ref<cImage> image = New<cImage>();
     image->GetFromRecord(rows);
     EXPECT_EQ(image->LoadCompletion().Failure().Column, "GraphicURL_NVC");
@@ -118,10 +117,9 @@ TEST_F(ReadInPart, AToleratingLoadLeavesThemOutAndRaisesForNone) {
     EXPECT_EQ(images->Item("K5")->ID, 5);
     EXPECT_EQ(UnreadColumns(*images),
               (std::map<Long, String>{{2, "Brightness_INT"}, {3, "Contrast_INT"}, {4, "RootId"}}));
-    EXPECT_EQ(
-        Sent().back(),
-        "SELECT * FROM ImageBild_T LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId where Series_ID=5"
-        " ORDER BY DateCaptured_SD, ImageBildID");
+    EXPECT_EQ(Sent().back(),
+              "SELECT * FROM ImageBild_T LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId where Series_ID=5"
+              " ORDER BY DateCaptured_SD, ImageBildID");
     Run("DELETE FROM ImageBild_T WHERE ImageBildID < 5");
     EXPECT_EQ(images->LoadReadable(con, iootPatient, 3), 1);
     EXPECT_THAT(images->Unread(), IsEmpty());
@@ -135,12 +133,11 @@ TEST_F(ReadInPart, CommentsAreStoredWithoutTheImage) {
     image->addComment("two", "AB", Date{45001.5}, false);
     log.statements.clear();
     image->SaveComments(con);
-    EXPECT_THAT(Sent(),
-                ::testing::ElementsAre(
-                    "INSERT INTO Comments_T ( dates, signature, tabelID, objectID,commentString ) VALUES "
-                    "('2023-03-16 12:00:00','AB', 1, 7, 'two')",
-                    "INSERT INTO Comments_T ( dates, signature, tabelID, objectID,commentString ) VALUES "
-                    "('2023-03-15 12:00:00','AB', 1, 7, 'it''s one')"));
+    EXPECT_THAT(Sent(), ::testing::ElementsAre(
+                            "INSERT INTO Comments_T ( dates, signature, tabelID, objectID,commentString ) VALUES "
+                            "('2023-03-16 12:00:00','AB', 1, 7, 'two')",
+                            "INSERT INTO Comments_T ( dates, signature, tabelID, objectID,commentString ) VALUES "
+                            "('2023-03-15 12:00:00','AB', 1, 7, 'it''s one')"));
     log.statements.clear();
     image->SaveComments(con);
     EXPECT_THAT(Sent(), IsEmpty()) << "they are stored now";

@@ -29,13 +29,12 @@ Date Day(int day) { return DateFrom({2024, 3, day, 10, 30, 15}); }
 // ---- the list -------------------------------------------------------------------------------------
 
 TEST(CommentList, HasTheDocumentedMembers) {
-    EXPECT_THAT(
-        MembersOf(cComments()),
-        ElementsAre("Add(str: string&, ID: int32&, DateStamp: date&, Signature: string&, [sKey: string&])"
-                    " -> cStringItem",
-                    "get Item(vntIndexKey: variant&) -> cStringItem", "get Count -> int32",
-                    "Remove(vntIndexKey: variant&)", "get NewEnum -> Enumerator",
-                    "AddObj(Obj: cStringItem&, Index: int32&, [sKey: string&])"));
+    EXPECT_THAT(MembersOf(cComments()),
+                ElementsAre("Add(str: string&, ID: int32&, DateStamp: date&, Signature: string&, [sKey: string&])"
+                            " -> cStringItem",
+                            "get Item(vntIndexKey: variant&) -> cStringItem", "get Count -> int32",
+                            "Remove(vntIndexKey: variant&)", "get NewEnum -> Enumerator",
+                            "AddObj(Obj: cStringItem&, Index: int32&, [sKey: string&])"));
 }
 
 TEST(CommentList, ItemIsTheDefaultAndNewEnumTheEnumerator) {
@@ -208,8 +207,8 @@ protected:
 
     void Store(const String& date, const String& text, Long object = 7, Long kind = 1,
                const String& signature = "'Dr. May'") {
-        Run("INSERT INTO Comments_T (dates, signature, tabelID, objectID, commentString) VALUES (" + date +
-            ", " + signature + ", " + CStr(kind) + ", " + CStr(object) + ", " + text + ")");
+        Run("INSERT INTO Comments_T (dates, signature, tabelID, objectID, commentString) VALUES (" + date + ", " +
+            signature + ", " + CStr(kind) + ", " + CStr(object) + ", " + text + ")");
     }
 
     std::vector<String> Texts() { return TextsOf(*image->Comments()); }

@@ -98,8 +98,7 @@ TEST(DeriveAnaRegionMod, PremolarsWithLateralIncisorsAndSecondMolarsAreNot8) {
 }
 
 TEST(DeriveAnaRegionMod, CaninesAre7) {
-    for (const char* tooth : {"13", "23", "33", "43"})
-        EXPECT_EQ(ModifierOf(String(tooth) + ","), "T-51007") << tooth;
+    for (const char* tooth : {"13", "23", "33", "43"}) EXPECT_EQ(ModifierOf(String(tooth) + ","), "T-51007") << tooth;
     EXPECT_EQ(ModifierOf("12,13,"), "T-51007");
 }
 
@@ -109,23 +108,20 @@ TEST(DeriveAnaRegionMod, CaninesWithCentralIncisorsAre5) {
 }
 
 TEST(DeriveAnaRegionMod, CentralIncisorsAre5AheadOfLateralOnes) {
-    for (const char* tooth : {"11", "21", "31", "41"})
-        EXPECT_EQ(ModifierOf(String(tooth) + ","), "T-51005") << tooth;
+    for (const char* tooth : {"11", "21", "31", "41"}) EXPECT_EQ(ModifierOf(String(tooth) + ","), "T-51005") << tooth;
     EXPECT_EQ(ModifierOf("11,12,"), "T-51005");
     EXPECT_EQ(ModifierOf("11,12,15,"), "T-51005") << "second premolars keep 6 away, and not 5";
 }
 
 TEST(DeriveAnaRegionMod, LateralIncisorsAre6) {
-    for (const char* tooth : {"12", "22", "32", "42"})
-        EXPECT_EQ(ModifierOf(String(tooth) + ","), "T-51006") << tooth;
+    for (const char* tooth : {"12", "22", "32", "42"}) EXPECT_EQ(ModifierOf(String(tooth) + ","), "T-51006") << tooth;
     for (const char* premolar : {"14", "24", "34", "44"})
         EXPECT_EQ(ModifierOf("11,12," + String(premolar) + ","), "T-51006") << premolar;
 }
 
 TEST(DeriveAnaRegionMod, WhatNoRuleTakesStaysAsItWas) {
     for (const char* premolar : {"15", "25", "35", "45"})
-        EXPECT_EQ(Derived("11,12,14," + String(premolar) + ",", "before")->AnaRegionMod, "before")
-            << premolar;
+        EXPECT_EQ(Derived("11,12,14," + String(premolar) + ",", "before")->AnaRegionMod, "before") << premolar;
 }
 
 TEST(DeriveAnaRegionMod, PrimaryTeethDoNotCount) {
@@ -143,8 +139,7 @@ TEST(DeriveFromTeeth, AnEmptyStringLeavesAllAsItWas) {
 }
 
 TEST(DeriveFromTeeth, NumbersThatAreNoTeethLeaveAllAsItWas) {
-    for (const char* teeth :
-         {"10,19,20,29,30,39,40,49,50,59,60,69,70,79,80,", "89,90,99,", "1,1,2,6,", "abc", " "}) {
+    for (const char* teeth : {"10,19,20,29,30,39,40,49,50,59,60,69,70,79,80,", "89,90,99,", "1,1,2,6,", "abc", " "}) {
         const Ref<cImage> image = Derived(teeth, "before");
         EXPECT_EQ(image->Laterality, "before") << teeth;
         EXPECT_EQ(image->AnaRegion, "before") << teeth;
@@ -183,16 +178,12 @@ bool Some(const String& text, std::initializer_list<int> numbers) {
 }
 
 String ModelOfModifier(const String& t) {
-    if (Some(t, {16, 17, 18, 26, 27, 28, 36, 37, 38, 46, 47, 48}) && !Some(t, {12, 22, 32, 42}))
-        return "T-5100B";
-    if (Some(t, {16, 17, 18, 26, 27, 28, 36, 37, 38, 46, 47, 48}) && !Some(t, {13, 23, 33, 43}))
-        return "T-5100C";
+    if (Some(t, {16, 17, 18, 26, 27, 28, 36, 37, 38, 46, 47, 48}) && !Some(t, {12, 22, 32, 42})) return "T-5100B";
+    if (Some(t, {16, 17, 18, 26, 27, 28, 36, 37, 38, 46, 47, 48}) && !Some(t, {13, 23, 33, 43})) return "T-5100C";
     if (Some(t, {16, 17, 26, 27, 36, 37, 46, 47}) && !Some(t, {12, 22, 32, 42})) return "T-5100A";
-    if (Some(t, {14, 15, 16, 24, 25, 26, 34, 35, 36, 44, 45, 46}) &&
-        !Some(t, {12, 22, 32, 42, 18, 28, 38, 48}))
+    if (Some(t, {14, 15, 16, 24, 25, 26, 34, 35, 36, 44, 45, 46}) && !Some(t, {12, 22, 32, 42, 18, 28, 38, 48}))
         return "T-51009";
-    if (Some(t, {14, 15, 24, 25, 34, 35, 44, 45}) && !Some(t, {17, 27, 37, 47, 11, 21, 31, 41}))
-        return "T-51008";
+    if (Some(t, {14, 15, 24, 25, 34, 35, 44, 45}) && !Some(t, {17, 27, 37, 47, 11, 21, 31, 41})) return "T-51008";
     if (Some(t, {13, 23, 33, 43}) && !Some(t, {15, 25, 35, 45, 11, 21, 31, 41})) return "T-51007";
     if (Some(t, {11, 21, 31, 41}) && !Some(t, {14, 24, 34, 44})) return "T-51005";
     if (Some(t, {12, 22, 32, 42}) && !Some(t, {15, 25, 35, 45})) return "T-51006";
@@ -207,8 +198,7 @@ TEST(DeriveAnaRegionMod, AgreesWithTheTableOnRandomTeeth) {
     for (int round = 0; round < 20'000; ++round) {
         String teeth;
         for (auto left = random() % 7; left > 0; --left)
-            teeth +=
-                std::to_string((random() % 4 + 1) * 10 + random() % 8 + 1) + (random() % 20 == 0 ? "" : ",");
+            teeth += std::to_string((random() % 4 + 1) * 10 + random() % 8 + 1) + (random() % 20 == 0 ? "" : ",");
         EXPECT_EQ(ModifierOf(teeth), ModelOfModifier(teeth)) << teeth;
         EXPECT_NE(ModifierOf(teeth), "T-5100A") << "the first rule takes all that would give it: " << teeth;
     }

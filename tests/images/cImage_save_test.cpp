@@ -39,8 +39,7 @@ protected:
     }
     std::vector<String> StoredComments() {
         std::vector<String> texts;
-        const Ref<Recordset> rs =
-            Connect()->Execute("SELECT commentString FROM Comments_T ORDER BY CommentID");
+        const Ref<Recordset> rs = Connect()->Execute("SELECT commentString FROM Comments_T ORDER BY CommentID");
         for (; !rs->Eof(); rs->MoveNext()) texts.push_back(To<String>(rs->Fields(0).Value()));
         return texts;
     }
@@ -143,10 +142,9 @@ TEST_F(ImageSave, AFreshImageSendsZerosAndEmptyTexts) {
     image->Save(con);
     EXPECT_THAT(
         Sent(),
-        ElementsAre(INSERT_HEAD
-                    "VALUES ( 0, 0, '1899-12-30 00:00:00', '', '',  0, 100, '', 0, '',0, 0,0,  0, 0,  0, "
-                    "0,  0, 0, '', 0,  0, 0, '',  0, 0, 0,  0, '', 0, '', '1899-12-30 00:00:00',  "
-                    "0,0,0,'',0,  0, 0, '', 0, '','','','', 0, 0);",
+        ElementsAre(INSERT_HEAD "VALUES ( 0, 0, '1899-12-30 00:00:00', '', '',  0, 100, '', 0, '',0, 0,0,  0, 0,  0, "
+                                "0,  0, 0, '', 0,  0, 0, '',  0, 0, 0,  0, '', 0, '', '1899-12-30 00:00:00',  "
+                                "0,0,0,'',0,  0, 0, '', 0, '','','','', 0, 0);",
                     "SELECT MAX(ImageBildID) AS ID FROM ImageBild_T WHERE (GraphicURL_NVC='' AND "
                     "PatientID=0);"));
 }
@@ -165,12 +163,11 @@ TEST_F(ImageSave, CommentsFollowInTheOrderOfTheList) {
     image->addComment("It's caries", "Dr. O'Hara", DateFrom({2024, 3, 5, 14, 7, 9}), false);
     image->addComment("newer", "b", Date{}, false);
     image->Save(con);
-    EXPECT_THAT(Sent(),
-                ElementsAre(UpdateOfDistinct,
-                            "INSERT INTO Comments_T ( dates, signature, tabelID, objectID,commentString ) "
-                            "VALUES ('1899-12-30 00:00:00','b', 1, 5, 'newer')",
-                            "INSERT INTO Comments_T ( dates, signature, tabelID, objectID,commentString ) "
-                            "VALUES ('2024-03-05 14:07:09','Dr. O''Hara', 1, 5, 'It''s caries')"));
+    EXPECT_THAT(Sent(), ElementsAre(UpdateOfDistinct,
+                                    "INSERT INTO Comments_T ( dates, signature, tabelID, objectID,commentString ) "
+                                    "VALUES ('1899-12-30 00:00:00','b', 1, 5, 'newer')",
+                                    "INSERT INTO Comments_T ( dates, signature, tabelID, objectID,commentString ) "
+                                    "VALUES ('2024-03-05 14:07:09','Dr. O''Hara', 1, 5, 'It''s caries')"));
 }
 
 TEST_F(ImageSave, ADecimalCommaChangesNoStatement) {
@@ -217,16 +214,14 @@ TEST_F(ImageSave, SaveExOfAKnownImageSendsLookCommentsMarkUpdateAndNewComments) 
     image = Distinct();
     image->addComment("back", "a", Date{}, false);
     image->SaveEx(false, con);
-    EXPECT_THAT(
-        Sent(),
-        ElementsAre("SELECT * FROM ImageBild_T WHERE SOPInstanceUID_NVC ='1.2.840.1';",
-                    "SELECT Comments_T.* From Comments_T Where (((Comments_T.tabelID)=1) AND "
-                    "((Comments_T.objectID)=1))ORDER BY Comments_T.dates ASC;",
-                    "DELETE * FROM Comments_T where CommentString = 'Deleted 2024-01-02 03:04:05' and "
-                    "objectID = 1",
-                    Replace(UpdateOfDistinct, "ImageBildID = 5", "ImageBildID = 1"),
-                    "INSERT INTO Comments_T ( dates, signature, tabelID, objectID,commentString ) "
-                    "VALUES ('1899-12-30 00:00:00','a', 1, 1, 'back')"));
+    EXPECT_THAT(Sent(), ElementsAre("SELECT * FROM ImageBild_T WHERE SOPInstanceUID_NVC ='1.2.840.1';",
+                                    "SELECT Comments_T.* From Comments_T Where (((Comments_T.tabelID)=1) AND "
+                                    "((Comments_T.objectID)=1))ORDER BY Comments_T.dates ASC;",
+                                    "DELETE * FROM Comments_T where CommentString = 'Deleted 2024-01-02 03:04:05' and "
+                                    "objectID = 1",
+                                    Replace(UpdateOfDistinct, "ImageBildID = 5", "ImageBildID = 1"),
+                                    "INSERT INTO Comments_T ( dates, signature, tabelID, objectID,commentString ) "
+                                    "VALUES ('1899-12-30 00:00:00','a', 1, 1, 'back')"));
 }
 
 // ---- what stands in the row -----------------------------------------------------------------------------
@@ -251,8 +246,7 @@ TEST_F(ImageSave, ComputedResolutionIsZeroUnlessBothAreKnown) {
     struct Row {
         Long x, y, computed;
     };
-    for (const auto& [x, y, computed] :
-         {Row{100, 0, 0}, Row{0, 100, 0}, Row{100, 200, 100}, Row{-5, 7, -5}}) {
+    for (const auto& [x, y, computed] : {Row{100, 0, 0}, Row{0, 100, 0}, Row{100, 200, 100}, Row{-5, 7, -5}}) {
         image = New<cImage>();
         image->DPIX = x;
         image->DPIY = y;
@@ -366,8 +360,8 @@ TEST_F(ImageSave, AnUpdateOfARowThatIsGoneIsNoFailure) {
 // ---- texts ------------------------------------------------------------------------------------------------
 
 TEST_F(ImageSave, EscapedTextsComeBackAsTheyWere) {
-    for (const String text : {"O'Hara", "''", "'; DROP TABLE ImageBild_T; --", "C:\\images\\100%\"_[x]",
-                              "Παπαδόπουλος", "Щукина", "山田太郎", "🦷😬"}) {
+    for (const String text : {"O'Hara", "''", "'; DROP TABLE ImageBild_T; --", "C:\\images\\100%\"_[x]", "Παπαδόπουλος",
+                              "Щукина", "山田太郎", "🦷😬"}) {
         image = New<cImage>();
         image->URL = image->HWSourceTxt = image->RespPerson = text;
         image->addComment(text, text, Date{}, false);
@@ -534,8 +528,7 @@ TEST_F(ImageSave, SaveExTakesOverTheRowOfAKnownUid) {
     EXPECT_EQ(image->ID, 1);
     EXPECT_EQ(CountOf("ImageBild_T"), 1);
     EXPECT_EQ(OfRow("CRC"), Variant("new"));
-    EXPECT_THAT(TextsOf(*image), ElementsAre("new", "Known", "known"))
-        << "the one of the same signature and text left";
+    EXPECT_THAT(TextsOf(*image), ElementsAre("new", "Known", "known")) << "the one of the same signature and text left";
     EXPECT_EQ(image->Comments()->Item(Long{3})->Signature, "Dr. June");
     EXPECT_THAT(StoredComments(), ElementsAre("known", "of the table alone", "new", "Known", "known"));
 }
@@ -545,8 +538,7 @@ TEST_F(ImageSave, SaveExRemovesEachCommentThatTheTableHas) {
     StoreComment(1, "a", "one");
     StoreComment(1, "a", "two");
     image = Distinct();
-    for (const char* text : {"one", "two", "one", "three", "two"})
-        image->addComment(text, "a", Date{}, false);
+    for (const char* text : {"one", "two", "one", "three", "two"}) image->addComment(text, "a", Date{}, false);
     image->SaveEx(false, con);
     EXPECT_THAT(TextsOf(*image), ElementsAre("three"));
     EXPECT_THAT(StoredComments(), ElementsAre("one", "two", "three"));

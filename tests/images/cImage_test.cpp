@@ -23,8 +23,7 @@ String TextOf(const Variant& value) {
 std::vector<String> ValuesOf(Object& object) {
     std::vector<String> values;
     for (const Member& member : object.Describe().Members())
-        if (member.Kind == MemberKind::Get && member.Arguments.empty() &&
-            member.Result.Is != MemberType::Kind::Object)
+        if (member.Kind == MemberKind::Get && member.Arguments.empty() && member.Result.Is != MemberType::Kind::Object)
             values.push_back(member.Name + "=" + TextOf(member.Call(object, {})));
     return values;
 }
@@ -40,8 +39,7 @@ std::map<String, String> PropertiesOf(Object& object) {
 std::vector<String> Differing(Object& object, std::map<String, String> expected) {
     std::vector<String> lines;
     for (const auto& [name, value] : PropertiesOf(object))
-        if (value != expected[name])
-            lines.push_back(name + " is \"" + value + "\", not \"" + expected[name] + "\"");
+        if (value != expected[name]) lines.push_back(name + " is \"" + value + "\", not \"" + expected[name] + "\"");
     return lines;
 }
 
@@ -65,10 +63,9 @@ TEST(ImageRecord, HasTheDocumentedMembers) {
         documented.push_back("get " + name + " -> " + type);
     };
     const auto operation = [&](const char* text) { documented.emplace_back(text); };
-    for (const char* name : {"AnaRegionMod", "AnaRegion", "Laterality", "instanceUID"})
-        property(name, "string");
-    for (const char* name : {"seriesID", "studyID", "ImageNumberInSeries", "Pregnant", "RootId", "DPIX",
-                             "DPIY", "MirrRotStatus"})
+    for (const char* name : {"AnaRegionMod", "AnaRegion", "Laterality", "instanceUID"}) property(name, "string");
+    for (const char* name :
+         {"seriesID", "studyID", "ImageNumberInSeries", "Pregnant", "RootId", "DPIX", "DPIY", "MirrRotStatus"})
         property(name, "int32");
     property("dateTime", "date");
     property("PatID", "int32");
@@ -280,20 +277,19 @@ TEST_F(ImageReading, GetImageSendsItsStatement) {
     EXPECT_TRUE(image->GetImage(con, 5));
     EXPECT_THAT(
         Sent(),
-        ElementsAre(
-            "SELECT ImageBildID, ToothCollectionID, PatientID, DateCaptured_SD, Comments_NVC, "
-            "StandCollName_NVC, "
-            "ComputedDPI_INT, HardwareSourceId_INT, HardwareSourcetxt_NVC, ImageBild_T.RootId, "
-            "GraphicURL_NVC, "
-            "Invert_BT, StretchIntens_BT, Rotation_INT, Contrast_INT, Brightness_INT, Histogram_BT, "
-            "ExposureTime_F, HorizMirror_BT, VerticalMirror_BT, CRC, Responsible_Person_NVC, Approved, "
-            "ImageType, "
-            "MirrRotStatus, DPIY_INT, DPIX_INT, Voltage_INT, Current_INT, Capture_Person_NVC, Pregnant_BT, "
-            "XRaySource_NVC, PrevXrayDate_DT, Dosage_INT, Root_T.Status, Root_T.RootDirectory, Study_ID, "
-            "Series_ID, SOPInstanceUID_NVC, ImageNumberInSeries, DicomStatus_INT "
-            ",FrameNumber_INT,AnatomicRegion, "
-            "DCMDerived_BT, Laterality, AnaRegion, AnaRegionMod, PriStructure, SubType_INT, Gamma_INT "
-            "FROM ImageBild_T LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId Where ImageBildID = 5;"));
+        ElementsAre("SELECT ImageBildID, ToothCollectionID, PatientID, DateCaptured_SD, Comments_NVC, "
+                    "StandCollName_NVC, "
+                    "ComputedDPI_INT, HardwareSourceId_INT, HardwareSourcetxt_NVC, ImageBild_T.RootId, "
+                    "GraphicURL_NVC, "
+                    "Invert_BT, StretchIntens_BT, Rotation_INT, Contrast_INT, Brightness_INT, Histogram_BT, "
+                    "ExposureTime_F, HorizMirror_BT, VerticalMirror_BT, CRC, Responsible_Person_NVC, Approved, "
+                    "ImageType, "
+                    "MirrRotStatus, DPIY_INT, DPIX_INT, Voltage_INT, Current_INT, Capture_Person_NVC, Pregnant_BT, "
+                    "XRaySource_NVC, PrevXrayDate_DT, Dosage_INT, Root_T.Status, Root_T.RootDirectory, Study_ID, "
+                    "Series_ID, SOPInstanceUID_NVC, ImageNumberInSeries, DicomStatus_INT "
+                    ",FrameNumber_INT,AnatomicRegion, "
+                    "DCMDerived_BT, Laterality, AnaRegion, AnaRegionMod, PriStructure, SubType_INT, Gamma_INT "
+                    "FROM ImageBild_T LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId Where ImageBildID = 5;"));
 }
 
 TEST_F(ImageReading, GetImageFillsEachPropertyFromItsColumn) {
@@ -359,8 +355,7 @@ TEST_F(ImageReading, ANullReadsAsItsColumnSays) {
 
 TEST_F(ImageReading, ANullWhereAValueIsNeededEndsTheReadingThere) {
     for (const Step& step : Steps) {
-        if (step.form != Step::Direct || String(step.column) == "ImageBildID" ||
-            String(step.column) == "RootId")
+        if (step.form != Step::Direct || String(step.column) == "ImageBildID" || String(step.column) == "RootId")
             continue;
         Forget();
         Set(step.column, "NULL");
@@ -547,8 +542,7 @@ TEST_F(ImageReading, AFailureOfTheRepairReachesTheCaller) {
 
 TEST_F(ImageReading, ANumberMissingElsewhereIsNotRepaired) {
     ReadFrom(SelectWithout("PatientID", "ImageBild_T.RootId"));
-    EXPECT_THAT(Differing(*image, ReadUpTo(&Steps[10])), IsEmpty())
-        << "3265 ahead of the root ends the reading";
+    EXPECT_THAT(Differing(*image, ReadUpTo(&Steps[10])), IsEmpty()) << "3265 ahead of the root ends the reading";
 }
 
 TEST_F(ImageReading, ARecordAtItsEndChangesNothing) {

@@ -28,20 +28,18 @@ std::vector<Long> KeysOf(const cImages& images) {
 TEST(ImageCollection, HasTheDocumentedMembers) {
     EXPECT_THAT(
         MembersOf(cImages()),
-        ElementsAre(
-            "LoadAll4Object(conn: Connection&, ObjectType: ImageOwnerOjectTypes&, ID: int32&, "
-            "[SQLWhereClause: string&]) -> int32",
-            "Add(URL: string&, ID: int32&, ImageType: xigImageTypes&, sTeeth: string&, Approved: boolean&, "
-            "PatID: int32&, dateTime: date&, MirrRotStatus: int32&, DPIY: int32&, DPIX: int32&, "
-            "RootId: int32&, Pregnant: int32&, ImageNumberInSeries: int32&, DicomStatus: int16&, "
-            "studyID: int32&, FrameNumber: int32&, seriesID: int32&, instanceUID: string&, "
-            "Laterality: string&, AnaRegion: string&, AnaRegionMod: string&, Comments: cComments&, "
-            "Root_RootDirectory: string&, HWSourceTxt: string&, ApprGamma: int32&, ApprBrightness: int32&, "
-            "ApprContrast: int32&, ApprInvert: boolean&, CapturePerson: string&, RespPerson: string&, "
-            "[sKey: string&]) -> cImage",
-            "get Item(vntIndexKey: variant&) -> cImage", "get Count -> int32",
-            "Remove(vntIndexKey: variant&)", "get NewEnum -> Enumerator",
-            "AddObject(oImage: cImage&, [sKey: string&]) -> cImage"));
+        ElementsAre("LoadAll4Object(conn: Connection&, ObjectType: ImageOwnerOjectTypes&, ID: int32&, "
+                    "[SQLWhereClause: string&]) -> int32",
+                    "Add(URL: string&, ID: int32&, ImageType: xigImageTypes&, sTeeth: string&, Approved: boolean&, "
+                    "PatID: int32&, dateTime: date&, MirrRotStatus: int32&, DPIY: int32&, DPIX: int32&, "
+                    "RootId: int32&, Pregnant: int32&, ImageNumberInSeries: int32&, DicomStatus: int16&, "
+                    "studyID: int32&, FrameNumber: int32&, seriesID: int32&, instanceUID: string&, "
+                    "Laterality: string&, AnaRegion: string&, AnaRegionMod: string&, Comments: cComments&, "
+                    "Root_RootDirectory: string&, HWSourceTxt: string&, ApprGamma: int32&, ApprBrightness: int32&, "
+                    "ApprContrast: int32&, ApprInvert: boolean&, CapturePerson: string&, RespPerson: string&, "
+                    "[sKey: string&]) -> cImage",
+                    "get Item(vntIndexKey: variant&) -> cImage", "get Count -> int32", "Remove(vntIndexKey: variant&)",
+                    "get NewEnum -> Enumerator", "AddObject(oImage: cImage&, [sKey: string&]) -> cImage"));
 }
 
 TEST(ImageCollection, ItemIsTheDefaultAndNewEnumTheEnumerator) {
@@ -58,9 +56,9 @@ TEST(ImageCollection, OwnersHaveTheirNumbers) {
 }
 
 Ref<cImage> AddDistinct(cImages& images, const Ref<cComments>& comments, const String& key = {}) {
-    return images.Add("url", 1, imggTypeDXPanoramic, "teeth", true, 2, Date{3}, 4, 5, 6, 7, 8, 9, 10, 11, 12,
-                      13, "uid", "lat", "region", "modifier", comments, "root", "hardware", 14, 15, 16, true,
-                      "capture", "resp", key);
+    return images.Add("url", 1, imggTypeDXPanoramic, "teeth", true, 2, Date{3}, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, "uid",
+                      "lat", "region", "modifier", comments, "root", "hardware", 14, 15, 16, true, "capture", "resp",
+                      key);
 }
 
 TEST(ImageCollection, AddSetsEachPropertyFromItsArgument) {
@@ -104,9 +102,7 @@ TEST(ImageCollection, AddLeavesWhatHasNoArgumentAtItsDefault) {
     const Ref<cImage> image = AddDistinct(*images, New<cComments>(), "key");
     EXPECT_EQ(image->Key, "") << "a key of the collection is not the image's";
     EXPECT_EQ(image->CRC + image->ApprCrop, "");
-    EXPECT_EQ(
-        image->ExposureTime_ms + image->Current_mA + image->Voltage_kV + image->SubType + image->DCMDerived,
-        0);
+    EXPECT_EQ(image->ExposureTime_ms + image->Current_mA + image->Voltage_kV + image->SubType + image->DCMDerived, 0);
 }
 
 TEST(ImageCollection, AddOfCommentsThatAreNothingGivesAnEmptyList) {
@@ -208,8 +204,8 @@ protected:
     void Store(Long id, Long patient, Long series, const String& captured, Long root = 1) {
         Run("INSERT INTO ImageBild_T (ImageBildID, PatientID, Series_ID, DateCaptured_SD, Brightness_INT, "
             "Contrast_INT, ImageType, Invert_BT, RootId, GraphicURL_NVC) VALUES (" +
-            CStr(id) + ", " + CStr(patient) + ", " + CStr(series) + ", '" + captured + "', 0, 0, 1, 0, " +
-            CStr(root) + ", 'file " + CStr(id) + "')");
+            CStr(id) + ", " + CStr(patient) + ", " + CStr(series) + ", '" + captured + "', 0, 0, 1, 0, " + CStr(root) +
+            ", 'file " + CStr(id) + "')");
     }
     void StoreRoot() { Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, '/images', 1)"); }
 
@@ -226,8 +222,8 @@ protected:
 TEST_F(LoadAll4Object, SendsTheStatementOfItsOwner) {
     Load(iootPatient, 7);
     Load(iootSeries, 8);
-    EXPECT_THAT(Sent(), ElementsAre(SELECT_IMAGES "where PatientID=7" ORDERED,
-                                    SELECT_IMAGES "where Series_ID=8" ORDERED));
+    EXPECT_THAT(Sent(),
+                ElementsAre(SELECT_IMAGES "where PatientID=7" ORDERED, SELECT_IMAGES "where Series_ID=8" ORDERED));
 }
 
 TEST_F(LoadAll4Object, AClauseStandsAsItIsAndWinsOverOwnerAndKey) {

@@ -40,16 +40,15 @@ const char* TypeName(const MemberType& type) {
 }
 
 String ArgumentText(const Argument& argument) {
-    const String text =
-        String(argument.Name) + ": " + TypeName(argument.Type) + (argument.ByReference ? "&" : "");
+    const String text = String(argument.Name) + ": " + TypeName(argument.Type) + (argument.ByReference ? "&" : "");
     return argument.Optional ? "[" + text + "]" : text;
 }
 
 String MemberText(const Member& member) {
     if (member.Kind == MemberKind::Put || member.Kind == MemberKind::PutRef) {
         const Argument& value = member.Arguments.back();
-        return String(member.Kind == MemberKind::Put ? "put " : "putref ") + member.Name + "(" +
-               TypeName(value.Type) + (value.ByReference ? "&" : "") + ")";
+        return String(member.Kind == MemberKind::Put ? "put " : "putref ") + member.Name + "(" + TypeName(value.Type) +
+               (value.ByReference ? "&" : "") + ")";
     }
     String text = (member.Kind == MemberKind::Get ? "get " : "") + member.Name;
     if (member.Kind == MemberKind::Operation || !member.Arguments.empty()) {

@@ -13,8 +13,7 @@ public:
     explicit ForeignObject(bool isDispatch) : isDispatch_(isDispatch) {}
 
     HRESULT QueryInterface(REFIID riid, void** object) override {
-        const bool has =
-            Platform::Same(riid, IID_IUnknown) || (isDispatch_ && Platform::Same(riid, IID_IDispatch));
+        const bool has = Platform::Same(riid, IID_IUnknown) || (isDispatch_ && Platform::Same(riid, IID_IDispatch));
         *object = has ? this : nullptr;
         if (has) AddRef();
         return has ? S_OK : E_NOINTERFACE;

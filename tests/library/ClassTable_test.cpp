@@ -22,16 +22,16 @@ std::vector<std::string> Names(bool globalOnly) {
 
 TEST(ClassTable, HasTheTwentyEightClassesInTheirOrder) {
     EXPECT_THAT(Names(false),
-                ElementsAre("Class1", "cComments", "cAnatomics", "cDoctor", "cDoctors", "cGlobalList",
-                            "cGlobalLists", "cImagecard", "cImagecardAttribute", "cMWLItem", "cPatient",
-                            "cStringItem", "cStudy", "cTeeth", "cTemplate", "cTemplateAttribute", "cTooth",
-                            "IntendedRecipients", "OtherPatIDs", "cAnatomicDescription", "cImageManipulation",
-                            "cUniCard", "cImages", "cUniCards", "cImage", "cSerie", "cClinic", "cClinics"));
+                ElementsAre("Class1", "cComments", "cAnatomics", "cDoctor", "cDoctors", "cGlobalList", "cGlobalLists",
+                            "cImagecard", "cImagecardAttribute", "cMWLItem", "cPatient", "cStringItem", "cStudy",
+                            "cTeeth", "cTemplate", "cTemplateAttribute", "cTooth", "IntendedRecipients", "OtherPatIDs",
+                            "cAnatomicDescription", "cImageManipulation", "cUniCard", "cImages", "cUniCards", "cImage",
+                            "cSerie", "cClinic", "cClinics"));
 }
 
 TEST(ClassTable, SevenClassesAreGlobal) {
-    EXPECT_THAT(Names(true), ElementsAre("cGlobalList", "cGlobalLists", "cImagecardAttribute", "cStudy",
-                                         "OtherPatIDs", "cImageManipulation", "cSerie"));
+    EXPECT_THAT(Names(true), ElementsAre("cGlobalList", "cGlobalLists", "cImagecardAttribute", "cStudy", "OtherPatIDs",
+                                         "cImageManipulation", "cSerie"));
 }
 
 TEST(ClassTable, EachIdentifierIsOneAndItsOwn) {

@@ -22,29 +22,25 @@ std::string Read(const std::filesystem::path& path) {
 
 TEST(TypeLibrary, IsTheLibraryInItsVersion) {
     const std::string text = TypeLibraryText();
-    EXPECT_TRUE(Contains(
-        text, "    version(1.30),\n    lcid(1033),\n    helpstring(\"OX Classes\")\n]\nlibrary OXClass {"));
+    EXPECT_TRUE(
+        Contains(text, "    version(1.30),\n    lcid(1033),\n    helpstring(\"OX Classes\")\n]\nlibrary OXClass {"));
 }
 
 TEST(TypeLibrary, TellsArgumentsResultsAndIdentities) {
     const std::string text = TypeLibraryText();
+    EXPECT_TRUE(Contains(text,
+                         "[id(0x6003000a)] HRESULT LoadOnPatientIDorPDBID([in] IDispatch* Con, [in, out] BSTR* "
+                         "PatientID, [in, out] long* PDBID, [out, retval] long* Result);"));
+    EXPECT_TRUE(Contains(text,
+                         "[id(0x00000000), propget] HRESULT Item([in, out] VARIANT* vntIndexKey, [out, retval] "
+                         "_cUniCard** Result);"));
     EXPECT_TRUE(
-        Contains(text,
-                 "[id(0x6003000a)] HRESULT LoadOnPatientIDorPDBID([in] IDispatch* Con, [in, out] BSTR* "
-                 "PatientID, [in, out] long* PDBID, [out, retval] long* Result);"));
-    EXPECT_TRUE(
-        Contains(text,
-                 "[id(0x00000000), propget] HRESULT Item([in, out] VARIANT* vntIndexKey, [out, retval] "
-                 "_cUniCard** Result);"));
-    EXPECT_TRUE(Contains(
-        text, "[id(0xfffffffc), propget, restricted] HRESULT NewEnum([out, retval] IUnknown** Result);"));
-    EXPECT_TRUE(
-        Contains(text,
-                 "HRESULT AddObj([in, out] _cUniCard** oUC, [in, out, optional] BSTR* sKey, [in, out, "
-                 "optional] BSTR* sBefore, [out, retval] VARIANT_BOOL* Result);"));
+        Contains(text, "[id(0xfffffffc), propget, restricted] HRESULT NewEnum([out, retval] IUnknown** Result);"));
+    EXPECT_TRUE(Contains(text,
+                         "HRESULT AddObj([in, out] _cUniCard** oUC, [in, out, optional] BSTR* sKey, [in, out, "
+                         "optional] BSTR* sBefore, [out, retval] VARIANT_BOOL* Result);"));
     EXPECT_TRUE(Contains(text, "propputref] HRESULT Study([in] _cStudy* Value);"));
-    EXPECT_TRUE(
-        Contains(text, "[id(0x60030000), propput] HRESULT ManipulationType([in] ManipulationType Value);"));
+    EXPECT_TRUE(Contains(text, "[id(0x60030000), propput] HRESULT ManipulationType([in] ManipulationType Value);"));
 }
 
 TEST(TypeLibrary, ThreePutsTakeThePlaceOfTheirValue) {
@@ -53,8 +49,8 @@ TEST(TypeLibrary, ThreePutsTakeThePlaceOfTheirValue) {
     for (std::size_t at = 0; (at = text.find(", propput] HRESULT ", at)) != std::string::npos; ++at) {
         const std::string line = text.substr(at, text.find('\n', at) - at);
         places += Contains(line, "[in, out]");
-        EXPECT_EQ(Contains(line, "[in, out]"), Contains(line, " Key([in, out] BSTR* Value)") ||
-                                                   Contains(line, " ADId([in, out] long* Value)"))
+        EXPECT_EQ(Contains(line, "[in, out]"),
+                  Contains(line, " Key([in, out] BSTR* Value)") || Contains(line, " ADId([in, out] long* Value)"))
             << line;
     }
     EXPECT_EQ(places, 3U) << "the keys of study and series, and the group number";
@@ -62,8 +58,8 @@ TEST(TypeLibrary, ThreePutsTakeThePlaceOfTheirValue) {
 
 TEST(TypeLibrary, EnumerationsHaveTheirNumbers) {
     const std::string text = TypeLibraryText();
-    EXPECT_TRUE(Contains(
-        text, "typedef enum {\n    ctUnknown = 0,\n    ctImagecard = 1,\n    ctseries = 2\n} CardTypes;"));
+    EXPECT_TRUE(
+        Contains(text, "typedef enum {\n    ctUnknown = 0,\n    ctImagecard = 1,\n    ctseries = 2\n} CardTypes;"));
     EXPECT_TRUE(Contains(text, "    cidtOther = 999\n} CIDTypes;"));
     EXPECT_TRUE(Contains(text, "    imggTypeGeneralObject = 32767\n} xigImageTypes;"));
 }
@@ -71,10 +67,9 @@ TEST(TypeLibrary, EnumerationsHaveTheirNumbers) {
 TEST(TypeLibrary, GlobalClassesAreApplicationObjects) {
     const std::string text = TypeLibraryText();
     for (const ClassEntry& entry : ClassTable()) {
-        const std::string head =
-            std::string("[uuid(") + entry.ClassID + ")" + (entry.IsGlobal ? ", appobject]" : "]");
-        EXPECT_TRUE(Contains(
-            text, head + "\ncoclass " + entry.Name + " { [default] interface _" + entry.Name + "; };"));
+        const std::string head = std::string("[uuid(") + entry.ClassID + ")" + (entry.IsGlobal ? ", appobject]" : "]");
+        EXPECT_TRUE(
+            Contains(text, head + "\ncoclass " + entry.Name + " { [default] interface _" + entry.Name + "; };"));
     }
 }
 

@@ -29,13 +29,12 @@ Ref<cStringItem> Add(const Ref<OtherPatIDs>& ids, String text, Long id = 0, cons
 }
 
 TEST(OtherIdentifiers, HaveTheDocumentedMembers) {
-    EXPECT_THAT(
-        MembersOf(OtherPatIDs()),
-        ElementsAre("Add(str: string&, ID: int32&, [sKey: string&]) -> cStringItem",
-                    "get Item(vntIndexKey: variant&) -> cStringItem", "get Count -> int32",
-                    "Remove(vntIndexKey: variant&)", "get NewEnum -> Enumerator",
-                    "GetAllAsString() -> string", "put Delimiter(string)", "get Delimiter -> string",
-                    "get TotalLengthWithDelimiter -> int32", "FillFromString(sDelimitedString: string&)"));
+    EXPECT_THAT(MembersOf(OtherPatIDs()),
+                ElementsAre("Add(str: string&, ID: int32&, [sKey: string&]) -> cStringItem",
+                            "get Item(vntIndexKey: variant&) -> cStringItem", "get Count -> int32",
+                            "Remove(vntIndexKey: variant&)", "get NewEnum -> Enumerator", "GetAllAsString() -> string",
+                            "put Delimiter(string)", "get Delimiter -> string", "get TotalLengthWithDelimiter -> int32",
+                            "FillFromString(sDelimitedString: string&)"));
 }
 
 TEST(OtherIdentifiers, ItemIsTheDefaultAndNewEnumTheEnumerator) {
@@ -60,9 +59,7 @@ TEST(OtherIdentifiers, AnEmptyPartIsLeftOutAndItsPlaceStaysFree) {
     EXPECT_EQ(FailureOf([&] { ids->Item("K1"); }).Number, 5);
 }
 
-TEST(OtherIdentifiers, ABlankPartIsLeftOutToo) {
-    EXPECT_THAT(MembersIn(*Filled("   \\ b \\  ")), ElementsAre("B 1"));
-}
+TEST(OtherIdentifiers, ABlankPartIsLeftOutToo) { EXPECT_THAT(MembersIn(*Filled("   \\ b \\  ")), ElementsAre("B 1")); }
 
 TEST(OtherIdentifiers, FillKeepsOneOfTwoEqualPartsInUpperCase) {
     EXPECT_THAT(MembersIn(*Filled("A\\A")), ElementsAre("A 0"));

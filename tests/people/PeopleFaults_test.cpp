@@ -79,8 +79,7 @@ TEST_F(PeopleFaults, AWriteBackThatFailsLeavesTheRowWithoutAGuidAndTheObjectWith
     int failures = 0;
     for (const int call : {2, 3}) {
         doctor->DrName = "old";
-        FailOnce(call, "cDoctor.loadDoctor, cDoctor.SaveDoctor, SQLite",
-                 [&] { doctor->LoadDoctor(5, faulty); });
+        FailOnce(call, "cDoctor.loadDoctor, cDoctor.SaveDoctor, SQLite", [&] { doctor->LoadDoctor(5, faulty); });
         EXPECT_EQ(doctor->DrName, " AH ");
         EXPECT_EQ(doctor->drID, 5);
         EXPECT_EQ(doctor->drGUID, "GUID" + CStr(Long{++failures}));

@@ -68,18 +68,16 @@ TEST_F(Clinic, HasTheDocumentedMembers) {
         MembersOf(*clinic),
         ElementsAre("DeleteClinic(Con: Connection&) -> boolean", "SaveClinic(Con: Connection&) -> boolean",
                     "LoadClinic(ClinicID: int32, Con: Connection&) -> boolean", "put Remarks16(string)",
-                    "get Remarks16 -> string", "put Telephone(string)", "get Telephone -> string",
-                    "put City(string)", "get City -> string", "put StreetAddress(string)",
-                    "get StreetAddress -> string", "put ZipCode(string)", "get ZipCode -> string",
-                    "put OrgNumber(string)", "get OrgNumber -> string", "put ClinicName(string)",
-                    "get ClinicName -> string", "put ID(int32)", "get ID -> int32"));
+                    "get Remarks16 -> string", "put Telephone(string)", "get Telephone -> string", "put City(string)",
+                    "get City -> string", "put StreetAddress(string)", "get StreetAddress -> string",
+                    "put ZipCode(string)", "get ZipCode -> string", "put OrgNumber(string)", "get OrgNumber -> string",
+                    "put ClinicName(string)", "get ClinicName -> string", "put ID(int32)", "get ID -> int32"));
 }
 
 TEST_F(Clinic, StartsEmpty) { EXPECT_EQ(ContentOf(*clinic), "0|||||||"); }
 
 TEST_F(Clinic, EachPropertyGivesWhatItTook) {
-    for (const char* name :
-         {"Remarks16", "Telephone", "City", "StreetAddress", "ZipCode", "OrgNumber", "ClinicName"}) {
+    for (const char* name : {"Remarks16", "Telephone", "City", "StreetAddress", "ZipCode", "OrgNumber", "ClinicName"}) {
         std::vector<Variant> value{Variant(String(" ' ") + name)};
         Invoke(*clinic, name, MemberKind::Put, value);
     }
@@ -131,8 +129,8 @@ TEST_F(Clinic, SavingTheSameClinicAgainUpdatesItsRow) {
     clinic->ClinicName = "two";
     EXPECT_EQ(Stored("COUNT(*) || ClinicName"), Variant("1two"));
     EXPECT_EQ(clinic->ID, 1);
-    EXPECT_THAT(Sent(), ElementsAre("SELECT * FROM Clinic_T WHERE ClinicID =0",
-                                    "SELECT * FROM Clinic_T WHERE ClinicID =1"));
+    EXPECT_THAT(Sent(),
+                ElementsAre("SELECT * FROM Clinic_T WHERE ClinicID =0", "SELECT * FROM Clinic_T WHERE ClinicID =1"));
 }
 
 TEST_F(Clinic, AnIdentifierWithoutARowGivesANewRowWithANewOne) {
@@ -249,11 +247,9 @@ TEST_F(Clinic, ColumnsAreWrittenInTheirOrder) {
             if (narrow == missing) continue;
             String columns = "ClinicID INTEGER PRIMARY KEY AUTOINCREMENT";
             for (std::size_t i = 0; i < written.size(); ++i)
-                if (i != missing)
-                    columns += ", " + written[i] + (i == narrow ? " NVARCHAR(1)" : " NVARCHAR(99)");
+                if (i != missing) columns += ", " + written[i] + (i == narrow ? " NVARCHAR(1)" : " NVARCHAR(99)");
             RunTable(columns);
-            EXPECT_EQ(FailureOf([&] { clinic->SaveClinic(con); }).Number,
-                      missing < narrow ? MissingColumn : TooLong)
+            EXPECT_EQ(FailureOf([&] { clinic->SaveClinic(con); }).Number, missing < narrow ? MissingColumn : TooLong)
                 << written[missing] << " missing, " << written[narrow] << " narrow";
         }
     }
@@ -318,8 +314,7 @@ TEST_F(Clinic, AMissingColumnLeavesTheMembersReadBeforeIt) {
         const Error failure = FailureOf([&] { clinic->LoadClinic(5, con); });
         Run("ROLLBACK");
         String expected = "5";
-        for (std::size_t i = 0; i < std::size(columns); ++i)
-            expected += "|" + (i < missing ? read[i] : old[i]);
+        for (std::size_t i = 0; i < std::size(columns); ++i) expected += "|" + (i < missing ? read[i] : old[i]);
         EXPECT_EQ(failure.Number, MissingColumn) << columns[missing];
         EXPECT_EQ(failure.Source, "cClinic.LoadClinic, ADODB.Recordset") << columns[missing];
         EXPECT_EQ(ContentOf(*clinic), expected) << columns[missing];

@@ -58,15 +58,14 @@ protected:
 const char* const selectAll = "SELECT * FROM Clinic_T order by ClinicName;";
 
 TEST_F(Clinics, HaveTheDocumentedMembers) {
-    EXPECT_THAT(
-        MembersOf(*clinics),
-        ElementsAre("GetHQClinic(Con: Connection&) -> cClinic", "GetAllClinics(Con: Connection&) -> int32",
-                    "Add(ID: int32&, ClinicName: string&, OrgNumber: string&, ZipCode: string&,"
-                    " StreetAddress: string&, City: string&, Telephone: string&, Remarks16: string&,"
-                    " [sKey: string&]) -> cClinic",
-                    "get Item(vntIndexKey: variant&) -> cClinic",
-                    "get ItemOnClinicName(sName: string&, Con: Connection&) -> cClinic", "get Count -> int32",
-                    "Remove(vntIndexKey: variant&)", "get NewEnum -> Enumerator"));
+    EXPECT_THAT(MembersOf(*clinics),
+                ElementsAre("GetHQClinic(Con: Connection&) -> cClinic", "GetAllClinics(Con: Connection&) -> int32",
+                            "Add(ID: int32&, ClinicName: string&, OrgNumber: string&, ZipCode: string&,"
+                            " StreetAddress: string&, City: string&, Telephone: string&, Remarks16: string&,"
+                            " [sKey: string&]) -> cClinic",
+                            "get Item(vntIndexKey: variant&) -> cClinic",
+                            "get ItemOnClinicName(sName: string&, Con: Connection&) -> cClinic", "get Count -> int32",
+                            "Remove(vntIndexKey: variant&)", "get NewEnum -> Enumerator"));
 }
 
 TEST_F(Clinics, ItemIsTheDefaultAndNewEnumTheEnumerator) {
@@ -77,8 +76,7 @@ TEST_F(Clinics, ItemIsTheDefaultAndNewEnumTheEnumerator) {
 // ---- the collection ---------------------------------------------------------------------------------------
 
 TEST_F(Clinics, AddSetsEachPropertyFromItsArgument) {
-    const Ref<cClinic> added =
-        clinics->Add(7, " name ", "org", "zip", "street", "city", "phone", "remarks", "Key");
+    const Ref<cClinic> added = clinics->Add(7, " name ", "org", "zip", "street", "city", "phone", "remarks", "Key");
     EXPECT_EQ(ContentOf(*added), "7| name |org|zip|street|city|phone|remarks");
     EXPECT_EQ(clinics->Item("kEY"), added);
     EXPECT_EQ(clinics->Item(Long{1}), added);
@@ -253,8 +251,7 @@ TEST_F(Clinics, AnIdentifierThatStandsTwiceFailsTheLoadAtTheSecond) {
 }
 
 TEST_F(Clinics, AMissingColumnFailsTheLoadAndLeavesNoClinic) {
-    for (const char* column :
-         {"ClinicName", "OrgNumber", "ZipCode", "StreetAdress", "City", "Telephone", "Remarks"}) {
+    for (const char* column : {"ClinicName", "OrgNumber", "ZipCode", "StreetAdress", "City", "Telephone", "Remarks"}) {
         Run("DELETE FROM Clinic_T");
         RunRow(5, "a");
         AddNamed("old");

@@ -26,9 +26,9 @@ String Repeated(const String& text, int times) {
 
 /// All members, in the order in which a load reads them.
 String ContentOf(const cDoctor& doctor) {
-    return doctor.DrContactInfo + "|" + doctor.DrFirstName + "|" + CStr(doctor.drID) + "|" +
-           doctor.DrLastName + "|" + doctor.DrName + "|" + doctor.DrPrefix + "|" + CStr(Long{doctor.DrType}) +
-           "|" + doctor.DrEMail + "|" + doctor.drGUID + "|" + doctor.DrLogin;
+    return doctor.DrContactInfo + "|" + doctor.DrFirstName + "|" + CStr(doctor.drID) + "|" + doctor.DrLastName + "|" +
+           doctor.DrName + "|" + doctor.DrPrefix + "|" + CStr(Long{doctor.DrType}) + "|" + doctor.DrEMail + "|" +
+           doctor.drGUID + "|" + doctor.DrLogin;
 }
 
 class Doctor : public WithDatabase {
@@ -103,18 +103,17 @@ const char* const loadOfFive = "SELECT * FROM Doctor_T   WHERE DrID =5;";
 const char* const saveOfFive = "SELECT * FROM Doctor_T WHERE DrID =5";
 
 TEST_F(Doctor, HasTheDocumentedMembers) {
-    EXPECT_THAT(
-        MembersOf(*doctor),
-        ElementsAre("GetDCMName() -> string", "PatientCount(Con: Connection&) -> int32",
-                    "DeleteDoctor(Con: Connection&) -> boolean", "SaveDoctor(Con: Connection&) -> boolean",
-                    "LoadDoctor(drID: int32&, Con: Connection&) -> boolean", "put DrType(DoctorType)",
-                    "get DrType -> DoctorType", "put DrContactInfo(string)", "get DrContactInfo -> string",
-                    "put DrPrefix(string)", "get DrPrefix -> string", "put DrLastName(string)",
-                    "get DrLastName -> string", "put DrFirstName(string)", "get DrFirstName -> string",
-                    "put DrName(string)", "get DrName -> string", "put drID(int32)", "get drID -> int32",
-                    "put DrLogin(string)", "get DrLogin -> string", "put drGUID(string)",
-                    "get drGUID -> string", "put DrEMail(string)", "get DrEMail -> string",
-                    "LoadDoctorOnGUID(drGUID: string&, Con: Connection&) -> boolean"));
+    EXPECT_THAT(MembersOf(*doctor),
+                ElementsAre("GetDCMName() -> string", "PatientCount(Con: Connection&) -> int32",
+                            "DeleteDoctor(Con: Connection&) -> boolean", "SaveDoctor(Con: Connection&) -> boolean",
+                            "LoadDoctor(drID: int32&, Con: Connection&) -> boolean", "put DrType(DoctorType)",
+                            "get DrType -> DoctorType", "put DrContactInfo(string)", "get DrContactInfo -> string",
+                            "put DrPrefix(string)", "get DrPrefix -> string", "put DrLastName(string)",
+                            "get DrLastName -> string", "put DrFirstName(string)", "get DrFirstName -> string",
+                            "put DrName(string)", "get DrName -> string", "put drID(int32)", "get drID -> int32",
+                            "put DrLogin(string)", "get DrLogin -> string", "put drGUID(string)",
+                            "get drGUID -> string", "put DrEMail(string)", "get DrEMail -> string",
+                            "LoadDoctorOnGUID(drGUID: string&, Con: Connection&) -> boolean"));
 }
 
 TEST_F(Doctor, KindsHaveTheirNamesAndNumbers) {
@@ -131,8 +130,8 @@ TEST_F(Doctor, KindsHaveTheirNamesAndNumbers) {
 TEST_F(Doctor, StartsEmpty) { EXPECT_EQ(ContentOf(*doctor), "||0||||0|||"); }
 
 TEST_F(Doctor, EachPropertyGivesWhatItTook) {
-    for (const char* name : {"DrContactInfo", "DrPrefix", "DrLastName", "DrFirstName", "DrName", "DrLogin",
-                             "drGUID", "DrEMail"}) {
+    for (const char* name :
+         {"DrContactInfo", "DrPrefix", "DrLastName", "DrFirstName", "DrName", "DrLogin", "drGUID", "DrEMail"}) {
         std::vector<Variant> value{Variant(String("  aé' ") + name)};
         Invoke(*doctor, name, MemberKind::Put, value);
     }
@@ -145,8 +144,7 @@ TEST_F(Doctor, EachPropertyGivesWhatItTook) {
 
 class DicomName : public ::testing::Test {
 protected:
-    static String Of(const String& last, const String& first, const String& prefix,
-                     const String& name = " short ") {
+    static String Of(const String& last, const String& first, const String& prefix, const String& name = " short ") {
         cDoctor doctor;
         doctor.DrLastName = last;
         doctor.DrFirstName = first;
@@ -166,17 +164,13 @@ TEST_F(DicomName, OfNoNameAtAllIsEmpty) { EXPECT_EQ(Of("", "", "", ""), ""); }
 
 TEST_F(DicomName, OfAFirstNameAloneBeginsWithACaret) { EXPECT_EQ(Of("", "Ann", ""), "^Ann"); }
 
-TEST_F(DicomName, OfAPrefixWithoutAFirstNameHasThreeCarets) {
-    EXPECT_EQ(Of("Hill", "", "Dr."), "Hill^^^Dr.");
-}
+TEST_F(DicomName, OfAPrefixWithoutAFirstNameHasThreeCarets) { EXPECT_EQ(Of("Hill", "", "Dr."), "Hill^^^Dr."); }
 
 TEST_F(DicomName, OfAPrefixAloneBeginsWithThreeCarets) { EXPECT_EQ(Of("", "", "Dr."), "^^^Dr."); }
 
 TEST_F(DicomName, WithoutAPrefixEndsWithTheFirstName) { EXPECT_EQ(Of("Hill", "Ann", ""), "Hill^Ann"); }
 
-TEST_F(DicomName, IsTrimmedAtItsEndsAndNotInside) {
-    EXPECT_EQ(Of("  Hill ", " Ann ", " Dr.  "), "Hill ^ Ann ^^ Dr.");
-}
+TEST_F(DicomName, IsTrimmedAtItsEndsAndNotInside) { EXPECT_EQ(Of("  Hill ", " Ann ", " Dr.  "), "Hill ^ Ann ^^ Dr."); }
 
 TEST_F(DicomName, OfBlankPartsStillHasCaretsBetweenThem) {
     EXPECT_EQ(Of("  ", "", "  "), " short ");
@@ -250,8 +244,7 @@ TEST_F(Doctor, SavingTheSameDoctorAgainUpdatesItsRow) {
     EXPECT_TRUE(doctor->SaveDoctor(con));
     EXPECT_EQ(doctor->drID, 1);
     EXPECT_EQ(Ask("SELECT COUNT(*) || DrName_NVC FROM Doctor_T"), Variant("1two"));
-    EXPECT_THAT(Sent(),
-                ElementsAre("SELECT * FROM Doctor_T WHERE DrID =0", "SELECT * FROM Doctor_T WHERE DrID =1"));
+    EXPECT_THAT(Sent(), ElementsAre("SELECT * FROM Doctor_T WHERE DrID =0", "SELECT * FROM Doctor_T WHERE DrID =1"));
 }
 
 TEST_F(Doctor, ANumberWithoutARowIsNotKept) {
@@ -349,8 +342,7 @@ TEST_F(Doctor, ABlankIsCharacter32AndNothingElse) {
 }
 
 TEST_F(Doctor, EachOfTheFiveNamesIsTrimmed) {
-    doctor->DrContactInfo = doctor->DrFirstName = doctor->DrLastName = doctor->DrName = doctor->DrPrefix =
-        "  x ";
+    doctor->DrContactInfo = doctor->DrFirstName = doctor->DrLastName = doctor->DrName = doctor->DrPrefix = "  x ";
     EXPECT_EQ(Stored("DrContactInfo_NVC || DrFirstName_NVC || DrLastName_NVC || DrName_NVC || DrPrefix_NVC"),
               Variant("xxxxx"));
     EXPECT_EQ(doctor->DrContactInfo, "  x ");
@@ -380,8 +372,8 @@ TEST_F(Doctor, AMailGuidOrLoginLongerThanItsColumnFailsAndWritesNothing) {
 
 TEST_F(Doctor, QuotesInEveryTextAreStoredAndReadBack) {
     for (String cDoctor::*const member :
-         {&cDoctor::DrContactInfo, &cDoctor::DrFirstName, &cDoctor::DrLastName, &cDoctor::DrName,
-          &cDoctor::DrPrefix, &cDoctor::DrEMail, &cDoctor::drGUID, &cDoctor::DrLogin})
+         {&cDoctor::DrContactInfo, &cDoctor::DrFirstName, &cDoctor::DrLastName, &cDoctor::DrName, &cDoctor::DrPrefix,
+          &cDoctor::DrEMail, &cDoctor::drGUID, &cDoctor::DrLogin})
         (*doctor).*member = "'X'';--\"";
     doctor->SaveDoctor(con);
     const Ref<cDoctor> stored = New<cDoctor>();
@@ -436,11 +428,9 @@ TEST_F(Doctor, ColumnsAreWrittenInTheirOrder) {
             if (narrow == missing) continue;
             String columns = "drID INTEGER PRIMARY KEY AUTOINCREMENT";
             for (std::size_t i = 0; i < written.size(); ++i)
-                if (i != missing)
-                    columns += ", " + written[i] + (i == narrow ? " NVARCHAR(1)" : " NVARCHAR(99)");
+                if (i != missing) columns += ", " + written[i] + (i == narrow ? " NVARCHAR(1)" : " NVARCHAR(99)");
             RunTable(columns);
-            EXPECT_EQ(FailureOf([&] { doctor->SaveDoctor(con); }).Number,
-                      missing < narrow ? MissingColumn : TooLong)
+            EXPECT_EQ(FailureOf([&] { doctor->SaveDoctor(con); }).Number, missing < narrow ? MissingColumn : TooLong)
                 << written[missing] << " missing, " << written[narrow] << " narrow";
         }
     }
@@ -497,12 +487,8 @@ TEST_F(Doctor, ANullPrefixReadsAsEmpty) {
 TEST_F(Doctor, ANullKindReadsAsUnknown) {
     EXPECT_EQ(Loaded("DrType_INT=NULL"), "room 3|Ann|5|Hill|AH|Dr.|0|a@h|F00D|ahill");
 }
-TEST_F(Doctor, ANullMailReadsAsEmpty) {
-    EXPECT_EQ(Loaded("DrEMail=NULL"), "room 3|Ann|5|Hill|AH|Dr.|2||F00D|ahill");
-}
-TEST_F(Doctor, ANullLoginReadsAsEmpty) {
-    EXPECT_EQ(Loaded("DrLogin=NULL"), "room 3|Ann|5|Hill|AH|Dr.|2|a@h|F00D|");
-}
+TEST_F(Doctor, ANullMailReadsAsEmpty) { EXPECT_EQ(Loaded("DrEMail=NULL"), "room 3|Ann|5|Hill|AH|Dr.|2||F00D|ahill"); }
+TEST_F(Doctor, ANullLoginReadsAsEmpty) { EXPECT_EQ(Loaded("DrLogin=NULL"), "room 3|Ann|5|Hill|AH|Dr.|2|a@h|F00D|"); }
 
 TEST_F(Doctor, TextsAreReadWithTheirBlanks) {
     EXPECT_EQ(Loaded("DrContactInfo_NVC=' c ', DrName_NVC=' n ', DrEMail=' m ', drGUID=' g '"),
@@ -535,8 +521,7 @@ TEST_F(Doctor, AMissingColumnLeavesTheMembersReadBeforeIt) {
         const char* column;
         const char* content;
     } const cases[] = {
-        {"DrContactInfo_NVC",
-         "old contact|old first|77|old last|old name|old prefix|3|old mail|OLD GUID|old login"},
+        {"DrContactInfo_NVC", "old contact|old first|77|old last|old name|old prefix|3|old mail|OLD GUID|old login"},
         {"DrFirstName_NVC", "room 3|old first|77|old last|old name|old prefix|3|old mail|OLD GUID|old login"},
         {"DrLastName_NVC", "room 3|Ann|5|old last|old name|old prefix|3|old mail|OLD GUID|old login"},
         {"DrName_NVC", "room 3|Ann|5|Hill|old name|old prefix|3|old mail|OLD GUID|old login"},

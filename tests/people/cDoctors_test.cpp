@@ -17,9 +17,9 @@ using ::testing::StartsWith;
 constexpr Long MissingTable = static_cast<Long>(0x80040E37);
 
 String ContentOf(const cDoctor& doctor) {
-    return CStr(doctor.drID) + "|" + doctor.DrName + "|" + doctor.DrFirstName + "|" + doctor.DrLastName +
-           "|" + doctor.DrPrefix + "|" + doctor.DrContactInfo + "|" + CStr(Long{doctor.DrType}) + "|" +
-           doctor.DrEMail + "|" + doctor.drGUID + "|" + doctor.DrLogin;
+    return CStr(doctor.drID) + "|" + doctor.DrName + "|" + doctor.DrFirstName + "|" + doctor.DrLastName + "|" +
+           doctor.DrPrefix + "|" + doctor.DrContactInfo + "|" + CStr(Long{doctor.DrType}) + "|" + doctor.DrEMail + "|" +
+           doctor.drGUID + "|" + doctor.DrLogin;
 }
 
 class Doctors : public WithDatabase {
@@ -75,14 +75,13 @@ private:
 const char* const selectAll = "SELECT * FROM Doctor_T order by DrLastName_nvc, DrFirstname_nvc;";
 
 TEST_F(Doctors, HaveTheDocumentedMembers) {
-    EXPECT_THAT(
-        MembersOf(*doctors),
-        ElementsAre("GetAllDoctors(Con: Connection&) -> int32",
-                    "Add(drID: int32&, DrName: string&, DrFirstName: string&, DrLastName: string&,"
-                    " DrPrefix: string&, DrContactInfo: string&, DrType: DoctorType&,"
-                    " [sKey: string&]) -> cDoctor",
-                    "get Item(vntIndexKey: variant&) -> cDoctor", "get Count -> int32",
-                    "Remove(vntIndexKey: variant&)", "get NewEnum -> Enumerator", "GetGUID() -> string"));
+    EXPECT_THAT(MembersOf(*doctors),
+                ElementsAre("GetAllDoctors(Con: Connection&) -> int32",
+                            "Add(drID: int32&, DrName: string&, DrFirstName: string&, DrLastName: string&,"
+                            " DrPrefix: string&, DrContactInfo: string&, DrType: DoctorType&,"
+                            " [sKey: string&]) -> cDoctor",
+                            "get Item(vntIndexKey: variant&) -> cDoctor", "get Count -> int32",
+                            "Remove(vntIndexKey: variant&)", "get NewEnum -> Enumerator", "GetGUID() -> string"));
 }
 
 TEST_F(Doctors, ItemIsTheDefaultAndNewEnumTheEnumerator) {
@@ -93,8 +92,7 @@ TEST_F(Doctors, ItemIsTheDefaultAndNewEnumTheEnumerator) {
 // ---- the collection ---------------------------------------------------------------------------------------
 
 TEST_F(Doctors, AddSetsEachPropertyFromItsArgument) {
-    const Ref<cDoctor> added =
-        doctors->Add(7, " name ", "first", "last", "prefix", "contact", drt_Remote, "Key");
+    const Ref<cDoctor> added = doctors->Add(7, " name ", "first", "last", "prefix", "contact", drt_Remote, "Key");
     EXPECT_EQ(ContentOf(*added), "7| name |first|last|prefix|contact|2|||");
     EXPECT_EQ(doctors->Item("kEY"), added);
     EXPECT_EQ(doctors->Item(Long{1}), added);
@@ -207,12 +205,8 @@ TEST_F(Doctors, ANullContactReadsAsEmpty) {
 TEST_F(Doctors, ANullKindReadsAsUnknown) {
     EXPECT_EQ(Listed("DrType_INT=NULL"), "5|AH|Ann|Hill|Dr.|room 3|0|a@h|F00D|ahill");
 }
-TEST_F(Doctors, ANullMailReadsAsEmpty) {
-    EXPECT_EQ(Listed("DrEMail=NULL"), "5|AH|Ann|Hill|Dr.|room 3|2||F00D|ahill");
-}
-TEST_F(Doctors, ANullLoginReadsAsEmpty) {
-    EXPECT_EQ(Listed("DrLogin=NULL"), "5|AH|Ann|Hill|Dr.|room 3|2|a@h|F00D|");
-}
+TEST_F(Doctors, ANullMailReadsAsEmpty) { EXPECT_EQ(Listed("DrEMail=NULL"), "5|AH|Ann|Hill|Dr.|room 3|2||F00D|ahill"); }
+TEST_F(Doctors, ANullLoginReadsAsEmpty) { EXPECT_EQ(Listed("DrLogin=NULL"), "5|AH|Ann|Hill|Dr.|room 3|2|a@h|F00D|"); }
 
 TEST_F(Doctors, ADoctorWithoutAGuidGetsOneInMemoryOnly) {
     FixGuid({0x1234ABCD, 0x0001, 0x00FF, {1, 2, 3, 4, 5, 6, 7, 8}});

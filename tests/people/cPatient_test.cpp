@@ -62,18 +62,17 @@ TEST_F(Patient, ADateThatCannotBeFormattedRaisesBeforeAnyStatement) {
 TEST_F(Patient, HasTheDocumentedMembers) {
     EXPECT_THAT(
         MembersOf(*patient),
-        ElementsAre(
-            "put ID(int32)", "get ID -> int32", "LoadOnPatientID(PatientID: string&) -> int32",
-            "Save(Con: Connection) -> int32", "put Sex(string)", "get Sex -> string", "put BirthDate(date)",
-            "get BirthDate -> date", "put LastName(string)", "get LastName -> string",
-            "put FirstName(string)", "get FirstName -> string", "put PatientID(string)",
-            "get PatientID -> string", "putref OtherIDs(OtherPatIDs&)", "get OtherIDs -> OtherPatIDs",
-            "put RespDoctor(int32)", "get RespDoctor -> int32",
-            "LoadOnPatientIDorPDBID(Con: Connection, PatientID: string&, PDBID: int32&) -> int32",
-            "put IDImg(string)", "get IDImg -> string", "put PrevXrayDate(date)", "get PrevXrayDate -> date",
-            "put Comments(string)", "get Comments -> string", "put EMail(string)", "get EMail -> string",
-            "put TelMobile(string)", "get TelMobile -> string", "put TelTwo(string)", "get TelTwo -> string",
-            "put TelOne(string)", "get TelOne -> string", "put Address(string)", "get Address -> string"));
+        ElementsAre("put ID(int32)", "get ID -> int32", "LoadOnPatientID(PatientID: string&) -> int32",
+                    "Save(Con: Connection) -> int32", "put Sex(string)", "get Sex -> string", "put BirthDate(date)",
+                    "get BirthDate -> date", "put LastName(string)", "get LastName -> string", "put FirstName(string)",
+                    "get FirstName -> string", "put PatientID(string)", "get PatientID -> string",
+                    "putref OtherIDs(OtherPatIDs&)", "get OtherIDs -> OtherPatIDs", "put RespDoctor(int32)",
+                    "get RespDoctor -> int32",
+                    "LoadOnPatientIDorPDBID(Con: Connection, PatientID: string&, PDBID: int32&) -> int32",
+                    "put IDImg(string)", "get IDImg -> string", "put PrevXrayDate(date)", "get PrevXrayDate -> date",
+                    "put Comments(string)", "get Comments -> string", "put EMail(string)", "get EMail -> string",
+                    "put TelMobile(string)", "get TelMobile -> string", "put TelTwo(string)", "get TelTwo -> string",
+                    "put TelOne(string)", "get TelOne -> string", "put Address(string)", "get Address -> string"));
 }
 
 TEST_F(Patient, StartsEmptyWithAListOfItsOwn) {
@@ -292,15 +291,14 @@ TEST_F(Patient, InsertsWhereTheIdentifierIsNew) {
     EXPECT_EQ(patient->Save(con), 0);
     EXPECT_THAT(
         Sent(),
-        ElementsAre(
-            "Select * from Patient_T where (PersonNr_CH) = 'AB-1'",
-            "INSERT INTO Patient_T (PersonNr_CH, Birthdate_CH, Firstname_NVC, LastName_NVC, Sex_CH, "
-            "OtherIDs, "
-            "RespDoctor, Address_NVC,TelOne_NVC, TelTwo_NVC, TelMobile_NVC, email_adress, Comments_NVC, "
-            "PrevXrayDate_CH, IDImg) VALUES ('AB-1', '1984-02-29', 'Ann', 'O''Hara', 'F','X1\\Y2', 17, "
-            "'Long Lane 1', '11', '22', '33', 'ann@example.org', 'C''mon', '2023-12-01', "
-            "'C:\\faces\\1.jpg' );",
-            "SELECT MAX(PatientID) AS Max_ID FROM Patient_T WHERE (PersonNr_CH)='AB-1';"));
+        ElementsAre("Select * from Patient_T where (PersonNr_CH) = 'AB-1'",
+                    "INSERT INTO Patient_T (PersonNr_CH, Birthdate_CH, Firstname_NVC, LastName_NVC, Sex_CH, "
+                    "OtherIDs, "
+                    "RespDoctor, Address_NVC,TelOne_NVC, TelTwo_NVC, TelMobile_NVC, email_adress, Comments_NVC, "
+                    "PrevXrayDate_CH, IDImg) VALUES ('AB-1', '1984-02-29', 'Ann', 'O''Hara', 'F','X1\\Y2', 17, "
+                    "'Long Lane 1', '11', '22', '33', 'ann@example.org', 'C''mon', '2023-12-01', "
+                    "'C:\\faces\\1.jpg' );",
+                    "SELECT MAX(PatientID) AS Max_ID FROM Patient_T WHERE (PersonNr_CH)='AB-1';"));
     EXPECT_EQ(patient->ID, 1);
 }
 
@@ -308,14 +306,13 @@ TEST_F(Patient, UpdatesWhereTheIdentifierStands) {
     Run("INSERT INTO Patient_T (PatientID, PersonNr_CH) VALUES (31, 'AB-1')");
     FillAll();
     EXPECT_EQ(patient->Save(con), 0);
-    EXPECT_THAT(
-        Sent(),
-        ElementsAre("Select * from Patient_T where (PersonNr_CH) = 'AB-1'",
-                    "Update Patient_T Set Firstname_NVC='Ann',LastName_NVC='O''Hara',"
-                    "Birthdate_CH='1984-02-29',PrevXrayDate_CH='2023-12-01',Address_NVC='Long Lane 1',"
-                    "TelOne_NVC='11',TelTwo_NVC='22',TelMobile_NVC ='33',email_adress='ann@example.org',"
-                    "Comments_NVC='C''mon',IDImg='C:\\faces\\1.jpg',OtherIDs='X1\\Y2',Sex_CH='F', "
-                    "RespDoctor=17 Where PersonNr_CH ='AB-1'"));
+    EXPECT_THAT(Sent(),
+                ElementsAre("Select * from Patient_T where (PersonNr_CH) = 'AB-1'",
+                            "Update Patient_T Set Firstname_NVC='Ann',LastName_NVC='O''Hara',"
+                            "Birthdate_CH='1984-02-29',PrevXrayDate_CH='2023-12-01',Address_NVC='Long Lane 1',"
+                            "TelOne_NVC='11',TelTwo_NVC='22',TelMobile_NVC ='33',email_adress='ann@example.org',"
+                            "Comments_NVC='C''mon',IDImg='C:\\faces\\1.jpg',OtherIDs='X1\\Y2',Sex_CH='F', "
+                            "RespDoctor=17 Where PersonNr_CH ='AB-1'"));
     EXPECT_EQ(patient->ID, 31);
     EXPECT_EQ(Ask("SELECT count(*) FROM Patient_T"), Variant(Long{1}));
 }
@@ -323,11 +320,10 @@ TEST_F(Patient, UpdatesWhereTheIdentifierStands) {
 TEST_F(Patient, ANewObjectInsertsEmptyTextsAndZeroes) {
     patient->PatientID = "n";
     patient->Save(con);
-    EXPECT_EQ(
-        Sent().at(1),
-        "INSERT INTO Patient_T (PersonNr_CH, Birthdate_CH, Firstname_NVC, LastName_NVC, Sex_CH, OtherIDs, "
-        "RespDoctor, Address_NVC,TelOne_NVC, TelTwo_NVC, TelMobile_NVC, email_adress, Comments_NVC, "
-        "PrevXrayDate_CH, IDImg) VALUES ('N', '', '', '', '','', 0, '', '', '', '', '', '', '', '' );");
+    EXPECT_EQ(Sent().at(1),
+              "INSERT INTO Patient_T (PersonNr_CH, Birthdate_CH, Firstname_NVC, LastName_NVC, Sex_CH, OtherIDs, "
+              "RespDoctor, Address_NVC,TelOne_NVC, TelTwo_NVC, TelMobile_NVC, email_adress, Comments_NVC, "
+              "PrevXrayDate_CH, IDImg) VALUES ('N', '', '', '', '','', 0, '', '', '', '', '', '', '', '' );");
 }
 
 TEST_F(Patient, ANewObjectOverwritesEveryColumnOfItsRow) {

@@ -1,4 +1,5 @@
-// A program that links the runtime alone: its objects, collections and enumerators are complete without the layers above.
+// A program that links the runtime alone: its objects, collections and enumerators are complete without the layers
+// above.
 
 #include "platform/runtime/Collection.h"
 
@@ -33,7 +34,8 @@ int main() {
         Expect(list->Count() == 2 && list->Item(Long{1}) == Variant(Long{7}), "a collection keeps its order");
         const Ref<Enumerator> enumerator = list->NewEnum();
         Variant item;
-        Expect(enumerator->Next(item) && enumerator->Next(item) && !enumerator->Next(item), "an enumerator visits each member");
+        Expect(enumerator->Next(item) && enumerator->Next(item) && !enumerator->Next(item),
+               "an enumerator visits each member");
         Expect(alive == 1, "a collection holds its objects");
         try {
             list->Describe();

@@ -18,8 +18,7 @@ class Faults : public WithFaults {
 protected:
     std::vector<String> StoredComments() {
         std::vector<String> texts;
-        const Ref<Recordset> rs =
-            Connect()->Execute("SELECT commentString FROM Comments_T ORDER BY CommentID");
+        const Ref<Recordset> rs = Connect()->Execute("SELECT commentString FROM Comments_T ORDER BY CommentID");
         for (; !rs->Eof(); rs->MoveNext()) texts.push_back(To<String>(rs->Fields(0).Value()));
         return texts;
     }
@@ -36,8 +35,7 @@ TEST_F(Faults, ANewStudyIsWrittenWholeOrNotAtAll) {
         EXPECT_EQ(study->ID, 0);
         EXPECT_EQ(CountOf("Study_T"), 0);
     }
-    EXPECT_EQ(CallsOf([&] { EXPECT_TRUE(study->savestudy(false, faulty)); }), 2)
-        << "look and insert, all failed above";
+    EXPECT_EQ(CallsOf([&] { EXPECT_TRUE(study->savestudy(false, faulty)); }), 2) << "look and insert, all failed above";
     EXPECT_EQ(study->ID, 1);
     EXPECT_EQ(CountOf("Study_T"), 1);
     EXPECT_THAT(boxes.shown, IsEmpty());
@@ -192,8 +190,7 @@ TEST_F(ImageFaults, AFailureAmongTheCommentsKeepsRowKeyAndThoseBefore) {
         EXPECT_EQ(CountOf("ImageBild_T"), 1);
         EXPECT_THAT(Saved(), ElementsAre(written == 1, false));
         EXPECT_EQ(CountOf("Comments_T"), written);
-        EXPECT_EQ(CallsOf([&] { image->Save(faulty); }), 1 + 2 - written)
-            << "an update, and what is still missing";
+        EXPECT_EQ(CallsOf([&] { image->Save(faulty); }), 1 + 2 - written) << "an update, and what is still missing";
         EXPECT_EQ(CountOf("ImageBild_T"), 1);
         EXPECT_THAT(StoredComments(), ElementsAre("first", "second"));
         EXPECT_THAT(Saved(), ElementsAre(true, true));
@@ -259,8 +256,7 @@ protected:
 };
 
 TEST_F(MergeFaults, MakesSixCalls) {
-    EXPECT_EQ(CallsOf([&] { image->SaveEx(false, faulty); }), 6)
-        << "look, comments, mark, update, two comments";
+    EXPECT_EQ(CallsOf([&] { image->SaveEx(false, faulty); }), 6) << "look, comments, mark, update, two comments";
     EXPECT_THAT(StoredComments(), ElementsAre("known", "first", "second"));
     EXPECT_EQ(StoredCrc(), Variant("new"));
 }
@@ -284,8 +280,7 @@ TEST_F(MergeFaults, AtTheStoredCommentsKeepsTheKeyThatWasFound) {
     EXPECT_EQ(StoredCrc(), Variant("old"));
     image->SaveEx(false, faulty);
     EXPECT_EQ(StoredCrc(), Variant("new"));
-    EXPECT_THAT(StoredComments(),
-                ElementsAre("known", "Deleted 2024-01-02 03:04:05", "known", "first", "second"))
+    EXPECT_THAT(StoredComments(), ElementsAre("known", "Deleted 2024-01-02 03:04:05", "known", "first", "second"))
         << "with a key the comments are not brought together any more";
 }
 
@@ -354,8 +349,7 @@ TEST_F(Faults, HangingThatFailsAtTheTemplateLeavesTheImagesUnplaced) {
         for (const cImage& image : Platform::Each<cImage>(*images)) EXPECT_EQ(image.Laterality, "R");
     }
     EXPECT_EQ(CallsOf([&] { EXPECT_EQ(series->HangSeries(images, faulty), 6); }), 3);
-    EXPECT_THAT(frames(), ElementsAre(8, 9, 11, 10, 1, 2, 18, 17, 12, 13))
-        << "the order of the layout itself";
+    EXPECT_THAT(frames(), ElementsAre(8, 9, 11, 10, 1, 2, 18, 17, 12, 13)) << "the order of the layout itself";
 }
 
 }  // namespace

@@ -35,9 +35,7 @@ String KeyOfPlaced(Long image, Long sequence) {
     return "SELECT MAX(ImageAttributeId) FROM ImageAttribute_T WHERE ((ImageCardId = 1) AND (ImageBildId = " +
            CStr(image) + ") AND (IASequence = " + CStr(sequence) + "));";
 }
-String StepsOf(Long placed) {
-    return "SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=" + CStr(placed) + ";";
-}
+String StepsOf(Long placed) { return "SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=" + CStr(placed) + ";"; }
 
 class SeriesAsCard : public WithDatabase {
 protected:
@@ -59,8 +57,8 @@ protected:
         Run("INSERT INTO TemplateAttribute_T (TemplateID, TAGroupName, TASequence, TARotation,"
             " TANumberInTemplate, TAFullViewPosX, TAFullViewPosY, TAFullViewWidth, TAFullViewHeight) VALUES "
             "(1, '', " +
-            CStr(number) + ", 0, " + CStr(number) + ", " + CStr(measure) + ", " + CStr(measure + 0.25) +
-            ", " + CStr(measure + 0.5) + ", " + CStr(measure + 0.75) + ")");
+            CStr(number) + ", 0, " + CStr(number) + ", " + CStr(measure) + ", " + CStr(measure + 0.25) + ", " +
+            CStr(measure + 0.5) + ", " + CStr(measure + 0.75) + ")");
     }
 
     Ref<cImage> AddImage(Long key, Long frame = 0) {
@@ -114,12 +112,11 @@ TEST_F(SeriesAsCard, SendsTheLayoutTheCardAndEachPlacedImage) {
     AddImage(11, 3);
     AddImage(12);
     Save();
-    EXPECT_THAT(Sent(),
-                ElementsAre(templateOfSix, slotsOfOne, newCard, keyOfCard,
-                            Placed("1, 11, 1.5, 1.75, 1, 1.25, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1"),
-                            KeyOfPlaced(11, 1), StepsOf(1),
-                            Placed("1, 12, 0.19, 0.19, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 2"),
-                            KeyOfPlaced(12, 2), StepsOf(2)));
+    EXPECT_THAT(Sent(), ElementsAre(templateOfSix, slotsOfOne, newCard, keyOfCard,
+                                    Placed("1, 11, 1.5, 1.75, 1, 1.25, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1"),
+                                    KeyOfPlaced(11, 1), StepsOf(1),
+                                    Placed("1, 12, 0.19, 0.19, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 2"),
+                                    KeyOfPlaced(12, 2), StepsOf(2)));
 }
 
 TEST_F(SeriesAsCard, ACollectionOfImagesWorksAsAPlainOneDoes) {

@@ -29,8 +29,8 @@ struct Film {
 
     friend bool operator==(const Film&, const Film&) = default;
     friend std::ostream& operator<<(std::ostream& out, const Film& film) {
-        return out << '[' << film.teeth << ' ' << film.laterality << ' ' << film.region << ' '
-                   << film.modifier << " at " << film.taken << " -> " << film.frame << ']';
+        return out << '[' << film.teeth << ' ' << film.laterality << ' ' << film.region << ' ' << film.modifier
+                   << " at " << film.taken << " -> " << film.frame << ']';
     }
 };
 
@@ -73,10 +73,8 @@ struct Model {
     }
     static void DeriveLaterality(Film& film) {
         const auto n = NumbersIn(film.teeth);
-        const bool right =
-            Between(n, 11, 18) || Between(n, 41, 48) || Between(n, 51, 58) || Between(n, 81, 88);
-        const bool left =
-            Between(n, 21, 28) || Between(n, 31, 38) || Between(n, 61, 68) || Between(n, 71, 78);
+        const bool right = Between(n, 11, 18) || Between(n, 41, 48) || Between(n, 51, 58) || Between(n, 81, 88);
+        const bool left = Between(n, 21, 28) || Between(n, 31, 38) || Between(n, 61, 68) || Between(n, 71, 78);
         if (right && left)
             film.laterality = "B";
         else if (left)
@@ -86,10 +84,8 @@ struct Model {
     }
     static void DeriveRegion(Film& film) {
         const auto n = NumbersIn(film.teeth);
-        const bool upper =
-            Between(n, 11, 18) || Between(n, 21, 28) || Between(n, 51, 58) || Between(n, 61, 68);
-        const bool lower =
-            Between(n, 31, 38) || Between(n, 41, 48) || Between(n, 71, 78) || Between(n, 81, 88);
+        const bool upper = Between(n, 11, 18) || Between(n, 21, 28) || Between(n, 51, 58) || Between(n, 61, 68);
+        const bool lower = Between(n, 31, 38) || Between(n, 41, 48) || Between(n, 71, 78) || Between(n, 81, 88);
         if (upper && lower)
             film.region = "T-D1213";
         else if (lower)
@@ -99,8 +95,8 @@ struct Model {
     }
     static void DeriveModifier(Film& film) {
         const auto n = NumbersIn(film.teeth);
-        const bool molars = n[16] || n[17] || n[18] || n[26] || n[27] || n[28] || n[36] || n[37] || n[38] ||
-                            n[46] || n[47] || n[48];
+        const bool molars =
+            n[16] || n[17] || n[18] || n[26] || n[27] || n[28] || n[36] || n[37] || n[38] || n[46] || n[47] || n[48];
         const bool laterals = n[12] || n[22] || n[32] || n[42], canines = n[13] || n[23] || n[33] || n[43];
         const bool centrals = n[11] || n[21] || n[31] || n[41], firsts = n[14] || n[24] || n[34] || n[44];
         const bool seconds = n[15] || n[25] || n[35] || n[45], sixes = n[16] || n[26] || n[36] || n[46];
@@ -272,8 +268,8 @@ struct Model {
         return found;
     }
 
-    static constexpr const char *C = "T-5100C", *B = "T-5100B", *A = "T-5100A", *M9 = "T-51009",
-                                *M8 = "T-51008", *M7 = "T-51007", *M6 = "T-51006", *M5 = "T-51005";
+    static constexpr const char *C = "T-5100C", *B = "T-5100B", *A = "T-5100A", *M9 = "T-51009", *M8 = "T-51008",
+                                *M7 = "T-51007", *M6 = "T-51006", *M5 = "T-51005";
 
     Film* Frame(Long number, const String& laterality, const String& region, const String& first,
                 const String& second = {}, const String& third = {}) {
@@ -337,11 +333,9 @@ struct Model {
 
     void Four() {
         std::array<bool, 21> done{};
-        const auto take = [&](Long number, const String& laterality, const std::vector<String>& modifiers,
-                              bool free) {
+        const auto take = [&](Long number, const String& laterality, const std::vector<String>& modifiers, bool free) {
             for (Film& film : films) {
-                if (film.region != "T-D1213" || film.laterality != laterality || (free && film.frame != 0))
-                    continue;
+                if (film.region != "T-D1213" || film.laterality != laterality || (free && film.frame != 0)) continue;
                 if (std::find(modifiers.begin(), modifiers.end(), film.modifier) == modifiers.end()) continue;
                 film.frame = number;
                 done[static_cast<std::size_t>(number)] = true;
@@ -376,8 +370,7 @@ protected:
 
     static std::mt19937 Seeded() {
         const char* const given = std::getenv("OXCLASS_SEED");
-        const unsigned seed =
-            given ? static_cast<unsigned>(std::strtoul(given, nullptr, 10)) : std::random_device{}();
+        const unsigned seed = given ? static_cast<unsigned>(std::strtoul(given, nullptr, 10)) : std::random_device{}();
         std::cout << "OXCLASS_SEED=" << seed << '\n';
         return std::mt19937(seed);
     }
@@ -409,8 +402,7 @@ protected:
 
     Film AnyFilm(bool blank) {
         static constexpr const char* sides[] = {"L", "R", "B", "X"};
-        static constexpr const char* regions[] = {"T-11170", "T-11180", "T-D1213",
-                                                  "T-D1217", "T-11100", "other"};
+        static constexpr const char* regions[] = {"T-11170", "T-11180", "T-D1213", "T-D1217", "T-11100", "other"};
         static constexpr const char* modifiers[] = {"T-5100C", "T-5100B", "T-5100A", "T-51009", "T-51008",
                                                     "T-51007", "T-51006", "T-51005", "other"};
         const std::array dates{Date{},
@@ -457,16 +449,15 @@ protected:
         for (std::size_t left = Below(24); left > 0; --left)
             slots.push_back({static_cast<Long>(Below(18)) + 1, static_cast<Long>(Below(22))});
         for (const Slot& slot : slots)
-            rows += (rows.empty() ? "(1, '', 0, " : ", (1, '', 0, ") + CStr(slot.number) + ", " +
-                    CStr(slot.sequence) + ")";
+            rows +=
+                (rows.empty() ? "(1, '', 0, " : ", (1, '', 0, ") + CStr(slot.number) + ", " + CStr(slot.sequence) + ")";
         Run("DELETE FROM TemplateAttribute_T");
         if (!rows.empty())
             Run("INSERT INTO TemplateAttribute_T (TemplateID, TAGroupName, TARotation, TANumberInTemplate, "
                 "TASequence) "
                 "VALUES " +
                 rows);
-        std::stable_sort(slots.begin(), slots.end(),
-                         [](const Slot& a, const Slot& b) { return a.number < b.number; });
+        std::stable_sort(slots.begin(), slots.end(), [](const Slot& a, const Slot& b) { return a.number < b.number; });
         return slots;
     }
 
@@ -521,9 +512,8 @@ TEST_F(HangingModel, AgreesOnRandomSeries) {
         const Model hung = HungByLibrary(given, result);
         ASSERT_EQ(result, expected) << "round " << round << ", count " << given.count;
         ASSERT_EQ(hung.layout, model.layout) << "round " << round << ", count " << given.count;
-        ASSERT_EQ(hung.films, model.films)
-            << "round " << round << ", count " << given.count << " in layout " << model.layout << ' '
-            << given.modality << ' ' << given.description;
+        ASSERT_EQ(hung.films, model.films) << "round " << round << ", count " << given.count << " in layout "
+                                           << model.layout << ' ' << given.modality << ' ' << given.description;
         if (given.count != 0) ++layouts[static_cast<std::size_t>(model.layout)];
         placedByTemplate += !Sent().empty() && std::any_of(hung.films.begin(), hung.films.end(),
                                                            [](const Film& film) { return film.frame; });

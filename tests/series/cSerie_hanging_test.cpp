@@ -34,8 +34,8 @@ protected:
         image->AnaRegionMod = modifier;
         image->sTeeth = teeth;
         image->FrameNumber = 99;
-        image->dateTime = DateFrom(
-            {2024, 3, 1 + static_cast<int>(images.size() / 24), static_cast<int>(images.size() % 24), 0, 0});
+        image->dateTime =
+            DateFrom({2024, 3, 1 + static_cast<int>(images.size() / 24), static_cast<int>(images.size() % 24), 0, 0});
         images.push_back(image);
         return image;
     }
@@ -91,9 +91,9 @@ TEST_F(Hanging, ACountOfZeroDoesNothing) {
 
 TEST_F(Hanging, TheLayoutFollowsTheCountOfTheSeries) {
     AddPlain(2);
-    const std::vector<std::pair<Long, Long>> layouts{
-        {-32768, 10}, {-1, 10}, {1, 9},  {2, 10}, {3, 10}, {4, 11}, {5, 11},  {6, 12},
-        {9, 12},      {10, 6},  {18, 6}, {19, 5}, {20, 5}, {21, 0}, {300, 0}, {32767, 0}};
+    const std::vector<std::pair<Long, Long>> layouts{{-32768, 10}, {-1, 10}, {1, 9},   {2, 10},   {3, 10}, {4, 11},
+                                                     {5, 11},      {6, 12},  {9, 12},  {10, 6},   {18, 6}, {19, 5},
+                                                     {20, 5},      {21, 0},  {300, 0}, {32767, 0}};
     for (const auto& [count, layout] : layouts) {
         EXPECT_EQ(Hang(count), layout) << count;
         EXPECT_EQ(series->TemplateID, layout) << count;
@@ -105,21 +105,20 @@ TEST_F(Hanging, BitewingsAloneHaveLayoutsOfTheirOwn) {
         images.clear();
         Add("R", region, Modifier('9'));
         Add("L", region, Modifier('9'));
-        for (const auto& [count, layout] : {std::pair{1, 8}, std::pair{2, 8}, std::pair{3, 7},
-                                            std::pair{4, 7}, std::pair{5, 11}, std::pair{-1, 10}})
+        for (const auto& [count, layout] :
+             {std::pair{1, 8}, std::pair{2, 8}, std::pair{3, 7}, std::pair{4, 7}, std::pair{5, 11}, std::pair{-1, 10}})
             EXPECT_EQ(Hang(count), layout) << region << count;
     }
 }
 
 TEST_F(Hanging, AnEmptyCollectionCountsAsBitewings) {
-    for (const auto& [count, layout] : {std::pair{1, 8}, std::pair{2, 8}, std::pair{3, 7}, std::pair{4, 7},
-                                        std::pair{5, 11}, std::pair{-1, 10}})
+    for (const auto& [count, layout] :
+         {std::pair{1, 8}, std::pair{2, 8}, std::pair{3, 7}, std::pair{4, 7}, std::pair{5, 11}, std::pair{-1, 10}})
         EXPECT_EQ(Hang(count), layout) << count;
 }
 
 TEST_F(Hanging, OneImageThatIsNoBitewingChangesTheLayout) {
-    for (const auto& [laterality, region] :
-         {std::pair{"B", Both}, std::pair{"R", Upper}, std::pair{"L", ""}}) {
+    for (const auto& [laterality, region] : {std::pair{"B", Both}, std::pair{"R", Upper}, std::pair{"L", ""}}) {
         images.clear();
         Add("R", Both, Modifier('9'));
         Add(laterality, region, Modifier('9'));
@@ -155,9 +154,8 @@ TEST_F(Hanging, HeadsHangByTheirSide) {
           Row{"DX", Skull, "", "", 9}, Row{"DX", Skull, "U", "", 9}, Row{"CR", Skull, "L", "", 9},
           Row{"PX", Skull, "B", "CEPH", 1}, Row{"IO", Skull, "B", "CEPH", 9}, Row{"DX", "", "", "ceph", 2},
           Row{"DX", Upper, "L", "A Ceph of today", 2}, Row{"DX", Upper, "B", "CEPH", 14},
-          Row{"DX", Skull, "", "Ceph", 2}, Row{"DX", Both, "R", "cephalogram", 2},
-          Row{"DX", Both, "R", "", 8}, Row{"DX", Upper, "R", "C E P H", 9},
-          Row{"dx", Skull, "L", "CEPH", 9}}) {
+          Row{"DX", Skull, "", "Ceph", 2}, Row{"DX", Both, "R", "cephalogram", 2}, Row{"DX", Both, "R", "", 8},
+          Row{"DX", Upper, "R", "C E P H", 9}, Row{"dx", Skull, "L", "CEPH", 9}}) {
         images.clear();
         series->Modality = modality;
         series->SeriesDescription = description;
@@ -426,8 +424,7 @@ protected:
 };
 
 TEST_F(TeethFitModifier, TwoMolarsOfOneQuadrantFitC) {
-    for (const char* teeth :
-         {"16,17,", "16,18,", "17,18,", "26,28,", "36,37,", "37,38,", "46,47,", "46,47,48,"})
+    for (const char* teeth : {"16,17,", "16,18,", "17,18,", "26,28,", "36,37,", "37,38,", "46,47,", "46,47,48,"})
         EXPECT_TRUE(Fits('C', teeth)) << teeth;
     for (const char* teeth : {"", "16,", "16,26,", "16,27,38,48,", "14,15,", "55,54,"})
         EXPECT_FALSE(Fits('C', teeth)) << teeth;
@@ -483,16 +480,12 @@ TEST_F(TeethFitModifier, CentralIncisorsFit5) {
 }
 
 TEST_F(TeethFitModifier, TheOtherModifiersMatchByTheirCodeAlone) {
-    EXPECT_EQ(FrameOf(18, "R", Upper, "other", "17,"), 0)
-        << "a molar alone is neither C nor, by its teeth, B or A";
-    EXPECT_EQ(FrameOf(18, "R", Upper, "other", "14,12,15,"), 0)
-        << "8 by derivation, and by no test of the teeth";
+    EXPECT_EQ(FrameOf(18, "R", Upper, "other", "17,"), 0) << "a molar alone is neither C nor, by its teeth, B or A";
+    EXPECT_EQ(FrameOf(18, "R", Upper, "other", "14,12,15,"), 0) << "8 by derivation, and by no test of the teeth";
     EXPECT_EQ(FrameOf(18, "R", Upper, Modifier('A'), "11,"), 1);
 }
 
-TEST_F(TeethFitModifier, PrimaryTeethFitNothing) {
-    EXPECT_EQ(FrameOf(18, "R", Upper, "other", "51,52,53,54,55,"), 0);
-}
+TEST_F(TeethFitModifier, PrimaryTeethFitNothing) { EXPECT_EQ(FrameOf(18, "R", Upper, "other", "51,52,53,54,55,"), 0); }
 
 TEST_F(TeethFitModifier, ATextThatIsNoToothStringRaisesWhenItIsReached) {
     Add("R", Upper, Modifier('C'), "no teeth");
@@ -529,10 +522,10 @@ TEST_F(Hanging, FourBitewingsSecondPassTakesWhatIsLeft) {
     };
     for (const auto& [side, modifiers, frames] :
          {Case{"R", "A", {1}}, Case{"R", "AA", {1, 2}}, Case{"R", "99", {2, 1}}, Case{"R", "88", {2, 0}},
-          Case{"R", "BB", {1, 0}}, Case{"R", "BA", {1, 2}}, Case{"R", "9A", {2, 1}},
-          Case{"R", "99B", {2, 0, 1}}, Case{"R", "899", {2, 1, 0}}, Case{"L", "A", {3}},
-          Case{"L", "AA", {3, 4}}, Case{"L", "99", {3, 4}}, Case{"L", "88", {3, 0}}, Case{"L", "CC", {4, 0}},
-          Case{"L", "CA", {4, 3}}, Case{"L", "9A", {3, 4}}, Case{"L", "899", {3, 4, 0}}}) {
+          Case{"R", "BB", {1, 0}}, Case{"R", "BA", {1, 2}}, Case{"R", "9A", {2, 1}}, Case{"R", "99B", {2, 0, 1}},
+          Case{"R", "899", {2, 1, 0}}, Case{"L", "A", {3}}, Case{"L", "AA", {3, 4}}, Case{"L", "99", {3, 4}},
+          Case{"L", "88", {3, 0}}, Case{"L", "CC", {4, 0}}, Case{"L", "CA", {4, 3}}, Case{"L", "9A", {3, 4}},
+          Case{"L", "899", {3, 4, 0}}}) {
         images.clear();
         for (const char last : String(modifiers)) Add(side, Both, Modifier(last));
         Hang(4);

@@ -17,20 +17,19 @@ TEST(SeriesRecord, HasTheDocumentedMembers) {
     EXPECT_THAT(
         MembersOf(cSerie()),
         ElementsAre("put SeriesDateTime(date)", "get SeriesDateTime -> date", "put SeriesDerived(boolean)",
-                    "get SeriesDerived -> boolean", "put SeriesDescription(string)",
-                    "get SeriesDescription -> string", "put InstanceAv(string)", "get InstanceAv -> string",
-                    "put OrgServer(int32)", "get OrgServer -> int32", "get Key -> string", "put Key(string&)",
-                    "put location(gdcmObjectLocation)", "get location -> gdcmObjectLocation",
-                    "put SeriesName(string)", "get SeriesName -> string", "put ImgCount(int32)",
-                    "get ImgCount -> int32", "adjustLocationStatus()",
-                    "loadSeries(Series: string, Con: Connection&) -> boolean",
+                    "get SeriesDerived -> boolean", "put SeriesDescription(string)", "get SeriesDescription -> string",
+                    "put InstanceAv(string)", "get InstanceAv -> string", "put OrgServer(int32)",
+                    "get OrgServer -> int32", "get Key -> string", "put Key(string&)",
+                    "put location(gdcmObjectLocation)", "get location -> gdcmObjectLocation", "put SeriesName(string)",
+                    "get SeriesName -> string", "put ImgCount(int32)", "get ImgCount -> int32",
+                    "adjustLocationStatus()", "loadSeries(Series: string, Con: Connection&) -> boolean",
                     "SaveSeries(CheckExistOnID: boolean&, Con: Connection&) -> boolean", "put studyID(int32)",
-                    "get studyID -> int32", "put TemplateID(int32)", "get TemplateID -> int32",
-                    "put ID(int32)", "get ID -> int32", "put seriesNumber(string)",
-                    "get seriesNumber -> string", "put Modality(string)", "get Modality -> string",
-                    "put instanceUID(string)", "get instanceUID -> string", "get Approved -> boolean",
-                    "put Approved(boolean)", "get Changed -> boolean", "put Changed(boolean)",
-                    "Delete(Con: Connection&)", "SaveAsIC(Con: Connection&, colImages: Collection&)",
+                    "get studyID -> int32", "put TemplateID(int32)", "get TemplateID -> int32", "put ID(int32)",
+                    "get ID -> int32", "put seriesNumber(string)", "get seriesNumber -> string", "put Modality(string)",
+                    "get Modality -> string", "put instanceUID(string)", "get instanceUID -> string",
+                    "get Approved -> boolean", "put Approved(boolean)", "get Changed -> boolean",
+                    "put Changed(boolean)", "Delete(Con: Connection&)",
+                    "SaveAsIC(Con: Connection&, colImages: Collection&)",
                     "HangSeries(colImgs: Collection&, conn: Connection&) -> int32"));
 }
 
@@ -64,11 +63,11 @@ std::vector<String> ValuesOf(const Ref<cSerie>& series) {
 }
 
 TEST(SeriesRecord, StartsWithZerosAndEmptyTexts) {
-    EXPECT_THAT(ValuesOf(New<cSerie>()),
-                ElementsAre("SeriesDateTime 1899-12-30 00:00:00", "SeriesDerived false", "SeriesDescription ",
-                            "InstanceAv ", "OrgServer 0", "Key ", "location 0", "SeriesName ", "ImgCount 0",
-                            "studyID 0", "TemplateID 0", "ID 0", "seriesNumber ", "Modality ", "instanceUID ",
-                            "Approved false", "Changed false"));
+    EXPECT_THAT(
+        ValuesOf(New<cSerie>()),
+        ElementsAre("SeriesDateTime 1899-12-30 00:00:00", "SeriesDerived false", "SeriesDescription ", "InstanceAv ",
+                    "OrgServer 0", "Key ", "location 0", "SeriesName ", "ImgCount 0", "studyID 0", "TemplateID 0",
+                    "ID 0", "seriesNumber ", "Modality ", "instanceUID ", "Approved false", "Changed false"));
 }
 
 TEST(SeriesRecord, PropertiesHoldTheirOwnValues) {
@@ -82,12 +81,11 @@ TEST(SeriesRecord, PropertiesHoldTheirOwnValues) {
         if (type == MemberType::Kind::Boolean) value = member.Name != "Approved";
         member.Call(*series, {&value, 1});
     }
-    EXPECT_THAT(
-        ValuesOf(series),
-        ElementsAre("SeriesDateTime 1899-12-31 00:00:00", "SeriesDerived true", "SeriesDescription text 3",
-                    "InstanceAv text 4", "OrgServer 5", "Key text 6", "location 7", "SeriesName text 8",
-                    "ImgCount 9", "studyID 10", "TemplateID 11", "ID 12", "seriesNumber text 13",
-                    "Modality text 14", "instanceUID text 15", "Approved false", "Changed true"));
+    EXPECT_THAT(ValuesOf(series),
+                ElementsAre("SeriesDateTime 1899-12-31 00:00:00", "SeriesDerived true", "SeriesDescription text 3",
+                            "InstanceAv text 4", "OrgServer 5", "Key text 6", "location 7", "SeriesName text 8",
+                            "ImgCount 9", "studyID 10", "TemplateID 11", "ID 12", "seriesNumber text 13",
+                            "Modality text 14", "instanceUID text 15", "Approved false", "Changed true"));
 }
 
 TEST(SeriesRecord, AdjustLocationStatusFollowsTheAvailability) {
@@ -101,8 +99,8 @@ TEST(SeriesRecord, AdjustLocationStatusFollowsTheAvailability) {
          {Row{"ONLINE", Unknown, Server}, Row{"ONLINE", Local, Both}, Row{"ONLINE", Server, Server},
           Row{"ONLINE", Both, Both}, Row{"NEARLINE", Unknown, Server}, Row{"NEARLINE", Local, Both},
           Row{"NEARLINE", Server, Server}, Row{"NEARLINE", Both, Both}, Row{"", Unknown, Unknown},
-          Row{"", Local, Local}, Row{"", Server, Unknown}, Row{"", Both, Local},
-          Row{"OFFLINE", Server, Unknown}, Row{"online", Both, Local}, Row{" ONLINE", Both, Local}}) {
+          Row{"", Local, Local}, Row{"", Server, Unknown}, Row{"", Both, Local}, Row{"OFFLINE", Server, Unknown},
+          Row{"online", Both, Local}, Row{" ONLINE", Both, Local}}) {
         const Ref<cSerie> series = New<cSerie>();
         series->InstanceAv = available;
         series->location = before;
@@ -121,9 +119,7 @@ protected:
             "(5, '1.2.5', "
             "'IO', '17', 11, 12, 13, 'descr', '2024-03-05 14:07:09', 1, 2, 14)");
     }
-    void Set(const String& column, const String& value) {
-        Run("UPDATE Series_T SET " + column + " = " + value);
-    }
+    void Set(const String& column, const String& value) { Run("UPDATE Series_T SET " + column + " = " + value); }
     Variant OfRow(const String& column, Long id = 1) {
         return Ask("SELECT " + column + " FROM Series_T WHERE Series_ID = " + CStr(id));
     }
@@ -169,12 +165,11 @@ TEST_F(SeriesTable, LoadFillsEachPropertyFromItsColumn) {
     FillOtherwise();
     series->ImgCount = 0;
     EXPECT_TRUE(series->loadSeries("5", con));
-    EXPECT_THAT(
-        ValuesOf(series),
-        ElementsAre("SeriesDateTime 2024-03-05 14:07:09", "SeriesDerived true", "SeriesDescription descr",
-                    "InstanceAv ONLINE", "OrgServer 13", "Key key", "location 2", "SeriesName name",
-                    "ImgCount 14", "studyID 12", "TemplateID 11", "ID 5", "seriesNumber 17", "Modality IO",
-                    "instanceUID 1.2.5", "Approved true", "Changed true"));
+    EXPECT_THAT(ValuesOf(series),
+                ElementsAre("SeriesDateTime 2024-03-05 14:07:09", "SeriesDerived true", "SeriesDescription descr",
+                            "InstanceAv ONLINE", "OrgServer 13", "Key key", "location 2", "SeriesName name",
+                            "ImgCount 14", "studyID 12", "TemplateID 11", "ID 5", "seriesNumber 17", "Modality IO",
+                            "instanceUID 1.2.5", "Approved true", "Changed true"));
 }
 
 TEST_F(SeriesTable, LoadOfAMissingRowGivesFalseAndChangesNothing) {
@@ -207,8 +202,7 @@ TEST_F(SeriesTable, ACountSetBeforehandWinsOverTheRows) {
 
 TEST_F(SeriesTable, AnyNumberButZeroIsDerived) {
     StoreDistinct();
-    for (const auto& [stored, derived] :
-         {std::pair{"-1", true}, std::pair{"2", true}, std::pair{"0", false}}) {
+    for (const auto& [stored, derived] : {std::pair{"-1", true}, std::pair{"2", true}, std::pair{"0", false}}) {
         Set("Derived_BT", stored);
         EXPECT_TRUE(series->loadSeries("5", con));
         EXPECT_EQ(series->SeriesDerived, derived) << stored;
@@ -238,8 +232,8 @@ TEST_F(SeriesTable, TextsThatAreNoKeyAndNoUidFailBeforeAnythingIsSent) {
     StoreDistinct();
     FillOtherwise();
     const std::vector<String> before = ValuesOf(series);
-    for (const char* text : {"5 OR 1=1", "series_id", "study_id", "abc", "", " ", "5; DELETE FROM Series_T",
-                             "'5'", "5-1", "1.2' OR '1'='1", "1.2'", "1.2'; DELETE FROM Series_T; --"}) {
+    for (const char* text : {"5 OR 1=1", "series_id", "study_id", "abc", "", " ", "5; DELETE FROM Series_T", "'5'",
+                             "5-1", "1.2' OR '1'='1", "1.2'", "1.2'; DELETE FROM Series_T; --"}) {
         const Error failure = FailureOf([&] { series->loadSeries(text, con); });
         EXPECT_EQ(failure.Number, StatementError) << text;
         EXPECT_EQ(failure.Source, "cSerie.loadseries, ADODB.Connection") << text;
@@ -295,11 +289,10 @@ TEST_F(SeriesTable, SaveStoresEachPropertyAndTakesTheNewKey) {
     series->SeriesDerived = true;
     EXPECT_TRUE(series->SaveSeries(false, con));
     EXPECT_EQ(series->ID, 1);
-    EXPECT_EQ(
-        OfRow("SeriesInstanceUID || '|' || Modality || '|' || seriesNumber || '|' || template_ID || '|' || "
-              "Study_ID || '|' || orgServerID || '|' || SeriesDescription || '|' || SeriesDateTime || '|' || "
-              "Derived_BT || '|' || location || '|' || NumberOfImages"),
-        Variant("9.9|PX|old 96|94|93|91|old descr|2001-02-03 04:05:06|1|3|92"));
+    EXPECT_EQ(OfRow("SeriesInstanceUID || '|' || Modality || '|' || seriesNumber || '|' || template_ID || '|' || "
+                    "Study_ID || '|' || orgServerID || '|' || SeriesDescription || '|' || SeriesDateTime || '|' || "
+                    "Derived_BT || '|' || location || '|' || NumberOfImages"),
+              Variant("9.9|PX|old 96|94|93|91|old descr|2001-02-03 04:05:06|1|3|92"));
     const Ref<cSerie> read = New<cSerie>();
     EXPECT_TRUE(read->loadSeries("1", con));
     read->InstanceAv = series->InstanceAv;

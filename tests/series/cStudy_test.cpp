@@ -17,15 +17,14 @@ TEST(StudyRecord, HasTheDocumentedMembers) {
     EXPECT_THAT(
         MembersOf(cStudy()),
         ElementsAre("get Key -> string", "put Key(string&)", "put location(gdcmObjectLocation)",
-                    "get location -> gdcmObjectLocation",
-                    "loadStudy(Study: string, Con: Connection&) -> boolean",
-                    "savestudy(CheckExistOnID: boolean&, Con: Connection&) -> boolean",
-                    "put PatientID(int32)", "get PatientID -> int32", "put referDrName(string)",
-                    "get referDrName -> string", "put PhysOfRecord(string)", "get PhysOfRecord -> string",
-                    "put accessionNumber(string)", "get accessionNumber -> string", "put instanceUID(string)",
-                    "get instanceUID -> string", "put description(string)", "get description -> string",
-                    "put dateTime(date)", "get dateTime -> date", "put studyID(string)",
-                    "get studyID -> string", "put ID(int32)", "get ID -> int32", "Delete(Con: Connection&)"));
+                    "get location -> gdcmObjectLocation", "loadStudy(Study: string, Con: Connection&) -> boolean",
+                    "savestudy(CheckExistOnID: boolean&, Con: Connection&) -> boolean", "put PatientID(int32)",
+                    "get PatientID -> int32", "put referDrName(string)", "get referDrName -> string",
+                    "put PhysOfRecord(string)", "get PhysOfRecord -> string", "put accessionNumber(string)",
+                    "get accessionNumber -> string", "put instanceUID(string)", "get instanceUID -> string",
+                    "put description(string)", "get description -> string", "put dateTime(date)",
+                    "get dateTime -> date", "put studyID(string)", "get studyID -> string", "put ID(int32)",
+                    "get ID -> int32", "Delete(Con: Connection&)"));
 }
 
 /// All properties with their values, one text each.
@@ -44,10 +43,9 @@ std::vector<String> ValuesOf(const Ref<cStudy>& study) {
 }
 
 TEST(StudyRecord, StartsWithZerosAndEmptyTexts) {
-    EXPECT_THAT(
-        ValuesOf(New<cStudy>()),
-        ElementsAre("Key ", "location 0", "PatientID 0", "referDrName ", "PhysOfRecord ", "accessionNumber ",
-                    "instanceUID ", "description ", "dateTime 1899-12-30 00:00:00", "studyID ", "ID 0"));
+    EXPECT_THAT(ValuesOf(New<cStudy>()),
+                ElementsAre("Key ", "location 0", "PatientID 0", "referDrName ", "PhysOfRecord ", "accessionNumber ",
+                            "instanceUID ", "description ", "dateTime 1899-12-30 00:00:00", "studyID ", "ID 0"));
 }
 
 TEST(StudyRecord, PropertiesHoldTheirOwnValues) {
@@ -59,10 +57,10 @@ TEST(StudyRecord, PropertiesHoldTheirOwnValues) {
         Variant value = type == MemberType::Kind::Text ? Variant("text " + CStr(++n)) : Variant(++n);
         member.Call(*study, {&value, 1});
     }
-    EXPECT_THAT(ValuesOf(study), ElementsAre("Key text 1", "location 2", "PatientID 3", "referDrName text 4",
-                                             "PhysOfRecord text 5", "accessionNumber text 6",
-                                             "instanceUID text 7", "description text 8",
-                                             "dateTime 1900-01-08 00:00:00", "studyID text 10", "ID 11"));
+    EXPECT_THAT(ValuesOf(study),
+                ElementsAre("Key text 1", "location 2", "PatientID 3", "referDrName text 4", "PhysOfRecord text 5",
+                            "accessionNumber text 6", "instanceUID text 7", "description text 8",
+                            "dateTime 1900-01-08 00:00:00", "studyID text 10", "ID 11"));
 }
 
 class StudyTable : public WithDatabase {
@@ -75,9 +73,7 @@ protected:
             "'descr', 'refer', "
             "'sid', 'phys')");
     }
-    void Set(const String& column, const String& value) {
-        Run("UPDATE Study_T SET " + column + " = " + value);
-    }
+    void Set(const String& column, const String& value) { Run("UPDATE Study_T SET " + column + " = " + value); }
     Variant OfRow(const String& column, Long id = 1) {
         return Ask("SELECT " + column + " FROM Study_T WHERE Study_ID = " + CStr(id));
     }
@@ -145,9 +141,8 @@ TEST_F(StudyTable, ANullThatIsReadAsItStandsRaisesAndKeepsWhatWasRead) {
         {7, "description descr"},   {10, "ID 5"},
         {6, "instanceUID 1.2.5"},   {2, "PatientID 11"}};
     for (const auto& [column, stored, read] :
-         {Row{"accessionNumber", "'acc'", 0}, Row{"Studydesc", "'descr'", 2},
-          Row{"StudyInstanceUID", "'1.2.5'", 4}, Row{"PatientID", "11", 5},
-          Row{"referDrName", "'refer'", 6}}) {
+         {Row{"accessionNumber", "'acc'", 0}, Row{"Studydesc", "'descr'", 2}, Row{"StudyInstanceUID", "'1.2.5'", 4},
+          Row{"PatientID", "11", 5}, Row{"referDrName", "'refer'", 6}}) {
         FillOtherwise();
         std::vector<String> expected = ValuesOf(study);
         for (std::size_t i = 0; i < read; ++i) expected[order[i].first] = order[i].second;
@@ -195,8 +190,8 @@ TEST_F(StudyTable, TextsThatAreNoKeyAndNoUidFailBeforeAnythingIsSent) {
     StoreDistinct();
     FillOtherwise();
     const std::vector<String> before = ValuesOf(study);
-    for (const char* text : {"5 OR 1=1", "study_id", "abc", "", " ", "5; DELETE FROM Study_T", "'5'", "5-1",
-                             "0x5", "1.2' OR '1'='1", "1.2'", "'.'", "1.2'; DELETE FROM Study_T; --"}) {
+    for (const char* text : {"5 OR 1=1", "study_id", "abc", "", " ", "5; DELETE FROM Study_T", "'5'", "5-1", "0x5",
+                             "1.2' OR '1'='1", "1.2'", "'.'", "1.2'; DELETE FROM Study_T; --"}) {
         const Error failure = FailureOf([&] { study->loadStudy(text, con); });
         EXPECT_EQ(failure.Number, StatementError) << text;
         EXPECT_EQ(failure.Source, "cStudy.loadStudy, ADODB.Connection") << text;
@@ -370,8 +365,7 @@ TEST_F(StudyTable, AMissingColumnIsPassedOver) {
         EXPECT_TRUE(study->savestudy(false, con)) << column;
         EXPECT_EQ(Count(), 1);
         EXPECT_TRUE(OfRow("Other", study->ID).Is<Null>()) << column;
-        EXPECT_EQ(OfRow("PatientID", study->ID), Variant(Long{91}))
-            << "what stands behind it is written: " << column;
+        EXPECT_EQ(OfRow("PatientID", study->ID), Variant(Long{91})) << "what stands behind it is written: " << column;
         Run("ALTER TABLE Study_T RENAME COLUMN Other TO " + String(column));
     }
 }
@@ -383,8 +377,7 @@ TEST_F(StudyTable, AMissingUidOrPatientIsPassedOverToo) {
     Run("ALTER TABLE Study_T DROP COLUMN StudyInstanceUID");
     Run("ALTER TABLE Study_T DROP COLUMN PatientID");
     EXPECT_TRUE(study->savestudy(true, con));
-    EXPECT_EQ(OfRow("accessionNumber || '|' || referDrName || '|' || studyID"),
-              Variant("old acc|old refer|old sid"));
+    EXPECT_EQ(OfRow("accessionNumber || '|' || referDrName || '|' || studyID"), Variant("old acc|old refer|old sid"));
     const Error failure = FailureOf([&] { study->savestudy(false, con); });
     EXPECT_EQ(failure.Number, static_cast<Long>(0x80040E10)) << "the look itself needs the column";
     EXPECT_EQ(failure.Source, "cStudy.SaveStudy, SQLite");

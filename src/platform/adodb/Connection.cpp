@@ -72,8 +72,8 @@ void Connection::Advise(std::unique_ptr<ConnectionEvents> handler) {
 
 void Connection::Unadvise(ConnectionEvents& handler) {
     std::erase(handlers_, &handler);
-    const auto found = std::find_if(owned_.begin(), owned_.end(),
-                                    [&](const auto& owned) { return owned.get() == &handler; });
+    const auto found =
+        std::find_if(owned_.begin(), owned_.end(), [&](const auto& owned) { return owned.get() == &handler; });
     if (found == owned_.end()) return;
     std::unique_ptr<ConnectionEvents> ending = std::move(*found);
     owned_.erase(found);
@@ -118,8 +118,7 @@ void Connection::Announce(ExecuteRequest& request) {
 
 Outcome Connection::Run(ExecuteRequest& request) {
     Session& session = Ready();
-    if (request.Options > 0 && (request.Options & adCmdTable) != 0)
-        request.Source = "select * from " + request.Source;
+    if (request.Options > 0 && (request.Options & adCmdTable) != 0) request.Source = "select * from " + request.Source;
     if (handlers_.empty()) return Engine([&] { return session.Run(request.Source); });
     Announce(request);
     Outcome outcome = RunTimed(request);

@@ -25,11 +25,12 @@ struct ExecuteReport {
     const Error* Failure = nullptr;     ///< the failure, or null; valid during the call
 };
 
-/// A handler of a connection's events: it is called for every statement that is executed or opened. It is not called for the
-/// statements by which a recordset posts an edit.
+/// A handler of a connection's events: it is called for every statement that is executed or opened. It is not called
+/// for the statements by which a recordset posts an edit.
 ///
-/// Handlers run on the connection's thread, inside the operation. `WillExecute` must not start another operation on the same
-/// connection, which raises 3710. If a handler throws, the operation fails with that exception, before the statement runs
+/// Handlers run on the connection's thread, inside the operation. `WillExecute` must not start another operation on the
+/// same connection, which raises 3710. If a handler throws, the operation fails with that exception, before the
+/// statement runs
 /// (`WillExecute`) or after it has run (`ExecuteComplete`).
 class ConnectionEvents {
 public:
@@ -43,8 +44,8 @@ public:
 
 /// A connection to a database, with ADO's members, numbers and rules.
 ///
-/// It belongs to the thread that created it. Failures of this layer have the source "ADODB.Connection" and short numbers;
-/// failures of a database engine have the engine's text.
+/// It belongs to the thread that created it. Failures of this layer have the source "ADODB.Connection" and short
+/// numbers; failures of a database engine have the engine's text.
 class Connection final : public Object {
 public:
     static constexpr const char* ClassName = "Connection";
@@ -53,32 +54,31 @@ public:
     /// Closes the connection; an open transaction is rolled back without an error.
     ~Connection() override;
 
-    /// Opens the connection that a connection string describes, "Provider=SQLite;Data Source=clinic.db". If the argument is
-    /// empty, the property `ConnectionString` is used. `UserID` and `Password` override those in the text. Raises 3705 if open,
-    /// 3706 for an unknown provider, 0x80040E21 for a setting that can't be parsed or is not supported, and what the engine
-    /// raises; the connection is then closed.
+    /// Opens the connection that a connection string describes, "Provider=SQLite;Data Source=clinic.db". If the
+    /// argument is empty, the property `ConnectionString` is used. `UserID` and `Password` override those in the text.
+    /// Raises 3705 if open, 3706 for an unknown provider, 0x80040E21 for a setting that can't be parsed or is not
+    /// supported, and what the engine raises; the connection is then closed.
     void Open(const String& ConnectionString = {}, const String& UserID = {}, const String& Password = {},
               Long Options = -1);
 
-    /// Closes the connection and every recordset on it; edits that were not posted are lost. Raises 3704 if closed, 3246 while a
-    /// transaction is open; nothing changes then.
+    /// Closes the connection and every recordset on it; edits that were not posted are lost. Raises 3704 if closed,
+    /// 3246 while a transaction is open; nothing changes then.
     void Close();
 
-    /// Runs a statement and returns a recordset: at its first row if the statement returns rows, otherwise closed; null with
-    /// `adExecuteNoRecords`. `RecordsAffected` receives the number of rows that an action statement changed. Raises 3704 if
-    /// closed, 3712 if a handler cancelled it, and what the engine raises.
-    Ref<Recordset> Execute(const String& CommandText, Long* RecordsAffected = nullptr,
-                           Long Options = adCmdUnspecified);
+    /// Runs a statement and returns a recordset: at its first row if the statement returns rows, otherwise closed; null
+    /// with `adExecuteNoRecords`. `RecordsAffected` receives the number of rows that an action statement changed.
+    /// Raises 3704 if closed, 3712 if a handler cancelled it, and what the engine raises.
+    Ref<Recordset> Execute(const String& CommandText, Long* RecordsAffected = nullptr, Long Options = adCmdUnspecified);
 
-    /// Begins a transaction, nested in the open one if there is one, and returns its level, 1 for the outermost. Raises 3704 if
-    /// closed, 0x8004D013 if the engine does not support the level, and what the engine raises.
+    /// Begins a transaction, nested in the open one if there is one, and returns its level, 1 for the outermost. Raises
+    /// 3704 if closed, 0x8004D013 if the engine does not support the level, and what the engine raises.
     Long BeginTrans();
 
-    /// Commit or roll back the innermost transaction. Raise 3704 if closed, 0x8004D00E if no transaction is open, and what the
-    /// engine raises.
+    /// Commit or roll back the innermost transaction. Raise 3704 if closed, 0x8004D00E if no transaction is open, and
+    /// what the engine raises.
     ///
-    /// After a failure in which the engine itself rolled everything back (a full disk), every operation raises 0x8004D00E
-    /// until `RollbackTrans` has been called for each level.
+    /// After a failure in which the engine itself rolled everything back (a full disk), every operation raises
+    /// 0x8004D00E until `RollbackTrans` has been called for each level.
     void CommitTrans();
     void RollbackTrans();
 
@@ -93,23 +93,23 @@ public:
     /// Where recordsets that are opened from now on keep their rows; it has no effect on open recordsets.
     CursorLocationEnum CursorLocation = adUseServer;
 
-    /// Returns what the engine reported at its last failure. A later success does not clear the list, and failures of this
-    /// layer are not added to it.
+    /// Returns what the engine reported at its last failure. A later success does not clear the list, and failures of
+    /// this layer are not added to it.
     const std::vector<Error>& Errors() const noexcept { return errors_; }
     void ClearErrors() { errors_.clear(); }
 
     /// Adds a handler, which must live until it is removed or the connection is deleted.
     void Advise(ConnectionEvents& handler) { handlers_.push_back(&handler); }
 
-    /// Adds a handler that the connection owns. It is deleted when it is removed, or with the connection after that was closed.
-    /// It must not hold a reference to the connection, and its destructor must not use it. Raises 91 for null.
+    /// Adds a handler that the connection owns. It is deleted when it is removed, or with the connection after that was
+    /// closed. It must not hold a reference to the connection, and its destructor must not use it. Raises 91 for null.
     void Advise(std::unique_ptr<ConnectionEvents> handler);
 
     /// Returns all handlers in the order in which they are called.
     const std::vector<ConnectionEvents*>& Handlers() const noexcept { return handlers_; }
 
-    /// Removes a handler, which is not called any more. One that the connection owns is deleted at once, or, while handlers are
-    /// being called, after the last of these calls.
+    /// Removes a handler, which is not called any more. One that the connection owns is deleted at once, or, while
+    /// handlers are being called, after the last of these calls.
     void Unadvise(ConnectionEvents& handler);
 
     const Interface& Describe() const override;

@@ -8,8 +8,7 @@ using namespace Platform;
 
 namespace {
 
-Ref<Recordset> ExecuteText(Connection& connection, const String& commandText, Variant& recordsAffected,
-                           Long options) {
+Ref<Recordset> ExecuteText(Connection& connection, const String& commandText, Variant& recordsAffected, Long options) {
     Long affected = 0;
     Ref<Recordset> result = connection.Execute(commandText, &affected, options);
     recordsAffected = affected;
@@ -37,8 +36,8 @@ const Interface& Connection::Describe() const {
         Operation<&Connection::Open>("Open", {Optional("ConnectionString", ""), Optional("UserID", ""),
                                               Optional("Password", ""), Optional("Options", Long{-1})}),
         Operation<&Connection::Close>("Close"),
-        Operation<&ExecuteText>(
-            "Execute", {"CommandText", Optional("RecordsAffected"), Optional("Options", adCmdUnspecified)}),
+        Operation<&ExecuteText>("Execute",
+                                {"CommandText", Optional("RecordsAffected"), Optional("Options", adCmdUnspecified)}),
         Operation<&Connection::BeginTrans>("BeginTrans"),
         Operation<&Connection::CommitTrans>("CommitTrans"),
         Operation<&Connection::RollbackTrans>("RollbackTrans"),

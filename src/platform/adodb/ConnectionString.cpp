@@ -79,9 +79,8 @@ void ConnectionString::Set(std::string_view key, const String& value) {
 
 String ConnectionString::FirstUnknown(std::initializer_list<std::string_view> known) const {
     for (const auto& setting : settings_) {
-        const bool found = std::any_of(known.begin(), known.end(), [&](std::string_view key) {
-            return EqualsIgnoringCase(setting.first, key);
-        });
+        const bool found = std::any_of(known.begin(), known.end(),
+                                       [&](std::string_view key) { return EqualsIgnoringCase(setting.first, key); });
         if (!found) return setting.first;
     }
     return {};

@@ -16,16 +16,14 @@ const char* TextOf(Long number) {
             return "Either BOF or EOF is True, or the current record has been deleted. Requested operation "
                    "requires a current record.";
         case adErrIllegalOperation: return "Operation is not allowed in this context.";
-        case adErrInTransaction:
-            return "Connection object cannot be explicitly closed while in a transaction.";
+        case adErrInTransaction: return "Connection object cannot be explicitly closed while in a transaction.";
         case adErrFeatureNotAvailable:
             return "Current Recordset does not support updating. This may be a limitation of the provider, "
                    "or of "
                    "the selected locktype.";
         case adErrItemNotFound:
             return "Item cannot be found in the collection corresponding to the requested name or ordinal.";
-        case adErrDataConversion:
-            return "Application uses a value of the wrong type for the current operation.";
+        case adErrDataConversion: return "Application uses a value of the wrong type for the current operation.";
         case adErrObjectClosed: return "Operation is not allowed when the object is closed.";
         case adErrObjectOpen: return "Operation is not allowed when the object is open.";
         case adErrProviderNotFound: return "Provider cannot be found. It may not be properly installed.";
@@ -50,8 +48,6 @@ const char* TextOf(Long number) {
 
 void RaiseAdo(Long number, const char* source) { throw Error(number, source, TextOf(number)); }
 
-void RaiseAdo(Long number, const char* source, const String& description) {
-    throw Error(number, source, description);
-}
+void RaiseAdo(Long number, const char* source, const String& description) { throw Error(number, source, description); }
 
 }  // namespace ADODB

@@ -9,8 +9,8 @@ namespace ADODB {
 namespace err = Platform::err;
 using Platform::Date, Platform::Integer, Platform::Long, Platform::String;
 using Platform::Empty, Platform::Null, Platform::Object, Platform::Variant;
-using Platform::Error, Platform::Raise;
 using Platform::EnumerationOf, Platform::EnumerationValue, Platform::Interface;
+using Platform::Error, Platform::Raise;
 using Platform::New, Platform::Ref;
 
 enum CursorLocationEnum : Long { adUseNone = 1, adUseServer = 2, adUseClient = 3 };
@@ -40,12 +40,7 @@ enum AffectEnum : Long { adAffectCurrent = 1, adAffectGroup = 2, adAffectAll = 3
 enum ObjectStateEnum : Long { adStateClosed = 0, adStateOpen = 1 };
 enum EditModeEnum : Long { adEditNone = 0, adEditInProgress = 1, adEditAdd = 2 };
 enum PositionEnum : Long { adPosUnknown = -1, adPosBOF = -2, adPosEOF = -3 };
-enum EventStatusEnum : Long {
-    adStatusOK = 1,
-    adStatusErrorsOccurred = 2,
-    adStatusCantDeny = 3,
-    adStatusCancel = 4
-};
+enum EventStatusEnum : Long { adStatusOK = 1, adStatusErrorsOccurred = 2, adStatusCantDeny = 3, adStatusCancel = 4 };
 enum DataTypeEnum : Long {
     adSmallInt = 2,
     adInteger = 3,
@@ -131,10 +126,8 @@ template <>
 struct Platform::EnumerationOf<ADODB::LockTypeEnum> {
     static constexpr const char* Name = "LockTypeEnum";
     static constexpr EnumerationValue Values[] = {
-        {"adLockUnspecified", ADODB::adLockUnspecified},
-        {"adLockReadOnly", ADODB::adLockReadOnly},
-        {"adLockPessimistic", ADODB::adLockPessimistic},
-        {"adLockOptimistic", ADODB::adLockOptimistic},
+        {"adLockUnspecified", ADODB::adLockUnspecified},         {"adLockReadOnly", ADODB::adLockReadOnly},
+        {"adLockPessimistic", ADODB::adLockPessimistic},         {"adLockOptimistic", ADODB::adLockOptimistic},
         {"adLockBatchOptimistic", ADODB::adLockBatchOptimistic},
     };
 };

@@ -25,8 +25,8 @@ private:
     Error failure_;
 };
 
-/// The `Errors` of a connection as a COM object: always the failures that the connection has now. It holds a reference to
-/// the connection and belongs to the connection's thread.
+/// The `Errors` of a connection as a COM object: always the failures that the connection has now. It holds a reference
+/// to the connection and belongs to the connection's thread.
 class ErrorsObject final : public Object {
 public:
     static constexpr const char* ClassName = "Errors";

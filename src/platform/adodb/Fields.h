@@ -5,19 +5,18 @@
 
 namespace ADODB {
 
-/// Returns the column that a client names: a text is the name of a column, also if it consists of digits; any other value is
-/// converted to an ordinal, counted from 0. Raises 3704 on a closed recordset, 3265 for a column that does not exist, 6, 13,
-/// 91, 94 or 438 for a value that can't be an index.
+/// Returns the column that a client names: a text is the name of a column, also if it consists of digits; any other
+/// value is converted to an ordinal, counted from 0. Raises 3704 on a closed recordset, 3265 for a column that does not
+/// exist, 6, 13, 91, 94 or 438 for a value that can't be an index.
 Field FieldAt(Recordset& recordset, const Variant& index);
 
-/// A column as a COM object: a `Field` with a reference to its recordset. It belongs to the recordset's thread, and raises
-/// as `Field`.
+/// A column as a COM object: a `Field` with a reference to its recordset. It belongs to the recordset's thread, and
+/// raises as `Field`.
 class FieldObject final : public Object {
 public:
     static constexpr const char* ClassName = "Field";
 
-    FieldObject(Ref<Recordset> recordset, const Field& field)
-        : recordset_(std::move(recordset)), field_(field) {}
+    FieldObject(Ref<Recordset> recordset, const Field& field) : recordset_(std::move(recordset)), field_(field) {}
 
     const String& Name() const { return field_.Name(); }
     DataTypeEnum Type() const { return field_.Type(); }

@@ -56,13 +56,11 @@ void Recordset::RaiseNoColumn() { RaiseAdo(adErrItemNotFound, Self); }
 void Recordset::Open(const String& Source, const Ref<Connection>& ActiveConnection, CursorTypeEnum CursorType,
                      LockTypeEnum LockType, Long Options) {
     if (columns_) RaiseAdo(adErrObjectOpen, Self);
-    if (!ActiveConnection || ActiveConnection->State() == adStateClosed)
-        RaiseAdo(adErrInvalidConnection, Self);
+    if (!ActiveConnection || ActiveConnection->State() == adStateClosed) RaiseAdo(adErrInvalidConnection, Self);
     if (Options > 0 && (Options & adExecuteNoRecords) != 0) RaiseAdo(adErrInvalidArgument, Self);
     cursor_ = CursorType;
     lock_ = LockType;
-    ExecuteRequest request{
-        .Source = Source, .CursorType = CursorType, .LockType = LockType, .Options = Options};
+    ExecuteRequest request{.Source = Source, .CursorType = CursorType, .LockType = LockType, .Options = Options};
     Outcome outcome = ActiveConnection->Run(request);
     TakeResult(ActiveConnection, std::move(request), std::move(outcome));
 }
@@ -198,8 +196,7 @@ void Recordset::Move(Long rows) {
     if (rows == 0) return;
     std::int64_t from = bof_ ? -1 : position_;
     if (onDeleted_ && forward) --from;  // the row behind the deleted one has moved into its place
-    GoTo(static_cast<Long>(
-        std::clamp<std::int64_t>(from + rows, -1, static_cast<std::int64_t>(rows_.size()))));
+    GoTo(static_cast<Long>(std::clamp<std::int64_t>(from + rows, -1, static_cast<std::int64_t>(rows_.size()))));
 }
 
 Long Recordset::OrdinalOf(std::string_view name) const {

@@ -9,10 +9,11 @@ namespace ADODB {
 
 class Recordset;
 
-/// A column of a recordset, at the current row. It is a small value that may be copied; it must not outlive its recordset.
+/// A column of a recordset, at the current row. It is a small value that may be copied; it must not outlive its
+/// recordset.
 ///
-/// On a closed recordset every member raises 3704. After the recordset was opened again, the field refers to the column with
-/// the same ordinal; every member raises 3265 if there is none.
+/// On a closed recordset every member raises 3704. After the recordset was opened again, the field refers to the column
+/// with the same ordinal; every member raises 3265 if there is none.
 class Field {
 public:
     Field(Recordset& recordset, Long ordinal) : recordset_(&recordset), ordinal_(ordinal) {}
@@ -21,8 +22,8 @@ public:
     DataTypeEnum Type() const;   ///< the same for all rows
     Long DefinedSize() const;    ///< characters that a text may have; 0 without a limit
 
-    /// Returns the value at the current row, or the assigned value that is not posted yet. Raises 3021 without a current row,
-    /// 0x80040E23 on a deleted row.
+    /// Returns the value at the current row, or the assigned value that is not posted yet. Raises 3021 without a
+    /// current row, 0x80040E23 on a deleted row.
     Variant Value() const;
 
     /// Return true if the value is null, or a text. Raise as `Value`.
@@ -36,8 +37,8 @@ public:
     /// Returns the value that the row had before it was edited. Raises as `Value`.
     Variant OriginalValue() const;
 
-    /// Assigns a value, which begins an edit; `Recordset::Update` posts it. Raises 3251 on a read-only recordset, 3021 without a
-    /// current row, 3421 or 0x80040E21 for a value that the column can't store; the edit is then unchanged.
+    /// Assigns a value, which begins an edit; `Recordset::Update` posts it. Raises 3251 on a read-only recordset, 3021
+    /// without a current row, 3421 or 0x80040E21 for a value that the column can't store; the edit is then unchanged.
     void SetValue(const Variant& value);
 
 private:
@@ -47,11 +48,11 @@ private:
 
 /// The rows of a statement: a snapshot with a cursor, which can be edited.
 ///
-/// Rows are copied when the recordset is opened: later changes are not visible, not even those of statements on the same
-/// connection. With `adUseClient` the cursor is static and scrolls in both directions. A recordset of one table whose key
-/// is among its columns can be edited if it was opened with another lock type than `adLockReadOnly`. An update names only
-/// the columns that changed, and finds its row by the key and the old values of these columns. A recordset belongs to the
-/// thread that created it; it is closed with its last reference.
+/// Rows are copied when the recordset is opened: later changes are not visible, not even those of statements on the
+/// same connection. With `adUseClient` the cursor is static and scrolls in both directions. A recordset of one table
+/// whose key is among its columns can be edited if it was opened with another lock type than `adLockReadOnly`. An
+/// update names only the columns that changed, and finds its row by the key and the old values of these columns. A
+/// recordset belongs to the thread that created it; it is closed with its last reference.
 class Recordset final : public Object {
 public:
     static constexpr const char* ClassName = "Recordset";
@@ -61,9 +62,9 @@ public:
 
     // ---- opening and closing --------------------------------------------------------------------
 
-    /// Runs a statement; the first row becomes current. After a statement that does not return rows the recordset is closed.
-    /// Raises 3705 if open, 3709 without an open connection, 3712 if a handler cancelled the statement, and what the engine
-    /// raises; the recordset is then closed.
+    /// Runs a statement; the first row becomes current. After a statement that does not return rows the recordset is
+    /// closed. Raises 3705 if open, 3709 without an open connection, 3712 if a handler cancelled the statement, and
+    /// what the engine raises; the recordset is then closed.
     void Open(const String& Source, const Ref<Connection>& ActiveConnection,
               CursorTypeEnum CursorType = adOpenForwardOnly, LockTypeEnum LockType = adLockReadOnly,
               Long Options = adCmdUnspecified);
@@ -80,8 +81,8 @@ public:
     CursorTypeEnum CursorType() const noexcept { return columns_ ? actualCursor_ : cursor_; }
     LockTypeEnum LockType() const noexcept { return columns_ ? actualLock_ : lock_; }
 
-    /// Set what a later `Open` by name uses for an argument that is left out. Raise 3705 while open, 3001 for a number that is not
-    /// in the enumeration.
+    /// Set what a later `Open` by name uses for an argument that is left out. Raise 3705 while open, 3001 for a number
+    /// that is not in the enumeration.
     void SetSource(const String& source);
     void SetCursorType(CursorTypeEnum type);
     void SetLockType(LockTypeEnum type);
@@ -94,8 +95,8 @@ public:
 
     const Ref<Connection>& ActiveConnection() const noexcept { return connection_; }
 
-    /// Sets the connection. Null disconnects an open client recordset, which can still be read; another connection attaches it
-    /// again. Raises 3705 for an open server recordset, 3709 for a closed connection.
+    /// Sets the connection. Null disconnects an open client recordset, which can still be read; another connection
+    /// attaches it again. Raises 3705 for an open server recordset, 3709 for a closed connection.
     void SetActiveConnection(const Ref<Connection>& connection);
 
     // ---- position -------------------------------------------------------------------------------
@@ -119,14 +120,14 @@ public:
     void MoveNext();
     /// Moves to the previous row, or to BOF before the first. Raises 3021 at BOF, 3219 on a forward-only server cursor.
     void MovePrevious();
-    /// Moves by this number of rows, backward if it is negative; beyond the last or first row to EOF or BOF. Raises 3021 without a
-    /// row.
+    /// Moves by this number of rows, backward if it is negative; beyond the last or first row to EOF or BOF. Raises
+    /// 3021 without a row.
     void Move(Long rows);
 
     // ---- columns --------------------------------------------------------------------------------
 
-    /// Returns the column with this name, without regard to case, or with this ordinal, counted from 0. Raises 3265 if there is
-    /// none.
+    /// Returns the column with this name, without regard to case, or with this ordinal, counted from 0. Raises 3265 if
+    /// there is none.
     Field Fields(std::string_view name) { return {*this, OrdinalOf(name)}; }
     Field Fields(Long ordinal) { return {*this, OrdinalOf(ordinal)}; }
     /// Returns the number of columns.
@@ -144,17 +145,17 @@ public:
     /// Begins a new row, which becomes the current one; a pending edit is posted first. Raises 3251 if read-only.
     void AddNew();
 
-    /// Writes the pending edit. The row is still current afterwards; a new row then has the counter that the database assigned.
-    /// Does nothing without an edit. Raises 0x80040E38 if another client changed or deleted the row, and what the engine
-    /// raises; the edit is then still pending.
+    /// Writes the pending edit. The row is still current afterwards; a new row then has the counter that the database
+    /// assigned. Does nothing without an edit. Raises 0x80040E38 if another client changed or deleted the row, and what
+    /// the engine raises; the edit is then still pending.
     void Update();
 
     /// Discards the pending edit; after `AddNew` the row that was current before is current again.
     void CancelUpdate();
 
-    /// Deletes the current row from the table. The position does not change: reading the row raises 0x80040E23 until the next
-    /// move. Raises 3001 for another argument than `adAffectCurrent`, 3021 without a current row, 3251 if read-only, 0x80040E38
-    /// if another client changed or deleted the row, and what the engine raises.
+    /// Deletes the current row from the table. The position does not change: reading the row raises 0x80040E23 until
+    /// the next move. Raises 3001 for another argument than `adAffectCurrent`, 3021 without a current row, 3251 if
+    /// read-only, 0x80040E38 if another client changed or deleted the row, and what the engine raises.
     void Delete(AffectEnum AffectRecords = adAffectCurrent);
 
     /// Returns whether an edit or a new row is pending. Raises 3021 without a current row.
@@ -253,8 +254,7 @@ T Field::As() const {
         const Cell* const cell = recordset_->CellAt(ordinal_);
         const DataTypeEnum type = recordset_->columns_->At(ordinal_).Type;
         if constexpr (whole) {
-            if (cell && cell->kind == Cell::Kind::Whole && type != adBoolean &&
-                std::in_range<Long>(cell->whole))
+            if (cell && cell->kind == Cell::Kind::Whole && type != adBoolean && std::in_range<Long>(cell->whole))
                 return static_cast<T>(cell->whole);
         } else {
             if (cell && cell->kind == Cell::Kind::Text && type != adDate) return String(cell->Text());

@@ -53,18 +53,14 @@ void PutLocation(Recordset& recordset, CursorLocationEnum location) {
 
 ObjectStateEnum StateOf(Recordset& recordset) { return static_cast<ObjectStateEnum>(recordset.State()); }
 
-PositionEnum PositionOf(Recordset& recordset) {
-    return static_cast<PositionEnum>(recordset.AbsolutePosition());
-}
+PositionEnum PositionOf(Recordset& recordset) { return static_cast<PositionEnum>(recordset.AbsolutePosition()); }
 
 Ref<FieldsObject> FieldsOf(Recordset& recordset) { return New<FieldsObject>(recordset); }
 
 // The arguments of a put, and of the get beside it, are values.
 Variant GetCollect(Recordset& recordset, Variant index) { return FieldAt(recordset, index).Value(); }
 
-void PutCollect(Recordset& recordset, Variant index, Variant value) {
-    FieldAt(recordset, index).SetValue(value);
-}
+void PutCollect(Recordset& recordset, Variant index, Variant value) { FieldAt(recordset, index).SetValue(value); }
 
 Platform::detail::Line CollectProperty() {
     Platform::detail::Line line = ReadOnly<&GetCollect>("Collect", {"Index"});
@@ -84,9 +80,8 @@ const Interface& Recordset::Describe() const {
         ValueProperty<&Recordset::CursorLocation, &PutLocation>("CursorLocation"),
         ReadOnly<&StateOf>("State"),
         Operation<&OpenAsAsked>(
-            "Open",
-            {Optional("Source"), Optional("ActiveConnection"), Optional("CursorType", adOpenUnspecified),
-             Optional("LockType", adLockUnspecified), Optional("Options", adCmdUnspecified)}),
+            "Open", {Optional("Source"), Optional("ActiveConnection"), Optional("CursorType", adOpenUnspecified),
+                     Optional("LockType", adLockUnspecified), Optional("Options", adCmdUnspecified)}),
         Operation<&Recordset::Close>("Close"),
         Operation<&Recordset::Requery>("Requery"),
         ReadOnly<&Recordset::Eof>("EOF"),

@@ -9,8 +9,7 @@ namespace {
 constexpr const char* Self = "ADODB.Recordset";
 
 [[noreturn]] void RaiseNoOneTable() {
-    RaiseAdo(adErrFeatureNotAvailable, Self,
-             "The rows come from no table or from several, and can't be changed.");
+    RaiseAdo(adErrFeatureNotAvailable, Self, "The rows come from no table or from several, and can't be changed.");
 }
 
 }  // namespace
@@ -52,12 +51,11 @@ void Recordset::Assign(Long ordinal, const Variant& value) {
     if (!edit_) RequireCurrent();
     const Column& column = ColumnAt(ordinal);
     if (column.Table.empty())
-        RaiseAdo(adErrFeatureNotAvailable, Self,
-                 "Column " + column.Name + " is computed and can't be changed.");
+        RaiseAdo(adErrFeatureNotAvailable, Self, "Column " + column.Name + " is computed and can't be changed.");
     Variant stored = StoredForm(value, column);
     if (!edit_)
-        edit_ = Edit{adEditInProgress,
-                     std::vector<std::optional<Variant>>(static_cast<std::size_t>(columns_->Count()))};
+        edit_ =
+            Edit{adEditInProgress, std::vector<std::optional<Variant>>(static_cast<std::size_t>(columns_->Count()))};
     edit_->assigned[static_cast<std::size_t>(ordinal)] = std::move(stored);
 }
 
@@ -136,8 +134,7 @@ Variant Recordset::StoredAt(Long ordinal) const {
     switch (cell.kind) {
         case Cell::Kind::Null: return Null{};
         case Cell::Kind::Whole:
-            return std::in_range<Long>(cell.whole) ? Variant(static_cast<Long>(cell.whole))
-                                                   : Variant(cell.whole);
+            return std::in_range<Long>(cell.whole) ? Variant(static_cast<Long>(cell.whole)) : Variant(cell.whole);
         case Cell::Kind::Real: return cell.real;
         case Cell::Kind::Text: return String(cell.Text());
     }

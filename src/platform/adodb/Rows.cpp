@@ -56,9 +56,9 @@ Variant ValueOfText(std::string_view text, DataTypeEnum type) {
 Variant StoredText(const Variant& value, const Column& column) {
     String text = To<String>(value);
     if (column.DefinedSize > 0 && Len(text) > column.DefinedSize)
-        RaiseAdo(MultipleStepFailed, "ADODB.Recordset",
-                 "The text for column " + column.Name + " is longer than its " + CStr(column.DefinedSize) +
-                     " characters.");
+        RaiseAdo(
+            MultipleStepFailed, "ADODB.Recordset",
+            "The text for column " + column.Name + " is longer than its " + CStr(column.DefinedSize) + " characters.");
     return text;
 }
 

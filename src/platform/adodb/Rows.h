@@ -94,8 +94,8 @@ private:
     const Cell* cells_;
 };
 
-/// The memory of many rows, including their texts, in a few large blocks. A row is valid as long as its store, also after the
-/// store was moved. Memory is released with the store only.
+/// The memory of many rows, including their texts, in a few large blocks. A row is valid as long as its store, also
+/// after the store was moved. Memory is released with the store only.
 class RowStore {
 public:
     /// Copies the cells, and the texts that they point to.
@@ -110,13 +110,13 @@ private:
     std::size_t nextBlock_ = 2048;  ///< sizes double: one row needs little memory, many rows few blocks
 };
 
-/// Returns the value of a cell in the type of its column: a whole number as a `Long` (as `int64` if it is larger), the text of
-/// a date column as a `Date`. A stored value that can't be converted to the type is returned as it is stored.
+/// Returns the value of a cell in the type of its column: a whole number as a `Long` (as `int64` if it is larger), the
+/// text of a date column as a `Date`. A stored value that can't be converted to the type is returned as it is stored.
 Variant ValueOf(const Cell& cell, const Column& column);
 
-/// Returns a value converted to the type of a column, in the form in which it is stored: whole number, double, text, or `Null`; a
-/// date is the text "yyyy-mm-dd hh:nn:ss". Raises 3421 for a value of another type, 0x80040E21 for a text that is longer
-/// than the column or a number outside the range.
+/// Returns a value converted to the type of a column, in the form in which it is stored: whole number, double, text, or
+/// `Null`; a date is the text "yyyy-mm-dd hh:nn:ss". Raises 3421 for a value of another type, 0x80040E21 for a text
+/// that is longer than the column or a number outside the range.
 Variant StoredForm(const Variant& value, const Column& column);
 
 /// Returns the cell of a value in its stored form; `stored` must outlive it.

@@ -23,8 +23,7 @@ namespace fs = std::filesystem;
 
 bool WriteAtomically(const fs::path& file, std::string_view text) {
     const std::wstring part = file.wstring() + L"." + std::to_wstring(GetCurrentProcessId());
-    HANDLE out =
-        CreateFileW(part.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    HANDLE out = CreateFileW(part.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (out == INVALID_HANDLE_VALUE) return false;
     DWORD written = 0;
     bool good = WriteFile(out, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) &&

@@ -15,8 +15,8 @@ Long Collection::PositionOf(const Variant& indexOrKey) const {
     }
     const auto found = keys_.find(LCase(indexOrKey.As<String>()));
     if (found == keys_.end()) Raise(err::InvalidCall);
-    const auto at = std::find_if(nodes_.begin(), nodes_.end(),
-                                 [&](const auto& node) { return node.get() == found->second; });
+    const auto at =
+        std::find_if(nodes_.begin(), nodes_.end(), [&](const auto& node) { return node.get() == found->second; });
     return static_cast<Long>(at - nodes_.begin()) + 1;
 }
 
@@ -66,9 +66,7 @@ Ref<Enumerator> Collection::NewEnum() const { return New<Enumerator>(*this); }
 
 Enumerable::~Enumerable() = default;
 
-Enumerator::Enumerator(const Collection& collection) : collection_(&collection) {
-    collection.walks_.push_back(this);
-}
+Enumerator::Enumerator(const Collection& collection) : collection_(&collection) { collection.walks_.push_back(this); }
 
 Enumerator::~Enumerator() { std::erase(collection_->walks_, this); }
 

@@ -23,23 +23,23 @@ public:
 
 /// A list of values with optional keys; positions start at 1.
 ///
-/// Members are values of any type; objects are held by reference. A key is a text that is compared without regard to case;
-/// it can't be read back or changed. A text as index is always a key, a number always a position (rounded half to even).
-/// Finding a member by key or position takes constant time; inserting and removing in the middle move pointers only. A
-/// collection belongs to the thread that created it.
+/// Members are values of any type; objects are held by reference. A key is a text that is compared without regard to
+/// case; it can't be read back or changed. A text as index is always a key, a number always a position (rounded half to
+/// even). Finding a member by key or position takes constant time; inserting and removing in the middle move pointers
+/// only. A collection belongs to the thread that created it.
 class Collection final : public Enumerable {
 public:
     Collection();
     ~Collection() override;
 
-    /// Appends `item`, or inserts it before or after the member that `before` or `after` names by key or position. Raises 457
-    /// for a key that exists, 13 for a key that is not a text, 5 for both `before` and `after` or an unknown key in them, 9
-    /// for a position that does not exist. The collection is unchanged on failure.
-    void Add(const Variant& item, const Variant& key = {}, const Variant& before = {},
-             const Variant& after = {});
+    /// Appends `item`, or inserts it before or after the member that `before` or `after` names by key or position.
+    /// Raises 457 for a key that exists, 13 for a key that is not a text, 5 for both `before` and `after` or an unknown
+    /// key in them, 9 for a position that does not exist. The collection is unchanged on failure.
+    void Add(const Variant& item, const Variant& key = {}, const Variant& before = {}, const Variant& after = {});
 
-    /// Returns the member at a position or with a key; the reference is valid until the collection changes. Raises 9 for a
-    /// position below 1 or above `Count`, 5 for an unknown key, 13 for an index that can't be converted to a number.
+    /// Returns the member at a position or with a key; the reference is valid until the collection changes. Raises 9
+    /// for a position below 1 or above `Count`, 5 for an unknown key, 13 for an index that can't be converted to a
+    /// number.
     const Variant& Item(const Variant& indexOrKey) const;
 
     /// Returns the member at a position from 1 to `Count`; raises 9 for any other position.
@@ -51,11 +51,12 @@ public:
     /// Returns true if a member has this key, without regard to case.
     bool HasKey(const String& key) const { return keys_.contains(LCase(key)); }
 
-    /// Removes a member; the positions of those after it decrease by one. Raises as `Item`; the collection is then unchanged.
+    /// Removes a member; the positions of those after it decrease by one. Raises as `Item`; the collection is then
+    /// unchanged.
     void Remove(const Variant& indexOrKey);
 
-    /// Returns an enumerator over the members. Members may be added and removed while it is used: a removed member is not
-    /// visited, and no member is visited twice.
+    /// Returns an enumerator over the members. Members may be added and removed while it is used: a removed member is
+    /// not visited, and no member is visited twice.
     Ref<Enumerator> NewEnum() const;
 
     const Collection& Members() const override { return *this; }
@@ -77,8 +78,8 @@ private:
     mutable std::vector<Enumerator*> walks_;
 };
 
-/// An enumerator visits the members of a collection from the first to the last. It holds a reference to the collection and
-/// belongs to the thread of the collection.
+/// An enumerator visits the members of a collection from the first to the last. It holds a reference to the collection
+/// and belongs to the thread of the collection.
 class Enumerator final : public Object {
 public:
     static constexpr const char* ClassName = "Enumerator";
@@ -110,8 +111,7 @@ public:
     explicit Each(const Collection& collection) : collection_(collection) {}
     class Iterator {
     public:
-        Iterator(const Collection& collection, Long position)
-            : collection_(collection), position_(position) {}
+        Iterator(const Collection& collection, Long position) : collection_(collection), position_(position) {}
         T& operator*() const {
             const Variant& item = collection_.At(position_);
             auto* object = item.Is<Ref<Object>>() ? dynamic_cast<T*>(item.As<Ref<Object>>().Get()) : nullptr;
@@ -137,8 +137,8 @@ private:
 
 }  // namespace detail
 
-/// Returns the members of a collection as objects of class `T`, for a range-based `for`. A member of another class raises 13
-/// when it is reached. `members` must outlive the loop.
+/// Returns the members of a collection as objects of class `T`, for a range-based `for`. A member of another class
+/// raises 13 when it is reached. `members` must outlive the loop.
 template <class T>
 detail::Each<T> Each(const Enumerable& members) {
     return detail::Each<T>(members.Members());

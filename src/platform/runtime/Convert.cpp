@@ -184,16 +184,15 @@ String LayOut(const String& digits, int point, int precision) {
     }
     if (point <= 0) return String("0") + sign + String(static_cast<std::size_t>(-point), '0') + digits;
     if (count <= point) return digits + String(static_cast<std::size_t>(point - count), '0');
-    return digits.substr(0, static_cast<std::size_t>(point)) + sign +
-           digits.substr(static_cast<std::size_t>(point));
+    return digits.substr(0, static_cast<std::size_t>(point)) + sign + digits.substr(static_cast<std::size_t>(point));
 }
 
 String FloatText(double value, int precision) {
     if (value == 0) return "0";
     if (!std::isfinite(value)) Raise(err::Overflow);
     std::array<char, 40> buffer{};
-    std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::fabs(value),
-                  std::chars_format::scientific, precision - 1);
+    std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::fabs(value), std::chars_format::scientific,
+                  precision - 1);
     const std::string_view text = buffer.data();
     const auto e = text.find('e');
     String digits{text.substr(0, 1)};
@@ -280,8 +279,7 @@ bool TakeTime(std::vector<Word>& words, DateParts& parts) {
         words.pop_back();
     }
     std::size_t first = words.size();
-    while (first > 0 && words[first - 1].digits && (first == words.size() || words[first - 1].behind == ':'))
-        --first;
+    while (first > 0 && words[first - 1].digits && (first == words.size() || words[first - 1].behind == ':')) --first;
     std::size_t count = words.size() - first;
     if (count > 1 && first > 0 && words[first - 1].behind != ' ') return false;
     if (count < 2 && half < 0) return count == 0 || words[first].behind != ':';
@@ -344,20 +342,19 @@ Integer CInt(const Variant& value) { return ToWhole<Integer>(value); }
 Long CLng(const Variant& value) { return ToWhole<Long>(value); }
 
 double CDbl(const Variant& value) {
-    return std::visit(
-        Overloaded{
-            [](Empty) { return 0.0; },
-            [](Null) -> double { Raise(err::InvalidNull); },
-            [](bool b) { return b ? -1.0 : 0.0; },
-            [](const std::integral auto& n) { return static_cast<double>(n); },
-            [](float f) { return static_cast<double>(f); },
-            [](double d) { return d; },
-            [](Date d) { return d.Days; },
-            [](const String& s) { return FromText(s); },
-            [](const Ref<Object>& o) -> double { Raise(o ? err::NoSuchMember : err::ObjectNotSet); },
-            [](const auto&) -> double { Raise(err::TypeMismatch); },
-        },
-        value.Stored());
+    return std::visit(Overloaded{
+                          [](Empty) { return 0.0; },
+                          [](Null) -> double { Raise(err::InvalidNull); },
+                          [](bool b) { return b ? -1.0 : 0.0; },
+                          [](const std::integral auto& n) { return static_cast<double>(n); },
+                          [](float f) { return static_cast<double>(f); },
+                          [](double d) { return d; },
+                          [](Date d) { return d.Days; },
+                          [](const String& s) { return FromText(s); },
+                          [](const Ref<Object>& o) -> double { Raise(o ? err::NoSuchMember : err::ObjectNotSet); },
+                          [](const auto&) -> double { Raise(err::TypeMismatch); },
+                      },
+                      value.Stored());
 }
 
 float CSng(const Variant& value) {
@@ -389,28 +386,25 @@ static String DateText(Date date) {
     using enum Locale::Order;
     const double time = date.Days - std::trunc(date.Days);
     const Locale::Order order = UserLocale().DateOrder;
-    const char* day = order == MonthDayYear   ? "m/d/yyyy"
-                      : order == DayMonthYear ? "dd/mm/yyyy"
-                                              : "yyyy-mm-dd";
+    const char* day = order == MonthDayYear ? "m/d/yyyy" : order == DayMonthYear ? "dd/mm/yyyy" : "yyyy-mm-dd";
     if (std::trunc(date.Days) == 0) return FormatDate(date, "hh:nn:ss");
     return FormatDate(date, time == 0 ? String(day) : String(day) + " hh:nn:ss");
 }
 
 String CStr(const Variant& value) {
-    return std::visit(
-        Overloaded{
-            [](Empty) { return String(); },
-            [](Null) -> String { Raise(err::InvalidNull); },
-            [](bool b) { return CStr(b); },
-            [](const std::integral auto& n) { return CStr(static_cast<std::int64_t>(n)); },
-            [](float f) { return CStr(f); },
-            [](double d) { return CStr(d); },
-            [](Date d) { return DateText(d); },
-            [](const String& s) { return s; },
-            [](const Ref<Object>& o) -> String { Raise(o ? err::NoSuchMember : err::ObjectNotSet); },
-            [](const auto&) -> String { Raise(err::TypeMismatch); },
-        },
-        value.Stored());
+    return std::visit(Overloaded{
+                          [](Empty) { return String(); },
+                          [](Null) -> String { Raise(err::InvalidNull); },
+                          [](bool b) { return CStr(b); },
+                          [](const std::integral auto& n) { return CStr(static_cast<std::int64_t>(n)); },
+                          [](float f) { return CStr(f); },
+                          [](double d) { return CStr(d); },
+                          [](Date d) { return DateText(d); },
+                          [](const String& s) { return s; },
+                          [](const Ref<Object>& o) -> String { Raise(o ? err::NoSuchMember : err::ObjectNotSet); },
+                          [](const auto&) -> String { Raise(err::TypeMismatch); },
+                      },
+                      value.Stored());
 }
 
 std::optional<Date> ParseDate(std::string_view whole) {
@@ -464,8 +458,7 @@ double Val(std::string_view whole) {
     if (plain.empty() || plain == ".") return 0;
     if (at < text.size() && std::strchr("eEdD", text[at]) && text[at] != '\0') {
         String exponent = "e";
-        if (++at < text.size() && (text[at] == '-' || text[at] == '+'))
-            exponent += text[at] == '-' ? "-" : "", ++at;
+        if (++at < text.size() && (text[at] == '-' || text[at] == '+')) exponent += text[at] == '-' ? "-" : "", ++at;
         const std::size_t sign = exponent.size();
         while (at < text.size() && IsDigit(text[at])) exponent += text[at++];
         if (exponent.size() > sign) plain += exponent;

@@ -7,9 +7,9 @@
 
 /// All conversions between the system's types.
 ///
-/// Three failures are common to them: 13 for a value that can't be converted to the type, 6 for a number outside the range of
-/// the type, 94 for a null. What depends on the user's settings (decimal sign, order of the parts of a date) reads
-/// `UserLocale`. Any thread may call the functions.
+/// Three failures are common to them: 13 for a value that can't be converted to the type, 6 for a number outside the
+/// range of the type, 94 for a null. What depends on the user's settings (decimal sign, order of the parts of a date)
+/// reads `UserLocale`. Any thread may call the functions.
 namespace Platform {
 
 /// How numbers and dates are written on the user's machine.
@@ -30,22 +30,22 @@ void SetUserLocale(const Locale& locale);
 Integer CInt(const Variant& value);
 Long CLng(const Variant& value);
 
-/// Convert to a floating-point number, by the same rules without rounding. A text may have blanks around it, a sign at either
-/// end, parentheses for a negative number, thousands signs, an exponent with e or d, or the prefix "&H" or "&O"; decimal
-/// and thousands signs are those of the locale. Raise 6, 13, 94.
+/// Convert to a floating-point number, by the same rules without rounding. A text may have blanks around it, a sign at
+/// either end, parentheses for a negative number, thousands signs, an exponent with e or d, or the prefix "&H" or "&O";
+/// decimal and thousands signs are those of the locale. Raise 6, 13, 94.
 double CDbl(const Variant& value);
 float CSng(const Variant& value);
 
 /// Returns false for 0 and true for any other number; a text may also be "True" or "False". Raises 13, 94.
 bool CBool(const Variant& value);
 
-/// Returns the text of a value: whole numbers as digits, floats as by `CStr(double)`, booleans as "True" or "False", dates in
-/// the short form of the locale, with the time unless that is midnight. Raises 13, 94.
+/// Returns the text of a value: whole numbers as digits, floats as by `CStr(double)`, booleans as "True" or "False",
+/// dates in the short form of the locale, with the time unless that is midnight. Raises 13, 94.
 String CStr(const Variant& value);
 
-/// Returns the decimal text of a number: up to 15 (`float`: 7) significant digits without trailing zeros, with the decimal
-/// sign of the locale and a "0" in front of it. Numbers from 1E+15, and those that would need more decimals, have an
-/// exponent of at least two digits.
+/// Returns the decimal text of a number: up to 15 (`float`: 7) significant digits without trailing zeros, with the
+/// decimal sign of the locale and a "0" in front of it. Numbers from 1E+15, and those that would need more decimals,
+/// have an exponent of at least two digits.
 String CStr(double value);
 String CStr(float value);
 
@@ -56,27 +56,28 @@ inline String CStr(Long value) { return CStr(static_cast<std::int64_t>(value)); 
 /// Returns "True" or "False".
 inline String CStr(bool value) { return value ? "True" : "False"; }
 
-/// Converts to a date. A number is a number of days; a text is read as by `ParseDate`, or else as a number of days. Raises 6
-/// for a number outside the years 100 to 9999, 13, 94.
+/// Converts to a date. A number is a number of days; a text is read as by `ParseDate`, or else as a number of days.
+/// Raises 6 for a number outside the years 100 to 9999, 13, 94.
 Date CDate(const Variant& value);
 
 /// Returns the date that a text contains, or nothing if the text is not a date.
 ///
-/// "yyyy-mm-dd" with or without " hh:nn" or " hh:nn:ss" is accepted in every locale. Otherwise the text has three numbers,
-/// separated by "/", "-", "." or ",", in the order of the locale, or in another order where that one is not a valid day.
-/// The English name of a month or its first three letters may replace its number. A time alone is a time of day 0. "AM"
-/// and "PM" are accepted. Two-digit years from 0 to 29 are in 2000, from 30 to 99 in 1900.
+/// "yyyy-mm-dd" with or without " hh:nn" or " hh:nn:ss" is accepted in every locale. Otherwise the text has three
+/// numbers, separated by "/", "-", "." or ",", in the order of the locale, or in another order where that one is not a
+/// valid day. The English name of a month or its first three letters may replace its number. A time alone is a time of
+/// day 0. "AM" and "PM" are accepted. Two-digit years from 0 to 29 are in 2000, from 30 to 99 in 1900.
 std::optional<Date> ParseDate(std::string_view text);
 
 /// Returns true for a date and for a text that `ParseDate` accepts, and false for anything else. Never raises.
 bool IsDate(const Variant& value);
 
-/// Returns the number at the beginning of a text, 0 if there is none: a sign, digits, "." as decimal sign in every locale,
-/// and an exponent, or digits with the prefix "&H" or "&O". Blanks and line breaks are ignored everywhere. Never raises.
+/// Returns the number at the beginning of a text, 0 if there is none: a sign, digits, "." as decimal sign in every
+/// locale, and an exponent, or digits with the prefix "&H" or "&O". Blanks and line breaks are ignored everywhere.
+/// Never raises.
 double Val(std::string_view text);
 
-/// Returns a date, or a text that is a date, formatted by a pattern (see `FormatDate`); an empty text for a null; any other text
-/// unchanged. Numbers are numbers of days. Raises 5, 13.
+/// Returns a date, or a text that is a date, formatted by a pattern (see `FormatDate`); an empty text for a null; any
+/// other text unchanged. Numbers are numbers of days. Raises 5, 13.
 String Format(const Variant& value, std::string_view pattern);
 
 /// Returns the value converted to type `T` by the conversion above for this type. An object of another class raises 13.

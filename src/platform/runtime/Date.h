@@ -34,8 +34,8 @@ constexpr double LastDay = 2958465;
 /// Returns the components of `date`. Raises 5 for a date outside the years 100 to 9999.
 DateParts PartsOf(Date date);
 
-/// Returns the date of a calendar day and a time of day. The components must be a valid day, which `IsCalendarDay` checks, and a
-/// valid time.
+/// Returns the date of a calendar day and a time of day. The components must be a valid day, which `IsCalendarDay`
+/// checks, and a valid time.
 Date DateFrom(const DateParts& parts);
 
 /// Returns true if the year is from 100 to 9999 and has this day.
@@ -43,9 +43,9 @@ bool IsCalendarDay(int year, int month, int day);
 
 /// Returns the text of `date`, formatted by a pattern.
 ///
-/// "yyyy" and "yy" are the year, "mm" and "m" the month, "dd" and "d" the day, "hh" and "h" the hour of 24, "nn" and "n" the minutes,
-/// "ss" and "s" the seconds, in upper or lower case. "mm" and "m" after "hh" or "h", also with separators between them, are
-/// minutes. Any other character is copied. Raises 5 as `PartsOf`.
+/// "yyyy" and "yy" are the year, "mm" and "m" the month, "dd" and "d" the day, "hh" and "h" the hour of 24, "nn" and
+/// "n" the minutes, "ss" and "s" the seconds, in upper or lower case. "mm" and "m" after "hh" or "h", also with
+/// separators between them, are minutes. Any other character is copied. Raises 5 as `PartsOf`.
 String FormatDate(Date date, std::string_view pattern);
 
 }  // namespace Platform

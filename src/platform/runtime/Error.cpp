@@ -8,8 +8,7 @@ String DescriptionOf(Long number) {
     switch (number) {
         case err::InvalidCall: return "Invalid procedure call or argument";
         case err::Overflow: return "Overflow";
-        case err::OutOfMemory:
-            return "Out of memory";
+        case err::OutOfMemory: return "Out of memory";
         case err::OutOfBounds: return "Subscript out of range";
         case err::TypeMismatch: return "Type mismatch";
         case err::FileNotFound: return "File not found";

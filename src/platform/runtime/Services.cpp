@@ -29,14 +29,12 @@ float MachineTimer() {
     std::timespec now{};
     std::timespec_get(&now, TIME_UTC);
     const std::tm t = LocalTime(now.tv_sec);
-    return static_cast<float>(t.tm_hour * 3600 + t.tm_min * 60 + t.tm_sec +
-                              static_cast<double>(now.tv_nsec) / 1e9);
+    return static_cast<float>(t.tm_hour * 3600 + t.tm_min * 60 + t.tm_sec + static_cast<double>(now.tv_nsec) / 1e9);
 }
 
 std::uint32_t MachineTickCount() {
     using namespace std::chrono;
-    return static_cast<std::uint32_t>(
-        duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count());
+    return static_cast<std::uint32_t>(duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count());
 }
 
 std::uint64_t MachineFileTime() {

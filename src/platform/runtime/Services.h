@@ -9,8 +9,8 @@
 /// The services that a program provides to the classes: clock, counters, identifiers, message boxes, pending messages,
 /// files.
 ///
-/// Each service is one function here and one member of `Host`, which a program or a test may replace. A program replaces
-/// services when it starts, before other threads use them. Any thread may call the functions.
+/// Each service is one function here and one member of `Host`, which a program or a test may replace. A program
+/// replaces services when it starts, before other threads use them. Any thread may call the functions.
 namespace Platform {
 
 /// A globally unique identifier by its fields.
@@ -50,8 +50,8 @@ float Timer();
 /// Returns the milliseconds of a counter that increases and wraps to 0 after 49 days.
 std::uint32_t TickCount();
 
-/// Returns the time in UTC as the number of 100-nanosecond steps since 1601-01-01. Two calls in a process never return the
-/// same number.
+/// Returns the time in UTC as the number of 100-nanosecond steps since 1601-01-01. Two calls in a process never return
+/// the same number.
 std::uint64_t SystemFileTime();
 
 /// Assigns a new random identifier to `guid` and returns 0. Returns another number if the system has none.
@@ -63,8 +63,8 @@ void Sleep(double seconds);
 /// Lets the program handle its pending messages. Does nothing where the program installed no function for it.
 void DoEvents();
 
-/// Shows a text in a message box with an OK button, and waits until it is closed. Without a desktop the text is written to
-/// standard error and the call returns at once. Never raises.
+/// Shows a text in a message box with an OK button, and waits until it is closed. Without a desktop the text is written
+/// to standard error and the call returns at once. Never raises.
 void MsgBox(const String& prompt, Long buttons = 0);
 
 /// Returns true if a file of this name exists; false for a folder. Never raises.

@@ -154,9 +154,7 @@ String Replace(std::string_view text, std::string_view find, std::string_view by
     return out;
 }
 
-bool Contains(std::string_view text, std::string_view sought) {
-    return text.find(sought) != std::string_view::npos;
-}
+bool Contains(std::string_view text, std::string_view sought) { return text.find(sought) != std::string_view::npos; }
 
 std::vector<String> SplitIgnoringCase(std::string_view text, std::string_view delimiter) {
     if (text.empty()) return {};

@@ -21,13 +21,14 @@ struct Null {
 
 /// A value of any of the system's types: the value of a column, and the type of a few members and arguments.
 ///
-/// A new variant is `Empty`. An object is held by reference, a text is owned. Conversions are in Convert.h; nothing here
-/// converts. A variant belongs to one thread at a time, one that holds an object to the object's thread.
+/// A new variant is `Empty`. An object is held by reference, a text is owned. Conversions are in Convert.h; nothing
+/// here converts. A variant belongs to one thread at a time, one that holds an object to the object's thread.
 class Variant {
 public:
-    /// The types that a variant can hold. The 64-bit integer exists for columns and COM clients; no member has that type.
-    using Store = std::variant<Empty, Null, bool, Integer, Long, std::int64_t, float, double, Date, String,
-                               Ref<Object>, std::vector<String>>;
+    /// The types that a variant can hold. The 64-bit integer exists for columns and COM clients; no member has that
+    /// type.
+    using Store = std::variant<Empty, Null, bool, Integer, Long, std::int64_t, float, double, Date, String, Ref<Object>,
+                               std::vector<String>>;
 
     /// An empty variant.
     Variant() = default;
@@ -54,7 +55,8 @@ public:
     const T& As() const {
         return std::get<T>(store_);
     }
-    /// Returns the value for moving it out; the variant must hold a `T`, and holds an unspecified value of it afterwards.
+    /// Returns the value for moving it out; the variant must hold a `T`, and holds an unspecified value of it
+    /// afterwards.
     template <class T>
     T&& Take() {
         return std::get<T>(std::move(store_));

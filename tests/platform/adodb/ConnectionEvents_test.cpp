@@ -126,8 +126,8 @@ TEST_F(ConnectionEventsTest, AHandlerThatIsTakenOutDeepInsideItsCallEndsBehindIt
         notes.emplace_back("behind the inner statement");
     };
     other->Execute("SELECT 1");
-    EXPECT_THAT(notes, ElementsAre("a before", "a and on", "a before", "a and on",
-                                   "behind the inner statement", "a ends"));
+    EXPECT_THAT(notes,
+                ElementsAre("a before", "a and on", "a before", "a and on", "behind the inner statement", "a ends"));
 }
 
 TEST_F(ConnectionEventsTest, AHandlerMayTakeItselfOutAtItsEnd) {
@@ -147,8 +147,7 @@ TEST_F(ConnectionEventsTest, AHandlerMayTakeItselfOutAtItsEnd) {
 }
 
 TEST_F(ConnectionEventsTest, NothingIsNoHandler) {
-    EXPECT_EQ(FailureOf([&] { other->Advise(std::unique_ptr<ConnectionEvents>()); }).Number,
-              err::ObjectNotSet);
+    EXPECT_EQ(FailureOf([&] { other->Advise(std::unique_ptr<ConnectionEvents>()); }).Number, err::ObjectNotSet);
     other->Execute("SELECT 1");
     EXPECT_EQ(other->State(), adStateOpen);
 }

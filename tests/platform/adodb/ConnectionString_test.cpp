@@ -25,8 +25,7 @@ TEST(ConnectionString, QuotedValuesHoldAnything) {
 
 TEST(ConnectionString, WhatCannotBeReadRaises) {
     for (const char* bad : {"no equals", "=5", "a='open", "a='x'y", "a=1;b"})
-        EXPECT_EQ(FailureOf([&] { ConnectionString settings(bad); }).Number, ADODB::MultipleStepFailed)
-            << bad;
+        EXPECT_EQ(FailureOf([&] { ConnectionString settings(bad); }).Number, ADODB::MultipleStepFailed) << bad;
     EXPECT_EQ(ConnectionString("").Value("a"), "");
 }
 

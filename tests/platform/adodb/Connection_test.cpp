@@ -96,9 +96,7 @@ TEST_F(ConnectionTest, AnActionStatementGivesAClosedRecordsetAndItsCount) {
 }
 
 TEST_F(ConnectionTest, FailuresOfTheEngineAreMapped) {
-    const auto number = [&](const char* statement) {
-        return FailureOf([&] { con->Execute(statement); }).Number;
-    };
+    const auto number = [&](const char* statement) { return FailureOf([&] { con->Execute(statement); }).Number; };
     EXPECT_EQ(number("SELECT * FROM Nowhere"), NoTable);
     EXPECT_EQ(number("SELECT Nix FROM Root_T"), UnknownName);
     EXPECT_EQ(number("INSERT INTO Root_T (Nix) VALUES (1)"), UnknownName);
@@ -184,8 +182,7 @@ TEST_F(ConnectionTest, HandlersSeeAndMayChangeOrCancelAStatement) {
             if (request.Source == "SELECT 4") again->Execute("SELECT 5");
         }
         void ExecuteComplete(const ExecuteReport& report) override {
-            reports.push_back(String(report.Source) +
-                              (report.Failure ? " failed" : " rows " + CStr(report.Rows)));
+            reports.push_back(String(report.Source) + (report.Failure ? " failed" : " rows " + CStr(report.Rows)));
         }
         Ref<Connection> again;
         std::vector<String> reports;
@@ -271,8 +268,7 @@ TEST_F(ConnectionTest, ATransactionThatTheEngineRolledBackIsNotCarriedOn) {
     Run("INSERT INTO Root_T (RootID) VALUES (2)");
     EXPECT_EQ(FailureOf([&] { con->Execute("INSERT OR ROLLBACK INTO Root_T (RootID) VALUES (1)"); }).Number,
               IntegrityViolation);
-    EXPECT_EQ(FailureOf([&] { con->Execute("INSERT INTO Root_T (RootID) VALUES (3)"); }).Number,
-              NoTransaction);
+    EXPECT_EQ(FailureOf([&] { con->Execute("INSERT INTO Root_T (RootID) VALUES (3)"); }).Number, NoTransaction);
     EXPECT_EQ(FailureOf([&] { con->CommitTrans(); }).Number, NoTransaction);
     EXPECT_EQ(FailureOf([&] { con->BeginTrans(); }).Number, NoTransaction);
     con->RollbackTrans();

@@ -34,8 +34,7 @@ protected:
 TEST_F(FirstError, ASelectOnADamagedTableTellsTheDamageEachTime) {
     Damage("Series_T");
     const String select = "SELECT * FROM Series_T WHERE Series_ID=4";
-    for (int run = 0; run < 3; ++run)
-        ExpectDamaged(FailureOf([&] { con->Execute(select); }), select);
+    for (int run = 0; run < 3; ++run) ExpectDamaged(FailureOf([&] { con->Execute(select); }), select);
     const String joined =
         "SELECT Study_T.*, Series_T.Modality FROM Series_T LEFT JOIN Study_T ON Study_T.Study_ID = "
         "Series_T.Study_ID";
@@ -48,8 +47,7 @@ TEST_F(FirstError, AStatementThatChangesADamagedTableTellsTheDamage) {
     Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, 'a', 1)");
     Damage("Root_T");
     for (const String statement : {"INSERT INTO Root_T (RootID) VALUES (2)",
-                                   "UPDATE Root_T SET Status=0 WHERE RootID=1",
-                                   "DELETE FROM Root_T WHERE RootID=1"})
+                                   "UPDATE Root_T SET Status=0 WHERE RootID=1", "DELETE FROM Root_T WHERE RootID=1"})
         ExpectDamaged(FailureOf([&] { con->Execute(statement); }), statement);
 }
 

@@ -36,8 +36,7 @@ Long FailureOfDo(const Ref<Object>& object, const char* name, Values arguments =
 Long FailureOfGet(const Ref<Object>& object, const char* name, Values arguments = {}) {
     return FailureOf([&] { Get(object, name, std::move(arguments)); }).Number;
 }
-Long FailureOfPut(const Ref<Object>& object, const char* name, Values arguments,
-                  MemberKind kind = MemberKind::Put) {
+Long FailureOfPut(const Ref<Object>& object, const char* name, Values arguments, MemberKind kind = MemberKind::Put) {
     return FailureOf([&] { Put(object, name, std::move(arguments), kind); }).Number;
 }
 
@@ -83,20 +82,18 @@ protected:
 // ---- tables -----------------------------------------------------------------------------------------
 
 TEST_F(InterfaceTest, AConnectionTellsItsMembers) {
+    EXPECT_THAT(TestKit::MembersOf(*con),
+                ElementsAre("put ConnectionString(string)", "get ConnectionString -> string",
+                            "put CursorLocation(CursorLocationEnum)", "get CursorLocation -> CursorLocationEnum",
+                            "get State -> ObjectStateEnum",
+                            "Open([ConnectionString: string&], [UserID: string&], [Password: string&], "
+                            "[Options: int32])",
+                            "Close()",
+                            "Execute(CommandText: string&, [RecordsAffected: variant&], [Options: int32]) -> Recordset",
+                            "BeginTrans() -> int32", "CommitTrans()", "RollbackTrans()", "get Errors -> Errors"));
     EXPECT_THAT(
-        TestKit::MembersOf(*con),
-        ElementsAre(
-            "put ConnectionString(string)", "get ConnectionString -> string",
-            "put CursorLocation(CursorLocationEnum)", "get CursorLocation -> CursorLocationEnum",
-            "get State -> ObjectStateEnum",
-            "Open([ConnectionString: string&], [UserID: string&], [Password: string&], "
-            "[Options: int32])",
-            "Close()",
-            "Execute(CommandText: string&, [RecordsAffected: variant&], [Options: int32]) -> Recordset",
-            "BeginTrans() -> int32", "CommitTrans()", "RollbackTrans()", "get Errors -> Errors"));
-    EXPECT_THAT(TestKit::MembersOf(*ObjectIn(Get(con, "Errors"))),
-                ElementsAre("get Count -> int32", "get Item(Index: int32) -> Error", "Clear()",
-                            "_NewEnum() -> Enumerator"));
+        TestKit::MembersOf(*ObjectIn(Get(con, "Errors"))),
+        ElementsAre("get Count -> int32", "get Item(Index: int32) -> Error", "Clear()", "_NewEnum() -> Enumerator"));
     EXPECT_THAT(TestKit::MembersOf(*New<ErrorObject>(Error())),
                 ElementsAre("get Number -> int32", "get Source -> string", "get Description -> string",
                             "get NativeError -> int32", "get SQLState -> string"));
@@ -107,22 +104,19 @@ TEST_F(InterfaceTest, ARecordsetTellsItsMembers) {
         TestKit::MembersOf(*New<Recordset>()),
         ElementsAre("put Source(string)", "get Source -> string", "get ActiveConnection -> Connection",
                     "put ActiveConnection(variant)", "putref ActiveConnection(Connection&)",
-                    "put CursorType(CursorTypeEnum)", "get CursorType -> CursorTypeEnum",
-                    "put LockType(LockTypeEnum)", "get LockType -> LockTypeEnum",
-                    "put CursorLocation(CursorLocationEnum)", "get CursorLocation -> CursorLocationEnum",
-                    "get State -> ObjectStateEnum",
+                    "put CursorType(CursorTypeEnum)", "get CursorType -> CursorTypeEnum", "put LockType(LockTypeEnum)",
+                    "get LockType -> LockTypeEnum", "put CursorLocation(CursorLocationEnum)",
+                    "get CursorLocation -> CursorLocationEnum", "get State -> ObjectStateEnum",
                     "Open([Source: variant&], [ActiveConnection: variant&], [CursorType: CursorTypeEnum], "
                     "[LockType: LockTypeEnum], [Options: int32])",
-                    "Close()", "Requery()", "get EOF -> boolean", "get BOF -> boolean",
-                    "get RecordCount -> int32", "get AbsolutePosition -> PositionEnum", "MoveFirst()",
-                    "MoveLast()", "MoveNext()", "MovePrevious()", "Move(NumRecords: int32)",
-                    "get Fields -> Fields", "get Collect(Index: variant) -> variant", "put Collect(variant)",
-                    "get EditMode -> EditModeEnum", "AddNew()", "Update()", "CancelUpdate()",
+                    "Close()", "Requery()", "get EOF -> boolean", "get BOF -> boolean", "get RecordCount -> int32",
+                    "get AbsolutePosition -> PositionEnum", "MoveFirst()", "MoveLast()", "MoveNext()", "MovePrevious()",
+                    "Move(NumRecords: int32)", "get Fields -> Fields", "get Collect(Index: variant) -> variant",
+                    "put Collect(variant)", "get EditMode -> EditModeEnum", "AddNew()", "Update()", "CancelUpdate()",
                     "Delete([AffectRecords: AffectEnum])"));
     const Ref<Object> fields = ObjectIn(Get(Clinics(), "Fields"));
-    EXPECT_THAT(
-        TestKit::MembersOf(*fields),
-        ElementsAre("get Count -> int32", "get Item(Index: variant&) -> Field", "_NewEnum() -> Enumerator"));
+    EXPECT_THAT(TestKit::MembersOf(*fields),
+                ElementsAre("get Count -> int32", "get Item(Index: variant&) -> Field", "_NewEnum() -> Enumerator"));
     EXPECT_THAT(TestKit::MembersOf(*ObjectIn(Get(fields, "Item", {Long{0}}))),
                 ElementsAre("get Name -> string", "get Type -> DataTypeEnum", "get DefinedSize -> int32",
                             "put Value(variant)", "get Value -> variant", "get OriginalValue -> variant"));
@@ -142,16 +136,14 @@ TEST_F(InterfaceTest, EachClassHasItsDefaultMemberAndItsWalk) {
     EXPECT_THAT(NamesOf(*con, DefaultMember), ElementsAre("ConnectionString", "ConnectionString"));
     EXPECT_THAT(NamesOf(*rs, DefaultMember), ElementsAre("Fields"));
     EXPECT_THAT(NamesOf(*fields, DefaultMember), ElementsAre("Item"));
-    EXPECT_THAT(NamesOf(*ObjectIn(Get(fields, "Item", {"City"})), DefaultMember),
-                ElementsAre("Value", "Value"));
+    EXPECT_THAT(NamesOf(*ObjectIn(Get(fields, "Item", {"City"})), DefaultMember), ElementsAre("Value", "Value"));
     EXPECT_THAT(NamesOf(*errors, DefaultMember), ElementsAre("Item"));
     EXPECT_THAT(NamesOf(*New<ErrorObject>(Error()), DefaultMember), ElementsAre("Description"));
     EXPECT_THAT(NamesOf(*fields, EnumeratorMember), ElementsAre("_NewEnum"));
     EXPECT_THAT(NamesOf(*errors, EnumeratorMember), ElementsAre("_NewEnum"));
     const Interface& members = rs->Describe();
     for (const char* name : {"ActiveConnection", "Collect"})
-        EXPECT_EQ(members.Find(name, MemberKind::Get)->DispId, members.Find(name, MemberKind::Put)->DispId)
-            << name;
+        EXPECT_EQ(members.Find(name, MemberKind::Get)->DispId, members.Find(name, MemberKind::Put)->DispId) << name;
 }
 
 // ---- connection -------------------------------------------------------------------------------------
@@ -172,8 +164,7 @@ TEST_F(InterfaceTest, AConnectionIsOpenedAndClosed) {
     EXPECT_EQ(Get(other, "State"), Variant(adStateClosed));
     Do(other, "Open", {con->ConnectionString(), "", "", Long{-1}});
     EXPECT_EQ(other->State(), adStateOpen);
-    EXPECT_EQ(FailureOfDo(New<Connection>(), "Open", {con->ConnectionString(), "", "secret"}),
-              MultipleStepFailed)
+    EXPECT_EQ(FailureOfDo(New<Connection>(), "Open", {con->ConnectionString(), "", "secret"}), MultipleStepFailed)
         << "the password reaches the provider, which has none";
 }
 
@@ -367,8 +358,7 @@ TEST_F(InterfaceTest, TheWayToOpenIsSetNativelyByTheSameRules) {
     EXPECT_EQ(rs->Source(), AllClinics);
     EXPECT_EQ(rs->CursorType(), adOpenDynamic);
     EXPECT_EQ(rs->LockType(), adLockBatchOptimistic);
-    EXPECT_EQ(FailureOf([&] { rs->SetCursorType(static_cast<CursorTypeEnum>(4)); }).Number,
-              adErrInvalidArgument);
+    EXPECT_EQ(FailureOf([&] { rs->SetCursorType(static_cast<CursorTypeEnum>(4)); }).Number, adErrInvalidArgument);
     EXPECT_EQ(FailureOf([&] { rs->SetLockType(static_cast<LockTypeEnum>(0)); }).Number, adErrInvalidArgument);
     rs->Open("SELECT 1", con);
     EXPECT_EQ(rs->CursorType(), adOpenForwardOnly) << "a native opening has its own defaults";
@@ -433,13 +423,12 @@ TEST_F(InterfaceTest, AClosedRecordsetRaisesButTellsHowItWouldOpen) {
     const Ref<Recordset> rs = New<Recordset>();
     for (const char* name : {"EOF", "BOF", "RecordCount", "AbsolutePosition", "EditMode"})
         EXPECT_EQ(FailureOfGet(rs, name), adErrObjectClosed) << name;
-    for (const char* name : {"MoveFirst", "MoveLast", "MoveNext", "MovePrevious", "AddNew", "Update",
-                             "CancelUpdate", "Delete", "Requery", "Close"})
+    for (const char* name : {"MoveFirst", "MoveLast", "MoveNext", "MovePrevious", "AddNew", "Update", "CancelUpdate",
+                             "Delete", "Requery", "Close"})
         EXPECT_EQ(FailureOfDo(rs, name), adErrObjectClosed) << name;
     EXPECT_EQ(FailureOfGet(rs, "Collect", {"City"}), adErrObjectClosed);
     EXPECT_EQ(FailureOfPut(rs, "Collect", {"City", "x"}), adErrObjectClosed);
-    for (const char* name :
-         {"State", "Source", "CursorType", "LockType", "CursorLocation", "ActiveConnection"})
+    for (const char* name : {"State", "Source", "CursorType", "LockType", "CursorLocation", "ActiveConnection"})
         EXPECT_EQ(FailureOfGet(rs, name), 0) << name;
 }
 
@@ -460,8 +449,7 @@ TEST_F(InterfaceTest, RowsAreChangedByName) {
     Do(rs, "Update");
     EXPECT_EQ(Get(rs, "EditMode"), Variant(adEditNone));
     EXPECT_EQ(Ask("SELECT ClinicID FROM Clinic_T WHERE ClinicName='D'"), Get(rs, "Collect", {Long{0}}));
-    for (const Long wrong : {2, 3, 9, -1})
-        EXPECT_EQ(FailureOfDo(rs, "Delete", {wrong}), adErrInvalidArgument) << wrong;
+    for (const Long wrong : {2, 3, 9, -1}) EXPECT_EQ(FailureOfDo(rs, "Delete", {wrong}), adErrInvalidArgument) << wrong;
     Do(rs, "Delete");
     Do(rs, "MoveFirst");
     Do(rs, "Delete", {adAffectCurrent});
@@ -487,8 +475,7 @@ TEST_F(InterfaceTest, CollectFindsByNameOrByOrdinal) {
     const Ref<Recordset> rs = Clinics();
     EXPECT_EQ(Get(rs, "Collect", {"clinicNAME"}), Variant("A"));
     EXPECT_EQ(Get(rs, "Collect", {Long{2}}), Variant("Lund"));
-    EXPECT_EQ(Get(rs, "Collect", {1.5}), Variant("Lund"))
-        << "an ordinal goes to the nearest, a tie to the even one";
+    EXPECT_EQ(Get(rs, "Collect", {1.5}), Variant("Lund")) << "an ordinal goes to the nearest, a tie to the even one";
     EXPECT_EQ(FailureOfGet(rs, "Collect", {"1"}), adErrItemNotFound) << "a text is a name";
     EXPECT_EQ(FailureOfGet(rs, "Collect", {"Town"}), adErrItemNotFound);
     EXPECT_EQ(FailureOfGet(rs, "Collect", {Long{3}}), adErrItemNotFound);
@@ -516,10 +503,8 @@ TEST_F(InterfaceTest, CollectIsCalledThroughItsSlots) {
     VARIANT ordinal{}, text{}, got{};
     ordinal.vt = VT_I4, ordinal.lVal = 2;
     text.vt = VT_BSTR, text.bstrVal = SysAllocString(reinterpret_cast<LPCOLESTR>(u"Höör"));
-    const auto put =
-        reinterpret_cast<PutSlot>(const_cast<void*>(members.Find("Collect", MemberKind::Put)->Slot));
-    const auto get =
-        reinterpret_cast<GetSlot>(const_cast<void*>(members.Find("Collect", MemberKind::Get)->Slot));
+    const auto put = reinterpret_cast<PutSlot>(const_cast<void*>(members.Find("Collect", MemberKind::Put)->Slot));
+    const auto get = reinterpret_cast<GetSlot>(const_cast<void*>(members.Find("Collect", MemberKind::Get)->Slot));
     EXPECT_EQ(put(face, ordinal, text), S_OK);
     EXPECT_EQ(rs->Fields("City").Value(), Variant("Höör"));
     EXPECT_EQ(get(face, ordinal, &got), S_OK);
@@ -616,8 +601,7 @@ TEST_F(InterfaceTest, NothingKeepsARecordsetInACircle) {
         EXPECT_EQ(Get(errors, "Count"), Variant(Long{0}));
         other = nullptr;
     }
-    EXPECT_EQ(Ask("SELECT count(*) FROM Clinic_T"), Variant(Long{3}))
-        << "the last object took the connection along";
+    EXPECT_EQ(Ask("SELECT count(*) FROM Clinic_T"), Variant(Long{3})) << "the last object took the connection along";
     Run("DELETE FROM Clinic_T");  // nobody holds the file any more
 }
 

@@ -146,8 +146,7 @@ TEST_F(RecordsetTest, ValuesHaveTheTypesOfTheirColumns) {
     EXPECT_EQ(rs->Fields(1).Type(), adDate);
     EXPECT_EQ(rs->Fields(3).Type(), adVarWChar);
     rs->MoveNext();
-    EXPECT_EQ(rs->Fields(0).Value(), Variant("12abc"))
-        << "what doesn't fit the type is given as it is stored";
+    EXPECT_EQ(rs->Fields(0).Value(), Variant("12abc")) << "what doesn't fit the type is given as it is stored";
     EXPECT_EQ(rs->Fields(1).Value(), Variant("no date"));
     EXPECT_EQ(rs->Fields(2).Value(), Variant(Null{}));
 }
@@ -381,8 +380,7 @@ TEST_F(RecordsetTest, AKeyThatIsTheRowsNumberComesBackToo) {
 
 TEST_F(RecordsetTest, OpenTakesNoRequestForNoRecords) {
     EXPECT_EQ(NumberOf([&] {
-                  New<Recordset>()->Open("SELECT 1", con, adOpenForwardOnly, adLockReadOnly,
-                                         adExecuteNoRecords);
+                  New<Recordset>()->Open("SELECT 1", con, adOpenForwardOnly, adLockReadOnly, adExecuteNoRecords);
               }),
               adErrInvalidArgument);
 }

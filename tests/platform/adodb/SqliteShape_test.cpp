@@ -34,10 +34,9 @@ TEST(SqliteShape, LeavesLiteralsWhereTheyMeanSomethingElse) {
 }
 
 TEST(SqliteShape, GivesUpOnWhatItDoesNotUnderstand) {
-    for (const char* text :
-         {"PRAGMA x=1", "CREATE TABLE t (a DEFAULT 5)", "SELECT a FROM t WHERE b=? AND c=1",
-          "SELECT a FROM t WHERE b=1 -- c", "SELECT a /* 1 */ FROM t WHERE b=1",
-          "SELECT a FROM t WHERE b='open", "SELECT a FROM t WHERE b=1)", ""})
+    for (const char* text : {"PRAGMA x=1", "CREATE TABLE t (a DEFAULT 5)", "SELECT a FROM t WHERE b=? AND c=1",
+                             "SELECT a FROM t WHERE b=1 -- c", "SELECT a /* 1 */ FROM t WHERE b=1",
+                             "SELECT a FROM t WHERE b='open", "SELECT a FROM t WHERE b=1)", ""})
         EXPECT_EQ(ShapeOf(text), "as it stands") << text;
 }
 
@@ -49,10 +48,9 @@ TEST(SqliteShape, MatchesStatementsThatDifferInTheirValuesOnly) {
     EXPECT_EQ(literals[0].body, "it''s");
     EXPECT_EQ(Unquoted(literals[0].body), "it's");
     EXPECT_TRUE(literals[0].isText);
-    for (const char* other :
-         {"SELECT * FROM t WHERE a=5.5 AND b LIKE'x';", "SELECT * FROM t WHERE a=5 AND b LIKE7;",
-          "SELECT * FROM t WHERE a=c AND b LIKE'x';", "SELECT * FROM t WHERE a=5 AND b LIKE'x'; ",
-          "SELECT * FROM t WHERE a=5 AND b LIKE'x", "select * FROM t WHERE a=5 AND b LIKE'x';"})
+    for (const char* other : {"SELECT * FROM t WHERE a=5.5 AND b LIKE'x';", "SELECT * FROM t WHERE a=5 AND b LIKE7;",
+                              "SELECT * FROM t WHERE a=c AND b LIKE'x';", "SELECT * FROM t WHERE a=5 AND b LIKE'x'; ",
+                              "SELECT * FROM t WHERE a=5 AND b LIKE'x", "select * FROM t WHERE a=5 AND b LIKE'x';"})
         EXPECT_FALSE(shape.Matches(other, literals)) << other;
 }
 
@@ -80,8 +78,7 @@ protected:
 
 TEST_F(SqlitePlansTest, OneShapeIsCompiledOnce) {
     std::string statement;  // the literals point into it
-    for (int i = 0; i < 100; ++i)
-        cache->For(statement = "SELECT b FROM t WHERE a=" + std::to_string(i), literals);
+    for (int i = 0; i < 100; ++i) cache->For(statement = "SELECT b FROM t WHERE a=" + std::to_string(i), literals);
     EXPECT_EQ(cache->CompiledCount(), 1U);
     EXPECT_EQ(literals.size(), 1U);
     EXPECT_EQ(literals[0].body, "99");
@@ -89,8 +86,7 @@ TEST_F(SqlitePlansTest, OneShapeIsCompiledOnce) {
 
 TEST_F(SqlitePlansTest, TheLeastRecentlyUsedGoesFirst) {
     const auto statement = [](int i) {
-        return "SELECT b FROM t WHERE a=1 AND b<>'' AND" + std::string(static_cast<std::size_t>(i), ' ') +
-               "a<5";
+        return "SELECT b FROM t WHERE a=1 AND b<>'' AND" + std::string(static_cast<std::size_t>(i), ' ') + "a<5";
     };
     cache->For(statement(1), literals);
     for (int i = 2; i <= 300; ++i) {

@@ -50,8 +50,7 @@ String Id(char digit) { return String("11111111-2222-3333-4444-55555555555") + d
 LibraryRecord Library(const String& name, char digit, const std::vector<String>& classes) {
     LibraryRecord library{name, Id(digit), "1.0", 9, name + " classes", {}};
     for (const String& found : classes)
-        library.Classes.push_back(
-            {name + "." + found, Id('f'), "/opt/" + name + ".so", "Apartment", "multi-use"});
+        library.Classes.push_back({name + "." + found, Id('f'), "/opt/" + name + ".so", "Apartment", "multi-use"});
     return library;
 }
 
@@ -180,10 +179,8 @@ TEST_F(ClassRegistryFile, RemovingWhatIsNotThereChangesNothing) {
 TEST_F(ClassRegistryFile, ClassesAreFoundWithoutRegardToCase) {
     const LibraryRecord library = Library("Lib", '1', {"Größe", "Other"});
     Enter(library);
-    for (const char* name : {"Lib.Größe", "lib.größe", "LIB.GRÖßE"})
-        EXPECT_EQ(Find(name), library.Classes[0]) << name;
-    for (const char* name : {"", "Lib", "Lib.", "Größe", "Lib.Größe2", "Lib.Gr"})
-        EXPECT_FALSE(Find(name)) << name;
+    for (const char* name : {"Lib.Größe", "lib.größe", "LIB.GRÖßE"}) EXPECT_EQ(Find(name), library.Classes[0]) << name;
+    for (const char* name : {"", "Lib", "Lib.", "Größe", "Lib.Größe2", "Lib.Gr"}) EXPECT_FALSE(Find(name)) << name;
 }
 
 TEST_F(ClassRegistryFile, WithoutAFileNothingIsFoundAndNoneIsMade) {
@@ -251,9 +248,8 @@ TEST_F(ClassRegistryFile, EnteringHereIsOfItsThreadAlone) {
 
 TEST_F(ClassRegistryFile, ADamagedFileIsToldAndStays) {
     const String whole = Print({Library("Whole", '1', {"A"})});
-    for (const String& text :
-         {String(), String("{"), String("no JSON \xFF"), whole.substr(0, whole.size() / 2), whole + "}",
-          String("[]"), String(3, '\0')}) {
+    for (const String& text : {String(), String("{"), String("no JSON \xFF"), whole.substr(0, whole.size() / 2),
+                               whole + "}", String("[]"), String(3, '\0')}) {
         Write(text);
         ExpectRefused("damaged");
         EXPECT_EQ(Content(file), text);
@@ -381,15 +377,13 @@ TEST(ClassRegistryText, OfTheWrongShapeIsRefused) {
         {R"("identifier": "ID2", )", ""},
     };
     for (const auto& [part, by] : changes)
-        EXPECT_EQ(FailureOf([&, &from = part, &to = by] { Parse(With(from, to)); }).Number,
-                  err::PathFileAccess)
+        EXPECT_EQ(FailureOf([&, &from = part, &to = by] { Parse(With(from, to)); }).Number, err::PathFileAccess)
             << part << " -> " << by;
 }
 
 TEST(ClassRegistryText, HasListsOfLibrariesAndClasses) {
     for (const char* list : {"null", "{}", "5", "\"x\"", "[5]", "[[]]", "[null]", "[{}]"}) {
-        EXPECT_EQ(FailureOf([&] { Parse(String("{\"libraries\": ") + list + "}"); }).Number,
-                  err::PathFileAccess)
+        EXPECT_EQ(FailureOf([&] { Parse(String("{\"libraries\": ") + list + "}"); }).Number, err::PathFileAccess)
             << list;
         const String text = R"({"libraries": [{"name": "N", "identifier": ")" + Id('1') +
                             R"(", "version": "1", "locale": 9, "help": "", "classes": )" + list + "}]}";
@@ -440,8 +434,7 @@ constexpr std::size_t Classes = 40;
 LibraryRecord Large(const String& name, char digit, int version) {
     LibraryRecord library = Library(name, digit, {});
     for (std::size_t i = 0; i < Classes; ++i)
-        library.Classes.push_back(
-            {name + "." + std::to_string(i), Id('f'), "/l.so", "Apartment", "multi-use"});
+        library.Classes.push_back({name + "." + std::to_string(i), Id('f'), "/l.so", "Apartment", "multi-use"});
     library.Version = CStr(version);
     return library;
 }

@@ -29,8 +29,8 @@ static_assert(sizeof(DECIMAL) == 16 && offsetof(DECIMAL, scale) == 2 && offsetof
 static_assert(offsetof(DECIMAL, Hi32) == 4 && offsetof(DECIMAL, Lo64) == 8);
 static_assert(sizeof(void*) != 8 || (sizeof(DISPPARAMS) == 24 && offsetof(DISPPARAMS, cNamedArgs) == 20));
 static_assert(sizeof(void*) != 8 || (sizeof(EXCEPINFO) == 64 && offsetof(EXCEPINFO, scode) == 56));
-static_assert(sizeof(void*) != 8 || (sizeof(SAFEARRAY) == 32 && offsetof(SAFEARRAY, pvData) == 16 &&
-                                     offsetof(SAFEARRAY, rgsabound) == 24));
+static_assert(sizeof(void*) != 8 ||
+              (sizeof(SAFEARRAY) == 32 && offsetof(SAFEARRAY, pvData) == 16 && offsetof(SAFEARRAY, rgsabound) == 24));
 static_assert(offsetof(SAFEARRAY, fFeatures) == 2 && offsetof(SAFEARRAY, cbElements) == 4 &&
               offsetof(SAFEARRAY, cLocks) == 8);
 static_assert(sizeof(SAFEARRAYBOUND) == 8 && offsetof(SAFEARRAYBOUND, lLbound) == 4);
@@ -522,10 +522,8 @@ TEST(SafeArray, NullPlacesAreRefused) {
 TEST(SafeArray, OneThatItsOwnerDescribedHasTheTypeOfItsFeaturesAndStaysHis) {
     BSTR texts[] = {nullptr, nullptr};
     SAFEARRAY described = {1, 0, sizeof(BSTR), 0, texts, {{2, 5}}};
-    const std::pair<int, int> types[] = {{FADF_BSTR, VT_BSTR},
-                                         {FADF_VARIANT, VT_VARIANT},
-                                         {FADF_DISPATCH, VT_DISPATCH},
-                                         {FADF_UNKNOWN, VT_UNKNOWN}};
+    const std::pair<int, int> types[] = {
+        {FADF_BSTR, VT_BSTR}, {FADF_VARIANT, VT_VARIANT}, {FADF_DISPATCH, VT_DISPATCH}, {FADF_UNKNOWN, VT_UNKNOWN}};
     VARTYPE type = 0;
     for (const auto& [feature, expected] : types) {
         described.fFeatures = static_cast<USHORT>(feature);
@@ -810,14 +808,12 @@ TEST(StandardInterfaces, HaveTheirIdentifiers) {
         {IID_IErrorInfo, "1CF2B120-547D-101B-8E65-08002B2BD119"},
         {IID_ICreateErrorInfo, "22F03340-547D-101B-8E65-08002B2BD119"},
         {IID_ISupportErrorInfo, "DF0B3D60-548F-101B-8E65-08002B2BD119"}};
-    for (const auto& [identifier, text] : identifiers)
-        EXPECT_TRUE(Same(identifier, Platform::GuidOf(text))) << text;
+    for (const auto& [identifier, text] : identifiers) EXPECT_TRUE(Same(identifier, Platform::GuidOf(text))) << text;
 }
 
 // ---- the headers in C -------------------------------------------------------------------------------
 
-const std::filesystem::path Sources =
-    std::filesystem::path(__FILE__).parent_path() / ".." / ".." / ".." / "src";
+const std::filesystem::path Sources = std::filesystem::path(__FILE__).parent_path() / ".." / ".." / ".." / "src";
 
 /// What a command printed, and how it ended.
 std::pair<int, std::string> Run(const std::string& command) {
@@ -830,8 +826,8 @@ std::pair<int, std::string> Run(const std::string& command) {
 }
 
 /// Checks a C source that includes a header and then says `body`.
-std::pair<int, std::string> CheckC(const TemporaryFolder& folder, const std::string& options,
-                                   const std::string& header, const std::string& body) {
+std::pair<int, std::string> CheckC(const TemporaryFolder& folder, const std::string& options, const std::string& header,
+                                   const std::string& body) {
     const std::filesystem::path file = folder.Path() / "client.c";
     std::ofstream(file) << "#include \"" << header << "\"\n" << body << "\n";
     return Run("cc -std=c11 -Wall -Wextra -Wpedantic -Werror -I'" + Sources.string() + "' " + options + " '" +

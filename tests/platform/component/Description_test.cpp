@@ -51,17 +51,16 @@ String Id(const char* name) { return CStr(New<Described>()->Describe().Find(name
 String Argument(const String& name, const String& type, bool byReference, bool comesBack, bool optional,
                 const String& of = "") {
     const auto word = [](bool value) { return String(value ? "true" : "false"); };
-    return R"({"name":")" + name + R"(","type":")" + type + "\"" +
-           (of.empty() ? "" : R"(,"of":")" + of + "\"") + R"(,"byReference":)" + word(byReference) +
-           R"(,"comesBack":)" + word(comesBack) + R"(,"optional":)" + word(optional) + "}";
+    return R"({"name":")" + name + R"(","type":")" + type + "\"" + (of.empty() ? "" : R"(,"of":")" + of + "\"") +
+           R"(,"byReference":)" + word(byReference) + R"(,"comesBack":)" + word(comesBack) + R"(,"optional":)" +
+           word(optional) + "}";
 }
 
 /// A member as the text has it.
 String Member(const char* name, const String& kind, const String& arguments, const String& result,
               const String& of = "") {
-    return String(R"({"name":")") + name + R"(","kind":")" + kind + R"(","id":)" + Id(name) +
-           R"(,"arguments":[)" + arguments + R"(],"result":")" + result + "\"" +
-           (of.empty() ? "" : R"(,"resultOf":")" + of + "\"") + "}";
+    return String(R"({"name":")") + name + R"(","kind":")" + kind + R"(","id":)" + Id(name) + R"(,"arguments":[)" +
+           arguments + R"(],"result":")" + result + "\"" + (of.empty() ? "" : R"(,"resultOf":")" + of + "\"") + "}";
 }
 
 TEST(Description, HasEachMemberWithItsTypesInTheirOrder) {
@@ -71,11 +70,9 @@ TEST(Description, HasEachMemberWithItsTypesInTheirOrder) {
         Member("Members", "putref", Argument("Value", "object", true, false, false, "Collection"), "none"),
         Member("Members", "get", "", "object", "Collection"),
         Member("Change", "operation",
-               Argument("small", "short", true, true, false) + "," +
-                   Argument("number", "long", true, false, false) + "," +
-                   Argument("single", "single", false, false, false) + "," +
-                   Argument("real", "double", true, true, false) + "," +
-                   Argument("day", "date", true, false, false),
+               Argument("small", "short", true, true, false) + "," + Argument("number", "long", true, false, false) +
+                   "," + Argument("single", "single", false, false, false) + "," +
+                   Argument("real", "double", true, true, false) + "," + Argument("day", "date", true, false, false),
                "none"),
         Member("Name", "operation",
                Argument("text", "text", true, false, false) + "," +
@@ -86,8 +83,7 @@ TEST(Description, HasEachMemberWithItsTypesInTheirOrder) {
     };
     String expected;
     for (const String& member : members) expected += (expected.empty() ? "" : ",") + member;
-    EXPECT_EQ(DescriptionText(New<Described>()->Describe()),
-              R"({"class":"Described","members":[)" + expected + "]}");
+    EXPECT_EQ(DescriptionText(New<Described>()->Describe()), R"({"class":"Described","members":[)" + expected + "]}");
     EXPECT_EQ(Id("Item"), "0");
 }
 

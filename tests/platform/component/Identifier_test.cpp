@@ -19,8 +19,7 @@ TEST(Identifier, IsReadDigitByDigit) {
 }
 
 TEST(Identifier, IsTheSameInUpperAndLowerCase) {
-    EXPECT_TRUE(
-        Same(GuidOf("ABCDEF00-ABCD-ABCD-ABCD-ABCDEFABCDEF"), GuidOf("abcdef00-abcd-abcd-abcd-abcdefabcdef")));
+    EXPECT_TRUE(Same(GuidOf("ABCDEF00-ABCD-ABCD-ABCD-ABCDEFABCDEF"), GuidOf("abcdef00-abcd-abcd-abcd-abcdefabcdef")));
     EXPECT_TRUE(Same(GuidOf("00000000-0000-0000-0000-000000000000"), IID_NULL));
 }
 
@@ -48,8 +47,7 @@ TEST(Identifier, HasOneForm) {
 
 TEST(Identifier, HasDigitsAndStrokesInTheirPlaces) {
     for (std::size_t i = 0; i < Text.size(); ++i)
-        for (const char wrong :
-             {'g', 'G', '/', ':', '@', '`', ' ', '\0', '\xE4', Text[i] == '-' ? '0' : '-'}) {
+        for (const char wrong : {'g', 'G', '/', ':', '@', '`', ' ', '\0', '\xE4', Text[i] == '-' ? '0' : '-'}) {
             std::string other = Text;
             other[i] = wrong;
             EXPECT_FALSE(IsGuid(other)) << other;

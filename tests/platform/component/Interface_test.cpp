@@ -38,17 +38,15 @@ public:
     }
 };
 
-Variant Call(const Ref<Sample>& object, const char* name, MemberKind kind,
-             std::vector<Variant> arguments = {}) {
+Variant Call(const Ref<Sample>& object, const char* name, MemberKind kind, std::vector<Variant> arguments = {}) {
     return Invoke(*object, name, kind, arguments);
 }
 
 TEST(Interface, TellsItsMembersInTheirOrder) {
     EXPECT_EQ(TestKit::MembersOf(*New<Sample>()),
-              (std::vector<String>{"put Number(int32)", "get Number -> int32", "put Text(string)",
-                                   "get Text -> string", "putref Members(Collection&)",
-                                   "get Members -> Collection", "get Flag -> boolean", "put Flag(boolean)",
-                                   "Join(a: string&, b: int32, [c: string&]) -> string",
+              (std::vector<String>{"put Number(int32)", "get Number -> int32", "put Text(string)", "get Text -> string",
+                                   "putref Members(Collection&)", "get Members -> Collection", "get Flag -> boolean",
+                                   "put Flag(boolean)", "Join(a: string&, b: int32, [c: string&]) -> string",
                                    "Change(text: string&, by: int32&)", "get Twice -> int32",
                                    "get Item(index: variant&) -> variant"}));
 }
@@ -95,8 +93,7 @@ TEST(Interface, WrongCallsRaiseTheirNumbers) {
 TEST(Interface, IdentitiesAreSharedByPutAndGet) {
     const Ref<Sample> object = New<Sample>();
     const Interface& members = object->Describe();
-    EXPECT_EQ(members.Find("Number", MemberKind::Put)->DispId,
-              members.Find("Number", MemberKind::Get)->DispId);
+    EXPECT_EQ(members.Find("Number", MemberKind::Put)->DispId, members.Find("Number", MemberKind::Get)->DispId);
     EXPECT_NE(members.Find("Number")->DispId, members.Find("Text")->DispId);
     EXPECT_EQ(members.Find("Item")->DispId, DefaultMember);
 }

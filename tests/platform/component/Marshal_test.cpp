@@ -313,8 +313,8 @@ TEST(Marshal, AReferenceToAReferenceIsRefused) {
 }
 
 TEST(Marshal, AReferenceToNothingIsRefused) {
-    for (const int type : {VT_I4 + 0, VT_BSTR + 0, VT_VARIANT + 0, VT_DISPATCH + 0, VT_DECIMAL + 0,
-                           VT_ARRAY | VT_BSTR, VT_ARRAY | VT_VARIANT})
+    for (const int type : {VT_I4 + 0, VT_BSTR + 0, VT_VARIANT + 0, VT_DISPATCH + 0, VT_DECIMAL + 0, VT_ARRAY | VT_BSTR,
+                           VT_ARRAY | VT_VARIANT})
         EXPECT_EQ(RefusalOf(Held(VT_BYREF | type, nullptr)), E_POINTER) << type;
 }
 
@@ -635,8 +635,7 @@ TEST(TypedPlace, IsWrittenNoFurtherThanItsType) {
     for (const auto& [kind, size] : sizes) {
         alignas(VARIANT) unsigned char place[sizeof(VARIANT) + 8];
         const auto untouched = [&, from = size] {
-            return std::all_of(place + from, std::end(place),
-                               [](unsigned char byte) { return byte == 0xAA; });
+            return std::all_of(place + from, std::end(place), [](unsigned char byte) { return byte == 0xAA; });
         };
         std::memset(place, 0xAA, sizeof place);
         ClearPlace({kind, ""}, place);
@@ -654,10 +653,7 @@ TEST(TypedPlace, KeepsItsValueWhenAnotherCantBeAssigned) {
     EXPECT_EQ(TextOf(text), "stays");
     SysFreeString(text);
     IUnknown* object = Boundary::ToPointer(New<Collection>());
-    EXPECT_EQ(FailureOf([&] {
-                  AssignPlace({Kind::Object, ""}, "text", &object);
-              }).Number,
-              err::ObjectRequired);
+    EXPECT_EQ(FailureOf([&] { AssignPlace({Kind::Object, ""}, "text", &object); }).Number, err::ObjectRequired);
     EXPECT_EQ(ReferencesOf(object), 1U);
     object->Release();
 }

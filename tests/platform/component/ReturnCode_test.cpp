@@ -73,9 +73,7 @@ TEST(ReturnCode, AFailureLeavesItsSourceAndText) {
 }
 
 TEST(ReturnCode, AnArgumentsFailureHasTheCodesOfACall) {
-    const auto code = [](Long number) {
-        return CodeOfThrown(ArgumentError(Error(number, "Runtime", "text"), 0));
-    };
+    const auto code = [](Long number) { return CodeOfThrown(ArgumentError(Error(number, "Runtime", "text"), 0)); };
     EXPECT_EQ(code(err::TypeMismatch), DISP_E_TYPEMISMATCH);
     EXPECT_EQ(Record(), "Runtime: text");
     EXPECT_EQ(code(err::ObjectRequired), DISP_E_TYPEMISMATCH);

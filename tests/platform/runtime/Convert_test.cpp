@@ -99,10 +99,10 @@ TEST(Convert, FloatsHave15And7Digits) {
 }
 
 TEST(Convert, ValReadsTheHeadOfAText) {
-    const std::pair<const char*, double> heads[] = {
-        {"1 2 3", 123},     {" - 5", -5},  {"1e", 1},   {"1,5", 1},     {"$5", 0},
-        {"1.2.3", 1.2},     {"12abc", 12}, {"0-5", 0},  {"&HFFFF", -1}, {"&HFFFF&", 65535},
-        {"&H10000", 65536}, {"", 0},       {"2d2", 200}};
+    const std::pair<const char*, double> heads[] = {{"1 2 3", 123}, {" - 5", -5},       {"1e", 1},          {"1,5", 1},
+                                                    {"$5", 0},      {"1.2.3", 1.2},     {"12abc", 12},      {"0-5", 0},
+                                                    {"&HFFFF", -1}, {"&HFFFF&", 65535}, {"&H10000", 65536}, {"", 0},
+                                                    {"2d2", 200}};
     for (const auto& [text, value] : heads) EXPECT_EQ(Val(text), value) << text;
 }
 

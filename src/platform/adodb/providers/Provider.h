@@ -15,8 +15,8 @@ struct Outcome {
 
 /// One open session with a database engine. This is the interface that a provider implements.
 ///
-/// Every failure is raised as an `Error` with the mapped number, the engine's own text, its code and the statement. A session
-/// is used by one thread. The destructor closes it and rolls back an open transaction.
+/// Every failure is raised as an `Error` with the mapped number, the engine's own text, its code and the statement. A
+/// session is used by one thread. The destructor closes it and rolls back an open transaction.
 class Session {
 public:
     virtual ~Session() = default;
@@ -25,8 +25,8 @@ public:
     /// statement.
     virtual Outcome Run(std::string_view text) = 0;
 
-    /// Runs a statement of the database layer, with a value for each "?": whole numbers, doubles, texts and nulls. Returns the
-    /// number of rows that it changed.
+    /// Runs a statement of the database layer, with a value for each "?": whole numbers, doubles, texts and nulls.
+    /// Returns the number of rows that it changed.
     virtual std::int64_t Change(std::string_view text, std::span<const Variant> values) = 0;
 
     /// Returns the counter of the row that this session inserted last.
@@ -50,8 +50,8 @@ public:
 /// Opens a session with the settings of a connection string. Raises if it can't be opened.
 using Opener = std::unique_ptr<Session> (*)(const ConnectionString& settings);
 
-/// Registers a provider under a name, which is compared without regard to case and may replace a built-in provider. A program
-/// calls it when it starts, before other threads open connections.
+/// Registers a provider under a name, which is compared without regard to case and may replace a built-in provider. A
+/// program calls it when it starts, before other threads open connections.
 void RegisterProvider(const String& name, Opener open);
 
 /// Returns the opener of a provider. Raises 3706 if no provider has this name. Any thread may call.

@@ -20,11 +20,9 @@ const IID IID_IUnknown = Standard(0x00000000);
 const IID IID_IClassFactory = Standard(0x00000001);
 const IID IID_IDispatch = Standard(0x00020400);
 const IID IID_IEnumVARIANT = Standard(0x00020404);
-const IID IID_ISupportErrorInfo = {
-    0xDF0B3D60, 0x548F, 0x101B, {0x8E, 0x65, 0x08, 0x00, 0x2B, 0x2B, 0xD1, 0x19}};
+const IID IID_ISupportErrorInfo = {0xDF0B3D60, 0x548F, 0x101B, {0x8E, 0x65, 0x08, 0x00, 0x2B, 0x2B, 0xD1, 0x19}};
 const IID IID_IErrorInfo = {0x1CF2B120, 0x547D, 0x101B, {0x8E, 0x65, 0x08, 0x00, 0x2B, 0x2B, 0xD1, 0x19}};
-const IID IID_ICreateErrorInfo = {
-    0x22F03340, 0x547D, 0x101B, {0x8E, 0x65, 0x08, 0x00, 0x2B, 0x2B, 0xD1, 0x19}};
+const IID IID_ICreateErrorInfo = {0x22F03340, 0x547D, 0x101B, {0x8E, 0x65, 0x08, 0x00, 0x2B, 0x2B, 0xD1, 0x19}};
 
 // ---- texts ------------------------------------------------------------------------------------------
 
@@ -58,9 +56,7 @@ BSTR SysAllocString(LPCOLESTR text) {
     return text ? NewText(text, std::char_traits<OLECHAR>::length(text) * sizeof(OLECHAR)) : nullptr;
 }
 
-BSTR SysAllocStringLen(LPCOLESTR text, UINT units) {
-    return NewText(text, std::size_t{units} * sizeof(OLECHAR));
-}
+BSTR SysAllocStringLen(LPCOLESTR text, UINT units) { return NewText(text, std::size_t{units} * sizeof(OLECHAR)); }
 
 BSTR SysAllocStringByteLen(const char* bytes, UINT count) { return NewText(bytes, count); }
 
@@ -123,8 +119,7 @@ HRESULT VariantClear(VARIANTARG* variant) {
     if (!IsType(variant->vt)) return DISP_E_BADVARTYPE;
     if (!(variant->vt & VT_BYREF)) {
         if (variant->vt & VT_ARRAY) {
-            if (const HRESULT freed = variant->parray ? SafeArrayDestroy(variant->parray) : S_OK;
-                FAILED(freed))
+            if (const HRESULT freed = variant->parray ? SafeArrayDestroy(variant->parray) : S_OK; FAILED(freed))
                 return freed;
         } else if (variant->vt == VT_BSTR) {
             SysFreeString(variant->bstrVal);
@@ -144,11 +139,10 @@ HRESULT VariantCopy(VARIANTARG* to, const VARIANTARG* from) {
     if (!(copy.vt & VT_BYREF)) {
         if (copy.vt & VT_ARRAY) {
             if (copy.parray)
-                if (const HRESULT copied = SafeArrayCopy(from->parray, &copy.parray); FAILED(copied))
-                    return copied;
+                if (const HRESULT copied = SafeArrayCopy(from->parray, &copy.parray); FAILED(copied)) return copied;
         } else if (copy.vt == VT_BSTR && copy.bstrVal) {
-            copy.bstrVal = SysAllocStringByteLen(reinterpret_cast<const char*>(from->bstrVal),
-                                                 SysStringByteLen(from->bstrVal));
+            copy.bstrVal =
+                SysAllocStringByteLen(reinterpret_cast<const char*>(from->bstrVal), SysStringByteLen(from->bstrVal));
             if (!copy.bstrVal) return E_OUTOFMEMORY;
         } else if ((copy.vt == VT_DISPATCH || copy.vt == VT_UNKNOWN) && copy.punkVal) {
             copy.punkVal->AddRef();

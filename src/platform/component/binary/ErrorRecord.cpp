@@ -38,9 +38,7 @@ public:
         return S_OK;
     }
     HRESULT STDMETHODCALLTYPE GetSource(BSTR* source) override { return Copy(source_, source); }
-    HRESULT STDMETHODCALLTYPE GetDescription(BSTR* description) override {
-        return Copy(description_, description);
-    }
+    HRESULT STDMETHODCALLTYPE GetDescription(BSTR* description) override { return Copy(description_, description); }
     HRESULT STDMETHODCALLTYPE GetHelpFile(BSTR* file) override { return Copy(helpFile_, file); }
     HRESULT STDMETHODCALLTYPE GetHelpContext(DWORD* context) override {
         if (!context) return E_POINTER;
@@ -53,9 +51,7 @@ public:
         return S_OK;
     }
     HRESULT STDMETHODCALLTYPE SetSource(LPOLESTR source) override { return Keep(source_, source); }
-    HRESULT STDMETHODCALLTYPE SetDescription(LPOLESTR description) override {
-        return Keep(description_, description);
-    }
+    HRESULT STDMETHODCALLTYPE SetDescription(LPOLESTR description) override { return Keep(description_, description); }
     HRESULT STDMETHODCALLTYPE SetHelpFile(LPOLESTR file) override { return Keep(helpFile_, file); }
     HRESULT STDMETHODCALLTYPE SetHelpContext(DWORD context) override {
         helpContext_ = context;

@@ -7,8 +7,8 @@
 
 namespace Platform {
 
-/// Returns true for the text of a GUID, "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx" with hexadecimal digits. Any thread may call the
-/// functions here.
+/// Returns true for the text of a GUID, "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx" with hexadecimal digits. Any thread may
+/// call the functions here.
 bool IsGuid(std::string_view text);
 
 /// Returns the GUID of a text for which `IsGuid` returns true.

@@ -35,7 +35,8 @@ public:
         return 0;
     }
     HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID riid) override {
-        const bool supported = Same(riid, IID_IDispatch) || Same(riid, Boundary::ObjectOf(owner_).Describe().Identity());
+        const bool supported =
+            Same(riid, IID_IDispatch) || Same(riid, Boundary::ObjectOf(owner_).Describe().Identity());
         return supported ? S_OK : S_FALSE;
     }
 
@@ -122,7 +123,9 @@ ULONG Boundary::Release(InterfacePointer& pointer) {
     return left;
 }
 
-bool Boundary::IsOnItsThread(const InterfacePointer& pointer) { return static_cast<const Object&>(pointer).thread_ == ThisThread(); }
+bool Boundary::IsOnItsThread(const InterfacePointer& pointer) {
+    return static_cast<const Object&>(pointer).thread_ == ThisThread();
+}
 
 Foreign::Foreign(IUnknown* pointer) : pointer_(pointer) {
     void* dispatch = nullptr;

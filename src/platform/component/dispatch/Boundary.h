@@ -10,16 +10,16 @@ namespace Platform {
 
 /// Converts objects to COM interface pointers and back.
 ///
-/// The interface pointer of an object points into the object, so that it is always the same one. COM clients and C++ code
-/// count references in one place. An object is used on the thread on which it was first passed to a client.
+/// The interface pointer of an object points into the object, so that it is always the same one. COM clients and C++
+/// code count references in one place. An object is used on the thread on which it was first passed to a client.
 class Boundary {
 public:
-    /// Returns the interface pointer of an object, with a reference for the caller; null for null. For a foreign object it is the
-    /// pointer that was passed in.
+    /// Returns the interface pointer of an object, with a reference for the caller; null for null. For a foreign object
+    /// it is the pointer that was passed in.
     static IUnknown* ToPointer(const Ref<Object>& object);
 
-    /// Returns the object of an interface pointer; null for null. A pointer that is not one of this platform library is held by a
-    /// new `Foreign`.
+    /// Returns the object of an interface pointer; null for null. A pointer that is not one of this platform library is
+    /// held by a new `Foreign`.
     static Ref<Object> FromPointer(IUnknown* pointer);
 
     /// Returns the object of an interface pointer if it is one of this platform library, otherwise null.

@@ -19,7 +19,7 @@ namespace {
 
 HRESULT WrongThread() noexcept {
     return FailWith(RPC_E_WRONG_THREAD,
-                   "An object is used only on the thread that made it. Make another object on this thread");
+                    "An object is used only on the thread that made it. Make another object on this thread");
 }
 
 /// What `read` gives for an argument; its failure tells which one it was.
@@ -70,8 +70,8 @@ HRESULT STDMETHODCALLTYPE GetIDsOfNames(InterfacePointer* self, REFIID riid, LPO
 
 // ---- calls, by name and by slot ----------------------------------------------------------------------
 
-/// Calls the member; then `write(i)` writes the value of each argument that comes back to the caller. It does so as well
-/// when the member raises, because a client sees what was assigned before. What can't be written then is ignored.
+/// Calls the member; then `write(i)` writes the value of each argument that comes back to the caller. It does so as
+/// well when the member raises, because a client sees what was assigned before. What can't be written then is ignored.
 template <class Write>
 Variant CallAndWriteBack(const Member& member, Object& object, std::span<Variant> values, Write write) {
     const auto writeAll = [&] {
@@ -194,8 +194,7 @@ HRESULT STDMETHODCALLTYPE InvokeById(InterfacePointer* self, DISPID id, REFIID r
         if (!Same(riid, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
         if (!AreSound(parameters)) return E_INVALIDARG;
         if (!Boundary::IsOnItsThread(*self)) return WrongThread();
-        const Ref<Object> object(
-            &Boundary::ObjectOf(*self));  // a call may let the caller's last reference go
+        const Ref<Object> object(&Boundary::ObjectOf(*self));  // a call may let the caller's last reference go
         const Member* member = object->Describe().Find(id, KindOf(flags));
         if (!member) return DISP_E_MEMBERNOTFOUND;
 
@@ -284,14 +283,14 @@ std::vector<const void*> BehindUnknown(std::initializer_list<const void*> own) {
 }  // namespace
 
 std::span<const void* const> DispatchSlots() {
-    static const std::vector slots = BehindUnknown({SlotAddress(GetTypeInfoCount), SlotAddress(GetTypeInfo),
-                                                    SlotAddress(GetIDsOfNames), SlotAddress(InvokeById)});
+    static const std::vector slots = BehindUnknown(
+        {SlotAddress(GetTypeInfoCount), SlotAddress(GetTypeInfo), SlotAddress(GetIDsOfNames), SlotAddress(InvokeById)});
     return slots;
 }
 
 std::span<const void* const> EnumeratorSlots() {
-    static const std::vector slots = BehindUnknown(
-        {SlotAddress(Next), SlotAddress(Skip), SlotAddress(Reset), SlotAddress(Clone)});
+    static const std::vector slots =
+        BehindUnknown({SlotAddress(Next), SlotAddress(Skip), SlotAddress(Reset), SlotAddress(Clone)});
     return slots;
 }
 
@@ -311,8 +310,7 @@ Variant ReadArgument(const Member& member, std::size_t index, const void* place)
         if (argument.Optional) return argument.Default;
         throw Error(E_POINTER, "Runtime", String("The argument ") + argument.Name + " points at nothing");
     }
-    const bool leftOut =
-        argument.Type.Is == MemberType::Kind::Any && IsLeftOut(*static_cast<const VARIANT*>(place));
+    const bool leftOut = argument.Type.Is == MemberType::Kind::Any && IsLeftOut(*static_cast<const VARIANT*>(place));
     if (leftOut) return argument.Default;
     return WithArgumentIndex(index, [&] { return ReadPlace(argument.Type, place); });
 }

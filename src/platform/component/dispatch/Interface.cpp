@@ -32,8 +32,7 @@ const Member* FirstOf(const Members& members, Matches matches) {
 
 }  // namespace
 
-Interface::Interface(String className, std::vector<Member> members,
-                     std::span<const void* const> dispatchSlots)
+Interface::Interface(String className, std::vector<Member> members, std::span<const void* const> dispatchSlots)
     : className_(std::move(className)), members_(std::move(members)) {
     NumberMembers(members_);
     FillTable(typeid(IDispatch), dispatchSlots);
@@ -52,9 +51,8 @@ void Interface::FillTable(const std::type_info& type, std::span<const void* cons
 }
 
 const Member* Interface::Find(std::string_view name, MemberKind kind) const {
-    return FirstOf(members_, [&](const Member& member) {
-        return Answers(member, kind) && EqualsIgnoringCase(member.Name, name);
-    });
+    return FirstOf(
+        members_, [&](const Member& member) { return Answers(member, kind) && EqualsIgnoringCase(member.Name, name); });
 }
 
 const Member* Interface::Find(std::string_view name) const {
@@ -62,8 +60,7 @@ const Member* Interface::Find(std::string_view name) const {
 }
 
 const Member* Interface::Find(DISPID id, MemberKind kind) const {
-    return FirstOf(members_,
-                   [&](const Member& member) { return member.DispId == id && Answers(member, kind); });
+    return FirstOf(members_, [&](const Member& member) { return member.DispId == id && Answers(member, kind); });
 }
 
 const Member* Interface::FindSlot(const void* slot) const {

@@ -18,14 +18,13 @@ public:
     Interface(String className, std::vector<Member> members, std::span<const void* const> dispatchSlots);
 
     /// A standard interface, such as `IEnumVARIANT`, instead of a dual interface. It has no members.
-    Interface(String className, const IID& identity, const std::type_info& type,
-              std::span<const void* const> slots);
+    Interface(String className, const IID& identity, const std::type_info& type, std::span<const void* const> slots);
 
     const String& ClassName() const noexcept { return className_; }
     const std::vector<Member>& Members() const noexcept { return members_; }
 
-    /// Returns the member of this name (without regard to case) and kind, or null. A get also matches an operation, because
-    /// late-bound clients can't always distinguish them; so do put and put by reference.
+    /// Returns the member of this name (without regard to case) and kind, or null. A get also matches an operation,
+    /// because late-bound clients can't always distinguish them; so do put and put by reference.
     const Member* Find(std::string_view name, MemberKind kind) const;
 
     /// Returns the first member of this name, without regard to case, or null.
@@ -51,13 +50,13 @@ public:
     /// Returns the counter of the library of the class; null before `Publish`, and for classes of C++ programs.
     ObjectCounter* Owner() const noexcept { return owner_.load(std::memory_order_acquire); }
 
-    /// Sets the interface identifier and the library, which then counts the objects of the class. Called once, before the
-    /// library creates its first object for a client.
+    /// Sets the interface identifier and the library, which then counts the objects of the class. Called once, before
+    /// the library creates its first object for a client.
     void Publish(const IID& identity, ObjectCounter& owner) const;
 
 private:
-    /// The number of words before the slots, as in a C++ vtable: the offset of the object (0) and its type. Compilers that check
-    /// the type of a pointer read them.
+    /// The number of words before the slots, as in a C++ vtable: the offset of the object (0) and its type. Compilers
+    /// that check the type of a pointer read them.
     static constexpr std::size_t TableHead = 2;
 
     void FillTable(const std::type_info& type, std::span<const void* const> slots);
@@ -70,11 +69,12 @@ private:
     mutable std::atomic<ObjectCounter*> owner_ = nullptr;
 };
 
-/// Calls a member by name. `arguments` has the values in order; arguments that are written back are changed in it, also when the
-/// member raises; optional arguments may be left out at the end. Returns the result, `Empty` if the member has none.
+/// Calls a member by name. `arguments` has the values in order; arguments that are written back are changed in it, also
+/// when the member raises; optional arguments may be left out at the end. Returns the result, `Empty` if the member has
+/// none.
 ///
-/// Raises 438 for an unknown name or an assignment to a read-only property, 450 for too many arguments, 449 for a missing
-/// argument, 13 for one of another type, and what the member raises. Called on the object's thread.
+/// Raises 438 for an unknown name or an assignment to a read-only property, 450 for too many arguments, 449 for a
+/// missing argument, 13 for one of another type, and what the member raises. Called on the object's thread.
 Variant Invoke(Object& object, std::string_view name, MemberKind kind, std::span<Variant> arguments);
 
 }  // namespace Platform

@@ -32,15 +32,12 @@ namespace Platform {
 /// The name of an argument, for `Operation`; `Optional` marks one that may be left out.
 struct ArgumentName {
     ArgumentName(const char* name) : Name(name) {}
-    ArgumentName(const char* name, Variant whenLeftOut)
-        : Name(name), Optional(true), Default(std::move(whenLeftOut)) {}
+    ArgumentName(const char* name, Variant whenLeftOut) : Name(name), Optional(true), Default(std::move(whenLeftOut)) {}
     const char* Name;
     bool Optional = false;
     Variant Default;
 };
-inline ArgumentName Optional(const char* name, Variant whenLeftOut = {}) {
-    return {name, std::move(whenLeftOut)};
-}
+inline ArgumentName Optional(const char* name, Variant whenLeftOut = {}) { return {name, std::move(whenLeftOut)}; }
 
 namespace detail {
 
@@ -132,8 +129,8 @@ auto BinaryOf() {
 template <class T>
 using Binary = decltype(BinaryOf<T>());
 template <class A>
-using BinaryArgument = std::conditional_t<std::is_lvalue_reference_v<A>, Binary<std::remove_cvref_t<A>>*,
-                                          Binary<std::remove_cvref_t<A>>>;
+using BinaryArgument =
+    std::conditional_t<std::is_lvalue_reference_v<A>, Binary<std::remove_cvref_t<A>>*, Binary<std::remove_cvref_t<A>>>;
 
 /// The slot of one member: `Key` is the function or data member that tells it from all others.
 template <auto Key, class R, class... A>
@@ -163,8 +160,7 @@ struct OperationCall {
         return With(self, arguments, std::index_sequence_for<A...>{});
     }
     template <std::size_t... I>
-    static Variant With(Object& self, [[maybe_unused]] std::span<Variant> arguments,
-                        std::index_sequence<I...>) {
+    static Variant With(Object& self, [[maybe_unused]] std::span<Variant> arguments, std::index_sequence<I...>) {
         std::tuple<BoundArgument<A>...> bound{BoundArgument<A>(arguments[I], I)...};
         // What the operation assigned to an argument by reference stays assigned when it raises afterwards.
         struct WriteBack {
@@ -257,8 +253,7 @@ template <auto F>
 detail::Line Operation(const char* name, std::vector<ArgumentName> arguments = {}, Long dispId = ByPosition) {
     using Call = detail::CallOf<F>;
     return {{Member{name, MemberKind::Operation, dispId, Call::Arguments(arguments),
-                    detail::TypeOf<std::remove_cvref_t<typename Call::Result>>(), Call::Call,
-                    Call::SlotOfCall()}}};
+                    detail::TypeOf<std::remove_cvref_t<typename Call::Result>>(), Call::Call, Call::SlotOfCall()}}};
 }
 
 /// A property that is read only: a function that gives its value, with arguments or without.
@@ -295,8 +290,7 @@ detail::Line PropertyGetFirst(const char* name, PutForm form = PutForm::ByValue)
 template <auto GetFunction, auto PutFunction>
 detail::Line ValueProperty(const char* name, Long dispId = ByPosition) {
     using Value = std::remove_cvref_t<typename detail::CallOf<GetFunction>::Result>;
-    detail::Line line{
-        {detail::PutMember<PutFunction, Value>(name), detail::GetMember<GetFunction, Value>(name)}};
+    detail::Line line{{detail::PutMember<PutFunction, Value>(name), detail::GetMember<GetFunction, Value>(name)}};
     for (Member& member : line.members) member.DispId = dispId;
     return line;
 }
@@ -313,8 +307,7 @@ detail::Line ObjectProperty(const char* name) {
 template <class C>
 const Interface& InterfaceOf(std::initializer_list<detail::Line> lines) {
     std::vector<Member> members;
-    for (const detail::Line& line : lines)
-        members.insert(members.end(), line.members.begin(), line.members.end());
+    for (const detail::Line& line : lines) members.insert(members.end(), line.members.begin(), line.members.end());
     return *new Interface(C::ClassName, std::move(members), DispatchSlots());
 }
 

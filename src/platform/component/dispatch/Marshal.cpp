@@ -14,9 +14,7 @@ namespace {
 
 using Kind = MemberType::Kind;
 
-[[noreturn]] void RaiseCode(HRESULT code, const char* description) {
-    throw Error(code, "Runtime", description);
-}
+[[noreturn]] void RaiseCode(HRESULT code, const char* description) { throw Error(code, "Runtime", description); }
 
 template <class T>
 const T& At(const void* place) {
@@ -42,8 +40,7 @@ double FromDecimal(const DECIMAL& decimal) {
 
 /// The text of an element, which is a value and neither an array nor a reference.
 String TextOf(const VARIANT& element) {
-    if (element.vt & (VT_ARRAY | VT_BYREF))
-        RaiseCode(DISP_E_BADVARTYPE, "Only texts can be the elements of an array");
+    if (element.vt & (VT_ARRAY | VT_BYREF)) RaiseCode(DISP_E_BADVARTYPE, "Only texts can be the elements of an array");
     return CStr(FromVariant(element));
 }
 
@@ -180,8 +177,7 @@ Variant FromVariant(const VARIANT& variant) {
         const VARTYPE referred = type & static_cast<VARTYPE>(~VT_BYREF);
         if (referred & VT_ARRAY) return FromArray(*variant.pparray);
         if (referred != VT_VARIANT) return FromTyped(referred, variant.byref);
-        if (variant.pvarVal->vt & VT_BYREF)
-            RaiseCode(DISP_E_BADVARTYPE, "A reference to a reference can't be taken");
+        if (variant.pvarVal->vt & VT_BYREF) RaiseCode(DISP_E_BADVARTYPE, "A reference to a reference can't be taken");
         return FromVariant(*variant.pvarVal);
     }
     if (type & VT_ARRAY) return FromArray(variant.parray);
@@ -224,9 +220,7 @@ void ToVariant(const Variant& value, VARIANT& to) {
     to = made;
 }
 
-bool IsLeftOut(const VARIANT& variant) {
-    return variant.vt == VT_ERROR && variant.scode == DISP_E_PARAMNOTFOUND;
-}
+bool IsLeftOut(const VARIANT& variant) { return variant.vt == VT_ERROR && variant.scode == DISP_E_PARAMNOTFOUND; }
 
 void WriteBack(const Variant& value, VARIANT& to) {
     if (!(to.vt & VT_BYREF)) return AssignPlace({Kind::Any, ""}, value, &to);
@@ -239,8 +233,7 @@ bool Receives(const VARIANT& argument, const MemberType& type) {
     if (!(argument.vt & VT_BYREF) || type.Is == Kind::Any) return true;
     const VARTYPE referred = argument.vt & static_cast<VARTYPE>(~VT_BYREF);
     return referred == VT_VARIANT || referred == VariantTypeOf(type) ||
-           (type.Is == Kind::Object && referred == VT_UNKNOWN) ||
-           (VariantTypeOf(type) == VT_I4 && referred == VT_INT);
+           (type.Is == Kind::Object && referred == VT_UNKNOWN) || (VariantTypeOf(type) == VT_I4 && referred == VT_INT);
 }
 
 // ---- typed places -----------------------------------------------------------------------------------

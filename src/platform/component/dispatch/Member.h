@@ -58,19 +58,20 @@ enum class MemberKind { Operation, Get, Put, PutRef };
 struct Member {
     String Name;
     MemberKind Kind = MemberKind::Operation;
-    Long DispId = 0;  ///< the dispatch identifier: 0 for the default member, -4 for the enumerator
+    Long DispId = 0;                  ///< the dispatch identifier: 0 for the default member, -4 for the enumerator
     std::vector<Argument> Arguments;  ///< the value of a put is the last one
     MemberType Result;
-    /// Calls the member on `self`, an object of the table's class. `arguments` has one value for each argument; arguments that
-    /// are written back are changed in it, also when the member raises. Raises what the member raises, and `ArgumentError`
-    /// if an argument can't be converted; the member is not called then.
+    /// Calls the member on `self`, an object of the table's class. `arguments` has one value for each argument;
+    /// arguments that are written back are changed in it, also when the member raises. Raises what the member raises,
+    /// and `ArgumentError` if an argument can't be converted; the member is not called then.
     Variant (*Call)(Object& self, std::span<Variant> arguments) = nullptr;
     /// The function of the member in the vtable of the dual interface; it calls `Call`.
     const void* Slot = nullptr;
 
     bool IsPut() const noexcept { return Kind == MemberKind::Put || Kind == MemberKind::PutRef; }
 
-    /// Returns true if a COM client passes the address of the value. For a put by reference it passes the object itself.
+    /// Returns true if a COM client passes the address of the value. For a put by reference it passes the object
+    /// itself.
     bool CrossesAsPlace(const Argument& argument) const noexcept {
         return argument.ByReference && Kind != MemberKind::PutRef;
     }

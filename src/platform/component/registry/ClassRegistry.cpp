@@ -103,9 +103,8 @@ bool Erase(Matches matches) {
 void RequireTexts(const LibraryRecord& library) {
     for (const ClassRecord& entry : library.Classes)
         if (FromUtf16(ToUtf16(entry.Library)) != entry.Library)
-            throw Error(
-                err::PathFileAccess, "Runtime",
-                "The library's path is no UTF-8 text and can't be registered. Move it to another folder");
+            throw Error(err::PathFileAccess, "Runtime",
+                        "The library's path is no UTF-8 text and can't be registered. Move it to another folder");
 }
 
 const ClassRecord* FindIn(const std::vector<LibraryRecord>& libraries, const String& name) {
@@ -126,8 +125,7 @@ std::filesystem::path File() {
     if (const char* data = std::getenv("XDG_DATA_HOME"); data && *data == '/')
         return std::filesystem::path(data) / "oxclass" / "classes.json";
     const char* home = std::getenv("HOME");
-    return std::filesystem::path(home && *home ? home : "/") / ".local" / "share" / "oxclass" /
-           "classes.json";
+    return std::filesystem::path(home && *home ? home : "/") / ".local" / "share" / "oxclass" / "classes.json";
 }
 
 void Enter(const LibraryRecord& library) {
@@ -147,8 +145,7 @@ void Remove(const String& identifier) {
 
 bool RemoveFile(const String& path) {
     return Erase([&](const LibraryRecord& library) {
-        return std::ranges::any_of(library.Classes,
-                                   [&](const ClassRecord& entry) { return entry.Library == path; });
+        return std::ranges::any_of(library.Classes, [&](const ClassRecord& entry) { return entry.Library == path; });
     });
 }
 
@@ -172,9 +169,8 @@ std::vector<ClassRecord> All() {
     const auto append = [&classes](const std::vector<LibraryRecord>& libraries) {
         for (const LibraryRecord& library : libraries)
             for (const ClassRecord& found : library.Classes)
-                if (std::ranges::none_of(classes, [&](const auto& known) {
-                        return EqualsIgnoringCase(known.Name, found.Name);
-                    }))
+                if (std::ranges::none_of(classes,
+                                         [&](const auto& known) { return EqualsIgnoringCase(known.Name, found.Name); }))
                     classes.push_back(found);
     };
     Here& here = OfThisProcess();
@@ -236,15 +232,12 @@ Json JsonOf(const std::vector<ClassRecord>& classes) {
 }
 
 Json JsonOf(const LibraryRecord& library) {
-    return {{"name", library.Name},       {"identifier", library.Identifier},
-            {"version", library.Version}, {"locale", library.Locale},
-            {"help", library.HelpText},   {"classes", JsonOf(library.Classes)}};
+    return {{"name", library.Name},     {"identifier", library.Identifier}, {"version", library.Version},
+            {"locale", library.Locale}, {"help", library.HelpText},         {"classes", JsonOf(library.Classes)}};
 }
 
 /// The text, whatever the texts in it hold.
-String TextOf(const Json& json, int indent) {
-    return json.dump(indent, ' ', false, Json::error_handler_t::replace);
-}
+String TextOf(const Json& json, int indent) { return json.dump(indent, ' ', false, Json::error_handler_t::replace); }
 
 }  // namespace
 

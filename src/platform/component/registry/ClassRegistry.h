@@ -6,11 +6,12 @@
 #include <optional>
 #include <vector>
 
-/// The registry that finds classes by name: the libraries that were registered for this process, and the registry file of the
-/// user.
+/// The registry that finds classes by name: the libraries that were registered for this process, and the registry file
+/// of the user.
 ///
-/// The file is the one that OXCLASS_REGISTRY names, otherwise `oxclass/classes.json` in the user's data folder. It is written
-/// atomically, and processes that change it at the same time wait for each other. Any thread may call the functions.
+/// The file is the one that OXCLASS_REGISTRY names, otherwise `oxclass/classes.json` in the user's data folder. It is
+/// written atomically, and processes that change it at the same time wait for each other. Any thread may call the
+/// functions.
 namespace Platform::ClassRegistry {
 
 /// A class that can be created by name.
@@ -39,17 +40,18 @@ struct LibraryRecord {
 /// Returns the path of the registry file.
 std::filesystem::path File();
 
-/// Registers a library in the file, in place of one with the same identifier. While the thread has a `RegisterInProcess`, it is
-/// registered for this process only, and a library that is registered already is not replaced. Raises 75 with the reason if the
-/// file can't be read or written or is not a registry file, or if the path of the library is not UTF-8; the file is then
-/// unchanged.
+/// Registers a library in the file, in place of one with the same identifier. While the thread has a
+/// `RegisterInProcess`, it is registered for this process only, and a library that is registered already is not
+/// replaced. Raises 75 with the reason if the file can't be read or written or is not a registry file, or if the path
+/// of the library is not UTF-8; the file is then unchanged.
 void Enter(const LibraryRecord& library);
 
-/// Removes a library, and with the last library the file. Does nothing if the library is not registered. Raises as `Enter`.
+/// Removes a library, and with the last library the file. Does nothing if the library is not registered. Raises as
+/// `Enter`.
 void Remove(const String& identifier);
 
-/// Removes, as `Remove`, the library that was registered with this path; the file at the path may have been deleted. Returns
-/// false if no library has the path.
+/// Removes, as `Remove`, the library that was registered with this path; the file at the path may have been deleted.
+/// Returns false if no library has the path.
 bool RemoveFile(const String& path);
 
 /// While an object of this class lives, its thread registers libraries for this process only.
@@ -63,14 +65,15 @@ private:
     bool before_;
 };
 
-/// Returns the class of this name, without regard to case, from the libraries of this process or else from the file. Raises 75 if
-/// the file can't be read.
+/// Returns the class of this name, without regard to case, from the libraries of this process or else from the file.
+/// Raises 75 if the file can't be read.
 std::optional<ClassRecord> Find(const String& name);
 
 /// Returns all classes that `Find` can return. Raises as `Find`.
 std::vector<ClassRecord> All();
 
-/// Returns the libraries in the text of a registry file. Raises 75 with a description if it is not the text of a registry file.
+/// Returns the libraries in the text of a registry file. Raises 75 with a description if it is not the text of a
+/// registry file.
 std::vector<LibraryRecord> Parse(const String& text);
 
 /// Returns a list of classes as JSON text.

@@ -33,8 +33,7 @@ FolderLock::~FolderLock() {
 
 #else
 
-FolderLock::FolderLock(const fs::path& folder)
-    : folder_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+FolderLock::FolderLock(const fs::path& folder) : folder_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
     while (folder_ >= 0 && flock(folder_, LOCK_EX) != 0 && errno == EINTR) {
     }
 }

@@ -65,8 +65,8 @@ ClassRegistry::LibraryRecord RecordOf(const LibraryDescription& description) {
     ClassRegistry::LibraryRecord record{description.Name,   description.Identifier, description.Version,
                                         description.Locale, description.HelpText,   {}};
     for (const ClassEntry& entry : description.Classes)
-        record.Classes.push_back({String(description.Name) + "." + entry.Name, entry.ClassID, file,
-                                  "Apartment", entry.IsGlobal ? "global" : "multi-use"});
+        record.Classes.push_back({String(description.Name) + "." + entry.Name, entry.ClassID, file, "Apartment",
+                                  entry.IsGlobal ? "global" : "multi-use"});
     return record;
 }
 
@@ -108,8 +108,7 @@ HRESULT Library::GetClassObject(REFCLSID classID, REFIID riid, void** factory) n
 }
 
 HRESULT Library::CanUnloadNow() const noexcept {
-    const bool inUse =
-        living_.load(std::memory_order_acquire) > 0 || locks_.load(std::memory_order_acquire) > 0;
+    const bool inUse = living_.load(std::memory_order_acquire) > 0 || locks_.load(std::memory_order_acquire) > 0;
     return inUse ? S_FALSE : S_OK;
 }
 

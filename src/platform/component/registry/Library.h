@@ -43,15 +43,16 @@ public:
 
     const LibraryDescription& Description() const noexcept { return description_; }
 
-    /// DllGetClassObject: returns the class factory of a class. CLASS_E_CLASSNOTAVAILABLE for a class of another library,
-    /// E_NOINTERFACE for an interface that class factories don't have, E_POINTER for null.
+    /// DllGetClassObject: returns the class factory of a class. CLASS_E_CLASSNOTAVAILABLE for a class of another
+    /// library, E_NOINTERFACE for an interface that class factories don't have, E_POINTER for null.
     HRESULT GetClassObject(REFCLSID classID, REFIID riid, void** factory) noexcept;
 
     /// DllCanUnloadNow: returns S_OK if no object, class factory or lock of the library exists, otherwise S_FALSE.
     HRESULT CanUnloadNow() const noexcept;
 
-    /// DllRegisterServer and DllUnregisterServer: add the library and its classes to the class registry, or remove them.
-    /// SELFREG_E_CLASS if the registry can't be read or written; it is then unchanged, and the error record has the reason.
+    /// DllRegisterServer and DllUnregisterServer: add the library and its classes to the class registry, or remove
+    /// them. SELFREG_E_CLASS if the registry can't be read or written; it is then unchanged, and the error record has
+    /// the reason.
     HRESULT RegisterServer() noexcept;
     HRESULT UnregisterServer() noexcept;
 
@@ -63,7 +64,8 @@ public:
     void Lock() noexcept { locks_.fetch_add(1, std::memory_order_relaxed); }
     void Unlock() noexcept;
 
-    /// Publishes the interface identifiers of the classes, once. It is called before the library creates an object for a client.
+    /// Publishes the interface identifiers of the classes, once. It is called before the library creates an object for
+    /// a client.
     void Publish();
 
 private:

@@ -28,8 +28,7 @@ LibraryFile::LibraryFile(const String& path)
 
 void* LibraryFile::Function(const char* name) const {
     void* found = reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle_), name));
-    if (!found)
-        throw Error(CO_E_ERRORINDLL, "Runtime", path_ + " is no library of classes: it has no " + name);
+    if (!found) throw Error(CO_E_ERRORINDLL, "Runtime", path_ + " is no library of classes: it has no " + name);
     return found;
 }
 
@@ -43,15 +42,13 @@ String FileOfAddress(const void* address) {
     return failed ? info.dli_fname : path.string();
 }
 
-LibraryFile::LibraryFile(const String& path)
-    : path_(path), handle_(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {
+LibraryFile::LibraryFile(const String& path) : path_(path), handle_(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {
     if (!handle_) throw Error(CO_E_DLLNOTFOUND, "Runtime", String(dlerror()));
 }
 
 void* LibraryFile::Function(const char* name) const {
     void* found = dlsym(handle_, name);
-    if (!found)
-        throw Error(CO_E_ERRORINDLL, "Runtime", path_ + " is no library of classes: it has no " + name);
+    if (!found) throw Error(CO_E_ERRORINDLL, "Runtime", path_ + " is no library of classes: it has no " + name);
     return found;
 }
 

@@ -5,7 +5,8 @@
 
 namespace Platform {
 
-/// Returns the absolute path of the library or program file that contains this address of constant data. Any thread may call.
+/// Returns the absolute path of the library or program file that contains this address of constant data. Any thread may
+/// call.
 String FileOfAddress(const void* address);
 
 /// Returns the absolute path of the platform's own library file. Any thread may call.

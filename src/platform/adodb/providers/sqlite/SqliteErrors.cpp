@@ -18,8 +18,7 @@ struct Mapped {
 /// The engine has one code for all that is wrong with a statement; its text tells what.
 Mapped OfStatement(std::string_view text) {
     if (Contains(text, "no such table")) return {NoTable, "42S02"};
-    if (Contains(text, "no such column") || Contains(text, "has no column named"))
-        return {UnknownName, "42S22"};
+    if (Contains(text, "no such column") || Contains(text, "has no column named")) return {UnknownName, "42S22"};
     return {ErrorsInCommand, "42000"};
 }
 

@@ -112,8 +112,8 @@ private:
             case Cell::Kind::Whole: code = sqlite3_bind_int64(compiled, at, cell.whole); break;
             case Cell::Kind::Real: code = sqlite3_bind_double(compiled, at, cell.real); break;
             case Cell::Kind::Text:
-                code = sqlite3_bind_text64(compiled, at, cell.text ? cell.text : "", cell.length,
-                                           SQLITE_STATIC, SQLITE_UTF8);
+                code = sqlite3_bind_text64(compiled, at, cell.text ? cell.text : "", cell.length, SQLITE_STATIC,
+                                           SQLITE_UTF8);
                 break;
         }
         if (code != SQLITE_OK) RaiseSqlite(database_.get(), statement);
@@ -192,8 +192,7 @@ void RequireKnownSettings(const ConnectionString& settings) {
     if (!unknown.empty())
         RaiseAdo(MultipleStepFailed, "ADODB.Connection", "The setting \"" + unknown + "\" is not known.");
     if (!settings.Value("Password").empty())
-        RaiseAdo(MultipleStepFailed, "ADODB.Connection",
-                 "A password can't be honoured: a file has no users.");
+        RaiseAdo(MultipleStepFailed, "ADODB.Connection", "A password can't be honoured: a file has no users.");
     if (settings.Value("Data Source").empty())
         RaiseAdo(MultipleStepFailed, "ADODB.Connection", "The connection string names no Data Source.");
 }

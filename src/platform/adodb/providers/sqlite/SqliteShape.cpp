@@ -253,8 +253,8 @@ private:
         Halve(starts, ends, 0, starts.size());
     }
 
-    void Halve(const std::vector<std::size_t>& starts, const std::vector<std::size_t>& ends,
-               std::size_t first, std::size_t last) {
+    void Halve(const std::vector<std::size_t>& starts, const std::vector<std::size_t>& ends, std::size_t first,
+               std::size_t last) {
         if (last - first < 2) return;
         insertions_.push_back({starts[first], 1, "("});
         insertions_.push_back({ends[last - 1], 0, ")"});

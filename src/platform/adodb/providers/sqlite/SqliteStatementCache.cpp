@@ -41,8 +41,7 @@ void TakeDeclaredType(Column& column, const char* declared) {
     else if (has("REAL") || has("FLOA") || has("DOUB"))
         column.Type = adDouble;
     const auto open = type.find('(');
-    if (column.Type == adVarWChar && open != String::npos)
-        column.DefinedSize = CLng(Val(type.substr(open + 1)));
+    if (column.Type == adVarWChar && open != String::npos) column.DefinedSize = CLng(Val(type.substr(open + 1)));
 }
 
 Column ColumnOf(sqlite3* database, sqlite3_stmt* compiled, int at) {
@@ -53,9 +52,8 @@ Column ColumnOf(sqlite3* database, sqlite3_stmt* compiled, int at) {
     TakeDeclaredType(column, sqlite3_column_decltype(compiled, at));
     int notNull = 0, key = 0, counter = 0;
     if (!column.Table.empty() &&
-        sqlite3_table_column_metadata(database, sqlite3_column_database_name(compiled, at),
-                                      column.Table.c_str(), column.Origin.c_str(), nullptr, nullptr, &notNull,
-                                      &key, &counter) == SQLITE_OK) {
+        sqlite3_table_column_metadata(database, sqlite3_column_database_name(compiled, at), column.Table.c_str(),
+                                      column.Origin.c_str(), nullptr, nullptr, &notNull, &key, &counter) == SQLITE_OK) {
         column.Key = key != 0;
         // A key of this very type is the row's own number, which the engine counts up by itself.
         const bool rowNumber =
@@ -131,8 +129,7 @@ CompiledStatement* StatementCache::Find(std::string_view statement, std::vector<
 
 CompiledStatement& StatementCache::Keep(CompiledStatement plan, std::string_view statement) {
     const std::string_view start = StartOf(plan.shape.pieces.front());
-    if (statement.size() > LongestKept || start.size() < StartOf(statement).size())
-        return Once(std::move(plan));
+    if (statement.size() > LongestKept || start.size() < StartOf(statement).size()) return Once(std::move(plan));
     if (cached_.size() == MostKept) {
         const auto oldest = std::prev(cached_.end());
         const auto [first, last] = byStart_.equal_range(StartOf(oldest->shape.pieces.front()));
@@ -149,11 +146,11 @@ CompiledStatement& StatementCache::Once(CompiledStatement plan) {
     return once_.emplace(std::move(plan));
 }
 
-std::optional<CompiledStatement> StatementCache::CompileShape(std::string_view statement, std::vector<Literal>& literals) {
+std::optional<CompiledStatement> StatementCache::CompileShape(std::string_view statement,
+                                                              std::vector<Literal>& literals) {
     Shape shape;
     if (!CutAtLiterals(statement, shape, literals)) return {};
-    if (literals.size() >
-        static_cast<std::size_t>(sqlite3_limit(database_, SQLITE_LIMIT_VARIABLE_NUMBER, -1)))
+    if (literals.size() > static_cast<std::size_t>(sqlite3_limit(database_, SQLITE_LIMIT_VARIABLE_NUMBER, -1)))
         return {};
     sqlite3_stmt* const compiled = Compile(shape.Text(), true);
     if (!compiled) return {};

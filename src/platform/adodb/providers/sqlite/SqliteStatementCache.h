@@ -34,13 +34,15 @@ private:
     std::shared_ptr<const Columns> columns_;
 };
 
-/// The compiled statements of one session, cached by their shape; the least recently used one is removed first. One thread.
+/// The compiled statements of one session, cached by their shape; the least recently used one is removed first. One
+/// thread.
 class StatementCache {
 public:
     explicit StatementCache(sqlite3* database) : database_(database) {}
 
-    /// Returns the compiled statement for a text, from the cache or newly compiled, and its literals in the order of the "?".
-    /// It is valid until the next call. Raises the engine's error, and 0x80040E14 if a second statement follows the first.
+    /// Returns the compiled statement for a text, from the cache or newly compiled, and its literals in the order of
+    /// the "?". It is valid until the next call. Raises the engine's error, and 0x80040E14 if a second statement
+    /// follows the first.
     CompiledStatement& For(std::string_view statement, std::vector<Literal>& literals);
 
     /// Returns the compiled statement for a text of the database layer, which contains "?" itself.
@@ -64,7 +66,7 @@ private:
     sqlite3_stmt* Compile(std::string_view text, bool orNothing);
 
     sqlite3* database_;
-    List cached_;                                                          // the most recently used in front
+    List cached_;                                                        // the most recently used in front
     std::unordered_multimap<std::string_view, List::iterator> byStart_;  // views into the plans' own shapes
     std::optional<CompiledStatement> once_;
     std::size_t compiled_ = 0;

@@ -3,7 +3,7 @@
 #include "kit/Database.h"
 #include "platform/runtime/Services.h"
 
-/// The road of a card list: from a captured and hung series to the card that is made of it.
+/// A card list from a captured and hung series to the card that is made of it.
 namespace OXClass {
 namespace {
 
@@ -17,15 +17,15 @@ const char* const bitewings[] = {"17,16,47,46,", "15,14,45,44,", "24,25,34,35,",
 /// Which image lies where: image, left, top, width, height.
 using Placed = std::vector<double>;
 
-class CardRoad : public WithDatabase {
+class CardLifecycle : public WithDatabase {
 protected:
-    CardRoad() {
+    CardLifecycle() {
         LoadLayouts();
         TheHost().Now = [this] { return now; };
         Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, '/images', 1)");
         Run("INSERT INTO Patient_T (PatientID, PersonNr_CH) VALUES (7, 'ANNA')");
     }
-    ~CardRoad() override { TheHost().Now = clock; }
+    ~CardLifecycle() override { TheHost().Now = clock; }
 
     String NewUid() { return New<Class1>()->GetInstanceUID(con); }
 
@@ -86,8 +86,7 @@ protected:
     void Open(const Ref<cUniCard>& entry) {
         const bool isSeries = entry->CardType() == ctseries;
         Long key = isSeries ? entry->Series->ID : entry->Imagecard->ICID;
-        EXPECT_EQ(entry->LoadCardFull(con, isSeries ? entry->Series->instanceUID : String(), key,
-                                      entry->CardType()),
+        EXPECT_EQ(entry->LoadCardFull(con, isSeries ? entry->Series->instanceUID : String(), key, entry->CardType()),
                   0);
         entry->Fullyloaded = true;
     }
@@ -95,8 +94,8 @@ protected:
     static std::vector<Placed> PlacesOf(const Ref<cUniCard>& entry) {
         std::vector<Placed> places;
         for (const auto& placed : Each<cImagecardAttribute>(*entry->Imagecard->ImagecardAttributes))
-            places.push_back({static_cast<double>(placed.ImageID), placed.IAPosX, placed.IAPosY,
-                              placed.IAWidth, placed.IAHeight});
+            places.push_back(
+                {static_cast<double>(placed.ImageID), placed.IAPosX, placed.IAPosY, placed.IAWidth, placed.IAHeight});
         return places;
     }
 
@@ -106,8 +105,8 @@ protected:
         for (const cImage& image : *entry->colImages)
             for (const auto& slot : Each<cTemplateAttribute>(*entry->Template->TemplateAttributes))
                 if (slot.TANumberInTemplate == image.FrameNumber)
-                    slots.push_back({static_cast<double>(image.ID), slot.TAPosX, slot.TAPosY, slot.TAWidth,
-                                     slot.TAHeight});
+                    slots.push_back(
+                        {static_cast<double>(image.ID), slot.TAPosX, slot.TAPosY, slot.TAWidth, slot.TAHeight});
         return slots;
     }
 
@@ -118,7 +117,7 @@ protected:
     Ref<cImages> images = New<cImages>();
 };
 
-TEST_F(CardRoad, ASeriesIsHungListedOpenedAndStoredAsACardThatLooksTheSame) {
+TEST_F(CardLifecycle, ASeriesIsHungListedOpenedAndStoredAsACardThatLooksTheSame) {
     BeginSeries();
     EXPECT_THAT(KeysOf(List()), ElementsAre("SE1")) << "under capture";
     for (const char* teeth : bitewings) Capture(teeth);
@@ -147,7 +146,7 @@ TEST_F(CardRoad, ASeriesIsHungListedOpenedAndStoredAsACardThatLooksTheSame) {
     for (const cImage& image : *card->colImages) EXPECT_EQ(image.Root_RootDirectory, "/images");
 }
 
-TEST_F(CardRoad, AnImageThatHangsNowhereComesBackInTheGrid) {
+TEST_F(CardLifecycle, AnImageThatHangsNowhereComesBackInTheGrid) {
     BeginSeries();
     for (const char* teeth : bitewings) Capture(teeth);
     HangAndSave();
@@ -163,7 +162,7 @@ TEST_F(CardRoad, AnImageThatHangsNowhereComesBackInTheGrid) {
     EXPECT_EQ(places, PlacesOf(hung));
 }
 
-TEST_F(CardRoad, ACaptureThatBringsNothingIsGoneFromTheListAndTheTableAfterTenMinutes) {
+TEST_F(CardLifecycle, ACaptureThatBringsNothingIsGoneFromTheListAndTheTableAfterTenMinutes) {
     BeginSeries();
     now.Days += 9 / 1440.0;
     EXPECT_THAT(KeysOf(List()), ElementsAre("SE1"));
@@ -174,7 +173,7 @@ TEST_F(CardRoad, ACaptureThatBringsNothingIsGoneFromTheListAndTheTableAfterTenMi
     EXPECT_THAT(KeysOf(List()), IsEmpty()) << "for good";
 }
 
-TEST_F(CardRoad, ACardThatTheUserChangesStaysInPlaceWithItsNewName) {
+TEST_F(CardLifecycle, ACardThatTheUserChangesStaysInPlaceWithItsNewName) {
     BeginSeries();
     for (const char* teeth : bitewings) Capture(teeth);
     HangAndSave();

@@ -6,7 +6,7 @@
 
 #include <set>
 
-/// The road of a series, from the capture to the hung examination and back out of the tables.
+/// A series from the capture to the hung examination and back out of the tables.
 namespace OXClass {
 namespace {
 
@@ -14,9 +14,9 @@ using namespace TestKit;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 
-class SeriesRoad : public WithDatabase {
+class SeriesLifecycle : public WithDatabase {
 protected:
-    SeriesRoad() {
+    SeriesLifecycle() {
         LoadLayouts();
         Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, '/images', 1)");
     }
@@ -75,13 +75,12 @@ protected:
     Ref<cImages> images;
 };
 
-const char* const EighteenFilms[] = {"24,25,",       "26,27,",       "15,14,",      "17,16,", "35,34,",
-                                     "36,37,",       "45,44,",       "47,46,",      "13,12,", "11,21,",
-                                     "22,23,",       "43,42,",       "41,31,",      "32,33,", "17,16,47,46,",
-                                     "15,14,45,44,", "24,25,34,35,", "26,27,36,37,"};
+const char* const EighteenFilms[] = {
+    "24,25,", "26,27,", "15,14,", "17,16,", "35,34,", "36,37,",       "45,44,",       "47,46,",       "13,12,",
+    "11,21,", "22,23,", "43,42,", "41,31,", "32,33,", "17,16,47,46,", "15,14,45,44,", "24,25,34,35,", "26,27,36,37,"};
 constexpr Long FramesOfEighteenFilms[] = {6, 7, 2, 1, 17, 18, 13, 12, 3, 4, 5, 14, 15, 16, 8, 9, 10, 11};
 
-TEST_F(SeriesRoad, AFullMouthSeriesComesBackAsItWasHung) {
+TEST_F(SeriesLifecycle, AFullMouthSeriesComesBackAsItWasHung) {
     BeginSeries(7, "IO");
     for (const char* teeth : EighteenFilms) Capture(teeth);
     HangAndSave();
@@ -105,7 +104,7 @@ TEST_F(SeriesRoad, AFullMouthSeriesComesBackAsItWasHung) {
     EXPECT_THAT(frames, ElementsAreArray(FramesOfEighteenFilms));
 }
 
-TEST_F(SeriesRoad, HangingItselfSendsNothingAndSavesNothing) {
+TEST_F(SeriesLifecycle, HangingItselfSendsNothingAndSavesNothing) {
     BeginSeries(7, "IO");
     for (const char* teeth : {"26,27,36,37,", "17,16,47,46,"}) Capture(teeth);
     log.statements.clear();
@@ -116,7 +115,7 @@ TEST_F(SeriesRoad, HangingItselfSendsNothingAndSavesNothing) {
     EXPECT_EQ(Ask("SELECT template_ID FROM Series_T"), Variant(Long{0}));
 }
 
-TEST_F(SeriesRoad, AReloadedSeriesHangsTheSameAgain) {
+TEST_F(SeriesLifecycle, AReloadedSeriesHangsTheSameAgain) {
     BeginSeries(7, "IO");
     for (const char* teeth : EighteenFilms) Capture(teeth);
     HangAndSave();
@@ -130,7 +129,7 @@ TEST_F(SeriesRoad, AReloadedSeriesHangsTheSameAgain) {
     EXPECT_THAT(frames, ElementsAreArray(FramesOfEighteenFilms));
 }
 
-TEST_F(SeriesRoad, ASecondImportOfTheSameFilesMakesNoSecondRow) {
+TEST_F(SeriesLifecycle, ASecondImportOfTheSameFilesMakesNoSecondRow) {
     BeginSeries(7, "IO");
     for (const char* teeth : {"17,16,47,46,", "26,27,36,37,"}) Capture(teeth);
     HangAndSave();
@@ -163,7 +162,7 @@ TEST_F(SeriesRoad, ASecondImportOfTheSameFilesMakesNoSecondRow) {
     EXPECT_EQ(Ask("SELECT PatientID FROM Study_T"), Variant(Long{7})) << "a study can't lose its patient";
 }
 
-TEST_F(SeriesRoad, CommentsFollowTheirImages) {
+TEST_F(SeriesLifecycle, CommentsFollowTheirImages) {
     BeginSeries(7, "IO");
     for (const char* teeth : {"17,16,47,46,", "26,27,36,37,"}) Capture(teeth);
     const Ref<cImages> read = New<cImages>();
@@ -183,7 +182,7 @@ TEST_F(SeriesRoad, CommentsFollowTheirImages) {
     EXPECT_EQ(again->Comments()->Item(Long{2})->str, "image 2");
 }
 
-TEST_F(SeriesRoad, EachUidIsItsOwn) {
+TEST_F(SeriesLifecycle, EachUidIsItsOwn) {
     BeginSeries(7, "IO");
     for (const char* teeth : EighteenFilms) Capture(teeth);
     std::set<String> uids{study->instanceUID, series->instanceUID};
@@ -195,7 +194,7 @@ TEST_F(SeriesRoad, EachUidIsItsOwn) {
     }
 }
 
-TEST_F(SeriesRoad, ImagesOfAPatientComeFromAllItsSeries) {
+TEST_F(SeriesLifecycle, ImagesOfAPatientComeFromAllItsSeries) {
     BeginSeries(7, "IO");
     Capture("11,");
     BeginSeries(7, "PX");
@@ -209,7 +208,7 @@ TEST_F(SeriesRoad, ImagesOfAPatientComeFromAllItsSeries) {
     EXPECT_EQ(read->Item(Long{1})->sTeeth, "21,");
 }
 
-TEST_F(SeriesRoad, DeletingStudyAndSeriesLeavesTheImages) {
+TEST_F(SeriesLifecycle, DeletingStudyAndSeriesLeavesTheImages) {
     BeginSeries(7, "IO");
     Capture("11,");
     series->Delete(con);
@@ -220,7 +219,7 @@ TEST_F(SeriesRoad, DeletingStudyAndSeriesLeavesTheImages) {
     EXPECT_EQ(read->LoadAll4Object(con, iootSeries, series->ID), 1);
 }
 
-TEST_F(SeriesRoad, OneTransactionOfTheCallerTakesTheWholeRoad) {
+TEST_F(SeriesLifecycle, OneTransactionOfTheCallerTakesTheWholeRoad) {
     con->BeginTrans();
     BeginSeries(7, "IO");
     for (const char* teeth : EighteenFilms) Capture(teeth);
@@ -230,7 +229,7 @@ TEST_F(SeriesRoad, OneTransactionOfTheCallerTakesTheWholeRoad) {
         EXPECT_EQ(Ask("SELECT COUNT(*) FROM " + String(table)), Variant(Long{0})) << table;
 }
 
-TEST_F(SeriesRoad, NamesInAnyScriptAndADecimalCommaComeThrough) {
+TEST_F(SeriesLifecycle, NamesInAnyScriptAndADecimalCommaComeThrough) {
     const InLocale comma(DecimalComma);
     BeginSeries(7, "IO");
     study->referDrName = "Δρ. Παπαδόπουλος";
