@@ -114,5 +114,6 @@ private:
 template <>
 struct Platform::EnumerationOf<OXClass::AnaDescType> {
     static constexpr const char* Name = "AnaDescType";
-    static constexpr EnumerationValue Values[] = {{"adtIntraOral", 0}, {"adtGeneralDX", 1}, {"adtAll", 999}};
+    static constexpr EnumerationValue Values[] = {
+        {"adtIntraOral", OXClass::adtIntraOral}, {"adtGeneralDX", OXClass::adtGeneralDX}, {"adtAll", OXClass::adtAll}};
 };

@@ -96,5 +96,6 @@ private:
 template <>
 struct Platform::EnumerationOf<OXClass::CardTypes> {
     static constexpr const char* Name = "CardTypes";
-    static constexpr EnumerationValue Values[] = {{"ctUnknown", 0}, {"ctImagecard", 1}, {"ctseries", 2}};
+    static constexpr EnumerationValue Values[] = {
+        {"ctUnknown", OXClass::ctUnknown}, {"ctImagecard", OXClass::ctImagecard}, {"ctseries", OXClass::ctseries}};
 };

@@ -75,11 +75,27 @@ template <>
 struct Platform::EnumerationOf<OXClass::ManipulationType> {
     static constexpr const char* Name = "ManipulationType";
     static constexpr EnumerationValue Values[] = {
-        {"ManCosmetic", 1},       {"Manbrightness", 2}, {"ManContrast", 3},     {"ManInvert", 4},
-        {"ManColorize", 5},       {"ManRotate", 6},     {"ManMirror", 7},       {"ManSharpen", 8},
-        {"ManBitmap", 9},         {"ManPosResize", 10}, {"UndoStop", 11},       {"ManLeftFocus", 12},
-        {"ManGotfocus", 13},      {"ManICResize", 14},  {"Delete", 15},         {"ManAttCorr", 16},
-        {"ManMedian", 17},        {"ManEmboss", 18},    {"ManEdgeEnhance", 19}, {"ManAnnBurn", 20},
-        {"ManEnhanceFilter", 21}, {"ManCrop", 22},
+        {"ManCosmetic", OXClass::ManCosmetic},
+        {"Manbrightness", OXClass::Manbrightness},
+        {"ManContrast", OXClass::ManContrast},
+        {"ManInvert", OXClass::ManInvert},
+        {"ManColorize", OXClass::ManColorize},
+        {"ManRotate", OXClass::ManRotate},
+        {"ManMirror", OXClass::ManMirror},
+        {"ManSharpen", OXClass::ManSharpen},
+        {"ManBitmap", OXClass::ManBitmap},
+        {"ManPosResize", OXClass::ManPosResize},
+        {"UndoStop", OXClass::UndoStop},
+        {"ManLeftFocus", OXClass::ManLeftFocus},
+        {"ManGotfocus", OXClass::ManGotfocus},
+        {"ManICResize", OXClass::ManICResize},
+        {"Delete", OXClass::Delete},
+        {"ManAttCorr", OXClass::ManAttCorr},
+        {"ManMedian", OXClass::ManMedian},
+        {"ManEmboss", OXClass::ManEmboss},
+        {"ManEdgeEnhance", OXClass::ManEdgeEnhance},
+        {"ManAnnBurn", OXClass::ManAnnBurn},
+        {"ManEnhanceFilter", OXClass::ManEnhanceFilter},
+        {"ManCrop", OXClass::ManCrop},
     };
 };

@@ -37,17 +37,17 @@ template <>
 struct Platform::EnumerationOf<OXClass::xigImageTypes> {
     static constexpr const char* Name = "xigImageTypes";
     static constexpr EnumerationValue Values[] = {
-        {"imggTypeSC", 0},
-        {"imggTypeDXIntraOral", 1},
-        {"imggTypeVLEndoscopic", 2},
-        {"imggTypeVLMicroscopic", 3},
-        {"imggTypeDXPanoramic", 4},
-        {"imggTypeDXCephalometric", 5},
-        {"imggTypeDXGeneral", 6},
-        {"imggTypeDXSkull", 7},
-        {"imggTypeVLPhotographic", 8},
-        {"imggTypeNone", 32000},
-        {"imggTypeGeneralObject", 32767},
+        {"imggTypeSC", OXClass::imggTypeSC},
+        {"imggTypeDXIntraOral", OXClass::imggTypeDXIntraOral},
+        {"imggTypeVLEndoscopic", OXClass::imggTypeVLEndoscopic},
+        {"imggTypeVLMicroscopic", OXClass::imggTypeVLMicroscopic},
+        {"imggTypeDXPanoramic", OXClass::imggTypeDXPanoramic},
+        {"imggTypeDXCephalometric", OXClass::imggTypeDXCephalometric},
+        {"imggTypeDXGeneral", OXClass::imggTypeDXGeneral},
+        {"imggTypeDXSkull", OXClass::imggTypeDXSkull},
+        {"imggTypeVLPhotographic", OXClass::imggTypeVLPhotographic},
+        {"imggTypeNone", OXClass::imggTypeNone},
+        {"imggTypeGeneralObject", OXClass::imggTypeGeneralObject},
     };
 };
 
@@ -56,9 +56,9 @@ template <>
 struct Platform::EnumerationOf<OXClass::gdcmObjectLocation> {
     static constexpr const char* Name = "gdcmObjectLocation";
     static constexpr EnumerationValue Values[] = {
-        {"gdcmObjectLocUnknown", 0},
-        {"gdcmObjectLocLocal", 1},
-        {"gdcmObjectLocServer", 2},
-        {"gdcmObjectLocBoth", 3},
+        {"gdcmObjectLocUnknown", OXClass::gdcmObjectLocUnknown},
+        {"gdcmObjectLocLocal", OXClass::gdcmObjectLocLocal},
+        {"gdcmObjectLocServer", OXClass::gdcmObjectLocServer},
+        {"gdcmObjectLocBoth", OXClass::gdcmObjectLocBoth},
     };
 };

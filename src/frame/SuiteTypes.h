@@ -80,14 +80,19 @@ struct CIDExt {
 template <>
 struct Platform::EnumerationOf<OXClass::gtFuncs> {
     static constexpr const char* Name = "gtFuncs";
-    static constexpr EnumerationValue Values[] = {
-        {"gtMWLQuery", 0}, {"gtGetRespPerson", 1}, {"gtShowObject", 2}, {"gtGetSessionInfo", 3}};
+    static constexpr EnumerationValue Values[] = {{"gtMWLQuery", OXClass::gtMWLQuery},
+                                                  {"gtGetRespPerson", OXClass::gtGetRespPerson},
+                                                  {"gtShowObject", OXClass::gtShowObject},
+                                                  {"gtGetSessionInfo", OXClass::gtGetSessionInfo}};
 };
 
 /// The names and numbers of `CIDTypes`, for the type library.
 template <>
 struct Platform::EnumerationOf<OXClass::CIDTypes> {
     static constexpr const char* Name = "CIDTypes";
-    static constexpr EnumerationValue Values[] = {
-        {"cidtRegionIO", 0}, {"cidtRegionDX", 1}, {"cidtModifierIO", 2}, {"cidtModifierDX", 3}, {"cidtOther", 999}};
+    static constexpr EnumerationValue Values[] = {{"cidtRegionIO", OXClass::cidtRegionIO},
+                                                  {"cidtRegionDX", OXClass::cidtRegionDX},
+                                                  {"cidtModifierIO", OXClass::cidtModifierIO},
+                                                  {"cidtModifierDX", OXClass::cidtModifierDX},
+                                                  {"cidtOther", OXClass::cidtOther}};
 };

@@ -82,6 +82,8 @@ private:
 template <>
 struct Platform::EnumerationOf<OXClass::ImageOwnerOjectTypes> {
     static constexpr const char* Name = "ImageOwnerOjectTypes";
-    static constexpr EnumerationValue Values[] = {
-        {"iootUnknown", 0}, {"iootPatient", 1}, {"iootImageCard", 2}, {"iootSeries", 3}};
+    static constexpr EnumerationValue Values[] = {{"iootUnknown", OXClass::iootUnknown},
+                                                  {"iootPatient", OXClass::iootPatient},
+                                                  {"iootImageCard", OXClass::iootImageCard},
+                                                  {"iootSeries", OXClass::iootSeries}};
 };

@@ -91,6 +91,8 @@ private:
 template <>
 struct Platform::EnumerationOf<OXClass::DoctorType> {
     static constexpr const char* Name = "DoctorType";
-    static constexpr EnumerationValue Values[] = {
-        {"drt_Unknown", 0}, {"drt_Local", 1}, {"drt_Remote", 2}, {"drt_Web", 3}};
+    static constexpr EnumerationValue Values[] = {{"drt_Unknown", OXClass::drt_Unknown},
+                                                  {"drt_Local", OXClass::drt_Local},
+                                                  {"drt_Remote", OXClass::drt_Remote},
+                                                  {"drt_Web", OXClass::drt_Web}};
 };

@@ -219,7 +219,7 @@ TEST_F(SeriesLifecycle, DeletingStudyAndSeriesLeavesTheImages) {
     EXPECT_EQ(read->LoadAll4Object(con, iootSeries, series->ID), 1);
 }
 
-TEST_F(SeriesLifecycle, OneTransactionOfTheCallerTakesTheWholeRoad) {
+TEST_F(SeriesLifecycle, OneTransactionOfTheCallerCoversTheWholeLifecycle) {
     con->BeginTrans();
     BeginSeries(7, "IO");
     for (const char* teeth : EighteenFilms) Capture(teeth);

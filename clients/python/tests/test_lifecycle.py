@@ -1,4 +1,4 @@
-"""The whole road of a series and of a card list, compared with what Python's own sqlite3 reads from the file."""
+"""A series and a card list from capture to removal, compared with what Python's own sqlite3 reads from the file."""
 import datetime
 
 import oxclass
@@ -25,7 +25,7 @@ def stored(value):
     return int(value) if isinstance(value, bool) else value
 
 
-class Road(ClinicTest):
+class Lifecycle(ClinicTest):
     def assert_same(self, thing, row, columns):
         self.assertEqual({name: stored(getattr(thing, name)) for name in columns},
                          {name: row[column] for name, column in columns.items()})
