@@ -14,7 +14,7 @@ namespace {
     RaiseAdo(MultipleStepFailed, "ADODB.Connection", "The connection string can't be read: " + why + ".");
 }
 
-/// A quoted value that begins at `at`, which then stands behind its closing quote.
+/// Returns the quoted value that begins at `at`, and moves `at` behind its closing quote.
 String TakeQuoted(std::string_view text, std::size_t& at) {
     const char quote = text[at++];
     String value;

@@ -12,7 +12,7 @@ namespace {
 
 constexpr const char* Self = "ADODB.Recordset";
 
-/// The cursor that a request really gets, as far as it can be told from its properties.
+/// Returns the cursor type that a request actually gets, as its properties report it.
 CursorTypeEnum ActualCursor(CursorLocationEnum location, CursorTypeEnum asked, LockTypeEnum lock) {
     if (location == adUseClient) return adOpenStatic;
     if (lock != adLockReadOnly || asked == adOpenDynamic) return adOpenKeyset;

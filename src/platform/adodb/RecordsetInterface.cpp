@@ -10,7 +10,7 @@ namespace {
 
 constexpr const char* Self = "ADODB.Recordset";
 
-/// The connection that a client gives: itself, or the text of one that is opened for it alone.
+/// Returns the connection that a client passes: a connection, or the connection string of one that is opened for it.
 Ref<Connection> ConnectionFrom(const Variant& given) {
     if (!given.Is<String>()) return To<Ref<Connection>>(given);
     Ref<Connection> own = New<Connection>();

@@ -124,9 +124,9 @@ Row RowStore::Add(std::span<const Cell> cells) {
     std::size_t bytes = cells.size_bytes();
     for (const Cell& cell : cells)
         if (cell.kind == Cell::Kind::Text) bytes += cell.length;
-    std::byte* const room = Allocate(bytes);
-    auto* const to = reinterpret_cast<Cell*>(room);
-    auto* texts = reinterpret_cast<char*>(room + cells.size_bytes());
+    std::byte* const block = Allocate(bytes);
+    auto* const to = reinterpret_cast<Cell*>(block);
+    auto* texts = reinterpret_cast<char*>(block + cells.size_bytes());
     std::uninitialized_copy(cells.begin(), cells.end(), to);
     for (std::size_t i = 0; i < cells.size(); ++i) {
         if (to[i].kind != Cell::Kind::Text || to[i].length == 0) continue;

@@ -71,7 +71,7 @@ double FromDecimal(const String& text) {
 }
 
 /// The digits behind "&H" or "&O" as a signed number of 16 bits, or of 32 where they need more.
-/// The text is read as far as it goes; `used` tells how many characters were.
+/// Reads the beginning of the text; `used` is the number of characters that were read.
 double FromRadix(std::string_view text, std::size_t& used) {
     const bool hex = text.size() > 1 && (text[1] == 'h' || text[1] == 'H');
     std::uint64_t number = 0;
@@ -171,7 +171,7 @@ Whole ToWhole(const Variant& value) {
 
 // ---- numbers to text ----------------------------------------------------------------------------
 
-/// Lays out the significant digits of a number whose decimal point stands behind digit `point`.
+/// Writes the significant digits of a number whose decimal point follows digit `point`.
 String LayOut(const String& digits, int point, int precision) {
     const auto count = static_cast<int>(digits.size());
     const char sign = UserLocale().DecimalSign;
@@ -301,7 +301,7 @@ bool TakeDay(DateParts& parts, int year, int month, int day) {
     return true;
 }
 
-/// Day, month and year from three numbers, the locale's order first, then any order that gives a day.
+/// Returns day, month and year from three numbers, in the order of the locale or else in any order that is a valid day.
 bool TakeNumericDay(const std::vector<Word>& w, DateParts& parts) {
     using enum Locale::Order;
     const auto in = [&](Locale::Order order) {

@@ -20,7 +20,7 @@ void AppendPadded(String& out, int number, std::size_t width) {
 
 char Lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
 
-/// Appends what a run of one pattern letter stands for; false if the letter stands for itself.
+/// Appends the value of a run of one pattern letter. Returns false if the letter is not part of the pattern language.
 bool AppendToken(String& out, const DateParts& parts, char letter, std::size_t run, bool minutes) {
     switch (letter) {
         case 'y':

@@ -113,7 +113,7 @@ String Mid(std::string_view text, Long start) {
     if (start < 1) Raise(err::InvalidCall);
     const Long skipped = start - 1;
     std::size_t at = ByteOfUnit(text, skipped);
-    // A start inside a pair: the first half is behind us, the second alone is no character.
+    // A start inside a surrogate pair: the second half alone is not a character.
     if (at < text.size() && Len(text.substr(0, at)) < skipped) at += CharacterAt(text, at).bytes;
     return String(text.substr(at));
 }

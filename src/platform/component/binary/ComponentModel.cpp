@@ -28,7 +28,7 @@ const IID IID_ICreateErrorInfo = {0x22F03340, 0x547D, 0x101B, {0x8E, 0x65, 0x08,
 
 namespace {
 
-/// What stands in front of a text's first unit. Padded so that the units lie as the allocation does.
+/// What precedes the first unit of a text. Padded so that the units are aligned as the allocation is.
 struct TextHead {
     std::uint32_t padding;
     std::uint32_t bytes;
@@ -160,7 +160,7 @@ HRESULT VariantCopy(VARIANTARG* to, const VARIANTARG* from) {
 
 namespace {
 
-/// An array with what stands in front of it: its element type.
+/// An array and what precedes it: its element type.
 struct ArrayWithType {
     std::uint64_t type;
     SAFEARRAY array;

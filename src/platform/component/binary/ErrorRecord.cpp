@@ -116,7 +116,7 @@ struct RecordEnd {
 
 HRESULT SetErrorInfo(ULONG, IErrorInfo* record) {
     if (record) {
-        if (isEnding) return S_OK;  // nobody would release it
+        if (isEnding) return S_OK;  // it would not be released
         thread_local const RecordEnd end;
         record->AddRef();
     }

@@ -22,7 +22,7 @@ HRESULT WrongThread() noexcept {
                     "An object is used only on the thread that made it. Make another object on this thread");
 }
 
-/// What `read` gives for an argument; its failure tells which one it was.
+/// Returns what `read` returns for an argument; adds the index of the argument to its failure.
 template <class Read>
 Variant WithArgumentIndex(std::size_t index, Read read) {
     try {
@@ -299,7 +299,7 @@ std::span<const void* const> EnumeratorSlots() {
 namespace detail {
 namespace {
 
-/// Where an argument's value stands.
+/// Returns the address of an argument's value.
 const void* PlaceOf(const Member& member, std::size_t index, const void* given) {
     return member.CrossesAsPlace(member.Arguments[index]) ? *static_cast<const void* const*>(given) : given;
 }

@@ -19,7 +19,7 @@ void NumberMembers(std::vector<Member>& members) {
     }
 }
 
-/// A late-bound client can't always tell a get from a call, nor a put from a put by reference.
+/// A late-bound client can't always distinguish a get from a call, nor a put from a put by reference.
 bool Answers(const Member& member, MemberKind kind) {
     return member.IsPut() == (kind == MemberKind::Put || kind == MemberKind::PutRef);
 }

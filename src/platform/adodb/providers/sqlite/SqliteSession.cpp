@@ -46,7 +46,7 @@ public:
         Bind(plan.Compiled(), text);
         const std::int64_t before = sqlite3_total_changes64(database_.get());
         Outcome outcome;
-        Walk(plan, outcome, text);
+        ReadRows(plan, outcome, text);
         const bool changed = sqlite3_total_changes64(database_.get()) != before;
         if (!outcome.columns) outcome.affected = changed ? sqlite3_changes64(database_.get()) : 0;
         return outcome;
@@ -119,7 +119,7 @@ private:
         if (code != SQLITE_OK) RaiseSqlite(database_.get(), statement);
     }
 
-    void Walk(CompiledStatement& plan, Outcome& outcome, std::string_view text) {
+    void ReadRows(CompiledStatement& plan, Outcome& outcome, std::string_view text) {
         sqlite3_stmt* const compiled = plan.Compiled();
         int code = sqlite3_step(compiled);
         // Each later call replaces the engine's error: it is raised before the columns are asked for.
@@ -170,7 +170,7 @@ int FlagsOf(const String& mode) {
              "Mode=" + mode + " can't be honoured; it is Read, Snapshot, ReadWrite or Create.");
 }
 
-/// A file's name as a URI whose file the engine takes as one that nobody changes.
+/// Returns a file name as a URI that tells the engine that the file does not change.
 String SnapshotName(const String& file) {
     constexpr std::string_view plain = "/-._~";
     String name = file.starts_with("//") ? "file://" : "file:";
@@ -202,7 +202,7 @@ void SetUp(sqlite3* database, bool readOnly) {
     sqlite3_busy_timeout(database, WaitForLock_ms);
     sqlite3_db_config(database, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);  // "name" is a name, never a text
     sqlite3_db_config(database, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
-    const char* const set = readOnly ? "SELECT count(*) FROM sqlite_schema"  // fails on what is no database
+    const char* const set = readOnly ? "SELECT count(*) FROM sqlite_schema"  // fails if it is not a database
                                      : "PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL;";
     if (sqlite3_exec(database, set, nullptr, nullptr, nullptr) != SQLITE_OK) RaiseSqlite(database, set);
 }

@@ -84,7 +84,7 @@ Token TokenAt(std::string_view text, std::size_t at) {
 
 constexpr std::size_t LongestWord = 10;
 
-/// A short word in upper case, or the empty text for one that is no keyword by its length.
+/// Returns a short word in upper case, or an empty text for a word that is too long for a keyword.
 std::string_view Upper(std::string_view word, std::array<char, LongestWord>& buffer) {
     if (word.size() > LongestWord) return {};
     std::transform(word.begin(), word.end(), buffer.begin(),
@@ -103,7 +103,7 @@ constexpr std::array<std::string_view, 14> NoValuesFollow{"SELECT", "FROM",   "J
                                                           "INTO",   "WINDOW", "AS",    "RETURNING"};
 constexpr std::array<std::string_view, 5> Verbs{"SELECT", "INSERT", "UPDATE", "DELETE", "REPLACE"};
 
-/// The literal that begins at `at`, if one that may be lifted does; gives its end, or 0.
+/// Finds the literal that begins at `at` and may become a parameter; returns its end, or 0.
 std::size_t LiteralAt(std::string_view text, std::size_t at, Literal& literal) {
     if (at >= text.size()) return 0;
     if (text[at] == '\'') {
@@ -112,7 +112,7 @@ std::size_t LiteralAt(std::string_view text, std::size_t at, Literal& literal) {
         literal = {true, text.substr(at + 1, end - at - 2)};
         return end;
     }
-    // Behind a word the digits would belong to it, though a quoted text may stand there.
+    // After a word, digits would belong to it; a quoted text may follow it.
     if (at > 0 && (IsWordCharacter(text[at - 1]) || text[at - 1] == '.')) return 0;
     constexpr std::size_t mostDigits = 18;  // what 64 bits hold whatever the digits are
     std::size_t end = at;
@@ -123,7 +123,7 @@ std::size_t LiteralAt(std::string_view text, std::size_t at, Literal& literal) {
     return end;
 }
 
-/// Walks a statement and notes where its literals are.
+/// Reads a statement and records the positions of its literals.
 class Cutter {
 public:
     Cutter(std::string_view statement, Shape& shape, std::vector<Literal>& literals)
@@ -201,7 +201,7 @@ public:
     }
 
 private:
-    /// A stretch of text that may be one chain: what stands in parentheses, or behind WHERE.
+    /// A part of the text that may be one chain: the text in parentheses, or after WHERE.
     struct Region {
         bool chain = false;
         std::size_t start = 0;

@@ -15,7 +15,7 @@ namespace ADODB {
 /// A literal in a statement's text.
 struct Literal {
     bool isText = false;
-    std::string_view body;  ///< the digits, or what stands between the quotes, doubled ones included
+    std::string_view body;  ///< the digits, or the text between the quotes, with doubled quotes
 };
 
 /// A statement cut at its literals: piece, literal, piece, ... piece.
@@ -25,7 +25,7 @@ struct Shape {
     /// The text to compile, with "?" for each literal.
     std::string Text() const;
 
-    /// True if `statement` has this shape; its literals then stand in `literals`, pointing into it.
+    /// Returns true if `statement` has this shape; `literals` then has its literals, which point into it.
     bool Matches(std::string_view statement, std::vector<Literal>& literals) const;
 };
 

@@ -12,13 +12,13 @@ using namespace Platform;
 
 namespace {
 
-/// The part of a text by which plans are found: long enough to tell statements apart, short enough to
-/// stand in front of the first literal as a rule.
+/// The beginning of a text, by which cached statements are found: long enough to distinguish statements, short enough
+/// to end before the first literal as a rule.
 std::string_view StartOf(std::string_view text) { return text.substr(0, 16); }
 
 String TextOrEmpty(const char* text) { return text ? text : ""; }
 
-/// The type that a declared type stands for, and the width in its parentheses.
+/// Returns the type of a declared type, and the width in its parentheses.
 void TakeDeclaredType(Column& column, const char* declared) {
     const String type = UCase(TextOrEmpty(declared));
     const auto has = [&](std::string_view part) { return Contains(type, part); };
@@ -69,11 +69,11 @@ bool IsBlank(std::string_view text) {
 }
 
 /// Forms of the suite's own engine that this one spells differently.
-std::string_view Adapted(std::string_view statement, String& room) {
+std::string_view Adapted(std::string_view statement, String& buffer) {
     if (EqualsIgnoringCase(Trim(statement), "SELECT @@IDENTITY")) return "SELECT last_insert_rowid()";
     constexpr std::string_view deleteStar = "DELETE * FROM";
     if (!EqualsIgnoringCase(statement.substr(0, deleteStar.size()), deleteStar)) return statement;
-    return room = "DELETE FROM" + String(statement.substr(deleteStar.size()));
+    return buffer = "DELETE FROM" + String(statement.substr(deleteStar.size()));
 }
 
 }  // namespace
@@ -165,8 +165,8 @@ CompiledStatement& StatementCache::For(std::string_view statement, std::vector<L
     if (std::optional<CompiledStatement> shaped = CompileShape(statement, literals))
         return Keep(std::move(*shaped), statement);
     literals.clear();
-    String room;
-    CompiledStatement plan(Compile(Adapted(statement, room), false));
+    String buffer;
+    CompiledStatement plan(Compile(Adapted(statement, buffer), false));
     if (sqlite3_bind_parameter_count(plan.Compiled()) > 0)
         RaiseSqlite(UnknownName, "No value given for one or more required parameters.", statement);
     return Once(std::move(plan));
