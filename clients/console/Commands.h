@@ -4,8 +4,8 @@
 
 #include <CLI/CLI.hpp>
 
-/// The commands of the program. Each `Add...` puts its command into the program's parser; the work is
-/// done when the parser meets it. They throw `UserError` and the library's `Error`.
+/// The commands of the program. Each `Add...` adds its command to the parser of the program, which runs the
+/// command when it parses it. They throw `UserError` and the library's `Error`.
 namespace Console {
 
 /// What a command works with: the options of the command line, and the exit code that it leaves.
@@ -32,7 +32,8 @@ void AddIdl(Program& program);           ///< idl
 void AddRegistration(Program& program);  ///< register, unregister, classes
 void AddSettings(Program& program);      ///< roots, setting, uid
 
-/// A whole number of the command line, "12" or "K12". Throws `UserError` for anything else.
+/// Returns a whole number of the command line, such as "12". Throws `UserError` for any other text, "K12"
+/// included.
 Platform::Long NumberOf(const std::string& text, const char* what);
 
 }  // namespace Console

@@ -2,6 +2,7 @@
 
 #include "console/Commands.h"
 #include "console/DatabaseFile.h"
+#include "library/ClassTable.h"
 
 #include <charconv>
 #include <fmt/format.h>
@@ -11,12 +12,10 @@ namespace {
 
 void AddCommonOptions(Program& program) {
     program.app
-        .add_option("--db", program.options.database,
-                    "database file, or a full connection string; default: OXCLASS_DB")
+        .add_option("--db", program.options.database, "database file, or a full connection string; default: OXCLASS_DB")
         ->type_name("FILE");
     program.app.add_flag("--json", program.options.json, "print lists as JSON, for scripts");
-    program.app.add_flag("--trace", program.options.trace,
-                         "print each statement with its time to standard error");
+    program.app.add_flag("--trace", program.options.trace, "print each statement with its time to standard error");
     program.app.fallthrough();
     program.app.require_subcommand(1);
     program.app.failure_message(CLI::FailureMessage::simple);
@@ -42,6 +41,9 @@ int RunProgram(int argc, const char* const* argv) {
     program.app.description(
         "Clinic databases of dental images: import radiographs, hang them in layouts, look at what is kept.\n"
         "Example: oxclass init clinic.db && oxclass --db clinic.db import ~/radiographs");
+    const Platform::LibraryDescription& library = OXClass::ThisLibrary();
+    program.app.set_version_flag(
+        "--version", fmt::format("{} {} (type library {})", library.Name, library.FileVersion, library.Version));
     AddCommonOptions(program);
     AddInit(program);
     AddImport(program);

@@ -81,7 +81,7 @@ std::span<const ClassEntry> ClassTable() {
 
 const Platform::LibraryDescription& ThisLibrary() {
     static const Platform::LibraryDescription library{
-        "OXClass", "e17bece6-abf0-53ff-aa05-e9ee705256da", "1.30", 1033, "OX Classes", ClassTable()};
+        "OXClass", "e17bece6-abf0-53ff-aa05-e9ee705256da", "1.30", "1.00.0088", 1033, "OX Classes", ClassTable()};
     return library;
 }
 

@@ -26,11 +26,9 @@ Json JsonOf(std::span<const Enumeration> enumerations) {
 }
 
 Json JsonOf(const Platform::LibraryDescription& library) {
-    return {{"name", library.Name},
-            {"identifier", library.Identifier},
-            {"version", library.Version},
-            {"locale", library.Locale},
-            {"help", library.HelpText}};
+    return {{"name", library.Name},       {"identifier", library.Identifier},
+            {"version", library.Version}, {"fileVersion", library.FileVersion},
+            {"locale", library.Locale},   {"help", library.HelpText}};
 }
 
 Json MembersOf(const Platform::Interface& members) { return Json::parse(Platform::DescriptionText(members)); }

@@ -82,8 +82,8 @@ std::map<String, IDispatch*>& SharedByName() {
 }
 
 Library& HostLibrary() {
-    static Library library(LibraryDescription{"", "5bdb6692-a1cf-5836-abe1-2368bef44fad", "1.30", 1033,
-                                              "The host's own classes", HostClasses()});
+    static Library library(LibraryDescription{"", "5bdb6692-a1cf-5836-abe1-2368bef44fad", "1.30", "1.00.0088", 1033,
+                                              "The platform's classes", HostClasses()});
     return library;
 }
 

@@ -25,7 +25,7 @@ protected:
 TEST_F(TypeLibraryAsJson, NamesTheLibrary) {
     EXPECT_EQ(json["library"].dump(),
               R"({"name":"OXClass","identifier":"e17bece6-abf0-53ff-aa05-e9ee705256da","version":"1.30",)"
-              R"("locale":1033,"help":"OX Classes"})");
+              R"("fileVersion":"1.00.0088","locale":1033,"help":"OX Classes"})");
 }
 
 TEST_F(TypeLibraryAsJson, HasEachClassWithTheMembersOfItsTable) {

@@ -26,9 +26,10 @@ Ref<Object> MakeNew() {
 
 /// The description of a library. Its texts live as long as the program.
 struct LibraryDescription {
-    const char* Name;        ///< in front of the class names: "OXClass"
-    const char* Identifier;  ///< of its type library
-    const char* Version;     ///< of its type library, "1.30"
+    const char* Name;         ///< in front of the class names: "OXClass"
+    const char* Identifier;   ///< of its type library
+    const char* Version;      ///< of its type library, "1.30"
+    const char* FileVersion;  ///< of the library file, "1.00.0088"
     LCID Locale;
     const char* HelpText;
     std::span<const ClassEntry> Classes;  ///< in their documented order
