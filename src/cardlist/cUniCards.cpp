@@ -261,37 +261,46 @@ std::vector<double> cUniCards::OldestSoFar(std::optional<Error>& unreadable) con
     return oldest;
 }
 
-/// Inserts each entry before the first member that is older, one after the other. One stable sort and one
-/// merge have the same result in less time. If an entry can't be inserted, inserts those that arrived before
-/// it, and raises its failure.
-void cUniCards::Merge(const Collection& arrived, Integer& step) {
-    std::optional<Error> unreadable;
-    const std::vector<double> oldest = OldestSoFar(unreadable);
-    double oldestOfAll = oldest.empty() ? std::numeric_limits<double>::infinity() : oldest.back();
-    std::vector<Ref<cUniCard>> accepted;
-    std::optional<Error> refused;
+namespace {
+
+/// Returns the entries that can be merged into `members`, in the order of arrival: all before the first one whose key
+/// exists, or whose place depends on a member with an unreadable date. `refused` is the failure of that one.
+std::vector<Ref<cUniCard>> Mergeable(const Collection& arrived, const Collection& members, double oldest,
+                                     const std::optional<Error>& unreadable, std::optional<Error>& refused,
+                                     Integer& step) {
+    std::vector<Ref<cUniCard>> entries;
     for (cUniCard& entry : Each<cUniCard>(arrived)) {
         const double date = entry.SortDate().Days;
-        const bool hasOlder = oldestOfAll < date;
-        if (!accepted.empty() || Count() > 0) step = hasOlder || unreadable ? 16 : 17;
-        try {
-            if (unreadable && !hasOlder) throw *unreadable;
-            if (Members().HasKey(entry.Key)) Raise(err::DuplicateKey);
-        } catch (const Error& failure) {
-            refused = failure;
-            break;
-        }
-        oldestOfAll = std::min(oldestOfAll, date);
-        accepted.emplace_back(&entry);
+        const bool hasOlder = oldest < date;
+        if (!entries.empty() || members.Count() > 0) step = hasOlder || unreadable ? 16 : 17;
+        if (unreadable && !hasOlder)
+            refused = unreadable;
+        else if (members.HasKey(entry.Key))
+            refused = Error(err::DuplicateKey, "Runtime", Platform::DescriptionOf(err::DuplicateKey));
+        if (refused) break;
+        oldest = std::min(oldest, date);
+        entries.emplace_back(&entry);
     }
-    std::stable_sort(accepted.begin(), accepted.end(),
+    return entries;
+}
+
+}  // namespace
+
+/// The documented merge inserts each entry before the first member that is older than it, one after the other. One
+/// stable sort and one pass over the members have the same result. If an entry can't be merged, those that arrived
+/// before it are merged, and its failure is raised.
+void cUniCards::Merge(const Collection& arrived, Integer& step) {
+    std::optional<Error> unreadable, refused;
+    const std::vector<double> oldest = OldestSoFar(unreadable);
+    const double oldestOfAll = oldest.empty() ? std::numeric_limits<double>::infinity() : oldest.back();
+    std::vector<Ref<cUniCard>> entries = Mergeable(arrived, Members(), oldestOfAll, unreadable, refused, step);
+    std::stable_sort(entries.begin(), entries.end(),
                      [](const auto& a, const auto& b) { return a->SortDate() > b->SortDate(); });
-    std::size_t passed = 0;
+    std::size_t before = 0;  // members that are not older than the entry
     Long added = 0;
-    for (const Ref<cUniCard>& entry : accepted) {
-        const double date = entry->SortDate().Days;
-        while (passed < oldest.size() && oldest[passed] >= date) ++passed;
-        const Long place = static_cast<Long>(passed) + ++added;
+    for (const Ref<cUniCard>& entry : entries) {
+        while (before < oldest.size() && oldest[before] >= entry->SortDate().Days) ++before;
+        const Long place = static_cast<Long>(before) + ++added;
         AddMember(entry, entry->Key, place > Count() ? Variant() : Variant(place));
     }
     if (refused) throw *refused;
