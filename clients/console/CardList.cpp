@@ -3,21 +3,48 @@
 #include "frame/Statement.h"
 
 #include <fmt/format.h>
+#include <optional>
 
 namespace Console {
 namespace {
 
 using namespace OXClass;
 
+/// The images whose rows name no series, and that may be images of this one: nothing readable in their rows
+/// says that they belong to another study.
+std::string ImagesThatMayBelongTo(Long series) {
+    return sql(
+        "FROM ImageBild_T i WHERE (typeof(i.Series_ID) <> 'integer' OR "
+        "i.Series_ID = 0) AND (typeof(i.Study_ID) "
+        "<> 'integer' OR i.Study_ID = 0 OR i.Study_ID = (SELECT Study_ID "
+        "FROM Series_T WHERE Series_ID = ",
+        series,
+        ")) AND (typeof(i.PatientID) <> 'integer' OR i.PatientID = "
+        "(SELECT PatientID FROM Study_T WHERE "
+        "Study_ID = (SELECT Study_ID FROM Series_T WHERE Series_ID = ",
+        series, ")))");
+}
+
 /// Deletes a series without image files. The statement looks for files itself, because a capture may have
 /// stored one since the list was read. Returns whether it was deleted.
 bool DeleteOrphan(const Database& database, Long series) {
     Long deleted = 0;
+    const std::string unknown = ImagesThatMayBelongTo(series);
     database.Con()->Execute(sql("DELETE FROM Series_T WHERE Series_ID = ", series,
-                              " AND NOT EXISTS (SELECT 1 FROM ImageBild_T WHERE Series_ID = ", series,
-                              " AND GraphicURL_NVC <> '')"),
-                          &deleted);
+                                " AND NOT EXISTS (SELECT 1 FROM ImageBild_T WHERE Series_ID = ", series,
+                                " AND GraphicURL_NVC <> '') AND NOT EXISTS (SELECT 1 ", Clause(unknown), ")"),
+                            &deleted);
     return deleted > 0;
+}
+
+/// The damage of an image that may belong to the series, and whose row doesn't tell; null if there is none.
+std::optional<Error> ImageOfUnknownSeries(const Database& database, Long series) {
+    const Ref<Recordset> rows =
+        database.Read("SELECT ImageBildID " + ImagesThatMayBelongTo(series) + " ORDER BY ImageBildID");
+    if (rows->Eof()) return std::nullopt;
+    Error failure(err::TypeMismatch, "CardList", "it names no series, and may belong to this one");
+    failure.Column = fmt::format("Series_ID of image {}", rows->Fields(0).As<Long>());
+    return failure;
 }
 
 /// Deletes a series without image files, or counts it as kept where the database can't be written. A series
@@ -28,6 +55,8 @@ void Remove(const Database& database, Long orphan, CardList& list) {
     images->LoadReadable(database.Con(), iootSeries, orphan);
     if (!images->Unread().empty())
         return list.damaged.push_back({"SE" + CStr(orphan), images->Unread().front().Failure});
+    if (const auto unknown = ImageOfUnknownSeries(database, orphan))
+        return list.damaged.push_back({"SE" + CStr(orphan), *unknown});
     try {
         list.orphansRemoved += DeleteOrphan(database, orphan);
     } catch (const Error& failure) {
@@ -48,11 +77,13 @@ CardList ListCards(const Database& database, const std::string& patient) {
 
 std::map<Long, ImagesOfEntry> ImagesOfCards(const Database& database, Long patient) {
     std::map<Long, ImagesOfEntry> cards;
-    const Ref<Recordset> rows = database.Read(sql(
-        "SELECT c.ImageCardID, count(*), sum(i.Approved <> 0) FROM ImageCard_T c JOIN ImageAttribute_T a ON "
-        "a.ImageCardID = c.ImageCardID LEFT JOIN ImageBild_T i ON i.ImageBildID = a.ImageBildId WHERE "
-        "c.PatientID = ",
-        patient, " GROUP BY c.ImageCardID"));
+    const Ref<Recordset> rows =
+        database.Read(sql("SELECT c.ImageCardID, count(*), sum(i.Approved <> 0) "
+                          "FROM ImageCard_T c JOIN ImageAttribute_T a ON "
+                          "a.ImageCardID = c.ImageCardID LEFT JOIN ImageBild_T i "
+                          "ON i.ImageBildID = a.ImageBildId WHERE "
+                          "c.PatientID = ",
+                          patient, " GROUP BY c.ImageCardID"));
     for (; !rows->Eof(); rows->MoveNext()) {
         const Long count = rows->Fields(1).As<Long>();
         const ADODB::Field approved = rows->Fields(2);

@@ -18,8 +18,8 @@ struct CardList {
 };
 
 /// Lists what can be read of the cards and series of a patient. A series without image files that nobody
-/// captures any more is deleted, where the database can be written, unless one of its images can't be read.
-/// Throws `UserError` for an unknown patient.
+/// captures any more is deleted, where the database can be written, unless one of its images can't be read or
+/// an image of the study names no series that can be read. Throws `UserError` for an unknown patient.
 CardList ListCards(const Database& database, const std::string& patient);
 
 /// How many images an entry shows, and whether all of them are approved.
