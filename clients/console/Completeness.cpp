@@ -1,5 +1,7 @@
 #include "console/Completeness.h"
 
+#include "frame/Reading.h"
+
 #include <fmt/format.h>
 
 namespace Console {
@@ -23,7 +25,30 @@ std::string LineOn(const std::string& row, const Error& failure) {
     return fmt::format("{} can't be read: {}", row, DamageOf(failure));
 }
 
+StoredComment CommentOf(const Ref<Recordset>& row) {
+    StoredComment comment{.number = row->Fields("CommentID").As<Long>()};
+    const auto read = [&](const char* column, auto& member) {
+        try {
+            member = Required<std::remove_reference_t<decltype(member)>>(row, column);
+        } catch (const Error& failure) {
+            if (comment.damage.empty()) comment.damage = DamageOf(failure);
+        }
+    };
+    read("dates", comment.date);
+    read("signature", comment.signature);
+    read("commentString", comment.text);
+    return comment;
+}
+
 }  // namespace
+
+std::vector<StoredComment> CommentsOf(const Ref<Connection>& con, Long image) {
+    std::vector<StoredComment> comments;
+    const Ref<Recordset> rows = con->Execute(sql("SELECT * FROM Comments_T WHERE tabelID = 1 AND objectID = ", image,
+                                                 " ORDER BY dates DESC, CommentID DESC"));
+    for (; !rows->Eof(); rows->MoveNext()) comments.push_back(CommentOf(rows));
+    return comments;
+}
 
 void LoadReadable(const Ref<Connection>& con, cUniCard& entry) {
     WithoutTextBoxes([&] { entry.LoadReadable(con); });
@@ -31,8 +56,7 @@ void LoadReadable(const Ref<Connection>& con, cUniCard& entry) {
 
 std::vector<std::string> DamagesOf(const cImages& images) {
     std::vector<std::string> lines;
-    for (const UnreadRow& row : images.Unread())
-        lines.push_back(LineOn(fmt::format("image {}", row.ID), row.Failure));
+    for (const UnreadRow& row : images.Unread()) lines.push_back(LineOn(fmt::format("image {}", row.ID), row.Failure));
     return lines;
 }
 
@@ -44,8 +68,8 @@ std::vector<std::string> DamagesOf(const cUniCard& entry) {
                                card.LoadCompletion().Failure()));
     for (const auto& placed : Each<cImagecardAttribute>(*card.ImagecardAttributes))
         if (!placed.LoadCompletion().Complete())
-            lines.push_back(LineOn(fmt::format("a manipulation of placed image {}", placed.ID),
-                                   placed.LoadCompletion().Failure()));
+            lines.push_back(
+                LineOn(fmt::format("a manipulation of placed image {}", placed.ID), placed.LoadCompletion().Failure()));
     return lines;
 }
 
@@ -61,11 +85,11 @@ std::string DamageOf(const Error& failure) {
 
 void RefuseDamaged(const std::string& row, const Error& failure) {
     if (failure.Column.empty())
-        throw UserError(
-            fmt::format("{} can't be read whole, and nothing was changed: {}", row, failure.Description));
-    throw UserError(fmt::format(
-        "{} can't be read whole, and nothing was changed: correct its column {} in the database ({})", row,
-        failure.Column, failure.Description));
+        throw UserError(fmt::format("{} can't be read whole, and nothing was changed: {}", row, failure.Description));
+    throw UserError(
+        fmt::format("{} can't be read whole, and nothing was changed: correct "
+                    "its column {} in the database ({})",
+                    row, failure.Column, failure.Description));
 }
 
 void RequireComplete(const Completion& reading, const std::string& row) {
@@ -103,7 +127,8 @@ void SaveWhole(const Ref<Connection>& con, cImagecard& card) {
     for (const auto& placed : Each<cImagecardAttribute>(*card.ImagecardAttributes))
         if (!placed.SaveCompletion().Complete())
             throw UserError(
-                fmt::format("the manipulations of placed image {} of card IC{} can't be stored, and nothing "
+                fmt::format("the manipulations of placed image {} of card IC{} can't be stored, "
+                            "and nothing "
                             "was changed: {}",
                             placed.ID, card.ICID, placed.SaveCompletion().Failure().Description));
 }

@@ -37,6 +37,18 @@ void RequireComplete(const Object& object, const std::string& row) {
 /// The same for each image of a list that was loaded.
 void RequireComplete(const OXClass::cImages& images);
 
+/// A comment of an image, as its row can be read.
+struct StoredComment {
+    Platform::Long number = 0;
+    Platform::Date date;  ///< the zero date where it can't be read
+    std::string signature, text;
+    std::string damage;  ///< the first column that can't be read, with the reason;
+                         ///< empty for a sound row
+};
+
+/// The comments of an image, newest first, also those whose rows are damaged.
+std::vector<StoredComment> CommentsOf(const Ref<Connection>& con, Platform::Long image);
+
 /// Loads an image without its comments. Throws `UserError` for an unknown image and for one that can't be
 /// read whole.
 Ref<OXClass::cImage> LoadWholeImage(const Ref<Connection>& con, Platform::Long number);

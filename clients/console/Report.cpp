@@ -39,7 +39,8 @@ std::string FullName(const cPatient& patient) {
 /// instead of a name.
 std::string ClinicName(const Database& database) {
     const Ref<Recordset> names = database.Read(
-        "SELECT ClinicName FROM Clinic_T WHERE trim(ClinicName) <> '' AND upper(ClinicName) <> '__HQ' ORDER "
+        "SELECT ClinicName FROM Clinic_T WHERE trim(ClinicName) <> "
+        "'' AND upper(ClinicName) <> '__HQ' ORDER "
         "BY ClinicID");
     return names->Eof() ? std::string() : CStr(names->Fields(0).Value());
 }
@@ -72,15 +73,26 @@ std::string ExposureOf(const cImage& image) {
 }
 
 /// The comments of an image, newest first, one a line: "2026-01-31 AB: caries".
-std::string CommentsOf(const Database& database, cImage& image) {
-    image.GetComments(database.Con());
+std::string CommentLines(const Database& database, const cImage& image) {
     std::string lines;
-    for (const cStringItem& comment : *image.Comments()) {
-        const std::string by = Trim(DateText(comment.DateStamp) + " " + comment.Signature);
-        lines += fmt::format("{}{}", lines.empty() ? "" : "<br>",
-                             XmlText(by + (by.empty() ? "" : ": ") + comment.str));
+    for (const StoredComment& comment : CommentsOf(database.Con(), image.ID)) {
+        const std::string by = Trim(DateText(comment.date) + " " + comment.signature);
+        lines +=
+            fmt::format("{}{}", lines.empty() ? "" : "<br>", XmlText(by + (by.empty() ? "" : ": ") + comment.text));
+        if (!comment.damage.empty())
+            lines += fmt::format(
+                " <span class=\"damaged\">Damaged: comment {} can't "
+                "be read: {}</span>",
+                comment.number, XmlText(comment.damage));
     }
     return lines;
+}
+
+std::size_t DamagedComments(const Database& database, const cUniCard& entry) {
+    std::size_t damaged = 0;
+    for (const cImage& image : *entry.colImages)
+        for (const StoredComment& comment : CommentsOf(database.Con(), image.ID)) damaged += !comment.damage.empty();
+    return damaged;
 }
 
 std::string RemarkOf(const PlacedPicture& placed) {
@@ -90,11 +102,10 @@ std::string RemarkOf(const PlacedPicture& placed) {
 
 /// The cells between an image's number and its remark.
 std::string CellsOf(const Database& database, const PlacedPicture& placed, const Ref<cImage>& image) {
-    if (!image)
-        return fmt::format("<td>{}</td><td></td><td></td><td></td><td></td>", XmlText(placed.caption));
+    if (!image) return fmt::format("<td>{}</td><td></td><td></td><td></td><td></td>", XmlText(placed.caption));
     return fmt::format("<td>{}</td><td>{}</td><td>{}</td><td>{}</td><td>{}</td>", XmlText(TeethOf(*image)),
                        XmlText(AnatomyInWords(image->AnaRegion, image->AnaRegionMod, image->Laterality)),
-                       DateText(image->dateTime), ExposureOf(*image), CommentsOf(database, *image));
+                       DateText(image->dateTime), ExposureOf(*image), CommentLines(database, *image));
 }
 
 /// The table of a page's images.
@@ -104,9 +115,8 @@ std::string Table(const Database& database, const cUniCard& entry, const Page& p
     std::size_t next = 0;
     for (const auto& placed : Each<cImagecardAttribute>(*entry.Imagecard->ImagecardAttributes)) {
         const PlacedPicture& picture = page.pictures[next++];
-        rows += fmt::format("<tr class=\"image\"><td class=\"number\">{}</td>{}<td>{}</td></tr>\n",
-                            picture.number, CellsOf(database, picture, ImageOf(entry, placed)),
-                            XmlText(RemarkOf(picture)));
+        rows += fmt::format("<tr class=\"image\"><td class=\"number\">{}</td>{}<td>{}</td></tr>\n", picture.number,
+                            CellsOf(database, picture, ImageOf(entry, placed)), XmlText(RemarkOf(picture)));
     }
     std::string titles;
     for (const char* title : {"Teeth", "Region", "Taken", "Exposure", "Comments", "Remark"})
@@ -120,8 +130,7 @@ std::string Table(const Database& database, const cUniCard& entry, const Page& p
 /// What could not be read, a paragraph each.
 std::string Damages(const std::vector<std::string>& lines) {
     std::string text;
-    for (const std::string& line : lines)
-        text += fmt::format("<p class=\"damaged\">Damaged: {}</p>\n", XmlText(line));
+    for (const std::string& line : lines) text += fmt::format("<p class=\"damaged\">Damaged: {}</p>\n", XmlText(line));
     return text;
 }
 
@@ -131,16 +140,18 @@ std::string Section(const Database& database, const cUniCard& entry, const Page&
     std::string picture;
     if (!page.pictures.empty())
         picture = fmt::format(
-            "<button type=\"button\" class=\"enlarge\" aria-label=\"Enlarge {} {}\">{}</button>\n", kind,
-            name, SvgOf(page, {.numbers = true, .within = true}));
+            "<button type=\"button\" class=\"enlarge\" "
+            "aria-label=\"Enlarge {} {}\">{}</button>\n",
+            kind, name, SvgOf(page, {.numbers = true, .within = true}));
     const std::string description = entry.Series || entry.Imagecard->ICDescription.empty()
                                         ? ""
                                         : fmt::format("<p>{}</p>\n", XmlText(entry.Imagecard->ICDescription));
     return fmt::format(
-        "<article id=\"{0}\">\n<h2>{1}</h2>\n<p class=\"quiet\">{2} {0}, {3}, {4} "
+        "<article id=\"{0}\">\n<h2>{1}</h2>\n<p "
+        "class=\"quiet\">{2} {0}, {3}, {4} "
         "images</p>\n{5}{6}{7}{8}</article>\n",
-        entry.Key, name, kind, DateText(entry.SortDate()), page.pictures.size(), description,
-        Damages(DamagesOf(entry)), picture, Table(database, entry, page));
+        entry.Key, name, kind, DateText(entry.SortDate()), page.pictures.size(), description, Damages(DamagesOf(entry)),
+        picture, Table(database, entry, page));
 }
 
 /// An entry that can't be read at all.
@@ -162,7 +173,7 @@ ReportTally WriteReport(const Database& database, const std::string& patient, co
         entries += Section(database, entry, page);
         ++tally.entries;
         tally.images += page.pictures.size();
-        tally.damaged += DamagesOf(entry).size();
+        tally.damaged += DamagesOf(entry).size() + DamagedComments(database, entry);
         for (const PlacedPicture& placed : page.pictures) tally.missing += placed.picture == nullptr;
         entry.colImages = nullptr;
         progress.Step();
@@ -171,13 +182,13 @@ ReportTally WriteReport(const Database& database, const std::string& patient, co
     for (const UnreadEntry& entry : list.damaged) entries += DamagedSection(entry);
     tally.damaged += list.damaged.size();
     const std::string name = XmlText(FullName(*list.patient));
-    WriteWholeFile(file, Filled(page::report_html,
-                                {{"title", name + ", dental images"},
-                                 {"patient", name},
-                                 {"facts", Facts(database, *list.patient)},
-                                 {"summary", fmt::format("{} cards and series with {} images, newest first.",
-                                                         tally.entries, tally.images)},
-                                 {"entries", entries}}));
+    WriteWholeFile(
+        file, Filled(page::report_html, {{"title", name + ", dental images"},
+                                         {"patient", name},
+                                         {"facts", Facts(database, *list.patient)},
+                                         {"summary", fmt::format("{} cards and series with {} images, newest first.",
+                                                                 tally.entries, tally.images)},
+                                         {"entries", entries}}));
     return tally;
 }
 
