@@ -21,7 +21,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace OXClass;
 
-constexpr std::string_view FolderPrefix = ".oxclass-import-";
+constexpr std::string_view ImportPrefix = ".oxclass-import-", CopyPrefix = ".oxclass-copy-";
 constexpr const char* NameList = "names";
 
 /// The lock of a staging folder: held as long as the descriptor is open. -1 where it can't be had.
@@ -47,8 +47,8 @@ std::vector<std::string> AnnouncedNames(const fs::path& folder) {
 bool HasRow(const Ref<Connection>& con, const std::string& storedName) {
     const fs::path file = Replace(storedName, "\\", "/");
     return !con->Execute(sql("SELECT ImageBildID FROM ImageBild_T WHERE SOPInstanceUID_NVC = '",
-                             FixSqlString(file.stem().string()), "' AND GraphicURL_NVC = '",
-                             FixSqlString(storedName), "'"))
+                             FixSqlString(file.stem().string()), "' AND GraphicURL_NVC = '", FixSqlString(storedName),
+                             "'"))
                 ->Eof();
 }
 
@@ -97,12 +97,12 @@ bool RenameToNewName(const fs::path& from, const fs::path& to) {
     return RenameOverReservation(from, to);
 }
 
-/// Calls `visit` with each staging folder whose import has ended, while its lock is held.
+/// Calls `visit` with each staging folder whose program has ended, while its lock is held.
 template <class Visitor>
-void EachAbandoned(const fs::path& root, const Visitor& visit) {
+void EachAbandoned(const fs::path& root, std::string_view prefix, const Visitor& visit) {
     std::error_code failure;
     for (const fs::directory_entry& entry : fs::directory_iterator(root, failure)) {
-        if (!entry.path().filename().string().starts_with(FolderPrefix)) continue;
+        if (!entry.path().filename().string().starts_with(prefix)) continue;
         const int lock = LockFolder(entry.path());
         if (lock < 0) continue;  // its import is running
         visit(entry.path());
@@ -113,17 +113,17 @@ void EachAbandoned(const fs::path& root, const Visitor& visit) {
 std::size_t CopiesIn(const fs::path& folder) {
     std::size_t copies = 0;
     std::error_code failure;
-    for (const auto& file : fs::directory_iterator(folder, failure))
-        copies += file.path().filename() != NameList;
+    for (const auto& file : fs::directory_iterator(folder, failure)) copies += file.path().filename() != NameList;
     return copies;
 }
 
 }  // namespace
 
-Staging::Staging(fs::path root) {
+Staging::Staging(const fs::path& root, For purpose) {
+    const std::string_view prefix = purpose == For::Import ? ImportPrefix : CopyPrefix;
     constexpr int tries = 100;
     for (int i = 0; lock_ < 0 && i < tries; ++i) {
-        std::string name = (root / (std::string(FolderPrefix) + "XXXXXX")).string();
+        std::string name = (root / (std::string(prefix) + "XXXXXX")).string();
         if (!mkdtemp(name.data())) ComplainOfSystem("can't write", root);
         folder_ = name;
         lock_ = LockFolder(folder_);
@@ -169,7 +169,7 @@ void Staging::Announce(const std::vector<std::string>& storedNames) {
 
 std::size_t RemoveLeftovers(const Ref<Connection>& con, const fs::path& root) {
     std::size_t removed = 0;
-    EachAbandoned(root, [&](const fs::path& folder) {
+    EachAbandoned(root, ImportPrefix, [&](const fs::path& folder) {
         removed += RemoveFilesWithoutRow(con, root, AnnouncedNames(folder)) + CopiesIn(folder);
         std::error_code ignored;
         fs::remove_all(folder, ignored);
@@ -177,9 +177,17 @@ std::size_t RemoveLeftovers(const Ref<Connection>& con, const fs::path& root) {
     return removed;
 }
 
+void RemoveAbandonedCopies(const fs::path& folder) {
+    EachAbandoned(folder, CopyPrefix, [](const fs::path& staging) {
+        std::error_code ignored;
+        fs::remove_all(staging, ignored);
+    });
+}
+
 std::size_t CountLeftovers(const fs::path& root) {
     std::size_t files = 0;
-    EachAbandoned(root, [&](const fs::path& folder) { files += std::max<std::size_t>(CopiesIn(folder), 1); });
+    EachAbandoned(root, ImportPrefix,
+                  [&](const fs::path& folder) { files += std::max<std::size_t>(CopiesIn(folder), 1); });
     return files;
 }
 

@@ -20,12 +20,17 @@ struct StagedFile {
 /// is touched. Used by one thread.
 class Staging {
 public:
+    /// What a staging folder is for: an import, or a copy, of which nothing must be kept or looked up.
+    enum class For { Import, Copy };
+
     /// Makes the folder in `root`, which must exist. Throws `UserError` if it can't be made.
-    explicit Staging(std::filesystem::path root);
+    explicit Staging(const std::filesystem::path& root, For purpose = For::Import);
 
     /// Removes the folder and what is left in it.
     ~Staging();
     Staging(const Staging&) = delete;
+
+    const std::filesystem::path& Folder() const noexcept { return folder_; }
 
     /// Copies a file into the folder and flushes it to the disk. Throws `UserError`; nothing of the copy is
     /// left then.
@@ -44,6 +49,9 @@ private:
 /// whose rows were never committed. Takes the database's write lock only if there are such files. Returns how
 /// many files it removed.
 std::size_t RemoveLeftovers(const Ref<Connection>& con, const std::filesystem::path& root);
+
+/// Removes the staging folders that killed programs made for copies in a folder.
+void RemoveAbandonedCopies(const std::filesystem::path& folder);
 
 /// How many files killed imports left in the staging folders of a root. Changes nothing.
 std::size_t CountLeftovers(const std::filesystem::path& root);

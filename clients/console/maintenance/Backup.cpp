@@ -10,26 +10,21 @@ namespace {
 namespace fs = std::filesystem;
 
 void Print(Program& program, const BackupResult& result, const char* done, const std::string& where) {
-    for (const std::string& failure : result.failures)
-        fmt::print(stderr, "oxclass: {}\n", Printable(failure));
+    for (const std::string& failure : result.failures) fmt::print(stderr, "oxclass: {}\n", Printable(failure));
     if (!result.failures.empty()) program.exitCode = PartlyDone;
     if (program.options.json)
-        return PrintJson({{"folder", where},
-                          {"files", result.files},
-                          {"copied", result.copied},
-                          {"failures", result.failures}});
-    fmt::print("{} {}: {} files, {} of them copied, {} failed.\n", Printable(where), done, result.files,
-               result.copied, result.failures.size());
+        return PrintJson(
+            {{"folder", where}, {"files", result.files}, {"copied", result.copied}, {"failures", result.failures}});
+    fmt::print("{} {}: {} files, {} of them copied, {} failed.\n", Printable(where), done, result.files, result.copied,
+               result.failures.size());
 }
 
-void RunRestore(Program& program, const std::string& folder, const std::string& file,
-                const std::string& root) {
+void RunRestore(Program& program, const std::string& folder, const std::string& file, const std::string& root) {
     const fs::path target = root.empty() ? fs::absolute(file).parent_path() / "images" : fs::path(root);
     const BackupResult result = Restore(folder, file, target);
-    if (!result.failures.empty())
-        fmt::print(stderr, "oxclass: {} was not made, because files are missing or damaged\n",
-                   Printable(file));
-    Print(program, result, "was restored", file);
+    if (!result.made)
+        fmt::print(stderr, "oxclass: {} was not made, because files are missing or damaged\n", Printable(file));
+    Print(program, result, result.made ? "was restored" : "was not restored", file);
 }
 
 }  // namespace
@@ -51,12 +46,10 @@ void AddBackup(Program& program) {
         Print(program, BackUp(database, given->folder), "is backed up", given->folder);
     });
 
-    auto* restore =
-        program.app.add_subcommand("restore", "make a database and its image files from a backup");
+    auto* restore = program.app.add_subcommand("restore", "make a database and its image files from a backup");
     restore->add_option("FOLDER", given->folder, "folder of the backup")->required();
     restore->add_option("FILE", given->file, "the database to make")->required();
-    restore
-        ->add_option("--root", given->root, "folder for the image files; default: images beside the database")
+    restore->add_option("--root", given->root, "folder for the image files; default: images beside the database")
         ->type_name("DIR");
     restore->footer("Example: oxclass restore /mnt/backup/clinic clinic.db --root /srv/images");
     restore->callback([&program, given] { RunRestore(program, given->folder, given->file, given->root); });

@@ -10,6 +10,9 @@
 
 #include <fmt/format.h>
 #include <fstream>
+#include <memory>
+#include <optional>
+#include <set>
 
 namespace Console {
 namespace {
@@ -23,8 +26,7 @@ constexpr const char *DatabaseName = "clinic.db", *ManifestName = "manifest.json
 void MakeFolder(const fs::path& folder) {
     std::error_code failure;
     fs::create_directories(folder, failure);
-    if (failure)
-        throw UserError(fmt::format("can't make the folder {}: {}", folder.string(), failure.message()));
+    if (failure) throw UserError(fmt::format("can't make the folder {}: {}", folder.string(), failure.message()));
 }
 
 /// The manifest of a backup; null if there is none. Throws `UserError` for one that can't be read.
@@ -57,14 +59,20 @@ fs::path BackupPath(const fs::path& folder, const ClinicFile& file) {
 
 /// Copies a file so that the target appears whole, with the expected checksum or with any if that is empty.
 /// Returns the checksum. Throws `UserError`; an earlier target stays then.
-std::string CopyVerified(const fs::path& from, const fs::path& to, const std::string& sha256) {
+std::string CopyVerified(const fs::path& from, const fs::path& to, const std::string& sha256, Staging& staging) {
     MakeFolder(to.parent_path());
-    Staging staging(to.parent_path());
     const StagedFile copy = staging.Copy(from);
     if (!sha256.empty() && copy.sha256 != sha256)
         throw UserError(fmt::format("{} was altered, so it isn't copied", from.string()));
     fs::rename(copy.path, to);
     return copy.sha256;
+}
+
+/// True if the path is the folder, or is in it, links resolved.
+bool Contains(const fs::path& folder, const fs::path& path) {
+    std::error_code failure;
+    const fs::path outer = fs::weakly_canonical(folder, failure), inner = fs::weakly_canonical(path, failure);
+    return std::mismatch(outer.begin(), outer.end(), inner.begin(), inner.end()).first == outer.end();
 }
 
 bool HasChecksum(const fs::path& file, const std::string& sha256) {
@@ -78,13 +86,15 @@ public:
     Backup(const Database& database, fs::path folder) : database_(database), folder_(std::move(folder)) {}
 
     BackupResult Run() {
+        RequireOutsideOfRoots();
         MakeFolder(folder_);
+        RemoveAbandonedCopies(folder_);
+        staging_.emplace(folder_, Staging::For::Copy);
         StorageRoots roots(database_.Con());
         const std::string identity = IdentityOfClinic(roots);
         const Json earlier = ManifestOf(folder_);
         if (earlier.is_object() && earlier["clinic"] != identity)
-            throw UserError(
-                fmt::format("{} holds the backup of another clinic; use another folder", folder_.string()));
+            throw UserError(fmt::format("{} holds the backup of another clinic; use another folder", folder_.string()));
         SnapshotDatabase(database_.Con(), folder_ / DatabaseName);
         CopyFiles(earlier);
         const Json manifest{{"clinic", identity}, {"files", files_}};
@@ -93,6 +103,15 @@ public:
     }
 
 private:
+    /// A backup among the image files would be taken for some of them, and be lost together with them.
+    void RequireOutsideOfRoots() const {
+        for (const auto& [number, root] : FoldersOfRoots(database_.Con()))
+            if (!root.empty() && (Contains(root, folder_) || Contains(folder_, root)))
+                throw UserError(fmt::format("{} {} the storage root {}; name a folder elsewhere, best on another disk",
+                                            folder_.string(), Contains(root, folder_) ? "is in" : "contains",
+                                            root.string()));
+    }
+
     /// A clinic without an identity gets it with its first marked root.
     static std::string IdentityOfClinic(StorageRoots& roots) {
         if (roots.StoredIdentity().empty()) roots.Folder(roots.ActiveRoot());
@@ -105,8 +124,7 @@ private:
         const std::vector<ClinicFile> files = FilesOfClinic(snapshot);
         std::map<std::string, std::string> known;
         if (earlier.is_object())
-            for (const Json& file : earlier["files"])
-                known[file.value("path", "")] = file.value("sha256", "");
+            for (const Json& file : earlier["files"]) known[file.value("path", "")] = file.value("sha256", "");
         Progress progress("files backed up", files.size());
         for (const ClinicFile& file : files) {
             CopyFile(file, known);
@@ -120,10 +138,9 @@ private:
             const fs::path target = BackupPath(folder_, file);
             const std::string path = fs::relative(target, folder_).string();
             const auto earlier = known.find(path);
-            std::string sha256 =
-                !file.sha256.empty() || earlier == known.end() ? file.sha256 : earlier->second;
+            std::string sha256 = !file.sha256.empty() || earlier == known.end() ? file.sha256 : earlier->second;
             if (sha256.empty() || !HasChecksum(target, sha256)) {
-                sha256 = CopyVerified(StoredPath(folders_.at(file.root).string(), file.name), target, sha256);
+                sha256 = CopyVerified(StoredPath(RootOf(file).string(), file.name), target, sha256, *staging_);
                 ++result_.copied;
             }
             files_.push_back({{"path", path}, {"root", file.root}, {"name", file.name}, {"sha256", sha256}});
@@ -132,9 +149,17 @@ private:
         }
     }
 
+    const fs::path& RootOf(const ClinicFile& file) const {
+        const auto root = folders_.find(file.root);
+        if (root == folders_.end() || root->second.empty())
+            throw UserError(fmt::format("its storage root {} isn't in the database", file.root));
+        return root->second;
+    }
+
     const Database& database_;
     fs::path folder_;
     std::map<Long, fs::path> folders_;
+    std::optional<Staging> staging_;
     Json files_ = Json::array();
     BackupResult result_;
 };
@@ -149,23 +174,52 @@ public:
         const Json manifest = ManifestOf(folder_);
         if (!manifest.is_object() || !fs::exists(folder_ / DatabaseName))
             throw UserError(fmt::format("{} holds no backup", folder_.string()));
-        if (fs::exists(file_))
-            throw UserError(fmt::format("{} exists already; name another file", file_.string()));
+        if (fs::exists(file_)) throw UserError(fmt::format("{} exists already; name another file", file_.string()));
         if (!fs::is_directory(file_.parent_path()))
-            throw UserError(
-                fmt::format("there is no folder {}; make it first", file_.parent_path().string()));
+            throw UserError(fmt::format("there is no folder {}; make it first", file_.parent_path().string()));
+        RequireSoundDatabase();
+        RequireFilesOfAllImages(manifest);
         NewDatabase made(file_);
         fs::copy_file(folder_ / DatabaseName, made.Made());
         const Ref<Connection> con = New<Connection>();
         con->Open(ConnectionStringOf(made.Made().string()));
         PointToNewRoots(con);
+        for (const auto& [number, root] : folders_) {
+            RemoveAbandonedCopies(root);
+            stagings_[number] = std::make_unique<Staging>(root, Staging::For::Copy);
+        }
         CopyFiles(manifest);
         con->Close();
-        if (result_.failures.empty()) made.Finish();
+        result_.made = damaged_ == 0;
+        if (result_.made) made.Finish();
         return std::move(result_);
     }
 
 private:
+    void RequireSoundDatabase() const {
+        std::string damage;
+        try {
+            const String found =
+                OpenForReading(folder_ / DatabaseName)->Execute("PRAGMA quick_check(1)")->Fields(0).As<String>();
+            if (found != "ok") damage = found;
+        } catch (const Error& failure) {
+            damage = failure.Description;
+        }
+        if (!damage.empty())
+            throw UserError(fmt::format("the database of the backup is damaged, {} ({}); use an older backup",
+                                        (folder_ / DatabaseName).string(), damage));
+    }
+
+    /// Names the images whose file the backup lacks: it could not be copied when the backup was made.
+    void RequireFilesOfAllImages(const Json& manifest) {
+        std::set<std::pair<Long, std::string>> held;
+        for (const Json& file : manifest["files"]) held.emplace(file.value("root", 0), file.value("name", ""));
+        for (const ClinicFile& file : FilesOfClinic(OpenForReading(folder_ / DatabaseName)))
+            if (!held.contains({file.root, file.name}))
+                result_.failures.push_back(
+                    fmt::format("image {}: the backup lacks its file {}", file.image, file.name));
+    }
+
     void PointToNewRoots(const Ref<Connection>& con) {
         StorageRoots roots(con);
         const auto old = FoldersOfRoots(con);
@@ -187,6 +241,7 @@ private:
                 CopyFile(file);
             } catch (const std::exception& failure) {
                 result_.failures.emplace_back(failure.what());
+                ++damaged_;
             }
             progress.Step();
         }
@@ -199,12 +254,14 @@ private:
             StoredPath(folders_.at(file.at("root").get<Long>()).string(), file.at("name").get<std::string>());
         if (HasChecksum(to, sha256)) return;
         if (fs::exists(to)) throw UserError(fmt::format("another file is stored as {} already", to.string()));
-        CopyVerified(from, to, sha256);
+        CopyVerified(from, to, sha256, *stagings_.at(file.at("root").get<Long>()));
         ++result_.copied;
     }
 
+    std::size_t damaged_ = 0;  // files of the backup that could not be restored
     fs::path folder_, file_, root_;
     std::map<Long, fs::path> folders_;
+    std::map<Long, std::unique_ptr<Staging>> stagings_;
     BackupResult result_;
 };
 
