@@ -21,10 +21,9 @@ namespace {
 namespace fs = std::filesystem;
 using namespace OXClass;
 
-/// Files whose series may still get other files are kept in memory: a series is
-/// stored when none of the next `FilesApart` files belongs to it, or when it
-/// has `LargestBatch` files. Files of the same series that come later are
-/// stored then, as if they were imported later.
+/// Files whose series may still get other files are kept in memory: a series is stored when none of the
+/// next `FilesApart` files belongs to it, or when it has `LargestBatch` files. Files of the same series that
+/// come later are stored then, as if they were imported later.
 constexpr std::size_t FilesApart = 256, LargestBatch = 2000;
 
 /// What an import came to, for the last lines and the exit code.
@@ -42,8 +41,7 @@ struct PendingSeries {
     std::size_t last = 0;  ///< position of the newest one among all files
 };
 
-/// One import: reads files in worker processes, and stores them series by
-/// series.
+/// One import: reads files in worker processes, and stores them series by series.
 class Import {
 public:
     Import(const Database& database, PatientDecision decision, unsigned jobs)
@@ -126,8 +124,7 @@ void Import::ReadAndStore(const std::vector<FoundFile>& files) {
     ReportListed(files);
 }
 
-/// Puts a file that was read to the files of its series, or reports why it
-/// isn't imported.
+/// Puts a file that was read to the files of its series, or reports why it isn't imported.
 void Import::Take(const FoundFile& file, const WorkerPool::Answer& answer, std::size_t position) {
     ReadFile read;
     if (answer.failure.empty())
@@ -277,10 +274,9 @@ void AddImport(Program& program) {
                                                "hang each series");
     command->add_option("FOLDER", given->names, "folders, with all below them, a DICOMDIR, or single files")
         ->required();
-    auto* patient =
-        command->add_option("--patient", given->decision.patient,
-                            "all files belong to this patient, whatever they say: an ID, or # and "
-                            "the number");
+    auto* patient = command->add_option("--patient", given->decision.patient,
+                                        "all files belong to this patient, whatever they say: an ID, or # and "
+                                        "the number");
     patient->type_name("PATIENT");
     command
         ->add_flag("--new-patient", given->decision.newPatient,
@@ -298,8 +294,7 @@ void AddImport(Program& program) {
         "between\n"
         "two images. Exit code 3: some files were not imported.\n"
         "Example: oxclass --db clinic.db import ~/radiographs");
-    command->callback(
-        [&program, given] { ImportFolders(program, given->names, given->decision, given->jobs); });
+    command->callback([&program, given] { ImportFolders(program, given->names, given->decision, given->jobs); });
 }
 
 }  // namespace Console

@@ -14,8 +14,7 @@ namespace {
 using namespace OXClass;
 using Json = nlohmann::ordered_json;
 
-/// The patients of whom any of the texts holds `text`, without regard to case;
-/// all for an empty text.
+/// The patients of whom any of the texts holds `text`, without regard to case; all for an empty text.
 void ListPatients(const Options& options, const std::string& text) {
     const Database database(options);
     const Ref<Recordset> rows = database.Read(
@@ -42,21 +41,14 @@ void ListPatients(const Options& options, const std::string& text) {
         }
         if (Contains(UCase(texts), UCase(text))) list.Add(std::move(row));
     }
-    list.Print(options.json, text.empty()
-                                 ? "There are no patients yet; import some with: oxclass import FOLDER"
-                                 : "No patient matches \"" + text + "\".");
+    list.Print(options.json, text.empty() ? "There are no patients yet; import some with: oxclass import FOLDER"
+                                          : "No patient matches \"" + text + "\".");
 }
 
 constexpr TextField<cPatient> TextFields[] = {
-    {"LastName", &cPatient::LastName},
-    {"FirstName", &cPatient::FirstName},
-    {"Sex", &cPatient::Sex},
-    {"Address", &cPatient::Address},
-    {"TelOne", &cPatient::TelOne},
-    {"TelTwo", &cPatient::TelTwo},
-    {"TelMobile", &cPatient::TelMobile},
-    {"EMail", &cPatient::EMail},
-    {"Comments", &cPatient::Comments},
+    {"LastName", &cPatient::LastName},   {"FirstName", &cPatient::FirstName}, {"Sex", &cPatient::Sex},
+    {"Address", &cPatient::Address},     {"TelOne", &cPatient::TelOne},       {"TelTwo", &cPatient::TelTwo},
+    {"TelMobile", &cPatient::TelMobile}, {"EMail", &cPatient::EMail},         {"Comments", &cPatient::Comments},
     {"IDImg", &cPatient::IDImg},
 };
 
@@ -115,8 +107,7 @@ Json Shown(const Database& database, const cPatient& patient) {
 }
 
 /// Changes fields of one row, read and written in one transaction.
-void SetPatient(const Database& database, const std::string& id,
-                const std::vector<std::string>& assignments) {
+void SetPatient(const Database& database, const std::string& id, const std::vector<std::string>& assignments) {
     ADODB::Transaction transaction(database.Con());
     const Ref<cPatient> patient = LoadPatient(database, id);
     for (const std::string& assignment : assignments) SetField(database, *patient, assignment);
@@ -140,8 +131,7 @@ void AddPatients(Program& program) {
         std::vector<std::string> assignments;
     };
     const auto given = std::make_shared<Arguments>();
-    auto* list =
-        program.app.add_subcommand("patients", "list the patients, or those whose name or ID holds a text");
+    auto* list = program.app.add_subcommand("patients", "list the patients, or those whose name or ID holds a text");
     list->add_option("TEXT", given->text, "a part of the name or of the ID");
     list->footer("Example: oxclass patients ander");
     list->callback([&program, given] { ListPatients(program.options, given->text); });

@@ -20,9 +20,7 @@ class ImportIdentity : public Program {
 protected:
     void Film(const std::string& series, const Person& person, int number = 1) {
         Write(series, number, FullMouth18[7], [&](DcmDataset& set) {
-            const auto put = [&](const DcmTagKey& tag, const char* text) {
-                set.putAndInsertString(tag, text);
-            };
+            const auto put = [&](const DcmTagKey& tag, const char* text) { set.putAndInsertString(tag, text); };
             put(DCM_PatientID, person.id);
             put(DCM_IssuerOfPatientID, person.issuer);
             put(DCM_PatientName, person.name);
@@ -34,8 +32,7 @@ protected:
         arguments.insert(arguments.begin(), {"--db", Database(), "import", Films()});
         return Try(arguments);
     }
-    /// Imports films of one person, and then of the other; returns the second
-    /// run.
+    /// Imports films of one person, and then of the other; returns the second run.
     Result ImportBoth(const Person& first, const Person& second) {
         Init();
         Film("2.25.1", first);
@@ -184,8 +181,7 @@ TEST_F(ImportIdentity, AConflictIsToldToScriptsToo) {
 TEST_F(ImportIdentity, OtherIdentifiersThatDoNotFitAreLeftOutWholeAndTold) {
     Init();
     std::string many;
-    for (int i = 100; i < 140; ++i)
-        many += (many.empty() ? "" : "\\") + std::string("NUMBER") + std::to_string(i);
+    for (int i = 100; i < 140; ++i) many += (many.empty() ? "" : "\\") + std::string("NUMBER") + std::to_string(i);
     Write("2.25.1", 1, FullMouth18[7],
           [&](DcmDataset& set) { set.putAndInsertString(DCM_RETIRED_OtherPatientIDs, many.c_str()); });
     const Result run = Import();
@@ -211,9 +207,8 @@ TEST_F(ImportIdentity, WhatThePatientLacksIsTakenFromALaterFileAndThenCompared) 
     EXPECT_EQ(patient["Issuer"], "A");
     EXPECT_EQ(patient["BirthDate"], "1980-01-31");
     EXPECT_EQ(patient["Sex"], "F");
-    const Person others[] = {{"4711", "", "Ek^Anna", "19550101", "F"},
-                             {"4711", "B", "Ek^Anna", "", ""},
-                             {"4711", "", "Ek^Anna", "", "M"}};
+    const Person others[] = {
+        {"4711", "", "Ek^Anna", "19550101", "F"}, {"4711", "B", "Ek^Anna", "", ""}, {"4711", "", "Ek^Anna", "", "M"}};
     for (const Person& other : others) {
         fs::remove_all(Films());
         Film("2.25.3", other);
@@ -256,6 +251,17 @@ TEST_F(ImportIdentity, AFamilyNameAloneTakesTheGivenName) {
     ASSERT_EQ(Import().code, 0);
     EXPECT_EQ(OkJson({"patient", "#1"})["FirstName"], "Anna");
     Film("2.25.3", {"4711", "A", "Ek^Berta", "19800131", "F"});
+    EXPECT_EQ(Import().code, 3);
+}
+
+TEST_F(ImportIdentity, AGivenNameAloneTakesTheFamilyName) {
+    Init();
+    Film("2.25.1", {"4711", "A", "^Anna", "", "F"});
+    ASSERT_EQ(Import().code, 0);
+    Film("2.25.2", Anna);
+    ASSERT_EQ(Import().code, 0);
+    EXPECT_EQ(OkJson({"patient", "#1"})["LastName"], "Ek");
+    Film("2.25.3", {"4711", "A", "Berg^Anna", "", "F"});
     EXPECT_EQ(Import().code, 3);
 }
 
@@ -339,8 +345,7 @@ TEST_F(ImportIdentity, AnIdentifierAloneIsNotEnoughAndIsToldSo) {
 }
 
 TEST_F(ImportIdentity, ARefusedPatientWithoutNameIsNamedByItsNumber) {
-    const Result run =
-        ImportBoth({"4711", "A", "", "19800131", ""}, {"4711", "A", "Berg^Nils", "19550505", ""});
+    const Result run = ImportBoth({"4711", "A", "", "19800131", ""}, {"4711", "A", "Berg^Nils", "19550505", ""});
     EXPECT_EQ(run.code, 3);
     EXPECT_THAT(run.err, HasSubstr("Patient ID 4711 belongs to another person in the database, #1"));
     EXPECT_EQ(run.err.find(", ,"), std::string::npos) << run.err;
@@ -371,8 +376,7 @@ TEST_F(Program, APatientRegisteredWithoutBirthDateTakesItFromItsFilms) {
     EXPECT_EQ(Try({"--db", Database(), "import", Films()}).code, 3);
 }
 
-// ---- the row that is meant
-// --------------------------------------------------------------------------
+// ---- the row that is meant --------------------------------------------------------------------------
 
 class TwoPatientsOfOneID : public Program {
 protected:
@@ -412,9 +416,7 @@ TEST_F(TwoPatientsOfOneID, ANumberMeansExactlyThatRow) {
 
 TEST_F(TwoPatientsOfOneID, AnIdentifierThatTwoRowsHaveNamesNeither) {
     for (const std::vector<std::string>& command :
-         {std::vector<std::string>{"patient", "4711", "FirstName=Nils"},
-          {"cards", "4711"},
-          {"patient", "4711"}}) {
+         {std::vector<std::string>{"patient", "4711", "FirstName=Nils"}, {"cards", "4711"}, {"patient", "4711"}}) {
         std::vector<std::string> arguments{"--db", Database()};
         arguments.insert(arguments.end(), command.begin(), command.end());
         const Result run = Try(arguments);
@@ -482,13 +484,12 @@ TEST_F(Program, WhatAPersonTypesAboutAPatientIsChecked) {
     Init();
     Run("INSERT INTO Patient_T (PersonNr_CH) VALUES ('P1')");
     Run("INSERT INTO Doctor_T (DrLastName_NVC) VALUES ('Ek')");
-    const std::pair<const char*, const char*> wrong[] = {
-        {"BirthDate=05.03.1980", "1980-03-05 or as 1980-05-03"},
-        {"PrevXrayDate=soon", "is not a date"},
-        {"BirthDate=2999-01-01", "in the future"},
-        {"Sex=X", "write M, F or O"},
-        {"RespDoctor=7", "there is no doctor 7"},
-        {"PatientID=", "needs an ID"}};
+    const std::pair<const char*, const char*> wrong[] = {{"BirthDate=05.03.1980", "1980-03-05 or as 1980-05-03"},
+                                                         {"PrevXrayDate=soon", "is not a date"},
+                                                         {"BirthDate=2999-01-01", "in the future"},
+                                                         {"Sex=X", "write M, F or O"},
+                                                         {"RespDoctor=7", "there is no doctor 7"},
+                                                         {"PatientID=", "needs an ID"}};
     for (const auto& [field, message] : wrong) {
         const Result run = Try({"--db", Database(), "patient", "P1", field});
         EXPECT_EQ(run.code, 1) << field;

@@ -103,12 +103,11 @@ public:
 
 /// Reads the radiograph `path` without its pixels.
 ///
-/// Large values stay in the file, so reading takes little memory however large the picture is, and yet a
-/// file that ends before its pixels do is noticed. Teeth, regions and modifiers are read in all
-/// generations of their codes. A stated region or side that the listed teeth contradict is dropped, so that
-/// whoever needs it derives it from the teeth. Texts are converted from the file's character set; where
-/// the file names none, or one that its bytes do not follow, they count as UTF-8 if they can be and as
-/// Latin-1 if not.
+/// Large values stay in the file, so reading takes little memory however large the picture is, and yet a file
+/// that ends before its pixels do is noticed. Teeth, regions and modifiers are read in all generations of
+/// their codes. A stated region or side that the listed teeth contradict is dropped, so that whoever needs it
+/// derives it from the teeth. Texts are converted from the file's character set; where the file names none,
+/// or one that its bytes do not follow, they count as UTF-8 if they can be and as Latin-1 if not.
 ///
 /// Throws `std::runtime_error` whose text says in one clause, without the path, why the file is refused: not
 /// readable, cut short, sequences nested too deeply (see `RequireShallow`), without one of the three UIDs,

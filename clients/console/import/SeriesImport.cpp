@@ -28,8 +28,8 @@ bool IsPhotograph(const RadiographFile& file) {
                                secondaryCapture = "1.2.840.10008.5.1.4.1.1.7";
     const std::string& kind = file.sopClassUID;
     const bool captured = kind == secondaryCapture || kind.starts_with(std::string(secondaryCapture) + ".");
-    return file.modality == "XC" || file.modality == "ES" || file.modality == "GM" ||
-           kind.starts_with(visibleLight) || (file.colour && captured);
+    return file.modality == "XC" || file.modality == "ES" || file.modality == "GM" || kind.starts_with(visibleLight) ||
+           (file.colour && captured);
 }
 
 xigImageTypes TypeOf(const RadiographFile& file) {
@@ -53,14 +53,12 @@ Json JsonOf(const PatientIdentity& person) {
 }
 
 /// A conflict between a file and the patients that it was compared with.
-[[noreturn]] void RaiseConflict(const std::string& reason, const RadiographFile& file,
-                                const PatientIdentity& person, const std::vector<PatientIdentity>& others,
-                                const std::string& titleOfOther) {
+[[noreturn]] void RaiseConflict(const std::string& reason, const RadiographFile& file, const PatientIdentity& person,
+                                const std::vector<PatientIdentity>& others, const std::string& titleOfOther) {
     std::string table;
     Json json{{"series", file.seriesUID}, {"file", JsonOf(person)}, {"others", Json::array()}};
     for (const PatientIdentity& other : others) {
-        const std::string title =
-            other.number != 0 ? fmt::format("stored as #{}", other.number) : titleOfOther;
+        const std::string title = other.number != 0 ? fmt::format("stored as #{}", other.number) : titleOfOther;
         table += SideBySide(other, title, person, "in the file");
         json["others"].push_back(JsonOf(other));
     }
@@ -73,9 +71,7 @@ bool CanBeOne(const PatientIdentity& a, const PatientIdentity& b) {
 }
 
 /// "#5 Ek, Anna", or "#5" for a patient without name.
-std::string Called(const PatientIdentity& stored) {
-    return Trim(fmt::format("#{} {}", stored.number, stored.Name()));
-}
+std::string Called(const PatientIdentity& stored) { return Trim(fmt::format("#{} {}", stored.number, stored.Name())); }
 
 /// Loads the study of a file; false if it isn't known. Throws `UserError` for one that can't be read whole.
 bool LoadStudy(const Ref<Connection>& con, cStudy& study, const RadiographFile& file) {
@@ -97,8 +93,7 @@ bool LoadSeries(const Ref<Connection>& con, cSerie& series, const RadiographFile
     }
 }
 
-/// Throws `UserError` if an image without SOP Instance UID has the file of this
-/// UID: it is the same image.
+/// Throws `UserError` if an image without SOP Instance UID has the file of this UID: it is the same image.
 void RequireNoneWithoutUid(const Ref<Connection>& con, const std::string& uid) {
     const Ref<Recordset> rows =
         con->Execute(sql("SELECT ImageBildID FROM ImageBild_T WHERE "
@@ -112,11 +107,11 @@ void RequireNoneWithoutUid(const Ref<Connection>& con, const std::string& uid) {
                     rows->Fields(0).As<Long>(), uid));
 }
 
-/// The image of this SOP Instance UID; `ID` is 0 if there is none. Throws
-/// `UserError` for one that can't be read whole.
+/// The image of this SOP Instance UID; `ID` is 0 if there is none. Throws `UserError` for one that can't be
+/// read whole.
 Ref<cImage> ImageOf(const Ref<Connection>& con, const std::string& uid) {
-    const Ref<Recordset> known = con->Execute(
-        sql("SELECT ImageBildID FROM ImageBild_T WHERE SOPInstanceUID_NVC = '", FixSqlString(uid), "'"));
+    const Ref<Recordset> known =
+        con->Execute(sql("SELECT ImageBildID FROM ImageBild_T WHERE SOPInstanceUID_NVC = '", FixSqlString(uid), "'"));
     if (!known->Eof()) return LoadWholeImage(con, known->Fields(0).As<Long>());
     RequireNoneWithoutUid(con, uid);
     return New<cImage>();
@@ -126,22 +121,19 @@ bool HasFile(const cImage& image) { return image.ID != 0 && !image.URL.empty(); 
 
 void StoreFileName(const Ref<Connection>& con, Long image, const std::string& name, Long root,
                    const std::string& sha256) {
-    con->Execute(sql("UPDATE ImageBild_T SET GraphicURL_NVC = '", FixSqlString(name), "', RootId = ", root,
-                     ", CRC = '", FixSqlString(sha256), "' WHERE ImageBildID = ", image));
+    con->Execute(sql("UPDATE ImageBild_T SET GraphicURL_NVC = '", FixSqlString(name), "', RootId = ", root, ", CRC = '",
+                     FixSqlString(sha256), "' WHERE ImageBildID = ", image));
 }
 
-/// Throws the `UserError` that names what is wrong with the series of an image
-/// which the file's series isn't.
-[[noreturn]] void RefuseSeriesOf(const Ref<Connection>& con, const cImage& image,
-                                 const RadiographFile& file) {
+/// Throws the `UserError` that names what is wrong with the series of an image which the file's series isn't.
+[[noreturn]] void RefuseSeriesOf(const Ref<Connection>& con, const cImage& image, const RadiographFile& file) {
     if (image.seriesID == 0)
-        throw UserError(
-            fmt::format("image {} is this film, and its column Series_ID names no series", image.ID));
+        throw UserError(fmt::format("image {} is this film, and its column Series_ID names no series", image.ID));
     const Ref<Recordset> row =
         con->Execute(sql("SELECT SeriesInstanceUID FROM Series_T WHERE Series_ID = ", image.seriesID));
     if (row->Eof())
-        throw UserError(fmt::format("image {} is this film, and its series {} isn't in the database",
-                                    image.ID, image.seriesID));
+        throw UserError(
+            fmt::format("image {} is this film, and its series {} isn't in the database", image.ID, image.seriesID));
     const ADODB::Field uid = row->Fields(0);
     if (uid.IsNull() || Trim(uid.As<String>()).empty())
         throw UserError(
@@ -170,10 +162,9 @@ SeriesResult SeriesImport::Store(const std::vector<Radiograph>& files) {
     return result;
 }
 
-/// The files that have no stored image. The others are compared with their
-/// images, and files that another one of the list repeats are left out.
-std::vector<const Radiograph*> SeriesImport::NewFiles(const std::vector<Radiograph>& files,
-                                                      SeriesResult& result) {
+/// The files that have no stored image. The others are compared with their images, and files that another
+/// one of the list repeats are left out.
+std::vector<const Radiograph*> SeriesImport::NewFiles(const std::vector<Radiograph>& files, SeriesResult& result) {
     std::vector<const Radiograph*> fresh;
     std::map<std::string, const Radiograph*> seen;
     for (const Radiograph& radiograph : files) {
@@ -181,8 +172,8 @@ std::vector<const Radiograph*> SeriesImport::NewFiles(const std::vector<Radiogra
         try {
             const auto [first, isFirst] = seen.try_emplace(radiograph.file.sopInstanceUID, &radiograph);
             if (!isFirst && !SameContent(first->second->path, radiograph.path))
-                throw UserError(fmt::format("{} has the same SOP Instance UID and another content",
-                                            first->second->path.string()));
+                throw UserError(
+                    fmt::format("{} has the same SOP Instance UID and another content", first->second->path.string()));
             const Ref<cImage> image = isFirst ? ImageOf(con_, radiograph.file.sopInstanceUID) : nullptr;
             if (!isFirst)
                 ++result.known;
@@ -197,28 +188,27 @@ std::vector<const Radiograph*> SeriesImport::NewFiles(const std::vector<Radiogra
     return fresh;
 }
 
-/// Counts a file that is stored already. Throws `UserError` where its stored
-/// image is another one, or another patient's than the user decided.
+/// Counts a file that is stored already. Throws `UserError` where its stored image is another one, or another
+/// patient's than the user decided.
 void SeriesImport::TakeKnown(const Radiograph& radiograph, const cImage& image, SeriesResult& result) {
     RequireSame(radiograph, image);
     (RequireFile(radiograph, image) ? result.known : result.restored) += 1;
 }
 
-/// Refuses a file whose stored image belongs to another series, or to another
-/// patient than the user decided.
+/// Refuses a file whose stored image belongs to another series, or to another patient than the user decided.
 void SeriesImport::RequireSame(const Radiograph& radiograph, const cImage& image) {
     const Ref<cSerie> series = New<cSerie>();
     if (!LoadSeries(con_, *series, radiograph.file) || series->ID != image.seriesID)
         RefuseSeriesOf(con_, image, radiograph.file);
     if (!decidedPatient_ || image.PatID == *decidedPatient_) return;
     const Ref<cPatient> owner = PatientOfRow(con_, image.PatID);
-    throw UserError(fmt::format("it is stored already, as image {} of patient {}; nothing is moved", image.ID,
-                                owner ? Called(IdentityOf(con_, *owner))
-                                      : fmt::format("#{}, who isn't in the database", image.PatID)));
+    throw UserError(fmt::format(
+        "it is stored already, as image {} of patient {}; nothing is moved", image.ID,
+        owner ? Called(IdentityOf(con_, *owner)) : fmt::format("#{}, who isn't in the database", image.PatID)));
 }
 
-/// Compares a file with the stored one. Stores it again where that is missing,
-/// since that is what the user imports it for, and returns false then.
+/// Compares a file with the stored one. Stores it again where that is missing, since that is what the user
+/// imports it for, and returns false then.
 bool SeriesImport::RequireFile(const Radiograph& radiograph, const cImage& image) {
     const fs::path target = StoredPath(roots_.Folder(image.RootId).string(), image.URL);
     if (!fs::exists(target)) {
@@ -270,10 +260,8 @@ void SeriesImport::StoreRows(const std::vector<NewImage>& images, SeriesResult& 
     result = std::move(now);
 }
 
-/// Returns the series if it was hung, 0 if another program has stored all of
-/// its images meanwhile.
-Long SeriesImport::StoreInTransaction(const std::vector<NewImage>& images, NamedFiles& names,
-                                      SeriesResult& result) {
+/// Returns the series if it was hung, 0 if another program has stored all of its images meanwhile.
+Long SeriesImport::StoreInTransaction(const std::vector<NewImage>& images, NamedFiles& names, SeriesResult& result) {
     const RadiographFile& first = images.front().radiograph->file;
     const Long patient = PatientOf(first, result);
     const Ref<cSerie> series = SeriesOf(first, StudyOf(first, patient));
@@ -286,8 +274,8 @@ Long SeriesImport::StoreInTransaction(const std::vector<NewImage>& images, Named
         const std::size_t storedBefore = result.stored;
         StoreImage(image, patient, *series, names, result);
         if (result.stored > storedBefore && !image.radiograph->noPicture.empty())
-            result.notes.push_back(fmt::format("{}: stored, but it has no picture: {}",
-                                               image.radiograph->path.string(), image.radiograph->noPicture));
+            result.notes.push_back(fmt::format("{}: stored, but it has no picture: {}", image.radiograph->path.string(),
+                                               image.radiograph->noPicture));
     }
     if (result.stored == before) return 0;
     HangStored(con_, series->ID);
@@ -298,9 +286,8 @@ std::string SeriesImport::StoredNameOf(const RadiographFile& file, Long patient)
     return New<Class1>()->GetSubFolder(patient) + "\\" + file.sopInstanceUID + ".dcm";
 }
 
-/// Names the file and stores its image. An image that another program has
-/// stored meanwhile is compared; one whose row has lost the file's name gets
-/// that, and keeps all else.
+/// Names the file and stores its image. An image that another program has stored meanwhile is compared; one
+/// whose row has lost the file's name gets that, and keeps all else.
 void SeriesImport::StoreImage(const NewImage& fresh, Long patient, const cSerie& series, NamedFiles& names,
                               SeriesResult& result) {
     const Ref<cImage> image = ImageOf(con_, fresh.radiograph->file.sopInstanceUID);
@@ -317,9 +304,8 @@ void SeriesImport::StoreImage(const NewImage& fresh, Long patient, const cSerie&
     image->SaveEx(false, con_);
 }
 
-/// Notes what the files say about their person. Throws `IdentityConflict` where
-/// two of them disagree, unless the user has decided whose they are. Each two
-/// are compared: what one file lacks, the next may tell.
+/// Notes what the files say about their person. Throws `IdentityConflict` where two of them disagree, unless
+/// the user has decided whose they are. Each two are compared: what one file lacks, the next may tell.
 void SeriesImport::RequireOnePerson(const std::vector<Radiograph>& files) {
     said_.clear();
     for (const auto& [path, file, noPicture] : files) {
@@ -327,12 +313,11 @@ void SeriesImport::RequireOnePerson(const std::vector<Radiograph>& files) {
         if (std::ranges::any_of(said_, [&](const auto& other) { return other == person; })) continue;
         for (const PatientIdentity& other : said_) {
             if (decidedPatient_ || CanBeOne(other, person)) continue;
-            RaiseConflict(
-                fmt::format("the files of series {} name two patients, {} {} and {} "
-                            "{}; decide with "
-                            "--patient '#N'; --new-patient doesn't help here",
-                            file.seriesUID, other.patientID, other.Name(), person.patientID, person.Name()),
-                file, person, {other}, "in another file");
+            RaiseConflict(fmt::format("the files of series {} name two patients, {} {} and {} "
+                                      "{}; decide with "
+                                      "--patient '#N'; --new-patient doesn't help here",
+                                      file.seriesUID, other.patientID, other.Name(), person.patientID, person.Name()),
+                          file, person, {other}, "in another file");
         }
         said_.push_back(person);
     }
@@ -341,8 +326,7 @@ void SeriesImport::RequireOnePerson(const std::vector<Radiograph>& files) {
     for (const PatientIdentity& person : said_) Complete(person_, person);
 }
 
-/// Throws `IdentityConflict` if anything that a file of the series says
-/// contradicts the stored patient.
+/// Throws `IdentityConflict` if anything that a file of the series says contradicts the stored patient.
 void SeriesImport::RequireNoContradiction(const RadiographFile& file, Long patient) {
     const PatientIdentity stored = IdentityOf(con_, *PatientOfRow(con_, patient));
     for (const PatientIdentity& person : said_)
@@ -354,8 +338,8 @@ void SeriesImport::RequireNoContradiction(const RadiographFile& file, Long patie
                           file, person, {stored}, {});
 }
 
-/// The patient under whom the series is stored, if there is one. Throws
-/// `IdentityConflict` for a person who contradicts the stored one.
+/// The patient under whom the series is stored, if there is one. Throws `IdentityConflict` for a person who
+/// contradicts the stored one.
 std::optional<Long> SeriesImport::KnownPatientOf(const RadiographFile& file) {
     if (file.patientID.empty() && !decidedPatient_)
         throw UserError(
@@ -385,8 +369,8 @@ std::optional<Long> SeriesImport::KnownPatientOf(const RadiographFile& file) {
                   "there is not enough to tell whether this is {}, who "
                   "has the Patient ID {}",
                   known, person_.patientID);
-    RaiseConflict(fmt::format("{}; decide with --patient '#{}' or --new-patient", reason, first.number), file,
-                  person_, match.refused, {});
+    RaiseConflict(fmt::format("{}; decide with --patient '#{}' or --new-patient", reason, first.number), file, person_,
+                  match.refused, {});
 }
 
 /// The patient of the file's study, if the study is known.
@@ -396,12 +380,11 @@ std::optional<Long> SeriesImport::PatientOfStudy(const RadiographFile& file) {
     if (decidedPatient_ && study->PatientID == *decidedPatient_) return decidedPatient_;
     const Ref<cPatient> patient = PatientOfRow(con_, study->PatientID);
     if (!patient)
-        throw UserError(fmt::format("its study {} belongs to patient #{}, who isn't in the database",
-                                    file.studyUID, study->PatientID));
+        throw UserError(fmt::format("its study {} belongs to patient #{}, who isn't in the database", file.studyUID,
+                                    study->PatientID));
     const PatientIdentity stored = IdentityOf(con_, *patient);
     const auto other = std::ranges::find_if(said_, [&](const PatientIdentity& person) {
-        return !EqualsIgnoringCase(stored.patientID, Trim(person.patientID)) ||
-               !Contradictions(stored, person).empty();
+        return !EqualsIgnoringCase(stored.patientID, Trim(person.patientID)) || !Contradictions(stored, person).empty();
     });
     if (other == said_.end() && !decidedPatient_) return study->PatientID;
     RaiseConflict(fmt::format("its study {} belongs to another patient already, "
@@ -418,9 +401,8 @@ Long SeriesImport::PatientOf(const RadiographFile& file, SeriesResult& result) {
     return *known;
 }
 
-/// Stores what the patient's row lacks and the files tell, so that the next
-/// file is compared with it. Nothing is taken from files of another identifier
-/// or of a person who contradicts the patient.
+/// Stores what the patient's row lacks and the files tell, so that the next file is compared with it. Nothing
+/// is taken from files of another identifier or of a person who contradicts the patient.
 void SeriesImport::Fill(Long number, SeriesResult& result) {
     PatientIdentity stored = IdentityOf(con_, *PatientOfRow(con_, number));
     if (!std::ranges::all_of(said_, [&](const auto& person) { return CanBeOne(stored, person); })) return;

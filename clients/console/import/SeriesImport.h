@@ -25,8 +25,7 @@ struct PatientDecision {
     bool newPatient = false;  ///< the files belong to a patient who isn't in the database yet
 };
 
-/// The files say that they belong to another person than the one they would be
-/// stored under.
+/// The files say that they belong to another person than the one they would be stored under.
 class IdentityConflict : public UserError {
 public:
     IdentityConflict(const std::string& reason, std::string told, nlohmann::ordered_json described)
@@ -51,17 +50,15 @@ struct SeriesResult {
 
 /// Stores the files of one series, whole or nothing of it.
 ///
-/// Files are copied and flushed before the transaction begins; the database is
-/// locked only while rows are written and names are taken. A series of which
-/// every file is stored already is only compared. Used by the thread of its
-/// connection.
+/// Files are copied and flushed before the transaction begins; the database is locked only while rows are
+/// written and names are taken. A series of which every file is stored already is only compared. Used by the
+/// thread of its connection.
 class SeriesImport {
 public:
     SeriesImport(Ref<Connection> con, PatientDecision decision);
 
-    /// Stores a series; `files` isn't empty, and all name the same series. Throws
-    /// `IdentityConflict`, `UserError` and the library's `Error` for a series of
-    /// which nothing was stored, and `Stopped`.
+    /// Stores a series; `files` isn't empty, and all name the same series. Throws `IdentityConflict`,
+    /// `UserError` and the library's `Error` for a series of which nothing was stored, and `Stopped`.
     SeriesResult Store(const std::vector<Radiograph>& files);
 
 private:
@@ -77,10 +74,9 @@ private:
     void Restore(const Radiograph& radiograph, const std::filesystem::path& target, Platform::Long root);
     std::vector<NewImage> Copied(const std::vector<const Radiograph*>& files);
     void StoreRows(const std::vector<NewImage>& images, SeriesResult& result);
-    Platform::Long StoreInTransaction(const std::vector<NewImage>& images, NamedFiles& names,
-                                      SeriesResult& result);
-    void StoreImage(const NewImage& image, Platform::Long patient, const OXClass::cSerie& series,
-                    NamedFiles& names, SeriesResult& result);
+    Platform::Long StoreInTransaction(const std::vector<NewImage>& images, NamedFiles& names, SeriesResult& result);
+    void StoreImage(const NewImage& image, Platform::Long patient, const OXClass::cSerie& series, NamedFiles& names,
+                    SeriesResult& result);
     void RequireOnePerson(const std::vector<Radiograph>& files);
     Platform::Long PatientOf(const RadiographFile& file, SeriesResult& result);
     void Fill(Platform::Long patient, SeriesResult& result);

@@ -19,12 +19,11 @@ using Parts = std::vector<std::string>;
 constexpr std::pair<std::string_view, std::string_view> BaseLetters[] = {
     {"ø", "o"}, {"ł", "l"}, {"đ", "d"}, {"ð", "d"}, {"ı", "i"}, {"æ", "ae"}, {"œ", "oe"}, {"þ", "th"}};
 
-/// The text in lower case without accents; a text that isn't valid UTF-8 in
-/// lower case only.
+/// The text in lower case without accents; a text that isn't valid UTF-8 in lower case only.
 std::string Folded(const std::string& text) {
     utf8proc_uint8_t* mapped = nullptr;
-    const auto options = static_cast<utf8proc_option_t>(
-        UTF8PROC_COMPAT | UTF8PROC_DECOMPOSE | UTF8PROC_STRIPMARK | UTF8PROC_CASEFOLD | UTF8PROC_IGNORE);
+    const auto options = static_cast<utf8proc_option_t>(UTF8PROC_COMPAT | UTF8PROC_DECOMPOSE | UTF8PROC_STRIPMARK |
+                                                        UTF8PROC_CASEFOLD | UTF8PROC_IGNORE);
     const auto length = utf8proc_map(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
                                      static_cast<utf8proc_ssize_t>(text.size()), &mapped, options);
     const std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> owner(mapped, &std::free);
@@ -34,8 +33,7 @@ std::string Folded(const std::string& text) {
     return folded;
 }
 
-/// The parts of a name, folded: blanks, hyphens and commas separate them, other
-/// punctuation is left out.
+/// The parts of a name, folded: blanks, hyphens and commas separate them, other punctuation is left out.
 Parts PartsOf(const std::string& name) {
     constexpr std::string_view separators = " \t^,-", leftOut = ".'`\"()/\\";
     Parts parts(1);
@@ -49,9 +47,7 @@ Parts PartsOf(const std::string& name) {
     return parts;
 }
 
-std::string TextOrEmpty(const Parts& parts) {
-    return std::accumulate(parts.begin(), parts.end(), std::string());
-}
+std::string TextOrEmpty(const Parts& parts) { return std::accumulate(parts.begin(), parts.end(), std::string()); }
 
 Parts SortedParts(const Parts& family, const Parts& given) {
     Parts all = family;
@@ -83,15 +79,14 @@ void TakeOutEqualParts(Parts& a, Parts& b) {
     });
 }
 
-/// True if the given names can be one person's: each part of the shorter list
-/// is a part of the longer, whole or as an initial.
+/// True if the given names can be one person's: each part of the shorter list is a part of the longer, whole
+/// or as an initial.
 bool GivenNamesAgree(Parts a, Parts b) {
     if (a.size() > b.size()) std::swap(a, b);
     if (a.empty() || TextOrEmpty(a) == TextOrEmpty(b)) return true;
     TakeOutEqualParts(a, b);
     return std::ranges::all_of(a, [&](const std::string& part) {
-        const auto hit =
-            std::ranges::find_if(b, [&](const std::string& other) { return IsInitialOf(part, other); });
+        const auto hit = std::ranges::find_if(b, [&](const std::string& other) { return IsInitialOf(part, other); });
         if (hit == b.end()) return false;
         b.erase(hit);
         return true;
@@ -120,26 +115,28 @@ bool NamesAgree(const PatientIdentity& a, const PatientIdentity& b) {
     });
 }
 
-/// The given name that `said` has with the family name of a writing without
-/// given name; else empty.
-std::string GivenNameFor(const NameWriting& writing, const PatientIdentity& said) {
-    const Parts family = PartsOf(writing.family);
-    if (family.empty() || !PartsOf(writing.given).empty()) return {};
-    for (const NameWriting& other : said.names)
-        if (PartsOf(other.family) == family) return other.given;
-    return {};
+/// Completes a writing that has a family name or a given name only by one of `said` with the same; false if there is
+/// none.
+bool CompleteName(NameWriting& writing, const PatientIdentity& said) {
+    const Parts family = PartsOf(writing.family), given = PartsOf(writing.given);
+    if (family.empty() == given.empty()) return false;
+    for (const NameWriting& other : said.names) {
+        const Parts otherFamily = PartsOf(other.family), otherGiven = PartsOf(other.given);
+        if (otherFamily.empty() || otherGiven.empty()) continue;
+        if (family.empty() ? !GivenNamesAgree(given, otherGiven) : family != otherFamily) continue;
+        (family.empty() ? writing.family : writing.given) = family.empty() ? other.family : other.given;
+        return true;
+    }
+    return false;
 }
 
-bool SexKnown(const PatientIdentity& person) {
-    return person.sex == "M" || person.sex == "F" || person.sex == "O";
-}
+bool SexKnown(const PatientIdentity& person) { return person.sex == "M" || person.sex == "F" || person.sex == "O"; }
 
 std::string Trimmed(const std::string& text) { return Platform::Trim(text); }
 
 bool Differ(const PatientIdentity& a, const PatientIdentity& b, IdentityField field) {
     switch (field) {
-        case IdentityField::PatientID:
-            return !Platform::EqualsIgnoringCase(Trimmed(a.patientID), Trimmed(b.patientID));
+        case IdentityField::PatientID: return !Platform::EqualsIgnoringCase(Trimmed(a.patientID), Trimmed(b.patientID));
         case IdentityField::Issuer: {
             const std::string one = Trimmed(a.issuer), other = Trimmed(b.issuer);
             return !one.empty() && !other.empty() && !Platform::EqualsIgnoringCase(one, other);
@@ -196,12 +193,20 @@ std::vector<IdentityField> Complete(PatientIdentity& known, const PatientIdentit
          said.issuer);
     if (!NameKnown(known))
         take(IdentityField::Name, NameKnown(said), known.names, said.names);
-    else if (const std::string given = GivenNameFor(known.names.front(), said); !given.empty())
-        take(IdentityField::Name, true, known.names.front().given, given);
+    else if (CompleteName(known.names.front(), said))
+        taken.push_back(IdentityField::Name);
     take(IdentityField::BirthDate, known.birthDate.Days == 0 && said.birthDate.Days != 0, known.birthDate,
          said.birthDate);
     take(IdentityField::Sex, !SexKnown(known) && SexKnown(said), known.sex, said.sex);
     return taken;
+}
+
+bool DifferInFamilyNameOnly(const PatientIdentity& a, const PatientIdentity& b) {
+    const std::vector<IdentityField> contradictions = Contradictions(a, b);
+    if (contradictions.size() != 1 || contradictions.front() != IdentityField::Name) return false;
+    if (a.birthDate.Days == 0 || a.birthDate != b.birthDate) return false;
+    const Parts one = PartsOf(a.names.front().given), other = PartsOf(b.names.front().given);
+    return !one.empty() && !other.empty() && GivenNamesAgree(one, other);
 }
 
 bool SameInEachField(const PatientIdentity& a, const PatientIdentity& b) {
@@ -216,10 +221,10 @@ std::string SideBySide(const PatientIdentity& a, const std::string& titleA, cons
         return fmt::format("  {:<12}{}{} {}\n", name, Cell(one, width), differs ? "<>" : "  ",
                            Printable(other.empty() ? "-" : other));
     };
-    const auto row = [&](const char* name, IdentityField field, const std::string& one,
-                         const std::string& other) { return line(name, one, other, Differ(a, b, field)); };
-    return line("", titleA, titleB, false) +
-           row("Patient ID", IdentityField::PatientID, a.patientID, b.patientID) +
+    const auto row = [&](const char* name, IdentityField field, const std::string& one, const std::string& other) {
+        return line(name, one, other, Differ(a, b, field));
+    };
+    return line("", titleA, titleB, false) + row("Patient ID", IdentityField::PatientID, a.patientID, b.patientID) +
            row("Issuer", IdentityField::Issuer, a.issuer, b.issuer) +
            row("Name", IdentityField::Name, a.Name(), b.Name()) +
            row("Born", IdentityField::BirthDate, DateText(a.birthDate), DateText(b.birthDate)) +

@@ -15,11 +15,9 @@ struct NameWriting {
     bool operator==(const NameWriting&) const = default;
 };
 
-/// What tells one person from another: what a file, a worklist entry or a
-/// patient's row says about it.
+/// What tells one person from another: what a file, a worklist entry or a patient's row says about it.
 ///
-/// Every text is UTF-8 and may be empty, which means that the source says
-/// nothing. A plain value.
+/// Every text is UTF-8 and may be empty, which means that the source says nothing. A plain value.
 struct PatientIdentity {
     long number = 0;  ///< the patient's row; 0 for a person who isn't read from the database
     std::string patientID;
@@ -37,37 +35,37 @@ struct PatientIdentity {
 /// A property in which two identities differ.
 enum class IdentityField { PatientID, Issuer, Name, BirthDate, Sex };
 
-/// The properties of which both sides have a value and in which the values
-/// differ, in the order of the enumeration, `PatientID` excepted: the caller
-/// has compared it already.
+/// The properties of which both sides have a value and in which the values differ, in the order of the
+/// enumeration, `PatientID` excepted: the caller has compared it already.
 ///
-/// Names are compared without regard to letter case, accents, punctuation,
-/// blanks and the order of their parts. A missing middle name and an initial
-/// are no difference; a different family name is one. Of several writings one
-/// pair that agrees is enough. Issuers are compared without regard to case and
-/// outer blanks.
+/// Names are compared without regard to letter case, accents, punctuation, blanks and the order of their
+/// parts. A missing middle name and an initial are no difference; a different family name is one. Of
+/// several writings one pair that agrees is enough. Issuers are compared without regard to case and outer
+/// blanks.
 std::vector<IdentityField> Contradictions(const PatientIdentity& a, const PatientIdentity& b);
 
-/// True if name or birth date is known on both sides and agrees, and nothing
-/// contradicts it.
+/// True if name or birth date is known on both sides and agrees, and nothing contradicts it.
 bool Confirms(const PatientIdentity& a, const PatientIdentity& b);
 
-/// Takes over from `said` what `known` lacks: issuer, name, birth date and sex;
-/// a known family name without given name takes the given name that `said` has
-/// with the same family name. Returns the properties that were taken over. The
-/// two must not contradict each other, and must have the same identifier.
+/// Takes over from `said` what `known` lacks: issuer, name, birth date and sex; a family name or a given name
+/// alone is completed by a name of `said` with the same. Returns the properties that were taken over. The two
+/// must not contradict each other, and must have the same identifier.
 std::vector<IdentityField> Complete(PatientIdentity& known, const PatientIdentity& said);
+
+/// True if the family name is the only contradiction, and given name and birth date are known and agree: a
+/// person who has changed the name, or whose name was corrected.
+bool DifferInFamilyNameOnly(const PatientIdentity& a, const PatientIdentity& b);
 
 /// True if the two have the same values, names compared as in `Contradictions`.
 bool SameInEachField(const PatientIdentity& a, const PatientIdentity& b);
 
-/// True if the identifier alone is enough to take both for one person: both
-/// issuers are known and equal, or neither is known.
+/// True if the identifier alone is enough to take both for one person: both issuers are known and equal,
+/// or neither is known.
 bool SameIssuer(const PatientIdentity& a, const PatientIdentity& b);
 
-/// Both identities as a table of five lines, the properties that differ marked
-/// with "<>". `titleA` and `titleB` are the titles of the columns. Control
-/// characters are replaced by blanks; the text ends with a line break.
+/// Both identities as a table of five lines, the properties that differ marked with "<>". `titleA` and
+/// `titleB` are the titles of the columns. Control characters are replaced by blanks; the text ends with a
+/// line break.
 std::string SideBySide(const PatientIdentity& a, const std::string& titleA, const PatientIdentity& b,
                        const std::string& titleB);
 

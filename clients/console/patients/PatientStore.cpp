@@ -15,8 +15,7 @@ using namespace OXClass;
 
 constexpr Long IdentifierWidth = 64, OtherIDsWidth = 255;
 
-/// The one letter of a sex that programs of the suite agree on; empty for any
-/// other text.
+/// The one letter of a sex that programs of the suite agree on; empty for any other text.
 std::string SexLetter(const std::string& text) {
     const std::string letter = UCase(Left(Trim(text), 1));
     return letter == "M" || letter == "F" || letter == "O" ? letter : "";
@@ -54,19 +53,16 @@ std::string ShortName(const PatientIdentity& person) {
 }
 
 Long RowsWithID(const Ref<Connection>& con, const std::string& id) {
-    return con
-        ->Execute(sql("SELECT count(*) FROM Patient_T WHERE PersonNr_CH = '", UCase(FixSqlString(id)), "'"))
+    return con->Execute(sql("SELECT count(*) FROM Patient_T WHERE PersonNr_CH = '", UCase(FixSqlString(id)), "'"))
         ->Fields(0)
         .As<Long>();
 }
 
 void SetIdentifier(const Ref<Connection>& con, Long number, const std::string& id) {
-    con->Execute(
-        sql("UPDATE Patient_T SET PersonNr_CH = '", FixSqlString(id), "' WHERE PatientID = ", number));
+    con->Execute(sql("UPDATE Patient_T SET PersonNr_CH = '", FixSqlString(id), "' WHERE PatientID = ", number));
 }
 
-/// Inserts a patient beside others of the same identifier: the class would
-/// update those.
+/// Inserts a patient beside others of the same identifier: the class would update those.
 void InsertBesideOthers(const Ref<Connection>& con, cPatient& patient) {
     const std::string id = patient.PatientID;
     patient.PatientID = New<cDoctors>()->GetGUID();
@@ -118,8 +114,7 @@ std::string Changes(const cPatient& stored, const cPatient& wanted) {
 
 void UpdateRow(const Ref<Connection>& con, const cPatient& patient) {
     const Ref<cPatient> stored = PatientOfRow(con, patient.ID);
-    if (!stored)
-        throw UserError(fmt::format("patient #{} was removed by another program meanwhile", patient.ID));
+    if (!stored) throw UserError(fmt::format("patient #{} was removed by another program meanwhile", patient.ID));
     const std::string changes = Changes(*stored, patient);
     if (!changes.empty())
         con->Execute(sql("UPDATE Patient_T SET ", Clause(changes), " WHERE PatientID = ", patient.ID));
@@ -135,9 +130,7 @@ void FillColumn(const Ref<Connection>& con, Long patient, const char* column, co
 std::string FillField(const Ref<Connection>& con, const PatientIdentity& person, IdentityField field) {
     const auto patient = static_cast<Long>(person.number);
     switch (field) {
-        case IdentityField::Issuer:
-            StoreIssuer(con, patient, person.issuer);
-            return "issuer " + person.issuer;
+        case IdentityField::Issuer: StoreIssuer(con, patient, person.issuer); return "issuer " + person.issuer;
         case IdentityField::Name:
             FillColumn(con, patient, "LastName_NVC", person.names.front().family);
             FillColumn(con, patient, "FirstName_NVC", person.names.front().given);
@@ -175,14 +168,14 @@ Ref<cPatient> PatientOfRow(const Ref<Connection>& con, Long number) {
     const Completion& load = patient->LoadCompletion();
     if (found || load.Complete()) return found ? patient : nullptr;
     if (load.Failure().Column.empty()) throw Error(load.Failure());
-    throw UserError(fmt::format("patient #{} can't be read: correct its column {} in the database ({})",
-                                number, load.Failure().Column, load.Failure().Description));
+    throw UserError(fmt::format("patient #{} can't be read: correct its column {} in the database ({})", number,
+                                load.Failure().Column, load.Failure().Description));
 }
 
 std::vector<Ref<cPatient>> PatientsWithID(const Ref<Connection>& con, const std::string& id) {
     std::vector<Long> numbers;
-    const Ref<Recordset> rows = con->Execute(sql("SELECT PatientID FROM Patient_T WHERE PersonNr_CH = '",
-                                                 UCase(FixSqlString(id)), "' ORDER BY PatientID"));
+    const Ref<Recordset> rows = con->Execute(
+        sql("SELECT PatientID FROM Patient_T WHERE PersonNr_CH = '", UCase(FixSqlString(id)), "' ORDER BY PatientID"));
     for (; !rows->Eof(); rows->MoveNext()) numbers.push_back(rows->Fields(0).As<Long>());
     std::vector<Ref<cPatient>> patients;
     for (const Long number : numbers)
@@ -199,10 +192,9 @@ Ref<cPatient> LoadPatient(const Ref<Connection>& con, const std::string& text) {
     if (patients.empty()) throw UserError(fmt::format("there is no patient {}; see: oxclass patients", text));
     if (patients.size() == 1) return patients.front();
     std::string list;
-    for (const auto& patient : patients)
-        list += (list.empty() ? "" : "; ") + ShortName(IdentityOf(con, *patient));
-    throw UserError(fmt::format("{} patients have the ID {}: {}; name one by its number, as '#{}'",
-                                patients.size(), text, list, patients.front()->ID));
+    for (const auto& patient : patients) list += (list.empty() ? "" : "; ") + ShortName(IdentityOf(con, *patient));
+    throw UserError(fmt::format("{} patients have the ID {}: {}; name one by its number, as '#{}'", patients.size(),
+                                text, list, patients.front()->ID));
 }
 
 Ref<cPatient> LoadPatient(const Database& database, const std::string& text) {
@@ -248,8 +240,7 @@ std::vector<std::string> AddOtherIDs(cPatient& patient, const std::vector<std::s
     Long place = 0;
     for (const std::string& identifier : identifiers) {
         String other = UCase(Trim(WithoutQuotes(identifier)));
-        if (other.empty() || EqualsIgnoringCase(other, patient.PatientID) || HasOtherID(patient, other))
-            continue;
+        if (other.empty() || EqualsIgnoringCase(other, patient.PatientID) || HasOtherID(patient, other)) continue;
         const Long length = patient.OtherIDs->TotalLengthWithDelimiter();
         if (length + (length > 0 ? 1 : 0) + Len(other) > OtherIDsWidth) {
             left.push_back(identifier);
@@ -268,14 +259,14 @@ void SavePatient(const Ref<Connection>& con, cPatient& patient) {
     patient.Save(con);
 }
 
-std::string FillPatient(const Ref<Connection>& con, const PatientIdentity& stored,
-                        const PatientIdentity& said, const char* source) {
+std::string FillPatient(const Ref<Connection>& con, const PatientIdentity& stored, const PatientIdentity& said,
+                        const char* source) {
     PatientIdentity filled = stored;
     std::vector<std::string> added;
     for (const IdentityField field : Complete(filled, said)) added.push_back(FillField(con, filled, field));
     if (added.empty()) return {};
-    return fmt::format("patient #{} {}: {} added from {}", stored.number, filled.Name(),
-                       fmt::join(added, ", "), source);
+    return fmt::format("patient #{} {}: {} added from {}", stored.number, filled.Name(), fmt::join(added, ", "),
+                       source);
 }
 
 void ChangePatientID(const Ref<Connection>& con, cPatient& patient, const std::string& id) {
@@ -292,8 +283,8 @@ void StoreIssuer(const Ref<Connection>& con, Long patient, const std::string& is
     if (text.empty()) return;
     CreateProgramTables(con);
     con->Execute(sql("DELETE FROM PatientIssuer_T WHERE PatientID = ", patient));
-    con->Execute(sql("INSERT INTO PatientIssuer_T (PatientID, Issuer) VALUES (", patient, ", '",
-                     FixSqlString(text), "')"));
+    con->Execute(
+        sql("INSERT INTO PatientIssuer_T (PatientID, Issuer) VALUES (", patient, ", '", FixSqlString(text), "')"));
 }
 
 void ForgetIssuer(const Ref<Connection>& con, Long patient) {
@@ -306,8 +297,7 @@ void CreateProgramTables(const Ref<Connection>& con) { RunScript(con, schema::pr
 void WithUniqueID(const Ref<Connection>& con, const cPatient& patient,
                   const std::function<void(const std::string& id)>& work) {
     const Long number = patient.ID;
-    const Ref<Recordset> row =
-        con->Execute(sql("SELECT PersonNr_CH FROM Patient_T WHERE PatientID = ", number));
+    const Ref<Recordset> row = con->Execute(sql("SELECT PersonNr_CH FROM Patient_T WHERE PatientID = ", number));
     if (row->Eof()) throw UserError(fmt::format("there is no patient #{}; see: oxclass patients", number));
     const ADODB::Field stored = row->Fields(0);
     const std::string own = stored.IsNull() ? String() : stored.As<String>();

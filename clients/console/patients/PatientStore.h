@@ -5,8 +5,7 @@
 #include "console/patients/PatientIdentity.h"
 #include "people/cPatient.h"
 
-/// Patients in the database: finding the one that is meant, and saving exactly
-/// that one.
+/// Patients in the database: finding the one that is meant, and saving exactly that one.
 namespace Console {
 
 /// The identity that a radiograph's file states.
@@ -15,19 +14,16 @@ PatientIdentity IdentityOf(const RadiographFile& file);
 /// The identity of a loaded patient, with the issuer of its identifier.
 PatientIdentity IdentityOf(const Ref<Connection>& con, const OXClass::cPatient& patient);
 
-/// Loads the patient of this row; null if there is none. A birth date that is
-/// no date counts as not known. Throws `UserError`, which names row and column,
-/// for any other row that can't be read whole, so that it is never taken for a
-/// missing one.
+/// Loads the patient of this row; null if there is none. A birth date that is no date counts as not known.
+/// Throws `UserError`, which names row and column, for any other row that can't be read whole, so that it is
+/// never taken for a missing one.
 Ref<OXClass::cPatient> PatientOfRow(const Ref<Connection>& con, Platform::Long number);
 
-/// All patients with this text identifier, by rising row number. Throws as
-/// `PatientOfRow`.
+/// All patients with this text identifier, by rising row number. Throws as `PatientOfRow`.
 std::vector<Ref<OXClass::cPatient>> PatientsWithID(const Ref<Connection>& con, const std::string& id);
 
-/// The patient that `text` names: "#12" is the row 12, any other text an
-/// identifier. Throws `UserError` if there is none, and if several patients
-/// have the identifier; the message then lists them.
+/// The patient that `text` names: "#12" is the row 12, any other text an identifier. Throws `UserError` if
+/// there is none, and if several patients have the identifier; the message then lists them.
 Ref<OXClass::cPatient> LoadPatient(const Ref<Connection>& con, const std::string& text);
 Ref<OXClass::cPatient> LoadPatient(const Database& database, const std::string& text);
 
@@ -45,56 +41,46 @@ struct PatientMatch {
 
 /// Looks for the patient that is the person.
 ///
-/// Taken is a patient of the same identifier whom nothing contradicts. Where
-/// the issuers don't both say the same, or where several patients have the
-/// identifier, name or birth date must agree as well. Two patients who fit are
-/// none: the result then lists both as refused.
+/// Taken is a patient of the same identifier whom nothing contradicts. Where the issuers don't both say the
+/// same, or where several patients have the identifier, name or birth date must agree as well. Two patients
+/// who fit are none: the result then lists both as refused.
 PatientMatch MatchPatient(const Ref<Connection>& con, const PatientIdentity& person);
 
-/// Throws `UserError` unless the patient's texts can be stored: a quote in
-/// those that a statement takes unescaped, more than 255 characters of other
-/// identifiers, more than 64 of the identifier, none at all.
+/// Throws `UserError` unless the patient's texts can be stored: a quote in those that a statement takes
+/// unescaped, more than 255 characters of other identifiers, more than 64 of the identifier, none at all.
 void RequireStorable(const OXClass::cPatient& patient);
 
-/// Adds identifiers that the patient lacks, as long as all of them fit into
-/// their column. Returns those that don't fit; an identifier is never cut.
+/// Adds identifiers that the patient lacks, as long as all of them fit into their column. Returns those
+/// that don't fit; an identifier is never cut.
 std::vector<std::string> AddOtherIDs(OXClass::cPatient& patient, const std::vector<std::string>& identifiers);
 
-/// Inserts a patient (`ID` 0), or writes into exactly its row the columns whose
-/// values differ from the stored ones; all others keep their contents, also
-/// those that can't be read. The identifier is not written. The caller holds
-/// the transaction. Throws as `RequireStorable`, and `UserError` where the row
-/// is gone.
+/// Inserts a patient (`ID` 0), or writes into exactly its row the columns whose values differ from the stored
+/// ones; all others keep their contents, also those that can't be read. The identifier is not written. The
+/// caller holds the transaction. Throws as `RequireStorable`, and `UserError` where the row is gone.
 void SavePatient(const Ref<Connection>& con, OXClass::cPatient& patient);
 
-/// Stores in the patient's row what it lacks and `said` tells: issuer, name,
-/// birth date and sex. Columns that hold any text keep it. Returns one line
-/// that tells what was added, empty if nothing was. The two must not contradict
-/// each other, and must have the same identifier. The caller holds the
-/// transaction.
-std::string FillPatient(const Ref<Connection>& con, const PatientIdentity& stored,
-                        const PatientIdentity& said, const char* source);
+/// Stores in the patient's row what it lacks and `said` tells: issuer, name, birth date and sex. Columns that
+/// hold any text keep it. Returns one line that tells what was added, empty if nothing was. The two must not
+/// contradict each other, and must have the same identifier. The caller holds the transaction.
+std::string FillPatient(const Ref<Connection>& con, const PatientIdentity& stored, const PatientIdentity& said,
+                        const char* source);
 
-/// Gives the row another identifier; the issuer stays. The caller holds the
-/// transaction. Throws `UserError` if a patient has the new identifier already.
+/// Gives the row another identifier; the issuer stays. The caller holds the transaction. Throws `UserError`
+/// if a patient has the new identifier already.
 void ChangePatientID(const Ref<Connection>& con, OXClass::cPatient& patient, const std::string& id);
 
-/// Stores the issuer of a patient's identifier; ignores an empty one. The
-/// caller holds the transaction.
+/// Stores the issuer of a patient's identifier; ignores an empty one. The caller holds the transaction.
 void StoreIssuer(const Ref<Connection>& con, Platform::Long patient, const std::string& issuer);
 
-/// Forgets the issuer of a patient's identifier. The caller holds the
-/// transaction.
+/// Forgets the issuer of a patient's identifier. The caller holds the transaction.
 void ForgetIssuer(const Ref<Connection>& con, Platform::Long patient);
 
-/// Creates those tables of the program that the database lacks. The caller
-/// holds the transaction.
+/// Creates those tables of the program that the database lacks. The caller holds the transaction.
 void CreateProgramTables(const Ref<Connection>& con);
 
-/// Runs `work` with an identifier that no other row has, for operations that
-/// find a patient by the text identifier: the row gets a new one before, and
-/// its own back behind it. The caller holds the transaction and rolls it back
-/// if this throws.
+/// Runs `work` with an identifier that no other row has, for operations that find a patient by the text
+/// identifier: the row gets a new one before, and its own back behind it. The caller holds the transaction
+/// and rolls it back if this throws.
 void WithUniqueID(const Ref<Connection>& con, const OXClass::cPatient& patient,
                   const std::function<void(const std::string& id)>& work);
 
