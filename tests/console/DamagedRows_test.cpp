@@ -18,9 +18,8 @@ class DamagedRows : public Program {
 protected:
     void SetUp() override {
         Init();
-        WriteSeries(
-            "1.2.3",
-            {{{16, 17, 46, 47}, ""}, {{14, 15, 44, 45}, ""}, {{24, 25, 34, 35}, ""}, {{26, 27, 36, 37}, ""}});
+        WriteSeries("1.2.3",
+                    {{{16, 17, 46, 47}, ""}, {{14, 15, 44, 45}, ""}, {{24, 25, 34, 35}, ""}, {{26, 27, 36, 37}, ""}});
         Ok({"import", Films()});
     }
 
@@ -65,8 +64,8 @@ protected:
 
     std::string Everything() const {
         std::string text;
-        for (const char* table : {"Patient_T", "Study_T", "Series_T", "ImageBild_T", "ImageCard_T",
-                                  "ImageAttribute_T", "ImageManipulation_T"})
+        for (const char* table : {"Patient_T", "Study_T", "Series_T", "ImageBild_T", "ImageCard_T", "ImageAttribute_T",
+                                  "ImageManipulation_T"})
             text += Rows(table);
         return text;
     }
@@ -75,8 +74,7 @@ protected:
     static std::size_t Drawn(const std::string& file) {
         const std::string svg = TestKit::Content(file);
         std::size_t count = 0;
-        for (auto at = svg.find("<image "); at != std::string::npos; at = svg.find("<image ", at + 1))
-            ++count;
+        for (auto at = svg.find("<image "); at != std::string::npos; at = svg.find("<image ", at + 1)) ++count;
         return count;
     }
 
@@ -90,22 +88,20 @@ protected:
     }
 };
 
-constexpr const char* ColumnsThatMustBeThere[] = {
-    "Brightness_INT", "Contrast_INT", "DateCaptured_SD", "ImageType", "Invert_BT", "PatientID", "RootId"};
+constexpr const char* ColumnsThatMustBeThere[] = {"Brightness_INT", "Contrast_INT", "DateCaptured_SD", "ImageType",
+                                                  "Invert_BT",      "PatientID",    "RootId"};
 
 TEST_F(DamagedRows, HangingRefusesAnImageThatIsReadInPart) {
     for (const char* column : ColumnsThatMustBeThere) {
         Run("UPDATE ImageBild_T SET FrameNumber_INT = 0");
-        Run(std::string("CREATE TABLE Kept AS SELECT ") + column +
-            " AS value FROM ImageBild_T WHERE ImageBildID = 2");
+        Run(std::string("CREATE TABLE Kept AS SELECT ") + column + " AS value FROM ImageBild_T WHERE ImageBildID = 2");
         Run(std::string("UPDATE ImageBild_T SET ") + column + " = NULL WHERE ImageBildID = 2");
         const std::string before = Everything();
         const std::string line = Refused({"hang", "1"});
         EXPECT_THAT(line, HasSubstr("image 2 can't be read whole"));
         EXPECT_THAT(line, HasSubstr(column));
         EXPECT_EQ(Everything(), before) << column;
-        Run(std::string("UPDATE ImageBild_T SET ") + column +
-            " = (SELECT value FROM Kept) WHERE ImageBildID = 2");
+        Run(std::string("UPDATE ImageBild_T SET ") + column + " = (SELECT value FROM Kept) WHERE ImageBildID = 2");
         Run("DROP TABLE Kept");
     }
     EXPECT_EQ(OkJson({"hang", "1"})["changed"], 4);
@@ -121,34 +117,49 @@ TEST_F(DamagedRows, AnImageIsCommentedThoughItsRowIsDamaged) {
 }
 
 TEST_F(DamagedRows, CommentingWritesTheCommentAndNothingElse) {
-    Run("CREATE TRIGGER no_update BEFORE UPDATE ON ImageBild_T BEGIN SELECT RAISE(ABORT, 'the image was "
+    Run("CREATE TRIGGER no_update BEFORE UPDATE ON ImageBild_T BEGIN SELECT "
+        "RAISE(ABORT, 'the image was "
         "written'); END");
     Run("UPDATE Patient_T SET LastName_NVC = 'x'");
     const std::string before = Everything();
     Ok({"comment", "3", "it's fine", "--signature", "AB"});
     EXPECT_EQ(Everything(), before);
-    EXPECT_EQ(
-        Number(
-            "SELECT count(*) FROM Comments_T WHERE tabelID = 1 AND objectID = 3 AND commentString = 'it''s "
-            "fine' AND signature = 'AB' AND dates > '2020-01-01 00:00:00'"),
-        1);
+    EXPECT_EQ(Number("SELECT count(*) FROM Comments_T WHERE tabelID = 1 AND objectID = "
+                     "3 AND commentString = 'it''s "
+                     "fine' AND signature = 'AB' AND dates > '2020-01-01 00:00:00'"),
+              1);
 }
 
-TEST_F(DamagedRows, AStoredCommentThatCannotBeReadIsNamedAndNothingIsAdded) {
-    Run("INSERT INTO Comments_T (dates, signature, tabelID, objectID, commentString) VALUES ('2020-01-01 "
-        "10:00:00', "
-        "NULL, 1, 1, 'x')");
-    EXPECT_THAT(Refused({"comment", "1", "more"}), HasSubstr("in column signature"));
-    EXPECT_EQ(Number("SELECT count(*) FROM Comments_T"), 1);
+TEST_F(DamagedRows, ACommentThatCannotBeReadIsMarkedAndTheOthersAreShown) {
+    Run("INSERT INTO Comments_T (dates, signature, tabelID, objectID, "
+        "commentString) VALUES ('2020-01-01 "
+        "10:00:00', NULL, 1, 1, 'old'), ('soon', 'AB', 1, 1, 'undated')");
+    const json added = Partly({"comment", "1", "more"});
+    ASSERT_EQ(added.size(), 3U);
+    EXPECT_EQ(Number("SELECT count(*) FROM Comments_T"), 3);
+    std::map<std::string, json> damaged;
+    for (const json& comment : added) damaged[comment["comment"]] = comment["damaged"];
+    EXPECT_EQ(damaged["old"], "signature: Invalid use of Null");
+    EXPECT_EQ(damaged["undated"], "dates: Type mismatch");
+    EXPECT_EQ(damaged["more"], nullptr);
+    EXPECT_EQ(Partly({"comment", "1"}), added);
+    const std::string page = (folder.Path() / "report.html").string();
+    const Result report = OnDatabase({"report", "P-1.2.3", "-o", page});
+    EXPECT_EQ(report.code, 3) << report.err;
+    const std::string html = TestKit::Content(page);
+    for (const char* text : {"old", "undated", "more", "comment 1 can", "comment 2 can"})
+        EXPECT_THAT(html, HasSubstr(text));
 }
 
 TEST_F(DamagedRows, ImagesAreListedWithTheColumnThatIsDamaged) {
     Run("UPDATE ImageBild_T SET Brightness_INT = NULL WHERE ImageBildID = 1");
     Run("UPDATE ImageBild_T SET Contrast_INT = 'dark' WHERE ImageBildID = 3");
     Run("UPDATE ImageBild_T SET FrameNumber_INT = 'first' WHERE ImageBildID = 4");
-    Run("INSERT INTO ImageBild_T (PatientID, ImageType, Brightness_INT, Contrast_INT, Invert_BT, "
+    Run("INSERT INTO ImageBild_T (PatientID, ImageType, Brightness_INT, "
+        "Contrast_INT, Invert_BT, "
         "DateCaptured_SD, "
-        "Series_ID) SELECT PatientID, 0, 0, 0, 0, DateCaptured_SD, 1 FROM ImageBild_T WHERE ImageBildID = 2");
+        "Series_ID) SELECT PatientID, 0, 0, 0, 0, DateCaptured_SD, 1 FROM "
+        "ImageBild_T WHERE ImageBildID = 2");
     const json list = Partly({"images"});
     ASSERT_EQ(list.size(), 5U);
     EXPECT_EQ(list[0]["image"], 2);
@@ -166,7 +177,8 @@ TEST_F(DamagedRows, CardsAndSeriesAreListedPastTheOnesThatAreDamaged) {
     for (const char* name : {"A", "B", "C"}) Ok({"card", "new", "P-1.2.3", name});
     Run("UPDATE ImageCard_T SET ICFullViewHeight = -600 WHERE ICName = 'A'");
     Run("UPDATE ImageCard_T SET ICDescription = NULL WHERE ICName = 'C'");
-    Run("INSERT INTO Series_T (SeriesInstanceUID, Study_ID, SeriesDateTime) VALUES ('9.1', 1, 'soon')");
+    Run("INSERT INTO Series_T (SeriesInstanceUID, Study_ID, SeriesDateTime) "
+        "VALUES ('9.1', 1, 'soon')");
     const json entries = Partly({"cards", "P-1.2.3"})["entries"];
     std::map<std::string, json> damaged;
     for (const json& entry : entries) damaged[entry["key"]] = entry["damaged"];
@@ -202,8 +214,117 @@ TEST_F(DamagedRows, ASeriesWhoseImagesCannotBeReadIsNotRemovedAsAnOrphan) {
     EXPECT_EQ(list["entries"][0]["damaged"], "Brightness_INT: Invalid use of Null");
     EXPECT_EQ(Number("SELECT count(*) FROM Series_T"), 1);
     Run("UPDATE ImageBild_T SET Brightness_INT = 0");
-    EXPECT_EQ(OkJson({"cards", "P-1.2.3"})["orphans_removed"], 1)
-        << "a series whose images were deleted goes";
+    EXPECT_EQ(OkJson({"cards", "P-1.2.3"})["orphans_removed"], 1) << "a series whose images were deleted goes";
+}
+
+TEST_F(DamagedRows, AnImportWritesNothingOverADamagedRow) {
+    const std::pair<const char*, const char*> damages[] = {
+        {"Brightness_INT", "NULL"}, {"Contrast_INT", "NULL"}, {"Contrast_INT", "'x'"}, {"Invert_BT", "NULL"},
+        {"ImageType", "NULL"},      {"PatientID", "NULL"},    {"Series_ID", "'x'"}};
+    for (const auto& [column, value] : damages) {
+        Run(std::string("CREATE TABLE Kept AS SELECT ") + column + " AS value FROM ImageBild_T WHERE ImageBildID = 2");
+        Run(std::string("UPDATE ImageBild_T SET Gamma_INT = 7, ") + column + " = " + value + " WHERE ImageBildID = 2");
+        const std::string before = Everything();
+        const Result run = OnDatabase({"import", Films()});
+        EXPECT_EQ(run.code, 3) << column;
+        EXPECT_THAT(run.err, HasSubstr("image 2")) << column;
+        EXPECT_THAT(run.err, HasSubstr(column));
+        EXPECT_THAT(run.out, HasSubstr("0 new images stored, 3 were stored already, 1 not imported"));
+        EXPECT_EQ(Everything(), before) << column;
+        Run(std::string("UPDATE ImageBild_T SET ") + column + " = (SELECT value FROM Kept) WHERE ImageBildID = 2");
+        Run("DROP TABLE Kept");
+    }
+}
+
+TEST_F(DamagedRows, AnImageThatLostItsFileNameGetsTheNameAndKeepsTheRest) {
+    const std::string rest =
+        "SELECT count(*) FROM ImageBild_T WHERE ImageBildID "
+        "= 2 AND PriStructure = '18,' AND "
+        "Responsible_Person_NVC = 'Dr Lind' AND Voltage_INT "
+        "= 66 AND FrameNumber_INT = 9 AND GraphicURL_NVC "
+        "LIKE '%1.2.3.2.dcm' AND Series_ID = 1";
+    for (const char* lost : {"NULL", "''"}) {
+        Run(std::string("UPDATE ImageBild_T SET PriStructure = '18,', "
+                        "Responsible_Person_NVC = 'Dr Lind', "
+                        "Voltage_INT = 66, FrameNumber_INT = 9, GraphicURL_NVC = ") +
+            lost + " WHERE ImageBildID = 2");
+        const json told = OkJson({"import", Films()});
+        EXPECT_EQ(told["stored"], 0);
+        EXPECT_EQ(told["restored"], 1);
+        EXPECT_EQ(told["known"], 3);
+        EXPECT_EQ(Number(rest), 1) << lost;
+    }
+    EXPECT_EQ(OkJson({"check"})["open"], 0);
+}
+
+TEST_F(DamagedRows, AnImageWithoutIdentifierOrSeriesGetsNoSecondRow) {
+    const char* const losses[] = {"SOPInstanceUID_NVC = NULL", "SOPInstanceUID_NVC = ''", "Series_ID = NULL",
+                                  "Series_ID = 0"};
+    for (const char* loss : losses) {
+        Run(std::string("UPDATE ImageBild_T SET ") + loss + " WHERE ImageBildID = 2");
+        const std::string column = std::string(loss).substr(0, std::string(loss).find(' '));
+        const std::string before = Everything();
+        const Result run = OnDatabase({"import", Films()});
+        EXPECT_EQ(run.code, 3) << loss;
+        EXPECT_THAT(run.err, HasSubstr("image 2")) << loss;
+        EXPECT_THAT(run.err, HasSubstr(column)) << loss;
+        EXPECT_EQ(Everything(), before) << loss;
+        const Result check = OnDatabase({"check"});
+        EXPECT_EQ(check.code, 3) << loss;
+        EXPECT_THAT(check.out, ::testing::ContainsRegex("damaged-row +image 2 +" + column)) << loss;
+        Run("UPDATE ImageBild_T SET SOPInstanceUID_NVC = '1.2.3.2', Series_ID = 1 "
+            "WHERE ImageBildID = 2");
+    }
+    Run("UPDATE Series_T SET SeriesInstanceUID = NULL");
+    const Result run = OnDatabase({"import", Films()});
+    EXPECT_EQ(run.code, 3);
+    EXPECT_THAT(run.err, HasSubstr("series 1"));
+    EXPECT_THAT(run.err, HasSubstr("SeriesInstanceUID"));
+    EXPECT_THAT(run.err, Not(HasSubstr("another series")));
+}
+
+TEST_F(DamagedRows, ASeriesStaysToWhichAnImageOfUnreadableSeriesMayBelong) {
+    Run("UPDATE Series_T SET SeriesDateTime = '2001-01-01 10:00:00'");
+    Run("DELETE FROM ImageBild_T WHERE ImageBildID > 1");
+    for (const char* lost : {"'x'", "1.5", "NULL", "0"}) {
+        Run(std::string("UPDATE ImageBild_T SET Series_ID = ") + lost);
+        const json list = Partly({"cards", "P-1.2.3"});
+        EXPECT_EQ(list["orphans_removed"], 0) << lost;
+        ASSERT_EQ(list["entries"].size(), 1U) << lost;
+        EXPECT_THAT(list["entries"][0]["damaged"].get<std::string>(), HasSubstr("Series_ID of image 1")) << lost;
+        EXPECT_EQ(Number("SELECT count(*) FROM Series_T"), 1) << lost;
+    }
+    Run("UPDATE ImageBild_T SET Study_ID = 77");
+    EXPECT_EQ(OkJson({"cards", "P-1.2.3"})["orphans_removed"], 1) << "an image of another study is not its own";
+}
+
+TEST_F(DamagedRows, ACheckNamesEachDamagedRowAndGoesOn) {
+    Ok({"card", "new", "P-1.2.3", "A"});
+    Ok({"card", "add", "IC1", "1", "2"});
+    Ok({"comment", "1", "text"});
+    Run("UPDATE ImageBild_T SET RootId = 'y' WHERE ImageBildID = 4");
+    Run("UPDATE ImageBild_T SET Series_ID = 'x' WHERE ImageBildID = 3");
+    Run("INSERT INTO Patient_T (PersonNr_CH, PrevXrayDate_CH) VALUES ('P2', "
+        "'hello')");
+    Run("INSERT INTO Patient_T (PersonNr_CH, RespDoctor) VALUES ('P3', 'x')");
+    Run("INSERT INTO Patient_T (PersonNr_CH, Birthdate_CH) VALUES ('P4', 'ca. "
+        "1980')");
+    Run("UPDATE Series_T SET SeriesInstanceUID = NULL");
+    Run("UPDATE Study_T SET StudyDateTime = 'soon'");
+    Run("UPDATE ImageCard_T SET ICName = NULL");
+    Run("UPDATE ImageAttribute_T SET IASequence = NULL WHERE ImageAttributeID = "
+        "2");
+    Run("UPDATE Comments_T SET signature = NULL");
+    Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (7, NULL, 0)");
+    const Result run = OnDatabase({"check"});
+    EXPECT_EQ(run.code, 3);
+    EXPECT_EQ(run.err, "");
+    for (const char* finding :
+         {"image 4 +RootId", "image 3 +Series_ID", "patient #2 +PrevXrayDate_CH", "patient #3 +RespDoctor",
+          "patient #4 +Birthdate_CH", "series 1 +SeriesInstanceUID", "study 1 +StudyDateTime", "image card 1 +ICName",
+          "placed image 2 +IASequence", "comment 1 +signature", "storage root 7 +RootDirectory"})
+        EXPECT_THAT(run.out, ::testing::ContainsRegex("damaged-row +" + std::string(finding))) << finding;
+    EXPECT_THAT(run.out, HasSubstr("were checked: 11 findings"));
 }
 
 TEST_F(DamagedRows, NothingIsComposedOfWhatIsReadInPart) {
@@ -229,7 +350,8 @@ TEST_F(DamagedRows, NothingIsComposedOfWhatIsReadInPart) {
     EXPECT_EQ(Everything(), before);
     Run("UPDATE ImageManipulation_T SET LongParameter = 90");
 
-    Run("UPDATE ImageAttribute_T SET IASequence = NULL WHERE ImageAttributeID = 2");
+    Run("UPDATE ImageAttribute_T SET IASequence = NULL WHERE ImageAttributeID = "
+        "2");
     before = Everything();
     EXPECT_THAT(Refused({"card", "move", "IC1", "1", "--turn", "90"}), HasSubstr("IASequence"));
     EXPECT_EQ(Everything(), before);
@@ -246,8 +368,7 @@ TEST_F(DamagedRows, DrawingsAndReportsGoOnPastThemAndNameThem) {
         EXPECT_EQ(result.code, 3) << result.out << result.err;
         return result;
     };
-    const std::string image1 = "image 1 can't be read: " + damage,
-                      image2 = "image 2 can't be read: " + damage;
+    const std::string image1 = "image 1 can't be read: " + damage, image2 = "image 2 can't be read: " + damage;
     EXPECT_THAT(run({"series", "1"}).out, HasSubstr("Damaged: " + image1 + "; " + image2));
     const json series = Partly({"series", "1"});
     EXPECT_EQ(series["damaged"], (json{image1, image2}));
@@ -261,13 +382,12 @@ TEST_F(DamagedRows, DrawingsAndReportsGoOnPastThemAndNameThem) {
         EXPECT_EQ(Drawn(drawing), key == std::string("SE1") ? 2U : 1U) << key;
     }
 
-    Run("INSERT INTO ImageCard_T (PatientID, ICName, ICDateCreated) VALUES (1, 'B', '2026-01-01 10:00:00')");
+    Run("INSERT INTO ImageCard_T (PatientID, ICName, ICDateCreated) VALUES (1, "
+        "'B', '2026-01-01 10:00:00')");
     const std::string page = (folder.Path() / "report.html").string();
-    EXPECT_THAT(run({"report", "P-1.2.3", "-o", page}).out,
-                HasSubstr("5 rows can't be read; the report names them."));
+    EXPECT_THAT(run({"report", "P-1.2.3", "-o", page}).out, HasSubstr("5 rows can't be read; the report names them."));
     const std::string html = TestKit::Content(page);
-    for (const std::string& told : {image1, image2})
-        EXPECT_THAT(html, HasSubstr("Damaged: " + Escaped(told)));
+    for (const std::string& told : {image1, image2}) EXPECT_THAT(html, HasSubstr("Damaged: " + Escaped(told)));
     EXPECT_THAT(html, HasSubstr(Escaped("Damaged: it can't be read: ICDescription: Invalid use of Null")));
     EXPECT_THAT(html, HasSubstr("2 cards and series with 5 images"));
 }
@@ -277,14 +397,16 @@ TEST_F(DamagedRows, ACardIsShownUpToThePlacedImageThatCannotBeRead) {
     Ok({"card", "add", "IC1", "1", "2"});
     Ok({"card", "move", "IC1", "1", "--turn", "90"});
     Run("UPDATE ImageManipulation_T SET LongParameter = NULL");
-    EXPECT_EQ(
-        Partly({"card", "show", "IC1"})["damaged"],
-        json::array({"a manipulation of placed image 1 can't be read: LongParameter: Invalid use of Null"}));
-    Run("UPDATE ImageAttribute_T SET IAMirrRotStatus = 'x' WHERE ImageAttributeID = 2");
+    EXPECT_EQ(Partly({"card", "show", "IC1"})["damaged"],
+              json::array({"a manipulation of placed image 1 can't be read: "
+                           "LongParameter: Invalid use of Null"}));
+    Run("UPDATE ImageAttribute_T SET IAMirrRotStatus = 'x' WHERE "
+        "ImageAttributeID = 2");
     const json shown = Partly({"card", "show", "IC1"});
     EXPECT_EQ(shown["images"].size(), 1U);
     EXPECT_THAT(shown["damaged"][0].get<std::string>(),
-                HasSubstr("a placed image of IC1, and those behind it, can't be read: IAMirrRotStatus"));
+                HasSubstr("a placed image of IC1, and those behind it, can't be "
+                          "read: IAMirrRotStatus"));
 }
 
 TEST_F(DamagedRows, ManipulationsThatCannotBeStoredAreTold) {
@@ -310,9 +432,7 @@ TEST_F(DamagedRows, AQuoteInATextOfAnImageFailsNoSeries) {
         Run("UPDATE ImageBild_T SET FrameNumber_INT = 0");
         Run(std::string("UPDATE ImageBild_T SET ") + column + " = 'Mary O''Brien' WHERE ImageBildID = 2");
         EXPECT_GE(OkJson({"hang", "1"})["changed"], 3) << column;
-        EXPECT_EQ(
-            Number(std::string("SELECT count(*) FROM ImageBild_T WHERE ") + column + " = 'Mary O''Brien'"),
-            1);
+        EXPECT_EQ(Number(std::string("SELECT count(*) FROM ImageBild_T WHERE ") + column + " = 'Mary O''Brien'"), 1);
     }
     Write("1.2.3", 5, {{11, 21}, ""});
     fs::remove(Films() + "/1.2.3-102.dcm");  // its identifier was changed above
@@ -329,10 +449,12 @@ TEST_F(DamagedRows, ATextOfTeethThatIsNoneFailsNoSeries) {
 }
 
 TEST_F(DamagedRows, HangingStoresASeriesWithoutIdentifier) {
-    Run("UPDATE Series_T SET SeriesInstanceUID = NULL, template_ID = 0, SeriesDescription = 'O''''Brien'");
+    Run("UPDATE Series_T SET SeriesInstanceUID = NULL, template_ID = 0, "
+        "SeriesDescription = 'O''''Brien'");
     EXPECT_EQ(OkJson({"hang", "1"})["layout"], 7);
     EXPECT_EQ(Number("SELECT template_ID FROM Series_T"), 7);
-    EXPECT_EQ(Number("SELECT count(*) FROM Series_T WHERE SeriesDescription = 'O''''Brien' AND "
+    EXPECT_EQ(Number("SELECT count(*) FROM Series_T WHERE SeriesDescription = "
+                     "'O''''Brien' AND "
                      "SeriesInstanceUID IS NULL"),
               1);
 }
@@ -376,8 +498,7 @@ private:
 class OtherWorkstation : public DamagedRows {
 protected:
     /// Runs a command while the other one stores values, and expects the last of them to be there.
-    void Keeps(const std::vector<std::string>& command, const std::string& update,
-               const std::string& select) {
+    void Keeps(const std::vector<std::string>& command, const std::string& update, const std::string& select) {
         std::vector<std::string> arguments{"--db", "Provider=Faulty;Data Source=" + Database()};
         arguments.insert(arguments.end(), command.begin(), command.end());
         int stored = 0, refused = 0;
@@ -423,8 +544,7 @@ TEST_F(OtherWorkstation, ItsChangeOfACardSurvivesEachChange) {
 
 TEST_F(OtherWorkstation, ItsRemovalOfAPatientLeavesNoCardBehind) {
     Keeps({"card", "new", "P-1.2.3", "B"}, "UPDATE Patient_T SET IDImg = '?'", "SELECT IDImg FROM Patient_T");
-    Keeps({"series", "save-as-card", "1"}, "UPDATE Series_T SET orgServerID = ?",
-          "SELECT orgServerID FROM Series_T");
+    Keeps({"series", "save-as-card", "1"}, "UPDATE Series_T SET orgServerID = ?", "SELECT orgServerID FROM Series_T");
 }
 
 // ---- failures of the engine
@@ -432,9 +552,8 @@ TEST_F(OtherWorkstation, ItsRemovalOfAPatientLeavesNoCardBehind) {
 
 TEST_F(DamagedRows, ADamagedTableIsToldAsDamage) {
     TestKit::OverwriteRootPage(Database(), "Series_T");
-    EXPECT_THAT(
-        Refused({"hang", "1"}),
-        HasSubstr("the database is damaged; restore it from a backup, or save what can still be read with"));
+    EXPECT_THAT(Refused({"hang", "1"}), HasSubstr("the database is damaged; restore it from a backup, or "
+                                                  "save what can still be read with"));
     EXPECT_THAT(Refused({"hang", "1"}), HasSubstr("(database disk image is malformed)"));
     EXPECT_THAT(Refused({"cards", "P-1.2.3"}), HasSubstr("database disk image is malformed"));
     EXPECT_EQ(OkJson({"images"}).size(), 4U) << "what is not damaged can be read";

@@ -27,8 +27,7 @@ protected:
         std::vector<std::string> kinds;
         const json result = json::parse(run.out);
         for (const json& finding : result["findings"])
-            kinds.push_back(finding["kind"].get<std::string>() +
-                            (finding["repaired"] == true ? " repaired" : ""));
+            kinds.push_back(finding["kind"].get<std::string>() + (finding["repaired"] == true ? " repaired" : ""));
         EXPECT_EQ(run.code, result["open"] == 0 ? 0 : 3);
         return kinds;
     }
@@ -56,11 +55,14 @@ TEST_F(Maintenance, MissingAlteredAndOrphanedFilesAreFound) {
 
 TEST_F(Maintenance, RowsWithoutTheirOwnerAreFound) {
     Run("DELETE FROM Series_T WHERE Series_ID = 2");
-    Run("INSERT INTO Comments_T (tabelID, objectID, commentString) VALUES (1, 99, 'of no image')");
-    Run("INSERT INTO ImageManipulation_T (ImageAttributeID, SequenceNo) VALUES (77, 1)");
+    Run("INSERT INTO Comments_T (dates, signature, tabelID, objectID, "
+        "commentString) VALUES ('2026-01-01 "
+        "10:00:00', '', 1, 99, 'of no image')");
+    Run("INSERT INTO ImageManipulation_T (ImageAttributeID, SequenceNo) VALUES "
+        "(77, 1)");
     EXPECT_THAT(Found(), ElementsAre("orphaned-row", "orphaned-row", "orphaned-row", "orphaned-row"));
-    EXPECT_THAT(Found({"--repair"}), UnorderedElementsAre("orphaned-row", "orphaned-row", "orphaned-row",
-                                                          "orphaned-row repaired"));
+    EXPECT_THAT(Found({"--repair"}),
+                UnorderedElementsAre("orphaned-row", "orphaned-row", "orphaned-row", "orphaned-row repaired"));
     EXPECT_EQ(Found().size(), 3U);
 }
 
@@ -72,11 +74,26 @@ TEST_F(Maintenance, RowsThatCannotBeReadWholeAreNamedWithTheirColumn) {
 }
 
 TEST_F(Maintenance, TwoImagesOfOneIdentifierAndPatientsOfTwoNamesAreFound) {
-    Run("UPDATE ImageBild_T SET SOPInstanceUID_NVC = '2.25.5.1' WHERE ImageBildID = 2");
+    Run("UPDATE ImageBild_T SET SOPInstanceUID_NVC = '2.25.5.1' WHERE "
+        "ImageBildID = 2");
     Run("UPDATE Patient_T SET LastName_NVC = 'Berg' WHERE PatientID = 2");
-    Run("INSERT INTO Patient_T (PersonNr_CH, LastName_NVC) SELECT PersonNr_CH, 'Alm' FROM Patient_T WHERE "
+    Run("INSERT INTO Patient_T (PersonNr_CH, LastName_NVC) SELECT PersonNr_CH, "
+        "'Alm' FROM Patient_T WHERE "
         "PatientID = 1");
     EXPECT_THAT(Found(), UnorderedElementsAre("double-image", "two-names", "two-names", "shared-id"));
+}
+
+TEST_F(Maintenance, FilesOfOnePatientThatNameTwoPeopleAreFound) {
+    Write("2.25.7", 1, FullMouth18[7], [](DcmDataset& set) {
+        set.putAndInsertString(DCM_PatientID, "p-2.25.5");
+        set.putAndInsertString(DCM_PatientName, "Berg^Eva");
+    });
+    Ok({"import", Films() + "/2.25.7-101.dcm", "--patient", "#1"});
+    Run("UPDATE Patient_T SET LastName_NVC = NULL, FirstName_NVC = ''");
+    EXPECT_THAT(Found(), ElementsAre("two-names"));
+    EXPECT_THAT(Try({"--db", Database(), "check"}).out,
+                HasSubstr("its file names Berg, Eva, and that of image 1 of the "
+                          "same patient #1 names Test, Anna"));
 }
 
 TEST_F(Maintenance, LeftoversAndMissingChecksumsAreRepaired) {
@@ -85,8 +102,7 @@ TEST_F(Maintenance, LeftoversAndMissingChecksumsAreRepaired) {
     std::ofstream(folder.Path() / "images" / ".oxclass-import-abcdef" / "1") << "half a film";
     EXPECT_EQ(OkJson({"images"}).size(), 4U);
     EXPECT_THAT(Found(), ElementsAre("leftover"));
-    EXPECT_TRUE(fs::exists(folder.Path() / "images" / ".oxclass-import-abcdef"))
-        << "only --repair changes anything";
+    EXPECT_TRUE(fs::exists(folder.Path() / "images" / ".oxclass-import-abcdef")) << "only --repair changes anything";
     EXPECT_THAT(Found({"--repair"}), ElementsAre("leftover repaired"));
     EXPECT_THAT(Found(), IsEmpty());
     std::ofstream(Stored("2.25.6.1.dcm"), std::ios::app) << "x";
@@ -119,8 +135,7 @@ TEST_F(Maintenance, ABackupIsRestoredAsItWas) {
     EXPECT_EQ(ContentOf(other / "images" / "0_" / "2.25.6.3.dcm"), ContentOf(Stored("2.25.6.3.dcm")));
     EXPECT_EQ(Try({"--db", (other / "clinic.db").string(), "check"}).code, 0);
     EXPECT_EQ(Try({"--db", (other / "clinic.db").string(), "import", Films()}).code, 0);
-    EXPECT_EQ(Try({"restore", Backup(), (other / "clinic.db").string()}).code, 1)
-        << "an existing database stays";
+    EXPECT_EQ(Try({"restore", Backup(), (other / "clinic.db").string()}).code, 1) << "an existing database stays";
 }
 
 TEST_F(Maintenance, AnAlteredFileNeverReplacesItsGoodCopy) {
@@ -153,7 +168,77 @@ TEST_F(Maintenance, ADamagedBackupMakesNoDatabase) {
     EXPECT_EQ(run.code, 3);
     EXPECT_THAT(run.err, HasSubstr("was altered"));
     EXPECT_FALSE(fs::exists(other / "clinic.db"));
-    EXPECT_FALSE(fs::exists(other / ("clinic.db.new" + std::to_string(getpid()))));
+    for (const auto& entry : fs::directory_iterator(other))
+        EXPECT_EQ(entry.path().filename(), "images") << "nothing but the root is left";
+}
+
+TEST_F(Maintenance, ARestoreNamesTheImagesWhoseFileTheBackupLacks) {
+    fs::remove(Stored("2.25.5.1.dcm"));
+    EXPECT_EQ(Try({"--db", Database(), "backup", Backup()}).code, 3);
+    const fs::path other = folder.Path() / "other";
+    fs::create_directories(other);
+    const Result run = Try({"restore", Backup(), (other / "clinic.db").string()});
+    EXPECT_EQ(run.code, 3);
+    EXPECT_THAT(run.err, HasSubstr("image 1: the backup lacks its file 0_\\2.25.5.1.dcm"));
+    EXPECT_THAT(run.out, HasSubstr("was restored: 3 files, 3 of them copied, 1 failed"));
+    const Result images = Try({"--db", (other / "clinic.db").string(), "images", "--json"});
+    EXPECT_EQ(json::parse(images.out).size(), 4U) << "the database and the other films are there";
+}
+
+TEST_F(Maintenance, ABackupInAStorageRootOrAroundOneIsRefused) {
+    const std::string root = (folder.Path() / "images").string();
+    fs::create_directory_symlink(root, folder.Path() / "link");
+    for (const std::string& where : {root, root + "/backup", (folder.Path() / "link" / "b").string()}) {
+        const Result run = Try({"--db", Database(), "backup", where});
+        EXPECT_EQ(run.code, 1) << where;
+        EXPECT_THAT(run.err, HasSubstr("is in the storage root"));
+    }
+    const Result around = Try({"--db", Database(), "backup", folder.Path().string()});
+    EXPECT_EQ(around.code, 1);
+    EXPECT_THAT(around.err, HasSubstr("contains the storage root"));
+    EXPECT_FALSE(fs::exists(folder.Path() / "manifest.json"));
+    Ok({"backup", root + "-copy"});
+}
+
+TEST_F(Maintenance, LeftoversOfKilledBackupsAndRestoresAreRemovedByTheNext) {
+    const fs::path other = folder.Path() / "other", leftover = ".oxclass-copy-abcdef";
+    const fs::path left[] = {fs::path(Backup()) / leftover, other / leftover, other / "images" / leftover};
+    for (const fs::path& place : left) {
+        fs::create_directories(place);
+        std::ofstream(place / "1") << "half a film";
+    }
+    Ok({"backup", Backup()});
+    EXPECT_FALSE(fs::exists(left[0]));
+    ASSERT_EQ(Try({"restore", Backup(), (other / "clinic.db").string()}).code, 0);
+    for (const fs::path& place : left) EXPECT_FALSE(fs::exists(place)) << place;
+}
+
+TEST_F(Maintenance, ABackupWhoseDatabaseIsCutShortIsToldAsSuch) {
+    Ok({"backup", Backup()});
+    const fs::path database = fs::path(Backup()) / "clinic.db", other = folder.Path() / "other";
+    fs::create_directories(other);
+    fs::resize_file(database, fs::file_size(database) / 2);
+    const Result run = Try({"restore", Backup(), (other / "clinic.db").string()});
+    EXPECT_EQ(run.code, 1);
+    EXPECT_THAT(run.err, HasSubstr("the database of the backup is damaged"));
+    EXPECT_THAT(run.err, HasSubstr("use an older backup"));
+    EXPECT_EQ(run.err.find("restore it from a backup"), std::string::npos);
+    EXPECT_FALSE(fs::exists(other / "clinic.db"));
+}
+
+TEST_F(Maintenance, AFamilyNameThatAPersonCorrectedIsANote) {
+    Write("2.25.7", 1, FullMouth18[7],
+          [](DcmDataset& set) { set.putAndInsertString(DCM_PatientBirthDate, "19800131"); });
+    Ok({"import", Films()});
+    Ok({"patient", "#3", "LastName=Lind"});
+    const json told = OkJson({"check"});
+    ASSERT_EQ(told["findings"].size(), 1U);
+    EXPECT_EQ(told["findings"][0]["kind"], "other-name");
+    EXPECT_EQ(told["open"], 0);
+    Ok({"patient", "#3", "FirstName=Berta"});
+    EXPECT_THAT(Found(), ElementsAre("two-names")) << "another given name may be another person";
+    Ok({"patient", "#3", "FirstName=Anna", "BirthDate=1980-02-01"});
+    EXPECT_THAT(Found(), ElementsAre("two-names"));
 }
 
 TEST_F(Maintenance, AFolderWithTheBackupOfAnotherClinicIsRefused) {
@@ -163,8 +248,7 @@ TEST_F(Maintenance, AFolderWithTheBackupOfAnotherClinicIsRefused) {
     const Result run = Try({"--db", other, "backup", Backup()});
     EXPECT_EQ(run.code, 1);
     EXPECT_THAT(run.err, HasSubstr("holds the backup of another clinic"));
-    EXPECT_EQ(Try({"restore", Films(), (folder.Path() / "new.db").string()}).code, 1)
-        << "a folder without a backup";
+    EXPECT_EQ(Try({"restore", Films(), (folder.Path() / "new.db").string()}).code, 1) << "a folder without a backup";
 }
 
 }  // namespace

@@ -14,7 +14,9 @@ void Check(Program& program, bool repair) {
     List list({{"kind", "Kind"}, {"where", "Where"}, {"text", "What"}, {"repaired", "Repaired"}});
     for (const Finding& finding : result.findings)
         list.Add({finding.kind, finding.where, finding.text, finding.repaired});
-    const auto open = std::ranges::count(result.findings, false, &Finding::repaired);
+    const auto open = std::ranges::count_if(result.findings,
+                                            [](const Finding& finding) { return !finding.repaired && !finding.note; });
+    const auto repaired = std::ranges::count(result.findings, true, &Finding::repaired);
     if (open > 0) program.exitCode = PartlyDone;
     if (program.options.json)
         return PrintJson({{"images", result.images},
@@ -23,8 +25,8 @@ void Check(Program& program, bool repair) {
                           {"open", open},
                           {"findings", list.Rows()}});
     if (!result.findings.empty()) list.Print(false, "");
-    fmt::print("{} images and {} files were checked: {} findings, {} repaired.\n", result.images,
-               result.files, result.findings.size(), result.findings.size() - static_cast<std::size_t>(open));
+    fmt::print("{} images and {} files were checked: {} findings, {} repaired.\n", result.images, result.files,
+               result.findings.size(), repaired);
     if (result.withoutChecksum > 0)
         fmt::print("{} images {} no checksum{}.\n", result.withoutChecksum, repair ? "had" : "have",
                    repair ? " and got one" : "; oxclass check --repair stores them");
@@ -36,12 +38,12 @@ void AddCheck(Program& program) {
     const auto repair = std::make_shared<bool>(false);
     auto* command = program.app.add_subcommand(
         "check", "compare all rows with all files: missing, altered and orphaned ones, and damaged rows");
-    command->add_flag("--repair", *repair,
-                      "mend what needs no decision; the help of the findings says the rest");
+    command->add_flag("--repair", *repair, "mend what needs no decision; the help of the findings says the rest");
     command->footer(
         "Repaired are: leftovers of killed imports, missing checksums, manipulations of placed images that "
         "are\n"
-        "gone. Everything else is listed only. Exit code 3: findings are left.\n"
+        "gone. Everything else is listed only. Findings of the kind other-name are notes: a family name was\n"
+        "corrected. Exit code 3: other findings are left.\n"
         "Example: oxclass check --json");
     command->callback([&program, repair] { Check(program, *repair); });
 }

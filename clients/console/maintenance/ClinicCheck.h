@@ -10,6 +10,7 @@ struct Finding {
     std::string where;  ///< "image 12", a file's path, "patient #3"
     std::string text;   ///< one clause
     bool repaired = false;
+    bool note = false;  ///< nothing needs to be done: a person has decided it, as it seems
 };
 
 /// What a check came to.
@@ -23,8 +24,9 @@ struct CheckResult {
 /// Found are: a damaged database; storage roots that are missing or belong to another clinic; missing,
 /// altered and unreadable files; files without a row; what killed imports left behind; rows whose owner is
 /// missing; image rows that can't be read completely; two images with one SOP Instance UID; patients of one
-/// identifier, and files of one patient, that name two people. A file is altered if its checksum isn't that
-/// of its row.
+/// identifier, and files of one patient, that name two people; as a note, files with another family name
+/// whose given name and birth date are the patient's. A file is altered if its checksum isn't that of its
+/// row.
 ///
 /// With `repair`, what needs no decision is mended: leftovers of killed imports are removed, images without a
 /// checksum get that of their file, and manipulations that belong to no placed image are deleted. Nothing

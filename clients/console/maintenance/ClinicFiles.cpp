@@ -30,12 +30,15 @@ FileContent ContentOf(const WorkerPool::Answer& answer) {
     return end == 0 ? FileContent{{}, rest, {}} : FileContent{answer.bytes.substr(0, end), {}, rest};
 }
 
-std::string TextOrEmpty(const ADODB::Field& field) {
-    return field.IsNull() ? std::string() : field.As<std::string>();
-}
+std::string TextOrEmpty(const ADODB::Field& field) { return field.IsNull() ? std::string() : field.As<std::string>(); }
 
+/// 0 also for what is no number; the check names such a row as damaged.
 Platform::Long NumberOrZero(const ADODB::Field& field) {
-    return field.IsNull() ? 0 : field.As<Platform::Long>();
+    try {
+        return field.IsNull() ? 0 : field.As<Platform::Long>();
+    } catch (const Platform::Error&) {
+        return 0;
+    }
 }
 
 }  // namespace
@@ -43,7 +46,8 @@ Platform::Long NumberOrZero(const ADODB::Field& field) {
 std::vector<ClinicFile> FilesOfClinic(const Ref<Connection>& con) {
     std::vector<ClinicFile> files;
     const Ref<Recordset> rows = con->Execute(
-        "SELECT ImageBildID, RootId, PatientID, GraphicURL_NVC, CRC FROM ImageBild_T WHERE GraphicURL_NVC <> "
+        "SELECT ImageBildID, RootId, PatientID, GraphicURL_NVC, CRC "
+        "FROM ImageBild_T WHERE GraphicURL_NVC <> "
         "'' "
         "ORDER BY RootId, GraphicURL_NVC, ImageBildID");
     for (; !rows->Eof(); rows->MoveNext()) {
@@ -58,8 +62,7 @@ std::vector<ClinicFile> FilesOfClinic(const Ref<Connection>& con) {
 std::map<Platform::Long, std::filesystem::path> FoldersOfRoots(const Ref<Connection>& con) {
     std::map<Platform::Long, std::filesystem::path> folders;
     const Ref<Recordset> rows = con->Execute("SELECT RootID, RootDirectory FROM Root_T");
-    for (; !rows->Eof(); rows->MoveNext())
-        folders[rows->Fields(0).As<Platform::Long>()] = TextOrEmpty(rows->Fields(1));
+    for (; !rows->Eof(); rows->MoveNext()) folders[rows->Fields(0).As<Platform::Long>()] = TextOrEmpty(rows->Fields(1));
     return folders;
 }
 
@@ -67,8 +70,7 @@ bool IsSha256(const std::string& text) {
     return text.size() == Sha256Length && text.find_first_not_of("0123456789abcdef") == std::string::npos;
 }
 
-void ReadFiles(std::size_t count, bool asImages, const char* what,
-               const std::function<std::string(std::size_t)>& path,
+void ReadFiles(std::size_t count, bool asImages, const char* what, const std::function<std::string(std::size_t)>& path,
                const std::function<void(std::size_t, const FileContent&)>& take) {
     constexpr std::size_t ahead = 64;
     constexpr double seconds = 600;  // a large file on a slow disk
