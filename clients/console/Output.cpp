@@ -12,14 +12,23 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-double Seconds() {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
-}
+double Seconds() { return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count(); }
 
 std::string CellText(const Json& value) {
     if (value.is_null()) return {};
     if (value.is_boolean()) return value.get<bool>() ? "yes" : "no";
     return value.is_string() ? Printable(value.get<std::string>()) : value.dump();
+}
+
+/// The number of bytes at `at` that are one character which changes the direction of writing, or a line or
+/// paragraph separator; 0 for any other.
+std::size_t MarkAt(std::string_view text, std::size_t at) {
+    const std::string_view two = text.substr(at, 2), three = text.substr(at, 3);
+    if (two == "\u061C") return 2;
+    for (const std::string_view mark : {"\u200E", "\u200F", "\u2028", "\u2029", "\u202A", "\u202B", "\u202C", "\u202D",
+                                        "\u202E", "\u2066", "\u2067", "\u2068", "\u2069"})
+        if (three == mark) return 3;
+    return 0;
 }
 
 }  // namespace
@@ -37,9 +46,9 @@ std::size_t DisplayWidth(std::string_view text) {
 
 std::string Printable(std::string text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto byte = [&](std::size_t at) {
-            return at < text.size() ? static_cast<unsigned char>(text[at]) : 0;
-        };
+        if (const std::size_t mark = MarkAt(text, i); mark > 0) text.erase(i--, mark);
+        if (i >= text.size()) continue;
+        const auto byte = [&](std::size_t at) { return at < text.size() ? static_cast<unsigned char>(text[at]) : 0; };
         if (byte(i) < ' ' || byte(i) == 0x7F) text[i] = ' ';
         // The second set of control characters, U+0080 to U+009F.
         if (byte(i) == 0xC2 && byte(i + 1) >= 0x80 && byte(i + 1) <= 0x9F) text.replace(i, 2, "  ");
@@ -66,15 +75,29 @@ std::string DateText(Platform::Date date) {
 }
 
 void PrintJson(const Json& json) {
-    fmt::print("{}\n", json.dump(2, ' ', false, Json::error_handler_t::replace));
+    const std::string text = json.dump(2, ' ', false, Json::error_handler_t::replace);
+    std::string escaped;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0);
+        const bool control = byte == 0x7F || (byte == 0xC2 && next >= 0x80 && next <= 0x9F);
+        const std::size_t size = control ? (byte == 0x7F ? 1 : 2) : MarkAt(text, i);
+        if (size == 0) {
+            escaped += text[i];
+            continue;
+        }
+        // All of these are single units of UTF-16.
+        escaped += fmt::format("\\u{:04x}", static_cast<unsigned>(Platform::ToUtf16(text.substr(i, size)).at(0)));
+        i += size - 1;
+    }
+    fmt::print("{}\n", escaped);
 }
 
 void PrintFields(const Json& shown, bool asJson) {
     if (asJson) return PrintJson(shown);
     std::size_t width = 0;
     for (const auto& [name, value] : shown.items()) width = std::max(width, name.size());
-    for (const auto& [name, value] : shown.items())
-        fmt::print("{:<{}} {}\n", name, width + 1, CellText(value));
+    for (const auto& [name, value] : shown.items()) fmt::print("{:<{}} {}\n", name, width + 1, CellText(value));
 }
 
 void List::Print(bool asJson, const std::string& whenEmpty) const {

@@ -51,7 +51,8 @@ private:
 /// A value as JSON holds it and lists print it: dates as text, nulls as null.
 nlohmann::ordered_json AsJson(const Platform::Variant& value);
 
-/// The text without what would move a terminal's cursor or break a line: control characters become blanks.
+/// The text without what would move a terminal's cursor, break a line or turn the direction of writing:
+/// control characters become blanks, and marks of direction are left out.
 std::string Printable(std::string text);
 
 /// The columns of a terminal that a UTF-8 text takes: two for a character of an eastern script, else one.
@@ -63,7 +64,8 @@ std::string DateText(Platform::Date date);
 /// Prints names and values, one a line, or as JSON.
 void PrintFields(const nlohmann::ordered_json& shown, bool asJson);
 
-/// Prints JSON to standard output, indented, with a line break behind it.
+/// Prints JSON to standard output, indented, with a line break behind it. Control characters and marks of
+/// direction are escaped.
 void PrintJson(const nlohmann::ordered_json& json);
 
 /// The line "progress: 12 of 34 files, 50 a second" of a long work: one line that renews itself on a

@@ -19,19 +19,21 @@ using namespace OXClass;
 
 /// " WHERE Study_T.PatientID = 5" for a patient that is named.
 std::string OfPatient(const Database& database, const std::string& patient) {
-    return patient.empty() ? std::string()
-                           : sql(" WHERE Study_T.PatientID = ", LoadPatient(database, patient)->ID);
+    return patient.empty() ? std::string() : sql(" WHERE Study_T.PatientID = ", LoadPatient(database, patient)->ID);
 }
 
 void ListStudies(const Options& options, const std::string& patient) {
     const Database database(options);
     database
         .ListOf(
-            "SELECT Study_ID AS Study, PersonNr_CH AS Patient, StudyDateTime AS Date, replace(Studydesc, "
+            "SELECT Study_ID AS Study, PersonNr_CH AS Patient, StudyDateTime "
+            "AS Date, replace(Studydesc, "
             "'''''', '''') AS "
             "Description, "
-            "(SELECT count(*) FROM Series_T WHERE Series_T.Study_ID = Study_T.Study_ID) AS Series, "
-            "StudyInstanceUID AS UID FROM Study_T LEFT JOIN Patient_T ON Patient_T.PatientID = "
+            "(SELECT count(*) FROM Series_T WHERE Series_T.Study_ID = "
+            "Study_T.Study_ID) AS Series, "
+            "StudyInstanceUID AS UID FROM Study_T LEFT JOIN Patient_T ON "
+            "Patient_T.PatientID = "
             "Study_T.PatientID" +
             OfPatient(database, patient) + " ORDER BY StudyDateTime, Study_ID")
         .Print(options.json, "There are no studies.");
@@ -50,9 +52,11 @@ nlohmann::ordered_json DamageOfSeries(const Ref<Recordset>& row) {
 void ListSeries(Program& program, const std::string& patient) {
     const Database database(program.options);
     const Ref<Recordset> rows = database.Read(
-        "SELECT Series_T.*, PersonNr_CH, replace(SeriesDescription, '''''', '''') AS Description FROM "
+        "SELECT Series_T.*, PersonNr_CH, replace(SeriesDescription, '''''', "
+        "'''') AS Description FROM "
         "Series_T "
-        "LEFT JOIN Study_T ON Study_T.Study_ID = Series_T.Study_ID LEFT JOIN Patient_T ON "
+        "LEFT JOIN Study_T ON Study_T.Study_ID = Series_T.Study_ID LEFT JOIN "
+        "Patient_T ON "
         "Patient_T.PatientID = Study_T.PatientID" +
         OfPatient(database, patient) + " ORDER BY SeriesDateTime, Series_ID");
     List list({{"series", "Series"},
@@ -104,23 +108,26 @@ void ListImages(Program& program, const std::string& patient, const std::string&
                {"file", "File"},
                {"damaged", "Damaged", true}});
     for (const cImage& image : *images)
-        list.Add({image.ID, image.seriesID, Long{image.FrameNumber}, image.sTeeth, image.Laterality,
-                  image.AnaRegion, image.AnaRegionMod, DateText(image.dateTime), image.Voltage_kV,
-                  image.Current_mA, image.ExposureTime_ms, IsPlacedByTimeOnly(image) ? "by time only" : "",
-                  WhyNoPictureByHead(image), image.URL, nullptr});
+        list.Add({image.ID, image.seriesID, Long{image.FrameNumber}, image.sTeeth, image.Laterality, image.AnaRegion,
+                  image.AnaRegionMod, DateText(image.dateTime), image.Voltage_kV, image.Current_mA,
+                  image.ExposureTime_ms, IsPlacedByTimeOnly(image) ? "by time only" : "", WhyNoPictureQuickly(image),
+                  image.URL, nullptr});
     for (const UnreadRow& row : images->Unread())
-        list.Add({row.ID, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                  nullptr, nullptr, nullptr, nullptr, DamageOf(row.Failure)});
+        list.Add({row.ID, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                  nullptr, nullptr, nullptr, DamageOf(row.Failure)});
     if (!images->Unread().empty()) program.exitCode = PartlyDone;
     list.Print(options.json, "There are no images.");
 }
 
-void PrintComments(const Options& options, cImage& image, const Database& database) {
-    image.GetComments(database.Con());
-    List list({{"date", "Date"}, {"signature", "Signature"}, {"comment", "Comment"}});
-    for (const cStringItem& comment : *image.Comments())
-        list.Add({DateText(comment.DateStamp), comment.Signature, comment.str});
-    list.Print(options.json, "The image has no comments.");
+void PrintComments(Program& program, const std::vector<StoredComment>& comments) {
+    List list({{"date", "Date"}, {"signature", "Signature"}, {"comment", "Comment"}, {"damaged", "Damaged", true}});
+    for (const StoredComment& comment : comments) {
+        const bool sound = comment.damage.empty();
+        if (!sound) program.exitCode = PartlyDone;
+        list.Add({DateText(comment.date), comment.signature, comment.text,
+                  sound ? nlohmann::ordered_json() : nlohmann::ordered_json(comment.damage)});
+    }
+    list.Print(program.options.json, "The image has no comments.");
 }
 
 void RequireComment(const std::string& text, const std::string& signature) {
@@ -136,23 +143,22 @@ void RequireImage(const Database& database, Long number) {
         throw UserError(fmt::format("there is no image {}; see: oxclass images", number));
 }
 
-void Comment(const Options& options, const std::string& number, const std::string& text,
-             const std::string& signature) {
-    const Database database(options);
+void Comment(Program& program, const std::string& number, const std::string& text, const std::string& signature) {
+    const Database database(program.options);
     const Ref<cImage> image = New<cImage>();
     image->ID = NumberOf(number, "an image");
     if (text.empty()) {
         RequireImage(database, image->ID);
-        return PrintComments(options, *image, database);
+        return PrintComments(program, CommentsOf(database.Con(), image->ID));
     }
     RequireComment(text, signature);
     ADODB::Transaction transaction(database.Con());
     RequireImage(database, image->ID);
-    image->GetComments(database.Con());
     image->addComment(text, signature, Now(), false);
     image->SaveComments(database.Con());
+    const std::vector<StoredComment> comments = CommentsOf(database.Con(), image->ID);
     transaction.Commit();
-    PrintComments(options, *image, database);
+    PrintComments(program, comments);
 }
 
 }  // namespace
@@ -171,8 +177,7 @@ void AddRecords(Program& program) {
     studies->footer("Example: oxclass studies --patient TEST-FMX18");
     studies->callback([&program, given] { ListStudies(program.options, given->patient); });
 
-    auto* series =
-        program.app.add_subcommand("series", "list the series, or draw one as it hangs in its layout");
+    auto* series = program.app.add_subcommand("series", "list the series, or draw one as it hangs in its layout");
     series->add_option("SERIES", given->series, "number of a series");
     patientOption(series);
     series->footer("Example: oxclass series 1");
@@ -193,8 +198,7 @@ void AddRecords(Program& program) {
     comment->add_option("TEXT", given->text, "the comment to add");
     comment->add_option("--signature", given->signature, "who says so")->type_name("NAME");
     comment->footer("Example: oxclass comment 3 \"caries distal 15\" --signature AB");
-    comment->callback(
-        [&program, given] { Comment(program.options, given->image, given->text, given->signature); });
+    comment->callback([&program, given] { Comment(program, given->image, given->text, given->signature); });
 }
 
 }  // namespace Console

@@ -77,7 +77,7 @@ void GetSetting(const Options& options, const std::string& name) {
     String text;
     New<Class1>()->GetGLSetting(database.Con(), ListNamed(name), text, rows);
     if (options.json) return PrintJson({{"name", name}, {"text", text}, {"set", rows->Count() > 0}});
-    fmt::print("{}\n", text);
+    fmt::print("{}\n", Printable(text));
 }
 
 /// Refuses a root under which no valid identifier can be made: its components are whole numbers without

@@ -1,5 +1,11 @@
 #include "ProgramTest.h"
 
+#include "Jpeg2000Encoder.h"
+
+#include <dcmtk/config/osconfig.h>
+#include <dcmtk/dcmdata/dcpixel.h>
+#include <dcmtk/dcmdata/dcpixseq.h>
+#include <dcmtk/dcmdata/dcpxitem.h>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <regex>
@@ -19,6 +25,19 @@ protected:
     void SetUp() override { Init(); }
 
     void Import() { Ok({"import", Films()}); }
+
+    /// Replaces the pixels of a data set by one fragment of a compressed picture.
+    static void PutFragment(DcmDataset& set, std::string fragment, E_TransferSyntax encoding) {
+        delete set.remove(DCM_PixelData);
+        auto* const sequence = new DcmPixelSequence(DCM_PixelSequenceTag);
+        ASSERT_TRUE(sequence->insert(new DcmPixelItem(DCM_PixelItemTag)).good());
+        DcmOffsetList offsets;
+        sequence->storeCompressedFrame(offsets, reinterpret_cast<Uint8*>(fragment.data()),
+                                       static_cast<Uint32>(fragment.size()), 0);
+        auto* const pixels = new DcmPixelData(DCM_PixelData);
+        pixels->putOriginalRepresentation(encoding, nullptr, sequence);
+        ASSERT_TRUE(set.insert(pixels).good());
+    }
 
     static void MakePhotograph(DcmDataset& set) { set.putAndInsertString(DCM_Modality, "XC"); }
 
@@ -145,9 +164,10 @@ TEST_F(Shown, ImagesWithoutAPictureAreToldEverywhereWithTheReason) {
     EXPECT_THAT(Ok({"series", "1"}), Not(HasSubstr("no picture")));
     fs::resize_file(StoredFile(1), fs::file_size(StoredFile(1)) - 2);
     fs::remove(StoredFile(2));
-    EXPECT_THAT(Listed<std::string>("noPicture"), ElementsAre("", "the file is missing"));
     const json images = OkJson({"series", "1"})["images"];
     EXPECT_NE(images[0]["noPicture"], "");
+    EXPECT_THAT(Listed<std::string>("noPicture"),
+                ElementsAre(images[0]["noPicture"].get<std::string>(), "the file is missing"));
     EXPECT_EQ(images[1]["noPicture"], "the file is missing");
     const std::string chart = Ok({"series", "1"});
     EXPECT_THAT(chart, HasSubstr(" no picture "));
@@ -167,9 +187,49 @@ TEST_F(Shown, TransferSyntaxesThatCannotBeDecodedAreToldInTheList) {
     ASSERT_NE(bytes.find(plain), std::string::npos);
     bytes.replace(bytes.find(plain), plain.size(), undefined);
     std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
-    EXPECT_THAT(Listed<std::string>("noPicture"),
-                ElementsAre("its transfer syntax 1.2.840.10008.1.2.98 is unknown"));
+    EXPECT_THAT(Listed<std::string>("noPicture"), ElementsAre("its transfer syntax 1.2.840.10008.1.2.98 is unknown"));
     EXPECT_THAT(Drawing("SE1"), HasSubstr("its transfer syntax 1.2.840.10008.1.2.98 is unknown"));
+}
+
+TEST_F(Shown, TheListAndTheImportTellTheSameOfADamagedCompressedPicture) {
+    std::string codestream = Jpeg2000Of({0, 4095, 0, 2048, 100, 4095, 7, 0}, 8, 1, 1, 12);
+    codestream.resize(codestream.size() / 2);
+    DcmFileFormat file;
+    Write("1.2.3", 1, {{16}, ""});
+    const std::string path = Films() + "/1.2.3-101.dcm";
+    ASSERT_TRUE(file.loadFile(path.c_str()).good());
+    DcmDataset& set = *file.getDataset();
+    set.putAndInsertUint16(DCM_Rows, 1);
+    set.putAndInsertUint16(DCM_Columns, 8);
+    set.putAndInsertUint16(DCM_BitsAllocated, 16);
+    set.putAndInsertUint16(DCM_BitsStored, 12);
+    set.putAndInsertUint16(DCM_HighBit, 11);
+    PutFragment(set, codestream, EXS_JPEG2000LosslessOnly);
+    ASSERT_TRUE(file.saveFile(path.c_str(), EXS_JPEG2000LosslessOnly).good());
+    const Result imported = Try({"--db", Database(), "import", Films()});
+    EXPECT_THAT(imported.err, HasSubstr("stored, but it has no picture: "));
+    const std::string reason = OkJson({"series", "1"})["images"][0]["noPicture"];
+    EXPECT_NE(reason, "");
+    EXPECT_THAT(imported.err, HasSubstr(reason));
+    EXPECT_THAT(Listed<std::string>("noPicture"), ElementsAre(reason));
+}
+
+TEST_F(Shown, DirectionsOfTextAndControlCharactersAreFilteredOrEscaped) {
+    const std::string name = "Ek\u202E\u2066gro\u0085";
+    Run("INSERT INTO Patient_T (PersonNr_CH, LastName_NVC, FirstName_NVC) VALUES ('P1', '" + name + "', 'Anna')");
+    for (const std::vector<std::string>& command : {std::vector<std::string>{"patients"},
+                                                    {"patient", "P1"},
+                                                    {"--json", "patients"},
+                                                    {"--json", "patient", "P1"}}) {
+        const std::string out = Ok(command);
+        for (const char* hidden : {"\u202E", "\u2066", "\u0085"})
+            EXPECT_THAT(out, Not(HasSubstr(hidden))) << command[0];
+        EXPECT_THAT(out, HasSubstr("gro")) << command[0];
+    }
+    EXPECT_EQ(OkJson({"patient", "P1"})["LastName"], name) << "a script reads the name as it is stored";
+    Ok({"setting", "set", "DicomRootUID", "1.2.3"});
+    Run("UPDATE GlobalList_T SET ListText = '1.2' || char(27) || '[2J' WHERE ListText = '1.2.3'");
+    EXPECT_EQ(Ok({"setting", "get", "DicomRootUID"}), "1.2 [2J\n");
 }
 
 TEST_F(Shown, TheFirstOfSeveralFramesIsToldToBeOne) {
@@ -227,8 +287,8 @@ TEST_F(Shown, AReportTellsAnatomyInWordsExposureAndComments) {
     EXPECT_THAT(html, HasSubstr("<td></td><td>Maxilla, first molar region, left</td>"));
     EXPECT_THAT(html, HasSubstr(">65 kV<"));
     EXPECT_THAT(html, Not(HasSubstr("66 kV"))) << "a photograph has no exposure";
-    EXPECT_TRUE(std::regex_search(
-        html, std::regex("<td>[-0-9: ]+: filled<br>[-0-9: ]+ AB: caries &lt;distal&gt;</td>")));
+    EXPECT_TRUE(
+        std::regex_search(html, std::regex("<td>[-0-9: ]+: filled<br>[-0-9: ]+ AB: caries &lt;distal&gt;</td>")));
     EXPECT_THAT(Drawing("SE1"), HasSubstr("<title>Maxilla, first molar region, left</title>"));
 }
 

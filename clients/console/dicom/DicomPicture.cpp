@@ -128,8 +128,8 @@ Image FirstFrameShown(DcmDataset& set) {
         image = std::make_unique<DicomImage>(&set, EXS_LittleEndianExplicit);
     } else {
         CheckFirstFrameComplete(set);
-        image = std::make_unique<DicomImage>(&set, set.getOriginalXfer(), CIF_UsePartialAccessToPixelData,
-                                             firstFrame, oneFrame);
+        image = std::make_unique<DicomImage>(&set, set.getOriginalXfer(), CIF_UsePartialAccessToPixelData, firstFrame,
+                                             oneFrame);
     }
     complaints.Check();
     return Checked(std::move(image));
@@ -177,6 +177,27 @@ void RequirePicture(const std::filesystem::path& path) {
     FirstFrameShown(*file.getDataset());
 }
 
+/// Decodes compressed pixels of the first frame; plain ones are only counted.
+void RequirePixels(const std::filesystem::path& path) {
+    DcmFileFormat file;
+    Load(file, path);
+    DcmDataset& set = *file.getDataset();
+    if (DcmXfer(set.getOriginalXfer()).isEncapsulated())
+        FirstFrameShown(set);
+    else
+        CheckFirstFrameComplete(set);
+}
+
+template <class Work>
+std::string FailureOf(const Work& work) {
+    try {
+        work();
+        return {};
+    } catch (const std::exception& failure) {
+        return failure.what();
+    }
+}
+
 }  // namespace
 
 DicomPicture RenderDicom(const std::filesystem::path& path, unsigned longestSide) {
@@ -197,21 +218,11 @@ DicomPicture RenderDicom(const std::filesystem::path& path, unsigned longestSide
 }
 
 std::string WhyNoPicture(const std::filesystem::path& path) {
-    try {
-        RequirePicture(path);
-        return {};
-    } catch (const std::exception& failure) {
-        return failure.what();
-    }
+    return FailureOf([&] { RequirePicture(path); });
 }
 
-std::string WhyNotDecodableByHead(const std::filesystem::path& path) {
-    SilenceToolkit();
-    DcmMetaInfo head;
-    OFString syntax;
-    if (head.loadFile(path.c_str()).bad() || head.findAndGetOFString(DCM_TransferSyntaxUID, syntax).bad())
-        return {};
-    return WhyNotDecodable(syntax.c_str());
+std::string WhyNoPictureQuickly(const std::filesystem::path& path) {
+    return FailureOf([&] { RequirePixels(path); });
 }
 
 }  // namespace Console

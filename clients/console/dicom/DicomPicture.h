@@ -28,8 +28,8 @@ DicomPicture RenderDicom(const std::filesystem::path& path, unsigned longestSide
 /// Why `RenderDicom` has no picture of a file, found by decoding its first frame; empty where it has one.
 std::string WhyNoPicture(const std::filesystem::path& path);
 
-/// The same by the file's head alone, which is fast: names transfer syntaxes that can't be decoded, and
-/// leaves damage undetected.
-std::string WhyNotDecodableByHead(const std::filesystem::path& path);
+/// The same without rendering pixels that aren't compressed, which is fast: that they are enough for rows and
+/// columns is all that is looked at. Compressed pixels are decoded.
+std::string WhyNoPictureQuickly(const std::filesystem::path& path);
 
 }  // namespace Console

@@ -18,9 +18,7 @@ using namespace OXClass;
 
 constexpr Long UsualWidth = 1000, UsualHeight = 700;
 
-Box BoxOf(const cImagecardAttribute& placed) {
-    return {placed.IAPosX, placed.IAPosY, placed.IAWidth, placed.IAHeight};
-}
+Box BoxOf(const cImagecardAttribute& placed) { return {placed.IAPosX, placed.IAPosY, placed.IAWidth, placed.IAHeight}; }
 
 Box BoxOf(const cTemplateAttribute& slot) { return {slot.TAPosX, slot.TAPosY, slot.TAWidth, slot.TAHeight}; }
 
@@ -38,9 +36,7 @@ std::filesystem::path FileOf(const cImage& image) {
     return path;
 }
 
-void Note(PlacedPicture& placed, const std::string& note) {
-    placed.note += (placed.note.empty() ? "" : ", ") + note;
-}
+void Note(PlacedPicture& placed, const std::string& note) { placed.note += (placed.note.empty() ? "" : ", ") + note; }
 
 void Fill(PlacedPicture& placed, const cImage& image, unsigned longestSide) {
     placed.caption = CaptionOf(image);
@@ -55,9 +51,8 @@ void Fill(PlacedPicture& placed, const cImage& image, unsigned longestSide) {
 
 PlacedPicture Placed(const cUniCard& entry, const cImagecardAttribute& attribute, const Page& page,
                      unsigned pixelWidth) {
-    PlacedPicture placed{.box = BoxOf(attribute),
-                         .number = attribute.IASequence,
-                         .orientation = Orientation(attribute.IAMirrRotStatus)};
+    PlacedPicture placed{
+        .box = BoxOf(attribute), .number = attribute.IASequence, .orientation = Orientation(attribute.IAMirrRotStatus)};
     const Ref<cImage> image = ImageOf(entry, attribute);
     if (!image) {
         placed.caption = fmt::format("image {}", attribute.ImageID);
@@ -147,9 +142,9 @@ std::string WhyNoPicture(const cImage& image) {
     }
 }
 
-std::string WhyNoPictureByHead(const cImage& image) {
+std::string WhyNoPictureQuickly(const cImage& image) {
     try {
-        return WhyNotReadableByHead(FileOf(image));
+        return WhyNotReadableQuickly(FileOf(image));
     } catch (const std::exception& failure) {
         return failure.what();
     }
@@ -168,9 +163,8 @@ std::string NameOf(const cUniCard& entry) {
 Ref<cUniCard> OpenEntry(const Database& database, const std::string& key) {
     const std::string kind = UCase(key.substr(0, 2));
     if (kind != "IC" && kind != "SE")
-        throw UserError(
-            fmt::format("\"{}\" names no card and no series; write IC5 for image card 5, SE7 for series 7",
-                        Printable(key)));
+        throw UserError(fmt::format("\"{}\" names no card and no series; write IC5 for image card 5, SE7 for series 7",
+                                    Printable(key)));
     const Long number = NumberOf(key.substr(2), kind == "IC" ? "an image card" : "a series");
     return kind == "IC" ? OpenCard(database, number) : OpenSeries(database, number);
 }

@@ -45,8 +45,7 @@ struct Page {
 std::string NameOf(const OXClass::cUniCard& entry);
 
 /// The image that is placed there; nothing where the entry lacks it.
-OXClass::Ref<OXClass::cImage> ImageOf(const OXClass::cUniCard& entry,
-                                      const OXClass::cImagecardAttribute& placed);
+OXClass::Ref<OXClass::cImage> ImageOf(const OXClass::cUniCard& entry, const OXClass::cImagecardAttribute& placed);
 
 /// The teeth of an image by quadrant, "16,17 46,47"; else its anatomy in words, or its number.
 std::string CaptionOf(const OXClass::cImage& image);
@@ -59,10 +58,10 @@ std::string TeethOf(const OXClass::cImage& image);
 bool IsPlacedByTimeOnly(const OXClass::cImage& image);
 constexpr const char* PlacedByTimeOnly = "placed by time only";
 
-/// Why there is no picture of an image; empty where there is one. By the head alone it takes little time, and
-/// damaged files pass.
+/// Why there is no picture of an image; empty where there is one. `Quickly` renders no plain pixels and
+/// counts them only.
 std::string WhyNoPicture(const OXClass::cImage& image);
-std::string WhyNoPictureByHead(const OXClass::cImage& image);
+std::string WhyNoPictureQuickly(const OXClass::cImage& image);
 
 /// An entry by its key, "IC5" or "SE7", with those of its images loaded that can be read (`DamagesOf` tells
 /// the others). Throws `UserError` for any other key and for one that isn't in the database.

@@ -15,8 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view PngHead("\x89PNG\r\n\x1A\n", 8), JpegHead("\xFF\xD8\xFF", 3),
-    JpegEnd("\xFF\xD9", 2);
+constexpr std::string_view PngHead("\x89PNG\r\n\x1A\n", 8), JpegHead("\xFF\xD8\xFF", 3), JpegEnd("\xFF\xD9", 2);
 
 std::ifstream Opened(const fs::path& path) {
     constexpr std::uintmax_t most = 256U << 20;
@@ -45,8 +44,7 @@ Pixels Decoded(const fs::path& path) {
     constexpr std::int64_t mostPixels = 100'000'000;
     int width = 0, height = 0;
     if (!gdk_pixbuf_get_file_info(path.c_str(), &width, &height)) throw std::runtime_error("is damaged");
-    if (std::int64_t{width} * height > mostPixels)
-        throw std::runtime_error("has more than 100 million pixels");
+    if (std::int64_t{width} * height > mostPixels) throw std::runtime_error("has more than 100 million pixels");
     GError* error = nullptr;
     Pixels pixels(gdk_pixbuf_new_from_file(path.c_str(), &error));
     if (!pixels) Refuse(error);
@@ -116,10 +114,10 @@ std::string WhyNotReadable(const fs::path& path) {
     }
 }
 
-std::string WhyNotReadableByHead(const fs::path& path) {
+std::string WhyNotReadableQuickly(const fs::path& path) {
     try {
         std::ifstream in = Opened(path);
-        return KindOf(in) == Kind::Dicom ? WhyNotDecodableByHead(path) : std::string();
+        return KindOf(in) == Kind::Dicom ? WhyNoPictureQuickly(path) : std::string();
     } catch (const std::exception& failure) {
         return failure.what();
     }

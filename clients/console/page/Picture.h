@@ -23,7 +23,8 @@ Picture ReadPicture(const std::filesystem::path& path, unsigned longestSide);
 /// Why `ReadPicture` throws for a file; empty where it returns a picture.
 std::string WhyNotReadable(const std::filesystem::path& path);
 
-/// The same by what takes little time: the file's presence, its size and its head. A damaged file passes.
-std::string WhyNotReadableByHead(const std::filesystem::path& path);
+/// The same without decoding pictures that aren't compressed DICOM: the file's presence, its size, its head
+/// and the number of its pixels.
+std::string WhyNotReadableQuickly(const std::filesystem::path& path);
 
 }  // namespace Console
