@@ -67,8 +67,7 @@ bool Fits(std::string_view wanted, std::string_view text) {
 /// True if nothing is wanted, or one of the values of `text` is.
 bool FitsAny(const std::string& wanted, const std::string& text) {
     const std::vector<std::string> values = Split(text, '\\');
-    return wanted.empty() ||
-           std::ranges::any_of(values, [&](const std::string& value) { return Fits(wanted, value); });
+    return wanted.empty() || std::ranges::any_of(values, [&](const std::string& value) { return Fits(wanted, value); });
 }
 
 /// True if an item is one that the keys ask for. A server gives a data set whole, also those of its steps
@@ -106,8 +105,7 @@ std::vector<fs::path> WorklistFiles(Program& program, const fs::path& where) {
         return {where};
     }
     FoundFiles found = FindFiles({where.string()});
-    for (const auto& [folder, reason] : found.unreadable)
-        Tell(program, fmt::format("{}: {}", folder.string(), reason));
+    for (const auto& [folder, reason] : found.unreadable) Tell(program, fmt::format("{}: {}", folder.string(), reason));
     for (FoundFile& file : found.files)
         if (file.path.filename() != "lockfile") files.push_back(std::move(file.path));
     return files;
@@ -154,13 +152,12 @@ WorklistItems FromServer(Program& program, const WorklistAddress& server, const 
                          const WorklistKeys& keys) {
     WorklistAnswer answer = AskWorklist(server, call, keys);
     if (answer.broken > 0)
-        Tell(program, fmt::format("oxclass: {} data sets of {} are no worklist items: {}", answer.broken,
-                                  server.Text(), answer.reason));
+        Tell(program, fmt::format("oxclass: {} data sets of {} are no worklist items: {}", answer.broken, server.Text(),
+                                  answer.reason));
     if (answer.cut)
-        Tell(program,
-             fmt::format("oxclass: {} has more than {} entries, and the others were not taken; ask for a "
-                         "day, a modality or a station, or for more with --most",
-                         server.Text(), call.mostAnswers));
+        Tell(program, fmt::format("oxclass: {} has more than {} entries, and the others were not taken; ask for a "
+                                  "day, a modality or a station, or for more with --most",
+                                  server.Text(), call.mostAnswers));
     if (answer.guessed > 0)
         fmt::print(stderr, "oxclass: {} answers name no character set, so names in them may be wrong\n",
                    answer.guessed);
@@ -171,12 +168,10 @@ WorklistItems FromServer(Program& program, const WorklistAddress& server, const 
 /// Sorts by day, time and patient and numbers the items from 1.
 void Sort(WorklistItems& items) {
     const auto order = [](const cMWLItem& item) {
-        return std::tie(item.SchProcStepStartDate, item.SchProcStepStartTime, item.PatientID,
-                        item.SchProcStepID);
+        return std::tie(item.SchProcStepStartDate, item.SchProcStepStartTime, item.PatientID, item.SchProcStepID);
     };
-    std::stable_sort(items.begin(), items.end(), [&](const WorklistEntry& a, const WorklistEntry& b) {
-        return order(*a.item) < order(*b.item);
-    });
+    std::stable_sort(items.begin(), items.end(),
+                     [&](const WorklistEntry& a, const WorklistEntry& b) { return order(*a.item) < order(*b.item); });
     Long number = 0;
     for (const WorklistEntry& entry : items) entry.item->Key = CStr(++number);
 }
@@ -195,9 +190,8 @@ List ListOf(const WorklistItems& items) {
                {"accession", "Accession"},
                {"step", "Step"}});
     for (const auto& [item, issuer] : items)
-        list.Add({std::stoi(item->Key), item->SchProcStepStartDate, item->SchProcStepStartTime,
-                  item->PatientID, item->PatientName, item->PatientBirthDate, item->PatientSex,
-                  item->Modality, item->SchStatAE,
+        list.Add({std::stoi(item->Key), item->SchProcStepStartDate, item->SchProcStepStartTime, item->PatientID,
+                  item->PatientName, item->PatientBirthDate, item->PatientSex, item->Modality, item->SchStatAE,
                   item->SchProcStepDesc.empty() ? item->ReqProcDesc : item->SchProcStepDesc, item->Accession,
                   item->SchProcStepID});
     return list;
@@ -247,32 +241,48 @@ bool SamePerson(const WorklistEntry& a, const WorklistEntry& b) {
 const WorklistEntry& EntryAt(const WorklistItems& items, const std::string& text, std::size_t at) {
     const Long position = NumberOf(text.substr(0, at), "an entry");
     if (!EqualsIgnoringCase(text.substr(at + 1), ChecksumOf(items)))
-        throw UserError(fmt::format(
-            "the worklist has changed since {} was printed; leave --register out to see the list", text));
-    if (position < 1 || static_cast<std::size_t>(position) > items.size())
         throw UserError(
-            fmt::format("the worklist has no entry {}; leave --register out to see the list", position));
+            fmt::format("the worklist has changed since {} was printed; leave --register out to see the list", text));
+    if (position < 1 || static_cast<std::size_t>(position) > items.size())
+        throw UserError(fmt::format("the worklist has no entry {}; leave --register out to see the list", position));
     return items[static_cast<std::size_t>(position - 1)];
+}
+
+bool IsNamed(const WorklistEntry& entry, const std::string& text) {
+    return !text.empty() && (entry.item->Accession == text || entry.item->SchProcStepID == text);
+}
+
+/// Throws the `UserError` that lists all entries which the user may have meant, by their positions.
+[[noreturn]] void RefuseAmbiguous(const WorklistItems& items, const std::string& text) {
+    std::string candidates;
+    for (const WorklistEntry& entry : items) {
+        if (!IsNamed(entry, text)) continue;
+        const cMWLItem& item = *entry.item;
+        candidates += fmt::format("{}{}@{}: {} {}, born {}, {} {}", candidates.empty() ? "" : "; ", item.Key,
+                                  ChecksumOf(items), item.PatientID, IdentityOf(entry).Name(),
+                                  item.PatientBirthDate.empty() ? "?" : item.PatientBirthDate,
+                                  item.SchProcStepStartDate, item.SchProcStepStartTime);
+    }
+    throw UserError(
+        fmt::format("entries of several patients have the accession number or step {}, and none was "
+                    "registered; name one by its position: {}",
+                    text, candidates));
 }
 
 /// The entry that the user named by its accession number, by its step, or by a position with a checksum.
 const WorklistEntry& EntryNamed(const WorklistItems& items, const std::string& text) {
     const WorklistEntry* found = nullptr;
     for (const WorklistEntry& entry : items) {
-        if (text.empty() || (entry.item->Accession != text && entry.item->SchProcStepID != text)) continue;
-        if (found && !SamePerson(*found, entry))
-            throw UserError(fmt::format(
-                "entries of several patients have the accession number or step {}; name one by its position, "
-                "as {}@{}",
-                text, entry.item->Key, ChecksumOf(items)));
+        if (!IsNamed(entry, text)) continue;
+        if (found && !SamePerson(*found, entry)) RefuseAmbiguous(items, text);
         found = &entry;
     }
     if (found) return *found;
     if (const auto at = text.find('@'); at != std::string::npos) return EntryAt(items, text, at);
-    throw UserError(fmt::format(
-        "the worklist has no entry with the accession number or step \"{}\"; a position needs the "
-        "checksum that is printed below the list, as 1@{}",
-        text, items.empty() ? "1a2b3c4d" : ChecksumOf(items)));
+    throw UserError(
+        fmt::format("the worklist has no entry with the accession number or step \"{}\"; a position needs the "
+                    "checksum that is printed below the list, as 1@{}",
+                    text, items.empty() ? "1a2b3c4d" : ChecksumOf(items)));
 }
 
 /// The identifiers of the entry that the patient doesn't have; true if one was added.
@@ -312,14 +322,21 @@ Ref<cPatient> PatientOf(const Ref<Connection>& con, const WorklistEntry& entry, 
     if (match.number != 0 && !wanted.newPatient) return PatientOfRow(con, match.number);
     if (match.IsNew() || wanted.newPatient) return New<cPatient>();
     for (const PatientIdentity& stored : match.refused)
-        fmt::print(
-            stderr, "{}",
-            SideBySide(stored, fmt::format("stored as #{}", stored.number), person, "in the worklist"));
-    fmt::print(stderr,
-               "oxclass: the entry contradicts the stored patient; nothing was registered. Decide with "
-               "--register-as '#{}' or with --new-patient\n",
+        fmt::print(stderr, "{}",
+                   SideBySide(stored, fmt::format("stored as #{}", stored.number), person, "in the worklist"));
+    fmt::print(stderr, "oxclass: {}; nothing was registered. Decide with --register-as '#{}' or with --new-patient\n",
+               match.contradicted ? "the entry contradicts the stored patient"
+                                  : "there is not enough to tell whether the entry is of the stored patient",
                match.refused.front().number);
     return nullptr;
+}
+
+/// Stores what a known patient's row lacks and the entry tells, unless the two are different people.
+void FillKnown(const Ref<Connection>& con, const cPatient& patient, const WorklistEntry& entry) {
+    const PatientIdentity stored = Console::IdentityOf(con, patient), person = IdentityOf(entry);
+    if (!EqualsIgnoringCase(stored.patientID, person.patientID) || !Contradictions(stored, person).empty()) return;
+    const std::string told = FillPatient(con, stored, person, "the worklist");
+    if (!told.empty()) fmt::print(stderr, "oxclass: {}\n", Printable(told));
 }
 
 void Register(Program& program, const WorklistItems& items, const Registration& wanted) {
@@ -336,7 +353,10 @@ void Register(Program& program, const WorklistItems& items, const Registration& 
     const bool isNew = patient->ID == 0;
     if (isNew) Fill(*patient, entry);
     if (TakeOverIdentifiers(*patient, *entry.item) || isNew) SavePatient(database.Con(), *patient);
-    if (isNew) StoreIssuer(database.Con(), patient->ID, entry.issuer);
+    if (isNew)
+        StoreIssuer(database.Con(), patient->ID, entry.issuer);
+    else
+        FillKnown(database.Con(), *patient, entry);
     transaction.Commit();
     if (program.options.json)
         return PrintJson({{"patient", patient->PatientID}, {"number", patient->ID}, {"new", isNew}});
@@ -353,9 +373,9 @@ void AddCallOptions(CLI::App& command, WorklistCall& call) {
     command.add_option("--most", call.mostAnswers, "entries that are taken at most; default 5000")
         ->check(CLI::Range(std::size_t{1}, most))
         ->type_name("N");
-    auto* tls = command.add_flag("--tls", call.tls, "encrypted; the server's certificate must be valid");
-    command
-        .add_option("--tls-ca", call.authorities, "PEM file of trusted authorities; default: the system's")
+    auto* tls =
+        command.add_flag("--tls", call.tls, "encrypted; the server's certificate must be valid, and one for HOST");
+    command.add_option("--tls-ca", call.authorities, "PEM file of trusted authorities; default: the system's")
         ->check(CLI::ExistingFile)
         ->type_name("FILE")
         ->needs(tls);
@@ -368,14 +388,12 @@ void AddCallOptions(CLI::App& command, WorklistCall& call) {
 /// The modality in upper case. Throws `UserError` for a code that DICOM doesn't have.
 std::string ModalityOf(const std::string& typed) {
     static const std::set<std::string> known{
-        "AR",      "AU",  "BDUS", "BI",  "BMD",  "CR",  "CT",  "DG", "DX", "ECG", "EPS",
-        "ES",      "GM",  "HD",   "IO",  "IVUS", "KER", "LEN", "LS", "MG", "MR",  "NM",
-        "OAM",     "OCT", "OP",   "OPM", "OPT",  "OPV", "OT",  "PT", "PX", "RF",  "RG",
-        "RTIMAGE", "SC",  "SM",   "SMR", "SR",   "SRF", "TG",  "US", "VA", "XA",  "XC"};
+        "AR",   "AU",  "BDUS", "BI",      "BMD", "CR", "CT",  "DG",  "DX",  "ECG", "EPS", "ES",  "GM",  "HD", "IO",
+        "IVUS", "KER", "LEN",  "LS",      "MG",  "MR", "NM",  "OAM", "OCT", "OP",  "OPM", "OPT", "OPV", "OT", "PT",
+        "PX",   "RF",  "RG",   "RTIMAGE", "SC",  "SM", "SMR", "SR",  "SRF", "TG",  "US",  "VA",  "XA",  "XC"};
     const std::string code = UCase(Trim(typed));
     if (code.empty() || code.find_first_of("*?") != std::string::npos || known.contains(code)) return code;
-    throw UserError(
-        fmt::format("\"{}\" is not a modality; write IO, PX, DX, CT, XC or another code of DICOM", typed));
+    throw UserError(fmt::format("\"{}\" is not a modality; write IO, PX, DX, CT, XC or another code of DICOM", typed));
 }
 
 }  // namespace
@@ -391,13 +409,10 @@ void AddWorklist(Program& program) {
     auto* command = program.app.add_subcommand(
         "worklist", "list the worklist of a DICOM server or of stored worklist files, register a patient");
     command->add_option("WHERE", given->where, "a server AE@HOST:PORT, or a file or folder")->required();
-    command
-        ->add_option("--date", given->days,
-                     "day of the scheduled step: 2026-01-31, 2026-01-01..2026-01-31, today")
+    command->add_option("--date", given->days, "day of the scheduled step: 2026-01-31, 2026-01-01..2026-01-31, today")
         ->type_name("DAY[..DAY]");
     command->add_option("--modality", given->keys.modality, "as IO, PX, DX")->type_name("CODE");
-    command->add_option("--station", given->keys.station, "AE title of the scheduled station")
-        ->type_name("AE");
+    command->add_option("--station", given->keys.station, "AE title of the scheduled station")->type_name("AE");
     command->add_option("--patient", given->keys.patient, "patient ID")->type_name("ID");
     command->add_option("--as", given->call.title, "AE title to ask with; default OXCLASS")->type_name("AE");
     AddCallOptions(*command, given->call);
@@ -424,9 +439,8 @@ void AddWorklist(Program& program) {
         if (given->call.title.empty() || given->call.title.size() > longestTitle)
             throw UserError("--as takes an AE title of 1 to 16 characters");
         const auto server = WorklistAddress::Of(given->where);
-        WorklistItems items = server && !IsFile(given->where)
-                                  ? FromServer(program, *server, given->call, given->keys)
-                                  : FromFiles(program, given->where, given->keys);
+        WorklistItems items = server && !IsFile(given->where) ? FromServer(program, *server, given->call, given->keys)
+                                                              : FromFiles(program, given->where, given->keys);
         Sort(items);
         if (command->count("--register") > 0) return Register(program, items, given->registration);
         Print(items, program.options.json);

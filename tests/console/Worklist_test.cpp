@@ -54,9 +54,7 @@ public:
     int number = 0;
 };
 
-void Put(DcmItem& item, const DcmTagKey& tag, const std::string& value) {
-    item.putAndInsertString(tag, value.c_str());
-}
+void Put(DcmItem& item, const DcmTagKey& tag, const std::string& value) { item.putAndInsertString(tag, value.c_str()); }
 
 void FillStep(DcmItem& step, const std::string& day) {
     Put(step, DCM_Modality, "IO");
@@ -208,7 +206,7 @@ TEST_F(Worklist, AKnownPatientWhoCannotBeReadIsNotTakenForANewOne) {
     Run("UPDATE Patient_T SET PrevXrayDate_CH = 'garbage', LastName_NVC = 'Ek'");
     const Result run = Try({"--db", Database(), "worklist", Folder(), "--register", "A1"});
     EXPECT_EQ(run.code, 1);
-    EXPECT_THAT(run.err, HasSubstr("OXClass.LoadOnPatientIDorpdbid error: 13"));
+    EXPECT_THAT(run.err, HasSubstr("patient #1 can't be read: correct its column PrevXrayDate_CH"));
     EXPECT_EQ(OkJson({"patients"})[0]["last_name"], "Ek");
 }
 
@@ -216,8 +214,7 @@ TEST_F(Worklist, IdentifiersThatDoNotFitAreLeftOutWholeAndTold) {
     Init();
     WriteItem("a.wl", "P1", "20260201", [](DcmDataset& set) {
         std::string many;
-        for (int i = 100; i < 140; ++i)
-            many += (many.empty() ? "" : "\\") + std::string("NUMBER") + std::to_string(i);
+        for (int i = 100; i < 140; ++i) many += (many.empty() ? "" : "\\") + std::string("NUMBER") + std::to_string(i);
         set.putAndInsertString(DCM_RETIRED_OtherPatientIDs, many.c_str());
     });
     const Result run = Try({"--db", Database(), "worklist", Folder(), "--register", "A1"});
@@ -239,8 +236,7 @@ TEST_F(Worklist, TwoPatientsOfOneIdentifierAreNotMadeOne) {
 
 TEST_F(Worklist, AFileThatIsNoItemIsToldAndTheOthersAreListed) {
     WriteItem("a.wl", "P1", "20260201");
-    WriteItem("b.wl", "P2", "20260202",
-              [](DcmDataset& set) { delete set.remove(DCM_ScheduledProcedureStepSequence); });
+    WriteItem("b.wl", "P2", "20260202", [](DcmDataset& set) { delete set.remove(DCM_ScheduledProcedureStepSequence); });
     WriteItem("c.wl", "", "20260203", [](DcmDataset& set) { delete set.remove(DCM_PatientName); });
     std::ofstream(Folder() + "/RIS/d.wl") << "no item";
     const Result run = Try({"--json", "worklist", Folder()});
@@ -263,8 +259,7 @@ TEST_F(Worklist, RegisteringMakesThePatientThatTheNextImportFinds) {
     EXPECT_EQ(patient["BirthDate"], "1980-01-31");
     EXPECT_EQ(patient["Sex"], "F");
     EXPECT_EQ(patient["OtherIDs"], "X1\\X\u20192");
-    Write("1.2.3", 1, {{11}, ""},
-          [](DcmDataset& set) { set.putAndInsertString(DCM_PatientName, "Akesson^Lotta"); });
+    Write("1.2.3", 1, {{11}, ""}, [](DcmDataset& set) { set.putAndInsertString(DCM_PatientName, "Akesson^Lotta"); });
     Ok({"import", Films()});
     ASSERT_EQ(OkJson({"patients"}).size(), 1U);
     EXPECT_EQ(OkJson({"patients"})[0]["last_name"], "Åkesson");
@@ -280,6 +275,22 @@ TEST_F(Worklist, RegisteringAKnownPatientAddsOnlyWhatIdentifiersAreNew) {
     Ok({"worklist", Folder(), "--register", "A1"});
     EXPECT_EQ(OkJson({"patient", "P1"})["LastName"], "AKESSON");
     EXPECT_EQ(OkJson({"patient", "P1"})["OtherIDs"], "X1\\OLD\\X\u20192");
+}
+
+TEST_F(Worklist, RegisteringAKnownPatientStoresWhatTheRowLacks) {
+    Init();
+    WriteItem("a.wl", "P1", "20260201", [](DcmDataset& set) { set.putAndInsertString(DCM_IssuerOfPatientID, "ISSA"); });
+    Run("INSERT INTO Patient_T (PersonNr_CH, LastName_NVC, FirstName_NVC) VALUES ('P1', 'Åkesson', 'Lotta')");
+    const Result run = Try({"--db", Database(), "worklist", Folder(), "--register", "A1"});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_THAT(run.err, HasSubstr("birth date 1980-01-31, sex F added from the worklist"));
+    const json patient = OkJson({"patient", "#1"});
+    EXPECT_EQ(patient["BirthDate"], "1980-01-31");
+    EXPECT_EQ(patient["Sex"], "F");
+    EXPECT_EQ(patient["Issuer"], "ISSA");
+    WriteItem("a.wl", "P1", "20260201",
+              [](DcmDataset& set) { set.putAndInsertString(DCM_PatientBirthDate, "19550505"); });
+    EXPECT_EQ(Try({"--db", Database(), "worklist", Folder(), "--register", "A1"}).code, 3);
 }
 
 TEST_F(Worklist, WhatCannotBeRegisteredSaysWhy) {
@@ -317,7 +328,10 @@ TEST_F(Worklist, AnAccessionNumberOfSeveralPatientsNamesNone) {
     WriteItem("b.wl", "P2", "20260203");
     const Result run = Try({"--db", Database(), "worklist", Folder(), "--register", "A1"});
     EXPECT_EQ(run.code, 1);
-    EXPECT_THAT(run.err, HasSubstr("entries of several patients have the accession number or step A1"));
+    EXPECT_THAT(run.err, HasSubstr("entries of several patients have the accession number or step A1, and none"));
+    const std::string sum = Checksum();
+    EXPECT_THAT(run.err, HasSubstr("1@" + sum + ": P1 Åkesson, Lotta, born 1980-01-31, 2026-02-01 10:15:00; 2@" + sum +
+                                   ": P2 Åkesson, Lotta, born 1980-01-31, 2026-02-03 10:15:00"));
     EXPECT_EQ(OkJson({"patients"}).size(), 0U);
 }
 
@@ -333,8 +347,7 @@ TEST_F(Worklist, APersonWhoContradictsTheStoredPatientIsNotRegistered) {
     EXPECT_EQ(OkJson({"patient", "#1"})["LastName"], "Berg");
     EXPECT_EQ(OkJson({"worklist", Folder(), "--register", "A1", "--new-patient"})["number"], 2);
     EXPECT_EQ(OkJson({"patient", "#2"})["LastName"], "Åkesson");
-    EXPECT_EQ(OkJson({"worklist", Folder(), "--register", "A1"})["number"], 2)
-        << "found by its name from now on";
+    EXPECT_EQ(OkJson({"worklist", Folder(), "--register", "A1"})["number"], 2) << "found by its name from now on";
 }
 
 TEST_F(Worklist, ADayWithTwoReadingsIsRefused) {
@@ -356,8 +369,7 @@ TEST_F(Worklist, WhatIsNoWorklistSaysSo) {
     EXPECT_THAT(told({"worklist", std::string(5000, 'x')}), HasSubstr("no server"));
     EXPECT_THAT(told({"worklist", Folder(), "--as", ""}), HasSubstr("1 to 16 characters"));
     EXPECT_THAT(told({"worklist", Folder(), "--date", "someday"}), HasSubstr("\"someday\" is not a date"));
-    EXPECT_THAT(told({"worklist", Folder(), "--date", "2026-02-02..2026-02-01"}),
-                HasSubstr("ends before it begins"));
+    EXPECT_THAT(told({"worklist", Folder(), "--date", "2026-02-02..2026-02-01"}), HasSubstr("ends before it begins"));
 }
 
 // ---- servers ----------------------------------------------------------------------------------------
@@ -368,9 +380,7 @@ protected:
     void Serve() {
         const std::string number = std::to_string(port.number), path = Folder();
         const char* const arguments[] = {"wlmscpfs", "-q", "-dfp", path.c_str(), number.c_str(), nullptr};
-        ASSERT_EQ(
-            posix_spawnp(&server, "wlmscpfs", nullptr, nullptr, const_cast<char* const*>(arguments), environ),
-            0);
+        ASSERT_EQ(posix_spawnp(&server, "wlmscpfs", nullptr, nullptr, const_cast<char* const*>(arguments), environ), 0);
         ASSERT_TRUE(port.IsServed());
     }
     ~WorklistServer() override {
@@ -422,7 +432,9 @@ TEST_F(WorklistServer, AServerThatIsNotThereIsToldInOneLine) {
     const Result run = Try({"worklist", Address()});
     EXPECT_EQ(run.code, 1);
     EXPECT_THAT(run.err, HasSubstr("no worklist from " + Address() + ": "));
-    EXPECT_THAT(run.err, HasSubstr("Connection refused"));
+    EXPECT_THAT(run.err, HasSubstr(": nothing listens at port "));
+    EXPECT_THAT(run.err, HasSubstr("(Connection refused); look at host and port"));
+    EXPECT_EQ(Try({"worklist", Address(), "--tls"}).err, run.err);
     EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1);
 }
 
@@ -439,8 +451,7 @@ protected:
         ASSERT_TRUE(ASC_initializeNetwork(NET_ACCEPTOR, port.number, 10, &network).good());
         speaking = std::thread([this, network, sets = std::move(sets), status]() mutable {
             T_ASC_Association* association = nullptr;
-            ASC_receiveAssociation(network, &association, ASC_DEFAULTMAXPDU, nullptr, nullptr, OFFalse,
-                                   DUL_BLOCK, 10);
+            ASC_receiveAssociation(network, &association, ASC_DEFAULTMAXPDU, nullptr, nullptr, OFFalse, DUL_BLOCK, 10);
             const char* contexts[] = {UID_FINDModalityWorklistInformationModel};
             const char* syntaxes[] = {UID_LittleEndianExplicitTransferSyntax};
             ASC_acceptContextsWithPreferredTransferSyntaxes(association->params, contexts, 1, syntaxes, 1);
@@ -457,8 +468,7 @@ protected:
         });
     }
 
-    void Speak(T_ASC_Association& association, std::vector<std::function<void(DcmDataset&)>>& sets,
-               Uint16 status) {
+    void Speak(T_ASC_Association& association, std::vector<std::function<void(DcmDataset&)>>& sets, Uint16 status) {
         T_DIMSE_Message question{};
         T_ASC_PresentationContextID context = 0;
         DIMSE_receiveCommand(&association, DIMSE_BLOCKING, 10, &context, &question, nullptr);
@@ -493,8 +503,8 @@ TEST_F(OddServer, BrokenDataSetsAreToldInOneLineAndTheOthersListed) {
     const Result run = Try({"--json", "worklist", Address()});
     EXPECT_EQ(run.code, 3);
     EXPECT_THAT(PatientsOf(json::parse(run.out)), ElementsAre("P1"));
-    EXPECT_EQ(run.err, "oxclass: 2 data sets of " + Address() +
-                           " are no worklist items: it has no scheduled procedure step\n");
+    EXPECT_EQ(run.err,
+              "oxclass: 2 data sets of " + Address() + " are no worklist items: it has no scheduled procedure step\n");
 }
 
 TEST_F(OddServer, ItIsAskedByTheKeysAndForIdentifiersOfASequence) {
@@ -564,8 +574,8 @@ TEST_F(OddServer, WhatIsNoDicomServerIsToldInOneLine) {
     });
     const Result run = Try({"worklist", Address()});
     EXPECT_EQ(run.code, 1);
-    EXPECT_THAT(run.err, HasSubstr("no worklist from " + Address() + ": "));
-    EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1);
+    EXPECT_EQ(run.err, "oxclass: no worklist from " + Address() +
+                           ": what answers there doesn't speak DICOM; look at host and port\n");
 }
 
 TEST_F(OddServer, MoreAnswersThanAllowedAreNotTaken) {
@@ -647,6 +657,38 @@ TEST_F(RawServer, AConnectionThatIsCutIsToldAsSuch) {
     EXPECT_THAT(run.err, HasSubstr("it cut the connection"));
 }
 
+TEST_F(RawServer, AServerThatSpeaksNoTlsIsToldAsSuch) {
+    Listen([](int s) {
+        char bytes[64];
+        static_cast<void>(recv(s, bytes, sizeof bytes, 0));
+        constexpr std::string_view plain = "HTTP/1.1 400 Bad Request\r\n\r\n";
+        send(s, plain.data(), plain.size(), MSG_NOSIGNAL);
+        while (recv(s, bytes, sizeof bytes, 0) > 0) continue;
+    });
+    EXPECT_EQ(Try({"worklist", Address(), "--tls"}).err,
+              "oxclass: no worklist from " + Address() +
+                  ": what answers there doesn't speak TLS; look at the port, or ask without --tls\n");
+}
+
+TEST_F(RawServer, AServerThatCutsAnEncryptedConnectionIsToldAsSuch) {
+    Listen([](int s) {
+        char bytes[64];
+        static_cast<void>(recv(s, bytes, sizeof bytes, 0));
+        shutdown(s, SHUT_RDWR);
+    });
+    EXPECT_THAT(Try({"worklist", Address(), "--tls"}).err,
+                HasSubstr("it cut the connection; does it speak TLS at this port?"));
+}
+
+TEST_F(RawServer, AServerThatSaysNothingIsToldAsSuch) {
+    Listen([](int s) {
+        char bytes[64];
+        while (recv(s, bytes, sizeof bytes, 0) > 0) continue;
+    });
+    EXPECT_THAT(Try({"worklist", Address(), "--tls"}).err,
+                HasSubstr("it didn't answer within 10 seconds; does it speak TLS at this port?"));
+}
+
 TEST_F(WorklistServer, AnEncryptedServerIsAskedIfItsCertificateIsTrusted) {
     WriteItem("a.wl", "P1", "20260201");
     Serve();
@@ -654,7 +696,7 @@ TEST_F(WorklistServer, AnEncryptedServerIsAskedIfItsCertificateIsTrusted) {
     const std::string at = folder.Path().string();
     const std::string make =
         "openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=localhost -addext "
-        "subjectAltName=DNS:localhost,IP:127.0.0.1 -keyout " +
+        "subjectAltName=DNS:ris.example,IP:127.0.0.1 -keyout " +
         at + "/key.pem -out " + at + "/cert.pem 2>/dev/null";
     ASSERT_EQ(std::system(make.c_str()), 0);
     const pid_t proxy = fork();
@@ -670,9 +712,11 @@ TEST_F(WorklistServer, AnEncryptedServerIsAskedIfItsCertificateIsTrusted) {
     EXPECT_THAT(PatientsOf(json::parse(trusted.out)), ElementsAre("P1"));
     const Result strange = Try({"worklist", address, "--tls"});
     EXPECT_EQ(strange.code, 1) << "a certificate of an unknown authority";
-    EXPECT_THAT(strange.err, HasSubstr("certificate"));
-    EXPECT_EQ(Try({"worklist", Address(), "--tls", "--tls-ca", at + "/cert.pem"}).code, 1)
-        << "a plain server";
+    EXPECT_THAT(strange.err, HasSubstr("its certificate isn't trusted"));
+    const std::string named = "RIS@localhost:" + std::to_string(encrypted.number);
+    EXPECT_THAT(Try({"worklist", named, "--tls", "--tls-ca", at + "/cert.pem"}).err,
+                HasSubstr("isn't one for localhost"));
+    EXPECT_EQ(Try({"worklist", Address(), "--tls", "--tls-ca", at + "/cert.pem"}).code, 1) << "a plain server";
     kill(proxy, SIGTERM);
     waitpid(proxy, nullptr, 0);
 }

@@ -8,10 +8,13 @@
 #include <dcmtk/dcmnet/dcmtrans.h>
 #include <dcmtk/dcmnet/diutil.h>
 #include <dcmtk/dcmnet/scu.h>
-#include <dcmtk/dcmtls/tlsscu.h>
+#include <dcmtk/dcmtls/tlslayer.h>
 #include <dcmtk/oflog/appender.h>
 #include <dcmtk/oflog/oflog.h>
 #include <dcmtk/oflog/spi/logevent.h>
+
+#include <openssl/ssl.h>
+#include <openssl/x509v3.h>
 
 #include <charconv>
 #include <cstdlib>
@@ -142,11 +145,36 @@ protected:
     }
 };
 
+/// Why no connection came about, in words that say what to do; empty for what is none of these reasons.
+std::string ReasonOfConnection(const std::string& text, const WorklistAddress& server) {
+    const auto says = [&](const char* words) { return text.find(words) != std::string::npos; };
+    if (says("Connection refused"))
+        return fmt::format(
+            "nothing listens at port {} (Connection refused); look at host and port, and whether "
+            "the server runs",
+            server.port);
+    if (says("unknown host")) return fmt::format("there is no host {}; look at its name", server.host);
+    if (says("Unrecognized PDU type")) return "what answers there doesn't speak DICOM; look at host and port";
+    if (says("wrong version number"))
+        return "what answers there doesn't speak TLS; look at the port, or ask without --tls";
+    if (says("certificate verify failed"))
+        return fmt::format(
+            "its certificate isn't trusted, or isn't one for {}; name the PEM file of its authority "
+            "with --tls-ca, and the server by the name in its certificate",
+            server.host);
+    if (says("SSL_ERROR_WANT_READ"))
+        return fmt::format("it didn't answer within {} seconds; does it speak TLS at this port?", TimeOut_s);
+    if (says("SSL_ERROR_SYSCALL") || says("unexpected eof"))
+        return "it cut the connection; does it speak TLS at this port?";
+    return {};
+}
+
 /// What the toolkit says about a failed association, in words that say what to do.
 std::string ReasonOf(const OFCondition& condition, const std::string& log, const WorklistAddress& server,
                      const WorklistCall& call) {
     const std::string text = condition.text() + ("\n" + log);
     const auto says = [&](const char* words) { return text.find(words) != std::string::npos; };
+    if (const std::string reason = ReasonOfConnection(text, server); !reason.empty()) return reason;
     if (says("Calling AE Title Not Recognized"))
         return fmt::format(
             "it doesn't know this station as {}; have the title entered there, or name another "
@@ -156,9 +184,8 @@ std::string ReasonOf(const OFCondition& condition, const std::string& log, const
         return fmt::format("its AE title isn't {}; write the right one before the @", server.title);
     if (condition == DUL_ASSOCIATIONREJECTED)
         return fmt::format("it refuses; is {} its AE title, and does it know {}?", server.title, call.title);
-    if (condition == DIMSE_NODATAAVAILABLE || condition == DUL_READTIMEOUT ||
-        condition == DUL_NETWORKCLOSED || condition == DUL_PEERABORTEDASSOCIATION ||
-        condition == DIMSE_READPDVFAILED)
+    if (condition == DIMSE_NODATAAVAILABLE || condition == DUL_READTIMEOUT || condition == DUL_NETWORKCLOSED ||
+        condition == DUL_PEERABORTEDASSOCIATION || condition == DIMSE_READPDVFAILED)
         return condition == DIMSE_NODATAAVAILABLE || condition == DUL_READTIMEOUT
                    ? fmt::format("it didn't answer within {} seconds", TimeOut_s)
                    : std::string("it cut the connection");
@@ -178,16 +205,14 @@ void Configure(Scu& scu, const WorklistAddress& server, const WorklistCall& call
     scu.setDIMSETimeout(TimeOut_s);
     scu.setDIMSEBlockingMode(DIMSE_NONBLOCKING);
     OFList<OFString> syntaxes;
-    for (const char* syntax :
-         {UID_LittleEndianExplicitTransferSyntax, UID_LittleEndianImplicitTransferSyntax})
+    for (const char* syntax : {UID_LittleEndianExplicitTransferSyntax, UID_LittleEndianImplicitTransferSyntax})
         syntaxes.push_back(syntax);
     scu.addPresentationContext(UID_FINDModalityWorklistInformationModel, syntaxes);
 }
 
 /// Asks one question on one association. The answer says how many data sets lie in the folder.
 template <class Scu>
-json Ask(SavingScu<Scu>& scu, const WorklistAddress& server, const WorklistCall& call,
-         const WorklistKeys& keys) {
+json Ask(SavingScu<Scu>& scu, const WorklistAddress& server, const WorklistCall& call, const WorklistKeys& keys) {
     const NetworkLog& networkLog = NetworkLog::Start();
     const auto require = [&](const OFCondition& condition) {
         if (condition.bad()) Refuse(server, ReasonOf(condition, networkLog.text, server, call));
@@ -209,13 +234,49 @@ json Ask(SavingScu<Scu>& scu, const WorklistAddress& server, const WorklistCall&
     return {{"saved", scu.saved}, {"cut", scu.cut}};
 }
 
+/// A client that encrypts, and takes only a server whose certificate is valid for the host that was named.
+class EncryptingScu : public DcmSCU {
+public:
+    EncryptingScu() : layer_(NET_REQUESTOR, nullptr, OFTrue) {}
+
+    /// Prepares the encryption, before anything is connected. Throws `std::runtime_error`.
+    void Encrypt(const WorklistAddress& server, const WorklistCall& call) {
+        const auto require = [&](const OFCondition& condition) {
+            if (condition.bad()) Refuse(server, condition.text());
+        };
+        const std::string authorities = call.authorities.empty() ? SystemAuthorities : call.authorities;
+        require(layer_.setTLSProfile(TSP_Profile_BCP195));
+        require(layer_.activateCipherSuites());
+        require(layer_.addTrustedCertificateFile(authorities.c_str(), DCF_Filetype_PEM));
+        if (!call.certificate.empty()) {
+            require(layer_.setPrivateKeyFile(call.key.c_str(), DCF_Filetype_PEM));
+            require(layer_.setCertificateFile(call.certificate.c_str(), DCF_Filetype_PEM));
+        }
+        layer_.setCertificateVerification(DCV_requireCertificate);
+        RequireHost(server);
+    }
+
+    OFCondition initNetwork() override {
+        const OFCondition ready = DcmSCU::initNetwork();
+        return ready.bad() ? ready : useSecureConnection(&layer_);
+    }
+
+private:
+    void RequireHost(const WorklistAddress& server) {
+        X509_VERIFY_PARAM* const wanted = SSL_CTX_get0_param(layer_.getNativeHandle());
+        X509_VERIFY_PARAM_set_hostflags(wanted, X509_CHECK_FLAG_NO_PARTIAL_WILDCARDS);
+        if (X509_VERIFY_PARAM_set1_ip_asc(wanted, server.host.c_str()) != 1 &&
+            X509_VERIFY_PARAM_set1_host(wanted, server.host.c_str(), 0) != 1)
+            Refuse(server, "its host name can't be compared with a certificate");
+    }
+
+    DcmTLSTransportLayer layer_;
+};
+
 json AskEncrypted(const WorklistAddress& server, const WorklistCall& call, const WorklistKeys& keys,
                   const fs::path& folder) {
-    SavingScu<DcmTLSSCU> scu(folder, call.mostAnswers);
-    scu.addTrustedCertFile(call.authorities.empty() ? SystemAuthorities : call.authorities);
-    if (!call.certificate.empty())
-        scu.enableAuthentication(call.key, call.certificate, nullptr, DCF_Filetype_PEM, DCF_Filetype_PEM);
-    scu.setPeerCertVerification(DCV_requireCertificate);
+    SavingScu<EncryptingScu> scu(folder, call.mostAnswers);
+    scu.Encrypt(server, call);
     return Ask(scu, server, call, keys);
 }
 
@@ -282,20 +343,17 @@ std::optional<WorklistAddress> WorklistAddress::Of(const std::string& text) {
 
 std::string WorklistAddress::Text() const { return fmt::format("{}@{}:{}", title, host, port); }
 
-WorklistAnswer AskWorklist(const WorklistAddress& server, const WorklistCall& call,
-                           const WorklistKeys& keys) {
+WorklistAnswer AskWorklist(const WorklistAddress& server, const WorklistCall& call, const WorklistKeys& keys) {
     const TemporaryFolder folder;
     WorkerPool pool([&](const std::string&) { return AskInto(folder.Path(), server, call, keys); }, 1,
                     {.seconds = call.seconds});
     pool.Submit({});
     const auto worked = pool.Next([] { return false; });
     if (worked->outOfTime)
-        Refuse(server,
-               fmt::format("it didn't finish its answer within {:g} seconds; ask for fewer entries, or for "
-                           "longer with --timeout",
-                           call.seconds));
-    if (!worked->failure.empty())
-        Refuse(server, "its answer can't be read: it is damaged, or nested too deeply");
+        Refuse(server, fmt::format("it didn't finish its answer within {:g} seconds; ask for fewer entries, or for "
+                                   "longer with --timeout",
+                                   call.seconds));
+    if (!worked->failure.empty()) Refuse(server, "its answer can't be read: it is damaged, or nested too deeply");
     const json told = json::parse(worked->bytes);
     if (told.contains("failure")) throw std::runtime_error(told["failure"].get<std::string>());
     WorklistAnswer answer;
