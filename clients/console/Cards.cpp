@@ -43,12 +43,12 @@ void ShowCards(Program& program, const std::string& patient) {
             images = {entry.Series->ImgCount, entry.Series->Approved};
         else if (const auto card = cards.find(entry.Imagecard->ICID); card != cards.end())
             images = card->second;
-        shown.Add({entry.Key, entry.Series ? "series" : "card", DateText(entry.SortDate()), NameOf(entry),
-                   images.count, images.approved, PlaceOf(entry), nullptr});
+        shown.Add({entry.Key, entry.Series ? "series" : "card", DateText(entry.SortDate()), NameOf(entry), images.count,
+                   images.approved, PlaceOf(entry), nullptr});
     }
     for (const UnreadEntry& entry : list.damaged)
-        shown.Add({entry.Key, entry.Key.starts_with("SE") ? "series" : "card", nullptr, nullptr, nullptr,
-                   nullptr, nullptr, DamageOf(entry.Failure)});
+        shown.Add({entry.Key, entry.Key.starts_with("SE") ? "series" : "card", nullptr, nullptr, nullptr, nullptr,
+                   nullptr, DamageOf(entry.Failure)});
     if (!list.damaged.empty()) program.exitCode = PartlyDone;
     if (options.json)
         return PrintJson({{"patient", list.patient->PatientID},
@@ -68,12 +68,11 @@ void SaveSeriesAsCard(const Options& options, Long number, const std::string& na
     const Ref<cImages> images = New<cImages>();
     const Long count = images->LoadReadable(database.Con(), iootSeries, number);
     RequireComplete(*images);
-    if (count == 0)
-        throw UserError(fmt::format("series {} has no images, so there is nothing to store", number));
+    if (count == 0) throw UserError(fmt::format("series {} has no images, so there is nothing to store", number));
     series->SeriesName = name.empty() ? Undoubled(series->SeriesDescription) : name;
     series->SaveAsIC(database.Con(), images);
-    const Long card = database.Number(
-        sql("SELECT max(ImageCardID) FROM ImageCard_T WHERE PatientID = ", images->Item(1)->PatID));
+    const Long card =
+        database.Number(sql("SELECT max(ImageCardID) FROM ImageCard_T WHERE PatientID = ", images->Item(1)->PatID));
     transaction.Commit();
     if (options.json) return PrintJson({{"card", fmt::format("IC{}", card)}, {"images", images->Count()}});
     fmt::print("Series {} is stored as card IC{}, with {} images.\n", number, card, images->Count());
@@ -87,20 +86,17 @@ void AddSaveAsCard(Program& program) {
     auto* command = program.app.get_subcommand("series")->add_subcommand(
         "save-as-card", "store a series as an image card, as it hangs");
     command->add_option("SERIES", given->series, "number of a series")->required();
-    command->add_option("--name", given->name, "name of the card; default: the series' description")
-        ->type_name("NAME");
+    command->add_option("--name", given->name, "name of the card; default: the series' description")->type_name("NAME");
     command->footer("Example: oxclass series save-as-card 18 --name \"Full mouth 2024\"");
-    command->callback([&program, given] {
-        SaveSeriesAsCard(program.options, NumberOf(given->series, "a series"), given->name);
-    });
+    command->callback(
+        [&program, given] { SaveSeriesAsCard(program.options, NumberOf(given->series, "a series"), given->name); });
 }
 
 }  // namespace
 
 void AddCards(Program& program) {
     const auto patient = std::make_shared<std::string>();
-    auto* cards =
-        program.app.add_subcommand("cards", "list a patient's image cards and series, newest first");
+    auto* cards = program.app.add_subcommand("cards", "list a patient's image cards and series, newest first");
     cards->add_option("PATIENT", *patient, "the patient's ID, or # and the number")->required();
     cards->footer(
         "Series without images that nobody captures any more are removed on the way. Cards and series that "

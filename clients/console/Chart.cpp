@@ -69,8 +69,7 @@ std::vector<std::u16string> Lines(Long number, const std::string& label, int wid
         for (const std::string& word : SplitIgnoringCase(Printable(line), " ")) {
             const std::u16string next = ToUtf16(word);
             std::u16string& last = lines.back();
-            const bool fits =
-                last.empty() || last.size() + 1 + next.size() <= static_cast<std::size_t>(width);
+            const bool fits = last.empty() || last.size() + 1 + next.size() <= static_cast<std::size_t>(width);
             if (fits)
                 last += (last.empty() ? u"" : u" ") + next;
             else
@@ -119,8 +118,7 @@ struct Remarks {
 
     void Print() const {
         const auto print = [](const char* what, const std::vector<std::string>& images) {
-            if (!images.empty())
-                fmt::print("{}: {}\n", what, Printable(fmt::format("{}", fmt::join(images, "; "))));
+            if (!images.empty()) fmt::print("{}: {}\n", what, Printable(fmt::format("{}", fmt::join(images, "; "))));
         };
         print("Hanging nowhere", unplaced);
         print("Placed by time only, as nothing of their anatomy is known", byTimeOnly);
@@ -160,9 +158,8 @@ bool PrintHungSeries(const Database& database, Long number) {
         const std::string label = Label(image, remarks);
         if (image.FrameNumber > 0) labels[image.FrameNumber] = label;
     }
-    fmt::print("Series {}: {}, {} images, layout {} {}\n", number,
-               Printable(Undoubled(series->SeriesDescription)), series->ImgCount, series->TemplateID,
-               Printable(layout->TCName));
+    fmt::print("Series {}: {}, {} images, layout {} {}\n", number, Printable(Undoubled(series->SeriesDescription)),
+               series->ImgCount, series->TemplateID, Printable(layout->TCName));
     fmt::print("{}", ChartOf(*layout, labels));
     remarks.Print();
     return remarks.damaged.empty();

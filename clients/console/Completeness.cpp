@@ -1,6 +1,5 @@
 #include "console/Completeness.h"
-
-#include "frame/Reading.h"
+#include "frame/Statement.h"
 
 #include <fmt/format.h>
 
@@ -26,10 +25,11 @@ std::string LineOn(const std::string& row, const Error& failure) {
 }
 
 StoredComment CommentOf(const Ref<Recordset>& row) {
-    StoredComment comment{.number = row->Fields("CommentID").As<Long>()};
+    StoredComment comment;
+    comment.number = row->Fields("CommentID").As<Long>();
     const auto read = [&](const char* column, auto& member) {
         try {
-            member = Required<std::remove_reference_t<decltype(member)>>(row, column);
+            member = ValueOf<std::remove_reference_t<decltype(member)>>(row, column);
         } catch (const Error& failure) {
             if (comment.damage.empty()) comment.damage = DamageOf(failure);
         }

@@ -37,15 +37,14 @@ std::pair<double, double> PairOf(const std::string& text, const char* what) {
         if (!whole || i == 1 || *result.ptr != ',') break;
         at = result.ptr + 1;
     }
-    throw UserError(fmt::format(
-        "\"{}\" is no {}; write fractions of the card as in 0.5,0.25, or one number for both", text, what));
+    throw UserError(
+        fmt::format("\"{}\" is no {}; write fractions of the card as in 0.5,0.25, or one number for both", text, what));
 }
 
 std::pair<Long, Long> CanvasOf(const std::string& text) {
     const auto cross = text.find_first_of("xX");
     const Long width = NumberOf(text.substr(0, cross), "a canvas (write 1000x700)");
-    const Long height =
-        NumberOf(cross == std::string::npos ? "" : text.substr(cross + 1), "a canvas (write 1000x700)");
+    const Long height = NumberOf(cross == std::string::npos ? "" : text.substr(cross + 1), "a canvas (write 1000x700)");
     constexpr Long largest = 100'000;
     if (width < 1 || height < 1 || width > largest || height > largest)
         throw UserError("a canvas has a width and a height above 0, and at most 100000");
@@ -66,8 +65,8 @@ public:
     cImagecardAttribute& Placed(const std::string& number) {
         const String key = "K" + CStr(NumberOf(number, "a placed image"));
         if (!card_->ImagecardAttributes->HasKey(key))
-            throw UserError(fmt::format("card IC{0} has no placed image {1}; see: oxclass card show IC{0}",
-                                        card_->ICID, number));
+            throw UserError(
+                fmt::format("card IC{0} has no placed image {1}; see: oxclass card show IC{0}", card_->ICID, number));
         return *To<Ref<cImagecardAttribute>>(card_->ImagecardAttributes->Item(key));
     }
 
@@ -110,8 +109,8 @@ void PutAt(cImagecardAttribute& placed, const std::string& at, const std::string
 }
 
 bool Overlap(const cImagecardAttribute& a, const cImagecardAttribute& b) {
-    return a.IAPosX < b.IAPosX + b.IAWidth && b.IAPosX < a.IAPosX + a.IAWidth &&
-           a.IAPosY < b.IAPosY + b.IAHeight && b.IAPosY < a.IAPosY + a.IAHeight;
+    return a.IAPosX < b.IAPosX + b.IAWidth && b.IAPosX < a.IAPosX + a.IAWidth && a.IAPosY < b.IAPosY + b.IAHeight &&
+           b.IAPosY < a.IAPosY + a.IAHeight;
 }
 
 /// The first cell of the grid, from `cell` on, that nothing lies on; `cell` becomes the one behind it.
@@ -160,8 +159,7 @@ Ref<cImageManipulation> ManipulationOf(const std::string& text) {
     const std::string name = text.substr(0, equals);
     Ref<cImageManipulation> step = New<cImageManipulation>();
     for (const EnumerationValue& value : EnumerationOf<ManipulationType>::Values)
-        if (EqualsIgnoringCase(value.Name, name))
-            step->ManipulationType = static_cast<ManipulationType>(value.Value);
+        if (EqualsIgnoringCase(value.Name, name)) step->ManipulationType = static_cast<ManipulationType>(value.Value);
     if (step->ManipulationType == ManCosmetic)
         throw UserError(
             "a cosmetic manipulation belongs to the program that makes its file; it can't be recorded here");
@@ -200,8 +198,7 @@ struct Move {
 
 void MoveImage(const Options& options, const std::string& key, const std::string& number, const Move& move) {
     if (move.turn % 90 != 0) throw UserError("an image turns by 90, 180 or 270 degrees, clockwise");
-    if (move.at.empty() && move.size.empty() && !move.comment && move.turn == 0 && !move.mirror &&
-        move.records.empty())
+    if (move.at.empty() && move.size.empty() && !move.comment && move.turn == 0 && !move.mirror && move.records.empty())
         throw UserError("nothing to change; oxclass card move --help tells what can be");
     const Database database(options);
     CardComposer composing(database, key);
@@ -323,10 +320,8 @@ void AddComposing(Program& program) {
         command->add_option("CARD", given->key, "an image card, as IC5")->required();
     };
     const auto placing = [&](CLI::App* command) {
-        command->add_option("--at", given->at, "upper left corner, in fractions of the card")
-            ->type_name("X,Y");
-        command->add_option("--size", given->size, "width and height, in fractions of the card")
-            ->type_name("W,H");
+        command->add_option("--at", given->at, "upper left corner, in fractions of the card")->type_name("X,Y");
+        command->add_option("--size", given->size, "width and height, in fractions of the card")->type_name("W,H");
     };
 
     auto* fresh = card->add_subcommand("new", "make an empty card");
@@ -343,21 +338,17 @@ void AddComposing(Program& program) {
     add->add_option("IMAGE", given->numbers, "numbers of images of the same patient")->required();
     placing(add);
     add->footer("Example: oxclass card add IC1 12 --at 0.5,0.1 --size 0.4,0.3");
-    add->callback(
-        [&options, given] { AddImages(options, given->key, given->numbers, given->at, given->size); });
+    add->callback([&options, given] { AddImages(options, given->key, given->numbers, given->at, given->size); });
 
-    auto* move =
-        card->add_subcommand("move", "move, size, turn or mirror a placed image, record manipulations");
+    auto* move = card->add_subcommand("move", "move, size, turn or mirror a placed image, record manipulations");
     cardArgument(move);
     move->add_option("PLACED", given->placed, "number of a placed image, as card show tells")->required();
     placing(move);
-    move->add_option("--turn", given->move.turn, "turn clockwise by 90, 180 or 270 degrees")
-        ->type_name("DEGREES");
+    move->add_option("--turn", given->move.turn, "turn clockwise by 90, 180 or 270 degrees")->type_name("DEGREES");
     move->add_flag("--mirror", given->move.mirror, "mirror left to right, before it is turned");
     move->add_option("--record", given->move.records, "record a manipulation, as ManContrast=10")
         ->type_name("NAME=NUMBER,TEXT");
-    auto* comment =
-        move->add_option("--comment", given->comment, "a comment on the placed image")->type_name("TEXT");
+    auto* comment = move->add_option("--comment", given->comment, "a comment on the placed image")->type_name("TEXT");
     move->footer("Example: oxclass card move IC1 3 --turn 90 --at 0.2,0.2");
     move->callback([&options, given, comment] {
         if (comment->count() > 0) given->move.comment = given->comment;

@@ -18,8 +18,7 @@ std::string DatabaseOf(const Options& options) {
     if (!options.database.empty()) return options.database;
     const char* const fromEnvironment = std::getenv("OXCLASS_DB");
     if (fromEnvironment && *fromEnvironment) return fromEnvironment;
-    throw UserError(
-        "no database is named; use --db FILE or set OXCLASS_DB, or make one with: oxclass init clinic.db");
+    throw UserError("no database is named; use --db FILE or set OXCLASS_DB, or make one with: oxclass init clinic.db");
 }
 
 bool IsConnectionString(const std::string& database) { return Contains(LCase(database), "provider="); }
@@ -79,9 +78,8 @@ class Database::Trace final : public ADODB::ConnectionEvents {
 public:
     void ExecuteComplete(const ADODB::ExecuteReport& report) override {
         const std::string outcome =
-            report.Failure
-                ? "failed: " + report.Failure->Description
-                : fmt::format("{} rows", report.RecordsAffected >= 0 ? report.RecordsAffected : report.Rows);
+            report.Failure ? "failed: " + report.Failure->Description
+                           : fmt::format("{} rows", report.RecordsAffected >= 0 ? report.RecordsAffected : report.Rows);
         fmt::print(stderr, "[{:8.3f} ms, {}] {}\n", report.Seconds * 1000, outcome, report.Source);
     }
     void BeginTransComplete(Long level) override { fmt::print(stderr, "[begin transaction {}]\n", level); }
@@ -99,8 +97,7 @@ Database::Database(const Options& options) : con_(New<Connection>()) {
     const std::string database = DatabaseOf(options);
     try {
         const ADODB::ConnectionString settings(ConnectionStringOf(database));
-        if (EqualsIgnoringCase(settings.Value("Provider"), "SQLite"))
-            RequireClinicFile(settings.Value("Data Source"));
+        if (EqualsIgnoringCase(settings.Value("Provider"), "SQLite")) RequireClinicFile(settings.Value("Data Source"));
         OpenAsAllowed(con_, database);
         RequireClinic(con_, database);
     } catch (const Error& failure) {
@@ -153,8 +150,7 @@ void WithoutTextBoxes(const std::function<void()>& work) {
 void ComplainOfTextBoxes(const std::function<void()>& work) {
     std::string told;
     {
-        const TextBoxes boxes(
-            [&](const String& prompt, Long) { told += (told.empty() ? "" : "; ") + prompt; });
+        const TextBoxes boxes([&](const String& prompt, Long) { told += (told.empty() ? "" : "; ") + prompt; });
         work();
     }
     if (!told.empty()) throw UserError(told);
@@ -180,8 +176,7 @@ void RunScript(const Ref<Connection>& con, std::string_view script) {
 
 fs::path StoredPath(const std::string& root, const std::string& storedName) {
     const std::string file = OXClass::FileBelow(root, storedName);
-    if (file.empty())
-        throw UserError(fmt::format("the stored file name \"{}\" leads out of its root", storedName));
+    if (file.empty()) throw UserError(fmt::format("the stored file name \"{}\" leads out of its root", storedName));
     return file;
 }
 

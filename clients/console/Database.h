@@ -1,6 +1,7 @@
 #pragma once
 
 #include "console/Output.h"
+#include "platform/adodb/Recordset.h"
 
 #include <filesystem>
 #include <functional>
@@ -48,6 +49,18 @@ private:
     Ref<Connection> con_;
     std::unique_ptr<Trace> trace_;
 };
+
+/// Returns the value of a column of the current row. Raises 94 for a null, 13 or 6 for a value that can't be converted,
+/// 3265 for a missing column; the failure names the column.
+template <class T>
+T ValueOf(const Ref<Recordset>& row, std::string_view column) {
+    try {
+        return row->Fields(column).template As<T>();
+    } catch (Platform::Error& failure) {
+        if (failure.Column.empty()) failure.Column = column;
+        throw;
+    }
+}
 
 /// A description as a person wrote it. The library stores each quote of it doubled and gives it back so;
 /// saving what was loaded would double it again.

@@ -34,12 +34,11 @@ void RequireReachable(const fs::path& file) {
                 fmt::format("there is no folder {}; look at the name of the database, or make the "
                             "folder and a database in it with: oxclass init {}",
                             folder.string(), file.string()));
-        throw UserError(
-            fmt::format("there is no database {0}; make one with: oxclass init {0}", file.string()));
+        throw UserError(fmt::format("there is no database {0}; make one with: oxclass init {0}", file.string()));
     }
     if (failure)
-        throw UserError(fmt::format("{} can't be reached ({}); look at the rights of its folders",
-                                    file.string(), failure.message()));
+        throw UserError(fmt::format("{} can't be reached ({}); look at the rights of its folders", file.string(),
+                                    failure.message()));
     if (status.type() != fs::file_type::regular)
         throw UserError(fmt::format("{} is not a file; name the database itself", file.string()));
 }
@@ -50,8 +49,8 @@ public:
     explicit Header(const fs::path& file) {
         std::ifstream in(file, std::ios::binary);
         if (!in)
-            throw UserError(fmt::format("{} can't be read ({}); see that you may read it", file.string(),
-                                        std::strerror(errno)));
+            throw UserError(
+                fmt::format("{} can't be read ({}); see that you may read it", file.string(), std::strerror(errno)));
         in.read(bytes_.data(), static_cast<std::streamsize>(bytes_.size()));
         length_ = static_cast<std::size_t>(in.gcount());
     }
@@ -67,8 +66,7 @@ public:
 private:
     Long NumberAt(std::size_t at) const {
         std::uint32_t number = 0;
-        for (std::size_t i = at; i < at + 4; ++i)
-            number = number << 8U | static_cast<unsigned char>(bytes_[i]);
+        for (std::size_t i = at; i < at + 4; ++i) number = number << 8U | static_cast<unsigned char>(bytes_[i]);
         return static_cast<Long>(number);
     }
 
@@ -80,8 +78,7 @@ private:
 
 void RequireMarks(const std::string& name, Long mark, Long version) {
     if (mark != ApplicationMark)
-        throw UserError(
-            fmt::format("{} is no clinic database; make one under another name with: oxclass init", name));
+        throw UserError(fmt::format("{} is no clinic database; make one under another name with: oxclass init", name));
     if (version > KnownVersion)
         throw UserError(
             fmt::format("{} was made by a newer program (tables of version {}, this program knows {}); "
@@ -102,9 +99,8 @@ bool IsClinicFile(const fs::path& file) {
         throw UserError(
             fmt::format("{} is empty; make a database under another name with: oxclass init", file.string()));
     if (!header.IsDatabase())
-        throw UserError(
-            fmt::format("{} can't be opened: file is not a database; name a file that oxclass init has made",
-                        file.string()));
+        throw UserError(fmt::format(
+            "{} can't be opened: file is not a database; name a file that oxclass init has made", file.string()));
     if (header.Mark() == ApplicationMark && header.Version() <= KnownVersion) return true;
     if (HasLog(file)) return false;
     RequireMarks(file.string(), header.Mark(), header.Version());
@@ -118,8 +114,7 @@ std::string ExplanationOf(const Error& failure) {
     constexpr Long primary = 0xFF;
     switch (failure.Provider.empty() ? 0 : failure.NativeError & primary) {
         case Busy: return with("another program keeps the database locked; run the command again");
-        case DiskFailed:
-            return with("the database can't be read or written; look at the disk, and at its free space");
+        case DiskFailed: return with("the database can't be read or written; look at the disk, and at its free space");
         case Damaged:
             return with(
                 "the database is damaged; restore it from a backup, or save what can still be read "

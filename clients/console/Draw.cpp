@@ -20,8 +20,7 @@ std::size_t TellMissing(const Page& page) {
     std::size_t missing = 0;
     for (const PlacedPicture& placed : page.pictures) {
         if (placed.picture) continue;
-        fmt::print(stderr, "oxclass: no picture for {}: {}\n", Printable(placed.caption),
-                   Printable(placed.missing));
+        fmt::print(stderr, "oxclass: no picture for {}: {}\n", Printable(placed.caption), Printable(placed.missing));
         ++missing;
     }
     return missing;
@@ -31,8 +30,7 @@ void Draw(Program& program, const std::string& key, const std::string& file, uns
           const DrawingOptions& drawing) {
     const bool png = EndsIn(file, ".png");
     if (!png && !EndsIn(file, ".svg"))
-        throw UserError(
-            fmt::format("\"{}\" is no name of a drawing; end it with .svg or .png", Printable(file)));
+        throw UserError(fmt::format("\"{}\" is no name of a drawing; end it with .svg or .png", Printable(file)));
     const Database database(program.options);
     const auto entry = OpenEntry(database, key);
     // The placed images behind one that can't be read are not known: the drawing would look whole.
@@ -88,17 +86,14 @@ void AddDrawing(Program& program) {
         ->type_name("PIXELS");
     draw->add_flag("--numbers", given->drawing.numbers, "write each image's frame or place at it");
     draw->add_flag("--empty", given->drawing.empty, "outline the slots that show no image");
-    draw->footer(
-        "Exit code 3: some pictures are missing.\nExample: oxclass draw SE18 -o mouth.png --numbers");
-    draw->callback(
-        [&program, given] { Draw(program, given->key, given->file, given->width, given->drawing); });
+    draw->footer("Exit code 3: some pictures are missing.\nExample: oxclass draw SE18 -o mouth.png --numbers");
+    draw->callback([&program, given] { Draw(program, given->key, given->file, given->width, given->drawing); });
 
     auto* report = program.app.add_subcommand(
         "report", "write a page on a patient with all cards and series, for a browser or for paper");
     report->add_option("PATIENT", given->key, "the patient's ID, or # and the number")->required();
     report->add_option("-o,--output", given->file, "file to write")->required()->type_name("FILE.html");
-    report->footer(
-        "Exit code 3: some pictures are missing.\nExample: oxclass report TEST-FMX18 -o report.html");
+    report->footer("Exit code 3: some pictures are missing.\nExample: oxclass report TEST-FMX18 -o report.html");
     report->callback([&program, given] { Report(program, given->key, given->file); });
 }
 

@@ -19,8 +19,7 @@ struct TextField {
 /// Name and value of "FIELD=VALUE". Throws `UserError` for a text that is none.
 inline std::pair<std::string, std::string> AssignmentOf(const std::string& text) {
     const auto equals = text.find('=');
-    if (equals == std::string::npos)
-        throw UserError(fmt::format("\"{}\" sets nothing; write FIELD=VALUE", text));
+    if (equals == std::string::npos) throw UserError(fmt::format("\"{}\" sets nothing; write FIELD=VALUE", text));
     return {text.substr(0, equals), text.substr(equals + 1)};
 }
 
@@ -38,8 +37,7 @@ bool SetText(Record& record, std::span<const TextField<Record>> fields, const st
 
 /// Adds the texts to what is shown of the record.
 template <class Record>
-void AddTexts(nlohmann::ordered_json& shown, const Record& record,
-              std::span<const TextField<Record>> fields) {
+void AddTexts(nlohmann::ordered_json& shown, const Record& record, std::span<const TextField<Record>> fields) {
     for (const TextField<Record>& field : fields) shown[field.name] = record.*field.text;
 }
 

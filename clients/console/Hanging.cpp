@@ -20,9 +20,7 @@ using namespace OXClass;
 
 using Hung = std::tuple<Long, String, String, String>;
 
-Hung Placing(const cImage& image) {
-    return {image.FrameNumber, image.Laterality, image.AnaRegion, image.AnaRegionMod};
-}
+Hung Placing(const cImage& image) { return {image.FrameNumber, image.Laterality, image.AnaRegion, image.AnaRegionMod}; }
 
 /// The images that belong into a layout of films, in the order in which they were taken. The others are
 /// photographs; their frame is cleared.
@@ -50,15 +48,14 @@ Ref<Collection> FilmsOf(const cImages& images) {
 void StorePlacing(const Ref<Connection>& con, const cImage& image) {
     con->Execute(sql("UPDATE ImageBild_T SET FrameNumber_INT=", Long{image.FrameNumber}, ", Laterality='",
                      FixSqlString(image.Laterality), "', AnaRegion='", FixSqlString(image.AnaRegion),
-                     "', AnaRegionMod='", FixSqlString(image.AnaRegionMod),
-                     "' WHERE ImageBildID=", image.ID));
+                     "', AnaRegionMod='", FixSqlString(image.AnaRegionMod), "' WHERE ImageBildID=", image.ID));
 }
 
 /// The same of a series. The documented save does nothing, and tells nobody, for a series without UID or
 /// study.
 void StoreLayout(const Ref<Connection>& con, const cSerie& series) {
-    con->Execute(sql("UPDATE Series_T SET template_ID=", series.TemplateID,
-                     ", NumberOfImages=", series.ImgCount, " WHERE Series_ID=", series.ID));
+    con->Execute(sql("UPDATE Series_T SET template_ID=", series.TemplateID, ", NumberOfImages=", series.ImgCount,
+                     " WHERE Series_ID=", series.ID));
 }
 
 /// Hangs an image as one without teeth if its tooth string is none, which would fail the whole series.
@@ -122,8 +119,7 @@ HungSeries HangStored(const Ref<Connection>& con, Long number) {
 
 void AddHanging(Program& program) {
     const auto series = std::make_shared<std::string>();
-    auto* command =
-        program.app.add_subcommand("hang", "lay a series out anew and store where its images hang");
+    auto* command = program.app.add_subcommand("hang", "lay a series out anew and store where its images hang");
     command->add_option("SERIES", *series, "number of a series")->required();
     command->footer("Example: oxclass hang 1");
     command->callback([&program, series] { Hang(program.options, NumberOf(*series, "a series")); });

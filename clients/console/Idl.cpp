@@ -15,8 +15,7 @@ void AddIdl(Program& program) {
     idl->add_option("-o,--output", *file, "write it to this file")->type_name("FILE.idl");
     idl->footer("Example: oxclass idl -o OXClass.idl");
     idl->callback([file, &program] {
-        const std::string text =
-            program.options.json ? OXClass::TypeLibraryJson() : OXClass::TypeLibraryText();
+        const std::string text = program.options.json ? OXClass::TypeLibraryJson() : OXClass::TypeLibraryText();
         if (file->empty()) return fmt::print("{}", text);
         WriteWholeFile(*file, text);
     });

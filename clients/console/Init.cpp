@@ -37,8 +37,8 @@ void Fill(const fs::path& file, const fs::path& root, const std::string& databas
     if (!database.empty())
         con->Execute(sql("INSERT INTO ClinicIdentity_T (Identity) VALUES ('", FixSqlString(database), "')"));
     StorageRoots(con).Create(root);
-    con->Execute(sql("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, '",
-                     FixSqlString(root.string()), "', 1);"));
+    con->Execute(
+        sql("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, '", FixSqlString(root.string()), "', 1);"));
     con->CommitTrans();
     con->Close();
 }
@@ -60,18 +60,16 @@ void PutAside(const fs::path& file, bool replace) {
     const fs::path aside = file.string() + ".old", log = file.string() + "-wal";
     if (fs::exists(file)) {
         if (!replace)
-            throw UserError(fmt::format(
-                "{} exists already and stays as it is; name another file, or use --replace to put "
-                "it aside as {}",
-                file.string(), aside.string()));
-        if (fs::exists(aside))
-            throw UserError(fmt::format("{} exists already; move it away first", aside.string()));
+            throw UserError(
+                fmt::format("{} exists already and stays as it is; name another file, or use --replace to put "
+                            "it aside as {}",
+                            file.string(), aside.string()));
+        if (fs::exists(aside)) throw UserError(fmt::format("{} exists already; move it away first", aside.string()));
         Settle(file);
     }
     if (fs::exists(log))
-        throw UserError(
-            fmt::format("{} belongs to a database in use; close the programs that use it, or move it away",
-                        log.string()));
+        throw UserError(fmt::format("{} belongs to a database in use; close the programs that use it, or move it away",
+                                    log.string()));
     if (fs::exists(file)) fs::rename(file, aside);
 }
 
@@ -85,8 +83,8 @@ void Init(const std::string& name, const std::string& rootName, bool replace) {
     Fill(made.Made(), root, replace ? ClinicOf(file) : std::string());
     PutAside(file, replace);
     made.Finish();
-    fmt::print("{} is ready; images go to {}\nNext: oxclass --db {} import FOLDER\n", file.string(),
-               root.string(), name);
+    fmt::print("{} is ready; images go to {}\nNext: oxclass --db {} import FOLDER\n", file.string(), root.string(),
+               name);
 }
 
 }  // namespace
@@ -97,11 +95,9 @@ void AddInit(Program& program) {
         bool replace = false;
     };
     const auto given = std::make_shared<Arguments>();
-    auto* command =
-        program.app.add_subcommand("init", "make a database with the standard layouts and a storage root");
+    auto* command = program.app.add_subcommand("init", "make a database with the standard layouts and a storage root");
     command->add_option("FILE", given->file, "the database to make")->required();
-    command
-        ->add_option("--root", given->root, "folder for the image files; default: images beside the database")
+    command->add_option("--root", given->root, "folder for the image files; default: images beside the database")
         ->type_name("DIR");
     command->add_flag("--replace", given->replace, "put an existing database aside as FILE.old first");
     command->footer("Example: oxclass init clinic.db --root /srv/images");

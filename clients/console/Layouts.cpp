@@ -35,16 +35,10 @@ void ShowLayout(const Options& options, Long number) {
         fmt::print("Layout {}: {}\n{}", number, Printable(layout->TCName), ChartOf(*layout, labels));
         return;
     }
-    List list({{"frame", ""},
-               {"sequence", ""},
-               {"x", ""},
-               {"y", ""},
-               {"width", ""},
-               {"height", ""},
-               {"group", ""}});
+    List list({{"frame", ""}, {"sequence", ""}, {"x", ""}, {"y", ""}, {"width", ""}, {"height", ""}, {"group", ""}});
     for (const auto& slot : Each<cTemplateAttribute>(*layout->TemplateAttributes))
-        list.Add({slot.TANumberInTemplate, slot.TASequence, slot.TAPosX, slot.TAPosY, slot.TAWidth,
-                  slot.TAHeight, slot.TAADName});
+        list.Add({slot.TANumberInTemplate, slot.TASequence, slot.TAPosX, slot.TAPosY, slot.TAWidth, slot.TAHeight,
+                  slot.TAADName});
     list.Print(true, "");
 }
 

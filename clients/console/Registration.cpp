@@ -38,8 +38,7 @@ std::string FailureText(const char* otherwise) {
 void Register(const std::string& named) {
     const std::string library = LibraryOf(named);
     RequireFile(library);
-    if (FAILED(LibraryFile(library).RegisterServer()))
-        throw UserError(FailureText("the registration failed"));
+    if (FAILED(LibraryFile(library).RegisterServer())) throw UserError(FailureText("the registration failed"));
     fmt::print("Registered {} in {}\n", library, Platform::ClassRegistry::File().string());
 }
 
@@ -67,8 +66,7 @@ CLI::App* AddLibraryCommand(Program& program, const char* name, const char* desc
                             void (*run)(const std::string&)) {
     const auto library = std::make_shared<std::string>();
     auto* command = program.app.add_subcommand(name, description);
-    command
-        ->add_option("library", *library, "the library file (default: the one that came with this program)")
+    command->add_option("library", *library, "the library file (default: the one that came with this program)")
         ->type_name("LIBRARY");
     command->callback([library, run] { run(*library); });
     return command;
@@ -77,18 +75,16 @@ CLI::App* AddLibraryCommand(Program& program, const char* name, const char* desc
 }  // namespace
 
 void AddRegistration(Program& program) {
-    AddLibraryCommand(
-        program, "register",
-        "make the library's classes known by name to all programs of this user; needs no database", Register)
+    AddLibraryCommand(program, "register",
+                      "make the library's classes known by name to all programs of this user; needs no database",
+                      Register)
         ->footer(
             "They are written to the file that OXCLASS_REGISTRY names, else to oxclass/classes.json in the "
             "user's "
             "data folder.\nExample: oxclass register");
-    AddLibraryCommand(program, "unregister", "take the library's classes out again; needs no database",
-                      Unregister)
+    AddLibraryCommand(program, "unregister", "take the library's classes out again; needs no database", Unregister)
         ->footer("Example: oxclass unregister");
-    auto* classes =
-        program.app.add_subcommand("classes", "list the classes that are registered; needs no database");
+    auto* classes = program.app.add_subcommand("classes", "list the classes that are registered; needs no database");
     classes->footer("Example: oxclass classes --json");
     classes->callback([&program] { ListClasses(program.options); });
 }

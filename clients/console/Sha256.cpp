@@ -15,15 +15,11 @@ void Require(int result) {
 
 void Sha256::Free::operator()(evp_md_ctx_st* context) const { EVP_MD_CTX_free(context); }
 
-Sha256::Sha256() : context_(EVP_MD_CTX_new()) {
-    Require(EVP_DigestInit_ex(context_.get(), EVP_sha256(), nullptr));
-}
+Sha256::Sha256() : context_(EVP_MD_CTX_new()) { Require(EVP_DigestInit_ex(context_.get(), EVP_sha256(), nullptr)); }
 Sha256::~Sha256() = default;
 Sha256::Sha256(Sha256&&) noexcept = default;
 
-void Sha256::Add(const void* bytes, std::size_t size) {
-    Require(EVP_DigestUpdate(context_.get(), bytes, size));
-}
+void Sha256::Add(const void* bytes, std::size_t size) { Require(EVP_DigestUpdate(context_.get(), bytes, size)); }
 
 std::string Sha256::Hex() {
     unsigned char digest[EVP_MAX_MD_SIZE];

@@ -15,12 +15,8 @@ using Json = nlohmann::ordered_json;
 // ---- doctors ----------------------------------------------------------------------------------------
 
 constexpr TextField<cDoctor> DoctorTexts[] = {
-    {"DrLastName", &cDoctor::DrLastName},
-    {"DrFirstName", &cDoctor::DrFirstName},
-    {"DrPrefix", &cDoctor::DrPrefix},
-    {"DrName", &cDoctor::DrName},
-    {"DrContactInfo", &cDoctor::DrContactInfo},
-    {"DrEMail", &cDoctor::DrEMail},
+    {"DrLastName", &cDoctor::DrLastName}, {"DrFirstName", &cDoctor::DrFirstName},     {"DrPrefix", &cDoctor::DrPrefix},
+    {"DrName", &cDoctor::DrName},         {"DrContactInfo", &cDoctor::DrContactInfo}, {"DrEMail", &cDoctor::DrEMail},
     {"DrLogin", &cDoctor::DrLogin},
 };
 
@@ -38,8 +34,7 @@ std::string NameOf(DoctorType type) {
 DoctorType TypeNamed(const std::string& name) {
     for (const auto& known : DoctorTypes)
         if (EqualsIgnoringCase(known.name, name)) return known.type;
-    throw UserError(
-        fmt::format("\"{}\" is no type of doctor; there are unknown, local, remote and web", name));
+    throw UserError(fmt::format("\"{}\" is no type of doctor; there are unknown, local, remote and web", name));
 }
 
 void ListDoctors(const Options& options) {
@@ -49,8 +44,7 @@ void ListDoctors(const Options& options) {
     std::map<Long, Long> patients;
     const Ref<Recordset> counts =
         database.Read("SELECT RespDoctor, count(*) FROM Patient_T WHERE RespDoctor <> 0 GROUP BY RespDoctor");
-    for (; !counts->Eof(); counts->MoveNext())
-        patients[counts->Fields(0).As<Long>()] = counts->Fields(1).As<Long>();
+    for (; !counts->Eof(); counts->MoveNext()) patients[counts->Fields(0).As<Long>()] = counts->Fields(1).As<Long>();
     List list({{"number", "Number"},
                {"last_name", "Last name"},
                {"first_name", "First name"},
@@ -108,8 +102,7 @@ void NewDoctor(const Options& options, const std::vector<std::string>& assignmen
     Store(options, database, *doctor);
 }
 
-void SetDoctor(const Options& options, const std::string& number,
-               const std::vector<std::string>& assignments) {
+void SetDoctor(const Options& options, const std::string& number, const std::vector<std::string>& assignments) {
     const Database database(options);
     const Ref<cDoctor> doctor = LoadDoctor(database, number);
     SetFields(*doctor, assignments);
@@ -127,18 +120,16 @@ void DeleteDoctor(const Options& options, const std::string& number, bool force)
     const Ref<cDoctor> doctor = LoadDoctor(database, number);
     const Long patients = doctor->PatientCount(database.Con());
     if (patients > 0 && !force)
-        throw UserError(fmt::format(
-            "doctor {} is the doctor of {} and was not deleted; set another with: oxclass patient ID "
-            "RespDoctor=NUMBER, or use --force",
-            doctor->drID, patients == 1 ? "1 patient" : fmt::format("{} patients", patients)));
+        throw UserError(
+            fmt::format("doctor {} is the doctor of {} and was not deleted; set another with: oxclass patient ID "
+                        "RespDoctor=NUMBER, or use --force",
+                        doctor->drID, patients == 1 ? "1 patient" : fmt::format("{} patients", patients)));
     doctor->DeleteDoctor(database.Con());
     transaction.Commit();
     if (patients > 0)
         fmt::print(
-            stderr,
-            "oxclass: {} still name{} doctor {}; set another with: oxclass patient ID RespDoctor=NUMBER\n",
-            patients == 1 ? "1 patient" : fmt::format("{} patients", patients), patients == 1 ? "s" : "",
-            doctor->drID);
+            stderr, "oxclass: {} still name{} doctor {}; set another with: oxclass patient ID RespDoctor=NUMBER\n",
+            patients == 1 ? "1 patient" : fmt::format("{} patients", patients), patients == 1 ? "s" : "", doctor->drID);
     if (options.json) return PrintJson({{"deleted", doctor->drID}, {"patients", patients}});
     fmt::print("Doctor {} is deleted.\n", doctor->drID);
 }
@@ -151,8 +142,7 @@ void AddDoctorCommands(Program& program) {
     };
     const auto given = std::make_shared<Arguments>();
     const auto& options = program.options;
-    auto* doctors =
-        program.app.add_subcommand("doctors", "list the doctors by name, with how many patients each has");
+    auto* doctors = program.app.add_subcommand("doctors", "list the doctors by name, with how many patients each has");
     doctors->footer("Example: oxclass doctors --json");
     doctors->callback([&options] { ListDoctors(options); });
 
@@ -161,18 +151,16 @@ void AddDoctorCommands(Program& program) {
     doctor->footer("Example: oxclass doctor new DrLastName=Ek DrFirstName=Anna DrPrefix=Dr");
     const auto numbered = [&](const char* name, const char* what) {
         auto* command = doctor->add_subcommand(name, what);
-        command->add_option("NUMBER", given->number, "number of a doctor, as oxclass doctors tells")
-            ->required();
+        command->add_option("NUMBER", given->number, "number of a doctor, as oxclass doctors tells")->required();
         command->footer(fmt::format("Example: oxclass doctor {} 1{}", name,
                                     std::string_view(name) == "set" ? " DrType=remote" : ""));
         return command;
     };
     const auto fields = [&](CLI::App* command) {
         command
-            ->add_option(
-                "FIELD=VALUE", given->assignments,
-                "fields to set: DrLastName, DrFirstName, DrPrefix, DrName, DrContactInfo, DrEMail, DrLogin, "
-                "DrType")
+            ->add_option("FIELD=VALUE", given->assignments,
+                         "fields to set: DrLastName, DrFirstName, DrPrefix, DrName, DrContactInfo, DrEMail, DrLogin, "
+                         "DrType")
             ->required();
     };
     auto* fresh = doctor->add_subcommand("new", "make a doctor; texts too long for their column are cut");
@@ -234,9 +222,7 @@ Ref<cClinic> LoadClinic(const Database& database, const std::string& number) {
     return clinic;
 }
 
-bool IsHeadOffice(const cClinic& clinic) {
-    return EqualsIgnoringCase(clinic.ClinicName, cClinics::HeadOffice);
-}
+bool IsHeadOffice(const cClinic& clinic) { return EqualsIgnoringCase(clinic.ClinicName, cClinics::HeadOffice); }
 
 void Print(const Options& options, const cClinic& clinic) {
     Json shown;
@@ -266,8 +252,7 @@ void NewClinic(const Options& options, const std::vector<std::string>& assignmen
     Store(options, database, *clinic);
 }
 
-void SetClinic(const Options& options, const std::string& number,
-               const std::vector<std::string>& assignments) {
+void SetClinic(const Options& options, const std::string& number, const std::vector<std::string>& assignments) {
     const Database database(options);
     const Ref<cClinic> clinic = LoadClinic(database, number);
     SetFields(*clinic, assignments);
@@ -283,12 +268,10 @@ void DeleteClinic(const Options& options, const std::string& number, bool force)
     const Database database(options);
     const Ref<cClinic> clinic = LoadClinic(database, number);
     if (IsHeadOffice(*clinic) && !force)
-        throw UserError(
-            fmt::format("clinic {} is the head office and was not deleted; use --force", clinic->ID));
+        throw UserError(fmt::format("clinic {} is the head office and was not deleted; use --force", clinic->ID));
     clinic->DeleteClinic(database.Con());
     if (options.json) return PrintJson({{"deleted", clinic->ID}});
-    fmt::print("Clinic {} is deleted{}.\n", clinic->ID,
-               IsHeadOffice(*clinic) ? "; it was the head office" : "");
+    fmt::print("Clinic {} is deleted{}.\n", clinic->ID, IsHeadOffice(*clinic) ? "; it was the head office" : "");
 }
 
 void AddClinicCommands(Program& program) {
@@ -308,17 +291,15 @@ void AddClinicCommands(Program& program) {
     clinic->footer("Example: oxclass clinic new ClinicName=\"Folktand Nord\" City=Lund");
     const auto numbered = [&](const char* name, const char* what) {
         auto* command = clinic->add_subcommand(name, what);
-        command->add_option("NUMBER", given->number, "number of a clinic, as oxclass clinics tells")
-            ->required();
-        command->footer(fmt::format("Example: oxclass clinic {} 2{}", name,
-                                    std::string_view(name) == "set" ? " City=Lund" : ""));
+        command->add_option("NUMBER", given->number, "number of a clinic, as oxclass clinics tells")->required();
+        command->footer(
+            fmt::format("Example: oxclass clinic {} 2{}", name, std::string_view(name) == "set" ? " City=Lund" : ""));
         return command;
     };
     const auto fields = [&](CLI::App* command) {
         command
-            ->add_option(
-                "FIELD=VALUE", given->assignments,
-                "fields to set: ClinicName, OrgNumber, StreetAddress, ZipCode, City, Telephone, Remarks16")
+            ->add_option("FIELD=VALUE", given->assignments,
+                         "fields to set: ClinicName, OrgNumber, StreetAddress, ZipCode, City, Telephone, Remarks16")
             ->required();
     };
     auto* fresh = clinic->add_subcommand("new", "make a clinic; texts of more than 50 characters are cut");
@@ -353,8 +334,7 @@ void AddStaff(Program& program) {
     AddDoctorCommands(program);
     AddClinicCommands(program);
     const auto count = std::make_shared<int>(1);
-    auto* guid =
-        program.app.add_subcommand("guid", "make new GUIDs, as doctors have them; needs no database");
+    auto* guid = program.app.add_subcommand("guid", "make new GUIDs, as doctors have them; needs no database");
     guid->add_option("--count", *count, "how many")->type_name("N")->check(CLI::Range(1, 1'000'000));
     guid->footer("Example: oxclass guid --count 3");
     guid->callback([&program, count] { PrintGUIDs(program.options, *count); });

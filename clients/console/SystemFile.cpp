@@ -18,8 +18,7 @@ void ComplainOfSystem(const char* what, const fs::path& path) {
 
 SystemFile::SystemFile(const fs::path& path, int flags, const fs::path& shown)
     : shown_(shown.empty() ? path : shown), descriptor_(open(path.c_str(), flags | O_CLOEXEC, 0644)) {
-    if (descriptor_ < 0)
-        ComplainOfSystem((flags & O_ACCMODE) == O_RDONLY ? "can't read" : "can't write", shown_);
+    if (descriptor_ < 0) ComplainOfSystem((flags & O_ACCMODE) == O_RDONLY ? "can't read" : "can't write", shown_);
 }
 
 SystemFile::~SystemFile() { close(descriptor_); }

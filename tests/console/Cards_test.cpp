@@ -27,9 +27,8 @@ class Cards : public Program {
 protected:
     void SetUp() override {
         Init();
-        WriteSeries(
-            "1.2.3",
-            {{{16, 17, 46, 47}, ""}, {{14, 15, 44, 45}, ""}, {{24, 25, 34, 35}, ""}, {{26, 27, 36, 37}, ""}});
+        WriteSeries("1.2.3",
+                    {{{16, 17, 46, 47}, ""}, {{14, 15, 44, 45}, ""}, {{24, 25, 34, 35}, ""}, {{26, 27, 36, 37}, ""}});
         Ok({"import", Films()});
     }
 
@@ -103,8 +102,7 @@ TEST_F(Cards, ASeriesIsStoredAsItHangs) {
                 EXPECT_EQ(card["images"][i]["width"], slot["width"]);
                 EXPECT_EQ(card["images"][i]["height"], slot["height"]);
             }
-    EXPECT_THAT(Ok({"series", "save-as-card", "1"}),
-                HasSubstr("Series 1 is stored as card IC2, with 4 images.\n"));
+    EXPECT_THAT(Ok({"series", "save-as-card", "1"}), HasSubstr("Series 1 is stored as card IC2, with 4 images.\n"));
     EXPECT_EQ(CountOf("\n", Ok({"series", "save-as-card", "1"})), 1U);
 }
 
@@ -134,8 +132,7 @@ TEST_F(Cards, APlacedImageIsMovedSizedTurnedMirroredAndAnnotated) {
     Ok({"card", "new", "P-1.2.3", "Control"});
     Ok({"card", "add", "IC1", "1", "2"});
     Ok({"card", "move", "IC1", "2", "--at=-0.1,0.3", "--size", "0.3,0.2", "--comment", "it's distal"});
-    Ok({"card", "move", "IC1", "2", "--turn", "90", "--record", "ManContrast=-10", "--record",
-        "manbitmap=1,a b,c"});
+    Ok({"card", "move", "IC1", "2", "--turn", "90", "--record", "ManContrast=-10", "--record", "manbitmap=1,a b,c"});
     Ok({"card", "move", "IC1", "2", "--mirror"});
     const json placed = Placed();
     EXPECT_EQ(placed[0]["turned"], 0);
@@ -175,25 +172,20 @@ TEST_F(Cards, AWrongRequestIsToldInOneLineAndChangesNothing) {
     EXPECT_THAT(UserError({"card", "show", "0"}), HasSubstr("there is no image card IC0"));
     EXPECT_THAT(UserError({"card", "add", "IC1", "77"}), HasSubstr("there is no image 77"));
     EXPECT_THAT(UserError({"card", "add", "IC1", "2", "5"}), HasSubstr("image 5 belongs to another patient"));
-    EXPECT_THAT(UserError({"card", "add", "IC1", "2", "3", "--at", "0,0"}),
-                HasSubstr("--at places one image"));
+    EXPECT_THAT(UserError({"card", "add", "IC1", "2", "3", "--at", "0,0"}), HasSubstr("--at places one image"));
     EXPECT_THAT(UserError({"card", "add", "IC1", "2", "--at", "left"}), HasSubstr("\"left\" is no place"));
     EXPECT_THAT(UserError({"card", "add", "IC1", "2", "--at", "1,2,3"}), HasSubstr("is no place"));
     EXPECT_THAT(UserError({"card", "add", "IC1", "2", "--size", "0"}), HasSubstr("a size is above 0"));
     EXPECT_THAT(UserError({"card", "add", "IC1", "2", "--size", "nan"}), HasSubstr("is no size"));
     EXPECT_THAT(UserError({"card", "move", "IC1", "1", "--turn", "45"}), HasSubstr("90, 180 or 270"));
-    EXPECT_THAT(UserError({"card", "move", "IC1", "9", "--mirror"}),
-                HasSubstr("card IC1 has no placed image 9"));
+    EXPECT_THAT(UserError({"card", "move", "IC1", "9", "--mirror"}), HasSubstr("card IC1 has no placed image 9"));
     EXPECT_THAT(UserError({"card", "move", "IC1", "1", "--record", "Paint=1"}), HasSubstr("Manbrightness, "));
-    EXPECT_THAT(UserError({"card", "move", "IC1", "1", "--record", "UndoStop"}),
-                HasSubstr("no manipulation"));
-    EXPECT_THAT(UserError({"card", "move", "IC1", "1", "--record", "ManBitmap=1,it's"}),
-                HasSubstr("single quote"));
+    EXPECT_THAT(UserError({"card", "move", "IC1", "1", "--record", "UndoStop"}), HasSubstr("no manipulation"));
+    EXPECT_THAT(UserError({"card", "move", "IC1", "1", "--record", "ManBitmap=1,it's"}), HasSubstr("single quote"));
     EXPECT_THAT(UserError({"card", "remove", "IC1", "1", "9"}), HasSubstr("has no placed image 9"));
     EXPECT_THAT(UserError({"card", "new", "P-1.2.3", "x", "--canvas", "0x5"}), HasSubstr("above 0"));
     EXPECT_THAT(UserError({"card", "new", "P-1.2.3", "x", "--canvas", "wide"}), HasSubstr("1000x700"));
-    EXPECT_THAT(UserError({"card", "new", "P-1.2.3", "x", "--canvas", "1x200000"}),
-                HasSubstr("at most 100000"));
+    EXPECT_THAT(UserError({"card", "new", "P-1.2.3", "x", "--canvas", "1x200000"}), HasSubstr("at most 100000"));
     EXPECT_THAT(UserError({"card", "new", "P-1.2.3", std::string(256, 'x')}), HasSubstr("255 characters"));
     EXPECT_THAT(UserError({"series", "save-as-card", "9"}), HasSubstr("there is no series 9"));
     EXPECT_EQ(OkJson({"card", "show", "IC1"}), before);
@@ -232,8 +224,7 @@ TEST_F(Cards, ARowWithoutAnImageKeepsItsManipulations) {
 TEST_F(Cards, ACosmeticManipulationIsNotTheProgramsToRecord) {
     Ok({"card", "new", "P-1.2.3", "Control"});
     Ok({"card", "add", "IC1", "1"});
-    EXPECT_THAT(UserError({"card", "move", "IC1", "1", "--record", "ManCosmetic=0,001x"}),
-                HasSubstr("cosmetic"));
+    EXPECT_THAT(UserError({"card", "move", "IC1", "1", "--record", "ManCosmetic=0,001x"}), HasSubstr("cosmetic"));
 }
 
 TEST_F(Cards, AnImageIsPutIntoTheFirstFreeCell) {
@@ -338,8 +329,7 @@ TEST_F(Cards, APictureThatIsGoneIsToldAndTheOthersAreDrawn) {
 TEST_F(Cards, AStoredNameOutOfTheRootIsNeverOpened) {
     std::ofstream(folder.Path() / "secret.png") << "\x89PNG\r\n\x1A\nsecret";
     Run("UPDATE ImageBild_T SET GraphicURL_NVC = '..\\secret.png' WHERE ImageBildID = 1");
-    EXPECT_THAT(UserError({"draw", "SE1", "-o", File("mouth.svg")}, 3),
-                HasSubstr("its stored name means no file"));
+    EXPECT_THAT(UserError({"draw", "SE1", "-o", File("mouth.svg")}, 3), HasSubstr("its stored name means no file"));
 }
 
 TEST_F(Cards, ADrawingThatCannotBeMadeLeavesTheEarlierFile) {

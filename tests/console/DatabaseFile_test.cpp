@@ -63,8 +63,7 @@ TEST_F(DatabaseFile, OneThatIsRefusedStaysAsItIs) {
     ASSERT_EQ(Try({"init", file}).code, 0);
     RunOn(file, "PRAGMA user_version = 99; PRAGMA journal_mode = DELETE");
     fs::remove_all(file.parent_path() / "images");
-    EXPECT_THAT(Refused(file),
-                HasSubstr("made by a newer program (tables of version 99, this program knows 1)"));
+    EXPECT_THAT(Refused(file), HasSubstr("made by a newer program (tables of version 99, this program knows 1)"));
 }
 
 TEST_F(DatabaseFile, OneWhoseMarksAreInItsLogIsReadByThem) {
@@ -143,8 +142,7 @@ protected:
         EXPECT_THAT(As({"card", "show", "IC1"}), HasSubstr("there is no image card IC1"));
         EXPECT_THAT(As({"cards", "P-1.2.3"}),
                     HasSubstr("1 series without images stay: the database can't be written."));
-        EXPECT_THAT(As({"comment", "1", "text"}),
-                    ::testing::StartsWith("1\noxclass: the database can't be written"));
+        EXPECT_THAT(As({"comment", "1", "text"}), ::testing::StartsWith("1\noxclass: the database can't be written"));
         EXPECT_THAT(As({"hang", "1"}), HasSubstr("the database can't be written"));
         EXPECT_TRUE(Content(Database()) == before);
         EXPECT_EQ(NamesIn(folder.Path()), names);
@@ -196,8 +194,7 @@ TEST_F(Reader, IsToldWhichRightIsMissing) {
     Allow(0755, 0000);
     EXPECT_THAT(As({"patients"}), HasSubstr("can't be read (Permission denied); see that you may read it"));
     Allow(0000, 0644);
-    EXPECT_THAT(As({"patients"}),
-                HasSubstr("can't be reached (Permission denied); look at the rights of its folders"));
+    EXPECT_THAT(As({"patients"}), HasSubstr("can't be reached (Permission denied); look at the rights of its folders"));
 }
 
 }  // namespace

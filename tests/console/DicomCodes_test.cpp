@@ -84,8 +84,7 @@ const std::map<std::string, std::vector<std::string>> CodesOfModifiers{
 TEST(DicomCodes, The161CodesOfTheToothTablesAreKnownAndDiffer) {
     std::map<std::string, std::string> seen;
     for (const auto& [tooth, codes] : CodesOfTeeth) {
-        for (const std::string& code : codes)
-            EXPECT_TRUE(seen.emplace(code, std::to_string(tooth)).second) << code;
+        for (const std::string& code : codes) EXPECT_TRUE(seen.emplace(code, std::to_string(tooth)).second) << code;
     }
     EXPECT_EQ(seen.size(), 142u);
     for (const auto& [modifier, codes] : CodesOfModifiers) {

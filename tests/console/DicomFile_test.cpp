@@ -258,8 +258,7 @@ TEST(PersonName, TakesTheFirstWritingThatHasAText) {
 
 TEST_F(DicomFile, ReadsEveryUncompressedTransferSyntax) {
     Teeth({11});
-    for (const E_TransferSyntax syntax :
-         {EXS_LittleEndianImplicit, EXS_LittleEndianExplicit, EXS_BigEndianExplicit})
+    for (const E_TransferSyntax syntax : {EXS_LittleEndianImplicit, EXS_LittleEndianExplicit, EXS_BigEndianExplicit})
         EXPECT_EQ(ReadRadiograph(Saved(syntax)).teeth, "11,") << syntax;
 }
 
@@ -269,17 +268,17 @@ TEST_F(DicomFile, ConvertsNamesFromTheFilesCharacterSet) {
     struct Case {
         const char *set, *bytes, *name;
     };
-    for (const Case& c : {Case{"ISO_IR 100", "M\xFCller^J\xFCrgen", "Müller^Jürgen"},
-                          Case{"ISO_IR 101",
-                               "W\xB3"
-                               "adys\xB3"
-                               "aw",
-                               "Władysław"},
-                          Case{"ISO_IR 126", "\xC4\xE9\xEF\xED\xF5\xF3\xE9\xEF\xF2", "Διονυσιος"},
-                          Case{"ISO_IR 144", "\xBF\xD5\xE2\xE0\xDE\xD2^\xB8\xD2\xD0\xDD", "Петров^Иван"},
-                          Case{"ISO_IR 192", "Wang^XiaoDong=王^小東", "Wang^XiaoDong=王^小東"},
-                          Case{"\\ISO 2022 IR 87", "Yamada^Tarou=\x1b$B;3ED\x1b(B^\x1b$BB@O:\x1b(B",
-                               "Yamada^Tarou=山田^太郎"}}) {
+    for (const Case& c :
+         {Case{"ISO_IR 100", "M\xFCller^J\xFCrgen", "Müller^Jürgen"},
+          Case{"ISO_IR 101",
+               "W\xB3"
+               "adys\xB3"
+               "aw",
+               "Władysław"},
+          Case{"ISO_IR 126", "\xC4\xE9\xEF\xED\xF5\xF3\xE9\xEF\xF2", "Διονυσιος"},
+          Case{"ISO_IR 144", "\xBF\xD5\xE2\xE0\xDE\xD2^\xB8\xD2\xD0\xDD", "Петров^Иван"},
+          Case{"ISO_IR 192", "Wang^XiaoDong=王^小東", "Wang^XiaoDong=王^小東"},
+          Case{"\\ISO 2022 IR 87", "Yamada^Tarou=\x1b$B;3ED\x1b(B^\x1b$BB@O:\x1b(B", "Yamada^Tarou=山田^太郎"}}) {
         Put(set, DCM_SpecificCharacterSet, c.set);
         Put(set, DCM_PatientName, c.bytes);
         EXPECT_EQ(Read().patientName, c.name) << c.set;
@@ -360,25 +359,25 @@ TEST_P(Contradictions, TheTeethWin) {
     EXPECT_EQ(Read().laterality, GetParam().expectedSide);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Cases, Contradictions,
-    testing::Values(Contradiction{"Agreeing", {16, 17}, "70925003", "R", "T-11170", "R"},
-                    Contradiction{"BothJawsForOne", {16, 17}, "661005", "R", "", "R"},
-                    Contradiction{"OldBothJawsForOne", {46}, "T-D1217", "R", "", "R"},
-                    Contradiction{"OldBothJawsForBoth", {16, 46}, "T-D1217", "R", "T-D1217", "R"},
-                    Contradiction{"UpperForLower", {36}, "70925003", "L", "", "L"},
-                    Contradiction{"UpperForBoth", {26, 36}, "70925003", "L", "", "L"},
-                    Contradiction{"LowerForUpper", {55}, "91609006", "R", "", "R"},
-                    Contradiction{"RightForLeft", {26}, "70925003", "R", "T-11170", ""},
-                    Contradiction{"LeftForRight", {84}, "91609006", "L", "T-11180", ""},
-                    Contradiction{"BothForLeft", {26}, "70925003", "B", "T-11170", ""},
-                    Contradiction{"BothForRight", {16}, "70925003", "B", "T-11170", ""},
-                    Contradiction{"BothForBoth", {11, 21}, "70925003", "B", "T-11170", "B"},
-                    Contradiction{"RightAcrossMidline", {11, 12, 21}, "70925003", "R", "T-11170", "R"},
-                    Contradiction{"SkullWithTeeth", {11, 41}, "89546000", "L", "T-11100", ""},
-                    Contradiction{"NoTeeth", {}, "661005", "R", "T-D1213", "R"},
-                    Contradiction{"Unpaired", {11, 21}, "70925003", "U", "T-11170", ""}),
-    [](const auto& tested) { return tested.param.name; });
+INSTANTIATE_TEST_SUITE_P(Cases, Contradictions,
+                         testing::Values(Contradiction{"Agreeing", {16, 17}, "70925003", "R", "T-11170", "R"},
+                                         Contradiction{"BothJawsForOne", {16, 17}, "661005", "R", "", "R"},
+                                         Contradiction{"OldBothJawsForOne", {46}, "T-D1217", "R", "", "R"},
+                                         Contradiction{"OldBothJawsForBoth", {16, 46}, "T-D1217", "R", "T-D1217", "R"},
+                                         Contradiction{"UpperForLower", {36}, "70925003", "L", "", "L"},
+                                         Contradiction{"UpperForBoth", {26, 36}, "70925003", "L", "", "L"},
+                                         Contradiction{"LowerForUpper", {55}, "91609006", "R", "", "R"},
+                                         Contradiction{"RightForLeft", {26}, "70925003", "R", "T-11170", ""},
+                                         Contradiction{"LeftForRight", {84}, "91609006", "L", "T-11180", ""},
+                                         Contradiction{"BothForLeft", {26}, "70925003", "B", "T-11170", ""},
+                                         Contradiction{"BothForRight", {16}, "70925003", "B", "T-11170", ""},
+                                         Contradiction{"BothForBoth", {11, 21}, "70925003", "B", "T-11170", "B"},
+                                         Contradiction{
+                                             "RightAcrossMidline", {11, 12, 21}, "70925003", "R", "T-11170", "R"},
+                                         Contradiction{"SkullWithTeeth", {11, 41}, "89546000", "L", "T-11100", ""},
+                                         Contradiction{"NoTeeth", {}, "661005", "R", "T-D1213", "R"},
+                                         Contradiction{"Unpaired", {11, 21}, "70925003", "U", "T-11170", ""}),
+                         [](const auto& tested) { return tested.param.name; });
 
 TEST_F(DicomFile, LateralityFallsBackOnTheSeries) {
     Put(set, DCM_Laterality, "L");
@@ -442,8 +441,7 @@ TEST_F(DicomFile, TellsThatAFileIsCutShortInItsPixels) {
     SetPixels(500, 500);
     const std::string bytes = SavedBytes();
     for (const std::size_t missing : {1u, 1000u, 200000u})
-        EXPECT_TRUE(
-            WhyNot(Holding(bytes.substr(0, bytes.size() - missing))).starts_with("file is cut short: "))
+        EXPECT_TRUE(WhyNot(Holding(bytes.substr(0, bytes.size() - missing))).starts_with("file is cut short: "))
             << WhyNot(path);
 }
 

@@ -38,9 +38,9 @@ TEST(DicomText, ReadsJapaneseCodeExtensions) {
     EXPECT_EQ(Decoded("\\ISO 2022 IR 87",
                       "Yamada^Tarou=\x1b$B;3ED\x1b(B^\x1b$BB@O:\x1b(B=\x1b$B$d$^$@\x1b(B^\x1b$B$?$m$&\x1b(B"),
               "Yamada^Tarou=山田^太郎=やまだ^たろう");
-    EXPECT_EQ(Decoded("ISO 2022 IR 13\\ISO 2022 IR 87",
-                      "\xD4\xCF\xC0\xDE^\xC0\xDB\xB3=\x1b$B;3ED\x1b(J^\x1b$BB@O:\x1b(J"),
-              "ﾔﾏﾀﾞ^ﾀﾛｳ=山田^太郎");
+    EXPECT_EQ(
+        Decoded("ISO 2022 IR 13\\ISO 2022 IR 87", "\xD4\xCF\xC0\xDE^\xC0\xDB\xB3=\x1b$B;3ED\x1b(J^\x1b$BB@O:\x1b(J"),
+        "ﾔﾏﾀﾞ^ﾀﾛｳ=山田^太郎");
 }
 
 TEST(DicomText, ReadsKoreanAndChineseCodeExtensions) {
@@ -50,8 +50,7 @@ TEST(DicomText, ReadsKoreanAndChineseCodeExtensions) {
 }
 
 TEST(DicomText, AnExtensionEndsAtTheNextDelimiter) {
-    EXPECT_EQ(Decoded("ISO 2022 IR 100\\ISO 2022 IR 126", "J\xE9r\xF4me=\x1b-F\xC4\xE9\xEF=\xE9"),
-              "Jérôme=Διο=é");
+    EXPECT_EQ(Decoded("ISO 2022 IR 100\\ISO 2022 IR 126", "J\xE9r\xF4me=\x1b-F\xC4\xE9\xEF=\xE9"), "Jérôme=Διο=é");
 }
 
 TEST(DicomText, ReadsMisspelledNamesOfSets) {

@@ -24,13 +24,12 @@ namespace fs = std::filesystem;
 /// The same picture as a JPEG file.
 std::string JpegOf(const Picture& png) {
     GdkPixbufLoader* const loader = gdk_pixbuf_loader_new();
-    gdk_pixbuf_loader_write(loader, reinterpret_cast<const guchar*>(png.bytes.data()), png.bytes.size(),
-                            nullptr);
+    gdk_pixbuf_loader_write(loader, reinterpret_cast<const guchar*>(png.bytes.data()), png.bytes.size(), nullptr);
     gdk_pixbuf_loader_close(loader, nullptr);
     gchar* bytes = nullptr;
     gsize size = 0;
-    EXPECT_TRUE(gdk_pixbuf_save_to_buffer(gdk_pixbuf_loader_get_pixbuf(loader), &bytes, &size, "jpeg",
-                                          nullptr, nullptr));
+    EXPECT_TRUE(
+        gdk_pixbuf_save_to_buffer(gdk_pixbuf_loader_get_pixbuf(loader), &bytes, &size, "jpeg", nullptr, nullptr));
     std::string file(bytes, size);
     g_free(bytes);
     g_object_unref(loader);
@@ -78,9 +77,8 @@ TEST_F(Photograph, ADamagedOrCutPhotographIsRefused) {
     for (std::size_t i = 0; i < noise.size(); ++i) noise[i] = {static_cast<int>(i * 7919 % 251), 0, 9};
     const Picture png = PictureOf(64, noise);
     const std::string jpeg = JpegOf(png);
-    for (const std::string& bytes :
-         {png.bytes.substr(0, png.bytes.size() / 2), jpeg.substr(0, jpeg.size() / 2), jpeg.substr(0, 3),
-          std::string("\xFF\xD8\xFF\xE0 and so on")}) {
+    for (const std::string& bytes : {png.bytes.substr(0, png.bytes.size() / 2), jpeg.substr(0, jpeg.size() / 2),
+                                     jpeg.substr(0, 3), std::string("\xFF\xD8\xFF\xE0 and so on")}) {
         std::ofstream(folder.Path() / "cut", std::ios::binary | std::ios::trunc) << bytes;
         EXPECT_THROW(ReadPicture(folder.Path() / "cut", 1), std::runtime_error) << bytes.size();
     }
@@ -221,8 +219,7 @@ TEST(Drawing, PicturesLargerThanAParsersUsualLimitAreDrawn) {
     unsigned state = 1;
     for (Pixel& p : noise) {
         state = state * 1664525U + 1013904223U;
-        p = {static_cast<int>(state >> 24), static_cast<int>(state >> 16 & 255),
-             static_cast<int>(state >> 8 & 255)};
+        p = {static_cast<int>(state >> 24), static_cast<int>(state >> 16 & 255), static_cast<int>(state >> 8 & 255)};
     }
     const Picture picture = PictureOf(2200, noise);
     ASSERT_GT(picture.bytes.size(), 10'000'000U);

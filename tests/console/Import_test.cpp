@@ -28,8 +28,7 @@ protected:
     std::map<std::string, std::pair<std::uintmax_t, fs::file_time_type>> RootState() const {
         std::map<std::string, std::pair<std::uintmax_t, fs::file_time_type>> state;
         for (const auto& entry : fs::recursive_directory_iterator(Root()))
-            state[entry.path().string()] = {entry.is_directory() ? 0 : entry.file_size(),
-                                            entry.last_write_time()};
+            state[entry.path().string()] = {entry.is_directory() ? 0 : entry.file_size(), entry.last_write_time()};
         state[Root().string()] = {0, fs::last_write_time(Root())};
         return state;
     }
@@ -120,8 +119,7 @@ TEST_F(ImportTest, AFileWithFourThousandNestedSequencesFailsAlone) {
         add({0x40, 0, 0x00, 0x01, 'S', 'Q', 0, 0, 0xFF, 0xFF, 0xFF, 0xFF});
         add({0xFE, 0xFF, 0x00, 0xE0, 0xFF, 0xFF, 0xFF, 0xFF});
     }
-    for (int i = 0; i < 4000; ++i)
-        add({0xFE, 0xFF, 0x0D, 0xE0, 0, 0, 0, 0, 0xFE, 0xFF, 0xDD, 0xE0, 0, 0, 0, 0});
+    for (int i = 0; i < 4000; ++i) add({0xFE, 0xFF, 0x0D, 0xE0, 0, 0, 0, 0, 0xFE, 0xFF, 0xDD, 0xE0, 0, 0, 0, 0});
     std::ofstream(Films() + "/nested.dcm", std::ios::binary) << nested;
     const Result run = Import();
     EXPECT_EQ(run.code, 3);
@@ -145,8 +143,7 @@ TEST_F(ImportTest, SequencesNestedDeeperThanAnyRadiographHasAreRefused) {
     Write("2.25.5", 1, FullMouth18[7], nest(60));
     Write("2.25.6", 1, FullMouth18[7], nest(70));
     const Result run = Import();
-    EXPECT_THAT(run.err,
-                HasSubstr("2.25.6-101.dcm: not imported: its sequences are nested more than 64 deep"));
+    EXPECT_THAT(run.err, HasSubstr("2.25.6-101.dcm: not imported: its sequences are nested more than 64 deep"));
     EXPECT_THAT(run.out, HasSubstr("2 files: 1 new images stored"));
 }
 
@@ -225,8 +222,7 @@ TEST_F(DiscTest, FilesThatTheDicomdirNamesAndThatAreDamagedAreReported) {
         std::ofstream(Films() + "/README") << "no film";
         const Result run = Import();
         EXPECT_EQ(run.code, 3) << content;
-        EXPECT_THAT(LCased(run.err),
-                    HasSubstr("/images/b: not imported: the dicomdir names it, and it is damaged"));
+        EXPECT_THAT(LCased(run.err), HasSubstr("/images/b: not imported: the dicomdir names it, and it is damaged"));
         EXPECT_THAT(run.out, HasSubstr("1 new images stored, 0 were stored already, 1 not imported"));
         EXPECT_THAT(run.out, HasSubstr("2 files without DICOM data were skipped"));
     }
@@ -256,11 +252,9 @@ TEST_F(DiscTest, ObjectsWithoutPictureAreCountedInOneLine) {
     EXPECT_EQ(run.code, 0) << run.err;
     EXPECT_EQ(run.err, "");
     EXPECT_THAT(run.out, HasSubstr("2 DICOM objects without picture were skipped"));
-    EXPECT_EQ(Try({"--db", Database(), "import", Films() + "/images/pr.dcm"}).code, 3)
-        << "a file that was named";
+    EXPECT_EQ(Try({"--db", Database(), "import", Films() + "/images/pr.dcm"}).code, 3) << "a file that was named";
     Write("2.25.6", 1, FullMouth18[7], [](DcmDataset& set) { set.findAndDeleteElement(DCM_PixelData); });
-    EXPECT_THAT(Import().err, HasSubstr("2.25.6-101.dcm: not imported: no pixel data"))
-        << "a kind that has pixels";
+    EXPECT_THAT(Import().err, HasSubstr("2.25.6-101.dcm: not imported: no pixel data")) << "a kind that has pixels";
 }
 
 TEST_F(ImportTest, PicturesOfVisibleLightAreNoFilms) {
@@ -384,8 +378,7 @@ TEST_F(ImportTest, ASignalEndsTheImportInOrder) {
     EXPECT_LT(images, 600U);
     EXPECT_EQ(images % 2, 0U) << "each series is stored whole";
     std::size_t files = 0;
-    for (const auto& entry : fs::recursive_directory_iterator(Root()))
-        files += entry.path().extension() == ".dcm";
+    for (const auto& entry : fs::recursive_directory_iterator(Root())) files += entry.path().extension() == ".dcm";
     EXPECT_EQ(files, images);
     EXPECT_EQ(std::distance(fs::directory_iterator(Root()), {}), 2) << "the marker and one folder";
     EXPECT_EQ(Import().code, 0);
@@ -395,8 +388,7 @@ TEST_F(ImportTest, ASignalEndsTheImportInOrder) {
 TEST_F(ImportTest, ASeriesWhoseFilesLieFarApartIsStoredWhole) {
     Init();
     WriteSeries("2.25.1", {FullMouth18[7]});
-    for (int series = 0; series < 300; ++series)
-        WriteSeries("2.25.5" + std::to_string(series), {FullMouth18[7]});
+    for (int series = 0; series < 300; ++series) WriteSeries("2.25.5" + std::to_string(series), {FullMouth18[7]});
     Write("2.25.1", 2, FullMouth18[10]);
     fs::rename(Films() + "/2.25.1-102.dcm", Films() + "/z.dcm");
     ASSERT_EQ(Import().code, 0);

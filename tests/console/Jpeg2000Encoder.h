@@ -16,8 +16,8 @@ inline OPJ_SIZE_T AppendBytes(void* bytes, OPJ_SIZE_T size, void* target) {
 }
 
 /// Encodes pixels of `channels` samples, row by row. Colour passes the reversible colour transform.
-inline std::string Jpeg2000Of(const std::vector<int>& samples, unsigned columns, unsigned rows,
-                              unsigned channels, unsigned bits, bool isSigned = false) {
+inline std::string Jpeg2000Of(const std::vector<int>& samples, unsigned columns, unsigned rows, unsigned channels,
+                              unsigned bits, bool isSigned = false) {
     std::vector<opj_image_cmptparm_t> forms(channels);
     for (opj_image_cmptparm_t& form : forms) {
         form = {};
@@ -31,8 +31,7 @@ inline std::string Jpeg2000Of(const std::vector<int>& samples, unsigned columns,
         opj_image_create(channels, forms.data(), channels == 3 ? OPJ_CLRSPC_SRGB : OPJ_CLRSPC_GRAY);
     image->x1 = columns;
     image->y1 = rows;
-    for (std::size_t i = 0; i < samples.size(); ++i)
-        image->comps[i % channels].data[i / channels] = samples[i];
+    for (std::size_t i = 0; i < samples.size(); ++i) image->comps[i % channels].data[i / channels] = samples[i];
     opj_cparameters_t parameters;
     opj_set_default_encoder_parameters(&parameters);
     parameters.tcp_mct = channels == 3;

@@ -77,8 +77,7 @@ TEST(PatientIdentity, IssuerBirthDateAndSexAreComparedWhereBothAreKnown) {
     b.issuer = "B";
     b.birthDate = Date{20214};
     b.sex = "M";
-    EXPECT_THAT(Contradictions(a, b),
-                ElementsAre(IdentityField::Issuer, IdentityField::BirthDate, IdentityField::Sex));
+    EXPECT_THAT(Contradictions(a, b), ElementsAre(IdentityField::Issuer, IdentityField::BirthDate, IdentityField::Sex));
     b.sex = "weiblich";
     EXPECT_THAT(Contradictions(a, b), ElementsAre(IdentityField::Issuer, IdentityField::BirthDate))
         << "a sex in other words says nothing";
@@ -129,8 +128,8 @@ TEST(TypedDate, TwoReadingsAreBothShown) {
 }
 
 TEST(TypedDate, WhatIsNotADateIsRefused) {
-    for (const char* text : {"", "soon", "1980", "31.02.1980", "1980-13-01", "31.01.80", "05031980", "12",
-                             "1.5", "0000-00-00", "1980-01-31x", "32 Jan 1980", "3 Foo 1980"})
+    for (const char* text : {"", "soon", "1980", "31.02.1980", "1980-13-01", "31.01.80", "05031980", "12", "1.5",
+                             "0000-00-00", "1980-01-31x", "32 Jan 1980", "3 Foo 1980"})
         EXPECT_THROW(TypedDate(text), UserError) << text;
 }
 

@@ -15,21 +15,18 @@ struct Pixel {
     friend bool operator==(const Pixel&, const Pixel&) = default;
 };
 inline void PrintTo(const Pixel& p, std::ostream* out) { *out << p.red << "," << p.green << "," << p.blue; }
-inline constexpr Pixel Black{0, 0, 0}, White{255, 255, 255}, Red{255, 0, 0}, Green{0, 255, 0},
-    Blue{0, 0, 255};
+inline constexpr Pixel Black{0, 0, 0}, White{255, 255, 255}, Red{255, 0, 0}, Green{0, 255, 0}, Blue{0, 0, 255};
 
 /// The pixels of a PNG file.
 class Pixels {
 public:
     explicit Pixels(const std::string& file) {
         png_.version = PNG_IMAGE_VERSION;
-        if (!png_image_begin_read_from_memory(&png_, file.data(), file.size()))
-            throw std::runtime_error(png_.message);
+        if (!png_image_begin_read_from_memory(&png_, file.data(), file.size())) throw std::runtime_error(png_.message);
         gray = (png_.format & PNG_FORMAT_FLAG_COLOR) == 0;
         png_.format = PNG_FORMAT_RGB;
         bytes_.resize(PNG_IMAGE_SIZE(png_));
-        if (!png_image_finish_read(&png_, nullptr, bytes_.data(), 0, nullptr))
-            throw std::runtime_error(png_.message);
+        if (!png_image_finish_read(&png_, nullptr, bytes_.data(), 0, nullptr)) throw std::runtime_error(png_.message);
     }
     int Width() const { return static_cast<int>(png_.width); }
     int Height() const { return static_cast<int>(png_.height); }

@@ -138,8 +138,7 @@ protected:
     std::map<int, std::string> Hung(int series) {
         std::map<int, std::string> teeth;
         const json shown = OkJson({"series", std::to_string(series)});
-        for (const json& image : shown["images"])
-            teeth[image["frame"].get<int>()] = image["teeth"].get<std::string>();
+        for (const json& image : shown["images"]) teeth[image["frame"].get<int>()] = image["teeth"].get<std::string>();
         return teeth;
     }
 

@@ -58,8 +58,8 @@ TEST_F(Program, WrongInputGetsOneLineThatSaysWhatToDo) {
 }
 
 TEST_F(Program, EachCommandHelpsWithAnExample) {
-    for (const char* command : {"init", "import", "patients", "patient", "studies", "series", "images",
-                                "comment", "hang", "layouts", "anatomy", "roots", "setting", "uid"}) {
+    for (const char* command : {"init", "import", "patients", "patient", "studies", "series", "images", "comment",
+                                "hang", "layouts", "anatomy", "roots", "setting", "uid"}) {
         const Result run = Try({command, "--help"});
         EXPECT_EQ(run.code, 0);
         EXPECT_NE(run.out.find("Example: oxclass"), std::string::npos) << command;
@@ -115,8 +115,7 @@ TEST_F(Program, AFullMouthHangsByItsTeethInWhateverOrderItWasTaken) {
         const auto hung = Hung(round);
         ASSERT_EQ(hung.size(), 18U) << "round " << round;
         for (int frame = 1; frame <= 18; ++frame)
-            EXPECT_EQ(hung.at(frame),
-                      Console::ToothString(FullMouth18[static_cast<std::size_t>(frame - 1)].teeth));
+            EXPECT_EQ(hung.at(frame), Console::ToothString(FullMouth18[static_cast<std::size_t>(frame - 1)].teeth));
         EXPECT_EQ(OkJson({"series"})[static_cast<std::size_t>(round - 1)]["layout"], 6);
     }
 }
@@ -136,10 +135,9 @@ TEST_F(Program, TwentyFilmsHangInLayoutFiveAndBitewingsInSevenAndEight) {
     EXPECT_EQ(Hung(1).size(), 20U);
     EXPECT_EQ(Hung(1).count(0), 0U);
     EXPECT_EQ(series[1]["layout"], 7);
-    EXPECT_EQ(
-        Hung(2),
-        (std::map<int, std::string>{
-            {1, "16,17,18,46,47,48,"}, {2, "14,15,44,45,"}, {3, "24,25,34,35,"}, {4, "26,27,28,36,37,38,"}}));
+    EXPECT_EQ(Hung(2),
+              (std::map<int, std::string>{
+                  {1, "16,17,18,46,47,48,"}, {2, "14,15,44,45,"}, {3, "24,25,34,35,"}, {4, "26,27,28,36,37,38,"}}));
     EXPECT_EQ(series[2]["layout"], 8);
     EXPECT_EQ(Hung(3).at(1), "16,17,18,46,47,48,");
 }
@@ -199,8 +197,7 @@ TEST_F(Program, FilesLieWholeUnderTheRootInThePatientsFolder) {
     const fs::path stored = folder.Path() / "images" / "0_" / "2.25.5.1.dcm";
     ASSERT_TRUE(fs::exists(stored));
     EXPECT_EQ(fs::file_size(stored), fs::file_size(Films() + "/2.25.5-101.dcm"));
-    EXPECT_EQ(std::distance(fs::directory_iterator(stored.parent_path()), {}), 1)
-        << "no half-written copy stays";
+    EXPECT_EQ(std::distance(fs::directory_iterator(stored.parent_path()), {}), 1) << "no half-written copy stays";
 }
 
 TEST_F(Program, AnotherFileUnderTheNameIsNeverOverwritten) {
@@ -260,8 +257,8 @@ TEST_F(Program, PatientsAreShownFoundAndSet) {
     WriteSeries("2.25.5", {FullMouth18[7]});
     Ok({"import", Films()});
     Ok({"doctor", "new", "DrLastName=Ek"});
-    const json set = OkJson({"patient", "P-2.25.5", "LastName=Ångström", "birthdate=1980-01-31",
-                             "RespDoctor=1", "OtherIDs=a\\b"});
+    const json set =
+        OkJson({"patient", "P-2.25.5", "LastName=Ångström", "birthdate=1980-01-31", "RespDoctor=1", "OtherIDs=a\\b"});
     EXPECT_EQ(set["LastName"], "Ångström");
     const json shown = OkJson({"patient", "#1"});
     EXPECT_EQ(shown["LastName"], "Ångström");
@@ -288,8 +285,7 @@ TEST_F(Program, CommentsAreAddedAndListedNewestFirst) {
     EXPECT_EQ(comments[0]["comment"], "it's second");
     EXPECT_EQ(comments[0]["signature"], "ÅÄ");
     EXPECT_EQ(OkJson({"comment", "1"}).size(), 2U);
-    EXPECT_EQ(Try({"--db", Database(), "comment", "1", std::string(151, 'x')}).code, 1)
-        << "too long is said, not cut";
+    EXPECT_EQ(Try({"--db", Database(), "comment", "1", std::string(151, 'x')}).code, 1) << "too long is said, not cut";
 }
 
 TEST_F(Program, HangingAgainChangesNothing) {
@@ -388,8 +384,7 @@ TEST_F(Program, AKnownImageUnderAnotherPatientOrWithAnotherPictureIsNotTakenForS
     Init();
     WriteSeries("2.25.5", {FullMouth18[7]});
     Ok({"import", Films()});
-    Write("2.25.6", 1, FullMouth18[8],
-          [](DcmDataset& set) { set.putAndInsertString(DCM_SOPInstanceUID, "2.25.5.1"); });
+    Write("2.25.6", 1, FullMouth18[8], [](DcmDataset& set) { set.putAndInsertString(DCM_SOPInstanceUID, "2.25.5.1"); });
     const Result other = Try({"--db", Database(), "import", Films() + "/2.25.6-101.dcm"});
     EXPECT_EQ(other.code, 3);
     EXPECT_NE(other.err.find("belongs to image 1 of another series"), std::string::npos) << other.err;

@@ -20,14 +20,12 @@ protected:
 };
 
 TEST_F(Staff, ADoctorIsMadeSetShownAndListed) {
-    const json made =
-        OkJson({"doctor", "new", "DrLastName=Ek", "DrFirstName=Anna", "DrPrefix=Dr", "DrLogin=ae"});
+    const json made = OkJson({"doctor", "new", "DrLastName=Ek", "DrFirstName=Anna", "DrPrefix=Dr", "DrLogin=ae"});
     EXPECT_EQ(made["Number"], 1);
     EXPECT_EQ(made["DICOM name"], "Ek^Anna^^Dr");
     EXPECT_EQ(made["DrType"], "local");
     EXPECT_THAT(made["drGUID"].get<std::string>(), MatchesRegex("[0-9A-F]{32}"));
-    const json set =
-        OkJson({"doctor", "set", "1", "drtype=remote", "DrEMail=anna@example.org", "DrFirstName=O'Anna"});
+    const json set = OkJson({"doctor", "set", "1", "drtype=remote", "DrEMail=anna@example.org", "DrFirstName=O'Anna"});
     EXPECT_EQ(set["DrType"], "remote");
     EXPECT_EQ(set["DrFirstName"], "O'Anna");
     EXPECT_EQ(set["drGUID"], made["drGUID"]);
@@ -93,10 +91,8 @@ TEST_F(Staff, TheFirstClinicComesBehindTheHeadOffice) {
 TEST_F(Staff, AWrongRequestIsToldInOneLine) {
     Ok({"doctor", "new", "DrLastName=Ek"});
     EXPECT_THAT(UserError({"doctor", "show", "7"}), HasSubstr("there is no doctor 7"));
-    EXPECT_THAT(UserError({"doctor", "set", "1", "DrShoe=44"}),
-                HasSubstr("a doctor has no field \"DrShoe\""));
-    EXPECT_THAT(UserError({"doctor", "set", "1", "DrType=king"}),
-                HasSubstr("unknown, local, remote and web"));
+    EXPECT_THAT(UserError({"doctor", "set", "1", "DrShoe=44"}), HasSubstr("a doctor has no field \"DrShoe\""));
+    EXPECT_THAT(UserError({"doctor", "set", "1", "DrType=king"}), HasSubstr("unknown, local, remote and web"));
     EXPECT_THAT(UserError({"doctor", "set", "1", "DrName"}), HasSubstr("write FIELD=VALUE"));
     EXPECT_THAT(UserError({"doctor", "set", "1", "DrLogin=" + std::string(256, 'x')}), HasSubstr("DrLogin"));
     EXPECT_THAT(UserError({"doctor", "new", "DrPrefix=Dr"}), HasSubstr("a doctor needs a name"));

@@ -197,8 +197,7 @@ TEST_F(Leftovers, FilesWithoutARowAndCopiesAreRemoved) {
 
 TEST_F(Leftovers, AFileWhoseRowWasCommittedStays) {
     Kill("0_\\1.2.dcm");
-    con->Execute(
-        "INSERT INTO ImageBild_T (SOPInstanceUID_NVC, GraphicURL_NVC) VALUES ('1.2', '0_\\1.2.dcm')");
+    con->Execute("INSERT INTO ImageBild_T (SOPInstanceUID_NVC, GraphicURL_NVC) VALUES ('1.2', '0_\\1.2.dcm')");
     RemoveLeftovers(con, root);
     EXPECT_THAT(InRoot(), ElementsAre("0_", "0_/1.2.dcm"));
 }
@@ -238,8 +237,7 @@ class RootTest : public Leftovers {
 protected:
     RootTest() {
         con->Execute("DELETE FROM Root_T");
-        con->Execute("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, '" + root.string() +
-                     "', 1)");
+        con->Execute("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, '" + root.string() + "', 1)");
     }
     std::string Refusal() {
         try {

@@ -82,9 +82,7 @@ struct AreaCodes {
     std::string_view meaning;
     std::string_view otherSrt = "";  ///< SRT code of the current concept, where it is not the key
 
-    constexpr bool Has(std::string_view value) const {
-        return value == key || value == current || value == otherSrt;
-    }
+    constexpr bool Has(std::string_view value) const { return value == key || value == current || value == otherSrt; }
 };
 
 constexpr std::array<AreaCodes, 6> Regions{{
@@ -155,8 +153,7 @@ DicomCode Coded(std::string_view value, std::string meaning) {
 std::string KindOfTooth(int tooth) {
     constexpr std::array permanent{"central incisor", "lateral incisor", "canine",       "first premolar",
                                    "second premolar", "first molar",     "second molar", "third molar"};
-    constexpr std::array deciduous{"central incisor", "lateral incisor", "canine", "first molar",
-                                   "second molar"};
+    constexpr std::array deciduous{"central incisor", "lateral incisor", "canine", "first molar", "second molar"};
     const auto place = static_cast<std::size_t>(tooth % 10 - 1);
     return tooth > 50 ? deciduous[place] : permanent[place];
 }
@@ -210,8 +207,7 @@ std::string AnatomyInWords(std::string_view region, std::string_view modifier, s
     const auto add = [&](std::string text) {
         if (text.empty()) return;
         const bool inWords = text.size() > 1 && text[1] >= 'a' && text[1] <= 'z';
-        if (!words.empty() && inWords)
-            text[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(text[0])));
+        if (!words.empty() && inWords) text[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(text[0])));
         words += (words.empty() ? "" : ", ") + text;
     };
     add(Meaning(Modifiers, modifier));

@@ -105,8 +105,7 @@ private:
         file.columns = Binary(set, DCM_Columns);
         const std::string meaning = Text(DCM_PhotometricInterpretation);
         file.colour = !meaning.empty() && !meaning.starts_with("MONOCHROME");
-        const DcmTagKey& spacing =
-            values.Number(set, DCM_PixelSpacing) > 0 ? DCM_PixelSpacing : DCM_ImagerPixelSpacing;
+        const DcmTagKey& spacing = values.Number(set, DCM_PixelSpacing) > 0 ? DCM_PixelSpacing : DCM_ImagerPixelSpacing;
         file.rowSpacing_mm = std::max(0.0, values.Number(set, spacing, 0));
         file.columnSpacing_mm = std::max(0.0, values.Number(set, spacing, 1));
         file.dpiX = DotsPerInch(file.columnSpacing_mm);
@@ -241,8 +240,7 @@ std::vector<std::string> ListedFiles(DcmDataset& directory) {
         OFString path;
         if (record.findAndGetOFStringArray(DCM_ReferencedFileID, path).bad() || path.empty()) return;
         std::string file;
-        for (const std::string& part : Split(path.c_str(), '\\'))
-            file += (file.empty() ? "" : "/") + Trimmed(part);
+        for (const std::string& part : Split(path.c_str(), '\\')) file += (file.empty() ? "" : "/") + Trimmed(part);
         if (std::ranges::find(files, file) == files.end()) files.push_back(file);
     });
     return files;

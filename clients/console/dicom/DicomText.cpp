@@ -51,8 +51,8 @@ std::size_t Utf8Length(std::string_view text) {
     const auto second = static_cast<unsigned char>(text[1]);
     const bool overlong = (lead == 0xE0 && second < 0xA0) || (lead == 0xF0 && second < 0x90);
     const bool outside = (lead == 0xED && second > 0x9F) || (lead == 0xF4 && second > 0x8F);
-    const bool follows = std::ranges::all_of(
-        text.substr(1, length - 1), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; });
+    const bool follows = std::ranges::all_of(text.substr(1, length - 1),
+                                             [](char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; });
     return follows && !overlong && !outside ? length : 0;
 }
 
@@ -115,9 +115,7 @@ public:
     }
 
 private:
-    bool Starts(std::string_view escape) const {
-        return !escape.empty() && rest.substr(1).starts_with(escape);
-    }
+    bool Starts(std::string_view escape) const { return !escape.empty() && rest.substr(1).starts_with(escape); }
 
     bool Switch() {
         const auto starts = [this](std::string_view escape) { return Starts(escape); };

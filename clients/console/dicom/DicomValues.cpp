@@ -32,8 +32,7 @@ std::string RawText(DcmItem& item, const DcmTagKey& tag) {
 
 /// True if no sequence below the item is nested deeper than `levels`.
 bool IsShallow(DcmItem& item, int levels) {
-    for (DcmObject* element = item.nextInContainer(nullptr); element;
-         element = item.nextInContainer(element)) {
+    for (DcmObject* element = item.nextInContainer(nullptr); element; element = item.nextInContainer(element)) {
         auto* const sequence = dynamic_cast<DcmSequenceOfItems*>(element);
         if (!sequence || dynamic_cast<DcmPixelSequence*>(element)) continue;
         for (unsigned long i = 0; i < sequence->card(); ++i)
@@ -46,8 +45,7 @@ bool IsShallow(DcmItem& item, int levels) {
 
 void RequireShallow(DcmItem& dataset) {
     if (!IsShallow(dataset, DeepestNesting))
-        throw std::runtime_error("its sequences are nested more than " + std::to_string(DeepestNesting) +
-                                 " deep");
+        throw std::runtime_error("its sequences are nested more than " + std::to_string(DeepestNesting) + " deep");
 }
 
 std::string Trimmed(std::string_view text) {
@@ -82,8 +80,7 @@ std::string TimeText(std::string_view value) {
     if (digits.size() % 2 != 0 || digits.size() > 6 || !AllDigits(digits)) digits.clear();
     digits.resize(6, '0');
     if (digits.compare(4, 2, "60") == 0) digits.replace(4, 2, "59");
-    const bool real =
-        NumberAt(digits, 0, 2) < 24 && NumberAt(digits, 2, 2) < 60 && NumberAt(digits, 4, 2) < 60;
+    const bool real = NumberAt(digits, 0, 2) < 24 && NumberAt(digits, 2, 2) < 60 && NumberAt(digits, 4, 2) < 60;
     if (!real) return "00:00:00";
     return digits.substr(0, 2) + ":" + digits.substr(2, 2) + ":" + digits.substr(4, 2);
 }
@@ -102,8 +99,7 @@ std::vector<std::string> Values::Texts(DcmItem& item, const DcmTagKey& tag) cons
 
 std::vector<std::string> Values::OtherPatientIDs(DcmItem& dataset) const {
     std::vector<std::string> ids = Texts(dataset, DCM_RETIRED_OtherPatientIDs);
-    EachItem(dataset, DCM_OtherPatientIDsSequence,
-             [&](DcmItem& other) { ids.push_back(Text(other, DCM_PatientID)); });
+    EachItem(dataset, DCM_OtherPatientIDsSequence, [&](DcmItem& other) { ids.push_back(Text(other, DCM_PatientID)); });
     return ids;
 }
 

@@ -43,9 +43,7 @@ std::string Text(DcmDataset& set, const DcmTagKey& tag) {
     return {text.data(), text.size()};
 }
 
-bool IsJpeg2000(E_TransferSyntax syntax) {
-    return syntax == EXS_JPEG2000LosslessOnly || syntax == EXS_JPEG2000;
-}
+bool IsJpeg2000(E_TransferSyntax syntax) { return syntax == EXS_JPEG2000LosslessOnly || syntax == EXS_JPEG2000; }
 
 DcmPixelData& PixelsOf(DcmDataset& set) {
     DcmElement* element = nullptr;
@@ -155,8 +153,8 @@ void Describe(DcmDataset& set, const Jpeg2000Image& image) {
 }
 
 std::vector<unsigned char> FirstJpeg2000Frame(DcmDataset& set) {
-    const Jpeg2000Image image = DecodeJpeg2000(FirstCodestream(set), Number(set, DCM_Rows),
-                                               Number(set, DCM_Columns), Number(set, DCM_SamplesPerPixel));
+    const Jpeg2000Image image = DecodeJpeg2000(FirstCodestream(set), Number(set, DCM_Rows), Number(set, DCM_Columns),
+                                               Number(set, DCM_SamplesPerPixel));
     Describe(set, image);
     if (image.bits <= 8) return {image.samples.begin(), image.samples.end()};
     std::vector<unsigned char> bytes(image.samples.size() * 2);
@@ -198,8 +196,8 @@ std::vector<unsigned char> FirstFrame(DcmDataset& set) {
     std::vector<unsigned char> bytes(size + size % 2);  // the toolkit pads to an even length
     Uint32 fragment = 0;
     OFString colours;
-    const OFCondition read = PixelsOf(set).getUncompressedFrame(
-        &set, 0, fragment, bytes.data(), static_cast<Uint32>(bytes.size()), colours, nullptr);
+    const OFCondition read = PixelsOf(set).getUncompressedFrame(&set, 0, fragment, bytes.data(),
+                                                                static_cast<Uint32>(bytes.size()), colours, nullptr);
     if (read.bad()) Refuse(std::string("its pixels are damaged: ") + read.text());
     bytes.resize(size);
     return bytes;

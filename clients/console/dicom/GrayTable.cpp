@@ -42,8 +42,8 @@ public:
           stored_(Number(set, DCM_BitsStored)),
           shift_(Number(set, DCM_HighBit) + 1 - stored_),
           signed_(Number(set, DCM_PixelRepresentation) == 1) {
-        const bool valid = (allocated_ == 8 || allocated_ == 16) && stored_ >= 1 && shift_ >= 0 &&
-                           stored_ + shift_ <= allocated_;
+        const bool valid =
+            (allocated_ == 8 || allocated_ == 16) && stored_ >= 1 && shift_ >= 0 && stored_ + shift_ <= allocated_;
         if (!valid) throw std::runtime_error("its samples have no form of 8 or 16 bits");
     }
 
@@ -136,8 +136,7 @@ private:
     bool Fill(DcmItem& item) {
         const Uint16* words = nullptr;
         unsigned long count = 0;
-        if (item.findAndGetUint16Array(DCM_LUTData, words, &count).bad() || !words || count == 0)
-            return false;
+        if (item.findAndGetUint16Array(DCM_LUTData, words, &count).bad() || !words || count == 0) return false;
         const bool packed = bits_ <= 8 && count < count_;
         for (std::size_t i = 0; i < count_ && i < (packed ? count * 2 : count); ++i)
             entries_.push_back(packed ? static_cast<Uint16>(words[i / 2] >> (i % 2 * 8) & 0xFF) : words[i]);

@@ -86,9 +86,7 @@ Codec CodecFor(std::string_view codestream, std::string& complaint) {
     return codec;
 }
 
-std::span<const opj_image_comp_t> Components(const opj_image_t& image) {
-    return {image.comps, image.numcomps};
-}
+std::span<const opj_image_comp_t> Components(const opj_image_t& image) { return {image.comps, image.numcomps}; }
 
 void CheckForm(const opj_image_t& image, unsigned rows, unsigned columns, unsigned channels) {
     if (image.numcomps != channels) Refuse("its JPEG 2000 pixels have another number of channels");
@@ -116,8 +114,7 @@ std::vector<std::uint16_t> SamplesOf(const opj_image_t& image) {
 
 }  // namespace
 
-Jpeg2000Image DecodeJpeg2000(std::string_view codestream, unsigned rows, unsigned columns,
-                             unsigned channels) {
+Jpeg2000Image DecodeJpeg2000(std::string_view codestream, unsigned rows, unsigned columns, unsigned channels) {
     std::string complaint;
     const auto require = [&](bool done) {
         if (done && complaint.empty()) return;

@@ -40,8 +40,7 @@ char TurnedRow(char row, char column, int degrees) {
 Orientation StandardView(std::string_view patientOrientation) {
     const Orientation asStored(1);
     const auto parted = patientOrientation.find('\\');
-    if (parted == std::string_view::npos || parted == 0 || parted + 1 == patientOrientation.size())
-        return asStored;
+    if (parted == std::string_view::npos || parted == 0 || parted + 1 == patientOrientation.size()) return asStored;
     const char row = patientOrientation[0], column = patientOrientation[parted + 1];
     const bool known = Opposite(row) != 0 && Opposite(column) != 0;
     if (!known || IsVertical(row) == IsVertical(column)) return asStored;

@@ -71,8 +71,8 @@ FoundFiles FindFiles(const std::vector<std::string>& names) {
 
 bool IsExpectedRadiograph(const FoundFile& file) {
     const std::string ending = file.path.extension().string();
-    return file.named || Platform::EqualsIgnoringCase(ending, ".dcm") ||
-           Platform::EqualsIgnoringCase(ending, ".dic") || Platform::EqualsIgnoringCase(ending, ".dicom");
+    return file.named || Platform::EqualsIgnoringCase(ending, ".dcm") || Platform::EqualsIgnoringCase(ending, ".dic") ||
+           Platform::EqualsIgnoringCase(ending, ".dicom");
 }
 
 }  // namespace Console

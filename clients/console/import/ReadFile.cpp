@@ -9,15 +9,14 @@
 
 namespace Console {
 
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(RadiographFile, patientID, issuer, otherPatientIDs, patientName,
-                                   familyName, givenName, sex, birthDate, studyUID, studyID, studyDateTime,
-                                   studyDescription, accessionNumber, referringPhysician, physiciansOfRecord,
-                                   seriesUID, seriesNumber, seriesDateTime, seriesDescription, modality,
-                                   operatorsName, sopInstanceUID, sopClassUID, instanceNumber,
-                                   acquisitionDateTime, rows, columns, rowSpacing_mm, columnSpacing_mm, dpiX,
-                                   dpiY, colour, kvp, tubeCurrent_mA, exposureTime_ms, laterality, teeth,
-                                   region, regionModifier, regionText, bodyPartExamined, manufacturer, model,
-                                   serialNumber)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(RadiographFile, patientID, issuer, otherPatientIDs, patientName, familyName,
+                                   givenName, sex, birthDate, studyUID, studyID, studyDateTime, studyDescription,
+                                   accessionNumber, referringPhysician, physiciansOfRecord, seriesUID, seriesNumber,
+                                   seriesDateTime, seriesDescription, modality, operatorsName, sopInstanceUID,
+                                   sopClassUID, instanceNumber, acquisitionDateTime, rows, columns, rowSpacing_mm,
+                                   columnSpacing_mm, dpiX, dpiY, colour, kvp, tubeCurrent_mA, exposureTime_ms,
+                                   laterality, teeth, region, regionModifier, regionText, bodyPartExamined,
+                                   manufacturer, model, serialNumber)
 
 namespace {
 
@@ -26,8 +25,8 @@ using nlohmann::json;
 /// Refuses what isn't a DICOM identifier: the library would take a UID without a dot for a row's key.
 void RequireUid(const std::string& uid, const char* what) {
     constexpr std::size_t longest = 64;
-    const bool formed = uid.find_first_not_of("0123456789.") == std::string::npos &&
-                        Platform::Contains(uid, ".") && uid.size() <= longest;
+    const bool formed = uid.find_first_not_of("0123456789.") == std::string::npos && Platform::Contains(uid, ".") &&
+                        uid.size() <= longest;
     if (!formed) throw UserError(fmt::format("its {} \"{}\" is no DICOM identifier", what, uid));
 }
 

@@ -13,8 +13,7 @@ struct ReadFile {
     bool foreign = false;                ///< refused because it isn't a DICOM file with a picture at all
     bool object = false;                 ///< foreign, and a DICOM object of a kind without picture
     std::vector<std::string> listed;     ///< the files that a DICOMDIR names, below its folder
-    std::string
-        noPicture;  ///< why the picture can't be drawn, though the file can be stored; empty if it can
+    std::string noPicture;  ///< why the picture can't be drawn, though the file can be stored; empty if it can
 };
 
 /// Reads the radiograph `path`; never throws. The bytes are for `Unpacked`, in another process.

@@ -28,8 +28,7 @@ std::string MarkedClinic(const fs::path& folder) {
     std::ifstream in(marker);
     std::string line;
     std::getline(in, line);
-    const std::string clinic =
-        line.starts_with(MarkerLine) ? Trim(line.substr(MarkerLine.size())) : std::string();
+    const std::string clinic = line.starts_with(MarkerLine) ? Trim(line.substr(MarkerLine.size())) : std::string();
     if (!clinic.empty()) return clinic;
     throw UserError(
         fmt::format("{} is no marker of a storage root, so nothing is stored; it is damaged. If the folder "
@@ -51,10 +50,10 @@ bool IsUnused(const fs::path& folder) {
 }
 
 [[noreturn]] void RefuseForeign(const fs::path& folder) {
-    throw UserError(fmt::format(
-        "{} belongs to another clinic, which its file {} names; nothing is stored there. Mount the right "
-        "disk, or delete that file if the other clinic doesn't exist any more",
-        folder.string(), RootMarker));
+    throw UserError(
+        fmt::format("{} belongs to another clinic, which its file {} names; nothing is stored there. Mount the right "
+                    "disk, or delete that file if the other clinic doesn't exist any more",
+                    folder.string(), RootMarker));
 }
 
 }  // namespace
@@ -95,18 +94,17 @@ bool StorageRoots::IsMarked(const fs::path& folder, Long root) const {
     if (!marked.empty() && marked == StoredIdentity()) return true;
     if (!marked.empty()) RefuseForeign(folder);
     if (!HoldsKnownFiles(folder, root))
-        throw UserError(fmt::format(
-            "the storage root {} doesn't hold the images that the database has there, so nothing is "
-            "stored; is its disk mounted?",
-            folder.string()));
+        throw UserError(
+            fmt::format("the storage root {} doesn't hold the images that the database has there, so nothing is "
+                        "stored; is its disk mounted?",
+                        folder.string()));
     return false;
 }
 
 /// True if one of the newest images of the root is there, or if it has none.
 bool StorageRoots::HoldsKnownFiles(const fs::path& folder, Long root) const {
-    const Ref<Recordset> rows =
-        con_->Execute(sql("SELECT GraphicURL_NVC FROM ImageBild_T WHERE RootId = ", root,
-                          " AND GraphicURL_NVC <> '' ORDER BY ImageBildID DESC LIMIT 100"));
+    const Ref<Recordset> rows = con_->Execute(sql("SELECT GraphicURL_NVC FROM ImageBild_T WHERE RootId = ", root,
+                                                  " AND GraphicURL_NVC <> '' ORDER BY ImageBildID DESC LIMIT 100"));
     if (rows->Eof()) return true;
     for (; !rows->Eof(); rows->MoveNext()) {
         std::error_code failure;
@@ -119,8 +117,7 @@ bool StorageRoots::HoldsKnownFiles(const fs::path& folder, Long root) const {
 void StorageRoots::Create(const fs::path& folder) {
     std::error_code failure;
     fs::create_directories(folder, failure);
-    if (failure)
-        throw UserError(fmt::format("can't make the folder {}: {}", folder.string(), failure.message()));
+    if (failure) throw UserError(fmt::format("can't make the folder {}: {}", folder.string(), failure.message()));
     const std::string marked = MarkedClinic(folder);
     if (!marked.empty() && marked != Identity() && !IsUnused(folder)) RefuseForeign(folder);
     if (marked != Identity()) WriteMarker(folder, Identity());
@@ -144,8 +141,7 @@ const std::string& StorageRoots::Identity() {
     identity_ = StoredIdentity();  // another program may have been faster
     if (identity_.empty()) {
         identity_ = New<cDoctors>()->GetGUID();
-        con_->Execute(
-            sql("INSERT INTO ClinicIdentity_T (Identity) VALUES ('", FixSqlString(identity_), "')"));
+        con_->Execute(sql("INSERT INTO ClinicIdentity_T (Identity) VALUES ('", FixSqlString(identity_), "')"));
     }
     transaction.Commit();
     return identity_;

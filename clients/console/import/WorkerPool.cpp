@@ -153,8 +153,7 @@ std::string ReasonOf(int status, const WorkerLimits& limits) {
         return fmt::format("reading it takes longer than {:g} seconds", limits.seconds);
     if (WIFEXITED(status) && WEXITSTATUS(status) == OutOfMemory)
         return fmt::format("reading it takes more than {} megabytes of memory", limits.megabytes);
-    if (WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL)
-        return "the system ended the process that read it";
+    if (WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) return "the system ended the process that read it";
     return "it is damaged, or nested too deeply: the process that read it crashed";
 }
 

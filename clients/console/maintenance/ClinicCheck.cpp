@@ -5,7 +5,6 @@
 #include "console/import/Staging.h"
 #include "console/maintenance/ClinicFiles.h"
 #include "console/patients/PatientStore.h"
-#include "frame/Reading.h"
 #include "frame/Statement.h"
 #include "frame/StoredName.h"
 #include "images/cImages.h"
@@ -84,9 +83,9 @@ constexpr Needed NeededColumns[] = {
 std::optional<Error> DamageOfColumn(const Ref<Recordset>& row, const Needed& needed) {
     try {
         switch (needed.holds) {
-            case Holds::Text: Required<String>(row, needed.column); break;
-            case Holds::Number: Required<Long>(row, needed.column); break;
-            case Holds::Date: Required<Date>(row, needed.column); break;
+            case Holds::Text: ValueOf<String>(row, needed.column); break;
+            case Holds::Number: ValueOf<Long>(row, needed.column); break;
+            case Holds::Date: ValueOf<Date>(row, needed.column); break;
         }
         return std::nullopt;
     } catch (const Error& failure) {

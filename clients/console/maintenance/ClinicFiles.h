@@ -32,8 +32,7 @@ struct FileContent {
 ///
 /// `path` returns the path of the file at a position, `take` gets what it holds. With `asImages` the files
 /// are read as radiographs too. Shows its progress on standard error.
-void ReadFiles(std::size_t count, bool asImages, const char* what,
-               const std::function<std::string(std::size_t)>& path,
+void ReadFiles(std::size_t count, bool asImages, const char* what, const std::function<std::string(std::size_t)>& path,
                const std::function<void(std::size_t, const FileContent&)>& take);
 
 /// The checksum of a file. Throws `UserError` if it can't be read.

@@ -25,14 +25,11 @@ Orientation::Orientation(Platform::Long number) {
 
 Platform::Long Orientation::Number() const {
     for (std::size_t i = 0; i < Forms.size(); ++i)
-        if (Forms[i].degrees == degrees_ && Forms[i].mirrored == mirrored_)
-            return static_cast<Platform::Long>(i + 1);
+        if (Forms[i].degrees == degrees_ && Forms[i].mirrored == mirrored_) return static_cast<Platform::Long>(i + 1);
     return 1;
 }
 
-Orientation Orientation::Turned(int degrees) const {
-    return {((degrees_ + degrees) % 360 + 360) % 360, mirrored_};
-}
+Orientation Orientation::Turned(int degrees) const { return {((degrees_ + degrees) % 360 + 360) % 360, mirrored_}; }
 
 Orientation Orientation::MirroredAsSeen() const { return {(360 - degrees_) % 360, !mirrored_}; }
 

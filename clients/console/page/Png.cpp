@@ -21,8 +21,7 @@ using Held = std::unique_ptr<T, Release>;
 
 [[noreturn]] void Refuse(GError* error) {
     const Held<GError> held(error);
-    throw std::runtime_error(std::string("the drawing can't be made: ") +
-                             (error ? error->message : "no reason"));
+    throw std::runtime_error(std::string("the drawing can't be made: ") + (error ? error->message : "no reason"));
 }
 
 Held<RsvgHandle> Parsed(const std::string& svg) {
@@ -63,8 +62,7 @@ std::string PngOfSvg(const std::string& svg, unsigned width) {
     constexpr double highest = 32767;
     const double height = std::max(1.0, std::round(width * ProportionOf(*handle)));
     if (!(height <= highest))
-        throw std::runtime_error(
-            "the drawing would be more than 32767 pixels high; make it less wide with --width");
+        throw std::runtime_error("the drawing would be more than 32767 pixels high; make it less wide with --width");
     const Held<cairo_surface_t> surface(
         cairo_image_surface_create(CAIRO_FORMAT_RGB24, static_cast<int>(width), static_cast<int>(height)));
     Require(cairo_surface_status(surface.get()));

@@ -63,8 +63,8 @@ private:
     void Begin() {
         const Rectangle whole = Whole();
         if (!options_.within) svg_ += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
-        Add("<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"{:.6g} {:.6g} {:.6g} {:.6g}\" role=\"img\"",
-            whole.x, whole.y, whole.width, whole.height);
+        Add("<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"{:.6g} {:.6g} {:.6g} {:.6g}\" role=\"img\"", whole.x,
+            whole.y, whole.width, whole.height);
         if (!options_.within) Add(" width=\"{:.6g}\" height=\"{:.6g}\"", whole.width, whole.height);
         Add(" aria-label=\"{0}\">\n<title>{0}</title>\n<rect x=\"{1:.6g}\" y=\"{2:.6g}\" width=\"100%\" "
             "height=\"100%\" "
@@ -107,8 +107,8 @@ private:
             width = height * picture.proportion;
         else if (known)
             height = width / picture.proportion;
-        return fmt::format("x=\"{:.6g}\" y=\"{:.6g}\" width=\"{:.6g}\" height=\"{:.6g}\"{}", -width / 2,
-                           -height / 2, width, height, known ? " preserveAspectRatio=\"none\"" : "");
+        return fmt::format("x=\"{:.6g}\" y=\"{:.6g}\" width=\"{:.6g}\" height=\"{:.6g}\"{}", -width / 2, -height / 2,
+                           width, height, known ? " preserveAspectRatio=\"none\"" : "");
     }
 
     void Number(const Rectangle& r, Platform::Long number) {
@@ -187,8 +187,7 @@ std::string XmlText(std::string_view text) {
 
 std::string DataAddress(const Picture& picture) {
     const std::unique_ptr<gchar, decltype(&g_free)> base64(
-        g_base64_encode(reinterpret_cast<const guchar*>(picture.bytes.data()), picture.bytes.size()),
-        &g_free);
+        g_base64_encode(reinterpret_cast<const guchar*>(picture.bytes.data()), picture.bytes.size()), &g_free);
     return "data:" + picture.mediaType + ";base64," + base64.get();
 }
 

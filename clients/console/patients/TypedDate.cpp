@@ -33,13 +33,10 @@ int MonthNamed(const std::string& word) {
 }
 
 std::optional<Date> YearFirst(const std::string& text) {
-    static const std::regex separated(R"((\d{4})([-./])(\d{1,2})\2(\d{1,2}))"),
-        basic(R"((\d{4})(\d{2})(\d{2}))");
+    static const std::regex separated(R"((\d{4})([-./])(\d{1,2})\2(\d{1,2}))"), basic(R"((\d{4})(\d{2})(\d{2}))");
     std::smatch match;
-    if (std::regex_match(text, match, separated))
-        return DayOf(Number(match, 1), Number(match, 3), Number(match, 4));
-    if (std::regex_match(text, match, basic))
-        return DayOf(Number(match, 1), Number(match, 2), Number(match, 3));
+    if (std::regex_match(text, match, separated)) return DayOf(Number(match, 1), Number(match, 3), Number(match, 4));
+    if (std::regex_match(text, match, basic)) return DayOf(Number(match, 1), Number(match, 2), Number(match, 3));
     return std::nullopt;
 }
 
@@ -61,8 +58,8 @@ std::optional<Date> YearLast(const std::string& text) {
     const int first = Number(match, 1), second = Number(match, 3), year = Number(match, 4);
     const auto dayFirst = DayOf(year, second, first), monthFirst = DayOf(year, first, second);
     if (dayFirst && monthFirst && *dayFirst != *monthFirst)
-        throw UserError(fmt::format("\"{}\" can be read as {} or as {}; write one of these", text,
-                                    DateText(*dayFirst), DateText(*monthFirst)));
+        throw UserError(fmt::format("\"{}\" can be read as {} or as {}; write one of these", text, DateText(*dayFirst),
+                                    DateText(*monthFirst)));
     return dayFirst ? dayFirst : monthFirst;
 }
 
