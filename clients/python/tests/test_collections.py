@@ -75,7 +75,7 @@ class Plain(unittest.TestCase):
         self.assertEqual(list(things), ["a", 1, None, oxclass.Null, tooth])
         things.Remove(1)
         self.assertEqual(things(1), 1)
-        self.assertEqual(things.Count(), 4)
+        self.assertEqual(things.Count, 4)
 
     def test_positions_that_are_not_there(self):
         things = oxclass.CreateObject("Collection")
