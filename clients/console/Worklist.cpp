@@ -333,7 +333,7 @@ Ref<cPatient> PatientOf(const Ref<Connection>& con, const WorklistEntry& entry, 
 
 /// Stores what a known patient's row lacks and the entry tells, unless the two are different people.
 void FillKnown(const Ref<Connection>& con, const cPatient& patient, const WorklistEntry& entry) {
-    const PatientIdentity stored = Console::IdentityOf(con, patient), person = IdentityOf(entry);
+    const PatientIdentity stored = ComparableIdentityOf(con, patient), person = IdentityOf(entry);
     if (!EqualsIgnoringCase(stored.patientID, person.patientID) || !Contradictions(stored, person).empty()) return;
     const std::string told = FillPatient(con, stored, person, "the worklist");
     if (!told.empty()) fmt::print(stderr, "oxclass: {}\n", Printable(told));

@@ -265,13 +265,31 @@ TEST_F(ImportIdentity, AGivenNameAloneTakesTheFamilyName) {
     EXPECT_EQ(Import().code, 3);
 }
 
+TEST_F(ImportIdentity, ABirthDateOrSexThatCannotBeReadFitsNoFile) {
+    Init();
+    Film("2.25.1", {"4711", "", "Ek^Anna", "", ""});
+    ASSERT_EQ(Import().code, 0);
+    Film("2.25.2", Anna);
+    const std::pair<const char*, const char*> damages[] = {
+        {"Birthdate_CH", "'ca. 1980'"}, {"Birthdate_CH", "'19800131'"}, {"Sex_CH", "'W'"}};
+    for (const auto& [column, value] : damages) {
+        Run(std::string("UPDATE Patient_T SET Birthdate_CH = '', Sex_CH = '', ") + column + " = " + value);
+        const Result run = Import();
+        EXPECT_EQ(run.code, 3) << value;
+        EXPECT_THAT(run.err, HasSubstr(std::string("column ") + column + " of its row can't be read")) << value;
+        EXPECT_EQ(OkJson({"images"}).size(), 1U) << value;
+    }
+}
+
 TEST_F(ImportIdentity, ABirthDateThatCannotBeReadIsNotReplaced) {
     Init();
     Film("2.25.1", {"4711", "", "Ek^Anna", "", ""});
     ASSERT_EQ(Import().code, 0);
     Run("UPDATE Patient_T SET Birthdate_CH = 'ca. 1980'");
     Film("2.25.2", Anna);
-    ASSERT_EQ(Import().code, 0);
+    const Result run = Import({"--patient", "#1"});
+    EXPECT_EQ(run.code, 0) << run.err;
+    EXPECT_THAT(run.out + run.err, ::testing::Not(HasSubstr("birth date")));
     EXPECT_EQ(OkJson({"patients"})[0]["born"], "ca. 1980");
     EXPECT_EQ(OkJson({"patient", "#1"})["Sex"], "F");
 }

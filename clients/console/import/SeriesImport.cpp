@@ -328,7 +328,7 @@ void SeriesImport::RequireOnePerson(const std::vector<Radiograph>& files) {
 
 /// Throws `IdentityConflict` if anything that a file of the series says contradicts the stored patient.
 void SeriesImport::RequireNoContradiction(const RadiographFile& file, Long patient) {
-    const PatientIdentity stored = IdentityOf(con_, *PatientOfRow(con_, patient));
+    const PatientIdentity stored = ComparableIdentityOf(con_, *PatientOfRow(con_, patient));
     for (const PatientIdentity& person : said_)
         if (!Contradictions(stored, person).empty())
             RaiseConflict(fmt::format("a file of the series belongs to another "
@@ -382,7 +382,7 @@ std::optional<Long> SeriesImport::PatientOfStudy(const RadiographFile& file) {
     if (!patient)
         throw UserError(fmt::format("its study {} belongs to patient #{}, who isn't in the database", file.studyUID,
                                     study->PatientID));
-    const PatientIdentity stored = IdentityOf(con_, *patient);
+    const PatientIdentity stored = decidedPatient_ ? IdentityOf(con_, *patient) : ComparableIdentityOf(con_, *patient);
     const auto other = std::ranges::find_if(said_, [&](const PatientIdentity& person) {
         return !EqualsIgnoringCase(stored.patientID, Trim(person.patientID)) || !Contradictions(stored, person).empty();
     });

@@ -120,15 +120,21 @@ void UpdateRow(const Ref<Connection>& con, const cPatient& patient) {
         con->Execute(sql("UPDATE Patient_T SET ", Clause(changes), " WHERE PatientID = ", patient.ID));
 }
 
-/// Writes a column that is null or blank.
-void FillColumn(const Ref<Connection>& con, Long patient, const char* column, const std::string& text) {
+/// Writes a column that is null or blank. Returns false and changes nothing for any other.
+bool FillColumn(const Ref<Connection>& con, Long patient, const char* column, const std::string& text) {
+    Long affected = 0;
     con->Execute(sql("UPDATE Patient_T SET ", Clause(column), " = '", FixSqlString(text),
-                     "' WHERE PatientID = ", patient, " AND trim(ifnull(", Clause(column), ", '')) = ''"));
+                     "' WHERE PatientID = ", patient, " AND trim(ifnull(", Clause(column), ", '')) = ''"),
+                 &affected);
+    return affected > 0;
 }
 
-/// Stores one property of an identity, and tells it: "sex F".
+/// Stores one property of an identity where the row lacks it. Returns what was stored, "sex F", or an empty text.
 std::string FillField(const Ref<Connection>& con, const PatientIdentity& person, IdentityField field) {
     const auto patient = static_cast<Long>(person.number);
+    const auto fill = [&](const char* column, const std::string& text, const std::string& stored) {
+        return FillColumn(con, patient, column, text) ? stored : std::string();
+    };
     switch (field) {
         case IdentityField::Issuer: StoreIssuer(con, patient, person.issuer); return "issuer " + person.issuer;
         case IdentityField::Name:
@@ -136,9 +142,8 @@ std::string FillField(const Ref<Connection>& con, const PatientIdentity& person,
             FillColumn(con, patient, "FirstName_NVC", person.names.front().given);
             return "name " + person.Name();
         case IdentityField::BirthDate:
-            FillColumn(con, patient, "Birthdate_CH", DateColumn(person.birthDate));
-            return "birth date " + DateText(person.birthDate);
-        default: FillColumn(con, patient, "Sex_CH", person.sex); return "sex " + person.sex;
+            return fill("Birthdate_CH", DateColumn(person.birthDate), "birth date " + DateText(person.birthDate));
+        default: return fill("Sex_CH", person.sex, "sex " + person.sex);
     }
 }
 
@@ -159,6 +164,18 @@ PatientIdentity IdentityOf(const Ref<Connection>& con, const cPatient& patient) 
             .names = {{patient.LastName, patient.FirstName}},
             .birthDate = patient.BirthDate,
             .sex = SexLetter(patient.Sex)};
+}
+
+PatientIdentity ComparableIdentityOf(const Ref<Connection>& con, const cPatient& patient) {
+    PatientIdentity identity = IdentityOf(con, patient);
+    const bool noDate = !patient.LoadCompletion().Complete();
+    const bool noSex = identity.sex.empty() && !Trim(patient.Sex).empty();
+    if (noDate || noSex)
+        throw UserError(fmt::format(
+            "patient {} can't be compared with a file: column {} of its row can't be read; correct it "
+            "with: oxclass patient '#{}' {}=...",
+            ShortName(identity), noDate ? "Birthdate_CH" : "Sex_CH", patient.ID, noDate ? "BirthDate" : "Sex"));
+    return identity;
 }
 
 Ref<cPatient> PatientOfRow(const Ref<Connection>& con, Long number) {
@@ -206,7 +223,7 @@ PatientMatch MatchPatient(const Ref<Connection>& con, const PatientIdentity& per
     const std::vector<Ref<cPatient>> patients = PatientsWithID(con, person.patientID);
     std::vector<PatientIdentity> fitting;
     for (const auto& patient : patients) {
-        PatientIdentity stored = IdentityOf(con, *patient);
+        PatientIdentity stored = ComparableIdentityOf(con, *patient);
         const bool idIsEnough = patients.size() == 1 && SameIssuer(stored, person);
         const bool contradicts = !Contradictions(stored, person).empty();
         const bool fits = idIsEnough ? !contradicts : Confirms(stored, person);
@@ -263,7 +280,8 @@ std::string FillPatient(const Ref<Connection>& con, const PatientIdentity& store
                         const char* source) {
     PatientIdentity filled = stored;
     std::vector<std::string> added;
-    for (const IdentityField field : Complete(filled, said)) added.push_back(FillField(con, filled, field));
+    for (const IdentityField field : Complete(filled, said))
+        if (std::string told = FillField(con, filled, field); !told.empty()) added.push_back(std::move(told));
     if (added.empty()) return {};
     return fmt::format("patient #{} {}: {} added from {}", stored.number, filled.Name(), fmt::join(added, ", "),
                        source);

@@ -14,6 +14,10 @@ PatientIdentity IdentityOf(const RadiographFile& file);
 /// The identity of a loaded patient, with the issuer of its identifier.
 PatientIdentity IdentityOf(const Ref<Connection>& con, const OXClass::cPatient& patient);
 
+/// The same, for deciding whether it is the person of a file. Throws `UserError` if the birth date or the sex of the
+/// row can't be read: taken for blank, it would not contradict anybody.
+PatientIdentity ComparableIdentityOf(const Ref<Connection>& con, const OXClass::cPatient& patient);
+
 /// Loads the patient of this row; null if there is none. A birth date that is no date counts as not known.
 /// Throws `UserError`, which names row and column, for any other row that can't be read whole, so that it is
 /// never taken for a missing one.
