@@ -9,17 +9,6 @@ using namespace OXClass;
 
 namespace {
 
-/// Runs a load; what it raises about a column becomes the `UserError` that names the row.
-template <class Load>
-void RefusingDamage(const std::string& row, Load load) {
-    try {
-        load();
-    } catch (const Error& failure) {
-        if (failure.Column.empty()) throw;
-        RefuseDamaged(row, failure);
-    }
-}
-
 std::string LineOn(const std::string& row, const Error& failure) {
     return fmt::format("{} can't be read: {}", row, DamageOf(failure));
 }
@@ -106,7 +95,7 @@ Ref<cImage> LoadWholeImage(const Ref<Connection>& con, Long number) {
     const std::string name = fmt::format("image {}", number);
     Ref<cImage> image = New<cImage>();
     bool found = false;
-    RefusingDamage(name, [&] { found = image->GetImage(con, number); });
+    WithRowName(name, [&] { found = image->GetImage(con, number); });
     RequireComplete(*image, name);
     if (!found) throw UserError(fmt::format("there is no {}; see: oxclass images", name));
     return image;
@@ -114,7 +103,7 @@ Ref<cImage> LoadWholeImage(const Ref<Connection>& con, Long number) {
 
 void LoadWhole(const Ref<Connection>& con, cImagecard& card, Long number) {
     const std::string name = fmt::format("card IC{}", number);
-    RefusingDamage(name, [&] { WithoutTextBoxes([&] { card.GetImageCard(con, number); }); });
+    WithRowName(name, [&] { WithoutTextBoxes([&] { card.GetImageCard(con, number); }); });
     RequireComplete(card, "a placed image of " + name);
     if (number == 0 || card.ICID == 0)
         throw UserError(fmt::format("there is no image {}; see: oxclass cards PATIENT", name));

@@ -25,6 +25,17 @@ std::string WhyNoImage(const OXClass::cUniCard& entry, Platform::Long image);
 /// Throws the `UserError` that names a damaged row ("image 5"), its column, and what to do.
 [[noreturn]] void RefuseDamaged(const std::string& row, const Platform::Error& failure);
 
+/// Returns what `load` returns. A failure that it raises about a column becomes the `UserError` of `RefuseDamaged`.
+template <class Load>
+auto WithRowName(const std::string& row, Load load) -> decltype(load()) {
+    try {
+        return load();
+    } catch (const Platform::Error& failure) {
+        if (failure.Column.empty()) throw;
+        RefuseDamaged(row, failure);
+    }
+}
+
 /// Throws that `UserError` unless the reading of the row came to its end.
 void RequireComplete(const OXClass::Completion& reading, const std::string& row);
 

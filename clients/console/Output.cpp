@@ -31,6 +31,14 @@ std::size_t MarkAt(std::string_view text, std::size_t at) {
     return 0;
 }
 
+/// The number of bytes at `at` that are the delete character or a control character of U+0080 to U+009F; 0 for any
+/// other.
+std::size_t UpperControlAt(std::string_view text, std::size_t at) {
+    const auto byte = [&](std::size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0; };
+    if (byte(at) == 0x7F) return 1;
+    return byte(at) == 0xC2 && byte(at + 1) >= 0x80 && byte(at + 1) <= 0x9F ? 2 : 0;
+}
+
 }  // namespace
 
 std::size_t DisplayWidth(std::string_view text) {
@@ -48,10 +56,8 @@ std::string Printable(std::string text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (const std::size_t mark = MarkAt(text, i); mark > 0) text.erase(i--, mark);
         if (i >= text.size()) continue;
-        const auto byte = [&](std::size_t at) { return at < text.size() ? static_cast<unsigned char>(text[at]) : 0; };
-        if (byte(i) < ' ' || byte(i) == 0x7F) text[i] = ' ';
-        // The second set of control characters, U+0080 to U+009F.
-        if (byte(i) == 0xC2 && byte(i + 1) >= 0x80 && byte(i + 1) <= 0x9F) text.replace(i, 2, "  ");
+        if (static_cast<unsigned char>(text[i]) < ' ') text[i] = ' ';
+        if (const std::size_t size = UpperControlAt(text, i); size > 0) text.replace(i, size, size, ' ');
     }
     return text;
 }
@@ -78,10 +84,7 @@ void PrintJson(const Json& json) {
     const std::string text = json.dump(2, ' ', false, Json::error_handler_t::replace);
     std::string escaped;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0);
-        const bool control = byte == 0x7F || (byte == 0xC2 && next >= 0x80 && next <= 0x9F);
-        const std::size_t size = control ? (byte == 0x7F ? 1 : 2) : MarkAt(text, i);
+        const std::size_t control = UpperControlAt(text, i), size = control > 0 ? control : MarkAt(text, i);
         if (size == 0) {
             escaped += text[i];
             continue;

@@ -75,22 +75,12 @@ std::string Called(const PatientIdentity& stored) { return Trim(fmt::format("#{}
 
 /// Loads the study of a file; false if it isn't known. Throws `UserError` for one that can't be read whole.
 bool LoadStudy(const Ref<Connection>& con, cStudy& study, const RadiographFile& file) {
-    try {
-        return study.loadStudy(file.studyUID, con);
-    } catch (const Error& failure) {
-        if (failure.Column.empty()) throw;
-        RefuseDamaged("study " + file.studyUID, failure);
-    }
+    return WithRowName("study " + file.studyUID, [&] { return study.loadStudy(file.studyUID, con); });
 }
 
 /// The same for its series.
 bool LoadSeries(const Ref<Connection>& con, cSerie& series, const RadiographFile& file) {
-    try {
-        return series.loadSeries(file.seriesUID, con);
-    } catch (const Error& failure) {
-        if (failure.Column.empty()) throw;
-        RefuseDamaged("series " + file.seriesUID, failure);
-    }
+    return WithRowName("series " + file.seriesUID, [&] { return series.loadSeries(file.seriesUID, con); });
 }
 
 /// Throws `UserError` if an image without SOP Instance UID has the file of this UID: it is the same image.

@@ -47,7 +47,7 @@ Parts PartsOf(const std::string& name) {
     return parts;
 }
 
-std::string TextOrEmpty(const Parts& parts) { return std::accumulate(parts.begin(), parts.end(), std::string()); }
+std::string Concatenated(const Parts& parts) { return std::accumulate(parts.begin(), parts.end(), std::string()); }
 
 Parts SortedParts(const Parts& family, const Parts& given) {
     Parts all = family;
@@ -83,7 +83,7 @@ void TakeOutEqualParts(Parts& a, Parts& b) {
 /// or as an initial.
 bool GivenNamesAgree(Parts a, Parts b) {
     if (a.size() > b.size()) std::swap(a, b);
-    if (a.empty() || TextOrEmpty(a) == TextOrEmpty(b)) return true;
+    if (a.empty() || Concatenated(a) == Concatenated(b)) return true;
     TakeOutEqualParts(a, b);
     return std::ranges::all_of(a, [&](const std::string& part) {
         const auto hit = std::ranges::find_if(b, [&](const std::string& other) { return IsInitialOf(part, other); });
@@ -98,9 +98,9 @@ bool WritingsAgree(const NameWriting& a, const NameWriting& b) {
     const Parts familyB = PartsOf(b.family), givenB = PartsOf(b.given);
     if (SortedParts(familyA, givenA) == SortedParts(familyB, givenB)) return true;
     const bool oneFamilyUnknown = familyA.empty() || familyB.empty();
-    if ((oneFamilyUnknown || TextOrEmpty(familyA) == TextOrEmpty(familyB)) && GivenNamesAgree(givenA, givenB))
+    if ((oneFamilyUnknown || Concatenated(familyA) == Concatenated(familyB)) && GivenNamesAgree(givenA, givenB))
         return true;
-    return TextOrEmpty(familyA) == TextOrEmpty(givenB) && TextOrEmpty(givenA) == TextOrEmpty(familyB);
+    return Concatenated(familyA) == Concatenated(givenB) && Concatenated(givenA) == Concatenated(familyB);
 }
 
 bool IsKnown(const NameWriting& writing) { return !PartsOf(writing.family + " " + writing.given).empty(); }
