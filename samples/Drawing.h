@@ -1,6 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+#include <thread>
 #include <vector>
 
 namespace Samples {
@@ -76,19 +78,27 @@ public:
     /// A film of columns x rows pixels around `centre`, turned by `turn` radians.
     Film(int columns, int rows, double spacing_mm, Point centre, double turn = 0);
 
-    /// Changes each density to `layer(place, density)`.
+    /// Changes each density to `layer(place, density)`. Several threads call `layer` at the same time.
     template <class Function>
     void Layer(const Function& layer) {
-        float* density = densities.data();
-        for (int row = 0; row < rows; ++row) {
-            for (int column = 0; column < columns; ++column, ++density)
-                *density = static_cast<float>(layer(PlaceOf(column, row), static_cast<double>(*density)));
-        }
+        const int threads = std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
+        std::vector<std::jthread> workers;
+        for (int first = 0; first < threads; ++first)
+            workers.emplace_back([&layer, this, first, threads] {
+                for (int row = first; row < rows; row += threads) LayerRow(layer, row);
+            });
     }
 
     Picture Develop(const Development& how) const;
 
 private:
+    template <class Function>
+    void LayerRow(const Function& layer, int row) {
+        float* density = densities.data() + static_cast<std::size_t>(row) * static_cast<std::size_t>(columns);
+        for (int column = 0; column < columns; ++column, ++density)
+            *density = static_cast<float>(layer(PlaceOf(column, row), static_cast<double>(*density)));
+    }
+
     Point PlaceOf(int column, int row) const;
     double Border(int column, int row, double corner_mm) const;
 

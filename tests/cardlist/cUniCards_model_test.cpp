@@ -1,11 +1,11 @@
 #include "cardlist/cUniCards.h"
 #include "kit/Database.h"
+#include "kit/Random.h"
 #include "platform/runtime/Services.h"
 
 #include <map>
 #include <optional>
 #include <ostream>
-#include <random>
 #include <set>
 #include <utility>
 
@@ -232,21 +232,18 @@ protected:
         con->Advise(log);
     }
 
-    int Below(int limit) { return std::uniform_int_distribution<int>(0, limit - 1)(random_); }
-    bool OneIn(int many) { return Below(many) == 0; }
-
     /// One of a few texts for a column, a number or a quoted text.
     String OneOf(std::initializer_list<const char*> texts) {
-        return texts.begin()[Below(static_cast<int>(texts.size()))];
+        return texts.begin()[random.Below(static_cast<int>(texts.size()))];
     }
     /// Rarely a null, else this.
-    String Rarely(const String& text) { return OneIn(120) ? "NULL" : text; }
+    String Rarely(const String& text) { return random.OneIn(120) ? "NULL" : text; }
     String DateText() {
         return OneOf({"'2024-01-01 00:00:00'", "'2024-01-02 00:00:00'", "'2024-01-02 00:00:01'",
                       "'2023-12-31 23:59:59'", "'1899-12-30 00:00:00'", "'1899-12-29 12:00:00'"});
     }
     String DateOfSeries() {
-        if (OneIn(4)) return DateText();
+        if (random.OneIn(4)) return DateText();
         return OneOf({"NULL", "'2024-05-06 12:00:00'", "'2024-05-06 12:00:01'", "'2024-05-06 11:59:59'",
                       "'2024-05-06 12:09:00'", "'2025-01-01 00:00:00'", "'2024-01-02 00:00:00'"});
     }
@@ -256,9 +253,9 @@ protected:
             con->Execute("DELETE FROM " + String(table));
         con->Execute("INSERT INTO Patient_T (PatientID, PersonNr_CH) VALUES (7, 'A'), (8, 'B'), (9, '" +
                      OneOf({"A", "C", "C", "C"}) + "')");
-        for (int i = Below(6); i > 0; --i) AddCard(i);
-        for (int i = Below(4); i > 0; --i) AddStudy(i);
-        for (int i = Below(7); i > 0; --i) AddSeries(i);
+        for (int i = random.Below(6); i > 0; --i) AddCard(i);
+        for (int i = random.Below(4); i > 0; --i) AddStudy(i);
+        for (int i = random.Below(7); i > 0; --i) AddSeries(i);
     }
 
     void AddCard(int key) {
@@ -267,7 +264,7 @@ protected:
             " ICDescription, ICFullViewHeight) VALUES (" +
             CStr(Long{key}) + ", " + OneOf({"7", "7", "7", "8", "9", "99"}) + ", " + Rarely(DateText()) + ", " +
             Rarely(DateText()) + ", " + Rarely("'n" + CStr(Long{key}) + "'") + ", " + Rarely("''") + ", " +
-            (OneIn(120) ? "-5" : OneOf({"NULL", "0", "600"})) + ")");
+            (random.OneIn(120) ? "-5" : OneOf({"NULL", "0", "600"})) + ")");
     }
     void AddStudy(int key) {
         con->Execute(
@@ -280,10 +277,10 @@ protected:
         con->Execute(
             "INSERT INTO Series_T (Series_ID, Study_ID, orgServerID, SeriesDateTime,"
             " SeriesDescription, SeriesInstanceUID) VALUES (" +
-            CStr(Long{key}) + ", " + CStr(Long{1 + Below(3)}) + ", " + OneOf({"0", "0", "NULL", "3"}) + ", " +
+            CStr(Long{key}) + ", " + CStr(Long{1 + random.Below(3)}) + ", " + OneOf({"0", "0", "NULL", "3"}) + ", " +
             DateOfSeries() + ", " + OneOf({"NULL", "'d'"}) + ", " + Rarely("'1.3'") + ")");
-        const bool whole = OneIn(2);
-        for (int i = Below(4); i > 0; --i)
+        const bool whole = random.OneIn(2);
+        for (int i = random.Below(4); i > 0; --i)
             con->Execute(
                 "INSERT INTO ImageBild_T (Series_ID, GraphicURL_NVC, Approved, DicomStatus_INT)"
                 " VALUES (" +
@@ -301,10 +298,10 @@ protected:
             " ICDescription) VALUES (1000, 1, '2024-01-01 00:00:00', '2024-01-01 00:00:00', '', '')");
         list.GetICAndSEList4Patient(con, "FIRST", 0);
         con->Execute("DELETE FROM ImageCard_T WHERE ImageCardID=1000");
-        for (int i = 1 + Below(3); i > 0; --i) {
+        for (int i = 1 + random.Below(3); i > 0; --i) {
             Model::Member member;
-            member.undated = OneIn(6);
-            member.shown.key = OneIn(5) ? "ic" + CStr(Long{i}) : "own" + CStr(Long{i});
+            member.undated = random.OneIn(6);
+            member.shown.key = random.OneIn(5) ? "ic" + CStr(Long{i}) : "own" + CStr(Long{i});
             const Ref<cUniCard> entry = New<cUniCard>();
             entry->Key = member.shown.key;
             if (member.undated) {
@@ -372,13 +369,14 @@ protected:
         return outcome;
     }
 
+    Random random;
+
 private:
-    std::mt19937 random_{20240506};
     const std::function<Date()> clock_ = TheHost().Now;
 };
 
 TEST_F(UniCardsModel, GivesTheSameListOnRandomDatabases) {
-    constexpr int rounds = 3000;
+    constexpr int rounds = 1000;
     const double tenMinutesAgo = DateFrom({2024, 5, 6, 12, 0, 0}).Days;
     int boxes = 0, orphans = 0, entries = 0, repeated = 0;
     con->BeginTrans();
@@ -386,8 +384,8 @@ TEST_F(UniCardsModel, GivesTheSameListOnRandomDatabases) {
         FillTables();
         const Ref<cUniCards> list = New<cUniCards>();
         Model model(con, tenMinutesAgo);
-        if (OneIn(4)) Preload(*list, model);
-        for (int call = OneIn(3) ? 2 : 1; call > 0; --call) {
+        if (random.OneIn(4)) Preload(*list, model);
+        for (int call = random.OneIn(3) ? 2 : 1; call > 0; --call) {
             const String person = OneOf({"A", "A", "A", "B", "X"});
             const Long before = CLng(con->Execute("SELECT COUNT(*) FROM Series_T")->Fields(0).Value());
             con->BeginTrans();

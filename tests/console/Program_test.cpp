@@ -1,8 +1,8 @@
 #include "ProgramTest.h"
+#include "kit/Random.h"
 
 #include <algorithm>
 #include <fstream>
-#include <random>
 
 namespace {
 
@@ -106,7 +106,7 @@ TEST_F(Program, UnknownThingsAreNamed) {
 
 TEST_F(Program, AFullMouthHangsByItsTeethInWhateverOrderItWasTaken) {
     Init();
-    std::mt19937 random(20261121);
+    TestKit::Random random;
     for (int round = 1; round <= 6; ++round) {
         std::vector<Film> films = FullMouth18;
         std::shuffle(films.begin(), films.end(), random);
@@ -125,7 +125,7 @@ TEST_F(Program, TwentyFilmsHangInLayoutFiveAndBitewingsInSevenAndEight) {
     std::vector<Film> twenty = FullMouth18;
     twenty.push_back({{11, 12}, ""});
     twenty.push_back({{21, 22}, ""});
-    std::shuffle(twenty.begin(), twenty.end(), std::mt19937(3));
+    std::shuffle(twenty.begin(), twenty.end(), TestKit::Random());
     WriteSeries("2.25.81", twenty);
     WriteSeries("2.25.82", {FullMouth18[9], FullMouth18[7], FullMouth18[10], FullMouth18[8]});
     WriteSeries("2.25.83", {FullMouth18[10], FullMouth18[7]});

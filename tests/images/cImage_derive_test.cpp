@@ -1,9 +1,6 @@
 #include "images/cImage.h"
 #include "kit/Database.h"
-
-#include <cstdlib>
-#include <iostream>
-#include <random>
+#include "kit/Random.h"
 
 /// What an image's tooth string says of its side, its jaw and the region of the jaw.
 namespace OXClass {
@@ -191,14 +188,11 @@ String ModelOfModifier(const String& t) {
 }
 
 TEST(DeriveAnaRegionMod, AgreesWithTheTableOnRandomTeeth) {
-    const char* const given = std::getenv("OXCLASS_SEED");
-    const unsigned seed = given ? static_cast<unsigned>(std::strtoul(given, nullptr, 10)) : std::random_device{}();
-    std::cout << "OXCLASS_SEED=" << seed << '\n';
-    std::mt19937 random(seed);
-    for (int round = 0; round < 20'000; ++round) {
+    Random random;
+    for (int round = 0; round < 5'000; ++round) {
         String teeth;
-        for (auto left = random() % 7; left > 0; --left)
-            teeth += std::to_string((random() % 4 + 1) * 10 + random() % 8 + 1) + (random() % 20 == 0 ? "" : ",");
+        for (int left = random.Below(7); left > 0; --left)
+            teeth += std::to_string((random.Below(4) + 1) * 10 + random.Below(8) + 1) + (random.OneIn(20) ? "" : ",");
         EXPECT_EQ(ModifierOf(teeth), ModelOfModifier(teeth)) << teeth;
         EXPECT_NE(ModifierOf(teeth), "T-5100A") << "the first rule takes all that would give it: " << teeth;
     }

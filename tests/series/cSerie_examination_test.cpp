@@ -1,11 +1,9 @@
 #include "images/cImage.h"
 #include "kit/Database.h"
+#include "kit/Random.h"
 #include "series/cSerie.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <iostream>
-#include <random>
 
 /// Whole examinations: the films of the usual mounts, of which only the teeth are known, land in their
 /// frames.
@@ -14,14 +12,6 @@ namespace {
 
 using namespace TestKit;
 using ::testing::IsEmpty;
-
-/// A seed from OXCLASS_SEED, or a new one; told, so that a failing run can be repeated.
-std::mt19937 Randomness() {
-    const char* const given = std::getenv("OXCLASS_SEED");
-    const unsigned seed = given ? static_cast<unsigned>(std::strtoul(given, nullptr, 10)) : std::random_device{}();
-    std::cout << "OXCLASS_SEED=" << seed << '\n';
-    return std::mt19937(seed);
-}
 
 class Examination : public WithDatabase {
 protected:
@@ -43,7 +33,7 @@ protected:
     /// `ahead`, by their frames, the first comes ahead of the second.
     void HangInAnyOrder(const std::vector<String>& films, Long layout,
                         const std::vector<std::pair<std::size_t, std::size_t>>& ahead = {}) {
-        std::mt19937 random = Randomness();
+        Random random;
         std::vector<std::size_t> order(films.size());
         for (std::size_t i = 0; i < order.size(); ++i) order[i] = i + 1;
         for (int round = 0; round < 300; ++round) {

