@@ -1,6 +1,7 @@
 #include "anatomy/cAnatomicDescription.h"
 
 #include "anatomy/ToothString.h"
+#include "frame/Help.h"
 #include "frame/Reading.h"
 #include "platform/component/dispatch/InterfaceTable.h"
 
@@ -117,26 +118,49 @@ void cAnatomicDescription::SetTeethFromString(const String& sIOstring, const Ref
 
 const Interface& cAnatomicDescription::Describe() const {
     using Self = cAnatomicDescription;
-    static const Interface& self = InterfaceOf<Self>({
-        Operation<&Self::InitCollection>("InitCollection"),
-        Operation<&Self::LoadSGN>("LoadSGN", {"Con", "lADId"}),
-        Operation<&Self::SaveSGN>("SaveSGN", {"Con"}),
-        Property<&Self::ADName>("ADName"),
-        Property<&Self::ADLaterality>("ADLaterality"),
-        Property<&Self::ADAnaRegion>("ADAnaRegion"),
-        Property<&Self::ADAnaRegionMod>("ADAnaRegionMod"),
-        Property<&Self::ADPriStructure>("ADPriStructure"),
-        Property<&Self::ADType>("ADType"),
-        Property<&Self::ID>("ID"),
-        Property<&Self::ADOrderNo>("ADOrderNo"),
-        Property<&Self::ADComments>("ADComments"),
-        ObjectProperty<&Self::cTeeth, &Self::SetcTeeth>("cTeeth"),
-        PropertyGetFirst<&Self::ADId>("ADId", PutForm::ByReference),
-        Operation<&Self::DeleteSGN>("DeleteSGN", {"Con"}),
-        Operation<&Self::DeleteSGNOnTGId>("DeleteSGNOnTGId", {"Con"}),
-        Operation<&Self::GetAsString>("GetAsString", {Optional("bComm", true)}),
-        Operation<&Self::SetTeethFromString>("SetTeethFromString", {"sIOstring", "oTeeth"}),
-    });
+    static const Interface& self = InterfaceOf<Self>(
+        "The anatomy that an image or a template slot shows: side, region, structure, teeth.",
+        {
+            Operation<&Self::InitCollection>("InitCollection",
+                                             "Replaces cTeeth by the full set of 52 teeth, none of them selected."),
+            Operation<&Self::LoadSGN>(
+                "LoadSGN", "Loads the first row of a group. Changes nothing and raises nothing if there is none.",
+                {{"Con", Help::Connection}, {"lADId", "The number of the group, see ADId."}}),
+            Operation<&Self::SaveSGN>(
+                "SaveSGN", "Writes the row. Returns false after a failure, which can leave a transaction open.",
+                {{"Con", Help::Connection}}),
+            Property<&Self::ADName>("ADName", "The name of the group; a load sets it only if it is empty."),
+            Property<&Self::ADLaterality>("ADLaterality", "The side: R right, L left, B both, or empty."),
+            Property<&Self::ADAnaRegion>(
+                "ADAnaRegion", "The code of the anatomic region, such as T-11170; a load changes T-D1217 to T-D1213."),
+            Property<&Self::ADAnaRegionMod>(
+                "ADAnaRegionMod", "The code of the region modifier, such as T-5100B; empty if there is none."),
+            Property<&Self::ADPriStructure>(
+                "ADPriStructure",
+                "The primary structure; in an intra-oral row the selected teeth, which a save writes here."),
+            Property<&Self::ADType>("ADType", "The kind: 0 intra-oral, 1 any other X-ray image, 999 all."),
+            Property<&Self::ID>("ID", "The key of the row, which the database assigns; 0 or below if it isn't stored."),
+            Property<&Self::ADOrderNo>("ADOrderNo", "The position of the group in lists."),
+            Property<&Self::ADComments>("ADComments", "Free text about the group."),
+            ObjectProperty<&Self::cTeeth, &Self::SetcTeeth>(
+                "cTeeth", "The teeth, never null; a put replaces the collection without copying it."),
+            PropertyGetFirst<&Self::ADId>(
+                "ADId", "The number of the group; the save of a new row replaces 0 or less by its key + 1000.",
+                PutForm::ByReference),
+            Operation<&Self::DeleteSGN>("DeleteSGN",
+                                        "Deletes the row of ID; templates that name its group stay unchanged.",
+                                        {{"Con", Help::Connection}}),
+            Operation<&Self::DeleteSGNOnTGId>(
+                "DeleteSGNOnTGId", "Deletes all rows of the group ADId; templates that name it stay unchanged.",
+                {{"Con", Help::Connection}}),
+            Operation<&Self::GetAsString>(
+                "GetAsString", "Returns the selected teeth in order: for each tooth its two digits and a comma.",
+                {Optional("bComm", "False omits the commas; SetTeethFromString can't read such a text.", true)}),
+            Operation<&Self::SetTeethFromString>(
+                "SetTeethFromString", "Replaces cTeeth by the full set and selects the teeth that a text names.",
+                {{"sIOstring", "For each tooth its two digits and a comma; an empty text selects none."},
+                 {"oTeeth", "Ignored; the teeth are selected in this object's own new collection."}}),
+        });
     return self;
 }
 

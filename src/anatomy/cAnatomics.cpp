@@ -7,7 +7,8 @@ namespace OXClass {
 using namespace Platform;
 
 const Interface& cAnatomics::Describe() const {
-    static const Interface& self = InterfaceOf<cAnatomics>({});
+    static const Interface& self =
+        InterfaceOf<cAnatomics>("A class without members, kept for programs that create it.", {});
     return self;
 }
 

@@ -1,5 +1,6 @@
 #include "frame/Class1.h"
 
+#include "frame/Help.h"
 #include "frame/Reading.h"
 #include "platform/component/dispatch/InterfaceTable.h"
 
@@ -90,16 +91,45 @@ String Class1::GetInstanceUID(Ref<Connection> Con) {
 }
 
 const Interface& Class1::Describe() const {
-    static const Interface& self = InterfaceOf<Class1>({
-        Property<&Class1::ActiveRootID>("ActiveRootID"),
-        Operation<&Class1::GetRoots>("GetRoots", {"Con"}),
-        Operation<&Class1::GetSubFolder>("GetSubFolder", {"PatID"}),
-        Operation<&Class1::SaveGLSetting>("SaveGLSetting", {"Con", "GLId", "sSetting", "bReplace"}),
-        Operation<&Class1::GetGLSetting>("GetGLSetting", {"Con", "GLId", "sFirstSetting", Optional("cAllGLs")}),
-        Operation<&Class1::GetRootOnID>("GetRootOnID", {"Con", "RootId"}),
-        Operation<&Class1::GetCachedRootOnID>("GetCachedRootOnID", {"Con", "RootId", "bFlushCache"}),
-        Operation<&Class1::GetInstanceUID>("GetInstanceUID", {"Con"}),
-    });
+    static const Interface& self = InterfaceOf<Class1>(
+        "The general services: storage roots, sub-folders of patients, settings and DICOM UIDs.",
+        {
+            Property<&Class1::ActiveRootID>("ActiveRootID",
+                                            "The number of the active storage root; 0 until GetRoots has read it."),
+            Operation<&Class1::GetRoots>(
+                "GetRoots", "Returns the directories of all storage roots as an array of texts, the active root first.",
+                {{"Con", Help::Connection}}),
+            Operation<&Class1::GetSubFolder>(
+                "GetSubFolder",
+                "Returns a patient's sub-folder of a storage root: 0_ for keys up to 499, 500_ up to 999.",
+                {{"PatID", "The key of the patient, cPatient.ID; a negative one returns 0_."}}),
+            Operation<&Class1::SaveGLSetting>(
+                "SaveGLSetting", "Stores a setting as a new row of a list.",
+                {{"Con", Help::Connection},
+                 {"GLId", "The number of the list."},
+                 {"sSetting", "The text of the setting."},
+                 {"bReplace", "True deletes the earlier rows of the list first; false keeps them."}}),
+            Operation<&Class1::GetGLSetting>(
+                "GetGLSetting", "Reads the first text of a list; returns false if the list is empty.",
+                {{"Con", Help::Connection},
+                 {"GLId", "The number of the list."},
+                 {"sFirstSetting",
+                  "Receives the text; for an empty list the default DICOM root UID or the empty text."},
+                 Optional("cAllGLs", "Receives a new cGlobalLists with all rows of the list.")}),
+            Operation<&Class1::GetRootOnID>(
+                "GetRootOnID", "Returns a storage root's directory from the database; the empty text if there is none.",
+                {{"Con", Help::Connection}, {"RootId", "The number of the storage root; 0 for the active one."}}),
+            Operation<&Class1::GetCachedRootOnID>(
+                "GetCachedRootOnID",
+                "Returns a storage root's directory from this object's cache, or reads it from the database.",
+                {{"Con", "The open connection to the database; not used if the cache has the directory."},
+                 {"RootId", "The number of the storage root; 0 for the active one."},
+                 {"bFlushCache", "True empties the cache first, so that a change in the database is seen."}}),
+            Operation<&Class1::GetInstanceUID>(
+                "GetInstanceUID",
+                "Returns a new DICOM UID of at most 64 characters; it begins with the root UID setting.",
+                {{"Con", "The open connection to the database; not used once the thread has read the root UID."}}),
+        });
     return self;
 }
 

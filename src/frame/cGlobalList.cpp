@@ -1,5 +1,6 @@
 #include "frame/cGlobalList.h"
 
+#include "frame/Help.h"
 #include "frame/Reading.h"
 #include "platform/component/dispatch/InterfaceTable.h"
 
@@ -40,15 +41,26 @@ bool cGlobalList::GetGL(Ref<Connection> sConn, Long ID) {
 }
 
 const Interface& cGlobalList::Describe() const {
-    static const Interface& self = InterfaceOf<cGlobalList>({
-        Property<&cGlobalList::GLSaved>("GLSaved"),
-        Property<&cGlobalList::GlobalListID>("GlobalListID"),
-        Property<&cGlobalList::ListID>("ListID"),
-        Property<&cGlobalList::ListText>("ListText"),
-        Operation<&cGlobalList::Save>("Save", {"sConn"}),
-        Operation<&cGlobalList::Delete>("Delete", {"sConn"}),
-        Operation<&cGlobalList::GetGL>("GetGL", {"sConn", "GlobalListID"}),
-    });
+    static const Interface& self = InterfaceOf<cGlobalList>(
+        "One text of a list in the database; a setting is the first text of its list.",
+        {
+            Property<&cGlobalList::GLSaved>(
+                "GLSaved", "True if the row is in the database; Save then updates it, and inserts it otherwise."),
+            Property<&cGlobalList::GlobalListID>(
+                "GlobalListID", "The key of the row, which the database assigns; 0 before the first save."),
+            Property<&cGlobalList::ListID>("ListID",
+                                           "The number of the list that the text belongs to; 0 in a new object."),
+            Property<&cGlobalList::ListText>("ListText", "The text itself, or the value of the setting."),
+            Operation<&cGlobalList::Save>("Save",
+                                          "Writes the row. Always returns false; GLSaved is true if the row is stored.",
+                                          {{"sConn", Help::Connection}}),
+            Operation<&cGlobalList::Delete>(
+                "Delete", "Deletes the row if GLSaved is true. Always returns true and keeps the members.",
+                {{"sConn", Help::Connection}}),
+            Operation<&cGlobalList::GetGL>("GetGL",
+                                           "Loads a row by its key and returns true; returns false if there is none.",
+                                           {{"sConn", Help::Connection}, {"GlobalListID", "The key of the row."}}),
+        });
     return self;
 }
 

@@ -1,5 +1,6 @@
 #include "frame/cGlobalLists.h"
 
+#include "frame/Help.h"
 #include "frame/Reading.h"
 #include "platform/component/dispatch/InterfaceTable.h"
 
@@ -70,16 +71,32 @@ void cGlobalLists::DeleteAll(Ref<Connection> cnconn) {
 }
 
 const Interface& cGlobalLists::Describe() const {
-    static const Interface& self = InterfaceOf<cGlobalLists>({
-        Operation<&cGlobalLists::GetAllGLs>("GetAllGLs", {"sConn", "ListID"}),
-        Operation<&cGlobalLists::Add>("Add", {Optional("sKey")}),
-        ReadOnly<&cGlobalLists::Item>("Item", {"vntIndexKey"}),
-        ReadOnly<&cGlobalLists::Count>("Count"),
-        Operation<&cGlobalLists::Remove>("Remove", {"vntIndexKey"}),
-        ReadOnly<&cGlobalLists::NewEnum>("NewEnum", {}, EnumeratorMember),
-        Operation<&cGlobalLists::DeleteAllOnListID>("DeleteAllOnListID", {"cnconn", "lID"}),
-        Operation<&cGlobalLists::DeleteAll>("DeleteAll", {"cnconn"}),
-    });
+    static const Interface& self = InterfaceOf<cGlobalLists>(
+        "The rows of one list of settings or texts, counted from 1.",
+        {
+            Operation<&cGlobalLists::GetAllGLs>("GetAllGLs",
+                                                "Replaces the members by all rows of a list and returns their number.",
+                                                {{"sConn", Help::Connection}, {"ListID", "The number of the list."}}),
+            Operation<&cGlobalLists::Add>(
+                "Add", "Creates a row, inserts it before all other members and returns it; stores nothing.",
+                {Optional("sKey", Help::NewKey)}),
+            ReadOnly<&cGlobalLists::Item>("Item",
+                                          "Returns a row; raises 9 for a position and 5 for a key that doesn't exist.",
+                                          {{"vntIndexKey", Help::IndexOrKey}}),
+            ReadOnly<&cGlobalLists::Count>("Count", "The number of members; 0 before a list is loaded."),
+            Operation<&cGlobalLists::Remove>("Remove",
+                                             "Removes a member from this collection; its row stays in the database.",
+                                             {{"vntIndexKey", Help::IndexOrKey}}),
+            ReadOnly<&cGlobalLists::NewEnum>("NewEnum", "An enumerator over the rows, for a For Each loop.", {},
+                                             EnumeratorMember),
+            Operation<&cGlobalLists::DeleteAllOnListID>(
+                "DeleteAllOnListID",
+                "Deletes all rows of a list from the database; the members of this collection stay.",
+                {{"cnconn", Help::Connection}, {"lID", "The number of the list."}}),
+            Operation<&cGlobalLists::DeleteAll>(
+                "DeleteAll", "Deletes the rows of all members from the database and removes the members.",
+                {{"cnconn", Help::Connection}}),
+        });
     return self;
 }
 

@@ -1,5 +1,6 @@
 #include "people/cClinic.h"
 
+#include "frame/Help.h"
 #include "frame/Reading.h"
 #include "platform/component/dispatch/InterfaceTable.h"
 
@@ -58,19 +59,32 @@ bool cClinic::LoadClinic(Long ClinicID, const Ref<Connection>& Con) {
 }
 
 const Interface& cClinic::Describe() const {
-    static const Interface& self = InterfaceOf<cClinic>({
-        Operation<&cClinic::DeleteClinic>("DeleteClinic", {"Con"}),
-        Operation<&cClinic::SaveClinic>("SaveClinic", {"Con"}),
-        Operation<&cClinic::LoadClinic>("LoadClinic", {"ClinicID", "Con"}),
-        Property<&cClinic::Remarks16>("Remarks16"),
-        Property<&cClinic::Telephone>("Telephone"),
-        Property<&cClinic::City>("City"),
-        Property<&cClinic::StreetAddress>("StreetAddress"),
-        Property<&cClinic::ZipCode>("ZipCode"),
-        Property<&cClinic::OrgNumber>("OrgNumber"),
-        Property<&cClinic::ClinicName>("ClinicName"),
-        Property<&cClinic::ID>("ID"),
-    });
+    static const Interface& self = InterfaceOf<cClinic>(
+        "A clinic of the organisation, or its head office.",
+        {
+            Operation<&cClinic::DeleteClinic>("DeleteClinic",
+                                              "Deletes the row of ID; returns true even if there is none.",
+                                              {{"Con", Help::Connection}}),
+            Operation<&cClinic::SaveClinic>(
+                "SaveClinic", "Writes the row of ID, or a new row if there is none. Sets ID and returns true.",
+                {{"Con", Help::Connection}}),
+            Operation<&cClinic::LoadClinic>(
+                "LoadClinic", "Loads a clinic by its key and returns true; returns false if there is none.",
+                {{"ClinicID", "The key of the clinic."}, {"Con", Help::Connection}}),
+            Property<&cClinic::Remarks16>(
+                "Remarks16", "Free text; at most 50 characters are stored, in spite of the 16 in the name."),
+            Property<&cClinic::Telephone>("Telephone", "The telephone number; at most 50 characters are stored."),
+            Property<&cClinic::City>("City", "The city of the address; at most 50 characters are stored."),
+            Property<&cClinic::StreetAddress>("StreetAddress",
+                                              "The street and house number; at most 50 characters are stored."),
+            Property<&cClinic::ZipCode>("ZipCode", "The postal code; at most 50 characters are stored."),
+            Property<&cClinic::OrgNumber>("OrgNumber",
+                                          "The number of the organisation, as text; at most 50 characters are stored."),
+            Property<&cClinic::ClinicName>(
+                "ClinicName", "The name, stored up to 50 characters; __HQ in any case denotes the head office."),
+            Property<&cClinic::ID>("ID",
+                                   "The key of the row, which the database assigns; 0 if the clinic isn't stored."),
+        });
     return self;
 }
 

@@ -1,5 +1,6 @@
 #include "people/cClinics.h"
 
+#include "frame/Help.h"
 #include "frame/Reading.h"
 #include "platform/component/dispatch/InterfaceTable.h"
 
@@ -66,17 +67,42 @@ Ref<cClinic> cClinics::ItemOnClinicName(const String& sName, const Ref<Connectio
 }
 
 const Interface& cClinics::Describe() const {
-    static const Interface& self = InterfaceOf<cClinics>({
-        Operation<&cClinics::GetHQClinic>("GetHQClinic", {"Con"}),
-        Operation<&cClinics::GetAllClinics>("GetAllClinics", {"Con"}),
-        Operation<&cClinics::Add>("Add", {"ID", "ClinicName", "OrgNumber", "ZipCode", "StreetAddress", "City",
-                                          "Telephone", "Remarks16", Optional("sKey")}),
-        ReadOnly<&cClinics::Item>("Item", {"vntIndexKey"}, DefaultMember),
-        ReadOnly<&cClinics::ItemOnClinicName>("ItemOnClinicName", {"sName", "Con"}),
-        ReadOnly<&cClinics::Count>("Count"),
-        Operation<&cClinics::Remove>("Remove", {"vntIndexKey"}),
-        ReadOnly<&cClinics::NewEnum>("NewEnum", {}, EnumeratorMember),
-    });
+    static const Interface& self = InterfaceOf<cClinics>(
+        "The clinics of an organisation as a collection, counted from 1.",
+        {
+            Operation<&cClinics::GetHQClinic>(
+                "GetHQClinic", "Returns the head office, or null if there is none. Loads an empty collection first.",
+                {{"Con", "The open connection to the database; used only if the collection is empty."}}),
+            Operation<&cClinics::GetAllClinics>(
+                "GetAllClinics",
+                "Loads all clinics, sorted by name. Returns their number. Stores __HQ in an empty table.",
+                {{"Con", Help::Connection}}),
+            Operation<&cClinics::Add>(
+                "Add", "Creates a clinic with these values, adds it at the end and returns it; stores nothing.",
+                {{"ID", "The key of the clinic; 0 if it isn't stored."},
+                 {"ClinicName", "The name; __HQ in any case denotes the head office."},
+                 {"OrgNumber", "The number of the organisation, as text."},
+                 {"ZipCode", "The postal code."},
+                 {"StreetAddress", "The street and house number."},
+                 {"City", "The city of the address."},
+                 {"Telephone", "The telephone number."},
+                 {"Remarks16", "Free text."},
+                 Optional("sKey", Help::NewKey)}),
+            ReadOnly<&cClinics::Item>(
+                "Item", "Returns a clinic, or null if the position or key doesn't exist.",
+                {{"vntIndexKey", "The position from 1, or the key; after GetAllClinics the key is K and the ID."}},
+                DefaultMember),
+            ReadOnly<&cClinics::ItemOnClinicName>(
+                "ItemOnClinicName", "Returns the first clinic of a name, or null. Loads an empty collection first.",
+                {{"sName", "The name, compared without regard to case."},
+                 {"Con", "The open connection to the database; used only if the collection is empty."}}),
+            ReadOnly<&cClinics::Count>("Count", "The number of clinics in the collection, the head office included."),
+            Operation<&cClinics::Remove>("Remove",
+                                         "Removes a clinic from this collection; the row stays in the database.",
+                                         {{"vntIndexKey", Help::IndexOrKey}}),
+            ReadOnly<&cClinics::NewEnum>("NewEnum", "An enumerator over the clinics, for a For Each loop.", {},
+                                         EnumeratorMember),
+        });
     return self;
 }
 

@@ -1,5 +1,6 @@
 #include "people/cDoctor.h"
 
+#include "frame/Help.h"
 #include "frame/Reading.h"
 #include "people/OutsideGUID.h"
 #include "platform/component/dispatch/InterfaceTable.h"
@@ -96,24 +97,44 @@ void cDoctor::ReadRow(const Ref<Recordset>& rs) {
 }
 
 const Interface& cDoctor::Describe() const {
-    static const Interface& self = InterfaceOf<cDoctor>({
-        Operation<&cDoctor::GetDCMName>("GetDCMName"),
-        Operation<&cDoctor::PatientCount>("PatientCount", {"Con"}),
-        Operation<&cDoctor::DeleteDoctor>("DeleteDoctor", {"Con"}),
-        Operation<&cDoctor::SaveDoctor>("SaveDoctor", {"Con"}),
-        Operation<&cDoctor::LoadDoctor>("LoadDoctor", {"drID", "Con"}),
-        Property<&cDoctor::DrType>("DrType"),
-        Property<&cDoctor::DrContactInfo>("DrContactInfo"),
-        Property<&cDoctor::DrPrefix>("DrPrefix"),
-        Property<&cDoctor::DrLastName>("DrLastName"),
-        Property<&cDoctor::DrFirstName>("DrFirstName"),
-        Property<&cDoctor::DrName>("DrName"),
-        Property<&cDoctor::drID>("drID"),
-        Property<&cDoctor::DrLogin>("DrLogin"),
-        Property<&cDoctor::drGUID>("drGUID"),
-        Property<&cDoctor::DrEMail>("DrEMail"),
-        Operation<&cDoctor::LoadDoctorOnGUID>("LoadDoctorOnGUID", {"drGUID", "Con"}),
-    });
+    static const Interface& self = InterfaceOf<cDoctor>(
+        "A person who can be responsible for patients.",
+        {
+            Operation<&cDoctor::GetDCMName>(
+                "GetDCMName", "Returns the name in the DICOM form Last^First^^Prefix, or DrName if these are empty."),
+            Operation<&cDoctor::PatientCount>("PatientCount",
+                                              "Returns the number of patients for whom this doctor is responsible.",
+                                              {{"Con", Help::Connection}}),
+            Operation<&cDoctor::DeleteDoctor>(
+                "DeleteDoctor",
+                "Deletes the row of drID; returns true even if there is none. Patients keep the number.",
+                {{"Con", Help::Connection}}),
+            Operation<&cDoctor::SaveDoctor>(
+                "SaveDoctor", "Writes the row of drID, or a new row if there is none. Sets drID and returns true.",
+                {{"Con", Help::Connection}}),
+            Operation<&cDoctor::LoadDoctor>(
+                "LoadDoctor", "Loads a doctor by number; false if there is none. Assigns and saves a missing GUID.",
+                {{"drID", "The number of the doctor."}, {"Con", Help::Connection}}),
+            Property<&cDoctor::DrType>("DrType", "The relation to the clinic: 0 unknown, 1 local, 2 remote, 3 web."),
+            Property<&cDoctor::DrContactInfo>("DrContactInfo",
+                                              "The contact details as one text; at most 255 characters are stored."),
+            Property<&cDoctor::DrPrefix>("DrPrefix", "The title before the name; at most 20 characters are stored."),
+            Property<&cDoctor::DrLastName>("DrLastName", "The family name; at most 60 characters are stored."),
+            Property<&cDoctor::DrFirstName>("DrFirstName", "The given name; at most 60 characters are stored."),
+            Property<&cDoctor::DrName>("DrName", "The short name or display name; at most 30 characters are stored."),
+            Property<&cDoctor::drID>("drID",
+                                     "The number of the doctor, which the database assigns; 0 if it isn't stored."),
+            Property<&cDoctor::DrLogin>(
+                "DrLogin", "The login name, at most 255 characters; a save raises an error for a longer one."),
+            Property<&cDoctor::drGUID>("drGUID",
+                                       "The GUID, 32 hexadecimal digits; a load assigns one to a doctor without it."),
+            Property<&cDoctor::DrEMail>(
+                "DrEMail", "The e-mail address, at most 255 characters; a save raises an error for a longer one."),
+            Operation<&cDoctor::LoadDoctorOnGUID>(
+                "LoadDoctorOnGUID", "Loads a doctor by GUID and returns true; returns false if there is none.",
+                {{"drGUID", "The GUID in upper or lower case; a row that stores lower case isn't found."},
+                 {"Con", Help::Connection}}),
+        });
     return self;
 }
 

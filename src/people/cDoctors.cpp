@@ -1,5 +1,6 @@
 #include "people/cDoctors.h"
 
+#include "frame/Help.h"
 #include "frame/Reading.h"
 #include "people/OutsideGUID.h"
 #include "platform/component/dispatch/InterfaceTable.h"
@@ -50,16 +51,36 @@ Ref<cDoctor> cDoctors::Add(const Long& drID, const String& DrName, const String&
 String cDoctors::GetGUID() const { return NewDoctorGUID(); }
 
 const Interface& cDoctors::Describe() const {
-    static const Interface& self = InterfaceOf<cDoctors>({
-        Operation<&cDoctors::GetAllDoctors>("GetAllDoctors", {"Con"}),
-        Operation<&cDoctors::Add>("Add", {"drID", "DrName", "DrFirstName", "DrLastName", "DrPrefix", "DrContactInfo",
-                                          "DrType", Optional("sKey")}),
-        ReadOnly<&cDoctors::Item>("Item", {"vntIndexKey"}, DefaultMember),
-        ReadOnly<&cDoctors::Count>("Count"),
-        Operation<&cDoctors::Remove>("Remove", {"vntIndexKey"}),
-        ReadOnly<&cDoctors::NewEnum>("NewEnum", {}, EnumeratorMember),
-        Operation<&cDoctors::GetGUID>("GetGUID"),
-    });
+    static const Interface& self = InterfaceOf<cDoctors>(
+        "The doctors as a collection, counted from 1.",
+        {
+            Operation<&cDoctors::GetAllDoctors>(
+                "GetAllDoctors",
+                "Replaces the members by all doctors, sorted by last and first name. Returns their number.",
+                {{"Con", Help::Connection}}),
+            Operation<&cDoctors::Add>(
+                "Add", "Creates a doctor with these values, adds it at the end and returns it; stores nothing.",
+                {{"drID", "The number of the doctor; 0 if it isn't stored."},
+                 {"DrName", "The short name or display name."},
+                 {"DrFirstName", "The given name."},
+                 {"DrLastName", "The family name."},
+                 {"DrPrefix", "The title before the name."},
+                 {"DrContactInfo", "The contact details as one text."},
+                 {"DrType", "The relation to the clinic: 0 unknown, 1 local, 2 remote, 3 web."},
+                 Optional("sKey", Help::NewKey)}),
+            ReadOnly<&cDoctors::Item>(
+                "Item", "Returns a doctor; raises 9 for a position and 5 for a key that doesn't exist.",
+                {{"vntIndexKey", "The position from 1, or the key; after GetAllDoctors the key is K and the drID."}},
+                DefaultMember),
+            ReadOnly<&cDoctors::Count>("Count", "The number of doctors in the collection."),
+            Operation<&cDoctors::Remove>("Remove",
+                                         "Removes a doctor from this collection; the row stays in the database.",
+                                         {{"vntIndexKey", Help::IndexOrKey}}),
+            ReadOnly<&cDoctors::NewEnum>("NewEnum", "An enumerator over the doctors, for a For Each loop.", {},
+                                         EnumeratorMember),
+            Operation<&cDoctors::GetGUID>(
+                "GetGUID", "Returns a new GUID as 32 upper-case hexadecimal digits; the empty text after a failure."),
+        });
     return self;
 }
 

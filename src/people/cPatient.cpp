@@ -1,5 +1,6 @@
 #include "people/cPatient.h"
 
+#include "frame/Help.h"
 #include "frame/Reading.h"
 #include "platform/component/dispatch/InterfaceTable.h"
 
@@ -116,27 +117,45 @@ Long cPatient::Save(Ref<Connection> Con) {
 }
 
 const Interface& cPatient::Describe() const {
-    static const Interface& self = InterfaceOf<cPatient>({
-        Property<&cPatient::ID>("ID"),
-        Operation<&cPatient::LoadOnPatientID>("LoadOnPatientID", {"PatientID"}),
-        Operation<&cPatient::Save>("Save", {"Con"}),
-        Property<&cPatient::Sex>("Sex"),
-        Property<&cPatient::BirthDate>("BirthDate"),
-        Property<&cPatient::LastName>("LastName"),
-        Property<&cPatient::FirstName>("FirstName"),
-        Property<&cPatient::PatientID>("PatientID"),
-        Property<&cPatient::OtherIDs>("OtherIDs"),
-        Property<&cPatient::RespDoctor>("RespDoctor"),
-        Operation<&cPatient::LoadOnPatientIDorPDBID>("LoadOnPatientIDorPDBID", {"Con", "PatientID", "PDBID"}),
-        Property<&cPatient::IDImg>("IDImg"),
-        Property<&cPatient::PrevXrayDate>("PrevXrayDate"),
-        Property<&cPatient::Comments>("Comments"),
-        Property<&cPatient::EMail>("EMail"),
-        Property<&cPatient::TelMobile>("TelMobile"),
-        Property<&cPatient::TelTwo>("TelTwo"),
-        Property<&cPatient::TelOne>("TelOne"),
-        Property<&cPatient::Address>("Address"),
-    });
+    static const Interface& self = InterfaceOf<cPatient>(
+        "A patient. The text PatientID decides which row a save writes.",
+        {
+            Property<&cPatient::ID>(
+                "ID", "The key of the row that was loaded or saved last; a save sets it and doesn't search by it."),
+            Operation<&cPatient::LoadOnPatientID>("LoadOnPatientID",
+                                                  "Does nothing and returns 0. LoadOnPatientIDorPDBID loads a patient.",
+                                                  {{"PatientID", "Ignored."}}),
+            Operation<&cPatient::Save>(
+                "Save", "Writes all members to every row with this PatientID, or to a new row. Returns 0.",
+                {{"Con", Help::Connection}}),
+            Property<&cPatient::Sex>("Sex",
+                                     "A code that the client chooses; an unpaired single quote makes a save fail."),
+            Property<&cPatient::BirthDate>("BirthDate",
+                                           "The date of birth; 0 if it isn't known. No time of day is stored."),
+            Property<&cPatient::LastName>("LastName", "The family name; empty if it isn't known."),
+            Property<&cPatient::FirstName>("FirstName", "The given name; empty if it isn't known."),
+            Property<&cPatient::PatientID>("PatientID", "The patient identifier, a text that is stored in upper case."),
+            Property<&cPatient::OtherIDs>(
+                "OtherIDs", "The other identifiers of the patient; at most 255 characters of them are stored."),
+            Property<&cPatient::RespDoctor>("RespDoctor",
+                                            "The number of the responsible doctor, cDoctor.drID; 0 if there is none."),
+            Operation<&cPatient::LoadOnPatientIDorPDBID>(
+                "LoadOnPatientIDorPDBID",
+                "Loads a patient. Returns 1, or 0 if there is none; a failure shows a message and returns 0.",
+                {{"Con", Help::Connection},
+                 {"PatientID", "The patient identifier; empty to search by PDBID."},
+                 {"PDBID", "The key of the row; ignored unless PatientID is empty."}}),
+            Property<&cPatient::IDImg>("IDImg",
+                                       "The client's name for a portrait of the patient; empty if there is none."),
+            Property<&cPatient::PrevXrayDate>(
+                "PrevXrayDate", "The date of the previous X-ray image; 0 if it isn't known. No time of day is stored."),
+            Property<&cPatient::Comments>("Comments", "Free text about the patient."),
+            Property<&cPatient::EMail>("EMail", "The e-mail address; empty if it isn't known."),
+            Property<&cPatient::TelMobile>("TelMobile", "The mobile telephone number, as text."),
+            Property<&cPatient::TelTwo>("TelTwo", "The second telephone number, as text."),
+            Property<&cPatient::TelOne>("TelOne", "The first telephone number, as text."),
+            Property<&cPatient::Address>("Address", "The postal address as one text."),
+        });
     return self;
 }
 

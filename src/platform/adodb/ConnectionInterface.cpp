@@ -28,21 +28,43 @@ Ref<ErrorsObject> ErrorsOf(Connection& connection) { return New<ErrorsObject>(co
 }  // namespace
 
 const Interface& Connection::Describe() const {
-    static const Interface& self = InterfaceOf<Connection>({
-        ValueProperty<&Connection::ConnectionString, &Connection::SetConnectionString>("ConnectionString",
-                                                                                       DefaultMember),
-        ValueProperty<&LocationOf, &PutLocation>("CursorLocation"),
-        ReadOnly<&StateOf>("State"),
-        Operation<&Connection::Open>("Open", {Optional("ConnectionString", ""), Optional("UserID", ""),
-                                              Optional("Password", ""), Optional("Options", Long{-1})}),
-        Operation<&Connection::Close>("Close"),
-        Operation<&ExecuteText>("Execute",
-                                {"CommandText", Optional("RecordsAffected"), Optional("Options", adCmdUnspecified)}),
-        Operation<&Connection::BeginTrans>("BeginTrans"),
-        Operation<&Connection::CommitTrans>("CommitTrans"),
-        Operation<&Connection::RollbackTrans>("RollbackTrans"),
-        ReadOnly<&ErrorsOf>("Errors"),
-    });
+    static const Interface& self = InterfaceOf<Connection>(
+        "A connection to a database.",
+        {
+            ValueProperty<&Connection::ConnectionString, &Connection::SetConnectionString>(
+                "ConnectionString", "The provider and its settings, such as Provider=SQLite;Data Source=clinic.db.",
+                DefaultMember),
+            ValueProperty<&LocationOf, &PutLocation>(
+                "CursorLocation", "Where recordsets that are opened from now on keep their rows: 2 server, 3 client."),
+            ReadOnly<&StateOf>("State", "The state: 0 closed, 1 open."),
+            Operation<&Connection::Open>(
+                "Open", "Opens the connection; raises 3705 if it is open.",
+                {Optional("ConnectionString", "The connection string; if empty, the property ConnectionString is used.",
+                          ""),
+                 Optional("UserID", "The user; overrides the user in the connection string unless it is empty.", ""),
+                 Optional("Password", "The password; overrides the one in the connection string unless it is empty.",
+                          ""),
+                 Optional("Options", "Ignored; the connection is always opened synchronously.", Long{-1})}),
+            Operation<&Connection::Close>(
+                "Close", "Closes the connection and its recordsets; raises 3246 while a transaction is open."),
+            Operation<&ExecuteText>(
+                "Execute", "Runs a statement and returns its rows; a closed recordset if it isn't a query.",
+                {{"CommandText", "The SQL statement, or the name of a table with the option adCmdTable."},
+                 Optional("RecordsAffected",
+                          "Receives the number of rows that the statement changed; -1 for a SELECT."),
+                 Optional("Options",
+                          "How to read the text: 1 SQL, 2 table name; 128 added returns null instead of a recordset.",
+                          adCmdUnspecified)}),
+            Operation<&Connection::BeginTrans>(
+                "BeginTrans",
+                "Begins a transaction, nested if one is open, and returns its level; the outermost is 1."),
+            Operation<&Connection::CommitTrans>(
+                "CommitTrans", "Commits the innermost transaction; raises 0x8004D00E if none is open."),
+            Operation<&Connection::RollbackTrans>(
+                "RollbackTrans", "Rolls back the innermost transaction; raises 0x8004D00E if none is open."),
+            ReadOnly<&ErrorsOf>("Errors",
+                                "What the database engine reported at its last failure; a success doesn't clear it."),
+        });
     return self;
 }
 

@@ -22,22 +22,34 @@ Ref<Enumerator> FieldsObject::NewEnum() const {
 }
 
 const Interface& FieldObject::Describe() const {
-    static const Interface& self = InterfaceOf<FieldObject>({
-        ReadOnly<&FieldObject::Name>("Name"),
-        ReadOnly<&FieldObject::Type>("Type"),
-        ReadOnly<&FieldObject::DefinedSize>("DefinedSize"),
-        ValueProperty<&FieldObject::Value, &FieldObject::SetValue>("Value", DefaultMember),
-        ReadOnly<&FieldObject::OriginalValue>("OriginalValue"),
-    });
+    static const Interface& self = InterfaceOf<FieldObject>(
+        "A column of a recordset, at the current row.",
+        {
+            ReadOnly<&FieldObject::Name>("Name", "The name of the column, as the database returns it."),
+            ReadOnly<&FieldObject::Type>("Type", "The data type of the column, the same for all rows."),
+            ReadOnly<&FieldObject::DefinedSize>("DefinedSize",
+                                                "The number of characters that a text may have; 0 without a limit."),
+            ValueProperty<&FieldObject::Value, &FieldObject::SetValue>(
+                "Value", "The value in the current row; a put begins an edit, which Update of the recordset writes.",
+                DefaultMember),
+            ReadOnly<&FieldObject::OriginalValue>("OriginalValue",
+                                                  "The value that the current row had before it was edited."),
+        });
     return self;
 }
 
 const Interface& FieldsObject::Describe() const {
-    static const Interface& self = InterfaceOf<FieldsObject>({
-        ReadOnly<&FieldsObject::Count>("Count"),
-        ReadOnly<&FieldsObject::Item>("Item", {"Index"}, DefaultMember),
-        Operation<&FieldsObject::NewEnum>("_NewEnum", {}, EnumeratorMember),
-    });
+    static const Interface& self = InterfaceOf<FieldsObject>(
+        "The columns of a recordset, counted from 0.",
+        {
+            ReadOnly<&FieldsObject::Count>("Count",
+                                           "The number of columns; raises 3704 while the recordset is closed."),
+            ReadOnly<&FieldsObject::Item>("Item", "Returns a column; raises 3265 if there is none.",
+                                          {{"Index", "The name of the column in any case, or its position from 0."}},
+                                          DefaultMember),
+            Operation<&FieldsObject::NewEnum>(
+                "_NewEnum", "Returns an enumerator over the columns, for a For Each loop.", {}, EnumeratorMember),
+        });
     return self;
 }
 

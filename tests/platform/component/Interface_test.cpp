@@ -24,16 +24,20 @@ public:
     Variant Item(const Variant& index) const { return index; }
 
     const Interface& Describe() const override {
-        static const Interface& self = InterfaceOf<Sample>({
-            Property<&Sample::Number>("Number"),
-            Property<&Sample::Text>("Text"),
-            Property<&Sample::Members>("Members"),
-            PropertyGetFirst<&Sample::Flag>("Flag"),
-            Operation<&Sample::Join>("Join", {"a", "b", Optional("c", "!")}),
-            Operation<&Sample::Change>("Change", {"text", "by"}),
-            ReadOnly<&Sample::Twice>("Twice"),
-            ReadOnly<&Sample::Item>("Item", {"index"}, DefaultMember),
-        });
+        static const Interface& self = InterfaceOf<Sample>(
+            "A sample.",
+            {
+                Property<&Sample::Number>("Number", "A number."),
+                Property<&Sample::Text>("Text", "A text."),
+                Property<&Sample::Members>("Members", "A collection."),
+                PropertyGetFirst<&Sample::Flag>("Flag", "A flag."),
+                Operation<&Sample::Join>("Join", "Joins its arguments.",
+                                         {{"a", "A text."}, {"b", "A number."}, Optional("c", "A text.", "!")}),
+                Operation<&Sample::Change>("Change", "Appends a number to a text.",
+                                           {{"text", "A text."}, {"by", "A number."}}),
+                ReadOnly<&Sample::Twice>("Twice", "A number."),
+                ReadOnly<&Sample::Item>("Item", "Returns its argument.", {{"index", "A value."}}, DefaultMember),
+            });
         return self;
     }
 };

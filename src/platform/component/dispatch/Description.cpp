@@ -42,7 +42,7 @@ void PutType(Json& json, const char* key, const char* nameKey, const MemberType&
 }
 
 Json JsonOf(const Argument& argument) {
-    Json json{{"name", argument.Name}};
+    Json json{{"name", argument.Name}, {"help", argument.Help}};
     PutType(json, "type", "of", argument.Type);
     json["byReference"] = argument.ByReference;
     json["comesBack"] = argument.ComesBack;
@@ -51,7 +51,7 @@ Json JsonOf(const Argument& argument) {
 }
 
 Json JsonOf(const Member& member) {
-    Json json{{"name", member.Name}, {"kind", KindText(member.Kind)}, {"id", member.DispId}};
+    Json json{{"name", member.Name}, {"help", member.Help}, {"kind", KindText(member.Kind)}, {"id", member.DispId}};
     json["arguments"] = Json::array();
     for (const Argument& argument : member.Arguments) json["arguments"].push_back(JsonOf(argument));
     PutType(json, "result", "resultOf", member.Result);
@@ -61,7 +61,7 @@ Json JsonOf(const Member& member) {
 }  // namespace
 
 String DescriptionText(const Interface& members) {
-    Json json{{"class", members.ClassName()}, {"members", Json::array()}};
+    Json json{{"class", members.ClassName()}, {"help", members.Help()}, {"members", Json::array()}};
     for (const Member& member : members.Members()) json["members"].push_back(JsonOf(member));
     return json.dump();
 }

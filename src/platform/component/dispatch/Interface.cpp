@@ -32,8 +32,9 @@ const Member* FirstOf(const Members& members, Matches matches) {
 
 }  // namespace
 
-Interface::Interface(String className, std::vector<Member> members, std::span<const void* const> dispatchSlots)
-    : className_(std::move(className)), members_(std::move(members)) {
+Interface::Interface(String className, const char* help, std::vector<Member> members,
+                     std::span<const void* const> dispatchSlots)
+    : className_(std::move(className)), help_(help), members_(std::move(members)) {
     NumberMembers(members_);
     FillTable(typeid(IDispatch), dispatchSlots);
     for (const Member& member : members_) table_.push_back(member.Slot);

@@ -15,12 +15,16 @@ namespace Platform {
 class Interface {
 public:
     /// A dual interface: its vtable has the slots of `IUnknown` and `IDispatch`, followed by those of the members.
-    Interface(String className, std::vector<Member> members, std::span<const void* const> dispatchSlots);
+    Interface(String className, const char* help, std::vector<Member> members, std::span<const void* const> dispatchSlots);
 
     /// A standard interface, such as `IEnumVARIANT`, instead of a dual interface. It has no members.
     Interface(String className, const IID& identity, const std::type_info& type, std::span<const void* const> slots);
 
     const String& ClassName() const noexcept { return className_; }
+
+    /// Returns one line about what the class is; empty for a standard interface.
+    const char* Help() const noexcept { return help_; }
+
     const std::vector<Member>& Members() const noexcept { return members_; }
 
     /// Returns the member of this name (without regard to case) and kind, or null. A get also matches an operation,
@@ -62,6 +66,7 @@ private:
     void FillTable(const std::type_info& type, std::span<const void* const> slots);
 
     String className_;
+    const char* help_ = "";
     std::vector<Member> members_;
     std::vector<const void*> table_;
     bool isDispatch_ = true;

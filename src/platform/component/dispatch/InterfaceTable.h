@@ -10,34 +10,42 @@
 #include <stdexcept>
 #include <tuple>
 
-/// Interface tables: one list a class, from which come dispatch by name, the slots of the dual interface, the
-/// type description and the tests that compare the members with the documented interface.
+/// Interface tables: one list of members for each class. Dispatch by name, the vtable of the dual interface, the type
+/// description and the tests that compare the members with the documented interface all read it.
 ///
-/// A class ends its source with its table:
+/// A class ends its source file with its table:
 ///
 ///     const Interface& cTooth::Describe() const {
-///         static const Interface& self = InterfaceOf<cTooth>({
-///             Property<&cTooth::TNumber>("TNumber"),
-///             Property<&cTooth::Selected>("Selected"),
+///         static const Interface& self = InterfaceOf<cTooth>("A tooth of a selection.", {
+///             Property<&cTooth::TNumber>("TNumber", "The number of the tooth, 11 to 48 or 51 to 85."),
+///             Property<&cTooth::Selected>("Selected", "True if the tooth is selected."),
 ///         });
 ///         return self;
 ///     }
 ///
-/// An operation names its arguments. Their types, and whether they come back, follow from the C++
-/// signature: a value is given by value; a `const T&` by reference and only read; a `T&` by reference
-/// and written back. In place of a member function stands, where a class has none of the documented form, a
-/// function whose first argument is the object.
+/// Behind each name is a help text: one line that ends with a full stop. Clients see it in the type library, in Python's
+/// `help()` and in their editors.
+///
+/// The types of the arguments follow from the C++ signature. A value is passed by value; a `const T&` by reference and
+/// only read; a `T&` by reference and written back. If a class has no member function of the documented form, its table
+/// names a function whose first argument is the object.
 namespace Platform {
 
-/// The name of an argument, for `Operation`; `Optional` marks one that may be left out.
-struct ArgumentName {
-    ArgumentName(const char* name) : Name(name) {}
-    ArgumentName(const char* name, Variant whenLeftOut) : Name(name), Optional(true), Default(std::move(whenLeftOut)) {}
+/// The name and the help text of an argument; `Optional` makes one that may be left out.
+struct NamedArgument {
+    NamedArgument(const char* name, const char* help) : Name(name), Help(help) {}
     const char* Name;
+    const char* Help;
     bool Optional = false;
     Variant Default;
 };
-inline ArgumentName Optional(const char* name, Variant whenLeftOut = {}) { return {name, std::move(whenLeftOut)}; }
+
+inline NamedArgument Optional(const char* name, const char* help, Variant whenLeftOut = {}) {
+    NamedArgument argument(name, help);
+    argument.Optional = true;
+    argument.Default = std::move(whenLeftOut);
+    return argument;
+}
 
 namespace detail {
 
@@ -93,13 +101,14 @@ struct BoundArgument {
 };
 
 template <class A>
-Argument ArgumentOf(const ArgumentName& name) {
-    return {name.Name,
+Argument ArgumentOf(const NamedArgument& argument) {
+    return {argument.Name,
+            argument.Help,
             TypeOf<std::remove_cvref_t<A>>(),
             BoundArgument<A>::ByReference,
             BoundArgument<A>::ComesBack,
-            name.Optional,
-            name.Default};
+            argument.Optional,
+            argument.Default};
 }
 
 // ---- slots ------------------------------------------------------------------------------------------
@@ -175,7 +184,7 @@ struct OperationCall {
             return Variant(std::invoke(F, object, std::get<I>(bound).value...));
         }
     }
-    static std::vector<Argument> Arguments(const std::vector<ArgumentName>& names) {
+    static std::vector<Argument> Arguments(const std::vector<NamedArgument>& names) {
         if (names.size() != sizeof...(A)) throw std::logic_error("an argument without a name");
         std::size_t next = 0;
         return {ArgumentOf<A>(names[next++])...};
@@ -195,7 +204,7 @@ struct CallOf<F> : OperationCall<F, C, R, A...> {};
 
 template <class T>
 Argument PutArgument(bool byReference = false) {
-    return {"Value", TypeOf<T>(), byReference, false, false, {}};
+    return {"Value", "The new value.", TypeOf<T>(), byReference, false, false, {}};
 }
 
 template <auto M>
@@ -208,13 +217,14 @@ struct DataOf<M> {
         static_cast<C&>(self).*M = Converted<T>(arguments[0], 0);
         return {};
     }
-    static Member GetMember(const char* name) {
-        return {name, MemberKind::Get, ByPosition, {}, TypeOf<T>(), Get, SlotOf<M, T>()};
+    static Member GetMember(const char* name, const char* help) {
+        return {name, help, MemberKind::Get, ByPosition, {}, TypeOf<T>(), Get, SlotOf<M, T>()};
     }
     static const void* SlotOfPutByReference() { return SlotOf<M, void, Binary<T>*>(); }
-    static Member PutMember(const char* name) {
+    static Member PutMember(const char* name, const char* help) {
         constexpr bool object = IsRef<T>::value;
         return {name,
+                help,
                 object ? MemberKind::PutRef : MemberKind::Put,
                 ByPosition,
                 {PutArgument<T>(object)},
@@ -224,20 +234,21 @@ struct DataOf<M> {
     }
 };
 
-/// The members that one line of a table stands for.
+/// The members of one line of a table.
 struct Line {
     std::vector<Member> members;
 };
 
-/// The members of a property that functions give and take.
+/// The members of a property whose value is returned by one function and set by another one.
 template <auto F, class Value>
-Member GetMember(const char* name) {
-    return {name, MemberKind::Get, ByPosition, {}, TypeOf<Value>(), CallOf<F>::Call, SlotOf<F, Value>()};
+Member GetMember(const char* name, const char* help) {
+    return {name, help, MemberKind::Get, ByPosition, {}, TypeOf<Value>(), CallOf<F>::Call, SlotOf<F, Value>()};
 }
 template <auto F, class Value>
-Member PutMember(const char* name) {
+Member PutMember(const char* name, const char* help) {
     constexpr bool object = IsRef<Value>::value;
     return {name,
+            help,
             object ? MemberKind::PutRef : MemberKind::Put,
             ByPosition,
             {PutArgument<Value>(object)},
@@ -248,35 +259,36 @@ Member PutMember(const char* name) {
 
 }  // namespace detail
 
-/// An operation: its name and the names of its arguments.
+/// An operation: its name, its help text and its arguments.
 template <auto F>
-detail::Line Operation(const char* name, std::vector<ArgumentName> arguments = {}, Long dispId = ByPosition) {
+detail::Line Operation(const char* name, const char* help, std::vector<NamedArgument> arguments = {},
+                       Long dispId = ByPosition) {
     using Call = detail::CallOf<F>;
-    return {{Member{name, MemberKind::Operation, dispId, Call::Arguments(arguments),
+    return {{Member{name, help, MemberKind::Operation, dispId, Call::Arguments(arguments),
                     detail::TypeOf<std::remove_cvref_t<typename Call::Result>>(), Call::Call, Call::SlotOfCall()}}};
 }
 
-/// A property that is read only: a function that gives its value, with arguments or without.
+/// A read-only property: a function that returns its value, with or without arguments.
 template <auto F>
-detail::Line ReadOnly(const char* name, std::vector<ArgumentName> arguments = {}, Long dispId = ByPosition) {
-    detail::Line line = Operation<F>(name, std::move(arguments), dispId);
+detail::Line ReadOnly(const char* name, const char* help, std::vector<NamedArgument> arguments = {},
+                      Long dispId = ByPosition) {
+    detail::Line line = Operation<F>(name, help, std::move(arguments), dispId);
     line.members.front().Kind = MemberKind::Get;
     return line;
 }
 
 /// A plain property, a data member: put, then get. A put of an object is a put by reference.
 template <auto M>
-detail::Line Property(const char* name) {
+detail::Line Property(const char* name, const char* help) {
     using Data = detail::DataOf<M>;
-    return {{Data::PutMember(name), Data::GetMember(name)}};
+    return {{Data::PutMember(name, help), Data::GetMember(name, help)}};
 }
 
-/// A plain property whose get stands before its put; `ByReference` where the put takes the place of its
-/// value.
+/// A plain property whose get precedes its put. The put passes its value by reference if `form` says so.
 enum class PutForm { ByValue, ByReference };
 template <auto M>
-detail::Line PropertyGetFirst(const char* name, PutForm form = PutForm::ByValue) {
-    detail::Line line = Property<M>(name);
+detail::Line PropertyGetFirst(const char* name, const char* help, PutForm form = PutForm::ByValue) {
+    detail::Line line = Property<M>(name, help);
     Member& put = line.members.front();
     if (form == PutForm::ByReference) {
         put.Arguments.front().ByReference = true;
@@ -286,29 +298,30 @@ detail::Line PropertyGetFirst(const char* name, PutForm form = PutForm::ByValue)
     return line;
 }
 
-/// A property whose value a function gives and another one takes: put, then get.
+/// A property whose value is returned by one function and set by another one: put, then get.
 template <auto GetFunction, auto PutFunction>
-detail::Line ValueProperty(const char* name, Long dispId = ByPosition) {
+detail::Line ValueProperty(const char* name, const char* help, Long dispId = ByPosition) {
     using Value = std::remove_cvref_t<typename detail::CallOf<GetFunction>::Result>;
-    detail::Line line{{detail::PutMember<PutFunction, Value>(name), detail::GetMember<GetFunction, Value>(name)}};
+    detail::Line line{
+        {detail::PutMember<PutFunction, Value>(name, help), detail::GetMember<GetFunction, Value>(name, help)}};
     for (Member& member : line.members) member.DispId = dispId;
     return line;
 }
 
-/// A property of an object that a function gives and another one replaces: get, then put by reference.
+/// A property of an object that is returned by one function and replaced by another one: get, then put by reference.
 template <auto GetFunction, auto PutFunction>
-detail::Line ObjectProperty(const char* name) {
+detail::Line ObjectProperty(const char* name, const char* help) {
     using Value = std::remove_cvref_t<typename detail::CallOf<GetFunction>::Result>;
-    return {{detail::GetMember<GetFunction, Value>(name), detail::PutMember<PutFunction, Value>(name)}};
+    return {{detail::GetMember<GetFunction, Value>(name, help), detail::PutMember<PutFunction, Value>(name, help)}};
 }
 
-/// The table of class `C` from its lines. It is never destroyed, so that an object may be called until the
-/// process is gone.
+/// Returns the table of class `C`, made from its help text and its lines. The table is never deleted, so that an object
+/// can be called until the process ends.
 template <class C>
-const Interface& InterfaceOf(std::initializer_list<detail::Line> lines) {
+const Interface& InterfaceOf(const char* help, std::initializer_list<detail::Line> lines) {
     std::vector<Member> members;
     for (const detail::Line& line : lines) members.insert(members.end(), line.members.begin(), line.members.end());
-    return *new Interface(C::ClassName, std::move(members), DispatchSlots());
+    return *new Interface(C::ClassName, help, std::move(members), DispatchSlots());
 }
 
 }  // namespace Platform

@@ -39,6 +39,7 @@ struct MemberType {
 /// One argument of a member.
 struct Argument {
     const char* Name = "";
+    const char* Help = "";  ///< one line about its meaning
     MemberType Type;
     bool ByReference = false;
     bool ComesBack = false;  ///< passed by reference and written back
@@ -57,6 +58,7 @@ enum class MemberKind { Operation, Get, Put, PutRef };
 /// One member of an interface.
 struct Member {
     String Name;
+    const char* Help = "";  ///< one line about what it does or means
     MemberKind Kind = MemberKind::Operation;
     Long DispId = 0;                  ///< the dispatch identifier: 0 for the default member, -4 for the enumerator
     std::vector<Argument> Arguments;  ///< the value of a put is the last one
