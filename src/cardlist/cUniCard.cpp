@@ -1,6 +1,7 @@
 #include "cardlist/cUniCard.h"
 
 #include "cards/SlotPlacing.h"
+#include "frame/Help.h"
 #include "frame/Statement.h"
 #include "platform/component/dispatch/InterfaceTable.h"
 
@@ -95,19 +96,38 @@ void cUniCard::BuildCardForSeries() {
 }
 
 const Interface& cUniCard::Describe() const {
-    static const Interface& self = InterfaceOf<cUniCard>({
-        PropertyGetFirst<&cUniCard::mvarImgLead>("mvarImgLead"),
-        ReadOnly<&cUniCard::SortDate>("SortDate"),
-        Property<&cUniCard::Key>("Key"),
-        ReadOnly<&cUniCard::CardType>("CardType"),
-        Operation<&cUniCard::LoadCardFull>("LoadCardFull", {"conn", "UID", "ID", "CardType"}),
-        Property<&cUniCard::Template>("Template"),
-        Property<&cUniCard::Fullyloaded>("Fullyloaded"),
-        Property<&cUniCard::Study>("Study"),
-        Property<&cUniCard::Series>("Series"),
-        Property<&cUniCard::Imagecard>("Imagecard"),
-        Property<&cUniCard::colImages>("colImages"),
-    });
+    static const Interface& self = InterfaceOf<cUniCard>(
+        "An entry of a patient's card list: an image card, or a series with its study.",
+        {
+            PropertyGetFirst<&cUniCard::mvarImgLead>("mvarImgLead",
+                                                     "An object of the client; the library never uses it."),
+            ReadOnly<&cUniCard::SortDate>(
+                "SortDate",
+                "The date that sorts the list: that of the image card or the series; 0 for an empty entry."),
+            Property<&cUniCard::Key>(
+                "Key", "The key in the card list: IC and the key of the image card, or SE and the key of the series."),
+            ReadOnly<&cUniCard::CardType>(
+                "CardType",
+                "The kind: ctseries if Series is set, else ctImagecard if Imagecard is set, else ctUnknown."),
+            Operation<&cUniCard::LoadCardFull>(
+                "LoadCardFull",
+                "Loads the images of the entry and their positions on the image card. Always returns 0.",
+                {{"conn", Help::Connection},
+                 {"UID", "Ignored."},
+                 {"ID", "The key of the series; 0 for that of Series, which it then becomes. Ignored for image cards."},
+                 {"CardType",
+                  "The kind of the entry, 1 for an image card or 2 for a series; any other kind loads nothing."}}),
+            Property<&cUniCard::Template>(
+                "Template", "The template of the series; null before LoadCardFull and for an image card."),
+            Property<&cUniCard::Fullyloaded>(
+                "Fullyloaded", "True if the client has loaded the entry; the library never sets it to true."),
+            Property<&cUniCard::Study>(
+                "Study", "The study of the series; entries of one study share the object. Null for an image card."),
+            Property<&cUniCard::Series>("Series", "The series; null for an image card."),
+            Property<&cUniCard::Imagecard>(
+                "Imagecard", "The image card; for a series, LoadCardFull creates one that is not stored."),
+            Property<&cUniCard::colImages>("colImages", "The images; null before LoadCardFull."),
+        });
     return self;
 }
 

@@ -1,6 +1,7 @@
 #include "cardlist/cUniCards.h"
 
 #include "cards/CanvasSide.h"
+#include "frame/Help.h"
 #include "platform/component/dispatch/InterfaceTable.h"
 
 #include <algorithm>
@@ -312,16 +313,31 @@ bool cUniCards::AddObj(const Ref<cUniCard>& oUC, const String& sKey, const Strin
 }
 
 const Interface& cUniCards::Describe() const {
-    static const Interface& self = InterfaceOf<cUniCards>({
-        Operation<&cUniCards::GetICAndSEList4Patient>(
-            "GetICAndSEList4Patient",
-            {"conn", "sPID", "lPID", Optional("FromDate", Date{}), Optional("ToDate", Date{})}),
-        Operation<&cUniCards::AddObj>("AddObj", {"oUC", Optional("sKey"), Optional("sBefore")}),
-        ReadOnly<&cUniCards::Item>("Item", {"vntIndexKey"}, DefaultMember),
-        ReadOnly<&cUniCards::Count>("Count"),
-        Operation<&cUniCards::Remove>("Remove", {"vntIndexKey"}),
-        ReadOnly<&cUniCards::NewEnum>("NewEnum", {}, EnumeratorMember),
-    });
+    static const Interface& self = InterfaceOf<cUniCards>(
+        "A patient's card list: the image cards and series, newest first.",
+        {
+            Operation<&cUniCards::GetICAndSEList4Patient>(
+                "GetICAndSEList4Patient",
+                "Adds a patient's image cards and series, returns the patient's key; deletes old empty series.",
+                {{"conn", Help::Connection},
+                 {"sPID", "The patient identifier (column PersonNr_CH), not the key of the patient."},
+                 {"lPID", "Ignored."},
+                 Optional("FromDate", "Ignored.", Date{}),
+                 Optional("ToDate", "Ignored.", Date{})}),
+            Operation<&cUniCards::AddObj>(
+                "AddObj", "Inserts an entry before another one. Returns true.",
+                {{"oUC", "The entry; the collection refers to it and makes no copy."},
+                 Optional("sKey", "The key of the new member; empty for none."),
+                 Optional("sBefore", "The key of the member behind the new one; without it the operation fails.")}),
+            ReadOnly<&cUniCards::Item>("Item", "Returns an entry of the card list.",
+                                       {{"vntIndexKey", Help::IndexOrKey}}, DefaultMember),
+            ReadOnly<&cUniCards::Count>("Count", "The number of entries in the card list."),
+            Operation<&cUniCards::Remove>("Remove",
+                                          "Removes an entry from the card list; the database stays unchanged.",
+                                          {{"vntIndexKey", Help::IndexOrKey}}),
+            ReadOnly<&cUniCards::NewEnum>("NewEnum", "Returns an enumerator of the members, in their order.", {},
+                                          EnumeratorMember),
+        });
     return self;
 }
 

@@ -1,5 +1,6 @@
 #include "cards/cImagecard.h"
 
+#include "frame/Help.h"
 #include "frame/Reading.h"
 #include "platform/component/dispatch/InterfaceTable.h"
 
@@ -107,20 +108,37 @@ bool cImagecard::Save(const Ref<Connection>& conn) {
 }
 
 const Interface& cImagecard::Describe() const {
-    static const Interface& self = InterfaceOf<cImagecard>({
-        Property<&cImagecard::ImagecardAttributes>("ImagecardAttributes"),
-        Property<&cImagecard::ICWidth>("ICWidth"),
-        Property<&cImagecard::ICHeight>("ICHeight"),
-        Property<&cImagecard::ICDescription>("ICDescription"),
-        Property<&cImagecard::ICLastUpdate>("ICLastUpdate"),
-        Property<&cImagecard::ICCreateDate>("ICCreateDate"),
-        Property<&cImagecard::ICName>("ICName"),
-        Property<&cImagecard::ICPID>("ICPID"),
-        Property<&cImagecard::ICID>("ICID"),
-        Operation<&cImagecard::Save>("Save", {"conn"}),
-        Operation<&cImagecard::GetImageCard>("GetImageCard", {"conn", "lICID"}),
-        Operation<&cImagecard::LoadImageAttributes>("LoadImageAttributes", {"conn"}),
-    });
+    static const Interface& self = InterfaceOf<cImagecard>(
+        "An image card: a named page on which images of one patient are placed.",
+        {
+            Property<&cImagecard::ImagecardAttributes>(
+                "ImagecardAttributes",
+                "The placed images, as a collection of cImagecardAttribute; the key of a loaded one is K and its ID."),
+            Property<&cImagecard::ICWidth>("ICWidth", "The width of the canvas in pixels."),
+            Property<&cImagecard::ICHeight>("ICHeight", "The height of the canvas in pixels."),
+            Property<&cImagecard::ICDescription>("ICDescription", "The description, as free text."),
+            Property<&cImagecard::ICLastUpdate>(
+                "ICLastUpdate",
+                "The date and time of the last change, as the client sets it; a save does not change it."),
+            Property<&cImagecard::ICCreateDate>(
+                "ICCreateDate",
+                "The date and time of creation, as the client sets it; stored for new image cards only."),
+            Property<&cImagecard::ICName>("ICName", "The name, at most 255 characters."),
+            Property<&cImagecard::ICPID>("ICPID", "The key of the patient."),
+            Property<&cImagecard::ICID>(
+                "ICID", "The key of the image card in the database; 0 if the image card is not stored."),
+            Operation<&cImagecard::Save>(
+                "Save", "Stores the image card, then its placed images, numbered anew from 1. Returns true.",
+                {{"conn", Help::Connection}}),
+            Operation<&cImagecard::GetImageCard>(
+                "GetImageCard",
+                "Loads an image card; if there is none, changes nothing. Always returns an empty value.",
+                {{"conn", Help::Connection}, {"lICID", "The key of the image card."}}),
+            Operation<&cImagecard::LoadImageAttributes>(
+                "LoadImageAttributes",
+                "Loads the placed images and returns their number; on failure shows a message box and returns 0.",
+                {{"conn", Help::Connection}}),
+        });
     return self;
 }
 

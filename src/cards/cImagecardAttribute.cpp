@@ -1,6 +1,7 @@
 #include "cards/cImagecardAttribute.h"
 
 #include "cards/CosmeticFile.h"
+#include "frame/Help.h"
 #include "frame/Reading.h"
 #include "platform/component/dispatch/InterfaceTable.h"
 
@@ -136,23 +137,41 @@ String cImagecardAttribute::InsertManipulations(const Ref<Connection>& con) cons
 
 const Interface& cImagecardAttribute::Describe() const {
     using Self = cImagecardAttribute;
-    static const Interface& self = InterfaceOf<Self>({
-        Property<&Self::ToBeDeleted>("ToBeDeleted"),
-        Property<&Self::IAComments>("IAComments"),
-        Property<&Self::IASequence>("IASequence"),
-        Property<&Self::IAHeight>("IAHeight"),
-        Property<&Self::IAWidth>("IAWidth"),
-        Property<&Self::IAPosY>("IAPosY"),
-        Property<&Self::IAPosX>("IAPosX"),
-        Property<&Self::ImageID>("ImageID"),
-        Property<&Self::ICID>("ICID"),
-        Property<&Self::ID>("ID"),
-        Operation<&Self::Save>("Save", {"conn"}),
-        Property<&Self::Manipulations>("Manipulations"),
-        Property<&Self::IAMirrRotStatus>("IAMirrRotStatus"),
-        Operation<&Self::LoadImageManipulations>("LoadImageManipulations", {"conn"}),
-        Operation<&Self::SaveManipulations>("SaveManipulations", {"conn"}),
-    });
+    static const Interface& self = InterfaceOf<Self>(
+        "An image placed on an image card: its position, size, order and manipulations.",
+        {
+            Property<&Self::ToBeDeleted>(
+                "ToBeDeleted", "True makes the next save delete the stored row and its manipulations; not stored."),
+            Property<&Self::IAComments>("IAComments", "Free text."),
+            Property<&Self::IASequence>(
+                "IASequence", "The order on the image card, from 1; each save of the image card sets it anew."),
+            Property<&Self::IAHeight>("IAHeight", "The height, as a fraction of the canvas height."),
+            Property<&Self::IAWidth>("IAWidth", "The width, as a fraction of the canvas width."),
+            Property<&Self::IAPosY>("IAPosY", "The distance from the top of the canvas, as a fraction of its height."),
+            Property<&Self::IAPosX>("IAPosX", "The distance from the left of the canvas, as a fraction of its width."),
+            Property<&Self::ImageID>("ImageID",
+                                     "The key of the image; a save of the image card skips a placed image with 0."),
+            Property<&Self::ICID>("ICID", "The key of the image card."),
+            Property<&Self::ID>("ID", "The key of the placed image in the database; 0 or below if it is not stored."),
+            Operation<&Self::Save>(
+                "Save",
+                "Stores the placed image and its manipulations, or deletes it if ToBeDeleted is true. Returns true.",
+                {{"conn", Help::Connection}}),
+            Property<&Self::Manipulations>(
+                "Manipulations",
+                "The manipulations, as a collection of cImageManipulation in their order, without keys."),
+            Property<&Self::IAMirrRotStatus>(
+                "IAMirrRotStatus",
+                "Mirroring and rotation, as a number that the client defines; a null is loaded as 0."),
+            Operation<&Self::LoadImageManipulations>(
+                "LoadImageManipulations",
+                "Appends the stored manipulations; a second call doubles them. Returns false after a failure.",
+                {{"conn", Help::Connection}}),
+            Operation<&Self::SaveManipulations>(
+                "SaveManipulations",
+                "Replaces the stored manipulations; raises no error, and a failure can lose stored ones.",
+                {{"conn", Help::Connection}}),
+        });
     return self;
 }
 

@@ -1,6 +1,7 @@
 #include "cards/cTemplate.h"
 
 #include "cards/CanvasSide.h"
+#include "frame/Help.h"
 #include "platform/component/dispatch/InterfaceTable.h"
 #include "platform/runtime/Random.h"
 
@@ -99,23 +100,41 @@ bool cTemplate::Save(const Ref<Connection>& Con) {
 }
 
 const Interface& cTemplate::Describe() const {
-    static const Interface& self = InterfaceOf<cTemplate>({
-        Property<&cTemplate::TemplateAttributes>("TemplateAttributes"),
-        Property<&cTemplate::TCForcedImageType>("TCForcedImageType"),
-        Property<&cTemplate::TCDicomID>("TCDicomID"),
-        Property<&cTemplate::TCComments>("TCComments"),
-        Property<&cTemplate::TCHeight>("TCHeight"),
-        Property<&cTemplate::TCWidth>("TCWidth"),
-        Property<&cTemplate::TCDate>("TCDate"),
-        Property<&cTemplate::TCName>("TCName"),
-        Property<&cTemplate::TCID>("TCID"),
-        Operation<&cTemplate::GetTemplate>("GetTemplate",
-                                           {"Con", Optional("TID", Long{0}), Optional("DicomID", Long{0})}),
-        Operation<&cTemplate::LoadTemplateAttributes>("LoadTemplateAttributes", {"Con"}),
-        Property<&cTemplate::TCHidden>("TCHidden"),
-        Property<&cTemplate::TCChecksum>("TCChecksum"),
-        Operation<&cTemplate::Save>("Save", {"Con"}),
-    });
+    static const Interface& self = InterfaceOf<cTemplate>(
+        "A template: a named page layout with a canvas and image slots.",
+        {
+            Property<&cTemplate::TemplateAttributes>(
+                "TemplateAttributes",
+                "The slots, as a collection of cTemplateAttribute; the key of a loaded slot is K and its ID."),
+            Property<&cTemplate::TCForcedImageType>(
+                "TCForcedImageType", "The image type forced on images that the template places; -1 if none is forced."),
+            Property<&cTemplate::TCDicomID>(
+                "TCDicomID", "The number by which a series names the template; up to 999 for the standard layouts."),
+            Property<&cTemplate::TCComments>("TCComments", "Free text."),
+            Property<&cTemplate::TCHeight>("TCHeight", "The height of the canvas in pixels."),
+            Property<&cTemplate::TCWidth>("TCWidth", "The width of the canvas in pixels."),
+            Property<&cTemplate::TCDate>("TCDate",
+                                         "The date of the template; a save stores it for new templates only."),
+            Property<&cTemplate::TCName>("TCName", "The name, at most 255 characters."),
+            Property<&cTemplate::TCID>(
+                "TCID", "The key of the template in the database; 0 or below if the template is not stored."),
+            Operation<&cTemplate::GetTemplate>(
+                "GetTemplate", "Loads a template and its slots; if there is none, only sets TCID to 0.",
+                {{"Con", Help::Connection},
+                 Optional("TID", "The key of the template; ignored if DicomID is not 0.", Long{0}),
+                 Optional("DicomID", "The TCDicomID of the template; 0 searches by TID instead.", Long{0})}),
+            Operation<&cTemplate::LoadTemplateAttributes>(
+                "LoadTemplateAttributes",
+                "Replaces the slots by the stored ones in the order of their numbers; returns how many there are.",
+                {{"Con", Help::Connection}}),
+            Property<&cTemplate::TCHidden>("TCHidden",
+                                           "True if the client hides the template; stored in the column TCMaximized."),
+            Property<&cTemplate::TCChecksum>(
+                "TCChecksum", "A number of the client; the library stores it and neither computes nor compares it."),
+            Operation<&cTemplate::Save>(
+                "Save", "Stores the template and its slots; a removed slot stays in the database. Returns true.",
+                {{"Con", Help::Connection}}),
+        });
     return self;
 }
 

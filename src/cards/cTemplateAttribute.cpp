@@ -1,5 +1,6 @@
 #include "cards/cTemplateAttribute.h"
 
+#include "frame/Help.h"
 #include "frame/Reading.h"
 #include "platform/component/dispatch/InterfaceTable.h"
 
@@ -73,24 +74,34 @@ bool cTemplateAttribute::Save(const Ref<Connection>& Con) {
 
 const Interface& cTemplateAttribute::Describe() const {
     using Self = cTemplateAttribute;
-    static const Interface& self = InterfaceOf<Self>({
-        Property<&Self::TANumberInTemplate>("TANumberInTemplate"),
-        Property<&Self::TAHeight>("TAHeight"),
-        Property<&Self::TAWidth>("TAWidth"),
-        Property<&Self::TAPosY>("TAPosY"),
-        Property<&Self::TAPosX>("TAPosX"),
-        Property<&Self::TARotation>("TARotation"),
-        Property<&Self::TASequence>("TASequence"),
-        Property<&Self::AIID>("AIID"),
-        Property<&Self::TCID>("TCID"),
-        Property<&Self::ID>("ID"),
-        Operation<&Self::Save>("Save", {"Con"}),
-        Property<&Self::TAADName>("TAADName"),
-        Property<&Self::TAAnatomicRegion>("TAAnatomicRegion"),
-        Property<&Self::TAImagepath>("TAImagepath"),
-        Property<&Self::TAComments>("TAComments"),
-        Property<&Self::TAProportions>("TAProportions"),
-    });
+    static const Interface& self = InterfaceOf<Self>(
+        "An image slot of a template: its position, size, order of filling and anatomic group.",
+        {
+            Property<&Self::TANumberInTemplate>(
+                "TANumberInTemplate", "The number of the slot; it shows the image whose FrameNumber is equal."),
+            Property<&Self::TAHeight>("TAHeight", "The height, as a fraction of the canvas height."),
+            Property<&Self::TAWidth>("TAWidth", "The width, as a fraction of the canvas width."),
+            Property<&Self::TAPosY>("TAPosY", "The distance from the top of the canvas, as a fraction of its height."),
+            Property<&Self::TAPosX>("TAPosX", "The distance from the left of the canvas, as a fraction of its width."),
+            Property<&Self::TARotation>("TARotation",
+                                        "The rotation, as a number that the client defines; 0 for an upright image."),
+            Property<&Self::TASequence>("TASequence", "The order in which the slots are filled, from 1."),
+            Property<&Self::AIID>(
+                "AIID", "The number of the expected anatomic group; an update also searches its row by this number."),
+            Property<&Self::TCID>("TCID", "The key of the template."),
+            Property<&Self::ID>("ID", "The key of the slot in the database; 0 if the slot is not stored."),
+            Operation<&Self::Save>(
+                "Save",
+                "Inserts the slot if ID is 0; otherwise updates the row whose key is AIID, not ID. Returns true.",
+                {{"Con", Help::Connection}}),
+            Property<&Self::TAADName>("TAADName", "The name of the expected anatomic group, at most 255 characters."),
+            Property<&Self::TAAnatomicRegion>("TAAnatomicRegion", "A text of the client; neither loaded nor stored."),
+            Property<&Self::TAImagepath>("TAImagepath",
+                                         "A path of the client, at most 512 characters; stored, but never loaded."),
+            Property<&Self::TAComments>("TAComments", "Free text."),
+            Property<&Self::TAProportions>("TAProportions",
+                                           "The height divided by the width; a null or 0 is loaded as 0.7."),
+        });
     return self;
 }
 

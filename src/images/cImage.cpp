@@ -1,5 +1,6 @@
 #include "images/cImage.h"
 
+#include "frame/Help.h"
 #include "frame/Reading.h"
 #include "platform/component/dispatch/InterfaceTable.h"
 
@@ -141,57 +142,114 @@ void cImage::GetComments(const Ref<Connection>& Con) {
 }
 
 const Interface& cImage::Describe() const {
-    static const Interface& self = InterfaceOf<cImage>({
-        Property<&cImage::AnaRegionMod>("AnaRegionMod"),
-        Property<&cImage::AnaRegion>("AnaRegion"),
-        Property<&cImage::Laterality>("Laterality"),
-        Property<&cImage::instanceUID>("instanceUID"),
-        Property<&cImage::seriesID>("seriesID"),
-        Property<&cImage::studyID>("studyID"),
-        Property<&cImage::ImageNumberInSeries>("ImageNumberInSeries"),
-        Property<&cImage::Pregnant>("Pregnant"),
-        Property<&cImage::RootId>("RootId"),
-        Property<&cImage::DPIX>("DPIX"),
-        Property<&cImage::DPIY>("DPIY"),
-        Property<&cImage::MirrRotStatus>("MirrRotStatus"),
-        Property<&cImage::dateTime>("dateTime"),
-        Property<&cImage::PatID>("PatID"),
-        Property<&cImage::Approved>("Approved"),
-        Property<&cImage::sTeeth>("sTeeth"),
-        Property<&cImage::ImageType>("ImageType"),
-        Operation<&cImage::Save>("Save", {"Con"}),
-        Property<&cImage::ID>("ID"),
-        Property<&cImage::URL>("URL"),
-        Property<&cImage::HWSourceTxt>("HWSourceTxt"),
-        ObjectProperty<&cImage::Comments, &cImage::SetComments>("Comments"),
-        ValueProperty<&cImage::GetFrameNumber, &cImage::PutFrameNumber>("FrameNumber"),
-        Property<&cImage::Root_RootDirectory>("Root_RootDirectory"),
-        Property<&cImage::DicomStatus>("DicomStatus"),
-        Operation<&cImage::GetImage>("GetImage", {"Con", "ImageBildID"}),
-        Operation<&cImage::addComment>("addComment", {"sComment", "sSignature", "commentDate", "saved",
-                                                      Optional("Action"), Optional("objpointer")}),
-        Operation<&cImage::GetComments>("GetComments", {"Con"}),
-        Property<&cImage::ApprInvert>("ApprInvert"),
-        Property<&cImage::ApprContrast>("ApprContrast"),
-        Property<&cImage::ApprBrightness>("ApprBrightness"),
-        Property<&cImage::ApprGamma>("ApprGamma"),
-        Property<&cImage::RespPerson>("RespPerson"),
-        Property<&cImage::CapturePerson>("CapturePerson"),
-        Operation<&cImage::GetFromRecord>("GetFromRecord", {"rs"}),
-        Property<&cImage::CRC>("CRC"),
-        Property<&cImage::Key>("Key"),
-        Property<&cImage::ExposureTime_ms>("ExposureTime_ms"),
-        Property<&cImage::Current_mA>("Current_mA"),
-        Property<&cImage::Voltage_kV>("Voltage_kV"),
-        Property<&cImage::FailedToLoadImage>("FailedToLoadImage"),
-        Property<&cImage::ThumbnailOnly>("ThumbnailOnly"),
-        Property<&cImage::OrgHeight>("OrgHeight"),
-        Property<&cImage::OrgWidth>("OrgWidth"),
-        Property<&cImage::ApprCrop>("ApprCrop"),
-        Property<&cImage::SubType>("SubType"),
-        Property<&cImage::DCMDerived>("DCMDerived"),
-        Operation<&cImage::SaveEx>("SaveEx", {"CheckExistOnID", "Con"}),
-    });
+    static const Interface& self = InterfaceOf<cImage>(
+        "A stored image of a patient: its file, capture data, anatomy and display settings.",
+        {
+            Property<&cImage::AnaRegionMod>(
+                "AnaRegionMod",
+                "The code of the anatomic region's modifier, such as T-5100B; empty if it is not known."),
+            Property<&cImage::AnaRegion>(
+                "AnaRegion",
+                "The code of the anatomic region, such as T-11170 for the upper jaw; empty if it is not known."),
+            Property<&cImage::Laterality>("Laterality",
+                                          "The side: L for left, R for right, B for both; empty if it is not known."),
+            Property<&cImage::instanceUID>("instanceUID", "The DICOM SOP instance UID, at most 64 characters."),
+            Property<&cImage::seriesID>("seriesID", "The key of the series; 0 if the image belongs to none."),
+            Property<&cImage::studyID>("studyID", "The key of the study; 0 if the image belongs to none."),
+            Property<&cImage::ImageNumberInSeries>("ImageNumberInSeries", "The number of the image in its series."),
+            Property<&cImage::Pregnant>(
+                "Pregnant",
+                "The answer about pregnancy, 16 bits, 10 for not asked; stored for new images only, never loaded."),
+            Property<&cImage::RootId>(
+                "RootId",
+                "The number of the storage root that contains the file; a save stores it for new images only."),
+            Property<&cImage::DPIX>("DPIX", "The horizontal resolution in dots per inch; 0 if it is not known."),
+            Property<&cImage::DPIY>("DPIY", "The vertical resolution in dots per inch; 0 if it is not known."),
+            Property<&cImage::MirrRotStatus>(
+                "MirrRotStatus", "Mirroring and rotation, as a number that the client defines; a null is loaded as 1."),
+            Property<&cImage::dateTime>("dateTime",
+                                        "The date and time of capture; a save stores it for new images only."),
+            Property<&cImage::PatID>("PatID", "The key of the patient."),
+            Property<&cImage::Approved>("Approved", "True if the image is approved."),
+            Property<&cImage::sTeeth>(
+                "sTeeth", "The teeth as two-digit numbers, each followed by a comma; SaveEx stores 180 characters."),
+            Property<&cImage::ImageType>("ImageType",
+                                         "The kind of the image, such as panoramic radiograph or photograph."),
+            Operation<&cImage::Save>(
+                "Save", "Stores the image and its new comments; inserts a row if ID is 0, else updates it. Returns 0.",
+                {{"Con", Help::Connection}}),
+            Property<&cImage::ID>("ID", "The key of the image in the database; 0 if the image is not stored."),
+            Property<&cImage::URL>("URL",
+                                   "The path of the image file below the storage root; empty if there is no file."),
+            Property<&cImage::HWSourceTxt>("HWSourceTxt", "The name of the capture hardware, at most 255 characters."),
+            ObjectProperty<&cImage::Comments, &cImage::SetComments>(
+                "Comments", "The comments, newest first; never null when read. GetComments loads the stored ones."),
+            ValueProperty<&cImage::GetFrameNumber, &cImage::PutFrameNumber>(
+                "FrameNumber", "The frame of the layout that shows the image; 0 if none does."),
+            Property<&cImage::Root_RootDirectory>(
+                "Root_RootDirectory",
+                "The directory of the storage root, loaded with the image, never written to the database."),
+            Property<&cImage::DicomStatus>("DicomStatus",
+                                           "The DICOM state of the image; 2 means that it is on a DICOM server too."),
+            Operation<&cImage::GetImage>(
+                "GetImage",
+                "Loads an image without its comments. Returns false if there is none and changes nothing then.",
+                {{"Con", Help::Connection}, {"ImageBildID", "The key of the image."}}),
+            Operation<&cImage::addComment>(
+                "addComment", "Adds a comment in front of the others; the next save stores it unless saved is true.",
+                {{"sComment", "The text, of which 150 characters are stored."},
+                 {"sSignature", "The name of the author, of which 150 characters are stored."},
+                 {"commentDate", "The date and time of the comment."},
+                 {"saved", "True if the database has the comment already, so that no save stores it."},
+                 Optional("Action", "Ignored."),
+                 Optional("objpointer", "Ignored.")}),
+            Operation<&cImage::GetComments>("GetComments",
+                                            "Loads the comments, newest first; does nothing if Comments is not empty.",
+                                            {{"Con", Help::Connection}}),
+            Property<&cImage::ApprInvert>("ApprInvert", "True if the image is displayed with inverted grey values."),
+            Property<&cImage::ApprContrast>("ApprContrast",
+                                            "The contrast of the display, on a scale that the client defines."),
+            Property<&cImage::ApprBrightness>("ApprBrightness",
+                                              "The brightness of the display, on a scale that the client defines."),
+            Property<&cImage::ApprGamma>("ApprGamma",
+                                         "The gamma value of the display, on a scale that the client defines."),
+            Property<&cImage::RespPerson>("RespPerson",
+                                          "The person who is responsible for the image, at most 255 characters."),
+            Property<&cImage::CapturePerson>(
+                "CapturePerson",
+                "The person who captured the image; a save stores it for images that have a key only."),
+            Operation<&cImage::GetFromRecord>(
+                "GetFromRecord", "Fills the image from the current row, up to the first column that cannot be read.",
+                {{"rs", "An open recordset with the columns of an image; it is not moved."}}),
+            Property<&cImage::CRC>(
+                "CRC", "A check value of the file that the client computes and compares; the library only stores it."),
+            Property<&cImage::Key>("Key", "The key under which AddObject added the image to a collection; not stored."),
+            Property<&cImage::ExposureTime_ms>("ExposureTime_ms",
+                                               "The exposure time in milliseconds; 0 if it is not known."),
+            Property<&cImage::Current_mA>("Current_mA", "The tube current in milliampere; 0 if it is not known."),
+            Property<&cImage::Voltage_kV>("Voltage_kV", "The tube voltage in kilovolt; 0 if it is not known."),
+            Property<&cImage::FailedToLoadImage>(
+                "FailedToLoadImage",
+                "True if the client could not load the file; not stored, and the library never sets it."),
+            Property<&cImage::ThumbnailOnly>(
+                "ThumbnailOnly",
+                "True if the client loaded a thumbnail only; not stored, and the library never sets it."),
+            Property<&cImage::OrgHeight>(
+                "OrgHeight", "The original height of the picture; not stored, and the library never sets it."),
+            Property<&cImage::OrgWidth>(
+                "OrgWidth", "The original width of the picture; not stored, and the library never sets it."),
+            Property<&cImage::ApprCrop>(
+                "ApprCrop", "The crop of the display, as a text that the client defines, at most 255 characters."),
+            Property<&cImage::SubType>("SubType", "A number that the client defines and that refines ImageType."),
+            Property<&cImage::DCMDerived>(
+                "DCMDerived", "0 for an original image, any other number for one that is derived from another image."),
+            Operation<&cImage::SaveEx>(
+                "SaveEx",
+                "Searches the row of the image and saves it as Save does, so that none is stored twice. Returns 0.",
+                {{"CheckExistOnID",
+                  "True searches by ID; false, or an ID of 0, searches by instanceUID unless that is empty."},
+                 {"Con", Help::Connection}}),
+        });
     return self;
 }
 

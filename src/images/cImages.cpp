@@ -1,5 +1,6 @@
 #include "images/cImages.h"
 
+#include "frame/Help.h"
 #include "frame/Reading.h"
 #include "platform/component/dispatch/InterfaceTable.h"
 
@@ -112,45 +113,63 @@ Ref<cImage> cImages::AddObject(Ref<cImage>& oImage, const String& sKey) {
 }
 
 const Interface& cImages::Describe() const {
-    static const Interface& self = InterfaceOf<cImages>({
-        Operation<&cImages::LoadAll4Object>("LoadAll4Object", {"conn", "ObjectType", "ID", Optional("SQLWhereClause")}),
-        Operation<&cImages::Add>("Add", {"URL",
-                                         "ID",
-                                         "ImageType",
-                                         "sTeeth",
-                                         "Approved",
-                                         "PatID",
-                                         "dateTime",
-                                         "MirrRotStatus",
-                                         "DPIY",
-                                         "DPIX",
-                                         "RootId",
-                                         "Pregnant",
-                                         "ImageNumberInSeries",
-                                         "DicomStatus",
-                                         "studyID",
-                                         "FrameNumber",
-                                         "seriesID",
-                                         "instanceUID",
-                                         "Laterality",
-                                         "AnaRegion",
-                                         "AnaRegionMod",
-                                         "Comments",
-                                         "Root_RootDirectory",
-                                         "HWSourceTxt",
-                                         "ApprGamma",
-                                         "ApprBrightness",
-                                         "ApprContrast",
-                                         "ApprInvert",
-                                         "CapturePerson",
-                                         "RespPerson",
-                                         Optional("sKey")}),
-        ReadOnly<&cImages::Item>("Item", {"vntIndexKey"}, DefaultMember),
-        ReadOnly<&cImages::Count>("Count"),
-        Operation<&cImages::Remove>("Remove", {"vntIndexKey"}),
-        ReadOnly<&cImages::NewEnum>("NewEnum", {}, EnumeratorMember),
-        Operation<&cImages::AddObject>("AddObject", {"oImage", Optional("sKey")}),
-    });
+    static const Interface& self = InterfaceOf<cImages>(
+        "The images of a patient or a series, or of a condition in SQL.",
+        {
+            Operation<&cImages::LoadAll4Object>(
+                "LoadAll4Object",
+                "Replaces the members by the images of an owner, oldest first, and returns their number.",
+                {{"conn", Help::Connection},
+                 {"ObjectType", "Which owner: iootPatient or iootSeries. Other values need SQLWhereClause."},
+                 {"ID", "The key of the patient or the series; ignored if SQLWhereClause is not empty."},
+                 Optional("SQLWhereClause",
+                          "A condition in SQL that begins with WHERE and selects the images instead of the owner.")}),
+            Operation<&cImages::Add>(
+                "Add", "Creates an image with these values, adds it at the end and returns it; stores nothing.",
+                {{"URL", "The path of the image file below the storage root; empty if there is no file."},
+                 {"ID", "The key of the image in the database; 0 if the image is not stored."},
+                 {"ImageType", "The kind of the image."},
+                 {"sTeeth", "The teeth in the image, as two-digit numbers, each followed by a comma."},
+                 {"Approved", "True if the image is approved."},
+                 {"PatID", "The key of the patient."},
+                 {"dateTime", "The date and time of capture."},
+                 {"MirrRotStatus", "Mirroring and rotation, as a number that the client defines."},
+                 {"DPIY", "The vertical resolution in dots per inch; 0 if it is not known."},
+                 {"DPIX", "The horizontal resolution in dots per inch; 0 if it is not known."},
+                 {"RootId", "The number of the storage root that contains the file."},
+                 {"Pregnant", "The answer about pregnancy as a 16-bit number, 10 for not asked."},
+                 {"ImageNumberInSeries", "The number of the image in its series."},
+                 {"DicomStatus", "The DICOM state of the image; 2 means that it is on a DICOM server too."},
+                 {"studyID", "The key of the study; 0 if the image belongs to none."},
+                 {"FrameNumber", "The frame of the layout that shows the image; 0 if none does."},
+                 {"seriesID", "The key of the series; 0 if the image belongs to none."},
+                 {"instanceUID", "The DICOM SOP instance UID, at most 64 characters."},
+                 {"Laterality", "The side: L for left, R for right, B for both; empty if it is not known."},
+                 {"AnaRegion", "The code of the anatomic region; empty if it is not known."},
+                 {"AnaRegionMod", "The code of the anatomic region's modifier; empty if it is not known."},
+                 {"Comments", "The comments, to which the image refers without a copy; null for an empty list."},
+                 {"Root_RootDirectory", "The directory of the storage root."},
+                 {"HWSourceTxt", "The name of the capture hardware, at most 255 characters."},
+                 {"ApprGamma", "The gamma value of the display."},
+                 {"ApprBrightness", "The brightness of the display."},
+                 {"ApprContrast", "The contrast of the display."},
+                 {"ApprInvert", "True if the image is displayed with inverted grey values."},
+                 {"CapturePerson", "The person who captured the image, at most 255 characters."},
+                 {"RespPerson", "The person who is responsible for the image, at most 255 characters."},
+                 Optional("sKey", "The key of the new member; empty for none.")}),
+            ReadOnly<&cImages::Item>("Item", "Returns an image of the collection, or null if there is none.",
+                                     {{"vntIndexKey", Help::IndexOrKey}}, DefaultMember),
+            ReadOnly<&cImages::Count>("Count", "The number of images in the collection."),
+            Operation<&cImages::Remove>("Remove",
+                                        "Removes an image from the collection; a stored image stays in the database.",
+                                        {{"vntIndexKey", Help::IndexOrKey}}),
+            ReadOnly<&cImages::NewEnum>("NewEnum", "Returns an enumerator of the members, in their order.", {},
+                                        EnumeratorMember),
+            Operation<&cImages::AddObject>(
+                "AddObject", "Adds an existing image at the end and returns it.",
+                {{"oImage", "The image; the variable of the caller is null afterwards."},
+                 Optional("sKey", "The key of the new member, which the Key of the image is set to; empty for none.")}),
+        });
     return self;
 }
 

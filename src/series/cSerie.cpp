@@ -1,5 +1,6 @@
 #include "series/cSerie.h"
 
+#include "frame/Help.h"
 #include "frame/Reading.h"
 #include "platform/component/dispatch/InterfaceTable.h"
 
@@ -85,31 +86,65 @@ void cSerie::Delete(const Ref<Connection>& Con) {
 }
 
 const Interface& cSerie::Describe() const {
-    static const Interface& self = InterfaceOf<cSerie>({
-        Property<&cSerie::SeriesDateTime>("SeriesDateTime"),
-        Property<&cSerie::SeriesDerived>("SeriesDerived"),
-        Property<&cSerie::SeriesDescription>("SeriesDescription"),
-        Property<&cSerie::InstanceAv>("InstanceAv"),
-        Property<&cSerie::OrgServer>("OrgServer"),
-        PropertyGetFirst<&cSerie::Key>("Key", PutForm::ByReference),
-        Property<&cSerie::location>("location"),
-        Property<&cSerie::SeriesName>("SeriesName"),
-        Property<&cSerie::ImgCount>("ImgCount"),
-        Operation<&cSerie::adjustLocationStatus>("adjustLocationStatus"),
-        Operation<&cSerie::loadSeries>("loadSeries", {"Series", "Con"}),
-        Operation<&cSerie::SaveSeries>("SaveSeries", {"CheckExistOnID", "Con"}),
-        Property<&cSerie::studyID>("studyID"),
-        Property<&cSerie::TemplateID>("TemplateID"),
-        Property<&cSerie::ID>("ID"),
-        Property<&cSerie::seriesNumber>("seriesNumber"),
-        Property<&cSerie::Modality>("Modality"),
-        Property<&cSerie::instanceUID>("instanceUID"),
-        PropertyGetFirst<&cSerie::Approved>("Approved"),
-        PropertyGetFirst<&cSerie::Changed>("Changed"),
-        Operation<&cSerie::Delete>("Delete", {"Con"}),
-        Operation<&cSerie::SaveAsIC>("SaveAsIC", {"Con", "colImages"}),
-        Operation<&cSerie::HangSeries>("HangSeries", {"colImgs", "conn"}),
-    });
+    static const Interface& self = InterfaceOf<cSerie>(
+        "A DICOM series of images of a study.",
+        {
+            Property<&cSerie::SeriesDateTime>("SeriesDateTime", "The date and time of the series, in whole seconds."),
+            Property<&cSerie::SeriesDerived>("SeriesDerived", "True if the images are derived from others."),
+            Property<&cSerie::SeriesDescription>(
+                "SeriesDescription", "The description; 64 characters are stored, a single quote counts as two."),
+            Property<&cSerie::InstanceAv>(
+                "InstanceAv", "The availability on the server, ONLINE, NEARLINE or another text; not stored."),
+            Property<&cSerie::OrgServer>(
+                "OrgServer", "The number of the DICOM server that the series comes from; 0 if it was captured here."),
+            PropertyGetFirst<&cSerie::Key>("Key", "The key of the series in a collection of the client; not stored.",
+                                           PutForm::ByReference),
+            Property<&cSerie::location>(
+                "location", "Where the images of the series are: unknown, local, on a DICOM server, or both."),
+            Property<&cSerie::SeriesName>(
+                "SeriesName", "The name for the image card that SaveAsIC stores; not stored with the series."),
+            Property<&cSerie::ImgCount>(
+                "ImgCount",
+                "The number of images; HangSeries selects the layout by it. A load changes it only if it is 0."),
+            Operation<&cSerie::adjustLocationStatus>(
+                "adjustLocationStatus",
+                "Adds the server to location if InstanceAv is ONLINE or NEARLINE, removes it for any other text."),
+            Operation<&cSerie::loadSeries>(
+                "loadSeries", "Loads a series. Returns false if there is none and changes nothing then.",
+                {{"Series", "The series instance UID, or a text without a point: the key in decimal."},
+                 {"Con", Help::Connection}}),
+            Operation<&cSerie::SaveSeries>(
+                "SaveSeries",
+                "Stores the series. Returns false and does nothing if instanceUID is empty or studyID is 0.",
+                {{"CheckExistOnID",
+                  "True searches the row by ID, false by instanceUID; without a row, one is inserted."},
+                 {"Con", Help::Connection}}),
+            Property<&cSerie::studyID>("studyID", "The key of the study; a series with 0 is not saved."),
+            Property<&cSerie::TemplateID>(
+                "TemplateID", "The layout, as the TCDicomID of a template, not its key; 0 if there is none."),
+            Property<&cSerie::ID>("ID", "The key of the series in the database; 0 if the series is not stored."),
+            Property<&cSerie::seriesNumber>(
+                "seriesNumber", "The DICOM series number, at most 16 characters; a save does not write an empty one."),
+            Property<&cSerie::Modality>("Modality", "The DICOM modality, such as PX or DX, at most 16 characters."),
+            Property<&cSerie::instanceUID>(
+                "instanceUID",
+                "The DICOM series instance UID, at most 64 characters; a series without one is not saved."),
+            PropertyGetFirst<&cSerie::Approved>(
+                "Approved", "True if the card list found all images approved or none captured yet; not stored."),
+            PropertyGetFirst<&cSerie::Changed>(
+                "Changed",
+                "True if the client marks the series as changed; not stored, and the library never uses it."),
+            Operation<&cSerie::Delete>("Delete", "Deletes the row of the series; its images stay in the database.",
+                                       {{"Con", Help::Connection}}),
+            Operation<&cSerie::SaveAsIC>("SaveAsIC",
+                                         "Stores the series as a new image card; does nothing if there are no images.",
+                                         {{"Con", Help::Connection},
+                                          {"colImages", "The images of the series; the first one names the patient."}}),
+            Operation<&cSerie::HangSeries>(
+                "HangSeries",
+                "Sets TemplateID and the FrameNumber of each image, and returns TemplateID; stores nothing.",
+                {{"colImgs", "The images of the series."}, {"conn", Help::Connection}}),
+        });
     return self;
 }
 

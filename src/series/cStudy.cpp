@@ -1,5 +1,6 @@
 #include "series/cStudy.h"
 
+#include "frame/Help.h"
 #include "frame/Reading.h"
 #include "platform/component/dispatch/InterfaceTable.h"
 
@@ -87,22 +88,38 @@ void cStudy::Delete(const Ref<Connection>& Con) {
 }
 
 const Interface& cStudy::Describe() const {
-    static const Interface& self = InterfaceOf<cStudy>({
-        PropertyGetFirst<&cStudy::Key>("Key", PutForm::ByReference),
-        Property<&cStudy::location>("location"),
-        Operation<&cStudy::loadStudy>("loadStudy", {"Study", "Con"}),
-        Operation<&cStudy::savestudy>("savestudy", {"CheckExistOnID", "Con"}),
-        Property<&cStudy::PatientID>("PatientID"),
-        Property<&cStudy::referDrName>("referDrName"),
-        Property<&cStudy::PhysOfRecord>("PhysOfRecord"),
-        Property<&cStudy::accessionNumber>("accessionNumber"),
-        Property<&cStudy::instanceUID>("instanceUID"),
-        Property<&cStudy::description>("description"),
-        Property<&cStudy::dateTime>("dateTime"),
-        Property<&cStudy::studyID>("studyID"),
-        Property<&cStudy::ID>("ID"),
-        Operation<&cStudy::Delete>("Delete", {"Con"}),
-    });
+    static const Interface& self = InterfaceOf<cStudy>(
+        "A DICOM study of a patient.",
+        {
+            PropertyGetFirst<&cStudy::Key>("Key", "The key of the study in a collection of the client; not stored.",
+                                           PutForm::ByReference),
+            Property<&cStudy::location>(
+                "location", "Where the images of the study are: local, on a DICOM server, or both; not stored."),
+            Operation<&cStudy::loadStudy>(
+                "loadStudy", "Loads a study. Returns false if there is none and changes nothing then.",
+                {{"Study", "The study instance UID, or a text without a point: the key in decimal."},
+                 {"Con", Help::Connection}}),
+            Operation<&cStudy::savestudy>(
+                "savestudy", "Updates the row of the study, or inserts one if none is found. Returns true.",
+                {{"CheckExistOnID", "True searches the row by ID, false by instanceUID."}, {"Con", Help::Connection}}),
+            Property<&cStudy::PatientID>("PatientID", "The key of the patient; a save does not write 0."),
+            Property<&cStudy::referDrName>("referDrName", "The name of the referring doctor, at most 255 characters."),
+            Property<&cStudy::PhysOfRecord>(
+                "PhysOfRecord", "The names of the physicians of record, of which 255 characters are stored."),
+            Property<&cStudy::accessionNumber>("accessionNumber", "The DICOM accession number, at most 64 characters."),
+            Property<&cStudy::instanceUID>("instanceUID",
+                                           "The DICOM study instance UID; an empty one is stored as the text TOM."),
+            Property<&cStudy::description>("description",
+                                           "The description; 64 characters are stored, a single quote counts as two."),
+            Property<&cStudy::dateTime>("dateTime", "The date and time of the study, in whole seconds."),
+            Property<&cStudy::studyID>(
+                "studyID",
+                "The DICOM study identifier, not the key; 16 characters are stored, a single quote counts as two."),
+            Property<&cStudy::ID>("ID", "The key of the study in the database; 0 if the study is not stored."),
+            Operation<&cStudy::Delete>("Delete",
+                                       "Deletes the row of the study; its series and images stay in the database.",
+                                       {{"Con", Help::Connection}}),
+        });
     return self;
 }
 
