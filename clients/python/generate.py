@@ -131,8 +131,17 @@ class Stubs:
     def result(self, member: Description) -> str:
         return self.type(member["result"], member.get("resultOf", ""))
 
+    @staticmethod
+    def documentation(member: Description) -> str:
+        """The help text of a member and of its arguments, as a docstring."""
+        if not member["arguments"]:
+            return f'        """{member["help"]}"""\n'
+        lines = "".join(f"            {argument['name']}: {argument['help']}\n" for argument in member["arguments"])
+        return f'        """{member["help"]}\n\n        Arguments:\n{lines}        """\n'
+
     def operation(self, member: Description, name: str = "") -> str:
-        return f"    def {name or member['name']}({self.arguments(member)}) -> {self.result(member)}: ...\n"
+        head = f"    def {name or member['name']}({self.arguments(member)}) -> {self.result(member)}:"
+        return f"{head}\n{self.documentation(member)}"
 
     def property(self, name: str, kinds: Dict[str, Description]) -> str:
         if "get" in kinds and kinds["get"]["arguments"]:
@@ -140,7 +149,8 @@ class Stubs:
         put = kinds.get("put") or kinds.get("putref")
         value = put["arguments"][-1] if put else {}
         type = self.result(kinds["get"]) if "get" in kinds else self.type(value["type"], value.get("of", ""))
-        text = f"    @builtins.property\n    def {name}(self) -> {type}: ...\n"
+        help = (kinds.get("get") or put)["help"]
+        text = f'    @builtins.property\n    def {name}(self) -> {type}:\n        """{help}"""\n'
         if put:
             taken = self.taken(value["type"], value.get("of", ""))
             text += f"    @{name}.setter\n    def {name}(self, Value: {taken}) -> None: ...\n"
@@ -178,7 +188,7 @@ class Stubs:
         for name, kinds in by_name.items():
             text += self.operation(kinds["operation"]) if "operation" in kinds else self.property(name, kinds)
         text += self.protocols(described)
-        return f"\n\nclass {described['class']}(Object):\n" + (text or "    ...\n")
+        return f"\n\nclass {described['class']}(Object):\n    \"\"\"{described['help']}\"\"\"\n{text}"
 
     def text(self) -> str:
         return HEAD + "".join(map(self.class_text, self.all))

@@ -133,8 +133,10 @@ const char* KindText(MemberKind kind) {
     return "";
 }
 
+String HelpText(const char* help) { return String("helpstring(\"") + help + "\")"; }
+
 String MemberText(const Member& member) {
-    String text = "    [id(" + Hexadecimal(member.DispId) + ")" + KindText(member.Kind) +
+    String text = "    [id(" + Hexadecimal(member.DispId) + "), " + HelpText(member.Help) + KindText(member.Kind) +
                   (member.DispId == EnumeratorMember ? ", restricted" : "") + "] HRESULT " + member.Name + "(";
     String arguments;
     for (const Argument& argument : member.Arguments)
@@ -152,8 +154,8 @@ String InterfaceText(const ClassEntry& entry) {
 }
 
 String ClassText(const ClassEntry& entry) {
-    return String("// ") + (entry.IsGlobal ? "global, multi-use" : "multi-use") + "\n[uuid(" + entry.ClassID + ")" +
-           (entry.IsGlobal ? ", appobject" : "") + "]\ncoclass " + entry.Name + " { [default] interface _" +
+    return String("// ") + (entry.IsGlobal ? "global, multi-use" : "multi-use") + "\n[uuid(" + entry.ClassID + "), " +
+           HelpText(entry.Make()->Describe().Help()) + (entry.IsGlobal ? ", appobject" : "") + "]\ncoclass " + entry.Name + " { [default] interface _" +
            entry.Name + "; };\n\n";
 }
 

@@ -2,10 +2,12 @@
 
 #include "kit/Database.h"
 #include "library/ClassTable.h"
+#include "platform/HostClasses.h"
 #include "platform/component/dispatch/Interface.h"
 
 #include <cstdlib>
 #include <fstream>
+#include <regex>
 #include <sstream>
 
 /// The interface-definition text, by itself and as a standard compiler takes it.
@@ -20,14 +22,19 @@ std::string Read(const std::filesystem::path& path) {
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
+/// The text without the help texts of classes and members.
+std::string WithoutHelp(const std::string& text) {
+    return std::regex_replace(text, std::regex(R"(, helpstring\("[^"]*"\))"), "");
+}
+
 TEST(TypeLibrary, IsTheLibraryInItsVersion) {
     const std::string text = TypeLibraryText();
     EXPECT_TRUE(
         Contains(text, "    version(1.30),\n    lcid(1033),\n    helpstring(\"OX Classes\")\n]\nlibrary OXClass {"));
 }
 
-TEST(TypeLibrary, TellsArgumentsResultsAndIdentities) {
-    const std::string text = TypeLibraryText();
+TEST(TypeLibrary, ContainsArgumentsResultsAndIdentifiersOfMembers) {
+    const std::string text = WithoutHelp(TypeLibraryText());
     EXPECT_TRUE(Contains(text,
                          "[id(0x6003000a)] HRESULT LoadOnPatientIDorPDBID([in] IDispatch* Con, [in, out] BSTR* "
                          "PatientID, [in, out] long* PDBID, [out, retval] long* Result);"));
@@ -41,6 +48,36 @@ TEST(TypeLibrary, TellsArgumentsResultsAndIdentities) {
                          "optional] BSTR* sBefore, [out, retval] VARIANT_BOOL* Result);"));
     EXPECT_TRUE(Contains(text, "propputref] HRESULT Study([in] _cStudy* Value);"));
     EXPECT_TRUE(Contains(text, "[id(0x60030000), propput] HRESULT ManipulationType([in] ManipulationType Value);"));
+}
+
+TEST(TypeLibrary, ContainsTheHelpTextsOfClassesAndMembers) {
+    const std::string text = TypeLibraryText();
+    EXPECT_TRUE(Contains(text, "[uuid(8268d3af-f672-522a-8924-e6dd3301cf43), helpstring(\"One tooth, with the mark that it is "
+                               "selected.\")]\ncoclass cTooth "));
+    EXPECT_TRUE(Contains(text, "    [id(0x60030000), helpstring(\"True if the row is in the database; Save then updates it, "
+                               "and inserts it otherwise.\"), propput] HRESULT GLSaved([in] VARIANT_BOOL Value);"));
+}
+
+/// Behind each name that a client sees there is one line of help, with which the text of the type library is valid.
+void ExpectHelp(const std::string& name, const std::string& help) {
+    EXPECT_THAT(help, ::testing::MatchesRegex("[ !#-[^-~]{7,99}[.]")) << name;
+}
+
+TEST(HelpTexts, EachClassMemberAndArgumentHasOne) {
+    std::vector<const Platform::Interface*> tables;
+    for (const ClassEntry& entry : ClassTable()) tables.push_back(&entry.Make()->Describe());
+    for (const Platform::Interface* table : Platform::HostInterfaces()) tables.push_back(table);
+    std::size_t arguments = 0;
+    for (const Platform::Interface* table : tables) {
+        ExpectHelp(table->ClassName(), table->Help());
+        for (const Platform::Member& member : table->Members()) {
+            const std::string name = table->ClassName() + "." + member.Name;
+            ExpectHelp(name, member.Help);
+            for (const Platform::Argument& argument : member.Arguments)
+                ExpectHelp(name + "(" + argument.Name + ")", argument.Help), ++arguments;
+        }
+    }
+    EXPECT_GT(arguments, 200U);
 }
 
 TEST(TypeLibrary, ThreePutsTakeThePlaceOfTheirValue) {
@@ -65,7 +102,7 @@ TEST(TypeLibrary, EnumerationsHaveTheirNumbers) {
 }
 
 TEST(TypeLibrary, GlobalClassesAreApplicationObjects) {
-    const std::string text = TypeLibraryText();
+    const std::string text = WithoutHelp(TypeLibraryText());
     for (const ClassEntry& entry : ClassTable()) {
         const std::string head = std::string("[uuid(") + entry.ClassID + ")" + (entry.IsGlobal ? ", appobject]" : "]");
         EXPECT_TRUE(

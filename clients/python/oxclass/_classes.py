@@ -56,14 +56,14 @@ def _argument_line(argument: Argument) -> str:
         notes.append("comes back in a ByRef")
     if argument.optional:
         notes.append("may be left out")
-    return f"    {argument.name}: {', '.join(notes)}\n"
+    return f"    {argument.name} ({', '.join(notes)}): {argument.help}\n"
 
 
 def _documentation(member: Member) -> str:
-    """What stands below a member's signature."""
+    """The help text of a member and of its arguments."""
     if not member.arguments:
-        return "Takes no arguments."
-    return "\nArguments:\n" + "".join(map(_argument_line, member.arguments))
+        return member.help
+    return f"{member.help}\n\nArguments:\n" + "".join(map(_argument_line, member.arguments))
 
 
 # ---- members --------------------------------------------------------------------------------------------------
@@ -131,10 +131,11 @@ def _property(name: str, kinds: Dict[str, Member]) -> property:
     get = kinds.get("get")
     puts = {kind: member for kind, member in kinds.items() if kind in ("put", "putref")}
     if get is not None and get.arguments:
-        text = f"{name}{_signature(get, of_method=False)}\n{_documentation(get)}"
+        text = f"{name}{_signature(get, of_method=False)}\n\n{_documentation(get)}"
     else:
-        type = get.result if get else next(iter(puts.values())).arguments[-1].type
-        text = _word(type) + ("" if puts and get else ", assigned only" if puts else ", read only")
+        shown = get or next(iter(puts.values()))
+        type = get.result if get else shown.arguments[-1].type
+        text = f"{shown.help} ({_word(type)}{'' if puts and get else ', assigned only' if puts else ', read only'})"
     first_put = next(iter(puts.values()), None)
     return property(_getter(get, first_put) if get else _no_getter(name), _setter(puts) if puts else None, doc=text)
 
@@ -214,13 +215,13 @@ def _protocols(members: List[Member]) -> Dict[str, Any]:
 
 
 def build(description: Dict[str, Any]) -> type:
-    """The Python class of what OxDescribe tells of an object."""
+    """Returns the Python class for the description of an object by OxDescribe."""
     members = [member_of(described) for described in description["members"]]
     by_name: Dict[str, Dict[str, Member]] = {}
     for member in members:
         by_name.setdefault(member.name, {})[member.kind] = member
     space: Dict[str, Any] = {
-        "__module__": "oxclass", "__slots__": (), "__doc__": f"An object of the class {description['class']}.",
+        "__module__": "oxclass", "__slots__": (), "__doc__": description["help"],
         "_names": {name.lower(): name for name in by_name}
     }
     for name, kinds in by_name.items():

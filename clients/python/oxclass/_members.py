@@ -25,6 +25,7 @@ class Argument(NamedTuple):
     type: Type
     comes_back: bool
     optional: bool
+    help: str
 
 
 class Member(NamedTuple):
@@ -35,15 +36,17 @@ class Member(NamedTuple):
     id: int
     arguments: Tuple[Argument, ...]
     result: Type
+    help: str
 
 
 def member_of(described: Dict[str, Any]) -> Member:
-    """A member of what OxDescribe tells."""
+    """Returns a member from its description by OxDescribe."""
     arguments = tuple(
         Argument(argument["name"], Type(argument["type"], argument.get("of", "")), argument["comesBack"],
-                 argument["optional"]) for argument in described["arguments"])
+                 argument["optional"], argument["help"]) for argument in described["arguments"])
     result = Type(described["result"], described.get("resultOf", ""))
-    return Member(described["name"], described["kind"], c_int32(described["id"]).value, arguments, result)
+    return Member(described["name"], described["kind"], c_int32(described["id"]).value, arguments, result,
+                  described["help"])
 
 
 def bind(member: Member, given: Tuple[Any, ...], named: Dict[str, Any]) -> Sequence[Any]:

@@ -192,7 +192,13 @@ class Shown(unittest.TestCase):
         text = pydoc.plain(shown.getvalue())
         self.assertIn("class cPatient", text)
         self.assertIn("LoadOnPatientIDorPDBID(self, Con: 'Connection', PatientID: str, PDBID: int) -> int", text)
-        self.assertRegex(text, r"BirthDate\s+\|\s+datetime")
+        self.assertRegex(text, r"BirthDate\s+\|\s+The date of birth.*\(datetime\)")
+
+    def test_help_of_classes_operations_and_arguments(self):
+        self.assertEqual(type(self.patient).__doc__, "A patient. The text PatientID decides which row a save writes.")
+        self.assertEqual(self.patient.LoadOnPatientIDorPDBID.__doc__.splitlines()[0], 
+                         "Loads a patient. Returns 1, or 0 if there is none; a failure shows a message and returns 0.")
+        self.assertRegex(self.patient.Save.__doc__, r"\n    Con \(Connection\): The open connection to the database\.\n")
 
     def test_signatures_tell_what_comes_back_and_what_may_be_left_out(self):
         general = oxclass.CreateObject("OXClass.Class1")
@@ -201,13 +207,14 @@ class Shown(unittest.TestCase):
         self.assertIs(signature.parameters["GLId"].annotation, oxclass.gGlobalListIDs)
         self.assertIs(signature.parameters["cAllGLs"].default, oxclass.Missing)
         self.assertIs(signature.return_annotation, bool)
-        self.assertRegex(general.GetGLSetting.__doc__, r"sFirstSetting: str, comes back in a ByRef")
-        self.assertRegex(general.GetGLSetting.__doc__, r"cAllGLs: cGlobalLists, .*may be left out")
-        self.assertNotRegex(general.GetGLSetting.__doc__, r"GLId:.*comes back")
+        self.assertRegex(general.GetGLSetting.__doc__, r"sFirstSetting \(str, comes back in a ByRef\): Receives the text")
+        self.assertRegex(general.GetGLSetting.__doc__, r"cAllGLs \(cGlobalLists, .*may be left out\): ")
+        self.assertNotRegex(general.GetGLSetting.__doc__, r"GLId \(.*comes back")
 
     def test_properties_tell_their_types(self):
         described = type(oxclass.CreateObject("OXClass.cImage"))
         self.assertIsInstance(described.URL, property)
-        self.assertEqual(described.URL.__doc__, "str")
-        self.assertEqual(described.ImageType.__doc__, "xigImageTypes")
-        self.assertEqual(type(oxclass.CreateObject("OXClass.cImages")).Count.__doc__, "int, read only")
+        self.assertRegex(described.URL.__doc__, r"^The path of the image file.*\. \(str\)$")
+        self.assertRegex(described.ImageType.__doc__, r"\. \(xigImageTypes\)$")
+        self.assertEqual(type(oxclass.CreateObject("OXClass.cImages")).Count.__doc__,
+                         "The number of images in the collection. (int, read only)")

@@ -15,7 +15,8 @@ namespace Platform {
 class Interface {
 public:
     /// A dual interface: its vtable has the slots of `IUnknown` and `IDispatch`, followed by those of the members.
-    Interface(String className, const char* help, std::vector<Member> members, std::span<const void* const> dispatchSlots);
+    Interface(String className, const char* help, std::vector<Member> members,
+              std::span<const void* const> dispatchSlots);
 
     /// A standard interface, such as `IEnumVARIANT`, instead of a dual interface. It has no members.
     Interface(String className, const IID& identity, const std::type_info& type, std::span<const void* const> slots);
