@@ -34,7 +34,7 @@ std::string NameOf(DoctorType type) {
 DoctorType TypeNamed(const std::string& name) {
     for (const auto& known : DoctorTypes)
         if (EqualsIgnoringCase(known.name, name)) return known.type;
-    throw UserError(fmt::format("\"{}\" is no type of doctor; there are unknown, local, remote and web", name));
+    throw UserError(fmt::format("\"{}\" is not a type of doctor; the types are unknown, local, remote and web", name));
 }
 
 void ListDoctors(const Options& options) {
@@ -102,18 +102,6 @@ void NewDoctor(const Options& options, const std::vector<std::string>& assignmen
     Store(options, database, *doctor);
 }
 
-void SetDoctor(const Options& options, const std::string& number, const std::vector<std::string>& assignments) {
-    const Database database(options);
-    const Ref<cDoctor> doctor = LoadDoctor(database, number);
-    SetFields(*doctor, assignments);
-    Store(options, database, *doctor);
-}
-
-void ShowDoctor(const Options& options, const std::string& number) {
-    const Database database(options);
-    Print(options, *LoadDoctor(database, number));
-}
-
 void DeleteDoctor(const Options& options, const std::string& number, bool force) {
     const Database database(options);
     ADODB::Transaction transaction(database.Con());
@@ -132,48 +120,6 @@ void DeleteDoctor(const Options& options, const std::string& number, bool force)
             patients == 1 ? "1 patient" : fmt::format("{} patients", patients), patients == 1 ? "s" : "", doctor->drID);
     if (options.json) return PrintJson({{"deleted", doctor->drID}, {"patients", patients}});
     fmt::print("Doctor {} is deleted.\n", doctor->drID);
-}
-
-void AddDoctorCommands(Program& program) {
-    struct Arguments {
-        std::string number;
-        std::vector<std::string> assignments;
-        bool force = false;
-    };
-    const auto given = std::make_shared<Arguments>();
-    const auto& options = program.options;
-    auto* doctors = program.app.add_subcommand("doctors", "list the doctors by name, with how many patients each has");
-    doctors->footer("Example: oxclass doctors --json");
-    doctors->callback([&options] { ListDoctors(options); });
-
-    auto* doctor = program.app.add_subcommand("doctor", "make, set, show or delete a doctor");
-    doctor->require_subcommand(1);
-    doctor->footer("Example: oxclass doctor new DrLastName=Ek DrFirstName=Anna DrPrefix=Dr");
-    const auto numbered = [&](const char* name, const char* what) {
-        auto* command = doctor->add_subcommand(name, what);
-        command->add_option("NUMBER", given->number, "number of a doctor, as oxclass doctors tells")->required();
-        command->footer(fmt::format("Example: oxclass doctor {} 1{}", name,
-                                    std::string_view(name) == "set" ? " DrType=remote" : ""));
-        return command;
-    };
-    const auto fields = [&](CLI::App* command) {
-        command
-            ->add_option("FIELD=VALUE", given->assignments,
-                         "fields to set: DrLastName, DrFirstName, DrPrefix, DrName, DrContactInfo, DrEMail, DrLogin, "
-                         "DrType")
-            ->required();
-    };
-    auto* fresh = doctor->add_subcommand("new", "make a doctor; texts too long for their column are cut");
-    fields(fresh);
-    fresh->footer("Example: oxclass doctor new DrLastName=Ek DrFirstName=Anna DrPrefix=Dr");
-    fresh->callback([&options, given] { NewDoctor(options, given->assignments); });
-    auto* set = numbered("set", "set single fields of a doctor");
-    fields(set);
-    set->callback([&options, given] { SetDoctor(options, given->number, given->assignments); });
-    numbered("show", "show a doctor")->callback([&options, given] { ShowDoctor(options, given->number); });
-    auto* remove = numbered("delete", "delete a doctor who has no patients");
-    remove->add_flag("--force", given->force, "also a doctor whom patients still name");
-    remove->callback([&options, given] { DeleteDoctor(options, given->number, given->force); });
 }
 
 // ---- clinics ----------------------------------------------------------------------------------------
@@ -252,18 +198,6 @@ void NewClinic(const Options& options, const std::vector<std::string>& assignmen
     Store(options, database, *clinic);
 }
 
-void SetClinic(const Options& options, const std::string& number, const std::vector<std::string>& assignments) {
-    const Database database(options);
-    const Ref<cClinic> clinic = LoadClinic(database, number);
-    SetFields(*clinic, assignments);
-    Store(options, database, *clinic);
-}
-
-void ShowClinic(const Options& options, const std::string& number) {
-    const Database database(options);
-    Print(options, *LoadClinic(database, number));
-}
-
 void DeleteClinic(const Options& options, const std::string& number, bool force) {
     const Database database(options);
     const Ref<cClinic> clinic = LoadClinic(database, number);
@@ -274,45 +208,110 @@ void DeleteClinic(const Options& options, const std::string& number, bool force)
     fmt::print("Clinic {} is deleted{}.\n", clinic->ID, IsHeadOffice(*clinic) ? "; it was the head office" : "");
 }
 
-void AddClinicCommands(Program& program) {
+// ---- the commands of doctors and clinics -------------------------------------------------------------
+
+using Assignments = std::vector<std::string>;
+
+template <auto Load>
+void SetRecord(const Options& options, const std::string& number, const Assignments& assignments) {
+    const Database database(options);
+    const auto record = Load(database, number);
+    SetFields(*record, assignments);
+    Store(options, database, *record);
+}
+
+template <auto Load>
+void ShowRecord(const Options& options, const std::string& number) {
+    const Database database(options);
+    Print(options, *Load(database, number));
+}
+
+/// The help of the commands of one kind of record.
+struct RecordHelp {
+    std::string name;  ///< of the record and of the command, as in "doctor"
+    const char* newHelp;
+    const char* newExample;
+    const char* setExample;  ///< the arguments: a number and an assignment
+    const char* fields;
+    const char* deleteHelp;
+    const char* forceHelp;
+};
+
+/// What the commands of one kind of record do.
+struct RecordCommands {
+    void (*create)(const Options&, const Assignments&);
+    void (*set)(const Options&, const std::string& number, const Assignments&);
+    void (*show)(const Options&, const std::string& number);
+    void (*remove)(const Options&, const std::string& number, bool force);
+};
+
+/// Adds the command of one kind of record with its commands "new", "set", "show" and "delete".
+void AddRecordCommands(Program& program, const RecordHelp& help, const RecordCommands& run) {
     struct Arguments {
         std::string number;
-        std::vector<std::string> assignments;
+        Assignments assignments;
         bool force = false;
     };
     const auto given = std::make_shared<Arguments>();
     const auto& options = program.options;
-    auto* clinics = program.app.add_subcommand("clinics", "list the clinics by name, the head office marked");
-    clinics->footer("The first listing makes the head office, named __HQ.\nExample: oxclass clinics");
-    clinics->callback([&options] { ListClinics(options); });
-
-    auto* clinic = program.app.add_subcommand("clinic", "make, set, show or delete a clinic");
-    clinic->require_subcommand(1);
-    clinic->footer("Example: oxclass clinic new ClinicName=\"Folktand Nord\" City=Lund");
-    const auto numbered = [&](const char* name, const char* what) {
-        auto* command = clinic->add_subcommand(name, what);
-        command->add_option("NUMBER", given->number, "number of a clinic, as oxclass clinics tells")->required();
-        command->footer(
-            fmt::format("Example: oxclass clinic {} 2{}", name, std::string_view(name) == "set" ? " City=Lund" : ""));
+    auto* record = program.app.add_subcommand(help.name, fmt::format("make, set, show or delete a {}", help.name));
+    record->require_subcommand(1);
+    record->footer(fmt::format("Example: {}", help.newExample));
+    const std::string number(help.setExample, std::string_view(help.setExample).find(' '));
+    const auto numbered = [&](const char* name, const std::string& what, const std::string& example) {
+        auto* command = record->add_subcommand(name, what);
+        command->add_option("NUMBER", given->number, fmt::format("number of a {0}, as oxclass {0}s lists", help.name))
+            ->required();
+        command->footer(fmt::format("Example: oxclass {} {} {}", help.name, name, example));
         return command;
     };
     const auto fields = [&](CLI::App* command) {
-        command
-            ->add_option("FIELD=VALUE", given->assignments,
-                         "fields to set: ClinicName, OrgNumber, StreetAddress, ZipCode, City, Telephone, Remarks16")
+        command->add_option("FIELD=VALUE", given->assignments, fmt::format("fields to set: {}", help.fields))
             ->required();
     };
-    auto* fresh = clinic->add_subcommand("new", "make a clinic; texts of more than 50 characters are cut");
+    auto* fresh = record->add_subcommand("new", help.newHelp);
     fields(fresh);
-    fresh->footer("Example: oxclass clinic new ClinicName=\"Folktand Nord\" City=Lund");
-    fresh->callback([&options, given] { NewClinic(options, given->assignments); });
-    auto* set = numbered("set", "set single fields of a clinic");
+    fresh->footer(fmt::format("Example: {}", help.newExample));
+    fresh->callback([&options, given, run] { run.create(options, given->assignments); });
+    auto* set = numbered("set", fmt::format("set single fields of a {}", help.name), help.setExample);
     fields(set);
-    set->callback([&options, given] { SetClinic(options, given->number, given->assignments); });
-    numbered("show", "show a clinic")->callback([&options, given] { ShowClinic(options, given->number); });
-    auto* remove = numbered("delete", "delete a clinic");
-    remove->add_flag("--force", given->force, "also the head office");
-    remove->callback([&options, given] { DeleteClinic(options, given->number, given->force); });
+    set->callback([&options, given, run] { run.set(options, given->number, given->assignments); });
+    numbered("show", fmt::format("show a {}", help.name), number)->callback([&options, given, run] {
+        run.show(options, given->number);
+    });
+    auto* remove = numbered("delete", help.deleteHelp, number);
+    remove->add_flag("--force", given->force, help.forceHelp);
+    remove->callback([&options, given, run] { run.remove(options, given->number, given->force); });
+}
+
+void AddDoctorCommands(Program& program) {
+    auto* doctors = program.app.add_subcommand("doctors", "list the doctors by name, with how many patients each has");
+    doctors->footer("Example: oxclass doctors --json");
+    doctors->callback([&program] { ListDoctors(program.options); });
+    AddRecordCommands(program,
+                      {.name = "doctor",
+                       .newHelp = "make a doctor; texts too long for their column are cut",
+                       .newExample = "oxclass doctor new DrLastName=Ek DrFirstName=Anna DrPrefix=Dr",
+                       .setExample = "1 DrType=remote",
+                       .fields = "DrLastName, DrFirstName, DrPrefix, DrName, DrContactInfo, DrEMail, DrLogin, DrType",
+                       .deleteHelp = "delete a doctor who has no patients",
+                       .forceHelp = "also a doctor whom patients still name"},
+                      {NewDoctor, SetRecord<LoadDoctor>, ShowRecord<LoadDoctor>, DeleteDoctor});
+}
+
+void AddClinicCommands(Program& program) {
+    auto* clinics = program.app.add_subcommand("clinics", "list the clinics by name, the head office marked");
+    clinics->footer("The first listing makes the head office, named __HQ.\nExample: oxclass clinics");
+    clinics->callback([&program] { ListClinics(program.options); });
+    AddRecordCommands(program,
+                      {.name = "clinic",
+                       .newHelp = "make a clinic; texts of more than 50 characters are cut",
+                       .newExample = "oxclass clinic new ClinicName=\"Folktand Nord\" City=Lund",
+                       .setExample = "2 City=Lund",
+                       .fields = "ClinicName, OrgNumber, StreetAddress, ZipCode, City, Telephone, Remarks16",
+                       .deleteHelp = "delete a clinic",
+                       .forceHelp = "also the head office"},
+                      {NewClinic, SetRecord<LoadClinic>, ShowRecord<LoadClinic>, DeleteClinic});
 }
 
 // ---- identifiers ------------------------------------------------------------------------------------

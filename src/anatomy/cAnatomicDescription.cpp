@@ -1,3 +1,4 @@
+#include "anatomy/RegionCodes.h"
 #include "anatomy/cAnatomicDescription.h"
 
 #include "anatomy/ToothString.h"
@@ -35,7 +36,7 @@ void cAnatomicDescription::LoadSGN(const Ref<Connection>& Con, const Long& lADId
         InitCollection();
     else
         SetTeethFromString(ADPriStructure, cTeeth());
-    if (UCase(Trim(ADAnaRegion)) == "T-D1217") ADAnaRegion = "T-D1213";
+    if (UCase(Trim(ADAnaRegion)) == RegionCode::BothJawsOld) ADAnaRegion = RegionCode::BothJaws;
     if (ADName.empty()) ADName = TextOrEmpty(rs, "Name");
     rs->Close();
 }

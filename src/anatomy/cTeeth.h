@@ -15,7 +15,7 @@ public:
 
     /// Returns the tooth at a position or under a key, or null if there is none. Keys are compared without
     /// regard to case. Raises nothing.
-    Ref<cTooth> Item(const Variant& vntIndexKey) const { return Find(vntIndexKey); }
+    Ref<cTooth> Item(Variant vntIndexKey) const { return Find(vntIndexKey); }
 
     /// Creates a tooth, adds it at the end, under `sKey` unless that is empty, and returns it.
     ///

@@ -53,7 +53,7 @@ Long cGlobalLists::GetAllGLs(Ref<Connection> sConn, const gGlobalListIDs& ListID
     return Count();
 }
 
-Ref<cGlobalList> cGlobalLists::Add(const String& sKey) {
+Ref<cGlobalList> cGlobalLists::Add(String sKey) {
     return AddMember(New<cGlobalList>(), sKey, Count() == 0 ? Variant() : Variant(Long{1}));
 }
 

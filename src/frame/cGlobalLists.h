@@ -31,7 +31,7 @@ public:
 
     /// Creates an unsaved row, inserts it before all others, under `sKey` unless that is empty, and returns
     /// it. Stores nothing. Raises 457 if the key exists; the list stays unchanged then.
-    Ref<cGlobalList> Add(const String& sKey = {});
+    Ref<cGlobalList> Add(String sKey = {});
 
     // ---- delete ------------------------------------------------------------------------------------
 

@@ -1,3 +1,4 @@
+#include "anatomy/RegionCodes.h"
 #include "images/cImage.h"
 
 #include "anatomy/ToothString.h"
@@ -44,16 +45,16 @@ struct ModifierRule {
 };
 
 const ModifierRule ModifierRules[] = {
-    {{16, 17, 18, 26, 27, 28, 36, 37, 38, 46, 47, 48}, {12, 22, 32, 42}, "T-5100B"},
-    {{16, 17, 18, 26, 27, 28, 36, 37, 38, 46, 47, 48}, {13, 23, 33, 43}, "T-5100C"},
+    {{16, 17, 18, 26, 27, 28, 36, 37, 38, 46, 47, 48}, {12, 22, 32, 42}, RegionCode::SecondMolar},
+    {{16, 17, 18, 26, 27, 28, 36, 37, 38, 46, 47, 48}, {13, 23, 33, 43}, RegionCode::ThirdMolar},
     {{16, 17, 26, 27, 36, 37, 46, 47},
      {12, 22, 32, 42},
-     "T-5100A"},  // never reached: where this rule applies, the first rule does too
-    {{14, 15, 16, 24, 25, 26, 34, 35, 36, 44, 45, 46}, {12, 22, 32, 42, 18, 28, 38, 48}, "T-51009"},
-    {{14, 15, 24, 25, 34, 35, 44, 45}, {17, 27, 37, 47, 11, 21, 31, 41}, "T-51008"},
-    {{13, 23, 33, 43}, {15, 25, 35, 45, 11, 21, 31, 41}, "T-51007"},
-    {{11, 21, 31, 41}, {14, 24, 34, 44}, "T-51005"},
-    {{12, 22, 32, 42}, {15, 25, 35, 45}, "T-51006"},
+     RegionCode::FirstMolar},  // never reached: where this rule applies, the first rule does too
+    {{14, 15, 16, 24, 25, 26, 34, 35, 36, 44, 45, 46}, {12, 22, 32, 42, 18, 28, 38, 48}, RegionCode::SecondPremolar},
+    {{14, 15, 24, 25, 34, 35, 44, 45}, {17, 27, 37, 47, 11, 21, 31, 41}, RegionCode::FirstPremolar},
+    {{13, 23, 33, 43}, {15, 25, 35, 45, 11, 21, 31, 41}, RegionCode::Canine},
+    {{11, 21, 31, 41}, {14, 24, 34, 44}, RegionCode::CentralIncisor},
+    {{12, 22, 32, 42}, {15, 25, 35, 45}, RegionCode::LateralIncisor},
 };
 
 }  // namespace
@@ -69,7 +70,8 @@ void cImage::DeriveAnaRegion() {
     const ToothSet numbers = NumbersIn(sTeeth);
     const bool upper = AnyOfQuadrants(numbers, {1, 2, 5, 6});
     const bool lower = AnyOfQuadrants(numbers, {3, 4, 7, 8});
-    if (upper || lower) AnaRegion = upper && lower ? "T-D1213" : lower ? "T-11180" : "T-11170";
+    if (upper || lower)
+        AnaRegion = upper && lower ? RegionCode::BothJaws : lower ? RegionCode::LowerJaw : RegionCode::UpperJaw;
 }
 
 void cImage::DeriveAnaRegionMod() {

@@ -45,7 +45,7 @@ public:
     // ---- members -----------------------------------------------------------------------------------
 
     /// Returns the image at a position or under a key, or null if there is none. Raises nothing.
-    Ref<cImage> Item(const Variant& vntIndexKey) const { return Find(vntIndexKey); }
+    Ref<cImage> Item(Variant vntIndexKey) const { return Find(vntIndexKey); }
 
     /// Creates an image with these values, adds it at the end, under `sKey` unless that is empty, and returns
     /// it. Stores nothing in the database.

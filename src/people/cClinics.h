@@ -36,7 +36,7 @@ public:
     // ---- members -----------------------------------------------------------------------------------
 
     /// Returns the clinic at a position or under a key, or null if there is none. Raises nothing.
-    Ref<cClinic> Item(const Variant& vntIndexKey) const { return Find(vntIndexKey); }
+    Ref<cClinic> Item(Variant vntIndexKey) const { return Find(vntIndexKey); }
 
     /// Creates a clinic with these values, adds it at the end, under `sKey` unless that is empty, and returns
     /// it. Stores nothing. Raises 457 if the key exists; the list stays unchanged then.

@@ -15,7 +15,7 @@ String cDoctor::GetDCMName() const {
     return name.empty() ? DrName : name;
 }
 
-Long cDoctor::PatientCount(const Ref<Connection>& Con) const {
+Long cDoctor::PatientCount(Ref<Connection> Con) const {
     return Prefixed("cDoctor.PatientCount, ", [&] {
         const Ref<Recordset> rs = OpenClient(Con, sql("SELECT * FROM Patient_T WHERE RespDoctor =", drID, ";"));
         const Long count = rs->RecordCount();
@@ -24,14 +24,14 @@ Long cDoctor::PatientCount(const Ref<Connection>& Con) const {
     });
 }
 
-bool cDoctor::DeleteDoctor(const Ref<Connection>& Con) const {
+bool cDoctor::DeleteDoctor(Ref<Connection> Con) const {
     return Prefixed("cDoctor.DeleteDoctor, ", [&] {
         Con->Execute(sql("DELETE FROM Doctor_T WHERE DrID =", drID, ";"));
         return true;
     });
 }
 
-bool cDoctor::SaveDoctor(const Ref<Connection>& Con) {
+bool cDoctor::SaveDoctor(Ref<Connection> Con) {
     return Prefixed("cDoctor.SaveDoctor, ", [&] {
         const Ref<Recordset> rs = OpenUpdatable(Con, sql("SELECT * FROM Doctor_T WHERE DrID =", drID));
         if (rs->Eof()) rs->AddNew();
@@ -57,12 +57,12 @@ void cDoctor::WriteRow(const Ref<Recordset>& rs) const {
     rs->Collect("DrLogin", DrLogin);
 }
 
-bool cDoctor::LoadDoctor(const Long& wanted, const Ref<Connection>& Con) {
+bool cDoctor::LoadDoctor(Long wanted, Ref<Connection> Con) {
     return Prefixed("cDoctor.loadDoctor, ",
                     [&] { return Load(sql("SELECT * FROM Doctor_T  ", " WHERE DrID =", wanted, ";"), Con); });
 }
 
-bool cDoctor::LoadDoctorOnGUID(const String& wanted, const Ref<Connection>& Con) {
+bool cDoctor::LoadDoctorOnGUID(String wanted, Ref<Connection> Con) {
     return Prefixed("cDoctor.loadDoctorOnGUID, ", [&] {
         const String guid = UCase(wanted);
         return Load(sql("SELECT * FROM Doctor_T  ", " WHERE DrGUID ='", AsItStands(guid), "';"), Con);

@@ -32,12 +32,12 @@ public:
     /// Raises, with "cDoctor.loadDoctor, " in front of the source, 13 or 6 for a value that doesn't convert,
     /// what the database raises, and what `NewOutsideGUID` and `SaveDoctor` raise. Members that were read
     /// before the failure keep their new values.
-    bool LoadDoctor(const Long& drID, const Ref<Connection>& Con);
+    bool LoadDoctor(Long drID, Ref<Connection> Con);
 
     /// Loads a doctor as `LoadDoctor` does, by the GUID in upper or lower case; the prefix of the source is
     /// "cDoctor.loadDoctorOnGUID, ". The statement compares with the GUID in upper case, so a row that stores
     /// it in lower case isn't found. Also raises 0x80040E14 for an unpaired single quote in `drGUID`.
-    bool LoadDoctorOnGUID(const String& drGUID, const Ref<Connection>& Con);
+    bool LoadDoctorOnGUID(String drGUID, Ref<Connection> Con);
 
     /// Writes the row of `drID`, or a new row if there is none, and returns true. `drID` becomes the number
     /// of the row. Contact, first name, last name, short name and prefix are stored trimmed and cut to 255,
@@ -48,12 +48,12 @@ public:
     /// of more than 255 or a GUID of more than 38 characters, 0x80040E38 if another program changed the row
     /// meanwhile, and what the database raises; nothing is written then. Raises 94 if the number of a new row
     /// can't be read back; the row is written then, and `drID` stays unchanged.
-    bool SaveDoctor(const Ref<Connection>& Con);
+    bool SaveDoctor(Ref<Connection> Con);
 
     /// Deletes the row of `drID` and returns true, whether or not the row existed. The members stay
     /// unchanged, and the doctor's patients keep the number. Raises, with "cDoctor.DeleteDoctor, " in front
     /// of the source, what the database raises.
-    bool DeleteDoctor(const Ref<Connection>& Con) const;
+    bool DeleteDoctor(Ref<Connection> Con) const;
 
     // ---- names -------------------------------------------------------------------------------------
 
@@ -75,7 +75,7 @@ public:
 
     /// Returns the number of patients whose responsible doctor has the number `drID`. Raises, with
     /// "cDoctor.PatientCount, " in front of the source, what the database raises.
-    Long PatientCount(const Ref<Connection>& Con) const;
+    Long PatientCount(Ref<Connection> Con) const;
 
     const Interface& Describe() const override;
 

@@ -9,7 +9,7 @@ namespace OXClass {
 
 using namespace Platform;
 
-Long cDoctors::GetAllDoctors(const Ref<Connection>& Con) {
+Long cDoctors::GetAllDoctors(Ref<Connection> Con) {
     Clear();
     return Prefixed("cDoctors.GetAllDoctors, ", [&] {
         const Ref<Recordset> rs = OpenClient(Con, "SELECT * FROM Doctor_T order by DrLastName_nvc, DrFirstname_nvc;",

@@ -20,7 +20,7 @@ public:
     /// "cDoctors.GetAllDoctors, " in front of the source, 94 for a null number, 457 for a number that occurs
     /// twice, 13 or 6 for a kind that isn't a number, and what the database raises; the list then holds the
     /// doctors that were read before, the last of them possibly without e-mail address, GUID and login.
-    Long GetAllDoctors(const Ref<Connection>& Con);
+    Long GetAllDoctors(Ref<Connection> Con);
 
     /// Creates a doctor with these values, adds it at the end, under `sKey` unless that is empty, and returns
     /// it. Stores nothing. Raises 457 if the key exists; the list stays unchanged then.

@@ -1,3 +1,4 @@
+#include "anatomy/RegionCodes.h"
 #include "anatomy/ToothString.h"
 #include "cards/cTemplate.h"
 #include "images/cImage.h"
@@ -13,11 +14,28 @@ using namespace Platform;
 
 namespace {
 
-constexpr const char* UpperJaw = "T-11170";
-constexpr const char* LowerJaw = "T-11180";
-constexpr const char* BothJaws = "T-D1213";
-constexpr const char* BothJawsOldCode = "T-D1217";
-constexpr const char* Skull = "T-11100";
+using RegionCode::BothJaws;
+using RegionCode::BothJawsOld;
+using RegionCode::LateralIncisor;
+using RegionCode::LowerJaw;
+using RegionCode::Skull;
+using RegionCode::UpperJaw;
+
+/// The numbers of the standard layouts: the `TCDicomID` of their templates.
+namespace Layout {
+constexpr Long None = 0;
+constexpr Long Panoramic = 1;
+constexpr Long LateralHead = 2;
+constexpr Long TwentyFilms = 5;
+constexpr Long EighteenFilms = 6;
+constexpr Long FourBitewings = 7;
+constexpr Long TwoBitewings = 8;
+constexpr Long OneImage = 9;
+constexpr Long UpToThreeImages = 10;
+constexpr Long FourOrFiveImages = 11;
+constexpr Long UpToNineImages = 12;
+constexpr Long FrontalHead = 14;
+}  // namespace Layout
 
 /// Returns the region modifier with this last character: 'C' denotes "T-5100C".
 String ModifierOf(char last) { return String("T-5100") + last; }
@@ -159,19 +177,19 @@ void LookAtHead(View& view, const cImage& image, bool described) {
 }
 
 Long LayoutOfOne(const View& view) {
-    if (view.frontalHead) return 14;
-    if (view.lateralHead) return 2;
-    return view.panoramic ? 1 : 9;
+    if (view.frontalHead) return Layout::FrontalHead;
+    if (view.lateralHead) return Layout::LateralHead;
+    return view.panoramic ? Layout::Panoramic : Layout::OneImage;
 }
 
 Long LayoutOf(Integer count, const View& view) {
-    if (view.bothJaws && count >= 1) return count <= 2 ? 8 : 7;
+    if (view.bothJaws && count >= 1) return count <= 2 ? Layout::TwoBitewings : Layout::FourBitewings;
     if (count == 1) return LayoutOfOne(view);
-    if (count < 4) return 10;
-    if (count <= 5) return 11;
-    if (count <= 9) return 12;
-    if (count <= 18) return 6;
-    return count <= 20 ? 5 : 0;
+    if (count < 4) return Layout::UpToThreeImages;
+    if (count <= 5) return Layout::FourOrFiveImages;
+    if (count <= 9) return Layout::UpToNineImages;
+    if (count <= 18) return Layout::EighteenFilms;
+    return count <= 20 ? Layout::TwentyFilms : Layout::None;
 }
 
 Long Hanging::ChooseLayout(Integer count, const cSerie& series) const {
@@ -181,7 +199,7 @@ Long Hanging::ChooseLayout(Integer count, const cSerie& series) const {
     view.bothJaws = true;
     for (const Hung& hung : images_) {
         const cImage& image = *hung.image;
-        if (image.AnaRegion != BothJaws && image.AnaRegion != BothJawsOldCode) view.bothJaws = false;
+        if (image.AnaRegion != BothJaws && image.AnaRegion != BothJawsOld) view.bothJaws = false;
         if (image.Laterality == "B") view.bothJaws = false;
         if (series.Modality == "PX") {
             view.bothJaws = false;
@@ -195,17 +213,17 @@ Long Hanging::ChooseLayout(Integer count, const cSerie& series) const {
 
 void Hanging::Place(Long layout, const Ref<Connection>& conn) {
     for (const Hung& hung : images_) {
-        if (hung.image->AnaRegion == BothJawsOldCode) hung.image->AnaRegion = BothJaws;
+        if (hung.image->AnaRegion == BothJawsOld) hung.image->AnaRegion = BothJaws;
         hung.image->FrameNumber = 0;
     }
     switch (layout) {
-        case 5: PlaceByTable(TwentyFrames); break;
-        case 6: PlaceByTable(EighteenFrames); break;
-        case 7: PlaceBitewings(); break;
-        case 8: PlaceTwoBitewings(); break;
+        case Layout::TwentyFilms: PlaceByTable(TwentyFrames); break;
+        case Layout::EighteenFilms: PlaceByTable(EighteenFrames); break;
+        case Layout::FourBitewings: PlaceBitewings(); break;
+        case Layout::TwoBitewings: PlaceTwoBitewings(); break;
         default: PlaceByTime(); break;
     }
-    if (FrameSum() == 0 && layout > 0) PlaceByTemplate(layout, conn);
+    if (FrameSum() == 0 && layout > Layout::None) PlaceByTemplate(layout, conn);
     RemoveDoublePlacements();
 }
 
@@ -232,7 +250,7 @@ void Hanging::PlaceByTable(const std::array<Frame, N>& frames) {
         if (frame.behind != 0) {
             const cImage* neighbour = filled[static_cast<std::size_t>(frame.behind)];
             if (!neighbour) continue;
-            if (neighbour->AnaRegionMod == ModifierOf('6')) modifiers = "5";
+            if (neighbour->AnaRegionMod == LateralIncisor) modifiers = "5";
         }
         cImage* found = FindForFrame(frame, modifiers);
         filled[static_cast<std::size_t>(frame.number)] = found;

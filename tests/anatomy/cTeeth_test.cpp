@@ -18,8 +18,8 @@ std::vector<Integer> NumbersOf(const cTeeth& teeth) {
 
 TEST(Teeth, HaveTheDocumentedMembers) {
     EXPECT_THAT(MembersOf(cTeeth()), ElementsAre("Add(Selected: boolean, TNumber: int16, [sKey: string&]) -> cTooth",
-                                                 "get Item(vntIndexKey: variant&) -> cTooth", "get Count -> int32",
-                                                 "Remove(vntIndexKey: variant&)", "get NewEnum -> Enumerator"));
+                                                 "get Item(vntIndexKey: variant) -> cTooth", "get Count -> int32",
+                                                 "Remove(vntIndexKey: variant)", "get NewEnum -> Enumerator"));
 }
 
 TEST(Teeth, ItemIsTheDefaultAndNewEnumTheEnumerator) {

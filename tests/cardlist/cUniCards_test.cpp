@@ -136,8 +136,8 @@ TEST_F(UniCards, HaveTheDocumentedMembers) {
                 ElementsAre("GetICAndSEList4Patient(conn: Connection&, sPID: string&, lPID: int32&, [FromDate: date&], "
                             "[ToDate: date&]) -> int32",
                             "AddObj(oUC: cUniCard&, [sKey: string&], [sBefore: string&]) -> boolean",
-                            "get Item(vntIndexKey: variant&) -> cUniCard", "get Count -> int32",
-                            "Remove(vntIndexKey: variant&)", "get NewEnum -> Enumerator"));
+                            "get Item(vntIndexKey: variant) -> cUniCard", "get Count -> int32",
+                            "Remove(vntIndexKey: variant)", "get NewEnum -> Enumerator"));
 }
 
 TEST_F(UniCards, ItemIsTheDefaultMemberAndNewEnumTheEnumerator) {

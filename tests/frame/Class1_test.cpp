@@ -178,13 +178,15 @@ TEST_F(Services, AnEmptyDirectoryIsNeverACacheHit) {
     EXPECT_EQ(Sent().size(), 2U);
 }
 
-TEST_F(Services, AHighUnknownNumberGrowsTheCacheAndKeepsItsEntries) {
+TEST_F(Services, AHighUnknownNumberLeavesTheOtherEntries) {
     RunRoots();
     Cached(1);
-    EXPECT_EQ(services->GetRootOnID(con, 100000), "");
+    Cached(0);
+    EXPECT_EQ(services->GetRootOnID(con, INT32_MAX), "");
+    EXPECT_EQ(Cached(INT32_MAX), "");
+    EXPECT_EQ(Sent().size(), 4U) << "a root that isn't there is asked for each time";
+    EXPECT_EQ(CachedWithoutConnection(0), "C:\\two");
     EXPECT_EQ(CachedWithoutConnection(1), "C:\\one");
-    EXPECT_EQ(CachedWithoutConnection(99999), "");
-    EXPECT_EQ(Cached(5), "C:\\five");
 }
 
 TEST_F(Services, ANegativeRootFailsInTheCache) {

@@ -1,3 +1,4 @@
+#include "frame/Class1.h"
 #include "frame/cGlobalLists.h"
 
 #include "kit/Database.h"
@@ -33,8 +34,8 @@ TEST_F(GlobalLists, HaveTheDocumentedMembers) {
     EXPECT_THAT(
         MembersOf(*list),
         ElementsAre("GetAllGLs(sConn: Connection, ListID: gGlobalListIDs&) -> int32",
-                    "Add([sKey: string&]) -> cGlobalList", "get Item(vntIndexKey: variant&) -> cGlobalList",
-                    "get Count -> int32", "Remove(vntIndexKey: variant&)", "get NewEnum -> Enumerator",
+                    "Add([sKey: string]) -> cGlobalList", "get Item(vntIndexKey: variant) -> cGlobalList",
+                    "get Count -> int32", "Remove(vntIndexKey: variant)", "get NewEnum -> Enumerator",
                     "DeleteAllOnListID(cnconn: Connection, lID: gGlobalListIDs&)", "DeleteAll(cnconn: Connection)"));
 }
 
@@ -176,11 +177,15 @@ TEST_F(GlobalListsWithoutTable, TheCallerCanBeEnteredAgainWhileItWaits) {
     Long inner = -1;
     whileWaiting = [&] {
         whileWaiting = nullptr;
-        inner = New<cGlobalLists>()->Count();
-        Connect()->Execute("CREATE TABLE GlobalList_T (GlobalListID INTEGER, ListID INTEGER, ListText TEXT)");
+        Connect()->Execute(
+            "CREATE TABLE GlobalList_T (GlobalListID INTEGER PRIMARY KEY, ListID INTEGER, ListText TEXT)");
+        New<Class1>()->SaveGLSetting(con, gglID_CIDCodes, "stored meanwhile", false);
+        inner = list->GetAllGLs(con, gglID_CIDCodes);
+        New<Class1>()->SaveGLSetting(con, gglID_CIDCodes, "and another one", false);
     };
-    EXPECT_EQ(list->GetAllGLs(con, gglID_CIDCodes), 0);
-    EXPECT_EQ(inner, 0);
+    EXPECT_EQ(list->GetAllGLs(con, gglID_CIDCodes), 2);
+    EXPECT_EQ(inner, 1);
+    EXPECT_THAT(Texts(), ElementsAre("stored meanwhile", "and another one"));
 }
 
 TEST_F(GlobalListsWithoutTable, AWaitThatMissesItsEndBeforeMidnightLastsUntilTheSameTimeOfTheNextDay) {

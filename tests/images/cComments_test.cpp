@@ -32,8 +32,8 @@ TEST(CommentList, HasTheDocumentedMembers) {
     EXPECT_THAT(MembersOf(cComments()),
                 ElementsAre("Add(str: string&, ID: int32&, DateStamp: date&, Signature: string&, [sKey: string&])"
                             " -> cStringItem",
-                            "get Item(vntIndexKey: variant&) -> cStringItem", "get Count -> int32",
-                            "Remove(vntIndexKey: variant&)", "get NewEnum -> Enumerator",
+                            "get Item(vntIndexKey: variant) -> cStringItem", "get Count -> int32",
+                            "Remove(vntIndexKey: variant)", "get NewEnum -> Enumerator",
                             "AddObj(Obj: cStringItem&, Index: int32&, [sKey: string&])"));
 }
 

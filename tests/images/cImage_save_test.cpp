@@ -514,6 +514,28 @@ TEST_F(ImageSave, SaveExUpdatesTheKeysRowWhateverItsUid) {
     EXPECT_EQ(OfRow("SOPInstanceUID_NVC"), Variant("2.2"));
 }
 
+TEST_F(ImageSave, SaveExStoresNeitherOfTwoCommentsThatEqualAStoredOne) {
+    Distinct()->Save(con);
+    StoreComment(1, "Dr. May", "known");
+    image = Distinct();
+    image->addComment("known", "Dr. May", Date{}, false);
+    image->addComment("known", "Dr. May", Date{}, false);
+    image->SaveEx(false, con);
+    EXPECT_THAT(TextsOf(*image), IsEmpty());
+    EXPECT_THAT(StoredComments(), ElementsAre("known"));
+}
+
+TEST_F(ImageSave, SaveExDropsACommentOnceThatTwoStoredOnesEqual) {
+    Distinct()->Save(con);
+    StoreComment(1, "Dr. May", "known");
+    StoreComment(1, "Dr. May", "known");
+    image = Distinct();
+    for (const char* text : {"before", "known", "behind"}) image->addComment(text, "Dr. May", Date{}, false);
+    image->SaveEx(false, con);
+    EXPECT_THAT(TextsOf(*image), ElementsAre("behind", "before"));
+    EXPECT_THAT(StoredComments(), ElementsAre("known", "known", "behind", "before"));
+}
+
 TEST_F(ImageSave, SaveExTakesOverTheRowOfAKnownUid) {
     Distinct()->Save(con);
     StoreComment(1, "Dr. May", "known");

@@ -38,7 +38,7 @@ TEST(ImageCollection, HasTheDocumentedMembers) {
                     "Root_RootDirectory: string&, HWSourceTxt: string&, ApprGamma: int32&, ApprBrightness: int32&, "
                     "ApprContrast: int32&, ApprInvert: boolean&, CapturePerson: string&, RespPerson: string&, "
                     "[sKey: string&]) -> cImage",
-                    "get Item(vntIndexKey: variant&) -> cImage", "get Count -> int32", "Remove(vntIndexKey: variant&)",
+                    "get Item(vntIndexKey: variant) -> cImage", "get Count -> int32", "Remove(vntIndexKey: variant)",
                     "get NewEnum -> Enumerator", "AddObject(oImage: cImage&, [sKey: string&]) -> cImage"));
 }
 

@@ -39,7 +39,7 @@ TEST(TypeLibrary, ContainsArgumentsResultsAndIdentifiersOfMembers) {
                          "[id(0x6003000a)] HRESULT LoadOnPatientIDorPDBID([in] IDispatch* Con, [in, out] BSTR* "
                          "PatientID, [in, out] long* PDBID, [out, retval] long* Result);"));
     EXPECT_TRUE(Contains(text,
-                         "[id(0x00000000), propget] HRESULT Item([in, out] VARIANT* vntIndexKey, [out, retval] "
+                         "[id(0x00000000), propget] HRESULT Item([in] VARIANT vntIndexKey, [out, retval] "
                          "_cUniCard** Result);"));
     EXPECT_TRUE(
         Contains(text, "[id(0xfffffffc), propget, restricted] HRESULT NewEnum([out, retval] IUnknown** Result);"));
@@ -52,10 +52,13 @@ TEST(TypeLibrary, ContainsArgumentsResultsAndIdentifiersOfMembers) {
 
 TEST(TypeLibrary, ContainsTheHelpTextsOfClassesAndMembers) {
     const std::string text = TypeLibraryText();
-    EXPECT_TRUE(Contains(text, "[uuid(8268d3af-f672-522a-8924-e6dd3301cf43), helpstring(\"One tooth, with the mark that it is "
-                               "selected.\")]\ncoclass cTooth "));
-    EXPECT_TRUE(Contains(text, "    [id(0x60030000), helpstring(\"True if the row is in the database; Save then updates it, "
-                               "and inserts it otherwise.\"), propput] HRESULT GLSaved([in] VARIANT_BOOL Value);"));
+    EXPECT_TRUE(
+        Contains(text,
+                 "[uuid(8268d3af-f672-522a-8924-e6dd3301cf43), helpstring(\"One tooth, with the mark that it is "
+                 "selected.\")]\ncoclass cTooth "));
+    EXPECT_TRUE(Contains(text,
+                         "    [id(0x60030000), helpstring(\"True if the row is in the database; Save then updates it, "
+                         "and inserts it otherwise.\"), propput] HRESULT GLSaved([in] VARIANT_BOOL Value);"));
 }
 
 /// Behind each name that a client sees there is one line of help, with which the text of the type library is valid.

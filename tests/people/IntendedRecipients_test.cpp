@@ -19,8 +19,8 @@ std::vector<String> TextsOf(const IntendedRecipients& recipients) {
 TEST(Recipients, HaveTheDocumentedMembers) {
     EXPECT_THAT(MembersOf(IntendedRecipients()),
                 ElementsAre("Add(str: string&, ID: int32&, [sKey: string&]) -> cStringItem",
-                            "get Item(vntIndexKey: variant&) -> cStringItem", "get Count -> int32",
-                            "Remove(vntIndexKey: variant&)", "get NewEnum -> Enumerator"));
+                            "get Item(vntIndexKey: variant) -> cStringItem", "get Count -> int32",
+                            "Remove(vntIndexKey: variant)", "get NewEnum -> Enumerator"));
 }
 
 TEST(Recipients, ItemIsTheDefaultAndNewEnumTheEnumerator) {

@@ -31,8 +31,8 @@ Ref<cStringItem> Add(const Ref<OtherPatIDs>& ids, String text, Long id = 0, cons
 TEST(OtherIdentifiers, HaveTheDocumentedMembers) {
     EXPECT_THAT(MembersOf(OtherPatIDs()),
                 ElementsAre("Add(str: string&, ID: int32&, [sKey: string&]) -> cStringItem",
-                            "get Item(vntIndexKey: variant&) -> cStringItem", "get Count -> int32",
-                            "Remove(vntIndexKey: variant&)", "get NewEnum -> Enumerator", "GetAllAsString() -> string",
+                            "get Item(vntIndexKey: variant) -> cStringItem", "get Count -> int32",
+                            "Remove(vntIndexKey: variant)", "get NewEnum -> Enumerator", "GetAllAsString() -> string",
                             "put Delimiter(string)", "get Delimiter -> string", "get TotalLengthWithDelimiter -> int32",
                             "FillFromString(sDelimitedString: string&)"));
 }

@@ -63,9 +63,9 @@ TEST_F(Clinics, HaveTheDocumentedMembers) {
                             "Add(ID: int32&, ClinicName: string&, OrgNumber: string&, ZipCode: string&,"
                             " StreetAddress: string&, City: string&, Telephone: string&, Remarks16: string&,"
                             " [sKey: string&]) -> cClinic",
-                            "get Item(vntIndexKey: variant&) -> cClinic",
+                            "get Item(vntIndexKey: variant) -> cClinic",
                             "get ItemOnClinicName(sName: string&, Con: Connection&) -> cClinic", "get Count -> int32",
-                            "Remove(vntIndexKey: variant&)", "get NewEnum -> Enumerator"));
+                            "Remove(vntIndexKey: variant)", "get NewEnum -> Enumerator"));
 }
 
 TEST_F(Clinics, ItemIsTheDefaultAndNewEnumTheEnumerator) {

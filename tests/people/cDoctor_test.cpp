@@ -104,16 +104,16 @@ const char* const saveOfFive = "SELECT * FROM Doctor_T WHERE DrID =5";
 
 TEST_F(Doctor, HasTheDocumentedMembers) {
     EXPECT_THAT(MembersOf(*doctor),
-                ElementsAre("GetDCMName() -> string", "PatientCount(Con: Connection&) -> int32",
-                            "DeleteDoctor(Con: Connection&) -> boolean", "SaveDoctor(Con: Connection&) -> boolean",
-                            "LoadDoctor(drID: int32&, Con: Connection&) -> boolean", "put DrType(DoctorType)",
+                ElementsAre("GetDCMName() -> string", "PatientCount(Con: Connection) -> int32",
+                            "DeleteDoctor(Con: Connection) -> boolean", "SaveDoctor(Con: Connection&) -> boolean",
+                            "LoadDoctor(drID: int32, Con: Connection) -> boolean", "put DrType(DoctorType)",
                             "get DrType -> DoctorType", "put DrContactInfo(string)", "get DrContactInfo -> string",
                             "put DrPrefix(string)", "get DrPrefix -> string", "put DrLastName(string)",
                             "get DrLastName -> string", "put DrFirstName(string)", "get DrFirstName -> string",
                             "put DrName(string)", "get DrName -> string", "put drID(int32)", "get drID -> int32",
                             "put DrLogin(string)", "get DrLogin -> string", "put drGUID(string)",
                             "get drGUID -> string", "put DrEMail(string)", "get DrEMail -> string",
-                            "LoadDoctorOnGUID(drGUID: string&, Con: Connection&) -> boolean"));
+                            "LoadDoctorOnGUID(drGUID: string, Con: Connection) -> boolean"));
 }
 
 TEST_F(Doctor, KindsHaveTheirNamesAndNumbers) {

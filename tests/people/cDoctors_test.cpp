@@ -76,12 +76,12 @@ const char* const selectAll = "SELECT * FROM Doctor_T order by DrLastName_nvc, D
 
 TEST_F(Doctors, HaveTheDocumentedMembers) {
     EXPECT_THAT(MembersOf(*doctors),
-                ElementsAre("GetAllDoctors(Con: Connection&) -> int32",
+                ElementsAre("GetAllDoctors(Con: Connection) -> int32",
                             "Add(drID: int32&, DrName: string&, DrFirstName: string&, DrLastName: string&,"
                             " DrPrefix: string&, DrContactInfo: string&, DrType: DoctorType&,"
                             " [sKey: string&]) -> cDoctor",
-                            "get Item(vntIndexKey: variant&) -> cDoctor", "get Count -> int32",
-                            "Remove(vntIndexKey: variant&)", "get NewEnum -> Enumerator", "GetGUID() -> string"));
+                            "get Item(vntIndexKey: variant) -> cDoctor", "get Count -> int32",
+                            "Remove(vntIndexKey: variant)", "get NewEnum -> Enumerator", "GetGUID() -> string"));
 }
 
 TEST_F(Doctors, ItemIsTheDefaultAndNewEnumTheEnumerator) {

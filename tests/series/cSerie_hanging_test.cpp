@@ -701,10 +701,18 @@ TEST_F(Hanging, AFrameSumBeyond16BitsRaisesBehindThePlacing) {
 }
 
 TEST_F(Hanging, MoreImagesThan16BitsCountRaise) {
-    images.assign(32768, New<cImage>());
+    const Date noTime = DateFrom({9999, 12, 31, 23, 59, 0});
+    for (Long i = 0; i < 32768; ++i) {
+        images.push_back(New<cImage>());
+        images.back()->dateTime = noTime;
+        images.back()->FrameNumber = 99;
+    }
     EXPECT_EQ(FailureOf([&] { Hang(21); }).Number, 6);
-    images.front()->dateTime = DateFrom({9999, 12, 31, 23, 59, 0});
+    EXPECT_THAT(Frames(), Each(0)) << "by time; without a time none gets a frame";
     EXPECT_EQ(FailureOf([&] { Hang(10); }).Number, 6);
+    EXPECT_THAT(Frames(), Each(0));
+    images.pop_back();
+    EXPECT_EQ(Hang(21), 0) << "the greatest number of images that are counted";
 }
 
 TEST_F(Hanging, AMemberThatIsNoImageRaisesAtTheWalk) {

@@ -288,9 +288,13 @@ TEST_F(StudyTable, AStudyWithoutUidTakesARowThatHasAnEmptyOne) {
 }
 
 TEST_F(StudyTable, PatientZeroIsNeverWritten) {
+    Run("DROP TABLE Study_T");
+    Run("CREATE TABLE Study_T (Study_ID INTEGER PRIMARY KEY AUTOINCREMENT, StudyInstanceUID TEXT, "
+        "PatientID INTEGER DEFAULT 77, accessionNumber TEXT, StudyDateTime DATETIME, Studydesc TEXT, referDrName TEXT, "
+        "studyID TEXT, PhysOfRecord TEXT)");
+    study->instanceUID = "1.2.1";
     EXPECT_TRUE(study->savestudy(false, con));
-    EXPECT_EQ(OfRow("PatientID"), Variant(Long{0})) << "the column's default";
-    Run("DELETE FROM Study_T");
+    EXPECT_EQ(OfRow("PatientID"), Variant(Long{77})) << "the column's default";
     StoreDistinct();
     study->instanceUID = "1.2.5";
     EXPECT_TRUE(study->savestudy(false, con));

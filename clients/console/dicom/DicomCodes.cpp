@@ -1,3 +1,4 @@
+#include "anatomy/RegionCodes.h"
 #include "console/dicom/DicomCodes.h"
 
 #include <algorithm>
@@ -6,6 +7,8 @@
 
 namespace Console {
 namespace {
+
+namespace RegionCode = OXClass::RegionCode;
 
 /// All codes of one tooth; an empty text where a generation has none of its own.
 struct ToothCodes {
@@ -86,24 +89,24 @@ struct AreaCodes {
 };
 
 constexpr std::array<AreaCodes, 6> Regions{{
-    {"T-11170", "70925003", "Maxilla"},
-    {"T-11180", "91609006", "Mandible"},
-    {"T-D1213", "661005", "Jaw region"},
-    {"T-D1217", "T-D1217", "Maxilla and mandible"},
-    {"T-11100", "89546000", "Skull"},
-    {"T-54000", "28035005", "Teeth, gums and supporting structures"},
+    {RegionCode::UpperJaw, "70925003", "Maxilla"},
+    {RegionCode::LowerJaw, "91609006", "Mandible"},
+    {RegionCode::BothJaws, "661005", "Jaw region"},
+    {RegionCode::BothJawsOld, RegionCode::BothJawsOld, "Maxilla and mandible"},
+    {RegionCode::Skull, "89546000", "Skull"},
+    {RegionCode::Teeth, "28035005", "Teeth, gums and supporting structures"},
 }};
 
 constexpr std::array<AreaCodes, 9> Modifiers{{
-    {"T-51005", "699453001", "Central incisor region", "R-FB322"},
-    {"T-51006", "699511000", "Lateral incisor region", "R-FB35C"},
-    {"T-51007", "699510004", "Canine region", "R-FB35B"},
-    {"T-51008", "699509009", "First premolar region", "R-FB35A"},
-    {"T-51009", "699508001", "Second premolar region", "R-FB359"},
-    {"T-5100A", "699507006", "First molar region", "R-FB358"},
-    {"T-5100B", "699505003", "Second molar region", "R-FB356"},
-    {"T-5100C", "699503005", "Third molar region", "R-FB354"},
-    {"T-5100D", "260499007", "Occlusal projection", "R-40810"},
+    {RegionCode::CentralIncisor, "699453001", "Central incisor region", "R-FB322"},
+    {RegionCode::LateralIncisor, "699511000", "Lateral incisor region", "R-FB35C"},
+    {RegionCode::Canine, "699510004", "Canine region", "R-FB35B"},
+    {RegionCode::FirstPremolar, "699509009", "First premolar region", "R-FB35A"},
+    {RegionCode::SecondPremolar, "699508001", "Second premolar region", "R-FB359"},
+    {RegionCode::FirstMolar, "699507006", "First molar region", "R-FB358"},
+    {RegionCode::SecondMolar, "699505003", "Second molar region", "R-FB356"},
+    {RegionCode::ThirdMolar, "699503005", "Third molar region", "R-FB354"},
+    {RegionCode::Occlusal, "260499007", "Occlusal projection", "R-40810"},
 }};
 
 constexpr std::array<int, 52> NumbersOfTable() {

@@ -1,3 +1,4 @@
+#include "anatomy/RegionCodes.h"
 #include "console/dicom/DicomFile.h"
 
 #include "console/dicom/DicomCodes.h"
@@ -17,6 +18,8 @@
 
 namespace Console {
 namespace {
+
+namespace RegionCode = OXClass::RegionCode;
 
 /// Values longer than this many bytes stay in the file until somebody asks for them.
 constexpr Uint32 LongestValueRead = 64 * 1024;
@@ -187,10 +190,10 @@ private:
         const bool right = std::ranges::any_of(teeth, IsRightTooth);
         const bool left = !std::ranges::all_of(teeth, IsRightTooth);
         const std::string& region = file.region;
-        const bool bothJaws = region == "T-D1213" || region == "T-D1217";
-        const bool noJaw = region == "T-54000";  // would keep hanging from deriving the jaw
-        if (noJaw || (bothJaws && !(upper && lower)) || (region == "T-11170" && lower) ||
-            (region == "T-11180" && upper))
+        const bool bothJaws = region == RegionCode::BothJaws || region == RegionCode::BothJawsOld;
+        const bool noJaw = region == RegionCode::Teeth;  // would keep hanging from deriving the jaw
+        if (noJaw || (bothJaws && !(upper && lower)) || (region == RegionCode::UpperJaw && lower) ||
+            (region == RegionCode::LowerJaw && upper))
             file.region.clear();
         const std::string& side = file.laterality;
         if ((side != "L" && !side.empty() && !right) || (side != "R" && !side.empty() && !left))

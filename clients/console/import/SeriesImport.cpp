@@ -1,3 +1,4 @@
+#include "anatomy/RegionCodes.h"
 #include "console/import/SeriesImport.h"
 
 #include "console/Completeness.h"
@@ -37,7 +38,7 @@ xigImageTypes TypeOf(const RadiographFile& file) {
     if (file.modality == "IO") return imggTypeDXIntraOral;
     if (file.modality == "PX") return imggTypeDXPanoramic;
     if (file.modality != "DX") return imggTypeSC;
-    const bool head = file.region == "T-11100" || Contains(UCase(file.seriesDescription), "CEPH");
+    const bool head = file.region == RegionCode::Skull || Contains(UCase(file.seriesDescription), "CEPH");
     return head ? imggTypeDXCephalometric : imggTypeDXGeneral;
 }
 

@@ -152,13 +152,13 @@ template <class T>
 class Keyed : public Enumerable {
 public:
     /// Returns the member at a position or with a key. Raises 5 or 9 as `Collection::Item`.
-    Ref<T> Item(const Variant& vntIndexKey) const {
+    Ref<T> Item(Variant vntIndexKey) const {
         return Ref<T>(static_cast<T*>(detail::ObjectOf(members_->Item(vntIndexKey)).Get()));
     }
     /// Returns the number of members.
     Long Count() const { return members_->Count(); }
     /// Removes a member. Raises as `Item`; nothing changes then.
-    void Remove(const Variant& vntIndexKey) { members_->Remove(vntIndexKey); }
+    void Remove(Variant vntIndexKey) { members_->Remove(vntIndexKey); }
     /// Returns an enumerator over the members.
     Ref<Enumerator> NewEnum() const { return members_->NewEnum(); }
     const Collection& Members() const override { return *members_; }
