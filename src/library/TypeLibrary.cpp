@@ -155,8 +155,8 @@ String InterfaceText(const ClassEntry& entry) {
 
 String ClassText(const ClassEntry& entry) {
     return String("// ") + (entry.IsGlobal ? "global, multi-use" : "multi-use") + "\n[uuid(" + entry.ClassID + "), " +
-           HelpText(entry.Make()->Describe().Help()) + (entry.IsGlobal ? ", appobject" : "") + "]\ncoclass " + entry.Name + " { [default] interface _" +
-           entry.Name + "; };\n\n";
+           HelpText(entry.Make()->Describe().Help()) + (entry.IsGlobal ? ", appobject" : "") + "]\ncoclass " +
+           entry.Name + " { [default] interface _" + entry.Name + "; };\n\n";
 }
 
 }  // namespace

@@ -12,6 +12,7 @@ namespace {
 using Platform::Argument;
 using Platform::Member;
 using Platform::MemberKind;
+using Platform::String;
 using ::testing::ElementsAreArray;
 
 /// "cDoctors.Item(vntIndexKey by value)"; arguments of one kind in a row are joined.
@@ -32,6 +33,7 @@ TEST(Arguments, ArePassedByValueOrByReference) {
         for (const Member& member : entry.Make()->Describe().Members())
             if ((member.Kind == MemberKind::Operation || member.Kind == MemberKind::Get) && !member.Arguments.empty())
                 passed.push_back(Passed(entry, member));
+    // clang-format off
     const char* const expected[] = {
         "Class1.GetRoots(Con by value)",
         "Class1.GetSubFolder(PatID by value)",
@@ -98,10 +100,7 @@ TEST(Arguments, ArePassedByValueOrByReference) {
         "cAnatomicDescription.SetTeethFromString(sIOstring, oTeeth by reference)",
         "cUniCard.LoadCardFull(conn, UID, ID, CardType by reference)",
         "cImages.LoadAll4Object(conn, ObjectType, ID, SQLWhereClause by reference)",
-        "cImages.Add(URL, ID, ImageType, sTeeth, Approved, PatID, dateTime, MirrRotStatus, DPIY, DPIX, RootId, "
-        "Pregnant, ImageNumberInSeries, DicomStatus, studyID, FrameNumber, seriesID, instanceUID, Laterality, "
-        "AnaRegion, AnaRegionMod, Comments, Root_RootDirectory, HWSourceTxt, ApprGamma, ApprBrightness, ApprContrast, "
-        "ApprInvert, CapturePerson, RespPerson, sKey by reference)",
+        "cImages.Add(URL, ID, ImageType, sTeeth, Approved, PatID, dateTime, MirrRotStatus, DPIY, DPIX, RootId, Pregnant, ImageNumberInSeries, DicomStatus, studyID, FrameNumber, seriesID, instanceUID, Laterality, AnaRegion, AnaRegionMod, Comments, Root_RootDirectory, HWSourceTxt, ApprGamma, ApprBrightness, ApprContrast, ApprInvert, CapturePerson, RespPerson, sKey by reference)",
         "cImages.Item(vntIndexKey by value)",
         "cImages.Remove(vntIndexKey by value)",
         "cImages.AddObject(oImage, sKey by reference)",
@@ -125,12 +124,12 @@ TEST(Arguments, ArePassedByValueOrByReference) {
         "cClinic.LoadClinic(ClinicID by value, Con by reference)",
         "cClinics.GetHQClinic(Con by reference)",
         "cClinics.GetAllClinics(Con by reference)",
-        "cClinics.Add(ID, ClinicName, OrgNumber, ZipCode, StreetAddress, City, Telephone, Remarks16, sKey by "
-        "reference)",
+        "cClinics.Add(ID, ClinicName, OrgNumber, ZipCode, StreetAddress, City, Telephone, Remarks16, sKey by reference)",
         "cClinics.Item(vntIndexKey by value)",
         "cClinics.ItemOnClinicName(sName, Con by reference)",
         "cClinics.Remove(vntIndexKey by value)",
     };
+    // clang-format on
     EXPECT_THAT(passed, ElementsAreArray(expected));
 }
 

@@ -39,10 +39,17 @@ protected:
               "Doctor_T (drID, DrName_NVC, drGUID) VALUES (5, 'name', 'G')",
               "Clinic_T (ClinicID, ClinicName) VALUES (5, 'name')",
               "Study_T (Study_ID, StudyInstanceUID, PatientID, StudyDateTime, AccessionNumber, Studydesc, "
-              "referDrName) VALUES (5, '1.5', 5, '2024-01-01 00:00:00', '', '', '')",
-              "Series_T (Series_ID, SeriesInstanceUID, Study_ID) VALUES (5, '1.6', 5)",
-              "ImageBild_T (ImageBildID, PatientID, Series_ID, RootId) VALUES (5, 5, 5, 1)",
-              "ImageCard_T (ImageCardID, PatientID, ICName) VALUES (5, 5, 'card')",
+              "referDrName, studyID) VALUES (5, '1.5', 5, '2024-01-01 00:00:00', '', '', '', '')",
+              "Series_T (Series_ID, SeriesInstanceUID, Study_ID, SeriesDescription, SeriesDateTime, Modality, "
+              "seriesNumber, "
+              "NumberOfImages, template_ID, orgServerID, location) VALUES (5, '1.6', 5, '', '2024-01-01 00:00:00', "
+              "'IO', '1', 1, 0, 0, 0)",
+              "ImageBild_T (ImageBildID, PatientID, Series_ID, RootId, DateCaptured_SD, Brightness_INT, Contrast_INT, "
+              "ImageType, Invert_BT, SOPInstanceUID_NVC, GraphicURL_NVC) VALUES (5, 5, 5, 1, '2024-01-01 00:00:00', 0, "
+              "0, 0, 0, '1.7', 'a.dcm')",
+              "ImageCard_T (ImageCardID, PatientID, ICName, ICDateCreated, ICLastUpdate, ICDescription, "
+              "ICFullViewWidth, ICFullViewHeight) VALUES (5, 5, 'card', '2024-01-01 00:00:00', '2024-01-01 00:00:00', "
+              "'', 1000, 700)",
               "ImageAttribute_T (ImageAttributeID, ImageCardID, ImageBildId, IASequence) VALUES (5, 5, 5, 1)"})
             Run(String("INSERT INTO ") + row);
         LoadLayouts();
@@ -98,7 +105,7 @@ TEST_F(OpenModes, OfStudiesSeriesAndImages) {
     Expect("cSerie.SaveSeries", [&] { series->SaveSeries(true, con); }, {Updatable});
     Expect("cImages.LoadAll4Object", [&] { New<cImages>()->LoadAll4Object(con, iootSeries, 5); }, {Plain});
     const Ref<cImage> image = New<cImage>();
-    Expect("cImage.GetImage", [&] { image->GetImage(con, 5); }, {Plain});
+    Expect("cImage.GetImage", [&] { EXPECT_TRUE(image->GetImage(con, 5)); }, {Plain});
     Expect("cImage.GetComments", [&] { image->GetComments(con); }, {Plain});
     Expect("cImage.SaveEx", [&] { image->SaveEx(true, con); }, {Optimistic, Unspecified});
     Expect("cSerie.Delete", [&] { series->Delete(con); }, {Updatable});
@@ -122,10 +129,12 @@ TEST_F(OpenModes, OfImageCards) {
     Expect("cImagecardAttribute.LoadImageManipulations", [&] { placed->LoadImageManipulations(con); }, {Plain});
     Expect("cImagecardAttribute.SaveManipulations", [&] { placed->SaveManipulations(con); }, {Updatable});
     placed->ToBeDeleted = true;
-    Expect("cImagecardAttribute.Save of one to be deleted", [&] { placed->Save(con); }, {Updatable});
+    Expect("cImagecardAttribute.Save of one to be deleted", [&] { placed->Save(con); }, {Unspecified, Updatable});
     const Long patient = 0;
-    Expect("cUniCards.GetICAndSEList4Patient", [&] { New<cUniCards>()->GetICAndSEList4Patient(con, "P", patient); },
-           {Unspecified, Unspecified, Static});
+    const auto list = [&] { EXPECT_EQ(New<cUniCards>()->GetICAndSEList4Patient(con, "P", patient), 5); };
+    Expect("cUniCards.GetICAndSEList4Patient of a patient with cards", list, {Unspecified, Static});
+    Run("DELETE FROM ImageCard_T");
+    Expect("cUniCards.GetICAndSEList4Patient of a patient without", list, {Unspecified, Unspecified, Static});
 }
 
 }  // namespace

@@ -105,7 +105,7 @@ const char* const saveOfFive = "SELECT * FROM Doctor_T WHERE DrID =5";
 TEST_F(Doctor, HasTheDocumentedMembers) {
     EXPECT_THAT(MembersOf(*doctor),
                 ElementsAre("GetDCMName() -> string", "PatientCount(Con: Connection) -> int32",
-                            "DeleteDoctor(Con: Connection) -> boolean", "SaveDoctor(Con: Connection&) -> boolean",
+                            "DeleteDoctor(Con: Connection) -> boolean", "SaveDoctor(Con: Connection) -> boolean",
                             "LoadDoctor(drID: int32, Con: Connection) -> boolean", "put DrType(DoctorType)",
                             "get DrType -> DoctorType", "put DrContactInfo(string)", "get DrContactInfo -> string",
                             "put DrPrefix(string)", "get DrPrefix -> string", "put DrLastName(string)",

@@ -3,6 +3,7 @@
 #include "platform/runtime/Convert.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <memory>
 
@@ -12,9 +13,9 @@ using namespace Platform;
 
 namespace {
 
-/// Where the memory of names begins to look for a name, by the place of its text.
-std::size_t PlaceOf(std::string_view name) {
-    return (reinterpret_cast<std::uintptr_t>(name.data()) * 0x9E3779B97F4A7C15U) >> 56;
+/// Returns a hash of the address of a text: 32 bits.
+std::size_t HashOfAddress(std::string_view text) {
+    return (reinterpret_cast<std::uintptr_t>(text.data()) * 0x9E3779B97F4A7C15U) >> 32;
 }
 
 Variant WholeNumber(std::int64_t value) {
@@ -83,50 +84,30 @@ Variant StoredByType(const Variant& value, const Column& column) {
 
 }  // namespace
 
-Columns::Columns(std::vector<Column> columns) : columns_(std::move(columns)) {
+Columns::Columns(std::vector<Column> columns)
+    : columns_(std::move(columns)), guesses_(std::bit_ceil(2 * columns_.size() + 1)) {
     for (Long i = 0; i < Count(); ++i) byName_.try_emplace(LCase(At(i).Name), i);
 }
 
 Long Columns::Find(std::string_view name) const {
-    constexpr std::size_t looks = 4;
-    const std::size_t first = PlaceOf(name);
-    std::size_t at = first;
-    for (std::size_t look = 0; look < looks; ++look, at = (at + 1) % remembered_.size()) {
-        const Remembered& memory = remembered_[at];
-        if (memory.name.empty()) break;
-        if (memory.name == name) return memory.ordinal;
+    std::uint16_t& guess = guesses_[HashOfAddress(name) % guesses_.size()];
+    if (guess < columns_.size()) {
+        const String& guessed = columns_[guess].Name;
+        if (guessed == name || EqualsIgnoringCase(guessed, name)) return guess;
     }
-    const Long found = Search(name);
-    Remembered& memory = remembered_[remembered_[at].name.empty() ? at : first];
-    memory = {String(name), found};
-    return found;
-}
-
-Long Columns::Search(std::string_view name) const {
     const auto found = byName_.find(LCase(name));
-    return found == byName_.end() ? Missing : found->second;
-}
-
-std::byte* RowStore::Allocate(std::size_t bytes) {
-    constexpr std::size_t alignment = alignof(Cell), largestBlock = 1 << 20;
-    bytes = (bytes + alignment - 1) / alignment * alignment;
-    if (bytes > left_) {
-        left_ = std::max(nextBlock_, bytes);
-        blocks_.push_back(std::make_unique_for_overwrite<std::byte[]>(left_));
-        free_ = blocks_.back().get();
-        nextBlock_ = std::min(nextBlock_ * 2, largestBlock);
-    }
-    left_ -= bytes;
-    return std::exchange(free_, free_ + bytes);
+    if (found == byName_.end()) return Missing;
+    guess = static_cast<std::uint16_t>(found->second);
+    return found->second;
 }
 
 Row RowStore::Add(std::span<const Cell> cells) {
     std::size_t bytes = cells.size_bytes();
     for (const Cell& cell : cells)
         if (cell.kind == Cell::Kind::Text) bytes += cell.length;
-    std::byte* const block = Allocate(bytes);
-    auto* const to = reinterpret_cast<Cell*>(block);
-    auto* texts = reinterpret_cast<char*>(block + cells.size_bytes());
+    if (!memory_) memory_ = std::make_unique<std::pmr::monotonic_buffer_resource>(2048);
+    auto* const to = static_cast<Cell*>(memory_->allocate(bytes, alignof(Cell)));
+    char* texts = reinterpret_cast<char*>(to + cells.size());
     std::uninitialized_copy(cells.begin(), cells.end(), to);
     for (std::size_t i = 0; i < cells.size(); ++i) {
         if (to[i].kind != Cell::Kind::Text || to[i].length == 0) continue;

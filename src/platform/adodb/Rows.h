@@ -2,8 +2,8 @@
 
 #include "platform/adodb/Enums.h"
 
-#include <array>
 #include <memory>
+#include <memory_resource>
 #include <unordered_map>
 #include <vector>
 
@@ -34,18 +34,11 @@ public:
     Long Find(std::string_view name) const;
 
 private:
-    Long Search(std::string_view name) const;
-
-    /// An earlier result, for a name with exactly this spelling.
-    struct Remembered {
-        String name;
-        Long ordinal = Missing;
-    };
-
     std::vector<Column> columns_;
-    std::unordered_map<String, Long> byName_;
-    // Callers pass literals, row after row: the address of a literal identifies the name.
-    mutable std::array<Remembered, 256> remembered_;
+    std::unordered_map<String, Long> byName_;  ///< by names in lower case
+    /// The ordinals that were found last, by the address of the name. Callers pass literals, row after row, so that a
+    /// guess by the address is nearly always right; it is compared with the name before it is used.
+    mutable std::vector<std::uint16_t> guesses_;
 };
 
 /// One value of a row as the engine stores it. A text is not a copy: it points into the row.
@@ -102,12 +95,7 @@ public:
     Row Add(std::span<const Cell> cells);
 
 private:
-    std::byte* Allocate(std::size_t bytes);
-
-    std::vector<std::unique_ptr<std::byte[]>> blocks_;
-    std::byte* free_ = nullptr;
-    std::size_t left_ = 0;
-    std::size_t nextBlock_ = 2048;  ///< sizes double: one row needs little memory, many rows few blocks
+    std::unique_ptr<std::pmr::monotonic_buffer_resource> memory_;  ///< null until the first row
 };
 
 /// Returns the value of a cell in the type of its column: a whole number as a `Long` (as `int64` if it is larger), the

@@ -23,8 +23,8 @@
 ///         return self;
 ///     }
 ///
-/// Behind each name is a help text: one line that ends with a full stop. Clients see it in the type library, in Python's
-/// `help()` and in their editors.
+/// Behind each name is a help text: one line that ends with a full stop. Clients see it in the type library, in
+/// Python's `help()` and in their editors.
 ///
 /// The types of the arguments follow from the C++ signature. A value is passed by value; a `const T&` by reference and
 /// only read; a `T&` by reference and written back. If a class has no member function of the documented form, its table
