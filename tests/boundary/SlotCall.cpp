@@ -2,6 +2,8 @@
 
 #include <ffi.h>
 
+#include <map>
+
 namespace Client {
 namespace {
 
@@ -21,8 +23,10 @@ ffi_type* TypeOf(const std::string& type) {
 
 }  // namespace
 
-std::vector<SlotOf> SlotsOf(IUnknown* object) {
-    std::vector<SlotOf> slots;
+const std::vector<SlotOf>& SlotsOf(IUnknown* object) {
+    static std::map<const void*, std::vector<SlotOf>> ofTables;
+    std::vector<SlotOf>& slots = ofTables[*reinterpret_cast<const void**>(object)];
+    if (!slots.empty()) return slots;
     int index = 7;
     const Json description = Describe(object);
     for (const Json& member : description["members"]) slots.push_back({member, index++});

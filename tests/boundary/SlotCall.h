@@ -11,7 +11,7 @@ struct SlotOf {
 };
 
 /// All members of an object with their slots, in their documented order.
-std::vector<SlotOf> SlotsOf(IUnknown* object);
+const std::vector<SlotOf>& SlotsOf(IUnknown* object);
 
 /// The slot of a member by name and kind.
 SlotOf FindSlot(IUnknown* object, const std::string& name, const std::string& kind);

@@ -13,7 +13,7 @@ except AttributeError:
     ALLOCATED = None
 
 TEXT = "Åkesson" * 60  # 420 units: 840 bytes as a counted wide string
-OBJECTS = 1000 if ALLOCATED else 10000
+OBJECTS = 1000 if ALLOCATED else 4000
 LEAKED_TEXTS = OBJECTS * 2 * len(TEXT)
 
 
