@@ -31,14 +31,14 @@ struct Stamp {
     String text;
 };
 
-/// A text that becomes part of the statement unescaped, because the documented statement has it so.
+/// A text that becomes part of the statement unescaped, as in the documented statement.
 ///
 /// Between single quotes, each run of quotes in the text must have an even length; outside of quotes, the
 /// text must be a whole number. Any other text raises 0x80040E14 when the statement is joined. A text can
 /// therefore make a statement fail, and can never turn it into another statement.
 struct AsItStands {
     explicit AsItStands(std::string_view spliced) : text(spliced) {}
-    /// Not owned: the caller's text must live until the statement is joined.
+    /// The text is not copied: it must live until the statement is joined.
     std::string_view text;
 };
 
@@ -57,7 +57,7 @@ struct NumberOrNull {
 
 namespace detail {
 
-/// The text of one statement while its pieces are added. Each `Add` appends one kind of piece; only that of
+/// The text of one statement while its pieces are added. Each `Add` appends one kind of piece; only `Add` of an
 /// `AsItStands` raises.
 class StatementText {
 public:

@@ -14,7 +14,8 @@ struct EnumerationValue {
     Long Value;
 };
 
-/// The name and the values of an enumeration; each public enumeration specialises it.
+/// The name and the values of an enumeration, as `Name` and `Values`. Each public enumeration specialises it; an
+/// argument or result of an enumeration without a specialisation does not compile.
 template <class E>
 struct EnumerationOf;
 
@@ -24,6 +25,7 @@ struct Enumeration {
     std::span<const EnumerationValue> Values;
 };
 
+/// Returns the name and the values of the enumeration `E`.
 template <class E>
 constexpr Enumeration EnumerationFor() {
     return {EnumerationOf<E>::Name, EnumerationOf<E>::Values};

@@ -170,7 +170,7 @@ int FlagsOf(const String& mode) {
              "Mode=" + mode + " can't be honoured; it is Read, Snapshot, ReadWrite or Create.");
 }
 
-/// Returns a file name as a URI that tells the engine that the file does not change.
+/// Returns a file name as a URI that declares the file immutable to the engine.
 String SnapshotName(const String& file) {
     constexpr std::string_view plain = "/-._~";
     String name = file.starts_with("//") ? "file://" : "file:";
