@@ -37,7 +37,8 @@ bool DeleteOrphan(const Database& database, Long series) {
     return deleted > 0;
 }
 
-/// The damage of an image that may belong to the series, and whose row doesn't tell; null if there is none.
+/// Returns the damage of an image whose series can't be read and which may therefore belong to this series; null if
+/// there is none.
 std::optional<Error> ImageOfUnknownSeries(const Database& database, Long series) {
     const Ref<Recordset> rows =
         database.Read("SELECT ImageBildID " + ImagesThatMayBelongTo(series) + " ORDER BY ImageBildID");

@@ -43,7 +43,7 @@ void RequireReachable(const fs::path& file) {
         throw UserError(fmt::format("{} is not a file; name the database itself", file.string()));
 }
 
-/// The first bytes of a database file: what it is, and the marks of the program that made it.
+/// The first bytes of a database file, which contain the file type and the marks of the program that created it.
 class Header {
 public:
     explicit Header(const fs::path& file) {

@@ -15,7 +15,7 @@ bool EndsIn(const std::string& file, const char* ending) {
     return Platform::EqualsIgnoringCase(std::filesystem::path(file).extension().string(), ending);
 }
 
-/// Tells of each picture that a page lacks; gives their number.
+/// Reports each picture that a page lacks; returns their number.
 std::size_t TellMissing(const Page& page) {
     std::size_t missing = 0;
     for (const PlacedPicture& placed : page.pictures) {

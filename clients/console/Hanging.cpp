@@ -51,8 +51,8 @@ void StorePlacing(const Ref<Connection>& con, const cImage& image) {
                      "', AnaRegionMod='", FixSqlString(image.AnaRegionMod), "' WHERE ImageBildID=", image.ID));
 }
 
-/// The same of a series. The documented save does nothing, and tells nobody, for a series without UID or
-/// study.
+/// Stores the layout of a series by a statement of its own: the documented save stores nothing and reports no failure
+/// for a series without UID or study.
 void StoreLayout(const Ref<Connection>& con, const cSerie& series) {
     con->Execute(sql("UPDATE Series_T SET template_ID=", series.TemplateID, ", NumberOfImages=", series.ImgCount,
                      " WHERE Series_ID=", series.ID));

@@ -4,7 +4,7 @@
 
 namespace Console {
 
-/// What hanging a stored series came to.
+/// The result of hanging a stored series.
 struct HungSeries {
     Platform::Long layout = 0;
     std::size_t placed = 0;                      ///< images with a frame

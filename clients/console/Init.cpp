@@ -43,8 +43,8 @@ void Fill(const fs::path& file, const fs::path& root, const std::string& databas
     con->Close();
 }
 
-/// Brings what an SQLite database still has in its log into the file itself. Another program that has it
-/// open keeps the log.
+/// Writes the content of an SQLite database's log into the file itself. The log stays while another program has the
+/// database open.
 void Settle(const fs::path& file) {
     const Ref<Connection> con = Platform::New<Connection>();
     try {

@@ -14,7 +14,7 @@ namespace {
 using namespace OXClass;
 using Json = nlohmann::ordered_json;
 
-/// The patients of whom any of the texts holds `text`, without regard to case; all for an empty text.
+/// Lists the patients that have a text which contains `text`, without regard to case; all for an empty text.
 void ListPatients(const Options& options, const std::string& text) {
     const Database database(options);
     const Ref<Recordset> rows = database.Read(

@@ -10,7 +10,7 @@ enum ExitCode : int {
     PartlyDone = 3,  ///< the work went on past files or rows that could not be read
 };
 
-/// Runs the program `oxclass` with its command line and gives its exit code. Never throws.
+/// Runs the program `oxclass` with its command line and returns its exit code. Never throws.
 int RunProgram(int argc, const char* const* argv);
 
 }  // namespace Console

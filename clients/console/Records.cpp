@@ -39,7 +39,7 @@ void ListStudies(const Options& options, const std::string& patient) {
         .Print(options.json, "There are no studies.");
 }
 
-/// What keeps a row of Series_T from being read; null for one that can be read.
+/// Returns the reason why a row of Series_T can't be read; null if it can.
 nlohmann::ordered_json DamageOfSeries(const Ref<Recordset>& row) {
     try {
         New<cSerie>()->ReadRow(row);
@@ -80,7 +80,7 @@ void ListSeries(Program& program, const std::string& patient) {
     list.Print(program.options.json, "There are no series.");
 }
 
-/// The where clause of the images that are asked for.
+/// Returns the condition of the images that the user requests.
 std::string ImagesClause(const Database& database, const std::string& patient, const std::string& series) {
     if (!series.empty()) return sql("where Series_ID=", NumberOf(series, "a series"));
     if (patient.empty()) return "where 1=1";

@@ -42,7 +42,7 @@ void Register(const std::string& named) {
     fmt::print("Registered {} in {}\n", library, Platform::ClassRegistry::File().string());
 }
 
-/// Takes out what stands in the registry under the library's path; its file may be gone.
+/// Removes the library with this path from the registry; the library file may have been deleted.
 void Unregister(const std::string& named) {
     const std::string library = LibraryOf(named);
     if (!Platform::ClassRegistry::RemoveFile(library))

@@ -127,7 +127,7 @@ std::string Table(const Database& database, const cUniCard& entry, const Page& p
         entry.Series ? "Frame" : "Place", titles, rows);
 }
 
-/// What could not be read, a paragraph each.
+/// Returns a paragraph for each part that could not be read.
 std::string Damages(const std::vector<std::string>& lines) {
     std::string text;
     for (const std::string& line : lines) text += fmt::format("<p class=\"damaged\">Damaged: {}</p>\n", XmlText(line));

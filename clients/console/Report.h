@@ -4,7 +4,7 @@
 
 namespace Console {
 
-/// What a report holds.
+/// The numbers of entries and failures of a report.
 struct ReportTally {
     std::size_t entries = 0;
     std::size_t images = 0;

@@ -22,7 +22,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace OXClass;
 
-// ---- what is asked for ------------------------------------------------------------------------------
+// ---- matching ---------------------------------------------------------------------------------------
 
 /// "20260131" for "2026-01-31" or "today".
 std::string DigitsOfDay(const std::string& text) {
@@ -43,7 +43,7 @@ void SetDays(WorklistKeys& keys, const std::string& text) {
         throw UserError(fmt::format("\"{}\" ends before it begins", text));
 }
 
-/// True if `text` is what is wanted, without regard to case; "*" stands for any characters, "?" for one.
+/// Returns true if `text` is what is wanted, without regard to case; "*" stands for any characters, "?" for one.
 bool Fits(std::string_view wanted, std::string_view text) {
     std::size_t at = 0, star = std::string_view::npos, behindStar = 0;
     for (std::size_t i = 0; i < text.size();) {
@@ -64,13 +64,13 @@ bool Fits(std::string_view wanted, std::string_view text) {
     return wanted.find_first_not_of('*', std::min(at, wanted.size())) == std::string_view::npos;
 }
 
-/// True if nothing is wanted, or one of the values of `text` is.
+/// Returns true if nothing is wanted, or one of the values of `text` is.
 bool FitsAny(const std::string& wanted, const std::string& text) {
     const std::vector<std::string> values = Split(text, '\\');
     return wanted.empty() || std::ranges::any_of(values, [&](const std::string& value) { return Fits(wanted, value); });
 }
 
-/// True if an item is one that the keys ask for. A server gives a data set whole, also those of its steps
+/// Returns true if an item is one that the keys ask for. A server gives a data set whole, also those of its steps
 /// that nobody asked for.
 bool Matches(const cMWLItem& item, const WorklistKeys& keys) {
     const std::string day = Replace(item.SchProcStepStartDate, "-", "");
@@ -86,7 +86,7 @@ bool IsFile(const fs::path& path) {
     return fs::is_regular_file(path, unknown);
 }
 
-/// Tells of something that was passed over.
+/// Reports something that was skipped.
 void Tell(Program& program, const std::string& text) {
     fmt::print(stderr, "{}\n", Printable(text));
     program.exitCode = PartlyDone;
@@ -111,8 +111,8 @@ std::vector<fs::path> WorklistFiles(Program& program, const fs::path& where) {
     return files;
 }
 
-/// Why a file can't be read as a worklist item; empty if it can. It is tried in a worker process first: what
-/// ends that process must not end the program.
+/// Returns for each file the reason why it can't be read as a worklist item; empty if it can. Each file is first read
+/// in a worker process, because a damaged file may crash the process that reads it.
 std::vector<std::string> RefusalsOf(const std::vector<fs::path>& files) {
     WorkerPool pool(
         [](const std::string& path) -> std::string {
@@ -308,7 +308,7 @@ void Fill(cPatient& patient, const WorklistEntry& entry) {
     patient.Address = entry.item->PatientAddress;
 }
 
-/// What `--register` is told: the entry, and what a person decided about its patient.
+/// The arguments of `--register`: the entry, and the user's decision about its patient.
 struct Registration {
     std::string entry, patient;
     bool newPatient = false;
@@ -331,7 +331,7 @@ Ref<cPatient> PatientOf(const Ref<Connection>& con, const WorklistEntry& entry, 
     return nullptr;
 }
 
-/// Stores what a known patient's row lacks and the entry tells, unless the two are different people.
+/// Stores the data of the entry that a known patient's row lacks, unless the two are different people.
 void FillKnown(const Ref<Connection>& con, const cPatient& patient, const WorklistEntry& entry) {
     const PatientIdentity stored = ComparableIdentityOf(con, patient), person = IdentityOf(entry);
     if (!EqualsIgnoringCase(stored.patientID, person.patientID) || !Contradictions(stored, person).empty()) return;

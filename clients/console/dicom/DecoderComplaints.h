@@ -12,7 +12,7 @@ public:
     ~DecoderComplaints();
     DecoderComplaints(const DecoderComplaints&) = delete;
 
-    /// Raises `std::runtime_error` with the first complaint since this object was made, if there is one.
+    /// Throws `std::runtime_error` with the first complaint since this object was created, if there is one.
     void Check() const;
 
 private:

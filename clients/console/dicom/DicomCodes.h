@@ -27,9 +27,9 @@ enum class CodeGeneration {
 /// permanent teeth 11 to 48 first, then the deciduous ones 51 to 85.
 extern const std::array<int, 52> AllTeeth;
 
-/// The two-digit tooth number of a code of the standard's tooth tables, of any generation; 0 for any other
-/// code. The coding scheme designator is not asked for: the code values of the schemes differ in form, and
-/// makers write the designator in many ways.
+/// Returns the two-digit tooth number of a code of the standard's tooth tables, of any generation; 0 for any other
+/// code. The coding scheme designator is not needed: the code values of the schemes differ in form, and manufacturers
+/// write the designator in many ways.
 int ToothOfCode(std::string_view value);
 
 /// The region code that the library's images carry, for a coded anatomic region: "T-11170" upper jaw,
@@ -48,12 +48,12 @@ std::string RegionModifierOfCode(std::string_view value);
 /// `AllTeeth`.
 DicomCode CodeOfTooth(int tooth, CodeGeneration generation = CodeGeneration::Current);
 
-/// The code that a file states for a region, given as `RegionOfCode` returns it; "T-D1217" gives the
-/// code itself in every generation, as it has no other form. Throws `std::invalid_argument` for a region
-/// that is not one of these.
+/// Returns the code that a file states for a region, which `region` names as `RegionOfCode` returns it. For "T-D1217"
+/// returns this code in every generation, because it has no other form. Throws `std::invalid_argument` for any other
+/// region.
 DicomCode CodeOfRegion(std::string_view region, CodeGeneration generation = CodeGeneration::Current);
 
-/// The current code of a region modifier, given as `RegionModifierOfCode` returns it. Throws
+/// Returns the current code of a region modifier, which `modifier` names as `RegionModifierOfCode` returns it. Throws
 /// `std::invalid_argument` for any other text.
 DicomCode CodeOfRegionModifier(std::string_view modifier);
 
@@ -61,10 +61,10 @@ DicomCode CodeOfRegionModifier(std::string_view modifier);
 /// left". An unknown code stays a code; what is empty is left out.
 std::string AnatomyInWords(std::string_view region, std::string_view modifier, std::string_view side);
 
-/// True for teeth of the upper jaw. `tooth` is one of `AllTeeth`, here and below.
+/// Returns true for teeth of the upper jaw. `tooth` is one of `AllTeeth`, here and below.
 bool IsUpperTooth(int tooth);
 
-/// True for teeth of the patient's right side, which is the viewer's left on a hung examination.
+/// Returns true for teeth of the patient's right side, which is the viewer's left on a hung examination.
 bool IsRightTooth(int tooth);
 
 /// The tooth string that the library stores: two digits and a comma for each tooth, in the order of

@@ -21,7 +21,7 @@ namespace {
 
 namespace RegionCode = OXClass::RegionCode;
 
-/// Values longer than this many bytes stay in the file until somebody asks for them.
+/// Values longer than this many bytes are read only when they are used.
 constexpr Uint32 LongestValueRead = 64 * 1024;
 
 std::string PointInTime(std::string_view day, std::string_view time) {
@@ -29,7 +29,7 @@ std::string PointInTime(std::string_view day, std::string_view time) {
     return date.empty() ? date : date + " " + TimeText(time);
 }
 
-/// For a value that holds day and time in one, with an optional zone, which is left out.
+/// Returns day and time of a value that contains both. Ignores the time zone, if there is one.
 std::string PointInTime(std::string_view both) {
     const std::string_view local = both.substr(0, both.find_first_of("+-"));
     if (local.size() < 8) return {};
@@ -180,9 +180,9 @@ private:
         return {};
     }
 
-    /// Teeth are listed one by one, while region and side often keep what the previous picture had. So the
-    /// teeth win: a jaw region must be theirs, and a stated side must have one of them. A film across the
-    /// midline may lawfully be called left or right; "B" asks for teeth on both sides.
+    /// Removes a region and a side that contradict the teeth. Programs list the teeth one by one, but often leave the
+    /// region and the side of the previous picture. A jaw region must be the region of the teeth, and a stated side
+    /// must have one of them: a film across the midline may have either side, and "B" requires teeth on both sides.
     void DropContradictions(const std::set<int>& teeth) {
         if (teeth.empty()) return;
         const bool upper = std::ranges::any_of(teeth, IsUpperTooth);
@@ -220,10 +220,10 @@ struct Ends {
     std::string first;  ///< 132 bytes, enough for the mark; less in a shorter file
     std::string last;   ///< 8 bytes
 
-    /// True when the file starts as DICOM files with a preamble do.
+    /// Returns true if the file starts as DICOM files with a preamble do.
     bool Marked() const { return first.size() == 132 && first.substr(128) == "DICM"; }
 
-    /// True when the file ends with the mark that closes compressed pixels.
+    /// Returns true if the file ends with the mark that closes compressed pixels.
     bool Closed() const { return last == std::string_view("\xFE\xFF\xDD\xE0\0\0\0\0", 8); }
 };
 
@@ -249,7 +249,7 @@ std::vector<std::string> ListedFiles(DcmDataset& directory) {
     return files;
 }
 
-/// True for a known kind of DICOM object that isn't an image. Objects of unknown kinds may be damaged images.
+/// Returns true for a known kind of DICOM object that isn't an image. Objects of unknown kinds may be damaged images.
 bool HasNoPictureByKind(DcmDataset& set) {
     OFString kind;
     if (set.findAndGetOFString(DCM_SOPClassUID, kind).bad()) return false;

@@ -101,8 +101,8 @@ std::optional<std::string> Converted(std::string_view bytes, const std::string& 
     return Converted(std::string(bytes), encoding.c_str());
 }
 
-/// Walks a text with escape sequences. A set that was switched on holds up to the next delimiter of a name
-/// or a value.
+/// Converts a text with escape sequences. A character set that an escape sequence selects is valid up to the next
+/// delimiter of a name or a value.
 class ExtendedText {
 public:
     ExtendedText(std::string_view bytes, const std::string& baseEncoding) : rest(bytes), base(baseEncoding) {}
@@ -160,7 +160,7 @@ private:
     std::string_view rest;
     std::string base;
     std::string current = base;
-    std::string_view japanese;  ///< the two-byte escape that holds, empty when none does
+    std::string_view japanese;  ///< the two-byte escape that is valid, or empty
     std::string out;
 };
 

@@ -21,7 +21,7 @@ public:
     std::string Decode(std::string_view bytes) const;
 
 private:
-    std::string base;  ///< the C library's name of the set that holds outside code extensions
+    std::string base;  ///< the C library's name of the set that is valid outside code extensions
 };
 
 }  // namespace Console

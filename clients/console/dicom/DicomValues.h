@@ -17,7 +17,7 @@ std::string Trimmed(std::string_view text);
 /// The parts between the separators, each trimmed.
 std::vector<std::string> Split(std::string_view text, char separator);
 
-/// "YYYY-MM-DD" for "YYYYMMDD" and the older "YYYY.MM.DD"; empty for what is no calendar day.
+/// Returns "YYYY-MM-DD" for "YYYYMMDD" and the older "YYYY.MM.DD"; an empty text for anything but a calendar day.
 std::string DayText(std::string_view value);
 
 /// "hh:mm:ss" for "hhmmss.ffffff", "hhmm", "hh" and the older "hh:mm:ss"; midnight for anything else. A
@@ -41,7 +41,7 @@ public:
     /// The number at `position` of the value, 0 if there is none.
     double Number(DcmItem& item, const DcmTagKey& tag, std::size_t position = 0) const;
 
-    /// The same for a whole number, 0 too where it does not fit.
+    /// Returns the value as a whole number; 0 also for a number outside the range of `int`.
     int Whole(DcmItem& item, const DcmTagKey& tag) const;
 
 private:

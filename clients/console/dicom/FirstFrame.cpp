@@ -64,7 +64,7 @@ std::size_t FrameSize(DcmDataset& set) {
 
 // ---- fragments of compressed pixels -----------------------------------------------------------------
 
-/// True for bytes that end a codestream, with or without the padding to an even length. In front of the
+/// Returns true for bytes that end a codestream, with or without the padding to an even length. In front of the
 /// end no such bytes can occur in its pixels.
 bool EndsCodestream(std::string_view bytes) {
     constexpr std::string_view end("\xFF\xD9", 2), padded("\xFF\xD9\0", 3);
@@ -114,8 +114,8 @@ std::size_t RleSize(std::string segment, std::size_t most) {
     return decoder.size();
 }
 
-/// Raises where a segment of the first frame holds fewer bytes than the frame has pixels, which the toolkit's
-/// decoder leaves out without an error.
+/// Throws if a segment of the first frame has fewer bytes than the frame has pixels. The toolkit's decoder reports no
+/// error for the missing pixels.
 void CheckRleComplete(DcmDataset& set) {
     constexpr std::size_t header = 64, most = 15;
     DcmPixelItem* fragment = nullptr;

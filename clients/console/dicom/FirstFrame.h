@@ -7,13 +7,13 @@ class DcmDataset;
 
 namespace Console {
 
-/// Why pixels of this transfer syntax, given by its identifier, can't be decoded; empty where they can.
+/// Returns the reason why pixels of the transfer syntax with this identifier can't be decoded; empty if they can.
 std::string WhyNotDecodable(const std::string& transferSyntax);
 
 /// Number of Frames of a data set; 1 where it is absent or no positive number.
 int NumberOfFrames(DcmDataset& set);
 
-/// True where the pixels of a data set, as it was read, are JPEG 2000.
+/// Returns true if the pixels of a data set, as it was read, are JPEG 2000.
 bool IsJpeg2000(const DcmDataset& set);
 
 /// The samples of the first frame of a data set, uncompressed, in the byte order of this machine. Where the

@@ -34,7 +34,7 @@ std::string Text(DcmItem& set, const DcmTagKey& tag) {
 
 // ---- stored samples ---------------------------------------------------------------------------------
 
-/// Which bits of a sample are its value.
+/// The position of the value's bits in a sample.
 class SampleForm {
 public:
     explicit SampleForm(DcmItem& set)
@@ -73,7 +73,7 @@ std::optional<Uint16> SixteenBits(DcmItem& set, const DcmTagKey& tag) {
     return {};
 }
 
-/// The stored values that stand for no pixel.
+/// The stored values that mark background instead of a pixel.
 class Padding {
 public:
     Padding(DcmItem& set, const SampleForm& form) {
@@ -149,7 +149,7 @@ private:
     std::vector<Uint16> entries_;
 };
 
-// ---- from stored values to what is shown ------------------------------------------------------------
+// ---- conversion of stored values to gray ------------------------------------------------------------
 
 using Function = std::function<double(double)>;
 
@@ -190,7 +190,7 @@ bool Inverted(DcmItem& set) {
     return Text(set, DCM_PhotometricInterpretation) == "MONOCHROME1";
 }
 
-/// The modality's values of all samples, and which of them are no padding.
+/// The modality values of all samples, and whether each of them is a pixel and not padding.
 struct Values {
     std::vector<double> of;
     std::vector<bool> padding;

@@ -3,7 +3,7 @@
 namespace Console {
 namespace {
 
-/// The other end of a direction's axis; 0 for a letter that is no direction.
+/// Returns the opposite direction; 0 for a letter that does not name a direction.
 char Opposite(char direction) {
     switch (direction) {
         case 'L': return 'R';
@@ -25,7 +25,7 @@ int DegreesToUpright(char row, char column) {
     return column == 'H' ? 180 : 270;
 }
 
-/// Where the rows run after the turn.
+/// Returns the direction of the rows after a rotation.
 char TurnedRow(char row, char column, int degrees) {
     switch (degrees) {
         case 90: return Opposite(column);

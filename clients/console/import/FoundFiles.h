@@ -23,7 +23,7 @@ struct FoundFiles {
 /// for its folder. Throws `UserError` for a name that is neither a file nor a folder.
 FoundFiles FindFiles(const std::vector<std::string>& names);
 
-/// True for a file that the user expects to be a radiograph: it was named, or its name ends in ".dcm",
+/// Returns true for a file that the user expects to be a radiograph: it was named, or its name ends in ".dcm",
 /// ".dic" or ".dicom". Other files of a folder may be anything.
 bool IsExpectedRadiograph(const FoundFile& file);
 

@@ -22,7 +22,7 @@ using Json = nlohmann::ordered_json;
 
 Date DateOf(const std::string& text) { return ParseDate(text).value_or(Date{}); }
 
-/// True for pictures that light made: those of the kinds for visible light and of the modalities of cameras,
+/// Returns true for pictures that light made: those of the kinds for visible light and of the modalities of cameras,
 /// and coloured secondary captures, since X-rays have no colours.
 bool IsPhotograph(const RadiographFile& file) {
     constexpr std::string_view visibleLight = "1.2.840.10008.5.1.4.1.1.77.1.",
@@ -66,7 +66,7 @@ Json JsonOf(const PatientIdentity& person) {
     throw IdentityConflict(reason, table, json);
 }
 
-/// True if two files can be of one person.
+/// Returns true if two files can be of one person.
 bool CanBeOne(const PatientIdentity& a, const PatientIdentity& b) {
     return EqualsIgnoringCase(a.patientID, b.patientID) && Contradictions(a, b).empty();
 }

@@ -84,7 +84,7 @@ private:
     std::set<std::filesystem::path> folders_;
 };
 
-/// True if both files have the same content. Throws `UserError` if one can't be read.
+/// Returns true if both files have the same content. Throws `UserError` if one can't be read.
 bool SameContent(const std::filesystem::path& a, const std::filesystem::path& b);
 
 }  // namespace Console

@@ -41,7 +41,7 @@ void WriteMarker(const fs::path& folder, const std::string& identity) {
     WriteWholeFile(folder / RootMarker, fmt::format("{}{}\n", MarkerLine, identity));
 }
 
-/// True for a folder without any file but a marker.
+/// Returns true for a folder without any file but a marker.
 bool IsUnused(const fs::path& folder) {
     std::error_code failure;
     for (const fs::directory_entry& entry : fs::directory_iterator(folder, failure))
@@ -82,7 +82,7 @@ fs::path StorageRoots::DirectoryOf(Long root) const {
     return directory;
 }
 
-/// True for a folder with the marker of this clinic, false for one without a marker that may get it.
+/// Returns true for a folder with the marker of this clinic, false for one without a marker that may get it.
 bool StorageRoots::IsMarked(const fs::path& folder, Long root) const {
     std::error_code failure;
     if (!fs::is_directory(folder, failure))
@@ -101,7 +101,7 @@ bool StorageRoots::IsMarked(const fs::path& folder, Long root) const {
     return false;
 }
 
-/// True if one of the newest images of the root is there, or if it has none.
+/// Returns true if one of the newest images of the root is there, or if it has none.
 bool StorageRoots::HoldsKnownFiles(const fs::path& folder, Long root) const {
     const Ref<Recordset> rows = con_->Execute(sql("SELECT GraphicURL_NVC FROM ImageBild_T WHERE RootId = ", root,
                                                   " AND GraphicURL_NVC <> '' ORDER BY ImageBildID DESC LIMIT 100"));

@@ -68,7 +68,7 @@ std::string CopyVerified(const fs::path& from, const fs::path& to, const std::st
     return copy.sha256;
 }
 
-/// True if the path is the folder, or is in it, links resolved.
+/// Returns true if the path is the folder, or is in it, links resolved.
 bool Contains(const fs::path& folder, const fs::path& path) {
     std::error_code failure;
     const fs::path outer = fs::weakly_canonical(folder, failure), inner = fs::weakly_canonical(path, failure);

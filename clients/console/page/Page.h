@@ -53,7 +53,7 @@ std::string CaptionOf(const OXClass::cImage& image);
 /// The teeth of an image by quadrant, "16,17 46,47"; empty where none are known.
 std::string TeethOf(const OXClass::cImage& image);
 
-/// True for a film that has a frame though neither teeth nor region of it are known: hanging then placed it
+/// Returns true for a film that has a frame though neither teeth nor region of it are known: hanging then placed it
 /// by its time alone, and its place says nothing of what it shows. Views of the whole head are none.
 bool IsPlacedByTimeOnly(const OXClass::cImage& image);
 constexpr const char* PlacedByTimeOnly = "placed by time only";

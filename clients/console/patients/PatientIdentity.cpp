@@ -63,7 +63,7 @@ std::string_view Initial(std::string_view text) {
     return text.substr(0, end);
 }
 
-/// True if one of the parts is the initial of the other.
+/// Returns true if one of the parts is the initial of the other.
 bool IsInitialOf(const std::string& a, const std::string& b) {
     const std::string_view initial = Initial(a);
     return initial == Initial(b) && (a == initial || b == initial);
@@ -79,7 +79,7 @@ void TakeOutEqualParts(Parts& a, Parts& b) {
     });
 }
 
-/// True if the given names can be one person's: each part of the shorter list is a part of the longer, whole
+/// Returns true if the given names can be one person's: each part of the shorter list is a part of the longer, whole
 /// or as an initial.
 bool GivenNamesAgree(Parts a, Parts b) {
     if (a.size() > b.size()) std::swap(a, b);

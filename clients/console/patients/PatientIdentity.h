@@ -44,7 +44,7 @@ enum class IdentityField { PatientID, Issuer, Name, BirthDate, Sex };
 /// blanks.
 std::vector<IdentityField> Contradictions(const PatientIdentity& a, const PatientIdentity& b);
 
-/// True if name or birth date is known on both sides and agrees, and nothing contradicts it.
+/// Returns true if name or birth date is known on both sides and agrees, and nothing contradicts it.
 bool Confirms(const PatientIdentity& a, const PatientIdentity& b);
 
 /// Takes over from `said` what `known` lacks: issuer, name, birth date and sex; a family name or a given name
@@ -52,14 +52,14 @@ bool Confirms(const PatientIdentity& a, const PatientIdentity& b);
 /// must not contradict each other, and must have the same identifier.
 std::vector<IdentityField> Complete(PatientIdentity& known, const PatientIdentity& said);
 
-/// True if the family name is the only contradiction, and given name and birth date are known and agree: a
+/// Returns true if the family name is the only contradiction, and given name and birth date are known and agree: a
 /// person who has changed the name, or whose name was corrected.
 bool DifferInFamilyNameOnly(const PatientIdentity& a, const PatientIdentity& b);
 
-/// True if the two have the same values, names compared as in `Contradictions`.
+/// Returns true if the two have the same values, names compared as in `Contradictions`.
 bool SameInEachField(const PatientIdentity& a, const PatientIdentity& b);
 
-/// True if the identifier alone is enough to take both for one person: both issuers are known and equal,
+/// Returns true if the identifier alone is enough to take both for one person: both issuers are known and equal,
 /// or neither is known.
 bool SameIssuer(const PatientIdentity& a, const PatientIdentity& b);
 

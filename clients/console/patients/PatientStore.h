@@ -39,7 +39,7 @@ struct PatientMatch {
     bool contradicted = false;  ///< one of `refused` contradicts the person; else
                                 ///< there is not enough to tell
 
-    /// True for a person whose identifier no patient has.
+    /// Returns true for a person whose identifier no patient has.
     bool IsNew() const { return number == 0 && refused.empty(); }
 };
 

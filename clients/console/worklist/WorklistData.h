@@ -24,7 +24,7 @@ using WorklistItems = std::vector<WorklistEntry>;
 /// no scheduled step, or says nothing about the patient.
 WorklistItems ItemsOf(DcmItem& dataset, const std::string& source);
 
-/// True for a data set with letters beyond ASCII that names no character set: its texts had to be guessed.
+/// Returns true for a data set with letters beyond ASCII that names no character set: its texts had to be guessed.
 bool LacksCharacterSet(DcmItem& dataset);
 
 /// The items in a file, with the file meta information or without. Throws as `ItemsOf`, and for a file
