@@ -22,8 +22,8 @@ using Json = nlohmann::ordered_json;
 
 Date DateOf(const std::string& text) { return ParseDate(text).value_or(Date{}); }
 
-/// Returns true for pictures that light made: those of the kinds for visible light and of the modalities of cameras,
-/// and coloured secondary captures, since X-rays have no colours.
+/// Returns true for photographs: pictures of the kinds for visible light and of the modalities of cameras, and coloured
+/// secondary captures, because X-ray pictures have no colours.
 bool IsPhotograph(const RadiographFile& file) {
     constexpr std::string_view visibleLight = "1.2.840.10008.5.1.4.1.1.77.1.",
                                secondaryCapture = "1.2.840.10008.5.1.4.1.1.7";
@@ -66,7 +66,7 @@ Json JsonOf(const PatientIdentity& person) {
     throw IdentityConflict(reason, table, json);
 }
 
-/// Returns true if two files can be of one person.
+/// Returns true if two identities can belong to one person.
 bool CanBeOne(const PatientIdentity& a, const PatientIdentity& b) {
     return EqualsIgnoringCase(a.patientID, b.patientID) && Contradictions(a, b).empty();
 }
@@ -116,7 +116,7 @@ void StoreFileName(const Ref<Connection>& con, Long image, const std::string& na
                      FixSqlString(sha256), "' WHERE ImageBildID = ", image));
 }
 
-/// Throws the `UserError` that names what is wrong with the series of an image which the file's series isn't.
+/// Throws the `UserError` for an image whose stored series is not the file's series; the message names the difference.
 [[noreturn]] void RefuseSeriesOf(const Ref<Connection>& con, const cImage& image, const RadiographFile& file) {
     if (image.seriesID == 0)
         throw UserError(fmt::format("image {} is this film, and its column Series_ID names no series", image.ID));
@@ -277,8 +277,8 @@ std::string SeriesImport::StoredNameOf(const RadiographFile& file, Long patient)
     return New<Class1>()->GetSubFolder(patient) + "\\" + file.sopInstanceUID + ".dcm";
 }
 
-/// Names the file and stores its image. An image that another program has stored meanwhile is compared; one
-/// whose row has lost the file's name gets that, and keeps all else.
+/// Names the file and stores its image. If another program has stored the image meanwhile, compares its file. If the
+/// stored row lacks the name of the file, writes the name and nothing else.
 void SeriesImport::StoreImage(const NewImage& fresh, Long patient, const cSerie& series, NamedFiles& names,
                               SeriesResult& result) {
     const Ref<cImage> image = ImageOf(con_, fresh.radiograph->file.sopInstanceUID);
@@ -295,8 +295,8 @@ void SeriesImport::StoreImage(const NewImage& fresh, Long patient, const cSerie&
     image->SaveEx(false, con_);
 }
 
-/// Notes what the files say about their person. Throws `IdentityConflict` where two of them disagree, unless
-/// the user has decided whose they are. Each two are compared: what one file lacks, the next may tell.
+/// Stores the identities that the files state. Throws `IdentityConflict` if two of them contradict each other, unless
+/// the user has decided whose files they are. Compares each pair of files, because a file may state what another lacks.
 void SeriesImport::RequireOnePerson(const std::vector<Radiograph>& files) {
     said_.clear();
     for (const auto& [path, file, noPicture] : files) {
@@ -392,8 +392,8 @@ Long SeriesImport::PatientOf(const RadiographFile& file, SeriesResult& result) {
     return *known;
 }
 
-/// Stores what the patient's row lacks and the files tell, so that the next file is compared with it. Nothing
-/// is taken from files of another identifier or of a person who contradicts the patient.
+/// Stores the data of the files that the patient's row lacks, so that the next file is compared with them. Ignores
+/// files of another identifier and of a person who contradicts the patient.
 void SeriesImport::Fill(Long number, SeriesResult& result) {
     PatientIdentity stored = IdentityOf(con_, *PatientOfRow(con_, number));
     if (!std::ranges::all_of(said_, [&](const auto& person) { return CanBeOne(stored, person); })) return;
@@ -427,7 +427,7 @@ Long SeriesImport::NewPatient(const RadiographFile& file, SeriesResult& result) 
     return patient->ID;
 }
 
-/// Tells of the patients whom nothing distinguishes from the one that was made.
+/// Reports the patients that have the same data as the new one.
 void SeriesImport::TellSamePerson(const PatientIdentity& made, SeriesResult& result) {
     for (const auto& patient : PatientsWithID(con_, made.patientID)) {
         const PatientIdentity stored = IdentityOf(con_, *patient);

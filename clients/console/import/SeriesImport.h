@@ -18,7 +18,7 @@ struct Radiograph {
     std::string noPicture;  ///< why its picture can't be drawn; empty if it can
 };
 
-/// What a person decided about the patient of all files of an import.
+/// The user's decision about the patient of all files of an import.
 struct PatientDecision {
     std::string patient;      ///< "#5" or an identifier: the files belong to this
                               ///< patient, whatever differs
@@ -35,10 +35,10 @@ public:
     nlohmann::ordered_json json;  ///< the same for scripts
 };
 
-/// The import was told to stop.
+/// Thrown after the user has stopped the import.
 class Stopped : public std::exception {};
 
-/// What storing a series came to.
+/// The result of storing a series.
 struct SeriesResult {
     std::size_t stored = 0, known = 0;
     std::size_t restored = 0;  ///< images whose file, or whose file's name, was

@@ -19,8 +19,8 @@ using namespace OXClass;
 
 constexpr std::string_view MarkerLine = "storage root of clinic ";
 
-/// The clinic that the marker names; empty if there is no marker. Throws `UserError` for a file of its name
-/// that names none: what it stood for isn't known, so it is neither taken nor replaced.
+/// Returns the identity of the clinic in a folder's marker file; empty if the folder has no marker. Throws `UserError`
+/// for a marker file without an identity. Such a file is not replaced, because the folder may belong to another clinic.
 std::string MarkedClinic(const fs::path& folder) {
     const fs::path marker = folder / RootMarker;
     std::error_code failure;

@@ -13,9 +13,10 @@ class StorageRoots {
 public:
     explicit StorageRoots(Ref<Connection> con) : con_(std::move(con)) {}
 
-    /// The folder of a root. A root of an older database, which has no marker, gets one if it holds an image
-    /// file that the database knows, or if the database knows none in it. Throws `UserError` for an unknown
-    /// root, a missing folder, a folder without the files that it should hold, and one of another clinic.
+    /// Returns the folder of a root. Writes the marker of this clinic into a folder of an older database without one,
+    /// if the folder contains an image file of the database, or if the database has no image file in it. Throws
+    /// `UserError` for an unknown root, a missing folder, a folder without the image files of its rows, and a folder of
+    /// another clinic.
     const std::filesystem::path& Folder(Platform::Long root);
 
     /// Checks a root as `Folder` does, and writes nothing.
@@ -28,7 +29,7 @@ public:
     /// folder that holds files of another clinic.
     void Create(const std::filesystem::path& folder);
 
-    /// What names the clinic in the markers; empty for a database that has no marked root yet.
+    /// Returns the identity of the clinic that the markers contain; empty for a database without a marked root.
     std::string StoredIdentity() const;
 
 private:

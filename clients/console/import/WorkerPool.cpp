@@ -20,7 +20,7 @@
 namespace Console {
 namespace {
 
-/// How a worker ends that has met a limit.
+/// The exit codes of a worker that has exceeded a limit or crashed.
 enum ExitCode { OutOfTime = 71, OutOfMemory = 72, Crashed = 73 };
 
 constexpr std::size_t RequestsAhead = 8;  // each worker has its next requests at hand

@@ -45,7 +45,7 @@ constexpr Reference References[] = {
 
 enum class Holds { Text, Number, Date };
 
-/// A column that the program needs, and that every row must hold.
+/// A column that the program reads, and that must have a valid value in every row.
 struct Needed {
     const char *what, *table, *key, *column;
     Holds holds;
@@ -79,7 +79,7 @@ constexpr Needed NeededColumns[] = {
     {"comment", "Comments_T", "CommentID", "commentString", Holds::Text},
 };
 
-/// What keeps a column of a row from being read as it must; null for a sound one.
+/// Returns the reason why a column of a row can't be read; null if it can.
 std::optional<Error> DamageOfColumn(const Ref<Recordset>& row, const Needed& needed) {
     try {
         switch (needed.holds) {
@@ -93,7 +93,7 @@ std::optional<Error> DamageOfColumn(const Ref<Recordset>& row, const Needed& nee
     }
 }
 
-/// "Ek, Anna, born 1980-01-31, sex F", without what is not known.
+/// Returns "Ek, Anna, born 1980-01-31, sex F"; omits what is unknown.
 std::string Said(const PatientIdentity& person) {
     const std::string born = DateText(person.birthDate);
     return person.Name() + (born.empty() ? "" : ", born " + born) + (person.sex.empty() ? "" : ", sex " + person.sex);

@@ -32,7 +32,7 @@ FileContent ContentOf(const WorkerPool::Answer& answer) {
 
 std::string TextOrEmpty(const ADODB::Field& field) { return field.IsNull() ? std::string() : field.As<std::string>(); }
 
-/// 0 also for what is no number; the check names such a row as damaged.
+/// Returns the number in a column; 0 also for a value that can't be converted. The check reports such a row as damaged.
 Platform::Long NumberOrZero(const ADODB::Field& field) {
     try {
         return field.IsNull() ? 0 : field.As<Platform::Long>();

@@ -4,9 +4,9 @@
 
 namespace Console {
 
-/// How a placed image is turned and mirrored, by the numbers that image files use for it (TIFF 6.0,
+/// The rotation and mirroring of a placed image, by the numbers that image files use for them (TIFF 6.0,
 /// "Orientation"): 1 as it was captured, 2 mirrored left to right, 3 turned by 180 degrees, 4 mirrored top to
-/// bottom, 5 to 8 the same with rows and columns exchanged. This program keeps them in `IAMirrRotStatus`.
+/// bottom, 5 to 8 the same with rows and columns exchanged. This program stores the number in `IAMirrRotStatus`.
 class Orientation {
 public:
     /// Any number but 1 to 8 counts as 1: nothing is known.
@@ -20,7 +20,7 @@ public:
     /// Mirrored left to right, before the turn.
     bool Mirrored() const noexcept { return mirrored_; }
 
-    /// The same, turned clockwise by a multiple of 90 degrees, or mirrored left to right as it is seen.
+    /// Return this orientation turned clockwise by a multiple of 90 degrees, or mirrored left to right as it is seen.
     Orientation Turned(int degrees) const;
     Orientation MirroredAsSeen() const;
 

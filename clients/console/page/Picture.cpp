@@ -67,13 +67,13 @@ Picture Turned(GdkPixbuf& pixels) {
     return {"image/png", std::string(bytes, size)};
 }
 
-/// The decoder fills what a cut JPEG file lacks with gray, without a word.
+/// Throws for a JPEG file that is cut short. The decoder reports no error for it and fills the missing part with gray.
 void RequireEnd(const std::string& jpeg) {
     const auto end = jpeg.rfind(JpegEnd);
     if (end == std::string::npos || end < jpeg.size() / 2) throw std::runtime_error("is cut short");
 }
 
-/// What a file is by its first bytes.
+/// The type of a file, from its first bytes.
 enum class Kind { Dicom, Jpeg, Png };
 
 Kind KindOf(std::istream& in) {

@@ -42,7 +42,7 @@ private:
                 limited(box.height) * height};
     }
 
-    /// The canvas, grown to what lies beyond its edges.
+    /// Returns the canvas, enlarged to include all that is outside of its edges.
     Rectangle Whole() const {
         double left = 0, top = 0, right = page_.width, bottom = page_.height;
         for (const PlacedPicture& placed : page_.pictures) {
@@ -99,8 +99,8 @@ private:
         return placed.caption + (placed.note.empty() ? "" : ", ") + placed.note;
     }
 
-    /// Where a picture lies around the middle of its box. One of known proportion fills what is computed
-    /// here, whatever its pixels; any other is fitted into the box by whoever draws.
+    /// Returns the attributes that place a picture around the middle of its box. A picture of known proportion fills a
+    /// rectangle that is computed here, independent of its pixels; the viewer fits any other picture into the box.
     static std::string PlaceOf(const Picture& picture, double width, double height) {
         const bool known = picture.proportion > 0;
         if (known && width > height * picture.proportion)

@@ -69,7 +69,7 @@ bool IsInitialOf(const std::string& a, const std::string& b) {
     return initial == Initial(b) && (a == initial || b == initial);
 }
 
-/// Takes the parts that both lists have out of both.
+/// Removes from both lists the parts that both have.
 void TakeOutEqualParts(Parts& a, Parts& b) {
     std::erase_if(a, [&](const std::string& part) {
         const auto same = std::ranges::find(b, part);
@@ -79,8 +79,8 @@ void TakeOutEqualParts(Parts& a, Parts& b) {
     });
 }
 
-/// Returns true if the given names can be one person's: each part of the shorter list is a part of the longer, whole
-/// or as an initial.
+/// Returns true if the given names can belong to one person: each part of the shorter list is a part of the longer one,
+/// as the whole name or as an initial.
 bool GivenNamesAgree(Parts a, Parts b) {
     if (a.size() > b.size()) std::swap(a, b);
     if (a.empty() || Concatenated(a) == Concatenated(b)) return true;
@@ -115,8 +115,8 @@ bool NamesAgree(const PatientIdentity& a, const PatientIdentity& b) {
     });
 }
 
-/// Completes a writing that has a family name or a given name only by one of `said` with the same; false if there is
-/// none.
+/// Completes a writing that has only a family name or only a given name, by a writing of `said` with the same name.
+/// Returns false if `said` has no such writing.
 bool CompleteName(NameWriting& writing, const PatientIdentity& said) {
     const Parts family = PartsOf(writing.family), given = PartsOf(writing.given);
     if (family.empty() == given.empty()) return false;

@@ -15,9 +15,9 @@ struct NameWriting {
     bool operator==(const NameWriting&) const = default;
 };
 
-/// What tells one person from another: what a file, a worklist entry or a patient's row says about it.
+/// The data that identify a person, from a file, a worklist entry or a patient's row.
 ///
-/// Every text is UTF-8 and may be empty, which means that the source says nothing. A plain value.
+/// Every text is UTF-8. An empty text means that the source does not contain it. A plain value.
 struct PatientIdentity {
     long number = 0;  ///< the patient's row; 0 for a person who isn't read from the database
     std::string patientID;
@@ -39,17 +39,17 @@ enum class IdentityField { PatientID, Issuer, Name, BirthDate, Sex };
 /// enumeration, `PatientID` excepted: the caller has compared it already.
 ///
 /// Names are compared without regard to letter case, accents, punctuation, blanks and the order of their
-/// parts. A missing middle name and an initial are no difference; a different family name is one. Of
-/// several writings one pair that agrees is enough. Issuers are compared without regard to case and outer
-/// blanks.
+/// parts. A missing middle name or an initial in place of a name does not count as a difference; another family name
+/// does. If there are several writings, one pair that agrees is enough. Issuers are compared without regard to case and
+/// outer blanks.
 std::vector<IdentityField> Contradictions(const PatientIdentity& a, const PatientIdentity& b);
 
 /// Returns true if name or birth date is known on both sides and agrees, and nothing contradicts it.
 bool Confirms(const PatientIdentity& a, const PatientIdentity& b);
 
-/// Takes over from `said` what `known` lacks: issuer, name, birth date and sex; a family name or a given name
-/// alone is completed by a name of `said` with the same. Returns the properties that were taken over. The two
-/// must not contradict each other, and must have the same identifier.
+/// Copies from `said` what `known` lacks: issuer, name, birth date and sex. A family name or a given name alone is
+/// completed by a name of `said` that contains it. Returns the properties that were copied. The two must not contradict
+/// each other, and must have the same identifier.
 std::vector<IdentityField> Complete(PatientIdentity& known, const PatientIdentity& said);
 
 /// Returns true if the family name is the only contradiction, and given name and birth date are known and agree: a
