@@ -28,7 +28,7 @@ TEST(ToothText, RecordsComeInTheTextsOrder) { EXPECT_THAT(Read("48,11,85,"), Ele
 
 TEST(ToothText, TheLastCommaMayBeMissing) { EXPECT_THAT(Read("11,21"), ElementsAre(11, 21)); }
 
-TEST(ToothText, WhatStandsBetweenTheRecordsDoesNotMatter) { EXPECT_THAT(Read("11;21 48x"), ElementsAre(11, 21, 48)); }
+TEST(ToothText, CharactersBetweenTheRecordsAreIgnored) { EXPECT_THAT(Read("11;21 48x"), ElementsAre(11, 21, 48)); }
 
 TEST(ToothText, BlanksSelectNothing) {
     EXPECT_THAT(Read(""), IsEmpty());

@@ -445,7 +445,7 @@ TEST_F(Description, TheOrderIsThatOfTheFullSet) {
     EXPECT_EQ(group->GetAsString(), "11,48,");
 }
 
-TEST_F(Description, AnEmptyCollectionGivesTheEmptyText) { EXPECT_EQ(group->GetAsString(), ""); }
+TEST_F(Description, AnEmptyCollectionReturnsTheEmptyText) { EXPECT_EQ(group->GetAsString(), ""); }
 
 TEST_F(Description, ACollectionThatLacksAToothFails) {
     group->InitCollection();

@@ -216,7 +216,7 @@ TEST(Invoke, WrongCallsGetTheStandardCodes) {
     EXPECT_EQ(Get(patient, "ID").Long(), 0);
 }
 
-TEST(Invoke, TellsWhichArgumentIsWrong) {
+TEST(Invoke, ReportsWhichArgumentIsWrong) {
     const Dispatch teeth = Create("OXClass.cTeeth");
     EXPECT_EQ(Invoke(teeth.Get(), "Add", DISPATCH_METHOD, {"no flag", "16"}).Wrong, 1U)
         << "the first argument stands last in the caller's list";

@@ -80,7 +80,7 @@ const OxConnectionEvents Telling{
     },
     [](void* context) { static_cast<Told*>(context)->released = true; }};
 
-TEST(Events, TellOfEachStatement) {
+TEST(Events, ReportEachStatement) {
     Told told;
     {
         const Dispatch connection = OpenedConnection();
@@ -159,7 +159,7 @@ TEST(Entries, EachFailureHasItsOwnRecord) {
 
 // ---- descriptions -----------------------------------------------------------------------------------
 
-TEST(Describe, TellsMembersArgumentsAndResults) {
+TEST(Describe, ReturnsMembersArgumentsAndResults) {
     const Json patient = Describe(Create("OXClass.cPatient").Get());
     EXPECT_EQ(patient["class"], "cPatient");
     Json load;
@@ -175,7 +175,7 @@ TEST(Describe, TellsMembersArgumentsAndResults) {
     EXPECT_EQ(OxDescribe(nullptr, nullptr), E_POINTER);
 }
 
-TEST(Classes, TellWhereEachComesFrom) {
+TEST(Classes, NameTheLibraryOfEach) {
     ClassNames();
     BSTR text = nullptr;
     ASSERT_EQ(OxClasses(&text), S_OK);

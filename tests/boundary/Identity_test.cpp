@@ -59,7 +59,7 @@ TEST(Identity, AMemberOfACollectionIsTheSameEachTime) {
     EXPECT_EQ(Get(teeth, "Item", {"k"}).Object().Get(), added.Get());
 }
 
-TEST(Identity, AReleasedCollectionEndsItsMembersUnlessSomebodyHoldsThem) {
+TEST(Identity, AReleasedCollectionDeletesItsMembersUnlessTheyAreReferenced) {
     Dispatch teeth = Create("OXClass.cTeeth");
     Dispatch held = Call(teeth, "Add", {true, "16"}).Object();
     Call(teeth, "Add", {true, "17"});
@@ -81,7 +81,7 @@ Value ValueOf(ForeignObject& stranger) {
     return value;
 }
 
-TEST(ForeignObject, IsKeptAndGivenBackAsItIs) {
+TEST(ForeignObject, IsStoredAndReturnedUnchanged) {
     ForeignObject stranger(true);
     {
         const Dispatch collection = Create("Collection");
@@ -91,7 +91,7 @@ TEST(ForeignObject, IsKeptAndGivenBackAsItIs) {
     EXPECT_EQ(stranger.references, 1U);
 }
 
-TEST(ForeignObject, IsNoObjectOfAClass) {
+TEST(ForeignObject, IsRejectedWhereAnObjectOfAClassIsRequired) {
     ForeignObject stranger(true);
     const Dispatch entry = Create("OXClass.cUniCard");
     const Outcome put = Invoke(entry.Get(), "Study", DISPATCH_PROPERTYPUTREF, {ValueOf(stranger)});
@@ -134,7 +134,7 @@ int NumberOf(VARIANT& tooth) {
     return Get(value.Object(), "TNumber").Integer();
 }
 
-TEST(Enumerator, GivesTheMembersInTheirOrder) {
+TEST(Enumerator, ReturnsTheMembersInTheirOrder) {
     const auto walk = WalkOf(ThreeTeeth());
     VARIANT two[2]{};
     ULONG fetched = 99;
@@ -228,7 +228,7 @@ TEST(Threads, OnlySevenClassesAreShared) {
     }).join();
 }
 
-TEST(Names, AnUnknownClassIsToldByItsName) {
+TEST(Names, AnUnknownClassIsReportedByItsName) {
     EXPECT_EQ(CreateCode("OXClass.cNobody"), static_cast<HRESULT>(0x800A01AD));
     EXPECT_EQ(Record(),
               "Runtime: ActiveX component can't create object: no class is registered as "

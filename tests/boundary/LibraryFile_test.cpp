@@ -56,7 +56,7 @@ TEST(ClassFactory, MakesANewObjectEachTime) {
     static_cast<IUnknown*>(second)->Release();
 }
 
-TEST(ClassFactory, GivesTheDualInterfaceByItsIdentity) {
+TEST(ClassFactory, ReturnsTheDualInterfaceByItsIdentifier) {
     void* patient = nullptr;
     ASSERT_EQ(
         PatientFactory()->CreateInstance(nullptr, Platform::GuidOf("3dc52b67-ccee-53fe-9017-dbfb547bb273"), &patient),

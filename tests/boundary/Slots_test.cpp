@@ -206,7 +206,7 @@ TEST(Slots, AFailureIsItsNumberWithARecord) {
     EXPECT_FALSE(got);
 }
 
-TEST(Slots, APlaceThatIsMissingIsToldBeforeAnythingRuns) {
+TEST(Slots, AMissingAddressIsReportedBeforeTheMemberRuns) {
     const Dispatch connection = OpenedConnection(), patient = Create("OXClass.cPatient");
     const SlotOf load = FindSlot(patient.Get(), "LoadOnPatientIDorPDBID", "operation");
     Text id("X");

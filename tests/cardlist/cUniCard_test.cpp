@@ -115,7 +115,7 @@ TEST_F(UniCard, StartsEmpty) {
     EXPECT_FALSE(entry->colImages);
 }
 
-TEST_F(UniCard, TheClientsObjectIsGivenBack) {
+TEST_F(UniCard, TheClientsObjectIsReturned) {
     const Ref<Object> own = New<Collection>();
     std::vector<Variant> arguments{Variant(own)};
     Invoke(*entry, "mvarImgLead", MemberKind::PutRef, arguments);
@@ -135,7 +135,7 @@ TEST_F(UniCard, ASeriesWinsOverACard) {
     EXPECT_EQ(entry->CardType(), ctseries);
 }
 
-TEST_F(UniCard, AStudyAloneIsNoKind) {
+TEST_F(UniCard, AStudyAloneHasNoKind) {
     entry->Study = New<cStudy>();
     entry->Study->dateTime = Date{5};
     EXPECT_EQ(entry->CardType(), ctUnknown);
@@ -298,7 +298,7 @@ TEST_F(UniCard, AnAbsentCardRaises) {
     EXPECT_TRUE(entry->colImages) << "made before";
 }
 
-TEST_F(UniCard, PlacedImagesThatCannotBeReadAreToldAndTheOldOnesAreNumbered) {
+TEST_F(UniCard, PlacedImagesThatCannotBeReadAreReportedAndTheOldOnesAreNumbered) {
     HoldCard();
     RunImage(11);
     RunPlaced(1, 11, 8);
@@ -457,7 +457,7 @@ TEST_F(UniCard, TheSeventhImageWithoutASlotIsTheSecondOfTheSecondRow) {
     EXPECT_THAT(PlaceAt(7), ElementsAre(0.2, 0.2, 0.19, 0.19));
 }
 
-TEST_F(UniCard, AFrameThatIsNoNumberFailsTheLoadBehindTheImagesBeforeIt) {
+TEST_F(UniCard, ANonNumericFrameFailsTheLoadAfterTheImagesBeforeIt) {
     HoldSeries();
     RunTemplate("400", "300");
     RunSlot(51, 1, 1);
@@ -469,7 +469,7 @@ TEST_F(UniCard, AFrameThatIsNoNumberFailsTheLoadBehindTheImagesBeforeIt) {
     EXPECT_EQ(entry->colImages->Count(), 3);
 }
 
-TEST_F(UniCard, AFrameThatIsNoNumberIsNotAskedForWhereThereIsNoSlot) {
+TEST_F(UniCard, ANonNumericFrameIsIgnoredIfTheLayoutHasNoSlot) {
     HoldSeries();
     RunTemplate("400", "300");
     RunImage(11, "'x'");

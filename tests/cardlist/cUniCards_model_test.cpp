@@ -375,7 +375,7 @@ private:
     const std::function<Date()> clock_ = TheHost().Now;
 };
 
-TEST_F(UniCardsModel, GivesTheSameListOnRandomDatabases) {
+TEST_F(UniCardsModel, ReturnsTheSameListOnRandomDatabases) {
     constexpr int rounds = 1000;
     const double tenMinutesAgo = DateFrom({2024, 5, 6, 12, 0, 0}).Days;
     int boxes = 0, orphans = 0, entries = 0, repeated = 0;

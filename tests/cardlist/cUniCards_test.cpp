@@ -154,7 +154,7 @@ TEST_F(UniCards, AMissingMemberRaises) {
 
 // ---- statements -----------------------------------------------------------------------------------
 
-TEST_F(UniCards, APatientWithNothingGivesTheKeyAndAnEmptyList) {
+TEST_F(UniCards, APatientWithoutEntriesSetsTheKeyAndAnEmptyList) {
     EXPECT_EQ(Load(), 7);
     EXPECT_EQ(list->Count(), 0);
     EXPECT_THAT(Sent(), ElementsAre(CardsOf("ANNA"), PatientOf("ANNA"), SeriesOf(7)));
@@ -263,7 +263,7 @@ TEST_F(UniCards, OtherPatientsStayOut) {
 
 // ---- a card's entry ---------------------------------------------------------------------------------
 
-TEST_F(UniCards, ACardTellsItsColumns) {
+TEST_F(UniCards, ACardReadsItsColumns) {
     RunCard(5, noon);
     Load();
     const Ref<cUniCard> entry = list->Item("IC5");
@@ -332,7 +332,7 @@ TEST_F(CanvasOfAnEntry, ReadsTheSameOnAMachineWithDecimalCommas) {
 
 // ---- a series' entry --------------------------------------------------------------------------------
 
-TEST_F(UniCards, ASeriesTellsItsColumns) {
+TEST_F(UniCards, ASeriesReadsItsColumns) {
     RunSeriesWithImage(5, noon, "orgServerID=9, Derived_BT=1");
     Load();
     const Ref<cUniCard> entry = list->Item("SE5");
@@ -362,7 +362,7 @@ TEST_F(UniCards, ASeriesEntryIsLight) {
     EXPECT_FALSE(entry->Template);
 }
 
-TEST_F(UniCards, ItsStudyTellsItsColumns) {
+TEST_F(UniCards, ItsStudyReadsItsColumns) {
     RunSeriesWithImage(5, noon);
     Load();
     const Ref<cStudy> study = list->Item("SE5")->Study;
@@ -940,13 +940,13 @@ TEST_F(UniCards, ALateBoundCallerMayLeaveKeyAndMemberOutAndFails) {
 
 // ---- failures -------------------------------------------------------------------------------------------
 
-TEST_F(UniCards, AnAbsentConnectionIsToldInATextBox) {
+TEST_F(UniCards, AnAbsentConnectionIsReportedInATextBox) {
     const TextBoxes boxes;
     EXPECT_EQ(list->GetICAndSEList4Patient(nullptr, "ANNA", 0), 0);
     EXPECT_THAT(boxes.shown, ElementsAre(Box("91", 0, DescriptionOf(91))));
 }
 
-TEST_F(UniCards, AClosedConnectionIsToldInATextBox) {
+TEST_F(UniCards, AClosedConnectionIsReportedInATextBox) {
     const Ref<Connection> closed = New<Connection>();
     const String description = FailureOf([&] { New<Recordset>()->Open("SELECT 1", closed); }).Description;
     const TextBoxes boxes;
@@ -955,7 +955,7 @@ TEST_F(UniCards, AClosedConnectionIsToldInATextBox) {
     EXPECT_EQ(closed->CursorLocation, 3);
 }
 
-TEST_F(UniCards, AQuoteInTheIdentifierIsToldInATextBox) {
+TEST_F(UniCards, AQuoteInTheIdentifierIsReportedInATextBox) {
     const TextBoxes boxes;
     EXPECT_EQ(Load("O'HARA"), 0);
     ASSERT_EQ(boxes.shown.size(), 1U);
@@ -965,26 +965,26 @@ TEST_F(UniCards, AQuoteInTheIdentifierIsToldInATextBox) {
     EXPECT_EQ(list->Count(), 0);
 }
 
-TEST_F(UniCards, MissingCardsAreToldInATextBox) {
+TEST_F(UniCards, MissingCardsAreReportedInATextBox) {
     Run("DROP TABLE ImageCard_T");
     RunSeriesWithImage(1, noon);
     LoadFails(Box("-2147217865", 0, FailureOf([&] { con->Execute(CardsOf("ANNA")); }).Description), 0);
     EXPECT_EQ(list->Count(), 0);
 }
 
-TEST_F(UniCards, MissingSeriesAreToldInATextBoxBehindThePatientsKey) {
+TEST_F(UniCards, MissingSeriesAreReportedInATextBoxAfterThePatientsKeyIsSet) {
     Run("DROP TABLE Series_T");
     RunCard(1, noon);
     LoadFails(Box("-2147217865", 6, FailureOf([&] { con->Execute(SeriesOf(7)); }).Description), 7);
     EXPECT_EQ(list->Count(), 0) << "the cards were read, but not merged";
 }
 
-TEST_F(UniCards, ANegativeHeightIsNoNumber) {
+TEST_F(UniCards, ANegativeHeightCannotBeRead) {
     RunCard(1, noon, "ICFullViewHeight=-600");
     LoadFails(Box("13", 2, DescriptionOf(13)), 0);
 }
 
-TEST_F(UniCards, ANegativePreviewIsNoNumberWhereItIsAskedFor) {
+TEST_F(UniCards, ANegativePreviewCannotBeReadIfItIsRequested) {
     RunCard(1, noon, "ICPreviewWidth=-1");
     RunCard(2, "2024-01-01 00:00:00", "ICFullViewWidth=0, ICPreviewWidth=-1");
     LoadFails(Box("13", 2, DescriptionOf(13)), 0);
@@ -1049,7 +1049,7 @@ TEST_F(UniCards, OrphansBeforeAFailedRowStayDeleted) {
     EXPECT_EQ(Ask("SELECT group_concat(Series_ID) FROM (SELECT Series_ID FROM Series_T ORDER BY 1)"), Variant("1,5"));
 }
 
-TEST_F(UniCards, AServerThatIsNoNumberFailsTheEntry) {
+TEST_F(UniCards, ANonNumericServerFailsTheEntry) {
     RunSeriesWithImage(3, noon, "orgServerID='x'");
     LoadFails(Box("13", 10, DescriptionOf(13)), 7);
 }
@@ -1059,7 +1059,7 @@ TEST_F(UniCards, ADateOfASeriesThatIsNoneFailsTheEntry) {
     LoadFails(Box("13", 10, DescriptionOf(13)), 7);
 }
 
-TEST_F(UniCards, AFlagThatIsNoNumberFailsBehindTheStudysKey) {
+TEST_F(UniCards, ANonNumericFlagFailsAfterTheStudysKeyIsSet) {
     RunSeriesWithImage(3, noon, "Derived_BT='x'");
     LoadFails(Box("13", 13, DescriptionOf(13)), 7);
 }

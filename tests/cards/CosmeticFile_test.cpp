@@ -21,7 +21,7 @@ TEST(CosmeticText, ThreeCharactersAreTheRootAndTheRestIsTheName) {
     EXPECT_EQ(Parts("123456"), "123|456");
 }
 
-TEST(CosmeticText, BlanksAreNoPartOfTheNumber) {
+TEST(CosmeticText, BlanksAreNotPartOfTheNumber) {
     EXPECT_EQ(Parts("  7a"), "7|a");
     EXPECT_EQ(Parts("7  a"), "7|a");
     EXPECT_EQ(Parts("1 2a"), "12|a");

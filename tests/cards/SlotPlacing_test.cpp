@@ -96,7 +96,7 @@ TEST_F(Placing, NothingButTheFourMeasuresChanges) {
     EXPECT_EQ(placed->IAMirrRotStatus, 0);
 }
 
-TEST_F(Placing, AMemberOfTheLayoutThatIsNoSlotRaises) {
+TEST_F(Placing, AMemberOfTheLayoutThatIsNotASlotRaises) {
     layout->TemplateAttributes->Add(New<cTemplate>());
     EXPECT_EQ(FailureOf([&] { SlotPlacing placing(*layout); }).Number, 13);
 }

@@ -168,7 +168,7 @@ TEST_F(Placed, UpdatesWithAnIdAboveZero) {
     EXPECT_EQ(Ask("SELECT IAContrast FROM ImageAttribute_T"), Variant(Long{55}));
 }
 
-TEST_F(Placed, AnUpdateOfAMissingRowIsNoFailure) {
+TEST_F(Placed, AnUpdateOfAMissingRowSucceeds) {
     placed->ID = 21;
     EXPECT_TRUE(placed->Save(con));
     EXPECT_THAT(StoredRows(), IsEmpty());
@@ -448,7 +448,7 @@ TEST_F(Steps, ASecondLoadDoublesThem) {
     EXPECT_EQ(StepAt(3)->StringParameter, "a");
 }
 
-TEST_F(Steps, ANullKeyEndsTheLoadWithoutAWord) {
+TEST_F(Steps, ANullKeyEndsTheLoadUnreported) {
     Run("CREATE TABLE Keyless AS SELECT * FROM ImageManipulation_T");
     Run("DROP TABLE ImageManipulation_T");
     Run("ALTER TABLE Keyless RENAME TO ImageManipulation_T");
@@ -459,27 +459,27 @@ TEST_F(Steps, ANullKeyEndsTheLoadWithoutAWord) {
     ExpectOnlyTheFirst();
 }
 
-TEST_F(Steps, ANullTypeEndsTheLoadWithoutAWord) {
+TEST_F(Steps, ANullTypeEndsTheLoadUnreported) {
     EXPECT_FALSE(LoadWithSecond("Type=NULL"));
     ExpectOnlyTheFirst();
 }
 
-TEST_F(Steps, ANullNumberEndsTheLoadWithoutAWord) {
+TEST_F(Steps, ANullNumberEndsTheLoadUnreported) {
     EXPECT_FALSE(LoadWithSecond("LongParameter=NULL"));
     ExpectOnlyTheFirst();
 }
 
-TEST_F(Steps, ANullTextEndsTheLoadWithoutAWord) {
+TEST_F(Steps, ANullTextEndsTheLoadUnreported) {
     EXPECT_FALSE(LoadWithSecond("StringParameter=NULL"));
     ExpectOnlyTheFirst();
 }
 
-TEST_F(Steps, ANumberBeyondThirtyTwoBitsEndsTheLoadWithoutAWord) {
+TEST_F(Steps, ANumberBeyondThirtyTwoBitsEndsTheLoadUnreported) {
     EXPECT_FALSE(LoadWithSecond("LongParameter=3000000000"));
     ExpectOnlyTheFirst();
 }
 
-TEST_F(Steps, AFailedOpenGivesFalseAndLeavesThoseThatAreThere) {
+TEST_F(Steps, AFailedOpenReturnsFalseAndKeepsTheMembers) {
     AddStep(ManRotate);
     Run("DROP TABLE ImageManipulation_T");
     EXPECT_FALSE(placed->LoadImageManipulations(con));
@@ -543,7 +543,7 @@ TEST_F(Steps, ALeadingBlankIsStoredAndReadsBackTrimmed) {
     EXPECT_EQ(StepAt(2)->StringParameter, "a");
 }
 
-TEST_F(Steps, AnApostropheLosesTheStoredOnesWithoutAWord) {
+TEST_F(Steps, AnApostropheLosesTheStoredOnesUnreported) {
     RunStep(6, "'old'");
     AddStep(ManRotate, "kept");
     AddStep(ManRotate, "it's");
@@ -573,7 +573,7 @@ TEST_F(Steps, TextsOfAnyScriptAndBackslashesAreStoredAsTheyAre) {
     EXPECT_THAT(StoredSteps(), ElementsAre("21:1:1:0:001\\切歯\\🦷.dcm"));
 }
 
-TEST_F(Steps, AMemberThatIsNoManipulationEndsTheSaveWithoutAWord) {
+TEST_F(Steps, AMemberThatIsNotAManipulationEndsTheSaveUnreported) {
     AddStep(ManRotate, "kept");
     placed->Manipulations->Add(New<Collection>());
     AddStep(ManRotate, "never reached");
@@ -619,7 +619,7 @@ TEST_F(Steps, AHandlerOfTheConnectionMayReplaceThemWhileTheyAreWritten) {
     EXPECT_THAT(StoredSteps(), ElementsAre("21:1:6:0:a", "21:2:6:0:b"));
 }
 
-TEST_F(Steps, ThoseBehindTheLastNumberAreLostWithoutAWord) {
+TEST_F(Steps, ThoseAfterTheLastNumberAreLostUnreported) {
     const Ref<cImageManipulation> step = AddStep(ManRotate);
     for (int more = 1; more <= 32767; ++more) placed->Manipulations->Add(step);
     con->BeginTrans();
@@ -768,13 +768,13 @@ TEST_F(Cosmetics, AReadOnlyFileStaysAndNothingIsRaised) {
     EXPECT_TRUE(There("root/0_/a.dcm"));
 }
 
-TEST_F(Cosmetics, AMissingFileIsNoFailure) {
+TEST_F(Cosmetics, AMissingFileIsIgnored) {
     Drop("0070_\\no such.dcm");
     Drop("007no folder\\a.dcm");
     EXPECT_TRUE(There("root/0_/a.dcm"));
 }
 
-TEST_F(Cosmetics, AFolderIsNoFile) {
+TEST_F(Cosmetics, AFolderIsNotDeleted) {
     fs::create_directories(root / "empty");
     Drop("007empty");
     EXPECT_TRUE(fs::is_directory(root / "empty"));
@@ -786,12 +786,12 @@ TEST_F(Cosmetics, ATextOfThreeCharactersNamesNoFile) {
     EXPECT_TRUE(There("root/top.dcm"));
 }
 
-TEST_F(Cosmetics, AMissingRootIsNoFailure) {
+TEST_F(Cosmetics, AMissingRootIsIgnored) {
     Drop("0080_\\a.dcm");
     EXPECT_TRUE(There("root/0_/a.dcm"));
 }
 
-TEST_F(Cosmetics, ARootWithoutADirectoryIsNoFailure) {
+TEST_F(Cosmetics, ARootWithoutADirectoryIsIgnored) {
     Run("UPDATE Root_T SET RootDirectory=NULL");
     Drop("0070_\\a.dcm");
     EXPECT_TRUE(There("root/0_/a.dcm"));
@@ -804,7 +804,7 @@ TEST_F(Cosmetics, ARootWithAnEmptyDirectoryReachesNoFile) {
     EXPECT_TRUE(There("root/top.dcm"));
 }
 
-TEST_F(Cosmetics, ATableOfRootsThatIsMissingIsNoFailure) {
+TEST_F(Cosmetics, AMissingTableOfRootsIsIgnored) {
     Run("DROP TABLE Root_T");
     Drop("0070_\\a.dcm");
     EXPECT_TRUE(There("root/0_/a.dcm"));
@@ -841,18 +841,18 @@ TEST_F(Cosmetics, RootNumberZeroIsTheActiveRoot) {
     EXPECT_FALSE(There("active/top.dcm"));
 }
 
-TEST_F(Cosmetics, WithoutAnActiveRootNumberZeroIsNoFailure) {
+TEST_F(Cosmetics, RootNumberZeroWithoutAnActiveRootIsIgnored) {
     Drop("000top.dcm");
     EXPECT_TRUE(There("root/top.dcm"));
 }
 
-TEST_F(Cosmetics, ARootNumberThatOverflowsIsNoFailure) {
+TEST_F(Cosmetics, ARootNumberThatOverflowsIsIgnored) {
     Drop("9E9top.dcm");
     EXPECT_TRUE(There("root/top.dcm"));
     EXPECT_EQ(Sent().size(), 2U) << "no root is looked up";
 }
 
-TEST_F(Cosmetics, ANegativeRootIsNoFailure) {
+TEST_F(Cosmetics, ANegativeRootIsIgnored) {
     RunRoot(-7, root.string());
     Drop("-07top.dcm");
     EXPECT_TRUE(There("root/top.dcm"));
@@ -898,7 +898,7 @@ TEST_F(Cosmetics, AFileIsFoundBelowARootThatIsALink) {
     EXPECT_FALSE(There("root/0_/a.dcm"));
 }
 
-TEST_F(Cosmetics, ALoopOfLinksIsNoFailure) {
+TEST_F(Cosmetics, ALoopOfLinksIsIgnored) {
     fs::create_symlink("loop", root / "loop");
     Drop("007loop");
     Drop("007loop\\a.dcm");

@@ -327,7 +327,7 @@ TEST_F(Card, ASizeInTheMiddleGoesToTheEvenNumber) {
     EXPECT_EQ(card->ICHeight, 4);
 }
 
-TEST_F(Card, ASmallSizeIsNoZeroThoughItReadsAsZero) {
+TEST_F(Card, ASmallSizeIsStoredAndIsReadAsZero) {
     EXPECT_EQ(Loaded("ICFullViewWidth=0.25, ICPreviewWidth=800")->ICWidth, 0);
 }
 
@@ -363,7 +363,7 @@ TEST_F(Card, PlacedImagesComeWithTheirManipulations) {
     EXPECT_EQ(To<Ref<cImageManipulation>>(placed->Manipulations->Item(1))->StringParameter, "a");
 }
 
-TEST_F(Card, PlacedImagesAreCountedAndStandUnderTheirKeys) {
+TEST_F(Card, PlacedImagesAreCountedAndHaveTheirKeys) {
     RunPlaced(21);
     RunPlaced(22);
     RunPlaced(23, "ImageCardID=8");
@@ -473,7 +473,7 @@ TEST_F(CardAtATime, ManipulationsThatCantBeReadEndNothing) {
     EXPECT_THAT(boxes.shown, IsEmpty());
 }
 
-TEST_F(CardAtATime, AFailedOpenIsToldAndLeavesTheOldCollection) {
+TEST_F(CardAtATime, AFailedOpenIsReportedAndKeepsTheOldCollection) {
     Run("DROP TABLE ImageAttribute_T");
     const Error expected = FailureOf([&] { con->Execute("SELECT * FROM ImageAttribute_T"); });
     const Ref<Collection> before = card->ImagecardAttributes;
@@ -600,7 +600,7 @@ TEST_F(Card, KeysOfOtherPatientsDoNotCount) {
     EXPECT_EQ(card->ICID, 5001);
 }
 
-TEST_F(Card, AnInsertGivesTheNewKeyToEveryPlacedImageAlsoToThoseItPassesOver) {
+TEST_F(Card, AnInsertStoresTheNewKeyInEveryPlacedImageAlsoInSkippedOnes) {
     Place(0);
     Place(40, 300);
     FillAll();
@@ -693,7 +693,7 @@ TEST_F(Card, OneLessThanTheLastNumberIsSaved) {
     EXPECT_EQ(Ask("SELECT IASequence FROM ImageAttribute_T"), Variant(Long{32766}));
 }
 
-TEST_F(Card, AMemberThatIsNoPlacedImageFailsTheSaveBehindThoseBeforeIt) {
+TEST_F(Card, AMemberThatIsNotAPlacedImageFailsTheSaveAfterThoseBeforeIt) {
     RunCard();
     card->ICID = 7;
     Place(40);

@@ -331,7 +331,7 @@ TEST_F(Template, AChangedTemplateWritesNumberZeroAndDrawsNone) {
     EXPECT_EQ(Ask("SELECT TCDicomId FROM TemplateCard_T"), Variant(Long{0}));
 }
 
-TEST_F(Template, OfTwoTemplatesOfOneNameTheNewRowGivesTheKey) {
+TEST_F(Template, OfTwoTemplatesOfOneNameTheNewRowHasTheKey) {
     FillAll();
     card->Save(con);
     const Ref<cTemplate> second = New<cTemplate>();
@@ -435,7 +435,7 @@ TEST_F(Template, NamesOfAnyScriptAndInjectionsAreStoredAsTheyAre) {
     }
 }
 
-TEST_F(Template, AMemberThatIsNoSlotFailsTheSave) {
+TEST_F(Template, AMemberThatIsNotASlotFailsTheSave) {
     RunRow();
     card->TCID = 7;
     card->TemplateAttributes->Add(New<cTemplate>());

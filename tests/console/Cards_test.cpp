@@ -75,7 +75,7 @@ TEST_F(Cards, ApprovedMeansEveryImageOfTheEntry) {
     EXPECT_THAT(Ok({"cards", "P-1.2.3"}), HasSubstr("here and on the server"));
 }
 
-TEST_F(Cards, TheListTellsHowManyOrphansItRemoved) {
+TEST_F(Cards, TheListReportsHowManyOrphansItRemoved) {
     Run("INSERT INTO Series_T (SeriesInstanceUID, Study_ID, SeriesDateTime) VALUES ('9.1', 1, '2001-01-01 "
         "10:00:00'), "
         "('9.2', 1, '2001-01-01 11:00:00')");
@@ -106,7 +106,7 @@ TEST_F(Cards, ASeriesIsStoredAsItHangs) {
     EXPECT_EQ(CountOf("\n", Ok({"series", "save-as-card", "1"})), 1U);
 }
 
-TEST_F(Cards, ImagesStandInAGridUnlessTheyArePlaced) {
+TEST_F(Cards, ImagesAreInAGridUnlessTheyArePlaced) {
     Ok({"card", "new", "P-1.2.3", "Control", "--canvas", "1200x800", "--description", "after a year"});
     Ok({"card", "add", "IC1", "4", "2"});
     Ok({"card", "add", "1", "3", "--at", "0.5,0.25", "--size", "0.4"});
@@ -161,7 +161,7 @@ TEST_F(Cards, RemovingTakesPlacedImagesOffTheCardAndNumbersTheRest) {
     EXPECT_THAT(Ok({"card", "show", "IC1"}), HasSubstr("No images yet"));
 }
 
-TEST_F(Cards, AWrongRequestIsToldInOneLineAndChangesNothing) {
+TEST_F(Cards, AWrongRequestIsReportedInOneLineAndChangesNothing) {
     Ok({"card", "new", "P-1.2.3", "Control"});
     Ok({"card", "add", "IC1", "1"});
     Run("INSERT INTO ImageBild_T (PatientID, ImageType, Approved, Brightness_INT, Contrast_INT, Invert_BT, "
@@ -315,7 +315,7 @@ TEST_F(Cards, EmptySlotsAreShownOnDemand) {
     EXPECT_EQ(CountOf("<image", Read(File("mouth.svg"))), 4U);
 }
 
-TEST_F(Cards, APictureThatIsGoneIsToldAndTheOthersAreDrawn) {
+TEST_F(Cards, AMissingPictureIsReportedAndTheOthersAreDrawn) {
     const std::string file = OkJson({"images"})[0]["file"];
     for (const auto& entry : fs::recursive_directory_iterator(folder.Path()))
         if (entry.path().filename() == file.substr(file.find('\\') + 1)) fs::remove(entry.path());

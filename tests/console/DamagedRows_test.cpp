@@ -409,7 +409,7 @@ TEST_F(DamagedRows, ACardIsShownUpToThePlacedImageThatCannotBeRead) {
                           "read: IAMirrRotStatus"));
 }
 
-TEST_F(DamagedRows, ManipulationsThatCannotBeStoredAreTold) {
+TEST_F(DamagedRows, ManipulationsThatCannotBeStoredAreReported) {
     Ok({"card", "new", "P-1.2.3", "A"});
     Ok({"card", "add", "IC1", "1"});
     Ok({"card", "move", "IC1", "1", "--turn", "90"});
@@ -550,7 +550,7 @@ TEST_F(OtherWorkstation, ItsRemovalOfAPatientLeavesNoCardBehind) {
 // ---- failures of the engine
 // --------------------------------------------------------------------------------------
 
-TEST_F(DamagedRows, ADamagedTableIsToldAsDamage) {
+TEST_F(DamagedRows, ADamagedTableIsReportedAsDamage) {
     TestKit::OverwriteRootPage(Database(), "Series_T");
     EXPECT_THAT(Refused({"hang", "1"}), HasSubstr("the database is damaged; restore it from a backup, or "
                                                   "save what can still be read with"));
@@ -590,7 +590,7 @@ protected:
     }
 };
 
-TEST_F(FullDisk, IsToldByEachCommandThatStores) {
+TEST_F(FullDisk, IsReportedByEachCommandThatStores) {
     Ok({"card", "new", "P-1.2.3", "A"});
     Ok({"card", "add", "IC1", "1"});
     TellsEach({"setting", "set", "DicomRootUID", "1.2.3"}, 6);

@@ -88,7 +88,7 @@ TEST_F(DatabaseFile, OneWhoseMarksAreInItsLogIsReadByThem) {
     sqlite3_close(writer);
 }
 
-TEST_F(DatabaseFile, WhatIsWrongWithItsNameIsTold) {
+TEST_F(DatabaseFile, AnInvalidNameIsReported) {
     fs::create_directories(folder.Path() / "other");
     const auto line = [&](const fs::path& file) { return Try({"--db", file, "patients"}).err; };
     EXPECT_THAT(line(folder.Path() / "no" / "clinic.db"),
@@ -190,7 +190,7 @@ TEST_F(Reader, RefusesAFileWhoseLogItMayNotRead) {
     EXPECT_THAT(told, HasSubstr("the files beside it and its folder, or copy them to a folder of yours"));
 }
 
-TEST_F(Reader, IsToldWhichRightIsMissing) {
+TEST_F(Reader, ReportsTheMissingRight) {
     Allow(0755, 0000);
     EXPECT_THAT(As({"patients"}), HasSubstr("can't be read (Permission denied); see that you may read it"));
     Allow(0000, 0644);

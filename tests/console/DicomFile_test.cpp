@@ -388,7 +388,7 @@ TEST_F(DicomFile, LateralityFallsBackOnTheSeries) {
 
 // ---------------------------------------------------------------------------------------------- refusals
 
-TEST_F(DicomFile, RefusesWhatIsNoFile) {
+TEST_F(DicomFile, RejectsANameThatIsNotAFile) {
     EXPECT_EQ(WhyNot(folder), "is a folder");
     EXPECT_EQ(WhyNot(folder / "none.dcm"), "cannot be read: No such file or directory");
     EXPECT_EQ(WhyNot(Holding("")), "the file is empty");
@@ -437,7 +437,7 @@ TEST_F(DicomFile, RefusesEveryFileThatEndsEarly) {
     EXPECT_EQ(WhyNot(Holding(bytes)), "");
 }
 
-TEST_F(DicomFile, TellsThatAFileIsCutShortInItsPixels) {
+TEST_F(DicomFile, ReportsAFileThatIsCutShortInItsPixels) {
     SetPixels(500, 500);
     const std::string bytes = SavedBytes();
     for (const std::size_t missing : {1u, 1000u, 200000u})

@@ -124,7 +124,7 @@ protected:
     TestKit::TemporaryFolder folder;
 };
 
-TEST_F(PictureOfFile, GrayValuesFillTheRangeWhereThereIsNoWindow) {
+TEST_F(PictureOfFile, GrayValuesFillTheRangeWithoutAWindow) {
     const Pixels pixels(RenderDicom(Write({100, 200, 300}), 1000).png);
     EXPECT_TRUE(pixels.gray);
     EXPECT_EQ(pixels.Gray(0, 0), 0);
@@ -146,7 +146,7 @@ TEST_F(PictureOfFile, TheFirstWindowOfTheFileIsItsWindow) {
     EXPECT_EQ(pixels.Gray(4, 0), 255);
 }
 
-TEST_F(PictureOfFile, LightStandsForDenseInEitherInterpretation) {
+TEST_F(PictureOfFile, DenseAreasAreLightInEitherInterpretation) {
     const Pixels pixels(RenderDicom(Write({0, 4095},
                                           [](DcmDataset& set) {
                                               set.putAndInsertString(DCM_PhotometricInterpretation, "MONOCHROME1");
@@ -199,7 +199,7 @@ TEST_F(PictureOfFile, ALargePictureIsMadeSmallerEvenly) {
     EXPECT_EQ(half.Height(), 20);
 }
 
-TEST_F(PictureOfFile, WhatIsNoPictureSaysWhy) {
+TEST_F(PictureOfFile, AFileWithoutAPictureReportsTheReason) {
     std::ofstream(folder.Path() / "text.dcm") << "no film";
     EXPECT_THAT(FailureOf(folder.Path() / "text.dcm"), Not(HasSubstr("none")));
     EXPECT_EQ(FailureOf(Write({0}, [](DcmDataset& set) { delete set.remove(DCM_PixelData); })), "has no pixels");
@@ -313,7 +313,7 @@ TEST_F(PictureOfFile, CompressedColourStaysColour) {
 
 // ---- shape and place --------------------------------------------------------------------------------
 
-TEST_F(PictureOfFile, PixelsThatAreNotSquareGiveThePictureItsProportion) {
+TEST_F(PictureOfFile, PixelsThatAreNotSquareDefineTheProportionOfThePicture) {
     struct Case {
         DcmTagKey tag;
         const char* value;
@@ -386,7 +386,7 @@ TEST_F(HeadFilm, StaysAsStoredWhereItsOrientationSaysNothing) {
 
 TEST_F(HeadFilm, AnIntraOralFilmStaysAsItHangs) { EXPECT_THAT(Corners("F\\P", "IO"), ElementsAre(1, 2, 3, 4)); }
 
-TEST_F(PictureOfFile, TheFirstOfSeveralFramesIsDrawnAndTheirNumberTold) {
+TEST_F(PictureOfFile, TheFirstOfSeveralFramesIsDrawnAndTheirNumberReported) {
     const auto picture = RenderDicom(Write({0, 50, 100, 100, 50, 0},
                                            [](DcmDataset& set) {
                                                set.putAndInsertUint16(DCM_Columns, 3);
@@ -462,7 +462,7 @@ TEST_F(PictureOfFile, Jpeg2000ThatItsDecoderOnlyWarnsOfIsRefused) {
                 HasSubstr("its JPEG 2000 pixels are damaged: While reading"));
 }
 
-TEST_F(PictureOfFile, AMarkerThatIsNotKnownIsNoDamage) {
+TEST_F(PictureOfFile, AnUnknownMarkerIsNotReportedAsDamage) {
     std::string codestream = Jpeg2000Of({0, 4095, 0, 2048, 100, 4095, 7, 0}, 8, 1, 1, 12);
     const std::size_t comment = codestream.find("\xFF\x64");
     ASSERT_NE(comment, std::string::npos);
@@ -496,7 +496,7 @@ TEST_F(PictureOfFile, AnyDamageOfAFileIsAPictureOrARefusal) {
     }
 }
 
-TEST_F(PictureOfFile, WhyThereIsNoPictureIsTold) {
+TEST_F(PictureOfFile, TheReasonForAMissingPictureIsReported) {
     EXPECT_EQ(WhyNoPicture(Write({1, 2})), "");
     EXPECT_EQ(WhyNoPicture(Write({1}, [](DcmDataset& set) { set.putAndInsertUint16(DCM_Rows, 2); })),
               "its pixels are cut short: fewer than its rows and columns need");

@@ -148,7 +148,7 @@ TEST(Drawing, LaterPicturesLieOnEarlierOnes) {
     EXPECT_EQ(Drawn(page).At(50, 50), Blue);
 }
 
-TEST(Drawing, WhatLiesBelowTheCanvasMakesItLonger) {
+TEST(Drawing, APictureBelowTheCanvasMakesTheDrawingLonger) {
     Page page = PageWith(PictureOf(1, {Red}));
     page.pictures[0].box = {0, 1, 0.5, 1};
     const Pixels pixels = Drawn(page);
@@ -156,7 +156,7 @@ TEST(Drawing, WhatLiesBelowTheCanvasMakesItLonger) {
     EXPECT_EQ(pixels.At(50, 150), Red);
 }
 
-TEST(Drawing, WhatLiesLeftOfTheCanvasMakesItWider) {
+TEST(Drawing, APictureLeftOfTheCanvasMakesTheDrawingWider) {
     Page page = PageWith(PictureOf(1, {Red}));
     page.pictures[0].box = {-0.5, 0, 0.5, 1};
     EXPECT_THAT(SvgOf(page, {}), HasSubstr("viewBox=\"-100 0 300 100\""));
@@ -164,7 +164,7 @@ TEST(Drawing, WhatLiesLeftOfTheCanvasMakesItWider) {
     EXPECT_EQ(Drawn(page).At(133, 33), Black);
 }
 
-TEST(Drawing, PlacesThatNoPageHasStillGiveADrawing) {
+TEST(Drawing, ImpossiblePlacesStillResultInADrawing) {
     Page page = PageWith(PictureOf(1, {Red}));
     page.pictures[0].box = {1e300, -1e300, 1e300, 1};
     EXPECT_EQ(Drawn(page).Width(), 200);
@@ -177,7 +177,7 @@ TEST(Drawing, ADrawingTooHighIsRefused) {
     EXPECT_THROW(Drawn(page), std::runtime_error);
 }
 
-TEST(Drawing, NumbersAndEmptySlotsStandThereOnDemand) {
+TEST(Drawing, NumbersAndEmptySlotsAreDrawnOnRequest) {
     Page page = PageWith(FourColours);
     page.empty.push_back({{0.5, 0, 0.5, 1}, 8, "Left <molars> & more"});
     const std::string plain = SvgOf(page, {});
@@ -209,7 +209,7 @@ TEST(Drawing, AnyTextIsXml) {
     EXPECT_EQ(Drawn(page).Width(), 200);
 }
 
-TEST(Drawing, WhatIsNoSvgIsRefused) {
+TEST(Drawing, ATextThatIsNotSvgIsRejected) {
     EXPECT_THROW(PngOfSvg("no drawing", 100), std::runtime_error);
     EXPECT_THROW(PngOfSvg("<svg xmlns=\"http://www.w3.org/2000/svg\"/>", 100), std::runtime_error);
 }

@@ -165,7 +165,7 @@ TEST_F(ImportIdentity, ALaterFileOfAKnownSeriesIsCompared) {
     EXPECT_EQ(Import({"--new-patient"}).code, 3) << "a study has one patient";
 }
 
-TEST_F(ImportIdentity, AConflictIsToldToScriptsToo) {
+TEST_F(ImportIdentity, AConflictIsReportedToScriptsToo) {
     Init();
     Film("2.25.1", Anna);
     ASSERT_EQ(Import().code, 0);
@@ -178,7 +178,7 @@ TEST_F(ImportIdentity, AConflictIsToldToScriptsToo) {
     EXPECT_EQ(told[0]["others"][0]["number"], 1);
 }
 
-TEST_F(ImportIdentity, OtherIdentifiersThatDoNotFitAreLeftOutWholeAndTold) {
+TEST_F(ImportIdentity, OtherIdentifiersThatDoNotFitAreOmittedAndReported) {
     Init();
     std::string many;
     for (int i = 100; i < 140; ++i) many += (many.empty() ? "" : "\\") + std::string("NUMBER") + std::to_string(i);
@@ -243,7 +243,7 @@ TEST_F(ImportIdentity, APatientWithoutNameTakesTheFirstNameAndRefusesTheSecond) 
     EXPECT_EQ(OkJson({"images"}).size(), 2U);
 }
 
-TEST_F(ImportIdentity, AFamilyNameAloneTakesTheGivenName) {
+TEST_F(ImportIdentity, AFamilyNameAloneIsCompletedByTheGivenName) {
     Init();
     Film("2.25.1", {"4711", "A", "Ek", "19800131", "F"});
     ASSERT_EQ(Import().code, 0);
@@ -254,7 +254,7 @@ TEST_F(ImportIdentity, AFamilyNameAloneTakesTheGivenName) {
     EXPECT_EQ(Import().code, 3);
 }
 
-TEST_F(ImportIdentity, AGivenNameAloneTakesTheFamilyName) {
+TEST_F(ImportIdentity, AGivenNameAloneIsCompletedByTheFamilyName) {
     Init();
     Film("2.25.1", {"4711", "A", "^Anna", "", "F"});
     ASSERT_EQ(Import().code, 0);
@@ -340,7 +340,7 @@ TEST_F(ImportIdentity, NewPatientsOfOneImportAreFilledToo) {
     EXPECT_EQ(OkJson({"patient", "#2"})["BirthDate"], "1955-05-05");
 }
 
-TEST_F(ImportIdentity, ASecondNewPatientOfTheSamePersonIsTold) {
+TEST_F(ImportIdentity, ASecondNewPatientOfTheSamePersonIsReported) {
     Init();
     Film("2.25.1", Anna);
     ASSERT_EQ(Import().code, 0);
@@ -354,7 +354,7 @@ TEST_F(ImportIdentity, ASecondNewPatientOfTheSamePersonIsTold) {
     EXPECT_THAT(Import({"--new-patient"}).err, ::testing::Not(HasSubstr("in every field")));
 }
 
-TEST_F(ImportIdentity, AnIdentifierAloneIsNotEnoughAndIsToldSo) {
+TEST_F(ImportIdentity, AnIdentifierAloneIsNotEnoughAndTheReasonIsReported) {
     const Result run = ImportBoth(Anna, {"4711", "", "", "", ""});
     EXPECT_EQ(run.code, 3);
     EXPECT_THAT(run.err, HasSubstr("there is not enough to tell whether"));

@@ -147,7 +147,7 @@ TEST_F(ImportTest, SequencesNestedDeeperThanAnyRadiographHasAreRefused) {
     EXPECT_THAT(run.out, HasSubstr("2 files: 1 new images stored"));
 }
 
-TEST_F(ImportTest, AFilmWhosePictureCannotBeDrawnIsStoredAndTold) {
+TEST_F(ImportTest, AFilmWhosePictureCannotBeDrawnIsStoredAndReported) {
     Init();
     Write("2.25.5", 1, FullMouth18[7], [](DcmDataset& set) {
         set.putAndInsertString(DCM_PhotometricInterpretation, "YBR_PARTIAL_420");
@@ -257,7 +257,7 @@ TEST_F(DiscTest, ObjectsWithoutPictureAreCountedInOneLine) {
     EXPECT_THAT(Import().err, HasSubstr("2.25.6-101.dcm: not imported: no pixel data")) << "a kind that has pixels";
 }
 
-TEST_F(ImportTest, PicturesOfVisibleLightAreNoFilms) {
+TEST_F(ImportTest, PicturesOfVisibleLightAreNotFilms) {
     Init();
     struct Kind {
         const char *sopClass, *modality, *pixels;
@@ -293,7 +293,7 @@ TEST_F(ImportTest, PicturesOfVisibleLightAreNoFilms) {
     }
 }
 
-TEST_F(ImportTest, AFailureOfTheDatabaseIsToldInPlainWords) {
+TEST_F(ImportTest, AFailureOfTheDatabaseIsReportedInPlainWords) {
     Init();
     WriteSeries("2.25.5", {FullMouth18[7]});
     Ok({"import", Films()});

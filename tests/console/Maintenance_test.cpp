@@ -150,7 +150,7 @@ TEST_F(Maintenance, AnAlteredFileNeverReplacesItsGoodCopy) {
     EXPECT_TRUE(fs::exists(other / "images" / "0_" / "2.25.5.2.dcm"));
 }
 
-TEST_F(Maintenance, WhatCannotBeBackedUpIsTold) {
+TEST_F(Maintenance, FilesThatCannotBeBackedUpAreReported) {
     std::ofstream(Stored("2.25.5.1.dcm")) << "overwritten";
     const Result run = Try({"--db", Database(), "backup", Backup()});
     EXPECT_EQ(run.code, 3);
@@ -213,7 +213,7 @@ TEST_F(Maintenance, LeftoversOfKilledBackupsAndRestoresAreRemovedByTheNext) {
     for (const fs::path& place : left) EXPECT_FALSE(fs::exists(place)) << place;
 }
 
-TEST_F(Maintenance, ABackupWhoseDatabaseIsCutShortIsToldAsSuch) {
+TEST_F(Maintenance, ABackupWhoseDatabaseIsCutShortIsReportedAsSuch) {
     Ok({"backup", Backup()});
     const fs::path database = fs::path(Backup()) / "clinic.db", other = folder.Path() / "other";
     fs::create_directories(other);

@@ -31,7 +31,7 @@ TEST_F(Registration, MakesTheClassesKnownAndTakesThemOutAgain) {
     EXPECT_NE(Ok({"classes"}).find("No classes are registered"), std::string::npos);
 }
 
-TEST_F(Registration, ADamagedFileIsToldAndStays) {
+TEST_F(Registration, ADamagedFileIsReportedAndUnchanged) {
     std::filesystem::create_directories(File().parent_path());
     std::ofstream(File()) << "not a registry";
     for (const auto& command :
@@ -75,7 +75,7 @@ TEST_F(Registration, AFileOfTheCurrentFolderIsNamedAlone) {
     EXPECT_EQ(OkJson({"classes"})[0]["library"], std::filesystem::canonical(LIBRARY).string());
 }
 
-TEST_F(Registration, ALibraryThatIsNoneIsTold) {
+TEST_F(Registration, AFileThatIsNotALibraryIsReported) {
     const auto missing = Try({"register", (folder.Path() / "nothing.so").string()});
     EXPECT_EQ(missing.code, 1);
     EXPECT_NE(missing.err.find("nothing.so"), std::string::npos) << missing.err;

@@ -88,7 +88,7 @@ TEST_F(Staff, TheFirstClinicComesBehindTheHeadOffice) {
     EXPECT_EQ(OkJson({"clinics"})[0]["name"], "__HQ");
 }
 
-TEST_F(Staff, AWrongRequestIsToldInOneLine) {
+TEST_F(Staff, AWrongRequestIsReportedInOneLine) {
     Ok({"doctor", "new", "DrLastName=Ek"});
     EXPECT_THAT(UserError({"doctor", "show", "7"}), HasSubstr("there is no doctor 7"));
     EXPECT_THAT(UserError({"doctor", "set", "1", "DrShoe=44"}), HasSubstr("a doctor has no field \"DrShoe\""));

@@ -312,7 +312,7 @@ TEST_F(StagingTest, LinkedFoldersAreFollowedOnce) {
     EXPECT_THAT(NamesOf(FindFiles({films.string()})), ElementsAre("a.dcm", "b.dcm"));
 }
 
-TEST_F(StagingTest, ADicomdirStandsForItsFolderAndALinkToNothingIsTold) {
+TEST_F(StagingTest, ADicomdirSelectsItsFolderAndABrokenLinkIsReported) {
     const fs::path disc = folder.Path() / "disc";
     fs::create_directories(disc / "IMAGES");
     Put(disc / "DICOMDIR", "x");

@@ -210,7 +210,7 @@ TEST_F(Worklist, AKnownPatientWhoCannotBeReadIsNotTakenForANewOne) {
     EXPECT_EQ(OkJson({"patients"})[0]["last_name"], "Ek");
 }
 
-TEST_F(Worklist, IdentifiersThatDoNotFitAreLeftOutWholeAndTold) {
+TEST_F(Worklist, IdentifiersThatDoNotFitAreOmittedAndReported) {
     Init();
     WriteItem("a.wl", "P1", "20260201", [](DcmDataset& set) {
         std::string many;
@@ -234,7 +234,7 @@ TEST_F(Worklist, TwoPatientsOfOneIdentifierAreNotMadeOne) {
     EXPECT_EQ(OkJson({"patients", "Second"}).size(), 1U);
 }
 
-TEST_F(Worklist, AFileThatIsNoItemIsToldAndTheOthersAreListed) {
+TEST_F(Worklist, AFileThatIsNotAnItemIsReportedAndTheOthersAreListed) {
     WriteItem("a.wl", "P1", "20260201");
     WriteItem("b.wl", "P2", "20260202", [](DcmDataset& set) { delete set.remove(DCM_ScheduledProcedureStepSequence); });
     WriteItem("c.wl", "", "20260203", [](DcmDataset& set) { delete set.remove(DCM_PatientName); });
@@ -356,7 +356,7 @@ TEST_F(Worklist, ADayWithTwoReadingsIsRefused) {
     EXPECT_THAT(run.err, HasSubstr("2026-03-05 or as 2026-05-03"));
 }
 
-TEST_F(Worklist, WhatIsNoWorklistSaysSo) {
+TEST_F(Worklist, AFileThatIsNotAWorklistIsReported) {
     const auto told = [&](const std::vector<std::string>& arguments) {
         const Result run = Try(arguments);
         EXPECT_EQ(run.code, 1);
@@ -419,7 +419,7 @@ TEST_F(WorklistServer, APatientIsRegisteredFromAServersAnswer) {
     EXPECT_EQ(OkJson({"patient", "P1"})["LastName"], "Åkesson");
 }
 
-TEST_F(WorklistServer, ARefusalIsToldInOneLine) {
+TEST_F(WorklistServer, ARejectionIsReportedInOneLine) {
     WriteItem("a.wl", "P1", "20260201");
     Serve();
     const Result run = Try({"worklist", Address("NOBODY")});
@@ -428,7 +428,7 @@ TEST_F(WorklistServer, ARefusalIsToldInOneLine) {
                            ": its AE title isn't NOBODY; write the right one before the @\n");
 }
 
-TEST_F(WorklistServer, AServerThatIsNotThereIsToldInOneLine) {
+TEST_F(WorklistServer, AnUnreachableServerIsReportedInOneLine) {
     const Result run = Try({"worklist", Address()});
     EXPECT_EQ(run.code, 1);
     EXPECT_THAT(run.err, HasSubstr("no worklist from " + Address() + ": "));
@@ -496,7 +496,7 @@ protected:
     std::thread speaking;
 };
 
-TEST_F(OddServer, BrokenDataSetsAreToldInOneLineAndTheOthersListed) {
+TEST_F(OddServer, BrokenDataSetsAreReportedInOneLineAndTheOthersListed) {
     Answer({[](DcmDataset& set) { FillItem(set, "P1", "20260201"); },
             [](DcmDataset& set) { set.putAndInsertString(DCM_PatientID, "P2"); },
             [](DcmDataset& set) { set.putAndInsertString(DCM_Modality, "nonsense"); }});
@@ -549,7 +549,7 @@ TEST_F(OddServer, OnlyTheStepsThatWereAskedForAreListed) {
     EXPECT_EQ(list[0]["date"], "2026-02-01");
 }
 
-TEST_F(OddServer, AFailureThatItReportsIsToldInOneLine) {
+TEST_F(OddServer, AFailureThatItReportsIsShownInOneLine) {
     Answer({}, STATUS_FIND_Refused_OutOfResources);
     const Result run = Try({"worklist", Address()});
     EXPECT_EQ(run.code, 1);
@@ -557,7 +557,7 @@ TEST_F(OddServer, AFailureThatItReportsIsToldInOneLine) {
     EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1);
 }
 
-TEST_F(OddServer, WhatIsNoDicomServerIsToldInOneLine) {
+TEST_F(OddServer, AServerThatIsNotADicomServerIsReportedInOneLine) {
     const int listening = socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in address{};
     address.sin_family = AF_INET;
@@ -587,7 +587,7 @@ TEST_F(OddServer, MoreAnswersThanAllowedAreNotTaken) {
     EXPECT_THAT(run.err, HasSubstr("has more than 2 entries"));
 }
 
-TEST_F(OddServer, NamesInAnUnknownCharacterSetAreTold) {
+TEST_F(OddServer, NamesInAnUnknownCharacterSetAreReported) {
     Answer({[](DcmDataset& set) {
         FillItem(set, "P1", "20260201");
         delete set.remove(DCM_SpecificCharacterSet);
@@ -646,7 +646,7 @@ TEST_F(RawServer, AQueryEndsAfterItsTimeHoweverSlowlyTheServerAnswers) {
     EXPECT_THAT(run.err, HasSubstr("it didn't finish its answer within 1 seconds"));
 }
 
-TEST_F(RawServer, AConnectionThatIsCutIsToldAsSuch) {
+TEST_F(RawServer, AConnectionThatIsCutIsReportedAsSuch) {
     Listen([](int s) {
         char bytes[64];
         static_cast<void>(recv(s, bytes, sizeof bytes, 0));
@@ -657,7 +657,7 @@ TEST_F(RawServer, AConnectionThatIsCutIsToldAsSuch) {
     EXPECT_THAT(run.err, HasSubstr("it cut the connection"));
 }
 
-TEST_F(RawServer, AServerThatSpeaksNoTlsIsToldAsSuch) {
+TEST_F(RawServer, AServerWithoutTlsIsReportedAsSuch) {
     Listen([](int s) {
         char bytes[64];
         static_cast<void>(recv(s, bytes, sizeof bytes, 0));
@@ -670,7 +670,7 @@ TEST_F(RawServer, AServerThatSpeaksNoTlsIsToldAsSuch) {
                   ": what answers there doesn't speak TLS; look at the port, or ask without --tls\n");
 }
 
-TEST_F(RawServer, AServerThatCutsAnEncryptedConnectionIsToldAsSuch) {
+TEST_F(RawServer, AServerThatCutsAnEncryptedConnectionIsReportedAsSuch) {
     Listen([](int s) {
         char bytes[64];
         static_cast<void>(recv(s, bytes, sizeof bytes, 0));
@@ -680,7 +680,7 @@ TEST_F(RawServer, AServerThatCutsAnEncryptedConnectionIsToldAsSuch) {
                 HasSubstr("it cut the connection; does it speak TLS at this port?"));
 }
 
-TEST_F(RawServer, AServerThatSaysNothingIsToldAsSuch) {
+TEST_F(RawServer, ASilentServerIsReportedAsSuch) {
     Listen([](int s) {
         char bytes[64];
         while (recv(s, bytes, sizeof bytes, 0) > 0) continue;
@@ -721,7 +721,7 @@ TEST_F(WorklistServer, AnEncryptedServerIsAskedIfItsCertificateIsTrusted) {
     waitpid(proxy, nullptr, 0);
 }
 
-TEST_F(Worklist, AModalityThatDicomDoesNotHaveIsTold) {
+TEST_F(Worklist, AnUnknownModalityIsReported) {
     const Result run = Try({"worklist", Folder(), "--modality", "intraoral"});
     EXPECT_EQ(run.code, 1);
     EXPECT_THAT(run.err, HasSubstr("\"intraoral\" is not a modality"));

@@ -53,7 +53,7 @@ TEST_F(Services, AnyStatusOtherThanZeroIsActive) {
     EXPECT_THAT(Roots(), ElementsAre("b", "a"));
 }
 
-TEST_F(Services, WithoutAConnectionThereAreNoRoots) {
+TEST_F(Services, RootsWithoutAConnectionAreEmpty) {
     services->ActiveRootID = 9;
     EXPECT_EQ(services->GetRoots(nullptr), Variant());
     EXPECT_EQ(services->ActiveRootID, 9);
@@ -162,7 +162,7 @@ TEST_F(Services, TheCachedActiveRootStaysUntilTheCacheIsFlushed) {
     EXPECT_EQ(Sent().size(), 2U);
 }
 
-TEST_F(Services, AFlushWithoutAConnectionGivesTheEmptyTextAndEmptiesTheCache) {
+TEST_F(Services, AFlushWithoutAConnectionReturnsTheEmptyTextAndEmptiesTheCache) {
     RunRoots();
     Cached(0);
     Cached(1);
@@ -221,7 +221,7 @@ TEST_F(Services, TheLastFolderOverflows) {
 
 // ---- settings -------------------------------------------------------------------------------------
 
-TEST_F(Services, AnEmptyRootListGivesTheDefaultRootAndFalse) {
+TEST_F(Services, AnEmptyRootListReturnsTheDefaultRootAndFalse) {
     String first = "old";
     Ref<cGlobalLists> all;
     EXPECT_FALSE(services->GetGLSetting(con, gglID_DicomRootUID, first, all));
@@ -231,7 +231,7 @@ TEST_F(Services, AnEmptyRootListGivesTheDefaultRootAndFalse) {
     EXPECT_THAT(Sent(), ElementsAre("SELECT * FROM GlobalList_T WHERE ListID=4;"));
 }
 
-TEST_F(Services, AnyOtherEmptyListGivesTheEmptyTextAndFalse) {
+TEST_F(Services, AnyOtherEmptyListReturnsTheEmptyTextAndFalse) {
     for (const Long number : {1, 3, 5, 22, 999}) {
         String first = "old";
         Ref<cGlobalLists> all;
@@ -240,7 +240,7 @@ TEST_F(Services, AnyOtherEmptyListGivesTheEmptyTextAndFalse) {
     }
 }
 
-TEST_F(Services, AListGivesItsFirstTextAndReplacesTheCallersCollection) {
+TEST_F(Services, AListReturnsItsFirstTextAndReplacesTheCallersCollection) {
     Run("INSERT INTO GlobalList_T (ListID, ListText) VALUES (6, 'jpg'), (6, 'png')");
     const Ref<cGlobalLists> mine = New<cGlobalLists>();
     mine->Add();

@@ -56,7 +56,7 @@ TEST_F(Identifiers, WithTheDefaultRootAnIdentifierIsTheRootADotAndFortyOneDigits
     EXPECT_EQ(uid.size(), 60U);
 }
 
-TEST_F(Identifiers, EveryPieceStandsInItsPlace) {
+TEST_F(Identifiers, EveryPieceHasItsPosition) {
     Fix(0x01DA6E2BFFFF0001U, 0xFFFE1234U, 0x56780007U);
     Rnd(-1.0F);
     Randomize();
@@ -170,7 +170,7 @@ TEST_F(LongRoot, ARootOf62CharactersLeavesOneDigit) {
     EXPECT_EQ(Suffixed(root), root + "." + LastDigits(1));
 }
 
-TEST_F(LongRoot, ARootOf63CharactersGivesTheRootAndADot) {
+TEST_F(LongRoot, ARootOf63CharactersReturnsTheRootAndADot) {
     const String root(63, '1');
     EXPECT_EQ(Suffixed(root), root + ".");
 }

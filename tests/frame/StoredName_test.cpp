@@ -57,7 +57,7 @@ TEST_F(NameBelowARoot, ARootMayEndInASeparator) {
     EXPECT_TRUE(fs::is_regular_file(file)) << file;
 }
 
-TEST_F(NameBelowARoot, ARootMayStandRelativeToTheProgram) {
+TEST_F(NameBelowARoot, ARootMayBeARelativePath) {
     const fs::path before = fs::current_path();
     fs::current_path(folder.Path());
     EXPECT_EQ(FileBelow("root", "0_\\a.dcm"), "root/0_/a.dcm");
@@ -133,7 +133,7 @@ TEST_F(NameBelowARoot, ANameOfAnyScriptIsFound) {
     }
 }
 
-TEST_F(NameBelowARoot, BytesThatAreNoTextAreTakenAsTheyAre) { EXPECT_EQ(File("\xFF\xFE.dcm"), Path("\xFF\xFE.dcm")); }
+TEST_F(NameBelowARoot, BytesThatAreNotUtf8AreKeptUnchanged) { EXPECT_EQ(File("\xFF\xFE.dcm"), Path("\xFF\xFE.dcm")); }
 
 TEST_F(NameBelowARoot, ANameLongerThanTheSystemTakesHasNoFile) {
     EXPECT_EQ(File(String(300, 'a')), "");

@@ -21,9 +21,9 @@ constexpr Integer zero = 0;
 
 TEST(FixSqlStringText, ANameWithAQuoteGetsItDoubled) { EXPECT_EQ(FixSqlString("O'Hara").Text(), "O''Hara"); }
 
-TEST(FixSqlStringText, ASingleQuoteGivesTwo) { EXPECT_EQ(FixSqlString("'").Text(), "''"); }
+TEST(FixSqlStringText, ASingleQuoteIsDoubled) { EXPECT_EQ(FixSqlString("'").Text(), "''"); }
 
-TEST(FixSqlStringText, TwoQuotesInARowGiveFour) { EXPECT_EQ(FixSqlString("''").Text(), "''''"); }
+TEST(FixSqlStringText, TwoQuotesInARowBecomeFour) { EXPECT_EQ(FixSqlString("''").Text(), "''''"); }
 
 TEST(FixSqlStringText, TheEmptyTextStaysEmpty) { EXPECT_EQ(FixSqlString("").Text(), ""); }
 
@@ -56,7 +56,7 @@ TEST(FixSqlStringText, UpperCaseLeavesAnEscapedTextEscaped) {
 
 TEST(NzValueOf, ANullIsTheInteger0) { EXPECT_EQ(NzValue(Null{}), Variant(zero)); }
 
-TEST(NzValueOf, ANullGivesATextMemberTheText0) { EXPECT_EQ(To<String>(NzValue(Null{})), "0"); }
+TEST(NzValueOf, ANullSetsATextMemberTo0) { EXPECT_EQ(To<String>(NzValue(Null{})), "0"); }
 
 TEST(NzValueOf, WhatWasNeverAssignedIsTheInteger0) { EXPECT_EQ(NzValue({}), Variant(zero)); }
 

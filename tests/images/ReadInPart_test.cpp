@@ -75,7 +75,7 @@ TEST_F(ReadInPart, AColumnThatTheRecordLacksIsNamed) {
     EXPECT_EQ(image->LoadCompletion().Failure().Number, ADODB::adErrItemNotFound);
 }
 
-TEST_F(ReadInPart, ATableThatLacksAColumnIsNoMissingImage) {
+TEST_F(ReadInPart, ATableThatLacksAColumnIsNotReportedAsAMissingImage) {
     Store(1);
     Run("ALTER TABLE ImageBild_T DROP COLUMN Gamma_INT");
     const Ref<cImage> image = New<cImage>();
@@ -93,7 +93,7 @@ TEST_F(ReadInPart, ACompleteReadingBehindAPartialOneIsComplete) {
     EXPECT_TRUE(image->LoadCompletion().Complete());
 }
 
-TEST_F(ReadInPart, ALoadTellsTheRowsThatItCouldNotReadWhole) {
+TEST_F(ReadInPart, ALoadReportsTheRowsThatItCouldNotReadCompletely) {
     Store(1);
     Store(2, "SubType_INT='x'");
     Store(3, "Brightness_INT=NULL");

@@ -94,7 +94,7 @@ TEST(CommentList, RemoveClosesUp) {
     EXPECT_EQ(FailureOf([&] { comments->Remove("key c"); }).Number, 5);
 }
 
-TEST(CommentList, NewEnumWalksTheMembersInOrder) {
+TEST(CommentList, NewEnumVisitsTheMembersInOrder) {
     const Ref<cComments> comments = New<cComments>();
     for (const char* text : {"a", "b"}) comments->Add(text, 1, Day(1), "s");
     const Ref<Enumerator> walk = comments->NewEnum();
@@ -166,7 +166,7 @@ TEST(AddComment, SetsTheCommentAndTakesTheImagesIdentifier) {
     EXPECT_TRUE(comment->bSaved);
 }
 
-TEST(AddComment, OnAnImageWithoutARowGivesIdentifierZero) {
+TEST(AddComment, OnAnImageWithoutARowHasIdentifierZero) {
     const Ref<cImage> image = New<cImage>();
     image->addComment("new", "a", Day(1), false);
     EXPECT_EQ(image->Comments()->Item(Long{1})->ID, 0);
@@ -263,7 +263,7 @@ TEST_F(GetComments, ReadsAllFieldsAndMarksThemSaved) {
     EXPECT_TRUE(comment->bSaved);
 }
 
-TEST_F(GetComments, TwiceGivesEachCommentOnceAndAsksOnce) {
+TEST_F(GetComments, TwiceReturnsEachCommentOnceAndReadsOnce) {
     Store("'2024-03-01 08:00:00'", "'a'");
     image->GetComments(con);
     image->GetComments(con);
@@ -271,7 +271,7 @@ TEST_F(GetComments, TwiceGivesEachCommentOnceAndAsksOnce) {
     EXPECT_EQ(Sent().size(), 1U);
 }
 
-TEST_F(GetComments, GivesTheNewestFirst) {
+TEST_F(GetComments, ReturnsTheNewestFirst) {
     Store("'2024-03-02 00:00:00'", "'two'");
     Store("'2024-03-01 00:00:00'", "'one'");
     Store("'2024-03-03 00:00:00'", "'three'");
@@ -281,7 +281,7 @@ TEST_F(GetComments, GivesTheNewestFirst) {
     EXPECT_EQ(image->Comments()->Item(Long{3})->str, "one");
 }
 
-TEST_F(GetComments, OfTwoRowsOfOneDateTheLaterStandsInFront) {
+TEST_F(GetComments, OfTwoRowsOfOneDateReturnsTheLaterFirst) {
     Store("'2024-03-01 00:00:00'", "'earlier row'");
     Store("'2024-03-01 00:00:00'", "'later row'");
     image->GetComments(con);

@@ -34,7 +34,7 @@ TEST(DeriveLaterality, EachQuadrantHasItsSide) {
             EXPECT_EQ(LateralityOf(CStr(quadrant * 10 + place) + ","), "L") << quadrant << place;
 }
 
-TEST(DeriveLaterality, BothSidesGiveB) {
+TEST(DeriveLaterality, BothSidesReturnB) {
     EXPECT_EQ(LateralityOf("11,21,"), "B");
     EXPECT_EQ(LateralityOf("31,41,"), "B");
     EXPECT_EQ(LateralityOf("55,65,"), "B");
@@ -50,7 +50,7 @@ TEST(DeriveAnaRegion, EachQuadrantHasItsJaw) {
             EXPECT_EQ(RegionOf(CStr(quadrant * 10 + place) + ","), "T-11180") << quadrant << place;
 }
 
-TEST(DeriveAnaRegion, BothJawsGiveTheirCode) {
+TEST(DeriveAnaRegion, BothJawsReturnTheirCode) {
     EXPECT_EQ(RegionOf("16,46,"), "T-D1213");
     EXPECT_EQ(RegionOf("25,35,"), "T-D1213");
     EXPECT_EQ(RegionOf("51,81,"), "T-D1213");
@@ -135,7 +135,7 @@ TEST(DeriveFromTeeth, AnEmptyStringLeavesAllAsItWas) {
     EXPECT_EQ(image->AnaRegionMod, "before");
 }
 
-TEST(DeriveFromTeeth, NumbersThatAreNoTeethLeaveAllAsItWas) {
+TEST(DeriveFromTeeth, NumbersThatAreNotTeethChangeNothing) {
     for (const char* teeth : {"10,19,20,29,30,39,40,49,50,59,60,69,70,79,80,", "89,90,99,", "1,1,2,6,", "abc", " "}) {
         const Ref<cImage> image = Derived(teeth, "before");
         EXPECT_EQ(image->Laterality, "before") << teeth;
@@ -153,7 +153,7 @@ TEST(DeriveFromTeeth, DigitsWithoutSeparatorsCountAsEachPair) {
     EXPECT_EQ(LateralityOf("1617"), "B") << "16, 61 and 17";
 }
 
-TEST(DeriveFromTeeth, NoSeparatorIsNeededAndAnyMayStand) {
+TEST(DeriveFromTeeth, SeparatorsAreOptionalAndMayBeAnyCharacter) {
     EXPECT_EQ(LateralityOf("teeth 16; 17/18"), "R");
     EXPECT_EQ(ModifierOf("teeth 16; 17/18"), "T-5100B");
 }

@@ -348,7 +348,7 @@ TEST_F(ImageSave, OfTwoImagesWithOneFileTheNewestIsFound) {
     EXPECT_EQ(second->ID, 3);
 }
 
-TEST_F(ImageSave, AnUpdateOfARowThatIsGoneIsNoFailure) {
+TEST_F(ImageSave, AnUpdateOfADeletedRowSucceeds) {
     image->ID = 77;
     image->addComment("still written", "a", Date{}, false);
     EXPECT_EQ(image->Save(con), 0);
@@ -422,7 +422,7 @@ TEST_F(ImageSave, AQuoteInTheUidStopsTheLookOfSaveEx) {
     EXPECT_THAT(Sent(), IsEmpty());
 }
 
-TEST_F(ImageSave, PersonsWithQuotesAreNoFailureOnTheInsert) {
+TEST_F(ImageSave, PersonsWithQuotesAreInserted) {
     image->CapturePerson = image->RespPerson = "O'Hara";
     EXPECT_EQ(image->Save(con), 0);
     EXPECT_EQ(OfRow("Responsible_Person_NVC"), Variant("O'Hara"));

@@ -297,7 +297,7 @@ TEST_F(ImageReading, GetImageFillsEachPropertyFromItsColumn) {
     EXPECT_THAT(Differing(*image, ReadWhole()), IsEmpty());
 }
 
-TEST_F(ImageReading, GetImageOfAMissingRowGivesFalseAndChangesNothing) {
+TEST_F(ImageReading, GetImageOfAMissingRowReturnsFalseAndChangesNothing) {
     EXPECT_FALSE(image->GetImage(con, 6));
     EXPECT_THAT(Differing(*image, before), IsEmpty());
 }
@@ -390,7 +390,7 @@ TEST_F(ImageReading, ANumberBeyondThePropertyEndsTheReadingThere) {
     }
 }
 
-TEST_F(ImageReading, AFrameThatIsNoNumberFailsWhenItIsAskedForAndNotBefore) {
+TEST_F(ImageReading, ANonNumericFrameFailsOnlyWhenItIsRead) {
     Forget();
     Set("FrameNumber_INT", "'abc'");
     EXPECT_TRUE(image->GetImage(con, 5));
@@ -403,7 +403,7 @@ TEST_F(ImageReading, AFrameThatIsNoNumberFailsWhenItIsAskedForAndNotBefore) {
     EXPECT_EQ(image->FrameNumber, 3);
 }
 
-TEST_F(ImageReading, ATextThatIsNoDateEndsTheReadingThere) {
+TEST_F(ImageReading, ATextThatIsNotADateEndsTheReading) {
     Set("DateCaptured_SD", "'some day'");
     EXPECT_TRUE(image->GetImage(con, 5));
     EXPECT_THAT(Differing(*image, ReadUpTo(&Steps[3])), IsEmpty());
@@ -554,7 +554,7 @@ TEST_F(ImageReading, ARecordAtItsEndChangesNothing) {
 
 // ---- failures of the statement ------------------------------------------------------------------------
 
-TEST_F(ImageReading, ANameUnknownToTheDatabaseGivesFalse) {
+TEST_F(ImageReading, ANameUnknownToTheDatabaseReturnsFalse) {
     Run("ALTER TABLE ImageBild_T DROP COLUMN Gamma_INT");
     EXPECT_FALSE(image->GetImage(con, 5));
     EXPECT_THAT(Differing(*image, before), IsEmpty());

@@ -45,7 +45,7 @@ TEST(OtherIdentifiers, ItemIsTheDefaultAndNewEnumTheEnumerator) {
 
 TEST(OtherIdentifiers, TheDelimiterStartsAsABackslash) { EXPECT_EQ(OtherPatIDs().Delimiter, "\\"); }
 
-TEST(OtherIdentifiers, FillGivesEachPartItsPlaceAsIdAndKey) {
+TEST(OtherIdentifiers, FillStoresThePositionOfEachPartAsIdAndKey) {
     const Ref<OtherPatIDs> ids = Filled("a\\B");
     EXPECT_THAT(MembersIn(*ids), ElementsAre("A 0", "B 1"));
     EXPECT_EQ(ids->Item("K0")->str, "A");
@@ -86,7 +86,7 @@ TEST(OtherIdentifiers, TheTextIsSplitWithoutRegardToCase) {
     EXPECT_THAT(MembersIn(*Filled("1x2X3", "x")), ElementsAre("1 0", "2 1", "3 2"));
 }
 
-TEST(OtherIdentifiers, AnEmptyListGivesTheEmptyTextAndLengthZero) {
+TEST(OtherIdentifiers, AnEmptyListReturnsTheEmptyTextAndLengthZero) {
     const OtherPatIDs ids;
     EXPECT_EQ(ids.GetAllAsString(), "");
     EXPECT_EQ(ids.TotalLengthWithDelimiter(), 0);
@@ -139,7 +139,7 @@ TEST(OtherIdentifiers, AddUnderAKeyThatExistsRaisesAndStillChangesTheCallersVari
     EXPECT_EQ(arguments[0], Variant("DEF"));
 }
 
-TEST(OtherIdentifiers, AddOfBlanksGivesNothingAndLeavesTheCallersVariableEmpty) {
+TEST(OtherIdentifiers, AddOfBlanksReturnsNullAndLeavesTheCallersVariableEmpty) {
     OtherPatIDs ids;
     String text = "   ";
     EXPECT_FALSE(ids.Add(text, 1, "K"));
@@ -147,7 +147,7 @@ TEST(OtherIdentifiers, AddOfBlanksGivesNothingAndLeavesTheCallersVariableEmpty) 
     EXPECT_EQ(ids.Count(), 0);
 }
 
-TEST(OtherIdentifiers, AddOfAPresentTextGivesTheMemberAndLooksAtNothingElse) {
+TEST(OtherIdentifiers, AddOfAPresentTextReturnsTheMemberAndIgnoresTheOtherArguments) {
     const Ref<OtherPatIDs> ids = New<OtherPatIDs>();
     const Ref<cStringItem> first = Add(ids, "A", 1, "K");
     EXPECT_EQ(Add(ids, "A", 2, "K"), first);
@@ -188,7 +188,7 @@ TEST(OtherIdentifiers, TextsOfAnyScriptComeBackInUpperCase) {
     EXPECT_EQ(Filled("αβ\\жук\\山田\\🦷")->GetAllAsString(), "ΑΒ\\ЖУК\\山田\\🦷");
 }
 
-TEST(OtherIdentifiers, NewEnumWalksTheMembersInOrder) {
+TEST(OtherIdentifiers, NewEnumVisitsTheMembersInOrder) {
     const Ref<OtherPatIDs> ids = Filled("A\\B");
     const Ref<Enumerator> walk = ids->NewEnum();
     Variant member;

@@ -76,7 +76,7 @@ TEST_F(OutsideGuid, TheListOfDoctorsNeverAsksIt) {
     EXPECT_EQ(asked, 0);
 }
 
-TEST_F(OutsideGuid, ALoadWithoutAnyGuidToGiveSavesTheEmptyText) {
+TEST_F(OutsideGuid, ALoadWithoutAnAvailableGuidSavesTheEmptyText) {
     TheHost().CreateGuid = [](Guid&) { return Long{1}; };
     Run("UPDATE Doctor_T SET drGUID=NULL");
     const Ref<cDoctor> doctor = New<cDoctor>();

@@ -123,7 +123,7 @@ TEST_F(Clinics, RemoveClosesUp) {
     EXPECT_EQ(clinics->Item(Long{1})->ClinicName, "c");
 }
 
-TEST_F(Clinics, NewEnumWalksTheMembersInOrder) {
+TEST_F(Clinics, NewEnumVisitsTheMembersInOrder) {
     const Ref<cClinic> first = AddNamed("a"), second = AddNamed("b");
     const Ref<Enumerator> walk = clinics->NewEnum();
     Variant member;
@@ -242,7 +242,7 @@ TEST_F(Clinics, ANullIdentifierFailsTheLoadAndLeavesThoseReadBefore) {
     EXPECT_THAT(Names(), ElementsAre("a"));
 }
 
-TEST_F(Clinics, AnIdentifierThatStandsTwiceFailsTheLoadAtTheSecond) {
+TEST_F(Clinics, AnIdentifierThatOccursTwiceFailsTheLoadAtTheSecondRow) {
     RunLooseTable();
     RunRow(5, "a");
     RunRow(5, "b");
@@ -376,12 +376,12 @@ TEST_F(Clinics, ANameOfAnEmptyTableWritesTheHeadOffice) {
     EXPECT_THAT(Names(), ElementsAre("__HQ"));
 }
 
-TEST_F(Clinics, AnEmptyListAndAClosedConnectionGiveNothing) {
+TEST_F(Clinics, AnEmptyListAndAClosedConnectionReturnNull) {
     EXPECT_EQ(FailureOf([&] { EXPECT_FALSE(clinics->ItemOnClinicName("North", closed)); }).Number, 0);
     EXPECT_EQ(FailureOf([&] { EXPECT_FALSE(clinics->ItemOnClinicName("North", nullptr)); }).Number, 0);
 }
 
-TEST_F(Clinics, ALoadThatFailsHalfwayGivesNothingAndKeepsWhatWasRead) {
+TEST_F(Clinics, ALoadThatFailsHalfwayReturnsNullAndKeepsTheMembersReadBefore) {
     RunLooseTable();
     RunRow(5, "a");
     Run("INSERT INTO Clinic_T (ClinicName) VALUES ('b')");
@@ -390,7 +390,7 @@ TEST_F(Clinics, ALoadThatFailsHalfwayGivesNothingAndKeepsWhatWasRead) {
     EXPECT_TRUE(clinics->ItemOnClinicName("A", con)) << "the list isn't empty any more";
 }
 
-TEST_F(Clinics, ARefusedHeadOfficeGivesNothingByName) {
+TEST_F(Clinics, ARejectedHeadOfficeReturnsNullByName) {
     RefuseInserts();
     EXPECT_FALSE(clinics->ItemOnClinicName("__HQ", con));
 }

@@ -129,7 +129,7 @@ TEST_F(Doctor, KindsHaveTheirNamesAndNumbers) {
 
 TEST_F(Doctor, StartsEmpty) { EXPECT_EQ(ContentOf(*doctor), "||0||||0|||"); }
 
-TEST_F(Doctor, EachPropertyGivesWhatItTook) {
+TEST_F(Doctor, EachPropertyReturnsTheAssignedValue) {
     for (const char* name :
          {"DrContactInfo", "DrPrefix", "DrLastName", "DrFirstName", "DrName", "DrLogin", "drGUID", "DrEMail"}) {
         std::vector<Variant> value{Variant(String("  aé' ") + name)};
@@ -221,7 +221,7 @@ TEST_F(Doctor, DeletesItsRowAndKeepsItsMembersAndItsPatients) {
     EXPECT_EQ(Ask("SELECT RespDoctor FROM Patient_T"), Variant(Long{5}));
 }
 
-TEST_F(Doctor, DeletingAMissingRowGivesTrue) { EXPECT_TRUE(doctor->DeleteDoctor(con)); }
+TEST_F(Doctor, DeletingAMissingRowReturnsTrue) { EXPECT_TRUE(doctor->DeleteDoctor(con)); }
 
 // ---- saving
 // -------------------------------------------------------------------------------------------------
@@ -348,7 +348,7 @@ TEST_F(Doctor, EachOfTheFiveNamesIsTrimmed) {
     EXPECT_EQ(doctor->DrContactInfo, "  x ");
 }
 
-TEST_F(Doctor, MailGuidAndLoginAreWrittenAsTheyStand) {
+TEST_F(Doctor, MailGuidAndLoginAreWrittenUnescaped) {
     doctor->DrEMail = doctor->drGUID = doctor->DrLogin = "  x ";
     EXPECT_EQ(Stored("DrEMail || drGUID || DrLogin"), Variant("  x   x   x "));
 }
@@ -461,7 +461,7 @@ TEST_F(Doctor, LoadsEveryColumnAndWritesNothing) {
     EXPECT_EQ(asked, 0);
 }
 
-TEST_F(Doctor, AMissingNumberGivesFalseAndChangesNothing) {
+TEST_F(Doctor, AMissingNumberReturnsFalseAndChangesNothing) {
     FillAll();
     const String before = ContentOf(*doctor);
     EXPECT_FALSE(doctor->LoadDoctor(-5, con));
@@ -683,7 +683,7 @@ TEST_F(Doctor, AGuidThatWouldEndItsLiteralNeverBecomesAnotherStatement) {
     EXPECT_EQ(doctor->drID, 0);
 }
 
-TEST_F(Doctor, AnEmptyGuidFindsARowWithAnEmptyOneAndGivesItOne) {
+TEST_F(Doctor, AnEmptyGuidFindsARowWithAnEmptyOneAndAssignsOne) {
     RunRow(5, "drGUID=''");
     EXPECT_TRUE(doctor->LoadDoctorOnGUID("", con));
     EXPECT_THAT(Sent(), ElementsAre("SELECT * FROM Doctor_T   WHERE DrGUID ='';", saveOfFive));

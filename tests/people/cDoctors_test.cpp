@@ -133,7 +133,7 @@ TEST_F(Doctors, RemoveClosesUp) {
     EXPECT_EQ(doctors->Count(), 1);
 }
 
-TEST_F(Doctors, NewEnumWalksTheMembersInOrder) {
+TEST_F(Doctors, NewEnumVisitsTheMembersInOrder) {
     const Ref<cDoctor> first = AddOne(1), second = AddOne(2);
     const Ref<Enumerator> walk = doctors->NewEnum();
     Variant member;
@@ -147,7 +147,7 @@ TEST_F(Doctors, NewEnumWalksTheMembersInOrder) {
 // ---- loading
 // ------------------------------------------------------------------------------------------------
 
-TEST_F(Doctors, AnEmptyTableGivesAnEmptyList) {
+TEST_F(Doctors, AnEmptyTableReturnsAnEmptyList) {
     AddOne(1, "K1");
     EXPECT_EQ(doctors->GetAllDoctors(con), 0);
     EXPECT_EQ(doctors->Count(), 0);
@@ -260,7 +260,7 @@ TEST_F(Doctors, ANullNumberFailsTheLoadAndLeavesThoseReadBefore) {
     EXPECT_THAT(Numbers(), ElementsAre(5));
 }
 
-TEST_F(Doctors, ANumberThatStandsTwiceFailsTheLoadAtTheSecond) {
+TEST_F(Doctors, ANumberThatOccursTwiceFailsTheLoadAtTheSecondRow) {
     RunLooseTable();
     RunRow(5);
     RunRow(5);

@@ -302,7 +302,7 @@ TEST_F(Patient, InsertsWhereTheIdentifierIsNew) {
     EXPECT_EQ(patient->ID, 1);
 }
 
-TEST_F(Patient, UpdatesWhereTheIdentifierStands) {
+TEST_F(Patient, UpdatesTheRowsWithTheIdentifier) {
     Run("INSERT INTO Patient_T (PatientID, PersonNr_CH) VALUES (31, 'AB-1')");
     FillAll();
     EXPECT_EQ(patient->Save(con), 0);
@@ -358,7 +358,7 @@ TEST_F(Patient, AnEmptyIdentifierOverwritesAllRowsThatHaveNone) {
     EXPECT_EQ(Ask("SELECT count(*) FROM Patient_T"), Variant(Long{3}));
 }
 
-TEST_F(Patient, DuplicatesAreAllOverwrittenAndTheFirstGivesItsCounter) {
+TEST_F(Patient, DuplicatesAreAllOverwrittenAndTheFirstReturnsItsCounter) {
     Run("INSERT INTO Patient_T (PatientID, PersonNr_CH) VALUES (8, 'A'), (9, 'A')");
     patient->PatientID = "a";
     patient->LastName = "Both";

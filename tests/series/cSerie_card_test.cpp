@@ -127,7 +127,7 @@ TEST_F(SeriesAsCard, ACollectionOfImagesWorksAsAPlainOneDoes) {
     EXPECT_THAT(Stored(), ElementsAre("1: 11 at 0.0 0.0, 0.19 x 0.19"));
 }
 
-TEST_F(SeriesAsCard, ALateBoundCallerGivesEitherCollection) {
+TEST_F(SeriesAsCard, ALateBoundCallerPassesEitherCollection) {
     AddImage(11);
     const Ref<cImages> own = New<cImages>();
     Ref<cImage> image = New<cImage>();
@@ -221,7 +221,7 @@ TEST_F(SeriesAsCard, HalvesOfTheCanvasAreRoundedToTheEvenNumber) {
     EXPECT_EQ(Ask("SELECT ICFullViewHeight FROM ImageCard_T"), Variant(302.0));
 }
 
-TEST_F(SeriesAsCard, AnUnknownLayoutGivesACanvasOfZero) {
+TEST_F(SeriesAsCard, AnUnknownLayoutHasACanvasOfZero) {
     series->TemplateID = 99;
     AddImage(11);
     Save();
@@ -245,7 +245,7 @@ TEST_F(SeriesAsCard, ACanvasBeyondALongStoresNothing) {
 
 // ---- members that are no image --------------------------------------------------------------------------
 
-TEST_F(SeriesAsCard, AFirstMemberThatIsNoObjectRaises) {
+TEST_F(SeriesAsCard, AFirstMemberThatIsNotAnObjectRaises) {
     images->Add(Long{5});
     EXPECT_EQ(FailureOfSave(), 424);
     EXPECT_THAT(Sent(), ElementsAre(templateOfSix, slotsOfOne));
@@ -263,21 +263,21 @@ TEST_F(SeriesAsCard, AFirstMemberWithoutAPatientRaises) {
     EXPECT_THAT(Sent(), ElementsAre(templateOfSix, slotsOfOne));
 }
 
-TEST_F(SeriesAsCard, ALaterMemberThatIsNoImageRaisesBeforeTheCardIsStored) {
+TEST_F(SeriesAsCard, ALaterMemberThatIsNotAnImageRaisesBeforeTheCardIsStored) {
     AddImage(11);
     images->Add(New<cSerie>());
     EXPECT_EQ(FailureOfSave(), 13);
     EXPECT_THAT(Sent(), ElementsAre(templateOfSix, slotsOfOne));
 }
 
-TEST_F(SeriesAsCard, AFrameThatIsNoNumberRaisesBeforeTheCardIsStored) {
+TEST_F(SeriesAsCard, ANonNumericFrameRaisesBeforeTheCardIsStored) {
     RunSlot(3, 1);
     AddImage(11)->FrameNumber = LateNumber(Variant("x"));
     EXPECT_EQ(FailureOfSave(), 13);
     EXPECT_THAT(Sent(), ElementsAre(templateOfSix, slotsOfOne));
 }
 
-TEST_F(SeriesAsCard, AFrameThatIsNoNumberIsNotAskedForWhereThereIsNoSlot) {
+TEST_F(SeriesAsCard, ANonNumericFrameIsIgnoredIfTheLayoutHasNoSlot) {
     AddImage(11)->FrameNumber = LateNumber(Variant("x"));
     EXPECT_EQ(FailureOfSave(), 0);
     EXPECT_THAT(Stored(), ElementsAre("1: 11 at 0.0 0.0, 0.19 x 0.19"));

@@ -117,7 +117,7 @@ TEST_F(Hanging, AnEmptyCollectionCountsAsBitewings) {
         EXPECT_EQ(Hang(count), layout) << count;
 }
 
-TEST_F(Hanging, OneImageThatIsNoBitewingChangesTheLayout) {
+TEST_F(Hanging, OneImageThatIsNotABitewingChangesTheLayout) {
     for (const auto& [laterality, region] : {std::pair{"B", Both}, std::pair{"R", Upper}, std::pair{"L", ""}}) {
         images.clear();
         Add("R", Both, Modifier('9'));
@@ -126,7 +126,7 @@ TEST_F(Hanging, OneImageThatIsNoBitewingChangesTheLayout) {
     }
 }
 
-TEST_F(Hanging, AnImageOfBothSidesIsNoBitewing) {
+TEST_F(Hanging, AnImageOfBothSidesIsNotABitewing) {
     AddTeeth({"16,26,", "15,45,"});
     EXPECT_EQ(Hang(), 10);
     EXPECT_EQ(images[0]->Laterality, "B");
@@ -249,7 +249,7 @@ TEST_F(Hanging, TwentyOneImagesAreNumberedWithoutALayout) {
     EXPECT_THAT(Sent(), IsEmpty());
 }
 
-TEST_F(Hanging, AnImageThatStandsTwiceTakesOneFrame) {
+TEST_F(Hanging, AnImageThatOccursTwiceOccupiesOneFrame) {
     AddPlain(2);
     images.push_back(images[0]);
     Hang();
@@ -487,7 +487,7 @@ TEST_F(TeethFitModifier, TheOtherModifiersMatchByTheirCodeAlone) {
 
 TEST_F(TeethFitModifier, PrimaryTeethFitNothing) { EXPECT_EQ(FrameOf(18, "R", Upper, "other", "51,52,53,54,55,"), 0); }
 
-TEST_F(TeethFitModifier, ATextThatIsNoToothStringRaisesWhenItIsReached) {
+TEST_F(TeethFitModifier, AnInvalidToothStringRaisesWhenItIsReached) {
     Add("R", Upper, Modifier('C'), "no teeth");
     Add("R", Upper, Modifier('8'), "1112");
     Add("L", "other", "other", "1112");
@@ -621,7 +621,7 @@ TEST_F(TemplateOrder, OfTwoSlotsOfOneSequenceTheLowerNumberCounts) {
     EXPECT_THAT(Frames(), ElementsAre(4, 6));
 }
 
-TEST_F(TemplateOrder, GivesAnImageThatStandsTwiceOneSlot) {
+TEST_F(TemplateOrder, AssignsOneSlotToAnImageThatOccursTwice) {
     StoreTemplate({{4, 1}, {5, 2}, {6, 3}});
     AddPlain(2);
     images.push_back(images[0]);
@@ -715,7 +715,7 @@ TEST_F(Hanging, MoreImagesThan16BitsCountRaise) {
     EXPECT_EQ(Hang(21), 0) << "the greatest number of images that are counted";
 }
 
-TEST_F(Hanging, AMemberThatIsNoImageRaisesAtTheWalk) {
+TEST_F(Hanging, AMemberThatIsNotAnImageRaisesDuringTheIteration) {
     AddTeeth({"16,", "26,"});
     const Ref<Collection> members = New<Collection>();
     members->Add(images[0]);

@@ -172,7 +172,7 @@ TEST_F(SeriesTable, LoadFillsEachPropertyFromItsColumn) {
                             "instanceUID 1.2.5", "Approved true", "Changed true"));
 }
 
-TEST_F(SeriesTable, LoadOfAMissingRowGivesFalseAndChangesNothing) {
+TEST_F(SeriesTable, LoadOfAMissingRowReturnsFalseAndChangesNothing) {
     StoreDistinct();
     FillOtherwise();
     const std::vector<String> before = ValuesOf(series);
@@ -181,7 +181,7 @@ TEST_F(SeriesTable, LoadOfAMissingRowGivesFalseAndChangesNothing) {
     EXPECT_EQ(ValuesOf(series), before);
 }
 
-TEST_F(SeriesTable, LoadOfNullsGivesZerosAndEmptyTexts) {
+TEST_F(SeriesTable, LoadOfNullsStoresZerosAndEmptyTexts) {
     Run("INSERT INTO Series_T (Series_ID) VALUES (5)");
     FillOtherwise();
     series->ImgCount = 0;
@@ -228,7 +228,7 @@ TEST_F(SeriesTable, AColumnThatCantBeReadRaisesAndKeepsWhatWasRead) {
     EXPECT_EQ(ValuesOf(series), expected);
 }
 
-TEST_F(SeriesTable, TextsThatAreNoKeyAndNoUidFailBeforeAnythingIsSent) {
+TEST_F(SeriesTable, TextsThatAreNeitherKeyNorUidFailBeforeAnyStatement) {
     StoreDistinct();
     FillOtherwise();
     const std::vector<String> before = ValuesOf(series);
@@ -272,7 +272,7 @@ TEST_F(SeriesTable, SaveLooksByKeyOrByUid) {
                                     "SELECT * FROM Series_T WHERE SeriesInstanceUID ='1.2.5';"));
 }
 
-TEST_F(SeriesTable, SaveWithoutUidOrStudyGivesFalseAndSendsNothing) {
+TEST_F(SeriesTable, SaveWithoutUidOrStudyReturnsFalseAndSendsNoStatement) {
     series->studyID = 1;
     EXPECT_FALSE(series->SaveSeries(false, con));
     EXPECT_FALSE(series->SaveSeries(true, con));
@@ -402,7 +402,7 @@ TEST_F(SeriesTable, AMissingColumnFailsAndWritesNothing) {
     EXPECT_EQ(series->ID, 95);
 }
 
-TEST_F(SeriesTable, AKeyOfZeroIsToldInATextBox) {
+TEST_F(SeriesTable, AKeyOfZeroIsReportedInATextBox) {
     const TextBoxes boxes;
     StoreDistinct();
     Set("Series_ID", "0");

@@ -119,7 +119,7 @@ TEST_F(StudyTable, LoadFillsEachPropertyFromItsColumn) {
                             "dateTime 2024-03-05 14:07:09", "studyID sid", "ID 5"));
 }
 
-TEST_F(StudyTable, LoadOfAMissingRowGivesFalseAndChangesNothing) {
+TEST_F(StudyTable, LoadOfAMissingRowReturnsFalseAndChangesNothing) {
     StoreDistinct();
     FillOtherwise();
     const std::vector<String> before = ValuesOf(study);
@@ -128,7 +128,7 @@ TEST_F(StudyTable, LoadOfAMissingRowGivesFalseAndChangesNothing) {
     EXPECT_EQ(ValuesOf(study), before);
 }
 
-TEST_F(StudyTable, ANullThatIsReadAsItStandsRaisesAndKeepsWhatWasRead) {
+TEST_F(StudyTable, ANullInAColumnThatMustHaveAValueRaisesAndKeepsTheMembersReadBefore) {
     StoreDistinct();
     struct Row {
         const char* column;
@@ -186,7 +186,7 @@ TEST_F(StudyTable, ANullOrEmptyStudyIdentifierKeepsThePropertys) {
     }
 }
 
-TEST_F(StudyTable, TextsThatAreNoKeyAndNoUidFailBeforeAnythingIsSent) {
+TEST_F(StudyTable, TextsThatAreNeitherKeyNorUidFailBeforeAnyStatement) {
     StoreDistinct();
     FillOtherwise();
     const std::vector<String> before = ValuesOf(study);
@@ -387,7 +387,7 @@ TEST_F(StudyTable, AMissingUidOrPatientIsPassedOverToo) {
     EXPECT_EQ(failure.Source, "cStudy.SaveStudy, SQLite");
 }
 
-TEST_F(StudyTable, AMissingKeyColumnLeavesTheKeyAndTellsInATextBox) {
+TEST_F(StudyTable, AMissingKeyColumnLeavesTheKeyUnchangedAndShowsATextBox) {
     const TextBoxes boxes;
     Run("ALTER TABLE Study_T RENAME COLUMN Study_ID TO RowKey");
     study->instanceUID = "1.2";
@@ -397,7 +397,7 @@ TEST_F(StudyTable, AMissingKeyColumnLeavesTheKeyAndTellsInATextBox) {
     EXPECT_EQ(Count(), 1);
 }
 
-TEST_F(StudyTable, AKeyOfZeroIsToldInATextBox) {
+TEST_F(StudyTable, AKeyOfZeroIsReportedInATextBox) {
     const TextBoxes boxes;
     StoreDistinct();
     Set("Study_ID", "0");

@@ -209,7 +209,7 @@ TEST_F(WorklistItem, AListSetToNothingIsMadeAnewAndEmpty) {
     EXPECT_THAT(MembersIn(others), ElementsAre("A 1"));
 }
 
-TEST_F(WorklistItem, AGetterGivesTheSameListEachTime) {
+TEST_F(WorklistItem, AGetterReturnsTheSameListEachTime) {
     EXPECT_EQ(item->IntendedRecipients(), Ref<IntendedRecipients>(item->IntendedRecipients()));
     const Ref<OtherPatIDs> others = item->OtherPatIDs();
     EXPECT_EQ(item->OtherPatIDs(), others);

@@ -146,7 +146,7 @@ TEST_F(ConnectionEventsTest, AHandlerMayTakeItselfOutAtItsEnd) {
     EXPECT_THAT(notes, ElementsAre("a ends"));
 }
 
-TEST_F(ConnectionEventsTest, NothingIsNoHandler) {
+TEST_F(ConnectionEventsTest, ANullHandlerIsRejected) {
     EXPECT_EQ(FailureOf([&] { other->Advise(std::unique_ptr<ConnectionEvents>()); }).Number, err::ObjectNotSet);
     other->Execute("SELECT 1");
     EXPECT_EQ(other->State(), adStateOpen);

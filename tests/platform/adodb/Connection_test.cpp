@@ -31,7 +31,7 @@ TEST_F(ConnectionTest, OpenRaisesWhatKeepsItClosed) {
     EXPECT_FALSE(std::filesystem::exists(Path() + ".missing"));
 }
 
-TEST_F(ConnectionTest, AFileThatIsNoDatabaseIsRefusedAndStaysAsItIs) {
+TEST_F(ConnectionTest, AFileThatIsNotADatabaseIsRejectedAndUnchanged) {
     const String other = (folder.Path() / "letter.txt").string();
     std::ofstream(other) << String(5000, 'x');
     const Error failure = OpenFailure("Provider=SQLite;Data Source=" + other);
@@ -83,7 +83,7 @@ TEST_F(ConnectionTest, SnapshotModeReadsAFileWithoutAFileBesideIt) {
     con->Advise(log);
 }
 
-TEST_F(ConnectionTest, AnActionStatementGivesAClosedRecordsetAndItsCount) {
+TEST_F(ConnectionTest, AnActionStatementReturnsAClosedRecordsetAndItsCount) {
     Long count = 0;
     Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1,'a',1),(2,'b',0)");
     const Ref<Recordset> result = con->Execute("UPDATE Root_T SET Status=0", &count);
@@ -109,7 +109,7 @@ TEST_F(ConnectionTest, FailuresOfTheEngineAreMapped) {
     EXPECT_EQ(number("INSERT INTO Root_T (RootID) VALUES (1)"), IntegrityViolation);
 }
 
-TEST_F(ConnectionTest, AFailureTellsAPersonWhereItComesFrom) {
+TEST_F(ConnectionTest, AFailureNamesItsOrigin) {
     const Error failure = FailureOf([&] { con->Execute("SELECT Nix FROM Root_T WHERE RootID=7"); });
     EXPECT_EQ(failure.Provider, "SQLite");
     EXPECT_EQ(failure.SQLState, "42S22");
@@ -241,7 +241,7 @@ TEST_F(ConnectionTest, NothingButAnEndStartsInsideWillExecute) {
     EXPECT_EQ(handler.numbers.size(), 4U);
 }
 
-TEST_F(ConnectionTest, AConnectionClosedByAHandlerGivesNoOpenRecordset) {
+TEST_F(ConnectionTest, AConnectionClosedByAHandlerReturnsNoOpenRecordset) {
     struct Handler : ConnectionEvents {
         void ExecuteComplete(const ExecuteReport&) override { con->Close(); }
         Connection* con = nullptr;

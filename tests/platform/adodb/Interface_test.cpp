@@ -81,7 +81,7 @@ protected:
 
 // ---- tables -----------------------------------------------------------------------------------------
 
-TEST_F(InterfaceTest, AConnectionTellsItsMembers) {
+TEST_F(InterfaceTest, AConnectionDescribesItsMembers) {
     EXPECT_THAT(TestKit::MembersOf(*con),
                 ElementsAre("put ConnectionString(string)", "get ConnectionString -> string",
                             "put CursorLocation(CursorLocationEnum)", "get CursorLocation -> CursorLocationEnum",
@@ -99,7 +99,7 @@ TEST_F(InterfaceTest, AConnectionTellsItsMembers) {
                             "get NativeError -> int32", "get SQLState -> string"));
 }
 
-TEST_F(InterfaceTest, ARecordsetTellsItsMembers) {
+TEST_F(InterfaceTest, ARecordsetDescribesItsMembers) {
     EXPECT_THAT(
         TestKit::MembersOf(*New<Recordset>()),
         ElementsAre("put Source(string)", "get Source -> string", "get ActiveConnection -> Connection",
@@ -419,7 +419,7 @@ TEST_F(InterfaceTest, ARecordsetIsMovedByName) {
     EXPECT_EQ(FailureOfPut(rs, "AbsolutePosition", {Long{1}}), err::NoSuchMember);
 }
 
-TEST_F(InterfaceTest, AClosedRecordsetRaisesButTellsHowItWouldOpen) {
+TEST_F(InterfaceTest, AClosedRecordsetRaisesButReturnsItsOpenSettings) {
     const Ref<Recordset> rs = New<Recordset>();
     for (const char* name : {"EOF", "BOF", "RecordCount", "AbsolutePosition", "EditMode"})
         EXPECT_EQ(FailureOfGet(rs, name), adErrObjectClosed) << name;
@@ -530,7 +530,7 @@ TEST_F(InterfaceTest, FieldsAreFoundCountedAndWalked) {
     EXPECT_THAT(names, ElementsAre("ClinicID", "ClinicName", "City"));
 }
 
-TEST_F(InterfaceTest, AFieldTellsItsColumnAndChangesItsValue) {
+TEST_F(InterfaceTest, AFieldDescribesItsColumnAndChangesItsValue) {
     const Ref<Recordset> rs = Clinics();
     const Ref<Object> name = ObjectIn(Get(ObjectIn(Get(rs, "Fields")), "Item", {"ClinicName"}));
     EXPECT_EQ(Get(name, "Name"), Variant("ClinicName"));

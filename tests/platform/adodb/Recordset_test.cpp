@@ -151,7 +151,7 @@ TEST_F(RecordsetTest, ValuesHaveTheTypesOfTheirColumns) {
     EXPECT_EQ(rs->Fields(2).Value(), Variant(Null{}));
 }
 
-TEST_F(RecordsetTest, ReadingAsATypeGivesWhatConvertingTheValueGives) {
+TEST_F(RecordsetTest, ReadingAsATypeReturnsTheConvertedValue) {
     Run("INSERT INTO ImageBild_T (PatientID, DateCaptured_SD, ExposureTime_F, GraphicURL_NVC, RootId) "
         "VALUES (7,'2026-01-02',2.5,'12',NULL)");
     const Ref<Recordset> rs = Open(
@@ -215,7 +215,7 @@ TEST_F(RecordsetTest, UpdateNamesChangedColumnsOnlyAndKeepsTheRowCurrent) {
     EXPECT_EQ(Ask("SELECT ClinicName FROM Clinic_T WHERE ClinicID=1"), Variant("A3"));
 }
 
-TEST_F(RecordsetTest, ARowThatSomebodyElseChangedRaisesAndKeepsTheEdit) {
+TEST_F(RecordsetTest, ARowThatAnotherClientChangedRaisesAndKeepsTheEdit) {
     const Ref<Recordset> rs = Open();
     Run("UPDATE Clinic_T SET ClinicName='theirs' WHERE ClinicID=1");
     rs->Collect("ClinicName", "mine");

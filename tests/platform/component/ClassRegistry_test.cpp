@@ -152,7 +152,7 @@ TEST_F(ClassRegistryFile, ALinkStaysALinkAndTheFileKeepsItsRights) {
     EXPECT_EQ(Registered(), "Again 1.0;");
 }
 
-TEST_F(ClassRegistryFile, APathThatIsNoTextIsRefused) {
+TEST_F(ClassRegistryFile, APathThatIsNotUtf8IsRejected) {
     LibraryRecord library = Library("Broken", 'b', {"A"});
     library.Classes[0].Library = "/opt/b\xE9/libBroken.so";
     const Error failure = FailureOf([&] { Enter(library); });
@@ -246,7 +246,7 @@ TEST_F(ClassRegistryFile, EnteringHereIsOfItsThreadAlone) {
 
 // ---- files that aren't what they should be ----------------------------------------------------------
 
-TEST_F(ClassRegistryFile, ADamagedFileIsToldAndStays) {
+TEST_F(ClassRegistryFile, ADamagedFileIsReportedAndUnchanged) {
     const String whole = Print({Library("Whole", '1', {"A"})});
     for (const String& text : {String(), String("{"), String("no JSON \xFF"), whole.substr(0, whole.size() / 2),
                                whole + "}", String("[]"), String(3, '\0')}) {
@@ -257,13 +257,13 @@ TEST_F(ClassRegistryFile, ADamagedFileIsToldAndStays) {
     }
 }
 
-TEST_F(ClassRegistryFile, AFolderInItsPlaceIsToldAndStays) {
+TEST_F(ClassRegistryFile, AFolderInItsPlaceIsReportedAndUnchanged) {
     fs::create_directories(file);
     ExpectRefused("can't be read");
     EXPECT_TRUE(fs::is_directory(file));
 }
 
-TEST_F(ClassRegistryFile, AFolderThatCantBeMadeIsTold) {
+TEST_F(ClassRegistryFile, AFolderThatCannotBeCreatedIsReported) {
     std::ofstream(folder.Path() / "some") << "a file in the way";
     const Error failure = FailureOf([] { Enter(Library("Refused", '1', {"A"})); });
     EXPECT_EQ(failure.Number, err::PathFileAccess);
@@ -271,7 +271,7 @@ TEST_F(ClassRegistryFile, AFolderThatCantBeMadeIsTold) {
     EXPECT_EQ(Content(folder.Path() / "some"), "a file in the way");
 }
 
-TEST_F(ClassRegistryFile, AFullDiskIsToldAndNothingIsLeftBeside) {
+TEST_F(ClassRegistryFile, AFullDiskIsReportedAndLeavesNoTemporaryFile) {
     Enter(Library("First", '1', {"A"}));
     const String before = Content(file);
     rlimit limit{};

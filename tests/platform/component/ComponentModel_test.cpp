@@ -340,7 +340,7 @@ TEST(VariantMemory, CopyOfAReferencePointsAtTheSamePlace) {
     SafeArrayDestroy(array);
 }
 
-TEST(VariantMemory, CopyOverSomethingHeldLetsItGo) {
+TEST(VariantMemory, CopyReleasesTheReplacedValue) {
     Counted object;
     VARIANT to = Holding(object), text = Text(u"new");
     EXPECT_EQ(VariantCopy(&to, &text), S_OK);
@@ -442,7 +442,7 @@ TEST(SafeArray, IsMadeOfEachElementType) {
     }
 }
 
-TEST(SafeArray, TellsWhatItsElementsAre) {
+TEST(SafeArray, ReturnsTheTypeOfItsElements) {
     const std::pair<int, int> features[] = {{VT_BSTR, FADF_BSTR},
                                             {VT_UNKNOWN, FADF_UNKNOWN},
                                             {VT_DISPATCH, FADF_DISPATCH},
@@ -455,7 +455,7 @@ TEST(SafeArray, TellsWhatItsElementsAre) {
     }
 }
 
-TEST(SafeArray, IsNotMadeOfWhatIsNoElement) {
+TEST(SafeArray, IsNotCreatedForATypeThatCannotBeAnElement) {
     for (const int type : {VT_EMPTY + 0, VT_NULL + 0, 15, 24, VT_ARRAY | VT_I4, VT_BYREF | VT_I4})
         EXPECT_EQ(SafeArrayCreateVector(static_cast<VARTYPE>(type), 0, 1), nullptr) << type;
 }
@@ -668,7 +668,7 @@ IErrorInfo* TakenRecord() {
     return record;
 }
 
-TEST(ErrorRecord, GivesWhatItsMakerSet) {
+TEST(ErrorRecord, ReturnsTheValuesThatWereSet) {
     ICreateErrorInfo* made = nullptr;
     ASSERT_EQ(CreateErrorInfo(&made), S_OK);
     std::u16string source = u"Somebody", description = u"Fäiled 😀", file = u"help.chm";

@@ -64,7 +64,7 @@ TEST(FolderLock, KeepsOtherProcessesWaiting) {
     EXPECT_TRUE(other.HasTheLockWithin(20000));
 }
 
-TEST(FolderLock, OfAnotherFolderKeepsNobodyWaiting) {
+TEST(FolderLock, OfAnotherFolderBlocksNoProcess) {
     const TemporaryFolder folder, second;
     const OtherProcess other(second.Path());
     const FolderLock lock(folder.Path());

@@ -46,7 +46,7 @@ Variant Call(const Ref<Sample>& object, const char* name, MemberKind kind, std::
     return Invoke(*object, name, kind, arguments);
 }
 
-TEST(Interface, TellsItsMembersInTheirOrder) {
+TEST(Interface, DescribesItsMembersInTheirOrder) {
     EXPECT_EQ(TestKit::MembersOf(*New<Sample>()),
               (std::vector<String>{"put Number(int32)", "get Number -> int32", "put Text(string)", "get Text -> string",
                                    "putref Members(Collection&)", "get Members -> Collection", "get Flag -> boolean",

@@ -147,7 +147,7 @@ TEST(Marshal, AValueThatIsPutDoesNotFreeTheOldOne) {
 
 // ---- objects ----------------------------------------------------------------------------------------
 
-TEST(Marshal, AnObjectThatIsGivenIsHeldByItsTaker) {
+TEST(Marshal, AnObjectThatIsPassedIsReferencedByItsReceiver) {
     const Ref<Collection> object = New<Collection>();
     Held given;
     ToVariant(object, given);
@@ -162,7 +162,7 @@ TEST(Marshal, AnObjectThatIsGivenIsHeldByItsTaker) {
     EXPECT_EQ(ReferencesOf(pointer), 1U);
 }
 
-TEST(Marshal, AStrangersObjectPassesThroughAsItIs) {
+TEST(Marshal, AForeignObjectIsPassedUnchanged) {
     for (const bool isDispatch : {true, false}) {
         ForeignObject stranger(isDispatch);
         {
@@ -341,7 +341,7 @@ TEST(Marshal, AnArrayOfVariantsIsTakenAsTexts) {
     EXPECT_EQ(FromVariant(array), Variant(std::vector<String>{"one", "2", "True"}));
 }
 
-TEST(Marshal, AnArrayWithAVariantThatIsNoTextIsRefused) {
+TEST(Marshal, AnArrayWithAVariantThatIsNotATextIsRejected) {
     const Held array = ArrayOf(VT_VARIANT, 2);
     VARIANT& second = Elements<VARIANT>(array)[1];
     ToVariant("kept until the failure", Elements<VARIANT>(array)[0]);
@@ -457,7 +457,7 @@ TEST(Marshal, AValueComesBackThroughATypedReference) {
     SysFreeString(text);
 }
 
-TEST(Marshal, AValueComesBackInAVariantThatIsNoReference) {
+TEST(Marshal, AValueIsWrittenBackIntoAVariantThatIsNotAReference) {
     Held argument(VT_BSTR);
     argument.bstrVal = ToBstr("the old one is freed");
     WriteBack(Long{7}, argument);

@@ -85,7 +85,7 @@ TEST(ReturnCode, AnArgumentsFailureHasTheCodesOfACall) {
         << "one that is no argument's keeps its number";
 }
 
-TEST(ReturnCode, WithoutMemoryThereIsNoOldRecordLeft) {
+TEST(ReturnCode, AFailedAllocationRemovesTheOldRecord) {
     EXPECT_EQ(CodeOfThrown(std::bad_alloc()), E_OUTOFMEMORY);
     EXPECT_EQ(Record(), "");
 }
@@ -97,7 +97,7 @@ TEST(ReturnCode, ForeignExceptionsAreUnexpected) {
     EXPECT_EQ(Record(), "Runtime: Unexpected failure");
 }
 
-TEST(ReturnCode, FailingLeavesARecordAndGivesTheCode) {
+TEST(ReturnCode, AFailureSetsARecordAndReturnsTheCode) {
     EXPECT_EQ(FailWith(E_NOTIMPL, "Not here"), E_NOTIMPL);
     EXPECT_EQ(Record(), "Runtime: Not here");
 }

@@ -80,7 +80,7 @@ TEST(Collection, MembersBehindARemovedOneCloseUpAndItsKeyIsFree) {
     EXPECT_EQ(All(*c), "acb");
 }
 
-TEST(Collection, AWalkStandsRemovalAndInsertion) {
+TEST(Collection, AnEnumeratorAllowsRemovalAndInsertion) {
     const Ref<Collection> c = Letters("abcd");
     const Ref<Enumerator> walk = c->NewEnum();
     Variant item;
@@ -99,7 +99,7 @@ TEST(Collection, AWalkStandsRemovalAndInsertion) {
     EXPECT_EQ(CStr(item), "x");
 }
 
-TEST(Collection, RemovingLetsTheMemberGo) {
+TEST(Collection, RemoveReleasesTheMember) {
     struct Watched final : Object {
         explicit Watched(bool& gone) : gone_(gone) {}
         ~Watched() override { gone_ = true; }

@@ -29,7 +29,7 @@ TEST(Services, GuidsAreRandomOnesOfVersionFour) {
     EXPECT_TRUE(first.Data1 != second.Data1 || first.Data4 != second.Data4);
 }
 
-TEST(Services, ClockAndTimerTellTheSameTime) {
+TEST(Services, ClockAndTimerReturnTheSameTime) {
     const DateParts now = PartsOf(Now());
     const double seconds = now.Hour * 3600 + now.Minute * 60 + now.Second;
     const double apart = std::abs(static_cast<double>(Timer()) - seconds);
