@@ -35,7 +35,7 @@ TEST(ToothText, BlanksSelectNothing) {
     EXPECT_THAT(Read("    "), IsEmpty());
 }
 
-TEST(ToothText, WhatNamesNoToothFails) {
+TEST(ToothText, ATextWithoutAToothFails) {
     for (const char* text : {"19,", "59,", "86,", "10,", "00,", "1", " 11,", "1 ,", "ab,", "\t", "１１,", "-1,", "91,"})
         EXPECT_EQ(FailureOf([&] { Read(text); }).Number, 91) << text;
 }

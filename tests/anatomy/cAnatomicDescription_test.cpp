@@ -43,7 +43,7 @@ protected:
 
     void Select(const char* key) { group->cTeeth()->Item(key)->Selected = true; }
 
-    /// "boolean true", as `SaveSGN` gives it.
+    /// "boolean true", as `SaveSGN` returns it.
     static Variant Yes() { return true; }
     static Variant No() { return false; }
 
@@ -341,7 +341,7 @@ TEST_F(Description, AnIntraOralGroupWithAnIncompleteSetReportsFalse) {
     EXPECT_THAT(Sent(), IsEmpty());
 }
 
-TEST_F(Description, NamesOfAnyScriptComeBackAsTheyWere) {
+TEST_F(Description, NamesOfAnyScriptAreReadUnchanged) {
     for (const char* name : {"Ωμέγα", "Зубы", "臼歯", "🦷", "x', Comments='y"}) {
         const Ref<cAnatomicDescription> fresh = New<cAnatomicDescription>();
         fresh->ADName = fresh->ADComments = name;

@@ -117,7 +117,7 @@ private:
     VARIANT variant_{};
 };
 
-/// What a call gave.
+/// The return code and the results of a call.
 struct Outcome {
     HRESULT Code = E_UNEXPECTED;
     Value Result;
@@ -126,7 +126,7 @@ struct Outcome {
     UINT Wrong = 99;  ///< the position of the argument that was wrong
 };
 
-/// Calls a member by its identity; `arguments` in their order, changed where they come back.
+/// Calls a member by its dispatch identifier. `arguments` are in their order; those that are written back are changed.
 Outcome Invoke(IDispatch* object, DISPID id, int flags, std::vector<Value>& arguments);
 
 /// Calls by name. `Get`, `Put` and `Call` fail the test where the call fails.

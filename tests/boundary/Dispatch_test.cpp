@@ -99,7 +99,7 @@ TEST(Invoke, ATextKeepsItsZeros) {
 
 // ---- arguments --------------------------------------------------------------------------------------
 
-TEST(Invoke, ArgumentsByReferenceComeBack) {
+TEST(Invoke, ArgumentsByReferenceAreWrittenBack) {
     const Dispatch connection = OpenedConnection();
     Call(connection, "Execute", {"CREATE TABLE t (a INTEGER)"});
     Value count;
@@ -110,7 +110,7 @@ TEST(Invoke, ArgumentsByReferenceComeBack) {
     EXPECT_EQ(typed, 2);
 }
 
-TEST(Invoke, AnArgumentByReferenceComesBackFromAnOperationThatRaises) {
+TEST(Invoke, AnArgumentByReferenceIsWrittenBackByAnOperationThatRaises) {
     const Dispatch ids = Create("OXClass.OtherPatIDs");
     Call(ids, "Add", {"one", 1, "K"});
     Value text(" abc ");
@@ -234,7 +234,7 @@ TEST(Invoke, ANullIsTheRuntimesOwnFailure) {
     EXPECT_EQ(wrong.Description, "Invalid use of Null");
 }
 
-TEST(Invoke, WhatAMemberRaisesIsAnException) {
+TEST(Invoke, AFailureOfAMemberIsAnException) {
     const Outcome missing = Invoke(Create("OXClass.cComments").Get(), "Item", DISPATCH_PROPERTYGET, {7});
     EXPECT_EQ(missing.Code, DISP_E_EXCEPTION);
     EXPECT_EQ(missing.Failure, static_cast<HRESULT>(0x800A0009));
@@ -273,7 +273,7 @@ TEST(Invoke, WorksWithoutPlacesForResultAndFailure) {
               DISP_E_EXCEPTION);
 }
 
-TEST(Invoke, UnsoundParametersAreRefused) {
+TEST(Invoke, UnsoundParametersAreRejected) {
     const Dispatch comments = Create("OXClass.cComments");
     const DISPID count = IdOf(comments.Get(), "Count");
     DISPPARAMS none{}, noArguments{nullptr, nullptr, 1, 0}, noNames{nullptr, nullptr, 0, 1};
@@ -287,7 +287,7 @@ TEST(Invoke, UnsoundParametersAreRefused) {
     EXPECT_EQ(code(&none, IID_IDispatch), DISP_E_UNKNOWNINTERFACE);
 }
 
-TEST(Invoke, AReferenceThatCannotTakeWhatComesBackIsRefusedBeforeAnythingRuns) {
+TEST(Invoke, AReferenceOfAWrongTypeIsRejectedBeforeTheMemberRuns) {
     const Dispatch others = Create("OXClass.OtherPatIDs");
     LONG number = 5;
     EXPECT_EQ(Invoke(others.Get(), "Add", DISPATCH_METHOD, {Value::Reference(VT_I4, &number), 7}).Code,
@@ -298,7 +298,7 @@ TEST(Invoke, AReferenceThatCannotTakeWhatComesBackIsRefusedBeforeAnythingRuns) {
     EXPECT_EQ(Get(others, "Count").Long(), 1);
 }
 
-TEST(Invoke, ATextThatComesBackTakesThePlaceOfTheOldOne) {
+TEST(Invoke, ATextThatIsWrittenBackReplacesTheOldOne) {
     const Dispatch connection = OpenedConnection(), root = Create("OXClass.Class1");
     Call(root, "SaveGLSetting", {connection, 42, "the setting", false});
     Text typed("before");

@@ -12,7 +12,7 @@ namespace {
 using namespace Client;
 using ::testing::ElementsAre;
 
-/// What a client was told, with its context.
+/// The calls that a client's handlers received, with their context.
 struct Told {
     std::vector<std::string> lines;
     bool cancel = false;
@@ -128,7 +128,7 @@ TEST(Events, WrongCallsGetTheStandardCodes) {
     Call(connection, "Execute", {"CREATE TABLE t (a)"});
 }
 
-TEST(Events, AnotherThreadIsRefused) {
+TEST(Events, AnotherThreadIsRejected) {
     Told told;
     ULONG cookie = 0;
     const Dispatch connection = Create("ADODB.Connection");

@@ -5,7 +5,7 @@
 
 #include <thread>
 
-/// Objects keep their identity over the boundary, and live as long as somebody holds them.
+/// The identity and the lifetime of objects at the COM interface: an object lives as long as it is referenced.
 namespace {
 
 using namespace Client;
@@ -13,7 +13,7 @@ using TestKit::ForeignObject;
 
 IUnknown* IdentityOf(IUnknown* object) { return Ask<IUnknown>(object, IID_IUnknown).Get(); }
 
-TEST(Identity, AnObjectHasOneHoweverItIsAsked) {
+TEST(Identity, AnObjectHasOneIdentityThroughEveryInterface) {
     const Dispatch patient = Create("OXClass.cPatient");
     EXPECT_EQ(IdentityOf(patient.Get()), IdentityOf(patient.Get()));
     const auto errors = Ask<ISupportErrorInfo>(patient.Get(), IID_ISupportErrorInfo);
@@ -72,7 +72,7 @@ TEST(Identity, AReleasedCollectionDeletesItsMembersUnlessTheyAreReferenced) {
     EXPECT_EQ(CanUnloadNow(), S_OK) << "the other member went with the collection";
 }
 
-// ---- objects of somebody else -----------------------------------------------------------------------
+// ---- foreign objects --------------------------------------------------------------------------------
 
 Value ValueOf(ForeignObject& stranger) {
     stranger.AddRef();
@@ -104,7 +104,7 @@ TEST(ForeignObject, IsRejectedWhereAnObjectOfAClassIsRequired) {
     EXPECT_EQ(stranger.references, 1U);
 }
 
-TEST(ForeignObject, AnObjectOfAnotherClassIsRefusedToo) {
+TEST(ForeignObject, AnObjectOfAnotherClassIsRejectedToo) {
     const Dispatch entry = Create("OXClass.cUniCard");
     const Outcome put = Invoke(entry.Get(), "Study", DISPATCH_PROPERTYPUTREF, {Create("OXClass.cPatient")});
     EXPECT_EQ(put.Code, DISP_E_TYPEMISMATCH);
@@ -175,7 +175,7 @@ TEST(Enumerator, WrongCallsGetTheStandardCodes) {
 
 // ---- threads ----------------------------------------------------------------------------------------
 
-TEST(Threads, AnObjectOfAnotherThreadRefusesCalls) {
+TEST(Threads, AnObjectOfAnotherThreadRejectsCalls) {
     const Dispatch patient = Create("OXClass.cPatient");
     const auto walk = WalkOf(ThreeTeeth());
     std::thread([&] {

@@ -82,7 +82,7 @@ TEST(ClassFactory, WrongCallsGetTheStandardCodes) {
 
 // ---- when nothing is in use -------------------------------------------------------------------------
 
-TEST(CanUnloadNow, IsTrueUntilAnObjectIsMadeAndAfterItEnds) {
+TEST(CanUnloadNow, IsTrueUntilAnObjectIsCreatedAndAfterItIsDeleted) {
     ASSERT_EQ(CanUnloadNow(), S_OK);
     for (const std::string& name : ClassNames()) {
         Dispatch object = Create(name);
@@ -103,7 +103,7 @@ TEST(CanUnloadNow, CountsFactoriesAndLocks) {
     EXPECT_EQ(CanUnloadNow(), S_OK);
 }
 
-TEST(CanUnloadNow, AnUnlockTooManyTakesNothingAway) {
+TEST(CanUnloadNow, AnUnlockWithoutALockIsIgnored) {
     {
         const auto factory = PatientFactory();
         factory->LockServer(0);

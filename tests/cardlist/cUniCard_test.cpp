@@ -129,7 +129,7 @@ TEST_F(UniCard, ACardMakesItACard) {
     EXPECT_EQ(entry->CardType(), ctImagecard);
 }
 
-TEST_F(UniCard, ASeriesWinsOverACard) {
+TEST_F(UniCard, ASeriesHasPrecedenceOverACard) {
     HoldCard();
     HoldSeries();
     EXPECT_EQ(entry->CardType(), ctseries);
@@ -239,7 +239,7 @@ TEST_F(UniCard, TheStoredNumbersOfACardAreReplaced) {
     EXPECT_EQ(Ask("SELECT SUM(IASequence) FROM ImageAttribute_T"), Variant(Long{13})) << "in memory alone";
 }
 
-TEST_F(UniCard, ACardWithoutPlacedImagesAsksForNoImage) {
+TEST_F(UniCard, ACardWithoutPlacedImagesReadsNoImages) {
     HoldCard();
     RunImage(11);
     EXPECT_EQ(Load(ctImagecard), 0);
@@ -248,7 +248,7 @@ TEST_F(UniCard, ACardWithoutPlacedImagesAsksForNoImage) {
     EXPECT_EQ(entry->colImages->Count(), 0);
 }
 
-TEST_F(UniCard, PlacedImagesWithoutARowAreJustNotThere) {
+TEST_F(UniCard, PlacedImagesWithoutARowAreOmitted) {
     HoldCard();
     RunImage(11);
     RunPlaced(1, 11, 1);
@@ -503,7 +503,7 @@ TEST_F(UniCard, ALateBoundCallerGetsTheKeyBack) {
     EXPECT_EQ(arguments[2], Variant(Long{5}));
 }
 
-TEST_F(UniCard, AnyOtherKeyWinsOverTheKeyOfTheSeries) {
+TEST_F(UniCard, AnyOtherKeyHasPrecedenceOverTheKeyOfTheSeries) {
     HoldSeries();
     Long key = 9;
     entry->LoadCardFull(con, "1.2", key, ctseries);
@@ -531,7 +531,7 @@ TEST_F(UniCard, ImagesOfASeriesThatCannotBeReadFailTheLoad) {
     EXPECT_FALSE(entry->Template);
 }
 
-TEST_F(UniCard, ALayoutThatCannotBeReadFailsTheLoadBehindTheImages) {
+TEST_F(UniCard, ALayoutThatCannotBeReadFailsTheLoadAfterTheImages) {
     HoldSeries();
     RunImage(11);
     Run("DROP TABLE TemplateCard_T");
@@ -540,7 +540,7 @@ TEST_F(UniCard, ALayoutThatCannotBeReadFailsTheLoadBehindTheImages) {
     EXPECT_FALSE(entry->Imagecard);
 }
 
-TEST_F(UniCard, ASecondLoadOfASeriesMakesItsCardAnew) {
+TEST_F(UniCard, ASecondLoadOfASeriesCreatesItsCardAgain) {
     HoldSeries();
     RunTemplate("400", "300");
     RunImage(11);
@@ -553,7 +553,7 @@ TEST_F(UniCard, ASecondLoadOfASeriesMakesItsCardAnew) {
 
 // ---- the kind asked for ---------------------------------------------------------------------------------
 
-TEST_F(UniCard, TheArgumentDecidesAndNotWhatTheEntryHolds) {
+TEST_F(UniCard, TheArgumentIsUsedAndNotTheEntrysValue) {
     HoldSeries();
     HoldCard();
     RunPlaced(1, 11, 1);

@@ -67,7 +67,7 @@ const String& NotNull(const Cell& cell) {
 
 double DaysOf(const String& text) { return CDate(Variant(text)).Days; }
 
-/// The list as it is told, over rows that it selects itself.
+/// The documented list, computed from rows that the model selects itself.
 class Model {
 public:
     Model(const Ref<Connection>& con, double tenMinutesAgo) : con_(con), tenMinutesAgo_(tenMinutesAgo) {}

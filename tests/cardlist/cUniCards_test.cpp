@@ -160,7 +160,7 @@ TEST_F(UniCards, APatientWithoutEntriesSetsTheKeyAndAnEmptyList) {
     EXPECT_THAT(Sent(), ElementsAre(CardsOf("ANNA"), PatientOf("ANNA"), SeriesOf(7)));
 }
 
-TEST_F(UniCards, AnUnknownPatientAsksForTheSeriesOfKeyZero) {
+TEST_F(UniCards, AnUnknownPatientReadsTheSeriesOfKeyZero) {
     RunCard(1, noon);
     EXPECT_EQ(Load("NOBODY"), 0);
     EXPECT_EQ(list->Count(), 0);
@@ -705,7 +705,7 @@ TEST_F(UniCards, SeriesOfOneDateComeTheNewestKeyFirst) {
     EXPECT_THAT(Keys(), ElementsAre("SE9", "SE4", "SE2"));
 }
 
-TEST_F(UniCards, ACardWithoutACreationGoesByItsLastChange) {
+TEST_F(UniCards, ACardWithoutACreationDateIsSortedByItsLastChange) {
     RunCard(1, "1899-12-30 00:00:00", "ICLastUpdate='2024-01-02 00:00:00'");
     RunCard(2, "2024-01-01 00:00:00");
     RunCard(3, "2024-01-03 00:00:00");
@@ -713,7 +713,7 @@ TEST_F(UniCards, ACardWithoutACreationGoesByItsLastChange) {
     EXPECT_THAT(Keys(), ElementsAre("IC3", "IC1", "IC2"));
 }
 
-TEST_F(UniCards, ASeriesWithoutADateGoesByItsStudy) {
+TEST_F(UniCards, ASeriesWithoutADateIsSortedByItsStudy) {
     RunSeriesWithImage(1, noon, "SeriesDateTime=NULL");
     RunCard(2, "2024-01-01 07:59:59");
     RunCard(3, "2024-01-01 08:00:01");
@@ -771,7 +771,7 @@ protected:
     void RunCardOfDay(Long key, double days) { RunCard(key, FormatDate(Date{days}, "yyyy-mm-dd hh:nn:ss")); }
 };
 
-TEST_F(MergedUniCards, AnEntryGoesBeforeTheFirstOlderMember) {
+TEST_F(MergedUniCards, AnEntryIsInsertedBeforeTheFirstOlderMember) {
     Preload({CardOf("a", 40000), CardOf("b", 20000), CardOf("c", 30000)});
     RunCardOfDay(1, 25000);
     RunCardOfDay(2, 35000);
@@ -787,7 +787,7 @@ TEST_F(MergedUniCards, AnEntryThatNoMemberIsOlderThanIsAppended) {
     EXPECT_THAT(Keys(), ElementsAre("a", "b", "IC1", "IC2"));
 }
 
-TEST_F(MergedUniCards, AnEntryGoesBehindAllMembersOfItsDate) {
+TEST_F(MergedUniCards, AnEntryIsInsertedAfterAllMembersOfItsDate) {
     Preload({CardOf("a", 30000), CardOf("b", 30000), CardOf("c", 20000)});
     RunCardOfDay(1, 30000);
     Load();
@@ -825,7 +825,7 @@ TEST_F(UniCards, ARepeatedCallShowsTheComparisonWhereTheKeyWouldGoBeforeAMember)
     EXPECT_THAT(Keys(), ElementsAre("IC1", "IC2"));
 }
 
-TEST_F(UniCards, WhatIsNewerThanTheRepeatedKeyIsMergedBeforeItFails) {
+TEST_F(UniCards, EntriesNewerThanTheRepeatedKeyAreMergedBeforeItFails) {
     RunCard(1, "2024-01-02 00:00:00");
     Load();
     RunCard(2, "2024-01-03 00:00:00");
@@ -834,7 +834,7 @@ TEST_F(UniCards, WhatIsNewerThanTheRepeatedKeyIsMergedBeforeItFails) {
     EXPECT_THAT(Keys(), ElementsAre("IC2", "IC1")) << "the third came behind the failure";
 }
 
-TEST_F(UniCards, ARepeatedSeriesFailsBehindTheNewCards) {
+TEST_F(UniCards, ARepeatedSeriesFailsAfterTheNewCards) {
     RunSeriesWithImage(1, "2024-01-02 00:00:00");
     Load();
     RunCard(2, "2024-01-01 00:00:00");
@@ -860,7 +860,7 @@ TEST_F(UndatedMember, EndsTheMergeAtItsComparison) {
     EXPECT_THAT(Keys(), ElementsAre("undated"));
 }
 
-TEST_F(UndatedMember, IsNotReachedByAnEntryThatGoesBeforeIt) {
+TEST_F(UndatedMember, IsNotReadForAnEntryThatIsInsertedBeforeIt) {
     Preload({CardOf("a", 10000), undated});
     RunCardOfDay(1, 20000);
     const TextBoxes boxes;
@@ -869,7 +869,7 @@ TEST_F(UndatedMember, IsNotReachedByAnEntryThatGoesBeforeIt) {
     EXPECT_THAT(Keys(), ElementsAre("IC1", "a", "undated"));
 }
 
-TEST_F(UndatedMember, LeavesWhatWasMergedBefore) {
+TEST_F(UndatedMember, KeepsTheEntriesMergedBefore) {
     Preload({CardOf("a", 20000), undated});
     RunCardOfDay(1, 30000);
     RunCardOfDay(2, 25000);
@@ -926,7 +926,7 @@ TEST_F(UniCards, AddObjBeforeAnUnknownMemberRaises) {
     EXPECT_THAT(Keys(), ElementsAre("IC1"));
 }
 
-TEST_F(UniCards, AddObjUnderAKeyThatIsThereRaises) {
+TEST_F(UniCards, AddObjUnderAnExistingKeyRaises) {
     RunCard(1, noon);
     Load();
     EXPECT_EQ(FailureOf([&] { list->AddObj(CardOf("own", 1), "ic1", "IC1"); }).Number, 457);
@@ -1054,7 +1054,7 @@ TEST_F(UniCards, ANonNumericServerFailsTheEntry) {
     LoadFails(Box("13", 10, DescriptionOf(13)), 7);
 }
 
-TEST_F(UniCards, ADateOfASeriesThatIsNoneFailsTheEntry) {
+TEST_F(UniCards, AnInvalidDateOfASeriesFailsTheEntry) {
     RunSeriesWithImage(3, "soon");
     LoadFails(Box("13", 10, DescriptionOf(13)), 7);
 }

@@ -59,7 +59,7 @@ protected:
         EXPECT_EQ(failure.Description, "injected");
     }
 
-    /// Saves with this call failing, which nobody may notice.
+    /// Saves while this call fails. The save must not report the failure.
     void SwallowsAt(int call) {
         FailAtCall(call);
         bool saved = false;

@@ -14,7 +14,7 @@ using ::testing::IsEmpty;
 /// Four bitewings, which a layout shows in four slots.
 const char* const bitewings[] = {"17,16,47,46,", "15,14,45,44,", "24,25,34,35,", "26,27,36,37,"};
 
-/// Which image lies where: image, left, top, width, height.
+/// The place of an image: image, left, top, width, height.
 using Placed = std::vector<double>;
 
 class CardLifecycle : public WithDatabase {
@@ -146,7 +146,7 @@ TEST_F(CardLifecycle, ASeriesIsHungListedOpenedAndStoredAsACardThatLooksTheSame)
     for (const cImage& image : *card->colImages) EXPECT_EQ(image.Root_RootDirectory, "/images");
 }
 
-TEST_F(CardLifecycle, AnImageThatHangsNowhereComesBackInTheGrid) {
+TEST_F(CardLifecycle, AnImageWithoutAFrameIsPlacedInTheGrid) {
     BeginSeries();
     for (const char* teeth : bitewings) Capture(teeth);
     HangAndSave();
@@ -162,7 +162,7 @@ TEST_F(CardLifecycle, AnImageThatHangsNowhereComesBackInTheGrid) {
     EXPECT_EQ(places, PlacesOf(hung));
 }
 
-TEST_F(CardLifecycle, ACaptureThatBringsNothingIsGoneFromTheListAndTheTableAfterTenMinutes) {
+TEST_F(CardLifecycle, ACaptureWithoutImagesIsDeletedFromTheListAndTheTableAfterTenMinutes) {
     BeginSeries();
     now.Days += 9 / 1440.0;
     EXPECT_THAT(KeysOf(List()), ElementsAre("SE1"));

@@ -28,7 +28,7 @@ TEST(CosmeticText, BlanksAreNotPartOfTheNumber) {
     EXPECT_EQ(Parts("   a"), "0|a");
 }
 
-TEST(CosmeticText, TheNumberEndsAtTheFirstCharacterThatIsNone) {
+TEST(CosmeticText, TheNumberEndsAtTheFirstNonNumericCharacter) {
     EXPECT_EQ(Parts("7x9a"), "7|a");
     EXPECT_EQ(Parts("7\\8a"), "7|a");
     EXPECT_EQ(Parts("1,9a"), "1|a");
@@ -39,7 +39,7 @@ TEST(CosmeticText, WithoutANumberTheRootIsZero) {
     EXPECT_EQ(Parts("x07a"), "0|a");
 }
 
-TEST(CosmeticText, AFractionGoesToTheNearestWholeNumberAndATieToTheEvenOne) {
+TEST(CosmeticText, AFractionIsRoundedToTheNearestNumberAndATieToTheEvenOne) {
     EXPECT_EQ(Parts("1.6a"), "2|a");
     EXPECT_EQ(Parts("2.5a"), "2|a");
     EXPECT_EQ(Parts("3.5a"), "4|a");

@@ -4,8 +4,8 @@
 
 #include <map>
 
-/// Cards, placed images and manipulations that can't be read or stored whole: what the documented operations
-/// don't tell, and programs in C++ learn.
+/// Cards, placed images and manipulations that can't be read or stored completely: the failures that the documented
+/// operations do not report, and that C++ programs can read.
 namespace OXClass {
 namespace {
 
@@ -127,7 +127,7 @@ TEST_F(CardsReadInPart, APlacedImageReportsThatItsManipulationsAreNotStored) {
     }
 }
 
-TEST_F(CardsReadInPart, AListGoesOnPastWhatCannotBeRead) {
+TEST_F(CardsReadInPart, AListContinuesAfterRowsThatCannotBeRead) {
     StoreCard(1, "ICFullViewWidth=-5");
     StoreCard(2);
     StoreCard(3, "ICName=NULL");

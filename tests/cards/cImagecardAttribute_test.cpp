@@ -257,7 +257,7 @@ protected:
     }
 };
 
-TEST_F(PlacedToBeDeleted, ANewOneRunsTheDeleteWithKeyZeroAndInsertsNothing) {
+TEST_F(PlacedToBeDeleted, ANewOneRunsTheDeleteWithKeyZeroAndNoInsert) {
     placed->ID = 0;
     AddStep(ManRotate);
     EXPECT_TRUE(placed->Save(con));
@@ -273,7 +273,7 @@ TEST_F(PlacedToBeDeleted, ANegativeIdDoesNothing) {
     EXPECT_THAT(Sent(), IsEmpty());
 }
 
-TEST_F(PlacedToBeDeleted, ARowGoesWithItsManipulations) {
+TEST_F(PlacedToBeDeleted, ARowIsDeletedWithItsManipulations) {
     RunStep(6, "'a'", 1);
     RunStep(1, "'001x.dcm'", 2);
     RunStep(6, "NULL", 3);
@@ -298,7 +298,7 @@ TEST_F(PlacedToBeDeleted, TheObjectStaysAsItWasAndMayBeDeletedAgain) {
     EXPECT_TRUE(placed->Save(con));
 }
 
-TEST_F(PlacedToBeDeleted, ACosmeticStepWithoutATextFailsBehindTheRowAndTheStepsBeforeIt) {
+TEST_F(PlacedToBeDeleted, ACosmeticStepWithoutATextFailsAfterTheRowAndTheStepsBeforeIt) {
     RunStep(6, "'first'", 1);
     RunStep(1, "NULL", 2);
     RunStep(6, "'last'", 3);
@@ -342,25 +342,25 @@ TEST_F(PlacedInTheMiddle, AnUpdateHandlesMessagesOnceBehindTheUpdateAndBeforeThe
     EXPECT_THAT(sentBefore, ElementsAre(1U));
 }
 
-TEST_F(PlacedInTheMiddle, AnInsertHandlesNone) {
+TEST_F(PlacedInTheMiddle, AnInsertHandlesNoMessages) {
     placed->ID = 0;
     placed->Save(con);
     EXPECT_THAT(sentBefore, IsEmpty());
 }
 
-TEST_F(PlacedInTheMiddle, ADeletionHandlesNone) {
+TEST_F(PlacedInTheMiddle, ADeletionHandlesNoMessages) {
     placed->ToBeDeleted = true;
     placed->Save(con);
     EXPECT_THAT(sentBefore, IsEmpty());
 }
 
-TEST_F(PlacedInTheMiddle, AFailedUpdateHandlesNone) {
+TEST_F(PlacedInTheMiddle, AFailedUpdateHandlesNoMessages) {
     Run("DROP TABLE ImageAttribute_T");
     EXPECT_NE(FailureOf([&] { placed->Save(con); }).Number, 0);
     EXPECT_THAT(sentBefore, IsEmpty());
 }
 
-TEST_F(PlacedInTheMiddle, WhatTheProgramChangesThenIsSaved) {
+TEST_F(PlacedInTheMiddle, ChangesOfTheProgramDuringTheMessagesAreSaved) {
     meanwhile = [this] { AddStep(ManRotate, "late"); };
     placed->Save(con);
     EXPECT_THAT(StoredSteps(), ElementsAre("21:1:6:0:late"));
@@ -373,7 +373,7 @@ TEST_F(PlacedInTheMiddle, TheProgramMayReplaceTheManipulations) {
     EXPECT_THAT(StoredSteps(), IsEmpty());
 }
 
-TEST_F(PlacedInTheMiddle, TheProgramMaySetTheManipulationsToNothing) {
+TEST_F(PlacedInTheMiddle, TheProgramMaySetTheManipulationsToNull) {
     meanwhile = [this] { placed->Manipulations = nullptr; };
     EXPECT_TRUE(placed->Save(con));
 }
@@ -397,7 +397,7 @@ class Steps : public Placed {
 protected:
     Steps() { placed->ID = 21; }
 
-    /// Loads two rows of which the second has these changes; gives the result.
+    /// Loads two rows of which the second has these changes; returns the result.
     bool LoadWithSecond(const String& changes) {
         RunStep(6, "'first'", 1);
         RunStep(6, "'second'", 2);
@@ -700,7 +700,7 @@ TEST_F(Cosmetics, ALeadingBlankOfTheNewTextIsAnotherNameThoughItIsTheSameFile) {
     EXPECT_FALSE(There("root/0_/a.dcm"));
 }
 
-TEST_F(Cosmetics, BlanksAroundTheStoredTextDoNotCount) {
+TEST_F(Cosmetics, BlanksAroundTheStoredTextAreIgnored) {
     RunStep(1, "'  0070_\\a.dcm '");
     AddStep(ManCosmetic, "0070_\\a.dcm");
     placed->SaveManipulations(con);
@@ -878,7 +878,7 @@ TEST_F(Cosmetics, ALinkOutOfTheRootDeletesNothing) {
     EXPECT_TRUE(fs::is_symlink(root / "file"));
 }
 
-TEST_F(Cosmetics, ALinkToAFileInTheRootGoesAndTheFileStays) {
+TEST_F(Cosmetics, ALinkToAFileInTheRootIsDeletedAndTheFileStays) {
     fs::create_symlink("top.dcm", root / "link");
     Drop("007link");
     EXPECT_FALSE(fs::is_symlink(root / "link"));

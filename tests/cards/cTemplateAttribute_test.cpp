@@ -235,7 +235,7 @@ TEST_F(Slot, TheUpdateFindsItsRowByTheGroupAndNotByTheKey) {
     EXPECT_EQ(Ask("SELECT TAComments FROM TemplateAttribute_T WHERE TemplateImageId=9"), Variant("nine"));
 }
 
-TEST_F(Slot, AnUpdateWithoutAGroupTouchesNoRowAndStillReportsTrue) {
+TEST_F(Slot, AnUpdateWithoutAGroupChangesNoRowAndReturnsTrue) {
     Run("INSERT INTO TemplateAttribute_T (TemplateImageId, TAComments) VALUES (9, 'nine')");
     slot->ID = 9;
     EXPECT_TRUE(slot->Save(con));

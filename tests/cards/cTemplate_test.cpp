@@ -98,7 +98,7 @@ TEST_F(Template, StartsEmptyWithAnImageTypeOfZero) {
 
 // ---- loading --------------------------------------------------------------------------------------
 
-TEST_F(Template, TheDicomNumberWinsOverTheKey) {
+TEST_F(Template, TheDicomNumberHasPrecedenceOverTheKey) {
     RunRow(7, 1);
     RunRow(8, 5);
     card->GetTemplate(con, 7, 5);
@@ -413,7 +413,7 @@ TEST_F(Template, AHandlerMayReplaceTheSlotsAndReleaseTheTemplateWhileTheyAreSave
     EXPECT_EQ(Ask("SELECT count(*) FROM TemplateAttribute_T WHERE TemplateID=600"), Variant(Long{2}));
 }
 
-TEST_F(Template, ASlotThatWasTakenOutStaysInItsTable) {
+TEST_F(Template, ASlotThatWasRemovedStaysInItsTable) {
     FillAll();
     AddSlot(1, "K1");
     card->Save(con);

@@ -238,7 +238,7 @@ TEST_F(Cards, AnImageIsPutIntoTheFirstFreeCell) {
     EXPECT_EQ(placed[2]["y"], 0.0);
 }
 
-TEST_F(Cards, ScriptsLearnWhatWasDone) {
+TEST_F(Cards, TheExitCodeReportsTheResultToScripts) {
     Ok({"card", "new", "P-1.2.3", "Control"});
     EXPECT_EQ(OkJson({"card", "add", "IC1", "1", "2"}), (json{{"card", "IC1"}, {"placed", {1, 2}}}));
     EXPECT_EQ(OkJson({"card", "move", "IC1", "2", "--mirror"}), (json{{"card", "IC1"}, {"placed", {2}}}));
@@ -332,7 +332,7 @@ TEST_F(Cards, AStoredNameOutOfTheRootIsNeverOpened) {
     EXPECT_THAT(UserError({"draw", "SE1", "-o", File("mouth.svg")}, 3), HasSubstr("its stored name means no file"));
 }
 
-TEST_F(Cards, ADrawingThatCannotBeMadeLeavesTheEarlierFile) {
+TEST_F(Cards, ADrawingThatCannotBeCreatedLeavesTheEarlierFile) {
     std::ofstream(File("old.svg")) << "old";
     EXPECT_THAT(UserError({"draw", "SE9", "-o", File("old.svg")}), HasSubstr("there is no series SE9"));
     EXPECT_THAT(UserError({"draw", "7", "-o", File("old.svg")}), HasSubstr("IC5"));

@@ -28,7 +28,7 @@ protected:
         return Try(arguments);
     }
 
-    /// A run that fails with one line; gives the line.
+    /// Runs a command that fails with one line; returns the line.
     std::string Refused(const std::vector<std::string>& arguments) {
         const Result run = OnDatabase(arguments);
         EXPECT_EQ(run.code, 1) << run.out;
@@ -37,7 +37,7 @@ protected:
         return run.err;
     }
 
-    /// A list that goes on past damaged rows.
+    /// Runs a list command that continues after damaged rows; returns the list.
     json Partly(std::vector<std::string> arguments) {
         arguments.push_back("--json");
         const Result run = OnDatabase(std::move(arguments));
@@ -91,7 +91,7 @@ protected:
 constexpr const char* ColumnsThatMustBeThere[] = {"Brightness_INT", "Contrast_INT", "DateCaptured_SD", "ImageType",
                                                   "Invert_BT",      "PatientID",    "RootId"};
 
-TEST_F(DamagedRows, HangingRefusesAnImageThatIsReadInPart) {
+TEST_F(DamagedRows, HangingRejectsAnImageThatIsReadInPart) {
     for (const char* column : ColumnsThatMustBeThere) {
         Run("UPDATE ImageBild_T SET FrameNumber_INT = 0");
         Run(std::string("CREATE TABLE Kept AS SELECT ") + column + " AS value FROM ImageBild_T WHERE ImageBildID = 2");
@@ -298,7 +298,7 @@ TEST_F(DamagedRows, ASeriesStaysToWhichAnImageOfUnreadableSeriesMayBelong) {
     EXPECT_EQ(OkJson({"cards", "P-1.2.3"})["orphans_removed"], 1) << "an image of another study is not its own";
 }
 
-TEST_F(DamagedRows, ACheckNamesEachDamagedRowAndGoesOn) {
+TEST_F(DamagedRows, ACheckNamesEachDamagedRowAndContinues) {
     Ok({"card", "new", "P-1.2.3", "A"});
     Ok({"card", "add", "IC1", "1", "2"});
     Ok({"comment", "1", "text"});
@@ -439,7 +439,7 @@ TEST_F(DamagedRows, AQuoteInATextOfAnImageFailsNoSeries) {
     EXPECT_EQ(OkJson({"import", Films()})["stored"], 1);
 }
 
-TEST_F(DamagedRows, ATextOfTeethThatIsNoneFailsNoSeries) {
+TEST_F(DamagedRows, AnInvalidTextOfTeethFailsNoSeries) {
     Run("UPDATE ImageBild_T SET PriStructure = 'it''s 16' WHERE ImageBildID = 2");
     const json hung = OkJson({"hang", "1"});
     EXPECT_EQ(hung["without_teeth"], json::array({2}));
@@ -559,8 +559,7 @@ TEST_F(DamagedRows, ADamagedTableIsReportedAsDamage) {
     EXPECT_EQ(OkJson({"images"}).size(), 4U) << "what is not damaged can be read";
 }
 
-/// Fails one call after the other of a command; each failure must be told, and none may leave anything
-/// stored.
+/// Fails each call of a command, one after the other. The command must report each failure and must store nothing.
 class FullDisk : public DamagedRows {
 protected:
     void SetUp() override {

@@ -109,7 +109,7 @@ TEST(DicomCodes, AllTeethAreListedQuadrantByQuadrant) {
     EXPECT_TRUE(std::ranges::equal(AllTeeth, expected));
 }
 
-TEST(DicomCodes, StatesTheCodeOfTheAskedGeneration) {
+TEST(DicomCodes, ReturnsTheCodeOfTheRequestedGeneration) {
     EXPECT_EQ(CodeOfTooth(11).value, "422653006");
     EXPECT_EQ(CodeOfTooth(11).scheme, "SCT");
     EXPECT_EQ(CodeOfTooth(11, CodeGeneration::Previous).value, "22120004");
@@ -134,7 +134,7 @@ TEST(DicomCodes, NamesTeethInWords) {
     EXPECT_EQ(CodeOfTooth(81).meaning, "Deciduous mandibular right central incisor tooth");
 }
 
-TEST(DicomCodes, RefusesNumbersOfNoTooth) {
+TEST(DicomCodes, RejectsNumbersOfNoTooth) {
     EXPECT_THROW(CodeOfTooth(19), std::invalid_argument);
     EXPECT_THROW(CodeOfTooth(0), std::invalid_argument);
     EXPECT_THROW(CodeOfTooth(56), std::invalid_argument);

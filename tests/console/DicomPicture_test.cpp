@@ -188,7 +188,7 @@ TEST_F(PictureOfFile, CompressedPixelsAreRead) {
     }
 }
 
-TEST_F(PictureOfFile, ALargePictureIsMadeSmallerEvenly) {
+TEST_F(PictureOfFile, ALargePictureIsReducedInProportion) {
     const fs::path path = Write(std::vector<Uint16>(4000, 7), [](DcmDataset& set) {
         set.putAndInsertUint16(DCM_Rows, 40);
         set.putAndInsertUint16(DCM_Columns, 100);
@@ -275,7 +275,7 @@ TEST_F(PictureOfFile, ColourInJpeg2000IsDecoded) {
     }
 }
 
-TEST_F(PictureOfFile, Jpeg2000OfAnotherSizeThanTheHeaderSaysIsRefused) {
+TEST_F(PictureOfFile, Jpeg2000OfAnotherSizeThanTheHeaderSaysIsRejected) {
     const std::string codestream = Jpeg2000Of({1, 2, 3, 4}, 4, 1, 1, 12);
     EXPECT_EQ(FailureOf(WriteFragments({codestream}, EXS_JPEG2000)),
               "its JPEG 2000 pixels are not as many as its rows and columns");
@@ -379,7 +379,7 @@ TEST_F(HeadFilm, IsTurnedUprightWithTheFaceToTheRightOrTheLeftSideOnTheRight) {
     EXPECT_THAT(Corners("FR\\RH"), ElementsAre(3, 1, 4, 2));
 }
 
-TEST_F(HeadFilm, StaysAsStoredWhereItsOrientationSaysNothing) {
+TEST_F(HeadFilm, IsNotTurnedWithoutAKnownOrientation) {
     for (const char* orientation : {"", "A", "\\F", "A\\", "L\\A", "H\\F", "X\\F", "A\\Q"})
         EXPECT_THAT(Corners(orientation), ElementsAre(1, 2, 3, 4)) << orientation;
 }
@@ -401,7 +401,7 @@ TEST_F(PictureOfFile, TheFirstOfSeveralFramesIsDrawnAndTheirNumberReported) {
 
 // ---- what can't be rendered -------------------------------------------------------------------------
 
-TEST_F(PictureOfFile, PixelsThatAreCutShortAreRefused) {
+TEST_F(PictureOfFile, PixelsThatAreCutShortAreRejected) {
     EXPECT_EQ(FailureOf(Write({1, 2, 3}, [](DcmDataset& set) { set.putAndInsertUint16(DCM_Rows, 2); })),
               "its pixels are cut short: fewer than its rows and columns need");
     EXPECT_EQ(FailureOf(Write({1, 2, 3},
@@ -412,7 +412,7 @@ TEST_F(PictureOfFile, PixelsThatAreCutShortAreRefused) {
               "its pixels are cut short: fewer than its rows and columns need");
 }
 
-TEST_F(PictureOfFile, SamplesOfNoPossibleFormAreRefused) {
+TEST_F(PictureOfFile, SamplesOfNoPossibleFormAreRejected) {
     struct Form {
         Uint16 allocated, stored, high;
     };
@@ -428,7 +428,7 @@ TEST_F(PictureOfFile, SamplesOfNoPossibleFormAreRefused) {
     }
 }
 
-TEST_F(PictureOfFile, DamagedCompressedPixelsAreRefusedAndNotDrawnAsNoise) {
+TEST_F(PictureOfFile, DamagedCompressedPixelsAreRejectedAndNotDrawnAsNoise) {
     DJEncoderRegistration::registerCodecs();
     DJLSEncoderRegistration::registerCodecs();
     DcmRLEEncoderRegistration::registerCodecs();
@@ -452,7 +452,7 @@ TEST_F(PictureOfFile, DamagedCompressedPixelsAreRefusedAndNotDrawnAsNoise) {
     }
 }
 
-TEST_F(PictureOfFile, Jpeg2000ThatItsDecoderOnlyWarnsOfIsRefused) {
+TEST_F(PictureOfFile, Jpeg2000ThatItsDecoderOnlyWarnsOfIsRejected) {
     const auto noise = Noise();
     std::string codestream = Jpeg2000Of({noise.begin(), noise.end()}, 64, 64, 1, 12);
     const std::size_t quantization = codestream.find("\xFF\x5C");
@@ -470,7 +470,7 @@ TEST_F(PictureOfFile, AnUnknownMarkerIsNotReportedAsDamage) {
     EXPECT_EQ(FailureOf(WriteFragments({codestream}, EXS_JPEG2000)), "none");
 }
 
-TEST_F(PictureOfFile, AnyDamageOfAFileIsAPictureOrARefusal) {
+TEST_F(PictureOfFile, AnyDamageOfAFileIsAPictureOrARejection) {
     const auto sample = [](DcmDataset& set) {
         DcmItem* item = nullptr;
         const Uint16 descriptor[] = {4, 0, 12}, data[] = {0, 1000, 2000, 4095};

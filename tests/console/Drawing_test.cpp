@@ -72,7 +72,7 @@ TEST_F(Photograph, APhotographIsTurnedAsItsFileSays) {
     EXPECT_EQ(Pixels(turned.bytes).Height(), 16);
 }
 
-TEST_F(Photograph, ADamagedOrCutPhotographIsRefused) {
+TEST_F(Photograph, ADamagedOrCutPhotographIsRejected) {
     std::vector<Pixel> noise(static_cast<std::size_t>(64) * 64);
     for (std::size_t i = 0; i < noise.size(); ++i) noise[i] = {static_cast<int>(i * 7919 % 251), 0, 9};
     const Picture png = PictureOf(64, noise);
@@ -170,7 +170,7 @@ TEST(Drawing, ImpossiblePlacesStillResultInADrawing) {
     EXPECT_EQ(Drawn(page).Width(), 200);
 }
 
-TEST(Drawing, ADrawingTooHighIsRefused) {
+TEST(Drawing, ADrawingTooHighIsRejected) {
     Page page = PageWith(PictureOf(1, {Red}));
     page.width = 1;
     page.height = 100'000;

@@ -194,7 +194,7 @@ TEST_F(ImportIdentity, OtherIdentifiersThatDoNotFitAreOmittedAndReported) {
 // ---- what the database doesn't know yet
 // --------------------------------------------------------------
 
-TEST_F(ImportIdentity, WhatThePatientLacksIsTakenFromALaterFileAndThenCompared) {
+TEST_F(ImportIdentity, MissingDataOfThePatientAreCopiedFromALaterFileAndThenCompared) {
     Init();
     Film("2.25.1", {"4711", "", "Ek^Anna", "", ""});
     ASSERT_EQ(Import().code, 0);
@@ -230,7 +230,7 @@ TEST_F(ImportIdentity, AFillingIsRolledBackWithTheSeries) {
     EXPECT_EQ(patient["BirthDate"], "");
 }
 
-TEST_F(ImportIdentity, APatientWithoutNameTakesTheFirstNameAndRefusesTheSecond) {
+TEST_F(ImportIdentity, APatientWithoutNameTakesTheFirstNameAndRejectsTheSecond) {
     Init();
     Film("2.25.1", {"4711", "A", "", "19800131", "F"});
     ASSERT_EQ(Import().code, 0);
@@ -305,7 +305,7 @@ TEST_F(ImportIdentity, EachTwoFilesOfASeriesAreCompared) {
     EXPECT_EQ(OkJson({"patients"}).size(), 0U);
 }
 
-TEST_F(ImportIdentity, ASeriesIsStoredUnderWhatAllItsFilesSay) {
+TEST_F(ImportIdentity, ASeriesIsStoredWithTheDataOfAllItsFiles) {
     Init();
     Film("2.25.1", {"4711", "", "", "", ""}, 1);
     Film("2.25.1", {"4711", "A", "Ek^Anna", "", ""}, 2);
@@ -362,7 +362,7 @@ TEST_F(ImportIdentity, AnIdentifierAloneIsNotEnoughAndTheReasonIsReported) {
     EXPECT_EQ(run.err.find("contradicts"), std::string::npos) << run.err;
 }
 
-TEST_F(ImportIdentity, ARefusedPatientWithoutNameIsNamedByItsNumber) {
+TEST_F(ImportIdentity, ARejectedPatientWithoutNameIsNamedByItsNumber) {
     const Result run = ImportBoth({"4711", "A", "", "19800131", ""}, {"4711", "A", "Berg^Nils", "19550505", ""});
     EXPECT_EQ(run.code, 3);
     EXPECT_THAT(run.err, HasSubstr("Patient ID 4711 belongs to another person in the database, #1"));
@@ -498,7 +498,7 @@ TEST_F(TwoPatientsOfOneID, ListsTakeANumberToo) {
     EXPECT_EQ(OkJson({"studies", "--patient", "#2"})[0]["uid"], "1.2");
 }
 
-TEST_F(Program, WhatAPersonTypesAboutAPatientIsChecked) {
+TEST_F(Program, TypedPatientDataAreChecked) {
     Init();
     Run("INSERT INTO Patient_T (PersonNr_CH) VALUES ('P1')");
     Run("INSERT INTO Doctor_T (DrLastName_NVC) VALUES ('Ek')");

@@ -34,7 +34,7 @@ protected:
     }
 };
 
-TEST_F(ImportTest, AMissingRootIsNeverMadeAndNothingIsStored) {
+TEST_F(ImportTest, AMissingRootIsNotCreatedAndNothingIsStored) {
     Init();
     WriteSeries("2.25.5", {FullMouth18[7]});
     fs::remove_all(Root());
@@ -45,7 +45,7 @@ TEST_F(ImportTest, AMissingRootIsNeverMadeAndNothingIsStored) {
     EXPECT_EQ(OkJson({"patients"}).size(), 0U);
 }
 
-TEST_F(ImportTest, ARootOfAnotherClinicIsRefused) {
+TEST_F(ImportTest, ARootOfAnotherClinicIsRejected) {
     Init();
     WriteSeries("2.25.5", {FullMouth18[7]});
     Ok({"import", Films()});
@@ -95,7 +95,7 @@ TEST_F(ImportTest, TheStoredFilesHaveTheirChecksums) {
     EXPECT_EQ(con->Execute("SELECT CRC FROM ImageBild_T")->Fields(0).As<std::string>().size(), 64U);
 }
 
-TEST_F(ImportTest, AFileOfTheSameNameThatAnotherImportLeftDoesNotHinder) {
+TEST_F(ImportTest, AFileOfTheSameNameThatAnotherImportLeftIsIgnored) {
     Init();
     WriteSeries("2.25.5", {FullMouth18[7]});
     const fs::path left = Root() / "0_" / ("2.25.5.1.dcm.part" + std::to_string(getpid()));
@@ -128,7 +128,7 @@ TEST_F(ImportTest, AFileWithFourThousandNestedSequencesFailsAlone) {
     EXPECT_THAT(run.out, HasSubstr("19 files: 18 new images stored"));
 }
 
-TEST_F(ImportTest, SequencesNestedDeeperThanAnyRadiographHasAreRefused) {
+TEST_F(ImportTest, SequencesNestedDeeperThanAnyRadiographHasAreRejected) {
     Init();
     const auto nest = [](int depth) {
         return [depth](DcmDataset& set) {
@@ -204,7 +204,7 @@ protected:
     }
 };
 
-TEST_F(DiscTest, EachFileThatTheDicomdirNamesIsImportedWhateverItsCase) {
+TEST_F(DiscTest, EachFileThatTheDicomdirNamesIsImportedInAnyCase) {
     MakeDisc();
     const Result run = Import();
     EXPECT_EQ(run.code, 0) << run.err;
@@ -305,7 +305,7 @@ TEST_F(ImportTest, AFailureOfTheDatabaseIsReportedInPlainWords) {
     EXPECT_THAT(run.err, HasSubstr("study 2.25.5.900 can't be read whole"));
 }
 
-TEST_F(ImportTest, AMarkerThatIsNoneIsNeitherTakenNorReplaced) {
+TEST_F(ImportTest, AnInvalidMarkerIsNeitherAcceptedNorReplaced) {
     Init();
     WriteSeries("2.25.5", {FullMouth18[7]});
     for (const char* marker : {"deadbeef\n", "", "storage root of clinic \n"}) {

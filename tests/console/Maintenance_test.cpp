@@ -185,7 +185,7 @@ TEST_F(Maintenance, ARestoreNamesTheImagesWhoseFileTheBackupLacks) {
     EXPECT_EQ(json::parse(images.out).size(), 4U) << "the database and the other films are there";
 }
 
-TEST_F(Maintenance, ABackupInAStorageRootOrAroundOneIsRefused) {
+TEST_F(Maintenance, ABackupInAStorageRootOrAroundOneIsRejected) {
     const std::string root = (folder.Path() / "images").string();
     fs::create_directory_symlink(root, folder.Path() / "link");
     for (const std::string& where : {root, root + "/backup", (folder.Path() / "link" / "b").string()}) {
@@ -241,7 +241,7 @@ TEST_F(Maintenance, AFamilyNameThatAPersonCorrectedIsANote) {
     EXPECT_THAT(Found(), ElementsAre("two-names"));
 }
 
-TEST_F(Maintenance, AFolderWithTheBackupOfAnotherClinicIsRefused) {
+TEST_F(Maintenance, AFolderWithTheBackupOfAnotherClinicIsRejected) {
     Ok({"backup", Backup()});
     const std::string other = (folder.Path() / "other.db").string();
     ASSERT_EQ(Try({"init", other, "--root", (folder.Path() / "elsewhere").string()}).code, 0);

@@ -14,7 +14,7 @@ protected:
     std::filesystem::path File() const { return folder.Path() / "data" / "classes.json"; }
 };
 
-TEST_F(Registration, MakesTheClassesKnownAndTakesThemOutAgain) {
+TEST_F(Registration, RegistersAndUnregistersTheClasses) {
     EXPECT_NE(Ok({"register", LIBRARY}).find(File().string()), std::string::npos);
     const auto classes = OkJson({"classes"});
     ASSERT_EQ(classes.size(), 28U);
@@ -45,7 +45,7 @@ TEST_F(Registration, ADamagedFileIsReportedAndUnchanged) {
     EXPECT_EQ(text, "not a registry");
 }
 
-TEST_F(Registration, WhatIsGoneCanBeTakenOut) {
+TEST_F(Registration, ADeletedLibraryCanBeUnregistered) {
     const auto copy = folder.Path() / "libOXClass.so";
     std::filesystem::copy_file(LIBRARY, copy);
     Ok({"register", copy.string()});
@@ -57,7 +57,7 @@ TEST_F(Registration, WhatIsGoneCanBeTakenOut) {
     EXPECT_NE(again.err.find("is not registered"), std::string::npos) << again.err;
 }
 
-TEST_F(Registration, WhatIsGoneCanBeNamedThroughALink) {
+TEST_F(Registration, ADeletedLibraryCanBeNamedThroughALink) {
     std::filesystem::create_directory(folder.Path() / "real");
     std::filesystem::create_directory_symlink(folder.Path() / "real", folder.Path() / "link");
     const auto linked = folder.Path() / "link" / "libOXClass.so";

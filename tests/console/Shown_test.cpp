@@ -102,7 +102,7 @@ TEST_F(Shown, ASeriesOfPhotographsOnlyHasNoLayout) {
     EXPECT_EQ(OkJson({"series"})[0]["layout"], 0);
 }
 
-TEST_F(Shown, HangingAnewClearsTheFramesOfPhotographs) {
+TEST_F(Shown, HangingAgainClearsTheFramesOfPhotographs) {
     Write("1.2.3", 1, {{}, ""}, MakePhotograph);
     Import();
     Run("UPDATE ImageBild_T SET FrameNumber_INT = 1");

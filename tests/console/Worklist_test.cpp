@@ -267,7 +267,7 @@ TEST_F(Worklist, RegisteringMakesThePatientThatTheNextImportFinds) {
     EXPECT_EQ(OkJson({"patient", "P-1.2.3"}), patient);
 }
 
-TEST_F(Worklist, RegisteringAKnownPatientAddsOnlyWhatIdentifiersAreNew) {
+TEST_F(Worklist, RegisteringAKnownPatientAddsOnlyNewIdentifiers) {
     Init();
     WriteItem("a.wl", "P1", "20260201");
     Ok({"worklist", Folder(), "--register", "A1"});
@@ -293,7 +293,7 @@ TEST_F(Worklist, RegisteringAKnownPatientStoresWhatTheRowLacks) {
     EXPECT_EQ(Try({"--db", Database(), "worklist", Folder(), "--register", "A1"}).code, 3);
 }
 
-TEST_F(Worklist, WhatCannotBeRegisteredSaysWhy) {
+TEST_F(Worklist, AFailedRegistrationReportsTheReason) {
     Init();
     WriteItem("a.wl", "", "20260201");
     const auto told = [&](const std::string& number) {
@@ -350,7 +350,7 @@ TEST_F(Worklist, APersonWhoContradictsTheStoredPatientIsNotRegistered) {
     EXPECT_EQ(OkJson({"worklist", Folder(), "--register", "A1"})["number"], 2) << "found by its name from now on";
 }
 
-TEST_F(Worklist, ADayWithTwoReadingsIsRefused) {
+TEST_F(Worklist, ADayWithTwoReadingsIsRejected) {
     const Result run = Try({"worklist", Folder(), "--date", "05.03.2026"});
     EXPECT_EQ(run.code, 1);
     EXPECT_THAT(run.err, HasSubstr("2026-03-05 or as 2026-05-03"));
@@ -507,7 +507,7 @@ TEST_F(OddServer, BrokenDataSetsAreReportedInOneLineAndTheOthersListed) {
               "oxclass: 2 data sets of " + Address() + " are no worklist items: it has no scheduled procedure step\n");
 }
 
-TEST_F(OddServer, ItIsAskedByTheKeysAndForIdentifiersOfASequence) {
+TEST_F(OddServer, ItReceivesTheKeysAndTheIdentifiersOfASequence) {
     Init();
     Answer({[](DcmDataset& set) {
         FillItem(set, "P1", "20260201");
@@ -537,7 +537,7 @@ TEST_F(OddServer, ItIsAskedByTheKeysAndForIdentifiersOfASequence) {
     EXPECT_EQ(OkJson({"patient", "P1"})["OtherIDs"], "SEQ1");
 }
 
-TEST_F(OddServer, OnlyTheStepsThatWereAskedForAreListed) {
+TEST_F(OddServer, OnlyTheRequestedStepsAreListed) {
     Answer({[](DcmDataset& set) {
         FillItem(set, "P1", "20260131");
         DcmItem* step = nullptr;
@@ -597,7 +597,7 @@ TEST_F(OddServer, NamesInAnUnknownCharacterSetAreReported) {
     EXPECT_THAT(run.err, HasSubstr("1 answers name no character set"));
 }
 
-TEST_F(OddServer, AnAnswerNestedTooDeeplyIsRefused) {
+TEST_F(OddServer, AnAnswerNestedTooDeeplyIsRejected) {
     Answer({[](DcmDataset& set) {
         FillItem(set, "P1", "20260201");
         DcmItem* item = &set;
@@ -632,7 +632,7 @@ protected:
     }
 };
 
-TEST_F(RawServer, AQueryEndsAfterItsTimeHoweverSlowlyTheServerAnswers) {
+TEST_F(RawServer, AQueryEndsAfterItsTimeEvenIfTheServerAnswersSlowly) {
     Listen([](int s) {
         // The header of an association's acceptance announces 60,000 bytes, of which one comes at a time.
         const unsigned char header[] = {2, 0, 0, 0, 0xEA, 0x60};
@@ -689,7 +689,7 @@ TEST_F(RawServer, ASilentServerIsReportedAsSuch) {
                 HasSubstr("it didn't answer within 10 seconds; does it speak TLS at this port?"));
 }
 
-TEST_F(WorklistServer, AnEncryptedServerIsAskedIfItsCertificateIsTrusted) {
+TEST_F(WorklistServer, AnEncryptedServerIsQueriedIfItsCertificateIsTrusted) {
     WriteItem("a.wl", "P1", "20260201");
     Serve();
     const Port encrypted;

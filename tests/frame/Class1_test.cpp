@@ -41,7 +41,7 @@ TEST_F(Services, HaveTheDocumentedMembers) {
 
 // ---- all roots ------------------------------------------------------------------------------------
 
-TEST_F(Services, TheActiveRootComesFirstAndTheOthersByNumber) {
+TEST_F(Services, TheActiveRootIsFirstAndTheOthersByNumber) {
     RunRoots();
     EXPECT_THAT(Roots(), ElementsAre("C:\\two", "C:\\one", "C:\\five"));
     EXPECT_EQ(services->ActiveRootID, 2);
@@ -59,7 +59,7 @@ TEST_F(Services, RootsWithoutAConnectionAreEmpty) {
     EXPECT_EQ(services->ActiveRootID, 9);
 }
 
-TEST_F(Services, OfTwoActiveRootsTheLaterWinsAndTheLastPlaceStaysEmpty) {
+TEST_F(Services, OfTwoActiveRootsTheLaterIsUsedAndTheLastElementIsEmpty) {
     Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, 'a', 1), (2, 'b', 0), (3, 'c', 1)");
     EXPECT_THAT(Roots(), ElementsAre("c", "b", ""));
     EXPECT_EQ(services->ActiveRootID, 3);
@@ -109,7 +109,7 @@ TEST_F(Services, NumberZeroIsTheActiveRoot) {
     EXPECT_THAT(Sent(), ElementsAre("SELECT * FROM Root_T WHERE Status <> 0;"));
 }
 
-TEST_F(Services, GetRootOnIDAlwaysAsksTheDatabase) {
+TEST_F(Services, GetRootOnIDAlwaysReadsTheDatabase) {
     RunRoots();
     services->GetRootOnID(con, 1);
     services->GetRootOnID(con, 1);
@@ -129,7 +129,7 @@ TEST_F(Services, ANegativeRootIsNotFound) {
     EXPECT_THAT(Sent(), ElementsAre("SELECT * FROM Root_T WHERE RootID=-1;"));
 }
 
-TEST_F(Services, ARootThatIsGoneLeavesTheCachesEntry) {
+TEST_F(Services, ADeletedRootKeepsTheCachesEntry) {
     RunRoots();
     services->GetRootOnID(con, 1);
     Run("DELETE FROM Root_T");
@@ -139,14 +139,14 @@ TEST_F(Services, ARootThatIsGoneLeavesTheCachesEntry) {
 
 // ---- the cache ------------------------------------------------------------------------------------
 
-TEST_F(Services, AKnownRootIsAskedForOnce) {
+TEST_F(Services, AKnownRootIsReadOnce) {
     RunRoots();
     EXPECT_EQ(Cached(1), "C:\\one");
     EXPECT_EQ(Cached(1), "C:\\one");
     EXPECT_THAT(Sent(), ElementsAre("SELECT * FROM Root_T WHERE RootID=1;"));
 }
 
-TEST_F(Services, AnUnknownRootIsTheEmptyTextAndIsAskedForEachTime) {
+TEST_F(Services, AnUnknownRootIsTheEmptyTextAndIsReadEachTime) {
     EXPECT_EQ(Cached(7), "");
     EXPECT_EQ(Cached(7), "");
     EXPECT_EQ(Sent().size(), 2U);

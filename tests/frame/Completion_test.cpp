@@ -2,7 +2,7 @@
 
 #include "kit/Database.h"
 
-/// How an operation that returns normally tells programs in C++ that a failure ended it.
+/// The report by which an operation that returns normally informs C++ programs that a failure ended it.
 namespace OXClass {
 namespace {
 

@@ -25,7 +25,7 @@ TEST(PrefixedFailure, TheSourceGrowsIntoTheCallPath) {
     EXPECT_EQ(failure.Description, "no such table");
 }
 
-TEST(PrefixedFailure, KeepsWhatThePersonWhoDebugsReads) {
+TEST(PrefixedFailure, KeepsTheFieldsForDebugging) {
     Error thrown(1, "s", "d");
     thrown.Statement = "SELECT 1";
     thrown.NativeError = 21;

@@ -24,7 +24,7 @@ protected:
         sDicomRootUID.clear();
     }
 
-    /// The clock stands at this count, and the tick counter gives these two.
+    /// Fixes the system time; the tick counter returns these two numbers.
     static void Fix(std::uint64_t fileTime, std::uint32_t tick1 = 0, std::uint32_t tick2 = 0) {
         TheHost().SystemFileTime = [=] { return fileTime; };
         TheHost().TickCount = [=, first = true]() mutable { return std::exchange(first, !first) ? tick1 : tick2; };
@@ -204,7 +204,7 @@ TEST_F(Identifiers, EachThreadReadsTheRootForItself) {
     EXPECT_THAT(services->GetInstanceUID(con), StartsWith(defaultRoot + "."));
 }
 
-TEST_F(Identifiers, AnEmptyFirstTextIsAskedForEachTimeAndTheIdentifierBeginsWithTheDot) {
+TEST_F(Identifiers, AnEmptyFirstTextIsReadEachTimeAndTheIdentifierBeginsWithTheDot) {
     Run("INSERT INTO GlobalList_T (ListID, ListText) VALUES (4, '')");
     EXPECT_THAT(services->GetInstanceUID(con), MatchesRegex("\\.[0-9]+"));
     EXPECT_EQ(services->GetInstanceUID(con).size(), 42U);

@@ -4,7 +4,7 @@
 
 #include <fstream>
 
-/// Which file a stored name means, and that none lies outside of its root.
+/// The file that a stored name denotes, which is never outside of its root.
 namespace OXClass {
 namespace {
 
@@ -217,7 +217,7 @@ TEST_F(NameBelowARoot, ARootThatIsALoopHasNoFiles) {
     EXPECT_EQ(FileBelow((folder.Path() / "loop").string(), "a.dcm"), "");
 }
 
-TEST_F(NameBelowARoot, AFolderThatIsAFileHasNothingBelowIt) { EXPECT_FALSE(fs::exists(File("top.dcm\\a.dcm"))); }
+TEST_F(NameBelowARoot, AFileInPlaceOfAFolderContainsNoFiles) { EXPECT_FALSE(fs::exists(File("top.dcm\\a.dcm"))); }
 
 }  // namespace
 }  // namespace OXClass

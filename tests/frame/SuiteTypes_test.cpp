@@ -19,7 +19,7 @@ std::vector<String> ValuesOf() {
     return values;
 }
 
-/// Where a field lies in its record.
+/// Returns the offset of a field in its record.
 template <class Record, class Field>
 std::ptrdiff_t OffsetOf(const Record& record, const Field& field) {
     return reinterpret_cast<const char*>(&field) - reinterpret_cast<const char*>(&record);

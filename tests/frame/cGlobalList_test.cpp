@@ -77,7 +77,7 @@ TEST_F(GlobalList, TheClientChoosesThePathWithGLSaved) {
     EXPECT_EQ(Ask("SELECT count(*) FROM GlobalList_T"), Variant(Long{0}));
 }
 
-TEST_F(GlobalList, TextsOfAnyScriptAndInjectionsComeBackAsTheyWere) {
+TEST_F(GlobalList, TextsOfAnyScriptAndInjectionsAreReadUnchanged) {
     for (const char* text : {"Ωμέγα", "Список", "設定", "🦷", "x', ListID='9", "'); DROP TABLE GlobalList_T; --"}) {
         const Ref<cGlobalList> fresh = New<cGlobalList>(), read = New<cGlobalList>();
         fresh->ListText = text;

@@ -58,21 +58,21 @@ TEST(NzValueOf, ANullIsTheInteger0) { EXPECT_EQ(NzValue(Null{}), Variant(zero));
 
 TEST(NzValueOf, ANullSetsATextMemberTo0) { EXPECT_EQ(To<String>(NzValue(Null{})), "0"); }
 
-TEST(NzValueOf, WhatWasNeverAssignedIsTheInteger0) { EXPECT_EQ(NzValue({}), Variant(zero)); }
+TEST(NzValueOf, AnEmptyValueIsTheInteger0) { EXPECT_EQ(NzValue({}), Variant(zero)); }
 
 TEST(NzValueOf, ATextOfBlanksIsTheInteger0) {
     EXPECT_EQ(NzValue("   "), Variant(zero));
     EXPECT_EQ(NzValue(""), Variant(zero));
 }
 
-TEST(NzValueOf, ATextWithOuterBlanksComesBackUnchanged) { EXPECT_EQ(NzValue("  a "), Variant("  a ")); }
+TEST(NzValueOf, ATextWithOuterBlanksIsReturnedUnchanged) { EXPECT_EQ(NzValue("  a "), Variant("  a ")); }
 
 TEST(NzValueOf, ADateWhoseTextCannotBeFormedIsTheInteger0) {
     EXPECT_EQ(NzValue(Date{2958465.9999999}), Variant(zero)) << "rounded to seconds it lies behind the last day";
     EXPECT_EQ(NzValue(Date{2958465.5}), Variant(Date{2958465.5}));
 }
 
-TEST(NzValueOf, ATabAloneComesBack) {
+TEST(NzValueOf, ATabAloneIsReturned) {
     EXPECT_EQ(NzValue("\t"), Variant("\t"));
     EXPECT_EQ(NzValue(" \n "), Variant(" \n "));
 }
@@ -88,7 +88,7 @@ TEST(NzValueOf, TheDate0StaysThatDate) { EXPECT_EQ(NzValue(Date{}), Variant(Date
 
 TEST(NzValueOf, FalseStaysFalse) { EXPECT_EQ(NzValue(false), Variant(false)); }
 
-TEST(NzValueOf, WhatHasNoTextIsTheInteger0) {
+TEST(NzValueOf, AValueWithoutATextIsTheInteger0) {
     EXPECT_EQ(NzValue(New<Collection>()), Variant(zero));
     EXPECT_EQ(NzValue(Ref<Object>()), Variant(zero));
     EXPECT_EQ(NzValue(std::vector<String>{"a"}), Variant(zero));

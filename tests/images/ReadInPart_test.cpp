@@ -4,8 +4,8 @@
 
 #include <map>
 
-/// Images whose row can't be read whole: what the documented operations don't tell, and programs in C++
-/// learn.
+/// Images whose row can't be read completely: the failures that the documented operations do not report, and that C++
+/// programs can read.
 namespace OXClass {
 namespace {
 
@@ -105,7 +105,7 @@ TEST_F(ReadInPart, ALoadReportsTheRowsThatItCouldNotReadCompletely) {
     EXPECT_EQ(images->Unread().size(), 3U) << "the row that failed the load is among them";
 }
 
-TEST_F(ReadInPart, AToleratingLoadLeavesThemOutAndRaisesForNone) {
+TEST_F(ReadInPart, AToleratingLoadOmitsThemAndRaisesForNone) {
     Store(1);
     Store(2, "Brightness_INT=NULL");
     Store(3, "Contrast_INT=NULL");

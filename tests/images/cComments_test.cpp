@@ -54,7 +54,7 @@ TEST(CommentList, AddKeepsItsValuesAndLeavesTheCommentUnsaved) {
     EXPECT_EQ(comments->Item(Long{1}), added);
 }
 
-TEST(CommentList, AddGoesToTheEnd) {
+TEST(CommentList, AddAppends) {
     const Ref<cComments> comments = New<cComments>();
     comments->Add("first", 1, Day(1), "a");
     comments->Add("second", 1, Day(1), "a", "key");
@@ -192,7 +192,7 @@ TEST(AddComment, ActionAndPointerChangeNothing) {
     EXPECT_EQ(other->Comments()->Count(), 1);
 }
 
-TEST(AddComment, MakesAListWhereItWasPutToNothing) {
+TEST(AddComment, CreatesAListIfItWasSetToNull) {
     const Ref<cImage> image = New<cImage>();
     image->SetComments(nullptr);
     image->addComment("text", "a", Day(1), false);
@@ -242,7 +242,7 @@ TEST_F(GetComments, TwoEqualCommentsAreBothLoaded) {
     EXPECT_EQ(image->Comments()->Item(Long{2})->str, "caries");
 }
 
-TEST_F(GetComments, WithoutRowsLeavesAnEmptyListAndAsksAgain) {
+TEST_F(GetComments, WithoutRowsLeavesAnEmptyListAndReadsAgain) {
     image->GetComments(con);
     EXPECT_EQ(image->Comments()->Count(), 0);
     Store("'2024-03-01 08:00:00'", "'late'");

@@ -116,7 +116,7 @@ TEST(DeriveAnaRegionMod, LateralIncisorsAre6) {
         EXPECT_EQ(ModifierOf("11,12," + String(premolar) + ","), "T-51006") << premolar;
 }
 
-TEST(DeriveAnaRegionMod, WhatNoRuleTakesStaysAsItWas) {
+TEST(DeriveAnaRegionMod, TeethWithoutARuleLeaveTheModifierUnchanged) {
     for (const char* premolar : {"15", "25", "35", "45"})
         EXPECT_EQ(Derived("11,12,14," + String(premolar) + ",", "before")->AnaRegionMod, "before") << premolar;
 }
@@ -128,7 +128,7 @@ TEST(DeriveAnaRegionMod, PrimaryTeethDoNotCount) {
 
 // ---- how a tooth string is read -----------------------------------------------------------------------
 
-TEST(DeriveFromTeeth, AnEmptyStringLeavesAllAsItWas) {
+TEST(DeriveFromTeeth, AnEmptyStringChangesNothing) {
     const Ref<cImage> image = Derived("", "before");
     EXPECT_EQ(image->Laterality, "before");
     EXPECT_EQ(image->AnaRegion, "before");
@@ -158,7 +158,7 @@ TEST(DeriveFromTeeth, SeparatorsAreOptionalAndMayBeAnyCharacter) {
     EXPECT_EQ(ModifierOf("teeth 16; 17/18"), "T-5100B");
 }
 
-TEST(DeriveFromTeeth, ReplacesWhatStoodThere) {
+TEST(DeriveFromTeeth, ReplacesTheOldValue) {
     const Ref<cImage> image = Derived("26,27,", "before");
     EXPECT_EQ(image->Laterality, "L");
     EXPECT_EQ(image->AnaRegion, "T-11170");

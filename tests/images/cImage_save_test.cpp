@@ -224,9 +224,9 @@ TEST_F(ImageSave, SaveExOfAKnownImageSendsLookCommentsMarkUpdateAndNewComments) 
                                     "VALUES ('1899-12-30 00:00:00','a', 1, 1, 'back')"));
 }
 
-// ---- what stands in the row -----------------------------------------------------------------------------
+// ---- the stored row -------------------------------------------------------------------------------------
 
-TEST_F(ImageSave, EachStoredPropertyComesBack) {
+TEST_F(ImageSave, EachStoredPropertyIsLoaded) {
     Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (12, '/images', 1)");
     image = Distinct();
     image->Save(con);
@@ -359,7 +359,7 @@ TEST_F(ImageSave, AnUpdateOfADeletedRowSucceeds) {
 
 // ---- texts ------------------------------------------------------------------------------------------------
 
-TEST_F(ImageSave, EscapedTextsComeBackAsTheyWere) {
+TEST_F(ImageSave, EscapedTextsAreReadUnchanged) {
     for (const String text : {"O'Hara", "''", "'; DROP TABLE ImageBild_T; --", "C:\\images\\100%\"_[x]", "Παπαδόπουλος",
                               "Щукина", "山田太郎", "🦷😬"}) {
         image = New<cImage>();
@@ -481,7 +481,7 @@ TEST_F(ImageSave, ACommentOfANewImageIsWrittenUnderItsNewKey) {
     EXPECT_EQ(Ask("SELECT tabelID FROM Comments_T"), Variant(Long{1}));
 }
 
-TEST_F(ImageSave, CommentsPutToNothingFailBehindTheRow) {
+TEST_F(ImageSave, CommentsSetToNullFailAfterTheRowIsRead) {
     image->SetComments(nullptr);
     EXPECT_EQ(FailureOf([&] { image->Save(con); }).Number, 91);
     EXPECT_EQ(CountOf("ImageBild_T"), 1);
@@ -495,7 +495,7 @@ TEST_F(ImageSave, CommentsPutToNothingFailBehindTheRow) {
 // ---- the look of SaveEx
 // -------------------------------------------------------------------------------------
 
-TEST_F(ImageSave, SaveExInsertsAgainWhereTheKeysRowIsGone) {
+TEST_F(ImageSave, SaveExInsertsAgainIfTheKeysRowIsDeleted) {
     image = Distinct();
     image->Save(con);
     Run("UPDATE ImageBild_T SET ImageBildID = 40, SOPInstanceUID_NVC = '1.2.840.1'");
@@ -505,7 +505,7 @@ TEST_F(ImageSave, SaveExInsertsAgainWhereTheKeysRowIsGone) {
     EXPECT_EQ(image->ID, 41);
 }
 
-TEST_F(ImageSave, SaveExUpdatesTheKeysRowWhateverItsUid) {
+TEST_F(ImageSave, SaveExUpdatesTheKeysRowWithAnyUid) {
     image->instanceUID = "1.1";
     image->Save(con);
     image->instanceUID = "2.2";
@@ -611,7 +611,7 @@ protected:
     }
 };
 
-TEST_F(DeletionMark, GoesWhenTheImageComesBackWithAFile) {
+TEST_F(DeletionMark, IsDeletedWhenTheImageIsStoredWithAFile) {
     StoreComment(1, "a", "Deleted 2024-01-02 03:04:05");
     StoreComment(1, "a", "Deleted 2024-01-02 03:04:05 by mistake");
     StoreComment(1, "a", "kept");
@@ -642,7 +642,7 @@ TEST_F(DeletionMark, IsTheWordAndADateAndNothingElse) {
     EXPECT_EQ(StoredComments(), others);
 }
 
-TEST_F(DeletionMark, GoesUnderEveryKindOfOwnerAndStaysWithOtherImages) {
+TEST_F(DeletionMark, DeletesUnderEveryKindOfOwnerAndKeepsOtherImages) {
     StoreComment(1, "a", "Deleted 2024-01-02 03:04:05");
     StoreComment(1, "a", "Deleted 2024-01-02 03:04:05", 2);
     StoreComment(2, "of another image", "Deleted 2024-01-02 03:04:05");

@@ -149,7 +149,7 @@ TEST(ImageRecord, CommentsStartEmptyAndStayTheSameObject) {
     EXPECT_EQ(image->Comments(), first);
 }
 
-TEST(ImageRecord, CommentsPutToNothingComeBackNewAndEmpty) {
+TEST(ImageRecord, CommentsSetToNullAreCreatedAgainAndEmpty) {
     const Ref<cImage> image = New<cImage>();
     const Ref<cComments> first = image->Comments();
     image->addComment("text", "a", Date{1}, false);
@@ -472,7 +472,7 @@ TEST_F(ImageReading, PregnantIsNeverReadBack) {
     EXPECT_EQ(image->Pregnant, 0);
 }
 
-TEST_F(ImageReading, NamesInAnyScriptComeBackAsTheyWere) {
+TEST_F(ImageReading, NamesInAnyScriptAreReadUnchanged) {
     for (const String name : {"O'Hara", "Μαρία Παπαδοπούλου", "Ольга", "山田太郎", "🦷 Zahnfee"}) {
         Set("Responsible_Person_NVC", "'" + Replace(name, "'", "''") + "'");
         image->GetImage(con, 5);
@@ -517,7 +517,7 @@ TEST_F(ImageReading, EitherNameOfTheRootWillDo) {
     }
 }
 
-TEST_F(ImageReading, TheImagesOwnRootIsAskedForFirst) {
+TEST_F(ImageReading, TheImagesOwnRootIsReadFirst) {
     ReadFrom(Replace(SelectWithout("nothing", "ImageBild_T.RootId"), ", Status", ", Status, 99 AS RootId"));
     EXPECT_EQ(image->RootId, 2);
     EXPECT_THAT(Differing(*image, ReadWhole()), IsEmpty());

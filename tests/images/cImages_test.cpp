@@ -97,7 +97,7 @@ TEST(ImageCollection, AddSetsEachPropertyFromItsArgument) {
     EXPECT_EQ(image->RespPerson, "resp");
 }
 
-TEST(ImageCollection, AddLeavesWhatHasNoArgumentAtItsDefault) {
+TEST(ImageCollection, AddLeavesMembersWithoutAnArgumentAtTheirDefaults) {
     const Ref<cImages> images = New<cImages>();
     const Ref<cImage> image = AddDistinct(*images, New<cComments>(), "key");
     EXPECT_EQ(image->Key, "") << "a key of the collection is not the image's";
@@ -154,7 +154,7 @@ TEST(ImageCollection, AddObjectByNameTakesTheCallersVariableToo) {
     EXPECT_EQ(To<Ref<cImage>>(added)->ID, 5);
 }
 
-TEST(ImageCollection, AddObjectUnderAKeyThatIsPresentRaisesBehindSettingIt) {
+TEST(ImageCollection, AddObjectUnderAKeyThatIsPresentRaisesAfterSettingIt) {
     const Ref<cImages> images = New<cImages>();
     Ref<cImage> first = Image(1), second = Image(2);
     images->AddObject(first, "K");

@@ -6,8 +6,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-/// What all tests of the classes stand on: a real database file with the real tables, and a record of
-/// every statement that was sent.
+/// The environment of the tests of the classes: a real database file with the real tables, and a log of every statement
+/// that was sent.
 namespace TestKit {
 
 using namespace Platform;
@@ -26,7 +26,7 @@ private:
     std::filesystem::path path_;
 };
 
-/// Makes a clinic database with all tables and layouts in the folder, and gives its path.
+/// Creates a clinic database with all tables and layouts in the folder, and returns its path.
 String NewDatabase(const TemporaryFolder& folder, const String& name);
 
 /// Keeps each statement's whole text, as the connection announces it, and each step of a transaction as
@@ -62,8 +62,7 @@ protected:
     /// Runs a statement of the test's own, outside of the log.
     void Run(const String& statement);
 
-    /// The first column of the first row of a select of the test's own, outside of the log; `Empty` if
-    /// there is no row.
+    /// Returns the first column of the first row of a select; `Empty` without a row. The statement is not logged.
     Variant Ask(const String& select);
 
     /// Loads the standard layouts.

@@ -14,7 +14,7 @@ inline std::string Content(const std::filesystem::path& file) {
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
-/// The names of what lies in a folder, sorted.
+/// Returns the sorted names of the files and folders in a folder.
 inline std::vector<std::string> NamesIn(const std::filesystem::path& folder) {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(folder))

@@ -75,7 +75,7 @@ TEST(OtherIdentifiers, FillWithTheEmptyTextEmptiesTheList) {
     EXPECT_EQ(ids->Count(), 0);
 }
 
-TEST(OtherIdentifiers, FillDropsWhatTheListHeld) {
+TEST(OtherIdentifiers, FillReplacesTheOldMembers) {
     const Ref<OtherPatIDs> ids = Filled("A\\B");
     ids->FillFromString("C");
     EXPECT_THAT(MembersIn(*ids), ElementsAre("C 0"));
@@ -184,7 +184,7 @@ TEST(OtherIdentifiers, RemoveClosesUp) {
     EXPECT_EQ(ids->Item(Long{2})->str, "C");
 }
 
-TEST(OtherIdentifiers, TextsOfAnyScriptComeBackInUpperCase) {
+TEST(OtherIdentifiers, TextsOfAnyScriptAreReturnedInUpperCase) {
     EXPECT_EQ(Filled("αβ\\жук\\山田\\🦷")->GetAllAsString(), "ΑΒ\\ЖУК\\山田\\🦷");
 }
 

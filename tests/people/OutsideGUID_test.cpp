@@ -34,7 +34,7 @@ TEST_F(OutsideGuid, NoneIsInstalledAtTheStart) { EXPECT_FALSE(OutsideGUID); }
 
 TEST_F(OutsideGuid, WithoutOneTheLibrarysOwnServes) { EXPECT_EQ(NewOutsideGUID(), fixed); }
 
-TEST_F(OutsideGuid, AnInstalledOneIsAskedAndUpperCased) {
+TEST_F(OutsideGuid, AnInstalledOneIsCalledAndItsResultIsUpperCased) {
     OutsideGUID = [] { return String("abé"); };
     EXPECT_EQ(NewOutsideGUID(), "ABÉ");
 }
@@ -52,19 +52,19 @@ TEST_F(OutsideGuid, ALoadWithoutOneStoresTheLibrarysOwn) {
     EXPECT_EQ(Ask("SELECT drGUID FROM Doctor_T"), Variant(fixed));
 }
 
-TEST_F(OutsideGuid, ALoadByNumberAsksTheInstalledOne) {
+TEST_F(OutsideGuid, ALoadByNumberCallsTheInstalledOne) {
     OutsideGUID = [] { return String("xyz"); };
     EXPECT_TRUE(New<cDoctor>()->LoadDoctor(5, con));
     EXPECT_EQ(Ask("SELECT drGUID FROM Doctor_T"), Variant("XYZ"));
 }
 
-TEST_F(OutsideGuid, ALoadByGuidAsksTheInstalledOne) {
+TEST_F(OutsideGuid, ALoadByGuidCallsTheInstalledOne) {
     OutsideGUID = [] { return String("xyz"); };
     EXPECT_TRUE(New<cDoctor>()->LoadDoctorOnGUID("", con));
     EXPECT_EQ(Ask("SELECT drGUID FROM Doctor_T"), Variant("XYZ"));
 }
 
-TEST_F(OutsideGuid, TheListOfDoctorsNeverAsksIt) {
+TEST_F(OutsideGuid, TheListOfDoctorsNeverCallsIt) {
     int asked = 0;
     OutsideGUID = [&] {
         ++asked;

@@ -139,7 +139,7 @@ TEST_F(Clinic, AnIdentifierWithoutARowCreatesANewRowWithANewOne) {
     EXPECT_EQ(clinic->ID, 1);
 }
 
-TEST_F(Clinic, EachMemberGoesToItsColumn) {
+TEST_F(Clinic, EachMemberIsWrittenToItsColumn) {
     FillAll();
     EXPECT_EQ(Stored("ClinicName || '|' || OrgNumber || '|' || ZipCode || '|' || StreetAdress || '|' || City"
                      " || '|' || Telephone || '|' || Remarks"),

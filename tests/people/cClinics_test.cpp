@@ -32,7 +32,7 @@ protected:
         Run("CREATE TRIGGER refuse BEFORE INSERT ON Clinic_T BEGIN SELECT RAISE(ABORT, 'refused'); END");
     }
 
-    /// The table anew, with an identifier that may be null or stand twice.
+    /// Creates the table again, with an identifier that may be null or occur twice.
     void RunLooseTable() {
         Run("DROP TABLE Clinic_T");
         Run("CREATE TABLE Clinic_T (ClinicID INTEGER, ClinicName TEXT, OrgNumber TEXT, ZipCode TEXT,"
@@ -97,7 +97,7 @@ TEST_F(Clinics, ASecondAddUnderAKeyRaisesAsItIsAndDropsTheNewMember) {
     EXPECT_THAT(Names(), ElementsAre("a"));
 }
 
-TEST_F(Clinics, AMissingMemberIsNothing) {
+TEST_F(Clinics, AMissingMemberIsNull) {
     AddNamed("a", "K1");
     EXPECT_FALSE(clinics->Item("K2"));
     EXPECT_FALSE(clinics->Item(Long{0}));
@@ -197,7 +197,7 @@ TEST_F(Clinics, NullsReadAsEmptyTexts) {
     EXPECT_EQ(ContentOf(*clinics->Item("K5")), "5|||||||");
 }
 
-TEST_F(Clinics, ASecondLoadStartsAnew) {
+TEST_F(Clinics, ASecondLoadReplacesTheMembers) {
     AddNamed("mine", "K5");
     RunRow(5, "North");
     EXPECT_EQ(clinics->GetAllClinics(con), 1);
@@ -221,7 +221,7 @@ TEST_F(Clinics, AClosedConnectionLeavesAnEmptyList) {
     EXPECT_THAT(Names(), IsEmpty());
 }
 
-TEST_F(Clinics, AHeadOfficeThatTheDatabaseRefusesFailsTheLoad) {
+TEST_F(Clinics, AHeadOfficeThatTheDatabaseRejectsFailsTheLoad) {
     RefuseInserts();
     const Error failure = FailureOf([&] { clinics->GetAllClinics(con); });
     EXPECT_EQ(failure.Number, Refused);
@@ -306,7 +306,7 @@ TEST_F(Clinics, TheHeadOfficeIsTheFirstOfThatName) {
     EXPECT_EQ(clinics->GetHQClinic(closed), first);
 }
 
-TEST_F(Clinics, ANameThatMerelyHoldsTheHeadOfficesIsNone) {
+TEST_F(Clinics, ANameThatContainsTheHeadOfficesNameIsNotTheHeadOffice) {
     for (const char* name : {"x__HQ", "__HQx", " __HQ", "__HQ ", "_HQ", ""}) AddNamed(name);
     EXPECT_FALSE(clinics->GetHQClinic(closed));
 }
@@ -323,7 +323,7 @@ TEST_F(Clinics, AListThatCannotBeLoadedRaisesForItsHeadOffice) {
     EXPECT_EQ(failure.Source, "cClinics.GetAllClinics, ADODB.Recordset");
 }
 
-TEST_F(Clinics, AHeadOfficeThatTheDatabaseRefusesRaises) {
+TEST_F(Clinics, AHeadOfficeThatTheDatabaseRejectsRaises) {
     RefuseInserts();
     EXPECT_EQ(FailureOf([&] { clinics->GetHQClinic(con); }).Source, "cClinics.GetAllClinics, SQLite");
 }

@@ -62,7 +62,7 @@ protected:
         doctor->DrLogin = "old login";
     }
 
-    /// What a load of the row with these changes gives.
+    /// Returns the content of the doctor after a load of the row with these changes.
     String Loaded(const String& changes) {
         RunRow(5, changes);
         EXPECT_TRUE(doctor->LoadDoctor(5, con));
@@ -254,7 +254,7 @@ TEST_F(Doctor, ANumberWithoutARowIsNotKept) {
     EXPECT_EQ(Ask("SELECT drID FROM Doctor_T"), Variant(Long{1}));
 }
 
-TEST_F(Doctor, EachMemberGoesToItsColumn) {
+TEST_F(Doctor, EachMemberIsWrittenToItsColumn) {
     FillAll();
     doctor->SaveDoctor(con);
     EXPECT_EQ(Ask("SELECT DrContactInfo_NVC || '|' || DrFirstName_NVC || '|' || DrLastName_NVC || '|' ||"
@@ -505,7 +505,7 @@ TEST_F(Doctor, ANullNumberReadsAsZero) {
     EXPECT_EQ(ContentOf(*doctor), "||0||x||0||G|");
 }
 
-TEST_F(Doctor, ANumberThatIsNoneFailsBehindContactAndFirstName) {
+TEST_F(Doctor, ATextThatIsNotANumberFailsAfterContactAndFirstNameAreRead) {
     RunTable(
         "drID NVARCHAR(9), DrContactInfo_NVC TEXT, DrFirstName_NVC TEXT, DrLastName_NVC TEXT, DrName_NVC"
         " TEXT, DrPrefix_NVC TEXT, DrType_INT INTEGER, DrEMail TEXT, drGUID TEXT, DrLogin TEXT");
@@ -575,7 +575,7 @@ TEST_F(Doctor, TheSecondLoadFindsTheGuidOfTheFirst) {
     EXPECT_EQ(asked, 1);
 }
 
-TEST_F(Doctor, AGuidOfBlanksIsNone) {
+TEST_F(Doctor, AGuidOfBlanksIsReplaced) {
     RunRow(5, "drGUID='   '");
     EXPECT_TRUE(doctor->LoadDoctor(5, con));
     EXPECT_EQ(Ask("SELECT drGUID FROM Doctor_T"), Variant("AB01"));
@@ -604,7 +604,7 @@ TEST_F(Doctor, TheWriteBackCutsTheRow) {
     EXPECT_EQ(doctor->DrPrefix, String(25, 'p'));
 }
 
-TEST_F(Doctor, AnOutsideGuidOfNothingIsSavedAllTheSame) {
+TEST_F(Doctor, AnEmptyOutsideGuidIsSaved) {
     OutsideGUID = [] { return String(); };
     RunRow(5, "drGUID=NULL");
     EXPECT_TRUE(doctor->LoadDoctor(5, con));
@@ -612,7 +612,7 @@ TEST_F(Doctor, AnOutsideGuidOfNothingIsSavedAllTheSame) {
     EXPECT_EQ(Ask("SELECT drGUID FROM Doctor_T"), Variant(""));
 }
 
-TEST_F(Doctor, AnOutsideGuidThatRaisesFailsTheLoadBehindItsMembers) {
+TEST_F(Doctor, AnOutsideGuidThatRaisesFailsTheLoadAfterItsMembers) {
     OutsideGUID = []() -> String { throw Error(429, "Suite.Ids", "gone"); };
     RunRow(5, "drGUID='  '");
     FillAll();

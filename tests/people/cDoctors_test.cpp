@@ -41,7 +41,7 @@ protected:
         if (!changes.empty()) Run("UPDATE Doctor_T SET " + changes + " WHERE drID=" + CStr(key));
     }
 
-    /// The table anew, with a number that may be null or stand twice.
+    /// Creates the table again, with a number that may be null or occur twice.
     void RunLooseTable() {
         Run("DROP TABLE Doctor_T");
         Run("CREATE TABLE Doctor_T (drID INTEGER, DrContactInfo_NVC TEXT, DrFirstName_NVC TEXT,"
@@ -49,7 +49,7 @@ protected:
             " drGUID TEXT, DrLogin TEXT)");
     }
 
-    /// What the list gives for the row with these changes.
+    /// Returns the content of the list's member for the row with these changes.
     String Listed(const String& changes) {
         RunRow(5, changes);
         EXPECT_EQ(doctors->GetAllDoctors(con), 1);
@@ -177,7 +177,7 @@ TEST_F(Doctors, ComeByLastNameAndThenByFirstName) {
     EXPECT_EQ(doctors->Item("K1")->drID, 1);
 }
 
-TEST_F(Doctors, ASecondLoadStartsAnewAndLeavesTheOldMembersAlone) {
+TEST_F(Doctors, ASecondLoadReplacesTheListAndKeepsTheOldMembersUnchanged) {
     RunRow(5);
     doctors->GetAllDoctors(con);
     const Ref<cDoctor> old = doctors->Item("K5");

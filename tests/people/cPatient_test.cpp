@@ -185,7 +185,7 @@ TEST_F(Patient, ANullResponsibleDoctorLoadsAsZero) {
     EXPECT_EQ(patient->RespDoctor, 0);
 }
 
-TEST_F(Patient, TheIdentifierComesBackInUpperCaseWithoutOuterBlanks) {
+TEST_F(Patient, TheIdentifierIsWrittenBackInUpperCaseWithoutOuterBlanks) {
     Run("INSERT INTO Patient_T (PatientID, PersonNr_CH) VALUES (5, '  ab-1 ')");
     EXPECT_EQ(Load("", 5), 1);
     EXPECT_EQ(patient->PatientID, "AB-1");
@@ -247,7 +247,7 @@ TEST_F(Patient, ABlankPreviousXrayDateLoadsAsZero) {
     EXPECT_EQ(patient->PrevXrayDate, Date{});
 }
 
-TEST_F(Patient, BlanksAroundADateDoNoHarm) {
+TEST_F(Patient, BlanksAroundADateAreIgnored) {
     Run("INSERT INTO Patient_T (PersonNr_CH, Birthdate_CH, PrevXrayDate_CH)"
         " VALUES ('A', ' 1984-02-29 ', ' 2023-12-01 ')");
     EXPECT_EQ(Load("A"), 1);
@@ -255,7 +255,7 @@ TEST_F(Patient, BlanksAroundADateDoNoHarm) {
     EXPECT_EQ(patient->PrevXrayDate, DateFrom({2023, 12, 1, 0, 0, 0}));
 }
 
-TEST_F(Patient, ABadResponsibleDoctorLeavesWhatWasReadBeforeIt) {
+TEST_F(Patient, ABadResponsibleDoctorKeepsTheMembersReadBefore) {
     Run("INSERT INTO Patient_T (PersonNr_CH, IDImg, OtherIDs, RespDoctor, PrevXrayDate_CH)"
         " VALUES ('A', 'img', 'X\\Y', 99999999999, '2023-12-01')");
     const TextBoxes boxes;
@@ -402,7 +402,7 @@ TEST_F(Patient, TheListIsCutOnUpdateToo) {
     EXPECT_EQ(Ask("SELECT length(OtherIDs) FROM Patient_T"), Variant(Long{255}));
 }
 
-TEST_F(Patient, NamesOfAnyScriptComeBackAsTheyWere) {
+TEST_F(Patient, NamesOfAnyScriptAreReadUnchanged) {
     for (const char* name : {"Ελένη Ωρίων", "Лев Щукин", "山田 太郎", "🦷😀", "Åse \"Ø\" O'Ñ %_\\"}) {
         patient->PatientID = "A";
         patient->FirstName = patient->LastName = patient->Comments = name;

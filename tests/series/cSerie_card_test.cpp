@@ -243,7 +243,7 @@ TEST_F(SeriesAsCard, ACanvasBeyondALongStoresNothing) {
     EXPECT_THAT(Sent(), ElementsAre(templateOfSix, slotsOfOne));
 }
 
-// ---- members that are no image --------------------------------------------------------------------------
+// ---- members that are not images ------------------------------------------------------------------------
 
 TEST_F(SeriesAsCard, AFirstMemberThatIsNotAnObjectRaises) {
     images->Add(Long{5});
@@ -251,7 +251,7 @@ TEST_F(SeriesAsCard, AFirstMemberThatIsNotAnObjectRaises) {
     EXPECT_THAT(Sent(), ElementsAre(templateOfSix, slotsOfOne));
 }
 
-TEST_F(SeriesAsCard, AFirstMemberThatIsNothingRaises) {
+TEST_F(SeriesAsCard, AFirstMemberThatIsNullRaises) {
     images->Add(Variant(Ref<Object>()));
     EXPECT_EQ(FailureOfSave(), 91);
     EXPECT_THAT(Sent(), ElementsAre(templateOfSix, slotsOfOne));
@@ -285,7 +285,7 @@ TEST_F(SeriesAsCard, ANonNumericFrameIsIgnoredIfTheLayoutHasNoSlot) {
 
 // ---- failures -------------------------------------------------------------------------------------------
 
-TEST_F(SeriesAsCard, WhatFailsReachesTheCallerAndWhatWasWrittenStays) {
+TEST_F(SeriesAsCard, AFailureReachesTheCallerAndKeepsTheRowsWrittenBefore) {
     InstallFaultyProvider();
     const Ref<Connection> faulty = New<Connection>();
     faulty->Open(Replace(con->ConnectionString(), "Provider=SQLite", "Provider=Faulty"));

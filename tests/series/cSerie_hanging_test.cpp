@@ -200,7 +200,7 @@ TEST_F(Hanging, OnlyEmptyFieldsAreDerived) {
     EXPECT_EQ(images[3]->Laterality + images[3]->AnaRegion + images[3]->AnaRegionMod, "");
 }
 
-TEST_F(Hanging, ASecondCallHangsAfreshAndDerivesNothing) {
+TEST_F(Hanging, ASecondCallHangsAgainAndDerivesNothing) {
     AddTeeth({"16,17,46,47,", "26,27,36,37,"});
     EXPECT_EQ(Hang(), 8);
     EXPECT_THAT(Frames(), ElementsAre(1, 2));
@@ -221,7 +221,7 @@ TEST_F(Hanging, TheOldCodeOfBothJawsIsRewritten) {
 
 // ---- by time --------------------------------------------------------------------------------------------
 
-TEST_F(Hanging, ByTimeTheOldestComesFirstAndEqualTimesInTheirOrder) {
+TEST_F(Hanging, ByTimeTheOldestIsFirstAndEqualTimesInTheirOrder) {
     AddPlain(6);
     const Date noon = DateFrom({2024, 3, 9, 12, 0, 0}), morning = DateFrom({2024, 3, 9, 8, 0, 0});
     for (const std::size_t i : {0U, 2U, 5U}) images[i]->dateTime = noon;
@@ -514,7 +514,7 @@ TEST_F(Hanging, FourBitewingsFirstPass) {
     EXPECT_EQ(series->TemplateID, 7);
 }
 
-TEST_F(Hanging, FourBitewingsSecondPassTakesWhatIsLeft) {
+TEST_F(Hanging, FourBitewingsSecondPassUsesTheRemainingImages) {
     struct Case {
         const char* side;
         const char* modifiers;
@@ -604,7 +604,7 @@ TEST_F(TemplateOrder, PassesOverSequencesWithoutASlot) {
     EXPECT_THAT(Frames(), ElementsAre(5, 9, 0, 0));
 }
 
-TEST_F(TemplateOrder, GoesNoFurtherThanThereAreImages) {
+TEST_F(TemplateOrder, EndsWithTheLastImage) {
     StoreTemplate({{5, 2}, {9, 4}});
     AddPlain(3);
     Hang(10);
@@ -630,7 +630,7 @@ TEST_F(TemplateOrder, AssignsOneSlotToAnImageThatOccursTwice) {
     EXPECT_EQ(images[1]->FrameNumber, 5);
 }
 
-TEST_F(TemplateOrder, WithoutSuchATemplateNothingHangs) {
+TEST_F(TemplateOrder, WithoutTheTemplateNoImageIsHung) {
     AddPlain(2);
     EXPECT_EQ(Hang(10), 6);
     EXPECT_THAT(Frames(), ElementsAre(0, 0));
@@ -690,7 +690,7 @@ TEST_F(Hanging, AnImageCountBeyond16BitsRaisesAndChangesNothing) {
     EXPECT_EQ(images[0]->Laterality, "");
 }
 
-TEST_F(Hanging, AFrameSumBeyond16BitsRaisesBehindThePlacing) {
+TEST_F(Hanging, AFrameSumBeyond16BitsRaisesAfterThePlacing) {
     AddPlain(255);
     EXPECT_EQ(Hang(), 0);
     EXPECT_EQ(images.back()->FrameNumber, 255);

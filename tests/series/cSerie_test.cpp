@@ -3,7 +3,7 @@
 #include "kit/Database.h"
 #include "platform/component/dispatch/Interface.h"
 
-/// A series' row: loading, saving, deleting, and where it lies. Hanging has a file of its own.
+/// The row of a series: loading, saving, deleting, and the location of its images. Hanging has a file of its own.
 namespace OXClass {
 namespace {
 
@@ -193,7 +193,7 @@ TEST_F(SeriesTable, LoadOfNullsStoresZerosAndEmptyTexts) {
                             "instanceUID ", "Approved true", "Changed true"));
 }
 
-TEST_F(SeriesTable, ACountSetBeforehandWinsOverTheRows) {
+TEST_F(SeriesTable, ACountThatWasSetBeforeIsUsedInsteadOfTheRows) {
     StoreDistinct();
     series->ImgCount = 7;
     EXPECT_TRUE(series->loadSeries("5", con));
@@ -209,7 +209,7 @@ TEST_F(SeriesTable, AnyNumberButZeroIsDerived) {
     }
 }
 
-TEST_F(SeriesTable, AColumnThatCantBeReadRaisesAndKeepsWhatWasRead) {
+TEST_F(SeriesTable, AColumnThatCantBeReadRaisesAndKeepsTheMembersReadBefore) {
     StoreDistinct();
     FillOtherwise();
     std::vector<String> expected = ValuesOf(series);
@@ -327,7 +327,7 @@ TEST_F(SeriesTable, SaveByANewUidInserts) {
     EXPECT_EQ(Count(), 2);
 }
 
-TEST_F(SeriesTable, SaveByKeyUpdatesTheKeysRowWhateverItsUid) {
+TEST_F(SeriesTable, SaveByKeyUpdatesTheKeysRowWithAnyUid) {
     StoreDistinct();
     FillOtherwise();
     series->ID = 5;
@@ -336,7 +336,7 @@ TEST_F(SeriesTable, SaveByKeyUpdatesTheKeysRowWhateverItsUid) {
     EXPECT_EQ(OfRow("SeriesInstanceUID", 5), Variant("9.9"));
 }
 
-TEST_F(SeriesTable, SaveByAKeyThatIsGoneInserts) {
+TEST_F(SeriesTable, SaveByADeletedKeyInserts) {
     FillOtherwise();
     EXPECT_TRUE(series->SaveSeries(true, con));
     EXPECT_EQ(Count(), 1);
@@ -369,7 +369,7 @@ TEST_F(SeriesTable, QuotesOfTheDescriptionAreStoredDoubledAndThenCut) {
     EXPECT_EQ(OfRow("SeriesDescription"), Variant("It''s"));
 }
 
-TEST_F(SeriesTable, TextsInAnyScriptComeBackAsTheyWere) {
+TEST_F(SeriesTable, TextsInAnyScriptAreReadUnchanged) {
     for (const String text : {"Παπαδόπουλος", "Щукина", "山田太郎", "🦷😬"}) {
         FillOtherwise();
         series->SeriesDescription = text;
@@ -441,7 +441,7 @@ TEST_F(SeriesTable, DeleteRemovesTheRowAlone) {
     EXPECT_EQ(Ask("SELECT COUNT(*) FROM ImageBild_T"), Variant(Long{1}));
 }
 
-TEST_F(SeriesTable, DeleteOfARowThatIsGoneDoesNothing) {
+TEST_F(SeriesTable, DeleteOfARowThatIsDeletedDoesNothing) {
     StoreDistinct();
     series->ID = 6;
     series->Delete(con);

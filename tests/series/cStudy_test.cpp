@@ -155,7 +155,7 @@ TEST_F(StudyTable, ANullInAColumnThatMustHaveAValueRaisesAndKeepsTheMembersReadB
     }
 }
 
-TEST_F(StudyTable, ADateThatIsNoneRaisesBehindTheAccessionNumber) {
+TEST_F(StudyTable, AnInvalidDateRaisesAfterTheAccessionNumberIsRead) {
     StoreDistinct();
     for (const char* date : {"NULL", "'some day'"}) {
         FillOtherwise();
@@ -253,7 +253,7 @@ TEST_F(StudyTable, SaveByUidMergesIntoTheKnownRow) {
     EXPECT_EQ(OfRow("Studydesc", 5), Variant("old descr"));
 }
 
-TEST_F(StudyTable, SaveByKeyUpdatesTheKeysRowWhateverItsUid) {
+TEST_F(StudyTable, SaveByKeyUpdatesTheKeysRowWithAnyUid) {
     StoreDistinct();
     study->loadStudy("5", con);
     study->instanceUID = "7.7";
@@ -262,7 +262,7 @@ TEST_F(StudyTable, SaveByKeyUpdatesTheKeysRowWhateverItsUid) {
     EXPECT_EQ(OfRow("StudyInstanceUID", 5), Variant("7.7"));
 }
 
-TEST_F(StudyTable, SaveByAKeyThatIsGoneInserts) {
+TEST_F(StudyTable, SaveByADeletedKeyInserts) {
     FillOtherwise();
     EXPECT_TRUE(study->savestudy(true, con));
     EXPECT_EQ(Count(), 1);
@@ -322,7 +322,7 @@ TEST_F(StudyTable, AStudyIdentifierOf20CharactersIsStoredAs16) {
     EXPECT_EQ(study->studyID, "12345678901234567890");
 }
 
-TEST_F(StudyTable, TextsInAnyScriptComeBackAsTheyWere) {
+TEST_F(StudyTable, TextsInAnyScriptAreReadUnchanged) {
     for (const String text : {"Παπαδόπουλος", "Щукина", "山田太郎", "🦷😬"}) {
         study = New<cStudy>();
         study->description = study->PhysOfRecord = study->referDrName = study->accessionNumber = text;
@@ -431,7 +431,7 @@ TEST_F(StudyTable, DeleteRemovesTheRowAlone) {
     EXPECT_EQ(study->ID, 5);
 }
 
-TEST_F(StudyTable, DeleteOfARowThatIsGoneDoesNothing) {
+TEST_F(StudyTable, DeleteOfARowThatIsDeletedDoesNothing) {
     StoreDistinct();
     study->ID = 6;
     study->Delete(con);

@@ -194,7 +194,7 @@ TEST_F(WorklistItem, ALateBoundPutReplacesBothLists) {
     EXPECT_EQ(Get("OtherPatIDs"), Variant(others));
 }
 
-TEST_F(WorklistItem, AListSetToNothingIsMadeAnewAndEmpty) {
+TEST_F(WorklistItem, AListSetToNullIsCreatedAgainAndEmpty) {
     item->AddRecipient("a");
     AddOther("a");
     const Ref<IntendedRecipients> recipients = item->IntendedRecipients();
@@ -243,12 +243,12 @@ TEST_F(WorklistItem, AddingAnotherIdentifierLeavesTheirText) {
     EXPECT_EQ(item->OtherPatientID, "");
 }
 
-TEST_F(WorklistItem, AnIdentifierInLowerCaseIsStoredInUpperCaseAndComesBackSo) {
+TEST_F(WorklistItem, AnIdentifierInLowerCaseIsStoredAndReturnedInUpperCase) {
     EXPECT_EQ(AddOther(" abc "), "ABC");
     EXPECT_THAT(MembersIn(item->OtherPatIDs()), ElementsAre("ABC 1"));
 }
 
-TEST_F(WorklistItem, ALateBoundCallersIdentifierComesBackToo) {
+TEST_F(WorklistItem, ALateBoundCallersIdentifierIsWrittenBackToo) {
     std::vector<Variant> arguments{Variant("abc")};
     EXPECT_EQ(Invoke(*item, "AddOtherPID", MemberKind::Operation, arguments), Variant());
     EXPECT_EQ(arguments[0], Variant("ABC"));
@@ -285,7 +285,7 @@ TEST_F(WorklistItem, AnIdentifierBehindARemovalMeetsTheKeyThatIsStillThere) {
     EXPECT_THAT(MembersIn(item->OtherPatIDs()), ElementsAre("B 2"));
 }
 
-TEST_F(WorklistItem, AnIdentifierThatIsThereMeetsNoKey) {
+TEST_F(WorklistItem, AnExistingIdentifierDoesNotCollideWithAKey) {
     AddOther("A");
     AddOther("B");
     item->OtherPatIDs()->Remove("K1");

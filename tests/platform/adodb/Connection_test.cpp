@@ -20,7 +20,7 @@ protected:
     }
 };
 
-TEST_F(ConnectionTest, OpenRaisesWhatKeepsItClosed) {
+TEST_F(ConnectionTest, OpenRaisesAndStaysClosed) {
     EXPECT_EQ(OpenFailure("Provider=Nope;Data Source=x").Number, adErrProviderNotFound);
     EXPECT_EQ(OpenFailure("Data Source=x").Number, adErrProviderNotFound);
     EXPECT_EQ(OpenFailure("Provider=SQLite").Number, MultipleStepFailed);
@@ -124,7 +124,7 @@ TEST_F(ConnectionTest, AFailureNamesItsOrigin) {
     EXPECT_TRUE(con->Errors().empty());
 }
 
-TEST_F(ConnectionTest, ASecondStatementIsRefusedBeforeAnythingRuns) {
+TEST_F(ConnectionTest, ASecondStatementIsRejectedBeforeAnythingRuns) {
     Run("INSERT INTO Root_T (RootID) VALUES (1)");
     for (const char* text : {"DELETE FROM Root_T; DELETE FROM Root_T", "DELETE FROM Root_T WHERE RootID=1; x",
                              "SELECT 1; DROP TABLE Root_T", "DELETE FROM Root_T;;--x\nSELECT 2"})
@@ -222,7 +222,7 @@ TEST_F(ConnectionTest, AHandlerMayTakeItselfOut) {
     EXPECT_EQ(third.calls, 2);
 }
 
-TEST_F(ConnectionTest, NothingButAnEndStartsInsideWillExecute) {
+TEST_F(ConnectionTest, TransactionsAndCloseInsideWillExecuteRaise3710) {
     struct Handler : ConnectionEvents {
         void WillExecute(ExecuteRequest&) override {
             for (const auto& call :

@@ -33,7 +33,7 @@ TEST(SqliteShape, LeavesLiteralsWhereTheyMeanSomethingElse) {
     EXPECT_EQ(ShapeOf("SELECT a FROM t WHERE (SELECT 1)=2"), "SELECT a FROM t WHERE (SELECT 1)=?");
 }
 
-TEST(SqliteShape, RejectsUnsupportedStatements) {
+TEST(SqliteShape, KeepsTheLiteralsOfUnsupportedStatements) {
     for (const char* text : {"PRAGMA x=1", "CREATE TABLE t (a DEFAULT 5)", "SELECT a FROM t WHERE b=? AND c=1",
                              "SELECT a FROM t WHERE b=1 -- c", "SELECT a /* 1 */ FROM t WHERE b=1",
                              "SELECT a FROM t WHERE b='open", "SELECT a FROM t WHERE b=1)", ""})
@@ -84,7 +84,7 @@ TEST_F(SqlitePlansTest, OneShapeIsCompiledOnce) {
     EXPECT_EQ(literals[0].body, "99");
 }
 
-TEST_F(SqlitePlansTest, TheLeastRecentlyUsedGoesFirst) {
+TEST_F(SqlitePlansTest, TheLeastRecentlyUsedIsRemovedFirst) {
     const auto statement = [](int i) {
         return "SELECT b FROM t WHERE a=1 AND b<>'' AND" + std::string(static_cast<std::size_t>(i), ' ') + "a<5";
     };

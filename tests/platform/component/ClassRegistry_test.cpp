@@ -69,7 +69,7 @@ protected:
         std::ofstream(file, std::ios::binary) << text;
     }
 
-    /// All that reads or changes the file tells of it, and leaves it.
+    /// Expects that every function that reads or changes the file raises this reason and leaves the file unchanged.
     void ExpectRefused(const String& reason) const {
         const auto refused = [&](const Error& failure) {
             EXPECT_EQ(failure.Number, err::PathFileAccess);
@@ -90,7 +90,7 @@ protected:
 
 // ---- entering and removing --------------------------------------------------------------------------
 
-TEST_F(ClassRegistryFile, IsMadeWithItsFoldersByTheFirstLibrary) {
+TEST_F(ClassRegistryFile, IsCreatedWithItsFoldersByTheFirstLibrary) {
     const LibraryRecord library = Library("First", '1', {"A", "B"});
     Enter(library);
     EXPECT_EQ(Parse(Content(file)), std::vector<LibraryRecord>{library});
@@ -102,7 +102,7 @@ TEST_F(ClassRegistryFile, HoldsLibrariesInTheOrderOfTheirEntering) {
     EXPECT_EQ(Registered(), "L3 1.0;L1 1.0;L2 1.0;");
 }
 
-TEST_F(ClassRegistryFile, ALibraryTakesThePlaceOfTheOneUnderItsIdentifier) {
+TEST_F(ClassRegistryFile, ALibraryReplacesTheOneWithItsIdentifier) {
     Enter(Library("Old", '1', {"A", "B"}));
     Enter(Library("Other", '2', {"A"}));
     Enter(Library("New", '1', {"C"}));
@@ -111,7 +111,7 @@ TEST_F(ClassRegistryFile, ALibraryTakesThePlaceOfTheOneUnderItsIdentifier) {
     EXPECT_TRUE(Find("New.C"));
 }
 
-TEST_F(ClassRegistryFile, ALibraryIsRemovedAndTheFileGoesWithTheLast) {
+TEST_F(ClassRegistryFile, ALibraryIsRemovedAndTheFileWithTheLastLibrary) {
     Enter(Library("One", '1', {"A"}));
     Enter(Library("Two", '2', {"A"}));
     Remove(Id('1'));
@@ -183,7 +183,7 @@ TEST_F(ClassRegistryFile, ClassesAreFoundWithoutRegardToCase) {
     for (const char* name : {"", "Lib", "Lib.", "Größe", "Lib.Größe2", "Lib.Gr"}) EXPECT_FALSE(Find(name)) << name;
 }
 
-TEST_F(ClassRegistryFile, WithoutAFileNothingIsFoundAndNoneIsMade) {
+TEST_F(ClassRegistryFile, WithoutAFileNoClassIsFoundAndNoFileIsCreated) {
     EXPECT_FALSE(Find("Nowhere.A"));
     EXPECT_TRUE(NamesIn(folder.Path()).empty());
 }
@@ -203,7 +203,7 @@ TEST_F(ClassRegistryFile, AllHasEachClassOnce) {
                                               "AllHere.Filed /opt/AllHere.so"));
 }
 
-TEST_F(ClassRegistryFile, EnteringHereTouchesNoFileAndWinsOverIt) {
+TEST_F(ClassRegistryFile, RegistrationForThisProcessChangesNoFileAndHasPrecedence) {
     Enter(Library("Here", '7', {"A"}));
     const String before = Content(file);
     LibraryRecord mine = Library("Here", '8', {"A"});
@@ -346,7 +346,7 @@ String With(const String& part, const String& by) {
     return Replace(Replace(Replace(text, part, by), "ID1", Id('1')), "ID2", Id('2'));
 }
 
-TEST(ClassRegistryText, OfTheWrongShapeIsRefused) {
+TEST(ClassRegistryText, OfTheWrongShapeIsRejected) {
     ASSERT_EQ(Parse(With("", "")).at(0).Classes.at(0).Name, "N.A");
     const std::pair<String, String> changes[] = {
         {R"("libraries")", R"("Libraries")"},

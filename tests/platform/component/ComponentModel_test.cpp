@@ -37,7 +37,7 @@ static_assert(sizeof(SAFEARRAYBOUND) == 8 && offsetof(SAFEARRAYBOUND, lLbound) =
 
 // ---- helpers ----------------------------------------------------------------------------------------
 
-/// An object of somebody else, which lives as long as the test and counts its references.
+/// A foreign object, which lives as long as the test and counts its references.
 class Counted final : public IUnknown {
 public:
     HRESULT QueryInterface(REFIID, void** object) override {
@@ -220,7 +220,7 @@ TEST(VariantMemory, ClearTakesNullPlaces) {
     EXPECT_EQ(VariantClear(nullptr), E_INVALIDARG);
 }
 
-TEST(VariantMemory, ClearLeavesWhatAReferencePointsAt) {
+TEST(VariantMemory, ClearKeepsTheValueThatAReferencePointsTo) {
     Counted object;
     IUnknown* held = &object;
     BSTR text = SysAllocString(u"stays");
@@ -243,7 +243,7 @@ TEST(VariantMemory, ClearLeavesWhatAReferencePointsAt) {
     SafeArrayDestroy(array);
 }
 
-TEST(VariantMemory, TypesThatNoVariantHasAreRefused) {
+TEST(VariantMemory, TypesThatNoVariantHasAreRejected) {
     Counted object;
     const int types[] = {VT_VARIANT,
                          15,
@@ -406,7 +406,7 @@ TEST(VariantMemory, CopyOfAnArrayIsAnotherArray) {
 
 // ---- safe arrays ------------------------------------------------------------------------------------
 
-TEST(SafeArray, IsMadeOfEachElementType) {
+TEST(SafeArray, IsCreatedForEachElementType) {
     const std::pair<int, ULONG> types[] = {{VT_I1, 1},
                                            {VT_UI1, 1},
                                            {VT_I2, 2},
@@ -484,7 +484,7 @@ TEST(SafeArray, HasTheBoundsThatItWasMadeWith) {
     }
 }
 
-TEST(SafeArray, BoundsAreAskedOfADimensionThatItHas) {
+TEST(SafeArray, BoundsOfAnotherDimensionAreRejected) {
     SAFEARRAY* array = SafeArrayCreateVector(VT_I4, 0, 3);
     LONG bound = 99;
     for (const UINT dimension : {0U, 2U}) {
@@ -495,7 +495,7 @@ TEST(SafeArray, BoundsAreAskedOfADimensionThatItHas) {
     SafeArrayDestroy(array);
 }
 
-TEST(SafeArray, NullPlacesAreRefused) {
+TEST(SafeArray, NullPlacesAreRejected) {
     SAFEARRAY* array = SafeArrayCreateVector(VT_I4, 0, 1);
     SAFEARRAY* copy = array;
     LONG bound = 0;
@@ -519,7 +519,7 @@ TEST(SafeArray, NullPlacesAreRefused) {
     SafeArrayDestroy(array);
 }
 
-TEST(SafeArray, OneThatItsOwnerDescribedHasTheTypeOfItsFeaturesAndStaysHis) {
+TEST(SafeArray, OneOfAnotherOwnerHasTheTypeOfItsFeaturesAndIsNotDestroyed) {
     BSTR texts[] = {nullptr, nullptr};
     SAFEARRAY described = {1, 0, sizeof(BSTR), 0, texts, {{2, 5}}};
     const std::pair<int, int> types[] = {
@@ -624,7 +624,7 @@ TEST(SafeArray, CopiesItsVariantsWithAllThatTheyHold) {
     EXPECT_EQ(object.references, 1U);
 }
 
-TEST(SafeArray, ACopyThatFailsInTheMiddleLeavesNothing) {
+TEST(SafeArray, ACopyThatFailsHalfwayLeavesNoFile) {
     Counted object;
     SAFEARRAY* array = SafeArrayCreateVector(VT_VARIANT, 0, 3);
     Elements<VARIANT>(array)[0] = Holding(object);
@@ -651,7 +651,7 @@ I* Ask(IUnknown* object, REFIID riid) {
     return static_cast<I*>(found);
 }
 
-/// A text that a getter gave, which is freed.
+/// Returns the text that a getter stores, and frees the `BSTR`.
 std::u16string Got(IErrorInfo* record, HRESULT (IErrorInfo::*get)(BSTR*)) {
     BSTR text = nullptr;
     EXPECT_EQ((record->*get)(&text), S_OK);
@@ -660,7 +660,7 @@ std::u16string Got(IErrorInfo* record, HRESULT (IErrorInfo::*get)(BSTR*)) {
     return units;
 }
 
-/// The thread's record, taken out; null where there is none.
+/// Returns the thread's record and removes it; null if the thread has none.
 IErrorInfo* TakenRecord() {
     IErrorInfo* record = nullptr;
     const HRESULT code = GetErrorInfo(0, &record);
@@ -714,7 +714,7 @@ TEST(ErrorRecord, StartsEmptyAndTakesNullAsEmpty) {
     made->Release();
 }
 
-TEST(ErrorRecord, RefusesNullPlaces) {
+TEST(ErrorRecord, RejectsNullPlaces) {
     ICreateErrorInfo* made = nullptr;
     ASSERT_EQ(CreateErrorInfo(&made), S_OK);
     auto* record = Ask<IErrorInfo>(made, IID_IErrorInfo);
@@ -762,7 +762,7 @@ public:
     std::atomic<ULONG> references = 1;
 };
 
-TEST(ErrorRecord, OfAThreadIsTakenOutOnce) {
+TEST(ErrorRecord, OfAThreadIsReturnedOnce) {
     CountedRecord record;
     EXPECT_EQ(SetErrorInfo(0, &record), S_OK);
     EXPECT_EQ(record.references, 2U);

@@ -28,7 +28,7 @@ bool Arrives(int pipe, int milliseconds) {
     return select(pipe + 1, &set, nullptr, nullptr, &limit) == 1 && read(pipe, &byte, 1) == 1;
 }
 
-/// Another process, made before any lock, that tells when it has the lock of a folder.
+/// Another process, started before any lock, that reports when it has the lock of a folder.
 class OtherProcess {
 public:
     explicit OtherProcess(const fs::path& folder) {
@@ -87,7 +87,7 @@ TEST(FolderLock, KeepsOtherThreadsWaiting) {
     EXPECT_TRUE(taken);
 }
 
-TEST(FolderLock, OfAFolderThatIsNotThereIsNone) {
+TEST(FolderLock, OfAMissingFolderDoesNotLock) {
     const TemporaryFolder folder;
     const FolderLock first(folder.Path() / "none"), second(folder.Path() / "none");
     EXPECT_TRUE(NamesIn(folder.Path()).empty()) << "none is made, and nobody waits";

@@ -66,13 +66,13 @@ TEST(Interface, PropertiesArePutAndGotByNameWithoutCase) {
     EXPECT_EQ(object->Members, members) << "an object put is the same object";
 }
 
-TEST(Interface, OperationsFillInWhatIsLeftOut) {
+TEST(Interface, OperationsUseTheDefaultsOfOmittedArguments) {
     const Ref<Sample> object = New<Sample>();
     EXPECT_EQ(Call(object, "Join", MemberKind::Operation, {"x", 7.0}), Variant("x7!"));
     EXPECT_EQ(Call(object, "Join", MemberKind::Operation, {"x", 7.0, "y"}), Variant("x7y"));
 }
 
-TEST(Interface, ArgumentsByReferenceComeBack) {
+TEST(Interface, ArgumentsByReferenceAreWrittenBack) {
     const Ref<Sample> object = New<Sample>();
     std::vector<Variant> arguments{"a", Long{5}};
     Invoke(*object, "Change", MemberKind::Operation, arguments);

@@ -90,7 +90,7 @@ TEST(Marshal, AnOddByteOfATextIsLeftOut) {
 
 // ---- values out and back ----------------------------------------------------------------------------
 
-TEST(Marshal, EachValueComesBackAsItWas) {
+TEST(Marshal, EachValueIsReturnedUnchanged) {
     const double tiny = std::numeric_limits<double>::denorm_min();
     const std::pair<Variant, int> values[] = {
         {Empty{}, VT_EMPTY},
@@ -289,7 +289,7 @@ TEST(Marshal, DecimalsAreTakenWithSignScaleAndAllTheirDigits) {
     }
 }
 
-TEST(Marshal, TypesWithoutAFormAreRefused) {
+TEST(Marshal, TypesWithoutAFormAreRejected) {
     LONGLONG place = 0;
     for (const int type : {VT_ERROR + 0, 15, 24, 36, 64, 0x1000 | VT_I4, VT_BYREF | VT_ERROR, VT_BYREF | 0,
                            VT_BYREF | VT_NULL, VT_BYREF | 36}) {
@@ -303,7 +303,7 @@ TEST(Marshal, TypesWithoutAFormAreRefused) {
     EXPECT_EQ(RefusalOf(leftOut), DISP_E_BADVARTYPE);
 }
 
-TEST(Marshal, AReferenceToAReferenceIsRefused) {
+TEST(Marshal, AReferenceToAReferenceIsRejected) {
     LONG number = 5;
     Held inner(VT_BYREF | VT_I4, &number);
     EXPECT_EQ(RefusalOf(Held(VT_BYREF | VT_VARIANT, &inner)), DISP_E_BADVARTYPE);
@@ -312,7 +312,7 @@ TEST(Marshal, AReferenceToAReferenceIsRefused) {
     EXPECT_EQ(RefusalOf(self), DISP_E_BADVARTYPE);
 }
 
-TEST(Marshal, AReferenceToNothingIsRefused) {
+TEST(Marshal, ANullReferenceIsRejected) {
     for (const int type : {VT_I4 + 0, VT_BSTR + 0, VT_VARIANT + 0, VT_DISPATCH + 0, VT_DECIMAL + 0, VT_ARRAY | VT_BSTR,
                            VT_ARRAY | VT_VARIANT})
         EXPECT_EQ(RefusalOf(Held(VT_BYREF | type, nullptr)), E_POINTER) << type;
@@ -365,7 +365,7 @@ TEST(Marshal, AnEmptyArrayIsTaken) {
     EXPECT_EQ(FromVariant(Held(VT_BYREF | VT_ARRAY | VT_BSTR, &place)), none);
 }
 
-TEST(Marshal, ArraysOfOtherElementsAreRefused) {
+TEST(Marshal, ArraysOfOtherElementsAreRejected) {
     for (const int type : {VT_I4, VT_UI1, VT_R8, VT_UNKNOWN, VT_DISPATCH, VT_DECIMAL}) {
         EXPECT_EQ(RefusalOf(ArrayOf(type, 2)), DISP_E_BADVARTYPE) << type;
         EXPECT_EQ(RefusalOf(ArrayOf(type, 0)), DISP_E_BADVARTYPE) << type;
@@ -375,7 +375,7 @@ TEST(Marshal, ArraysOfOtherElementsAreRefused) {
     EXPECT_EQ(RefusalOf(lying), DISP_E_BADVARTYPE) << "the array's own type counts";
 }
 
-TEST(Marshal, ArraysOfTwoDimensionsAreRefused) {
+TEST(Marshal, ArraysOfTwoDimensionsAreRejected) {
     struct {
         std::uint64_t type = VT_BSTR;
         SAFEARRAY array = {2, FADF_HAVEVARTYPE | FADF_BSTR, sizeof(BSTR), 0, nullptr, {{1, 0}}};
@@ -391,7 +391,7 @@ TEST(Marshal, ArraysOfTwoDimensionsAreRefused) {
     EXPECT_EQ(RefusalOf(variant), 0) << "it is refused for its dimensions";
 }
 
-TEST(Marshal, AnArrayThatHoldsItselfIsRefused) {
+TEST(Marshal, AnArrayThatContainsItselfIsRejected) {
     Held array = ArrayOf(VT_VARIANT, 1);
     Elements<VARIANT>(array)[0].vt = VT_BYREF | VT_VARIANT;
     Elements<VARIANT>(array)[0].pvarVal = &array;
@@ -411,7 +411,7 @@ TEST(Marshal, AnArrayThatItsOwnerDescribesIsTakenByItsFeatures) {
     EXPECT_EQ(RefusalOf(variant), DISP_E_BADVARTYPE);
 }
 
-// ---- arguments that come back -----------------------------------------------------------------------
+// ---- arguments that are written back ----------------------------------------------------------------
 
 TEST(Marshal, ALeftOutArgumentIsOneErrorValue) {
     VARIANT variant{};
@@ -425,7 +425,7 @@ TEST(Marshal, ALeftOutArgumentIsOneErrorValue) {
     EXPECT_FALSE(IsLeftOut(variant));
 }
 
-TEST(Marshal, AValueComesBackThroughATypedReference) {
+TEST(Marshal, AValueIsWrittenBackThroughATypedReference) {
     VARIANT_BOOL truth = 0;
     SHORT small = 0;
     LONG number = 0;
@@ -464,7 +464,7 @@ TEST(Marshal, AValueIsWrittenBackIntoAVariantThatIsNotAReference) {
     EXPECT_EQ(FromVariant(argument), Variant(Long{7}));
 }
 
-TEST(Marshal, AnObjectComesBackInPlaceOfAnother) {
+TEST(Marshal, AnObjectThatIsWrittenBackReplacesAnother) {
     const Ref<Collection> before = New<Collection>(), after = New<Collection>();
     for (const int type : {VT_DISPATCH, VT_UNKNOWN}) {
         IUnknown* place = Boundary::ToPointer(before);
@@ -495,7 +495,7 @@ TEST(Marshal, AnObjectWithoutCallsByNameFitsNoReferenceToThem) {
     }
 }
 
-TEST(Marshal, WhatHasNoFormOfTheReferencesTypeStaysOut) {
+TEST(Marshal, AValueThatCannotBeConvertedIsNotWrittenBack) {
     VARIANT_BOOL truth = 1;
     SHORT small = 11;
     LONG number = 12;
@@ -546,7 +546,7 @@ TEST(Marshal, WhatHasNoFormOfTheReferencesTypeStaysOut) {
     object->Release();
 }
 
-TEST(Marshal, NothingComesBackThroughAReferenceToNothing) {
+TEST(Marshal, NothingIsWrittenBackThroughANullReference) {
     for (const int type : {VT_I4, VT_BSTR, VT_VARIANT, VT_DISPATCH}) {
         Held reference(VT_BYREF | type, nullptr);
         EXPECT_EQ(FailureOf([&] { WriteBack(Ref<Object>(), reference); }).Number, E_POINTER) << type;

@@ -73,7 +73,7 @@ TEST(AtomicFile, TakesThePlaceOfTheEarlierOneForItsReadersAtOnce) {
     EXPECT_EQ(Content(file), "later");
 }
 
-TEST(AtomicFile, OnAFullDiskTheEarlierOneStaysAndNothingBeside) {
+TEST(AtomicFile, OnAFullDiskTheEarlierFileStaysAndNoOtherRemains) {
     const TemporaryFolder folder;
     const fs::path file = folder.Path() / "file";
     ASSERT_TRUE(WriteAtomically(file, "earlier"));
@@ -85,7 +85,7 @@ TEST(AtomicFile, OnAFullDiskTheEarlierOneStaysAndNothingBeside) {
     EXPECT_EQ(NamesIn(folder.Path()), std::vector<String>{"file"});
 }
 
-TEST(AtomicFile, WhereItsNameIsTakenByAFolderNothingIsLeftBeside) {
+TEST(AtomicFile, IfAFolderHasItsNameNoOtherFileRemains) {
     const TemporaryFolder folder;
     fs::create_directories(folder.Path() / "file" / "within");
     EXPECT_FALSE(WriteAtomically(folder.Path() / "file", "x"));

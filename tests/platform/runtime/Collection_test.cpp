@@ -46,7 +46,7 @@ TEST(Collection, ADuplicateKeyRaises457AndChangesNothing) {
     EXPECT_EQ(All(*c), "ab");
 }
 
-TEST(Collection, HasAKeyWithoutRegardToCaseUntilItsMemberGoes) {
+TEST(Collection, HasAKeyWithoutRegardToCaseUntilItsMemberIsRemoved) {
     const Ref<Collection> c = New<Collection>();
     EXPECT_FALSE(c->HasKey(""));
     c->Add("first", "Key");
@@ -59,7 +59,7 @@ TEST(Collection, HasAKeyWithoutRegardToCaseUntilItsMemberGoes) {
     EXPECT_FALSE(c->HasKey("Key"));
 }
 
-TEST(Collection, AddGoesBeforeOrBehindAMember) {
+TEST(Collection, AddInsertsBeforeOrAfterAMember) {
     const Ref<Collection> c = Letters("ab");
     c->Add("x", {}, "b");
     c->Add("y", {}, {}, Long{1});
@@ -72,7 +72,7 @@ TEST(Collection, AddGoesBeforeOrBehindAMember) {
     EXPECT_EQ(All(*c), "ayxb");
 }
 
-TEST(Collection, MembersBehindARemovedOneCloseUpAndItsKeyIsFree) {
+TEST(Collection, PositionsAfterARemovedMemberDecreaseAndItsKeyIsFree) {
     const Ref<Collection> c = Letters("abc");
     c->Remove("B");
     EXPECT_EQ(All(*c), "ac");
