@@ -61,7 +61,7 @@ private:
     std::vector<std::u16string> lines_;
 };
 
-/// The lines of a label behind the slot's number: each broken at its blanks where it is longer than `width`.
+/// Returns the lines of a label behind the slot's number: each broken at its blanks where it is longer than `width`.
 std::vector<std::u16string> Lines(Long number, const std::string& label, int width) {
     std::vector<std::u16string> lines{ToUtf16(std::to_string(number))};
     for (const std::string& line : SplitIgnoringCase(label, "\n")) {

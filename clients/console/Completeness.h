@@ -3,20 +3,20 @@
 #include "cardlist/cUniCard.h"
 #include "console/Database.h"
 
-/// Rows that could not be read whole. An object that was read only in part must not be saved: the members
-/// that were not read would replace what is stored.
+/// Rows that could not be read completely. An object that was read only in part must not be saved: the members that
+/// were not read would replace the stored values.
 namespace Console {
 
 /// Returns the column that can't be read and the reason, as lists show them: "Brightness_INT: Invalid use of Null".
 std::string DamageOf(const Platform::Error& failure);
 
-/// Loads the images of a card or series, past those that can't be read. Shows no text box.
+/// Loads the images of a card or series that can be read, and skips the others. Shows no text box.
 void LoadReadable(const Ref<Connection>& con, OXClass::cUniCard& entry);
 
 /// Returns a line for each part of a loaded card or series that could not be read: "image 5 can't be read: ...".
 std::vector<std::string> DamagesOf(const OXClass::cUniCard& entry);
 
-/// The same for a list of images.
+/// Returns such a line for each image of a list that could not be read.
 std::vector<std::string> DamagesOf(const OXClass::cImages& images);
 
 /// Returns the reason why a card or series lacks an image that it places: the image's row is missing or can't be read.
@@ -57,15 +57,15 @@ struct StoredComment {
                          ///< empty for a sound row
 };
 
-/// The comments of an image, newest first, also those whose rows are damaged.
+/// Returns the comments of an image, newest first, also those whose rows are damaged.
 std::vector<StoredComment> CommentsOf(const Ref<Connection>& con, Platform::Long image);
 
 /// Loads an image without its comments. Throws `UserError` for an unknown image and for one that can't be
 /// read whole.
 Ref<OXClass::cImage> LoadWholeImage(const Ref<Connection>& con, Platform::Long number);
 
-/// Loads a card with all that is placed on it. Throws `UserError` for an unknown card and for one of which
-/// anything can't be read, a manipulation too.
+/// Loads a card with its placed images and their manipulations. Throws `UserError` for an unknown card and if any part
+/// of it can't be read.
 void LoadWhole(const Ref<Connection>& con, OXClass::cImagecard& card, Platform::Long number);
 
 /// Saves a card with its placed images and their manipulations, inside of the caller's transaction. The documented save

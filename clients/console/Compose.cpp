@@ -53,7 +53,7 @@ std::pair<Long, Long> CanvasOf(const std::string& text) {
 
 // ---- composing --------------------------------------------------------------------------------------
 
-/// A stored card that is changed as a whole: nothing is stored unless all of it is.
+/// A stored card that is changed in one transaction.
 class CardComposer {
 public:
     CardComposer(const Database& database, const std::string& key) : database_(database), transaction_(database.Con()) {

@@ -23,7 +23,7 @@ std::string DatabaseOf(const Options& options) {
 
 bool IsConnectionString(const std::string& database) { return Contains(LCase(database), "provider="); }
 
-/// Text boxes go to another handler while this object lives.
+/// While this object lives, another handler receives the text boxes.
 class TextBoxes {
 public:
     explicit TextBoxes(std::function<void(const String&, Long)> handler)

@@ -14,7 +14,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace Platform;
 
-/// The engine's codes, as far as a person can do something about them.
+/// The engine's codes for failures that the user may be able to correct.
 enum EngineCode : Long {
     Busy = 5,
     DiskFailed = 10,

@@ -21,7 +21,7 @@ void RequireMarks(const std::string& name, Platform::Long mark, Platform::Long v
 /// database, and for marks that `RequireMarks` rejects.
 bool IsClinicFile(const std::filesystem::path& file);
 
-/// Returns true if the file has a log that isn't empty: the file alone doesn't hold what was stored last.
+/// Returns true if the file has a log that isn't empty: the file alone then lacks the newest changes.
 bool HasLog(const std::filesystem::path& file);
 
 /// Returns one line about a failure of the library or its database: what it means and what the user can do.

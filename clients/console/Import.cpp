@@ -72,8 +72,8 @@ private:
     std::map<std::string, std::string> passedOver_;  // the reasons of foreign files, by their folded paths
 };
 
-/// A path to compare: discs name files in upper case and with a version behind a semicolon, systems show them
-/// otherwise.
+/// Returns a path in a form that can be compared: a disc names its files in upper case and with a version behind a
+/// semicolon, and a system may show them in another form.
 std::string FoldedPath(const fs::path& path) {
     const std::string text = LCase(path.lexically_normal().string());
     const auto version = text.rfind(';');
@@ -124,7 +124,7 @@ void Import::ReadAndStore(const std::vector<FoundFile>& files) {
     ReportListed(files);
 }
 
-/// Puts a file that was read to the files of its series, or reports why it isn't imported.
+/// Adds a file that was read to the files of its series, or reports why it isn't imported.
 void Import::Take(const FoundFile& file, const WorkerPool::Answer& answer, std::size_t position) {
     ReadFile read;
     if (answer.failure.empty())

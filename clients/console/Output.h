@@ -25,7 +25,7 @@ public:
     struct Column {
         std::string key;
         std::string title;
-        bool onlyWhereFilled = false;  ///< left out on paper where no row has a value
+        bool onlyWhereFilled = false;  ///< true: omitted in text output if no row has a value
     };
 
     explicit List(std::vector<Column> columns) : columns_(std::move(columns)) {}
@@ -35,7 +35,7 @@ public:
 
     std::size_t Count() const noexcept { return rows_.size(); }
 
-    /// The rows as a JSON array of objects.
+    /// Returns the rows as a JSON array of objects.
     nlohmann::ordered_json Rows() const;
 
     /// Prints to standard output. Without rows the text is `whenEmpty`, the JSON an empty array.
@@ -58,7 +58,7 @@ std::string Printable(std::string text);
 /// Returns the width of a UTF-8 text in columns of a terminal: two for an East Asian wide character, otherwise one.
 std::size_t DisplayWidth(std::string_view text);
 
-/// A date as text, with the time where it has one; empty for the zero date.
+/// Returns a date as text, with the time where it has one; empty for the zero date.
 std::string DateText(Platform::Date date);
 
 /// Prints names and values, one a line, or as JSON.

@@ -52,7 +52,7 @@ constexpr TextField<cPatient> TextFields[] = {
     {"IDImg", &cPatient::IDImg},
 };
 
-/// The day that a person typed; the zero date for an empty text.
+/// Returns the day that a person typed; the zero date for an empty text.
 Date DateOf(const std::string& value) { return value.empty() ? Date{} : TypedDate(value); }
 
 Date BirthDateOf(const std::string& value) {

@@ -38,7 +38,7 @@ void AddRoot(const Options& options, const std::string& directory) {
     ListRoots(options);
 }
 
-/// A list by its name, with or without the prefix that all names have, or by its number.
+/// Returns a list by its name, with or without the prefix that all names have, or by its number.
 gGlobalListIDs ListNamed(const std::string& name) {
     for (const EnumerationValue& value : EnumerationOf<gGlobalListIDs>::Values) {
         const std::string_view known = value.Name;

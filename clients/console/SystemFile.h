@@ -30,7 +30,7 @@ private:
     int descriptor_;
 };
 
-/// Flushes the names in a folder to the disk. File systems that can't do it are left as they are.
+/// Flushes the names in a folder to the disk. Does nothing on a file system that does not support it.
 void SyncFolder(const std::filesystem::path& folder);
 
 /// Throws a `UserError` with the system's last error: "WHAT PATH: REASON".

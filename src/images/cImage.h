@@ -111,7 +111,7 @@ public:
 
     // ---- comments ----------------------------------------------------------------------------------
 
-    /// The comments, newest first. `Comments` never returns null: it creates an empty list if there is none.
+    /// Returns the comments, newest first. `Comments` never returns null: it creates an empty list if there is none.
     /// `SetComments` replaces the list without copying it; the argument may be null.
     const Ref<cComments>& Comments();
     void SetComments(const Ref<cComments>& comments) { comments_ = comments; }

@@ -105,12 +105,12 @@ private:
 /// A machine that writes decimal commas and the day first.
 inline const Locale DecimalComma{',', '.', Locale::Order::DayMonthYear};
 
-/// The members of an interface, one text each: "put Name(type)", "get Name -> type", "putref Name(type&)",
+/// Returns the members of an interface, one text each: "put Name(type)", "get Name -> type", "putref Name(type&)",
 /// "Name(arg: type, arg: type&, [arg: type]) -> type"; "&" marks an argument by reference, "[ ]" one that
 /// may be left out. What the tests compare with the documented interface.
 std::vector<String> MembersOf(const Object& object);
 
-/// The failure that `call` raises; number 0 if it raises none.
+/// Returns the failure that `call` raises; number 0 if it raises none.
 template <class Call>
 Error FailureOf(Call call) {
     try {

@@ -45,7 +45,7 @@ protected:
         EXPECT_EQ(failure.Description, "injected") << "call " << call;
     }
 
-    /// The calls that `operation` makes when none fails.
+    /// Returns the calls that `operation` makes when none fails.
     template <class Operation>
     int CallsOf(Operation operation) {
         FailAtCall(0);

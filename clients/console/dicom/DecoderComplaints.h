@@ -4,8 +4,8 @@
 
 namespace Console {
 
-/// Collects the complaints of the toolkit's decoders on this thread, which decode damaged pixels to noise
-/// and only log that they did.
+/// Collects the warnings of the toolkit's decoders on this thread. The decoders turn damaged pixels into noise and
+/// report this only in their log.
 class DecoderComplaints {
 public:
     DecoderComplaints();

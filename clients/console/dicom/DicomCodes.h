@@ -32,19 +32,19 @@ extern const std::array<int, 52> AllTeeth;
 /// write the designator in many ways.
 int ToothOfCode(std::string_view value);
 
-/// The region code that the library's images carry, for a coded anatomic region: "T-11170" upper jaw,
+/// Returns the region code that the library's images carry, for a coded anatomic region: "T-11170" upper jaw,
 /// "T-11180" lower jaw, "T-D1213" both jaws, "T-11100" skull, "T-54000" teeth without a jaw. Empty for a
 /// code of any other region.
 ///
-/// "T-D1217", which some makers write for both jaws, is passed on as it is: hanging knows it.
+/// Returns "T-D1217", which some manufacturers write for both jaws, unchanged: hanging accepts it.
 std::string RegionOfCode(std::string_view value);
 
-/// The region modifier that the library's images carry, "T-51005" (central incisor) to "T-5100C"
+/// Returns the region modifier that the library's images carry, "T-51005" (central incisor) to "T-5100C"
 /// (third molar) and "T-5100D" (occlusal projection), for a coded modifier of the anatomic region. Empty
 /// for any other code.
 std::string RegionModifierOfCode(std::string_view value);
 
-/// The code that a file states for `tooth`. Throws `std::invalid_argument` when `tooth` is not one of
+/// Returns the code that a file states for `tooth`. Throws `std::invalid_argument` when `tooth` is not one of
 /// `AllTeeth`.
 DicomCode CodeOfTooth(int tooth, CodeGeneration generation = CodeGeneration::Current);
 
@@ -57,8 +57,8 @@ DicomCode CodeOfRegion(std::string_view region, CodeGeneration generation = Code
 /// `std::invalid_argument` for any other text.
 DicomCode CodeOfRegionModifier(std::string_view modifier);
 
-/// Region, modifier and side, as the library's images carry them, in words: "Maxilla, first molar region,
-/// left". An unknown code stays a code; what is empty is left out.
+/// Returns region, modifier and side of a library image in words: "Maxilla, first molar region, left". An unknown code
+/// is returned as a code; an empty part is omitted.
 std::string AnatomyInWords(std::string_view region, std::string_view modifier, std::string_view side);
 
 /// Returns true for teeth of the upper jaw. `tooth` is one of `AllTeeth`, here and below.
@@ -67,7 +67,7 @@ bool IsUpperTooth(int tooth);
 /// Returns true for teeth of the patient's right side, which is the viewer's left on a hung examination.
 bool IsRightTooth(int tooth);
 
-/// The tooth string that the library stores: two digits and a comma for each tooth, in the order of
+/// Returns the tooth string that the library stores: two digits and a comma for each tooth, in the order of
 /// `AllTeeth`. Empty for no teeth.
 std::string ToothString(const std::set<int>& teeth);
 

@@ -38,7 +38,7 @@ std::string PointInTime(std::string_view both) {
 
 // ------------------------------------------------------------------------------------------ the file
 
-/// A number that DICOM stores in two bytes; 0 if it is absent.
+/// Returns a number that DICOM stores in two bytes; 0 if it is absent.
 int Binary(DcmItem& item, const DcmTagKey& tag) {
     Uint16 number = 0;
     return item.findAndGetUint16(tag, number).good() ? number : 0;
@@ -135,7 +135,7 @@ private:
         file.exposureTime_ms = InMilli(DCM_ExposureTime, DCM_ExposureTimeInuS);
     }
 
-    /// A quantity that a file states in milli units, rounded to whole ones, or finer in micro units.
+    /// Returns a quantity that a file states in milli units, rounded to whole ones, or finer in micro units.
     double InMilli(const DcmTagKey& milli, const DcmTagKey& micro) {
         const double fine = values.Number(set, micro) / 1000;
         return fine > 0 ? fine : values.Number(set, milli);
@@ -191,7 +191,7 @@ private:
         const bool left = !std::ranges::all_of(teeth, IsRightTooth);
         const std::string& region = file.region;
         const bool bothJaws = region == RegionCode::BothJaws || region == RegionCode::BothJawsOld;
-        const bool noJaw = region == RegionCode::Teeth;  // would keep hanging from deriving the jaw
+        const bool noJaw = region == RegionCode::Teeth;  // hanging derives the jaw only if the region is empty
         if (noJaw || (bothJaws && !(upper && lower)) || (region == RegionCode::UpperJaw && lower) ||
             (region == RegionCode::LowerJaw && upper))
             file.region.clear();
@@ -236,7 +236,7 @@ void CheckLoaded(const OFCondition& loaded, bool marked) {
     Refuse(std::string("damaged DICOM file: ") + loaded.text());
 }
 
-/// The paths that the records of a DICOMDIR name: their components are the values of one attribute.
+/// Returns the paths that the records of a DICOMDIR name: their components are the values of one attribute.
 std::vector<std::string> ListedFiles(DcmDataset& directory) {
     std::vector<std::string> files;
     EachItem(directory, DCM_DirectoryRecordSequence, [&](DcmItem& record) {
@@ -271,7 +271,7 @@ void CheckIdentified(const RadiographFile& file) {
     if (file.seriesUID.empty()) Refuse("no Series Instance UID");
 }
 
-/// Uncompressed gray pixels must be as many as rows and columns say.
+/// Throws if the number of uncompressed gray pixels is not that of rows and columns.
 void CheckPixelLength(DcmDataset& set, const RadiographFile& file) {
     if (file.rows <= 0 || file.columns <= 0) Refuse("no picture size: Rows or Columns is missing");
     DcmElement* pixels = nullptr;
@@ -284,7 +284,7 @@ void CheckPixelLength(DcmDataset& set, const RadiographFile& file) {
                std::to_string(file.columns));
 }
 
-/// The toolkit takes compressed pixels that end between two of their parts for whole.
+/// Throws for compressed pixels that are cut short. The toolkit does not report pixels that end between two fragments.
 void CheckPixelsClosed(DcmDataset& set, const Ends& ends) {
     const bool last = set.getElement(set.card() - 1)->getTag() == DCM_PixelData;
     if (last && DcmXfer(set.getOriginalXfer()).isEncapsulated() && !ends.Closed())

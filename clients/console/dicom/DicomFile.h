@@ -109,10 +109,10 @@ public:
 /// the teeth. Texts are converted from the file's character set. If the file names none, or if its bytes are not valid
 /// in it, a text is read as UTF-8 if it is valid UTF-8, otherwise as Latin-1.
 ///
-/// Throws `std::runtime_error` whose text says in one clause, without the path, why the file is refused: not
-/// readable, cut short, sequences nested too deeply (see `RequireShallow`), without one of the three UIDs,
-/// without pixels; `NotDicom`, and `NotAPicture`. Silences the toolkit's own log, which would repeat the same
-/// on standard error. Calls from several threads are safe.
+/// Throws `std::runtime_error` whose text is one clause, without the path, about the reason: not readable, cut short,
+/// sequences nested too deeply (see `RequireShallow`), without one of the three UIDs, without pixels; throws `NotDicom`
+/// and `NotAPicture`. Disables the toolkit's own log, which would repeat the reason on standard error. Any thread may
+/// call.
 RadiographFile ReadRadiograph(const std::filesystem::path& path);
 
 }  // namespace Console

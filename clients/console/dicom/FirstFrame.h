@@ -16,12 +16,12 @@ int NumberOfFrames(DcmDataset& set);
 /// Returns true if the pixels of a data set, as it was read, are JPEG 2000.
 bool IsJpeg2000(const DcmDataset& set);
 
-/// The samples of the first frame of a data set, uncompressed, in the byte order of this machine. Where the
+/// Returns the samples of the first frame of a data set, uncompressed, in the byte order of this machine. Where the
 /// pixels are JPEG 2000, the attributes that describe the samples (bits, sign, photometric interpretation)
 /// become those of the decoded ones.
 ///
-/// Throws `std::runtime_error` whose text says in one clause why there are none: fewer bytes than rows and
-/// columns need, a damaged or unknown encoding. `set` has Rows, Columns and Pixel Data.
+/// Throws `std::runtime_error` whose text is one clause about the reason: fewer bytes than rows and columns need, a
+/// damaged or unknown encoding. `set` must have Rows, Columns and Pixel Data.
 std::vector<unsigned char> FirstFrame(DcmDataset& set);
 
 /// Replaces the pixels of a data set by those of its first frame, uncompressed. Throws as `FirstFrame`.

@@ -21,7 +21,7 @@ struct Jpeg2000Image {
 ///
 /// Throws `std::runtime_error` whose text is one clause about the reason: a codestream that is cut short
 /// or damaged, that has not `rows`, `columns` and `channels`, or whose samples have more than 16 bits.
-/// No memory for samples is taken before the size is compared.
+/// Compares the size before it allocates memory for the samples.
 Jpeg2000Image DecodeJpeg2000(std::string_view codestream, unsigned rows, unsigned columns, unsigned channels);
 
 }  // namespace Console

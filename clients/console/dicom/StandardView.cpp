@@ -18,7 +18,7 @@ char Opposite(char direction) {
 
 bool IsVertical(char direction) { return direction == 'H' || direction == 'F'; }
 
-/// Degrees clockwise after which the columns run to the feet.
+/// Returns degrees clockwise after which the columns run to the feet.
 int DegreesToUpright(char row, char column) {
     if (column == 'F') return 0;
     if (row == 'F') return 90;

@@ -79,7 +79,7 @@ bool LoadStudy(const Ref<Connection>& con, cStudy& study, const RadiographFile& 
     return WithRowName("study " + file.studyUID, [&] { return study.loadStudy(file.studyUID, con); });
 }
 
-/// The same for its series.
+/// Loads the series of a file; false if it isn't known. Throws `UserError` for one that can't be read whole.
 bool LoadSeries(const Ref<Connection>& con, cSerie& series, const RadiographFile& file) {
     return WithRowName("series " + file.seriesUID, [&] { return series.loadSeries(file.seriesUID, con); });
 }
@@ -98,7 +98,7 @@ void RequireNoneWithoutUid(const Ref<Connection>& con, const std::string& uid) {
                     rows->Fields(0).As<Long>(), uid));
 }
 
-/// The image of this SOP Instance UID; `ID` is 0 if there is none. Throws `UserError` for one that can't be
+/// Returns the image of this SOP Instance UID; `ID` is 0 if there is none. Throws `UserError` for one that can't be
 /// read whole.
 Ref<cImage> ImageOf(const Ref<Connection>& con, const std::string& uid) {
     const Ref<Recordset> known =
@@ -153,7 +153,7 @@ SeriesResult SeriesImport::Store(const std::vector<Radiograph>& files) {
     return result;
 }
 
-/// The files that have no stored image. The others are compared with their images, and files that another
+/// Returns the files that have no stored image. The others are compared with their images, and files that another
 /// one of the list repeats are left out.
 std::vector<const Radiograph*> SeriesImport::NewFiles(const std::vector<Radiograph>& files, SeriesResult& result) {
     std::vector<const Radiograph*> fresh;
@@ -179,8 +179,8 @@ std::vector<const Radiograph*> SeriesImport::NewFiles(const std::vector<Radiogra
     return fresh;
 }
 
-/// Counts a file that is stored already. Throws `UserError` where its stored image is another one, or another
-/// patient's than the user decided.
+/// Counts a file that is already stored. Throws `UserError` if its stored image differs, or belongs to another patient
+/// than the user decided.
 void SeriesImport::TakeKnown(const Radiograph& radiograph, const cImage& image, SeriesResult& result) {
     RequireSame(radiograph, image);
     (RequireFile(radiograph, image) ? result.known : result.restored) += 1;
@@ -198,8 +198,7 @@ void SeriesImport::RequireSame(const Radiograph& radiograph, const cImage& image
         owner ? Called(IdentityOf(con_, *owner)) : fmt::format("#{}, who isn't in the database", image.PatID)));
 }
 
-/// Compares a file with the stored one. Stores it again where that is missing, since that is what the user
-/// imports it for, and returns false then.
+/// Compares a file with the stored one. If the stored file is missing, stores the file again and returns false.
 bool SeriesImport::RequireFile(const Radiograph& radiograph, const cImage& image) {
     const fs::path target = StoredPath(roots_.Folder(image.RootId).string(), image.URL);
     if (!fs::exists(target)) {
@@ -224,7 +223,7 @@ Staging& SeriesImport::Stage() {
     return *staging_;
 }
 
-/// Copies of the files, flushed to the disk.
+/// Returns copies of the files, flushed to the disk.
 std::vector<SeriesImport::NewImage> SeriesImport::Copied(const std::vector<const Radiograph*>& files) {
     roots_.Folder(root_);  // may have gone since the last series
     std::vector<NewImage> images;
@@ -329,7 +328,7 @@ void SeriesImport::RequireNoContradiction(const RadiographFile& file, Long patie
                           file, person, {stored}, {});
 }
 
-/// The patient under whom the series is stored, if there is one. Throws `IdentityConflict` for a person who
+/// Returns the patient under whom the series is stored, if there is one. Throws `IdentityConflict` for a person who
 /// contradicts the stored one.
 std::optional<Long> SeriesImport::KnownPatientOf(const RadiographFile& file) {
     if (file.patientID.empty() && !decidedPatient_)
@@ -364,7 +363,7 @@ std::optional<Long> SeriesImport::KnownPatientOf(const RadiographFile& file) {
                   match.refused, {});
 }
 
-/// The patient of the file's study, if the study is known.
+/// Returns the patient of the file's study, if the study is known.
 std::optional<Long> SeriesImport::PatientOfStudy(const RadiographFile& file) {
     const Ref<cStudy> study = New<cStudy>();
     if (!LoadStudy(con_, *study, file)) return std::nullopt;

@@ -25,7 +25,7 @@ struct PatientDecision {
     bool newPatient = false;  ///< the files belong to a patient who isn't in the database yet
 };
 
-/// The files say that they belong to another person than the one they would be stored under.
+/// Thrown if the files state another person than the patient under whom they would be stored.
 class IdentityConflict : public UserError {
 public:
     IdentityConflict(const std::string& reason, std::string told, nlohmann::ordered_json described)
@@ -48,7 +48,7 @@ struct SeriesResult {
     Platform::Long hung = 0;         ///< the series, if it was hung
 };
 
-/// Stores the files of one series, whole or nothing of it.
+/// Stores the files of one series: all of them or none.
 ///
 /// Files are copied and flushed before the transaction begins; the database is locked only while rows are
 /// written and names are taken. A series of which every file is stored already is only compared. Used by the

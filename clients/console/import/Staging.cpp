@@ -24,7 +24,7 @@ using namespace OXClass;
 constexpr std::string_view ImportPrefix = ".oxclass-import-", CopyPrefix = ".oxclass-copy-";
 constexpr const char* NameList = "names";
 
-/// The lock of a staging folder: held as long as the descriptor is open. -1 where it can't be had.
+/// Returns the lock of a staging folder: held as long as the descriptor is open. -1 where it can't be had.
 int LockFolder(const fs::path& folder) {
     const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor < 0) return -1;
@@ -52,7 +52,7 @@ bool HasRow(const Ref<Connection>& con, const std::string& storedName) {
                 ->Eof();
 }
 
-/// Under the write lock, so that no importer is taking one of the files over at the same time.
+/// Holds the write lock, so that no import can use one of the files at the same time.
 std::size_t RemoveFilesWithoutRow(const Ref<Connection>& con, const fs::path& root,
                                   const std::vector<std::string>& names) {
     if (names.empty()) return 0;

@@ -35,7 +35,7 @@ public:
     /// left then.
     StagedFile Copy(const std::filesystem::path& from);
 
-    /// Writes down the names, in their stored form, that files are about to get.
+    /// Writes the final names of the files, in their stored form, into the list before the files are renamed.
     void Announce(const std::vector<std::string>& storedNames);
 
 private:
@@ -57,8 +57,8 @@ std::size_t CountLeftovers(const std::filesystem::path& root);
 
 /// Files that get their final names under a storage root, inside the transaction that writes their rows.
 ///
-/// Each name is taken whole and never from another file, also on file systems without hard links. Unless
-/// `Keep` is called, the destructor removes the files that were named here.
+/// A file appears under its name only when it is complete, and never replaces another file, also on file systems
+/// without hard links. Unless `Keep` is called, the destructor removes the files that this object named.
 class NamedFiles {
 public:
     explicit NamedFiles(std::filesystem::path root) : root_(std::move(root)) {}

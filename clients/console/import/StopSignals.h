@@ -16,7 +16,7 @@ public:
     ~StopSignals();
     StopSignals(const StopSignals&) = delete;
 
-    /// The number of the signal that arrived, 0 if none did.
+    /// Returns the number of the signal that arrived, 0 if none did.
     static int Requested() noexcept;
 
 private:

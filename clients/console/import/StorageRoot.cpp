@@ -82,7 +82,7 @@ fs::path StorageRoots::DirectoryOf(Long root) const {
     return directory;
 }
 
-/// Returns true for a folder with the marker of this clinic, false for one without a marker that may get it.
+/// Returns true for a folder with the marker of this clinic, false for one without a marker in which it may be written.
 bool StorageRoots::IsMarked(const fs::path& folder, Long root) const {
     std::error_code failure;
     if (!fs::is_directory(folder, failure))
@@ -101,7 +101,7 @@ bool StorageRoots::IsMarked(const fs::path& folder, Long root) const {
     return false;
 }
 
-/// Returns true if one of the newest images of the root is there, or if it has none.
+/// Returns true if the file of one of the root's newest images exists, or if the root has no images.
 bool StorageRoots::HoldsKnownFiles(const fs::path& folder, Long root) const {
     const Ref<Recordset> rows = con_->Execute(sql("SELECT GraphicURL_NVC FROM ImageBild_T WHERE RootId = ", root,
                                                   " AND GraphicURL_NVC <> '' ORDER BY ImageBildID DESC LIMIT 100"));
@@ -138,7 +138,7 @@ const std::string& StorageRoots::Identity() {
     if (!identity_.empty()) return identity_;
     ADODB::Transaction transaction(con_);
     CreateProgramTables(con_);
-    identity_ = StoredIdentity();  // another program may have been faster
+    identity_ = StoredIdentity();  // another program may have stored one meanwhile
     if (identity_.empty()) {
         identity_ = New<cDoctors>()->GetGUID();
         con_->Execute(sql("INSERT INTO ClinicIdentity_T (Identity) VALUES ('", FixSqlString(identity_), "')"));

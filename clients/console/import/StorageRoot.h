@@ -6,9 +6,9 @@ namespace Console {
 
 /// The storage roots of a clinic, each checked before it is used.
 ///
-/// A root is a folder with a marker file, ".oxclass-root", that names the clinic of the database. So a
-/// folder whose disk isn't mounted, or that belongs to another clinic, is noticed before a file is written to
-/// it. A root is never created here. Used by the thread of its connection.
+/// A root is a folder with a marker file, ".oxclass-root", that contains the identity of the database's clinic. So the
+/// program detects a folder whose disk isn't mounted, or that belongs to another clinic, before it writes a file to it.
+/// Only `Create` creates a folder. Used by the thread of its connection.
 class StorageRoots {
 public:
     explicit StorageRoots(Ref<Connection> con) : con_(std::move(con)) {}
@@ -22,7 +22,7 @@ public:
     /// Checks a root as `Folder` does, and writes nothing.
     void Inspect(Platform::Long root) const;
 
-    /// The number of the root that takes new files. Throws `UserError` if there is none.
+    /// Returns the number of the root that takes new files. Throws `UserError` if there is none.
     Platform::Long ActiveRoot() const;
 
     /// Creates the folder if it is missing, and marks it as a root of this clinic. Throws `UserError` for a

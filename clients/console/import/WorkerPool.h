@@ -28,8 +28,8 @@ public:
     /// that has a state outside of memory: open databases, files that are written.
     using Work = std::function<std::string(const std::string& request)>;
 
-    /// One answer. `failure` is empty, or says in one clause why there is none; `outOfTime` is then true for
-    /// a request that took too long.
+    /// One answer. `failure` is empty, or one clause about the reason of a failure; `outOfTime` is then true for a
+    /// request that took too long.
     struct Answer {
         std::string request;
         std::string bytes;

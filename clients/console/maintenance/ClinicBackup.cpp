@@ -29,7 +29,7 @@ void MakeFolder(const fs::path& folder) {
     if (failure) throw UserError(fmt::format("can't make the folder {}: {}", folder.string(), failure.message()));
 }
 
-/// The manifest of a backup; null if there is none. Throws `UserError` for one that can't be read.
+/// Returns the manifest of a backup; null if there is none. Throws `UserError` for one that can't be read.
 Json ManifestOf(const fs::path& folder) {
     std::ifstream in(folder / ManifestName);
     if (!in) return nullptr;
@@ -103,7 +103,8 @@ public:
     }
 
 private:
-    /// A backup among the image files would be taken for some of them, and be lost together with them.
+    /// Rejects a folder that is in a storage root or contains one: the backup would count as image files, and would be
+    /// lost together with them.
     void RequireOutsideOfRoots() const {
         for (const auto& [number, root] : FoldersOfRoots(database_.Con()))
             if (!root.empty() && (Contains(root, folder_) || Contains(folder_, root)))

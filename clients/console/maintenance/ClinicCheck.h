@@ -4,7 +4,7 @@
 
 namespace Console {
 
-/// Something in a clinic that isn't as it should be.
+/// An inconsistency of a clinic.
 struct Finding {
     std::string kind;   ///< a word for scripts: "missing-file", "altered-file", "orphaned-row" ...
     std::string where;  ///< "image 12", a file's path, "patient #3"

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t Sha256Length = 64;
 
-/// The checksum, a line break and the radiograph; or a line break and the reason for an unreadable file.
+/// Returns the checksum, a line break and the radiograph; or a line break and the reason for an unreadable file.
 std::string PackedContent(const std::string& path, bool asImage) {
     try {
         return Sha256OfFile(path) + "\n" + (asImage ? ReadPacked(path) : std::string());

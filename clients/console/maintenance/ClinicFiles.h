@@ -12,10 +12,10 @@ struct ClinicFile {
     std::string sha256;  ///< the checksum of the row; empty where another program stored the image
 };
 
-/// The files of all images that have one, by root and name.
+/// Returns the files of all images that have one, by root and name.
 std::vector<ClinicFile> FilesOfClinic(const Ref<Connection>& con);
 
-/// The folders of all roots by their numbers, unchecked.
+/// Returns the folders of all roots by their numbers, unchecked.
 std::map<Platform::Long, std::filesystem::path> FoldersOfRoots(const Ref<Connection>& con);
 
 /// Names of the checksums that this program stores: 64 hexadecimal digits.
@@ -35,7 +35,7 @@ struct FileContent {
 void ReadFiles(std::size_t count, bool asImages, const char* what, const std::function<std::string(std::size_t)>& path,
                const std::function<void(std::size_t, const FileContent&)>& take);
 
-/// The checksum of a file. Throws `UserError` if it can't be read.
+/// Returns the checksum of a file. Throws `UserError` if it can't be read.
 std::string Sha256OfFile(const std::filesystem::path& path);
 
 }  // namespace Console

@@ -14,7 +14,7 @@ public:
 
     Platform::Long Number() const;
 
-    /// Degrees clockwise, after the mirroring: 0, 90, 180 or 270.
+    /// Returns degrees clockwise, after the mirroring: 0, 90, 180 or 270.
     int Degrees() const noexcept { return degrees_; }
 
     /// Mirrored left to right, before the turn.

@@ -44,13 +44,13 @@ struct Page {
 /// Returns the title of an entry of a patient's list: its name or description, or else its kind.
 std::string NameOf(const OXClass::cUniCard& entry);
 
-/// The image that is placed there; nothing where the entry lacks it.
+/// Returns the image that is placed there; null if the entry lacks it.
 OXClass::Ref<OXClass::cImage> ImageOf(const OXClass::cUniCard& entry, const OXClass::cImagecardAttribute& placed);
 
-/// The teeth of an image by quadrant, "16,17 46,47"; else its anatomy in words, or its number.
+/// Returns the teeth of an image by quadrant, "16,17 46,47"; else its anatomy in words, or its number.
 std::string CaptionOf(const OXClass::cImage& image);
 
-/// The teeth of an image by quadrant, "16,17 46,47"; empty where none are known.
+/// Returns the teeth of an image by quadrant, "16,17 46,47"; empty where none are known.
 std::string TeethOf(const OXClass::cImage& image);
 
 /// Returns true for a film with a frame whose teeth and region are both unknown: hanging placed it by its time alone,

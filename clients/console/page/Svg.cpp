@@ -34,7 +34,8 @@ public:
     }
 
 private:
-    /// Far out of any page, a place counts as its edge, so that every drawing has a size.
+    /// Returns a box in units of the drawing. Limits coordinates far outside of the page, so that every drawing has a
+    /// size.
     Rectangle Scaled(const Box& box) const {
         const auto limited = [](double part) { return std::clamp(part, -100.0, 100.0); };
         const auto width = static_cast<double>(page_.width), height = static_cast<double>(page_.height);
@@ -130,14 +131,14 @@ private:
 
     static double TextSize(const Rectangle& r) { return std::max(r.height, r.width) * 0.09; }
 
-    /// The size at which a text fits the width of a box, at most this part of its longer side.
+    /// Returns the size at which a text fits the width of a box, at most this part of its longer side.
     static double Fitting(const Rectangle& r, const std::string& text, double part) {
         constexpr double widthOfACharacter = 0.62;
         const double fitting = r.width * 0.94 / (widthOfACharacter * std::max(Platform::Len(text), 1));
         return std::min(fitting, std::max(r.height, r.width) * part);
     }
 
-    /// An empty box with lines of text in its middle.
+    /// Draws an empty box with lines of text in its middle.
     void Outline(const Rectangle& r, const std::vector<std::string>& lines) {
         Add("<g><title>{}</title><rect x=\"{:.6g}\" y=\"{:.6g}\" width=\"{:.6g}\" height=\"{:.6g}\" "
             "fill=\"#1a1a1a\" "

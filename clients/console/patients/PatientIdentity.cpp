@@ -19,7 +19,7 @@ using Parts = std::vector<std::string>;
 constexpr std::pair<std::string_view, std::string_view> BaseLetters[] = {
     {"ø", "o"}, {"ł", "l"}, {"đ", "d"}, {"ð", "d"}, {"ı", "i"}, {"æ", "ae"}, {"œ", "oe"}, {"þ", "th"}};
 
-/// The text in lower case without accents; a text that isn't valid UTF-8 in lower case only.
+/// Returns the text in lower case without accents; a text that isn't valid UTF-8 in lower case only.
 std::string Folded(const std::string& text) {
     utf8proc_uint8_t* mapped = nullptr;
     const auto options = static_cast<utf8proc_option_t>(UTF8PROC_COMPAT | UTF8PROC_DECOMPOSE | UTF8PROC_STRIPMARK |
@@ -33,7 +33,7 @@ std::string Folded(const std::string& text) {
     return folded;
 }
 
-/// The parts of a name, folded: blanks, hyphens and commas separate them, other punctuation is left out.
+/// Returns the parts of a name, folded: blanks, hyphens and commas separate them, other punctuation is left out.
 Parts PartsOf(const std::string& name) {
     constexpr std::string_view separators = " \t^,-", leftOut = ".'`\"()/\\";
     Parts parts(1);
@@ -56,7 +56,7 @@ Parts SortedParts(const Parts& family, const Parts& given) {
     return all;
 }
 
-/// The first character of a UTF-8 text.
+/// Returns the first character of a UTF-8 text.
 std::string_view Initial(std::string_view text) {
     std::size_t end = 1;
     while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) ++end;
@@ -149,7 +149,7 @@ bool Differ(const PatientIdentity& a, const PatientIdentity& b, IdentityField fi
     return false;
 }
 
-/// The text cut or filled with blanks to `width` columns.
+/// Returns the text cut or filled with blanks to `width` columns.
 std::string Cell(const std::string& text, std::size_t width) {
     const std::string shown = Printable(text.empty() ? "-" : text);
     const std::string cut = Platform::Left(shown, static_cast<Platform::Long>(width));

@@ -26,7 +26,7 @@ struct PatientIdentity {
     Platform::Date birthDate;        ///< the zero date: not known
     std::string sex;                 ///< "M", "F" or "O"; any other text counts as not known
 
-    /// The first writing as "Family, Given".
+    /// Returns the first writing as "Family, Given".
     std::string Name() const;
 
     bool operator==(const PatientIdentity&) const = default;
@@ -35,7 +35,7 @@ struct PatientIdentity {
 /// A property in which two identities differ.
 enum class IdentityField { PatientID, Issuer, Name, BirthDate, Sex };
 
-/// The properties of which both sides have a value and in which the values differ, in the order of the
+/// Returns the properties of which both sides have a value and in which the values differ, in the order of the
 /// enumeration, `PatientID` excepted: the caller has compared it already.
 ///
 /// Names are compared without regard to letter case, accents, punctuation, blanks and the order of their
@@ -63,7 +63,7 @@ bool SameInEachField(const PatientIdentity& a, const PatientIdentity& b);
 /// or neither is known.
 bool SameIssuer(const PatientIdentity& a, const PatientIdentity& b);
 
-/// Both identities as a table of five lines, the properties that differ marked with "<>". `titleA` and
+/// Returns both identities as a table of five lines, the properties that differ marked with "<>". `titleA` and
 /// `titleB` are the titles of the columns. Control characters are replaced by blanks; the text ends with a
 /// line break.
 std::string SideBySide(const PatientIdentity& a, const std::string& titleA, const PatientIdentity& b,

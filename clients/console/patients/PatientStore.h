@@ -5,13 +5,13 @@
 #include "console/patients/PatientIdentity.h"
 #include "people/cPatient.h"
 
-/// Patients in the database: finding the one that is meant, and saving exactly that one.
+/// Functions that find one patient in the database, and that save only this patient.
 namespace Console {
 
-/// The identity that a radiograph's file states.
+/// Returns the identity that a radiograph's file states.
 PatientIdentity IdentityOf(const RadiographFile& file);
 
-/// The identity of a loaded patient, with the issuer of its identifier.
+/// Returns the identity of a loaded patient, with the issuer of its identifier.
 PatientIdentity IdentityOf(const Ref<Connection>& con, const OXClass::cPatient& patient);
 
 /// Returns the same identity for a comparison with the person of a file. Throws `UserError` if the birth date or the
@@ -23,10 +23,10 @@ PatientIdentity ComparableIdentityOf(const Ref<Connection>& con, const OXClass::
 /// the row for a missing one.
 Ref<OXClass::cPatient> PatientOfRow(const Ref<Connection>& con, Platform::Long number);
 
-/// All patients with this text identifier, by rising row number. Throws as `PatientOfRow`.
+/// Returns all patients with this text identifier, by rising row number. Throws as `PatientOfRow`.
 std::vector<Ref<OXClass::cPatient>> PatientsWithID(const Ref<Connection>& con, const std::string& id);
 
-/// The patient that `text` names: "#12" is the row 12, any other text an identifier. Throws `UserError` if
+/// Returns the patient that `text` names: "#12" is the row 12, any other text an identifier. Throws `UserError` if
 /// there is none, and if several patients have the identifier; the message then lists them.
 Ref<OXClass::cPatient> LoadPatient(const Ref<Connection>& con, const std::string& text);
 Ref<OXClass::cPatient> LoadPatient(const Database& database, const std::string& text);
@@ -45,9 +45,9 @@ struct PatientMatch {
 
 /// Looks for the patient that is the person.
 ///
-/// Taken is a patient of the same identifier whom nothing contradicts. Where the issuers don't both say the
-/// same, or where several patients have the identifier, name or birth date must agree as well. Two patients
-/// who fit are none: the result then lists both as refused.
+/// Returns a patient with the same identifier and no contradicting data. If the issuers are not both known and equal,
+/// or if several patients have the identifier, name or birth date must agree as well. If two patients match, the result
+/// names no patient and lists both as refused.
 PatientMatch MatchPatient(const Ref<Connection>& con, const PatientIdentity& person);
 
 /// Throws `UserError` unless the patient's texts can be stored: a quote in those that a statement takes

@@ -50,7 +50,7 @@ public:
 private:
     std::string Text(const DcmTagKey& tag) { return values_.Text(set_, tag); }
 
-    /// The meaning of the first code of a sequence.
+    /// Returns the meaning of the first code of a sequence.
     std::string Meaning(DcmItem& parent, const DcmTagKey& sequence) {
         std::string meaning;
         EachItem(parent, sequence, [&](DcmItem& code) {

@@ -9,7 +9,7 @@ class DcmItem;
 
 namespace Console {
 
-/// An item of a worklist, with what a data set says beside the item's own properties.
+/// An item of a worklist, with the values of its data set that are not properties of the item.
 struct WorklistEntry {
     Platform::Ref<OXClass::cMWLItem> item;
     std::string issuer;  ///< who assigned the patient's identifier; empty where the data set doesn't say

@@ -210,7 +210,7 @@ void Configure(Scu& scu, const WorklistAddress& server, const WorklistCall& call
     scu.addPresentationContext(UID_FINDModalityWorklistInformationModel, syntaxes);
 }
 
-/// Asks one question on one association. The answer says how many data sets lie in the folder.
+/// Runs one query on one association. The answer contains the number of data sets in the folder.
 template <class Scu>
 json Ask(SavingScu<Scu>& scu, const WorklistAddress& server, const WorklistCall& call, const WorklistKeys& keys) {
     const NetworkLog& networkLog = NetworkLog::Start();
@@ -280,7 +280,7 @@ json AskEncrypted(const WorklistAddress& server, const WorklistCall& call, const
     return Ask(scu, server, call, keys);
 }
 
-/// The work of the worker process: a JSON text with what came, or why nothing did.
+/// Runs in the worker process. Returns a JSON text with the answers, or with the reason of a failure.
 std::string AskInto(const fs::path& folder, const WorklistAddress& server, const WorklistCall& call,
                     const WorklistKeys& keys) {
     SilenceToolkit();

@@ -20,7 +20,7 @@ struct WorklistAddress {
     std::string title, host;
     int port = 0;
 
-    /// The address that a text spells, if it does.
+    /// Returns the address in a text, or `std::nullopt` if the text is not an address.
     static std::optional<WorklistAddress> Of(const std::string& text);
     std::string Text() const;
 };

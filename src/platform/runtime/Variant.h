@@ -32,7 +32,8 @@ public:
 
     /// An empty variant.
     Variant() = default;
-    /// A variant that holds `value`, in the type that it has. Pointers are rejected, so that none becomes a boolean.
+    /// A variant that holds `value`, in the type that it has. Pointers are rejected, so that none becomes a
+    /// boolean.
     template <class T>
     requires(!std::is_same_v<std::remove_cvref_t<T>, Variant> && !std::is_enum_v<std::remove_cvref_t<T>> &&
              !std::is_pointer_v<std::decay_t<T>> && std::is_constructible_v<Store, T&&>) Variant(T&& value)

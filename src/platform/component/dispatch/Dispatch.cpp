@@ -130,7 +130,7 @@ public:
         });
     }
 
-    /// The position in the caller's list of an argument.
+    /// Returns the position in the caller's list of an argument.
     UINT PositionOf(std::size_t index) const {
         return given_[index] ? static_cast<UINT>(given_[index] - parameters_.rgvarg) : 0;
     }
@@ -272,7 +272,7 @@ const void* SlotAddress(F* function) {
     return reinterpret_cast<const void*>(function);
 }
 
-/// The slots of an interface that derives from `IUnknown`.
+/// Returns the slots of an interface that derives from `IUnknown`.
 std::vector<const void*> BehindUnknown(std::initializer_list<const void*> own) {
     const auto unknown = Boundary::UnknownSlots();
     std::vector<const void*> slots(unknown.begin(), unknown.end());

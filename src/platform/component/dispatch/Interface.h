@@ -14,7 +14,8 @@ namespace Platform {
 /// it, once.
 class Interface {
 public:
-    /// A dual interface: its vtable has the slots of `IUnknown` and `IDispatch`, followed by those of the members.
+    /// A dual interface: its vtable has the slots of `IUnknown` and `IDispatch`, followed by those of the
+    /// members.
     Interface(String className, const char* help, std::vector<Member> members,
               std::span<const void* const> dispatchSlots);
 

@@ -104,7 +104,7 @@ private:
         }
     }
 
-    /// A bound text isn't copied: it must live until the run ends.
+    /// Binds a value. A bound text isn't copied: it must live until the run ends.
     void Bind(sqlite3_stmt* compiled, int at, const Cell& cell, std::string_view statement) {
         int code = SQLITE_OK;
         switch (cell.kind) {
@@ -136,8 +136,8 @@ private:
         if (code != SQLITE_DONE) RaiseSqlite(database_.get(), text);
     }
 
-    /// The value itself is asked: that is sound without the engine's mutex, which a session of one thread
-    /// doesn't have, and spares the look for an error that each call by column takes.
+    /// Returns a value of the current row. Reads it through the engine's value object: this needs no mutex in a session
+    /// of one thread, and avoids the error check that each access by column makes.
     static Cell CellAt(sqlite3_stmt* compiled, int at) {
         sqlite3_value* const value = sqlite3_column_value(compiled, at);
         switch (sqlite3_value_type(value)) {

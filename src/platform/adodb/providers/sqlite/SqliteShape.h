@@ -22,7 +22,7 @@ struct Literal {
 struct Shape {
     std::vector<std::string> pieces;  ///< one more than there are literals
 
-    /// The text to compile, with "?" for each literal.
+    /// Returns the text to compile, with "?" for each literal.
     std::string Text() const;
 
     /// Returns true if `statement` has this shape; `literals` then has its literals, which point into it.
