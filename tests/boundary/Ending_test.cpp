@@ -11,7 +11,7 @@ using namespace Client;
 
 // ---- an object --------------------------------------------------------------------------------------
 
-/// An object of a client that asks a collection something when it is let go.
+/// An object of a client that calls a collection from its destructor.
 class Asker final : public IUnknown {
 public:
     explicit Asker(IDispatch* collection) : collection_(collection) {}

@@ -190,7 +190,7 @@ TEST_F(UniCard, ACardLoadsItsPlacedImagesAndThenTheImages) {
     EXPECT_THAT(Images(), ElementsAre(12, 11)) << "in the order of capture";
 }
 
-/// Replaces everything that an entry holds, and releases the entry, before each statement.
+/// Before each statement, replaces all objects of an entry and releases the entry.
 struct ReleasesEntry final : ADODB::ConnectionEvents {
     void WillExecute(ADODB::ExecuteRequest&) override {
         if (!*entry) return;

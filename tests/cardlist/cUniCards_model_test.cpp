@@ -16,7 +16,7 @@ namespace {
 
 using namespace TestKit;
 
-/// What an entry of the list shows. Two entries of one study object have the same `study` number.
+/// The properties of an entry of the list. Two entries with one study object have the same `study` number.
 struct Shown {
     String key;
     Long kind = 0;
@@ -321,7 +321,7 @@ protected:
         list.Remove("IC1000");
     }
 
-    /// The members of the list; studies are numbered as the objects come up in `numbers`.
+    /// Returns the members of the list. Numbers the studies in the order in which their objects occur, in `numbers`.
     static std::vector<Shown> ShownBy(const cUniCards& list) {
         std::vector<Shown> all;
         for (const cUniCard& entry : list) {

@@ -3,7 +3,7 @@
 #include "kit/Database.h"
 #include "platform/runtime/Services.h"
 
-/// A card list from a captured and hung series to the card that is made of it.
+/// The lifecycle of a card: a series is captured and hung, and is then stored as a card.
 namespace OXClass {
 namespace {
 
@@ -67,7 +67,7 @@ protected:
         ASSERT_TRUE(series->SaveSeries(true, con));
     }
 
-    /// The list as a client makes it anew; no text box may come.
+    /// Loads the list into a new object. No text box may be shown.
     Ref<cUniCards> List() {
         const TextBoxes boxes;
         Ref<cUniCards> list = New<cUniCards>();

@@ -38,7 +38,7 @@ protected:
             ", 7, 55)");
     }
 
-    /// Writes a manipulation of placed image 21; `text` as the statement takes it.
+    /// Stores a manipulation of placed image 21; `text` is an SQL literal.
     void RunStep(Long type, const String& text, Long sequence = 1) {
         Run("INSERT INTO ImageManipulation_T (ImageAttributeID, SequenceNo, Type, LongParameter,"
             " StringParameter) VALUES (21, " +
@@ -639,7 +639,7 @@ protected:
         RunRoot(7, root.string());
     }
 
-    /// Whatever a test did, nothing outside of the root is gone.
+    /// Expects that no test has deleted a file outside of the root.
     ~Cosmetics() override { EXPECT_TRUE(fs::is_regular_file(folder.Path() / "outside" / "secret.dcm")); }
 
     void Write(const String& name) const {

@@ -2,7 +2,7 @@
 
 #include <fstream>
 
-/// Card lists, composed cards, drawings and reports, as a person or a script asks for them.
+/// The commands for card lists, composed cards, drawings and reports, with text and JSON output.
 namespace {
 
 using namespace ProgramTest;

@@ -70,7 +70,7 @@ protected:
         return text;
     }
 
-    /// How many pictures a drawing shows.
+    /// Returns the number of pictures in a drawing.
     static std::size_t Drawn(const std::string& file) {
         const std::string svg = TestKit::Content(file);
         std::size_t count = 0;
@@ -78,7 +78,7 @@ protected:
         return count;
     }
 
-    /// A text as a page holds it.
+    /// Returns a text as it is written in a page.
     static std::string Escaped(const std::string& text) { return Platform::Replace(text, "'", "&#39;"); }
 
     long Number(const std::string& select) const {

@@ -339,7 +339,7 @@ TEST_F(DicomFile, ARegionThatNamesNoJawYieldsToListedTeeth) {
     EXPECT_EQ(Read().region, "");
 }
 
-/// What is left of a stated region and side beside the teeth of the picture.
+/// The region and side that remain after the comparison with the teeth of the picture.
 struct Contradiction {
     const char* name;
     std::vector<int> teeth;

@@ -17,7 +17,7 @@
 #include <gmock/gmock.h>
 #include <map>
 
-/// What is rendered of a DICOM file.
+/// The picture of a DICOM file.
 namespace {
 
 using namespace Console;
@@ -96,7 +96,7 @@ protected:
         return fragments;
     }
 
-    /// A gray picture of noise, 64 x 64, which no codec makes small.
+    /// A gray picture of noise, 64 x 64, which no codec can compress.
     static std::vector<Uint16> Noise() {
         std::vector<Uint16> noise(static_cast<std::size_t>(64) * 64);
         unsigned state = 1;

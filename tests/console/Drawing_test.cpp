@@ -7,11 +7,11 @@
 #include <fstream>
 #include <gdk-pixbuf/gdk-pixbuf.h>
 
-/// The font library keeps what it found until the process ends, in memory that no pointer leads to.
+/// The font library does not free its cache, to which no pointer refers at the end of the process.
 extern "C" const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig\n"; }
 
-/// What a drawing shows: photographs, the page as SVG, and its pixels.
+/// Drawings: photographs, the page as SVG, and its pixels.
 namespace {
 
 using namespace Console;

@@ -11,7 +11,7 @@ namespace {
 using namespace ProgramTest;
 using ::testing::HasSubstr;
 
-/// What an import does with roots, files and other programs.
+/// Imports: roots, files, and other programs that run at the same time.
 class ImportTest : public Program {
 protected:
     Result Import(std::vector<std::string> arguments = {}) {

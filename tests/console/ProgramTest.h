@@ -46,7 +46,7 @@ inline const std::vector<Film> FullMouth18{{{16, 17, 18}, ""},
                                            {{34, 35}, ""},
                                            {{36, 37, 38}, ""}};
 
-/// A test with an empty folder, in which the program makes and uses clinic.db.
+/// A test with an empty folder, in which the program creates and uses clinic.db.
 class Program : public ::testing::Test {
 protected:
     Program() { unsetenv("OXCLASS_DB"); }

@@ -66,7 +66,7 @@ void FillStep(DcmItem& step, const std::string& day) {
     Put(step, DCM_ScheduledPerformingPhysicianName, "Alm^Bo");
 }
 
-/// What a worklist item of the tests says, unless a test changes it.
+/// Sets the values that a worklist item has unless a test changes them.
 void FillItem(DcmItem& set, const std::string& patient, const std::string& day) {
     Put(set, DCM_SpecificCharacterSet, "ISO_IR 100");
     Put(set, DCM_PatientName, "\xC5kesson^Lotta");
@@ -99,7 +99,7 @@ protected:
         ASSERT_TRUE(file.saveFile((Folder() + "/RIS/" + name).c_str(), EXS_LittleEndianExplicit).good());
     }
 
-    /// What a position of the folder's list is valid with.
+    /// Returns the checksum that is valid for positions of the folder's list.
     std::string Checksum() {
         const std::string entry = Listed({Folder()})[0]["entry"];
         return entry.substr(entry.find('@') + 1);

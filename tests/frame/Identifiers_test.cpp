@@ -7,7 +7,7 @@
 #include <set>
 #include <thread>
 
-/// The identifiers of new objects: layout, length, and where the root comes from.
+/// The identifiers of new objects: their form, their length, and the source of the root.
 namespace OXClass {
 namespace {
 

@@ -2,7 +2,7 @@
 #include "kit/Database.h"
 #include "kit/Random.h"
 
-/// What an image's tooth string says of its side, its jaw and the region of the jaw.
+/// The side, the jaw and the region of the jaw that follow from an image's tooth string.
 namespace OXClass {
 namespace {
 

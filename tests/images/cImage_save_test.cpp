@@ -3,7 +3,7 @@
 #include "kit/Database.h"
 #include "platform/component/dispatch/Interface.h"
 
-/// How an image and its comments are written: the statements, whole, and what they leave in the tables.
+/// Writing an image and its comments: the complete statements, and the rows that they store.
 namespace OXClass {
 namespace {
 

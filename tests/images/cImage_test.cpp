@@ -35,7 +35,7 @@ std::map<String, String> PropertiesOf(Object& object) {
     return properties;
 }
 
-/// What differs between the properties of an object and those expected, one line each.
+/// Returns a line for each property of an object that differs from the expected value.
 std::vector<String> Differing(Object& object, std::map<String, String> expected) {
     std::vector<String> lines;
     for (const auto& [name, value] : PropertiesOf(object))
@@ -168,7 +168,7 @@ TEST(ImageRecord, CommentsCanBeReplaced) {
 
 // ---- reading a row ------------------------------------------------------------------------------------
 
-/// One column that is read into the record: what a good row holds, and how the property reads then.
+/// One column that is read into the record: a valid value of the column, and the value of the property after the load.
 struct Step {
     const char* column;
     const char* stored;

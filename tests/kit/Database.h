@@ -14,7 +14,7 @@ using namespace Platform;
 using ADODB::Connection;
 using ADODB::Recordset;
 
-/// A folder of one test's own, gone with it.
+/// A folder for one test, which the destructor deletes.
 class TemporaryFolder {
 public:
     TemporaryFolder();

@@ -21,7 +21,7 @@ void FailAtCall(int number, const Error& failure = Injected());
 /// calls are not counted.
 void BeforeEachCall(std::function<void()> action);
 
-/// How many calls reached the database since `FailAtCall`.
+/// Returns the number of calls that reached the database since `FailAtCall`.
 int CallsSoFar();
 
 /// A test with a second connection to its database, `faulty`, whose calls fail on demand.

@@ -8,7 +8,7 @@
 
 namespace TestKit {
 
-/// What a file holds; empty where there is none.
+/// Returns the content of a file; empty if the file does not exist.
 inline std::string Content(const std::filesystem::path& file) {
     std::ifstream in(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};

@@ -4,7 +4,7 @@
 #include "people/cDoctors.h"
 #include "platform/runtime/Services.h"
 
-/// Where the identifier of a doctor who has none comes from.
+/// The source of the identifier of a doctor without one.
 namespace OXClass {
 namespace {
 

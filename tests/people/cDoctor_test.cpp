@@ -69,7 +69,7 @@ protected:
         return ContentOf(*doctor);
     }
 
-    /// The table anew, of these columns.
+    /// Creates the table again with these columns.
     void RunTable(const String& columns) {
         Run("DROP TABLE Doctor_T");
         Run("CREATE TABLE Doctor_T (" + columns + ")");

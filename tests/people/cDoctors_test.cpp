@@ -4,7 +4,7 @@
 #include "platform/component/dispatch/Interface.h"
 #include "platform/runtime/Services.h"
 
-/// The list of doctors, and the identifiers that it makes.
+/// The list of doctors, and the identifiers that it assigns.
 namespace OXClass {
 namespace {
 

@@ -20,7 +20,7 @@ protected:
         return patient->LoadOnPatientIDorPDBID(con, identifier, counter);
     }
 
-    /// Another object with what the database holds.
+    /// Returns another object, loaded from the database.
     Ref<cPatient> Stored(const String& identifier) {
         Ref<cPatient> stored = New<cPatient>();
         EXPECT_EQ(stored->LoadOnPatientIDorPDBID(con, identifier, 0), 1);
@@ -430,7 +430,7 @@ TEST_F(Patient, QuotesInEscapedColumnsStoreAsTheyAre) {
     EXPECT_EQ(Ask("SELECT count(*) FROM Patient_T"), Variant(Long{1}));
 }
 
-/// What breaks out of an unescaped text.
+/// Texts that would end an unescaped literal.
 const char* const injections[] = {"x', Sex_CH='y",  "'", "O'Neil", "x'; DELETE FROM Patient_T; --", "'||'x",
                                   "x''', Sex_CH='y"};
 

@@ -19,7 +19,7 @@ struct Slot {
     Long sequence;
 };
 
-/// What hanging reads and writes of an image.
+/// The properties of an image that hanging reads and writes.
 struct Film {
     String teeth, laterality, region, modifier;
     Long frame = 0;

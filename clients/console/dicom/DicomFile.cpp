@@ -191,7 +191,7 @@ private:
         const bool left = !std::ranges::all_of(teeth, IsRightTooth);
         const std::string& region = file.region;
         const bool bothJaws = region == RegionCode::BothJaws || region == RegionCode::BothJawsOld;
-        const bool noJaw = region == RegionCode::Teeth;  // hanging derives the jaw only if the region is empty
+        const bool noJaw = region == RegionCode::Teeth;  // this region would prevent hanging from deriving the jaw
         if (noJaw || (bothJaws && !(upper && lower)) || (region == RegionCode::UpperJaw && lower) ||
             (region == RegionCode::LowerJaw && upper))
             file.region.clear();

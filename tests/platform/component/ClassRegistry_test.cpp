@@ -54,7 +54,7 @@ LibraryRecord Library(const String& name, char digit, const std::vector<String>&
     return library;
 }
 
-/// A registry file of one test's own, in a folder that is made with it.
+/// A registry file for one test, in a folder of its own.
 class ClassRegistryFile : public ::testing::Test {
 protected:
     String NamesOf(const std::vector<LibraryRecord>& libraries) const {
@@ -394,7 +394,7 @@ TEST(ClassRegistryText, HasListsOfLibrariesAndClasses) {
 
 // ---- many processes ---------------------------------------------------------------------------------
 
-/// A process that runs `body` and ends; killed and gone with this object.
+/// A process that runs `body` and ends. The destructor kills it and waits for its end.
 class Process {
 public:
     template <class Body>
@@ -430,7 +430,7 @@ private:
 
 constexpr std::size_t Classes = 40;
 
-/// A library with so many classes that reading and writing it takes its time.
+/// A library with so many classes that reading and writing it takes a noticeable time.
 LibraryRecord Large(const String& name, char digit, int version) {
     LibraryRecord library = Library(name, digit, {});
     for (std::size_t i = 0; i < Classes; ++i)

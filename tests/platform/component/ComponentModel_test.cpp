@@ -815,7 +815,7 @@ TEST(StandardInterfaces, HaveTheirIdentifiers) {
 
 const std::filesystem::path Sources = std::filesystem::path(__FILE__).parent_path() / ".." / ".." / ".." / "src";
 
-/// What a command printed, and how it ended.
+/// The output and the exit code of a command.
 std::pair<int, std::string> Run(const std::string& command) {
     FILE* pipe = popen((command + " 2>&1").c_str(), "r");
     if (!pipe) return {-1, "no pipe"};

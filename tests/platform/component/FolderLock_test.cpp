@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 using TestKit::NamesIn;
 using TestKit::TemporaryFolder;
 
-/// Waits for a byte of another process; false if none comes in so many milliseconds.
+/// Waits for a byte of another process. Returns false if none arrives within this number of milliseconds.
 bool Arrives(int pipe, int milliseconds) {
     fd_set set;
     FD_ZERO(&set);

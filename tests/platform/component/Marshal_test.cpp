@@ -31,13 +31,13 @@ struct Held : VARIANT {
     ~Held() { VariantClear(this); }
 };
 
-/// How many references an interface pointer's object has.
+/// Returns the number of references to an interface pointer's object.
 ULONG ReferencesOf(IUnknown* object) {
     object->AddRef();
     return object->Release();
 }
 
-/// The number of the failure with which a variant isn't taken; 0 where it is.
+/// Returns the number of the failure if a variant is rejected; 0 if it is accepted.
 Long RefusalOf(const VARIANT& variant) {
     return FailureOf([&] { FromVariant(variant); }).Number;
 }
@@ -182,7 +182,7 @@ TEST(Marshal, AForeignObjectIsPassedUnchanged) {
 
 // ---- what is taken ----------------------------------------------------------------------------------
 
-/// A value of each type that is taken, at a place of that type.
+/// A value of each accepted type, at an address of that type.
 struct Sample {
     template <class T>
     Sample(int type, T value, Variant expected) : Type(type), Expected(std::move(expected)) {

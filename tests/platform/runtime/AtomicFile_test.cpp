@@ -21,7 +21,7 @@ using TestKit::Content;
 using TestKit::NamesIn;
 using TestKit::TemporaryFolder;
 
-/// No file grows beyond so many bytes while this object lives.
+/// While this object lives, no file can grow beyond this number of bytes.
 class FilesUpTo {
 public:
     explicit FilesUpTo(rlim_t size) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
