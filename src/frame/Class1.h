@@ -38,7 +38,7 @@ public:
     /// Returns the directory of a root as `GetRootOnID` does, from the cache if the cache holds it. In that
     /// case the table isn't read and `Con` may be null.
     ///
-    /// If `bFlushCache` is true, empties the cache first, whatever happens afterwards. A directory that is
+    /// If `bFlushCache` is true, empties the cache first, even if the read fails. A directory that is
     /// empty in the cache is read again. Raises 9 for a negative root, otherwise as `GetRootOnID`.
     String GetCachedRootOnID(Ref<Connection> Con, const Long& RootId, const bool& bFlushCache);
 
@@ -77,7 +77,7 @@ public:
     const Interface& Describe() const override;
 
 private:
-    // By the number that was asked for, 0 for the active root. An entry with an empty text is not used.
+    // By the requested number, 0 for the active root. An entry with an empty text is not used.
     std::unordered_map<Long, String> roots_;
 };
 

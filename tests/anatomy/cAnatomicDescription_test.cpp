@@ -175,13 +175,13 @@ TEST_F(Description, AnOldRegionInLowerCaseWithABlankReadsAsTheNewOne) {
     EXPECT_EQ(Ask("SELECT ADAnaRegion FROM StandardGroupName"), Variant("t-d1217 "));
 }
 
-TEST_F(Description, AnyOtherRegionStaysAsItIs) {
+TEST_F(Description, AnyOtherRegionIsUnchanged) {
     RunRow("ADAnaRegion='t-d1218 '");
     group->LoadSGN(con, 77);
     EXPECT_EQ(group->ADAnaRegion, "t-d1218 ");
 }
 
-TEST_F(Description, ANameThatTheObjectHasStays) {
+TEST_F(Description, ANameThatTheObjectHasIsKept) {
     RunRow();
     group->ADName = "Mine";
     group->LoadSGN(con, 77);
@@ -478,7 +478,7 @@ TEST_F(Description, TheTeethBeforeABadOneStaySelected) {
     EXPECT_THAT(Selected(*group), ElementsAre(11, 21));
 }
 
-TEST_F(Description, ACollectionThatWasFetchedBeforeStaysUnchanged) {
+TEST_F(Description, ACollectionThatWasFetchedBeforeIsUnchanged) {
     group->InitCollection();
     Select("Tooth12");
     const Ref<cTeeth> fetched = group->cTeeth();

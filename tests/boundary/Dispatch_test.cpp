@@ -16,7 +16,7 @@ TEST(GetIDsOfNames, FindsMembersWithoutRegardToCase) {
     EXPECT_NE(IdOf(patient.Get(), "LastName"), IdOf(patient.Get(), "FirstName"));
 }
 
-TEST(GetIDsOfNames, FindsArgumentsBehindTheirMember) {
+TEST(GetIDsOfNames, FindsArgumentsAfterTheirMember) {
     const Dispatch patient = Create("OXClass.cPatient");
     std::u16string member = u"LoadOnPatientIDorPDBID", third = u"pdbid", first = u"Con", none = u"Nobody";
     LPOLESTR names[] = {member.data(), third.data(), first.data()};
@@ -44,7 +44,7 @@ TEST(GetIDsOfNames, WrongCallsGetTheStandardCodes) {
     EXPECT_EQ(patient->GetIDsOfNames(IID_NULL, names, 0, 0, &id), E_INVALIDARG);
 }
 
-TEST(TypeInfo, ThereIsNone) {
+TEST(TypeInfo, IsNotAvailable) {
     const Dispatch patient = Create("OXClass.cPatient");
     UINT count = 9;
     EXPECT_EQ(patient->GetTypeInfoCount(&count), S_OK);

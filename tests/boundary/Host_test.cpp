@@ -191,7 +191,7 @@ TEST(Classes, NameTheLibraryOfEach) {
     EXPECT_EQ(OxClasses(nullptr), E_POINTER);
 }
 
-TEST(Classes, ALibraryThatIsInUseStays) {
+TEST(Classes, ALibraryThatIsInUseIsNotReplaced) {
     ClassNames();
     const TestKit::TemporaryFolder folder;
     const std::filesystem::path copy = folder.Path() / "libOXClass.so";

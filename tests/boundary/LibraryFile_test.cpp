@@ -20,7 +20,7 @@ std::string OutputOf(const std::string& command) {
     return text;
 }
 
-TEST(LibraryFile, ExportsItsFourFunctionsAndNothingElse) {
+TEST(LibraryFile, ExportsOnlyItsFourFunctions) {
     EXPECT_EQ(OutputOf("nm --dynamic --defined-only --format=posix '" LIBRARY "' | cut -d' ' -f1 | LC_ALL=C sort"),
               "DllCanUnloadNow\nDllGetClassObject\nDllRegisterServer\nDllUnregisterServer\n");
 }
@@ -120,7 +120,7 @@ TEST(CanUnloadNow, AConnectionIsTheHostsOwn) {
     EXPECT_EQ(CanUnloadNow(), S_OK);
 }
 
-TEST(CanUnloadNow, CountsWhatOnlyACollectionOfTheHostHolds) {
+TEST(CanUnloadNow, CountsObjectsThatOnlyACollectionOfThePlatformReferences) {
     const Dispatch collection = Create("Collection");
     Call(collection, "Add", {Create("OXClass.cTooth")});
     EXPECT_EQ(CanUnloadNow(), S_FALSE);

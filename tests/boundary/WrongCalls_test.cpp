@@ -154,7 +154,7 @@ TEST_F(WrongCalls, EachArgumentByNameWithWhatItCannotTake) {
     EXPECT_GT(calls, 10000);
 }
 
-TEST_F(WrongCalls, EachMemberWithALivingConnectionAndNothingElse) {
+TEST_F(WrongCalls, EachMemberWithAConnectionButNoOtherObject) {
     for (const std::string& name : ClassNames()) {
         const Dispatch connection = OpenedConnection(), object = Create(name);
         const Json description = Describe(object.Get());

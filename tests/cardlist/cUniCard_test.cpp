@@ -324,7 +324,7 @@ TEST_F(UniCard, ImagesOfACardThatCannotBeReadFailTheLoad) {
 
 // ---- loading a series -----------------------------------------------------------------------------------
 
-TEST_F(UniCard, ASeriesLoadsItsImagesAndItsLayoutAndNothingElse) {
+TEST_F(UniCard, ASeriesLoadsOnlyItsImagesAndItsLayout) {
     HoldSeries();
     RunTemplate("400", "300");
     RunImage(11);
@@ -393,7 +393,7 @@ TEST_F(UniCard, AnUnknownLayoutIsAnEmptyCanvasOfTheUsualSize) {
     EXPECT_THAT(PlaceAt(1), ElementsAre(0, 0, 0.19, 0.19));
 }
 
-TEST_F(UniCard, LayoutZeroIsLookedUpAsKeyZero) {
+TEST_F(UniCard, LayoutZeroIsReadAsKeyZero) {
     HoldSeries(0);
     RunTemplate("400", "300");
     Load(ctseries);

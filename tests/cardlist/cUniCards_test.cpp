@@ -167,14 +167,14 @@ TEST_F(UniCards, AnUnknownPatientReadsTheSeriesOfKeyZero) {
     EXPECT_THAT(Sent(), ElementsAre(CardsOf("NOBODY"), PatientOf("NOBODY"), SeriesOf(0)));
 }
 
-TEST_F(UniCards, APatientWithCardsIsNotLookedUp) {
+TEST_F(UniCards, APatientWithCardsIsNotSearched) {
     RunCard(1, noon);
     EXPECT_EQ(Load(), 7);
     EXPECT_THAT(Keys(), ElementsAre("IC1"));
     EXPECT_THAT(Sent(), ElementsAre(CardsOf("ANNA"), SeriesOf(7)));
 }
 
-TEST_F(UniCards, APatientWithSeriesAloneIsLookedUp) {
+TEST_F(UniCards, APatientWithSeriesOnlyIsSearched) {
     RunSeriesWithImage(1, noon);
     EXPECT_EQ(Load(), 7);
     EXPECT_THAT(Keys(), ElementsAre("SE1"));
@@ -586,7 +586,7 @@ TEST_F(UniCards, ASeriesOfTenMinutesIsDeleted) {
     EXPECT_EQ(CountOf("Series_T"), 0);
 }
 
-TEST_F(UniCards, ASeriesOfNineMinutesAndFiftyNineSecondsStays) {
+TEST_F(UniCards, ASeriesOfNineMinutesAndFiftyNineSecondsIsKept) {
     RunSeries(5, "2024-05-06 12:00:01");
     Load();
     EXPECT_EQ(CountOf("Series_T"), 1);
@@ -629,7 +629,7 @@ TEST_F(UniCards, ASeriesOfAServerWithoutImagesIsDeletedAtOnce) {
     EXPECT_EQ(CountOf("Series_T"), 0);
 }
 
-TEST_F(UniCards, ASeriesOfAServerWithImagesStays) {
+TEST_F(UniCards, ASeriesOfAServerWithImagesIsKept) {
     RunSeriesWithImage(5, noon, "orgServerID=3");
     Load();
     EXPECT_THAT(Keys(), ElementsAre("SE5"));
@@ -664,7 +664,7 @@ TEST_F(UniCards, OnlyTheOrphansOfThePatientAreDeleted) {
     EXPECT_THAT(Sent(), ElementsAre(CardsOf("ANNA"), PatientOf("ANNA"), SeriesOf(7), Orphan(6), Orphan(1)));
 }
 
-TEST_F(UniCards, AnOrphanIsDeletedBeforeItsUidIsLookedAt) {
+TEST_F(UniCards, AnOrphanIsDeletedBeforeItsUidIsRead) {
     RunSeries(5, noon, "SeriesInstanceUID=NULL");
     const TextBoxes boxes;
     Load();
@@ -672,7 +672,7 @@ TEST_F(UniCards, AnOrphanIsDeletedBeforeItsUidIsLookedAt) {
     EXPECT_EQ(CountOf("Series_T"), 0);
 }
 
-TEST_F(UniCards, SeriesOfAStudyStillShareItBehindAnOrphan) {
+TEST_F(UniCards, SeriesOfAStudyStillShareItAfterAnOrphan) {
     RunSeriesWithImage(1, noon);
     RunSeries(2, noon);
     RunSeriesWithImage(3, noon);
@@ -903,7 +903,7 @@ TEST_F(UniCards, AddObjWithoutAKeyAddsAMemberThatOnlyItsPositionFinds) {
     EXPECT_EQ(list->Count(), 3);
 }
 
-TEST_F(UniCards, AddObjWithoutTheMemberBehindRaises) {
+TEST_F(UniCards, AddObjWithoutTheMemberToInsertBeforeRaises) {
     RunCard(1, noon);
     Load();
     EXPECT_EQ(FailureOf([&] { list->AddObj(CardOf("own", 1), "own"); }).Number, 5);
@@ -1026,7 +1026,7 @@ TEST_P(NullOfAStudy, EndsTheCallWithThePatientsKey) {
 INSTANTIATE_TEST_SUITE_P(UniCards, NullOfAStudy,
                          ::testing::Values("StudyDesc", "StudyDateTime", "StudyInstanceUID", "StudyID"));
 
-TEST_F(UniCards, ANullUidOfASeriesEndsTheCallBehindItsClassification) {
+TEST_F(UniCards, ANullUidOfASeriesEndsTheCallAfterItsClassification) {
     RunCard(1, noon);
     RunSeriesWithImage(3, noon, "SeriesInstanceUID=NULL");
     LoadFails(InvalidNullAt(12), 7);

@@ -117,7 +117,7 @@ protected:
     Ref<cImages> images = New<cImages>();
 };
 
-TEST_F(CardLifecycle, ASeriesIsHungListedOpenedAndStoredAsACardThatLooksTheSame) {
+TEST_F(CardLifecycle, ASeriesIsHungListedOpenedAndStoredAsAnEqualCard) {
     BeginSeries();
     EXPECT_THAT(KeysOf(List()), ElementsAre("SE1")) << "under capture";
     for (const char* teeth : bitewings) Capture(teeth);
@@ -173,7 +173,7 @@ TEST_F(CardLifecycle, ACaptureWithoutImagesIsDeletedFromTheListAndTheTableAfterT
     EXPECT_THAT(KeysOf(List()), IsEmpty()) << "for good";
 }
 
-TEST_F(CardLifecycle, ACardThatTheUserChangesStaysInPlaceWithItsNewName) {
+TEST_F(CardLifecycle, ACardThatTheUserChangesKeepsItsPositionWithItsNewName) {
     BeginSeries();
     for (const char* teeth : bitewings) Capture(teeth);
     HangAndSave();

@@ -74,7 +74,7 @@ TEST(CosmeticText, CharactersOfAnyScriptAreCountedAsTheSystemCounts) {
     EXPECT_EQ(Parts("7🦷зуб"), "7|зуб") << "a character beyond the basic plane counts for two";
 }
 
-TEST(CosmeticText, NothingIsTrimmedFromTheName) { EXPECT_EQ(Parts("007 a "), "7| a "); }
+TEST(CosmeticText, TheNameIsNotTrimmed) { EXPECT_EQ(Parts("007 a "), "7| a "); }
 
 /// The deletion itself, without what a placed image swallows.
 class CosmeticDeletion : public WithDatabase {

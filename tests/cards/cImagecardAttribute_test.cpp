@@ -289,7 +289,7 @@ TEST_F(PlacedToBeDeleted, TheManipulationsAreOpenedUpdatable) {
     EXPECT_THAT(ModesOf([&] { placed->Save(con); }), ElementsAre(executed, updatable));
 }
 
-TEST_F(PlacedToBeDeleted, TheObjectStaysAsItWasAndMayBeDeletedAgain) {
+TEST_F(PlacedToBeDeleted, TheObjectIsUnchangedAndMayBeDeletedAgain) {
     AddStep(ManRotate);
     placed->Save(con);
     EXPECT_EQ(placed->ID, 21);
@@ -335,7 +335,7 @@ private:
     const std::function<void()> machine_ = TheHost().DoEvents;
 };
 
-TEST_F(PlacedInTheMiddle, AnUpdateHandlesMessagesOnceBehindTheUpdateAndBeforeTheManipulations) {
+TEST_F(PlacedInTheMiddle, AnUpdateHandlesMessagesOnceAfterTheUpdateAndBeforeTheManipulations) {
     AddStep(ManRotate);
     placed->Save(con);
     EXPECT_EQ(Sent().size(), 3U);
@@ -488,7 +488,7 @@ TEST_F(Steps, AFailedOpenReturnsFalseAndKeepsTheMembers) {
 
 // ---- saving the manipulations ---------------------------------------------------------------------
 
-TEST_F(Steps, WithoutAnyStoredOrHeldNothingIsWritten) {
+TEST_F(Steps, WithoutStoredOrNewOnesWritesNothing) {
     placed->SaveManipulations(con);
     EXPECT_THAT(Sent(), ElementsAre(steps));
 }
@@ -741,7 +741,7 @@ TEST_F(Cosmetics, ANewOneWithoutAnOldOneDeletesNothing) {
     EXPECT_EQ(Sent().size(), 2U);
 }
 
-TEST_F(Cosmetics, AStoredEmptyTextLooksUpNoRoot) {
+TEST_F(Cosmetics, AStoredEmptyTextReadsNoRoot) {
     Drop("");
     EXPECT_THAT(Sent(), ElementsAre(steps, deleteOfSteps));
 }
@@ -762,7 +762,7 @@ TEST_F(Cosmetics, ADeletedPlacedImageKeepsTheFile) {
     EXPECT_TRUE(There("root/0_/a.dcm"));
 }
 
-TEST_F(Cosmetics, AReadOnlyFileStaysAndNothingIsRaised) {
+TEST_F(Cosmetics, AReadOnlyFileIsKeptAndNothingIsRaised) {
     fs::permissions(root / "0_" / "a.dcm", fs::perms::owner_read);
     Drop("0070_\\a.dcm");
     EXPECT_TRUE(There("root/0_/a.dcm"));

@@ -651,7 +651,7 @@ TEST_F(Card, PlacedImagesToBeDeletedCountAndStayInTheCollection) {
     EXPECT_TRUE(PlacedAt(2)->ToBeDeleted);
 }
 
-TEST_F(Card, PlacedImagesAreWrittenInTheOrderOfTheCollectionBehindTheCard) {
+TEST_F(Card, PlacedImagesAreWrittenInTheOrderOfTheCollectionAfterTheCard) {
     FillAll();
     Place(41);
     Place(40);

@@ -155,7 +155,7 @@ TEST_F(Slot, AMeasureThatIsNullInBothViewsReadsAsZero) {
     EXPECT_EQ(Loaded("TAFullViewWidth=NULL, TAPreviewWidth=NULL")->TAWidth, 0);
 }
 
-TEST_F(Slot, ANegativeMeasureStays) { EXPECT_EQ(Loaded("TAFullViewPosY=-2.5")->TAPosY, -2.5); }
+TEST_F(Slot, ANegativeMeasureIsUnchanged) { EXPECT_EQ(Loaded("TAFullViewPosY=-2.5")->TAPosY, -2.5); }
 
 TEST_F(Slot, NullCommentsReadAsEmpty) { EXPECT_EQ(Loaded("TAComments=NULL")->TAComments, ""); }
 

@@ -116,7 +116,7 @@ TEST_F(DamagedRows, AnImageIsCommentedThoughItsRowIsDamaged) {
     EXPECT_EQ(Partly({"images"}).size(), 4U);
 }
 
-TEST_F(DamagedRows, CommentingWritesTheCommentAndNothingElse) {
+TEST_F(DamagedRows, CommentingWritesOnlyTheComment) {
     Run("CREATE TRIGGER no_update BEFORE UPDATE ON ImageBild_T BEGIN SELECT "
         "RAISE(ABORT, 'the image was "
         "written'); END");
@@ -283,7 +283,7 @@ TEST_F(DamagedRows, AnImageWithoutIdentifierOrSeriesGetsNoSecondRow) {
     EXPECT_THAT(run.err, Not(HasSubstr("another series")));
 }
 
-TEST_F(DamagedRows, ASeriesStaysToWhichAnImageOfUnreadableSeriesMayBelong) {
+TEST_F(DamagedRows, ASeriesIsKeptIfAnImageOfUnreadableSeriesMayBelongToIt) {
     Run("UPDATE Series_T SET SeriesDateTime = '2001-01-01 10:00:00'");
     Run("DELETE FROM ImageBild_T WHERE ImageBildID > 1");
     for (const char* lost : {"'x'", "1.5", "NULL", "0"}) {
@@ -327,7 +327,7 @@ TEST_F(DamagedRows, ACheckNamesEachDamagedRowAndContinues) {
     EXPECT_THAT(run.out, HasSubstr("were checked: 11 findings"));
 }
 
-TEST_F(DamagedRows, NothingIsComposedOfWhatIsReadInPart) {
+TEST_F(DamagedRows, ARecordThatIsReadInPartIsNotComposed) {
     Ok({"card", "new", "P-1.2.3", "A"});
     Ok({"card", "add", "IC1", "1", "2"});
     Ok({"card", "move", "IC1", "1", "--turn", "90"});
@@ -542,7 +542,7 @@ TEST_F(OtherWorkstation, ItsChangeOfACardSurvivesEachChange) {
     Keeps({"card", "add", "IC1", "3"}, placed, comment);
 }
 
-TEST_F(OtherWorkstation, ItsRemovalOfAPatientLeavesNoCardBehind) {
+TEST_F(OtherWorkstation, ItsRemovalOfAPatientRemovesAllCards) {
     Keeps({"card", "new", "P-1.2.3", "B"}, "UPDATE Patient_T SET IDImg = '?'", "SELECT IDImg FROM Patient_T");
     Keeps({"series", "save-as-card", "1"}, "UPDATE Series_T SET orgServerID = ?", "SELECT orgServerID FROM Series_T");
 }

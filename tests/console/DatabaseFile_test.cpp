@@ -45,7 +45,7 @@ protected:
     }
 };
 
-TEST_F(DatabaseFile, OneThatIsRejectedStaysAsItIs) {
+TEST_F(DatabaseFile, OneThatIsRejectedIsUnchanged) {
     const fs::path file = Other();
     std::ofstream(file).flush();
     EXPECT_THAT(Refused(file), HasSubstr("is empty; make a database under another name"));

@@ -384,7 +384,7 @@ TEST_F(HeadFilm, IsNotTurnedWithoutAKnownOrientation) {
         EXPECT_THAT(Corners(orientation), ElementsAre(1, 2, 3, 4)) << orientation;
 }
 
-TEST_F(HeadFilm, AnIntraOralFilmStaysAsItHangs) { EXPECT_THAT(Corners("F\\P", "IO"), ElementsAre(1, 2, 3, 4)); }
+TEST_F(HeadFilm, AnIntraOralFilmIsNotTurned) { EXPECT_THAT(Corners("F\\P", "IO"), ElementsAre(1, 2, 3, 4)); }
 
 TEST_F(PictureOfFile, TheFirstOfSeveralFramesIsDrawnAndTheirNumberReported) {
     const auto picture = RenderDicom(Write({0, 50, 100, 100, 50, 0},

@@ -317,7 +317,7 @@ TEST_F(ImportIdentity, ASeriesIsStoredWithTheDataOfAllItsFiles) {
     EXPECT_EQ(patient["Issuer"], "A");
 }
 
-TEST_F(ImportIdentity, ALaterFileOfASeriesThatContradictsTheStoredPatientIsFoundBehindTheFirst) {
+TEST_F(ImportIdentity, ALaterFileThatContradictsTheStoredPatientIsFoundAfterTheFirst) {
     Init();
     Film("2.25.1", Anna);
     ASSERT_EQ(Import().code, 0);
@@ -453,7 +453,7 @@ TEST_F(TwoPatientsOfOneID, OneOfThemCanGetAnotherIdentifier) {
     EXPECT_THAT(taken.err, HasSubstr("another patient has the ID 4711"));
 }
 
-TEST_F(TwoPatientsOfOneID, AnIssuerStaysWithANewIdentifierAndCanBeSet) {
+TEST_F(TwoPatientsOfOneID, AnIssuerIsKeptWithANewIdentifierAndCanBeSet) {
     EXPECT_EQ(OkJson({"patient", "#2", "Issuer=ISSA"})["Issuer"], "ISSA");
     EXPECT_EQ(OkJson({"patient", "#2", "PatientID=NEW1"})["Issuer"], "ISSA");
     EXPECT_EQ(OkJson({"patient", "#1"})["Issuer"], "");

@@ -105,7 +105,7 @@ TEST_F(ImportTest, AFileOfTheSameNameThatAnotherImportLeftIsIgnored) {
     EXPECT_EQ(ContentOf(left), "half a film");
 }
 
-TEST_F(ImportTest, AFileWithFourThousandNestedSequencesFailsAlone) {
+TEST_F(ImportTest, OnlyTheFileWithFourThousandNestedSequencesFails) {
     Init();
     WriteSeries("2.25.5", FullMouth18);
     // Explicit little endian: a sequence of undefined length in an item of undefined length, and so on.

@@ -82,7 +82,7 @@ TEST_F(Program, AForeignOrNewerDatabaseIsRejected) {
     EXPECT_NE(run.err.find("is no clinic database"), std::string::npos) << run.err;
 }
 
-TEST_F(Program, UnknownThingsAreNamed) {
+TEST_F(Program, UnknownRecordsAreNamed) {
     Init();
     for (const std::vector<std::string>& command : {std::vector<std::string>{"patient", "x"},
                                                     {"patient", "#7"},

@@ -67,7 +67,7 @@ TEST_F(Registration, ADeletedLibraryCanBeNamedThroughALink) {
     Ok({"unregister", linked.string()});
 }
 
-TEST_F(Registration, AFileOfTheCurrentFolderIsNamedAlone) {
+TEST_F(Registration, AFileOfTheCurrentFolderCanBeNamedWithoutAFolder) {
     const auto before = std::filesystem::current_path();
     std::filesystem::current_path(std::filesystem::path(LIBRARY).parent_path());
     Ok({"register", "libOXClass.so"});

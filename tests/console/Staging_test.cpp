@@ -44,7 +44,7 @@ protected:
     fs::path root = folder.Path() / "root", from = folder.Path() / "from", to = root / "0_" / "1.2.dcm";
 };
 
-TEST_F(StagingTest, AFileGetsItsNameWholeAndStaysOnlyIfItIsKept) {
+TEST_F(StagingTest, AFileIsNamedCompleteAndIsRemovedUnlessItIsKept) {
     Staging staging(root);
     {
         NamedFiles names(root);
@@ -70,7 +70,7 @@ TEST_F(StagingTest, AnImportLeavesOnlyItsFiles) {
     EXPECT_THAT(InRoot(), ElementsAre());
 }
 
-TEST_F(StagingTest, AFileOfTheSameContentIsTakenAndStays) {
+TEST_F(StagingTest, AFileOfTheSameContentIsUsedAndKept) {
     fs::create_directory(root / "0_");
     Put(to, "film");
     Staging staging(root);
@@ -78,7 +78,7 @@ TEST_F(StagingTest, AFileOfTheSameContentIsTakenAndStays) {
     EXPECT_EQ(ContentOf(to), "film");
 }
 
-TEST_F(StagingTest, AnotherFileIsLeftAlone) {
+TEST_F(StagingTest, AnotherFileIsUnchanged) {
     fs::create_directory(root / "0_");
     Put(to, "FILM");
     Staging staging(root);

@@ -277,7 +277,7 @@ TEST_F(Worklist, RegisteringAKnownPatientAddsOnlyNewIdentifiers) {
     EXPECT_EQ(OkJson({"patient", "P1"})["OtherIDs"], "X1\\OLD\\X\u20192");
 }
 
-TEST_F(Worklist, RegisteringAKnownPatientStoresWhatTheRowLacks) {
+TEST_F(Worklist, RegisteringAKnownPatientStoresTheMissingData) {
     Init();
     WriteItem("a.wl", "P1", "20260201", [](DcmDataset& set) { set.putAndInsertString(DCM_IssuerOfPatientID, "ISSA"); });
     Run("INSERT INTO Patient_T (PersonNr_CH, LastName_NVC, FirstName_NVC) VALUES ('P1', 'Åkesson', 'Lotta')");
@@ -729,7 +729,7 @@ TEST_F(Worklist, AnUnknownModalityIsReported) {
     EXPECT_THAT(PatientsOf(Listed({Folder(), "--modality", "io"})), ElementsAre("P1"));
 }
 
-TEST_F(Worklist, AFileThatWouldCrashTheProgramFailsAlone) {
+TEST_F(Worklist, OnlyTheFileThatWouldCrashTheProgramFails) {
     WriteItem("a.wl", "P1", "20260201");
     WriteItem("b.wl", "P2", "20260201", [](DcmDataset& set) {
         DcmItem* item = &set;

@@ -152,7 +152,7 @@ TEST_F(Services, AnUnknownRootIsTheEmptyTextAndIsReadEachTime) {
     EXPECT_EQ(Sent().size(), 2U);
 }
 
-TEST_F(Services, TheCachedActiveRootStaysUntilTheCacheIsFlushed) {
+TEST_F(Services, TheCachedActiveRootIsUsedUntilTheCacheIsFlushed) {
     RunRoots();
     EXPECT_EQ(Cached(0), "C:\\two");
     Run("UPDATE Root_T SET Status = (RootID = 1)");

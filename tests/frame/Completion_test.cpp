@@ -20,7 +20,7 @@ TEST(CompletionTest, IsCompleteBeforeTheFirstRunAndAfterOneThatCameToItsEnd) {
     EXPECT_EQ(completion.Failure().Number, 0);
 }
 
-TEST(CompletionTest, KeepsWhatAnOperationSwallows) {
+TEST(CompletionTest, KeepsTheFailureThatAnOperationIgnores) {
     Completion completion;
     EXPECT_FALSE(Swallowed(completion, []() -> bool { Raise(err::TypeMismatch); }));
     EXPECT_EQ(completion.Failure().Number, 13);

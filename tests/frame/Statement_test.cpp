@@ -76,7 +76,7 @@ TEST(Statement, OutsideOfQuotesOnlyAWholeNumberIsAccepted) {
         EXPECT_EQ(FailureOf([&] { sql("A=", AsItStands(text)); }).Number, SyntaxError) << text;
 }
 
-TEST(Statement, TheFailureLooksLikeTheDatabaseLayers) {
+TEST(Statement, TheFailureHasTheFormOfTheDatabaseLayers) {
     const Error failure = FailureOf([] { sql("A='", AsItStands("'"), "'"); });
     EXPECT_EQ(failure.Source, "ADODB.Connection");
     EXPECT_THAT(failure.Description, ::testing::HasSubstr("A='"));

@@ -87,13 +87,13 @@ TEST_F(GlobalList, TextsOfAnyScriptAndInjectionsAreReadUnchanged) {
     }
 }
 
-TEST_F(GlobalList, AnUnsavedRowsDeleteRunsNothingAndIsTrue) {
+TEST_F(GlobalList, DeleteOfAnUnsavedRowSendsNothingAndReturnsTrue) {
     row->GlobalListID = 5;
     EXPECT_TRUE(row->Delete(con));
     EXPECT_THAT(Sent(), IsEmpty());
 }
 
-TEST_F(GlobalList, ADeletedRowStaysSavedAndIsDeletedAgain) {
+TEST_F(GlobalList, ADeletedRowKeepsItsSavedFlagAndIsDeletedAgain) {
     row->Save(con);
     log.statements.clear();
     EXPECT_TRUE(row->Delete(con));

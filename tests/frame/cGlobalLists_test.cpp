@@ -240,7 +240,7 @@ TEST_F(GlobalLists, DeleteAllDeletesTheMembersRowsWithOneStatement) {
     EXPECT_EQ(Rows(), 1);
 }
 
-TEST_F(GlobalLists, DeleteAllOfOneMemberNamesItAlone) {
+TEST_F(GlobalLists, DeleteAllOfOneMemberNamesOnlyThis) {
     list->Add();
     list->DeleteAll(con);
     EXPECT_THAT(Sent(), ElementsAre("DELETE FROM GlobalList_T WHERE GlobalListID=0;"));

@@ -84,7 +84,7 @@ TEST(NzValueOf, ANumberKeepsItsTypeAlsoWhenItIs0) {
     EXPECT_EQ(NzValue(std::int64_t{1} << 40), Variant(std::int64_t{1} << 40));
 }
 
-TEST(NzValueOf, TheDate0StaysThatDate) { EXPECT_EQ(NzValue(Date{}), Variant(Date{})); }
+TEST(NzValueOf, TheDate0IsUnchanged) { EXPECT_EQ(NzValue(Date{}), Variant(Date{})); }
 
 TEST(NzValueOf, FalseStaysFalse) { EXPECT_EQ(NzValue(false), Variant(false)); }
 

@@ -83,7 +83,7 @@ TEST_F(ReadInPart, ATableThatLacksAColumnIsNotReportedAsAMissingImage) {
     EXPECT_EQ(image->LoadCompletion().Failure().Number, ADODB::UnknownName);
 }
 
-TEST_F(ReadInPart, ACompleteReadingBehindAPartialOneIsComplete) {
+TEST_F(ReadInPart, ACompleteLoadAfterAPartialOneIsComplete) {
     Store(1, "Brightness_INT=NULL");
     Store(2);
     const Ref<cImage> image = New<cImage>();

@@ -106,7 +106,7 @@ TEST(CommentList, NewEnumVisitsTheMembersInOrder) {
     EXPECT_FALSE(walk->Next(member));
 }
 
-TEST(CommentList, AddObjIntoAnEmptyListDoesNotLookAtTheIndex) {
+TEST(CommentList, AddObjIntoAnEmptyListIgnoresTheIndex) {
     for (const Long index : {0, 1, 5, -3}) {
         const Ref<cComments> comments = New<cComments>();
         comments->AddObj(Comment("first"), index);
@@ -130,14 +130,14 @@ TEST(CommentList, AddObjWithIndexZeroRaisesOnceThereAreMembers) {
     EXPECT_THAT(TextsOf(*comments), ElementsAre("first"));
 }
 
-TEST(CommentList, AddObjBehindTheLastPositionRaises) {
+TEST(CommentList, AddObjAfterTheLastPositionRaises) {
     const Ref<cComments> comments = New<cComments>();
     comments->AddObj(Comment("first"), 0);
     EXPECT_EQ(FailureOf([&] { comments->AddObj(Comment("second"), 2); }).Number, 9);
     EXPECT_THAT(TextsOf(*comments), ElementsAre("first"));
 }
 
-TEST(CommentList, AddObjWithAKeyLooksAtTheIndexEvenInAnEmptyList) {
+TEST(CommentList, AddObjWithAKeyReadsTheIndexEvenInAnEmptyList) {
     const Ref<cComments> comments = New<cComments>();
     EXPECT_EQ(FailureOf([&] { comments->AddObj(Comment("first"), 1, "key"); }).Number, 9);
     EXPECT_EQ(FailureOf([&] { comments->AddObj(Comment("first"), 0, "key"); }).Number, 9);
@@ -288,7 +288,7 @@ TEST_F(GetComments, OfTwoRowsOfOneDateReturnsTheLaterFirst) {
     EXPECT_THAT(Texts(), ElementsAre("later row", "earlier row"));
 }
 
-TEST_F(GetComments, LeavesOtherImagesAndOtherKindsOfOwnersAlone) {
+TEST_F(GetComments, DoesNotChangeOtherImagesAndOtherKindsOfOwners) {
     Store("'2024-03-01 00:00:00'", "'of another image'", 8);
     Store("'2024-03-01 00:00:00'", "'of another kind'", 7, 2);
     Store("'2024-03-01 00:00:00'", "'own'");

@@ -319,7 +319,7 @@ TEST_F(ImageReading, GetImageDoesNotLoadComments) {
     EXPECT_EQ(Sent().size(), 1U);
 }
 
-TEST_F(ImageReading, GetFromRecordLeavesCommentsAndPositionAlone) {
+TEST_F(ImageReading, GetFromRecordDoesNotChangeCommentsAndPosition) {
     image->addComment("kept", "a", Date{1}, false);
     const Ref<Recordset> rs = New<Recordset>();
     rs->SetCursorLocation(ADODB::adUseClient);
@@ -504,7 +504,7 @@ TEST_F(ImageReading, AMissingColumnEndsTheReadingThere) {
     }
 }
 
-TEST_F(ImageReading, ARecordWithoutStatusStopsBehindTheRoot) {
+TEST_F(ImageReading, ARecordWithoutStatusStopsAfterTheRoot) {
     ReadFrom(SelectWithout("Status"));
     EXPECT_THAT(Differing(*image, ReadUpTo(&Steps[13])), IsEmpty());
 }

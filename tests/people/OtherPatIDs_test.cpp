@@ -52,7 +52,7 @@ TEST(OtherIdentifiers, FillStoresThePositionOfEachPartAsIdAndKey) {
     EXPECT_EQ(ids->Item("K1")->str, "B");
 }
 
-TEST(OtherIdentifiers, AnEmptyPartIsLeftOutAndItsPlaceStaysFree) {
+TEST(OtherIdentifiers, AnEmptyPartIsOmittedAndItsPositionIsUnused) {
     const Ref<OtherPatIDs> ids = Filled("A\\\\B");
     EXPECT_THAT(MembersIn(*ids), ElementsAre("A 0", "B 2"));
     EXPECT_EQ(ids->GetAllAsString(), "A\\B");

@@ -184,7 +184,7 @@ TEST_F(Clinic, EveryTextIsTrimmed) {
     }
 }
 
-TEST_F(Clinic, ABlankIsCharacter32AndNothingElse) {
+TEST_F(Clinic, OnlyCharacter32IsABlank) {
     for (const String kept : {"\ta\t", "\r\na\r\n", "\u00A0a\u00A0"}) {
         clinic->City = " " + kept + " ";
         EXPECT_EQ(Stored("City"), Variant(kept));

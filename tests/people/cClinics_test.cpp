@@ -82,7 +82,7 @@ TEST_F(Clinics, AddSetsEachPropertyFromItsArgument) {
     EXPECT_EQ(clinics->Item(Long{1}), added);
 }
 
-TEST_F(Clinics, AddWithoutAKeyIsFoundByPositionAlone) {
+TEST_F(Clinics, AddWithoutAKeyIsFoundByPositionOnly) {
     const Ref<cClinic> first = AddNamed("a"), second = AddNamed("b");
     EXPECT_EQ(clinics->Item(Long{1}), first);
     EXPECT_EQ(clinics->Item(Long{2}), second);

@@ -334,7 +334,7 @@ TEST_F(Doctor, ACutIsNotTrimmedAgain) {
     EXPECT_EQ(Stored("DrName_NVC"), Variant(String(29, 'a') + " "));
 }
 
-TEST_F(Doctor, ABlankIsCharacter32AndNothingElse) {
+TEST_F(Doctor, OnlyCharacter32IsABlank) {
     for (const String kept : {"\ta\t", "\r\na\r\n", "\u00A0a\u00A0", "\u3000a\u3000"}) {
         doctor->DrPrefix = " " + kept + " ";
         EXPECT_EQ(Stored("DrPrefix_NVC"), Variant(kept));
@@ -661,7 +661,7 @@ TEST_F(Doctor, AGuidDoesNotFindARowInLowerCase) {
     EXPECT_EQ(ContentOf(*doctor), before);
 }
 
-TEST_F(Doctor, TheCallersGuidStaysAsItIs) {
+TEST_F(Doctor, TheCallersGuidIsUnchanged) {
     std::vector<Variant> arguments{Variant("f00d"), Variant(con)};
     EXPECT_EQ(Invoke(*doctor, "LoadDoctorOnGUID", MemberKind::Operation, arguments), Variant(false));
     EXPECT_EQ(arguments[0], Variant("f00d"));

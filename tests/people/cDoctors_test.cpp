@@ -98,7 +98,7 @@ TEST_F(Doctors, AddSetsEachPropertyFromItsArgument) {
     EXPECT_EQ(doctors->Item(Long{1}), added);
 }
 
-TEST_F(Doctors, AddWithoutAKeyIsFoundByPositionAlone) {
+TEST_F(Doctors, AddWithoutAKeyIsFoundByPositionOnly) {
     std::vector<Variant> arguments{Variant(Long{7}), Variant(""), Variant(""),     Variant(""),
                                    Variant(""),      Variant(""), Variant(Long{3})};
     Invoke(*doctors, "Add", MemberKind::Operation, arguments);
@@ -271,7 +271,7 @@ TEST_F(Doctors, ANumberThatOccursTwiceFailsTheLoadAtTheSecondRow) {
     EXPECT_THAT(Numbers(), ElementsAre(5));
 }
 
-TEST_F(Doctors, AMissingColumnBehindTheNamesLeavesAHalfFilledDoctor) {
+TEST_F(Doctors, AMissingColumnAfterTheNamesLeavesAPartlyFilledDoctor) {
     struct {
         const char* column;
         const char* content;

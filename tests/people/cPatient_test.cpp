@@ -109,7 +109,7 @@ TEST_F(Patient, LoadsByCounterWhereTheIdentifierIsEmpty) {
     EXPECT_THAT(Sent(), ElementsAre("SELECT * FROM Patient_T WHERE PatientID = 12"));
 }
 
-TEST_F(Patient, LoadsByIdentifierAndDoesNotLookAtTheCounter) {
+TEST_F(Patient, LoadsByIdentifierAndIgnoresTheCounter) {
     Run("INSERT INTO Patient_T (PatientID, PersonNr_CH) VALUES (12, 'AB-1'), (13, 'CD-2')");
     EXPECT_EQ(Load("ab-1", 13), 1);
     EXPECT_EQ(patient->ID, 12);

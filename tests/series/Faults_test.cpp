@@ -211,7 +211,7 @@ TEST_F(ImageFaults, AnUpdateThatFailsLeavesTheRow) {
     EXPECT_THAT(StoredComments(), ElementsAre("first", "second"));
 }
 
-TEST_F(ImageFaults, ALookThatFailsLeavesTheStaleKey) {
+TEST_F(ImageFaults, AFailedSearchLeavesTheOldKey) {
     image->ID = 77;
     SaveEx(1);
     EXPECT_EQ(image->ID, 77);
@@ -220,7 +220,7 @@ TEST_F(ImageFaults, ALookThatFailsLeavesTheStaleKey) {
     EXPECT_EQ(image->ID, 1);
 }
 
-TEST_F(ImageFaults, AnInsertThatFailsAfterTheLookLeavesTheKeyAtZero) {
+TEST_F(ImageFaults, AnInsertThatFailsAfterTheSearchLeavesTheKeyAtZero) {
     image->ID = 77;
     SaveEx(2);
     EXPECT_EQ(image->ID, 0) << "the look found no row";
@@ -261,7 +261,7 @@ TEST_F(MergeFaults, MakesSixCalls) {
     EXPECT_EQ(StoredCrc(), Variant("new"));
 }
 
-TEST_F(MergeFaults, AtTheLookChangesNothing) {
+TEST_F(MergeFaults, AtTheSearchChangesNothing) {
     SaveEx(1);
     EXPECT_EQ(image->ID, 0);
     EXPECT_THAT(Texts(), ElementsAre("known", "first", "second"));

@@ -104,7 +104,7 @@ TEST_F(SeriesLifecycle, AFullMouthSeriesIsLoadedAsItWasHung) {
     EXPECT_THAT(frames, ElementsAreArray(FramesOfEighteenFilms));
 }
 
-TEST_F(SeriesLifecycle, HangingItselfSendsNothingAndSavesNothing) {
+TEST_F(SeriesLifecycle, HangingSendsNoStatementAndSavesNothing) {
     BeginSeries(7, "IO");
     for (const char* teeth : {"26,27,36,37,", "17,16,47,46,"}) Capture(teeth);
     log.statements.clear();

@@ -162,7 +162,7 @@ TEST_F(SeriesAsCard, ASecondSaveMakesASecondCard) {
     EXPECT_EQ(Ask("SELECT COUNT(DISTINCT ImageCardID) FROM ImageAttribute_T"), Variant(Long{2}));
 }
 
-TEST_F(SeriesAsCard, TheMirrorStatusIsLeftAlone) {
+TEST_F(SeriesAsCard, TheMirrorStatusIsUnchanged) {
     AddImage(11)->MirrRotStatus = 5;
     Save();
     EXPECT_EQ(Ask("SELECT IAMirrRotStatus FROM ImageAttribute_T"), Variant(Long{0}));
@@ -229,7 +229,7 @@ TEST_F(SeriesAsCard, AnUnknownLayoutHasACanvasOfZero) {
     EXPECT_EQ(Ask("SELECT ICFullViewWidth + ICFullViewHeight FROM ImageCard_T"), Variant(0.0));
 }
 
-TEST_F(SeriesAsCard, LayoutZeroIsLookedUpAsKeyZero) {
+TEST_F(SeriesAsCard, LayoutZeroIsReadAsKeyZero) {
     series->TemplateID = 0;
     AddImage(11);
     Save();
@@ -309,7 +309,7 @@ TEST_F(SeriesAsCard, AFailureReachesTheCallerAndKeepsTheRowsWrittenBefore) {
     }
 }
 
-TEST_F(SeriesAsCard, AFailureAtTheStepsOfAPlacedImageIsSwallowed) {
+TEST_F(SeriesAsCard, AFailureAtTheStepsOfAPlacedImageIsIgnored) {
     InstallFaultyProvider();
     const Ref<Connection> faulty = New<Connection>();
     faulty->Open(Replace(con->ConnectionString(), "Provider=SQLite", "Provider=Faulty"));

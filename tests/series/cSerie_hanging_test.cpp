@@ -173,7 +173,7 @@ TEST_F(Hanging, AFrontalHeadBeatsALateralOne) {
     EXPECT_EQ(Hang(4), 11);
 }
 
-TEST_F(Hanging, FiveImagesAreNotLookedAtForTheLayout) {
+TEST_F(Hanging, FiveImagesAreNotExaminedForTheLayout) {
     for (int i = 0; i < 5; ++i) Add("R", Both, Modifier('9'));
     std::swap(images[0]->dateTime, images[4]->dateTime);
     EXPECT_EQ(Hang(), 11);
@@ -349,7 +349,7 @@ TEST_F(Hanging, ASecondFrontImageOfAnUpperSideHangsByTheFirstOne) {
         }
 }
 
-TEST_F(Hanging, ASecondFrontImageBehindOneThatFitByItsTeethMayBe6Or5) {
+TEST_F(Hanging, ASecondFrontImageAfterOneThatFitByItsTeethMayBe6Or5) {
     Add("R", Upper, "other", "13,");
     Add("R", Upper, Modifier('5'));
     Add("R", Upper, Modifier('6'));
@@ -479,7 +479,7 @@ TEST_F(TeethFitModifier, CentralIncisorsFit5) {
     EXPECT_FALSE(Fits('5', "12,"));
 }
 
-TEST_F(TeethFitModifier, TheOtherModifiersMatchByTheirCodeAlone) {
+TEST_F(TeethFitModifier, TheOtherModifiersMatchByTheirCodeOnly) {
     EXPECT_EQ(FrameOf(18, "R", Upper, "other", "17,"), 0) << "a molar alone is neither C nor, by its teeth, B or A";
     EXPECT_EQ(FrameOf(18, "R", Upper, "other", "14,12,15,"), 0) << "8 by derivation, and by no test of the teeth";
     EXPECT_EQ(FrameOf(18, "R", Upper, Modifier('A'), "11,"), 1);
@@ -533,14 +533,14 @@ TEST_F(Hanging, FourBitewingsSecondPassUsesTheRemainingImages) {
     }
 }
 
-TEST_F(Hanging, FourBitewingsDoNotLookAtTeeth) {
+TEST_F(Hanging, FourBitewingsIgnoreTheTeeth) {
     Add("R", Both, "other", "16,17,46,47,");
     Add("L", Both, "other", "no teeth");
     EXPECT_EQ(Hang(4), 7);
     EXPECT_THAT(Frames(), ElementsAre(0, 0));
 }
 
-TEST_F(Hanging, TwoBitewingsGoByTheirSideAlone) {
+TEST_F(Hanging, TwoBitewingsArePlacedByTheirSideOnly) {
     Add("L", Both, "other", "no teeth");
     Add("R", Both);
     EXPECT_EQ(Hang(), 8);
@@ -662,7 +662,7 @@ TEST_F(TemplateOrder, OfTheStandardLayoutsFillsEachFrameOnce) {
     }
 }
 
-TEST_F(TemplateOrder, ADoubleFrameEmptiesItsSecondImageAndAllBehindIt) {
+TEST_F(TemplateOrder, ADoubleFrameEmptiesItsSecondImageAndAllAfterIt) {
     StoreTemplate({{1, 1}, {3, 2}, {3, 3}, {2, 4}});
     AddPlain(4);
     Hang(10);

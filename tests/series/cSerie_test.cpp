@@ -262,7 +262,7 @@ TEST_F(SeriesTable, AFailureOfTheDatabaseGetsTheOperationInFrontOfItsSource) {
 
 // ---- saving -------------------------------------------------------------------------------------------
 
-TEST_F(SeriesTable, SaveLooksByKeyOrByUid) {
+TEST_F(SeriesTable, SaveSearchesByKeyOrByUid) {
     series->ID = 5;
     series->instanceUID = "1.2.5";
     series->studyID = 1;
@@ -430,7 +430,7 @@ TEST_F(SeriesTable, ADecimalCommaChangesNothing) {
 
 // ---- deleting -------------------------------------------------------------------------------------------
 
-TEST_F(SeriesTable, DeleteRemovesTheRowAlone) {
+TEST_F(SeriesTable, DeleteRemovesOnlyTheRow) {
     StoreDistinct();
     Run("INSERT INTO Series_T (Series_ID) VALUES (6)");
     Run("INSERT INTO ImageBild_T (ImageBildID, Series_ID) VALUES (1, 5)");

@@ -218,7 +218,7 @@ TEST_F(StudyTable, AFailureOfTheDatabaseGetsTheOperationInFrontOfItsSource) {
 
 // ---- saving -------------------------------------------------------------------------------------------
 
-TEST_F(StudyTable, SaveLooksByKeyOrByUid) {
+TEST_F(StudyTable, SaveSearchesByKeyOrByUid) {
     study->ID = 5;
     study->instanceUID = "1.2.5";
     study->savestudy(true, con);
@@ -417,7 +417,7 @@ TEST_F(StudyTable, NoTextBoxIsShownOtherwise) {
 
 // ---- deleting -------------------------------------------------------------------------------------------
 
-TEST_F(StudyTable, DeleteRemovesTheRowAlone) {
+TEST_F(StudyTable, DeleteRemovesOnlyTheRow) {
     StoreDistinct();
     Run("INSERT INTO Study_T (Study_ID, StudyInstanceUID) VALUES (6, '1.2.6')");
     Run("INSERT INTO Series_T (Series_ID, Study_ID) VALUES (1, 5)");

@@ -157,7 +157,7 @@ TEST_F(WorklistItem, EqualAndBlankRecipientsAreAllAdded) {
     EXPECT_THAT(MembersIn(item->IntendedRecipients()), ElementsAre("a 1", "a 2", " 3", "   4"));
 }
 
-TEST_F(WorklistItem, ARecipientBehindARemovalMeetsTheKeyThatIsStillThere) {
+TEST_F(WorklistItem, ARecipientAfterARemovalCollidesWithAnExistingKey) {
     item->AddRecipient("a");
     item->AddRecipient("b");
     item->IntendedRecipients()->Remove("K1");
@@ -166,7 +166,7 @@ TEST_F(WorklistItem, ARecipientBehindARemovalMeetsTheKeyThatIsStillThere) {
     EXPECT_THAT(MembersIn(item->IntendedRecipients()), ElementsAre("b 2"));
 }
 
-TEST_F(WorklistItem, ARecipientBehindTheRemovalOfTheLastTakesItsNumber) {
+TEST_F(WorklistItem, ARecipientAfterTheRemovalOfTheLastTakesItsNumber) {
     item->AddRecipient("a");
     item->AddRecipient("b");
     item->IntendedRecipients()->Remove("K2");
@@ -254,7 +254,7 @@ TEST_F(WorklistItem, ALateBoundCallersIdentifierIsWrittenBackToo) {
     EXPECT_EQ(arguments[0], Variant("ABC"));
 }
 
-TEST_F(WorklistItem, ALateBoundRecipientStaysAsItIs) {
+TEST_F(WorklistItem, ALateBoundRecipientIsUnchanged) {
     std::vector<Variant> arguments{Variant(" abc ")};
     EXPECT_EQ(Invoke(*item, "AddRecipient", MemberKind::Operation, arguments), Variant());
     EXPECT_EQ(arguments[0], Variant(" abc "));
@@ -277,7 +277,7 @@ TEST_F(WorklistItem, ABlankIdentifierIsNotAdded) {
     EXPECT_THAT(MembersIn(item->OtherPatIDs()), IsEmpty());
 }
 
-TEST_F(WorklistItem, AnIdentifierBehindARemovalMeetsTheKeyThatIsStillThere) {
+TEST_F(WorklistItem, AnIdentifierAfterARemovalCollidesWithAnExistingKey) {
     AddOther("A");
     AddOther("B");
     item->OtherPatIDs()->Remove("K1");

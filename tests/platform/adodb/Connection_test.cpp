@@ -253,7 +253,7 @@ TEST_F(ConnectionTest, AConnectionClosedByAHandlerReturnsNoOpenRecordset) {
     EXPECT_EQ(other->State(), adStateClosed);
 }
 
-TEST_F(ConnectionTest, ARecordsetMayHoldTheLastReferenceToWhatItCloses) {
+TEST_F(ConnectionTest, ARecordsetMayHoldTheLastReferenceToItsConnection) {
     Ref<Connection> other = Connect();
     const Ref<Recordset> rows = other->Execute("SELECT 1");
     other = nullptr;

@@ -295,7 +295,7 @@ TEST_F(InterfaceTest, AnOmittedArgumentOfOpenIsTakenFromTheProperty) {
     EXPECT_EQ(modes.Last(), "0 1 -1");
 }
 
-TEST_F(InterfaceTest, AConnectionStringOpensAConnectionForTheRecordsetAlone) {
+TEST_F(InterfaceTest, AConnectionStringOpensAConnectionForThisRecordsetOnly) {
     const Ref<Recordset> rs = New<Recordset>();
     Do(rs, "Open", {AllClinics, con->ConnectionString()});
     const auto own = To<Ref<Connection>>(Get(rs, "ActiveConnection"));

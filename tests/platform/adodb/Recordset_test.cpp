@@ -330,7 +330,7 @@ TEST_F(RecordsetTest, AConstraintLeavesTheEditPending) {
     EXPECT_EQ(CLng(rs->Fields("ClinicID").Value()), 77);
 }
 
-TEST_F(RecordsetTest, ClosedItRejectsAlmostEverything) {
+TEST_F(RecordsetTest, AClosedRecordsetRejectsAlmostEveryMember) {
     const Ref<Recordset> rs = Open();
     rs->Close();
     for (const auto& call : std::vector<std::function<void()>>{

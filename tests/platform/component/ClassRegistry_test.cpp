@@ -164,7 +164,7 @@ TEST_F(ClassRegistryFile, APathThatIsNotUtf8IsRejected) {
     EXPECT_EQ(Find("Broken.A")->Library, library.Classes[0].Library) << "this process can use it";
 }
 
-TEST_F(ClassRegistryFile, RemovingWhatIsNotThereChangesNothing) {
+TEST_F(ClassRegistryFile, RemovingAMissingLibraryChangesNothing) {
     Remove(Id('1'));
     EXPECT_TRUE(NamesIn(folder.Path()).empty());
     const String text = "{\"libraries\":[" + String(R"({"name":"N","identifier":")") + Id('2') +
@@ -218,7 +218,7 @@ TEST_F(ClassRegistryFile, RegistrationForThisProcessChangesNoFileAndHasPrecedenc
     EXPECT_EQ(Find("here.a")->Library, "/mine.so") << "the file isn't asked";
 }
 
-TEST_F(ClassRegistryFile, ALibraryThatThisProcessKnowsStays) {
+TEST_F(ClassRegistryFile, ALibraryThatThisProcessKnowsIsNotReplaced) {
     const RegisterInProcess here;
     Enter(Library("Stays", '5', {"A"}));
     LibraryRecord copy = Library("Stays", '5', {"A"});
@@ -238,7 +238,7 @@ TEST_F(ClassRegistryFile, EnteringHereEndsWithTheLastOfThem) {
     EXPECT_TRUE(fs::exists(file));
 }
 
-TEST_F(ClassRegistryFile, EnteringHereIsOfItsThreadAlone) {
+TEST_F(ClassRegistryFile, RegistrationForThisProcessAppliesToItsThreadOnly) {
     const RegisterInProcess here;
     std::thread([] { Enter(Library("OtherThread", '6', {"A"})); }).join();
     EXPECT_EQ(Registered(), "OtherThread 1.0;");

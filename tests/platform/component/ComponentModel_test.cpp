@@ -91,7 +91,7 @@ T* Elements(SAFEARRAY* array) {
 
 // ---- texts ------------------------------------------------------------------------------------------
 
-TEST(CountedText, HasItsLengthInFrontAndAZeroBehind) {
+TEST(CountedText, HasItsLengthBeforeAndAZeroAfterIt) {
     BSTR text = SysAllocString(u"Åse");
     EXPECT_EQ(Units(text), u"Åse");
     EXPECT_EQ(SysStringLen(text), 3U);
@@ -134,7 +134,7 @@ TEST(CountedText, TakesSoManyUnitsOfALongerText) {
     SysFreeString(text);
 }
 
-TEST(CountedText, HasAnOddNumberOfBytesWhereAsked) {
+TEST(CountedText, MayHaveAnOddNumberOfBytes) {
     BSTR text = SysAllocStringByteLen("abc", 3);
     EXPECT_EQ(SysStringByteLen(text), 3U);
     EXPECT_EQ(SysStringLen(text), 1U);
@@ -163,7 +163,7 @@ TEST(CountedText, IsNullWhereItsLengthCantBeCounted) {
 const int PlainTypes[] = {VT_EMPTY, VT_NULL, VT_I2,  VT_I4,  VT_R4, VT_R8,  VT_CY,  VT_DATE, VT_ERROR,
                           VT_BOOL,  VT_I1,   VT_UI1, VT_UI2, VT_I8, VT_UI4, VT_UI8, VT_INT,  VT_UINT};
 
-TEST(VariantMemory, InitMakesItEmptyWithoutLookingAtIt) {
+TEST(VariantMemory, InitMakesItEmptyWithoutReadingIt) {
     VARIANT variant;
     std::memset(static_cast<void*>(&variant), 0xAA, sizeof variant);
     VariantInit(&variant);
@@ -852,7 +852,7 @@ TEST(HeadersInC, AreReadWithoutAWarning) {
     EXPECT_EQ(code, 1) << "the check is one: " << output;
 }
 
-TEST(HeadersInC, IncludeNothingElseOfTheSystem) {
+TEST(HeadersInC, IncludeNoOtherHeaderOfTheSystem) {
     const TemporaryFolder folder;
     const auto [code, output] = CheckC(folder, "-MM", "platform/oxplatform.h", "");
     ASSERT_EQ(code, 0) << output;

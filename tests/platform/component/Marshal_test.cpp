@@ -553,7 +553,7 @@ TEST(Marshal, NothingIsWrittenBackThroughANullReference) {
     }
 }
 
-TEST(Marshal, ReferencesReceiveWhatTheirTypeIs) {
+TEST(Marshal, ReferencesReceiveValuesOfTheirType) {
     const std::pair<Kind, std::vector<int>> fitting[] = {{Kind::Boolean, {VT_BOOL}},
                                                          {Kind::Int16, {VT_I2}},
                                                          {Kind::Int32, {VT_I4, VT_INT}},
@@ -658,7 +658,7 @@ TEST(TypedPlace, KeepsItsValueWhenAnotherCantBeAssigned) {
     object->Release();
 }
 
-TEST(TypedPlace, OfAnObjectTakesOnlyWhatIsCalledByName) {
+TEST(TypedPlace, OfAnObjectAcceptsOnlyIDispatch) {
     const Ref<Object> walk = New<Collection>()->NewEnum();
     IUnknown* place = nullptr;
     EXPECT_EQ(FailureOf([&] {

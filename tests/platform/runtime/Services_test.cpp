@@ -58,7 +58,7 @@ TEST(Services, AClientSeesTheTextBoxes) {
     EXPECT_EQ(boxes.shown, std::vector<String>{"fel"});
 }
 
-TEST(Services, ThePumpRunsWhereThereIsOne) {
+TEST(Services, TheInstalledMessageHandlerIsCalled) {
     int pumped = 0;
     const auto before = TheHost().DoEvents;
     TheHost().DoEvents = [&] { ++pumped; };

@@ -20,7 +20,7 @@ std::uint32_t ThisThread() {
 /// Returns the first function of a pointer's vtable.
 const void* FirstSlot(IUnknown* pointer) { return **reinterpret_cast<const void* const* const*>(pointer); }
 
-/// What an object says of its error records.
+/// The `ISupportErrorInfo` of an object.
 class ErrorSupport final : public ISupportErrorInfo {
 public:
     explicit ErrorSupport(InterfacePointer& owner) : owner_(owner) { Boundary::AddRef(owner_); }

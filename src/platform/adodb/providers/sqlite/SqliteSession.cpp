@@ -122,7 +122,7 @@ private:
     void ReadRows(CompiledStatement& plan, Outcome& outcome, std::string_view text) {
         sqlite3_stmt* const compiled = plan.Compiled();
         int code = sqlite3_step(compiled);
-        // Each later call replaces the engine's error: it is raised before the columns are asked for.
+        // Each later call replaces the engine's error: it is raised before the columns are read.
         if (code != SQLITE_ROW && code != SQLITE_DONE) RaiseSqlite(database_.get(), text);
         // The engine compiles anew when a table has changed, and the columns with it.
         if (sqlite3_stmt_status(compiled, SQLITE_STMTSTATUS_REPREPARE, 1) > 0) plan.ForgetColumns();
@@ -219,7 +219,7 @@ std::unique_ptr<Session> OpenSqlite(const ConnectionString& settings) {
     Database database(opened);
     if (code != SQLITE_OK) RaiseSqlite(opened, {});
     SetUp(opened, (flags & SQLITE_OPEN_READONLY) != 0);
-    // The engine opens a file without write permission for reading, whatever was asked for.
+    // The engine opens a file without write permission for reading, even if writing was requested.
     return std::make_unique<SqliteSession>(std::move(database), sqlite3_db_readonly(opened, "main") == 1);
 }
 
