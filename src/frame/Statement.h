@@ -11,12 +11,14 @@
 ///                      "ListText='", FixSqlString(ListText), "' WHERE GlobalListID=", GlobalListID));
 ///
 /// A piece is a string literal, a whole number, an enumeration, an `Escaped` text or one of the types below.
-/// A plain `String` doesn't compile. Any thread may call; the pieces live until the statement is joined.
+/// A plain `String` doesn't compile. Any thread may call. The pieces must live until the statement is joined; only
+/// joining an `AsItStands` raises.
 namespace OXClass {
 
 // ---- pieces --------------------------------------------------------------------------------------------
 
-/// The decimal text of a floating-point number, with a point in every locale.
+/// The decimal text of a floating-point number, with a point in every locale. Large and small numbers have an
+/// exponent, as by `CStr`.
 struct Decimal {
     /// Up to 15 significant digits.
     explicit Decimal(double value) : text(Replace(CStr(value), ",", ".")) {}
@@ -25,7 +27,8 @@ struct Decimal {
     String text;
 };
 
-/// The text of a date, "yyyy-mm-dd hh:nn:ss", in every locale. The caller writes the enclosing quotes.
+/// The text of a date, "yyyy-mm-dd hh:nn:ss", in every locale. The caller writes the enclosing quotes. The
+/// constructor raises 5 for a date outside the years 100 to 9999.
 struct Stamp {
     explicit Stamp(Date date) : text(FormatDate(date, "yyyy-mm-dd hh:nn:ss")) {}
     String text;

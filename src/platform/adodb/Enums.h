@@ -19,7 +19,8 @@ enum CursorLocationEnum : Long { adUseNone = 1, adUseServer = 2, adUseClient = 3
 
 /// How a recordset may move. A forward-only cursor can't move backward and reports -1 as its number of rows; the other
 /// types scroll in both directions. `Recordset::CursorType` returns the type that an open recordset has: static with
-/// `adUseClient`; keyset if a dynamic one or a lock was requested; otherwise the requested type.
+/// `adUseClient`; keyset if a dynamic cursor or a lock type other than `adLockReadOnly` was requested; otherwise the
+/// requested type.
 enum CursorTypeEnum : Long {
     adOpenUnspecified = -1,
     adOpenForwardOnly = 0,
@@ -68,15 +69,15 @@ enum EventStatusEnum : Long { adStatusOK = 1, adStatusErrorsOccurred = 2, adStat
 /// The type of a column, and the type of its values as a `Variant`. A stored value that can't be converted to the type
 /// is returned as it is stored.
 enum DataTypeEnum : Long {
-    adSmallInt = 2,        ///< `Integer`
-    adInteger = 3,         ///< `Long`
-    adSingle = 4,          ///< `float`
-    adDouble = 5,          ///< `double`
-    adDate = 7,            ///< `Date`
-    adBoolean = 11,        ///< `bool`
-    adVariant = 12,        ///< the type in which each value is stored; the type of an expression
-    adBigInt = 20,         ///< `Long`, or `std::int64_t` for a number beyond its range
-    adVarWChar = 202,      ///< `String`, of at most `Column::DefinedSize` UTF-16 units unless that is 0
+    adSmallInt = 2,    ///< `Integer`
+    adInteger = 3,     ///< `Long`
+    adSingle = 4,      ///< `float`
+    adDouble = 5,      ///< `double`
+    adDate = 7,        ///< `Date`
+    adBoolean = 11,    ///< `bool`
+    adVariant = 12,    ///< the type in which each value is stored; the type of an expression
+    adBigInt = 20,     ///< `Long`, or `std::int64_t` for a number beyond its range
+    adVarWChar = 202,  ///< `String`; an assigned text may have at most `Column::DefinedSize` units, unless that is 0
     adLongVarWChar = 203,  ///< `String`
     adLongVarBinary = 205  ///< as `adVariant`
 };

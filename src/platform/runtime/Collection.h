@@ -25,8 +25,8 @@ public:
 ///
 /// Members are values of any type; objects are held by reference. A key is a text that is compared without regard to
 /// case; it can't be read back or changed. A text as index is always a key, a number always a position (rounded half to
-/// even). `Item` takes constant time; inserting and removing take time that grows with the number of members behind the
-/// position. A collection belongs to the thread that created it.
+/// even). `Item` and appending take constant time; inserting in the middle and removing take linear time. A collection
+/// belongs to the thread that created it.
 class Collection final : public Enumerable {
 public:
     Collection();

@@ -21,7 +21,7 @@ struct InterfacePointer {
 /// Counts the living objects of one library, which is not unloaded while the count is above zero.
 class ObjectCounter {
 public:
-    /// Called when an object was created and after it was deleted, each once, on the thread of the object.
+    /// Called once after an object was created, and once after it was deleted. Any thread may call.
     virtual void ObjectBegan() noexcept = 0;
     virtual void ObjectEnded() noexcept = 0;
 
