@@ -76,7 +76,7 @@ TEST(EndOfAThread, CallsAreAnsweredAndNothingIsLost) {
 
 // ---- the process ------------------------------------------------------------------------------------
 
-/// Keeps an object until the process has ended all else.
+/// Holds a reference to an object until all other static objects of the process are destroyed.
 struct AtProcessEnd {
     Dispatch object;
     ~AtProcessEnd() {

@@ -342,7 +342,7 @@ protected:
         return all;
     }
 
-    /// Numbers shared things by their first occurrence, so that two numberings can be compared.
+    /// Numbers shared objects by their first occurrence, so that two numberings can be compared.
     template <class Thing>
     static std::vector<int> Numbered(const std::vector<Thing>& things) {
         std::map<Thing, int> numbers;

@@ -2,7 +2,7 @@
 
 #include "kit/FaultyProvider.h"
 
-/// What a failure of the database leaves behind while a card is saved: each call fails once.
+/// The state after a failure of the database while a card is saved: each call fails once.
 namespace OXClass {
 namespace {
 

@@ -631,7 +631,7 @@ TEST_F(Steps, ThoseAfterTheLastNumberAreLostUnreported) {
 
 // ---- cosmetic files -------------------------------------------------------------------------------
 
-/// Storage root 7 with a file in it, and files beside the root that must stay whatever happens.
+/// Storage root 7 with a file in it, and files outside of the root that no test may delete.
 class Cosmetics : public Steps {
 protected:
     Cosmetics() {
@@ -653,7 +653,7 @@ protected:
             CStr(status) + ")");
     }
 
-    /// Saves no manipulation where this cosmetic one is stored; whatever that meets must be swallowed.
+    /// Stores this cosmetic manipulation and then saves a list without it. The save must not raise any failure.
     void Drop(const String& cosmetic) {
         RunStep(1, "'" + cosmetic + "'");
         EXPECT_EQ(FailureOf([&] { placed->SaveManipulations(con); }).Number, 0);

@@ -5,8 +5,8 @@
 
 #include <sqlite3.h>
 
-/// Rows that can't be read whole, and what other programs change meanwhile: nothing of a row is ever replaced
-/// by what was not read from it.
+/// Rows that can't be read completely, and rows that other programs change at the same time: the program never
+/// overwrites a column with a value that it has not read from it.
 namespace {
 
 using namespace ProgramTest;

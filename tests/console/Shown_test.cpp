@@ -10,8 +10,7 @@
 #include <gmock/gmock.h>
 #include <regex>
 
-/// What lists, charts, drawings and reports say of images that have no picture, no anatomy or no place among
-/// films.
+/// The output of lists, charts, drawings and reports for images without a picture, without anatomy or without a frame.
 namespace {
 
 using namespace ProgramTest;

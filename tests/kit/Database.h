@@ -29,7 +29,7 @@ private:
 /// Creates a clinic database with all tables and layouts in the folder, and returns its path.
 String NewDatabase(const TemporaryFolder& folder, const String& name);
 
-/// Keeps each statement's whole text, as the connection announces it, and each step of a transaction as
+/// Stores the text of each statement, as the connection announces it, and each step of a transaction as
 /// "BeginTrans", "CommitTrans", "RollbackTrans".
 class StatementLog : public ADODB::ConnectionEvents {
 public:
@@ -59,7 +59,7 @@ protected:
     WithDatabase();
     ~WithDatabase() override;
 
-    /// Runs a statement of the test's own, outside of the log.
+    /// Runs a statement that is not logged.
     void Run(const String& statement);
 
     /// Returns the first column of the first row of a select; `Empty` without a row. The statement is not logged.
@@ -107,7 +107,7 @@ inline const Locale DecimalComma{',', '.', Locale::Order::DayMonthYear};
 
 /// Returns the members of an interface, one text each: "put Name(type)", "get Name -> type", "putref Name(type&)",
 /// "Name(arg: type, arg: type&, [arg: type]) -> type"; "&" marks an argument by reference, "[ ]" one that
-/// may be left out. What the tests compare with the documented interface.
+/// may be left out. The tests compare them with the documented interface.
 std::vector<String> MembersOf(const Object& object);
 
 /// Returns the failure that `call` raises; number 0 if it raises none.

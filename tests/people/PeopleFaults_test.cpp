@@ -4,8 +4,8 @@
 #include "people/cClinics.h"
 #include "people/cDoctors.h"
 
-/// What a failure of the database leaves behind in doctors and clinics: each call that an operation makes
-/// fails once, and then the operation is repeated.
+/// The state of doctors and clinics after a failure of the database: each call that an operation makes fails once, and
+/// then the operation is repeated.
 namespace OXClass {
 namespace {
 

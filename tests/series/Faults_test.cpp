@@ -4,8 +4,8 @@
 #include "series/cSerie.h"
 #include "series/cStudy.h"
 
-/// What a failure of the database leaves behind: each call that an operation makes fails once, and then
-/// the operation is repeated.
+/// The state after a failure of the database: each call that an operation makes fails once, and then the operation is
+/// repeated.
 namespace OXClass {
 namespace {
 

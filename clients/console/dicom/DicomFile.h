@@ -46,8 +46,8 @@ struct RadiographFile {
     int rows = 0;
     int columns = 0;
     bool colour = false;          ///< its pixels have colours, which X-rays don't
-    double rowSpacing_mm = 0;     ///< from row to row, that is downwards; at the patient if the file tells,
-    double columnSpacing_mm = 0;  ///< else at the sensor
+    double rowSpacing_mm = 0;     ///< vertical; at the patient if the file states it, otherwise at the sensor
+    double columnSpacing_mm = 0;  ///< horizontal, likewise
     int dpiX = 0;                 ///< pixels an inch by `columnSpacing_mm`
     int dpiY = 0;
 

@@ -10,7 +10,7 @@ namespace {
 using namespace ADODB;
 using TestKit::FailureOf;
 
-/// What a statement fails with is the engine's first error, whatever is asked of the engine behind it.
+/// A statement raises the first error of the engine, even if later calls replace the engine's error.
 class FirstError : public TestKit::WithDatabase {
 protected:
     std::filesystem::path Path() const { return folder.Path() / "clinic.db"; }
