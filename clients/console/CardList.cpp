@@ -10,8 +10,8 @@ namespace {
 
 using namespace OXClass;
 
-/// The images whose rows name no series, and that may be images of this one: nothing readable in their rows
-/// says that they belong to another study.
+/// Returns the SQL of the images without a series that may belong to this one: no readable column of their rows names
+/// another study.
 std::string ImagesThatMayBelongTo(Long series) {
     return sql(
         "FROM ImageBild_T i WHERE (typeof(i.Series_ID) <> 'integer' OR "
@@ -25,8 +25,8 @@ std::string ImagesThatMayBelongTo(Long series) {
         series, ")))");
 }
 
-/// Deletes a series without image files. The statement looks for files itself, because a capture may have
-/// stored one since the list was read. Returns whether it was deleted.
+/// Deletes a series without image files and returns whether it was deleted. The statement checks for files again,
+/// because a capture may have stored one since the list was read.
 bool DeleteOrphan(const Database& database, Long series) {
     Long deleted = 0;
     const std::string unknown = ImagesThatMayBelongTo(series);
@@ -37,7 +37,8 @@ bool DeleteOrphan(const Database& database, Long series) {
     return deleted > 0;
 }
 
-/// The damage of an image that may belong to the series, and whose row doesn't tell; null if there is none.
+/// Returns the damage of an image whose series can't be read and which may therefore belong to this series; null if
+/// there is none.
 std::optional<Error> ImageOfUnknownSeries(const Database& database, Long series) {
     const Ref<Recordset> rows =
         database.Read("SELECT ImageBildID " + ImagesThatMayBelongTo(series) + " ORDER BY ImageBildID");
@@ -47,9 +48,8 @@ std::optional<Error> ImageOfUnknownSeries(const Database& database, Long series)
     return failure;
 }
 
-/// Deletes a series without image files, or counts it as kept where the database can't be written. A series
-/// with an image that can't be read is damaged: what is wrong with it may be the very reason that it has no
-/// file.
+/// Deletes a series without image files, or counts it as kept if the database can't be written. A series with an image
+/// that can't be read is reported as damaged and kept: the damage may be the reason why it has no file.
 void Remove(const Database& database, Long orphan, CardList& list) {
     const Ref<cImages> images = New<cImages>();
     images->LoadReadable(database.Con(), iootSeries, orphan);

@@ -17,18 +17,19 @@ struct CardList {
     Platform::Long orphansKept = 0;               ///< those that it could not delete
 };
 
-/// Lists what can be read of the cards and series of a patient. A series without image files that nobody
-/// captures any more is deleted, where the database can be written, unless one of its images can't be read or
-/// an image of the study names no series that can be read. Throws `UserError` for an unknown patient.
+/// Lists the cards and series of a patient that can be read. If the database can be written, deletes each series
+/// without image files that is not being captured, unless one of its images can't be read or an image of the study has
+/// a series that can't be read. Throws `UserError` for an unknown patient.
 CardList ListCards(const Database& database, const std::string& patient);
 
-/// How many images an entry shows, and whether all of them are approved.
+/// The number of images that an entry shows, and whether all of them are approved.
 struct ImagesOfEntry {
     Platform::Long count = 0;
     bool approved = false;
 };
 
-/// The same of the image cards of a patient, by the cards' keys; cards without images are not in it.
+/// Returns these numbers for the image cards of a patient, by the keys of the cards. A card without images is not
+/// included.
 std::map<Platform::Long, ImagesOfEntry> ImagesOfCards(const Database& database, Platform::Long patient);
 
 }  // namespace Console

@@ -30,7 +30,7 @@ public:
         }
     }
 
-    /// A box with lines of text in its middle, cut to what it has room for.
+    /// Draws a box with lines of text in its middle. Cuts lines that are wider than the box, and omits lines below it.
     void Box(int left, int top, int width, int height, const std::vector<std::u16string>& texts) {
         const std::u16string edge =
             u"+" + std::u16string(static_cast<std::size_t>(std::max(width - 2, 0)), u'-') + u"+";
@@ -61,7 +61,7 @@ private:
     std::vector<std::u16string> lines_;
 };
 
-/// The lines of a label behind the slot's number: each broken at its blanks where it is longer than `width`.
+/// Returns the lines of a label behind the slot's number: each broken at its blanks where it is longer than `width`.
 std::vector<std::u16string> Lines(Long number, const std::string& label, int width) {
     std::vector<std::u16string> lines{ToUtf16(std::to_string(number))};
     for (const std::string& line : SplitIgnoringCase(label, "\n")) {
@@ -112,7 +112,7 @@ std::string ChartOf(const cTemplate& layout, const std::map<Long, std::string>& 
 
 namespace {
 
-/// What is said of the images of a series below its chart.
+/// The remarks on the images of a series that are printed below its chart.
 struct Remarks {
     std::vector<std::string> unplaced, byTimeOnly, withoutPicture, damaged;
 
@@ -127,7 +127,7 @@ struct Remarks {
     }
 };
 
-/// The label of an image in the chart; fills in what is to be said below.
+/// Returns the label of an image in the chart, and adds its remarks to those below the chart.
 std::string Label(const cImage& image, Remarks& remarks) {
     const std::string caption = CaptionOf(image);
     std::string label = caption;

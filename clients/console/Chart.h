@@ -9,17 +9,17 @@
 
 namespace Console {
 
-/// A stored series. Throws `UserError` for an unknown one.
+/// Loads a series. Throws `UserError` for an unknown one.
 OXClass::Ref<OXClass::cSerie> LoadSeries(const Ref<Connection>& con, Platform::Long series);
 
-/// A layout as a chart of characters, 100 wide: each slot a box at its place, with its frame number, and
+/// Returns a layout as a chart of characters, 100 wide: each slot a box at its place, with its frame number, and
 /// the text that `labels` has for it, broken at its line breaks and where it is too wide. An empty slot
 /// shows "-".
 std::string ChartOf(const OXClass::cTemplate& layout, const std::map<Platform::Long, std::string>& labels);
 
-/// Draws a series as it hangs, and names the images that hang nowhere, that are placed by time only and that
-/// have no picture; as JSON, its images by frame. Returns false if an image can't be read, which is named.
-/// Throws `UserError` for an unknown series.
+/// Draws a series as it hangs, and lists the images without a frame, those that are placed by time only and those
+/// without a picture; as JSON, prints the images by frame. Names the images that can't be read, and returns false if
+/// there is one. Throws `UserError` for an unknown series.
 bool ShowSeries(const Options& options, Platform::Long series);
 
 /// Draws a stored series on an open database, as text. Returns false if an image can't be read.

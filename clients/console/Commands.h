@@ -8,7 +8,7 @@
 /// command when it parses it. They throw `UserError` and the library's `Error`.
 namespace Console {
 
-/// What a command works with: the options of the command line, and the exit code that it leaves.
+/// The options of the command line, which a command reads, and the exit code, which it sets.
 struct Program {
     CLI::App app;
     Options options;

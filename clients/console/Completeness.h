@@ -3,23 +3,23 @@
 #include "cardlist/cUniCard.h"
 #include "console/Database.h"
 
-/// Rows that could not be read whole. An object that was read only in part must not be saved: the members
-/// that were not read would replace what is stored.
+/// Rows that could not be read completely. An object that was read only in part must not be saved: the members that
+/// were not read would replace the stored values.
 namespace Console {
 
-/// What keeps a row from being read, as lists show it: "Brightness_INT: Invalid use of Null".
+/// Returns the column that can't be read and the reason, as lists show them: "Brightness_INT: Invalid use of Null".
 std::string DamageOf(const Platform::Error& failure);
 
-/// Loads the images of a card or series, past those that can't be read. Shows no text box.
+/// Loads the images of a card or series that can be read, and skips the others. Shows no text box.
 void LoadReadable(const Ref<Connection>& con, OXClass::cUniCard& entry);
 
-/// What of a loaded card or series could not be read, one line each: "image 5 can't be read: ...".
+/// Returns a line for each part of a loaded card or series that could not be read: "image 5 can't be read: ...".
 std::vector<std::string> DamagesOf(const OXClass::cUniCard& entry);
 
-/// The same for a list of images.
+/// Returns such a line for each image of a list that could not be read.
 std::vector<std::string> DamagesOf(const OXClass::cImages& images);
 
-/// Why a card or series that places an image lacks it: its row is missing or can't be read.
+/// Returns the reason why a card or series lacks an image that it places: the image's row is missing or can't be read.
 std::string WhyNoImage(const OXClass::cUniCard& entry, Platform::Long image);
 
 /// Throws the `UserError` that names a damaged row ("image 5"), its column, and what to do.
@@ -36,16 +36,16 @@ auto WithRowName(const std::string& row, Load load) -> decltype(load()) {
     }
 }
 
-/// Throws that `UserError` unless the reading of the row came to its end.
+/// Throws that `UserError` if a failure ended the reading of the row.
 void RequireComplete(const OXClass::Completion& reading, const std::string& row);
 
-/// The same for what an object tells of its last reading.
+/// Throws that `UserError` if a failure ended the last load of the object.
 template <class Object>
 void RequireComplete(const Object& object, const std::string& row) {
     RequireComplete(object.LoadCompletion(), row);
 }
 
-/// The same for each image of a list that was loaded.
+/// Throws that `UserError` if a failure ended the load of an image of the list.
 void RequireComplete(const OXClass::cImages& images);
 
 /// A comment of an image, as its row can be read.
@@ -57,19 +57,19 @@ struct StoredComment {
                          ///< empty for a sound row
 };
 
-/// The comments of an image, newest first, also those whose rows are damaged.
+/// Returns the comments of an image, newest first, also those whose rows are damaged.
 std::vector<StoredComment> CommentsOf(const Ref<Connection>& con, Platform::Long image);
 
 /// Loads an image without its comments. Throws `UserError` for an unknown image and for one that can't be
 /// read whole.
 Ref<OXClass::cImage> LoadWholeImage(const Ref<Connection>& con, Platform::Long number);
 
-/// Loads a card with all that is placed on it. Throws `UserError` for an unknown card and for one of which
-/// anything can't be read, a manipulation too.
+/// Loads a card with its placed images and their manipulations. Throws `UserError` for an unknown card and if any part
+/// of it can't be read.
 void LoadWhole(const Ref<Connection>& con, OXClass::cImagecard& card, Platform::Long number);
 
-/// Saves a card with all that is placed on it, inside of the caller's transaction. The documented save tells
-/// no failure of manipulations; this throws `UserError` for one, and the caller must not commit.
+/// Saves a card with its placed images and their manipulations, inside of the caller's transaction. The documented save
+/// ignores a failure to store manipulations; this function throws `UserError` for one, and the caller must not commit.
 void SaveWhole(const Ref<Connection>& con, OXClass::cImagecard& card);
 
 }  // namespace Console

@@ -53,7 +53,7 @@ std::pair<Long, Long> CanvasOf(const std::string& text) {
 
 // ---- composing --------------------------------------------------------------------------------------
 
-/// A stored card that is changed as a whole: nothing is stored unless all of it is.
+/// A stored card that is changed in one transaction.
 class CardComposer {
 public:
     CardComposer(const Database& database, const std::string& key) : database_(database), transaction_(database.Con()) {
@@ -113,7 +113,7 @@ bool Overlap(const cImagecardAttribute& a, const cImagecardAttribute& b) {
            b.IAPosY < a.IAPosY + a.IAHeight;
 }
 
-/// The first cell of the grid, from `cell` on, that nothing lies on; `cell` becomes the one behind it.
+/// Places the image in the first free cell of the grid, beginning with `cell`, and sets `cell` to the next one.
 void PutInFreeCell(cImagecardAttribute& placed, const cImagecard& card, Long& cell) {
     const auto covered = [&] {
         for (const auto& other : Each<cImagecardAttribute>(*card.ImagecardAttributes))
@@ -187,7 +187,7 @@ Ref<cImageManipulation> Step(ManipulationType type, Long parameter) {
     return step;
 }
 
-/// What `card move` is told.
+/// The arguments of `card move`.
 struct Move {
     std::string at, size;
     std::optional<std::string> comment;

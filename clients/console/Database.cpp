@@ -23,7 +23,7 @@ std::string DatabaseOf(const Options& options) {
 
 bool IsConnectionString(const std::string& database) { return Contains(LCase(database), "provider="); }
 
-/// Text boxes go to another handler while this object lives.
+/// While this object lives, another handler receives the text boxes.
 class TextBoxes {
 public:
     explicit TextBoxes(std::function<void(const String&, Long)> handler)
@@ -35,14 +35,14 @@ private:
     std::function<void(const String&, Long)> before_;
 };
 
-/// True if a file could not be opened because of the rights of the file, of its folder or of its log.
+/// Returns true if a file could not be opened because of the rights of the file, of its folder or of its log.
 bool IsOfRights(const Error& failure) {
     constexpr Long primary = 0xFF, cannotOpen = 14;  // the engine's code
     return failure.Number == ADODB::NoPermission || (failure.NativeError & primary) == cannotOpen;
 }
 
-/// Opens for writing, or where that is not allowed for reading. A file in a folder where the engine may not
-/// put its lock file is read as one that nobody changes, which the file alone can only be without a log.
+/// Opens the database for writing, or for reading if writing is not allowed. In a folder where the engine can't create
+/// its lock file, the file is opened as an immutable one, which is possible only if it has no log.
 void OpenAsAllowed(const Ref<Connection>& con, const std::string& database) {
     if (IsConnectionString(database)) return con->Open(database);
     for (const char* const mode : {"ReadWrite", "Read"}) {

@@ -12,35 +12,35 @@ using ADODB::Connection;
 using ADODB::Recordset;
 using Platform::Ref;
 
-/// What all commands are told on the command line.
+/// The options of the command line that all commands have.
 struct Options {
     std::string database;  ///< a file, or a full connection string; empty: OXCLASS_DB
     bool json = false;
     bool trace = false;
 };
 
-/// The connection string of a file; a text that is one already stays as it is.
+/// Returns the connection string of a file. Returns a text that already is a connection string unchanged.
 std::string ConnectionStringOf(const std::string& database, const std::string& mode = {});
 
 /// An open clinic database, for one command.
 class Database {
 public:
-    /// Opens the database of the options, for reading only where the rights of the file or of its folder
-    /// allow no more. Throws `UserError` if there is none, or if it is no clinic database or a newer one;
-    /// such a file is not changed.
+    /// Opens the database of the options, only for reading if the rights of the file or of its folder do not permit
+    /// writing. Throws `UserError` if the file is missing, is not a clinic database, or has a newer version; the file
+    /// is then unchanged.
     explicit Database(const Options& options);
     ~Database();
     Database(const Database&) = delete;
 
     const Ref<Connection>& Con() const noexcept { return con_; }
 
-    /// The rows of a statement of the program's own.
+    /// Returns the rows of one of the program's own statements.
     Ref<Recordset> Read(const std::string& statement) const;
 
-    /// The whole number that a statement gives as its one value.
+    /// Returns the only value of a statement's result, a whole number.
     Platform::Long Number(const std::string& statement) const;
 
-    /// A list of all columns of a statement, titled by their names; keys in lower case.
+    /// Returns a list of all columns of a statement. The titles are the column names, the keys the names in lower case.
     List ListOf(const std::string& statement) const;
 
 private:
@@ -62,26 +62,26 @@ T ValueOf(const Ref<Recordset>& row, std::string_view column) {
     }
 }
 
-/// A description as a person wrote it. The library stores each quote of it doubled and gives it back so;
-/// saving what was loaded would double it again.
+/// Returns a description as the user entered it. The library stores each quote of a description doubled and returns it
+/// doubled; without this function, saving a loaded description would double the quotes again.
 std::string Undoubled(const std::string& description);
 
-/// A text for a column that a statement takes unescaped: a quote becomes the typographic one.
+/// Returns a text for a column that a statement contains unescaped: replaces each quote by the typographic one.
 std::string WithoutQuotes(const std::string& text);
 
-/// Runs `work` and drops the text boxes that the library shows in it, for callers who learn of the failures
-/// from the objects.
+/// Runs `work` and suppresses the text boxes that the library shows meanwhile, for callers that read the failures from
+/// the objects.
 void WithoutTextBoxes(const std::function<void()>& work);
 
-/// Runs `work`. A text box that the library shows in it, which tells a failure that it doesn't raise, becomes
-/// a `UserError` behind it.
+/// Runs `work`. The library shows some failures in a text box and does not raise them: throws `UserError` with the text
+/// of such a box after `work` has returned.
 void ComplainOfTextBoxes(const std::function<void()>& work);
 
 /// Runs the statements of a script, one by one.
 void RunScript(const Ref<Connection>& con, std::string_view script);
 
-/// The path on this system of a file of an image store: stored names part their folders with "\".
-/// Throws `UserError` for a name that leads out of its root.
+/// Returns the path on this system of a file of an image store; a stored name separates its folders with "\". Throws
+/// `UserError` for a name that leads out of its root.
 std::filesystem::path StoredPath(const std::string& root, const std::string& storedName);
 
 }  // namespace Console

@@ -14,7 +14,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace Platform;
 
-/// The engine's codes, as far as a person can do something about them.
+/// The engine's codes for failures that the user may be able to correct.
 enum EngineCode : Long {
     Busy = 5,
     DiskFailed = 10,
@@ -43,7 +43,7 @@ void RequireReachable(const fs::path& file) {
         throw UserError(fmt::format("{} is not a file; name the database itself", file.string()));
 }
 
-/// The first bytes of a database file: what it is, and the marks of the program that made it.
+/// The first bytes of a database file, which contain the file type and the marks of the program that created it.
 class Header {
 public:
     explicit Header(const fs::path& file) {

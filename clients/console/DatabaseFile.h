@@ -6,8 +6,8 @@
 
 namespace Console {
 
-/// What `schema/sqlite.sql` writes into each database: `PRAGMA application_id`, and the number of the table
-/// set.
+/// The marks that `schema/sqlite.sql` writes into each database: `PRAGMA application_id`, and the version of the
+/// tables.
 constexpr Platform::Long ApplicationMark = 0x4F58434C;
 constexpr Platform::Long KnownVersion = 1;
 
@@ -15,16 +15,16 @@ constexpr Platform::Long KnownVersion = 1;
 /// database's.
 void RequireMarks(const std::string& name, Platform::Long mark, Platform::Long version);
 
-/// Looks at a database's file before an engine opens it, because opening may change it. Reads the file's
-/// first bytes and nothing else. Returns true if they hold the marks of a clinic database, and false if they
-/// do not but the file has a log, which may hold others. Throws `UserError` for a file that is missing, that
-/// is no file, that may not be read or that is no database, and for marks that `RequireMarks` rejects.
+/// Checks a database file before an engine opens it, because opening may change it. Reads only the first bytes of the
+/// file. Returns true if they contain the marks of a clinic database; false if they do not but the file has a log,
+/// which may contain them. Throws `UserError` for a missing file, a folder, a file that may not be read or is not a
+/// database, and for marks that `RequireMarks` rejects.
 bool IsClinicFile(const std::filesystem::path& file);
 
-/// True if the file has a log that isn't empty: the file alone doesn't hold what was stored last.
+/// Returns true if the file has a log that isn't empty: the file alone then lacks the newest changes.
 bool HasLog(const std::filesystem::path& file);
 
-/// One line on a failure of the library or its database that says what it means and what to do.
+/// Returns one line about a failure of the library or its database: what it means and what the user can do.
 std::string ExplanationOf(const Platform::Error& failure);
 
 }  // namespace Console

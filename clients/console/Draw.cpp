@@ -15,7 +15,7 @@ bool EndsIn(const std::string& file, const char* ending) {
     return Platform::EqualsIgnoringCase(std::filesystem::path(file).extension().string(), ending);
 }
 
-/// Tells of each picture that a page lacks; gives their number.
+/// Reports each picture that a page lacks; returns their number.
 std::size_t TellMissing(const Page& page) {
     std::size_t missing = 0;
     for (const PlacedPicture& placed : page.pictures) {
@@ -33,7 +33,7 @@ void Draw(Program& program, const std::string& key, const std::string& file, uns
         throw UserError(fmt::format("\"{}\" is no name of a drawing; end it with .svg or .png", Printable(file)));
     const Database database(program.options);
     const auto entry = OpenEntry(database, key);
-    // The placed images behind one that can't be read are not known: the drawing would look whole.
+    // The placed images after one that can't be read are unknown: the drawing would look complete.
     RequireComplete(*entry->Imagecard, fmt::format("a placed image of card {}", Platform::UCase(key)));
     const Page page = PageOf(*entry, width);
     const std::string svg = SvgOf(page, drawing);

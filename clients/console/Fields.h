@@ -16,14 +16,14 @@ struct TextField {
     std::string Record::*text;
 };
 
-/// Name and value of "FIELD=VALUE". Throws `UserError` for a text that is none.
+/// Returns name and value of "FIELD=VALUE". Throws `UserError` for a text of another form.
 inline std::pair<std::string, std::string> AssignmentOf(const std::string& text) {
     const auto equals = text.find('=');
     if (equals == std::string::npos) throw UserError(fmt::format("\"{}\" sets nothing; write FIELD=VALUE", text));
     return {text.substr(0, equals), text.substr(equals + 1)};
 }
 
-/// Sets the text of this name, without regard to case; false if there is none.
+/// Sets the text of this name, without regard to case. Returns false if the record has no such text.
 template <class Record>
 bool SetText(Record& record, std::span<const TextField<Record>> fields, const std::string& name,
              const std::string& value) {
@@ -35,7 +35,7 @@ bool SetText(Record& record, std::span<const TextField<Record>> fields, const st
     return false;
 }
 
-/// Adds the texts to what is shown of the record.
+/// Adds the texts to the output about the record.
 template <class Record>
 void AddTexts(nlohmann::ordered_json& shown, const Record& record, std::span<const TextField<Record>> fields) {
     for (const TextField<Record>& field : fields) shown[field.name] = record.*field.text;

@@ -22,7 +22,7 @@ using Hung = std::tuple<Long, String, String, String>;
 
 Hung Placing(const cImage& image) { return {image.FrameNumber, image.Laterality, image.AnaRegion, image.AnaRegionMod}; }
 
-/// The images that belong into a layout of films, in the order in which they were taken. The others are
+/// Returns the images that belong into a layout of films, in the order in which they were taken. The others are
 /// photographs; their frame is cleared.
 Ref<Collection> FilmsOf(const cImages& images) {
     std::vector<cImage*> taken;
@@ -42,24 +42,23 @@ Ref<Collection> FilmsOf(const cImages& images) {
     return films;
 }
 
-/// Stores what hanging has changed of an image, and nothing else: the documented update takes some of the
-/// image's texts unescaped and fails for a quote in them, and it replaces what others have changed in the
-/// row.
+/// Stores only the columns of an image that hanging has changed. The documented update contains some texts of the image
+/// unescaped and fails for a quote in them, and it overwrites the changes of other programs to the row.
 void StorePlacing(const Ref<Connection>& con, const cImage& image) {
     con->Execute(sql("UPDATE ImageBild_T SET FrameNumber_INT=", Long{image.FrameNumber}, ", Laterality='",
                      FixSqlString(image.Laterality), "', AnaRegion='", FixSqlString(image.AnaRegion),
                      "', AnaRegionMod='", FixSqlString(image.AnaRegionMod), "' WHERE ImageBildID=", image.ID));
 }
 
-/// The same of a series. The documented save does nothing, and tells nobody, for a series without UID or
-/// study.
+/// Stores the layout of a series by a statement of its own: the documented save stores nothing and reports no failure
+/// for a series without UID or study.
 void StoreLayout(const Ref<Connection>& con, const cSerie& series) {
     con->Execute(sql("UPDATE Series_T SET template_ID=", series.TemplateID, ", NumberOfImages=", series.ImgCount,
                      " WHERE Series_ID=", series.ID));
 }
 
-/// Hangs an image as one without teeth if its tooth string is none, which would fail the whole series.
-/// Returns true for such an image. The stored text stays.
+/// Hangs an image with an invalid tooth string as one without teeth, because the string would fail the whole series.
+/// Returns true for such an image. The stored text is unchanged.
 bool LeftWithoutTeeth(cImage& image) {
     try {
         TeethOf(image.sTeeth);

@@ -21,17 +21,17 @@ namespace {
 namespace fs = std::filesystem;
 using namespace OXClass;
 
-/// Files whose series may still get other files are kept in memory: a series is stored when none of the
-/// next `FilesApart` files belongs to it, or when it has `LargestBatch` files. Files of the same series that
-/// come later are stored then, as if they were imported later.
+/// The files of a series are kept in memory until the series is stored: when none of the next `FilesApart` files
+/// belongs to it, or when it has `LargestBatch` files. Later files of the same series are stored as a later import
+/// would store them.
 constexpr std::size_t FilesApart = 256, LargestBatch = 2000;
 
-/// What an import came to, for the last lines and the exit code.
+/// The numbers of an import, for its last lines of output and its exit code.
 struct Tally {
     std::size_t files = 0, stored = 0, known = 0, restored = 0, failed = 0, skipped = 0, objects = 0;
     std::vector<Long> hung;  ///< series that were hung
     nlohmann::ordered_json conflicts = nlohmann::ordered_json::array();
-    std::size_t left = 0;  ///< files that were not looked at because the import was told to stop
+    std::size_t left = 0;  ///< files that were not read because the import was stopped
     bool stopped = false;
 };
 
@@ -72,8 +72,8 @@ private:
     std::map<std::string, std::string> passedOver_;  // the reasons of foreign files, by their folded paths
 };
 
-/// A path to compare: discs name files in upper case and with a version behind a semicolon, systems show them
-/// otherwise.
+/// Returns a path in a form that can be compared: a disc names its files in upper case and with a version behind a
+/// semicolon, and a system may show them in another form.
 std::string FoldedPath(const fs::path& path) {
     const std::string text = LCase(path.lexically_normal().string());
     const auto version = text.rfind(';');
@@ -124,7 +124,7 @@ void Import::ReadAndStore(const std::vector<FoundFile>& files) {
     ReportListed(files);
 }
 
-/// Puts a file that was read to the files of its series, or reports why it isn't imported.
+/// Adds a file that was read to the files of its series, or reports why it isn't imported.
 void Import::Take(const FoundFile& file, const WorkerPool::Answer& answer, std::size_t position) {
     ReadFile read;
     if (answer.failure.empty())

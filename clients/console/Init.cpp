@@ -14,8 +14,8 @@ namespace fs = std::filesystem;
 using OXClass::FixSqlString;
 using OXClass::sql;
 
-/// The clinic of a database that is replaced, so that its storage root can be used on; empty for any other
-/// file.
+/// Returns the clinic of a database that is replaced, so that the new database can use its storage root; empty for any
+/// other file.
 std::string ClinicOf(const fs::path& file) {
     if (!fs::exists(file)) return {};
     const Ref<Connection> con = Platform::New<Connection>();
@@ -43,8 +43,8 @@ void Fill(const fs::path& file, const fs::path& root, const std::string& databas
     con->Close();
 }
 
-/// Brings what an SQLite database still has in its log into the file itself. Another program that has it
-/// open keeps the log.
+/// Writes the content of an SQLite database's log into the file itself. The log stays while another program has the
+/// database open.
 void Settle(const fs::path& file) {
     const Ref<Connection> con = Platform::New<Connection>();
     try {
@@ -55,7 +55,7 @@ void Settle(const fs::path& file) {
     }
 }
 
-/// Puts an existing database aside, so that nothing is lost.
+/// Renames an existing database, so that its content is kept.
 void PutAside(const fs::path& file, bool replace) {
     const fs::path aside = file.string() + ".old", log = file.string() + "-wal";
     if (fs::exists(file)) {

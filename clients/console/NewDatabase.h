@@ -4,18 +4,18 @@
 
 namespace Console {
 
-/// A database file that is made in a staging folder beside its name and gets the name when it is complete.
-/// Whatever fails, nothing of it is left; what a killed program left, the next one removes.
+/// A new database file. It is created in a staging folder beside its name and is renamed when it is complete. After a
+/// failure nothing of it remains; the next run removes the files of a killed program.
 class NewDatabase {
 public:
-    /// Throws `UserError` if nothing can be made beside the name.
+    /// Throws `UserError` if the staging folder can't be created.
     explicit NewDatabase(std::filesystem::path path)
         : path_(std::move(path)), staging_(FolderOf(path_), Staging::For::Copy) {}
 
-    /// The file under which it is made.
+    /// Returns the path of the file in the staging folder.
     std::filesystem::path Made() const { return staging_.Folder() / "new.db"; }
 
-    /// Gives it its name. Every connection to it must be closed.
+    /// Renames the file to its name. Every connection to it must be closed.
     void Finish() { std::filesystem::rename(Made(), path_); }
 
 private:

@@ -20,7 +20,7 @@ std::string CellText(const Json& value) {
     return value.is_string() ? Printable(value.get<std::string>()) : value.dump();
 }
 
-/// The number of bytes at `at` that are one character which changes the direction of writing, or a line or
+/// Returns the number of bytes at `at` that are one character which changes the direction of writing, or a line or
 /// paragraph separator; 0 for any other.
 std::size_t MarkAt(std::string_view text, std::size_t at) {
     const std::string_view two = text.substr(at, 2), three = text.substr(at, 3);
@@ -31,8 +31,8 @@ std::size_t MarkAt(std::string_view text, std::size_t at) {
     return 0;
 }
 
-/// The number of bytes at `at` that are the delete character or a control character of U+0080 to U+009F; 0 for any
-/// other.
+/// Returns the number of bytes at `at` that are the delete character or a control character of U+0080 to U+009F; 0 for
+/// any other.
 std::size_t UpperControlAt(std::string_view text, std::size_t at) {
     const auto byte = [&](std::size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0; };
     if (byte(at) == 0x7F) return 1;

@@ -10,7 +10,7 @@
 
 namespace Console {
 
-/// What the user did wrong or what keeps the program from its work, as one line that says what to do.
+/// A wrong request of the user, or a condition that prevents the command, as one line that says what to do.
 class UserError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -18,14 +18,14 @@ public:
 
 /// A list to print: named columns, and a value for each in every row.
 ///
-/// On paper the columns are aligned under their titles; as JSON each row is an object with the columns'
-/// keys. Values keep their types in JSON.
+/// As text, the columns are aligned under their titles; as JSON each row is an object with the columns' keys. Values
+/// keep their types in JSON.
 class List {
 public:
     struct Column {
         std::string key;
         std::string title;
-        bool onlyWhereFilled = false;  ///< left out on paper where no row has a value
+        bool onlyWhereFilled = false;  ///< true: omitted in text output if no row has a value
     };
 
     explicit List(std::vector<Column> columns) : columns_(std::move(columns)) {}
@@ -35,7 +35,7 @@ public:
 
     std::size_t Count() const noexcept { return rows_.size(); }
 
-    /// The rows as a JSON array of objects.
+    /// Returns the rows as a JSON array of objects.
     nlohmann::ordered_json Rows() const;
 
     /// Prints to standard output. Without rows the text is `whenEmpty`, the JSON an empty array.
@@ -48,17 +48,17 @@ private:
     std::vector<std::vector<nlohmann::ordered_json>> rows_;
 };
 
-/// A value as JSON holds it and lists print it: dates as text, nulls as null.
+/// Returns a value in the form that JSON output and lists use: dates as text, nulls as null.
 nlohmann::ordered_json AsJson(const Platform::Variant& value);
 
-/// The text without what would move a terminal's cursor, break a line or turn the direction of writing:
-/// control characters become blanks, and marks of direction are left out.
+/// Returns the text without characters that move a terminal's cursor, break a line or change the writing direction:
+/// replaces control characters by blanks and removes direction marks.
 std::string Printable(std::string text);
 
-/// The columns of a terminal that a UTF-8 text takes: two for a character of an eastern script, else one.
+/// Returns the width of a UTF-8 text in columns of a terminal: two for an East Asian wide character, otherwise one.
 std::size_t DisplayWidth(std::string_view text);
 
-/// A date as text, with the time where it has one; empty for the zero date.
+/// Returns a date as text, with the time where it has one; empty for the zero date.
 std::string DateText(Platform::Date date);
 
 /// Prints names and values, one a line, or as JSON.
@@ -68,18 +68,18 @@ void PrintFields(const nlohmann::ordered_json& shown, bool asJson);
 /// direction are escaped.
 void PrintJson(const nlohmann::ordered_json& json);
 
-/// The line "progress: 12 of 34 files, 50 a second" of a long work: one line that renews itself on a
-/// terminal, a plain line now and then elsewhere. Writes to standard error.
+/// The line "progress: 12 of 34 files, 50 a second" of a long command, on standard error. On a terminal the same line
+/// is overwritten; elsewhere a new line is written at intervals.
 class Progress {
 public:
     Progress(std::string what, std::size_t total);
     ~Progress();
     Progress(const Progress&) = delete;
 
-    /// Tells that one more is done.
+    /// Counts one more item as done, and updates the line.
     void Step();
 
-    /// Takes the renewing line off the terminal, so that another line can be written.
+    /// Clears the progress line on the terminal, so that another line can be written.
     void Clear();
 
 private:

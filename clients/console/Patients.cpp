@@ -14,7 +14,7 @@ namespace {
 using namespace OXClass;
 using Json = nlohmann::ordered_json;
 
-/// The patients of whom any of the texts holds `text`, without regard to case; all for an empty text.
+/// Lists the patients that have a text which contains `text`, without regard to case; all for an empty text.
 void ListPatients(const Options& options, const std::string& text) {
     const Database database(options);
     const Ref<Recordset> rows = database.Read(
@@ -52,7 +52,7 @@ constexpr TextField<cPatient> TextFields[] = {
     {"IDImg", &cPatient::IDImg},
 };
 
-/// The day that a person typed; the zero date for an empty text.
+/// Returns the day that a person typed; the zero date for an empty text.
 Date DateOf(const std::string& value) { return value.empty() ? Date{} : TypedDate(value); }
 
 Date BirthDateOf(const std::string& value) {

@@ -17,7 +17,7 @@ namespace {
 
 using namespace OXClass;
 
-/// " WHERE Study_T.PatientID = 5" for a patient that is named.
+/// Returns " WHERE Study_T.PatientID = 5" for a named patient.
 std::string OfPatient(const Database& database, const std::string& patient) {
     return patient.empty() ? std::string() : sql(" WHERE Study_T.PatientID = ", LoadPatient(database, patient)->ID);
 }
@@ -39,7 +39,7 @@ void ListStudies(const Options& options, const std::string& patient) {
         .Print(options.json, "There are no studies.");
 }
 
-/// What keeps a row of Series_T from being read; null for one that can be read.
+/// Returns the reason why a row of Series_T can't be read; null if it can.
 nlohmann::ordered_json DamageOfSeries(const Ref<Recordset>& row) {
     try {
         New<cSerie>()->ReadRow(row);
@@ -80,7 +80,7 @@ void ListSeries(Program& program, const std::string& patient) {
     list.Print(program.options.json, "There are no series.");
 }
 
-/// The where clause of the images that are asked for.
+/// Returns the condition of the images that the user requests.
 std::string ImagesClause(const Database& database, const std::string& patient, const std::string& series) {
     if (!series.empty()) return sql("where Series_ID=", NumberOf(series, "a series"));
     if (patient.empty()) return "where 1=1";
@@ -137,7 +137,7 @@ void RequireComment(const std::string& text, const std::string& signature) {
         throw UserError(fmt::format("a comment and its signature have at most {} characters each", width));
 }
 
-/// The row of the image is not read: a comment can be added to an image whose row is damaged.
+/// Adds a comment without reading the row of the image, so that a damaged image can have a comment.
 void RequireImage(const Database& database, Long number) {
     if (database.Number(sql("SELECT count(*) FROM ImageBild_T WHERE ImageBildID=", number)) == 0)
         throw UserError(fmt::format("there is no image {}; see: oxclass images", number));

@@ -12,7 +12,7 @@ namespace {
 namespace fs = std::filesystem;
 using Platform::LibraryFile;
 
-/// The whole path of the library file that the user names, or of the one that came with this program.
+/// Returns the whole path of the library file that the user names, or of the one that came with this program.
 std::string LibraryOf(const std::string& named) {
     const fs::path host = Platform::HostFile();
     const fs::path file = named.empty() ? host.parent_path() / "libOXClass.so" : fs::path(named);
@@ -24,7 +24,7 @@ void RequireFile(const std::string& library) {
         throw UserError(fmt::format("there is no library {}; name it: oxclass register LIBRARY", library));
 }
 
-/// The description in the error record of a failed call.
+/// Returns the description in the error record of a failed call.
 std::string FailureText(const char* otherwise) {
     IErrorInfo* record = nullptr;
     if (GetErrorInfo(0, &record) != S_OK) return otherwise;
@@ -42,7 +42,7 @@ void Register(const std::string& named) {
     fmt::print("Registered {} in {}\n", library, Platform::ClassRegistry::File().string());
 }
 
-/// Takes out what stands in the registry under the library's path; its file may be gone.
+/// Removes the library with this path from the registry; the library file may have been deleted.
 void Unregister(const std::string& named) {
     const std::string library = LibraryOf(named);
     if (!Platform::ClassRegistry::RemoveFile(library))

@@ -17,7 +17,7 @@ using namespace OXClass;
 
 constexpr unsigned PixelWidth = 1600;
 
-/// The text of the page with each "{{name}}" replaced; `texts` are HTML already.
+/// Returns the text of the page with each "{{name}}" replaced; `texts` are HTML already.
 std::string Filled(std::string_view page, const std::map<std::string, std::string>& texts) {
     std::string filled;
     for (std::size_t from = 0;;) {
@@ -35,8 +35,8 @@ std::string FullName(const cPatient& patient) {
     return name.empty() ? patient.PatientID : name;
 }
 
-/// The name of the clinic that reports: the first that is stored, but the head office, whose row has a mark
-/// instead of a name.
+/// Returns the name of the clinic: the first that is stored, except the head office, whose row has a mark instead of a
+/// name.
 std::string ClinicName(const Database& database) {
     const Ref<Recordset> names = database.Read(
         "SELECT ClinicName FROM Clinic_T WHERE trim(ClinicName) <> "
@@ -59,7 +59,7 @@ std::string Facts(const Database& database, const cPatient& patient) {
     return facts;
 }
 
-/// "65 kV, 7 mA, 120 ms", without what is not known; empty for a photograph.
+/// Returns "65 kV, 7 mA, 120 ms"; omits unknown values. Empty for a photograph.
 std::string ExposureOf(const cImage& image) {
     std::string text;
     if (image.ImageType == imggTypeVLPhotographic) return text;
@@ -72,7 +72,7 @@ std::string ExposureOf(const cImage& image) {
     return text;
 }
 
-/// The comments of an image, newest first, one a line: "2026-01-31 AB: caries".
+/// Returns the comments of an image, newest first, one a line: "2026-01-31 AB: caries".
 std::string CommentLines(const Database& database, const cImage& image) {
     std::string lines;
     for (const StoredComment& comment : CommentsOf(database.Con(), image.ID)) {
@@ -100,7 +100,7 @@ std::string RemarkOf(const PlacedPicture& placed) {
     return placed.note + (placed.note.empty() || missing.empty() ? "" : "; ") + missing;
 }
 
-/// The cells between an image's number and its remark.
+/// Returns the cells between an image's number and its remark.
 std::string CellsOf(const Database& database, const PlacedPicture& placed, const Ref<cImage>& image) {
     if (!image) return fmt::format("<td>{}</td><td></td><td></td><td></td><td></td>", XmlText(placed.caption));
     return fmt::format("<td>{}</td><td>{}</td><td>{}</td><td>{}</td><td>{}</td>", XmlText(TeethOf(*image)),
@@ -108,7 +108,7 @@ std::string CellsOf(const Database& database, const PlacedPicture& placed, const
                        DateText(image->dateTime), ExposureOf(*image), CommentLines(database, *image));
 }
 
-/// The table of a page's images.
+/// Returns the table of a page's images.
 std::string Table(const Database& database, const cUniCard& entry, const Page& page) {
     if (page.pictures.empty()) return "<p class=\"quiet\">No images.</p>\n";
     std::string rows;
@@ -127,7 +127,7 @@ std::string Table(const Database& database, const cUniCard& entry, const Page& p
         entry.Series ? "Frame" : "Place", titles, rows);
 }
 
-/// What could not be read, a paragraph each.
+/// Returns a paragraph for each part that could not be read.
 std::string Damages(const std::vector<std::string>& lines) {
     std::string text;
     for (const std::string& line : lines) text += fmt::format("<p class=\"damaged\">Damaged: {}</p>\n", XmlText(line));
@@ -154,7 +154,7 @@ std::string Section(const Database& database, const cUniCard& entry, const Page&
         picture, Table(database, entry, page));
 }
 
-/// An entry that can't be read at all.
+/// Returns an entry that can't be read at all.
 std::string DamagedSection(const UnreadEntry& entry) {
     return fmt::format("<article id=\"{0}\">\n<h2>{0}</h2>\n{1}</article>\n", entry.Key,
                        Damages({"it can't be read: " + DamageOf(entry.Failure)}));

@@ -4,7 +4,7 @@
 
 namespace Console {
 
-/// What a report holds.
+/// The numbers of entries and failures of a report.
 struct ReportTally {
     std::size_t entries = 0;
     std::size_t images = 0;
@@ -12,12 +12,12 @@ struct ReportTally {
     std::size_t damaged = 0;  ///< cards, series, images and manipulations that could not be read, each named
 };
 
-/// Writes a page on a patient, one HTML file that needs nothing else: who it is, the clinic, the cards and
-/// series, newest first, each as a picture that enlarges on click, with teeth, anatomy in words, time,
-/// exposure, comments and remarks of each image.
-/// Cards, series and images that can't be read are named with the damaged column.
-/// Throws `UserError` for an unknown patient and for a file that can't be written; an earlier file then
-/// stays.
+/// Writes a page about a patient as one HTML file that needs no other file. It contains the patient's data, the clinic,
+/// and the cards and series, newest first, each as a picture that enlarges on click, with teeth, anatomy in words,
+/// time, exposure, comments and remarks of each image. Cards, series and images that can't be read are named with the
+/// damaged column.
+///
+/// Throws `UserError` for an unknown patient and for a file that can't be written; an earlier file is then unchanged.
 ReportTally WriteReport(const Database& database, const std::string& patient, const std::filesystem::path& file);
 
 }  // namespace Console

@@ -38,7 +38,7 @@ void AddRoot(const Options& options, const std::string& directory) {
     ListRoots(options);
 }
 
-/// A list by its name, with or without the prefix that all names have, or by its number.
+/// Returns a list by its name, with or without the prefix that all names have, or by its number.
 gGlobalListIDs ListNamed(const std::string& name) {
     for (const EnumerationValue& value : EnumerationOf<gGlobalListIDs>::Values) {
         const std::string_view known = value.Name;
@@ -80,8 +80,8 @@ void GetSetting(const Options& options, const std::string& name) {
     fmt::print("{}\n", Printable(text));
 }
 
-/// Refuses a root under which no valid identifier can be made: its components are whole numbers without
-/// leading zeros, the first of them 0, 1 or 2.
+/// Rejects a root that is not the beginning of a valid identifier. The components must be whole numbers without leading
+/// zeros, and the first must be 0, 1 or 2.
 void RequireUidRoot(const std::string& root) {
     constexpr std::size_t longest = 62;  // leaves a dot and one digit
     static const std::regex form(R"([0-2](\.(0|[1-9][0-9]*))+)");

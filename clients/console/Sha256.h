@@ -18,7 +18,7 @@ public:
 
     void Add(const void* bytes, std::size_t size);
 
-    /// The digest of all bytes as 64 hexadecimal digits in lower case. Nothing can be added afterwards.
+    /// Returns the digest of all bytes as 64 hexadecimal digits in lower case. Nothing can be added afterwards.
     std::string Hex();
 
 private:
@@ -28,7 +28,7 @@ private:
     std::unique_ptr<evp_md_ctx_st, Free> context_;
 };
 
-/// The digest of a text.
+/// Returns the digest of a text.
 std::string Sha256Of(std::string_view bytes);
 
 }  // namespace Console

@@ -237,7 +237,7 @@ struct RecordHelp {
     const char* forceHelp;
 };
 
-/// What the commands of one kind of record do.
+/// The functions that the commands for one kind of record call.
 struct RecordCommands {
     void (*create)(const Options&, const Assignments&);
     void (*set)(const Options&, const std::string& number, const Assignments&);

@@ -8,8 +8,8 @@ namespace Console {
 /// An open file of the system, closed by the destructor. Failures are `UserError`s that name the file.
 class SystemFile {
 public:
-    /// Opens with the flags of open(2); a file that is made can be read by everybody and written by its
-    /// owner. Messages name `shown`, or the path itself.
+    /// Opens with the flags of open(2). All users may read a new file; only its owner may write it. Messages name
+    /// `shown`, or the path itself.
     SystemFile(const std::filesystem::path& path, int flags, const std::filesystem::path& shown = {});
     ~SystemFile();
     SystemFile(const SystemFile&) = delete;
@@ -30,7 +30,7 @@ private:
     int descriptor_;
 };
 
-/// Flushes the names in a folder to the disk. File systems that can't do it are left as they are.
+/// Flushes the names in a folder to the disk. Does nothing on a file system that does not support it.
 void SyncFolder(const std::filesystem::path& folder);
 
 /// Throws a `UserError` with the system's last error: "WHAT PATH: REASON".

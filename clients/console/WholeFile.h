@@ -5,9 +5,8 @@
 
 namespace Console {
 
-/// Writes a file in place of the one that is there: whole or not at all. It is written under a name that no
-/// other program uses, flushed and then renamed. Throws `UserError` when that fails; the earlier file then
-/// stays.
+/// Writes a file atomically in place of an earlier one: under a name that no other program uses, then flushes and
+/// renames it. Throws `UserError` on a failure; the earlier file is then unchanged.
 void WriteWholeFile(const std::filesystem::path& path, std::string_view bytes);
 
 }  // namespace Console

@@ -22,7 +22,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace OXClass;
 
-// ---- what is asked for ------------------------------------------------------------------------------
+// ---- matching ---------------------------------------------------------------------------------------
 
 /// "20260131" for "2026-01-31" or "today".
 std::string DigitsOfDay(const std::string& text) {
@@ -43,7 +43,7 @@ void SetDays(WorklistKeys& keys, const std::string& text) {
         throw UserError(fmt::format("\"{}\" ends before it begins", text));
 }
 
-/// True if `text` is what is wanted, without regard to case; "*" stands for any characters, "?" for one.
+/// Returns true if `text` matches the pattern `wanted`, without regard to case; "*" matches any characters, "?" one.
 bool Fits(std::string_view wanted, std::string_view text) {
     std::size_t at = 0, star = std::string_view::npos, behindStar = 0;
     for (std::size_t i = 0; i < text.size();) {
@@ -64,14 +64,14 @@ bool Fits(std::string_view wanted, std::string_view text) {
     return wanted.find_first_not_of('*', std::min(at, wanted.size())) == std::string_view::npos;
 }
 
-/// True if nothing is wanted, or one of the values of `text` is.
+/// Returns true if `wanted` is empty, or if one of the values of `text` matches it.
 bool FitsAny(const std::string& wanted, const std::string& text) {
     const std::vector<std::string> values = Split(text, '\\');
     return wanted.empty() || std::ranges::any_of(values, [&](const std::string& value) { return Fits(wanted, value); });
 }
 
-/// True if an item is one that the keys ask for. A server gives a data set whole, also those of its steps
-/// that nobody asked for.
+/// Returns true if an item matches the keys. A server returns a data set with all its steps, also those that do not
+/// match.
 bool Matches(const cMWLItem& item, const WorklistKeys& keys) {
     const std::string day = Replace(item.SchProcStepStartDate, "-", "");
     return FitsAny(keys.modality, item.Modality) && FitsAny(keys.station, item.SchStatAE) &&
@@ -86,13 +86,13 @@ bool IsFile(const fs::path& path) {
     return fs::is_regular_file(path, unknown);
 }
 
-/// Tells of something that was passed over.
+/// Reports something that was skipped.
 void Tell(Program& program, const std::string& text) {
     fmt::print(stderr, "{}\n", Printable(text));
     program.exitCode = PartlyDone;
 }
 
-/// The files of a folder, with all below it, or the one file. The lock of a server's folder is left out.
+/// Returns the files in a folder and in all folders below, or the named file. Omits the lock file of a server's folder.
 std::vector<fs::path> WorklistFiles(Program& program, const fs::path& where) {
     std::vector<fs::path> files;
     std::error_code unknown;
@@ -111,8 +111,8 @@ std::vector<fs::path> WorklistFiles(Program& program, const fs::path& where) {
     return files;
 }
 
-/// Why a file can't be read as a worklist item; empty if it can. It is tried in a worker process first: what
-/// ends that process must not end the program.
+/// Returns for each file the reason why it can't be read as a worklist item; empty if it can. Each file is first read
+/// in a worker process, because a damaged file may crash the process that reads it.
 std::vector<std::string> RefusalsOf(const std::vector<fs::path>& files) {
     WorkerPool pool(
         [](const std::string& path) -> std::string {
@@ -197,7 +197,7 @@ List ListOf(const WorklistItems& items) {
     return list;
 }
 
-/// The checksum that a position is valid with: it changes with everything that the list shows.
+/// Returns the checksum that a position is valid with: it changes with everything that the list shows.
 std::string ChecksumOf(const WorklistItems& items) {
     constexpr std::size_t shown = 8;
     const std::string text =
@@ -237,7 +237,7 @@ bool SamePerson(const WorklistEntry& a, const WorklistEntry& b) {
     return EqualsIgnoringCase(one.patientID, other.patientID) && Contradictions(one, other).empty();
 }
 
-/// The entry at "3@1a2b3c4d"; the list must be the one that the checksum was printed with.
+/// Returns the entry at "3@1a2b3c4d"; the list must be the one that the checksum was printed with.
 const WorklistEntry& EntryAt(const WorklistItems& items, const std::string& text, std::size_t at) {
     const Long position = NumberOf(text.substr(0, at), "an entry");
     if (!EqualsIgnoringCase(text.substr(at + 1), ChecksumOf(items)))
@@ -269,7 +269,7 @@ bool IsNamed(const WorklistEntry& entry, const std::string& text) {
                     text, candidates));
 }
 
-/// The entry that the user named by its accession number, by its step, or by a position with a checksum.
+/// Returns the entry that the user named by its accession number, by its step, or by a position with a checksum.
 const WorklistEntry& EntryNamed(const WorklistItems& items, const std::string& text) {
     const WorklistEntry* found = nullptr;
     for (const WorklistEntry& entry : items) {
@@ -285,7 +285,7 @@ const WorklistEntry& EntryNamed(const WorklistItems& items, const std::string& t
                     text, items.empty() ? "1a2b3c4d" : ChecksumOf(items)));
 }
 
-/// The identifiers of the entry that the patient doesn't have; true if one was added.
+/// Adds the identifiers of the entry that the patient lacks. Returns true if one was added.
 bool TakeOverIdentifiers(cPatient& patient, cMWLItem& item) {
     std::vector<std::string> identifiers;
     for (const cStringItem& other : *item.OtherPatIDs()) identifiers.push_back(other.str);
@@ -308,13 +308,13 @@ void Fill(cPatient& patient, const WorklistEntry& entry) {
     patient.Address = entry.item->PatientAddress;
 }
 
-/// What `--register` is told: the entry, and what a person decided about its patient.
+/// The arguments of `--register`: the entry, and the user's decision about its patient.
 struct Registration {
     std::string entry, patient;
     bool newPatient = false;
 };
 
-/// The entry's patient, loaded or new; null with both people printed where it contradicts the stored one.
+/// Returns the entry's patient, loaded or new. If it contradicts the stored one, prints both people and returns null.
 Ref<cPatient> PatientOf(const Ref<Connection>& con, const WorklistEntry& entry, const Registration& wanted) {
     if (!wanted.patient.empty()) return LoadPatient(con, wanted.patient);
     const PatientIdentity person = IdentityOf(entry);
@@ -331,7 +331,7 @@ Ref<cPatient> PatientOf(const Ref<Connection>& con, const WorklistEntry& entry, 
     return nullptr;
 }
 
-/// Stores what a known patient's row lacks and the entry tells, unless the two are different people.
+/// Stores the data of the entry that a known patient's row lacks, unless the two are different people.
 void FillKnown(const Ref<Connection>& con, const cPatient& patient, const WorklistEntry& entry) {
     const PatientIdentity stored = ComparableIdentityOf(con, patient), person = IdentityOf(entry);
     if (!EqualsIgnoringCase(stored.patientID, person.patientID) || !Contradictions(stored, person).empty()) return;
@@ -385,7 +385,7 @@ void AddCallOptions(CLI::App& command, WorklistCall& call) {
     key->check(CLI::ExistingFile)->type_name("FILE")->needs(certificate);
 }
 
-/// The modality in upper case. Throws `UserError` for a code that DICOM doesn't have.
+/// Returns the modality in upper case. Throws `UserError` for a code that DICOM doesn't have.
 std::string ModalityOf(const std::string& typed) {
     static const std::set<std::string> known{
         "AR",   "AU",  "BDUS", "BI",      "BMD", "CR", "CT",  "DG",  "DX",  "ECG", "EPS", "ES",  "GM",  "HD", "IO",

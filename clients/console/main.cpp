@@ -3,6 +3,6 @@
 #include <csignal>
 
 int main(int argc, char** argv) {
-    std::signal(SIGXFSZ, SIG_IGN);  // a file that may grow no further is a failed write, told like any other
+    std::signal(SIGXFSZ, SIG_IGN);  // a write beyond the limit of a file's size then fails and is reported
     return Console::RunProgram(argc, argv);
 }

@@ -74,7 +74,7 @@ public:
 
     // ---- teeth -------------------------------------------------------------------------------------
 
-    /// The teeth. `cTeeth` never returns null: it creates an empty collection if there is none. `SetcTeeth`
+    /// Returns the teeth. `cTeeth` never returns null: it creates an empty collection if there is none. `SetcTeeth`
     /// replaces the collection without copying it; the argument may be null.
     const Ref<OXClass::cTeeth>& cTeeth() const;
     void SetcTeeth(const Ref<OXClass::cTeeth>& teeth) { teeth_ = teeth; }

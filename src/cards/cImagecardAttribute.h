@@ -50,7 +50,7 @@ public:
 
     // ---- place on the card -------------------------------------------------------------------------
 
-    /// The order on the card, from 1; each save of the card assigns it anew.
+    /// The order on the card, from 1; each save of the card assigns it again.
     Long IASequence = 0;
     /// The top left corner: columns IAFullViewPosX and IAFullViewPosY. A null reads as 0.
     double IAPosX = 0;

@@ -28,17 +28,17 @@ public:
     /// for a status that isn't a number, and what the database raises. `ActiveRootID` may be new then.
     Variant GetRoots(Ref<Connection> Con);
 
-    /// Returns the directory of the root `RootId`, or of the active root if `RootId` is 0. Always asks the
-    /// database, and stores the directory in the cache.
+    /// Returns the directory of the root `RootId`, or of the active root if `RootId` is 0. Always reads the table,
+    /// and stores the directory in the cache.
     ///
-    /// Returns the empty text if there is no such root or `Con` is null; the cache keeps its entry then.
+    /// Returns the empty text if the root does not exist or `Con` is null; the cache keeps its entry then.
     /// Raises 94 for a null directory, 9 for a negative root that exists, and what the database raises.
     String GetRootOnID(Ref<Connection> Con, const Long& RootId);
 
     /// Returns the directory of a root as `GetRootOnID` does, from the cache if the cache holds it. In that
-    /// case the database isn't asked and `Con` may be null.
+    /// case the table isn't read and `Con` may be null.
     ///
-    /// If `bFlushCache` is true, empties the cache first, whatever happens afterwards. A directory that is
+    /// If `bFlushCache` is true, empties the cache first, even if the read fails. A directory that is
     /// empty in the cache is read again. Raises 9 for a negative root, otherwise as `GetRootOnID`.
     String GetCachedRootOnID(Ref<Connection> Con, const Long& RootId, const bool& bFlushCache);
 
@@ -77,7 +77,7 @@ public:
     const Interface& Describe() const override;
 
 private:
-    // By the number that was asked for, 0 for the active root. An entry with an empty text is not used.
+    // By the requested number, 0 for the active root. An entry with an empty text is not used.
     std::unordered_map<Long, String> roots_;
 };
 

@@ -41,7 +41,7 @@ auto Swallowed(Body body) -> decltype(body()) {
     }
 }
 
-/// The same, and stores in `completion` how the run ended, for C++ programs that must know.
+/// Returns the same, and stores in `completion` how the run ended, for C++ programs that must know.
 template <class Body>
 auto Swallowed(Completion& completion, Body body) -> decltype(body()) {
     completion.Begin();

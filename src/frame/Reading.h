@@ -21,7 +21,7 @@ Ref<Recordset> OpenClient(const Ref<Connection>& con, const String& statement, L
 /// Opens a statement to change its rows or to add one: client cursor, keyset, optimistic locks.
 Ref<Recordset> OpenUpdatable(const Ref<Connection>& con, const String& statement);
 
-/// The same as `OpenUpdatable`, with the rows where the connection keeps them.
+/// Returns the same as `OpenUpdatable`, with the rows where the connection keeps them.
 Ref<Recordset> OpenKeyset(const Ref<Connection>& con, const String& statement);
 
 // ---- reading a column of the current row ---------------------------------------------------------------
@@ -77,7 +77,7 @@ inline Date WholeSeconds(const Ref<Recordset>& rs, std::string_view column) {
                     [](const ADODB::Field& field) { return CDate(Format(field.Value(), "yyyy-mm-dd hh:nn:ss")); });
 }
 
-/// The same after `NzValue`: the zero date for a null and for a text of blanks.
+/// Returns the same after `NzValue`: the zero date for a null and for a text of blanks.
 inline Date NzWholeSeconds(const Ref<Recordset>& rs, std::string_view column) {
     return OfColumn(rs, column, [](const ADODB::Field& field) {
         return CDate(Format(NzValue(field.Value()), "yyyy-mm-dd hh:nn:ss"));

@@ -7,7 +7,7 @@
 namespace OXClass {
 
 /// The kind of an image, column ImageBild_T.ImageType. SC, DX and VL are the DICOM terms secondary capture,
-/// digital X-ray and visible light.
+/// digital X-ray and visible light. The library stores and returns the number of any kind.
 enum xigImageTypes : Long {
     imggTypeSC = 0,
     imggTypeDXIntraOral = 1,

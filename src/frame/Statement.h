@@ -11,12 +11,14 @@
 ///                      "ListText='", FixSqlString(ListText), "' WHERE GlobalListID=", GlobalListID));
 ///
 /// A piece is a string literal, a whole number, an enumeration, an `Escaped` text or one of the types below.
-/// A plain `String` doesn't compile. Any thread may call; the pieces live until the statement is joined.
+/// A plain `String` doesn't compile. Any thread may call. The pieces must live until the statement is joined; only
+/// joining an `AsItStands` raises.
 namespace OXClass {
 
 // ---- pieces --------------------------------------------------------------------------------------------
 
-/// The decimal text of a floating-point number, with a point in every locale.
+/// The decimal text of a floating-point number, with a point in every locale. Large and small numbers have an
+/// exponent, as by `CStr`.
 struct Decimal {
     /// Up to 15 significant digits.
     explicit Decimal(double value) : text(Replace(CStr(value), ",", ".")) {}
@@ -25,20 +27,21 @@ struct Decimal {
     String text;
 };
 
-/// The text of a date, "yyyy-mm-dd hh:nn:ss", in every locale. The caller writes the enclosing quotes.
+/// The text of a date, "yyyy-mm-dd hh:nn:ss", in every locale. The caller writes the enclosing quotes. The
+/// constructor raises 5 for a date outside the years 100 to 9999.
 struct Stamp {
     explicit Stamp(Date date) : text(FormatDate(date, "yyyy-mm-dd hh:nn:ss")) {}
     String text;
 };
 
-/// A text that becomes part of the statement unescaped, because the documented statement has it so.
+/// A text that becomes part of the statement unescaped, as in the documented statement.
 ///
 /// Between single quotes, each run of quotes in the text must have an even length; outside of quotes, the
 /// text must be a whole number. Any other text raises 0x80040E14 when the statement is joined. A text can
 /// therefore make a statement fail, and can never turn it into another statement.
 struct AsItStands {
     explicit AsItStands(std::string_view spliced) : text(spliced) {}
-    /// Not owned: the caller's text must live until the statement is joined.
+    /// The text is not copied: it must live until the statement is joined.
     std::string_view text;
 };
 
@@ -57,7 +60,7 @@ struct NumberOrNull {
 
 namespace detail {
 
-/// The text of one statement while its pieces are added. Each `Add` appends one kind of piece; only that of
+/// The text of one statement while its pieces are added. Each `Add` appends one kind of piece; only `Add` of an
 /// `AsItStands` raises.
 class StatementText {
 public:

@@ -10,7 +10,7 @@
 /// thread.
 namespace OXClass {
 
-/// The request that a `GeneralType` carries.
+/// The request that a `GeneralType` contains.
 enum gtFuncs : Long { gtMWLQuery = 0, gtGetRespPerson = 1, gtShowObject = 2, gtGetSessionInfo = 3 };
 
 // ---- texts of a fixed number of bytes, initially zeros -------------------------------------------------

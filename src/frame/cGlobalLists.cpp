@@ -10,7 +10,7 @@ using namespace Platform;
 
 namespace {
 
-/// Waits until the clock has advanced by a second, and lets the program handle its messages meanwhile. The
+/// Waits until the clock has advanced by a second; the program handles its pending messages meanwhile. The
 /// clock restarts at midnight: a wait that starts in the last second of a day can end only when the clock
 /// reaches the same time of the next day.
 void WaitASecond() {

@@ -20,7 +20,7 @@ public:
     /// Replaces the members by the rows of the list `ListID`, in the database's order, under the keys "K" +
     /// `GlobalListID`. Returns their number. The new members are saved ones.
     ///
-    /// If the table is missing (0x80040E37), waits a second and asks again, ten times at most. During the
+    /// If the table is missing (0x80040E37), waits a second and reads again, ten times at most. During the
     /// wait the program handles its pending messages, so the caller can be entered again. A wait that starts
     /// in the last second of a day can last until the same time of the next day. Raises 0x80040E37 after the
     /// tenth wait, any other failure of the database at once, and 94 for a null key or list number. If the

@@ -49,7 +49,7 @@ extern thread_local String sDicomRootUID;
 /// escaped text create one, so that no function that takes an `Escaped` can receive a plain text.
 class Escaped {
 public:
-    /// The escaped text, without the enclosing quotes.
+    /// Returns the escaped text, without the enclosing quotes.
     const String& Text() const noexcept { return text_; }
     operator const String&() const noexcept { return text_; }
 

@@ -5,7 +5,7 @@
 namespace OXClass {
 
 /// The signed and dated comments of an image, as a keyed list that is counted from 1. `cImage` loads and
-/// stores the comments, and keeps the newest first; nothing here asks the database or sorts.
+/// stores the comments, and keeps the newest first; this class does not read the database or sort.
 ///
 /// `Item` and `Remove` raise 9 for a position and 5 for a key that doesn't exist. An object belongs to the
 /// thread that created it.

@@ -15,7 +15,7 @@ bool Flag(const Ref<Recordset>& rs, std::string_view column) {
     return OfColumn(rs, column, [](const ADODB::Field& field) { return CInt(field.Value()) != 0; });
 }
 
-/// The same, with false for a null.
+/// Returns the same, with false for a null.
 bool NzFlag(const Ref<Recordset>& rs, std::string_view column) {
     return OfColumn(rs, column, [](const ADODB::Field& field) { return CInt(NzValue(field.Value())) != 0; });
 }

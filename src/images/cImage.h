@@ -111,7 +111,7 @@ public:
 
     // ---- comments ----------------------------------------------------------------------------------
 
-    /// The comments, newest first. `Comments` never returns null: it creates an empty list if there is none.
+    /// Returns the comments, newest first. `Comments` never returns null: it creates an empty list if there is none.
     /// `SetComments` replaces the list without copying it; the argument may be null.
     const Ref<cComments>& Comments();
     void SetComments(const Ref<cComments>& comments) { comments_ = comments; }
@@ -160,7 +160,7 @@ public:
     /// True if the image is approved.
     bool Approved = false;
     /// The client's answer to the question about pregnancy, a 16-bit number; 10 is stored as null and means
-    /// that the question wasn't asked. Column Pregnant_BT, which no load reads.
+    /// that the patient was not asked. Column Pregnant_BT, which no load reads.
     Long Pregnant = 0;
     /// Where the image is stored, column DicomStatus_INT; 2: on the server too.
     Integer DicomStatus = 0;

@@ -24,7 +24,7 @@ ClassRegistry::ClassRecord RecordOf(const String& name) {
     RaiseCannotCreate("no class is registered as \"" + name + "\". \"oxclass register\" registers the library");
 }
 
-/// The dispatch interface of one of this host's objects, in place of the reference given.
+/// Returns the dispatch interface of one of this host's objects, in place of the reference given.
 IDispatch* DispatchOf(IUnknown* object) {
     void* dispatch = nullptr;
     const HRESULT code = object->QueryInterface(IID_IDispatch, &dispatch);

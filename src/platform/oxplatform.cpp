@@ -21,7 +21,7 @@ namespace {
 
 [[noreturn]] void Fail(HRESULT code, const char* description) { throw Error(code, "Runtime", description); }
 
-/// The place that a result goes to, cleared.
+/// Returns the place that a result goes to, cleared.
 template <class T>
 T& Cleared(T* place) {
     if (!place) Fail(E_POINTER, "The place of the result is missing");
@@ -35,7 +35,7 @@ HRESULT Entry(Body body) noexcept {
     return Guarded([&]() -> HRESULT { return body(); });
 }
 
-/// An entry that does something or raises.
+/// Runs an entry whose body has no result.
 template <class Body>
 HRESULT RunEntry(Body body) noexcept {
     return Entry([&] {
@@ -61,7 +61,7 @@ HRESULT CallLibrary(const char* path, Function function) noexcept {
     });
 }
 
-/// The host's own classes that can be made by name.
+/// Returns the host's own classes that can be made by name.
 std::vector<ClassRegistry::ClassRecord> OwnClasses() {
     const String host = HostFile();
     std::vector<ClassRegistry::ClassRecord> classes;
@@ -140,7 +140,7 @@ Handler<OxMsgBoxHandler> theMsgBox;
 Handler<OxDoEventsHandler> theDoEvents;
 Handler<OxNowHandler> theNow;
 
-/// The machine's own services, for when no handler is there.
+/// Returns the machine's own services, for when no handler is there.
 const Host& TheMachine() {
     static const Host& machine = *new Host;
     return machine;

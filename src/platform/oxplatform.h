@@ -19,9 +19,9 @@ STDAPI OxCreateObject(LPCOLESTR name, IDispatch** object);
  * released when the thread ends. 0x800A01AD for a class that is not global, and as OxCreateObject. */
 STDAPI OxGlobal(LPCOLESTR name, IDispatch** object);
 
-/* Makes the classes of a library file creatable in this process without any registration. A library that is
- * in use already is not replaced. CO_E_DLLNOTFOUND if the file can't be loaded, CO_E_ERRORINDLL if it is not a
- * library of classes. */
+/* Loads a library file, so that OxCreateObject and OxGlobal find its classes in this process. The registry file is not
+ * read or changed. A library that was loaded before is not replaced. CO_E_DLLNOTFOUND if the file can't be loaded,
+ * CO_E_ERRORINDLL if it is not a library of classes. */
 STDAPI OxUseLibrary(const char* path);
 
 /* Adds a library file to the registry file (the one that OXCLASS_REGISTRY names, otherwise oxclass/classes.json in
@@ -48,8 +48,8 @@ STDAPI OxDescribe(IUnknown* object, BSTR* json);
 
 /* ---- services of the platform ------------------------------------------------------------------------ */
 
-/* A handler may be set at any time, on any thread. One that is replaced may still be running on another
- * thread. */
+/* A handler may be set at any time, on any thread. A replaced handler may still be running on another thread, so its
+ * `context` must stay valid until no other thread can be inside of it. */
 
 /* Sets the function that shows a message box. It is called with the text (which it must not free) and the buttons;
  * the box is closed when it returns. Null restores the default, which writes to standard error. The handler is
@@ -57,33 +57,35 @@ STDAPI OxDescribe(IUnknown* object, BSTR* json);
 typedef void (*OxMsgBoxHandler)(void* context, BSTR prompt, LONG buttons);
 STDAPI OxSetMsgBox(OxMsgBoxHandler handler, void* context);
 
-/* What pending-message calls do; null: nothing. */
+/* Sets the function that handles the program's pending messages. The library calls it while it waits, on the waiting
+ * thread. Null restores the default, which does nothing. */
 typedef void (*OxDoEventsHandler)(void* context);
 STDAPI OxSetDoEvents(OxDoEventsHandler handler, void* context);
 
-/* The local time as days since 1899-12-30; null brings back the machine's clock. Seconds since midnight
- * (Timer) follow from it. */
+/* Sets the function that returns the local time as days since 1899-12-30. The library also computes the seconds since
+ * midnight from its result. Null restores the clock of the system. */
 typedef DATE (*OxNowHandler)(void* context);
 STDAPI OxSetNow(OxNowHandler handler, void* context);
 
 /* ---- connections --------------------------------------------------------------------------------- */
 
-/* What a connection tells of the statements that run on it, on its thread, inside the call. Each function may
- * be null. */
+/* The functions that a connection calls for the statements that run on it. It calls them on its own thread, inside the
+ * operation. Each function may be null. A function must not free the texts that it receives. */
 typedef struct OxConnectionEvents {
-    /* Before a statement: anything but 0 cancels it, and the caller gets 3712. */
+    /* Called before a statement runs. A result other than 0 cancels the statement, which then fails with 3712. */
     LONG (*WillExecute)(void* context, BSTR source);
-    /* After it: rows hit by an action statement (-1 for a select), seconds, and how it failed: 0 and null
-     * where it didn't, else the number as a return code, source and text. */
+    /* Called after a statement has run, with the number of rows that an action statement changed (-1 for a select) and
+     * the duration. After a failure `failure` is its number as a return code, with its source and text; otherwise it is
+     * 0 and the texts are null. */
     void (*ExecuteComplete)(void* context, BSTR source, LONGLONG records, DOUBLE seconds, HRESULT failure,
                             BSTR failureSource, BSTR failureDescription);
-    /* The connection lets go of the events: it ended, or OxUnadvise took them out. The last call; the
-     * connection may not be used in it. */
+    /* Called last, after OxUnadvise or with the end of the connection. It must not use the connection. */
     void (*Released)(void* context);
 } OxConnectionEvents;
 
-/* Adds events to an ADODB.Connection, which copies the functions and holds them until it ends; the connection
- * is not kept alive. `cookie` names them for OxUnadvise. E_NOINTERFACE for another object, RPC_E_WRONG_THREAD
- * on another thread than the connection's, E_INVALIDARG for a cookie that names nothing. */
+/* OxAdvise adds events to an ADODB.Connection, which copies the functions and stores them until OxUnadvise or until it
+ * is deleted; it does not get another reference. OxUnadvise removes the events with the `cookie` that OxAdvise stored.
+ * E_POINTER for null events, E_NOINTERFACE for another object, RPC_E_WRONG_THREAD on another thread than the
+ * connection's, E_INVALIDARG for an unknown cookie. */
 STDAPI OxAdvise(IUnknown* connection, const OxConnectionEvents* events, void* context, ULONG* cookie);
 STDAPI OxUnadvise(IUnknown* connection, ULONG cookie);

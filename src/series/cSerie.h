@@ -43,7 +43,7 @@ public:
 
     /// Writes the series and returns true. Searches the row by `ID` if `CheckExistOnID` is true, otherwise by
     /// `instanceUID`, and inserts a row if there is none. `ID` becomes the key of the row. Returns false and
-    /// asks nothing of the database if `instanceUID` is empty or `studyID` is 0.
+    /// sends no statement if `instanceUID` is empty or `studyID` is 0.
     ///
     /// The description is stored with its single quotes doubled, and then cut to 64 characters.
     ///

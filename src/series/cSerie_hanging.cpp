@@ -159,7 +159,7 @@ private:
     std::vector<Hung> images_;
 };
 
-/// What all images of a series of up to four show together.
+/// The anatomy that the images of a series of up to four images show together.
 struct View {
     bool bothJaws = false;
     bool panoramic = false;

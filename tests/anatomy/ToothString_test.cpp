@@ -28,14 +28,14 @@ TEST(ToothText, RecordsComeInTheTextsOrder) { EXPECT_THAT(Read("48,11,85,"), Ele
 
 TEST(ToothText, TheLastCommaMayBeMissing) { EXPECT_THAT(Read("11,21"), ElementsAre(11, 21)); }
 
-TEST(ToothText, WhatStandsBetweenTheRecordsDoesNotMatter) { EXPECT_THAT(Read("11;21 48x"), ElementsAre(11, 21, 48)); }
+TEST(ToothText, CharactersBetweenTheRecordsAreIgnored) { EXPECT_THAT(Read("11;21 48x"), ElementsAre(11, 21, 48)); }
 
 TEST(ToothText, BlanksSelectNothing) {
     EXPECT_THAT(Read(""), IsEmpty());
     EXPECT_THAT(Read("    "), IsEmpty());
 }
 
-TEST(ToothText, WhatNamesNoToothFails) {
+TEST(ToothText, ATextWithoutAToothFails) {
     for (const char* text : {"19,", "59,", "86,", "10,", "00,", "1", " 11,", "1 ,", "ab,", "\t", "１１,", "-1,", "91,"})
         EXPECT_EQ(FailureOf([&] { Read(text); }).Number, 91) << text;
 }

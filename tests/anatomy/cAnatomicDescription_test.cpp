@@ -43,7 +43,7 @@ protected:
 
     void Select(const char* key) { group->cTeeth()->Item(key)->Selected = true; }
 
-    /// "boolean true", as `SaveSGN` gives it.
+    /// "boolean true", as `SaveSGN` returns it.
     static Variant Yes() { return true; }
     static Variant No() { return false; }
 
@@ -175,13 +175,13 @@ TEST_F(Description, AnOldRegionInLowerCaseWithABlankReadsAsTheNewOne) {
     EXPECT_EQ(Ask("SELECT ADAnaRegion FROM StandardGroupName"), Variant("t-d1217 "));
 }
 
-TEST_F(Description, AnyOtherRegionStaysAsItIs) {
+TEST_F(Description, AnyOtherRegionIsUnchanged) {
     RunRow("ADAnaRegion='t-d1218 '");
     group->LoadSGN(con, 77);
     EXPECT_EQ(group->ADAnaRegion, "t-d1218 ");
 }
 
-TEST_F(Description, ANameThatTheObjectHasStays) {
+TEST_F(Description, ANameThatTheObjectHasIsKept) {
     RunRow();
     group->ADName = "Mine";
     group->LoadSGN(con, 77);
@@ -341,7 +341,7 @@ TEST_F(Description, AnIntraOralGroupWithAnIncompleteSetReportsFalse) {
     EXPECT_THAT(Sent(), IsEmpty());
 }
 
-TEST_F(Description, NamesOfAnyScriptComeBackAsTheyWere) {
+TEST_F(Description, NamesOfAnyScriptAreReadUnchanged) {
     for (const char* name : {"Ωμέγα", "Зубы", "臼歯", "🦷", "x', Comments='y"}) {
         const Ref<cAnatomicDescription> fresh = New<cAnatomicDescription>();
         fresh->ADName = fresh->ADComments = name;
@@ -445,7 +445,7 @@ TEST_F(Description, TheOrderIsThatOfTheFullSet) {
     EXPECT_EQ(group->GetAsString(), "11,48,");
 }
 
-TEST_F(Description, AnEmptyCollectionGivesTheEmptyText) { EXPECT_EQ(group->GetAsString(), ""); }
+TEST_F(Description, AnEmptyCollectionReturnsTheEmptyText) { EXPECT_EQ(group->GetAsString(), ""); }
 
 TEST_F(Description, ACollectionThatLacksAToothFails) {
     group->InitCollection();
@@ -478,7 +478,7 @@ TEST_F(Description, TheTeethBeforeABadOneStaySelected) {
     EXPECT_THAT(Selected(*group), ElementsAre(11, 21));
 }
 
-TEST_F(Description, ACollectionThatWasFetchedBeforeStaysUnchanged) {
+TEST_F(Description, ACollectionThatWasFetchedBeforeIsUnchanged) {
     group->InitCollection();
     Select("Tooth12");
     const Ref<cTeeth> fetched = group->cTeeth();

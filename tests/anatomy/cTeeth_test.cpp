@@ -28,7 +28,7 @@ TEST(Teeth, ItemIsTheDefaultAndNewEnumTheEnumerator) {
     EXPECT_EQ(teeth.Describe().Find("NewEnum")->DispId, EnumeratorMember);
 }
 
-TEST(Teeth, AddGoesToTheEndWithOrWithoutAKey) {
+TEST(Teeth, AddAppendsWithOrWithoutAKey) {
     cTeeth teeth;
     const Ref<cTooth> keyed = teeth.Add(true, 48, "Tooth48");
     teeth.Add(false, 11);
@@ -45,14 +45,14 @@ TEST(Teeth, ASecondAddUnderAKeyRaisesAndDropsTheNewMember) {
     EXPECT_THAT(NumbersOf(teeth), ElementsAre(11));
 }
 
-TEST(Teeth, ItemOfAnUnknownKeyReturnsNothingAndRaisesNothing) {
+TEST(Teeth, ItemOfAnUnknownKeyReturnsNullAndDoesNotRaise) {
     cTeeth teeth;
     teeth.Add(false, 11, "Tooth11");
     for (const Variant& missing : {Variant("Tooth12"), Variant(Long{0}), Variant(Long{2}), Variant(Null{}), Variant()})
         EXPECT_FALSE(teeth.Item(missing));
 }
 
-TEST(Teeth, ALateBoundItemOfAnUnknownKeyIsNothing) {
+TEST(Teeth, ALateBoundItemOfAnUnknownKeyIsNull) {
     cTeeth teeth;
     std::vector<Variant> key{Variant("Tooth12")};
     EXPECT_EQ(Invoke(teeth, "Item", MemberKind::Get, key), Variant(Ref<Object>()));

@@ -117,7 +117,7 @@ private:
     VARIANT variant_{};
 };
 
-/// What a call gave.
+/// The return code and the results of a call.
 struct Outcome {
     HRESULT Code = E_UNEXPECTED;
     Value Result;
@@ -126,7 +126,7 @@ struct Outcome {
     UINT Wrong = 99;  ///< the position of the argument that was wrong
 };
 
-/// Calls a member by its identity; `arguments` in their order, changed where they come back.
+/// Calls a member by its dispatch identifier. `arguments` are in their order; those that are written back are changed.
 Outcome Invoke(IDispatch* object, DISPID id, int flags, std::vector<Value>& arguments);
 
 /// Calls by name. `Get`, `Put` and `Call` fail the test where the call fails.
@@ -136,7 +136,7 @@ Value Get(const Dispatch& object, const std::string& name, std::vector<Value> ar
 void Put(const Dispatch& object, const std::string& name, Value value);
 Value Call(const Dispatch& object, const std::string& name, std::vector<Value> arguments = {});
 
-/// An object by its class's name; the library file is taken in before the first one.
+/// Creates an object by the name of its class. Loads the library file before the first one.
 Dispatch Create(const std::string& name);
 Dispatch Global(const std::string& name);
 HRESULT CreateCode(const std::string& name);
@@ -155,10 +155,10 @@ Json Describe(IUnknown* object);
 /// The names of the 28 classes, "OXClass.Class1" first.
 std::vector<std::string> ClassNames();
 
-/// The thread's error record as "source: description"; it is gone then.
+/// Returns the thread's error record as "source: description" and removes it.
 std::string Record();
 
-/// A connection to a new database with all tables, in a file that goes with the test.
+/// Returns a connection to a new database with all tables, in a file that is deleted with the test.
 Dispatch OpenedConnection();
 
 /// The library file's own four functions.

@@ -16,7 +16,7 @@ TEST(GetIDsOfNames, FindsMembersWithoutRegardToCase) {
     EXPECT_NE(IdOf(patient.Get(), "LastName"), IdOf(patient.Get(), "FirstName"));
 }
 
-TEST(GetIDsOfNames, FindsArgumentsBehindTheirMember) {
+TEST(GetIDsOfNames, FindsArgumentsAfterTheirMember) {
     const Dispatch patient = Create("OXClass.cPatient");
     std::u16string member = u"LoadOnPatientIDorPDBID", third = u"pdbid", first = u"Con", none = u"Nobody";
     LPOLESTR names[] = {member.data(), third.data(), first.data()};
@@ -44,7 +44,7 @@ TEST(GetIDsOfNames, WrongCallsGetTheStandardCodes) {
     EXPECT_EQ(patient->GetIDsOfNames(IID_NULL, names, 0, 0, &id), E_INVALIDARG);
 }
 
-TEST(TypeInfo, ThereIsNone) {
+TEST(TypeInfo, IsNotAvailable) {
     const Dispatch patient = Create("OXClass.cPatient");
     UINT count = 9;
     EXPECT_EQ(patient->GetTypeInfoCount(&count), S_OK);
@@ -99,7 +99,7 @@ TEST(Invoke, ATextKeepsItsZeros) {
 
 // ---- arguments --------------------------------------------------------------------------------------
 
-TEST(Invoke, ArgumentsByReferenceComeBack) {
+TEST(Invoke, ArgumentsByReferenceAreWrittenBack) {
     const Dispatch connection = OpenedConnection();
     Call(connection, "Execute", {"CREATE TABLE t (a INTEGER)"});
     Value count;
@@ -110,7 +110,7 @@ TEST(Invoke, ArgumentsByReferenceComeBack) {
     EXPECT_EQ(typed, 2);
 }
 
-TEST(Invoke, AnArgumentByReferenceComesBackFromAnOperationThatRaises) {
+TEST(Invoke, AnArgumentByReferenceIsWrittenBackByAnOperationThatRaises) {
     const Dispatch ids = Create("OXClass.OtherPatIDs");
     Call(ids, "Add", {"one", 1, "K"});
     Value text(" abc ");
@@ -216,7 +216,7 @@ TEST(Invoke, WrongCallsGetTheStandardCodes) {
     EXPECT_EQ(Get(patient, "ID").Long(), 0);
 }
 
-TEST(Invoke, TellsWhichArgumentIsWrong) {
+TEST(Invoke, ReportsWhichArgumentIsWrong) {
     const Dispatch teeth = Create("OXClass.cTeeth");
     EXPECT_EQ(Invoke(teeth.Get(), "Add", DISPATCH_METHOD, {"no flag", "16"}).Wrong, 1U)
         << "the first argument stands last in the caller's list";
@@ -234,7 +234,7 @@ TEST(Invoke, ANullIsTheRuntimesOwnFailure) {
     EXPECT_EQ(wrong.Description, "Invalid use of Null");
 }
 
-TEST(Invoke, WhatAMemberRaisesIsAnException) {
+TEST(Invoke, AFailureOfAMemberIsAnException) {
     const Outcome missing = Invoke(Create("OXClass.cComments").Get(), "Item", DISPATCH_PROPERTYGET, {7});
     EXPECT_EQ(missing.Code, DISP_E_EXCEPTION);
     EXPECT_EQ(missing.Failure, static_cast<HRESULT>(0x800A0009));
@@ -273,7 +273,7 @@ TEST(Invoke, WorksWithoutPlacesForResultAndFailure) {
               DISP_E_EXCEPTION);
 }
 
-TEST(Invoke, UnsoundParametersAreRefused) {
+TEST(Invoke, UnsoundParametersAreRejected) {
     const Dispatch comments = Create("OXClass.cComments");
     const DISPID count = IdOf(comments.Get(), "Count");
     DISPPARAMS none{}, noArguments{nullptr, nullptr, 1, 0}, noNames{nullptr, nullptr, 0, 1};
@@ -287,7 +287,7 @@ TEST(Invoke, UnsoundParametersAreRefused) {
     EXPECT_EQ(code(&none, IID_IDispatch), DISP_E_UNKNOWNINTERFACE);
 }
 
-TEST(Invoke, AReferenceThatCannotTakeWhatComesBackIsRefusedBeforeAnythingRuns) {
+TEST(Invoke, AReferenceOfAWrongTypeIsRejectedBeforeTheMemberRuns) {
     const Dispatch others = Create("OXClass.OtherPatIDs");
     LONG number = 5;
     EXPECT_EQ(Invoke(others.Get(), "Add", DISPATCH_METHOD, {Value::Reference(VT_I4, &number), 7}).Code,
@@ -298,7 +298,7 @@ TEST(Invoke, AReferenceThatCannotTakeWhatComesBackIsRefusedBeforeAnythingRuns) {
     EXPECT_EQ(Get(others, "Count").Long(), 1);
 }
 
-TEST(Invoke, ATextThatComesBackTakesThePlaceOfTheOldOne) {
+TEST(Invoke, ATextThatIsWrittenBackReplacesTheOldOne) {
     const Dispatch connection = OpenedConnection(), root = Create("OXClass.Class1");
     Call(root, "SaveGLSetting", {connection, 42, "the setting", false});
     Text typed("before");

@@ -11,7 +11,7 @@ using namespace Client;
 
 // ---- an object --------------------------------------------------------------------------------------
 
-/// An object of a client that asks a collection something when it is let go.
+/// An object of a client that calls a collection from its destructor.
 class Asker final : public IUnknown {
 public:
     explicit Asker(IDispatch* collection) : collection_(collection) {}
@@ -76,7 +76,7 @@ TEST(EndOfAThread, CallsAreAnsweredAndNothingIsLost) {
 
 // ---- the process ------------------------------------------------------------------------------------
 
-/// Keeps an object until the process has ended all else.
+/// Holds a reference to an object until all other static objects of the process are destroyed.
 struct AtProcessEnd {
     Dispatch object;
     ~AtProcessEnd() {

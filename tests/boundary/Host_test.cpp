@@ -12,7 +12,7 @@ namespace {
 using namespace Client;
 using ::testing::ElementsAre;
 
-/// What a client was told, with its context.
+/// The calls that a client's handlers received, with their context.
 struct Told {
     std::vector<std::string> lines;
     bool cancel = false;
@@ -80,7 +80,7 @@ const OxConnectionEvents Telling{
     },
     [](void* context) { static_cast<Told*>(context)->released = true; }};
 
-TEST(Events, TellOfEachStatement) {
+TEST(Events, ReportEachStatement) {
     Told told;
     {
         const Dispatch connection = OpenedConnection();
@@ -128,7 +128,7 @@ TEST(Events, WrongCallsGetTheStandardCodes) {
     Call(connection, "Execute", {"CREATE TABLE t (a)"});
 }
 
-TEST(Events, AnotherThreadIsRefused) {
+TEST(Events, AnotherThreadIsRejected) {
     Told told;
     ULONG cookie = 0;
     const Dispatch connection = Create("ADODB.Connection");
@@ -159,7 +159,7 @@ TEST(Entries, EachFailureHasItsOwnRecord) {
 
 // ---- descriptions -----------------------------------------------------------------------------------
 
-TEST(Describe, TellsMembersArgumentsAndResults) {
+TEST(Describe, ReturnsMembersArgumentsAndResults) {
     const Json patient = Describe(Create("OXClass.cPatient").Get());
     EXPECT_EQ(patient["class"], "cPatient");
     Json load;
@@ -175,7 +175,7 @@ TEST(Describe, TellsMembersArgumentsAndResults) {
     EXPECT_EQ(OxDescribe(nullptr, nullptr), E_POINTER);
 }
 
-TEST(Classes, TellWhereEachComesFrom) {
+TEST(Classes, NameTheLibraryOfEach) {
     ClassNames();
     BSTR text = nullptr;
     ASSERT_EQ(OxClasses(&text), S_OK);
@@ -191,7 +191,7 @@ TEST(Classes, TellWhereEachComesFrom) {
     EXPECT_EQ(OxClasses(nullptr), E_POINTER);
 }
 
-TEST(Classes, ALibraryThatIsInUseStays) {
+TEST(Classes, ALibraryThatIsInUseIsNotReplaced) {
     ClassNames();
     const TestKit::TemporaryFolder folder;
     const std::filesystem::path copy = folder.Path() / "libOXClass.so";

@@ -5,7 +5,7 @@
 
 #include <thread>
 
-/// Objects keep their identity over the boundary, and live as long as somebody holds them.
+/// The identity and the lifetime of objects at the COM interface: an object lives as long as it is referenced.
 namespace {
 
 using namespace Client;
@@ -13,7 +13,7 @@ using TestKit::ForeignObject;
 
 IUnknown* IdentityOf(IUnknown* object) { return Ask<IUnknown>(object, IID_IUnknown).Get(); }
 
-TEST(Identity, AnObjectHasOneHoweverItIsAsked) {
+TEST(Identity, AnObjectHasOneIdentityThroughEveryInterface) {
     const Dispatch patient = Create("OXClass.cPatient");
     EXPECT_EQ(IdentityOf(patient.Get()), IdentityOf(patient.Get()));
     const auto errors = Ask<ISupportErrorInfo>(patient.Get(), IID_ISupportErrorInfo);
@@ -59,7 +59,7 @@ TEST(Identity, AMemberOfACollectionIsTheSameEachTime) {
     EXPECT_EQ(Get(teeth, "Item", {"k"}).Object().Get(), added.Get());
 }
 
-TEST(Identity, AReleasedCollectionEndsItsMembersUnlessSomebodyHoldsThem) {
+TEST(Identity, AReleasedCollectionDeletesItsMembersUnlessTheyAreReferenced) {
     Dispatch teeth = Create("OXClass.cTeeth");
     Dispatch held = Call(teeth, "Add", {true, "16"}).Object();
     Call(teeth, "Add", {true, "17"});
@@ -72,7 +72,7 @@ TEST(Identity, AReleasedCollectionEndsItsMembersUnlessSomebodyHoldsThem) {
     EXPECT_EQ(CanUnloadNow(), S_OK) << "the other member went with the collection";
 }
 
-// ---- objects of somebody else -----------------------------------------------------------------------
+// ---- foreign objects --------------------------------------------------------------------------------
 
 Value ValueOf(ForeignObject& stranger) {
     stranger.AddRef();
@@ -81,7 +81,7 @@ Value ValueOf(ForeignObject& stranger) {
     return value;
 }
 
-TEST(ForeignObject, IsKeptAndGivenBackAsItIs) {
+TEST(ForeignObject, IsStoredAndReturnedUnchanged) {
     ForeignObject stranger(true);
     {
         const Dispatch collection = Create("Collection");
@@ -91,7 +91,7 @@ TEST(ForeignObject, IsKeptAndGivenBackAsItIs) {
     EXPECT_EQ(stranger.references, 1U);
 }
 
-TEST(ForeignObject, IsNoObjectOfAClass) {
+TEST(ForeignObject, IsRejectedWhereAnObjectOfAClassIsRequired) {
     ForeignObject stranger(true);
     const Dispatch entry = Create("OXClass.cUniCard");
     const Outcome put = Invoke(entry.Get(), "Study", DISPATCH_PROPERTYPUTREF, {ValueOf(stranger)});
@@ -104,7 +104,7 @@ TEST(ForeignObject, IsNoObjectOfAClass) {
     EXPECT_EQ(stranger.references, 1U);
 }
 
-TEST(ForeignObject, AnObjectOfAnotherClassIsRefusedToo) {
+TEST(ForeignObject, AnObjectOfAnotherClassIsRejectedToo) {
     const Dispatch entry = Create("OXClass.cUniCard");
     const Outcome put = Invoke(entry.Get(), "Study", DISPATCH_PROPERTYPUTREF, {Create("OXClass.cPatient")});
     EXPECT_EQ(put.Code, DISP_E_TYPEMISMATCH);
@@ -134,7 +134,7 @@ int NumberOf(VARIANT& tooth) {
     return Get(value.Object(), "TNumber").Integer();
 }
 
-TEST(Enumerator, GivesTheMembersInTheirOrder) {
+TEST(Enumerator, ReturnsTheMembersInTheirOrder) {
     const auto walk = WalkOf(ThreeTeeth());
     VARIANT two[2]{};
     ULONG fetched = 99;
@@ -175,7 +175,7 @@ TEST(Enumerator, WrongCallsGetTheStandardCodes) {
 
 // ---- threads ----------------------------------------------------------------------------------------
 
-TEST(Threads, AnObjectOfAnotherThreadRefusesCalls) {
+TEST(Threads, AnObjectOfAnotherThreadRejectsCalls) {
     const Dispatch patient = Create("OXClass.cPatient");
     const auto walk = WalkOf(ThreeTeeth());
     std::thread([&] {
@@ -228,7 +228,7 @@ TEST(Threads, OnlySevenClassesAreShared) {
     }).join();
 }
 
-TEST(Names, AnUnknownClassIsToldByItsName) {
+TEST(Names, AnUnknownClassIsReportedByItsName) {
     EXPECT_EQ(CreateCode("OXClass.cNobody"), static_cast<HRESULT>(0x800A01AD));
     EXPECT_EQ(Record(),
               "Runtime: ActiveX component can't create object: no class is registered as "

@@ -20,7 +20,7 @@ std::string OutputOf(const std::string& command) {
     return text;
 }
 
-TEST(LibraryFile, ExportsItsFourFunctionsAndNothingElse) {
+TEST(LibraryFile, ExportsOnlyItsFourFunctions) {
     EXPECT_EQ(OutputOf("nm --dynamic --defined-only --format=posix '" LIBRARY "' | cut -d' ' -f1 | LC_ALL=C sort"),
               "DllCanUnloadNow\nDllGetClassObject\nDllRegisterServer\nDllUnregisterServer\n");
 }
@@ -56,7 +56,7 @@ TEST(ClassFactory, MakesANewObjectEachTime) {
     static_cast<IUnknown*>(second)->Release();
 }
 
-TEST(ClassFactory, GivesTheDualInterfaceByItsIdentity) {
+TEST(ClassFactory, ReturnsTheDualInterfaceByItsIdentifier) {
     void* patient = nullptr;
     ASSERT_EQ(
         PatientFactory()->CreateInstance(nullptr, Platform::GuidOf("3dc52b67-ccee-53fe-9017-dbfb547bb273"), &patient),
@@ -82,7 +82,7 @@ TEST(ClassFactory, WrongCallsGetTheStandardCodes) {
 
 // ---- when nothing is in use -------------------------------------------------------------------------
 
-TEST(CanUnloadNow, IsTrueUntilAnObjectIsMadeAndAfterItEnds) {
+TEST(CanUnloadNow, IsTrueUntilAnObjectIsCreatedAndAfterItIsDeleted) {
     ASSERT_EQ(CanUnloadNow(), S_OK);
     for (const std::string& name : ClassNames()) {
         Dispatch object = Create(name);
@@ -103,7 +103,7 @@ TEST(CanUnloadNow, CountsFactoriesAndLocks) {
     EXPECT_EQ(CanUnloadNow(), S_OK);
 }
 
-TEST(CanUnloadNow, AnUnlockTooManyTakesNothingAway) {
+TEST(CanUnloadNow, AnUnlockWithoutALockIsIgnored) {
     {
         const auto factory = PatientFactory();
         factory->LockServer(0);
@@ -120,7 +120,7 @@ TEST(CanUnloadNow, AConnectionIsTheHostsOwn) {
     EXPECT_EQ(CanUnloadNow(), S_OK);
 }
 
-TEST(CanUnloadNow, CountsWhatOnlyACollectionOfTheHostHolds) {
+TEST(CanUnloadNow, CountsObjectsThatOnlyACollectionOfThePlatformReferences) {
     const Dispatch collection = Create("Collection");
     Call(collection, "Add", {Create("OXClass.cTooth")});
     EXPECT_EQ(CanUnloadNow(), S_FALSE);

@@ -73,7 +73,7 @@ void ExpectSame(Value& got, Value& expected, const std::string& what) {
         EXPECT_EQ(std::memcmp(&got.Get().llVal, &expected.Get().llVal, got.Type() == VT_I2 ? 2 : 4), 0) << what;
 }
 
-/// Reads a property by slot into a variant of the type that a call by name gives.
+/// Reads a property by slot into a variant of the type that a call by name returns.
 Value ReadBySlot(const Dispatch& object, const SlotOf& slot, int variantType) {
     Value value = Value::OfType(variantType);
     EXPECT_EQ(CallSlot(object.Get(), slot, {Place(&value.Get().llVal)}), S_OK);
@@ -160,7 +160,7 @@ TEST(Slots, AVariantCrossesByItsPlace) {
     EXPECT_EQ(got.Get(), added.Get());
 }
 
-TEST(Slots, WhatComesBackTakesThePlaceOfWhatWasThere) {
+TEST(Slots, AValueThatIsWrittenBackReplacesTheOldOne) {
     const Dispatch connection = OpenedConnection(), root = Create("OXClass.Class1");
     Call(root, "SaveGLSetting", {connection, 42, "the setting", false});
     LONG list = 42;
@@ -182,7 +182,7 @@ TEST(Slots, WhatComesBackTakesThePlaceOfWhatWasThere) {
     lists->Release();
 }
 
-TEST(Slots, AnArgumentByReferenceComesBackFromAnOperationThatRaises) {
+TEST(Slots, AnArgumentByReferenceIsWrittenBackByAnOperationThatRaises) {
     const Dispatch ids = Create("OXClass.OtherPatIDs");
     Call(ids, "Add", {"one", 1, "K"});
     Text text(" abc "), key("K");
@@ -206,7 +206,7 @@ TEST(Slots, AFailureIsItsNumberWithARecord) {
     EXPECT_FALSE(got);
 }
 
-TEST(Slots, APlaceThatIsMissingIsToldBeforeAnythingRuns) {
+TEST(Slots, AMissingAddressIsReportedBeforeTheMemberRuns) {
     const Dispatch connection = OpenedConnection(), patient = Create("OXClass.cPatient");
     const SlotOf load = FindSlot(patient.Get(), "LoadOnPatientIDorPDBID", "operation");
     Text id("X");
@@ -219,14 +219,14 @@ TEST(Slots, APlaceThatIsMissingIsToldBeforeAnythingRuns) {
     EXPECT_EQ(found, 0) << "the result is cleared";
 }
 
-TEST(Slots, AnObjectOfAnotherClassIsRefused) {
+TEST(Slots, AnObjectOfAnotherClassIsRejected) {
     const Dispatch entry = Create("OXClass.cUniCard");
     EXPECT_EQ(CallSlot(entry.Get(), FindSlot(entry.Get(), "Study", "putref"), {Object(Create("OXClass.cPatient"))}),
               DISP_E_TYPEMISMATCH);
     EXPECT_EQ(Record(), "Runtime: Type mismatch");
 }
 
-TEST(Slots, AFunctionOfAnotherClassRefusesTheObject) {
+TEST(Slots, AFunctionOfAnotherClassRejectsTheObject) {
     const Dispatch patient = Create("OXClass.cPatient"), doctor = Create("OXClass.cDoctor");
     LONG number = 7;
     EXPECT_EQ(CallForeignSlot(doctor.Get(), patient.Get(), FindSlot(patient.Get(), "ID", "get"), {Place(&number)}),
@@ -234,7 +234,7 @@ TEST(Slots, AFunctionOfAnotherClassRefusesTheObject) {
     EXPECT_EQ(number, 7);
 }
 
-TEST(Slots, AnotherThreadIsRefused) {
+TEST(Slots, AnotherThreadIsRejected) {
     const Dispatch patient = Create("OXClass.cPatient");
     const SlotOf get = FindSlot(patient.Get(), "ID", "get");
     std::thread([&] {
@@ -244,7 +244,7 @@ TEST(Slots, AnotherThreadIsRefused) {
     }).join();
 }
 
-TEST(Slots, ADateThatIsNoneIsRefused) {
+TEST(Slots, AnInvalidDateIsRejected) {
     const Dispatch patient = Create("OXClass.cPatient");
     for (const double days : {std::nan(""), 1e300, -700000.0, 2958466.0}) {
         Binary date{};

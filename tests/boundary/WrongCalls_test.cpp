@@ -20,7 +20,7 @@ protected:
     }
     ~WrongCalls() override { OxSetMsgBox(nullptr, nullptr); }
 
-    /// All classes that can be made by name, those of the host too.
+    /// Returns all classes that can be created by name, also those of the platform.
     static std::vector<Dispatch> Objects() {
         std::vector<Dispatch> objects{Create("Collection"), Create("ADODB.Connection"), Create("ADODB.Recordset")};
         for (const std::string& name : ClassNames()) objects.push_back(Create(name));
@@ -154,7 +154,7 @@ TEST_F(WrongCalls, EachArgumentByNameWithWhatItCannotTake) {
     EXPECT_GT(calls, 10000);
 }
 
-TEST_F(WrongCalls, EachMemberWithALivingConnectionAndNothingElse) {
+TEST_F(WrongCalls, EachMemberWithAConnectionButNoOtherObject) {
     for (const std::string& name : ClassNames()) {
         const Dispatch connection = OpenedConnection(), object = Create(name);
         const Json description = Describe(object.Get());

@@ -115,7 +115,7 @@ TEST_F(UniCard, StartsEmpty) {
     EXPECT_FALSE(entry->colImages);
 }
 
-TEST_F(UniCard, TheClientsObjectIsGivenBack) {
+TEST_F(UniCard, TheClientsObjectIsReturned) {
     const Ref<Object> own = New<Collection>();
     std::vector<Variant> arguments{Variant(own)};
     Invoke(*entry, "mvarImgLead", MemberKind::PutRef, arguments);
@@ -129,13 +129,13 @@ TEST_F(UniCard, ACardMakesItACard) {
     EXPECT_EQ(entry->CardType(), ctImagecard);
 }
 
-TEST_F(UniCard, ASeriesWinsOverACard) {
+TEST_F(UniCard, ASeriesHasPrecedenceOverACard) {
     HoldCard();
     HoldSeries();
     EXPECT_EQ(entry->CardType(), ctseries);
 }
 
-TEST_F(UniCard, AStudyAloneIsNoKind) {
+TEST_F(UniCard, AStudyAloneHasNoKind) {
     entry->Study = New<cStudy>();
     entry->Study->dateTime = Date{5};
     EXPECT_EQ(entry->CardType(), ctUnknown);
@@ -190,7 +190,7 @@ TEST_F(UniCard, ACardLoadsItsPlacedImagesAndThenTheImages) {
     EXPECT_THAT(Images(), ElementsAre(12, 11)) << "in the order of capture";
 }
 
-/// Replaces everything that an entry holds, and releases the entry, before each statement.
+/// Before each statement, replaces all objects of an entry and releases the entry.
 struct ReleasesEntry final : ADODB::ConnectionEvents {
     void WillExecute(ADODB::ExecuteRequest&) override {
         if (!*entry) return;
@@ -239,7 +239,7 @@ TEST_F(UniCard, TheStoredNumbersOfACardAreReplaced) {
     EXPECT_EQ(Ask("SELECT SUM(IASequence) FROM ImageAttribute_T"), Variant(Long{13})) << "in memory alone";
 }
 
-TEST_F(UniCard, ACardWithoutPlacedImagesAsksForNoImage) {
+TEST_F(UniCard, ACardWithoutPlacedImagesReadsNoImages) {
     HoldCard();
     RunImage(11);
     EXPECT_EQ(Load(ctImagecard), 0);
@@ -248,7 +248,7 @@ TEST_F(UniCard, ACardWithoutPlacedImagesAsksForNoImage) {
     EXPECT_EQ(entry->colImages->Count(), 0);
 }
 
-TEST_F(UniCard, PlacedImagesWithoutARowAreJustNotThere) {
+TEST_F(UniCard, PlacedImagesWithoutARowAreOmitted) {
     HoldCard();
     RunImage(11);
     RunPlaced(1, 11, 1);
@@ -298,7 +298,7 @@ TEST_F(UniCard, AnAbsentCardRaises) {
     EXPECT_TRUE(entry->colImages) << "made before";
 }
 
-TEST_F(UniCard, PlacedImagesThatCannotBeReadAreToldAndTheOldOnesAreNumbered) {
+TEST_F(UniCard, PlacedImagesThatCannotBeReadAreReportedAndTheOldOnesAreNumbered) {
     HoldCard();
     RunImage(11);
     RunPlaced(1, 11, 8);
@@ -324,7 +324,7 @@ TEST_F(UniCard, ImagesOfACardThatCannotBeReadFailTheLoad) {
 
 // ---- loading a series -----------------------------------------------------------------------------------
 
-TEST_F(UniCard, ASeriesLoadsItsImagesAndItsLayoutAndNothingElse) {
+TEST_F(UniCard, ASeriesLoadsOnlyItsImagesAndItsLayout) {
     HoldSeries();
     RunTemplate("400", "300");
     RunImage(11);
@@ -393,7 +393,7 @@ TEST_F(UniCard, AnUnknownLayoutIsAnEmptyCanvasOfTheUsualSize) {
     EXPECT_THAT(PlaceAt(1), ElementsAre(0, 0, 0.19, 0.19));
 }
 
-TEST_F(UniCard, LayoutZeroIsLookedUpAsKeyZero) {
+TEST_F(UniCard, LayoutZeroIsReadAsKeyZero) {
     HoldSeries(0);
     RunTemplate("400", "300");
     Load(ctseries);
@@ -457,7 +457,7 @@ TEST_F(UniCard, TheSeventhImageWithoutASlotIsTheSecondOfTheSecondRow) {
     EXPECT_THAT(PlaceAt(7), ElementsAre(0.2, 0.2, 0.19, 0.19));
 }
 
-TEST_F(UniCard, AFrameThatIsNoNumberFailsTheLoadBehindTheImagesBeforeIt) {
+TEST_F(UniCard, ANonNumericFrameFailsTheLoadAfterTheImagesBeforeIt) {
     HoldSeries();
     RunTemplate("400", "300");
     RunSlot(51, 1, 1);
@@ -469,7 +469,7 @@ TEST_F(UniCard, AFrameThatIsNoNumberFailsTheLoadBehindTheImagesBeforeIt) {
     EXPECT_EQ(entry->colImages->Count(), 3);
 }
 
-TEST_F(UniCard, AFrameThatIsNoNumberIsNotAskedForWhereThereIsNoSlot) {
+TEST_F(UniCard, ANonNumericFrameIsIgnoredIfTheLayoutHasNoSlot) {
     HoldSeries();
     RunTemplate("400", "300");
     RunImage(11, "'x'");
@@ -503,7 +503,7 @@ TEST_F(UniCard, ALateBoundCallerGetsTheKeyBack) {
     EXPECT_EQ(arguments[2], Variant(Long{5}));
 }
 
-TEST_F(UniCard, AnyOtherKeyWinsOverTheKeyOfTheSeries) {
+TEST_F(UniCard, AnyOtherKeyHasPrecedenceOverTheKeyOfTheSeries) {
     HoldSeries();
     Long key = 9;
     entry->LoadCardFull(con, "1.2", key, ctseries);
@@ -531,7 +531,7 @@ TEST_F(UniCard, ImagesOfASeriesThatCannotBeReadFailTheLoad) {
     EXPECT_FALSE(entry->Template);
 }
 
-TEST_F(UniCard, ALayoutThatCannotBeReadFailsTheLoadBehindTheImages) {
+TEST_F(UniCard, ALayoutThatCannotBeReadFailsTheLoadAfterTheImages) {
     HoldSeries();
     RunImage(11);
     Run("DROP TABLE TemplateCard_T");
@@ -540,7 +540,7 @@ TEST_F(UniCard, ALayoutThatCannotBeReadFailsTheLoadBehindTheImages) {
     EXPECT_FALSE(entry->Imagecard);
 }
 
-TEST_F(UniCard, ASecondLoadOfASeriesMakesItsCardAnew) {
+TEST_F(UniCard, ASecondLoadOfASeriesCreatesItsCardAgain) {
     HoldSeries();
     RunTemplate("400", "300");
     RunImage(11);
@@ -553,7 +553,7 @@ TEST_F(UniCard, ASecondLoadOfASeriesMakesItsCardAnew) {
 
 // ---- the kind asked for ---------------------------------------------------------------------------------
 
-TEST_F(UniCard, TheArgumentDecidesAndNotWhatTheEntryHolds) {
+TEST_F(UniCard, TheArgumentIsUsedAndNotTheEntrysValue) {
     HoldSeries();
     HoldCard();
     RunPlaced(1, 11, 1);

@@ -16,7 +16,7 @@ namespace {
 
 using namespace TestKit;
 
-/// What an entry of the list shows. Two entries of one study object have the same `study` number.
+/// The properties of an entry of the list. Two entries with one study object have the same `study` number.
 struct Shown {
     String key;
     Long kind = 0;
@@ -67,7 +67,7 @@ const String& NotNull(const Cell& cell) {
 
 double DaysOf(const String& text) { return CDate(Variant(text)).Days; }
 
-/// The list as it is told, over rows that it selects itself.
+/// The documented list, computed from rows that the model selects itself.
 class Model {
 public:
     Model(const Ref<Connection>& con, double tenMinutesAgo) : con_(con), tenMinutesAgo_(tenMinutesAgo) {}
@@ -321,7 +321,7 @@ protected:
         list.Remove("IC1000");
     }
 
-    /// The members of the list; studies are numbered as the objects come up in `numbers`.
+    /// Returns the members of the list. Numbers the studies in the order in which their objects occur, in `numbers`.
     static std::vector<Shown> ShownBy(const cUniCards& list) {
         std::vector<Shown> all;
         for (const cUniCard& entry : list) {
@@ -342,7 +342,7 @@ protected:
         return all;
     }
 
-    /// Numbers shared things by their first occurrence, so that two numberings can be compared.
+    /// Numbers shared objects by their first occurrence, so that two numberings can be compared.
     template <class Thing>
     static std::vector<int> Numbered(const std::vector<Thing>& things) {
         std::map<Thing, int> numbers;
@@ -375,7 +375,7 @@ private:
     const std::function<Date()> clock_ = TheHost().Now;
 };
 
-TEST_F(UniCardsModel, GivesTheSameListOnRandomDatabases) {
+TEST_F(UniCardsModel, ReturnsTheSameListOnRandomDatabases) {
     constexpr int rounds = 1000;
     const double tenMinutesAgo = DateFrom({2024, 5, 6, 12, 0, 0}).Days;
     int boxes = 0, orphans = 0, entries = 0, repeated = 0;

@@ -154,27 +154,27 @@ TEST_F(UniCards, AMissingMemberRaises) {
 
 // ---- statements -----------------------------------------------------------------------------------
 
-TEST_F(UniCards, APatientWithNothingGivesTheKeyAndAnEmptyList) {
+TEST_F(UniCards, APatientWithoutEntriesSetsTheKeyAndAnEmptyList) {
     EXPECT_EQ(Load(), 7);
     EXPECT_EQ(list->Count(), 0);
     EXPECT_THAT(Sent(), ElementsAre(CardsOf("ANNA"), PatientOf("ANNA"), SeriesOf(7)));
 }
 
-TEST_F(UniCards, AnUnknownPatientAsksForTheSeriesOfKeyZero) {
+TEST_F(UniCards, AnUnknownPatientReadsTheSeriesOfKeyZero) {
     RunCard(1, noon);
     EXPECT_EQ(Load("NOBODY"), 0);
     EXPECT_EQ(list->Count(), 0);
     EXPECT_THAT(Sent(), ElementsAre(CardsOf("NOBODY"), PatientOf("NOBODY"), SeriesOf(0)));
 }
 
-TEST_F(UniCards, APatientWithCardsIsNotLookedUp) {
+TEST_F(UniCards, APatientWithCardsIsNotSearched) {
     RunCard(1, noon);
     EXPECT_EQ(Load(), 7);
     EXPECT_THAT(Keys(), ElementsAre("IC1"));
     EXPECT_THAT(Sent(), ElementsAre(CardsOf("ANNA"), SeriesOf(7)));
 }
 
-TEST_F(UniCards, APatientWithSeriesAloneIsLookedUp) {
+TEST_F(UniCards, APatientWithSeriesOnlyIsSearched) {
     RunSeriesWithImage(1, noon);
     EXPECT_EQ(Load(), 7);
     EXPECT_THAT(Keys(), ElementsAre("SE1"));
@@ -263,7 +263,7 @@ TEST_F(UniCards, OtherPatientsStayOut) {
 
 // ---- a card's entry ---------------------------------------------------------------------------------
 
-TEST_F(UniCards, ACardTellsItsColumns) {
+TEST_F(UniCards, ACardReadsItsColumns) {
     RunCard(5, noon);
     Load();
     const Ref<cUniCard> entry = list->Item("IC5");
@@ -332,7 +332,7 @@ TEST_F(CanvasOfAnEntry, ReadsTheSameOnAMachineWithDecimalCommas) {
 
 // ---- a series' entry --------------------------------------------------------------------------------
 
-TEST_F(UniCards, ASeriesTellsItsColumns) {
+TEST_F(UniCards, ASeriesReadsItsColumns) {
     RunSeriesWithImage(5, noon, "orgServerID=9, Derived_BT=1");
     Load();
     const Ref<cUniCard> entry = list->Item("SE5");
@@ -362,7 +362,7 @@ TEST_F(UniCards, ASeriesEntryIsLight) {
     EXPECT_FALSE(entry->Template);
 }
 
-TEST_F(UniCards, ItsStudyTellsItsColumns) {
+TEST_F(UniCards, ItsStudyReadsItsColumns) {
     RunSeriesWithImage(5, noon);
     Load();
     const Ref<cStudy> study = list->Item("SE5")->Study;
@@ -586,7 +586,7 @@ TEST_F(UniCards, ASeriesOfTenMinutesIsDeleted) {
     EXPECT_EQ(CountOf("Series_T"), 0);
 }
 
-TEST_F(UniCards, ASeriesOfNineMinutesAndFiftyNineSecondsStays) {
+TEST_F(UniCards, ASeriesOfNineMinutesAndFiftyNineSecondsIsKept) {
     RunSeries(5, "2024-05-06 12:00:01");
     Load();
     EXPECT_EQ(CountOf("Series_T"), 1);
@@ -629,7 +629,7 @@ TEST_F(UniCards, ASeriesOfAServerWithoutImagesIsDeletedAtOnce) {
     EXPECT_EQ(CountOf("Series_T"), 0);
 }
 
-TEST_F(UniCards, ASeriesOfAServerWithImagesStays) {
+TEST_F(UniCards, ASeriesOfAServerWithImagesIsKept) {
     RunSeriesWithImage(5, noon, "orgServerID=3");
     Load();
     EXPECT_THAT(Keys(), ElementsAre("SE5"));
@@ -664,7 +664,7 @@ TEST_F(UniCards, OnlyTheOrphansOfThePatientAreDeleted) {
     EXPECT_THAT(Sent(), ElementsAre(CardsOf("ANNA"), PatientOf("ANNA"), SeriesOf(7), Orphan(6), Orphan(1)));
 }
 
-TEST_F(UniCards, AnOrphanIsDeletedBeforeItsUidIsLookedAt) {
+TEST_F(UniCards, AnOrphanIsDeletedBeforeItsUidIsRead) {
     RunSeries(5, noon, "SeriesInstanceUID=NULL");
     const TextBoxes boxes;
     Load();
@@ -672,7 +672,7 @@ TEST_F(UniCards, AnOrphanIsDeletedBeforeItsUidIsLookedAt) {
     EXPECT_EQ(CountOf("Series_T"), 0);
 }
 
-TEST_F(UniCards, SeriesOfAStudyStillShareItBehindAnOrphan) {
+TEST_F(UniCards, SeriesOfAStudyStillShareItAfterAnOrphan) {
     RunSeriesWithImage(1, noon);
     RunSeries(2, noon);
     RunSeriesWithImage(3, noon);
@@ -705,7 +705,7 @@ TEST_F(UniCards, SeriesOfOneDateComeTheNewestKeyFirst) {
     EXPECT_THAT(Keys(), ElementsAre("SE9", "SE4", "SE2"));
 }
 
-TEST_F(UniCards, ACardWithoutACreationGoesByItsLastChange) {
+TEST_F(UniCards, ACardWithoutACreationDateIsSortedByItsLastChange) {
     RunCard(1, "1899-12-30 00:00:00", "ICLastUpdate='2024-01-02 00:00:00'");
     RunCard(2, "2024-01-01 00:00:00");
     RunCard(3, "2024-01-03 00:00:00");
@@ -713,7 +713,7 @@ TEST_F(UniCards, ACardWithoutACreationGoesByItsLastChange) {
     EXPECT_THAT(Keys(), ElementsAre("IC3", "IC1", "IC2"));
 }
 
-TEST_F(UniCards, ASeriesWithoutADateGoesByItsStudy) {
+TEST_F(UniCards, ASeriesWithoutADateIsSortedByItsStudy) {
     RunSeriesWithImage(1, noon, "SeriesDateTime=NULL");
     RunCard(2, "2024-01-01 07:59:59");
     RunCard(3, "2024-01-01 08:00:01");
@@ -771,7 +771,7 @@ protected:
     void RunCardOfDay(Long key, double days) { RunCard(key, FormatDate(Date{days}, "yyyy-mm-dd hh:nn:ss")); }
 };
 
-TEST_F(MergedUniCards, AnEntryGoesBeforeTheFirstOlderMember) {
+TEST_F(MergedUniCards, AnEntryIsInsertedBeforeTheFirstOlderMember) {
     Preload({CardOf("a", 40000), CardOf("b", 20000), CardOf("c", 30000)});
     RunCardOfDay(1, 25000);
     RunCardOfDay(2, 35000);
@@ -787,7 +787,7 @@ TEST_F(MergedUniCards, AnEntryThatNoMemberIsOlderThanIsAppended) {
     EXPECT_THAT(Keys(), ElementsAre("a", "b", "IC1", "IC2"));
 }
 
-TEST_F(MergedUniCards, AnEntryGoesBehindAllMembersOfItsDate) {
+TEST_F(MergedUniCards, AnEntryIsInsertedAfterAllMembersOfItsDate) {
     Preload({CardOf("a", 30000), CardOf("b", 30000), CardOf("c", 20000)});
     RunCardOfDay(1, 30000);
     Load();
@@ -825,7 +825,7 @@ TEST_F(UniCards, ARepeatedCallShowsTheComparisonWhereTheKeyWouldGoBeforeAMember)
     EXPECT_THAT(Keys(), ElementsAre("IC1", "IC2"));
 }
 
-TEST_F(UniCards, WhatIsNewerThanTheRepeatedKeyIsMergedBeforeItFails) {
+TEST_F(UniCards, EntriesNewerThanTheRepeatedKeyAreMergedBeforeItFails) {
     RunCard(1, "2024-01-02 00:00:00");
     Load();
     RunCard(2, "2024-01-03 00:00:00");
@@ -834,7 +834,7 @@ TEST_F(UniCards, WhatIsNewerThanTheRepeatedKeyIsMergedBeforeItFails) {
     EXPECT_THAT(Keys(), ElementsAre("IC2", "IC1")) << "the third came behind the failure";
 }
 
-TEST_F(UniCards, ARepeatedSeriesFailsBehindTheNewCards) {
+TEST_F(UniCards, ARepeatedSeriesFailsAfterTheNewCards) {
     RunSeriesWithImage(1, "2024-01-02 00:00:00");
     Load();
     RunCard(2, "2024-01-01 00:00:00");
@@ -860,7 +860,7 @@ TEST_F(UndatedMember, EndsTheMergeAtItsComparison) {
     EXPECT_THAT(Keys(), ElementsAre("undated"));
 }
 
-TEST_F(UndatedMember, IsNotReachedByAnEntryThatGoesBeforeIt) {
+TEST_F(UndatedMember, IsNotReadForAnEntryThatIsInsertedBeforeIt) {
     Preload({CardOf("a", 10000), undated});
     RunCardOfDay(1, 20000);
     const TextBoxes boxes;
@@ -869,7 +869,7 @@ TEST_F(UndatedMember, IsNotReachedByAnEntryThatGoesBeforeIt) {
     EXPECT_THAT(Keys(), ElementsAre("IC1", "a", "undated"));
 }
 
-TEST_F(UndatedMember, LeavesWhatWasMergedBefore) {
+TEST_F(UndatedMember, KeepsTheEntriesMergedBefore) {
     Preload({CardOf("a", 20000), undated});
     RunCardOfDay(1, 30000);
     RunCardOfDay(2, 25000);
@@ -903,7 +903,7 @@ TEST_F(UniCards, AddObjWithoutAKeyAddsAMemberThatOnlyItsPositionFinds) {
     EXPECT_EQ(list->Count(), 3);
 }
 
-TEST_F(UniCards, AddObjWithoutTheMemberBehindRaises) {
+TEST_F(UniCards, AddObjWithoutTheMemberToInsertBeforeRaises) {
     RunCard(1, noon);
     Load();
     EXPECT_EQ(FailureOf([&] { list->AddObj(CardOf("own", 1), "own"); }).Number, 5);
@@ -926,7 +926,7 @@ TEST_F(UniCards, AddObjBeforeAnUnknownMemberRaises) {
     EXPECT_THAT(Keys(), ElementsAre("IC1"));
 }
 
-TEST_F(UniCards, AddObjUnderAKeyThatIsThereRaises) {
+TEST_F(UniCards, AddObjUnderAnExistingKeyRaises) {
     RunCard(1, noon);
     Load();
     EXPECT_EQ(FailureOf([&] { list->AddObj(CardOf("own", 1), "ic1", "IC1"); }).Number, 457);
@@ -940,13 +940,13 @@ TEST_F(UniCards, ALateBoundCallerMayLeaveKeyAndMemberOutAndFails) {
 
 // ---- failures -------------------------------------------------------------------------------------------
 
-TEST_F(UniCards, AnAbsentConnectionIsToldInATextBox) {
+TEST_F(UniCards, AnAbsentConnectionIsReportedInATextBox) {
     const TextBoxes boxes;
     EXPECT_EQ(list->GetICAndSEList4Patient(nullptr, "ANNA", 0), 0);
     EXPECT_THAT(boxes.shown, ElementsAre(Box("91", 0, DescriptionOf(91))));
 }
 
-TEST_F(UniCards, AClosedConnectionIsToldInATextBox) {
+TEST_F(UniCards, AClosedConnectionIsReportedInATextBox) {
     const Ref<Connection> closed = New<Connection>();
     const String description = FailureOf([&] { New<Recordset>()->Open("SELECT 1", closed); }).Description;
     const TextBoxes boxes;
@@ -955,7 +955,7 @@ TEST_F(UniCards, AClosedConnectionIsToldInATextBox) {
     EXPECT_EQ(closed->CursorLocation, 3);
 }
 
-TEST_F(UniCards, AQuoteInTheIdentifierIsToldInATextBox) {
+TEST_F(UniCards, AQuoteInTheIdentifierIsReportedInATextBox) {
     const TextBoxes boxes;
     EXPECT_EQ(Load("O'HARA"), 0);
     ASSERT_EQ(boxes.shown.size(), 1U);
@@ -965,26 +965,26 @@ TEST_F(UniCards, AQuoteInTheIdentifierIsToldInATextBox) {
     EXPECT_EQ(list->Count(), 0);
 }
 
-TEST_F(UniCards, MissingCardsAreToldInATextBox) {
+TEST_F(UniCards, MissingCardsAreReportedInATextBox) {
     Run("DROP TABLE ImageCard_T");
     RunSeriesWithImage(1, noon);
     LoadFails(Box("-2147217865", 0, FailureOf([&] { con->Execute(CardsOf("ANNA")); }).Description), 0);
     EXPECT_EQ(list->Count(), 0);
 }
 
-TEST_F(UniCards, MissingSeriesAreToldInATextBoxBehindThePatientsKey) {
+TEST_F(UniCards, MissingSeriesAreReportedInATextBoxAfterThePatientsKeyIsSet) {
     Run("DROP TABLE Series_T");
     RunCard(1, noon);
     LoadFails(Box("-2147217865", 6, FailureOf([&] { con->Execute(SeriesOf(7)); }).Description), 7);
     EXPECT_EQ(list->Count(), 0) << "the cards were read, but not merged";
 }
 
-TEST_F(UniCards, ANegativeHeightIsNoNumber) {
+TEST_F(UniCards, ANegativeHeightCannotBeRead) {
     RunCard(1, noon, "ICFullViewHeight=-600");
     LoadFails(Box("13", 2, DescriptionOf(13)), 0);
 }
 
-TEST_F(UniCards, ANegativePreviewIsNoNumberWhereItIsAskedFor) {
+TEST_F(UniCards, ANegativePreviewCannotBeReadIfItIsRequested) {
     RunCard(1, noon, "ICPreviewWidth=-1");
     RunCard(2, "2024-01-01 00:00:00", "ICFullViewWidth=0, ICPreviewWidth=-1");
     LoadFails(Box("13", 2, DescriptionOf(13)), 0);
@@ -1026,7 +1026,7 @@ TEST_P(NullOfAStudy, EndsTheCallWithThePatientsKey) {
 INSTANTIATE_TEST_SUITE_P(UniCards, NullOfAStudy,
                          ::testing::Values("StudyDesc", "StudyDateTime", "StudyInstanceUID", "StudyID"));
 
-TEST_F(UniCards, ANullUidOfASeriesEndsTheCallBehindItsClassification) {
+TEST_F(UniCards, ANullUidOfASeriesEndsTheCallAfterItsClassification) {
     RunCard(1, noon);
     RunSeriesWithImage(3, noon, "SeriesInstanceUID=NULL");
     LoadFails(InvalidNullAt(12), 7);
@@ -1049,17 +1049,17 @@ TEST_F(UniCards, OrphansBeforeAFailedRowStayDeleted) {
     EXPECT_EQ(Ask("SELECT group_concat(Series_ID) FROM (SELECT Series_ID FROM Series_T ORDER BY 1)"), Variant("1,5"));
 }
 
-TEST_F(UniCards, AServerThatIsNoNumberFailsTheEntry) {
+TEST_F(UniCards, ANonNumericServerFailsTheEntry) {
     RunSeriesWithImage(3, noon, "orgServerID='x'");
     LoadFails(Box("13", 10, DescriptionOf(13)), 7);
 }
 
-TEST_F(UniCards, ADateOfASeriesThatIsNoneFailsTheEntry) {
+TEST_F(UniCards, AnInvalidDateOfASeriesFailsTheEntry) {
     RunSeriesWithImage(3, "soon");
     LoadFails(Box("13", 10, DescriptionOf(13)), 7);
 }
 
-TEST_F(UniCards, AFlagThatIsNoNumberFailsBehindTheStudysKey) {
+TEST_F(UniCards, ANonNumericFlagFailsAfterTheStudysKeyIsSet) {
     RunSeriesWithImage(3, noon, "Derived_BT='x'");
     LoadFails(Box("13", 13, DescriptionOf(13)), 7);
 }

@@ -2,7 +2,7 @@
 
 #include "kit/FaultyProvider.h"
 
-/// What a failure of the database leaves behind while a card is saved: each call fails once.
+/// The state after a failure of the database while a card is saved: each call fails once.
 namespace OXClass {
 namespace {
 
@@ -59,7 +59,7 @@ protected:
         EXPECT_EQ(failure.Description, "injected");
     }
 
-    /// Saves with this call failing, which nobody may notice.
+    /// Saves while this call fails. The save must not report the failure.
     void SwallowsAt(int call) {
         FailAtCall(call);
         bool saved = false;
@@ -142,19 +142,19 @@ TEST_F(NewCard, AtTheKeyOfTheFirstImageLeavesItNewThoughItsRowIsWritten) {
     EXPECT_THAT(Steps(), ElementsAre("2:a", "2:b", "3:c"));
 }
 
-TEST_F(NewCard, AtTheStoredStepsOfTheFirstImageLosesThemWithoutAWord) {
+TEST_F(NewCard, AtTheStoredStepsOfTheFirstImageLosesThemUnreported) {
     SwallowsAt(5);
     EXPECT_THAT(Images(), ElementsAre("1:1:40:1", "2:1:41:2"));
     EXPECT_THAT(Steps(), ElementsAre("2:c"));
 }
 
-TEST_F(NewCard, AtTheFirstStepLosesAllOfThatImageWithoutAWord) {
+TEST_F(NewCard, AtTheFirstStepLosesAllOfThatImageUnreported) {
     SwallowsAt(6);
     EXPECT_THAT(Images(), ElementsAre("1:1:40:1", "2:1:41:2"));
     EXPECT_THAT(Steps(), ElementsAre("2:c"));
 }
 
-TEST_F(NewCard, AtTheSecondStepKeepsTheFirstWithoutAWord) {
+TEST_F(NewCard, AtTheSecondStepKeepsTheFirstUnreported) {
     SwallowsAt(7);
     EXPECT_THAT(Images(), ElementsAre("1:1:40:1", "2:1:41:2"));
     EXPECT_THAT(Steps(), ElementsAre("1:a", "2:c"));
@@ -176,14 +176,14 @@ TEST_F(NewCard, AtTheKeyOfTheSecondImageKeepsBothRows) {
     EXPECT_EQ(second->ID, 0);
 }
 
-TEST_F(NewCard, AtTheStoredStepsOfTheSecondImageLosesItsStepWithoutAWord) {
+TEST_F(NewCard, AtTheStoredStepsOfTheSecondImageLosesItsStepUnreported) {
     SwallowsAt(10);
     EXPECT_THAT(Images(), ElementsAre("1:1:40:1", "2:1:41:2"));
     EXPECT_THAT(Steps(), ElementsAre("1:a", "1:b"));
     EXPECT_EQ(second->ID, 2);
 }
 
-TEST_F(NewCard, AtTheLastStepLosesItWithoutAWord) {
+TEST_F(NewCard, AtTheLastStepLosesItUnreported) {
     SwallowsAt(11);
     EXPECT_THAT(Images(), ElementsAre("1:1:40:1", "2:1:41:2"));
     EXPECT_THAT(Steps(), ElementsAre("1:a", "1:b"));
@@ -246,25 +246,25 @@ TEST_F(KnownCard, AtTheChangedImageKeepsTheCard) {
     EXPECT_EQ(changed->IASequence, 1);
 }
 
-TEST_F(KnownCard, AtTheStoredStepsKeepsTheOldOnesWithoutAWord) {
+TEST_F(KnownCard, AtTheStoredStepsKeepsTheOldOnesUnreported) {
     SwallowsAt(3);
     EXPECT_THAT(Images(), ElementsAre("21:7:40:1", "23:7:42:3"));
     EXPECT_THAT(Steps(), ElementsAre("21:old", "23:c"));
 }
 
-TEST_F(KnownCard, AtTheDeletionOfTheStoredStepsKeepsTheOldOnesWithoutAWord) {
+TEST_F(KnownCard, AtTheDeletionOfTheStoredStepsKeepsTheOldOnesUnreported) {
     SwallowsAt(4);
     EXPECT_THAT(Images(), ElementsAre("21:7:40:1", "23:7:42:3"));
     EXPECT_THAT(Steps(), ElementsAre("21:old", "23:c"));
 }
 
-TEST_F(KnownCard, AtTheFirstStepLosesTheOldOnesWithoutAWord) {
+TEST_F(KnownCard, AtTheFirstStepLosesTheOldOnesUnreported) {
     SwallowsAt(5);
     EXPECT_THAT(Images(), ElementsAre("21:7:40:1", "23:7:42:3"));
     EXPECT_THAT(Steps(), ElementsAre("23:c"));
 }
 
-TEST_F(KnownCard, AtTheSecondStepKeepsTheFirstWithoutAWord) {
+TEST_F(KnownCard, AtTheSecondStepKeepsTheFirstUnreported) {
     SwallowsAt(6);
     EXPECT_THAT(Images(), ElementsAre("21:7:40:1", "23:7:42:3"));
     EXPECT_THAT(Steps(), ElementsAre("21:a", "23:c"));
@@ -313,14 +313,14 @@ TEST_F(KnownCard, AtTheKeyOfTheNewImageLeavesItNewThoughItsRowIsWritten) {
     EXPECT_EQ(fresh->ID, 0);
 }
 
-TEST_F(KnownCard, AtTheStoredStepsOfTheNewImageLosesItsStepWithoutAWord) {
+TEST_F(KnownCard, AtTheStoredStepsOfTheNewImageLosesItsStepUnreported) {
     SwallowsAt(13);
     EXPECT_THAT(Images(), ElementsAre("21:7:40:1", "23:7:42:3"));
     EXPECT_THAT(Steps(), ElementsAre("21:a", "21:b"));
     EXPECT_EQ(fresh->ID, 23);
 }
 
-TEST_F(KnownCard, AtTheLastStepLosesItWithoutAWord) {
+TEST_F(KnownCard, AtTheLastStepLosesItUnreported) {
     SwallowsAt(14);
     EXPECT_THAT(Images(), ElementsAre("21:7:40:1", "23:7:42:3"));
     EXPECT_THAT(Steps(), ElementsAre("21:a", "21:b"));
@@ -338,7 +338,7 @@ TEST_F(KnownCard, ALoadThatFailsAtTheCardRaisesAndLeavesTheObject) {
     EXPECT_EQ(card->ImagecardAttributes->Count(), 3);
 }
 
-TEST_F(KnownCard, ALoadThatFailsAtThePlacedImagesTellsItInABoxAndKeepsTheOldOnes) {
+TEST_F(KnownCard, ALoadThatFailsAtThePlacedImagesShowsATextBoxAndKeepsTheOldOnes) {
     const TextBoxes boxes;
     FailAtCall(1);
     EXPECT_EQ(card->LoadImageAttributes(faulty), 0);
@@ -346,7 +346,7 @@ TEST_F(KnownCard, ALoadThatFailsAtThePlacedImagesTellsItInABoxAndKeepsTheOldOnes
     EXPECT_EQ(card->ImagecardAttributes->Count(), 3);
 }
 
-TEST_F(KnownCard, ALoadThatFailsAtTheStepsOfOneImageGoesOnWithoutAWord) {
+TEST_F(KnownCard, ALoadThatFailsAtTheStepsOfOneImageContinuesUnreported) {
     const TextBoxes boxes;
     FailAtCall(2);
     EXPECT_EQ(card->LoadImageAttributes(faulty), 2);

@@ -3,7 +3,7 @@
 #include "kit/Database.h"
 #include "platform/runtime/Services.h"
 
-/// A card list from a captured and hung series to the card that is made of it.
+/// The lifecycle of a card: a series is captured and hung, and is then stored as a card.
 namespace OXClass {
 namespace {
 
@@ -14,7 +14,7 @@ using ::testing::IsEmpty;
 /// Four bitewings, which a layout shows in four slots.
 const char* const bitewings[] = {"17,16,47,46,", "15,14,45,44,", "24,25,34,35,", "26,27,36,37,"};
 
-/// Which image lies where: image, left, top, width, height.
+/// The place of an image: image, left, top, width, height.
 using Placed = std::vector<double>;
 
 class CardLifecycle : public WithDatabase {
@@ -67,7 +67,7 @@ protected:
         ASSERT_TRUE(series->SaveSeries(true, con));
     }
 
-    /// The list as a client makes it anew; no text box may come.
+    /// Loads the list into a new object. No text box may be shown.
     Ref<cUniCards> List() {
         const TextBoxes boxes;
         Ref<cUniCards> list = New<cUniCards>();
@@ -117,7 +117,7 @@ protected:
     Ref<cImages> images = New<cImages>();
 };
 
-TEST_F(CardLifecycle, ASeriesIsHungListedOpenedAndStoredAsACardThatLooksTheSame) {
+TEST_F(CardLifecycle, ASeriesIsHungListedOpenedAndStoredAsAnEqualCard) {
     BeginSeries();
     EXPECT_THAT(KeysOf(List()), ElementsAre("SE1")) << "under capture";
     for (const char* teeth : bitewings) Capture(teeth);
@@ -146,7 +146,7 @@ TEST_F(CardLifecycle, ASeriesIsHungListedOpenedAndStoredAsACardThatLooksTheSame)
     for (const cImage& image : *card->colImages) EXPECT_EQ(image.Root_RootDirectory, "/images");
 }
 
-TEST_F(CardLifecycle, AnImageThatHangsNowhereComesBackInTheGrid) {
+TEST_F(CardLifecycle, AnImageWithoutAFrameIsPlacedInTheGrid) {
     BeginSeries();
     for (const char* teeth : bitewings) Capture(teeth);
     HangAndSave();
@@ -162,7 +162,7 @@ TEST_F(CardLifecycle, AnImageThatHangsNowhereComesBackInTheGrid) {
     EXPECT_EQ(places, PlacesOf(hung));
 }
 
-TEST_F(CardLifecycle, ACaptureThatBringsNothingIsGoneFromTheListAndTheTableAfterTenMinutes) {
+TEST_F(CardLifecycle, ACaptureWithoutImagesIsDeletedFromTheListAndTheTableAfterTenMinutes) {
     BeginSeries();
     now.Days += 9 / 1440.0;
     EXPECT_THAT(KeysOf(List()), ElementsAre("SE1"));
@@ -173,7 +173,7 @@ TEST_F(CardLifecycle, ACaptureThatBringsNothingIsGoneFromTheListAndTheTableAfter
     EXPECT_THAT(KeysOf(List()), IsEmpty()) << "for good";
 }
 
-TEST_F(CardLifecycle, ACardThatTheUserChangesStaysInPlaceWithItsNewName) {
+TEST_F(CardLifecycle, ACardThatTheUserChangesKeepsItsPositionWithItsNewName) {
     BeginSeries();
     for (const char* teeth : bitewings) Capture(teeth);
     HangAndSave();

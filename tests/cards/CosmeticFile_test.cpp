@@ -21,14 +21,14 @@ TEST(CosmeticText, ThreeCharactersAreTheRootAndTheRestIsTheName) {
     EXPECT_EQ(Parts("123456"), "123|456");
 }
 
-TEST(CosmeticText, BlanksAreNoPartOfTheNumber) {
+TEST(CosmeticText, BlanksAreNotPartOfTheNumber) {
     EXPECT_EQ(Parts("  7a"), "7|a");
     EXPECT_EQ(Parts("7  a"), "7|a");
     EXPECT_EQ(Parts("1 2a"), "12|a");
     EXPECT_EQ(Parts("   a"), "0|a");
 }
 
-TEST(CosmeticText, TheNumberEndsAtTheFirstCharacterThatIsNone) {
+TEST(CosmeticText, TheNumberEndsAtTheFirstNonNumericCharacter) {
     EXPECT_EQ(Parts("7x9a"), "7|a");
     EXPECT_EQ(Parts("7\\8a"), "7|a");
     EXPECT_EQ(Parts("1,9a"), "1|a");
@@ -39,7 +39,7 @@ TEST(CosmeticText, WithoutANumberTheRootIsZero) {
     EXPECT_EQ(Parts("x07a"), "0|a");
 }
 
-TEST(CosmeticText, AFractionGoesToTheNearestWholeNumberAndATieToTheEvenOne) {
+TEST(CosmeticText, AFractionIsRoundedToTheNearestNumberAndATieToTheEvenOne) {
     EXPECT_EQ(Parts("1.6a"), "2|a");
     EXPECT_EQ(Parts("2.5a"), "2|a");
     EXPECT_EQ(Parts("3.5a"), "4|a");
@@ -74,7 +74,7 @@ TEST(CosmeticText, CharactersOfAnyScriptAreCountedAsTheSystemCounts) {
     EXPECT_EQ(Parts("7🦷зуб"), "7|зуб") << "a character beyond the basic plane counts for two";
 }
 
-TEST(CosmeticText, NothingIsTrimmedFromTheName) { EXPECT_EQ(Parts("007 a "), "7| a "); }
+TEST(CosmeticText, TheNameIsNotTrimmed) { EXPECT_EQ(Parts("007 a "), "7| a "); }
 
 /// The deletion itself, without what a placed image swallows.
 class CosmeticDeletion : public WithDatabase {

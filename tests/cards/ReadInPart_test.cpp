@@ -4,8 +4,8 @@
 
 #include <map>
 
-/// Cards, placed images and manipulations that can't be read or stored whole: what the documented operations
-/// don't tell, and programs in C++ learn.
+/// Cards, placed images and manipulations that can't be read or stored completely: the failures that the documented
+/// operations do not report, and that C++ programs can read.
 namespace OXClass {
 namespace {
 
@@ -53,7 +53,7 @@ protected:
     }
 };
 
-TEST_F(CardsReadInPart, ACardTellsThePlacedImageThatItCouldNotRead) {
+TEST_F(CardsReadInPart, ACardReportsThePlacedImageThatItCouldNotRead) {
     StoreCard(7);
     StorePlaced(1, 7);
     StorePlaced(2, 7, "IAMirrRotStatus='x'");
@@ -80,7 +80,7 @@ TEST_F(CardsReadInPart, ACardThatRaisesNamesTheColumn) {
     EXPECT_EQ(column(9), "ICLastUpdate");
 }
 
-TEST_F(CardsReadInPart, APlacedImageTellsTheManipulationThatItCouldNotRead) {
+TEST_F(CardsReadInPart, APlacedImageReportsTheManipulationThatItCouldNotRead) {
     StorePlaced(1, 7);
     StoreStep(1, "6, 90, ''");
     StoreStep(1, "6, NULL, ''");
@@ -94,7 +94,7 @@ TEST_F(CardsReadInPart, APlacedImageTellsTheManipulationThatItCouldNotRead) {
     EXPECT_TRUE(placed->LoadCompletion().Complete());
 }
 
-TEST_F(CardsReadInPart, APlacedImageTellsThatItsManipulationsAreNotStored) {
+TEST_F(CardsReadInPart, APlacedImageReportsThatItsManipulationsAreNotStored) {
     StorePlaced(1, 7);
     StoreStep(1, "6, 90, ''");
     const auto steps = [&](const String& text) {
@@ -127,7 +127,7 @@ TEST_F(CardsReadInPart, APlacedImageTellsThatItsManipulationsAreNotStored) {
     }
 }
 
-TEST_F(CardsReadInPart, AListGoesOnPastWhatCannotBeRead) {
+TEST_F(CardsReadInPart, AListContinuesAfterRowsThatCannotBeRead) {
     StoreCard(1, "ICFullViewWidth=-5");
     StoreCard(2);
     StoreCard(3, "ICName=NULL");
@@ -169,7 +169,7 @@ TEST_F(CardsReadInPart, AStudyThatCannotBeReadLeavesEachOfItsSeriesOut) {
     for (const UnreadEntry& entry : found.unread) EXPECT_EQ(entry.Failure.Column, "StudyDateTime");
 }
 
-TEST_F(CardsReadInPart, AListTellsOrphansAndDeletesNone) {
+TEST_F(CardsReadInPart, AListReportsOrphansAndDeletesNone) {
     StoreSeries(5);
     StoreFile(5);
     StoreSeries(6);

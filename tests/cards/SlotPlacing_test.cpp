@@ -2,7 +2,7 @@
 
 #include "kit/Database.h"
 
-/// The places that a layout and the grid give.
+/// The places that a layout and the grid define.
 namespace OXClass {
 namespace {
 
@@ -85,7 +85,7 @@ TEST_F(Placing, EachCardHasAGridOfItsOwn) {
     EXPECT_THAT(PlaceOf(second, 1), ElementsAre(0, 0, 0.19, 0.19));
 }
 
-TEST_F(Placing, NothingButTheFourMeasuresChanges) {
+TEST_F(Placing, OnlyTheFourMeasuresChange) {
     AddSlot(4, 1);
     SlotPlacing placing(*layout);
     const Ref<cImagecardAttribute> placed = New<cImagecardAttribute>();
@@ -96,7 +96,7 @@ TEST_F(Placing, NothingButTheFourMeasuresChanges) {
     EXPECT_EQ(placed->IAMirrRotStatus, 0);
 }
 
-TEST_F(Placing, AMemberOfTheLayoutThatIsNoSlotRaises) {
+TEST_F(Placing, AMemberOfTheLayoutThatIsNotASlotRaises) {
     layout->TemplateAttributes->Add(New<cTemplate>());
     EXPECT_EQ(FailureOf([&] { SlotPlacing placing(*layout); }).Number, 13);
 }

@@ -38,7 +38,7 @@ protected:
             ", 7, 55)");
     }
 
-    /// Writes a manipulation of placed image 21; `text` as the statement takes it.
+    /// Stores a manipulation of placed image 21; `text` is an SQL literal.
     void RunStep(Long type, const String& text, Long sequence = 1) {
         Run("INSERT INTO ImageManipulation_T (ImageAttributeID, SequenceNo, Type, LongParameter,"
             " StringParameter) VALUES (21, " +
@@ -168,7 +168,7 @@ TEST_F(Placed, UpdatesWithAnIdAboveZero) {
     EXPECT_EQ(Ask("SELECT IAContrast FROM ImageAttribute_T"), Variant(Long{55}));
 }
 
-TEST_F(Placed, AnUpdateOfAMissingRowIsNoFailure) {
+TEST_F(Placed, AnUpdateOfAMissingRowSucceeds) {
     placed->ID = 21;
     EXPECT_TRUE(placed->Save(con));
     EXPECT_THAT(StoredRows(), IsEmpty());
@@ -257,7 +257,7 @@ protected:
     }
 };
 
-TEST_F(PlacedToBeDeleted, ANewOneRunsTheDeleteWithKeyZeroAndInsertsNothing) {
+TEST_F(PlacedToBeDeleted, ANewOneRunsTheDeleteWithKeyZeroAndNoInsert) {
     placed->ID = 0;
     AddStep(ManRotate);
     EXPECT_TRUE(placed->Save(con));
@@ -273,7 +273,7 @@ TEST_F(PlacedToBeDeleted, ANegativeIdDoesNothing) {
     EXPECT_THAT(Sent(), IsEmpty());
 }
 
-TEST_F(PlacedToBeDeleted, ARowGoesWithItsManipulations) {
+TEST_F(PlacedToBeDeleted, ARowIsDeletedWithItsManipulations) {
     RunStep(6, "'a'", 1);
     RunStep(1, "'001x.dcm'", 2);
     RunStep(6, "NULL", 3);
@@ -289,7 +289,7 @@ TEST_F(PlacedToBeDeleted, TheManipulationsAreOpenedUpdatable) {
     EXPECT_THAT(ModesOf([&] { placed->Save(con); }), ElementsAre(executed, updatable));
 }
 
-TEST_F(PlacedToBeDeleted, TheObjectStaysAsItWasAndMayBeDeletedAgain) {
+TEST_F(PlacedToBeDeleted, TheObjectIsUnchangedAndMayBeDeletedAgain) {
     AddStep(ManRotate);
     placed->Save(con);
     EXPECT_EQ(placed->ID, 21);
@@ -298,7 +298,7 @@ TEST_F(PlacedToBeDeleted, TheObjectStaysAsItWasAndMayBeDeletedAgain) {
     EXPECT_TRUE(placed->Save(con));
 }
 
-TEST_F(PlacedToBeDeleted, ACosmeticStepWithoutATextFailsBehindTheRowAndTheStepsBeforeIt) {
+TEST_F(PlacedToBeDeleted, ACosmeticStepWithoutATextFailsAfterTheRowAndTheStepsBeforeIt) {
     RunStep(6, "'first'", 1);
     RunStep(1, "NULL", 2);
     RunStep(6, "'last'", 3);
@@ -335,32 +335,32 @@ private:
     const std::function<void()> machine_ = TheHost().DoEvents;
 };
 
-TEST_F(PlacedInTheMiddle, AnUpdateHandlesMessagesOnceBehindTheUpdateAndBeforeTheManipulations) {
+TEST_F(PlacedInTheMiddle, AnUpdateHandlesMessagesOnceAfterTheUpdateAndBeforeTheManipulations) {
     AddStep(ManRotate);
     placed->Save(con);
     EXPECT_EQ(Sent().size(), 3U);
     EXPECT_THAT(sentBefore, ElementsAre(1U));
 }
 
-TEST_F(PlacedInTheMiddle, AnInsertHandlesNone) {
+TEST_F(PlacedInTheMiddle, AnInsertHandlesNoMessages) {
     placed->ID = 0;
     placed->Save(con);
     EXPECT_THAT(sentBefore, IsEmpty());
 }
 
-TEST_F(PlacedInTheMiddle, ADeletionHandlesNone) {
+TEST_F(PlacedInTheMiddle, ADeletionHandlesNoMessages) {
     placed->ToBeDeleted = true;
     placed->Save(con);
     EXPECT_THAT(sentBefore, IsEmpty());
 }
 
-TEST_F(PlacedInTheMiddle, AFailedUpdateHandlesNone) {
+TEST_F(PlacedInTheMiddle, AFailedUpdateHandlesNoMessages) {
     Run("DROP TABLE ImageAttribute_T");
     EXPECT_NE(FailureOf([&] { placed->Save(con); }).Number, 0);
     EXPECT_THAT(sentBefore, IsEmpty());
 }
 
-TEST_F(PlacedInTheMiddle, WhatTheProgramChangesThenIsSaved) {
+TEST_F(PlacedInTheMiddle, ChangesOfTheProgramDuringTheMessagesAreSaved) {
     meanwhile = [this] { AddStep(ManRotate, "late"); };
     placed->Save(con);
     EXPECT_THAT(StoredSteps(), ElementsAre("21:1:6:0:late"));
@@ -373,7 +373,7 @@ TEST_F(PlacedInTheMiddle, TheProgramMayReplaceTheManipulations) {
     EXPECT_THAT(StoredSteps(), IsEmpty());
 }
 
-TEST_F(PlacedInTheMiddle, TheProgramMaySetTheManipulationsToNothing) {
+TEST_F(PlacedInTheMiddle, TheProgramMaySetTheManipulationsToNull) {
     meanwhile = [this] { placed->Manipulations = nullptr; };
     EXPECT_TRUE(placed->Save(con));
 }
@@ -397,7 +397,7 @@ class Steps : public Placed {
 protected:
     Steps() { placed->ID = 21; }
 
-    /// Loads two rows of which the second has these changes; gives the result.
+    /// Loads two rows of which the second has these changes; returns the result.
     bool LoadWithSecond(const String& changes) {
         RunStep(6, "'first'", 1);
         RunStep(6, "'second'", 2);
@@ -448,7 +448,7 @@ TEST_F(Steps, ASecondLoadDoublesThem) {
     EXPECT_EQ(StepAt(3)->StringParameter, "a");
 }
 
-TEST_F(Steps, ANullKeyEndsTheLoadWithoutAWord) {
+TEST_F(Steps, ANullKeyEndsTheLoadUnreported) {
     Run("CREATE TABLE Keyless AS SELECT * FROM ImageManipulation_T");
     Run("DROP TABLE ImageManipulation_T");
     Run("ALTER TABLE Keyless RENAME TO ImageManipulation_T");
@@ -459,27 +459,27 @@ TEST_F(Steps, ANullKeyEndsTheLoadWithoutAWord) {
     ExpectOnlyTheFirst();
 }
 
-TEST_F(Steps, ANullTypeEndsTheLoadWithoutAWord) {
+TEST_F(Steps, ANullTypeEndsTheLoadUnreported) {
     EXPECT_FALSE(LoadWithSecond("Type=NULL"));
     ExpectOnlyTheFirst();
 }
 
-TEST_F(Steps, ANullNumberEndsTheLoadWithoutAWord) {
+TEST_F(Steps, ANullNumberEndsTheLoadUnreported) {
     EXPECT_FALSE(LoadWithSecond("LongParameter=NULL"));
     ExpectOnlyTheFirst();
 }
 
-TEST_F(Steps, ANullTextEndsTheLoadWithoutAWord) {
+TEST_F(Steps, ANullTextEndsTheLoadUnreported) {
     EXPECT_FALSE(LoadWithSecond("StringParameter=NULL"));
     ExpectOnlyTheFirst();
 }
 
-TEST_F(Steps, ANumberBeyondThirtyTwoBitsEndsTheLoadWithoutAWord) {
+TEST_F(Steps, ANumberBeyondThirtyTwoBitsEndsTheLoadUnreported) {
     EXPECT_FALSE(LoadWithSecond("LongParameter=3000000000"));
     ExpectOnlyTheFirst();
 }
 
-TEST_F(Steps, AFailedOpenGivesFalseAndLeavesThoseThatAreThere) {
+TEST_F(Steps, AFailedOpenReturnsFalseAndKeepsTheMembers) {
     AddStep(ManRotate);
     Run("DROP TABLE ImageManipulation_T");
     EXPECT_FALSE(placed->LoadImageManipulations(con));
@@ -488,7 +488,7 @@ TEST_F(Steps, AFailedOpenGivesFalseAndLeavesThoseThatAreThere) {
 
 // ---- saving the manipulations ---------------------------------------------------------------------
 
-TEST_F(Steps, WithoutAnyStoredOrHeldNothingIsWritten) {
+TEST_F(Steps, WithoutStoredOrNewOnesWritesNothing) {
     placed->SaveManipulations(con);
     EXPECT_THAT(Sent(), ElementsAre(steps));
 }
@@ -543,7 +543,7 @@ TEST_F(Steps, ALeadingBlankIsStoredAndReadsBackTrimmed) {
     EXPECT_EQ(StepAt(2)->StringParameter, "a");
 }
 
-TEST_F(Steps, AnApostropheLosesTheStoredOnesWithoutAWord) {
+TEST_F(Steps, AnApostropheLosesTheStoredOnesUnreported) {
     RunStep(6, "'old'");
     AddStep(ManRotate, "kept");
     AddStep(ManRotate, "it's");
@@ -573,7 +573,7 @@ TEST_F(Steps, TextsOfAnyScriptAndBackslashesAreStoredAsTheyAre) {
     EXPECT_THAT(StoredSteps(), ElementsAre("21:1:1:0:001\\切歯\\🦷.dcm"));
 }
 
-TEST_F(Steps, AMemberThatIsNoManipulationEndsTheSaveWithoutAWord) {
+TEST_F(Steps, AMemberThatIsNotAManipulationEndsTheSaveUnreported) {
     AddStep(ManRotate, "kept");
     placed->Manipulations->Add(New<Collection>());
     AddStep(ManRotate, "never reached");
@@ -619,7 +619,7 @@ TEST_F(Steps, AHandlerOfTheConnectionMayReplaceThemWhileTheyAreWritten) {
     EXPECT_THAT(StoredSteps(), ElementsAre("21:1:6:0:a", "21:2:6:0:b"));
 }
 
-TEST_F(Steps, ThoseBehindTheLastNumberAreLostWithoutAWord) {
+TEST_F(Steps, ThoseAfterTheLastNumberAreLostUnreported) {
     const Ref<cImageManipulation> step = AddStep(ManRotate);
     for (int more = 1; more <= 32767; ++more) placed->Manipulations->Add(step);
     con->BeginTrans();
@@ -631,7 +631,7 @@ TEST_F(Steps, ThoseBehindTheLastNumberAreLostWithoutAWord) {
 
 // ---- cosmetic files -------------------------------------------------------------------------------
 
-/// Storage root 7 with a file in it, and files beside the root that must stay whatever happens.
+/// Storage root 7 with a file in it, and files outside of the root that no test may delete.
 class Cosmetics : public Steps {
 protected:
     Cosmetics() {
@@ -639,7 +639,7 @@ protected:
         RunRoot(7, root.string());
     }
 
-    /// Whatever a test did, nothing outside of the root is gone.
+    /// Expects that no test has deleted a file outside of the root.
     ~Cosmetics() override { EXPECT_TRUE(fs::is_regular_file(folder.Path() / "outside" / "secret.dcm")); }
 
     void Write(const String& name) const {
@@ -653,7 +653,7 @@ protected:
             CStr(status) + ")");
     }
 
-    /// Saves no manipulation where this cosmetic one is stored; whatever that meets must be swallowed.
+    /// Stores this cosmetic manipulation and then saves a list without it. The save must not raise any failure.
     void Drop(const String& cosmetic) {
         RunStep(1, "'" + cosmetic + "'");
         EXPECT_EQ(FailureOf([&] { placed->SaveManipulations(con); }).Number, 0);
@@ -700,7 +700,7 @@ TEST_F(Cosmetics, ALeadingBlankOfTheNewTextIsAnotherNameThoughItIsTheSameFile) {
     EXPECT_FALSE(There("root/0_/a.dcm"));
 }
 
-TEST_F(Cosmetics, BlanksAroundTheStoredTextDoNotCount) {
+TEST_F(Cosmetics, BlanksAroundTheStoredTextAreIgnored) {
     RunStep(1, "'  0070_\\a.dcm '");
     AddStep(ManCosmetic, "0070_\\a.dcm");
     placed->SaveManipulations(con);
@@ -741,7 +741,7 @@ TEST_F(Cosmetics, ANewOneWithoutAnOldOneDeletesNothing) {
     EXPECT_EQ(Sent().size(), 2U);
 }
 
-TEST_F(Cosmetics, AStoredEmptyTextLooksUpNoRoot) {
+TEST_F(Cosmetics, AStoredEmptyTextReadsNoRoot) {
     Drop("");
     EXPECT_THAT(Sent(), ElementsAre(steps, deleteOfSteps));
 }
@@ -762,19 +762,19 @@ TEST_F(Cosmetics, ADeletedPlacedImageKeepsTheFile) {
     EXPECT_TRUE(There("root/0_/a.dcm"));
 }
 
-TEST_F(Cosmetics, AReadOnlyFileStaysAndNothingIsRaised) {
+TEST_F(Cosmetics, AReadOnlyFileIsKeptAndNothingIsRaised) {
     fs::permissions(root / "0_" / "a.dcm", fs::perms::owner_read);
     Drop("0070_\\a.dcm");
     EXPECT_TRUE(There("root/0_/a.dcm"));
 }
 
-TEST_F(Cosmetics, AMissingFileIsNoFailure) {
+TEST_F(Cosmetics, AMissingFileIsIgnored) {
     Drop("0070_\\no such.dcm");
     Drop("007no folder\\a.dcm");
     EXPECT_TRUE(There("root/0_/a.dcm"));
 }
 
-TEST_F(Cosmetics, AFolderIsNoFile) {
+TEST_F(Cosmetics, AFolderIsNotDeleted) {
     fs::create_directories(root / "empty");
     Drop("007empty");
     EXPECT_TRUE(fs::is_directory(root / "empty"));
@@ -786,12 +786,12 @@ TEST_F(Cosmetics, ATextOfThreeCharactersNamesNoFile) {
     EXPECT_TRUE(There("root/top.dcm"));
 }
 
-TEST_F(Cosmetics, AMissingRootIsNoFailure) {
+TEST_F(Cosmetics, AMissingRootIsIgnored) {
     Drop("0080_\\a.dcm");
     EXPECT_TRUE(There("root/0_/a.dcm"));
 }
 
-TEST_F(Cosmetics, ARootWithoutADirectoryIsNoFailure) {
+TEST_F(Cosmetics, ARootWithoutADirectoryIsIgnored) {
     Run("UPDATE Root_T SET RootDirectory=NULL");
     Drop("0070_\\a.dcm");
     EXPECT_TRUE(There("root/0_/a.dcm"));
@@ -804,7 +804,7 @@ TEST_F(Cosmetics, ARootWithAnEmptyDirectoryReachesNoFile) {
     EXPECT_TRUE(There("root/top.dcm"));
 }
 
-TEST_F(Cosmetics, ATableOfRootsThatIsMissingIsNoFailure) {
+TEST_F(Cosmetics, AMissingTableOfRootsIsIgnored) {
     Run("DROP TABLE Root_T");
     Drop("0070_\\a.dcm");
     EXPECT_TRUE(There("root/0_/a.dcm"));
@@ -841,18 +841,18 @@ TEST_F(Cosmetics, RootNumberZeroIsTheActiveRoot) {
     EXPECT_FALSE(There("active/top.dcm"));
 }
 
-TEST_F(Cosmetics, WithoutAnActiveRootNumberZeroIsNoFailure) {
+TEST_F(Cosmetics, RootNumberZeroWithoutAnActiveRootIsIgnored) {
     Drop("000top.dcm");
     EXPECT_TRUE(There("root/top.dcm"));
 }
 
-TEST_F(Cosmetics, ARootNumberThatOverflowsIsNoFailure) {
+TEST_F(Cosmetics, ARootNumberThatOverflowsIsIgnored) {
     Drop("9E9top.dcm");
     EXPECT_TRUE(There("root/top.dcm"));
     EXPECT_EQ(Sent().size(), 2U) << "no root is looked up";
 }
 
-TEST_F(Cosmetics, ANegativeRootIsNoFailure) {
+TEST_F(Cosmetics, ANegativeRootIsIgnored) {
     RunRoot(-7, root.string());
     Drop("-07top.dcm");
     EXPECT_TRUE(There("root/top.dcm"));
@@ -878,7 +878,7 @@ TEST_F(Cosmetics, ALinkOutOfTheRootDeletesNothing) {
     EXPECT_TRUE(fs::is_symlink(root / "file"));
 }
 
-TEST_F(Cosmetics, ALinkToAFileInTheRootGoesAndTheFileStays) {
+TEST_F(Cosmetics, ALinkToAFileInTheRootIsDeletedAndTheFileStays) {
     fs::create_symlink("top.dcm", root / "link");
     Drop("007link");
     EXPECT_FALSE(fs::is_symlink(root / "link"));
@@ -898,7 +898,7 @@ TEST_F(Cosmetics, AFileIsFoundBelowARootThatIsALink) {
     EXPECT_FALSE(There("root/0_/a.dcm"));
 }
 
-TEST_F(Cosmetics, ALoopOfLinksIsNoFailure) {
+TEST_F(Cosmetics, ALoopOfLinksIsIgnored) {
     fs::create_symlink("loop", root / "loop");
     Drop("007loop");
     Drop("007loop\\a.dcm");

@@ -81,8 +81,8 @@ protected:
         card->ICHeight = -768;
     }
 
-    /// Loads the card behind changes that make the load fail with 94; gives the names of the properties
-    /// that are set.
+    /// Changes the row so that the load fails with 94, loads the card, and returns the names of the properties that
+    /// were set before the failure.
     std::vector<String> SetBeforeTheNull(const String& changes) {
         RunCard(changes);
         RunPlaced(21);
@@ -223,7 +223,7 @@ TEST_F(Card, ACardMayBeLoadedAgainByItsOwnKey) {
     EXPECT_EQ(card->ICID, 7);
 }
 
-TEST_F(Card, ANegativeKeyIsAskedForAsItIs) {
+TEST_F(Card, ANegativeKeyIsSentUnchanged) {
     card->GetImageCard(con, -7);
     EXPECT_THAT(Sent(), ElementsAre("SELECT * FROM ImageCard_T WHERE ImageCardID = -7;"));
 }
@@ -239,16 +239,16 @@ TEST_F(Card, ANullDescriptionFailsTheLoad) {
 
 TEST_F(Card, ANullDateOfCreationLeavesEverything) { EXPECT_THAT(SetBeforeTheNull("ICDateCreated=NULL"), IsEmpty()); }
 
-TEST_F(Card, ANullDescriptionComesBehindTheDateOfCreation) {
+TEST_F(Card, ANullDescriptionFollowsTheDateOfCreation) {
     EXPECT_THAT(SetBeforeTheNull("ICDescription=NULL"), ElementsAre("ICCreateDate"));
 }
 
-TEST_F(Card, ANullDateOfTheLastChangeComesBehindTheSizes) {
+TEST_F(Card, ANullDateOfTheLastChangeFollowsTheSizes) {
     EXPECT_THAT(SetBeforeTheNull("ICLastUpdate=NULL"),
                 ElementsAre("ICCreateDate", "ICDescription", "ICHeight", "ICWidth"));
 }
 
-TEST_F(Card, ANullNameComesBehindTheDateOfTheLastChange) {
+TEST_F(Card, ANullNameFollowsTheDateOfTheLastChange) {
     EXPECT_THAT(SetBeforeTheNull("ICName=NULL"),
                 ElementsAre("ICCreateDate", "ICDescription", "ICHeight", "ICWidth", "ICLastUpdate"));
 }
@@ -269,7 +269,7 @@ TEST_F(Card, AHeightThatIsTooLargeFailsBeforeTheWidthIsRead) {
     EXPECT_EQ(card->ICWidth, 0);
 }
 
-TEST_F(Card, AWidthThatIsTooLargeFailsBehindTheHeight) {
+TEST_F(Card, AWidthThatIsTooLargeFailsAfterTheHeight) {
     RunCard("ICFullViewWidth=3000000000");
     EXPECT_EQ(FailureOf([&] { card->GetImageCard(con, 7); }).Number, err::Overflow);
     EXPECT_EQ(card->ICHeight, 600);
@@ -321,13 +321,13 @@ TEST_F(Card, ANegativeWidthOfThePreviewReadsAsItsPositiveValue) {
     EXPECT_EQ(Loaded("ICFullViewWidth=0, ICPreviewWidth=-800")->ICWidth, 800);
 }
 
-TEST_F(Card, ASizeInTheMiddleGoesToTheEvenNumber) {
+TEST_F(Card, ASizeInTheMiddleIsRoundedToTheEvenNumber) {
     Loaded("ICFullViewWidth=-2.5, ICFullViewHeight=3.5");
     EXPECT_EQ(card->ICWidth, 2);
     EXPECT_EQ(card->ICHeight, 4);
 }
 
-TEST_F(Card, ASmallSizeIsNoZeroThoughItReadsAsZero) {
+TEST_F(Card, ASizeBelowOneReadsAsZeroAndNotAsThePreview) {
     EXPECT_EQ(Loaded("ICFullViewWidth=0.25, ICPreviewWidth=800")->ICWidth, 0);
 }
 
@@ -363,7 +363,7 @@ TEST_F(Card, PlacedImagesComeWithTheirManipulations) {
     EXPECT_EQ(To<Ref<cImageManipulation>>(placed->Manipulations->Item(1))->StringParameter, "a");
 }
 
-TEST_F(Card, PlacedImagesAreCountedAndStandUnderTheirKeys) {
+TEST_F(Card, PlacedImagesAreCountedAndHaveTheirKeys) {
     RunPlaced(21);
     RunPlaced(22);
     RunPlaced(23, "ImageCardID=8");
@@ -401,7 +401,7 @@ TEST_F(Card, MeasuresReadTheSameOnAMachineWithDecimalCommas) {
     EXPECT_EQ(LoadedPlaced()->IAPosY, -40.5);
 }
 
-/// The clock stands still, and the text boxes are kept.
+/// A card with a clock that does not advance. Text boxes are stored.
 class CardAtATime : public Card {
 protected:
     CardAtATime() {
@@ -412,7 +412,7 @@ protected:
 
     /// Loads three placed images, of which the second has these changes.
     Long LoadWithSecond(const String& changes) {
-        Run("DROP INDEX IF EXISTS ImageAttribute_by_Card");  // it gives the rows in an order of its own
+        Run("DROP INDEX IF EXISTS ImageAttribute_by_Card");  // the index returns the rows in another order
         RunPlaced(21);
         RunPlaced(22, changes);
         RunPlaced(23);
@@ -466,14 +466,14 @@ TEST_F(CardAtATime, AStateOfMirroringBeyondSixteenBitsEndsTheLoad) {
     ExpectOnlyTheFirstAndABoxOf(6, "Overflow");
 }
 
-TEST_F(CardAtATime, ManipulationsThatCantBeReadEndNothing) {
+TEST_F(CardAtATime, ManipulationsThatCantBeReadDoNotEndTheLoad) {
     Run("INSERT INTO ImageManipulation_T (ImageAttributeID, SequenceNo, Type, LongParameter, StringParameter)"
         " VALUES (22, 1, NULL, 5, 'a')");
     EXPECT_EQ(LoadWithSecond("IASequence=9"), 3);
     EXPECT_THAT(boxes.shown, IsEmpty());
 }
 
-TEST_F(CardAtATime, AFailedOpenIsToldAndLeavesTheOldCollection) {
+TEST_F(CardAtATime, AFailedOpenIsReportedAndKeepsTheOldCollection) {
     Run("DROP TABLE ImageAttribute_T");
     const Error expected = FailureOf([&] { con->Execute("SELECT * FROM ImageAttribute_T"); });
     const Ref<Collection> before = card->ImagecardAttributes;
@@ -600,7 +600,7 @@ TEST_F(Card, KeysOfOtherPatientsDoNotCount) {
     EXPECT_EQ(card->ICID, 5001);
 }
 
-TEST_F(Card, AnInsertGivesTheNewKeyToEveryPlacedImageAlsoToThoseItPassesOver) {
+TEST_F(Card, AnInsertStoresTheNewKeyInEveryPlacedImageAlsoInSkippedOnes) {
     Place(0);
     Place(40, 300);
     FillAll();
@@ -651,7 +651,7 @@ TEST_F(Card, PlacedImagesToBeDeletedCountAndStayInTheCollection) {
     EXPECT_TRUE(PlacedAt(2)->ToBeDeleted);
 }
 
-TEST_F(Card, PlacedImagesAreWrittenInTheOrderOfTheCollectionBehindTheCard) {
+TEST_F(Card, PlacedImagesAreWrittenInTheOrderOfTheCollectionAfterTheCard) {
     FillAll();
     Place(41);
     Place(40);
@@ -693,7 +693,7 @@ TEST_F(Card, OneLessThanTheLastNumberIsSaved) {
     EXPECT_EQ(Ask("SELECT IASequence FROM ImageAttribute_T"), Variant(Long{32766}));
 }
 
-TEST_F(Card, AMemberThatIsNoPlacedImageFailsTheSaveBehindThoseBeforeIt) {
+TEST_F(Card, AMemberThatIsNotAPlacedImageFailsTheSaveAfterThoseBeforeIt) {
     RunCard();
     card->ICID = 7;
     Place(40);
@@ -750,14 +750,14 @@ private:
     const std::function<void()> machine_ = TheHost().DoEvents;
 };
 
-TEST_F(CardInTheMiddle, MayReplaceTheCollectionAndTheSaveGoesOnWithTheOldOne) {
+TEST_F(CardInTheMiddle, MayReplaceTheCollectionAndTheSaveContinuesWithTheOldOne) {
     meanwhile = [this] { card->ImagecardAttributes = New<Collection>(); };
     EXPECT_TRUE(card->Save(con));
     EXPECT_THAT(StoredSequences(), ElementsAre(1, 2, 3));
     EXPECT_EQ(card->ImagecardAttributes->Count(), 0);
 }
 
-TEST_F(CardInTheMiddle, MaySetTheCollectionToNothing) {
+TEST_F(CardInTheMiddle, MaySetTheCollectionToNull) {
     meanwhile = [this] { card->ImagecardAttributes = nullptr; };
     EXPECT_TRUE(card->Save(con));
     EXPECT_THAT(StoredSequences(), ElementsAre(1, 2, 3));

@@ -155,7 +155,7 @@ TEST_F(Slot, AMeasureThatIsNullInBothViewsReadsAsZero) {
     EXPECT_EQ(Loaded("TAFullViewWidth=NULL, TAPreviewWidth=NULL")->TAWidth, 0);
 }
 
-TEST_F(Slot, ANegativeMeasureStays) { EXPECT_EQ(Loaded("TAFullViewPosY=-2.5")->TAPosY, -2.5); }
+TEST_F(Slot, ANegativeMeasureIsUnchanged) { EXPECT_EQ(Loaded("TAFullViewPosY=-2.5")->TAPosY, -2.5); }
 
 TEST_F(Slot, NullCommentsReadAsEmpty) { EXPECT_EQ(Loaded("TAComments=NULL")->TAComments, ""); }
 
@@ -235,7 +235,7 @@ TEST_F(Slot, TheUpdateFindsItsRowByTheGroupAndNotByTheKey) {
     EXPECT_EQ(Ask("SELECT TAComments FROM TemplateAttribute_T WHERE TemplateImageId=9"), Variant("nine"));
 }
 
-TEST_F(Slot, AnUpdateWithoutAGroupTouchesNoRowAndStillReportsTrue) {
+TEST_F(Slot, AnUpdateWithoutAGroupChangesNoRowAndReturnsTrue) {
     Run("INSERT INTO TemplateAttribute_T (TemplateImageId, TAComments) VALUES (9, 'nine')");
     slot->ID = 9;
     EXPECT_TRUE(slot->Save(con));

@@ -98,7 +98,7 @@ TEST_F(Template, StartsEmptyWithAnImageTypeOfZero) {
 
 // ---- loading --------------------------------------------------------------------------------------
 
-TEST_F(Template, TheDicomNumberWinsOverTheKey) {
+TEST_F(Template, TheDicomNumberHasPrecedenceOverTheKey) {
     RunRow(7, 1);
     RunRow(8, 5);
     card->GetTemplate(con, 7, 5);
@@ -331,7 +331,7 @@ TEST_F(Template, AChangedTemplateWritesNumberZeroAndDrawsNone) {
     EXPECT_EQ(Ask("SELECT TCDicomId FROM TemplateCard_T"), Variant(Long{0}));
 }
 
-TEST_F(Template, OfTwoTemplatesOfOneNameTheNewRowGivesTheKey) {
+TEST_F(Template, OfTwoTemplatesOfOneNameTheNewRowHasTheKey) {
     FillAll();
     card->Save(con);
     const Ref<cTemplate> second = New<cTemplate>();
@@ -413,7 +413,7 @@ TEST_F(Template, AHandlerMayReplaceTheSlotsAndReleaseTheTemplateWhileTheyAreSave
     EXPECT_EQ(Ask("SELECT count(*) FROM TemplateAttribute_T WHERE TemplateID=600"), Variant(Long{2}));
 }
 
-TEST_F(Template, ASlotThatWasTakenOutStaysInItsTable) {
+TEST_F(Template, ASlotThatWasRemovedStaysInItsTable) {
     FillAll();
     AddSlot(1, "K1");
     card->Save(con);
@@ -435,7 +435,7 @@ TEST_F(Template, NamesOfAnyScriptAndInjectionsAreStoredAsTheyAre) {
     }
 }
 
-TEST_F(Template, AMemberThatIsNoSlotFailsTheSave) {
+TEST_F(Template, AMemberThatIsNotASlotFailsTheSave) {
     RunRow();
     card->TCID = 7;
     card->TemplateAttributes->Add(New<cTemplate>());

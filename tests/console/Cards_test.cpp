@@ -2,7 +2,7 @@
 
 #include <fstream>
 
-/// Card lists, composed cards, drawings and reports, as a person or a script asks for them.
+/// The commands for card lists, composed cards, drawings and reports, with text and JSON output.
 namespace {
 
 using namespace ProgramTest;
@@ -75,7 +75,7 @@ TEST_F(Cards, ApprovedMeansEveryImageOfTheEntry) {
     EXPECT_THAT(Ok({"cards", "P-1.2.3"}), HasSubstr("here and on the server"));
 }
 
-TEST_F(Cards, TheListTellsHowManyOrphansItRemoved) {
+TEST_F(Cards, TheListReportsHowManyOrphansItRemoved) {
     Run("INSERT INTO Series_T (SeriesInstanceUID, Study_ID, SeriesDateTime) VALUES ('9.1', 1, '2001-01-01 "
         "10:00:00'), "
         "('9.2', 1, '2001-01-01 11:00:00')");
@@ -106,7 +106,7 @@ TEST_F(Cards, ASeriesIsStoredAsItHangs) {
     EXPECT_EQ(CountOf("\n", Ok({"series", "save-as-card", "1"})), 1U);
 }
 
-TEST_F(Cards, ImagesStandInAGridUnlessTheyArePlaced) {
+TEST_F(Cards, ImagesAreInAGridUnlessTheyArePlaced) {
     Ok({"card", "new", "P-1.2.3", "Control", "--canvas", "1200x800", "--description", "after a year"});
     Ok({"card", "add", "IC1", "4", "2"});
     Ok({"card", "add", "1", "3", "--at", "0.5,0.25", "--size", "0.4"});
@@ -161,7 +161,7 @@ TEST_F(Cards, RemovingTakesPlacedImagesOffTheCardAndNumbersTheRest) {
     EXPECT_THAT(Ok({"card", "show", "IC1"}), HasSubstr("No images yet"));
 }
 
-TEST_F(Cards, AWrongRequestIsToldInOneLineAndChangesNothing) {
+TEST_F(Cards, AWrongRequestIsReportedInOneLineAndChangesNothing) {
     Ok({"card", "new", "P-1.2.3", "Control"});
     Ok({"card", "add", "IC1", "1"});
     Run("INSERT INTO ImageBild_T (PatientID, ImageType, Approved, Brightness_INT, Contrast_INT, Invert_BT, "
@@ -238,7 +238,7 @@ TEST_F(Cards, AnImageIsPutIntoTheFirstFreeCell) {
     EXPECT_EQ(placed[2]["y"], 0.0);
 }
 
-TEST_F(Cards, ScriptsLearnWhatWasDone) {
+TEST_F(Cards, TheExitCodeReportsTheResultToScripts) {
     Ok({"card", "new", "P-1.2.3", "Control"});
     EXPECT_EQ(OkJson({"card", "add", "IC1", "1", "2"}), (json{{"card", "IC1"}, {"placed", {1, 2}}}));
     EXPECT_EQ(OkJson({"card", "move", "IC1", "2", "--mirror"}), (json{{"card", "IC1"}, {"placed", {2}}}));
@@ -315,7 +315,7 @@ TEST_F(Cards, EmptySlotsAreShownOnDemand) {
     EXPECT_EQ(CountOf("<image", Read(File("mouth.svg"))), 4U);
 }
 
-TEST_F(Cards, APictureThatIsGoneIsToldAndTheOthersAreDrawn) {
+TEST_F(Cards, AMissingPictureIsReportedAndTheOthersAreDrawn) {
     const std::string file = OkJson({"images"})[0]["file"];
     for (const auto& entry : fs::recursive_directory_iterator(folder.Path()))
         if (entry.path().filename() == file.substr(file.find('\\') + 1)) fs::remove(entry.path());
@@ -332,7 +332,7 @@ TEST_F(Cards, AStoredNameOutOfTheRootIsNeverOpened) {
     EXPECT_THAT(UserError({"draw", "SE1", "-o", File("mouth.svg")}, 3), HasSubstr("its stored name means no file"));
 }
 
-TEST_F(Cards, ADrawingThatCannotBeMadeLeavesTheEarlierFile) {
+TEST_F(Cards, ADrawingThatCannotBeCreatedLeavesTheEarlierFile) {
     std::ofstream(File("old.svg")) << "old";
     EXPECT_THAT(UserError({"draw", "SE9", "-o", File("old.svg")}), HasSubstr("there is no series SE9"));
     EXPECT_THAT(UserError({"draw", "7", "-o", File("old.svg")}), HasSubstr("IC5"));

@@ -5,8 +5,8 @@
 
 #include <sqlite3.h>
 
-/// Rows that can't be read whole, and what other programs change meanwhile: nothing of a row is ever replaced
-/// by what was not read from it.
+/// Rows that can't be read completely, and rows that other programs change at the same time: the program never
+/// overwrites a column with a value that it has not read from it.
 namespace {
 
 using namespace ProgramTest;
@@ -28,7 +28,7 @@ protected:
         return Try(arguments);
     }
 
-    /// A run that fails with one line; gives the line.
+    /// Runs a command that fails with one line; returns the line.
     std::string Refused(const std::vector<std::string>& arguments) {
         const Result run = OnDatabase(arguments);
         EXPECT_EQ(run.code, 1) << run.out;
@@ -37,7 +37,7 @@ protected:
         return run.err;
     }
 
-    /// A list that goes on past damaged rows.
+    /// Runs a list command that continues after damaged rows; returns the list.
     json Partly(std::vector<std::string> arguments) {
         arguments.push_back("--json");
         const Result run = OnDatabase(std::move(arguments));
@@ -70,7 +70,7 @@ protected:
         return text;
     }
 
-    /// How many pictures a drawing shows.
+    /// Returns the number of pictures in a drawing.
     static std::size_t Drawn(const std::string& file) {
         const std::string svg = TestKit::Content(file);
         std::size_t count = 0;
@@ -78,7 +78,7 @@ protected:
         return count;
     }
 
-    /// A text as a page holds it.
+    /// Returns a text as it is written in a page.
     static std::string Escaped(const std::string& text) { return Platform::Replace(text, "'", "&#39;"); }
 
     long Number(const std::string& select) const {
@@ -91,7 +91,7 @@ protected:
 constexpr const char* ColumnsThatMustBeThere[] = {"Brightness_INT", "Contrast_INT", "DateCaptured_SD", "ImageType",
                                                   "Invert_BT",      "PatientID",    "RootId"};
 
-TEST_F(DamagedRows, HangingRefusesAnImageThatIsReadInPart) {
+TEST_F(DamagedRows, HangingRejectsAnImageThatIsReadInPart) {
     for (const char* column : ColumnsThatMustBeThere) {
         Run("UPDATE ImageBild_T SET FrameNumber_INT = 0");
         Run(std::string("CREATE TABLE Kept AS SELECT ") + column + " AS value FROM ImageBild_T WHERE ImageBildID = 2");
@@ -116,7 +116,7 @@ TEST_F(DamagedRows, AnImageIsCommentedThoughItsRowIsDamaged) {
     EXPECT_EQ(Partly({"images"}).size(), 4U);
 }
 
-TEST_F(DamagedRows, CommentingWritesTheCommentAndNothingElse) {
+TEST_F(DamagedRows, CommentingWritesOnlyTheComment) {
     Run("CREATE TRIGGER no_update BEFORE UPDATE ON ImageBild_T BEGIN SELECT "
         "RAISE(ABORT, 'the image was "
         "written'); END");
@@ -283,7 +283,7 @@ TEST_F(DamagedRows, AnImageWithoutIdentifierOrSeriesGetsNoSecondRow) {
     EXPECT_THAT(run.err, Not(HasSubstr("another series")));
 }
 
-TEST_F(DamagedRows, ASeriesStaysToWhichAnImageOfUnreadableSeriesMayBelong) {
+TEST_F(DamagedRows, ASeriesIsKeptIfAnImageOfUnreadableSeriesMayBelongToIt) {
     Run("UPDATE Series_T SET SeriesDateTime = '2001-01-01 10:00:00'");
     Run("DELETE FROM ImageBild_T WHERE ImageBildID > 1");
     for (const char* lost : {"'x'", "1.5", "NULL", "0"}) {
@@ -298,7 +298,7 @@ TEST_F(DamagedRows, ASeriesStaysToWhichAnImageOfUnreadableSeriesMayBelong) {
     EXPECT_EQ(OkJson({"cards", "P-1.2.3"})["orphans_removed"], 1) << "an image of another study is not its own";
 }
 
-TEST_F(DamagedRows, ACheckNamesEachDamagedRowAndGoesOn) {
+TEST_F(DamagedRows, ACheckNamesEachDamagedRowAndContinues) {
     Ok({"card", "new", "P-1.2.3", "A"});
     Ok({"card", "add", "IC1", "1", "2"});
     Ok({"comment", "1", "text"});
@@ -327,7 +327,7 @@ TEST_F(DamagedRows, ACheckNamesEachDamagedRowAndGoesOn) {
     EXPECT_THAT(run.out, HasSubstr("were checked: 11 findings"));
 }
 
-TEST_F(DamagedRows, NothingIsComposedOfWhatIsReadInPart) {
+TEST_F(DamagedRows, ARecordThatIsReadInPartIsNotComposed) {
     Ok({"card", "new", "P-1.2.3", "A"});
     Ok({"card", "add", "IC1", "1", "2"});
     Ok({"card", "move", "IC1", "1", "--turn", "90"});
@@ -409,7 +409,7 @@ TEST_F(DamagedRows, ACardIsShownUpToThePlacedImageThatCannotBeRead) {
                           "read: IAMirrRotStatus"));
 }
 
-TEST_F(DamagedRows, ManipulationsThatCannotBeStoredAreTold) {
+TEST_F(DamagedRows, ManipulationsThatCannotBeStoredAreReported) {
     Ok({"card", "new", "P-1.2.3", "A"});
     Ok({"card", "add", "IC1", "1"});
     Ok({"card", "move", "IC1", "1", "--turn", "90"});
@@ -439,7 +439,7 @@ TEST_F(DamagedRows, AQuoteInATextOfAnImageFailsNoSeries) {
     EXPECT_EQ(OkJson({"import", Films()})["stored"], 1);
 }
 
-TEST_F(DamagedRows, ATextOfTeethThatIsNoneFailsNoSeries) {
+TEST_F(DamagedRows, AnInvalidTextOfTeethFailsNoSeries) {
     Run("UPDATE ImageBild_T SET PriStructure = 'it''s 16' WHERE ImageBildID = 2");
     const json hung = OkJson({"hang", "1"});
     EXPECT_EQ(hung["without_teeth"], json::array({2}));
@@ -542,7 +542,7 @@ TEST_F(OtherWorkstation, ItsChangeOfACardSurvivesEachChange) {
     Keeps({"card", "add", "IC1", "3"}, placed, comment);
 }
 
-TEST_F(OtherWorkstation, ItsRemovalOfAPatientLeavesNoCardBehind) {
+TEST_F(OtherWorkstation, ItsRemovalOfAPatientRemovesAllCards) {
     Keeps({"card", "new", "P-1.2.3", "B"}, "UPDATE Patient_T SET IDImg = '?'", "SELECT IDImg FROM Patient_T");
     Keeps({"series", "save-as-card", "1"}, "UPDATE Series_T SET orgServerID = ?", "SELECT orgServerID FROM Series_T");
 }
@@ -550,7 +550,7 @@ TEST_F(OtherWorkstation, ItsRemovalOfAPatientLeavesNoCardBehind) {
 // ---- failures of the engine
 // --------------------------------------------------------------------------------------
 
-TEST_F(DamagedRows, ADamagedTableIsToldAsDamage) {
+TEST_F(DamagedRows, ADamagedTableIsReportedAsDamage) {
     TestKit::OverwriteRootPage(Database(), "Series_T");
     EXPECT_THAT(Refused({"hang", "1"}), HasSubstr("the database is damaged; restore it from a backup, or "
                                                   "save what can still be read with"));
@@ -559,8 +559,7 @@ TEST_F(DamagedRows, ADamagedTableIsToldAsDamage) {
     EXPECT_EQ(OkJson({"images"}).size(), 4U) << "what is not damaged can be read";
 }
 
-/// Fails one call after the other of a command; each failure must be told, and none may leave anything
-/// stored.
+/// Fails each call of a command, one after the other. The command must report each failure and must store nothing.
 class FullDisk : public DamagedRows {
 protected:
     void SetUp() override {
@@ -590,7 +589,7 @@ protected:
     }
 };
 
-TEST_F(FullDisk, IsToldByEachCommandThatStores) {
+TEST_F(FullDisk, IsReportedByEachCommandThatStores) {
     Ok({"card", "new", "P-1.2.3", "A"});
     Ok({"card", "add", "IC1", "1"});
     TellsEach({"setting", "set", "DicomRootUID", "1.2.3"}, 6);

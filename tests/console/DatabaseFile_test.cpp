@@ -5,8 +5,8 @@
 #include <fstream>
 #include <sqlite3.h>
 
-/// What the program does with the file of a database: it changes none that it refuses, reads those that it
-/// may not write, and tells what is wrong.
+/// Opening a database file: the program does not change a file that it rejects, reads a file that it may not write, and
+/// reports the reason of a failure.
 namespace {
 
 using namespace ProgramTest;
@@ -16,7 +16,7 @@ using TestKit::NamesIn;
 
 class DatabaseFile : public Program {
 protected:
-    /// Runs a script on a database file, without the program; gives what it fails with.
+    /// Runs a script on a database file, without the program.
     static void RunOn(const fs::path& file, const std::string& script) {
         sqlite3* database = nullptr;
         sqlite3_open(file.c_str(), &database);
@@ -45,7 +45,7 @@ protected:
     }
 };
 
-TEST_F(DatabaseFile, OneThatIsRefusedStaysAsItIs) {
+TEST_F(DatabaseFile, OneThatIsRejectedIsUnchanged) {
     const fs::path file = Other();
     std::ofstream(file).flush();
     EXPECT_THAT(Refused(file), HasSubstr("is empty; make a database under another name"));
@@ -88,7 +88,7 @@ TEST_F(DatabaseFile, OneWhoseMarksAreInItsLogIsReadByThem) {
     sqlite3_close(writer);
 }
 
-TEST_F(DatabaseFile, WhatIsWrongWithItsNameIsTold) {
+TEST_F(DatabaseFile, AnInvalidNameIsReported) {
     fs::create_directories(folder.Path() / "other");
     const auto line = [&](const fs::path& file) { return Try({"--db", file, "patients"}).err; };
     EXPECT_THAT(line(folder.Path() / "no" / "clinic.db"),
@@ -168,7 +168,7 @@ TEST_F(Reader, ReadsAReadOnlyFileInAFolderThatMayBeWritten) {
     ReadsEverything();
 }
 
-TEST_F(Reader, ReadsWhatAProgramThatIsRunningHasStored) {
+TEST_F(Reader, ReadsTheRowsThatARunningProgramHasStored) {
     const auto con = Platform::New<ADODB::Connection>();
     con->Open("Provider=SQLite;Data Source=" + Database());
     con->Execute("UPDATE Patient_T SET LastName_NVC = 'Inthelog'");
@@ -176,7 +176,7 @@ TEST_F(Reader, ReadsWhatAProgramThatIsRunningHasStored) {
     EXPECT_THAT(As({"patients"}), HasSubstr("Inthelog"));
 }
 
-TEST_F(Reader, RefusesAFileWhoseLogItMayNotRead) {
+TEST_F(Reader, RejectsAFileWhoseLogItMayNotRead) {
     sqlite3* writer = nullptr;
     sqlite3_open(Database().c_str(), &writer);
     sqlite3_exec(writer, "UPDATE Patient_T SET LastName_NVC = 'Inthelog'", nullptr, nullptr, nullptr);
@@ -190,7 +190,7 @@ TEST_F(Reader, RefusesAFileWhoseLogItMayNotRead) {
     EXPECT_THAT(told, HasSubstr("the files beside it and its folder, or copy them to a folder of yours"));
 }
 
-TEST_F(Reader, IsToldWhichRightIsMissing) {
+TEST_F(Reader, ReportsTheMissingRight) {
     Allow(0755, 0000);
     EXPECT_THAT(As({"patients"}), HasSubstr("can't be read (Permission denied); see that you may read it"));
     Allow(0000, 0644);

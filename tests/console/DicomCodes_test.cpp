@@ -98,7 +98,7 @@ TEST(DicomCodes, The161CodesOfTheToothTablesAreKnownAndDiffer) {
     EXPECT_EQ(seen.size(), 161u);
 }
 
-TEST(DicomCodes, OtherCodesAreNoTooth) {
+TEST(DicomCodes, OtherCodesAreNotTeeth) {
     for (const char* code : {"", "11", "T-", "38199008", "T-11170", "661005", "422653006 "})
         EXPECT_EQ(ToothOfCode(code), 0) << code;
 }
@@ -109,7 +109,7 @@ TEST(DicomCodes, AllTeethAreListedQuadrantByQuadrant) {
     EXPECT_TRUE(std::ranges::equal(AllTeeth, expected));
 }
 
-TEST(DicomCodes, StatesTheCodeOfTheAskedGeneration) {
+TEST(DicomCodes, ReturnsTheCodeOfTheRequestedGeneration) {
     EXPECT_EQ(CodeOfTooth(11).value, "422653006");
     EXPECT_EQ(CodeOfTooth(11).scheme, "SCT");
     EXPECT_EQ(CodeOfTooth(11, CodeGeneration::Previous).value, "22120004");
@@ -134,7 +134,7 @@ TEST(DicomCodes, NamesTeethInWords) {
     EXPECT_EQ(CodeOfTooth(81).meaning, "Deciduous mandibular right central incisor tooth");
 }
 
-TEST(DicomCodes, RefusesNumbersOfNoTooth) {
+TEST(DicomCodes, RejectsNumbersOfNoTooth) {
     EXPECT_THROW(CodeOfTooth(19), std::invalid_argument);
     EXPECT_THROW(CodeOfTooth(0), std::invalid_argument);
     EXPECT_THROW(CodeOfTooth(56), std::invalid_argument);
@@ -180,7 +180,7 @@ TEST(DicomCodes, StatesRegions) {
     EXPECT_THROW(CodeOfRegion("T-99999"), std::invalid_argument);
 }
 
-TEST(DicomCodes, AnatomyIsToldInWords) {
+TEST(DicomCodes, AnatomyIsDescribedInWords) {
     EXPECT_EQ(AnatomyInWords("T-11170", "T-5100A", "L"), "Maxilla, first molar region, left");
     EXPECT_EQ(AnatomyInWords("T-11180", "", "R"), "Mandible, right");
     EXPECT_EQ(AnatomyInWords("", "T-5100D", "B"), "Occlusal projection, both sides");
@@ -189,7 +189,7 @@ TEST(DicomCodes, AnatomyIsToldInWords) {
     EXPECT_EQ(AnatomyInWords("", "", ""), "");
 }
 
-TEST(DicomCodes, TellsJawAndSideOfEveryQuadrant) {
+TEST(DicomCodes, ReturnsJawAndSideOfEveryQuadrant) {
     EXPECT_TRUE(IsUpperTooth(11) && IsUpperTooth(28) && IsUpperTooth(51) && IsUpperTooth(65));
     EXPECT_FALSE(IsUpperTooth(31) || IsUpperTooth(48) || IsUpperTooth(71) || IsUpperTooth(85));
     EXPECT_TRUE(IsRightTooth(11) && IsRightTooth(48) && IsRightTooth(55) && IsRightTooth(81));

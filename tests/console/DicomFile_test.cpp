@@ -31,7 +31,7 @@ DcmItem& Item(DcmItem& parent, const DcmTagKey& sequence, int position = -2) {
     return *item;
 }
 
-/// Adds an item with a code to a sequence and gives the item.
+/// Adds an item with a code to a sequence and returns the item.
 DcmItem& AddCode(DcmItem& parent, const DcmTagKey& sequence, const std::string& value,
                  const std::string& meaning = "-") {
     DcmItem& item = Item(parent, sequence);
@@ -182,7 +182,7 @@ TEST_F(DicomFile, ReadsImageExposureAndDevice) {
     EXPECT_EQ(read.bodyPartExamined, "JAW");
 }
 
-TEST_F(DicomFile, WhatIsNotSaidIsEmptyOrZero) {
+TEST_F(DicomFile, MissingValuesAreEmptyOrZero) {
     const RadiographFile read = Read();
     for (const std::string& text : {read.patientID, read.patientName, read.givenName, read.birthDate,
                                     read.studyDateTime, read.acquisitionDateTime, read.teeth, read.region,
@@ -339,7 +339,7 @@ TEST_F(DicomFile, ARegionThatNamesNoJawYieldsToListedTeeth) {
     EXPECT_EQ(Read().region, "");
 }
 
-/// What is left of a stated region and side beside the teeth of the picture.
+/// The region and side that remain after the comparison with the teeth of the picture.
 struct Contradiction {
     const char* name;
     std::vector<int> teeth;
@@ -388,24 +388,24 @@ TEST_F(DicomFile, LateralityFallsBackOnTheSeries) {
 
 // ---------------------------------------------------------------------------------------------- refusals
 
-TEST_F(DicomFile, RefusesWhatIsNoFile) {
+TEST_F(DicomFile, RejectsANameThatIsNotAFile) {
     EXPECT_EQ(WhyNot(folder), "is a folder");
     EXPECT_EQ(WhyNot(folder / "none.dcm"), "cannot be read: No such file or directory");
     EXPECT_EQ(WhyNot(Holding("")), "the file is empty");
 }
 
-TEST_F(DicomFile, RefusesWhatIsNotDicom) {
+TEST_F(DicomFile, RejectsAFileThatIsNotDicom) {
     EXPECT_EQ(WhyNot(Holding("This is a text, whatever its name says.\n")), "not a DICOM file");
     EXPECT_EQ(WhyNot(Holding(std::string(5000, '\0'))), "not a DICOM file");
     EXPECT_EQ(WhyNot(Holding("\x89PNG\r\n\x1a\n" + std::string(400, 'x'))), "not a DICOM file");
 }
 
-TEST_F(DicomFile, RefusesADicomdir) {
+TEST_F(DicomFile, RejectsADicomdir) {
     Item(set, DCM_DirectoryRecordSequence);
     EXPECT_EQ(WhyNot(Saved()), "a DICOMDIR, which lists files and holds no picture");
 }
 
-TEST_F(DicomFile, RefusesObjectsWithoutIdentityOrPixels) {
+TEST_F(DicomFile, RejectsObjectsWithoutIdentityOrPixels) {
     const auto without = [&](const DcmTagKey& tag, const std::string& why) {
         DcmElement* element = nullptr;
         set.findAndGetElement(tag, element, OFFalse, OFTrue);
@@ -423,12 +423,12 @@ TEST_F(DicomFile, RefusesObjectsWithoutIdentityOrPixels) {
     EXPECT_EQ(WhyNot(Saved()), "");
 }
 
-TEST_F(DicomFile, RefusesFewerPixelsThanRowsAndColumnsAskFor) {
+TEST_F(DicomFile, RejectsFewerPixelsThanRowsAndColumnsAskFor) {
     set.putAndInsertUint16(DCM_Rows, 41);
     EXPECT_EQ(WhyNot(Saved()), "file is cut short: fewer pixels than its 41 rows of 60");
 }
 
-TEST_F(DicomFile, RefusesEveryFileThatEndsEarly) {
+TEST_F(DicomFile, RejectsEveryFileThatEndsEarly) {
     Teeth({46, 47});
     const std::string bytes = SavedBytes();
     ASSERT_GT(bytes.size(), 2400u);
@@ -437,7 +437,7 @@ TEST_F(DicomFile, RefusesEveryFileThatEndsEarly) {
     EXPECT_EQ(WhyNot(Holding(bytes)), "");
 }
 
-TEST_F(DicomFile, TellsThatAFileIsCutShortInItsPixels) {
+TEST_F(DicomFile, ReportsAFileThatIsCutShortInItsPixels) {
     SetPixels(500, 500);
     const std::string bytes = SavedBytes();
     for (const std::size_t missing : {1u, 1000u, 200000u})
@@ -445,7 +445,7 @@ TEST_F(DicomFile, TellsThatAFileIsCutShortInItsPixels) {
             << WhyNot(path);
 }
 
-TEST_F(DicomFile, RefusesEveryCompressedFileThatEndsEarly) {
+TEST_F(DicomFile, RejectsEveryCompressedFileThatEndsEarly) {
     auto* pixels = new DcmPixelData(DCM_PixelData);
     auto* fragments = new DcmPixelSequence(DcmTag(DCM_PixelData, EVR_OB));
     for (const std::size_t size : {0u, 900u}) {

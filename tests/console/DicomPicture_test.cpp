@@ -17,7 +17,7 @@
 #include <gmock/gmock.h>
 #include <map>
 
-/// What is rendered of a DICOM file.
+/// The picture of a DICOM file.
 namespace {
 
 using namespace Console;
@@ -96,7 +96,7 @@ protected:
         return fragments;
     }
 
-    /// A gray picture of noise, 64 x 64, which no codec makes small.
+    /// A gray picture of noise, 64 x 64, which no codec can compress.
     static std::vector<Uint16> Noise() {
         std::vector<Uint16> noise(static_cast<std::size_t>(64) * 64);
         unsigned state = 1;
@@ -124,7 +124,7 @@ protected:
     TestKit::TemporaryFolder folder;
 };
 
-TEST_F(PictureOfFile, GrayValuesFillTheRangeWhereThereIsNoWindow) {
+TEST_F(PictureOfFile, GrayValuesFillTheRangeWithoutAWindow) {
     const Pixels pixels(RenderDicom(Write({100, 200, 300}), 1000).png);
     EXPECT_TRUE(pixels.gray);
     EXPECT_EQ(pixels.Gray(0, 0), 0);
@@ -146,7 +146,7 @@ TEST_F(PictureOfFile, TheFirstWindowOfTheFileIsItsWindow) {
     EXPECT_EQ(pixels.Gray(4, 0), 255);
 }
 
-TEST_F(PictureOfFile, LightStandsForDenseInEitherInterpretation) {
+TEST_F(PictureOfFile, DenseAreasAreLightInEitherInterpretation) {
     const Pixels pixels(RenderDicom(Write({0, 4095},
                                           [](DcmDataset& set) {
                                               set.putAndInsertString(DCM_PhotometricInterpretation, "MONOCHROME1");
@@ -188,7 +188,7 @@ TEST_F(PictureOfFile, CompressedPixelsAreRead) {
     }
 }
 
-TEST_F(PictureOfFile, ALargePictureIsMadeSmallerEvenly) {
+TEST_F(PictureOfFile, ALargePictureIsReducedInProportion) {
     const fs::path path = Write(std::vector<Uint16>(4000, 7), [](DcmDataset& set) {
         set.putAndInsertUint16(DCM_Rows, 40);
         set.putAndInsertUint16(DCM_Columns, 100);
@@ -199,7 +199,7 @@ TEST_F(PictureOfFile, ALargePictureIsMadeSmallerEvenly) {
     EXPECT_EQ(half.Height(), 20);
 }
 
-TEST_F(PictureOfFile, WhatIsNoPictureSaysWhy) {
+TEST_F(PictureOfFile, AFileWithoutAPictureReportsTheReason) {
     std::ofstream(folder.Path() / "text.dcm") << "no film";
     EXPECT_THAT(FailureOf(folder.Path() / "text.dcm"), Not(HasSubstr("none")));
     EXPECT_EQ(FailureOf(Write({0}, [](DcmDataset& set) { delete set.remove(DCM_PixelData); })), "has no pixels");
@@ -275,7 +275,7 @@ TEST_F(PictureOfFile, ColourInJpeg2000IsDecoded) {
     }
 }
 
-TEST_F(PictureOfFile, Jpeg2000OfAnotherSizeThanTheHeaderSaysIsRefused) {
+TEST_F(PictureOfFile, Jpeg2000OfAnotherSizeThanTheHeaderSaysIsRejected) {
     const std::string codestream = Jpeg2000Of({1, 2, 3, 4}, 4, 1, 1, 12);
     EXPECT_EQ(FailureOf(WriteFragments({codestream}, EXS_JPEG2000)),
               "its JPEG 2000 pixels are not as many as its rows and columns");
@@ -313,7 +313,7 @@ TEST_F(PictureOfFile, CompressedColourStaysColour) {
 
 // ---- shape and place --------------------------------------------------------------------------------
 
-TEST_F(PictureOfFile, PixelsThatAreNotSquareGiveThePictureItsProportion) {
+TEST_F(PictureOfFile, PixelsThatAreNotSquareDefineTheProportionOfThePicture) {
     struct Case {
         DcmTagKey tag;
         const char* value;
@@ -379,14 +379,14 @@ TEST_F(HeadFilm, IsTurnedUprightWithTheFaceToTheRightOrTheLeftSideOnTheRight) {
     EXPECT_THAT(Corners("FR\\RH"), ElementsAre(3, 1, 4, 2));
 }
 
-TEST_F(HeadFilm, StaysAsStoredWhereItsOrientationSaysNothing) {
+TEST_F(HeadFilm, IsNotTurnedWithoutAKnownOrientation) {
     for (const char* orientation : {"", "A", "\\F", "A\\", "L\\A", "H\\F", "X\\F", "A\\Q"})
         EXPECT_THAT(Corners(orientation), ElementsAre(1, 2, 3, 4)) << orientation;
 }
 
-TEST_F(HeadFilm, AnIntraOralFilmStaysAsItHangs) { EXPECT_THAT(Corners("F\\P", "IO"), ElementsAre(1, 2, 3, 4)); }
+TEST_F(HeadFilm, AnIntraOralFilmIsNotTurned) { EXPECT_THAT(Corners("F\\P", "IO"), ElementsAre(1, 2, 3, 4)); }
 
-TEST_F(PictureOfFile, TheFirstOfSeveralFramesIsDrawnAndTheirNumberTold) {
+TEST_F(PictureOfFile, TheFirstOfSeveralFramesIsDrawnAndTheirNumberReported) {
     const auto picture = RenderDicom(Write({0, 50, 100, 100, 50, 0},
                                            [](DcmDataset& set) {
                                                set.putAndInsertUint16(DCM_Columns, 3);
@@ -401,7 +401,7 @@ TEST_F(PictureOfFile, TheFirstOfSeveralFramesIsDrawnAndTheirNumberTold) {
 
 // ---- what can't be rendered -------------------------------------------------------------------------
 
-TEST_F(PictureOfFile, PixelsThatAreCutShortAreRefused) {
+TEST_F(PictureOfFile, PixelsThatAreCutShortAreRejected) {
     EXPECT_EQ(FailureOf(Write({1, 2, 3}, [](DcmDataset& set) { set.putAndInsertUint16(DCM_Rows, 2); })),
               "its pixels are cut short: fewer than its rows and columns need");
     EXPECT_EQ(FailureOf(Write({1, 2, 3},
@@ -412,7 +412,7 @@ TEST_F(PictureOfFile, PixelsThatAreCutShortAreRefused) {
               "its pixels are cut short: fewer than its rows and columns need");
 }
 
-TEST_F(PictureOfFile, SamplesOfNoPossibleFormAreRefused) {
+TEST_F(PictureOfFile, SamplesOfNoPossibleFormAreRejected) {
     struct Form {
         Uint16 allocated, stored, high;
     };
@@ -428,7 +428,7 @@ TEST_F(PictureOfFile, SamplesOfNoPossibleFormAreRefused) {
     }
 }
 
-TEST_F(PictureOfFile, DamagedCompressedPixelsAreRefusedAndNotDrawnAsNoise) {
+TEST_F(PictureOfFile, DamagedCompressedPixelsAreRejectedAndNotDrawnAsNoise) {
     DJEncoderRegistration::registerCodecs();
     DJLSEncoderRegistration::registerCodecs();
     DcmRLEEncoderRegistration::registerCodecs();
@@ -452,7 +452,7 @@ TEST_F(PictureOfFile, DamagedCompressedPixelsAreRefusedAndNotDrawnAsNoise) {
     }
 }
 
-TEST_F(PictureOfFile, Jpeg2000ThatItsDecoderOnlyWarnsOfIsRefused) {
+TEST_F(PictureOfFile, Jpeg2000ThatItsDecoderOnlyWarnsOfIsRejected) {
     const auto noise = Noise();
     std::string codestream = Jpeg2000Of({noise.begin(), noise.end()}, 64, 64, 1, 12);
     const std::size_t quantization = codestream.find("\xFF\x5C");
@@ -462,7 +462,7 @@ TEST_F(PictureOfFile, Jpeg2000ThatItsDecoderOnlyWarnsOfIsRefused) {
                 HasSubstr("its JPEG 2000 pixels are damaged: While reading"));
 }
 
-TEST_F(PictureOfFile, AMarkerThatIsNotKnownIsNoDamage) {
+TEST_F(PictureOfFile, AnUnknownMarkerIsNotReportedAsDamage) {
     std::string codestream = Jpeg2000Of({0, 4095, 0, 2048, 100, 4095, 7, 0}, 8, 1, 1, 12);
     const std::size_t comment = codestream.find("\xFF\x64");
     ASSERT_NE(comment, std::string::npos);
@@ -470,7 +470,7 @@ TEST_F(PictureOfFile, AMarkerThatIsNotKnownIsNoDamage) {
     EXPECT_EQ(FailureOf(WriteFragments({codestream}, EXS_JPEG2000)), "none");
 }
 
-TEST_F(PictureOfFile, AnyDamageOfAFileIsAPictureOrARefusal) {
+TEST_F(PictureOfFile, AnyDamageOfAFileIsAPictureOrARejection) {
     const auto sample = [](DcmDataset& set) {
         DcmItem* item = nullptr;
         const Uint16 descriptor[] = {4, 0, 12}, data[] = {0, 1000, 2000, 4095};
@@ -496,7 +496,7 @@ TEST_F(PictureOfFile, AnyDamageOfAFileIsAPictureOrARefusal) {
     }
 }
 
-TEST_F(PictureOfFile, WhyThereIsNoPictureIsTold) {
+TEST_F(PictureOfFile, TheReasonForAMissingPictureIsReported) {
     EXPECT_EQ(WhyNoPicture(Write({1, 2})), "");
     EXPECT_EQ(WhyNoPicture(Write({1}, [](DcmDataset& set) { set.putAndInsertUint16(DCM_Rows, 2); })),
               "its pixels are cut short: fewer than its rows and columns need");

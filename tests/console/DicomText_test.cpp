@@ -7,7 +7,7 @@ namespace {
 
 std::string Decoded(const char* set, const std::string& bytes) { return TextDecoder(set).Decode(bytes); }
 
-TEST(DicomText, PlainTextStays) {
+TEST(DicomText, PlainTextIsUnchanged) {
     for (const char* set : {"", "ISO_IR 100", "ISO_IR 192", "\\ISO 2022 IR 87", "GB18030", "nonsense"})
         EXPECT_EQ(Decoded(set, "Test^Plain"), "Test^Plain") << set;
     EXPECT_EQ(Decoded("ISO_IR 100", ""), "");

@@ -7,11 +7,11 @@
 #include <fstream>
 #include <gdk-pixbuf/gdk-pixbuf.h>
 
-/// The font library keeps what it found until the process ends, in memory that no pointer leads to.
+/// The font library does not free its cache, to which no pointer refers at the end of the process.
 extern "C" const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig\n"; }
 
-/// What a drawing shows: photographs, the page as SVG, and its pixels.
+/// Drawings: photographs, the page as SVG, and its pixels.
 namespace {
 
 using namespace Console;
@@ -72,7 +72,7 @@ TEST_F(Photograph, APhotographIsTurnedAsItsFileSays) {
     EXPECT_EQ(Pixels(turned.bytes).Height(), 16);
 }
 
-TEST_F(Photograph, ADamagedOrCutPhotographIsRefused) {
+TEST_F(Photograph, ADamagedOrCutPhotographIsRejected) {
     std::vector<Pixel> noise(static_cast<std::size_t>(64) * 64);
     for (std::size_t i = 0; i < noise.size(); ++i) noise[i] = {static_cast<int>(i * 7919 % 251), 0, 9};
     const Picture png = PictureOf(64, noise);
@@ -148,7 +148,7 @@ TEST(Drawing, LaterPicturesLieOnEarlierOnes) {
     EXPECT_EQ(Drawn(page).At(50, 50), Blue);
 }
 
-TEST(Drawing, WhatLiesBelowTheCanvasMakesItLonger) {
+TEST(Drawing, APictureBelowTheCanvasMakesTheDrawingLonger) {
     Page page = PageWith(PictureOf(1, {Red}));
     page.pictures[0].box = {0, 1, 0.5, 1};
     const Pixels pixels = Drawn(page);
@@ -156,7 +156,7 @@ TEST(Drawing, WhatLiesBelowTheCanvasMakesItLonger) {
     EXPECT_EQ(pixels.At(50, 150), Red);
 }
 
-TEST(Drawing, WhatLiesLeftOfTheCanvasMakesItWider) {
+TEST(Drawing, APictureLeftOfTheCanvasMakesTheDrawingWider) {
     Page page = PageWith(PictureOf(1, {Red}));
     page.pictures[0].box = {-0.5, 0, 0.5, 1};
     EXPECT_THAT(SvgOf(page, {}), HasSubstr("viewBox=\"-100 0 300 100\""));
@@ -164,20 +164,20 @@ TEST(Drawing, WhatLiesLeftOfTheCanvasMakesItWider) {
     EXPECT_EQ(Drawn(page).At(133, 33), Black);
 }
 
-TEST(Drawing, PlacesThatNoPageHasStillGiveADrawing) {
+TEST(Drawing, ImpossiblePlacesStillResultInADrawing) {
     Page page = PageWith(PictureOf(1, {Red}));
     page.pictures[0].box = {1e300, -1e300, 1e300, 1};
     EXPECT_EQ(Drawn(page).Width(), 200);
 }
 
-TEST(Drawing, ADrawingTooHighIsRefused) {
+TEST(Drawing, ADrawingTooHighIsRejected) {
     Page page = PageWith(PictureOf(1, {Red}));
     page.width = 1;
     page.height = 100'000;
     EXPECT_THROW(Drawn(page), std::runtime_error);
 }
 
-TEST(Drawing, NumbersAndEmptySlotsStandThereOnDemand) {
+TEST(Drawing, NumbersAndEmptySlotsAreDrawnOnRequest) {
     Page page = PageWith(FourColours);
     page.empty.push_back({{0.5, 0, 0.5, 1}, 8, "Left <molars> & more"});
     const std::string plain = SvgOf(page, {});
@@ -209,7 +209,7 @@ TEST(Drawing, AnyTextIsXml) {
     EXPECT_EQ(Drawn(page).Width(), 200);
 }
 
-TEST(Drawing, WhatIsNoSvgIsRefused) {
+TEST(Drawing, ATextThatIsNotSvgIsRejected) {
     EXPECT_THROW(PngOfSvg("no drawing", 100), std::runtime_error);
     EXPECT_THROW(PngOfSvg("<svg xmlns=\"http://www.w3.org/2000/svg\"/>", 100), std::runtime_error);
 }

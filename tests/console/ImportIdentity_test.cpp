@@ -165,7 +165,7 @@ TEST_F(ImportIdentity, ALaterFileOfAKnownSeriesIsCompared) {
     EXPECT_EQ(Import({"--new-patient"}).code, 3) << "a study has one patient";
 }
 
-TEST_F(ImportIdentity, AConflictIsToldToScriptsToo) {
+TEST_F(ImportIdentity, AConflictIsReportedToScriptsToo) {
     Init();
     Film("2.25.1", Anna);
     ASSERT_EQ(Import().code, 0);
@@ -178,7 +178,7 @@ TEST_F(ImportIdentity, AConflictIsToldToScriptsToo) {
     EXPECT_EQ(told[0]["others"][0]["number"], 1);
 }
 
-TEST_F(ImportIdentity, OtherIdentifiersThatDoNotFitAreLeftOutWholeAndTold) {
+TEST_F(ImportIdentity, OtherIdentifiersThatDoNotFitAreOmittedAndReported) {
     Init();
     std::string many;
     for (int i = 100; i < 140; ++i) many += (many.empty() ? "" : "\\") + std::string("NUMBER") + std::to_string(i);
@@ -194,7 +194,7 @@ TEST_F(ImportIdentity, OtherIdentifiersThatDoNotFitAreLeftOutWholeAndTold) {
 // ---- what the database doesn't know yet
 // --------------------------------------------------------------
 
-TEST_F(ImportIdentity, WhatThePatientLacksIsTakenFromALaterFileAndThenCompared) {
+TEST_F(ImportIdentity, MissingDataOfThePatientAreCopiedFromALaterFileAndThenCompared) {
     Init();
     Film("2.25.1", {"4711", "", "Ek^Anna", "", ""});
     ASSERT_EQ(Import().code, 0);
@@ -230,7 +230,7 @@ TEST_F(ImportIdentity, AFillingIsRolledBackWithTheSeries) {
     EXPECT_EQ(patient["BirthDate"], "");
 }
 
-TEST_F(ImportIdentity, APatientWithoutNameTakesTheFirstNameAndRefusesTheSecond) {
+TEST_F(ImportIdentity, APatientWithoutNameTakesTheFirstNameAndRejectsTheSecond) {
     Init();
     Film("2.25.1", {"4711", "A", "", "19800131", "F"});
     ASSERT_EQ(Import().code, 0);
@@ -243,7 +243,7 @@ TEST_F(ImportIdentity, APatientWithoutNameTakesTheFirstNameAndRefusesTheSecond) 
     EXPECT_EQ(OkJson({"images"}).size(), 2U);
 }
 
-TEST_F(ImportIdentity, AFamilyNameAloneTakesTheGivenName) {
+TEST_F(ImportIdentity, AFamilyNameAloneIsCompletedByTheGivenName) {
     Init();
     Film("2.25.1", {"4711", "A", "Ek", "19800131", "F"});
     ASSERT_EQ(Import().code, 0);
@@ -254,7 +254,7 @@ TEST_F(ImportIdentity, AFamilyNameAloneTakesTheGivenName) {
     EXPECT_EQ(Import().code, 3);
 }
 
-TEST_F(ImportIdentity, AGivenNameAloneTakesTheFamilyName) {
+TEST_F(ImportIdentity, AGivenNameAloneIsCompletedByTheFamilyName) {
     Init();
     Film("2.25.1", {"4711", "A", "^Anna", "", "F"});
     ASSERT_EQ(Import().code, 0);
@@ -305,7 +305,7 @@ TEST_F(ImportIdentity, EachTwoFilesOfASeriesAreCompared) {
     EXPECT_EQ(OkJson({"patients"}).size(), 0U);
 }
 
-TEST_F(ImportIdentity, ASeriesIsStoredUnderWhatAllItsFilesSay) {
+TEST_F(ImportIdentity, ASeriesIsStoredWithTheDataOfAllItsFiles) {
     Init();
     Film("2.25.1", {"4711", "", "", "", ""}, 1);
     Film("2.25.1", {"4711", "A", "Ek^Anna", "", ""}, 2);
@@ -317,7 +317,7 @@ TEST_F(ImportIdentity, ASeriesIsStoredUnderWhatAllItsFilesSay) {
     EXPECT_EQ(patient["Issuer"], "A");
 }
 
-TEST_F(ImportIdentity, ALaterFileOfASeriesThatContradictsTheStoredPatientIsFoundBehindTheFirst) {
+TEST_F(ImportIdentity, ALaterFileThatContradictsTheStoredPatientIsFoundAfterTheFirst) {
     Init();
     Film("2.25.1", Anna);
     ASSERT_EQ(Import().code, 0);
@@ -340,7 +340,7 @@ TEST_F(ImportIdentity, NewPatientsOfOneImportAreFilledToo) {
     EXPECT_EQ(OkJson({"patient", "#2"})["BirthDate"], "1955-05-05");
 }
 
-TEST_F(ImportIdentity, ASecondNewPatientOfTheSamePersonIsTold) {
+TEST_F(ImportIdentity, ASecondNewPatientOfTheSamePersonIsReported) {
     Init();
     Film("2.25.1", Anna);
     ASSERT_EQ(Import().code, 0);
@@ -354,7 +354,7 @@ TEST_F(ImportIdentity, ASecondNewPatientOfTheSamePersonIsTold) {
     EXPECT_THAT(Import({"--new-patient"}).err, ::testing::Not(HasSubstr("in every field")));
 }
 
-TEST_F(ImportIdentity, AnIdentifierAloneIsNotEnoughAndIsToldSo) {
+TEST_F(ImportIdentity, AnIdentifierAloneIsNotEnoughAndTheReasonIsReported) {
     const Result run = ImportBoth(Anna, {"4711", "", "", "", ""});
     EXPECT_EQ(run.code, 3);
     EXPECT_THAT(run.err, HasSubstr("there is not enough to tell whether"));
@@ -362,7 +362,7 @@ TEST_F(ImportIdentity, AnIdentifierAloneIsNotEnoughAndIsToldSo) {
     EXPECT_EQ(run.err.find("contradicts"), std::string::npos) << run.err;
 }
 
-TEST_F(ImportIdentity, ARefusedPatientWithoutNameIsNamedByItsNumber) {
+TEST_F(ImportIdentity, ARejectedPatientWithoutNameIsNamedByItsNumber) {
     const Result run = ImportBoth({"4711", "A", "", "19800131", ""}, {"4711", "A", "Berg^Nils", "19550505", ""});
     EXPECT_EQ(run.code, 3);
     EXPECT_THAT(run.err, HasSubstr("Patient ID 4711 belongs to another person in the database, #1"));
@@ -453,7 +453,7 @@ TEST_F(TwoPatientsOfOneID, OneOfThemCanGetAnotherIdentifier) {
     EXPECT_THAT(taken.err, HasSubstr("another patient has the ID 4711"));
 }
 
-TEST_F(TwoPatientsOfOneID, AnIssuerStaysWithANewIdentifierAndCanBeSet) {
+TEST_F(TwoPatientsOfOneID, AnIssuerIsKeptWithANewIdentifierAndCanBeSet) {
     EXPECT_EQ(OkJson({"patient", "#2", "Issuer=ISSA"})["Issuer"], "ISSA");
     EXPECT_EQ(OkJson({"patient", "#2", "PatientID=NEW1"})["Issuer"], "ISSA");
     EXPECT_EQ(OkJson({"patient", "#1"})["Issuer"], "");
@@ -498,7 +498,7 @@ TEST_F(TwoPatientsOfOneID, ListsTakeANumberToo) {
     EXPECT_EQ(OkJson({"studies", "--patient", "#2"})[0]["uid"], "1.2");
 }
 
-TEST_F(Program, WhatAPersonTypesAboutAPatientIsChecked) {
+TEST_F(Program, TypedPatientDataAreChecked) {
     Init();
     Run("INSERT INTO Patient_T (PersonNr_CH) VALUES ('P1')");
     Run("INSERT INTO Doctor_T (DrLastName_NVC) VALUES ('Ek')");

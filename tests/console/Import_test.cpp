@@ -11,7 +11,7 @@ namespace {
 using namespace ProgramTest;
 using ::testing::HasSubstr;
 
-/// What an import does with roots, files and other programs.
+/// Imports: roots, files, and other programs that run at the same time.
 class ImportTest : public Program {
 protected:
     Result Import(std::vector<std::string> arguments = {}) {
@@ -34,7 +34,7 @@ protected:
     }
 };
 
-TEST_F(ImportTest, AMissingRootIsNeverMadeAndNothingIsStored) {
+TEST_F(ImportTest, AMissingRootIsNotCreatedAndNothingIsStored) {
     Init();
     WriteSeries("2.25.5", {FullMouth18[7]});
     fs::remove_all(Root());
@@ -45,7 +45,7 @@ TEST_F(ImportTest, AMissingRootIsNeverMadeAndNothingIsStored) {
     EXPECT_EQ(OkJson({"patients"}).size(), 0U);
 }
 
-TEST_F(ImportTest, ARootOfAnotherClinicIsRefused) {
+TEST_F(ImportTest, ARootOfAnotherClinicIsRejected) {
     Init();
     WriteSeries("2.25.5", {FullMouth18[7]});
     Ok({"import", Films()});
@@ -95,7 +95,7 @@ TEST_F(ImportTest, TheStoredFilesHaveTheirChecksums) {
     EXPECT_EQ(con->Execute("SELECT CRC FROM ImageBild_T")->Fields(0).As<std::string>().size(), 64U);
 }
 
-TEST_F(ImportTest, AFileOfTheSameNameThatAnotherImportLeftDoesNotHinder) {
+TEST_F(ImportTest, AFileOfTheSameNameThatAnotherImportLeftIsIgnored) {
     Init();
     WriteSeries("2.25.5", {FullMouth18[7]});
     const fs::path left = Root() / "0_" / ("2.25.5.1.dcm.part" + std::to_string(getpid()));
@@ -105,7 +105,7 @@ TEST_F(ImportTest, AFileOfTheSameNameThatAnotherImportLeftDoesNotHinder) {
     EXPECT_EQ(ContentOf(left), "half a film");
 }
 
-TEST_F(ImportTest, AFileWithFourThousandNestedSequencesFailsAlone) {
+TEST_F(ImportTest, OnlyTheFileWithFourThousandNestedSequencesFails) {
     Init();
     WriteSeries("2.25.5", FullMouth18);
     // Explicit little endian: a sequence of undefined length in an item of undefined length, and so on.
@@ -128,7 +128,7 @@ TEST_F(ImportTest, AFileWithFourThousandNestedSequencesFailsAlone) {
     EXPECT_THAT(run.out, HasSubstr("19 files: 18 new images stored"));
 }
 
-TEST_F(ImportTest, SequencesNestedDeeperThanAnyRadiographHasAreRefused) {
+TEST_F(ImportTest, SequencesNestedDeeperThanAnyRadiographHasAreRejected) {
     Init();
     const auto nest = [](int depth) {
         return [depth](DcmDataset& set) {
@@ -147,7 +147,7 @@ TEST_F(ImportTest, SequencesNestedDeeperThanAnyRadiographHasAreRefused) {
     EXPECT_THAT(run.out, HasSubstr("2 files: 1 new images stored"));
 }
 
-TEST_F(ImportTest, AFilmWhosePictureCannotBeDrawnIsStoredAndTold) {
+TEST_F(ImportTest, AFilmWhosePictureCannotBeDrawnIsStoredAndReported) {
     Init();
     Write("2.25.5", 1, FullMouth18[7], [](DcmDataset& set) {
         set.putAndInsertString(DCM_PhotometricInterpretation, "YBR_PARTIAL_420");
@@ -204,7 +204,7 @@ protected:
     }
 };
 
-TEST_F(DiscTest, EachFileThatTheDicomdirNamesIsImportedWhateverItsCase) {
+TEST_F(DiscTest, EachFileThatTheDicomdirNamesIsImportedInAnyCase) {
     MakeDisc();
     const Result run = Import();
     EXPECT_EQ(run.code, 0) << run.err;
@@ -257,7 +257,7 @@ TEST_F(DiscTest, ObjectsWithoutPictureAreCountedInOneLine) {
     EXPECT_THAT(Import().err, HasSubstr("2.25.6-101.dcm: not imported: no pixel data")) << "a kind that has pixels";
 }
 
-TEST_F(ImportTest, PicturesOfVisibleLightAreNoFilms) {
+TEST_F(ImportTest, PicturesOfVisibleLightAreNotFilms) {
     Init();
     struct Kind {
         const char *sopClass, *modality, *pixels;
@@ -293,7 +293,7 @@ TEST_F(ImportTest, PicturesOfVisibleLightAreNoFilms) {
     }
 }
 
-TEST_F(ImportTest, AFailureOfTheDatabaseIsToldInPlainWords) {
+TEST_F(ImportTest, AFailureOfTheDatabaseIsReportedInPlainWords) {
     Init();
     WriteSeries("2.25.5", {FullMouth18[7]});
     Ok({"import", Films()});
@@ -305,7 +305,7 @@ TEST_F(ImportTest, AFailureOfTheDatabaseIsToldInPlainWords) {
     EXPECT_THAT(run.err, HasSubstr("study 2.25.5.900 can't be read whole"));
 }
 
-TEST_F(ImportTest, AMarkerThatIsNoneIsNeitherTakenNorReplaced) {
+TEST_F(ImportTest, AnInvalidMarkerIsNeitherAcceptedNorReplaced) {
     Init();
     WriteSeries("2.25.5", {FullMouth18[7]});
     for (const char* marker : {"deadbeef\n", "", "storage root of clinic \n"}) {

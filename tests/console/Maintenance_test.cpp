@@ -150,7 +150,7 @@ TEST_F(Maintenance, AnAlteredFileNeverReplacesItsGoodCopy) {
     EXPECT_TRUE(fs::exists(other / "images" / "0_" / "2.25.5.2.dcm"));
 }
 
-TEST_F(Maintenance, WhatCannotBeBackedUpIsTold) {
+TEST_F(Maintenance, FilesThatCannotBeBackedUpAreReported) {
     std::ofstream(Stored("2.25.5.1.dcm")) << "overwritten";
     const Result run = Try({"--db", Database(), "backup", Backup()});
     EXPECT_EQ(run.code, 3);
@@ -185,7 +185,7 @@ TEST_F(Maintenance, ARestoreNamesTheImagesWhoseFileTheBackupLacks) {
     EXPECT_EQ(json::parse(images.out).size(), 4U) << "the database and the other films are there";
 }
 
-TEST_F(Maintenance, ABackupInAStorageRootOrAroundOneIsRefused) {
+TEST_F(Maintenance, ABackupInAStorageRootOrAroundOneIsRejected) {
     const std::string root = (folder.Path() / "images").string();
     fs::create_directory_symlink(root, folder.Path() / "link");
     for (const std::string& where : {root, root + "/backup", (folder.Path() / "link" / "b").string()}) {
@@ -213,7 +213,7 @@ TEST_F(Maintenance, LeftoversOfKilledBackupsAndRestoresAreRemovedByTheNext) {
     for (const fs::path& place : left) EXPECT_FALSE(fs::exists(place)) << place;
 }
 
-TEST_F(Maintenance, ABackupWhoseDatabaseIsCutShortIsToldAsSuch) {
+TEST_F(Maintenance, ABackupWhoseDatabaseIsCutShortIsReportedAsSuch) {
     Ok({"backup", Backup()});
     const fs::path database = fs::path(Backup()) / "clinic.db", other = folder.Path() / "other";
     fs::create_directories(other);
@@ -241,7 +241,7 @@ TEST_F(Maintenance, AFamilyNameThatAPersonCorrectedIsANote) {
     EXPECT_THAT(Found(), ElementsAre("two-names"));
 }
 
-TEST_F(Maintenance, AFolderWithTheBackupOfAnotherClinicIsRefused) {
+TEST_F(Maintenance, AFolderWithTheBackupOfAnotherClinicIsRejected) {
     Ok({"backup", Backup()});
     const std::string other = (folder.Path() / "other.db").string();
     ASSERT_EQ(Try({"init", other, "--root", (folder.Path() / "elsewhere").string()}).code, 0);

@@ -21,7 +21,7 @@ TEST(Orientation, EachNumberShowsThePictureAsImageFilesMeanIt) {
     EXPECT_EQ(Shown(Orientation(2)), "badc");  // rows from the right
     EXPECT_EQ(Shown(Orientation(3)), "dcba");  // from the lower right
     EXPECT_EQ(Shown(Orientation(4)), "cdab");  // from below
-    EXPECT_EQ(Shown(Orientation(5)), "acbd");  // rows stand as columns from the left
+    EXPECT_EQ(Shown(Orientation(5)), "acbd");  // the rows are shown as columns, from the left
     EXPECT_EQ(Shown(Orientation(6)), "cadb");  // as columns from the right
     EXPECT_EQ(Shown(Orientation(7)), "dbca");  // as columns from the right, upwards
     EXPECT_EQ(Shown(Orientation(8)), "bdac");  // as columns from the left, upwards
@@ -38,7 +38,7 @@ TEST(Orientation, KeepsItsNumber) {
     for (Platform::Long number = 1; number <= 8; ++number) EXPECT_EQ(Orientation(number).Number(), number);
 }
 
-TEST(Orientation, TurningAndMirroringGoByWhatIsSeen) {
+TEST(Orientation, TurningAndMirroringApplyToTheShownPicture) {
     for (Platform::Long number = 1; number <= 8; ++number) {
         const Orientation form(number);
         const std::string seen = Shown(form);

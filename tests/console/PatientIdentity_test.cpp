@@ -127,7 +127,7 @@ TEST(TypedDate, TwoReadingsAreBothShown) {
     }
 }
 
-TEST(TypedDate, WhatIsNotADateIsRefused) {
+TEST(TypedDate, ATextThatIsNotADateIsRejected) {
     for (const char* text : {"", "soon", "1980", "31.02.1980", "1980-13-01", "31.01.80", "05031980", "12", "1.5",
                              "0000-00-00", "1980-01-31x", "32 Jan 1980", "3 Foo 1980"})
         EXPECT_THROW(TypedDate(text), UserError) << text;

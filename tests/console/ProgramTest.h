@@ -8,14 +8,14 @@
 #include <dcmtk/dcmdata/dctk.h>
 #include <nlohmann/json.hpp>
 
-/// What the tests of the program stand on: an empty folder, small DICOM files, and runs of the program.
+/// The environment of the program's tests: an empty folder, small DICOM files, and runs of the program.
 namespace ProgramTest {
 
 namespace fs = std::filesystem;
 using nlohmann::json;
 using TestKit::TemporaryFolder;
 
-/// What one run of the program gave.
+/// The exit code and the output of one run of the program.
 struct Result {
     int code = 0;
     std::string out, err;
@@ -46,7 +46,7 @@ inline const std::vector<Film> FullMouth18{{{16, 17, 18}, ""},
                                            {{34, 35}, ""},
                                            {{36, 37, 38}, ""}};
 
-/// A test with an empty folder, in which the program makes and uses clinic.db.
+/// A test with an empty folder, in which the program creates and uses clinic.db.
 class Program : public ::testing::Test {
 protected:
     Program() { unsetenv("OXCLASS_DB"); }
@@ -65,7 +65,7 @@ protected:
         return run;
     }
 
-    /// A run on the test's database that must succeed; gives its output.
+    /// Runs the program on the test's database; it must succeed. Returns its output.
     std::string Ok(std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), {"--db", Database()});
         const Result run = Try(arguments);

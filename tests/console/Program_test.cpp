@@ -19,7 +19,7 @@ TEST_F(Program, InitMakesADatabaseWithLayoutsAndAnActiveRoot) {
     EXPECT_TRUE(fs::is_directory(folder.Path() / "store"));
 }
 
-TEST_F(Program, InitNeverTouchesAnExistingFile) {
+TEST_F(Program, InitDoesNotChangeAnExistingFile) {
     std::ofstream(Database()) << "precious";
     const Result run = Try({"init", Database()});
     EXPECT_EQ(run.code, 1);
@@ -32,14 +32,14 @@ TEST_F(Program, InitNeverTouchesAnExistingFile) {
     EXPECT_EQ(OkJson({"patients"}).size(), 0U);
 }
 
-TEST_F(Program, InitLeavesNothingBehindWhenItFails) {
+TEST_F(Program, AFailedInitLeavesNoFile) {
     const Result run = Try({"init", (folder.Path() / "no" / "clinic.db").string()});
     EXPECT_EQ(run.code, 1);
     EXPECT_NE(run.err.find("there is no folder"), std::string::npos);
     EXPECT_TRUE(fs::is_empty(folder.Path()));
 }
 
-TEST_F(Program, WrongInputGetsOneLineThatSaysWhatToDo) {
+TEST_F(Program, WrongInputIsReportedInOneLineThatSaysWhatToDo) {
     const std::pair<std::vector<std::string>, const char*> wrong[] = {
         {{"patients"}, "use --db FILE or set OXCLASS_DB"},
         {{"--db", Database(), "patients"}, "make one with: oxclass init"},
@@ -66,7 +66,7 @@ TEST_F(Program, EachCommandHelpsWithAnExample) {
     }
 }
 
-TEST_F(Program, AForeignOrNewerDatabaseIsRefused) {
+TEST_F(Program, AForeignOrNewerDatabaseIsRejected) {
     std::ofstream(folder.Path() / "letter.txt") << std::string(3000, 'x');
     Result run = Try({"--db", (folder.Path() / "letter.txt").string(), "patients"});
     EXPECT_EQ(run.code, 1);
@@ -82,7 +82,7 @@ TEST_F(Program, AForeignOrNewerDatabaseIsRefused) {
     EXPECT_NE(run.err.find("is no clinic database"), std::string::npos) << run.err;
 }
 
-TEST_F(Program, UnknownThingsAreNamed) {
+TEST_F(Program, UnknownRecordsAreNamed) {
     Init();
     for (const std::vector<std::string>& command : {std::vector<std::string>{"patient", "x"},
                                                     {"patient", "#7"},
@@ -104,7 +104,7 @@ TEST_F(Program, UnknownThingsAreNamed) {
     }
 }
 
-TEST_F(Program, AFullMouthHangsByItsTeethInWhateverOrderItWasTaken) {
+TEST_F(Program, AFullMouthHangsByItsTeethInAnyOrderOfCapture) {
     Init();
     TestKit::Random random;
     for (int round = 1; round <= 6; ++round) {
@@ -175,7 +175,7 @@ TEST_F(Program, ImportingAgainStoresNothingTwice) {
     EXPECT_EQ(OkJson({"studies"}).size(), 1U);
 }
 
-TEST_F(Program, AnotherFilmOfAStoredSeriesJoinsItAndHangsItAnew) {
+TEST_F(Program, AnotherFilmOfAStoredSeriesIsAddedAndTheSeriesIsHungAgain) {
     Init();
     WriteSeries("2.25.5", {FullMouth18[7]});
     Ok({"import", Films()});
@@ -226,7 +226,7 @@ TEST_F(Program, AFileThatCannotBeReadIsReportedAndTheOthersGoOn) {
     EXPECT_NE(run.out.find("3 files: 1 new images stored"), std::string::npos) << run.out;
 }
 
-TEST_F(Program, AStudyOfAnotherPatientIsRefused) {
+TEST_F(Program, AStudyOfAnotherPatientIsRejected) {
     Init();
     WriteSeries("2.25.5", {FullMouth18[7]});
     Ok({"import", Films()});
@@ -322,7 +322,7 @@ TEST_F(Program, SettingsAreStoredByName) {
     EXPECT_EQ(OkJson({"setting", "list"}).size(), 22U);
 }
 
-TEST_F(Program, ARootThatNoIdentifierCouldHaveIsRefused) {
+TEST_F(Program, ARootThatNoIdentifierCouldHaveIsRejected) {
     Init();
     for (const std::string& bad :
          {std::string("abc x"), std::string(64, '1'), std::string(), std::string(".."), std::string("1."),
@@ -337,7 +337,7 @@ TEST_F(Program, AnUnknownCommandIsNamed) {
     EXPECT_NE(run.err.find("there is no command \"bogus\""), std::string::npos) << run.err;
 }
 
-TEST_F(Program, ReplacingBringsTheOldLogIntoTheFileThatIsPutAside) {
+TEST_F(Program, ReplacingWritesTheOldLogIntoTheRenamedFile) {
     Init();
     {
         const auto con = Platform::New<ADODB::Connection>();
@@ -353,7 +353,7 @@ TEST_F(Program, ReplacingBringsTheOldLogIntoTheFileThatIsPutAside) {
     EXPECT_EQ(OkJson({"patients"}).size(), 1U);
 }
 
-TEST_F(Program, ASeriesOfAnotherStudyIsRefused) {
+TEST_F(Program, ASeriesOfAnotherStudyIsRejected) {
     Init();
     WriteSeries("2.25.5", {FullMouth18[7]});
     Ok({"import", Films()});
@@ -366,7 +366,7 @@ TEST_F(Program, ASeriesOfAnotherStudyIsRefused) {
     EXPECT_EQ(OkJson({"patients"}).size(), 1U);
 }
 
-TEST_F(Program, AUidThatIsNoneIsRefused) {
+TEST_F(Program, AnInvalidUidIsRejected) {
     Init();
     WriteSeries("2.25.5", {FullMouth18[7]});
     Ok({"import", Films()});
@@ -395,7 +395,7 @@ TEST_F(Program, AKnownImageUnderAnotherPatientOrWithAnotherPictureIsNotTakenForS
     EXPECT_NE(changed.err.find("another file is stored as"), std::string::npos) << changed.err;
 }
 
-TEST_F(Program, ACopyThatIsGoneFromItsRootIsMadeAgain) {
+TEST_F(Program, ACopyThatIsMissingInItsRootIsCreatedAgain) {
     Init();
     WriteSeries("2.25.5", {FullMouth18[7]});
     Ok({"import", Films()});
@@ -436,14 +436,14 @@ TEST_F(Program, NamesAreFoundInAnyScriptWithoutRegardToCase) {
     EXPECT_EQ(OkJson({"images", "--patient", "p-2.25.5"}).size(), 1U);
 }
 
-TEST_F(Program, FoldersThatLeadRoundInACircleAreWalkedOnce) {
+TEST_F(Program, FoldersWithCyclicLinksAreReadOnce) {
     Init();
     WriteSeries("2.25.5", {FullMouth18[7]});
     fs::create_directory_symlink(Films(), Films() + "/again");
     EXPECT_EQ(OkJson({"import", Films()})["files"], 1);
 }
 
-TEST_F(Program, ABlankCommentIsRefused) {
+TEST_F(Program, ABlankCommentIsRejected) {
     Init();
     WriteSeries("2.25.5", {FullMouth18[7]});
     Ok({"import", Films()});

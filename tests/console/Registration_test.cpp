@@ -14,7 +14,7 @@ protected:
     std::filesystem::path File() const { return folder.Path() / "data" / "classes.json"; }
 };
 
-TEST_F(Registration, MakesTheClassesKnownAndTakesThemOutAgain) {
+TEST_F(Registration, RegistersAndUnregistersTheClasses) {
     EXPECT_NE(Ok({"register", LIBRARY}).find(File().string()), std::string::npos);
     const auto classes = OkJson({"classes"});
     ASSERT_EQ(classes.size(), 28U);
@@ -31,7 +31,7 @@ TEST_F(Registration, MakesTheClassesKnownAndTakesThemOutAgain) {
     EXPECT_NE(Ok({"classes"}).find("No classes are registered"), std::string::npos);
 }
 
-TEST_F(Registration, ADamagedFileIsToldAndStays) {
+TEST_F(Registration, ADamagedFileIsReportedAndUnchanged) {
     std::filesystem::create_directories(File().parent_path());
     std::ofstream(File()) << "not a registry";
     for (const auto& command :
@@ -45,7 +45,7 @@ TEST_F(Registration, ADamagedFileIsToldAndStays) {
     EXPECT_EQ(text, "not a registry");
 }
 
-TEST_F(Registration, WhatIsGoneCanBeTakenOut) {
+TEST_F(Registration, ADeletedLibraryCanBeUnregistered) {
     const auto copy = folder.Path() / "libOXClass.so";
     std::filesystem::copy_file(LIBRARY, copy);
     Ok({"register", copy.string()});
@@ -57,7 +57,7 @@ TEST_F(Registration, WhatIsGoneCanBeTakenOut) {
     EXPECT_NE(again.err.find("is not registered"), std::string::npos) << again.err;
 }
 
-TEST_F(Registration, WhatIsGoneCanBeNamedThroughALink) {
+TEST_F(Registration, ADeletedLibraryCanBeNamedThroughALink) {
     std::filesystem::create_directory(folder.Path() / "real");
     std::filesystem::create_directory_symlink(folder.Path() / "real", folder.Path() / "link");
     const auto linked = folder.Path() / "link" / "libOXClass.so";
@@ -67,7 +67,7 @@ TEST_F(Registration, WhatIsGoneCanBeNamedThroughALink) {
     Ok({"unregister", linked.string()});
 }
 
-TEST_F(Registration, AFileOfTheCurrentFolderIsNamedAlone) {
+TEST_F(Registration, AFileOfTheCurrentFolderCanBeNamedWithoutAFolder) {
     const auto before = std::filesystem::current_path();
     std::filesystem::current_path(std::filesystem::path(LIBRARY).parent_path());
     Ok({"register", "libOXClass.so"});
@@ -75,7 +75,7 @@ TEST_F(Registration, AFileOfTheCurrentFolderIsNamedAlone) {
     EXPECT_EQ(OkJson({"classes"})[0]["library"], std::filesystem::canonical(LIBRARY).string());
 }
 
-TEST_F(Registration, ALibraryThatIsNoneIsTold) {
+TEST_F(Registration, AFileThatIsNotALibraryIsReported) {
     const auto missing = Try({"register", (folder.Path() / "nothing.so").string()});
     EXPECT_EQ(missing.code, 1);
     EXPECT_NE(missing.err.find("nothing.so"), std::string::npos) << missing.err;

@@ -10,8 +10,7 @@
 #include <gmock/gmock.h>
 #include <regex>
 
-/// What lists, charts, drawings and reports say of images that have no picture, no anatomy or no place among
-/// films.
+/// The output of lists, charts, drawings and reports for images without a picture, without anatomy or without a frame.
 namespace {
 
 using namespace ProgramTest;
@@ -102,7 +101,7 @@ TEST_F(Shown, ASeriesOfPhotographsOnlyHasNoLayout) {
     EXPECT_EQ(OkJson({"series"})[0]["layout"], 0);
 }
 
-TEST_F(Shown, HangingAnewClearsTheFramesOfPhotographs) {
+TEST_F(Shown, HangingAgainClearsTheFramesOfPhotographs) {
     Write("1.2.3", 1, {{}, ""}, MakePhotograph);
     Import();
     Run("UPDATE ImageBild_T SET FrameNumber_INT = 1");
@@ -156,7 +155,7 @@ TEST_F(Shown, KnownAnatomyAndViewsOfTheHeadAreNotMarked) {
 
 // ---- pictures that can't be shown -------------------------------------------------------------------
 
-TEST_F(Shown, ImagesWithoutAPictureAreToldEverywhereWithTheReason) {
+TEST_F(Shown, ImagesWithoutAPictureAreReportedEverywhereWithTheReason) {
     Write("1.2.3", 1, {{16}, ""});
     Write("1.2.3", 2, {{26}, ""});
     Import();
@@ -177,7 +176,7 @@ TEST_F(Shown, ImagesWithoutAPictureAreToldEverywhereWithTheReason) {
     EXPECT_THAT(Report("P-1.2.3"), HasSubstr("<td>no picture: the file is missing</td>"));
 }
 
-TEST_F(Shown, TransferSyntaxesThatCannotBeDecodedAreToldInTheList) {
+TEST_F(Shown, TransferSyntaxesThatCannotBeDecodedAreReportedInTheList) {
     Write("1.2.3", 1, {{16}, ""});
     Import();
     const fs::path path = StoredFile(1);
@@ -191,7 +190,7 @@ TEST_F(Shown, TransferSyntaxesThatCannotBeDecodedAreToldInTheList) {
     EXPECT_THAT(Drawing("SE1"), HasSubstr("its transfer syntax 1.2.840.10008.1.2.98 is unknown"));
 }
 
-TEST_F(Shown, TheListAndTheImportTellTheSameOfADamagedCompressedPicture) {
+TEST_F(Shown, TheListAndTheImportReportADamagedCompressedPictureAlike) {
     std::string codestream = Jpeg2000Of({0, 4095, 0, 2048, 100, 4095, 7, 0}, 8, 1, 1, 12);
     codestream.resize(codestream.size() / 2);
     DcmFileFormat file;
@@ -232,7 +231,7 @@ TEST_F(Shown, DirectionsOfTextAndControlCharactersAreFilteredOrEscaped) {
     EXPECT_EQ(Ok({"setting", "get", "DicomRootUID"}), "1.2 [2J\n");
 }
 
-TEST_F(Shown, TheFirstOfSeveralFramesIsToldToBeOne) {
+TEST_F(Shown, TheFirstOfSeveralFramesIsMarkedAsOne) {
     Write("1.2.3", 1, {{16}, ""}, [](DcmDataset& set) {
         const Uint8 pixels[8] = {1, 2, 3, 4, 5, 6, 7, 8};
         set.putAndInsertString(DCM_NumberOfFrames, "2");
@@ -265,7 +264,7 @@ TEST_F(Shown, TheShapeOfAPictureDoesNotDependOnTheDrawingsWidth) {
 
 // ---- the report -------------------------------------------------------------------------------------
 
-TEST_F(Shown, AReportTellsAnatomyInWordsExposureAndComments) {
+TEST_F(Shown, AReportShowsAnatomyInWordsExposureAndComments) {
     Write("1.2.3", 1, {{}, ""}, [](DcmDataset& set) {
         DcmItem *region = nullptr, *modifier = nullptr;
         set.findOrCreateSequenceItem(DCM_AnatomicRegionSequence, region);

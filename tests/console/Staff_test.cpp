@@ -19,7 +19,7 @@ protected:
     }
 };
 
-TEST_F(Staff, ADoctorIsMadeSetShownAndListed) {
+TEST_F(Staff, ADoctorIsCreatedChangedShownAndListed) {
     const json made = OkJson({"doctor", "new", "DrLastName=Ek", "DrFirstName=Anna", "DrPrefix=Dr", "DrLogin=ae"});
     EXPECT_EQ(made["Number"], 1);
     EXPECT_EQ(made["DICOM name"], "Ek^Anna^^Dr");
@@ -64,7 +64,7 @@ TEST_F(Staff, ADoctorWhoHasPatientsIsDeletedOnlyWithForce) {
     EXPECT_EQ(Ok({"doctor", "delete", "2"}), "Doctor 2 is deleted.\n");
 }
 
-TEST_F(Staff, TheHeadOfficeIsMadeAndMarked) {
+TEST_F(Staff, TheHeadOfficeIsCreatedAndMarked) {
     json list = OkJson({"clinics"});
     ASSERT_EQ(list.size(), 1U);
     EXPECT_EQ(list[0]["name"], "__HQ");
@@ -83,12 +83,12 @@ TEST_F(Staff, TheHeadOfficeIsMadeAndMarked) {
     Ok({"clinic", "delete", "1", "--force"});
 }
 
-TEST_F(Staff, TheFirstClinicComesBehindTheHeadOffice) {
+TEST_F(Staff, TheFirstClinicFollowsTheHeadOffice) {
     EXPECT_EQ(OkJson({"clinic", "new", "ClinicName=Nord"})["Number"], 2);
     EXPECT_EQ(OkJson({"clinics"})[0]["name"], "__HQ");
 }
 
-TEST_F(Staff, AWrongRequestIsToldInOneLine) {
+TEST_F(Staff, AWrongRequestIsReportedInOneLine) {
     Ok({"doctor", "new", "DrLastName=Ek"});
     EXPECT_THAT(UserError({"doctor", "show", "7"}), HasSubstr("there is no doctor 7"));
     EXPECT_THAT(UserError({"doctor", "set", "1", "DrShoe=44"}), HasSubstr("a doctor has no field \"DrShoe\""));

@@ -44,7 +44,7 @@ protected:
     fs::path root = folder.Path() / "root", from = folder.Path() / "from", to = root / "0_" / "1.2.dcm";
 };
 
-TEST_F(StagingTest, AFileGetsItsNameWholeAndStaysOnlyIfItIsKept) {
+TEST_F(StagingTest, AFileIsNamedCompleteAndIsRemovedUnlessItIsKept) {
     Staging staging(root);
     {
         NamedFiles names(root);
@@ -61,7 +61,7 @@ TEST_F(StagingTest, AFileGetsItsNameWholeAndStaysOnlyIfItIsKept) {
     EXPECT_TRUE(fs::exists(to));
 }
 
-TEST_F(StagingTest, NothingOfAnImportStaysButItsFiles) {
+TEST_F(StagingTest, AnImportLeavesOnlyItsFiles) {
     {
         Staging staging(root);
         staging.Copy(from);
@@ -70,7 +70,7 @@ TEST_F(StagingTest, NothingOfAnImportStaysButItsFiles) {
     EXPECT_THAT(InRoot(), ElementsAre());
 }
 
-TEST_F(StagingTest, AFileOfTheSameContentIsTakenAndStays) {
+TEST_F(StagingTest, AFileOfTheSameContentIsUsedAndKept) {
     fs::create_directory(root / "0_");
     Put(to, "film");
     Staging staging(root);
@@ -78,7 +78,7 @@ TEST_F(StagingTest, AFileOfTheSameContentIsTakenAndStays) {
     EXPECT_EQ(ContentOf(to), "film");
 }
 
-TEST_F(StagingTest, AnotherFileIsLeftAlone) {
+TEST_F(StagingTest, AnotherFileIsUnchanged) {
     fs::create_directory(root / "0_");
     Put(to, "FILM");
     Staging staging(root);
@@ -87,7 +87,7 @@ TEST_F(StagingTest, AnotherFileIsLeftAlone) {
     EXPECT_EQ(ContentOf(to), "FILM");
 }
 
-TEST_F(StagingTest, TheRootItselfIsNeverMade) {
+TEST_F(StagingTest, TheRootItselfIsNotCreated) {
     Staging staging(root);
     const StagedFile staged = staging.Copy(from);
     NamedFiles names(folder.Path() / "gone");
@@ -97,7 +97,7 @@ TEST_F(StagingTest, TheRootItselfIsNeverMade) {
     EXPECT_FALSE(fs::exists(folder.Path() / "gone"));
 }
 
-TEST_F(StagingTest, ASourceThatIsGoneLeavesNothing) {
+TEST_F(StagingTest, AMissingSourceLeavesNoFile) {
     Staging staging(root);
     EXPECT_THROW(staging.Copy(folder.Path() / "none"), UserError);
     EXPECT_EQ(InRoot().size(), 1U) << "the staging folder, empty";
@@ -209,7 +209,7 @@ TEST_F(Leftovers, ANameThatLeadsOutOfTheRootIsNotFollowed) {
     EXPECT_TRUE(fs::exists(folder.Path() / "precious.dcm"));
 }
 
-TEST_F(Leftovers, NothingOfARunningImportIsTouched) {
+TEST_F(Leftovers, FilesOfARunningImportAreUnchanged) {
     Staging running(root);
     const StagedFile staged = running.Copy(from);
     EXPECT_EQ(RemoveLeftovers(con, root), 0U);
@@ -254,7 +254,7 @@ protected:
     }
 };
 
-TEST_F(RootTest, AMissingRootIsNeverMade) {
+TEST_F(RootTest, AMissingRootIsNotCreated) {
     fs::remove_all(root);
     EXPECT_THAT(Refusal(), HasSubstr("is missing, so nothing is stored"));
     EXPECT_FALSE(fs::exists(root));
@@ -266,7 +266,7 @@ TEST_F(RootTest, ARootOfAClinicWithoutImagesIsMarked) {
     EXPECT_EQ(Refusal(), "accepted");
 }
 
-TEST_F(RootTest, AnEmptyFolderInPlaceOfARootWithImagesIsRefused) {
+TEST_F(RootTest, AnEmptyFolderInPlaceOfARootWithImagesIsRejected) {
     StoreImage();
     EXPECT_THAT(Refusal(), HasSubstr("is its disk mounted?"));
     EXPECT_THAT(InRoot(), ElementsAre());
@@ -281,7 +281,7 @@ TEST_F(RootTest, ARootOfAnOlderDatabaseIsMarkedWhenItHoldsAnImage) {
     EXPECT_EQ(Refusal(), "accepted") << "marked now";
 }
 
-TEST_F(RootTest, ARootOfAnotherClinicIsRefused) {
+TEST_F(RootTest, ARootOfAnotherClinicIsRejected) {
     const ClinicDatabase other;
     StorageRoots(other.con).Create(root);
     Put(root / "file", "theirs");
@@ -312,7 +312,7 @@ TEST_F(StagingTest, LinkedFoldersAreFollowedOnce) {
     EXPECT_THAT(NamesOf(FindFiles({films.string()})), ElementsAre("a.dcm", "b.dcm"));
 }
 
-TEST_F(StagingTest, ADicomdirStandsForItsFolderAndALinkToNothingIsTold) {
+TEST_F(StagingTest, ADicomdirSelectsItsFolderAndABrokenLinkIsReported) {
     const fs::path disc = folder.Path() / "disc";
     fs::create_directories(disc / "IMAGES");
     Put(disc / "DICOMDIR", "x");

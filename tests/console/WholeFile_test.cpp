@@ -20,7 +20,7 @@ protected:
     fs::path file = folder.Path() / "file";
 };
 
-TEST_F(WholeFileTest, ItReplacesTheEarlierFileAndLeavesNothingElse) {
+TEST_F(WholeFileTest, ItReplacesTheEarlierFileAndLeavesNoOtherFile) {
     WriteWholeFile(file, "first");
     WriteWholeFile(file, "second");
     EXPECT_EQ(ContentOf(file), "second");
@@ -28,7 +28,7 @@ TEST_F(WholeFileTest, ItReplacesTheEarlierFileAndLeavesNothingElse) {
     EXPECT_EQ(fs::status(file).permissions(), fs::perms(0644));
 }
 
-TEST_F(WholeFileTest, AnUnfinishedFileOfAnotherProgramIsNotTouched) {
+TEST_F(WholeFileTest, AnUnfinishedFileOfAnotherProgramIsUnchanged) {
     const fs::path other = file.string() + ".part" + std::to_string(getpid());
     std::ofstream(other) << "theirs";
     WriteWholeFile(file, "mine");
@@ -43,7 +43,7 @@ TEST_F(WholeFileTest, AFolderIsNotReplaced) {
     EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), {}), 1);
 }
 
-TEST(StoredPath, NamesThatLeadOutOfTheRootAreRefused) {
+TEST(StoredPath, NamesThatLeadOutOfTheRootAreRejected) {
     EXPECT_EQ(StoredPath("/root", "0_\\x.dcm"), fs::path("/root/0_/x.dcm"));
     for (const char* bad : {"..\\x", "0_\\..\\..\\x", "/etc/passwd", "\\x", "0_\\\\x", "0_/../x"})
         EXPECT_THROW(StoredPath("/root", bad), UserError) << bad;

@@ -93,7 +93,7 @@ TEST(WorkerPool, EachRequestHasTheWholeTime) {
     for (int i = 0; i < 6; ++i) EXPECT_EQ(pool.Next(never)->failure, "");
 }
 
-TEST(WorkerPool, WaitingEndsWhenTheProgramIsToldToStop) {
+TEST(WorkerPool, NextReturnsWhenTheProgramIsStopped) {
     WorkerPool pool(Echo, 1);
     pool.Submit("hang");
     int asked = 0;

@@ -66,7 +66,7 @@ void FillStep(DcmItem& step, const std::string& day) {
     Put(step, DCM_ScheduledPerformingPhysicianName, "Alm^Bo");
 }
 
-/// What a worklist item of the tests says, unless a test changes it.
+/// Sets the values that a worklist item has unless a test changes them.
 void FillItem(DcmItem& set, const std::string& patient, const std::string& day) {
     Put(set, DCM_SpecificCharacterSet, "ISO_IR 100");
     Put(set, DCM_PatientName, "\xC5kesson^Lotta");
@@ -99,7 +99,7 @@ protected:
         ASSERT_TRUE(file.saveFile((Folder() + "/RIS/" + name).c_str(), EXS_LittleEndianExplicit).good());
     }
 
-    /// What a position of the folder's list is valid with.
+    /// Returns the checksum that is valid for positions of the folder's list.
     std::string Checksum() {
         const std::string entry = Listed({Folder()})[0]["entry"];
         return entry.substr(entry.find('@') + 1);
@@ -210,7 +210,7 @@ TEST_F(Worklist, AKnownPatientWhoCannotBeReadIsNotTakenForANewOne) {
     EXPECT_EQ(OkJson({"patients"})[0]["last_name"], "Ek");
 }
 
-TEST_F(Worklist, IdentifiersThatDoNotFitAreLeftOutWholeAndTold) {
+TEST_F(Worklist, IdentifiersThatDoNotFitAreOmittedAndReported) {
     Init();
     WriteItem("a.wl", "P1", "20260201", [](DcmDataset& set) {
         std::string many;
@@ -234,7 +234,7 @@ TEST_F(Worklist, TwoPatientsOfOneIdentifierAreNotMadeOne) {
     EXPECT_EQ(OkJson({"patients", "Second"}).size(), 1U);
 }
 
-TEST_F(Worklist, AFileThatIsNoItemIsToldAndTheOthersAreListed) {
+TEST_F(Worklist, AFileThatIsNotAnItemIsReportedAndTheOthersAreListed) {
     WriteItem("a.wl", "P1", "20260201");
     WriteItem("b.wl", "P2", "20260202", [](DcmDataset& set) { delete set.remove(DCM_ScheduledProcedureStepSequence); });
     WriteItem("c.wl", "", "20260203", [](DcmDataset& set) { delete set.remove(DCM_PatientName); });
@@ -267,7 +267,7 @@ TEST_F(Worklist, RegisteringMakesThePatientThatTheNextImportFinds) {
     EXPECT_EQ(OkJson({"patient", "P-1.2.3"}), patient);
 }
 
-TEST_F(Worklist, RegisteringAKnownPatientAddsOnlyWhatIdentifiersAreNew) {
+TEST_F(Worklist, RegisteringAKnownPatientAddsOnlyNewIdentifiers) {
     Init();
     WriteItem("a.wl", "P1", "20260201");
     Ok({"worklist", Folder(), "--register", "A1"});
@@ -277,7 +277,7 @@ TEST_F(Worklist, RegisteringAKnownPatientAddsOnlyWhatIdentifiersAreNew) {
     EXPECT_EQ(OkJson({"patient", "P1"})["OtherIDs"], "X1\\OLD\\X\u20192");
 }
 
-TEST_F(Worklist, RegisteringAKnownPatientStoresWhatTheRowLacks) {
+TEST_F(Worklist, RegisteringAKnownPatientStoresTheMissingData) {
     Init();
     WriteItem("a.wl", "P1", "20260201", [](DcmDataset& set) { set.putAndInsertString(DCM_IssuerOfPatientID, "ISSA"); });
     Run("INSERT INTO Patient_T (PersonNr_CH, LastName_NVC, FirstName_NVC) VALUES ('P1', 'Åkesson', 'Lotta')");
@@ -293,7 +293,7 @@ TEST_F(Worklist, RegisteringAKnownPatientStoresWhatTheRowLacks) {
     EXPECT_EQ(Try({"--db", Database(), "worklist", Folder(), "--register", "A1"}).code, 3);
 }
 
-TEST_F(Worklist, WhatCannotBeRegisteredSaysWhy) {
+TEST_F(Worklist, AFailedRegistrationReportsTheReason) {
     Init();
     WriteItem("a.wl", "", "20260201");
     const auto told = [&](const std::string& number) {
@@ -350,13 +350,13 @@ TEST_F(Worklist, APersonWhoContradictsTheStoredPatientIsNotRegistered) {
     EXPECT_EQ(OkJson({"worklist", Folder(), "--register", "A1"})["number"], 2) << "found by its name from now on";
 }
 
-TEST_F(Worklist, ADayWithTwoReadingsIsRefused) {
+TEST_F(Worklist, ADayWithTwoReadingsIsRejected) {
     const Result run = Try({"worklist", Folder(), "--date", "05.03.2026"});
     EXPECT_EQ(run.code, 1);
     EXPECT_THAT(run.err, HasSubstr("2026-03-05 or as 2026-05-03"));
 }
 
-TEST_F(Worklist, WhatIsNoWorklistSaysSo) {
+TEST_F(Worklist, AFileThatIsNotAWorklistIsReported) {
     const auto told = [&](const std::vector<std::string>& arguments) {
         const Result run = Try(arguments);
         EXPECT_EQ(run.code, 1);
@@ -419,7 +419,7 @@ TEST_F(WorklistServer, APatientIsRegisteredFromAServersAnswer) {
     EXPECT_EQ(OkJson({"patient", "P1"})["LastName"], "Åkesson");
 }
 
-TEST_F(WorklistServer, ARefusalIsToldInOneLine) {
+TEST_F(WorklistServer, ARejectionIsReportedInOneLine) {
     WriteItem("a.wl", "P1", "20260201");
     Serve();
     const Result run = Try({"worklist", Address("NOBODY")});
@@ -428,7 +428,7 @@ TEST_F(WorklistServer, ARefusalIsToldInOneLine) {
                            ": its AE title isn't NOBODY; write the right one before the @\n");
 }
 
-TEST_F(WorklistServer, AServerThatIsNotThereIsToldInOneLine) {
+TEST_F(WorklistServer, AnUnreachableServerIsReportedInOneLine) {
     const Result run = Try({"worklist", Address()});
     EXPECT_EQ(run.code, 1);
     EXPECT_THAT(run.err, HasSubstr("no worklist from " + Address() + ": "));
@@ -496,7 +496,7 @@ protected:
     std::thread speaking;
 };
 
-TEST_F(OddServer, BrokenDataSetsAreToldInOneLineAndTheOthersListed) {
+TEST_F(OddServer, BrokenDataSetsAreReportedInOneLineAndTheOthersListed) {
     Answer({[](DcmDataset& set) { FillItem(set, "P1", "20260201"); },
             [](DcmDataset& set) { set.putAndInsertString(DCM_PatientID, "P2"); },
             [](DcmDataset& set) { set.putAndInsertString(DCM_Modality, "nonsense"); }});
@@ -507,7 +507,7 @@ TEST_F(OddServer, BrokenDataSetsAreToldInOneLineAndTheOthersListed) {
               "oxclass: 2 data sets of " + Address() + " are no worklist items: it has no scheduled procedure step\n");
 }
 
-TEST_F(OddServer, ItIsAskedByTheKeysAndForIdentifiersOfASequence) {
+TEST_F(OddServer, ItReceivesTheKeysAndTheIdentifiersOfASequence) {
     Init();
     Answer({[](DcmDataset& set) {
         FillItem(set, "P1", "20260201");
@@ -537,7 +537,7 @@ TEST_F(OddServer, ItIsAskedByTheKeysAndForIdentifiersOfASequence) {
     EXPECT_EQ(OkJson({"patient", "P1"})["OtherIDs"], "SEQ1");
 }
 
-TEST_F(OddServer, OnlyTheStepsThatWereAskedForAreListed) {
+TEST_F(OddServer, OnlyTheRequestedStepsAreListed) {
     Answer({[](DcmDataset& set) {
         FillItem(set, "P1", "20260131");
         DcmItem* step = nullptr;
@@ -549,7 +549,7 @@ TEST_F(OddServer, OnlyTheStepsThatWereAskedForAreListed) {
     EXPECT_EQ(list[0]["date"], "2026-02-01");
 }
 
-TEST_F(OddServer, AFailureThatItReportsIsToldInOneLine) {
+TEST_F(OddServer, AFailureThatItReportsIsShownInOneLine) {
     Answer({}, STATUS_FIND_Refused_OutOfResources);
     const Result run = Try({"worklist", Address()});
     EXPECT_EQ(run.code, 1);
@@ -557,7 +557,7 @@ TEST_F(OddServer, AFailureThatItReportsIsToldInOneLine) {
     EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1);
 }
 
-TEST_F(OddServer, WhatIsNoDicomServerIsToldInOneLine) {
+TEST_F(OddServer, AServerThatIsNotADicomServerIsReportedInOneLine) {
     const int listening = socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in address{};
     address.sin_family = AF_INET;
@@ -587,7 +587,7 @@ TEST_F(OddServer, MoreAnswersThanAllowedAreNotTaken) {
     EXPECT_THAT(run.err, HasSubstr("has more than 2 entries"));
 }
 
-TEST_F(OddServer, NamesInAnUnknownCharacterSetAreTold) {
+TEST_F(OddServer, NamesInAnUnknownCharacterSetAreReported) {
     Answer({[](DcmDataset& set) {
         FillItem(set, "P1", "20260201");
         delete set.remove(DCM_SpecificCharacterSet);
@@ -597,7 +597,7 @@ TEST_F(OddServer, NamesInAnUnknownCharacterSetAreTold) {
     EXPECT_THAT(run.err, HasSubstr("1 answers name no character set"));
 }
 
-TEST_F(OddServer, AnAnswerNestedTooDeeplyIsRefused) {
+TEST_F(OddServer, AnAnswerNestedTooDeeplyIsRejected) {
     Answer({[](DcmDataset& set) {
         FillItem(set, "P1", "20260201");
         DcmItem* item = &set;
@@ -632,7 +632,7 @@ protected:
     }
 };
 
-TEST_F(RawServer, AQueryEndsAfterItsTimeHoweverSlowlyTheServerAnswers) {
+TEST_F(RawServer, AQueryEndsAfterItsTimeEvenIfTheServerAnswersSlowly) {
     Listen([](int s) {
         // The header of an association's acceptance announces 60,000 bytes, of which one comes at a time.
         const unsigned char header[] = {2, 0, 0, 0, 0xEA, 0x60};
@@ -646,7 +646,7 @@ TEST_F(RawServer, AQueryEndsAfterItsTimeHoweverSlowlyTheServerAnswers) {
     EXPECT_THAT(run.err, HasSubstr("it didn't finish its answer within 1 seconds"));
 }
 
-TEST_F(RawServer, AConnectionThatIsCutIsToldAsSuch) {
+TEST_F(RawServer, AConnectionThatIsCutIsReportedAsSuch) {
     Listen([](int s) {
         char bytes[64];
         static_cast<void>(recv(s, bytes, sizeof bytes, 0));
@@ -657,7 +657,7 @@ TEST_F(RawServer, AConnectionThatIsCutIsToldAsSuch) {
     EXPECT_THAT(run.err, HasSubstr("it cut the connection"));
 }
 
-TEST_F(RawServer, AServerThatSpeaksNoTlsIsToldAsSuch) {
+TEST_F(RawServer, AServerWithoutTlsIsReportedAsSuch) {
     Listen([](int s) {
         char bytes[64];
         static_cast<void>(recv(s, bytes, sizeof bytes, 0));
@@ -670,7 +670,7 @@ TEST_F(RawServer, AServerThatSpeaksNoTlsIsToldAsSuch) {
                   ": what answers there doesn't speak TLS; look at the port, or ask without --tls\n");
 }
 
-TEST_F(RawServer, AServerThatCutsAnEncryptedConnectionIsToldAsSuch) {
+TEST_F(RawServer, AServerThatCutsAnEncryptedConnectionIsReportedAsSuch) {
     Listen([](int s) {
         char bytes[64];
         static_cast<void>(recv(s, bytes, sizeof bytes, 0));
@@ -680,7 +680,7 @@ TEST_F(RawServer, AServerThatCutsAnEncryptedConnectionIsToldAsSuch) {
                 HasSubstr("it cut the connection; does it speak TLS at this port?"));
 }
 
-TEST_F(RawServer, AServerThatSaysNothingIsToldAsSuch) {
+TEST_F(RawServer, ASilentServerIsReportedAsSuch) {
     Listen([](int s) {
         char bytes[64];
         while (recv(s, bytes, sizeof bytes, 0) > 0) continue;
@@ -689,7 +689,7 @@ TEST_F(RawServer, AServerThatSaysNothingIsToldAsSuch) {
                 HasSubstr("it didn't answer within 10 seconds; does it speak TLS at this port?"));
 }
 
-TEST_F(WorklistServer, AnEncryptedServerIsAskedIfItsCertificateIsTrusted) {
+TEST_F(WorklistServer, AnEncryptedServerIsQueriedIfItsCertificateIsTrusted) {
     WriteItem("a.wl", "P1", "20260201");
     Serve();
     const Port encrypted;
@@ -721,7 +721,7 @@ TEST_F(WorklistServer, AnEncryptedServerIsAskedIfItsCertificateIsTrusted) {
     waitpid(proxy, nullptr, 0);
 }
 
-TEST_F(Worklist, AModalityThatDicomDoesNotHaveIsTold) {
+TEST_F(Worklist, AnUnknownModalityIsReported) {
     const Result run = Try({"worklist", Folder(), "--modality", "intraoral"});
     EXPECT_EQ(run.code, 1);
     EXPECT_THAT(run.err, HasSubstr("\"intraoral\" is not a modality"));
@@ -729,7 +729,7 @@ TEST_F(Worklist, AModalityThatDicomDoesNotHaveIsTold) {
     EXPECT_THAT(PatientsOf(Listed({Folder(), "--modality", "io"})), ElementsAre("P1"));
 }
 
-TEST_F(Worklist, AFileThatWouldCrashTheProgramFailsAlone) {
+TEST_F(Worklist, OnlyTheFileThatWouldCrashTheProgramFails) {
     WriteItem("a.wl", "P1", "20260201");
     WriteItem("b.wl", "P2", "20260201", [](DcmDataset& set) {
         DcmItem* item = &set;

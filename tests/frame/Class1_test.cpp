@@ -41,7 +41,7 @@ TEST_F(Services, HaveTheDocumentedMembers) {
 
 // ---- all roots ------------------------------------------------------------------------------------
 
-TEST_F(Services, TheActiveRootComesFirstAndTheOthersByNumber) {
+TEST_F(Services, TheActiveRootIsFirstAndTheOthersByNumber) {
     RunRoots();
     EXPECT_THAT(Roots(), ElementsAre("C:\\two", "C:\\one", "C:\\five"));
     EXPECT_EQ(services->ActiveRootID, 2);
@@ -53,13 +53,13 @@ TEST_F(Services, AnyStatusOtherThanZeroIsActive) {
     EXPECT_THAT(Roots(), ElementsAre("b", "a"));
 }
 
-TEST_F(Services, WithoutAConnectionThereAreNoRoots) {
+TEST_F(Services, RootsWithoutAConnectionAreEmpty) {
     services->ActiveRootID = 9;
     EXPECT_EQ(services->GetRoots(nullptr), Variant());
     EXPECT_EQ(services->ActiveRootID, 9);
 }
 
-TEST_F(Services, OfTwoActiveRootsTheLaterWinsAndTheLastPlaceStaysEmpty) {
+TEST_F(Services, OfTwoActiveRootsTheLaterIsUsedAndTheLastElementIsEmpty) {
     Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, 'a', 1), (2, 'b', 0), (3, 'c', 1)");
     EXPECT_THAT(Roots(), ElementsAre("c", "b", ""));
     EXPECT_EQ(services->ActiveRootID, 3);
@@ -109,7 +109,7 @@ TEST_F(Services, NumberZeroIsTheActiveRoot) {
     EXPECT_THAT(Sent(), ElementsAre("SELECT * FROM Root_T WHERE Status <> 0;"));
 }
 
-TEST_F(Services, GetRootOnIDAlwaysAsksTheDatabase) {
+TEST_F(Services, GetRootOnIDAlwaysReadsTheDatabase) {
     RunRoots();
     services->GetRootOnID(con, 1);
     services->GetRootOnID(con, 1);
@@ -129,7 +129,7 @@ TEST_F(Services, ANegativeRootIsNotFound) {
     EXPECT_THAT(Sent(), ElementsAre("SELECT * FROM Root_T WHERE RootID=-1;"));
 }
 
-TEST_F(Services, ARootThatIsGoneLeavesTheCachesEntry) {
+TEST_F(Services, ADeletedRootKeepsTheCachesEntry) {
     RunRoots();
     services->GetRootOnID(con, 1);
     Run("DELETE FROM Root_T");
@@ -139,20 +139,20 @@ TEST_F(Services, ARootThatIsGoneLeavesTheCachesEntry) {
 
 // ---- the cache ------------------------------------------------------------------------------------
 
-TEST_F(Services, AKnownRootIsAskedForOnce) {
+TEST_F(Services, AKnownRootIsReadOnce) {
     RunRoots();
     EXPECT_EQ(Cached(1), "C:\\one");
     EXPECT_EQ(Cached(1), "C:\\one");
     EXPECT_THAT(Sent(), ElementsAre("SELECT * FROM Root_T WHERE RootID=1;"));
 }
 
-TEST_F(Services, AnUnknownRootIsTheEmptyTextAndIsAskedForEachTime) {
+TEST_F(Services, AnUnknownRootIsTheEmptyTextAndIsReadEachTime) {
     EXPECT_EQ(Cached(7), "");
     EXPECT_EQ(Cached(7), "");
     EXPECT_EQ(Sent().size(), 2U);
 }
 
-TEST_F(Services, TheCachedActiveRootStaysUntilTheCacheIsFlushed) {
+TEST_F(Services, TheCachedActiveRootIsUsedUntilTheCacheIsFlushed) {
     RunRoots();
     EXPECT_EQ(Cached(0), "C:\\two");
     Run("UPDATE Root_T SET Status = (RootID = 1)");
@@ -162,7 +162,7 @@ TEST_F(Services, TheCachedActiveRootStaysUntilTheCacheIsFlushed) {
     EXPECT_EQ(Sent().size(), 2U);
 }
 
-TEST_F(Services, AFlushWithoutAConnectionGivesTheEmptyTextAndEmptiesTheCache) {
+TEST_F(Services, AFlushWithoutAConnectionReturnsTheEmptyTextAndEmptiesTheCache) {
     RunRoots();
     Cached(0);
     Cached(1);
@@ -221,7 +221,7 @@ TEST_F(Services, TheLastFolderOverflows) {
 
 // ---- settings -------------------------------------------------------------------------------------
 
-TEST_F(Services, AnEmptyRootListGivesTheDefaultRootAndFalse) {
+TEST_F(Services, AnEmptyRootListReturnsTheDefaultRootAndFalse) {
     String first = "old";
     Ref<cGlobalLists> all;
     EXPECT_FALSE(services->GetGLSetting(con, gglID_DicomRootUID, first, all));
@@ -231,7 +231,7 @@ TEST_F(Services, AnEmptyRootListGivesTheDefaultRootAndFalse) {
     EXPECT_THAT(Sent(), ElementsAre("SELECT * FROM GlobalList_T WHERE ListID=4;"));
 }
 
-TEST_F(Services, AnyOtherEmptyListGivesTheEmptyTextAndFalse) {
+TEST_F(Services, AnyOtherEmptyListReturnsTheEmptyTextAndFalse) {
     for (const Long number : {1, 3, 5, 22, 999}) {
         String first = "old";
         Ref<cGlobalLists> all;
@@ -240,7 +240,7 @@ TEST_F(Services, AnyOtherEmptyListGivesTheEmptyTextAndFalse) {
     }
 }
 
-TEST_F(Services, AListGivesItsFirstTextAndReplacesTheCallersCollection) {
+TEST_F(Services, AListReturnsItsFirstTextAndReplacesTheCallersCollection) {
     Run("INSERT INTO GlobalList_T (ListID, ListText) VALUES (6, 'jpg'), (6, 'png')");
     const Ref<cGlobalLists> mine = New<cGlobalLists>();
     mine->Add();

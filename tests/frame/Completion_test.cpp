@@ -2,7 +2,7 @@
 
 #include "kit/Database.h"
 
-/// How an operation that returns normally tells programs in C++ that a failure ended it.
+/// The report by which an operation that returns normally informs C++ programs that a failure ended it.
 namespace OXClass {
 namespace {
 
@@ -20,7 +20,7 @@ TEST(CompletionTest, IsCompleteBeforeTheFirstRunAndAfterOneThatCameToItsEnd) {
     EXPECT_EQ(completion.Failure().Number, 0);
 }
 
-TEST(CompletionTest, KeepsWhatAnOperationSwallows) {
+TEST(CompletionTest, KeepsTheFailureThatAnOperationIgnores) {
     Completion completion;
     EXPECT_FALSE(Swallowed(completion, []() -> bool { Raise(err::TypeMismatch); }));
     EXPECT_EQ(completion.Failure().Number, 13);

@@ -25,7 +25,7 @@ TEST(PrefixedFailure, TheSourceGrowsIntoTheCallPath) {
     EXPECT_EQ(failure.Description, "no such table");
 }
 
-TEST(PrefixedFailure, KeepsWhatThePersonWhoDebugsReads) {
+TEST(PrefixedFailure, KeepsTheFieldsForDebugging) {
     Error thrown(1, "s", "d");
     thrown.Statement = "SELECT 1";
     thrown.NativeError = 21;
@@ -51,7 +51,7 @@ TEST(BoxedFailure, ASuccessShowsNothing) {
     EXPECT_THAT(boxes.shown, IsEmpty());
 }
 
-TEST(SwallowedFailure, IsDroppedWithoutAWord) {
+TEST(SwallowedFailure, IsIgnoredAndNotReported) {
     const TextBoxes boxes;
     EXPECT_EQ(Swallowed(Fail), 0);
     EXPECT_FALSE(Swallowed([] { return Fail() == 0; }));
@@ -63,7 +63,7 @@ TEST(SwallowedFailure, ASuccessPassesItsResult) {
     EXPECT_TRUE(Swallowed([] { return true; }));
 }
 
-TEST(SwallowedFailure, WhatIsNoFailureOfTheSystemGoesThrough) {
+TEST(SwallowedFailure, OtherExceptionTypesPassThrough) {
     EXPECT_THROW(Swallowed([]() -> bool { throw std::bad_alloc(); }), std::bad_alloc);
 }
 

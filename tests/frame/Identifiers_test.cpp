@@ -7,7 +7,7 @@
 #include <set>
 #include <thread>
 
-/// The identifiers of new objects: layout, length, and where the root comes from.
+/// The identifiers of new objects: their form, their length, and the source of the root.
 namespace OXClass {
 namespace {
 
@@ -24,7 +24,7 @@ protected:
         sDicomRootUID.clear();
     }
 
-    /// The clock stands at this count, and the tick counter gives these two.
+    /// Fixes the system time; the tick counter returns these two numbers.
     static void Fix(std::uint64_t fileTime, std::uint32_t tick1 = 0, std::uint32_t tick2 = 0) {
         TheHost().SystemFileTime = [=] { return fileTime; };
         TheHost().TickCount = [=, first = true]() mutable { return std::exchange(first, !first) ? tick1 : tick2; };
@@ -56,7 +56,7 @@ TEST_F(Identifiers, WithTheDefaultRootAnIdentifierIsTheRootADotAndFortyOneDigits
     EXPECT_EQ(uid.size(), 60U);
 }
 
-TEST_F(Identifiers, EveryPieceStandsInItsPlace) {
+TEST_F(Identifiers, EveryPieceHasItsPosition) {
     Fix(0x01DA6E2BFFFF0001U, 0xFFFE1234U, 0x56780007U);
     Rnd(-1.0F);
     Randomize();
@@ -170,7 +170,7 @@ TEST_F(LongRoot, ARootOf62CharactersLeavesOneDigit) {
     EXPECT_EQ(Suffixed(root), root + "." + LastDigits(1));
 }
 
-TEST_F(LongRoot, ARootOf63CharactersGivesTheRootAndADot) {
+TEST_F(LongRoot, ARootOf63CharactersReturnsTheRootAndADot) {
     const String root(63, '1');
     EXPECT_EQ(Suffixed(root), root + ".");
 }
@@ -204,7 +204,7 @@ TEST_F(Identifiers, EachThreadReadsTheRootForItself) {
     EXPECT_THAT(services->GetInstanceUID(con), StartsWith(defaultRoot + "."));
 }
 
-TEST_F(Identifiers, AnEmptyFirstTextIsAskedForEachTimeAndTheIdentifierBeginsWithTheDot) {
+TEST_F(Identifiers, AnEmptyFirstTextIsReadEachTimeAndTheIdentifierBeginsWithTheDot) {
     Run("INSERT INTO GlobalList_T (ListID, ListText) VALUES (4, '')");
     EXPECT_THAT(services->GetInstanceUID(con), MatchesRegex("\\.[0-9]+"));
     EXPECT_EQ(services->GetInstanceUID(con).size(), 42U);

@@ -51,9 +51,11 @@ TEST(Statement, ANumberOrNullIsEither) {
     EXPECT_EQ(sql("A=", NumberOrNull{false, 5}, ",B=", NumberOrNull{true, 5}), "A=5,B=NULL");
 }
 
-TEST(Statement, AClauseStandsAsWorded) { EXPECT_EQ(sql("X ", Clause("A = 'b' AND C > 1")), "X A = 'b' AND C > 1"); }
+TEST(Statement, AClauseIsInsertedUnchanged) {
+    EXPECT_EQ(sql("X ", Clause("A = 'b' AND C > 1")), "X A = 'b' AND C > 1");
+}
 
-TEST(Statement, AnUnescapedTextStandsAsItIsBetweenQuotes) {
+TEST(Statement, AnUnescapedTextIsInsertedUnchangedBetweenQuotes) {
     for (const char* text : {"", "plain", "\\", "\"", "-- /* ;", "Ωж日🦷", "a''b", "''", "''''"})
         EXPECT_EQ(sql("A='", AsItStands(text), "'"), "A='" + String(text) + "'");
 }
@@ -68,13 +70,13 @@ TEST(Statement, AQuoteInAnEarlierTextDoesNotShiftTheQuotes) {
     EXPECT_EQ(sql("A='", FixSqlString("it's"), "', B=", AsItStands("12")), "A='it''s', B=12");
 }
 
-TEST(Statement, OutsideOfQuotesOnlyAWholeNumberMayStand) {
+TEST(Statement, OutsideOfQuotesOnlyAWholeNumberIsAccepted) {
     for (const char* text : {"12", "-3", "+4", " 5 "}) EXPECT_EQ(sql("A=", AsItStands(text)), "A=" + String(text));
     for (const char* text : {"", " ", "-", "1 OR 1=1", "1;", "1.5", "0x1", "1e3", "--1", "Name", "''", "１"})
         EXPECT_EQ(FailureOf([&] { sql("A=", AsItStands(text)); }).Number, SyntaxError) << text;
 }
 
-TEST(Statement, TheFailureLooksLikeTheDatabaseLayers) {
+TEST(Statement, TheFailureHasTheFormOfTheDatabaseLayers) {
     const Error failure = FailureOf([] { sql("A='", AsItStands("'"), "'"); });
     EXPECT_EQ(failure.Source, "ADODB.Connection");
     EXPECT_THAT(failure.Description, ::testing::HasSubstr("A='"));

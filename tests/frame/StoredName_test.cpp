@@ -4,7 +4,7 @@
 
 #include <fstream>
 
-/// Which file a stored name means, and that none lies outside of its root.
+/// The file that a stored name denotes, which is never outside of its root.
 namespace OXClass {
 namespace {
 
@@ -57,7 +57,7 @@ TEST_F(NameBelowARoot, ARootMayEndInASeparator) {
     EXPECT_TRUE(fs::is_regular_file(file)) << file;
 }
 
-TEST_F(NameBelowARoot, ARootMayStandRelativeToTheProgram) {
+TEST_F(NameBelowARoot, ARootMayBeARelativePath) {
     const fs::path before = fs::current_path();
     fs::current_path(folder.Path());
     EXPECT_EQ(FileBelow("root", "0_\\a.dcm"), "root/0_/a.dcm");
@@ -133,7 +133,7 @@ TEST_F(NameBelowARoot, ANameOfAnyScriptIsFound) {
     }
 }
 
-TEST_F(NameBelowARoot, BytesThatAreNoTextAreTakenAsTheyAre) { EXPECT_EQ(File("\xFF\xFE.dcm"), Path("\xFF\xFE.dcm")); }
+TEST_F(NameBelowARoot, BytesThatAreNotUtf8AreKeptUnchanged) { EXPECT_EQ(File("\xFF\xFE.dcm"), Path("\xFF\xFE.dcm")); }
 
 TEST_F(NameBelowARoot, ANameLongerThanTheSystemTakesHasNoFile) {
     EXPECT_EQ(File(String(300, 'a')), "");
@@ -217,7 +217,7 @@ TEST_F(NameBelowARoot, ARootThatIsALoopHasNoFiles) {
     EXPECT_EQ(FileBelow((folder.Path() / "loop").string(), "a.dcm"), "");
 }
 
-TEST_F(NameBelowARoot, AFolderThatIsAFileHasNothingBelowIt) { EXPECT_FALSE(fs::exists(File("top.dcm\\a.dcm"))); }
+TEST_F(NameBelowARoot, AFileInPlaceOfAFolderContainsNoFiles) { EXPECT_FALSE(fs::exists(File("top.dcm\\a.dcm"))); }
 
 }  // namespace
 }  // namespace OXClass

@@ -19,7 +19,7 @@ std::vector<String> ValuesOf() {
     return values;
 }
 
-/// Where a field lies in its record.
+/// Returns the offset of a field in its record.
 template <class Record, class Field>
 std::ptrdiff_t OffsetOf(const Record& record, const Field& field) {
     return reinterpret_cast<const char*>(&field) - reinterpret_cast<const char*>(&record);
@@ -48,7 +48,7 @@ TEST(SuiteTypes, GroupsOfCodesHaveTheirNamesAndNumbers) {
     EXPECT_EQ(sizeof(CIDTypes), 4U);
 }
 
-TEST(SuiteTypes, TextsHaveTheirNumberOfBytesAndNothingElse) {
+TEST(SuiteTypes, TextsHaveExactlyTheirNumberOfBytes) {
     EXPECT_EQ(sizeof(xigString64), 64U);
     EXPECT_EQ(sizeof(xigString256), 256U);
     EXPECT_EQ(sizeof(xigString1024), 1024U);
@@ -110,7 +110,7 @@ TEST_F(SharedBlock, HasItsNumbersInOrder) {
     EXPECT_EQ(sizeof(block->l1), 4U);
 }
 
-TEST_F(SharedBlock, HasItsDoublesBehindTheNumbers) {
+TEST_F(SharedBlock, HasItsDoublesAfterTheNumbers) {
     EXPECT_EQ(At(&GeneralType::dbl1), 24);
     EXPECT_EQ(At(&GeneralType::dbl2), 32);
     EXPECT_EQ(At(&GeneralType::dbl3), 40);
@@ -118,7 +118,7 @@ TEST_F(SharedBlock, HasItsDoublesBehindTheNumbers) {
     EXPECT_EQ(sizeof(block->dbl1), 8U);
 }
 
-TEST_F(SharedBlock, HasItsDatesBehindTheDoubles) {
+TEST_F(SharedBlock, HasItsDatesAfterTheDoubles) {
     EXPECT_EQ(At(&GeneralType::dte1), 56);
     EXPECT_EQ(At(&GeneralType::dte2), 64);
     EXPECT_EQ(At(&GeneralType::dte3), 72);

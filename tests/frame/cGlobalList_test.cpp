@@ -77,7 +77,7 @@ TEST_F(GlobalList, TheClientChoosesThePathWithGLSaved) {
     EXPECT_EQ(Ask("SELECT count(*) FROM GlobalList_T"), Variant(Long{0}));
 }
 
-TEST_F(GlobalList, TextsOfAnyScriptAndInjectionsComeBackAsTheyWere) {
+TEST_F(GlobalList, TextsOfAnyScriptAndInjectionsAreReadUnchanged) {
     for (const char* text : {"Ωμέγα", "Список", "設定", "🦷", "x', ListID='9", "'); DROP TABLE GlobalList_T; --"}) {
         const Ref<cGlobalList> fresh = New<cGlobalList>(), read = New<cGlobalList>();
         fresh->ListText = text;
@@ -87,13 +87,13 @@ TEST_F(GlobalList, TextsOfAnyScriptAndInjectionsComeBackAsTheyWere) {
     }
 }
 
-TEST_F(GlobalList, AnUnsavedRowsDeleteRunsNothingAndIsTrue) {
+TEST_F(GlobalList, DeleteOfAnUnsavedRowSendsNothingAndReturnsTrue) {
     row->GlobalListID = 5;
     EXPECT_TRUE(row->Delete(con));
     EXPECT_THAT(Sent(), IsEmpty());
 }
 
-TEST_F(GlobalList, ADeletedRowStaysSavedAndIsDeletedAgain) {
+TEST_F(GlobalList, ADeletedRowKeepsItsSavedFlagAndIsDeletedAgain) {
     row->Save(con);
     log.statements.clear();
     EXPECT_TRUE(row->Delete(con));

@@ -54,14 +54,14 @@ TEST_F(GlobalLists, AfterTwoAddsWithoutAKeyTheFirstMemberIsTheSecondObject) {
     EXPECT_FALSE(second->GLSaved);
 }
 
-TEST_F(GlobalLists, AKeyedMemberComesFirstToo) {
+TEST_F(GlobalLists, AKeyedMemberIsFirstToo) {
     const Ref<cGlobalList> first = list->Add("A");
     const Ref<cGlobalList> second = list->Add("B");
     EXPECT_EQ(list->Item(Long{1}), second);
     EXPECT_EQ(list->Item("a"), first);
 }
 
-TEST_F(GlobalLists, AddWithAKeyThatIsThereRaisesAndDropsTheNewMember) {
+TEST_F(GlobalLists, AddWithAnExistingKeyRaisesAndDropsTheNewMember) {
     list->Add("K");
     EXPECT_EQ(FailureOf([&] { list->Add("k"); }).Number, 457);
     EXPECT_EQ(list->Count(), 1);
@@ -118,7 +118,7 @@ TEST_F(GlobalLists, AnyOtherFailureThanAMissingTableIsRaisedAtOnce) {
 
 // ---- waiting for a missing table ------------------------------------------------------------------
 
-/// A clock that goes on with each pending message and each rest, by so many seconds.
+/// A clock that advances by this number of seconds with each call of `DoEvents` and `Sleep`.
 class GlobalListsWithoutTable : public GlobalLists {
 protected:
     GlobalListsWithoutTable() : host_(TheHost()) {
@@ -153,7 +153,7 @@ TEST_F(GlobalListsWithoutTable, WaitsTenTimesASecondAndThenRaises) {
     EXPECT_EQ(list->Count(), 1);
 }
 
-TEST_F(GlobalListsWithoutTable, EachCallCountsItsRetriesAnew) {
+TEST_F(GlobalListsWithoutTable, EachCallStartsANewCountOfRetries) {
     for (int call = 0; call < 2; ++call) {
         log.statements.clear();
         FailureOf([&] { list->GetAllGLs(con, gglID_CIDCodes); });
@@ -161,7 +161,7 @@ TEST_F(GlobalListsWithoutTable, EachCallCountsItsRetriesAnew) {
     }
 }
 
-TEST_F(GlobalListsWithoutTable, LoadsAsSoonAsTheTableIsThere) {
+TEST_F(GlobalListsWithoutTable, LoadsAsSoonAsTheTableExists) {
     whileWaiting = [this] {
         if (clock != 1002.5) return;
         Connect()->Execute("CREATE TABLE GlobalList_T (GlobalListID INTEGER, ListID INTEGER, ListText TEXT)");
@@ -240,7 +240,7 @@ TEST_F(GlobalLists, DeleteAllDeletesTheMembersRowsWithOneStatement) {
     EXPECT_EQ(Rows(), 1);
 }
 
-TEST_F(GlobalLists, DeleteAllOfOneMemberNamesItAlone) {
+TEST_F(GlobalLists, DeleteAllOfOneMemberNamesOnlyThis) {
     list->Add();
     list->DeleteAll(con);
     EXPECT_THAT(Sent(), ElementsAre("DELETE FROM GlobalList_T WHERE GlobalListID=0;"));
@@ -264,7 +264,7 @@ TEST_F(GlobalLists, DeleteAllTakesAThousandRows) {
     EXPECT_EQ(Rows(), 0);
 }
 
-TEST_F(GlobalLists, DeleteAllOfMoreMembersThanSixteenBitsCountFailsAfterTheRowsHaveGone) {
+TEST_F(GlobalLists, DeleteAllOfMoreMembersThanSixteenBitsCountFailsAfterTheRowsAreDeleted) {
     Run("WITH RECURSIVE n(i) AS (VALUES (1) UNION ALL SELECT i + 1 FROM n WHERE i < 32768)"
         " INSERT INTO GlobalList_T (ListID) SELECT 7 FROM n");
     EXPECT_EQ(list->GetAllGLs(con, gglID_CIDCodes), 32768);

@@ -21,9 +21,9 @@ constexpr Integer zero = 0;
 
 TEST(FixSqlStringText, ANameWithAQuoteGetsItDoubled) { EXPECT_EQ(FixSqlString("O'Hara").Text(), "O''Hara"); }
 
-TEST(FixSqlStringText, ASingleQuoteGivesTwo) { EXPECT_EQ(FixSqlString("'").Text(), "''"); }
+TEST(FixSqlStringText, ASingleQuoteIsDoubled) { EXPECT_EQ(FixSqlString("'").Text(), "''"); }
 
-TEST(FixSqlStringText, TwoQuotesInARowGiveFour) { EXPECT_EQ(FixSqlString("''").Text(), "''''"); }
+TEST(FixSqlStringText, TwoQuotesInARowBecomeFour) { EXPECT_EQ(FixSqlString("''").Text(), "''''"); }
 
 TEST(FixSqlStringText, TheEmptyTextStaysEmpty) { EXPECT_EQ(FixSqlString("").Text(), ""); }
 
@@ -56,23 +56,23 @@ TEST(FixSqlStringText, UpperCaseLeavesAnEscapedTextEscaped) {
 
 TEST(NzValueOf, ANullIsTheInteger0) { EXPECT_EQ(NzValue(Null{}), Variant(zero)); }
 
-TEST(NzValueOf, ANullGivesATextMemberTheText0) { EXPECT_EQ(To<String>(NzValue(Null{})), "0"); }
+TEST(NzValueOf, ANullSetsATextMemberTo0) { EXPECT_EQ(To<String>(NzValue(Null{})), "0"); }
 
-TEST(NzValueOf, WhatWasNeverAssignedIsTheInteger0) { EXPECT_EQ(NzValue({}), Variant(zero)); }
+TEST(NzValueOf, AnEmptyValueIsTheInteger0) { EXPECT_EQ(NzValue({}), Variant(zero)); }
 
 TEST(NzValueOf, ATextOfBlanksIsTheInteger0) {
     EXPECT_EQ(NzValue("   "), Variant(zero));
     EXPECT_EQ(NzValue(""), Variant(zero));
 }
 
-TEST(NzValueOf, ATextWithOuterBlanksComesBackUnchanged) { EXPECT_EQ(NzValue("  a "), Variant("  a ")); }
+TEST(NzValueOf, ATextWithOuterBlanksIsReturnedUnchanged) { EXPECT_EQ(NzValue("  a "), Variant("  a ")); }
 
 TEST(NzValueOf, ADateWhoseTextCannotBeFormedIsTheInteger0) {
     EXPECT_EQ(NzValue(Date{2958465.9999999}), Variant(zero)) << "rounded to seconds it lies behind the last day";
     EXPECT_EQ(NzValue(Date{2958465.5}), Variant(Date{2958465.5}));
 }
 
-TEST(NzValueOf, ATabAloneComesBack) {
+TEST(NzValueOf, ATabAloneIsReturned) {
     EXPECT_EQ(NzValue("\t"), Variant("\t"));
     EXPECT_EQ(NzValue(" \n "), Variant(" \n "));
 }
@@ -84,11 +84,11 @@ TEST(NzValueOf, ANumberKeepsItsTypeAlsoWhenItIs0) {
     EXPECT_EQ(NzValue(std::int64_t{1} << 40), Variant(std::int64_t{1} << 40));
 }
 
-TEST(NzValueOf, TheDate0StaysThatDate) { EXPECT_EQ(NzValue(Date{}), Variant(Date{})); }
+TEST(NzValueOf, TheDate0IsUnchanged) { EXPECT_EQ(NzValue(Date{}), Variant(Date{})); }
 
 TEST(NzValueOf, FalseStaysFalse) { EXPECT_EQ(NzValue(false), Variant(false)); }
 
-TEST(NzValueOf, WhatHasNoTextIsTheInteger0) {
+TEST(NzValueOf, AValueWithoutATextIsTheInteger0) {
     EXPECT_EQ(NzValue(New<Collection>()), Variant(zero));
     EXPECT_EQ(NzValue(Ref<Object>()), Variant(zero));
     EXPECT_EQ(NzValue(std::vector<String>{"a"}), Variant(zero));

@@ -4,8 +4,8 @@
 
 #include <map>
 
-/// Images whose row can't be read whole: what the documented operations don't tell, and programs in C++
-/// learn.
+/// Images whose row can't be read completely: the failures that the documented operations do not report, and that C++
+/// programs can read.
 namespace OXClass {
 namespace {
 
@@ -75,7 +75,7 @@ TEST_F(ReadInPart, AColumnThatTheRecordLacksIsNamed) {
     EXPECT_EQ(image->LoadCompletion().Failure().Number, ADODB::adErrItemNotFound);
 }
 
-TEST_F(ReadInPart, ATableThatLacksAColumnIsNoMissingImage) {
+TEST_F(ReadInPart, ATableThatLacksAColumnIsNotReportedAsAMissingImage) {
     Store(1);
     Run("ALTER TABLE ImageBild_T DROP COLUMN Gamma_INT");
     const Ref<cImage> image = New<cImage>();
@@ -83,7 +83,7 @@ TEST_F(ReadInPart, ATableThatLacksAColumnIsNoMissingImage) {
     EXPECT_EQ(image->LoadCompletion().Failure().Number, ADODB::UnknownName);
 }
 
-TEST_F(ReadInPart, ACompleteReadingBehindAPartialOneIsComplete) {
+TEST_F(ReadInPart, ACompleteLoadAfterAPartialOneIsComplete) {
     Store(1, "Brightness_INT=NULL");
     Store(2);
     const Ref<cImage> image = New<cImage>();
@@ -93,7 +93,7 @@ TEST_F(ReadInPart, ACompleteReadingBehindAPartialOneIsComplete) {
     EXPECT_TRUE(image->LoadCompletion().Complete());
 }
 
-TEST_F(ReadInPart, ALoadTellsTheRowsThatItCouldNotReadWhole) {
+TEST_F(ReadInPart, ALoadReportsTheRowsThatItCouldNotReadCompletely) {
     Store(1);
     Store(2, "SubType_INT='x'");
     Store(3, "Brightness_INT=NULL");
@@ -105,7 +105,7 @@ TEST_F(ReadInPart, ALoadTellsTheRowsThatItCouldNotReadWhole) {
     EXPECT_EQ(images->Unread().size(), 3U) << "the row that failed the load is among them";
 }
 
-TEST_F(ReadInPart, AToleratingLoadLeavesThemOutAndRaisesForNone) {
+TEST_F(ReadInPart, AToleratingLoadOmitsThemAndRaisesForNone) {
     Store(1);
     Store(2, "Brightness_INT=NULL");
     Store(3, "Contrast_INT=NULL");

@@ -54,7 +54,7 @@ TEST(CommentList, AddKeepsItsValuesAndLeavesTheCommentUnsaved) {
     EXPECT_EQ(comments->Item(Long{1}), added);
 }
 
-TEST(CommentList, AddGoesToTheEnd) {
+TEST(CommentList, AddAppends) {
     const Ref<cComments> comments = New<cComments>();
     comments->Add("first", 1, Day(1), "a");
     comments->Add("second", 1, Day(1), "a", "key");
@@ -94,7 +94,7 @@ TEST(CommentList, RemoveClosesUp) {
     EXPECT_EQ(FailureOf([&] { comments->Remove("key c"); }).Number, 5);
 }
 
-TEST(CommentList, NewEnumWalksTheMembersInOrder) {
+TEST(CommentList, NewEnumVisitsTheMembersInOrder) {
     const Ref<cComments> comments = New<cComments>();
     for (const char* text : {"a", "b"}) comments->Add(text, 1, Day(1), "s");
     const Ref<Enumerator> walk = comments->NewEnum();
@@ -106,7 +106,7 @@ TEST(CommentList, NewEnumWalksTheMembersInOrder) {
     EXPECT_FALSE(walk->Next(member));
 }
 
-TEST(CommentList, AddObjIntoAnEmptyListDoesNotLookAtTheIndex) {
+TEST(CommentList, AddObjIntoAnEmptyListIgnoresTheIndex) {
     for (const Long index : {0, 1, 5, -3}) {
         const Ref<cComments> comments = New<cComments>();
         comments->AddObj(Comment("first"), index);
@@ -130,14 +130,14 @@ TEST(CommentList, AddObjWithIndexZeroRaisesOnceThereAreMembers) {
     EXPECT_THAT(TextsOf(*comments), ElementsAre("first"));
 }
 
-TEST(CommentList, AddObjBehindTheLastPositionRaises) {
+TEST(CommentList, AddObjAfterTheLastPositionRaises) {
     const Ref<cComments> comments = New<cComments>();
     comments->AddObj(Comment("first"), 0);
     EXPECT_EQ(FailureOf([&] { comments->AddObj(Comment("second"), 2); }).Number, 9);
     EXPECT_THAT(TextsOf(*comments), ElementsAre("first"));
 }
 
-TEST(CommentList, AddObjWithAKeyLooksAtTheIndexEvenInAnEmptyList) {
+TEST(CommentList, AddObjWithAKeyReadsTheIndexEvenInAnEmptyList) {
     const Ref<cComments> comments = New<cComments>();
     EXPECT_EQ(FailureOf([&] { comments->AddObj(Comment("first"), 1, "key"); }).Number, 9);
     EXPECT_EQ(FailureOf([&] { comments->AddObj(Comment("first"), 0, "key"); }).Number, 9);
@@ -166,7 +166,7 @@ TEST(AddComment, SetsTheCommentAndTakesTheImagesIdentifier) {
     EXPECT_TRUE(comment->bSaved);
 }
 
-TEST(AddComment, OnAnImageWithoutARowGivesIdentifierZero) {
+TEST(AddComment, OnAnImageWithoutARowHasIdentifierZero) {
     const Ref<cImage> image = New<cImage>();
     image->addComment("new", "a", Day(1), false);
     EXPECT_EQ(image->Comments()->Item(Long{1})->ID, 0);
@@ -192,7 +192,7 @@ TEST(AddComment, ActionAndPointerChangeNothing) {
     EXPECT_EQ(other->Comments()->Count(), 1);
 }
 
-TEST(AddComment, MakesAListWhereItWasPutToNothing) {
+TEST(AddComment, CreatesAListIfItWasSetToNull) {
     const Ref<cImage> image = New<cImage>();
     image->SetComments(nullptr);
     image->addComment("text", "a", Day(1), false);
@@ -242,7 +242,7 @@ TEST_F(GetComments, TwoEqualCommentsAreBothLoaded) {
     EXPECT_EQ(image->Comments()->Item(Long{2})->str, "caries");
 }
 
-TEST_F(GetComments, WithoutRowsLeavesAnEmptyListAndAsksAgain) {
+TEST_F(GetComments, WithoutRowsLeavesAnEmptyListAndReadsAgain) {
     image->GetComments(con);
     EXPECT_EQ(image->Comments()->Count(), 0);
     Store("'2024-03-01 08:00:00'", "'late'");
@@ -263,7 +263,7 @@ TEST_F(GetComments, ReadsAllFieldsAndMarksThemSaved) {
     EXPECT_TRUE(comment->bSaved);
 }
 
-TEST_F(GetComments, TwiceGivesEachCommentOnceAndAsksOnce) {
+TEST_F(GetComments, TwiceReturnsEachCommentOnceAndReadsOnce) {
     Store("'2024-03-01 08:00:00'", "'a'");
     image->GetComments(con);
     image->GetComments(con);
@@ -271,7 +271,7 @@ TEST_F(GetComments, TwiceGivesEachCommentOnceAndAsksOnce) {
     EXPECT_EQ(Sent().size(), 1U);
 }
 
-TEST_F(GetComments, GivesTheNewestFirst) {
+TEST_F(GetComments, ReturnsTheNewestFirst) {
     Store("'2024-03-02 00:00:00'", "'two'");
     Store("'2024-03-01 00:00:00'", "'one'");
     Store("'2024-03-03 00:00:00'", "'three'");
@@ -281,14 +281,14 @@ TEST_F(GetComments, GivesTheNewestFirst) {
     EXPECT_EQ(image->Comments()->Item(Long{3})->str, "one");
 }
 
-TEST_F(GetComments, OfTwoRowsOfOneDateTheLaterStandsInFront) {
+TEST_F(GetComments, OfTwoRowsOfOneDateReturnsTheLaterFirst) {
     Store("'2024-03-01 00:00:00'", "'earlier row'");
     Store("'2024-03-01 00:00:00'", "'later row'");
     image->GetComments(con);
     EXPECT_THAT(Texts(), ElementsAre("later row", "earlier row"));
 }
 
-TEST_F(GetComments, LeavesOtherImagesAndOtherKindsOfOwnersAlone) {
+TEST_F(GetComments, DoesNotChangeOtherImagesAndOtherKindsOfOwners) {
     Store("'2024-03-01 00:00:00'", "'of another image'", 8);
     Store("'2024-03-01 00:00:00'", "'of another kind'", 7, 2);
     Store("'2024-03-01 00:00:00'", "'own'");

@@ -2,7 +2,7 @@
 #include "kit/Database.h"
 #include "kit/Random.h"
 
-/// What an image's tooth string says of its side, its jaw and the region of the jaw.
+/// The side, the jaw and the region of the jaw that follow from an image's tooth string.
 namespace OXClass {
 namespace {
 
@@ -34,7 +34,7 @@ TEST(DeriveLaterality, EachQuadrantHasItsSide) {
             EXPECT_EQ(LateralityOf(CStr(quadrant * 10 + place) + ","), "L") << quadrant << place;
 }
 
-TEST(DeriveLaterality, BothSidesGiveB) {
+TEST(DeriveLaterality, BothSidesReturnB) {
     EXPECT_EQ(LateralityOf("11,21,"), "B");
     EXPECT_EQ(LateralityOf("31,41,"), "B");
     EXPECT_EQ(LateralityOf("55,65,"), "B");
@@ -50,7 +50,7 @@ TEST(DeriveAnaRegion, EachQuadrantHasItsJaw) {
             EXPECT_EQ(RegionOf(CStr(quadrant * 10 + place) + ","), "T-11180") << quadrant << place;
 }
 
-TEST(DeriveAnaRegion, BothJawsGiveTheirCode) {
+TEST(DeriveAnaRegion, BothJawsReturnTheirCode) {
     EXPECT_EQ(RegionOf("16,46,"), "T-D1213");
     EXPECT_EQ(RegionOf("25,35,"), "T-D1213");
     EXPECT_EQ(RegionOf("51,81,"), "T-D1213");
@@ -116,7 +116,7 @@ TEST(DeriveAnaRegionMod, LateralIncisorsAre6) {
         EXPECT_EQ(ModifierOf("11,12," + String(premolar) + ","), "T-51006") << premolar;
 }
 
-TEST(DeriveAnaRegionMod, WhatNoRuleTakesStaysAsItWas) {
+TEST(DeriveAnaRegionMod, TeethWithoutARuleLeaveTheModifierUnchanged) {
     for (const char* premolar : {"15", "25", "35", "45"})
         EXPECT_EQ(Derived("11,12,14," + String(premolar) + ",", "before")->AnaRegionMod, "before") << premolar;
 }
@@ -128,14 +128,14 @@ TEST(DeriveAnaRegionMod, PrimaryTeethDoNotCount) {
 
 // ---- how a tooth string is read -----------------------------------------------------------------------
 
-TEST(DeriveFromTeeth, AnEmptyStringLeavesAllAsItWas) {
+TEST(DeriveFromTeeth, AnEmptyStringChangesNothing) {
     const Ref<cImage> image = Derived("", "before");
     EXPECT_EQ(image->Laterality, "before");
     EXPECT_EQ(image->AnaRegion, "before");
     EXPECT_EQ(image->AnaRegionMod, "before");
 }
 
-TEST(DeriveFromTeeth, NumbersThatAreNoTeethLeaveAllAsItWas) {
+TEST(DeriveFromTeeth, NumbersThatAreNotTeethChangeNothing) {
     for (const char* teeth : {"10,19,20,29,30,39,40,49,50,59,60,69,70,79,80,", "89,90,99,", "1,1,2,6,", "abc", " "}) {
         const Ref<cImage> image = Derived(teeth, "before");
         EXPECT_EQ(image->Laterality, "before") << teeth;
@@ -153,12 +153,12 @@ TEST(DeriveFromTeeth, DigitsWithoutSeparatorsCountAsEachPair) {
     EXPECT_EQ(LateralityOf("1617"), "B") << "16, 61 and 17";
 }
 
-TEST(DeriveFromTeeth, NoSeparatorIsNeededAndAnyMayStand) {
+TEST(DeriveFromTeeth, SeparatorsAreOptionalAndMayBeAnyCharacter) {
     EXPECT_EQ(LateralityOf("teeth 16; 17/18"), "R");
     EXPECT_EQ(ModifierOf("teeth 16; 17/18"), "T-5100B");
 }
 
-TEST(DeriveFromTeeth, ReplacesWhatStoodThere) {
+TEST(DeriveFromTeeth, ReplacesTheOldValue) {
     const Ref<cImage> image = Derived("26,27,", "before");
     EXPECT_EQ(image->Laterality, "L");
     EXPECT_EQ(image->AnaRegion, "T-11170");

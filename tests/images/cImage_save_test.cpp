@@ -3,7 +3,7 @@
 #include "kit/Database.h"
 #include "platform/component/dispatch/Interface.h"
 
-/// How an image and its comments are written: the statements, whole, and what they leave in the tables.
+/// Writing an image and its comments: the complete statements, and the rows that they store.
 namespace OXClass {
 namespace {
 
@@ -149,7 +149,7 @@ TEST_F(ImageSave, AFreshImageSendsZerosAndEmptyTexts) {
                     "PatientID=0);"));
 }
 
-TEST_F(ImageSave, AnImageWithAKeySendsItsUpdateAlone) {
+TEST_F(ImageSave, AnImageWithAKeySendsOnlyItsUpdate) {
     image = Distinct();
     image->ID = 5;
     EXPECT_EQ(image->Save(con), 0);
@@ -191,7 +191,7 @@ TEST_F(ImageSave, SaveExOfAnImageWithoutIdentityIsSave) {
     EXPECT_EQ(sent, Sent());
 }
 
-TEST_F(ImageSave, SaveExLooksByKeyOrByUid) {
+TEST_F(ImageSave, SaveExSearchesByKeyOrByUid) {
     image = Distinct();
     image->ID = 5;
     image->SaveEx(true, con);
@@ -207,7 +207,7 @@ TEST_F(ImageSave, SaveExLooksByKeyOrByUid) {
     EXPECT_EQ(Sent().front(), "SELECT * FROM ImageBild_T WHERE SOPInstanceUID_NVC ='1.2.840.1';");
 }
 
-TEST_F(ImageSave, SaveExOfAKnownImageSendsLookCommentsMarkUpdateAndNewComments) {
+TEST_F(ImageSave, SaveExOfAKnownImageSendsSearchCommentsMarkUpdateAndNewComments) {
     Distinct()->Save(con);
     StoreComment(1, "Dr. May", "Deleted 2024-01-02 03:04:05");
     log.statements.clear();
@@ -224,9 +224,9 @@ TEST_F(ImageSave, SaveExOfAKnownImageSendsLookCommentsMarkUpdateAndNewComments) 
                                     "VALUES ('1899-12-30 00:00:00','a', 1, 1, 'back')"));
 }
 
-// ---- what stands in the row -----------------------------------------------------------------------------
+// ---- the stored row -------------------------------------------------------------------------------------
 
-TEST_F(ImageSave, EachStoredPropertyComesBack) {
+TEST_F(ImageSave, EachStoredPropertyIsLoaded) {
     Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (12, '/images', 1)");
     image = Distinct();
     image->Save(con);
@@ -288,14 +288,14 @@ TEST_F(ImageSave, PregnantBeyond16BitsRaisesAndWritesNothing) {
     }
 }
 
-TEST_F(ImageSave, AnUpdateDoesNotLookAtPregnant) {
+TEST_F(ImageSave, AnUpdateIgnoresPregnant) {
     image->Save(con);
     image->Pregnant = 70000;
     image->Save(con);
     EXPECT_EQ(OfRow("Pregnant_BT"), Variant(Long{0}));
 }
 
-TEST_F(ImageSave, TheCapturePersonIsStoredByTheUpdateAlone) {
+TEST_F(ImageSave, TheCapturePersonIsStoredOnlyByTheUpdate) {
     image->CapturePerson = "Nurse";
     image->Save(con);
     EXPECT_EQ(OfRow("Capture_Person_NVC"), Variant(""));
@@ -303,7 +303,7 @@ TEST_F(ImageSave, TheCapturePersonIsStoredByTheUpdateAlone) {
     EXPECT_EQ(OfRow("Capture_Person_NVC"), Variant("Nurse"));
 }
 
-TEST_F(ImageSave, AnUpdateLeavesCaptureDateRootAndConstantsAlone) {
+TEST_F(ImageSave, AnUpdateDoesNotChangeCaptureDateRootAndConstants) {
     image = Distinct();
     image->Save(con);
     Run("UPDATE ImageBild_T SET ToothCollectionID = 1, Comments_NVC = 'c', StandCollName_NVC = 's', "
@@ -348,7 +348,7 @@ TEST_F(ImageSave, OfTwoImagesWithOneFileTheNewestIsFound) {
     EXPECT_EQ(second->ID, 3);
 }
 
-TEST_F(ImageSave, AnUpdateOfARowThatIsGoneIsNoFailure) {
+TEST_F(ImageSave, AnUpdateOfADeletedRowSucceeds) {
     image->ID = 77;
     image->addComment("still written", "a", Date{}, false);
     EXPECT_EQ(image->Save(con), 0);
@@ -359,7 +359,7 @@ TEST_F(ImageSave, AnUpdateOfARowThatIsGoneIsNoFailure) {
 
 // ---- texts ------------------------------------------------------------------------------------------------
 
-TEST_F(ImageSave, EscapedTextsComeBackAsTheyWere) {
+TEST_F(ImageSave, EscapedTextsAreReadUnchanged) {
     for (const String text : {"O'Hara", "''", "'; DROP TABLE ImageBild_T; --", "C:\\images\\100%\"_[x]", "Παπαδόπουλος",
                               "Щукина", "山田太郎", "🦷😬"}) {
         image = New<cImage>();
@@ -413,7 +413,7 @@ TEST_F(ImageSave, AQuoteInATextThatIsNotEscapedFailsBeforeAnythingIsSent) {
     EXPECT_FALSE(image->Comments()->Item(Long{1})->bSaved);
 }
 
-TEST_F(ImageSave, AQuoteInTheUidStopsTheLookOfSaveEx) {
+TEST_F(ImageSave, AQuoteInTheUidFailsTheSearchOfSaveEx) {
     image = Distinct();
     for (const String uid : {"x' OR '1'='1", "'", "1.2'; DELETE FROM ImageBild_T; --"}) {
         image->instanceUID = uid;
@@ -422,7 +422,7 @@ TEST_F(ImageSave, AQuoteInTheUidStopsTheLookOfSaveEx) {
     EXPECT_THAT(Sent(), IsEmpty());
 }
 
-TEST_F(ImageSave, PersonsWithQuotesAreNoFailureOnTheInsert) {
+TEST_F(ImageSave, PersonsWithQuotesAreInserted) {
     image->CapturePerson = image->RespPerson = "O'Hara";
     EXPECT_EQ(image->Save(con), 0);
     EXPECT_EQ(OfRow("Responsible_Person_NVC"), Variant("O'Hara"));
@@ -481,7 +481,7 @@ TEST_F(ImageSave, ACommentOfANewImageIsWrittenUnderItsNewKey) {
     EXPECT_EQ(Ask("SELECT tabelID FROM Comments_T"), Variant(Long{1}));
 }
 
-TEST_F(ImageSave, CommentsPutToNothingFailBehindTheRow) {
+TEST_F(ImageSave, CommentsSetToNullFailAfterTheRowIsRead) {
     image->SetComments(nullptr);
     EXPECT_EQ(FailureOf([&] { image->Save(con); }).Number, 91);
     EXPECT_EQ(CountOf("ImageBild_T"), 1);
@@ -495,7 +495,7 @@ TEST_F(ImageSave, CommentsPutToNothingFailBehindTheRow) {
 // ---- the look of SaveEx
 // -------------------------------------------------------------------------------------
 
-TEST_F(ImageSave, SaveExInsertsAgainWhereTheKeysRowIsGone) {
+TEST_F(ImageSave, SaveExInsertsAgainIfTheKeysRowIsDeleted) {
     image = Distinct();
     image->Save(con);
     Run("UPDATE ImageBild_T SET ImageBildID = 40, SOPInstanceUID_NVC = '1.2.840.1'");
@@ -505,7 +505,7 @@ TEST_F(ImageSave, SaveExInsertsAgainWhereTheKeysRowIsGone) {
     EXPECT_EQ(image->ID, 41);
 }
 
-TEST_F(ImageSave, SaveExUpdatesTheKeysRowWhateverItsUid) {
+TEST_F(ImageSave, SaveExUpdatesTheKeysRowWithAnyUid) {
     image->instanceUID = "1.1";
     image->Save(con);
     image->instanceUID = "2.2";
@@ -611,7 +611,7 @@ protected:
     }
 };
 
-TEST_F(DeletionMark, GoesWhenTheImageComesBackWithAFile) {
+TEST_F(DeletionMark, IsDeletedWhenTheImageIsStoredWithAFile) {
     StoreComment(1, "a", "Deleted 2024-01-02 03:04:05");
     StoreComment(1, "a", "Deleted 2024-01-02 03:04:05 by mistake");
     StoreComment(1, "a", "kept");
@@ -619,7 +619,7 @@ TEST_F(DeletionMark, GoesWhenTheImageComesBackWithAFile) {
     EXPECT_THAT(StoredComments(), ElementsAre("kept"));
 }
 
-TEST_F(DeletionMark, StaysWhenTheImageHasNoFile) {
+TEST_F(DeletionMark, IsKeptIfTheImageHasNoFile) {
     StoreComment(1, "a", "Deleted 2024-01-02 03:04:05");
     image->URL.clear();
     image->SaveEx(false, con);
@@ -627,14 +627,14 @@ TEST_F(DeletionMark, StaysWhenTheImageHasNoFile) {
     EXPECT_EQ(image->ID, 1);
 }
 
-TEST_F(DeletionMark, StaysWhenTheImageIsFoundByItsKey) {
+TEST_F(DeletionMark, IsKeptIfTheImageIsFoundByItsKey) {
     StoreComment(1, "a", "Deleted 2024-01-02 03:04:05");
     image->ID = 1;
     image->SaveEx(true, con);
     EXPECT_THAT(StoredComments(), ElementsAre("Deleted 2024-01-02 03:04:05"));
 }
 
-TEST_F(DeletionMark, IsTheWordAndADateAndNothingElse) {
+TEST_F(DeletionMark, IsTheWordAndADateOnly) {
     const std::vector<String> others{"Deleted", "Deleted by Dr. May, today", "deleted 2024-01-02 03:04:05",
                                      " Deleted 2024-01-02 03:04:05", "Deleted 2024-13-45 03:04:05"};
     for (const String& other : others) StoreComment(1, "a", other);
@@ -642,7 +642,7 @@ TEST_F(DeletionMark, IsTheWordAndADateAndNothingElse) {
     EXPECT_EQ(StoredComments(), others);
 }
 
-TEST_F(DeletionMark, GoesUnderEveryKindOfOwnerAndStaysWithOtherImages) {
+TEST_F(DeletionMark, DeletesUnderEveryKindOfOwnerAndKeepsOtherImages) {
     StoreComment(1, "a", "Deleted 2024-01-02 03:04:05");
     StoreComment(1, "a", "Deleted 2024-01-02 03:04:05", 2);
     StoreComment(2, "of another image", "Deleted 2024-01-02 03:04:05");
@@ -651,7 +651,7 @@ TEST_F(DeletionMark, GoesUnderEveryKindOfOwnerAndStaysWithOtherImages) {
     EXPECT_EQ(Ask("SELECT objectID FROM Comments_T"), Variant(Long{2}));
 }
 
-TEST_F(DeletionMark, WithAQuoteFailsAndNothingIsWritten) {
+TEST_F(DeletionMark, WithAQuoteFailsAndWritesNothing) {
     StoreComment(1, "a", "Deleted 2024-01-02 03:04:05 by O''Hara");
     image->CRC = "new";
     EXPECT_EQ(FailureOf([&] { image->SaveEx(false, con); }).Number, StatementError);
@@ -684,7 +684,7 @@ TEST_F(ImageSave, AFailureOfTheDatabasePassesUnchanged) {
     }
 }
 
-TEST_F(ImageSave, AFailureOfTheLookPassesUnchanged) {
+TEST_F(ImageSave, AFailureOfTheSearchIsRaisedUnchanged) {
     Run("ALTER TABLE ImageBild_T DROP COLUMN CRC");
     Run("DROP INDEX ImageBild_by_SOPInstanceUID");
     Run("ALTER TABLE ImageBild_T RENAME COLUMN SOPInstanceUID_NVC TO Other");

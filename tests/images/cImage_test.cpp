@@ -35,7 +35,7 @@ std::map<String, String> PropertiesOf(Object& object) {
     return properties;
 }
 
-/// What differs between the properties of an object and those expected, one line each.
+/// Returns a line for each property of an object that differs from the expected value.
 std::vector<String> Differing(Object& object, std::map<String, String> expected) {
     std::vector<String> lines;
     for (const auto& [name, value] : PropertiesOf(object))
@@ -149,7 +149,7 @@ TEST(ImageRecord, CommentsStartEmptyAndStayTheSameObject) {
     EXPECT_EQ(image->Comments(), first);
 }
 
-TEST(ImageRecord, CommentsPutToNothingComeBackNewAndEmpty) {
+TEST(ImageRecord, CommentsSetToNullAreCreatedAgainAndEmpty) {
     const Ref<cImage> image = New<cImage>();
     const Ref<cComments> first = image->Comments();
     image->addComment("text", "a", Date{1}, false);
@@ -168,7 +168,7 @@ TEST(ImageRecord, CommentsCanBeReplaced) {
 
 // ---- reading a row ------------------------------------------------------------------------------------
 
-/// One column that is read into the record: what a good row holds, and how the property reads then.
+/// One column that is read into the record: a valid value of the column, and the value of the property after the load.
 struct Step {
     const char* column;
     const char* stored;
@@ -297,7 +297,7 @@ TEST_F(ImageReading, GetImageFillsEachPropertyFromItsColumn) {
     EXPECT_THAT(Differing(*image, ReadWhole()), IsEmpty());
 }
 
-TEST_F(ImageReading, GetImageOfAMissingRowGivesFalseAndChangesNothing) {
+TEST_F(ImageReading, GetImageOfAMissingRowReturnsFalseAndChangesNothing) {
     EXPECT_FALSE(image->GetImage(con, 6));
     EXPECT_THAT(Differing(*image, before), IsEmpty());
 }
@@ -319,7 +319,7 @@ TEST_F(ImageReading, GetImageDoesNotLoadComments) {
     EXPECT_EQ(Sent().size(), 1U);
 }
 
-TEST_F(ImageReading, GetFromRecordLeavesCommentsAndPositionAlone) {
+TEST_F(ImageReading, GetFromRecordDoesNotChangeCommentsAndPosition) {
     image->addComment("kept", "a", Date{1}, false);
     const Ref<Recordset> rs = New<Recordset>();
     rs->SetCursorLocation(ADODB::adUseClient);
@@ -390,7 +390,7 @@ TEST_F(ImageReading, ANumberBeyondThePropertyEndsTheReadingThere) {
     }
 }
 
-TEST_F(ImageReading, AFrameThatIsNoNumberFailsWhenItIsAskedForAndNotBefore) {
+TEST_F(ImageReading, ANonNumericFrameFailsOnlyWhenItIsRead) {
     Forget();
     Set("FrameNumber_INT", "'abc'");
     EXPECT_TRUE(image->GetImage(con, 5));
@@ -403,7 +403,7 @@ TEST_F(ImageReading, AFrameThatIsNoNumberFailsWhenItIsAskedForAndNotBefore) {
     EXPECT_EQ(image->FrameNumber, 3);
 }
 
-TEST_F(ImageReading, ATextThatIsNoDateEndsTheReadingThere) {
+TEST_F(ImageReading, ATextThatIsNotADateEndsTheReading) {
     Set("DateCaptured_SD", "'some day'");
     EXPECT_TRUE(image->GetImage(con, 5));
     EXPECT_THAT(Differing(*image, ReadUpTo(&Steps[3])), IsEmpty());
@@ -472,7 +472,7 @@ TEST_F(ImageReading, PregnantIsNeverReadBack) {
     EXPECT_EQ(image->Pregnant, 0);
 }
 
-TEST_F(ImageReading, NamesInAnyScriptComeBackAsTheyWere) {
+TEST_F(ImageReading, NamesInAnyScriptAreReadUnchanged) {
     for (const String name : {"O'Hara", "Μαρία Παπαδοπούλου", "Ольга", "山田太郎", "🦷 Zahnfee"}) {
         Set("Responsible_Person_NVC", "'" + Replace(name, "'", "''") + "'");
         image->GetImage(con, 5);
@@ -504,7 +504,7 @@ TEST_F(ImageReading, AMissingColumnEndsTheReadingThere) {
     }
 }
 
-TEST_F(ImageReading, ARecordWithoutStatusStopsBehindTheRoot) {
+TEST_F(ImageReading, ARecordWithoutStatusStopsAfterTheRoot) {
     ReadFrom(SelectWithout("Status"));
     EXPECT_THAT(Differing(*image, ReadUpTo(&Steps[13])), IsEmpty());
 }
@@ -517,7 +517,7 @@ TEST_F(ImageReading, EitherNameOfTheRootWillDo) {
     }
 }
 
-TEST_F(ImageReading, TheImagesOwnRootIsAskedForFirst) {
+TEST_F(ImageReading, TheImagesOwnRootIsReadFirst) {
     ReadFrom(Replace(SelectWithout("nothing", "ImageBild_T.RootId"), ", Status", ", Status, 99 AS RootId"));
     EXPECT_EQ(image->RootId, 2);
     EXPECT_THAT(Differing(*image, ReadWhole()), IsEmpty());
@@ -554,7 +554,7 @@ TEST_F(ImageReading, ARecordAtItsEndChangesNothing) {
 
 // ---- failures of the statement ------------------------------------------------------------------------
 
-TEST_F(ImageReading, ANameUnknownToTheDatabaseGivesFalse) {
+TEST_F(ImageReading, ANameUnknownToTheDatabaseReturnsFalse) {
     Run("ALTER TABLE ImageBild_T DROP COLUMN Gamma_INT");
     EXPECT_FALSE(image->GetImage(con, 5));
     EXPECT_THAT(Differing(*image, before), IsEmpty());

@@ -97,7 +97,7 @@ TEST(ImageCollection, AddSetsEachPropertyFromItsArgument) {
     EXPECT_EQ(image->RespPerson, "resp");
 }
 
-TEST(ImageCollection, AddLeavesWhatHasNoArgumentAtItsDefault) {
+TEST(ImageCollection, AddLeavesMembersWithoutAnArgumentAtTheirDefaults) {
     const Ref<cImages> images = New<cImages>();
     const Ref<cImage> image = AddDistinct(*images, New<cComments>(), "key");
     EXPECT_EQ(image->Key, "") << "a key of the collection is not the image's";
@@ -105,7 +105,7 @@ TEST(ImageCollection, AddLeavesWhatHasNoArgumentAtItsDefault) {
     EXPECT_EQ(image->ExposureTime_ms + image->Current_mA + image->Voltage_kV + image->SubType + image->DCMDerived, 0);
 }
 
-TEST(ImageCollection, AddOfCommentsThatAreNothingGivesAnEmptyList) {
+TEST(ImageCollection, AddOfNullCommentsCreatesAnEmptyList) {
     const Ref<cImages> images = New<cImages>();
     EXPECT_EQ(AddDistinct(*images, nullptr)->Comments()->Count(), 0);
 }
@@ -127,7 +127,7 @@ TEST(ImageCollection, ASecondAddUnderAKeyRaisesAndDropsTheNewMember) {
     EXPECT_EQ(images->Item("K"), first);
 }
 
-TEST(ImageCollection, AddObjectGivesTheImageAndTakesTheCallersVariable) {
+TEST(ImageCollection, AddObjectReturnsTheImageAndSetsTheCallersVariable) {
     const Ref<cImages> images = New<cImages>();
     Ref<cImage> variable = Image(5);
     cImage* const image = variable.Get();
@@ -138,7 +138,7 @@ TEST(ImageCollection, AddObjectGivesTheImageAndTakesTheCallersVariable) {
     EXPECT_EQ(added->Key, "");
 }
 
-TEST(ImageCollection, AddObjectUnderAKeyTellsTheImageItsKey) {
+TEST(ImageCollection, AddObjectUnderAKeyStoresTheKeyInTheImage) {
     const Ref<cImages> images = New<cImages>();
     Ref<cImage> variable = Image(5);
     const Ref<cImage> added = images->AddObject(variable, "mine");
@@ -154,7 +154,7 @@ TEST(ImageCollection, AddObjectByNameTakesTheCallersVariableToo) {
     EXPECT_EQ(To<Ref<cImage>>(added)->ID, 5);
 }
 
-TEST(ImageCollection, AddObjectUnderAKeyThatIsPresentRaisesBehindSettingIt) {
+TEST(ImageCollection, AddObjectUnderAKeyThatIsPresentRaisesAfterSettingIt) {
     const Ref<cImages> images = New<cImages>();
     Ref<cImage> first = Image(1), second = Image(2);
     images->AddObject(first, "K");
@@ -165,7 +165,7 @@ TEST(ImageCollection, AddObjectUnderAKeyThatIsPresentRaisesBehindSettingIt) {
     EXPECT_THAT(KeysOf(*images), ElementsAre(1));
 }
 
-TEST(ImageCollection, ItemOfAMissingMemberGivesNothing) {
+TEST(ImageCollection, ItemOfAMissingMemberReturnsNull) {
     const Ref<cImages> images = New<cImages>();
     Ref<cImage> image = Image(1);
     images->AddObject(image, "K");
@@ -184,7 +184,7 @@ TEST(ImageCollection, RemoveOfAMissingMemberRaises) {
     EXPECT_EQ(images->Count(), 0);
 }
 
-TEST(ImageCollection, NewEnumWalksTheMembersInOrder) {
+TEST(ImageCollection, NewEnumVisitsTheMembersInOrder) {
     const Ref<cImages> images = New<cImages>();
     for (const Long id : {3, 1, 2}) {
         Ref<cImage> image = Image(id);
@@ -226,7 +226,7 @@ TEST_F(LoadAll4Object, SendsTheStatementOfItsOwner) {
                 ElementsAre(SELECT_IMAGES "where PatientID=7" ORDERED, SELECT_IMAGES "where Series_ID=8" ORDERED));
 }
 
-TEST_F(LoadAll4Object, AClauseStandsAsItIsAndWinsOverOwnerAndKey) {
+TEST_F(LoadAll4Object, AClauseIsUsedUnchangedInsteadOfOwnerAndKey) {
     for (const ImageOwnerOjectTypes owner : {iootUnknown, iootPatient, iootImageCard, iootSeries})
         Load(owner, 7, "where GraphicURL_NVC='it''s' or 1=1");
     for (const String& statement : Sent())
@@ -250,7 +250,7 @@ TEST_F(LoadAll4Object, AClauseWithAnOrderOfItsOwnFails) {
               static_cast<Long>(0x80040E14));
 }
 
-TEST_F(LoadAll4Object, OfAPatientOrASeriesWithoutImagesGivesZero) {
+TEST_F(LoadAll4Object, OfAPatientOrASeriesWithoutImagesReturnsZero) {
     EXPECT_EQ(Load(iootPatient, 7), 0);
     EXPECT_EQ(Load(iootSeries, 7), 0);
     EXPECT_EQ(images->Count(), 0);
@@ -311,7 +311,7 @@ TEST_F(LoadAll4Object, ImagesThatTheCallerAddedGoToo) {
     EXPECT_FALSE(images->Item("mine"));
 }
 
-TEST_F(LoadAll4Object, AHalfReadRowStandsUnderKeyZero) {
+TEST_F(LoadAll4Object, APartlyReadRowHasKeyZero) {
     Store(1, 7, 70, "2024-03-01 00:00:00");
     Store(2, 7, 70, "2024-03-02 00:00:00");
     Run("UPDATE ImageBild_T SET Brightness_INT = NULL WHERE ImageBildID = 1");

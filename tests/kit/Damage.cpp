@@ -7,7 +7,7 @@
 namespace TestKit {
 namespace {
 
-/// The whole number that a select of the test's own yields.
+/// Returns the whole number that a select returns.
 long NumberOf(sqlite3* database, const std::string& select) {
     sqlite3_stmt* compiled = nullptr;
     sqlite3_prepare_v2(database, select.c_str(), -1, &compiled, nullptr);

@@ -8,7 +8,7 @@
 namespace TestKit {
 
 /// Overwrites the root page of a table or an index, so that the engine reports SQLITE_CORRUPT ("database disk
-/// image is malformed") for the first read of it. What the log holds is moved into the file first.
+/// image is malformed") for the first read of it. Writes the content of the log into the file before.
 void OverwriteRootPage(const std::filesystem::path& database, const std::string& table);
 
 }  // namespace TestKit

@@ -6,15 +6,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-/// What all tests of the classes stand on: a real database file with the real tables, and a record of
-/// every statement that was sent.
+/// The environment of the tests of the classes: a real database file with the real tables, and a log of every statement
+/// that was sent.
 namespace TestKit {
 
 using namespace Platform;
 using ADODB::Connection;
 using ADODB::Recordset;
 
-/// A folder of one test's own, gone with it.
+/// A folder for one test, which the destructor deletes.
 class TemporaryFolder {
 public:
     TemporaryFolder();
@@ -26,10 +26,10 @@ private:
     std::filesystem::path path_;
 };
 
-/// Makes a clinic database with all tables and layouts in the folder, and gives its path.
+/// Creates a clinic database with all tables and layouts in the folder, and returns its path.
 String NewDatabase(const TemporaryFolder& folder, const String& name);
 
-/// Keeps each statement's whole text, as the connection announces it, and each step of a transaction as
+/// Stores the text of each statement, as the connection announces it, and each step of a transaction as
 /// "BeginTrans", "CommitTrans", "RollbackTrans".
 class StatementLog : public ADODB::ConnectionEvents {
 public:
@@ -59,11 +59,10 @@ protected:
     WithDatabase();
     ~WithDatabase() override;
 
-    /// Runs a statement of the test's own, outside of the log.
+    /// Runs a statement that is not logged.
     void Run(const String& statement);
 
-    /// The first column of the first row of a select of the test's own, outside of the log; `Empty` if
-    /// there is no row.
+    /// Returns the first column of the first row of a select; `Empty` without a row. The statement is not logged.
     Variant Ask(const String& select);
 
     /// Loads the standard layouts.
@@ -106,12 +105,12 @@ private:
 /// A machine that writes decimal commas and the day first.
 inline const Locale DecimalComma{',', '.', Locale::Order::DayMonthYear};
 
-/// The members of an interface, one text each: "put Name(type)", "get Name -> type", "putref Name(type&)",
+/// Returns the members of an interface, one text each: "put Name(type)", "get Name -> type", "putref Name(type&)",
 /// "Name(arg: type, arg: type&, [arg: type]) -> type"; "&" marks an argument by reference, "[ ]" one that
-/// may be left out. What the tests compare with the documented interface.
+/// may be left out. The tests compare them with the documented interface.
 std::vector<String> MembersOf(const Object& object);
 
-/// The failure that `call` raises; number 0 if it raises none.
+/// Returns the failure that `call` raises; number 0 if it raises none.
 template <class Call>
 Error FailureOf(Call call) {
     try {

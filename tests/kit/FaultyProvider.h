@@ -13,15 +13,15 @@ void InstallFaultyProvider();
 Error Injected();
 Error DiskFull();
 
-/// Makes the call of this number, from 1, fail with `failure`; 0 lets all calls through. Counting starts
-/// anew.
+/// Makes the call with this number fail with `failure`; calls are counted from 1, beginning with the next one. With 0
+/// no call fails.
 void FailAtCall(int number, const Error& failure = Injected());
 
-/// Runs `action` before each call from now on; nothing ends that. The action stands for what other programs
-/// do between two calls, and counts no calls itself.
+/// Runs `action` before each call from now on. The action simulates what other programs do between two calls; its own
+/// calls are not counted.
 void BeforeEachCall(std::function<void()> action);
 
-/// How many calls reached the database since `FailAtCall`.
+/// Returns the number of calls that reached the database since `FailAtCall`.
 int CallsSoFar();
 
 /// A test with a second connection to its database, `faulty`, whose calls fail on demand.
@@ -45,7 +45,7 @@ protected:
         EXPECT_EQ(failure.Description, "injected") << "call " << call;
     }
 
-    /// The calls that `operation` makes when none fails.
+    /// Returns the calls that `operation` makes when none fails.
     template <class Operation>
     int CallsOf(Operation operation) {
         FailAtCall(0);

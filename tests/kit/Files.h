@@ -8,13 +8,13 @@
 
 namespace TestKit {
 
-/// What a file holds; empty where there is none.
+/// Returns the content of a file; empty if the file does not exist.
 inline std::string Content(const std::filesystem::path& file) {
     std::ifstream in(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
-/// The names of what lies in a folder, sorted.
+/// Returns the sorted names of the files and folders in a folder.
 inline std::vector<std::string> NamesIn(const std::filesystem::path& folder) {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(folder))

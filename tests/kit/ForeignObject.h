@@ -6,8 +6,7 @@
 
 namespace TestKit {
 
-/// An object of somebody else, with or without calls by name, which counts its references. It answers to
-/// nothing.
+/// An object of another component, with or without `IDispatch`, which counts its references. It has no members.
 class ForeignObject final : public IDispatch {
 public:
     explicit ForeignObject(bool isDispatch) : isDispatch_(isDispatch) {}

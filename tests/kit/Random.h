@@ -14,7 +14,7 @@ class Random : public std::mt19937 {
 public:
     Random() : Random(Seed()) {}
 
-    /// A number from 0 to `limit` - 1.
+    /// Returns a number from 0 to `limit` - 1.
     template <class Integer>
     Integer Below(Integer limit) {
         return std::uniform_int_distribution<Integer>(0, limit - 1)(*this);

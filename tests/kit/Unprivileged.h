@@ -7,8 +7,8 @@
 
 namespace TestKit {
 
-/// What `work` returns in a child process that has no rights of the superuser, so that the permissions of
-/// files hold for it whoever runs the tests. Nothing else of what it does stays in this process.
+/// Runs `work` in a child process without the rights of the superuser, and returns its result. So the permissions of
+/// files apply to it, whichever user runs the tests. Other effects of `work` stay in the child process.
 template <class Work>
 std::string Unprivileged(Work work) {
     constexpr unsigned nobody = 65534;

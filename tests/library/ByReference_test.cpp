@@ -4,7 +4,7 @@
 
 #include <gmock/gmock.h>
 
-/// Which arguments a client passes by value and which by reference. An operation receives the address of an argument by
+/// The arguments that a client passes by value and by reference. An operation receives the address of an argument by
 /// reference in the vtable, so that a change here breaks compiled clients.
 namespace OXClass {
 namespace {

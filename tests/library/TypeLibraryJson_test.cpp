@@ -55,7 +55,7 @@ TEST_F(TypeLibraryAsJson, HasTheEnumerationsOfTheLibraryAndOfTheHost) {
     EXPECT_TRUE(NamesOf(json["host"]["enumerations"], "name").contains("LockTypeEnum"));
 }
 
-TEST_F(TypeLibraryAsJson, EveryObjectAndEnumerationThatAMemberSpeaksOfIsThere) {
+TEST_F(TypeLibraryAsJson, EveryObjectAndEnumerationOfAMemberIsDeclared) {
     std::set<std::string> classes = NamesOf(json["classes"], "class"), enumerations;
     classes.merge(NamesOf(json["host"]["classes"], "class"));
     enumerations.merge(NamesOf(json["enumerations"], "name"));

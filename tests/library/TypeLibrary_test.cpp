@@ -10,7 +10,7 @@
 #include <regex>
 #include <sstream>
 
-/// The interface-definition text, by itself and as a standard compiler takes it.
+/// The type library as text, by itself and compiled by a standard compiler.
 namespace OXClass {
 namespace {
 
@@ -115,7 +115,7 @@ TEST(TypeLibrary, GlobalClassesAreApplicationObjects) {
 
 // ---- compiled ---------------------------------------------------------------------------------------
 
-/// The text as the compiler takes it: a binary type library, and a header with the slots of each interface.
+/// The output of the compiler: a binary type library, and a header with the slots of each interface.
 class Compiled : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {

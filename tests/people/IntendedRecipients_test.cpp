@@ -29,7 +29,7 @@ TEST(Recipients, ItemIsTheDefaultAndNewEnumTheEnumerator) {
     EXPECT_EQ(recipients.Describe().Find("NewEnum")->DispId, EnumeratorMember);
 }
 
-TEST(Recipients, AddNeitherTrimsNorChangesCaseNorLooksForALikeMember) {
+TEST(Recipients, AddNeitherTrimsNorChangesCaseNorComparesMembers) {
     IntendedRecipients recipients;
     const String text = " Dr. May ";
     const Ref<cStringItem> added = recipients.Add(text, 7);

@@ -45,14 +45,14 @@ TEST(OtherIdentifiers, ItemIsTheDefaultAndNewEnumTheEnumerator) {
 
 TEST(OtherIdentifiers, TheDelimiterStartsAsABackslash) { EXPECT_EQ(OtherPatIDs().Delimiter, "\\"); }
 
-TEST(OtherIdentifiers, FillGivesEachPartItsPlaceAsIdAndKey) {
+TEST(OtherIdentifiers, FillStoresThePositionOfEachPartAsIdAndKey) {
     const Ref<OtherPatIDs> ids = Filled("a\\B");
     EXPECT_THAT(MembersIn(*ids), ElementsAre("A 0", "B 1"));
     EXPECT_EQ(ids->Item("K0")->str, "A");
     EXPECT_EQ(ids->Item("K1")->str, "B");
 }
 
-TEST(OtherIdentifiers, AnEmptyPartIsLeftOutAndItsPlaceStaysFree) {
+TEST(OtherIdentifiers, AnEmptyPartIsOmittedAndItsPositionIsUnused) {
     const Ref<OtherPatIDs> ids = Filled("A\\\\B");
     EXPECT_THAT(MembersIn(*ids), ElementsAre("A 0", "B 2"));
     EXPECT_EQ(ids->GetAllAsString(), "A\\B");
@@ -75,7 +75,7 @@ TEST(OtherIdentifiers, FillWithTheEmptyTextEmptiesTheList) {
     EXPECT_EQ(ids->Count(), 0);
 }
 
-TEST(OtherIdentifiers, FillDropsWhatTheListHeld) {
+TEST(OtherIdentifiers, FillReplacesTheOldMembers) {
     const Ref<OtherPatIDs> ids = Filled("A\\B");
     ids->FillFromString("C");
     EXPECT_THAT(MembersIn(*ids), ElementsAre("C 0"));
@@ -86,7 +86,7 @@ TEST(OtherIdentifiers, TheTextIsSplitWithoutRegardToCase) {
     EXPECT_THAT(MembersIn(*Filled("1x2X3", "x")), ElementsAre("1 0", "2 1", "3 2"));
 }
 
-TEST(OtherIdentifiers, AnEmptyListGivesTheEmptyTextAndLengthZero) {
+TEST(OtherIdentifiers, AnEmptyListReturnsTheEmptyTextAndLengthZero) {
     const OtherPatIDs ids;
     EXPECT_EQ(ids.GetAllAsString(), "");
     EXPECT_EQ(ids.TotalLengthWithDelimiter(), 0);
@@ -139,7 +139,7 @@ TEST(OtherIdentifiers, AddUnderAKeyThatExistsRaisesAndStillChangesTheCallersVari
     EXPECT_EQ(arguments[0], Variant("DEF"));
 }
 
-TEST(OtherIdentifiers, AddOfBlanksGivesNothingAndLeavesTheCallersVariableEmpty) {
+TEST(OtherIdentifiers, AddOfBlanksReturnsNullAndLeavesTheCallersVariableEmpty) {
     OtherPatIDs ids;
     String text = "   ";
     EXPECT_FALSE(ids.Add(text, 1, "K"));
@@ -147,7 +147,7 @@ TEST(OtherIdentifiers, AddOfBlanksGivesNothingAndLeavesTheCallersVariableEmpty) 
     EXPECT_EQ(ids.Count(), 0);
 }
 
-TEST(OtherIdentifiers, AddOfAPresentTextGivesTheMemberAndLooksAtNothingElse) {
+TEST(OtherIdentifiers, AddOfAPresentTextReturnsTheMemberAndIgnoresTheOtherArguments) {
     const Ref<OtherPatIDs> ids = New<OtherPatIDs>();
     const Ref<cStringItem> first = Add(ids, "A", 1, "K");
     EXPECT_EQ(Add(ids, "A", 2, "K"), first);
@@ -184,11 +184,11 @@ TEST(OtherIdentifiers, RemoveClosesUp) {
     EXPECT_EQ(ids->Item(Long{2})->str, "C");
 }
 
-TEST(OtherIdentifiers, TextsOfAnyScriptComeBackInUpperCase) {
+TEST(OtherIdentifiers, TextsOfAnyScriptAreReturnedInUpperCase) {
     EXPECT_EQ(Filled("αβ\\жук\\山田\\🦷")->GetAllAsString(), "ΑΒ\\ЖУК\\山田\\🦷");
 }
 
-TEST(OtherIdentifiers, NewEnumWalksTheMembersInOrder) {
+TEST(OtherIdentifiers, NewEnumVisitsTheMembersInOrder) {
     const Ref<OtherPatIDs> ids = Filled("A\\B");
     const Ref<Enumerator> walk = ids->NewEnum();
     Variant member;

@@ -4,7 +4,7 @@
 #include "people/cDoctors.h"
 #include "platform/runtime/Services.h"
 
-/// Where the identifier of a doctor who has none comes from.
+/// The source of the identifier of a doctor without one.
 namespace OXClass {
 namespace {
 
@@ -34,7 +34,7 @@ TEST_F(OutsideGuid, NoneIsInstalledAtTheStart) { EXPECT_FALSE(OutsideGUID); }
 
 TEST_F(OutsideGuid, WithoutOneTheLibrarysOwnServes) { EXPECT_EQ(NewOutsideGUID(), fixed); }
 
-TEST_F(OutsideGuid, AnInstalledOneIsAskedAndUpperCased) {
+TEST_F(OutsideGuid, AnInstalledOneIsCalledAndItsResultIsUpperCased) {
     OutsideGUID = [] { return String("abé"); };
     EXPECT_EQ(NewOutsideGUID(), "ABÉ");
 }
@@ -52,19 +52,19 @@ TEST_F(OutsideGuid, ALoadWithoutOneStoresTheLibrarysOwn) {
     EXPECT_EQ(Ask("SELECT drGUID FROM Doctor_T"), Variant(fixed));
 }
 
-TEST_F(OutsideGuid, ALoadByNumberAsksTheInstalledOne) {
+TEST_F(OutsideGuid, ALoadByNumberCallsTheInstalledOne) {
     OutsideGUID = [] { return String("xyz"); };
     EXPECT_TRUE(New<cDoctor>()->LoadDoctor(5, con));
     EXPECT_EQ(Ask("SELECT drGUID FROM Doctor_T"), Variant("XYZ"));
 }
 
-TEST_F(OutsideGuid, ALoadByGuidAsksTheInstalledOne) {
+TEST_F(OutsideGuid, ALoadByGuidCallsTheInstalledOne) {
     OutsideGUID = [] { return String("xyz"); };
     EXPECT_TRUE(New<cDoctor>()->LoadDoctorOnGUID("", con));
     EXPECT_EQ(Ask("SELECT drGUID FROM Doctor_T"), Variant("XYZ"));
 }
 
-TEST_F(OutsideGuid, TheListOfDoctorsNeverAsksIt) {
+TEST_F(OutsideGuid, TheListOfDoctorsNeverCallsIt) {
     int asked = 0;
     OutsideGUID = [&] {
         ++asked;
@@ -76,7 +76,7 @@ TEST_F(OutsideGuid, TheListOfDoctorsNeverAsksIt) {
     EXPECT_EQ(asked, 0);
 }
 
-TEST_F(OutsideGuid, ALoadWithoutAnyGuidToGiveSavesTheEmptyText) {
+TEST_F(OutsideGuid, ALoadWithoutAnAvailableGuidSavesTheEmptyText) {
     TheHost().CreateGuid = [](Guid&) { return Long{1}; };
     Run("UPDATE Doctor_T SET drGUID=NULL");
     const Ref<cDoctor> doctor = New<cDoctor>();

@@ -4,8 +4,8 @@
 #include "people/cClinics.h"
 #include "people/cDoctors.h"
 
-/// What a failure of the database leaves behind in doctors and clinics: each call that an operation makes
-/// fails once, and then the operation is repeated.
+/// The state of doctors and clinics after a failure of the database: each call that an operation makes fails once, and
+/// then the operation is repeated.
 namespace OXClass {
 namespace {
 
@@ -40,7 +40,7 @@ TEST_F(PeopleFaults, ANewDoctorIsWrittenWholeOrNotAtAll) {
     EXPECT_THAT(boxes.shown, IsEmpty());
 }
 
-TEST_F(PeopleFaults, AKnownDoctorKeepsItsRowUntilTheUpdateComesThrough) {
+TEST_F(PeopleFaults, AKnownDoctorKeepsItsRowUntilTheUpdateSucceeds) {
     Run("INSERT INTO Doctor_T (drID, DrName_NVC) VALUES (5, 'old')");
     doctor->drID = 5;
     doctor->DrName = " new ";
@@ -127,7 +127,7 @@ TEST_F(PeopleFaults, ANewClinicIsWrittenWholeOrNotAtAll) {
     EXPECT_THAT(boxes.shown, IsEmpty());
 }
 
-TEST_F(PeopleFaults, AKnownClinicKeepsItsRowUntilTheUpdateComesThrough) {
+TEST_F(PeopleFaults, AKnownClinicKeepsItsRowUntilTheUpdateSucceeds) {
     Run("INSERT INTO Clinic_T (ClinicID, ClinicName) VALUES (5, 'old')");
     clinic->ID = 5;
     clinic->ClinicName = "new";
@@ -166,7 +166,7 @@ TEST_F(PeopleFaults, AListOfClinicsThatFailsIsEmptyAndHasNoHeadOffice) {
     EXPECT_EQ(CallsOf([&] { EXPECT_TRUE(clinics->GetHQClinic(faulty)); }), 0);
 }
 
-TEST_F(PeopleFaults, AClinicSoughtByNameIsNothingWhereTheLoadFails) {
+TEST_F(PeopleFaults, AClinicByNameIsNullIfTheLoadFails) {
     const Ref<cClinics> clinics = New<cClinics>();
     for (const int call : {1, 2}) {
         FailAtCall(call);

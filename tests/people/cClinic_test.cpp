@@ -76,7 +76,7 @@ TEST_F(Clinic, HasTheDocumentedMembers) {
 
 TEST_F(Clinic, StartsEmpty) { EXPECT_EQ(ContentOf(*clinic), "0|||||||"); }
 
-TEST_F(Clinic, EachPropertyGivesWhatItTook) {
+TEST_F(Clinic, EachPropertyReturnsTheAssignedValue) {
     for (const char* name : {"Remarks16", "Telephone", "City", "StreetAddress", "ZipCode", "OrgNumber", "ClinicName"}) {
         std::vector<Variant> value{Variant(String(" ' ") + name)};
         Invoke(*clinic, name, MemberKind::Put, value);
@@ -103,7 +103,7 @@ TEST_F(Clinic, DeletesItsRowAndKeepsItsMembers) {
     EXPECT_THAT(modes.seen, ElementsAre("0 1 -1"));
 }
 
-TEST_F(Clinic, DeletingAMissingRowGivesTrue) {
+TEST_F(Clinic, DeletingAMissingRowReturnsTrue) {
     clinic->ID = -3;
     EXPECT_TRUE(clinic->DeleteClinic(con));
     EXPECT_THAT(Sent(), ElementsAre("DELETE FROM Clinic_T WHERE ClinicID =-3;"));
@@ -133,13 +133,13 @@ TEST_F(Clinic, SavingTheSameClinicAgainUpdatesItsRow) {
                 ElementsAre("SELECT * FROM Clinic_T WHERE ClinicID =0", "SELECT * FROM Clinic_T WHERE ClinicID =1"));
 }
 
-TEST_F(Clinic, AnIdentifierWithoutARowGivesANewRowWithANewOne) {
+TEST_F(Clinic, AnIdentifierWithoutARowCreatesANewRowWithANewOne) {
     clinic->ID = 77;
     EXPECT_EQ(Stored("ClinicID"), Variant(Long{1}));
     EXPECT_EQ(clinic->ID, 1);
 }
 
-TEST_F(Clinic, EachMemberGoesToItsColumn) {
+TEST_F(Clinic, EachMemberIsWrittenToItsColumn) {
     FillAll();
     EXPECT_EQ(Stored("ClinicName || '|' || OrgNumber || '|' || ZipCode || '|' || StreetAdress || '|' || City"
                      " || '|' || Telephone || '|' || Remarks"),
@@ -184,7 +184,7 @@ TEST_F(Clinic, EveryTextIsTrimmed) {
     }
 }
 
-TEST_F(Clinic, ABlankIsCharacter32AndNothingElse) {
+TEST_F(Clinic, OnlyCharacter32IsABlank) {
     for (const String kept : {"\ta\t", "\r\na\r\n", "\u00A0a\u00A0"}) {
         clinic->City = " " + kept + " ";
         EXPECT_EQ(Stored("City"), Variant(kept));
@@ -268,7 +268,7 @@ TEST_F(Clinic, LoadsEveryColumn) {
     EXPECT_THAT(modes.seen, ElementsAre("0 1 1"));
 }
 
-TEST_F(Clinic, AMissingIdentifierGivesFalseAndChangesNothing) {
+TEST_F(Clinic, AMissingIdentifierReturnsFalseAndChangesNothing) {
     FillAll();
     const String before = ContentOf(*clinic);
     EXPECT_FALSE(clinic->LoadClinic(-5, con));

@@ -32,7 +32,7 @@ protected:
         Run("CREATE TRIGGER refuse BEFORE INSERT ON Clinic_T BEGIN SELECT RAISE(ABORT, 'refused'); END");
     }
 
-    /// The table anew, with an identifier that may be null or stand twice.
+    /// Creates the table again, with an identifier that may be null or occur twice.
     void RunLooseTable() {
         Run("DROP TABLE Clinic_T");
         Run("CREATE TABLE Clinic_T (ClinicID INTEGER, ClinicName TEXT, OrgNumber TEXT, ZipCode TEXT,"
@@ -82,7 +82,7 @@ TEST_F(Clinics, AddSetsEachPropertyFromItsArgument) {
     EXPECT_EQ(clinics->Item(Long{1}), added);
 }
 
-TEST_F(Clinics, AddWithoutAKeyIsFoundByPositionAlone) {
+TEST_F(Clinics, AddWithoutAKeyIsFoundByPositionOnly) {
     const Ref<cClinic> first = AddNamed("a"), second = AddNamed("b");
     EXPECT_EQ(clinics->Item(Long{1}), first);
     EXPECT_EQ(clinics->Item(Long{2}), second);
@@ -97,7 +97,7 @@ TEST_F(Clinics, ASecondAddUnderAKeyRaisesAsItIsAndDropsTheNewMember) {
     EXPECT_THAT(Names(), ElementsAre("a"));
 }
 
-TEST_F(Clinics, AMissingMemberIsNothing) {
+TEST_F(Clinics, AMissingMemberIsNull) {
     AddNamed("a", "K1");
     EXPECT_FALSE(clinics->Item("K2"));
     EXPECT_FALSE(clinics->Item(Long{0}));
@@ -123,7 +123,7 @@ TEST_F(Clinics, RemoveClosesUp) {
     EXPECT_EQ(clinics->Item(Long{1})->ClinicName, "c");
 }
 
-TEST_F(Clinics, NewEnumWalksTheMembersInOrder) {
+TEST_F(Clinics, NewEnumVisitsTheMembersInOrder) {
     const Ref<cClinic> first = AddNamed("a"), second = AddNamed("b");
     const Ref<Enumerator> walk = clinics->NewEnum();
     Variant member;
@@ -197,7 +197,7 @@ TEST_F(Clinics, NullsReadAsEmptyTexts) {
     EXPECT_EQ(ContentOf(*clinics->Item("K5")), "5|||||||");
 }
 
-TEST_F(Clinics, ASecondLoadStartsAnew) {
+TEST_F(Clinics, ASecondLoadReplacesTheMembers) {
     AddNamed("mine", "K5");
     RunRow(5, "North");
     EXPECT_EQ(clinics->GetAllClinics(con), 1);
@@ -221,7 +221,7 @@ TEST_F(Clinics, AClosedConnectionLeavesAnEmptyList) {
     EXPECT_THAT(Names(), IsEmpty());
 }
 
-TEST_F(Clinics, AHeadOfficeThatTheDatabaseRefusesFailsTheLoad) {
+TEST_F(Clinics, AHeadOfficeThatTheDatabaseRejectsFailsTheLoad) {
     RefuseInserts();
     const Error failure = FailureOf([&] { clinics->GetAllClinics(con); });
     EXPECT_EQ(failure.Number, Refused);
@@ -242,7 +242,7 @@ TEST_F(Clinics, ANullIdentifierFailsTheLoadAndLeavesThoseReadBefore) {
     EXPECT_THAT(Names(), ElementsAre("a"));
 }
 
-TEST_F(Clinics, AnIdentifierThatStandsTwiceFailsTheLoadAtTheSecond) {
+TEST_F(Clinics, AnIdentifierThatOccursTwiceFailsTheLoadAtTheSecondRow) {
     RunLooseTable();
     RunRow(5, "a");
     RunRow(5, "b");
@@ -306,7 +306,7 @@ TEST_F(Clinics, TheHeadOfficeIsTheFirstOfThatName) {
     EXPECT_EQ(clinics->GetHQClinic(closed), first);
 }
 
-TEST_F(Clinics, ANameThatMerelyHoldsTheHeadOfficesIsNone) {
+TEST_F(Clinics, ANameThatContainsTheHeadOfficesNameIsNotTheHeadOffice) {
     for (const char* name : {"x__HQ", "__HQx", " __HQ", "__HQ ", "_HQ", ""}) AddNamed(name);
     EXPECT_FALSE(clinics->GetHQClinic(closed));
 }
@@ -323,7 +323,7 @@ TEST_F(Clinics, AListThatCannotBeLoadedRaisesForItsHeadOffice) {
     EXPECT_EQ(failure.Source, "cClinics.GetAllClinics, ADODB.Recordset");
 }
 
-TEST_F(Clinics, AHeadOfficeThatTheDatabaseRefusesRaises) {
+TEST_F(Clinics, AHeadOfficeThatTheDatabaseRejectsRaises) {
     RefuseInserts();
     EXPECT_EQ(FailureOf([&] { clinics->GetHQClinic(con); }).Source, "cClinics.GetAllClinics, SQLite");
 }
@@ -376,12 +376,12 @@ TEST_F(Clinics, ANameOfAnEmptyTableWritesTheHeadOffice) {
     EXPECT_THAT(Names(), ElementsAre("__HQ"));
 }
 
-TEST_F(Clinics, AnEmptyListAndAClosedConnectionGiveNothing) {
+TEST_F(Clinics, AnEmptyListAndAClosedConnectionReturnNull) {
     EXPECT_EQ(FailureOf([&] { EXPECT_FALSE(clinics->ItemOnClinicName("North", closed)); }).Number, 0);
     EXPECT_EQ(FailureOf([&] { EXPECT_FALSE(clinics->ItemOnClinicName("North", nullptr)); }).Number, 0);
 }
 
-TEST_F(Clinics, ALoadThatFailsHalfwayGivesNothingAndKeepsWhatWasRead) {
+TEST_F(Clinics, ALoadThatFailsHalfwayReturnsNullAndKeepsTheMembersReadBefore) {
     RunLooseTable();
     RunRow(5, "a");
     Run("INSERT INTO Clinic_T (ClinicName) VALUES ('b')");
@@ -390,7 +390,7 @@ TEST_F(Clinics, ALoadThatFailsHalfwayGivesNothingAndKeepsWhatWasRead) {
     EXPECT_TRUE(clinics->ItemOnClinicName("A", con)) << "the list isn't empty any more";
 }
 
-TEST_F(Clinics, ARefusedHeadOfficeGivesNothingByName) {
+TEST_F(Clinics, ARejectedHeadOfficeReturnsNullByName) {
     RefuseInserts();
     EXPECT_FALSE(clinics->ItemOnClinicName("__HQ", con));
 }

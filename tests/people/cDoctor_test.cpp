@@ -62,14 +62,14 @@ protected:
         doctor->DrLogin = "old login";
     }
 
-    /// What a load of the row with these changes gives.
+    /// Returns the content of the doctor after a load of the row with these changes.
     String Loaded(const String& changes) {
         RunRow(5, changes);
         EXPECT_TRUE(doctor->LoadDoctor(5, con));
         return ContentOf(*doctor);
     }
 
-    /// The table anew, of these columns.
+    /// Creates the table again with these columns.
     void RunTable(const String& columns) {
         Run("DROP TABLE Doctor_T");
         Run("CREATE TABLE Doctor_T (" + columns + ")");
@@ -129,7 +129,7 @@ TEST_F(Doctor, KindsHaveTheirNamesAndNumbers) {
 
 TEST_F(Doctor, StartsEmpty) { EXPECT_EQ(ContentOf(*doctor), "||0||||0|||"); }
 
-TEST_F(Doctor, EachPropertyGivesWhatItTook) {
+TEST_F(Doctor, EachPropertyReturnsTheAssignedValue) {
     for (const char* name :
          {"DrContactInfo", "DrPrefix", "DrLastName", "DrFirstName", "DrName", "DrLogin", "drGUID", "DrEMail"}) {
         std::vector<Variant> value{Variant(String("  aé' ") + name)};
@@ -221,7 +221,7 @@ TEST_F(Doctor, DeletesItsRowAndKeepsItsMembersAndItsPatients) {
     EXPECT_EQ(Ask("SELECT RespDoctor FROM Patient_T"), Variant(Long{5}));
 }
 
-TEST_F(Doctor, DeletingAMissingRowGivesTrue) { EXPECT_TRUE(doctor->DeleteDoctor(con)); }
+TEST_F(Doctor, DeletingAMissingRowReturnsTrue) { EXPECT_TRUE(doctor->DeleteDoctor(con)); }
 
 // ---- saving
 // -------------------------------------------------------------------------------------------------
@@ -254,7 +254,7 @@ TEST_F(Doctor, ANumberWithoutARowIsNotKept) {
     EXPECT_EQ(Ask("SELECT drID FROM Doctor_T"), Variant(Long{1}));
 }
 
-TEST_F(Doctor, EachMemberGoesToItsColumn) {
+TEST_F(Doctor, EachMemberIsWrittenToItsColumn) {
     FillAll();
     doctor->SaveDoctor(con);
     EXPECT_EQ(Ask("SELECT DrContactInfo_NVC || '|' || DrFirstName_NVC || '|' || DrLastName_NVC || '|' ||"
@@ -334,7 +334,7 @@ TEST_F(Doctor, ACutIsNotTrimmedAgain) {
     EXPECT_EQ(Stored("DrName_NVC"), Variant(String(29, 'a') + " "));
 }
 
-TEST_F(Doctor, ABlankIsCharacter32AndNothingElse) {
+TEST_F(Doctor, OnlyCharacter32IsABlank) {
     for (const String kept : {"\ta\t", "\r\na\r\n", "\u00A0a\u00A0", "\u3000a\u3000"}) {
         doctor->DrPrefix = " " + kept + " ";
         EXPECT_EQ(Stored("DrPrefix_NVC"), Variant(kept));
@@ -348,7 +348,7 @@ TEST_F(Doctor, EachOfTheFiveNamesIsTrimmed) {
     EXPECT_EQ(doctor->DrContactInfo, "  x ");
 }
 
-TEST_F(Doctor, MailGuidAndLoginAreWrittenAsTheyStand) {
+TEST_F(Doctor, MailGuidAndLoginAreWrittenUnescaped) {
     doctor->DrEMail = doctor->drGUID = doctor->DrLogin = "  x ";
     EXPECT_EQ(Stored("DrEMail || drGUID || DrLogin"), Variant("  x   x   x "));
 }
@@ -461,7 +461,7 @@ TEST_F(Doctor, LoadsEveryColumnAndWritesNothing) {
     EXPECT_EQ(asked, 0);
 }
 
-TEST_F(Doctor, AMissingNumberGivesFalseAndChangesNothing) {
+TEST_F(Doctor, AMissingNumberReturnsFalseAndChangesNothing) {
     FillAll();
     const String before = ContentOf(*doctor);
     EXPECT_FALSE(doctor->LoadDoctor(-5, con));
@@ -505,7 +505,7 @@ TEST_F(Doctor, ANullNumberReadsAsZero) {
     EXPECT_EQ(ContentOf(*doctor), "||0||x||0||G|");
 }
 
-TEST_F(Doctor, ANumberThatIsNoneFailsBehindContactAndFirstName) {
+TEST_F(Doctor, ATextThatIsNotANumberFailsAfterContactAndFirstNameAreRead) {
     RunTable(
         "drID NVARCHAR(9), DrContactInfo_NVC TEXT, DrFirstName_NVC TEXT, DrLastName_NVC TEXT, DrName_NVC"
         " TEXT, DrPrefix_NVC TEXT, DrType_INT INTEGER, DrEMail TEXT, drGUID TEXT, DrLogin TEXT");
@@ -575,7 +575,7 @@ TEST_F(Doctor, TheSecondLoadFindsTheGuidOfTheFirst) {
     EXPECT_EQ(asked, 1);
 }
 
-TEST_F(Doctor, AGuidOfBlanksIsNone) {
+TEST_F(Doctor, AGuidOfBlanksIsReplaced) {
     RunRow(5, "drGUID='   '");
     EXPECT_TRUE(doctor->LoadDoctor(5, con));
     EXPECT_EQ(Ask("SELECT drGUID FROM Doctor_T"), Variant("AB01"));
@@ -604,7 +604,7 @@ TEST_F(Doctor, TheWriteBackCutsTheRow) {
     EXPECT_EQ(doctor->DrPrefix, String(25, 'p'));
 }
 
-TEST_F(Doctor, AnOutsideGuidOfNothingIsSavedAllTheSame) {
+TEST_F(Doctor, AnEmptyOutsideGuidIsSaved) {
     OutsideGUID = [] { return String(); };
     RunRow(5, "drGUID=NULL");
     EXPECT_TRUE(doctor->LoadDoctor(5, con));
@@ -612,7 +612,7 @@ TEST_F(Doctor, AnOutsideGuidOfNothingIsSavedAllTheSame) {
     EXPECT_EQ(Ask("SELECT drGUID FROM Doctor_T"), Variant(""));
 }
 
-TEST_F(Doctor, AnOutsideGuidThatRaisesFailsTheLoadBehindItsMembers) {
+TEST_F(Doctor, AnOutsideGuidThatRaisesFailsTheLoadAfterItsMembers) {
     OutsideGUID = []() -> String { throw Error(429, "Suite.Ids", "gone"); };
     RunRow(5, "drGUID='  '");
     FillAll();
@@ -661,7 +661,7 @@ TEST_F(Doctor, AGuidDoesNotFindARowInLowerCase) {
     EXPECT_EQ(ContentOf(*doctor), before);
 }
 
-TEST_F(Doctor, TheCallersGuidStaysAsItIs) {
+TEST_F(Doctor, TheCallersGuidIsUnchanged) {
     std::vector<Variant> arguments{Variant("f00d"), Variant(con)};
     EXPECT_EQ(Invoke(*doctor, "LoadDoctorOnGUID", MemberKind::Operation, arguments), Variant(false));
     EXPECT_EQ(arguments[0], Variant("f00d"));
@@ -683,7 +683,7 @@ TEST_F(Doctor, AGuidThatWouldEndItsLiteralNeverBecomesAnotherStatement) {
     EXPECT_EQ(doctor->drID, 0);
 }
 
-TEST_F(Doctor, AnEmptyGuidFindsARowWithAnEmptyOneAndGivesItOne) {
+TEST_F(Doctor, AnEmptyGuidFindsARowWithAnEmptyOneAndAssignsOne) {
     RunRow(5, "drGUID=''");
     EXPECT_TRUE(doctor->LoadDoctorOnGUID("", con));
     EXPECT_THAT(Sent(), ElementsAre("SELECT * FROM Doctor_T   WHERE DrGUID ='';", saveOfFive));

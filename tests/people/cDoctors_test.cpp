@@ -4,7 +4,7 @@
 #include "platform/component/dispatch/Interface.h"
 #include "platform/runtime/Services.h"
 
-/// The list of doctors, and the identifiers that it makes.
+/// The list of doctors, and the identifiers that it assigns.
 namespace OXClass {
 namespace {
 
@@ -41,7 +41,7 @@ protected:
         if (!changes.empty()) Run("UPDATE Doctor_T SET " + changes + " WHERE drID=" + CStr(key));
     }
 
-    /// The table anew, with a number that may be null or stand twice.
+    /// Creates the table again, with a number that may be null or occur twice.
     void RunLooseTable() {
         Run("DROP TABLE Doctor_T");
         Run("CREATE TABLE Doctor_T (drID INTEGER, DrContactInfo_NVC TEXT, DrFirstName_NVC TEXT,"
@@ -49,7 +49,7 @@ protected:
             " drGUID TEXT, DrLogin TEXT)");
     }
 
-    /// What the list gives for the row with these changes.
+    /// Returns the content of the list's member for the row with these changes.
     String Listed(const String& changes) {
         RunRow(5, changes);
         EXPECT_EQ(doctors->GetAllDoctors(con), 1);
@@ -98,7 +98,7 @@ TEST_F(Doctors, AddSetsEachPropertyFromItsArgument) {
     EXPECT_EQ(doctors->Item(Long{1}), added);
 }
 
-TEST_F(Doctors, AddWithoutAKeyIsFoundByPositionAlone) {
+TEST_F(Doctors, AddWithoutAKeyIsFoundByPositionOnly) {
     std::vector<Variant> arguments{Variant(Long{7}), Variant(""), Variant(""),     Variant(""),
                                    Variant(""),      Variant(""), Variant(Long{3})};
     Invoke(*doctors, "Add", MemberKind::Operation, arguments);
@@ -133,7 +133,7 @@ TEST_F(Doctors, RemoveClosesUp) {
     EXPECT_EQ(doctors->Count(), 1);
 }
 
-TEST_F(Doctors, NewEnumWalksTheMembersInOrder) {
+TEST_F(Doctors, NewEnumVisitsTheMembersInOrder) {
     const Ref<cDoctor> first = AddOne(1), second = AddOne(2);
     const Ref<Enumerator> walk = doctors->NewEnum();
     Variant member;
@@ -147,7 +147,7 @@ TEST_F(Doctors, NewEnumWalksTheMembersInOrder) {
 // ---- loading
 // ------------------------------------------------------------------------------------------------
 
-TEST_F(Doctors, AnEmptyTableGivesAnEmptyList) {
+TEST_F(Doctors, AnEmptyTableReturnsAnEmptyList) {
     AddOne(1, "K1");
     EXPECT_EQ(doctors->GetAllDoctors(con), 0);
     EXPECT_EQ(doctors->Count(), 0);
@@ -177,7 +177,7 @@ TEST_F(Doctors, ComeByLastNameAndThenByFirstName) {
     EXPECT_EQ(doctors->Item("K1")->drID, 1);
 }
 
-TEST_F(Doctors, ASecondLoadStartsAnewAndLeavesTheOldMembersAlone) {
+TEST_F(Doctors, ASecondLoadReplacesTheListAndKeepsTheOldMembersUnchanged) {
     RunRow(5);
     doctors->GetAllDoctors(con);
     const Ref<cDoctor> old = doctors->Item("K5");
@@ -260,7 +260,7 @@ TEST_F(Doctors, ANullNumberFailsTheLoadAndLeavesThoseReadBefore) {
     EXPECT_THAT(Numbers(), ElementsAre(5));
 }
 
-TEST_F(Doctors, ANumberThatStandsTwiceFailsTheLoadAtTheSecond) {
+TEST_F(Doctors, ANumberThatOccursTwiceFailsTheLoadAtTheSecondRow) {
     RunLooseTable();
     RunRow(5);
     RunRow(5);
@@ -271,7 +271,7 @@ TEST_F(Doctors, ANumberThatStandsTwiceFailsTheLoadAtTheSecond) {
     EXPECT_THAT(Numbers(), ElementsAre(5));
 }
 
-TEST_F(Doctors, AMissingColumnBehindTheNamesLeavesAHalfFilledDoctor) {
+TEST_F(Doctors, AMissingColumnAfterTheNamesLeavesAPartlyFilledDoctor) {
     struct {
         const char* column;
         const char* content;

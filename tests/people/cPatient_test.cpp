@@ -20,7 +20,7 @@ protected:
         return patient->LoadOnPatientIDorPDBID(con, identifier, counter);
     }
 
-    /// Another object with what the database holds.
+    /// Returns another object, loaded from the database.
     Ref<cPatient> Stored(const String& identifier) {
         Ref<cPatient> stored = New<cPatient>();
         EXPECT_EQ(stored->LoadOnPatientIDorPDBID(con, identifier, 0), 1);
@@ -109,7 +109,7 @@ TEST_F(Patient, LoadsByCounterWhereTheIdentifierIsEmpty) {
     EXPECT_THAT(Sent(), ElementsAre("SELECT * FROM Patient_T WHERE PatientID = 12"));
 }
 
-TEST_F(Patient, LoadsByIdentifierAndDoesNotLookAtTheCounter) {
+TEST_F(Patient, LoadsByIdentifierAndIgnoresTheCounter) {
     Run("INSERT INTO Patient_T (PatientID, PersonNr_CH) VALUES (12, 'AB-1'), (13, 'CD-2')");
     EXPECT_EQ(Load("ab-1", 13), 1);
     EXPECT_EQ(patient->ID, 12);
@@ -185,7 +185,7 @@ TEST_F(Patient, ANullResponsibleDoctorLoadsAsZero) {
     EXPECT_EQ(patient->RespDoctor, 0);
 }
 
-TEST_F(Patient, TheIdentifierComesBackInUpperCaseWithoutOuterBlanks) {
+TEST_F(Patient, TheIdentifierIsWrittenBackInUpperCaseWithoutOuterBlanks) {
     Run("INSERT INTO Patient_T (PatientID, PersonNr_CH) VALUES (5, '  ab-1 ')");
     EXPECT_EQ(Load("", 5), 1);
     EXPECT_EQ(patient->PatientID, "AB-1");
@@ -247,7 +247,7 @@ TEST_F(Patient, ABlankPreviousXrayDateLoadsAsZero) {
     EXPECT_EQ(patient->PrevXrayDate, Date{});
 }
 
-TEST_F(Patient, BlanksAroundADateDoNoHarm) {
+TEST_F(Patient, BlanksAroundADateAreIgnored) {
     Run("INSERT INTO Patient_T (PersonNr_CH, Birthdate_CH, PrevXrayDate_CH)"
         " VALUES ('A', ' 1984-02-29 ', ' 2023-12-01 ')");
     EXPECT_EQ(Load("A"), 1);
@@ -255,7 +255,7 @@ TEST_F(Patient, BlanksAroundADateDoNoHarm) {
     EXPECT_EQ(patient->PrevXrayDate, DateFrom({2023, 12, 1, 0, 0, 0}));
 }
 
-TEST_F(Patient, ABadResponsibleDoctorLeavesWhatWasReadBeforeIt) {
+TEST_F(Patient, ABadResponsibleDoctorKeepsTheMembersReadBefore) {
     Run("INSERT INTO Patient_T (PersonNr_CH, IDImg, OtherIDs, RespDoctor, PrevXrayDate_CH)"
         " VALUES ('A', 'img', 'X\\Y', 99999999999, '2023-12-01')");
     const TextBoxes boxes;
@@ -302,7 +302,7 @@ TEST_F(Patient, InsertsWhereTheIdentifierIsNew) {
     EXPECT_EQ(patient->ID, 1);
 }
 
-TEST_F(Patient, UpdatesWhereTheIdentifierStands) {
+TEST_F(Patient, UpdatesTheRowsWithTheIdentifier) {
     Run("INSERT INTO Patient_T (PatientID, PersonNr_CH) VALUES (31, 'AB-1')");
     FillAll();
     EXPECT_EQ(patient->Save(con), 0);
@@ -358,7 +358,7 @@ TEST_F(Patient, AnEmptyIdentifierOverwritesAllRowsThatHaveNone) {
     EXPECT_EQ(Ask("SELECT count(*) FROM Patient_T"), Variant(Long{3}));
 }
 
-TEST_F(Patient, DuplicatesAreAllOverwrittenAndTheFirstGivesItsCounter) {
+TEST_F(Patient, DuplicatesAreAllOverwrittenAndTheFirstReturnsItsCounter) {
     Run("INSERT INTO Patient_T (PatientID, PersonNr_CH) VALUES (8, 'A'), (9, 'A')");
     patient->PatientID = "a";
     patient->LastName = "Both";
@@ -402,7 +402,7 @@ TEST_F(Patient, TheListIsCutOnUpdateToo) {
     EXPECT_EQ(Ask("SELECT length(OtherIDs) FROM Patient_T"), Variant(Long{255}));
 }
 
-TEST_F(Patient, NamesOfAnyScriptComeBackAsTheyWere) {
+TEST_F(Patient, NamesOfAnyScriptAreReadUnchanged) {
     for (const char* name : {"Ελένη Ωρίων", "Лев Щукин", "山田 太郎", "🦷😀", "Åse \"Ø\" O'Ñ %_\\"}) {
         patient->PatientID = "A";
         patient->FirstName = patient->LastName = patient->Comments = name;
@@ -430,7 +430,7 @@ TEST_F(Patient, QuotesInEscapedColumnsStoreAsTheyAre) {
     EXPECT_EQ(Ask("SELECT count(*) FROM Patient_T"), Variant(Long{1}));
 }
 
-/// What breaks out of an unescaped text.
+/// Texts that would end an unescaped literal.
 const char* const injections[] = {"x', Sex_CH='y",  "'", "O'Neil", "x'; DELETE FROM Patient_T; --", "'||'x",
                                   "x''', Sex_CH='y"};
 

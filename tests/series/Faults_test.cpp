@@ -4,8 +4,8 @@
 #include "series/cSerie.h"
 #include "series/cStudy.h"
 
-/// What a failure of the database leaves behind: each call that an operation makes fails once, and then
-/// the operation is repeated.
+/// The state after a failure of the database: each call that an operation makes fails once, and then the operation is
+/// repeated.
 namespace OXClass {
 namespace {
 
@@ -41,7 +41,7 @@ TEST_F(Faults, ANewStudyIsWrittenWholeOrNotAtAll) {
     EXPECT_THAT(boxes.shown, IsEmpty());
 }
 
-TEST_F(Faults, AKnownStudyKeepsItsRowUntilTheUpdateComesThrough) {
+TEST_F(Faults, AKnownStudyKeepsItsRowUntilTheUpdateSucceeds) {
     Run("INSERT INTO Study_T (Study_ID, StudyInstanceUID, Studydesc) VALUES (5, '1.2', 'old')");
     const Ref<cStudy> study = New<cStudy>();
     study->instanceUID = "1.2";
@@ -72,7 +72,7 @@ TEST_F(Faults, ANewSeriesIsWrittenWholeOrNotAtAll) {
     EXPECT_THAT(boxes.shown, IsEmpty());
 }
 
-TEST_F(Faults, AKnownSeriesKeepsItsRowUntilTheUpdateComesThrough) {
+TEST_F(Faults, AKnownSeriesKeepsItsRowUntilTheUpdateSucceeds) {
     Run("INSERT INTO Series_T (Series_ID, SeriesInstanceUID, Modality) VALUES (5, '1.2', 'old')");
     const Ref<cSerie> series = New<cSerie>();
     series->instanceUID = "1.2";
@@ -211,7 +211,7 @@ TEST_F(ImageFaults, AnUpdateThatFailsLeavesTheRow) {
     EXPECT_THAT(StoredComments(), ElementsAre("first", "second"));
 }
 
-TEST_F(ImageFaults, ALookThatFailsLeavesTheStaleKey) {
+TEST_F(ImageFaults, AFailedSearchLeavesTheOldKey) {
     image->ID = 77;
     SaveEx(1);
     EXPECT_EQ(image->ID, 77);
@@ -220,7 +220,7 @@ TEST_F(ImageFaults, ALookThatFailsLeavesTheStaleKey) {
     EXPECT_EQ(image->ID, 1);
 }
 
-TEST_F(ImageFaults, AnInsertThatFailsBehindTheLookLeavesTheKeyAtZero) {
+TEST_F(ImageFaults, AnInsertThatFailsAfterTheSearchLeavesTheKeyAtZero) {
     image->ID = 77;
     SaveEx(2);
     EXPECT_EQ(image->ID, 0) << "the look found no row";
@@ -229,8 +229,8 @@ TEST_F(ImageFaults, AnInsertThatFailsBehindTheLookLeavesTheKeyAtZero) {
     EXPECT_EQ(image->ID, 1);
 }
 
-/// An image that comes in a second time: its row stands in the table, with a comment that the object has
-/// too, and with the mark of a deletion.
+/// An image that is stored a second time: the table has its row, with a comment that the object has too, and with the
+/// mark of a deletion.
 class MergeFaults : public ImageFaults {
 protected:
     MergeFaults() {
@@ -261,7 +261,7 @@ TEST_F(MergeFaults, MakesSixCalls) {
     EXPECT_EQ(StoredCrc(), Variant("new"));
 }
 
-TEST_F(MergeFaults, AtTheLookChangesNothing) {
+TEST_F(MergeFaults, AtTheSearchChangesNothing) {
     SaveEx(1);
     EXPECT_EQ(image->ID, 0);
     EXPECT_THAT(Texts(), ElementsAre("known", "first", "second"));
@@ -295,7 +295,7 @@ TEST_F(MergeFaults, AtTheMarkKeepsTheCommentsBroughtTogether) {
     EXPECT_THAT(StoredComments(), ElementsAre("known", "Deleted 2024-01-02 03:04:05", "first", "second"));
 }
 
-TEST_F(MergeFaults, AtTheUpdateTheMarkIsGoneAlready) {
+TEST_F(MergeFaults, AtTheUpdateTheMarkIsAlreadyDeleted) {
     SaveEx(4);
     EXPECT_THAT(StoredComments(), ElementsAre("known"));
     EXPECT_EQ(StoredCrc(), Variant("old"));

@@ -80,7 +80,7 @@ const char* const EighteenFilms[] = {
     "11,21,", "22,23,", "43,42,", "41,31,", "32,33,", "17,16,47,46,", "15,14,45,44,", "24,25,34,35,", "26,27,36,37,"};
 constexpr Long FramesOfEighteenFilms[] = {6, 7, 2, 1, 17, 18, 13, 12, 3, 4, 5, 14, 15, 16, 8, 9, 10, 11};
 
-TEST_F(SeriesLifecycle, AFullMouthSeriesComesBackAsItWasHung) {
+TEST_F(SeriesLifecycle, AFullMouthSeriesIsLoadedAsItWasHung) {
     BeginSeries(7, "IO");
     for (const char* teeth : EighteenFilms) Capture(teeth);
     HangAndSave();
@@ -104,7 +104,7 @@ TEST_F(SeriesLifecycle, AFullMouthSeriesComesBackAsItWasHung) {
     EXPECT_THAT(frames, ElementsAreArray(FramesOfEighteenFilms));
 }
 
-TEST_F(SeriesLifecycle, HangingItselfSendsNothingAndSavesNothing) {
+TEST_F(SeriesLifecycle, HangingSendsNoStatementAndSavesNothing) {
     BeginSeries(7, "IO");
     for (const char* teeth : {"26,27,36,37,", "17,16,47,46,"}) Capture(teeth);
     log.statements.clear();

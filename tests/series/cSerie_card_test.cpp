@@ -127,7 +127,7 @@ TEST_F(SeriesAsCard, ACollectionOfImagesWorksAsAPlainOneDoes) {
     EXPECT_THAT(Stored(), ElementsAre("1: 11 at 0.0 0.0, 0.19 x 0.19"));
 }
 
-TEST_F(SeriesAsCard, ALateBoundCallerGivesEitherCollection) {
+TEST_F(SeriesAsCard, ALateBoundCallerPassesEitherCollection) {
     AddImage(11);
     const Ref<cImages> own = New<cImages>();
     Ref<cImage> image = New<cImage>();
@@ -162,7 +162,7 @@ TEST_F(SeriesAsCard, ASecondSaveMakesASecondCard) {
     EXPECT_EQ(Ask("SELECT COUNT(DISTINCT ImageCardID) FROM ImageAttribute_T"), Variant(Long{2}));
 }
 
-TEST_F(SeriesAsCard, TheMirrorStatusIsLeftAlone) {
+TEST_F(SeriesAsCard, TheMirrorStatusIsUnchanged) {
     AddImage(11)->MirrRotStatus = 5;
     Save();
     EXPECT_EQ(Ask("SELECT IAMirrRotStatus FROM ImageAttribute_T"), Variant(Long{0}));
@@ -221,7 +221,7 @@ TEST_F(SeriesAsCard, HalvesOfTheCanvasAreRoundedToTheEvenNumber) {
     EXPECT_EQ(Ask("SELECT ICFullViewHeight FROM ImageCard_T"), Variant(302.0));
 }
 
-TEST_F(SeriesAsCard, AnUnknownLayoutGivesACanvasOfZero) {
+TEST_F(SeriesAsCard, AnUnknownLayoutHasACanvasOfZero) {
     series->TemplateID = 99;
     AddImage(11);
     Save();
@@ -229,7 +229,7 @@ TEST_F(SeriesAsCard, AnUnknownLayoutGivesACanvasOfZero) {
     EXPECT_EQ(Ask("SELECT ICFullViewWidth + ICFullViewHeight FROM ImageCard_T"), Variant(0.0));
 }
 
-TEST_F(SeriesAsCard, LayoutZeroIsLookedUpAsKeyZero) {
+TEST_F(SeriesAsCard, LayoutZeroIsReadAsKeyZero) {
     series->TemplateID = 0;
     AddImage(11);
     Save();
@@ -243,15 +243,15 @@ TEST_F(SeriesAsCard, ACanvasBeyondALongStoresNothing) {
     EXPECT_THAT(Sent(), ElementsAre(templateOfSix, slotsOfOne));
 }
 
-// ---- members that are no image --------------------------------------------------------------------------
+// ---- members that are not images ------------------------------------------------------------------------
 
-TEST_F(SeriesAsCard, AFirstMemberThatIsNoObjectRaises) {
+TEST_F(SeriesAsCard, AFirstMemberThatIsNotAnObjectRaises) {
     images->Add(Long{5});
     EXPECT_EQ(FailureOfSave(), 424);
     EXPECT_THAT(Sent(), ElementsAre(templateOfSix, slotsOfOne));
 }
 
-TEST_F(SeriesAsCard, AFirstMemberThatIsNothingRaises) {
+TEST_F(SeriesAsCard, AFirstMemberThatIsNullRaises) {
     images->Add(Variant(Ref<Object>()));
     EXPECT_EQ(FailureOfSave(), 91);
     EXPECT_THAT(Sent(), ElementsAre(templateOfSix, slotsOfOne));
@@ -263,21 +263,21 @@ TEST_F(SeriesAsCard, AFirstMemberWithoutAPatientRaises) {
     EXPECT_THAT(Sent(), ElementsAre(templateOfSix, slotsOfOne));
 }
 
-TEST_F(SeriesAsCard, ALaterMemberThatIsNoImageRaisesBeforeTheCardIsStored) {
+TEST_F(SeriesAsCard, ALaterMemberThatIsNotAnImageRaisesBeforeTheCardIsStored) {
     AddImage(11);
     images->Add(New<cSerie>());
     EXPECT_EQ(FailureOfSave(), 13);
     EXPECT_THAT(Sent(), ElementsAre(templateOfSix, slotsOfOne));
 }
 
-TEST_F(SeriesAsCard, AFrameThatIsNoNumberRaisesBeforeTheCardIsStored) {
+TEST_F(SeriesAsCard, ANonNumericFrameRaisesBeforeTheCardIsStored) {
     RunSlot(3, 1);
     AddImage(11)->FrameNumber = LateNumber(Variant("x"));
     EXPECT_EQ(FailureOfSave(), 13);
     EXPECT_THAT(Sent(), ElementsAre(templateOfSix, slotsOfOne));
 }
 
-TEST_F(SeriesAsCard, AFrameThatIsNoNumberIsNotAskedForWhereThereIsNoSlot) {
+TEST_F(SeriesAsCard, ANonNumericFrameIsIgnoredIfTheLayoutHasNoSlot) {
     AddImage(11)->FrameNumber = LateNumber(Variant("x"));
     EXPECT_EQ(FailureOfSave(), 0);
     EXPECT_THAT(Stored(), ElementsAre("1: 11 at 0.0 0.0, 0.19 x 0.19"));
@@ -285,7 +285,7 @@ TEST_F(SeriesAsCard, AFrameThatIsNoNumberIsNotAskedForWhereThereIsNoSlot) {
 
 // ---- failures -------------------------------------------------------------------------------------------
 
-TEST_F(SeriesAsCard, WhatFailsReachesTheCallerAndWhatWasWrittenStays) {
+TEST_F(SeriesAsCard, AFailureReachesTheCallerAndKeepsTheRowsWrittenBefore) {
     InstallFaultyProvider();
     const Ref<Connection> faulty = New<Connection>();
     faulty->Open(Replace(con->ConnectionString(), "Provider=SQLite", "Provider=Faulty"));
@@ -309,7 +309,7 @@ TEST_F(SeriesAsCard, WhatFailsReachesTheCallerAndWhatWasWrittenStays) {
     }
 }
 
-TEST_F(SeriesAsCard, AFailureAtTheStepsOfAPlacedImageIsSwallowed) {
+TEST_F(SeriesAsCard, AFailureAtTheStepsOfAPlacedImageIsIgnored) {
     InstallFaultyProvider();
     const Ref<Connection> faulty = New<Connection>();
     faulty->Open(Replace(con->ConnectionString(), "Provider=SQLite", "Provider=Faulty"));

@@ -15,7 +15,7 @@ using ::testing::IsEmpty;
 
 class Examination : public WithDatabase {
 protected:
-    /// Hangs images of which only the teeth are known; gives the layout.
+    /// Hangs images of which only the teeth are known; returns the layout.
     Long Hang(const std::vector<String>& teeth) {
         const Ref<cSerie> series = New<cSerie>();
         const Ref<Collection> collection = New<Collection>();

@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <array>
 
-/// Hanging against a slow model: the same procedures in their plainest form, walk by walk, compared on
-/// random series.
+/// Hanging compared with a slow model on random series: the model runs the same procedures in their simplest form, one
+/// loop after the other.
 namespace OXClass {
 namespace {
 
@@ -19,7 +19,7 @@ struct Slot {
     Long sequence;
 };
 
-/// What hanging reads and writes of an image.
+/// The properties of an image that hanging reads and writes.
 struct Film {
     String teeth, laterality, region, modifier;
     Long frame = 0;

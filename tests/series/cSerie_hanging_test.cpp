@@ -117,7 +117,7 @@ TEST_F(Hanging, AnEmptyCollectionCountsAsBitewings) {
         EXPECT_EQ(Hang(count), layout) << count;
 }
 
-TEST_F(Hanging, OneImageThatIsNoBitewingChangesTheLayout) {
+TEST_F(Hanging, OneImageThatIsNotABitewingChangesTheLayout) {
     for (const auto& [laterality, region] : {std::pair{"B", Both}, std::pair{"R", Upper}, std::pair{"L", ""}}) {
         images.clear();
         Add("R", Both, Modifier('9'));
@@ -126,7 +126,7 @@ TEST_F(Hanging, OneImageThatIsNoBitewingChangesTheLayout) {
     }
 }
 
-TEST_F(Hanging, AnImageOfBothSidesIsNoBitewing) {
+TEST_F(Hanging, AnImageOfBothSidesIsNotABitewing) {
     AddTeeth({"16,26,", "15,45,"});
     EXPECT_EQ(Hang(), 10);
     EXPECT_EQ(images[0]->Laterality, "B");
@@ -173,7 +173,7 @@ TEST_F(Hanging, AFrontalHeadBeatsALateralOne) {
     EXPECT_EQ(Hang(4), 11);
 }
 
-TEST_F(Hanging, FiveImagesAreNotLookedAtForTheLayout) {
+TEST_F(Hanging, FiveImagesAreNotExaminedForTheLayout) {
     for (int i = 0; i < 5; ++i) Add("R", Both, Modifier('9'));
     std::swap(images[0]->dateTime, images[4]->dateTime);
     EXPECT_EQ(Hang(), 11);
@@ -200,7 +200,7 @@ TEST_F(Hanging, OnlyEmptyFieldsAreDerived) {
     EXPECT_EQ(images[3]->Laterality + images[3]->AnaRegion + images[3]->AnaRegionMod, "");
 }
 
-TEST_F(Hanging, ASecondCallHangsAfreshAndDerivesNothing) {
+TEST_F(Hanging, ASecondCallHangsAgainAndDerivesNothing) {
     AddTeeth({"16,17,46,47,", "26,27,36,37,"});
     EXPECT_EQ(Hang(), 8);
     EXPECT_THAT(Frames(), ElementsAre(1, 2));
@@ -221,7 +221,7 @@ TEST_F(Hanging, TheOldCodeOfBothJawsIsRewritten) {
 
 // ---- by time --------------------------------------------------------------------------------------------
 
-TEST_F(Hanging, ByTimeTheOldestComesFirstAndEqualTimesInTheirOrder) {
+TEST_F(Hanging, ByTimeTheOldestIsFirstAndEqualTimesInTheirOrder) {
     AddPlain(6);
     const Date noon = DateFrom({2024, 3, 9, 12, 0, 0}), morning = DateFrom({2024, 3, 9, 8, 0, 0});
     for (const std::size_t i : {0U, 2U, 5U}) images[i]->dateTime = noon;
@@ -249,7 +249,7 @@ TEST_F(Hanging, TwentyOneImagesAreNumberedWithoutALayout) {
     EXPECT_THAT(Sent(), IsEmpty());
 }
 
-TEST_F(Hanging, AnImageThatStandsTwiceTakesOneFrame) {
+TEST_F(Hanging, AnImageThatOccursTwiceOccupiesOneFrame) {
     AddPlain(2);
     images.push_back(images[0]);
     Hang();
@@ -349,7 +349,7 @@ TEST_F(Hanging, ASecondFrontImageOfAnUpperSideHangsByTheFirstOne) {
         }
 }
 
-TEST_F(Hanging, ASecondFrontImageBehindOneThatFitByItsTeethMayBe6Or5) {
+TEST_F(Hanging, ASecondFrontImageAfterOneThatFitByItsTeethMayBe6Or5) {
     Add("R", Upper, "other", "13,");
     Add("R", Upper, Modifier('5'));
     Add("R", Upper, Modifier('6'));
@@ -479,7 +479,7 @@ TEST_F(TeethFitModifier, CentralIncisorsFit5) {
     EXPECT_FALSE(Fits('5', "12,"));
 }
 
-TEST_F(TeethFitModifier, TheOtherModifiersMatchByTheirCodeAlone) {
+TEST_F(TeethFitModifier, TheOtherModifiersMatchByTheirCodeOnly) {
     EXPECT_EQ(FrameOf(18, "R", Upper, "other", "17,"), 0) << "a molar alone is neither C nor, by its teeth, B or A";
     EXPECT_EQ(FrameOf(18, "R", Upper, "other", "14,12,15,"), 0) << "8 by derivation, and by no test of the teeth";
     EXPECT_EQ(FrameOf(18, "R", Upper, Modifier('A'), "11,"), 1);
@@ -487,7 +487,7 @@ TEST_F(TeethFitModifier, TheOtherModifiersMatchByTheirCodeAlone) {
 
 TEST_F(TeethFitModifier, PrimaryTeethFitNothing) { EXPECT_EQ(FrameOf(18, "R", Upper, "other", "51,52,53,54,55,"), 0); }
 
-TEST_F(TeethFitModifier, ATextThatIsNoToothStringRaisesWhenItIsReached) {
+TEST_F(TeethFitModifier, AnInvalidToothStringRaisesWhenItIsReached) {
     Add("R", Upper, Modifier('C'), "no teeth");
     Add("R", Upper, Modifier('8'), "1112");
     Add("L", "other", "other", "1112");
@@ -514,7 +514,7 @@ TEST_F(Hanging, FourBitewingsFirstPass) {
     EXPECT_EQ(series->TemplateID, 7);
 }
 
-TEST_F(Hanging, FourBitewingsSecondPassTakesWhatIsLeft) {
+TEST_F(Hanging, FourBitewingsSecondPassUsesTheRemainingImages) {
     struct Case {
         const char* side;
         const char* modifiers;
@@ -533,14 +533,14 @@ TEST_F(Hanging, FourBitewingsSecondPassTakesWhatIsLeft) {
     }
 }
 
-TEST_F(Hanging, FourBitewingsDoNotLookAtTeeth) {
+TEST_F(Hanging, FourBitewingsIgnoreTheTeeth) {
     Add("R", Both, "other", "16,17,46,47,");
     Add("L", Both, "other", "no teeth");
     EXPECT_EQ(Hang(4), 7);
     EXPECT_THAT(Frames(), ElementsAre(0, 0));
 }
 
-TEST_F(Hanging, TwoBitewingsGoByTheirSideAlone) {
+TEST_F(Hanging, TwoBitewingsArePlacedByTheirSideOnly) {
     Add("L", Both, "other", "no teeth");
     Add("R", Both);
     EXPECT_EQ(Hang(), 8);
@@ -604,7 +604,7 @@ TEST_F(TemplateOrder, PassesOverSequencesWithoutASlot) {
     EXPECT_THAT(Frames(), ElementsAre(5, 9, 0, 0));
 }
 
-TEST_F(TemplateOrder, GoesNoFurtherThanThereAreImages) {
+TEST_F(TemplateOrder, EndsWithTheLastImage) {
     StoreTemplate({{5, 2}, {9, 4}});
     AddPlain(3);
     Hang(10);
@@ -621,7 +621,7 @@ TEST_F(TemplateOrder, OfTwoSlotsOfOneSequenceTheLowerNumberCounts) {
     EXPECT_THAT(Frames(), ElementsAre(4, 6));
 }
 
-TEST_F(TemplateOrder, GivesAnImageThatStandsTwiceOneSlot) {
+TEST_F(TemplateOrder, AssignsOneSlotToAnImageThatOccursTwice) {
     StoreTemplate({{4, 1}, {5, 2}, {6, 3}});
     AddPlain(2);
     images.push_back(images[0]);
@@ -630,7 +630,7 @@ TEST_F(TemplateOrder, GivesAnImageThatStandsTwiceOneSlot) {
     EXPECT_EQ(images[1]->FrameNumber, 5);
 }
 
-TEST_F(TemplateOrder, WithoutSuchATemplateNothingHangs) {
+TEST_F(TemplateOrder, WithoutTheTemplateNoImageIsHung) {
     AddPlain(2);
     EXPECT_EQ(Hang(10), 6);
     EXPECT_THAT(Frames(), ElementsAre(0, 0));
@@ -662,7 +662,7 @@ TEST_F(TemplateOrder, OfTheStandardLayoutsFillsEachFrameOnce) {
     }
 }
 
-TEST_F(TemplateOrder, ADoubleFrameEmptiesItsSecondImageAndAllBehindIt) {
+TEST_F(TemplateOrder, ADoubleFrameEmptiesItsSecondImageAndAllAfterIt) {
     StoreTemplate({{1, 1}, {3, 2}, {3, 3}, {2, 4}});
     AddPlain(4);
     Hang(10);
@@ -690,7 +690,7 @@ TEST_F(Hanging, AnImageCountBeyond16BitsRaisesAndChangesNothing) {
     EXPECT_EQ(images[0]->Laterality, "");
 }
 
-TEST_F(Hanging, AFrameSumBeyond16BitsRaisesBehindThePlacing) {
+TEST_F(Hanging, AFrameSumBeyond16BitsRaisesAfterThePlacing) {
     AddPlain(255);
     EXPECT_EQ(Hang(), 0);
     EXPECT_EQ(images.back()->FrameNumber, 255);
@@ -715,7 +715,7 @@ TEST_F(Hanging, MoreImagesThan16BitsCountRaise) {
     EXPECT_EQ(Hang(21), 0) << "the greatest number of images that are counted";
 }
 
-TEST_F(Hanging, AMemberThatIsNoImageRaisesAtTheWalk) {
+TEST_F(Hanging, AMemberThatIsNotAnImageRaisesDuringTheIteration) {
     AddTeeth({"16,", "26,"});
     const Ref<Collection> members = New<Collection>();
     members->Add(images[0]);

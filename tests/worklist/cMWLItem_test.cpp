@@ -157,7 +157,7 @@ TEST_F(WorklistItem, EqualAndBlankRecipientsAreAllAdded) {
     EXPECT_THAT(MembersIn(item->IntendedRecipients()), ElementsAre("a 1", "a 2", " 3", "   4"));
 }
 
-TEST_F(WorklistItem, ARecipientBehindARemovalMeetsTheKeyThatIsStillThere) {
+TEST_F(WorklistItem, ARecipientAfterARemovalCollidesWithAnExistingKey) {
     item->AddRecipient("a");
     item->AddRecipient("b");
     item->IntendedRecipients()->Remove("K1");
@@ -166,7 +166,7 @@ TEST_F(WorklistItem, ARecipientBehindARemovalMeetsTheKeyThatIsStillThere) {
     EXPECT_THAT(MembersIn(item->IntendedRecipients()), ElementsAre("b 2"));
 }
 
-TEST_F(WorklistItem, ARecipientBehindTheRemovalOfTheLastTakesItsNumber) {
+TEST_F(WorklistItem, ARecipientAfterTheRemovalOfTheLastTakesItsNumber) {
     item->AddRecipient("a");
     item->AddRecipient("b");
     item->IntendedRecipients()->Remove("K2");
@@ -194,7 +194,7 @@ TEST_F(WorklistItem, ALateBoundPutReplacesBothLists) {
     EXPECT_EQ(Get("OtherPatIDs"), Variant(others));
 }
 
-TEST_F(WorklistItem, AListSetToNothingIsMadeAnewAndEmpty) {
+TEST_F(WorklistItem, AListSetToNullIsCreatedAgainAndEmpty) {
     item->AddRecipient("a");
     AddOther("a");
     const Ref<IntendedRecipients> recipients = item->IntendedRecipients();
@@ -209,7 +209,7 @@ TEST_F(WorklistItem, AListSetToNothingIsMadeAnewAndEmpty) {
     EXPECT_THAT(MembersIn(others), ElementsAre("A 1"));
 }
 
-TEST_F(WorklistItem, AGetterGivesTheSameListEachTime) {
+TEST_F(WorklistItem, AGetterReturnsTheSameListEachTime) {
     EXPECT_EQ(item->IntendedRecipients(), Ref<IntendedRecipients>(item->IntendedRecipients()));
     const Ref<OtherPatIDs> others = item->OtherPatIDs();
     EXPECT_EQ(item->OtherPatIDs(), others);
@@ -243,18 +243,18 @@ TEST_F(WorklistItem, AddingAnotherIdentifierLeavesTheirText) {
     EXPECT_EQ(item->OtherPatientID, "");
 }
 
-TEST_F(WorklistItem, AnIdentifierInLowerCaseIsStoredInUpperCaseAndComesBackSo) {
+TEST_F(WorklistItem, AnIdentifierInLowerCaseIsStoredAndReturnedInUpperCase) {
     EXPECT_EQ(AddOther(" abc "), "ABC");
     EXPECT_THAT(MembersIn(item->OtherPatIDs()), ElementsAre("ABC 1"));
 }
 
-TEST_F(WorklistItem, ALateBoundCallersIdentifierComesBackToo) {
+TEST_F(WorklistItem, ALateBoundCallersIdentifierIsWrittenBackToo) {
     std::vector<Variant> arguments{Variant("abc")};
     EXPECT_EQ(Invoke(*item, "AddOtherPID", MemberKind::Operation, arguments), Variant());
     EXPECT_EQ(arguments[0], Variant("ABC"));
 }
 
-TEST_F(WorklistItem, ALateBoundRecipientStaysAsItIs) {
+TEST_F(WorklistItem, ALateBoundRecipientIsUnchanged) {
     std::vector<Variant> arguments{Variant(" abc ")};
     EXPECT_EQ(Invoke(*item, "AddRecipient", MemberKind::Operation, arguments), Variant());
     EXPECT_EQ(arguments[0], Variant(" abc "));
@@ -277,7 +277,7 @@ TEST_F(WorklistItem, ABlankIdentifierIsNotAdded) {
     EXPECT_THAT(MembersIn(item->OtherPatIDs()), IsEmpty());
 }
 
-TEST_F(WorklistItem, AnIdentifierBehindARemovalMeetsTheKeyThatIsStillThere) {
+TEST_F(WorklistItem, AnIdentifierAfterARemovalCollidesWithAnExistingKey) {
     AddOther("A");
     AddOther("B");
     item->OtherPatIDs()->Remove("K1");
@@ -285,7 +285,7 @@ TEST_F(WorklistItem, AnIdentifierBehindARemovalMeetsTheKeyThatIsStillThere) {
     EXPECT_THAT(MembersIn(item->OtherPatIDs()), ElementsAre("B 2"));
 }
 
-TEST_F(WorklistItem, AnIdentifierThatIsThereMeetsNoKey) {
+TEST_F(WorklistItem, AnExistingIdentifierDoesNotCollideWithAKey) {
     AddOther("A");
     AddOther("B");
     item->OtherPatIDs()->Remove("K1");

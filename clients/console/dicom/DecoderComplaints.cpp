@@ -14,7 +14,7 @@ namespace {
 
 namespace log = dcmtk::log4cplus;
 
-/// Where the complaints of this thread go; null where none are wanted.
+/// Receives the complaints of this thread; null if they are ignored.
 thread_local std::string* complaintsOfThread = nullptr;
 
 class Collector : public log::Appender {

@@ -4,15 +4,15 @@
 
 namespace Console {
 
-/// Collects the complaints of the toolkit's decoders on this thread, which decode damaged pixels to noise
-/// and only log that they did.
+/// Collects the warnings of the toolkit's decoders on this thread. The decoders turn damaged pixels into noise and
+/// report this only in their log.
 class DecoderComplaints {
 public:
     DecoderComplaints();
     ~DecoderComplaints();
     DecoderComplaints(const DecoderComplaints&) = delete;
 
-    /// Raises `std::runtime_error` with the first complaint since this object was made, if there is one.
+    /// Throws `std::runtime_error` with the first complaint since this object was created, if there is one.
     void Check() const;
 
 private:

@@ -115,7 +115,7 @@ constexpr std::array<int, 52> NumbersOfTable() {
     return numbers;
 }
 
-/// The entry that has the code `value`, or nullptr. An empty value would match the empty codes.
+/// Returns the entry that has the code `value`, or nullptr. An empty value would match the empty codes.
 template <class Table>
 auto Find(const Table& table, std::string_view value) -> const typename Table::value_type* {
     if (value.empty()) return nullptr;
@@ -129,7 +129,7 @@ const AreaCodes& Area(const auto& table, std::string_view key, const char* kind)
     return *hit;
 }
 
-/// The meaning of a code of the table; of another code the code itself.
+/// Returns the meaning of a code of the table; of another code the code itself.
 std::string Meaning(const auto& table, std::string_view code) {
     const AreaCodes* entry = Find(table, code);
     return std::string(entry ? entry->meaning : code);

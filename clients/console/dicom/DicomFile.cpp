@@ -21,7 +21,7 @@ namespace {
 
 namespace RegionCode = OXClass::RegionCode;
 
-/// Values longer than this many bytes stay in the file until somebody asks for them.
+/// Values longer than this many bytes are read only when they are used.
 constexpr Uint32 LongestValueRead = 64 * 1024;
 
 std::string PointInTime(std::string_view day, std::string_view time) {
@@ -29,7 +29,7 @@ std::string PointInTime(std::string_view day, std::string_view time) {
     return date.empty() ? date : date + " " + TimeText(time);
 }
 
-/// For a value that holds day and time in one, with an optional zone, which is left out.
+/// Returns day and time of a value that contains both. Ignores the time zone, if there is one.
 std::string PointInTime(std::string_view both) {
     const std::string_view local = both.substr(0, both.find_first_of("+-"));
     if (local.size() < 8) return {};
@@ -38,7 +38,7 @@ std::string PointInTime(std::string_view both) {
 
 // ------------------------------------------------------------------------------------------ the file
 
-/// A number that DICOM stores in two bytes; 0 if it is absent.
+/// Returns a number that DICOM stores in two bytes; 0 if it is absent.
 int Binary(DcmItem& item, const DcmTagKey& tag) {
     Uint16 number = 0;
     return item.findAndGetUint16(tag, number).good() ? number : 0;
@@ -135,7 +135,7 @@ private:
         file.exposureTime_ms = InMilli(DCM_ExposureTime, DCM_ExposureTimeInuS);
     }
 
-    /// A quantity that a file states in milli units, rounded to whole ones, or finer in micro units.
+    /// Returns a quantity that a file states in milli units, rounded to whole ones, or finer in micro units.
     double InMilli(const DcmTagKey& milli, const DcmTagKey& micro) {
         const double fine = values.Number(set, micro) / 1000;
         return fine > 0 ? fine : values.Number(set, milli);
@@ -180,9 +180,9 @@ private:
         return {};
     }
 
-    /// Teeth are listed one by one, while region and side often keep what the previous picture had. So the
-    /// teeth win: a jaw region must be theirs, and a stated side must have one of them. A film across the
-    /// midline may lawfully be called left or right; "B" asks for teeth on both sides.
+    /// Removes a region and a side that contradict the teeth. Programs list the teeth one by one, but often leave the
+    /// region and the side of the previous picture. A jaw region must be the region of the teeth, and a stated side
+    /// must have one of them: a film across the midline may have either side, and "B" requires teeth on both sides.
     void DropContradictions(const std::set<int>& teeth) {
         if (teeth.empty()) return;
         const bool upper = std::ranges::any_of(teeth, IsUpperTooth);
@@ -191,7 +191,7 @@ private:
         const bool left = !std::ranges::all_of(teeth, IsRightTooth);
         const std::string& region = file.region;
         const bool bothJaws = region == RegionCode::BothJaws || region == RegionCode::BothJawsOld;
-        const bool noJaw = region == RegionCode::Teeth;  // would keep hanging from deriving the jaw
+        const bool noJaw = region == RegionCode::Teeth;  // this region would prevent hanging from deriving the jaw
         if (noJaw || (bothJaws && !(upper && lower)) || (region == RegionCode::UpperJaw && lower) ||
             (region == RegionCode::LowerJaw && upper))
             file.region.clear();
@@ -220,10 +220,10 @@ struct Ends {
     std::string first;  ///< 132 bytes, enough for the mark; less in a shorter file
     std::string last;   ///< 8 bytes
 
-    /// True when the file starts as DICOM files with a preamble do.
+    /// Returns true if the file starts as DICOM files with a preamble do.
     bool Marked() const { return first.size() == 132 && first.substr(128) == "DICM"; }
 
-    /// True when the file ends with the mark that closes compressed pixels.
+    /// Returns true if the file ends with the mark that closes compressed pixels.
     bool Closed() const { return last == std::string_view("\xFE\xFF\xDD\xE0\0\0\0\0", 8); }
 };
 
@@ -236,7 +236,7 @@ void CheckLoaded(const OFCondition& loaded, bool marked) {
     Refuse(std::string("damaged DICOM file: ") + loaded.text());
 }
 
-/// The paths that the records of a DICOMDIR name: their components are the values of one attribute.
+/// Returns the paths that the records of a DICOMDIR name: their components are the values of one attribute.
 std::vector<std::string> ListedFiles(DcmDataset& directory) {
     std::vector<std::string> files;
     EachItem(directory, DCM_DirectoryRecordSequence, [&](DcmItem& record) {
@@ -249,7 +249,7 @@ std::vector<std::string> ListedFiles(DcmDataset& directory) {
     return files;
 }
 
-/// True for a known kind of DICOM object that isn't an image. Objects of unknown kinds may be damaged images.
+/// Returns true for a known kind of DICOM object that isn't an image. Objects of unknown kinds may be damaged images.
 bool HasNoPictureByKind(DcmDataset& set) {
     OFString kind;
     if (set.findAndGetOFString(DCM_SOPClassUID, kind).bad()) return false;
@@ -271,7 +271,7 @@ void CheckIdentified(const RadiographFile& file) {
     if (file.seriesUID.empty()) Refuse("no Series Instance UID");
 }
 
-/// Uncompressed gray pixels must be as many as rows and columns say.
+/// Throws if the number of uncompressed gray pixels is not that of rows and columns.
 void CheckPixelLength(DcmDataset& set, const RadiographFile& file) {
     if (file.rows <= 0 || file.columns <= 0) Refuse("no picture size: Rows or Columns is missing");
     DcmElement* pixels = nullptr;
@@ -284,7 +284,7 @@ void CheckPixelLength(DcmDataset& set, const RadiographFile& file) {
                std::to_string(file.columns));
 }
 
-/// The toolkit takes compressed pixels that end between two of their parts for whole.
+/// Throws for compressed pixels that are cut short. The toolkit does not report pixels that end between two fragments.
 void CheckPixelsClosed(DcmDataset& set, const Ends& ends) {
     const bool last = set.getElement(set.card() - 1)->getTag() == DCM_PixelData;
     if (last && DcmXfer(set.getOriginalXfer()).isEncapsulated() && !ends.Closed())

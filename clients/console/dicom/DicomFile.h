@@ -7,7 +7,7 @@
 
 namespace Console {
 
-/// What a radiograph's DICOM file says about the patient, the examination and the picture.
+/// The data of a radiograph's DICOM file about the patient, the examination and the picture.
 ///
 /// All texts are UTF-8 without the padding of the file, empty where the file says nothing; numbers are
 /// then 0. Days read "YYYY-MM-DD", points in time "YYYY-MM-DD hh:mm:ss" in the time of the place where the
@@ -46,8 +46,8 @@ struct RadiographFile {
     int rows = 0;
     int columns = 0;
     bool colour = false;          ///< its pixels have colours, which X-rays don't
-    double rowSpacing_mm = 0;     ///< from row to row, that is downwards; at the patient if the file tells,
-    double columnSpacing_mm = 0;  ///< else at the sensor
+    double rowSpacing_mm = 0;     ///< vertical; at the patient if the file states it, otherwise at the sensor
+    double columnSpacing_mm = 0;  ///< horizontal, likewise
     int dpiX = 0;                 ///< pixels an inch by `columnSpacing_mm`
     int dpiY = 0;
 
@@ -76,8 +76,8 @@ struct PersonName {
     std::string given;  ///< first and middle names, separated by a blank
 };
 
-/// Takes a DICOM person name apart. A name of several writings gives the first that has a text, which is
-/// the Latin one where there is one. A name without "^" is all family name.
+/// Splits a DICOM person name into its parts. If the name has several writings, returns the first that has a text,
+/// which is the Latin one if it is present. A name without "^" is a family name.
 PersonName SplitPersonName(const std::string& name);
 
 /// A file that isn't a DICOM file with data of its own: another format, an empty file, a DICOMDIR.
@@ -86,7 +86,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// A DICOMDIR: it holds no picture, and lists the files of a disc.
+/// A DICOMDIR, which lists the files of a disc and contains no picture.
 class DicomDirectory : public NotDicom {
 public:
     explicit DicomDirectory(std::vector<std::string> files)
@@ -104,15 +104,15 @@ public:
 /// Reads the radiograph `path` without its pixels.
 ///
 /// Large values stay in the file, so reading takes little memory however large the picture is, and yet a file
-/// that ends before its pixels do is noticed. Teeth, regions and modifiers are read in all generations of
-/// their codes. A stated region or side that the listed teeth contradict is dropped, so that whoever needs it
-/// derives it from the teeth. Texts are converted from the file's character set; where the file names none,
-/// or one that its bytes do not follow, they count as UTF-8 if they can be and as Latin-1 if not.
+/// that ends before its pixels do is rejected. Teeth, regions and modifiers are read in all generations of
+/// their codes. A stated region or side that the listed teeth contradict is removed, so that a caller derives it from
+/// the teeth. Texts are converted from the file's character set. If the file names none, or if its bytes are not valid
+/// in it, a text is read as UTF-8 if it is valid UTF-8, otherwise as Latin-1.
 ///
-/// Throws `std::runtime_error` whose text says in one clause, without the path, why the file is refused: not
-/// readable, cut short, sequences nested too deeply (see `RequireShallow`), without one of the three UIDs,
-/// without pixels; `NotDicom`, and `NotAPicture`. Silences the toolkit's own log, which would repeat the same
-/// on standard error. Calls from several threads are safe.
+/// Throws `std::runtime_error` whose text is one clause, without the path, about the reason: not readable, cut short,
+/// sequences nested too deeply (see `RequireShallow`), without one of the three UIDs, without pixels; throws `NotDicom`
+/// and `NotAPicture`. Disables the toolkit's own log, which would repeat the reason on standard error. Any thread may
+/// call.
 RadiographFile ReadRadiograph(const std::filesystem::path& path);
 
 }  // namespace Console

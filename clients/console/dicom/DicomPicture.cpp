@@ -57,7 +57,7 @@ bool IsIntraOral(DcmItem& set) {
            Text(set, DCM_SOPClassUID).starts_with(UID_DigitalIntraOralXRayImageStorageForPresentation);
 }
 
-/// Height by width of a pixel; 1 where the file says nothing, or what can't be.
+/// Returns the height of a pixel divided by its width; 1 if the file does not state it or states an impossible value.
 double PixelProportion(DcmItem& set) {
     constexpr double most = 20;
     for (const DcmTagKey& tag :
@@ -73,7 +73,7 @@ double PixelProportion(DcmItem& set) {
 
 // ---- gray pictures ----------------------------------------------------------------------------------
 
-/// The samples of a frame by the table; `Sample` is as wide as the frame's samples.
+/// Returns the samples of a frame by the table; `Sample` is as wide as the frame's samples.
 template <class Sample>
 std::vector<Uint8> Grays(DcmItem& set, const std::vector<unsigned char>& frame) {
     std::vector<bool> occurs(std::size_t{1} << (8 * sizeof(Sample)));
@@ -115,7 +115,7 @@ Image Checked(Image image) {
     return image;
 }
 
-/// The first frame with gray or colour values to show. The image uses the data set as long as it lives.
+/// Returns the first frame with gray or colour values to show. The image uses the data set as long as it lives.
 Image FirstFrameShown(DcmDataset& set) {
     constexpr unsigned long firstFrame = 0, oneFrame = 1;
     const DecoderComplaints complaints;
@@ -135,7 +135,7 @@ Image FirstFrameShown(DcmDataset& set) {
     return Checked(std::move(image));
 }
 
-/// The picture with no side longer than that; `proportion` is width by height of the whole.
+/// Returns the picture with no side longer than that; `proportion` is width by height of the whole.
 Image Sized(Image image, double proportion, unsigned longestSide) {
     constexpr int byArea = 1, asAsked = 0;
     const auto side = [&](double part) {

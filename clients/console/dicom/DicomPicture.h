@@ -14,22 +14,23 @@ struct DicomPicture {
 
 /// Renders the first frame of a DICOM file.
 ///
-/// Gray values pass what the file says of them (see `GrayTable`), in full size and before the picture is
-/// made smaller. A gray picture that is no intra-oral film and whose Patient Orientation is known is turned
-/// upright, with the patient's left on the right of a frontal view and the face to the right in a lateral
-/// one; any other picture stays as it is stored. No side has more than `longestSide` pixels: a larger
-/// picture is made smaller, evenly; a smaller one keeps its pixels.
+/// Gray values are converted as the file specifies (see `GrayTable`), in full size and before the picture is reduced. A
+/// gray picture that is not an intra-oral film and whose Patient Orientation is known is turned upright: in a frontal
+/// view the patient's left is on the right, in a lateral view the patient looks to the right. Any other picture is not
+/// turned. A picture with a side of more than `longestSide` pixels is reduced in proportion; a smaller one keeps its
+/// pixels.
 ///
-/// Throws `std::runtime_error` whose text tells in one clause, without the path, why there is no picture:
-/// no DICOM file, no pixels, pixels that are cut short, damaged or of an encoding that can't be read, more
-/// than 100 million pixels. Memory is bounded by the size of one frame.
+/// Throws `std::runtime_error` whose text is one clause, without the path, about the reason: not a DICOM file, no
+/// pixels, pixels that are cut short, damaged or of an encoding that can't be read, more than 100 million pixels.
+/// Memory is bounded by the size of one frame.
 DicomPicture RenderDicom(const std::filesystem::path& path, unsigned longestSide);
 
-/// Why `RenderDicom` has no picture of a file, found by decoding its first frame; empty where it has one.
+/// Returns the reason why `RenderDicom` throws for a file, after decoding its first frame; empty if it returns a
+/// picture.
 std::string WhyNoPicture(const std::filesystem::path& path);
 
-/// The same without rendering pixels that aren't compressed, which is fast: that they are enough for rows and
-/// columns is all that is looked at. Compressed pixels are decoded.
+/// Returns the same reason without rendering uncompressed pixels, which is fast: of these it checks only the number,
+/// which must suffice for rows and columns. It decodes compressed pixels.
 std::string WhyNoPictureQuickly(const std::filesystem::path& path);
 
 }  // namespace Console

@@ -42,7 +42,7 @@ constexpr std::array<std::string_view, 2> PlainEscapes{"(B", "(J"};
 
 constexpr char Escape = '\x1b';
 
-/// The number of bytes of the UTF-8 sequence that `text` starts with, 0 if it is none.
+/// Returns the number of bytes of the UTF-8 sequence that `text` starts with, 0 if it is none.
 std::size_t Utf8Length(std::string_view text) {
     const auto lead = static_cast<unsigned char>(text[0]);
     if (lead < 0x80) return 1;
@@ -80,7 +80,7 @@ std::string Utf8OrLatin1(std::string_view text) {
     return out;
 }
 
-/// The text in UTF-8, or nothing when it does not follow `encoding`.
+/// Returns the text in UTF-8, or nothing when it does not follow `encoding`.
 std::optional<std::string> Converted(std::string bytes, const char* encoding) {
     const iconv_t converter = iconv_open("UTF-8", encoding);
     if (converter == reinterpret_cast<iconv_t>(-1)) return std::nullopt;
@@ -101,8 +101,8 @@ std::optional<std::string> Converted(std::string_view bytes, const std::string& 
     return Converted(std::string(bytes), encoding.c_str());
 }
 
-/// Walks a text with escape sequences. A set that was switched on holds up to the next delimiter of a name
-/// or a value.
+/// Converts a text with escape sequences. A character set that an escape sequence selects is valid up to the next
+/// delimiter of a name or a value.
 class ExtendedText {
 public:
     ExtendedText(std::string_view bytes, const std::string& baseEncoding) : rest(bytes), base(baseEncoding) {}
@@ -138,7 +138,7 @@ private:
         return length > 0;
     }
 
-    /// The bytes up to the next escape or, outside two-byte characters, just behind the next delimiter.
+    /// Appends the bytes up to the next escape or, outside two-byte characters, just behind the next delimiter.
     bool Append() {
         std::size_t end = std::min(rest.find(Escape), rest.size());
         if (japanese.empty()) end = std::min(end, rest.find_first_of("\\^=\r\n"));
@@ -160,11 +160,11 @@ private:
     std::string_view rest;
     std::string base;
     std::string current = base;
-    std::string_view japanese;  ///< the two-byte escape that holds, empty when none does
+    std::string_view japanese;  ///< the two-byte escape that is valid, or empty
     std::string out;
 };
 
-/// Makers write "ISO_IR 100", "ISO 2022 IR 100", "ISO-IR 100": what names the set is the number.
+/// Finds a set by the number in its name: manufacturers write "ISO_IR 100", "ISO 2022 IR 100", "ISO-IR 100".
 std::string EncodingOf(std::string_view term) {
     const auto last = term.find_last_not_of(' ');
     term = term.substr(0, last == std::string_view::npos ? 0 : last + 1);

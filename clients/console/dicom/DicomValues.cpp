@@ -30,7 +30,7 @@ std::string RawText(DcmItem& item, const DcmTagKey& tag) {
     return item.findAndGetString(tag, text).good() && text != nullptr ? text : "";
 }
 
-/// True if no sequence below the item is nested deeper than `levels`.
+/// Returns true if no sequence below the item is nested deeper than `levels`.
 bool IsShallow(DcmItem& item, int levels) {
     for (DcmObject* element = item.nextInContainer(nullptr); element; element = item.nextInContainer(element)) {
         auto* const sequence = dynamic_cast<DcmSequenceOfItems*>(element);

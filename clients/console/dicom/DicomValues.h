@@ -11,13 +11,13 @@
 /// Values of DICOM data sets as plain texts and numbers. Any thread may call anything here.
 namespace Console {
 
-/// The text without the padding of DICOM values, blanks and NULs, at both ends.
+/// Returns the text without the padding of DICOM values, blanks and NULs, at both ends.
 std::string Trimmed(std::string_view text);
 
-/// The parts between the separators, each trimmed.
+/// Returns the parts between the separators, each trimmed.
 std::vector<std::string> Split(std::string_view text, char separator);
 
-/// "YYYY-MM-DD" for "YYYYMMDD" and the older "YYYY.MM.DD"; empty for what is no calendar day.
+/// Returns "YYYY-MM-DD" for "YYYYMMDD" and the older "YYYY.MM.DD"; an empty text for anything but a calendar day.
 std::string DayText(std::string_view value);
 
 /// "hh:mm:ss" for "hhmmss.ffffff", "hhmm", "hh" and the older "hh:mm:ss"; midnight for anything else. A
@@ -29,27 +29,27 @@ class Values {
 public:
     explicit Values(DcmItem& dataset);
 
-    /// The whole value with all its parts, in UTF-8, trimmed; empty if it is absent.
+    /// Returns the whole value with all its parts, in UTF-8, trimmed; empty if it is absent.
     std::string Text(DcmItem& item, const DcmTagKey& tag) const;
 
-    /// The parts of the value that aren't empty.
+    /// Returns the parts of the value that aren't empty.
     std::vector<std::string> Texts(DcmItem& item, const DcmTagKey& tag) const;
 
-    /// The patient's other identifiers, of the older attribute and of the sequence, in this order.
+    /// Returns the patient's other identifiers, of the older attribute and of the sequence, in this order.
     std::vector<std::string> OtherPatientIDs(DcmItem& dataset) const;
 
-    /// The number at `position` of the value, 0 if there is none.
+    /// Returns the number at `position` of the value, 0 if there is none.
     double Number(DcmItem& item, const DcmTagKey& tag, std::size_t position = 0) const;
 
-    /// The same for a whole number, 0 too where it does not fit.
+    /// Returns the value as a whole number; 0 also for a number outside the range of `int`.
     int Whole(DcmItem& item, const DcmTagKey& tag) const;
 
 private:
     TextDecoder decoder_;
 };
 
-/// Sequences nested more deeply than this are refused: no radiograph has them, and every later reader of the
-/// data would need the stack for them.
+/// The deepest nesting of sequences that is accepted. No radiograph needs more, and each level takes stack in every
+/// reader of the data.
 constexpr int DeepestNesting = 64;
 
 /// Throws `std::runtime_error` for a data set whose sequences are nested deeper than `DeepestNesting`.

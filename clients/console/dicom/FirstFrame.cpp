@@ -53,7 +53,7 @@ DcmPixelData& PixelsOf(DcmDataset& set) {
     return *pixels;
 }
 
-/// The bytes of a frame without compression.
+/// Returns the bytes of a frame without compression.
 std::size_t FrameSize(DcmDataset& set) {
     const std::string form = Text(set, DCM_PhotometricInterpretation);
     const std::size_t pixels = std::size_t{Number(set, DCM_Rows)} * Number(set, DCM_Columns);
@@ -64,7 +64,7 @@ std::size_t FrameSize(DcmDataset& set) {
 
 // ---- fragments of compressed pixels -----------------------------------------------------------------
 
-/// True for bytes that end a codestream, with or without the padding to an even length. In front of the
+/// Returns true for bytes that end a codestream, with or without the padding to an even length. In front of the
 /// end no such bytes can occur in its pixels.
 bool EndsCodestream(std::string_view bytes) {
     constexpr std::string_view end("\xFF\xD9", 2), padded("\xFF\xD9\0", 3);
@@ -84,7 +84,7 @@ DcmPixelSequence& FragmentsOf(DcmDataset& set) {
     return *fragments;
 }
 
-/// The codestream of the first frame: all fragments of a single frame, else those up to its end. The first
+/// Returns the codestream of the first frame: all fragments of a single frame, else those up to its end. The first
 /// item of the sequence is the table of the frames' offsets.
 std::string FirstCodestream(DcmDataset& set) {
     DcmPixelSequence& fragments = FragmentsOf(set);
@@ -99,7 +99,7 @@ std::string FirstCodestream(DcmDataset& set) {
     return codestream;
 }
 
-/// The 32 bits at a place of an RLE header, the lowest byte first.
+/// Returns the 32 bits at a place of an RLE header, the lowest byte first.
 std::size_t RleNumber(std::string_view frame, std::size_t place) {
     std::size_t number = 0;
     for (std::size_t i = 0; i < 4; ++i)
@@ -107,15 +107,15 @@ std::size_t RleNumber(std::string_view frame, std::size_t place) {
     return number;
 }
 
-/// The bytes of a segment after decoding, at most `most`.
+/// Returns the bytes of a segment after decoding, at most `most`.
 std::size_t RleSize(std::string segment, std::size_t most) {
     DcmRLEDecoder decoder(most);
     decoder.decompress(segment.data(), segment.size());
     return decoder.size();
 }
 
-/// Raises where a segment of the first frame holds fewer bytes than the frame has pixels, which the toolkit's
-/// decoder leaves out without an error.
+/// Throws if a segment of the first frame has fewer bytes than the frame has pixels. The toolkit's decoder reports no
+/// error for the missing pixels.
 void CheckRleComplete(DcmDataset& set) {
     constexpr std::size_t header = 64, most = 15;
     DcmPixelItem* fragment = nullptr;
@@ -138,8 +138,8 @@ void CheckRleComplete(DcmDataset& set) {
 
 // ---- JPEG 2000 --------------------------------------------------------------------------------------
 
-/// Makes the attributes of the samples those of the decoded ones. Files exist whose codestream is unsigned
-/// and carries the bits of signed samples.
+/// Sets the attributes of the samples to those of the decoded ones. Some files have an unsigned codestream that
+/// contains the bits of signed samples.
 void Describe(DcmDataset& set, const Jpeg2000Image& image) {
     const bool isSigned = image.isSigned || Number(set, DCM_PixelRepresentation) == 1;
     set.putAndInsertUint16(DCM_BitsAllocated, image.bits > 8 ? 16 : 8);

@@ -34,7 +34,7 @@ std::string Text(DcmItem& set, const DcmTagKey& tag) {
 
 // ---- stored samples ---------------------------------------------------------------------------------
 
-/// Which bits of a sample are its value.
+/// The position of the value's bits in a sample.
 class SampleForm {
 public:
     explicit SampleForm(DcmItem& set)
@@ -56,7 +56,7 @@ public:
 
     int Lowest() const { return signed_ ? -(1 << (stored_ - 1)) : 0; }
 
-    /// A padding value, which is stored in 16 bits.
+    /// Returns a padding value, which is stored in 16 bits.
     int PaddingValue(Uint16 bits) const { return signed_ ? static_cast<Sint16>(bits) : bits; }
 
 private:
@@ -64,7 +64,7 @@ private:
     bool signed_;
 };
 
-/// The bits of an attribute of 16 bits, whether its file calls it signed or not.
+/// Returns the bits of an attribute of 16 bits, signed or unsigned.
 std::optional<Uint16> SixteenBits(DcmItem& set, const DcmTagKey& tag) {
     Uint16 bits = 0;
     if (set.findAndGetUint16(tag, bits).good()) return bits;
@@ -73,7 +73,7 @@ std::optional<Uint16> SixteenBits(DcmItem& set, const DcmTagKey& tag) {
     return {};
 }
 
-/// The stored values that stand for no pixel.
+/// The stored values that mark background instead of a pixel.
 class Padding {
 public:
     Padding(DcmItem& set, const SampleForm& form) {
@@ -95,7 +95,7 @@ private:
 /// A Modality or VOI LUT.
 class Lookup {
 public:
-    /// The table of the first item of a sequence; nothing where it is absent or has no data. `lowest` is
+    /// Returns the table of the first item of a sequence; nothing where it is absent or has no data. `lowest` is
     /// the least value that is looked up: below 0, the descriptor's first value is signed.
     static std::optional<Lookup> Of(DcmItem& set, const DcmTagKey& sequence, double lowest) {
         DcmItem* item = nullptr;
@@ -149,7 +149,7 @@ private:
     std::vector<Uint16> entries_;
 };
 
-// ---- from stored values to what is shown ------------------------------------------------------------
+// ---- conversion of stored values to gray ------------------------------------------------------------
 
 using Function = std::function<double(double)>;
 
@@ -162,7 +162,7 @@ Function Modality(DcmItem& set, const SampleForm& form) {
     return [=](double value) { return value * slope + intercept; };
 }
 
-/// The window of a data set as a function from 0 to 1; nothing where it has none that is valid.
+/// Returns the window of a data set as a function from 0 to 1; nothing where it has none that is valid.
 std::optional<Function> Window(DcmItem& set) {
     const auto center = Decimal(set, DCM_WindowCenter), width = Decimal(set, DCM_WindowWidth);
     if (!center || !width) return {};
@@ -178,7 +178,7 @@ std::optional<Function> Window(DcmItem& set) {
     };
 }
 
-/// A window from the least to the greatest value.
+/// Returns a window from the least to the greatest value.
 Function FullRange(double least, double greatest) {
     const double range = greatest - least;
     return [=](double value) { return range > 0 ? (value - least) / range : 0; };
@@ -190,7 +190,7 @@ bool Inverted(DcmItem& set) {
     return Text(set, DCM_PhotometricInterpretation) == "MONOCHROME1";
 }
 
-/// The modality's values of all samples, and which of them are no padding.
+/// The modality values of all samples, and whether each of them is a pixel and not padding.
 struct Values {
     std::vector<double> of;
     std::vector<bool> padding;

@@ -13,7 +13,7 @@ namespace {
 
 [[noreturn]] void Refuse(const std::string& why) { throw std::runtime_error(why); }
 
-/// Ends what the decoder made, by its own function: streams and codecs are one type to the compiler.
+/// Deletes an object of the decoder by the function `End`: streams and codecs have the same C++ type.
 template <auto* End, class T>
 struct Release {
     void operator()(T* held) const { End(held); }
@@ -64,8 +64,8 @@ Stream StreamOf(Source& source) {
     return stream;
 }
 
-/// Keeps the first message of the decoder, without its line break. A marker that the decoder skips is no
-/// damage: makers may add their own.
+/// Stores the first message of the decoder, without its line break. Ignores a message about a marker that the decoder
+/// skips: manufacturers may add their own markers.
 void Note(const char* message, void* data) {
     auto& first = *static_cast<std::string*>(data);
     if (!first.empty() || std::string_view(message).starts_with("Unknown marker")) return;

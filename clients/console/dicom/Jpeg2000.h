@@ -19,9 +19,9 @@ struct Jpeg2000Image {
 /// Decodes a JPEG 2000 codestream, or a JP2 file around one. The samples of a codestream with a colour
 /// transform are RGB.
 ///
-/// Throws `std::runtime_error` whose text says in one clause what is wrong: a codestream that is cut short
+/// Throws `std::runtime_error` whose text is one clause about the reason: a codestream that is cut short
 /// or damaged, that has not `rows`, `columns` and `channels`, or whose samples have more than 16 bits.
-/// No memory for samples is taken before the size is compared.
+/// Compares the size before it allocates memory for the samples.
 Jpeg2000Image DecodeJpeg2000(std::string_view codestream, unsigned rows, unsigned columns, unsigned channels);
 
 }  // namespace Console

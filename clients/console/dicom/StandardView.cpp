@@ -3,7 +3,7 @@
 namespace Console {
 namespace {
 
-/// The other end of a direction's axis; 0 for a letter that is no direction.
+/// Returns the opposite direction; 0 for a letter that does not name a direction.
 char Opposite(char direction) {
     switch (direction) {
         case 'L': return 'R';
@@ -18,14 +18,14 @@ char Opposite(char direction) {
 
 bool IsVertical(char direction) { return direction == 'H' || direction == 'F'; }
 
-/// Degrees clockwise after which the columns run to the feet.
+/// Returns degrees clockwise after which the columns run to the feet.
 int DegreesToUpright(char row, char column) {
     if (column == 'F') return 0;
     if (row == 'F') return 90;
     return column == 'H' ? 180 : 270;
 }
 
-/// Where the rows run after the turn.
+/// Returns the direction of the rows after a rotation.
 char TurnedRow(char row, char column, int degrees) {
     switch (degrees) {
         case 90: return Opposite(column);

@@ -13,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Walks folders, each once.
+/// Reads folders, each once.
 class Walk {
 public:
     explicit Walk(FoundFiles& found) : found_(found) {}

@@ -18,12 +18,12 @@ struct FoundFiles {
     std::vector<std::pair<std::filesystem::path, std::string>> unreadable;  ///< folders, with the reason
 };
 
-/// Finds the files that were named and those of the folders, with all folders below. Linked folders are
-/// followed, and each folder is read once, however many links lead to it. A DICOMDIR that was named stands
-/// for its folder. Throws `UserError` for a name that is neither a file nor a folder.
+/// Finds the named files, and the files in the named folders and in all folders below. Follows links to folders; reads
+/// each folder once, even if several links lead to it. For a named DICOMDIR reads its folder. Throws `UserError` for a
+/// name that is neither a file nor a folder.
 FoundFiles FindFiles(const std::vector<std::string>& names);
 
-/// True for a file that the user expects to be a radiograph: it was named, or its name ends in ".dcm",
+/// Returns true for a file that the user expects to be a radiograph: it was named, or its name ends in ".dcm",
 /// ".dic" or ".dicom". Other files of a folder may be anything.
 bool IsExpectedRadiograph(const FoundFile& file);
 

@@ -22,7 +22,7 @@ namespace {
 
 using nlohmann::json;
 
-/// Refuses what isn't a DICOM identifier: the library would take a UID without a dot for a row's key.
+/// Rejects a text that isn't a DICOM identifier: the library reads a UID without a dot as the key of a row.
 void RequireUid(const std::string& uid, const char* what) {
     constexpr std::size_t longest = 64;
     const bool formed = uid.find_first_not_of("0123456789.") == std::string::npos && Platform::Contains(uid, ".") &&

@@ -6,7 +6,7 @@
 
 namespace Console {
 
-/// What reading a file for an import came to.
+/// The result of reading a file for an import.
 struct ReadFile {
     std::optional<RadiographFile> file;  ///< null for a file that was refused
     std::string refusal;                 ///< why it was refused, one clause
@@ -19,7 +19,7 @@ struct ReadFile {
 /// Reads the radiograph `path`; never throws. The bytes are for `Unpacked`, in another process.
 std::string ReadPacked(const std::string& path);
 
-/// What `ReadPacked` returned.
+/// Returns the result that `ReadPacked` returned as bytes.
 ReadFile Unpacked(const std::string& bytes);
 
 }  // namespace Console

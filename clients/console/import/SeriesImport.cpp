@@ -22,8 +22,8 @@ using Json = nlohmann::ordered_json;
 
 Date DateOf(const std::string& text) { return ParseDate(text).value_or(Date{}); }
 
-/// True for pictures that light made: those of the kinds for visible light and of the modalities of cameras,
-/// and coloured secondary captures, since X-rays have no colours.
+/// Returns true for photographs: pictures of the kinds for visible light and of the modalities of cameras, and coloured
+/// secondary captures, because X-ray pictures have no colours.
 bool IsPhotograph(const RadiographFile& file) {
     constexpr std::string_view visibleLight = "1.2.840.10008.5.1.4.1.1.77.1.",
                                secondaryCapture = "1.2.840.10008.5.1.4.1.1.7";
@@ -66,7 +66,7 @@ Json JsonOf(const PatientIdentity& person) {
     throw IdentityConflict(reason, table, json);
 }
 
-/// True if two files can be of one person.
+/// Returns true if two identities can belong to one person.
 bool CanBeOne(const PatientIdentity& a, const PatientIdentity& b) {
     return EqualsIgnoringCase(a.patientID, b.patientID) && Contradictions(a, b).empty();
 }
@@ -79,7 +79,7 @@ bool LoadStudy(const Ref<Connection>& con, cStudy& study, const RadiographFile& 
     return WithRowName("study " + file.studyUID, [&] { return study.loadStudy(file.studyUID, con); });
 }
 
-/// The same for its series.
+/// Loads the series of a file; false if it isn't known. Throws `UserError` for one that can't be read whole.
 bool LoadSeries(const Ref<Connection>& con, cSerie& series, const RadiographFile& file) {
     return WithRowName("series " + file.seriesUID, [&] { return series.loadSeries(file.seriesUID, con); });
 }
@@ -98,7 +98,7 @@ void RequireNoneWithoutUid(const Ref<Connection>& con, const std::string& uid) {
                     rows->Fields(0).As<Long>(), uid));
 }
 
-/// The image of this SOP Instance UID; `ID` is 0 if there is none. Throws `UserError` for one that can't be
+/// Returns the image of this SOP Instance UID; `ID` is 0 if there is none. Throws `UserError` for one that can't be
 /// read whole.
 Ref<cImage> ImageOf(const Ref<Connection>& con, const std::string& uid) {
     const Ref<Recordset> known =
@@ -116,7 +116,7 @@ void StoreFileName(const Ref<Connection>& con, Long image, const std::string& na
                      FixSqlString(sha256), "' WHERE ImageBildID = ", image));
 }
 
-/// Throws the `UserError` that names what is wrong with the series of an image which the file's series isn't.
+/// Throws the `UserError` for an image whose stored series is not the file's series; the message names the difference.
 [[noreturn]] void RefuseSeriesOf(const Ref<Connection>& con, const cImage& image, const RadiographFile& file) {
     if (image.seriesID == 0)
         throw UserError(fmt::format("image {} is this film, and its column Series_ID names no series", image.ID));
@@ -153,7 +153,7 @@ SeriesResult SeriesImport::Store(const std::vector<Radiograph>& files) {
     return result;
 }
 
-/// The files that have no stored image. The others are compared with their images, and files that another
+/// Returns the files that have no stored image. The others are compared with their images, and files that another
 /// one of the list repeats are left out.
 std::vector<const Radiograph*> SeriesImport::NewFiles(const std::vector<Radiograph>& files, SeriesResult& result) {
     std::vector<const Radiograph*> fresh;
@@ -179,8 +179,8 @@ std::vector<const Radiograph*> SeriesImport::NewFiles(const std::vector<Radiogra
     return fresh;
 }
 
-/// Counts a file that is stored already. Throws `UserError` where its stored image is another one, or another
-/// patient's than the user decided.
+/// Counts a file that is already stored. Throws `UserError` if its stored image differs, or belongs to another patient
+/// than the user decided.
 void SeriesImport::TakeKnown(const Radiograph& radiograph, const cImage& image, SeriesResult& result) {
     RequireSame(radiograph, image);
     (RequireFile(radiograph, image) ? result.known : result.restored) += 1;
@@ -198,8 +198,7 @@ void SeriesImport::RequireSame(const Radiograph& radiograph, const cImage& image
         owner ? Called(IdentityOf(con_, *owner)) : fmt::format("#{}, who isn't in the database", image.PatID)));
 }
 
-/// Compares a file with the stored one. Stores it again where that is missing, since that is what the user
-/// imports it for, and returns false then.
+/// Compares a file with the stored one. If the stored file is missing, stores the file again and returns false.
 bool SeriesImport::RequireFile(const Radiograph& radiograph, const cImage& image) {
     const fs::path target = StoredPath(roots_.Folder(image.RootId).string(), image.URL);
     if (!fs::exists(target)) {
@@ -224,7 +223,7 @@ Staging& SeriesImport::Stage() {
     return *staging_;
 }
 
-/// Copies of the files, flushed to the disk.
+/// Returns copies of the files, flushed to the disk.
 std::vector<SeriesImport::NewImage> SeriesImport::Copied(const std::vector<const Radiograph*>& files) {
     roots_.Folder(root_);  // may have gone since the last series
     std::vector<NewImage> images;
@@ -277,8 +276,8 @@ std::string SeriesImport::StoredNameOf(const RadiographFile& file, Long patient)
     return New<Class1>()->GetSubFolder(patient) + "\\" + file.sopInstanceUID + ".dcm";
 }
 
-/// Names the file and stores its image. An image that another program has stored meanwhile is compared; one
-/// whose row has lost the file's name gets that, and keeps all else.
+/// Names the file and stores its image. If another program has stored the image meanwhile, compares its file. If the
+/// stored row lacks the name of the file, writes the name and nothing else.
 void SeriesImport::StoreImage(const NewImage& fresh, Long patient, const cSerie& series, NamedFiles& names,
                               SeriesResult& result) {
     const Ref<cImage> image = ImageOf(con_, fresh.radiograph->file.sopInstanceUID);
@@ -295,8 +294,8 @@ void SeriesImport::StoreImage(const NewImage& fresh, Long patient, const cSerie&
     image->SaveEx(false, con_);
 }
 
-/// Notes what the files say about their person. Throws `IdentityConflict` where two of them disagree, unless
-/// the user has decided whose they are. Each two are compared: what one file lacks, the next may tell.
+/// Stores the identities that the files state. Throws `IdentityConflict` if two of them contradict each other, unless
+/// the user has decided whose files they are. Compares each pair of files, because a file may state what another lacks.
 void SeriesImport::RequireOnePerson(const std::vector<Radiograph>& files) {
     said_.clear();
     for (const auto& [path, file, noPicture] : files) {
@@ -329,7 +328,7 @@ void SeriesImport::RequireNoContradiction(const RadiographFile& file, Long patie
                           file, person, {stored}, {});
 }
 
-/// The patient under whom the series is stored, if there is one. Throws `IdentityConflict` for a person who
+/// Returns the patient under whom the series is stored, if there is one. Throws `IdentityConflict` for a person who
 /// contradicts the stored one.
 std::optional<Long> SeriesImport::KnownPatientOf(const RadiographFile& file) {
     if (file.patientID.empty() && !decidedPatient_)
@@ -364,7 +363,7 @@ std::optional<Long> SeriesImport::KnownPatientOf(const RadiographFile& file) {
                   match.refused, {});
 }
 
-/// The patient of the file's study, if the study is known.
+/// Returns the patient of the file's study, if the study is known.
 std::optional<Long> SeriesImport::PatientOfStudy(const RadiographFile& file) {
     const Ref<cStudy> study = New<cStudy>();
     if (!LoadStudy(con_, *study, file)) return std::nullopt;
@@ -392,8 +391,8 @@ Long SeriesImport::PatientOf(const RadiographFile& file, SeriesResult& result) {
     return *known;
 }
 
-/// Stores what the patient's row lacks and the files tell, so that the next file is compared with it. Nothing
-/// is taken from files of another identifier or of a person who contradicts the patient.
+/// Stores the data of the files that the patient's row lacks, so that the next file is compared with them. Ignores
+/// files of another identifier and of a person who contradicts the patient.
 void SeriesImport::Fill(Long number, SeriesResult& result) {
     PatientIdentity stored = IdentityOf(con_, *PatientOfRow(con_, number));
     if (!std::ranges::all_of(said_, [&](const auto& person) { return CanBeOne(stored, person); })) return;
@@ -427,7 +426,7 @@ Long SeriesImport::NewPatient(const RadiographFile& file, SeriesResult& result) 
     return patient->ID;
 }
 
-/// Tells of the patients whom nothing distinguishes from the one that was made.
+/// Reports the patients that have the same data as the new one.
 void SeriesImport::TellSamePerson(const PatientIdentity& made, SeriesResult& result) {
     for (const auto& patient : PatientsWithID(con_, made.patientID)) {
         const PatientIdentity stored = IdentityOf(con_, *patient);

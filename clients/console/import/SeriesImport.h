@@ -18,14 +18,14 @@ struct Radiograph {
     std::string noPicture;  ///< why its picture can't be drawn; empty if it can
 };
 
-/// What a person decided about the patient of all files of an import.
+/// The user's decision about the patient of all files of an import.
 struct PatientDecision {
     std::string patient;      ///< "#5" or an identifier: the files belong to this
                               ///< patient, whatever differs
     bool newPatient = false;  ///< the files belong to a patient who isn't in the database yet
 };
 
-/// The files say that they belong to another person than the one they would be stored under.
+/// Thrown if the files state another person than the patient under whom they would be stored.
 class IdentityConflict : public UserError {
 public:
     IdentityConflict(const std::string& reason, std::string told, nlohmann::ordered_json described)
@@ -35,10 +35,10 @@ public:
     nlohmann::ordered_json json;  ///< the same for scripts
 };
 
-/// The import was told to stop.
+/// Thrown after the user has stopped the import.
 class Stopped : public std::exception {};
 
-/// What storing a series came to.
+/// The result of storing a series.
 struct SeriesResult {
     std::size_t stored = 0, known = 0;
     std::size_t restored = 0;  ///< images whose file, or whose file's name, was
@@ -48,7 +48,7 @@ struct SeriesResult {
     Platform::Long hung = 0;         ///< the series, if it was hung
 };
 
-/// Stores the files of one series, whole or nothing of it.
+/// Stores the files of one series: all of them or none.
 ///
 /// Files are copied and flushed before the transaction begins; the database is locked only while rows are
 /// written and names are taken. A series of which every file is stored already is only compared. Used by the

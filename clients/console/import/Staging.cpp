@@ -24,7 +24,7 @@ using namespace OXClass;
 constexpr std::string_view ImportPrefix = ".oxclass-import-", CopyPrefix = ".oxclass-copy-";
 constexpr const char* NameList = "names";
 
-/// The lock of a staging folder: held as long as the descriptor is open. -1 where it can't be had.
+/// Returns the lock of a staging folder: held as long as the descriptor is open. -1 where it can't be had.
 int LockFolder(const fs::path& folder) {
     const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor < 0) return -1;
@@ -52,7 +52,7 @@ bool HasRow(const Ref<Connection>& con, const std::string& storedName) {
                 ->Eof();
 }
 
-/// Under the write lock, so that no importer is taking one of the files over at the same time.
+/// Holds the write lock, so that no import can use one of the files at the same time.
 std::size_t RemoveFilesWithoutRow(const Ref<Connection>& con, const fs::path& root,
                                   const std::vector<std::string>& names) {
     if (names.empty()) return 0;
@@ -72,7 +72,7 @@ bool IsUnsupported(int error) {
     return error == EINVAL || error == ENOSYS || error == EPERM || error == EOPNOTSUPP || error == EMLINK;
 }
 
-/// Takes the name by making an empty file of it, and then puts the staged file in its place.
+/// Reserves the name by creating an empty file, and then renames the staged file to it.
 bool RenameOverReservation(const fs::path& from, const fs::path& to) {
     const int reserved = open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
     if (reserved < 0) return false;
@@ -84,8 +84,8 @@ bool RenameOverReservation(const fs::path& from, const fs::path& to) {
     return false;
 }
 
-/// Gives the file a name that no file has; false with EEXIST where one has it. Not every file system knows
-/// each of the three ways.
+/// Renames a file to a name that no file has. Returns false with EEXIST if a file has the name. Tries three methods,
+/// because no method is available on every file system.
 bool RenameToNewName(const fs::path& from, const fs::path& to) {
     if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return true;
     if (!IsUnsupported(errno)) return false;

@@ -12,21 +12,20 @@ struct StagedFile {
     std::string sha256;          ///< of its content, 64 hexadecimal digits
 };
 
-/// The place in a storage root where one import keeps files until they get their names.
+/// The folder in a storage root where one import keeps files until they have their final names.
 ///
-/// It is a folder of its own, ".oxclass-import-...", locked as long as the import runs. A list in it names
-/// the files that are getting their final names. So the next import can tell what a killed one left behind:
-/// `RemoveLeftovers` removes the folder, and the listed files that have no row. Nothing of a running import
-/// is touched. Used by one thread.
+/// The folder is named ".oxclass-import-..." and is locked while the import runs. A list in it contains the final names
+/// that are being written, so that the next import finds what a killed one left behind: `RemoveLeftovers` removes the
+/// folder, and the listed files that have no row. It does not change the files of a running import. Used by one thread.
 class Staging {
 public:
-    /// What a staging folder is for: an import, or a copy, of which nothing must be kept or looked up.
+    /// The purpose of a staging folder: an import, or a copy, whose files are removed without looking for their rows.
     enum class For { Import, Copy };
 
-    /// Makes the folder in `root`, which must exist. Throws `UserError` if it can't be made.
+    /// Creates the folder in `root`, which must exist. Throws `UserError` if it can't be created.
     explicit Staging(const std::filesystem::path& root, For purpose = For::Import);
 
-    /// Removes the folder and what is left in it.
+    /// Removes the folder and all files in it.
     ~Staging();
     Staging(const Staging&) = delete;
 
@@ -36,7 +35,7 @@ public:
     /// left then.
     StagedFile Copy(const std::filesystem::path& from);
 
-    /// Writes down the names, in their stored form, that files are about to get.
+    /// Writes the final names of the files, in their stored form, into the list before the files are renamed.
     void Announce(const std::vector<std::string>& storedNames);
 
 private:
@@ -50,28 +49,28 @@ private:
 /// many files it removed.
 std::size_t RemoveLeftovers(const Ref<Connection>& con, const std::filesystem::path& root);
 
-/// Removes the staging folders that killed programs made for copies in a folder.
+/// Removes the staging folders for copies that killed programs left in a folder.
 void RemoveAbandonedCopies(const std::filesystem::path& folder);
 
-/// How many files killed imports left in the staging folders of a root. Changes nothing.
+/// Returns the number of files that killed imports left in the staging folders of a root. Changes nothing.
 std::size_t CountLeftovers(const std::filesystem::path& root);
 
 /// Files that get their final names under a storage root, inside the transaction that writes their rows.
 ///
-/// Each name is taken whole and never from another file, also on file systems without hard links. Unless
-/// `Keep` is called, the destructor removes the files that were named here.
+/// A file appears under its name only when it is complete, and never replaces another file, also on file systems
+/// without hard links. Unless `Keep` is called, the destructor removes the files that this object named.
 class NamedFiles {
 public:
     explicit NamedFiles(std::filesystem::path root) : root_(std::move(root)) {}
     ~NamedFiles();
     NamedFiles(const NamedFiles&) = delete;
 
-    /// Moves a staged file to `target`, a path below the root, whose folder is made; the root itself never
-    /// is. Where a file of the same content has the name already, that one is taken. Throws `UserError` when
-    /// another file has the name, and when the file system refuses.
+    /// Moves a staged file to `target`, a path below the root. Creates the folder of `target`, but never the root. If a
+    /// file with the same content already has the name, that file is used. Throws `UserError` if a file with another
+    /// content has the name, and if the file system reports a failure.
     void Name(const StagedFile& staged, const std::filesystem::path& target);
 
-    /// Flushes the folders in which names were made. Throws `UserError`.
+    /// Flushes the folders that `Name` changed to the disk. Throws `UserError`.
     void Sync();
 
     void Keep() noexcept { made_.clear(); }
@@ -84,7 +83,7 @@ private:
     std::set<std::filesystem::path> folders_;
 };
 
-/// True if both files have the same content. Throws `UserError` if one can't be read.
+/// Returns true if both files have the same content. Throws `UserError` if one can't be read.
 bool SameContent(const std::filesystem::path& a, const std::filesystem::path& b);
 
 }  // namespace Console

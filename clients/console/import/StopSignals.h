@@ -7,16 +7,16 @@ namespace Console {
 
 /// Turns SIGINT, SIGTERM and SIGHUP into a request to stop, as long as it lives.
 ///
-/// Work that asks `Requested` between two steps can end in order. A second signal ends the program at once,
-/// as without this class. A signal that the program's caller has set to be ignored stays ignored. One object
-/// at a time, made by the main thread.
+/// A command that calls `Requested` between two steps can end in an orderly way. A second signal ends the program at
+/// once, as without this class. A signal that the caller of the program ignores stays ignored. Only one object may
+/// exist at a time; the main thread creates it.
 class StopSignals {
 public:
     StopSignals();
     ~StopSignals();
     StopSignals(const StopSignals&) = delete;
 
-    /// The number of the signal that arrived, 0 if none did.
+    /// Returns the number of the signal that arrived, 0 if none did.
     static int Requested() noexcept;
 
 private:

@@ -19,8 +19,8 @@ using namespace OXClass;
 
 constexpr std::string_view MarkerLine = "storage root of clinic ";
 
-/// The clinic that the marker names; empty if there is no marker. Throws `UserError` for a file of its name
-/// that names none: what it stood for isn't known, so it is neither taken nor replaced.
+/// Returns the identity of the clinic in a folder's marker file; empty if the folder has no marker. Throws `UserError`
+/// for a marker file without an identity. Such a file is not replaced, because the folder may belong to another clinic.
 std::string MarkedClinic(const fs::path& folder) {
     const fs::path marker = folder / RootMarker;
     std::error_code failure;
@@ -41,7 +41,7 @@ void WriteMarker(const fs::path& folder, const std::string& identity) {
     WriteWholeFile(folder / RootMarker, fmt::format("{}{}\n", MarkerLine, identity));
 }
 
-/// True for a folder without any file but a marker.
+/// Returns true for a folder without any file but a marker.
 bool IsUnused(const fs::path& folder) {
     std::error_code failure;
     for (const fs::directory_entry& entry : fs::directory_iterator(folder, failure))
@@ -82,7 +82,7 @@ fs::path StorageRoots::DirectoryOf(Long root) const {
     return directory;
 }
 
-/// True for a folder with the marker of this clinic, false for one without a marker that may get it.
+/// Returns true for a folder with the marker of this clinic, false for one without a marker in which it may be written.
 bool StorageRoots::IsMarked(const fs::path& folder, Long root) const {
     std::error_code failure;
     if (!fs::is_directory(folder, failure))
@@ -101,7 +101,7 @@ bool StorageRoots::IsMarked(const fs::path& folder, Long root) const {
     return false;
 }
 
-/// True if one of the newest images of the root is there, or if it has none.
+/// Returns true if the file of one of the root's newest images exists, or if the root has no images.
 bool StorageRoots::HoldsKnownFiles(const fs::path& folder, Long root) const {
     const Ref<Recordset> rows = con_->Execute(sql("SELECT GraphicURL_NVC FROM ImageBild_T WHERE RootId = ", root,
                                                   " AND GraphicURL_NVC <> '' ORDER BY ImageBildID DESC LIMIT 100"));
@@ -138,7 +138,7 @@ const std::string& StorageRoots::Identity() {
     if (!identity_.empty()) return identity_;
     ADODB::Transaction transaction(con_);
     CreateProgramTables(con_);
-    identity_ = StoredIdentity();  // another program may have been faster
+    identity_ = StoredIdentity();  // another program may have stored one meanwhile
     if (identity_.empty()) {
         identity_ = New<cDoctors>()->GetGUID();
         con_->Execute(sql("INSERT INTO ClinicIdentity_T (Identity) VALUES ('", FixSqlString(identity_), "')"));

@@ -6,29 +6,30 @@ namespace Console {
 
 /// The storage roots of a clinic, each checked before it is used.
 ///
-/// A root is a folder with a marker file, ".oxclass-root", that names the clinic of the database. So a
-/// folder whose disk isn't mounted, or that belongs to another clinic, is noticed before a file is written to
-/// it. A root is never created here. Used by the thread of its connection.
+/// A root is a folder with a marker file, ".oxclass-root", that contains the identity of the database's clinic. So the
+/// program detects a folder whose disk isn't mounted, or that belongs to another clinic, before it writes a file to it.
+/// Only `Create` creates a folder. Used by the thread of its connection.
 class StorageRoots {
 public:
     explicit StorageRoots(Ref<Connection> con) : con_(std::move(con)) {}
 
-    /// The folder of a root. A root of an older database, which has no marker, gets one if it holds an image
-    /// file that the database knows, or if the database knows none in it. Throws `UserError` for an unknown
-    /// root, a missing folder, a folder without the files that it should hold, and one of another clinic.
+    /// Returns the folder of a root. Writes the marker of this clinic into a folder of an older database without one,
+    /// if the folder contains an image file of the database, or if the database has no image file in it. Throws
+    /// `UserError` for an unknown root, a missing folder, a folder without the image files of its rows, and a folder of
+    /// another clinic.
     const std::filesystem::path& Folder(Platform::Long root);
 
     /// Checks a root as `Folder` does, and writes nothing.
     void Inspect(Platform::Long root) const;
 
-    /// The number of the root that takes new files. Throws `UserError` if there is none.
+    /// Returns the number of the root that takes new files. Throws `UserError` if there is none.
     Platform::Long ActiveRoot() const;
 
     /// Creates the folder if it is missing, and marks it as a root of this clinic. Throws `UserError` for a
     /// folder that holds files of another clinic.
     void Create(const std::filesystem::path& folder);
 
-    /// What names the clinic in the markers; empty for a database that has no marked root yet.
+    /// Returns the identity of the clinic that the markers contain; empty for a database without a marked root.
     std::string StoredIdentity() const;
 
 private:

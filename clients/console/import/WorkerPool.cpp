@@ -20,7 +20,7 @@
 namespace Console {
 namespace {
 
-/// How a worker ends that has met a limit.
+/// The exit codes of a worker that has exceeded a limit or crashed.
 enum ExitCode { OutOfTime = 71, OutOfMemory = 72, Crashed = 73 };
 
 constexpr std::size_t RequestsAhead = 8;  // each worker has its next requests at hand
@@ -72,8 +72,8 @@ std::size_t ResidentMegabytes() {
     return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) / (1024 * 1024);
 }
 
-/// Ends the process when a request exceeds a limit. It runs on a thread of its own: a timer's signal would
-/// interrupt system calls, and libraries take that for a failure of the network.
+/// Ends the process when a request exceeds a limit. It runs on a thread of its own: the signal of a timer would
+/// interrupt system calls, and libraries report an interrupted call as a network failure.
 class Watch {
 public:
     explicit Watch(const WorkerLimits& limits) : limits_(limits), megabytesAtStart_(ResidentMegabytes()) {
@@ -108,7 +108,7 @@ void Handle(int signal, void (*handler)(int), int flags) {
     sigaction(signal, &action, nullptr);
 }
 
-/// The crash handlers have a stack of their own: most crashes are stacks that are used up.
+/// Gives the crash handlers a stack of their own: the most frequent crash is a stack overflow.
 void CatchCrashes() {
     static char stack[64 * 1024];
     stack_t alternate{};
@@ -120,8 +120,7 @@ void CatchCrashes() {
             signal, [](int) { _exit(Crashed); }, SA_ONSTACK);
 }
 
-/// A worker outlives no program: it ends when the program does, even if that is killed. Requests to stop go
-/// to the program alone.
+/// Makes the worker end with the program, even if the program is killed. Only the program handles requests to stop.
 void BelongToProgram(int program, int socket) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != program) _exit(0);

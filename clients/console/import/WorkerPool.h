@@ -10,7 +10,7 @@
 
 namespace Console {
 
-/// What one request may cost a worker process.
+/// The limits of a worker process for one request.
 struct WorkerLimits {
     double seconds = 30;
     std::size_t megabytes = 1024;  ///< resident memory beyond that of the program
@@ -19,18 +19,17 @@ struct WorkerLimits {
 /// Answers requests in worker processes, so that input that crashes, hangs or fills the memory ends a worker
 /// and not the program.
 ///
-/// Answers come in the order of the requests. A worker that dies or exceeds a limit fails the one request
-/// that it worked on; another worker takes its place. The workers end with the pool, and when the program is
-/// killed. They start by `fork`: make and use the pool on the main thread of a program without other
-/// threads.
+/// Answers are returned in the order of the requests. If a worker crashes or exceeds a limit, only its current request
+/// fails, and another worker replaces it. The workers end with the pool, and when the program is killed. They are
+/// started by `fork`: a program must create and use the pool on its main thread and must have no other threads.
 class WorkerPool {
 public:
     /// Turns a request into an answer, in a worker. It must not throw, and must use nothing of the program
     /// that has a state outside of memory: open databases, files that are written.
     using Work = std::function<std::string(const std::string& request)>;
 
-    /// One answer. `failure` is empty, or says in one clause why there is none; `outOfTime` is then true for
-    /// a request that took too long.
+    /// One answer. `failure` is empty, or one clause about the reason of a failure; `outOfTime` is then true for a
+    /// request that took too long.
     struct Answer {
         std::string request;
         std::string bytes;
@@ -45,12 +44,12 @@ public:
     /// Adds a request.
     void Submit(std::string request);
 
-    /// How many requests have no answer that `Next` has returned.
+    /// Returns the number of requests whose answers `Next` has not yet returned.
     std::size_t Waiting() const noexcept { return submitted_ - returned_; }
 
-    /// Waits for the answer to the oldest request that has none yet, and returns it; there must be one.
-    /// Returns null as soon as `stop` is true, which is asked after each signal that the program gets. Throws
-    /// `std::system_error` when no worker can be started.
+    /// Waits for the answer to the oldest request without one, and returns it; such a request must exist. Calls `stop`
+    /// after each signal that the program receives, and returns `std::nullopt` as soon as it returns true. Throws
+    /// `std::system_error` if a worker can't be started.
     std::optional<Answer> Next(const std::function<bool()>& stop);
 
 private:

@@ -29,7 +29,7 @@ void MakeFolder(const fs::path& folder) {
     if (failure) throw UserError(fmt::format("can't make the folder {}: {}", folder.string(), failure.message()));
 }
 
-/// The manifest of a backup; null if there is none. Throws `UserError` for one that can't be read.
+/// Returns the manifest of a backup; null if there is none. Throws `UserError` for one that can't be read.
 Json ManifestOf(const fs::path& folder) {
     std::ifstream in(folder / ManifestName);
     if (!in) return nullptr;
@@ -52,7 +52,7 @@ void SnapshotDatabase(const Ref<Connection>& con, const fs::path& target) {
     made.Finish();
 }
 
-/// Where the backup keeps a file; throws `UserError` for a stored name that leads out of its root.
+/// Returns the path of a file in the backup. Throws `UserError` for a stored name that leads out of its root.
 fs::path BackupPath(const fs::path& folder, const ClinicFile& file) {
     return StoredPath((folder / FilesName / std::to_string(file.root)).string(), file.name);
 }
@@ -68,7 +68,7 @@ std::string CopyVerified(const fs::path& from, const fs::path& to, const std::st
     return copy.sha256;
 }
 
-/// True if the path is the folder, or is in it, links resolved.
+/// Returns true if the path is the folder or is in it, after links were resolved.
 bool Contains(const fs::path& folder, const fs::path& path) {
     std::error_code failure;
     const fs::path outer = fs::weakly_canonical(folder, failure), inner = fs::weakly_canonical(path, failure);
@@ -103,7 +103,8 @@ public:
     }
 
 private:
-    /// A backup among the image files would be taken for some of them, and be lost together with them.
+    /// Rejects a folder that is in a storage root or contains one: the backup would count as image files, and would be
+    /// lost together with them.
     void RequireOutsideOfRoots() const {
         for (const auto& [number, root] : FoldersOfRoots(database_.Con()))
             if (!root.empty() && (Contains(root, folder_) || Contains(folder_, root)))
@@ -112,7 +113,7 @@ private:
                                             root.string()));
     }
 
-    /// A clinic without an identity gets it with its first marked root.
+    /// Returns the identity of the clinic. A clinic without one receives it with its first marked root.
     static std::string IdentityOfClinic(StorageRoots& roots) {
         if (roots.StoredIdentity().empty()) roots.Folder(roots.ActiveRoot());
         return roots.StoredIdentity();
@@ -210,7 +211,7 @@ private:
                                         (folder_ / DatabaseName).string(), damage));
     }
 
-    /// Names the images whose file the backup lacks: it could not be copied when the backup was made.
+    /// Reports the images whose file is missing in the backup, because it could not be copied when the backup was made.
     void RequireFilesOfAllImages(const Json& manifest) {
         std::set<std::pair<Long, std::string>> held;
         for (const Json& file : manifest["files"]) held.emplace(file.value("root", 0), file.value("name", ""));

@@ -22,7 +22,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace OXClass;
 
-/// Rows of one table that name a row of another one that isn't there.
+/// Rows of one table that refer to a missing row of another table.
 struct Reference {
     const char *what, *table, *key, *column, *owner, *ownerKey;
     const char* also = "";  ///< a further condition
@@ -45,7 +45,7 @@ constexpr Reference References[] = {
 
 enum class Holds { Text, Number, Date };
 
-/// A column that the program needs, and that every row must hold.
+/// A column that the program reads, and that must have a valid value in every row.
 struct Needed {
     const char *what, *table, *key, *column;
     Holds holds;
@@ -79,7 +79,7 @@ constexpr Needed NeededColumns[] = {
     {"comment", "Comments_T", "CommentID", "commentString", Holds::Text},
 };
 
-/// What keeps a column of a row from being read as it must; null for a sound one.
+/// Returns the reason why a column of a row can't be read; null if it can.
 std::optional<Error> DamageOfColumn(const Ref<Recordset>& row, const Needed& needed) {
     try {
         switch (needed.holds) {
@@ -93,7 +93,7 @@ std::optional<Error> DamageOfColumn(const Ref<Recordset>& row, const Needed& nee
     }
 }
 
-/// "Ek, Anna, born 1980-01-31, sex F", without what is not known.
+/// Returns "Ek, Anna, born 1980-01-31, sex F"; omits what is unknown.
 std::string Said(const PatientIdentity& person) {
     const std::string born = DateText(person.birthDate);
     return person.Name() + (born.empty() ? "" : ", born " + born) + (person.sex.empty() ? "" : ", sex " + person.sex);
@@ -215,7 +215,7 @@ private:
             sql("UPDATE ImageBild_T SET CRC = '", FixSqlString(sha256), "' WHERE ImageBildID = ", file.image));
     }
 
-    /// A file that names another person than its patient.
+    /// Reports a file that names another person than its patient.
     void Person(const ClinicFile& file, const ReadFile& read) {
         if (!read.file || file.patient == 0) return;
         const auto [known, isNew] = people_.try_emplace(file.patient);
@@ -231,7 +231,7 @@ private:
             CompareWithOtherFiles(file, said, known->second);
     }
 
-    /// The names of the files of one patient must agree with each other, also where the patient has none.
+    /// Reports files of one patient whose names contradict each other, also if the patient has no name.
     void CompareWithOtherFiles(const ClinicFile& file, const PatientIdentity& said, People& people) {
         const auto same = [&](const SaidBy& other) { return other.person == said; };
         if (std::ranges::any_of(people.said, same)) return;
@@ -246,7 +246,7 @@ private:
         people.said.push_back({file.image, said});
     }
 
-    /// The patient of a row; number 0 where there is none, or none that can be read.
+    /// Returns the patient of a row; number 0 where there is none, or none that can be read.
     PatientIdentity StoredPatient(Long number) const {
         try {
             const auto patient = PatientOfRow(con_, number);
@@ -277,7 +277,7 @@ private:
                 Damaged(fmt::format("{} {}", needed.what, rows->Fields(0).As<Long>()), *damage);
     }
 
-    /// The columns of a series that may be null, and that must be what they are for.
+    /// Reports columns of a series that may be null and contain an invalid value.
     void DamagedSeries() {
         const Ref<Recordset> rows = database_.Read("SELECT * FROM Series_T ORDER BY Series_ID");
         for (; !rows->Eof(); rows->MoveNext()) {
@@ -353,7 +353,7 @@ private:
         }
     }
 
-    /// Patient by patient, so that the memory that this takes doesn't grow with the clinic.
+    /// Reads patient by patient, so that the memory does not grow with the clinic.
     void DamagedImages() {
         DamagedImages("where typeof(PatientID) <> 'integer'");
         const Ref<Recordset> patients = database_.Read(

@@ -4,7 +4,7 @@
 
 namespace Console {
 
-/// Something in a clinic that isn't as it should be.
+/// An inconsistency of a clinic.
 struct Finding {
     std::string kind;   ///< a word for scripts: "missing-file", "altered-file", "orphaned-row" ...
     std::string where;  ///< "image 12", a file's path, "patient #3"
@@ -13,7 +13,7 @@ struct Finding {
     bool note = false;  ///< nothing needs to be done: a person has decided it, as it seems
 };
 
-/// What a check came to.
+/// The result of a check.
 struct CheckResult {
     std::size_t images = 0, files = 0, withoutChecksum = 0;
     std::vector<Finding> findings;
@@ -21,16 +21,15 @@ struct CheckResult {
 
 /// Compares all rows of a clinic with all files of its storage roots.
 ///
-/// Found are: a damaged database; storage roots that are missing or belong to another clinic; missing,
-/// altered and unreadable files; files without a row; what killed imports left behind; rows whose owner is
-/// missing; image rows that can't be read completely; two images with one SOP Instance UID; patients of one
-/// identifier, and files of one patient, that name two people; as a note, files with another family name
-/// whose given name and birth date are the patient's. A file is altered if its checksum isn't that of its
-/// row.
+/// Reports: a damaged database; storage roots that are missing or belong to another clinic; missing, altered and
+/// unreadable files; files without a row; files that killed imports left behind; rows whose owner is missing; image
+/// rows that can't be read completely; two images with one SOP Instance UID; patients of one identifier, and files of
+/// one patient, that name two people; as a note, files with another family name whose given name and birth date are the
+/// patient's. A file is altered if its checksum differs from the one in its row.
 ///
-/// With `repair`, what needs no decision is mended: leftovers of killed imports are removed, images without a
-/// checksum get that of their file, and manipulations that belong to no placed image are deleted. Nothing
-/// else is changed, and without `repair` nothing at all.
+/// With `repair`, removes the files that killed imports left behind, stores the checksum of the file for images without
+/// a checksum, and deletes manipulations without a placed image. Changes nothing else, and nothing at all without
+/// `repair`.
 CheckResult CheckClinic(const Database& database, bool repair);
 
 }  // namespace Console

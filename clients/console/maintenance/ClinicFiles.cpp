@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t Sha256Length = 64;
 
-/// The checksum, a line break and the radiograph; or a line break and the reason for an unreadable file.
+/// Returns the checksum, a line break and the radiograph; or a line break and the reason for an unreadable file.
 std::string PackedContent(const std::string& path, bool asImage) {
     try {
         return Sha256OfFile(path) + "\n" + (asImage ? ReadPacked(path) : std::string());
@@ -32,7 +32,7 @@ FileContent ContentOf(const WorkerPool::Answer& answer) {
 
 std::string TextOrEmpty(const ADODB::Field& field) { return field.IsNull() ? std::string() : field.As<std::string>(); }
 
-/// 0 also for what is no number; the check names such a row as damaged.
+/// Returns the number in a column; 0 also for a value that can't be converted. The check reports such a row as damaged.
 Platform::Long NumberOrZero(const ADODB::Field& field) {
     try {
         return field.IsNull() ? 0 : field.As<Platform::Long>();

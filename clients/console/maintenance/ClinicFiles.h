@@ -12,30 +12,30 @@ struct ClinicFile {
     std::string sha256;  ///< the checksum of the row; empty where another program stored the image
 };
 
-/// The files of all images that have one, by root and name.
+/// Returns the files of all images that have one, by root and name.
 std::vector<ClinicFile> FilesOfClinic(const Ref<Connection>& con);
 
-/// The folders of all roots by their numbers, unchecked.
+/// Returns the folders of all roots by their numbers, unchecked.
 std::map<Platform::Long, std::filesystem::path> FoldersOfRoots(const Ref<Connection>& con);
 
 /// Names of the checksums that this program stores: 64 hexadecimal digits.
 bool IsSha256(const std::string& text);
 
-/// What a file holds.
+/// The content of a file, as the check and the backup need it.
 struct FileContent {
     std::string sha256;       ///< empty if the file can't be read
     std::string failure;      ///< why it can't be read
     std::string packedImage;  ///< what `Unpacked` reads, of a file that was to be read as a radiograph
 };
 
-/// Reads files in worker processes, on all processors, and tells of each in the order of the files.
+/// Reads files in worker processes, on all processors.
 ///
-/// `path` returns the path of the file at a position, `take` gets what it holds. With `asImages` the files
-/// are read as radiographs too. Shows its progress on standard error.
+/// `path` returns the path of the file at a position. `take` is called with the content of each file, in the order of
+/// the files. With `asImages` the files are also read as radiographs. Shows its progress on standard error.
 void ReadFiles(std::size_t count, bool asImages, const char* what, const std::function<std::string(std::size_t)>& path,
                const std::function<void(std::size_t, const FileContent&)>& take);
 
-/// The checksum of a file. Throws `UserError` if it can't be read.
+/// Returns the checksum of a file. Throws `UserError` if it can't be read.
 std::string Sha256OfFile(const std::filesystem::path& path);
 
 }  // namespace Console

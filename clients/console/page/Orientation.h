@@ -4,9 +4,9 @@
 
 namespace Console {
 
-/// How a placed image is turned and mirrored, by the numbers that image files use for it (TIFF 6.0,
+/// The rotation and mirroring of a placed image, by the numbers that image files use for them (TIFF 6.0,
 /// "Orientation"): 1 as it was captured, 2 mirrored left to right, 3 turned by 180 degrees, 4 mirrored top to
-/// bottom, 5 to 8 the same with rows and columns exchanged. This program keeps them in `IAMirrRotStatus`.
+/// bottom, 5 to 8 the same with rows and columns exchanged. This program stores the number in `IAMirrRotStatus`.
 class Orientation {
 public:
     /// Any number but 1 to 8 counts as 1: nothing is known.
@@ -14,13 +14,13 @@ public:
 
     Platform::Long Number() const;
 
-    /// Degrees clockwise, after the mirroring: 0, 90, 180 or 270.
+    /// Returns degrees clockwise, after the mirroring: 0, 90, 180 or 270.
     int Degrees() const noexcept { return degrees_; }
 
     /// Mirrored left to right, before the turn.
     bool Mirrored() const noexcept { return mirrored_; }
 
-    /// The same, turned clockwise by a multiple of 90 degrees, or mirrored left to right as it is seen.
+    /// Return this orientation turned clockwise by a multiple of 90 degrees, or mirrored left to right as it is seen.
     Orientation Turned(int degrees) const;
     Orientation MirroredAsSeen() const;
 

@@ -22,7 +22,7 @@ Box BoxOf(const cImagecardAttribute& placed) { return {placed.IAPosX, placed.IAP
 
 Box BoxOf(const cTemplateAttribute& slot) { return {slot.TAPosX, slot.TAPosY, slot.TAWidth, slot.TAHeight}; }
 
-/// The longer side of a box on a drawing of this width.
+/// Returns the longer side of a box on a drawing of this width.
 unsigned PixelsOf(const Box& box, const Page& page, unsigned pixelWidth) {
     constexpr double least = 64, most = 8000;
     const double height = static_cast<double>(pixelWidth) * page.height / page.width;
@@ -76,7 +76,7 @@ std::vector<EmptySlot> EmptySlotsOf(const cTemplate& layout, const Page& page) {
     return empty;
 }
 
-/// The teeth of a tooth string, a blank between those of different quadrants.
+/// Returns the teeth of a tooth string, a blank between those of different quadrants.
 std::string TeethByQuadrant(const std::string& teeth) {
     std::string text;
     char quadrant = 0;
@@ -89,7 +89,7 @@ std::string TeethByQuadrant(const std::string& teeth) {
     return text;
 }
 
-/// False for an image without teeth, and for one whose tooth string is none: it hangs as one without teeth.
+/// Returns false for an image without teeth or with an invalid tooth string, which hangs as one without teeth.
 bool HasTeeth(const cImage& image) {
     try {
         return OXClass::TeethOf(image.sTeeth).any();

@@ -14,15 +14,15 @@ struct Box {
     double x = 0, y = 0, width = 0, height = 0;
 };
 
-/// One image as it lies on a page.
+/// One image with its place on a page.
 struct PlacedPicture {
     Box box;
-    Platform::Long number = 0;  ///< what is written at it on demand: frame of a series, place on a card
+    Platform::Long number = 0;  ///< the number that `DrawingOptions::numbers` shows: frame of a series, place on a card
     Orientation orientation{1};
     std::string caption{};  ///< the teeth, or what else is known
     std::string note{};     ///< what a viewer must know beside: "frame 1 of 3, placed by time only"
     std::shared_ptr<const Picture> picture{};
-    std::string missing{};  ///< why there is no picture; empty where there is one
+    std::string missing{};  ///< the reason why the picture is missing; empty if it is present
 };
 
 /// A slot of the layout that shows no image.
@@ -41,35 +41,35 @@ struct Page {
     std::vector<EmptySlot> empty{};
 };
 
-/// What an entry of a patient's list is called: its name or description, else its kind.
+/// Returns the title of an entry of a patient's list: its name or description, or else its kind.
 std::string NameOf(const OXClass::cUniCard& entry);
 
-/// The image that is placed there; nothing where the entry lacks it.
+/// Returns the image that is placed there; null if the entry lacks it.
 OXClass::Ref<OXClass::cImage> ImageOf(const OXClass::cUniCard& entry, const OXClass::cImagecardAttribute& placed);
 
-/// The teeth of an image by quadrant, "16,17 46,47"; else its anatomy in words, or its number.
+/// Returns the teeth of an image by quadrant, "16,17 46,47"; else its anatomy in words, or its number.
 std::string CaptionOf(const OXClass::cImage& image);
 
-/// The teeth of an image by quadrant, "16,17 46,47"; empty where none are known.
+/// Returns the teeth of an image by quadrant, "16,17 46,47"; empty where none are known.
 std::string TeethOf(const OXClass::cImage& image);
 
-/// True for a film that has a frame though neither teeth nor region of it are known: hanging then placed it
-/// by its time alone, and its place says nothing of what it shows. Views of the whole head are none.
+/// Returns true for a film with a frame whose teeth and region are both unknown: hanging placed it by its time alone,
+/// so its place does not show its anatomy. Returns false for views of the whole head.
 bool IsPlacedByTimeOnly(const OXClass::cImage& image);
 constexpr const char* PlacedByTimeOnly = "placed by time only";
 
-/// Why there is no picture of an image; empty where there is one. `Quickly` renders no plain pixels and
-/// counts them only.
+/// Return the reason why an image has no picture; empty if it has one. `WhyNoPictureQuickly` does not render
+/// uncompressed pixels, it only checks their number.
 std::string WhyNoPicture(const OXClass::cImage& image);
 std::string WhyNoPictureQuickly(const OXClass::cImage& image);
 
-/// An entry by its key, "IC5" or "SE7", with those of its images loaded that can be read (`DamagesOf` tells
-/// the others). Throws `UserError` for any other key and for one that isn't in the database.
+/// Returns the entry with a key such as "IC5" or "SE7". Loads those of its images that can be read; `DamagesOf` returns
+/// the others. Throws `UserError` for a key of another form and for an unknown one.
 OXClass::Ref<OXClass::cUniCard> OpenEntry(const Database& database, const std::string& key);
 
-/// The page of an opened entry, for a drawing that is `pixelWidth` wide: pictures are no finer than that
-/// needs. A picture that can't be read is missing, with its reason. Films of a series that are placed by
-/// time only have a note.
+/// Returns the page of an opened entry for a drawing of `pixelWidth` pixels; pictures are reduced to the resolution
+/// that it needs. A picture that can't be read is missing, with the reason. Films of a series that are placed by time
+/// only have a note.
 Page PageOf(const OXClass::cUniCard& entry, unsigned pixelWidth);
 
 }  // namespace Console

@@ -39,7 +39,7 @@ using Pixels = std::unique_ptr<GdkPixbuf, Release>;
     throw std::runtime_error(std::string("is damaged: ") + (error ? error->message : "no reason"));
 }
 
-/// Reads all pixels, so that a damaged file is noticed here and not in the drawing.
+/// Reads all pixels, so that a damaged file is detected here and not in the drawing.
 Pixels Decoded(const fs::path& path) {
     constexpr std::int64_t mostPixels = 100'000'000;
     int width = 0, height = 0;
@@ -56,7 +56,7 @@ bool SaysToTurn(GdkPixbuf& pixels) {
     return orientation && std::string_view(orientation) != "1";
 }
 
-/// A picture that its file says to turn, turned: viewers differ in whether they would.
+/// Returns a picture turned as its file specifies, because not all viewers turn it.
 Picture Turned(GdkPixbuf& pixels) {
     const Pixels turned(gdk_pixbuf_apply_embedded_orientation(&pixels));
     gchar* bytes = nullptr;
@@ -67,13 +67,13 @@ Picture Turned(GdkPixbuf& pixels) {
     return {"image/png", std::string(bytes, size)};
 }
 
-/// The decoder fills what a cut JPEG file lacks with gray, without a word.
+/// Throws for a JPEG file that is cut short. The decoder reports no error for it and fills the missing part with gray.
 void RequireEnd(const std::string& jpeg) {
     const auto end = jpeg.rfind(JpegEnd);
     if (end == std::string::npos || end < jpeg.size() / 2) throw std::runtime_error("is cut short");
 }
 
-/// What a file is by its first bytes.
+/// The type of a file, from its first bytes.
 enum class Kind { Dicom, Jpeg, Png };
 
 Kind KindOf(std::istream& in) {

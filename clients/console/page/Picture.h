@@ -13,18 +13,18 @@ struct Picture {
     int frames = 1;         ///< that its file has; the picture is the first
 };
 
-/// The picture in a file: a JPEG or PNG file as it is, a DICOM file as `RenderDicom` renders it, no side
-/// longer than `longestSide`. A photograph whose file says to turn it comes turned, as a PNG.
+/// Returns the picture in a file: a JPEG or PNG file unchanged, a DICOM file as `RenderDicom` renders it, with no side
+/// longer than `longestSide`. A photograph whose file contains an orientation is turned and returned as a PNG.
 ///
-/// Throws `std::runtime_error` whose text tells in one clause, without the path, why there is none: no such
-/// file, more than 256 MB or 100 million pixels, a damaged, cut or another kind of file.
+/// Throws `std::runtime_error` whose text is one clause about the reason, without the path: a missing file, more than
+/// 256 MB or 100 million pixels, a file that is damaged, cut short or of another type.
 Picture ReadPicture(const std::filesystem::path& path, unsigned longestSide);
 
-/// Why `ReadPicture` throws for a file; empty where it returns a picture.
+/// Returns the reason why `ReadPicture` throws for a file; empty if it returns a picture.
 std::string WhyNotReadable(const std::filesystem::path& path);
 
-/// The same without decoding pictures that aren't compressed DICOM: the file's presence, its size, its head
-/// and the number of its pixels.
+/// Returns the same reason, but decodes only compressed DICOM pictures. Of other files it checks that they exist, their
+/// size, their header and the number of their pixels.
 std::string WhyNotReadableQuickly(const std::filesystem::path& path);
 
 }  // namespace Console

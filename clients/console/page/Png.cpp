@@ -35,7 +35,7 @@ Held<RsvgHandle> Parsed(const std::string& svg) {
     return handle;
 }
 
-/// Height by width.
+/// Returns the height divided by the width.
 double ProportionOf(RsvgHandle& handle) {
     gboolean hasWidth = FALSE, hasHeight = FALSE, hasBox = FALSE;
     RsvgLength width{}, height{};

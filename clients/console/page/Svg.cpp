@@ -34,7 +34,8 @@ public:
     }
 
 private:
-    /// Far out of any page, a place counts as its edge, so that every drawing has a size.
+    /// Returns a box in units of the drawing. Limits coordinates far outside of the page, so that every drawing has a
+    /// size.
     Rectangle Scaled(const Box& box) const {
         const auto limited = [](double part) { return std::clamp(part, -100.0, 100.0); };
         const auto width = static_cast<double>(page_.width), height = static_cast<double>(page_.height);
@@ -42,7 +43,7 @@ private:
                 limited(box.height) * height};
     }
 
-    /// The canvas, grown to what lies beyond its edges.
+    /// Returns the canvas, enlarged to include all that is outside of its edges.
     Rectangle Whole() const {
         double left = 0, top = 0, right = page_.width, bottom = page_.height;
         for (const PlacedPicture& placed : page_.pictures) {
@@ -99,8 +100,8 @@ private:
         return placed.caption + (placed.note.empty() ? "" : ", ") + placed.note;
     }
 
-    /// Where a picture lies around the middle of its box. One of known proportion fills what is computed
-    /// here, whatever its pixels; any other is fitted into the box by whoever draws.
+    /// Returns the attributes that place a picture around the middle of its box. A picture of known proportion fills a
+    /// rectangle that is computed here, independent of its pixels; the viewer fits any other picture into the box.
     static std::string PlaceOf(const Picture& picture, double width, double height) {
         const bool known = picture.proportion > 0;
         if (known && width > height * picture.proportion)
@@ -130,14 +131,14 @@ private:
 
     static double TextSize(const Rectangle& r) { return std::max(r.height, r.width) * 0.09; }
 
-    /// The size at which a text fits the width of a box, at most this part of its longer side.
+    /// Returns the size at which a text fits the width of a box, at most this part of its longer side.
     static double Fitting(const Rectangle& r, const std::string& text, double part) {
         constexpr double widthOfACharacter = 0.62;
         const double fitting = r.width * 0.94 / (widthOfACharacter * std::max(Platform::Len(text), 1));
         return std::min(fitting, std::max(r.height, r.width) * part);
     }
 
-    /// An empty box with lines of text in its middle.
+    /// Draws an empty box with lines of text in its middle.
     void Outline(const Rectangle& r, const std::vector<std::string>& lines) {
         Add("<g><title>{}</title><rect x=\"{:.6g}\" y=\"{:.6g}\" width=\"{:.6g}\" height=\"{:.6g}\" "
             "fill=\"#1a1a1a\" "

@@ -19,7 +19,7 @@ using Parts = std::vector<std::string>;
 constexpr std::pair<std::string_view, std::string_view> BaseLetters[] = {
     {"ø", "o"}, {"ł", "l"}, {"đ", "d"}, {"ð", "d"}, {"ı", "i"}, {"æ", "ae"}, {"œ", "oe"}, {"þ", "th"}};
 
-/// The text in lower case without accents; a text that isn't valid UTF-8 in lower case only.
+/// Returns the text in lower case without accents; a text that isn't valid UTF-8 in lower case only.
 std::string Folded(const std::string& text) {
     utf8proc_uint8_t* mapped = nullptr;
     const auto options = static_cast<utf8proc_option_t>(UTF8PROC_COMPAT | UTF8PROC_DECOMPOSE | UTF8PROC_STRIPMARK |
@@ -33,7 +33,7 @@ std::string Folded(const std::string& text) {
     return folded;
 }
 
-/// The parts of a name, folded: blanks, hyphens and commas separate them, other punctuation is left out.
+/// Returns the parts of a name, folded: blanks, hyphens and commas separate them, other punctuation is left out.
 Parts PartsOf(const std::string& name) {
     constexpr std::string_view separators = " \t^,-", leftOut = ".'`\"()/\\";
     Parts parts(1);
@@ -56,20 +56,20 @@ Parts SortedParts(const Parts& family, const Parts& given) {
     return all;
 }
 
-/// The first character of a UTF-8 text.
+/// Returns the first character of a UTF-8 text.
 std::string_view Initial(std::string_view text) {
     std::size_t end = 1;
     while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) ++end;
     return text.substr(0, end);
 }
 
-/// True if one of the parts is the initial of the other.
+/// Returns true if one of the parts is the initial of the other.
 bool IsInitialOf(const std::string& a, const std::string& b) {
     const std::string_view initial = Initial(a);
     return initial == Initial(b) && (a == initial || b == initial);
 }
 
-/// Takes the parts that both lists have out of both.
+/// Removes from both lists the parts that both have.
 void TakeOutEqualParts(Parts& a, Parts& b) {
     std::erase_if(a, [&](const std::string& part) {
         const auto same = std::ranges::find(b, part);
@@ -79,8 +79,8 @@ void TakeOutEqualParts(Parts& a, Parts& b) {
     });
 }
 
-/// True if the given names can be one person's: each part of the shorter list is a part of the longer, whole
-/// or as an initial.
+/// Returns true if the given names can belong to one person: each part of the shorter list is a part of the longer one,
+/// as the whole name or as an initial.
 bool GivenNamesAgree(Parts a, Parts b) {
     if (a.size() > b.size()) std::swap(a, b);
     if (a.empty() || Concatenated(a) == Concatenated(b)) return true;
@@ -115,8 +115,8 @@ bool NamesAgree(const PatientIdentity& a, const PatientIdentity& b) {
     });
 }
 
-/// Completes a writing that has a family name or a given name only by one of `said` with the same; false if there is
-/// none.
+/// Completes a writing that has only a family name or only a given name, by a writing of `said` with the same name.
+/// Returns false if `said` has no such writing.
 bool CompleteName(NameWriting& writing, const PatientIdentity& said) {
     const Parts family = PartsOf(writing.family), given = PartsOf(writing.given);
     if (family.empty() == given.empty()) return false;
@@ -149,7 +149,7 @@ bool Differ(const PatientIdentity& a, const PatientIdentity& b, IdentityField fi
     return false;
 }
 
-/// The text cut or filled with blanks to `width` columns.
+/// Returns the text cut or filled with blanks to `width` columns.
 std::string Cell(const std::string& text, std::size_t width) {
     const std::string shown = Printable(text.empty() ? "-" : text);
     const std::string cut = Platform::Left(shown, static_cast<Platform::Long>(width));

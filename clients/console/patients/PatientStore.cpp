@@ -15,7 +15,7 @@ using namespace OXClass;
 
 constexpr Long IdentifierWidth = 64, OtherIDsWidth = 255;
 
-/// The one letter of a sex that programs of the suite agree on; empty for any other text.
+/// Returns the one letter of a sex that programs of the suite agree on; empty for any other text.
 std::string SexLetter(const std::string& text) {
     const std::string letter = UCase(Left(Trim(text), 1));
     return letter == "M" || letter == "F" || letter == "O" ? letter : "";
@@ -62,7 +62,7 @@ void SetIdentifier(const Ref<Connection>& con, Long number, const std::string& i
     con->Execute(sql("UPDATE Patient_T SET PersonNr_CH = '", FixSqlString(id), "' WHERE PatientID = ", number));
 }
 
-/// Inserts a patient beside others of the same identifier: the class would update those.
+/// Inserts a patient even if others have the same identifier; `cPatient::Save` would update those.
 void InsertBesideOthers(const Ref<Connection>& con, cPatient& patient) {
     const std::string id = patient.PatientID;
     patient.PatientID = New<cDoctors>()->GetGUID();

@@ -5,49 +5,49 @@
 #include "console/patients/PatientIdentity.h"
 #include "people/cPatient.h"
 
-/// Patients in the database: finding the one that is meant, and saving exactly that one.
+/// Functions that find one patient in the database, and that save only this patient.
 namespace Console {
 
-/// The identity that a radiograph's file states.
+/// Returns the identity that a radiograph's file states.
 PatientIdentity IdentityOf(const RadiographFile& file);
 
-/// The identity of a loaded patient, with the issuer of its identifier.
+/// Returns the identity of a loaded patient, with the issuer of its identifier.
 PatientIdentity IdentityOf(const Ref<Connection>& con, const OXClass::cPatient& patient);
 
-/// The same, for deciding whether it is the person of a file. Throws `UserError` if the birth date or the sex of the
-/// row can't be read: taken for blank, it would not contradict anybody.
+/// Returns the same identity for a comparison with the person of a file. Throws `UserError` if the birth date or the
+/// sex of the row can't be read: an empty value would contradict no other person.
 PatientIdentity ComparableIdentityOf(const Ref<Connection>& con, const OXClass::cPatient& patient);
 
-/// Loads the patient of this row; null if there is none. A birth date that is no date counts as not known.
-/// Throws `UserError`, which names row and column, for any other row that can't be read whole, so that it is
-/// never taken for a missing one.
+/// Loads the patient of this row; returns null if the row does not exist. A birth date that can't be read counts as
+/// unknown. Throws `UserError`, which names row and column, if another column can't be read, so that no caller takes
+/// the row for a missing one.
 Ref<OXClass::cPatient> PatientOfRow(const Ref<Connection>& con, Platform::Long number);
 
-/// All patients with this text identifier, by rising row number. Throws as `PatientOfRow`.
+/// Returns all patients with this text identifier, by rising row number. Throws as `PatientOfRow`.
 std::vector<Ref<OXClass::cPatient>> PatientsWithID(const Ref<Connection>& con, const std::string& id);
 
-/// The patient that `text` names: "#12" is the row 12, any other text an identifier. Throws `UserError` if
+/// Returns the patient that `text` names: "#12" is the row 12, any other text an identifier. Throws `UserError` if
 /// there is none, and if several patients have the identifier; the message then lists them.
 Ref<OXClass::cPatient> LoadPatient(const Ref<Connection>& con, const std::string& text);
 Ref<OXClass::cPatient> LoadPatient(const Database& database, const std::string& text);
 
-/// What the database knows about a person.
+/// The patients in the database that may be a person.
 struct PatientMatch {
     Platform::Long number = 0;             ///< the row of the person's patient; 0 if there is none
     std::vector<PatientIdentity> refused;  ///< the patients of the identifier that were not taken
 
     bool contradicted = false;  ///< one of `refused` contradicts the person; else
-                                ///< there is not enough to tell
+                                ///< the data are not sufficient to decide
 
-    /// True for a person whose identifier no patient has.
+    /// Returns true for a person whose identifier no patient has.
     bool IsNew() const { return number == 0 && refused.empty(); }
 };
 
 /// Looks for the patient that is the person.
 ///
-/// Taken is a patient of the same identifier whom nothing contradicts. Where the issuers don't both say the
-/// same, or where several patients have the identifier, name or birth date must agree as well. Two patients
-/// who fit are none: the result then lists both as refused.
+/// Returns a patient with the same identifier and no contradicting data. If the issuers are not both known and equal,
+/// or if several patients have the identifier, name or birth date must agree as well. If two patients match, the result
+/// names no patient and lists both as refused.
 PatientMatch MatchPatient(const Ref<Connection>& con, const PatientIdentity& person);
 
 /// Throws `UserError` unless the patient's texts can be stored: a quote in those that a statement takes
@@ -59,32 +59,32 @@ void RequireStorable(const OXClass::cPatient& patient);
 std::vector<std::string> AddOtherIDs(OXClass::cPatient& patient, const std::vector<std::string>& identifiers);
 
 /// Inserts a patient (`ID` 0), or writes into exactly its row the columns whose values differ from the stored
-/// ones; all others keep their contents, also those that can't be read. The identifier is not written. The
-/// caller holds the transaction. Throws as `RequireStorable`, and `UserError` where the row is gone.
+/// ones; all other columns are unchanged, also those that can't be read. The identifier is not written. The caller
+/// holds the transaction. Throws as `RequireStorable`, and `UserError` if the row no longer exists.
 void SavePatient(const Ref<Connection>& con, OXClass::cPatient& patient);
 
-/// Stores in the patient's row what it lacks and `said` tells: issuer, name, birth date and sex. Columns that
-/// hold any text keep it. Returns one line that tells what was added, empty if nothing was. The two must not
-/// contradict each other, and must have the same identifier. The caller holds the transaction.
+/// Copies from `said` into the patient's row what the row lacks: issuer, name, birth date and sex. A column with any
+/// text is not changed. Returns one line that names what was added, empty if nothing was. The two must not contradict
+/// each other, and must have the same identifier. The caller holds the transaction.
 std::string FillPatient(const Ref<Connection>& con, const PatientIdentity& stored, const PatientIdentity& said,
                         const char* source);
 
-/// Gives the row another identifier; the issuer stays. The caller holds the transaction. Throws `UserError`
-/// if a patient has the new identifier already.
+/// Stores another identifier in the row; the issuer is unchanged. The caller holds the transaction. Throws `UserError`
+/// if a patient already has the new identifier.
 void ChangePatientID(const Ref<Connection>& con, OXClass::cPatient& patient, const std::string& id);
 
 /// Stores the issuer of a patient's identifier; ignores an empty one. The caller holds the transaction.
 void StoreIssuer(const Ref<Connection>& con, Platform::Long patient, const std::string& issuer);
 
-/// Forgets the issuer of a patient's identifier. The caller holds the transaction.
+/// Deletes the stored issuer of a patient's identifier. The caller holds the transaction.
 void ForgetIssuer(const Ref<Connection>& con, Platform::Long patient);
 
 /// Creates those tables of the program that the database lacks. The caller holds the transaction.
 void CreateProgramTables(const Ref<Connection>& con);
 
-/// Runs `work` with an identifier that no other row has, for operations that find a patient by the text
-/// identifier: the row gets a new one before, and its own back behind it. The caller holds the transaction
-/// and rolls it back if this throws.
+/// Runs `work` while the patient's row has an identifier that no other row has, for operations that find a patient by
+/// the text identifier. Afterwards restores the row's own identifier. The caller holds the transaction and must roll it
+/// back if this throws.
 void WithUniqueID(const Ref<Connection>& con, const OXClass::cPatient& patient,
                   const std::function<void(const std::string& id)>& work);
 

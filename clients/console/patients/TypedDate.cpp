@@ -24,7 +24,7 @@ std::optional<Date> DayOf(int year, int month, int day) {
 
 int Number(const std::smatch& match, std::size_t group) { return std::stoi(match[group].str()); }
 
-/// The month that a word of at least three letters begins, 1 to 12; 0 for any other word.
+/// Returns the month that a word of at least three letters begins, 1 to 12; 0 for any other word.
 int MonthNamed(const std::string& word) {
     const std::string start = Platform::LCase(word.substr(0, 3));
     for (std::size_t i = 0; i < Months.size(); ++i)

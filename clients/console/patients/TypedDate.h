@@ -6,7 +6,7 @@
 
 namespace Console {
 
-/// The day that a person typed.
+/// Returns the day that the user typed.
 ///
 /// Accepts the ISO forms "1980-01-31" and "19800131", the same with points or slashes and the year first, and
 /// forms that can be read in one way only: "31.01.1980" (there is no month 31), "31 Jan 1980", "Jan 31,

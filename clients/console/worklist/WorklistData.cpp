@@ -16,13 +16,14 @@ const std::string NonAscii = [] {
     return bytes;
 }();
 
-/// A day as people write it, or the text as it stands where it is none.
+/// Returns a day as "YYYY-MM-DD", or the text unchanged if it is not a day.
 std::string ReadableDay(const std::string& text) {
     const std::string day = DayText(text);
     return day.empty() ? text : day;
 }
 
-/// The same for a time. Midnight stands for what is none, too, so only noughts are taken for it.
+/// Returns a time as "hh:mm:ss", or the text unchanged if it is not a time. The conversion returns midnight for any
+/// text that is not a time, so the function accepts midnight only from a text of zeros.
 std::string ReadableTime(const std::string& text) {
     const std::string time = TimeText(text);
     const bool midnight = text.find_first_not_of("0:.") == std::string::npos;
@@ -49,7 +50,7 @@ public:
 private:
     std::string Text(const DcmTagKey& tag) { return values_.Text(set_, tag); }
 
-    /// The meaning of the first code of a sequence.
+    /// Returns the meaning of the first code of a sequence.
     std::string Meaning(DcmItem& parent, const DcmTagKey& sequence) {
         std::string meaning;
         EachItem(parent, sequence, [&](DcmItem& code) {

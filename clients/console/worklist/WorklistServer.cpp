@@ -31,7 +31,7 @@ using nlohmann::json;
 constexpr int TimeOut_s = 10;
 constexpr const char* SystemAuthorities = "/etc/ssl/certs/ca-certificates.crt";
 
-/// A text that is asked for, and that a match must have.
+/// Adds a text to the request: a return key, and a matching key if `wanted` is not empty.
 void Put(DcmItem& item, const DcmTagKey& tag, const std::string& wanted = {}) {
     item.putAndInsertString(tag, wanted.c_str());
 }
@@ -40,7 +40,7 @@ std::string DayRange(const WorklistKeys& keys) {
     return keys.firstDay == keys.lastDay ? keys.firstDay : keys.firstDay + "-" + keys.lastDay;
 }
 
-/// An item of a code sequence that is asked for whole.
+/// Adds a code sequence to the request, with all attributes of its item as return keys.
 void PutCode(DcmItem& parent, const DcmTagKey& sequence) {
     DcmItem* code = nullptr;
     if (parent.findOrCreateSequenceItem(sequence, code).bad()) return;
@@ -145,7 +145,7 @@ protected:
     }
 };
 
-/// Why no connection came about, in words that say what to do; empty for what is none of these reasons.
+/// Returns the reason why the connection failed and what the user can do; empty for any other failure.
 std::string ReasonOfConnection(const std::string& text, const WorklistAddress& server) {
     const auto says = [&](const char* words) { return text.find(words) != std::string::npos; };
     if (says("Connection refused"))
@@ -169,7 +169,7 @@ std::string ReasonOfConnection(const std::string& text, const WorklistAddress& s
     return {};
 }
 
-/// What the toolkit says about a failed association, in words that say what to do.
+/// Returns the reason why the association failed and what the user can do.
 std::string ReasonOf(const OFCondition& condition, const std::string& log, const WorklistAddress& server,
                      const WorklistCall& call) {
     const std::string text = condition.text() + ("\n" + log);
@@ -210,7 +210,7 @@ void Configure(Scu& scu, const WorklistAddress& server, const WorklistCall& call
     scu.addPresentationContext(UID_FINDModalityWorklistInformationModel, syntaxes);
 }
 
-/// Asks one question on one association. The answer says how many data sets lie in the folder.
+/// Runs one query on one association. The answer contains the number of data sets in the folder.
 template <class Scu>
 json Ask(SavingScu<Scu>& scu, const WorklistAddress& server, const WorklistCall& call, const WorklistKeys& keys) {
     const NetworkLog& networkLog = NetworkLog::Start();
@@ -280,7 +280,7 @@ json AskEncrypted(const WorklistAddress& server, const WorklistCall& call, const
     return Ask(scu, server, call, keys);
 }
 
-/// The work of the worker process: a JSON text with what came, or why nothing did.
+/// Runs in the worker process. Returns a JSON text with the answers, or with the reason of a failure.
 std::string AskInto(const fs::path& folder, const WorklistAddress& server, const WorklistCall& call,
                     const WorklistKeys& keys) {
     SilenceToolkit();

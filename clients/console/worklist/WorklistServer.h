@@ -6,7 +6,7 @@
 
 namespace Console {
 
-/// What a worklist is asked for; empty means any.
+/// The matching keys of a worklist query. An empty key matches any value.
 struct WorklistKeys {
     std::string firstDay, lastDay;  ///< "YYYYMMDD"; of the scheduled start
     std::string modality;
@@ -14,18 +14,18 @@ struct WorklistKeys {
     std::string patient;  ///< patient ID
 };
 
-/// Where a worklist server listens: "AE@HOST:PORT", a title of at most 16 characters, a host name or an
-/// address of version 4.
+/// The address of a worklist server, "AE@HOST:PORT": a title of at most 16 characters, and a host name or an IPv4
+/// address.
 struct WorklistAddress {
     std::string title, host;
     int port = 0;
 
-    /// The address that a text spells, if it does.
+    /// Returns the address in a text, or `std::nullopt` if the text is not an address.
     static std::optional<WorklistAddress> Of(const std::string& text);
     std::string Text() const;
 };
 
-/// How a server is asked.
+/// The settings of a worklist query.
 struct WorklistCall {
     std::string title = "OXCLASS";  ///< the AE title of this station
     double seconds = 60;            ///< for the whole query; each message has ten seconds at most
@@ -35,7 +35,7 @@ struct WorklistCall {
     std::string certificate, key;  ///< PEM files of this station's own certificate; empty: none
 };
 
-/// What a server answered.
+/// The answer of a server.
 struct WorklistAnswer {
     WorklistItems items;
     std::size_t broken = 0;   ///< data sets that aren't worklist items
@@ -44,10 +44,10 @@ struct WorklistAnswer {
     bool cut = false;         ///< there were more answers than `mostAnswers`; the rest was not taken
 };
 
-/// Asks a server for worklist items, in a worker process, so that no answer can end or block the program.
-/// Throws `std::runtime_error` with one clause that names the server and says why there is no answer: it
-/// isn't there or is silent, doesn't know this station or the title, has no worklist, breaks off, needs more
-/// time than allowed, has no valid certificate, reports a failure.
+/// Queries a server for worklist items, in a worker process, so that no answer can crash or block the program. Throws
+/// `std::runtime_error` with one clause that names the server and the reason: it can't be reached or does not answer,
+/// does not know this station or the title, has no worklist, closes the connection, needs more time than allowed, has
+/// no valid certificate, or reports a failure.
 WorklistAnswer AskWorklist(const WorklistAddress& server, const WorklistCall& call, const WorklistKeys& keys);
 
 }  // namespace Console

@@ -30,15 +30,21 @@ struct ExecuteReport {
 ///
 /// Handlers run on the connection's thread, inside the operation. `WillExecute` must not start another operation on the
 /// same connection, which raises 3710. If a handler throws, the operation fails with that exception, before the
-/// statement runs
-/// (`WillExecute`) or after it has run (`ExecuteComplete`).
+/// statement runs (`WillExecute`) or after it has run (the other events). Each function does nothing unless a class
+/// overrides it.
 class ConnectionEvents {
 public:
     virtual ~ConnectionEvents() = default;
+    /// Called before a statement runs. May change the request or cancel it. After a cancellation the remaining handlers
+    /// are still called, and a handler may set the status back.
     virtual void WillExecute(ExecuteRequest&) {}
+    /// Called after a statement has run or failed. Not called for a cancelled statement.
     virtual void ExecuteComplete(const ExecuteReport&) {}
+    /// Called after a transaction has begun at this level.
     virtual void BeginTransComplete(Long /*level*/) {}
+    /// Called after the innermost transaction was committed.
     virtual void CommitTransComplete() {}
+    /// Called after `RollbackTrans`; not called when the connection's destructor rolls back.
     virtual void RollbackTransComplete() {}
 };
 
@@ -57,25 +63,31 @@ public:
     /// Opens the connection that a connection string describes, "Provider=SQLite;Data Source=clinic.db". If the
     /// argument is empty, the property `ConnectionString` is used. `UserID` and `Password` override those in the text.
     /// Raises 3705 if open, 3706 for an unknown provider, 0x80040E21 for a setting that can't be parsed or is not
-    /// supported, and what the engine raises; the connection is then closed.
+    /// supported, and what the engine raises. On failure a closed connection stays closed, and the property
+    /// `ConnectionString` may already have the new text. `Options` is ignored.
     void Open(const String& ConnectionString = {}, const String& UserID = {}, const String& Password = {},
               Long Options = -1);
 
     /// Closes the connection and every recordset on it; edits that were not posted are lost. Raises 3704 if closed,
-    /// 3246 while a transaction is open; nothing changes then.
+    /// 3710 inside `WillExecute`, 3246 while a transaction is open; nothing changes then.
     void Close();
 
     /// Runs a statement and returns a recordset: at its first row if the statement returns rows, otherwise closed; null
-    /// with `adExecuteNoRecords`. `RecordsAffected` receives the number of rows that an action statement changed.
-    /// Raises 3704 if closed, 3712 if a handler cancelled it, and what the engine raises.
+    /// with `adExecuteNoRecords`. With `adCmdTable` the text is a table name, otherwise one SQL statement.
+    /// `RecordsAffected` may be null. It receives the number of rows that an action statement changed, -1 for a
+    /// statement that returns rows.
+    ///
+    /// Raises 3704 if closed, 3710 inside `WillExecute`, 3712 if a handler cancelled it, 0x8004D00E if the engine has
+    /// rolled back the open transaction, and what the engine raises; `RecordsAffected` is then unchanged.
     Ref<Recordset> Execute(const String& CommandText, Long* RecordsAffected = nullptr, Long Options = adCmdUnspecified);
 
     /// Begins a transaction, nested in the open one if there is one, and returns its level, 1 for the outermost. Raises
-    /// 3704 if closed, 0x8004D013 if the engine does not support the level, and what the engine raises.
+    /// 3704 if closed, 3710 inside `WillExecute`, 0x8004D013 if the engine does not support the level (SQLite: 5), and
+    /// what the engine raises; the level is then unchanged.
     Long BeginTrans();
 
-    /// Commit or roll back the innermost transaction. Raise 3704 if closed, 0x8004D00E if no transaction is open, and
-    /// what the engine raises.
+    /// Commit or roll back the innermost transaction. Raise 3704 if closed, 3710 inside `WillExecute`, 0x8004D00E if no
+    /// transaction is open, and what the engine raises; the transaction is then still open at the same level.
     ///
     /// After a failure in which the engine itself rolled everything back (a full disk), every operation raises
     /// 0x8004D00E until `RollbackTrans` has been called for each level.
@@ -96,9 +108,11 @@ public:
     /// Returns what the engine reported at its last failure. A later success does not clear the list, and failures of
     /// this layer are not added to it.
     const std::vector<Error>& Errors() const noexcept { return errors_; }
+    /// Empties the list that `Errors` returns. May be called on a closed connection.
     void ClearErrors() { errors_.clear(); }
 
-    /// Adds a handler, which must live until it is removed or the connection is deleted.
+    /// Adds a handler behind the others. It must live until it is removed or the connection is deleted. Handlers may be
+    /// added to a closed connection and stay when the connection is closed.
     void Advise(ConnectionEvents& handler) { handlers_.push_back(&handler); }
 
     /// Adds a handler that the connection owns. It is deleted when it is removed, or with the connection after that was
@@ -108,8 +122,8 @@ public:
     /// Returns all handlers in the order in which they are called.
     const std::vector<ConnectionEvents*>& Handlers() const noexcept { return handlers_; }
 
-    /// Removes a handler, which is not called any more. One that the connection owns is deleted at once, or, while
-    /// handlers are being called, after the last of these calls.
+    /// Removes a handler, which is not called any more; does nothing for a handler that was not added. One that the
+    /// connection owns is deleted at once, or, while handlers are being called, after the last of these calls.
     void Unadvise(ConnectionEvents& handler);
 
     const Interface& Describe() const override;
@@ -118,19 +132,19 @@ private:
     friend class Recordset;
 
     Session& Opened() const;
-    /// The session, ready for another operation: no `WillExecute` is under way, and the transaction that
-    /// the client opened is still open in the engine.
+    /// Returns the session. Raises 3704 if closed, 3710 inside `WillExecute`, and 0x8004D00E if the engine has rolled
+    /// back the transaction that the client opened.
     Session& Ready() const;
-    /// Calls each handler that is there when its turn comes.
+    /// Calls each handler; a handler that an earlier one removed is not called.
     template <class Call>
     void Tell(Call call);
-    /// Runs what `request` holds, between its two events.
+    /// Runs the statement of `request` between its two events.
     Outcome Run(ExecuteRequest& request);
     void Announce(ExecuteRequest& request);
     Outcome RunTimed(const ExecuteRequest& request);
-    /// Posts a change of a recordset's row; gives the number of rows that it hit.
+    /// Posts a change of a recordset's row; returns the number of rows that it changed.
     std::int64_t Change(const String& statement, std::span<const Variant> values);
-    /// Runs a call into the engine; keeps what it fails with in `Errors`.
+    /// Runs a call into the engine; stores its failure in `Errors`.
     template <class F>
     auto Engine(F call) -> decltype(call());
 
@@ -141,8 +155,8 @@ private:
     std::vector<Recordset*> open_;
     std::vector<ConnectionEvents*> handlers_;
     std::vector<std::unique_ptr<ConnectionEvents>> owned_;
-    std::vector<std::unique_ptr<ConnectionEvents>> leaving_;  // taken out while handlers are being called
-    int telling_ = 0;                                         // how many rounds of calls are under way
+    std::vector<std::unique_ptr<ConnectionEvents>> leaving_;  // removed while handlers are being called
+    int telling_ = 0;                                         // nested calls of `Tell`
     std::vector<Error> errors_;
 };
 

@@ -13,13 +13,15 @@ public:
     /// Parses the text. Raises 0x80040E21 for a part without "=", an empty key, or a quote without an end.
     explicit ConnectionString(std::string_view text);
 
-    /// Returns the value of a key, or `otherwise` if the key does not occur.
+    /// Returns the value of a key, without the blanks around it unless it was quoted, or `otherwise` if the key does
+    /// not occur.
     String Value(std::string_view key, const String& otherwise = {}) const;
 
     /// Sets the value of a key, in place of earlier ones.
     void Set(std::string_view key, const String& value);
 
-    /// Returns the first key that is not in `known`, or an empty text.
+    /// Returns the first key that is not in `known`, in lower case, or an empty text if all keys are known. A provider
+    /// calls it to reject settings that it does not support.
     String FirstUnknown(std::initializer_list<std::string_view> known) const;
 
 private:

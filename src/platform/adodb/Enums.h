@@ -13,7 +13,14 @@ using Platform::EnumerationOf, Platform::EnumerationValue, Platform::Interface;
 using Platform::Error, Platform::Raise;
 using Platform::New, Platform::Ref;
 
+/// Where a recordset keeps its rows. The rows are copied into memory in every case. A recordset with `adUseClient` has
+/// a static cursor and can be disconnected from its connection; `adUseNone` has the effect of `adUseServer`.
 enum CursorLocationEnum : Long { adUseNone = 1, adUseServer = 2, adUseClient = 3 };
+
+/// How a recordset may move. A forward-only cursor can't move backward and reports -1 as its number of rows; the other
+/// types scroll in both directions. `Recordset::CursorType` returns the type that an open recordset has: static with
+/// `adUseClient`; keyset if a dynamic cursor or a lock type other than `adLockReadOnly` was requested; otherwise the
+/// requested type.
 enum CursorTypeEnum : Long {
     adOpenUnspecified = -1,
     adOpenForwardOnly = 0,
@@ -21,6 +28,10 @@ enum CursorTypeEnum : Long {
     adOpenDynamic = 2,
     adOpenStatic = 3
 };
+
+/// Whether a recordset can be edited: not with `adLockReadOnly` and `adLockUnspecified`. With every other type
+/// `Recordset::Update` writes the edit at once, and raises 0x80040E38 if another client changed the row meanwhile. No
+/// type locks a row before that.
 enum LockTypeEnum : Long {
     adLockUnspecified = -1,
     adLockReadOnly = 1,
@@ -28,71 +39,89 @@ enum LockTypeEnum : Long {
     adLockOptimistic = 3,
     adLockBatchOptimistic = 4
 };
-/// How a command text is to be understood; combined with the execute options below.
+
+/// How a command text is read. `adExecuteNoRecords` may be added to another value.
 enum CommandTypeEnum : Long {
-    adCmdUnspecified = -1,
-    adCmdText = 1,
-    adCmdTable = 2,
-    adCmdUnknown = 8,
-    adExecuteNoRecords = 128
-};
-enum AffectEnum : Long { adAffectCurrent = 1, adAffectGroup = 2, adAffectAll = 3 };
-enum ObjectStateEnum : Long { adStateClosed = 0, adStateOpen = 1 };
-enum EditModeEnum : Long { adEditNone = 0, adEditInProgress = 1, adEditAdd = 2 };
-enum PositionEnum : Long { adPosUnknown = -1, adPosBOF = -2, adPosEOF = -3 };
-enum EventStatusEnum : Long { adStatusOK = 1, adStatusErrorsOccurred = 2, adStatusCantDeny = 3, adStatusCancel = 4 };
-enum DataTypeEnum : Long {
-    adSmallInt = 2,
-    adInteger = 3,
-    adSingle = 4,
-    adDouble = 5,
-    adDate = 7,
-    adBoolean = 11,
-    adVariant = 12,
-    adBigInt = 20,
-    adVarWChar = 202,
-    adLongVarWChar = 203,
-    adLongVarBinary = 205
+    adCmdUnspecified = -1,    ///< as `adCmdText`
+    adCmdText = 1,            ///< one SQL statement
+    adCmdTable = 2,           ///< the name of a table, whose rows and columns are all selected
+    adCmdUnknown = 8,         ///< as `adCmdText`
+    adExecuteNoRecords = 128  ///< `Connection::Execute` returns null; `Recordset::Open` raises 3001
 };
 
-/// Numbers of failures. The small ones are the layer's own, the large ones what an engine's failure is
-/// mapped to.
+/// What `Recordset::Delete` deletes. Only `adAffectCurrent`, the current row, is supported; the others raise 3001.
+enum AffectEnum : Long { adAffectCurrent = 1, adAffectGroup = 2, adAffectAll = 3 };
+
+/// The state of a connection or a recordset.
+enum ObjectStateEnum : Long { adStateClosed = 0, adStateOpen = 1 };
+
+/// The pending edit of a recordset: none, a changed row, or a new row.
+enum EditModeEnum : Long { adEditNone = 0, adEditInProgress = 1, adEditAdd = 2 };
+
+/// What `Recordset::AbsolutePosition` returns in place of a position: without rows, before the first row, and after the
+/// last row.
+enum PositionEnum : Long { adPosUnknown = -1, adPosBOF = -2, adPosEOF = -3 };
+
+/// The status of an event. A handler of `WillExecute` sets `adStatusCancel` to cancel the statement; the other values
+/// let it run.
+enum EventStatusEnum : Long { adStatusOK = 1, adStatusErrorsOccurred = 2, adStatusCantDeny = 3, adStatusCancel = 4 };
+
+/// The type of a column, and the type of its values as a `Variant`. A stored value that can't be converted to the type
+/// is returned as it is stored.
+enum DataTypeEnum : Long {
+    adSmallInt = 2,    ///< `Integer`
+    adInteger = 3,     ///< `Long`
+    adSingle = 4,      ///< `float`
+    adDouble = 5,      ///< `double`
+    adDate = 7,        ///< `Date`
+    adBoolean = 11,    ///< `bool`
+    adVariant = 12,    ///< the type in which each value is stored; the type of an expression
+    adBigInt = 20,     ///< `Long`, or `std::int64_t` for a number beyond its range
+    adVarWChar = 202,  ///< `String`; an assigned text may have at most `Column::DefinedSize` units, unless that is 0
+    adLongVarWChar = 203,  ///< `String`
+    adLongVarBinary = 205  ///< as `adVariant`
+};
+
+// Numbers of failures. A short number is a failure of this layer; its source is "ADODB.Connection" or
+// "ADODB.Recordset". A provider maps each failure of its engine to one of the long numbers below; this layer raises
+// some of them too (0x80040E21, 0x80040E23, 0x80040E38, 0x8004D00E, 0x8004D013).
 constexpr Long adErrInvalidArgument = 3001;      ///< an argument out of range or contradictory
 constexpr Long adErrNoCurrentRecord = 3021;      ///< BOF or EOF, where a row is needed
-constexpr Long adErrIllegalOperation = 3219;     ///< not now: an edit is pending, the cursor can't
+constexpr Long adErrIllegalOperation = 3219;     ///< not allowed while an edit is pending, or for a forward-only cursor
 constexpr Long adErrInTransaction = 3246;        ///< closing a connection with a transaction open
 constexpr Long adErrFeatureNotAvailable = 3251;  ///< the recordset is read-only
 constexpr Long adErrItemNotFound = 3265;         ///< no column of this name or ordinal
 constexpr Long adErrDataConversion = 3421;       ///< a value that a column's type can't take
-constexpr Long adErrObjectClosed = 3704;
-constexpr Long adErrObjectOpen = 3705;
-constexpr Long adErrProviderNotFound = 3706;
-constexpr Long adErrInvalidConnection = 3709;  ///< a closed connection, or none
-constexpr Long adErrNotReentrant = 3710;       ///< an operation started inside a Will event
-constexpr Long adErrOperationCancelled = 3712;
+constexpr Long adErrObjectClosed = 3704;         ///< the connection or recordset must be open
+constexpr Long adErrObjectOpen = 3705;           ///< the connection or recordset must be closed
+constexpr Long adErrProviderNotFound = 3706;     ///< no provider of this name is registered
+constexpr Long adErrInvalidConnection = 3709;    ///< a recordset without a connection, or with a closed one
+constexpr Long adErrNotReentrant = 3710;         ///< an operation started inside a Will event
+constexpr Long adErrOperationCancelled = 3712;   ///< a handler cancelled the statement
 
-constexpr Long Failed = static_cast<Long>(0x80004005);  ///< unspecified; the text says what
-constexpr Long CantConvertValue = static_cast<Long>(0x80040E07);
-constexpr Long NoPermission = static_cast<Long>(0x80040E09);        ///< read-only or not allowed
-constexpr Long UnknownName = static_cast<Long>(0x80040E10);         ///< a name that the database lacks
-constexpr Long ErrorsInCommand = static_cast<Long>(0x80040E14);     ///< syntax; a second statement
-constexpr Long MultipleStepFailed = static_cast<Long>(0x80040E21);  ///< a value too long; a bad key at Open
-constexpr Long DeletedRow = static_cast<Long>(0x80040E23);
-constexpr Long IntegrityViolation = static_cast<Long>(0x80040E2F);
-constexpr Long NoTable = static_cast<Long>(0x80040E37);
+constexpr Long Failed = static_cast<Long>(0x80004005);                ///< any other failure; the description names it
+constexpr Long CantConvertValue = static_cast<Long>(0x80040E07);      ///< a value of another type than the column's
+constexpr Long NoPermission = static_cast<Long>(0x80040E09);          ///< read-only or not allowed
+constexpr Long UnknownName = static_cast<Long>(0x80040E10);           ///< a name that the database lacks
+constexpr Long ErrorsInCommand = static_cast<Long>(0x80040E14);       ///< syntax; a second statement
+constexpr Long MultipleStepFailed = static_cast<Long>(0x80040E21);    ///< a value too long; a bad key at Open
+constexpr Long DeletedRow = static_cast<Long>(0x80040E23);            ///< the current row was deleted by `Delete`
+constexpr Long IntegrityViolation = static_cast<Long>(0x80040E2F);    ///< a duplicate key, or another constraint
+constexpr Long NoTable = static_cast<Long>(0x80040E37);               ///< a table that the database lacks
 constexpr Long ConcurrencyViolation = static_cast<Long>(0x80040E38);  ///< the row was changed or removed
-constexpr Long Cancelled = static_cast<Long>(0x80040E4E);
-constexpr Long DataOverflow = static_cast<Long>(0x80040E57);
-constexpr Long NoTransaction = static_cast<Long>(0x8004D00E);
-constexpr Long TooManyTransactions = static_cast<Long>(0x8004D013);
+constexpr Long Cancelled = static_cast<Long>(0x80040E4E);             ///< the engine was interrupted
+constexpr Long DataOverflow = static_cast<Long>(0x80040E57);          ///< a text or a row too large for the engine
+constexpr Long NoTransaction = static_cast<Long>(0x8004D00E);        ///< none is open, or the engine has rolled it back
+constexpr Long TooManyTransactions = static_cast<Long>(0x8004D013);  ///< a level that the engine does not support
 
-/// Throws an `Error` of the layer itself, with ADO's English text for the number.
+/// Throws an `Error` of this layer with ADO's English text for the number, "Unspecified error" for a number without a
+/// text. Any thread may call.
 [[noreturn]] void RaiseAdo(Long number, const char* source);
 
-/// As above with a text that says more.
+/// Throws an `Error` of this layer with this description. Any thread may call.
 [[noreturn]] void RaiseAdo(Long number, const char* source, const String& description);
 
-/// `value`, which clients may have made of any number; raises 3001 where its enumeration doesn't have it.
+/// Returns `value` if its enumeration has it. Raises 3001 otherwise: a COM client may pass any number.
 template <class E>
 E Known(E value, const char* source) {
     for (const EnumerationValue& known : EnumerationOf<E>::Values)

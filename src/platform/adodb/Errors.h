@@ -12,7 +12,8 @@ public:
 
     explicit ErrorObject(const Error& failure) { failure_ = failure; }
 
-    // The members of `Platform::Error` of the same names. None raises.
+    // The members of `Platform::Error` of the same names. They describe the copy, also after the connection has cleared
+    // its list. None raises.
     Long Number() const { return failure_.Number; }
     const String& Source() const { return failure_.Source; }
     const String& Description() const { return failure_.Description; }
@@ -33,14 +34,17 @@ public:
 
     explicit ErrorsObject(Connection& connection) : connection_(&connection) {}
 
+    /// Returns the number of failures: 0 until the engine has failed or after `Clear`, otherwise 1.
     Long Count() const { return static_cast<Long>(connection_->Errors().size()); }
 
-    /// Returns the failure at a position, counted from 0. Raises 3265 for a position that does not exist.
+    /// Returns a new object for the failure at a position, counted from 0. Raises 3265 for a position that does not
+    /// exist.
     Ref<ErrorObject> Item(Long index) const;
 
+    /// Empties the connection's list. Objects that `Item` has returned are unchanged.
     void Clear() { connection_->ClearErrors(); }
 
-    /// Returns an enumerator over the failures that the connection has now.
+    /// Returns an enumerator over the failures that the connection has now; it does not see later failures.
     Ref<Platform::Enumerator> NewEnum() const;
 
     const Interface& Describe() const override;

@@ -18,6 +18,8 @@ public:
 
     FieldObject(Ref<Recordset> recordset, const Field& field) : recordset_(std::move(recordset)), field_(field) {}
 
+    // The members of `Field` of the same names, with the same results and failures. They refer to the row that is
+    // current when they are called, not when the object was created.
     const String& Name() const { return field_.Name(); }
     DataTypeEnum Type() const { return field_.Type(); }
     Long DefinedSize() const { return field_.DefinedSize(); }
@@ -40,12 +42,14 @@ public:
 
     explicit FieldsObject(Recordset& recordset) : recordset_(&recordset) {}
 
+    /// Returns the number of columns.
     Long Count() const { return recordset_->FieldCount(); }
 
-    /// Returns the column that `FieldAt` finds. Raises as `FieldAt`.
+    /// Returns a new object for the column that `FieldAt` finds. Raises as `FieldAt`.
     Ref<FieldObject> Item(const Variant& index) const;
 
-    /// Returns an enumerator over the columns that the recordset has now.
+    /// Returns an enumerator over the columns that the recordset has now, in the order of the statement. The enumerator
+    /// stays valid after the recordset is closed; its members then raise 3704.
     Ref<Platform::Enumerator> NewEnum() const;
 
     const Interface& Describe() const override;

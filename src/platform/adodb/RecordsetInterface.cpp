@@ -18,7 +18,7 @@ Ref<Connection> ConnectionFrom(const Variant& given) {
     return own;
 }
 
-/// What a client asks for; the property's where it doesn't say.
+/// Returns the value that a client passes, or that of the property if the client leaves it out.
 template <class E>
 E AskedOr(E asked, E unspecified, E property) {
     return asked == unspecified ? property : Known(asked, Self);

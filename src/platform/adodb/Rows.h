@@ -23,11 +23,14 @@ struct Column {
 /// The columns of a result, shared by all runs of one compiled statement. They belong to one thread.
 class Columns {
 public:
-    static constexpr Long Missing = -1;
+    static constexpr Long Missing = -1;  ///< the result of `Find` for an unknown name
 
     explicit Columns(std::vector<Column> columns);
 
     Long Count() const noexcept { return static_cast<Long>(columns_.size()); }
+
+    /// Returns the column with an ordinal from 0 to `Count() - 1`. Another ordinal is undefined behaviour: the caller
+    /// checks it. The reference is valid as long as this object.
     const Column& At(Long ordinal) const { return columns_[static_cast<std::size_t>(ordinal)]; }
 
     /// Returns the ordinal of the first column with this name, without regard to case; `Missing` if there is none.
@@ -44,7 +47,7 @@ private:
 /// One value of a row as the engine stores it. A text is not a copy: it points into the row.
 struct Cell {
     enum class Kind : std::uint8_t { Null, Whole, Real, Text };
-    Kind kind = Kind::Null;
+    Kind kind = Kind::Null;    ///< which member of the union is valid; none for `Null`
     std::uint32_t length = 0;  ///< bytes of a text
     union {
         std::int64_t whole = 0;
@@ -64,7 +67,7 @@ struct Cell {
         cell.real = value;
         return cell;
     }
-    /// The text must live until the cell is added to a `RowStore`.
+    /// Returns a cell that points to the text, which must live until the cell is added to a `RowStore`.
     static Cell Of(std::string_view value) {
         Cell cell;
         cell.kind = Kind::Text;
@@ -72,12 +75,14 @@ struct Cell {
         cell.text = value.data();
         return cell;
     }
+    /// Returns the text of a cell of kind `Text`; undefined for another kind. Valid as long as the row's `RowStore`.
     std::string_view Text() const { return {text, length}; }
 };
 
 /// The values of one row, which are in the memory of the `RowStore` that created it.
 class Row {
 public:
+    /// Returns the value with this ordinal. The caller checks the ordinal; a row does not know its number of columns.
     const Cell& At(Long ordinal) const { return cells_[ordinal]; }
 
 private:
@@ -91,7 +96,8 @@ private:
 /// after the store was moved. Memory is released with the store only.
 class RowStore {
 public:
-    /// Copies the cells, and the texts that they point to.
+    /// Copies the cells and the texts that they point to, and returns the row. Earlier rows stay valid. Raises
+    /// `std::bad_alloc`.
     Row Add(std::span<const Cell> cells);
 
 private:
@@ -100,6 +106,7 @@ private:
 
 /// Returns the value of a cell in the type of its column: a whole number as a `Long` (as `int64` if it is larger), the
 /// text of a date column as a `Date`. A stored value that can't be converted to the type is returned as it is stored.
+/// Any thread may call.
 Variant ValueOf(const Cell& cell, const Column& column);
 
 /// Returns a value converted to the type of a column, in the form in which it is stored: whole number, double, text, or

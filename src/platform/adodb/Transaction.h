@@ -6,17 +6,19 @@ namespace ADODB {
 
 /// A transaction that is rolled back at the end of its scope unless `Commit` has returned.
 ///
-/// Opened inside another transaction it is a nested one, as `Connection::BeginTrans` says. Used by the
-/// thread of its connection.
+/// Inside an open transaction it is a nested one. It holds a reference to the connection and belongs to the
+/// connection's thread. Transactions must end in the reverse order of their begin, because commit and rollback end the
+/// innermost transaction of the connection.
 class Transaction {
 public:
-    /// Begins the transaction. Raises as `Connection::BeginTrans`.
+    /// Begins the transaction. Raises 91 for a null connection, otherwise as `Connection::BeginTrans`; nothing is begun
+    /// then.
     explicit Transaction(Platform::Ref<Connection> connection) : connection_(std::move(connection)) {
         connection_->BeginTrans();
     }
 
-    /// Rolls back what wasn't committed. A failure of the roll-back is ignored: the engine has then rolled
-    /// back by itself, or the session is lost and with it the transaction.
+    /// Rolls back unless `Commit` has returned. Ignores a failure of the rollback: the engine has then rolled back by
+    /// itself, or the session is lost and with it the transaction.
     ~Transaction() {
         if (!connection_) return;
         try {
@@ -27,7 +29,8 @@ public:
 
     Transaction(const Transaction&) = delete;
 
-    /// Commits. Raises as `Connection::CommitTrans`; the destructor then rolls back.
+    /// Commits; the destructor then does nothing. Raises as `Connection::CommitTrans`; the destructor then rolls back.
+    /// Must be called once at most: a second call raises 91.
     void Commit() {
         connection_->CommitTrans();
         connection_ = nullptr;

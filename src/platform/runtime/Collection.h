@@ -25,8 +25,8 @@ public:
 ///
 /// Members are values of any type; objects are held by reference. A key is a text that is compared without regard to
 /// case; it can't be read back or changed. A text as index is always a key, a number always a position (rounded half to
-/// even). Finding a member by key or position takes constant time; inserting and removing in the middle move pointers
-/// only. A collection belongs to the thread that created it.
+/// even). `Item` and appending take constant time; inserting in the middle and removing take linear time. A collection
+/// belongs to the thread that created it.
 class Collection final : public Enumerable {
 public:
     Collection();
@@ -59,6 +59,7 @@ public:
     /// not visited, and no member is visited twice.
     Ref<Enumerator> NewEnum() const;
 
+    /// Returns this collection.
     const Collection& Members() const override { return *this; }
 
 private:
@@ -84,13 +85,15 @@ class Enumerator final : public Object {
 public:
     static constexpr const char* ClassName = "Enumerator";
 
+    /// Starts at the first member. `Collection::NewEnum` creates enumerators.
     explicit Enumerator(const Collection& collection);
     ~Enumerator() override;
 
-    /// Assigns the next member to `item` and returns true. Returns false at the end; `item` is then unchanged.
+    /// Assigns the next member to `item` and returns true. Returns false at the end; `item` is then unchanged. After
+    /// members were appended at the end, the next call returns true again.
     bool Next(Variant& item);
 
-    /// Continues with the first member.
+    /// Makes the first member the next one.
     void Reset() { next_ = 1; }
 
     /// Returns another enumerator of the same collection, at the same position.
@@ -151,7 +154,7 @@ detail::Each<T> Each(const Enumerable& members) {
 template <class T>
 class Keyed : public Enumerable {
 public:
-    /// Returns the member at a position or with a key. Raises 5 or 9 as `Collection::Item`.
+    /// Returns the member at a position or with a key. Raises 5, 9 or 13 as `Collection::Item`.
     Ref<T> Item(Variant vntIndexKey) const {
         return Ref<T>(static_cast<T*>(detail::ObjectOf(members_->Item(vntIndexKey)).Get()));
     }
@@ -159,15 +162,18 @@ public:
     Long Count() const { return members_->Count(); }
     /// Removes a member. Raises as `Item`; nothing changes then.
     void Remove(Variant vntIndexKey) { members_->Remove(vntIndexKey); }
-    /// Returns an enumerator over the members.
+    /// Returns an enumerator over the members. After `Clear` it continues with the old ones.
     Ref<Enumerator> NewEnum() const { return members_->NewEnum(); }
     const Collection& Members() const override { return *members_; }
 
+    /// For a range-based `for` over the members as `T&`, by position: after the removal of the current or an earlier
+    /// member, the loop skips one. The object must outlive the loop.
     auto begin() const { return detail::Each<T>(*members_).begin(); }
     auto end() const { return detail::Each<T>(*members_).end(); }
 
 protected:
-    /// Adds the member, with `key` unless that is empty, and returns it. Raises as `Collection::Add`.
+    /// Appends the member, or inserts it before the member `before`, with `key` unless that is empty, and returns it.
+    /// Raises as `Collection::Add`; the collection is then unchanged.
     Ref<T> AddMember(Ref<T> member, const String& key, const Variant& before = {}) {
         members_->Add(member, key.empty() ? Variant() : Variant(key), before);
         return member;
@@ -182,7 +188,7 @@ protected:
         }
     }
 
-    /// Replaces the private collection by an empty one.
+    /// Replaces the private collection by an empty one. Enumerators that exist keep the old one.
     void Clear() { members_ = New<Collection>(); }
 
 private:

@@ -57,7 +57,7 @@ std::string_view WithoutSpace(std::string_view text) {
     return text;
 }
 
-/// A double from "digits[.digits][e[sign]digits]" with a point; raises 6 where it is too large.
+/// Returns a double from "digits[.digits][e[sign]digits]" with a point; raises 6 where it is too large.
 double FromDecimal(const String& text) {
     double value = 0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -70,7 +70,7 @@ double FromDecimal(const String& text) {
     return value;
 }
 
-/// The digits behind "&H" or "&O" as a signed number of 16 bits, or of 32 where they need more.
+/// Returns the digits behind "&H" or "&O" as a signed number of 16 bits, or of 32 where they need more.
 /// Reads the beginning of the text; `used` is the number of characters that were read.
 double FromRadix(std::string_view text, std::size_t& used) {
     const bool hex = text.size() > 1 && (text[1] == 'h' || text[1] == 'H');
@@ -227,7 +227,7 @@ struct Word {
     char behind = ' ';
 };
 
-/// The words of a text of at most `limit` words; false if a character fits nowhere.
+/// Splits a text into at most `limit` words. Returns false if a character belongs to no word.
 bool SplitWords(std::string_view text, std::vector<Word>& words) {
     constexpr std::size_t limit = 8;
     for (std::size_t at = 0; at < text.size();) {

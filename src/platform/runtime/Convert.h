@@ -60,7 +60,7 @@ inline String CStr(bool value) { return value ? "True" : "False"; }
 /// Raises 6 for a number outside the years 100 to 9999, 13, 94.
 Date CDate(const Variant& value);
 
-/// Returns the date that a text contains, or nothing if the text is not a date.
+/// Returns the date that a text contains, or `std::nullopt` if the text is not a date. Never raises.
 ///
 /// "yyyy-mm-dd" with or without " hh:nn" or " hh:nn:ss" is accepted in every locale. Otherwise the text has three
 /// numbers, separated by "/", "-", "." or ",", in the order of the locale, or in another order where that one is not a
@@ -80,7 +80,11 @@ double Val(std::string_view text);
 /// other text unchanged. Numbers are numbers of days. Raises 5, 13.
 String Format(const Variant& value, std::string_view pattern);
 
-/// Returns the value converted to type `T` by the conversion above for this type. An object of another class raises 13.
+/// Returns the value converted to type `T` by the conversion above for this type; a `Variant` unchanged. An enumeration
+/// is converted as a `Long` and may receive a number that it does not name.
+///
+/// For a `Ref`, `Empty` and a null reference become null; raises 13 for an object of another class, 424 for a value
+/// that is not an object. Otherwise raises as the conversion.
 template <class T>
 T To(Variant value);
 
@@ -91,6 +95,9 @@ template <class T>
 struct IsRef<Ref<T>> : std::true_type {
     using Target = T;
 };
+
+/// Returns the object that a variant holds, which may be null; null for `Empty`. Raises 424 for any other value. The
+/// reference is valid as long as the variant is unchanged.
 const Ref<Object>& ObjectOf(const Variant& value);
 }  // namespace detail
 

@@ -9,8 +9,8 @@ namespace Platform {
 
 /// A point in time: days since 1899-12-30, the fraction being the time of day. No time zone.
 ///
-/// Day 0 is the zero date, which means not set. Before it the day counts down while the fraction still
-/// runs forward: -1.5 is noon of 1899-12-29. Dates compare by their number.
+/// Day 0 is the zero date, which means not set. Before it the whole part decreases while the fraction still increases
+/// with the time of day: -1.5 is noon of 1899-12-29. Dates compare by their number.
 struct Date {
     double Days = 0;
 

@@ -21,6 +21,7 @@ struct InterfacePointer {
 /// Counts the living objects of one library, which is not unloaded while the count is above zero.
 class ObjectCounter {
 public:
+    /// Called once after an object was created, and once after it was deleted. Any thread may call.
     virtual void ObjectBegan() noexcept = 0;
     virtual void ObjectEnded() noexcept = 0;
 
@@ -35,7 +36,7 @@ struct ObjectHooks {
     ObjectCounter* (*CounterOf)(const Object& object) noexcept;  ///< null for an object of no library
 };
 
-/// Replaces the hooks. Called once, before any object exists.
+/// Replaces the hooks. Called once, before any object exists, by the layer of the COM interfaces when it is loaded.
 void InstallObjectHooks(const ObjectHooks& hooks) noexcept;
 
 /// The base class of everything that is held by counted reference.
@@ -75,15 +76,20 @@ private:
 
 /// A counted reference to an object, or null.
 ///
-/// A copy refers to the same object; the last reference deletes it. `->` and `*` of a null reference raise 91.
+/// A copy refers to the same object; the last reference deletes it. A reference is used on the object's thread only,
+/// also for copying and deleting, because the count is not atomic.
 template <class T>
 class Ref {
 public:
     Ref() = default;
     Ref(std::nullptr_t) {}
+    /// Counts a reference to an object that `New` created, or to null. An object that was not created by `New` would be
+    /// deleted with its last reference.
     explicit Ref(T* object) : object_(object) { Hold(); }
     Ref(const Ref& other) : object_(other.object_) { Hold(); }
+    /// Leaves `other` null.
     Ref(Ref&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
+    /// Converts to a reference to a base class.
     template <class U>
     requires std::is_convertible_v<U*, T*> Ref(const Ref<U>& other) : object_(other.Get()) { Hold(); }
     ~Ref() { Release(); }
@@ -93,8 +99,11 @@ public:
         return *this;
     }
 
+    /// Return the object. Raise 91 for a null reference.
     T* operator->() const { return &Checked(); }
     T& operator*() const { return Checked(); }
+
+    /// Returns the object, or null. The pointer is valid as long as a reference to the object exists.
     T* Get() const noexcept { return object_; }
     explicit operator bool() const noexcept { return object_ != nullptr; }
     friend bool operator==(const Ref& a, const Ref& b) noexcept { return a.object_ == b.object_; }
@@ -114,7 +123,8 @@ private:
     T* object_ = nullptr;
 };
 
-/// Creates an object and returns the first reference to it. Raises what the constructor raises.
+/// Creates an object and returns the first reference to it. The object belongs to the calling thread. Raises what the
+/// constructor raises; no object exists then.
 template <class T, class... Args>
 Ref<T> New(Args&&... args) {
     T* object = new T(std::forward<Args>(args)...);

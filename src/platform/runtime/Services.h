@@ -34,11 +34,12 @@ struct Host {
     std::function<bool(const String&)> FileExists;
     std::function<void(const String&)> DeleteFile;
 
-    /// The services of the operating system.
+    /// Sets every member to the service of the operating system, `DoEvents` to a function that does nothing.
     Host();
 };
 
-/// Returns the services that this process uses, for reading and replacing.
+/// Returns the services that this process uses, for reading and replacing. The reference is valid until the process
+/// ends. A member that is replaced while another thread calls it is a data race.
 Host& TheHost();
 
 /// Returns the local time in whole seconds.
@@ -63,8 +64,8 @@ void Sleep(double seconds);
 /// Lets the program handle its pending messages. Does nothing where the program installed no function for it.
 void DoEvents();
 
-/// Shows a text in a message box with an OK button, and waits until it is closed. Without a desktop the text is written
-/// to standard error and the call returns at once. Never raises.
+/// Shows a text in a message box with an OK button, and waits until it is closed. Where the program installed no
+/// function for it, the text is written to standard error and the call returns at once.
 void MsgBox(const String& prompt, Long buttons = 0);
 
 /// Returns true if a file of this name exists; false for a folder. Never raises.

@@ -33,7 +33,7 @@ Character CharacterAt(std::string_view text, std::size_t at) {
     return {static_cast<char32_t>(code), static_cast<std::size_t>(bytes), code >= 0x10000 ? 2 : 1};
 }
 
-/// The byte at which the first `units` units end; a pair that would be split is left out.
+/// Returns the byte at which the first `units` units end; a pair that would be split is left out.
 std::size_t ByteOfUnit(std::string_view text, Long units) {
     std::size_t at = 0;
     while (at < text.size() && units > 0) {

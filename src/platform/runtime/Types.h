@@ -5,10 +5,10 @@
 
 namespace Platform {
 
-/// A text in UTF-8. Empty is a value; there is no null text.
+/// A text in UTF-8. It may be empty and may contain any bytes; a text can't be null.
 ///
-/// Where a length or a position is told, it counts characters as a wide-character string does,
-/// one UTF-16 unit each (see Text.h).
+/// Every length and position in an interface counts UTF-16 units, as a wide-character string does, and not bytes (see
+/// Text.h).
 using String = std::string;
 
 /// The whole numbers of the system: 16 and 32 bits, signed.

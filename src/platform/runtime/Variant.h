@@ -32,11 +32,13 @@ public:
 
     /// An empty variant.
     Variant() = default;
-    /// A variant that holds `value`, in the type that it has. Pointers are rejected, so that none becomes a boolean.
+    /// A variant that holds `value`, in the type that it has. Pointers are rejected, so that none becomes a
+    /// boolean.
     template <class T>
     requires(!std::is_same_v<std::remove_cvref_t<T>, Variant> && !std::is_enum_v<std::remove_cvref_t<T>> &&
              !std::is_pointer_v<std::decay_t<T>> && std::is_constructible_v<Store, T&&>) Variant(T&& value)
         : store_(std::forward<T>(value)) {}
+    /// A null-terminated text is copied; the pointer must not be null.
     Variant(const char* text) : store_(String(text)) {}
     /// An enumerator is held as its number, a `Long`.
     template <class E>
@@ -50,7 +52,8 @@ public:
     bool Is() const noexcept {
         return std::holds_alternative<T>(store_);
     }
-    /// Returns the value itself, without conversion; the variant must hold a `T`.
+    /// Returns the value itself, without conversion. The variant must hold a `T`, which the caller checks by `Is`;
+    /// otherwise throws `std::bad_variant_access`. The reference is valid until the variant changes.
     template <class T>
     const T& As() const {
         return std::get<T>(store_);
@@ -64,7 +67,8 @@ public:
     /// Returns the stored value, for `std::visit`.
     const Store& Stored() const noexcept { return store_; }
 
-    /// Returns true if type and value are equal. Objects are equal if they are the same object.
+    /// Returns true if type and value are equal: the `Integer` 1 and the `Long` 1 differ. Objects are equal if they are
+    /// the same object.
     friend bool operator==(const Variant& a, const Variant& b) { return a.store_ == b.store_; }
 
 private:

@@ -45,7 +45,7 @@ protected:
     Ref<Connection> other = Connect();
 };
 
-TEST_F(ConnectionEventsTest, AnOwnedHandlerEndsWithItsConnection) {
+TEST_F(ConnectionEventsTest, AnOwnedHandlerIsDeletedWithItsConnection) {
     Owned("a");
     other->Execute("SELECT 1");
     other->Close();
@@ -56,7 +56,7 @@ TEST_F(ConnectionEventsTest, AnOwnedHandlerEndsWithItsConnection) {
     EXPECT_THAT(notes, ElementsAre("a before", "a and on", "a before", "a and on", "a ends"));
 }
 
-TEST_F(ConnectionEventsTest, AnOwnedHandlerEndsBehindTheSession) {
+TEST_F(ConnectionEventsTest, AnOwnedHandlerIsDeletedAfterTheSession) {
     /// Asks at its end whether the transaction of the connection that owns it is still open.
     struct Asking : ConnectionEvents {
         Asking(Ref<Connection> asked, Variant& told) : con(std::move(asked)), answer(told) {}
@@ -80,7 +80,7 @@ TEST_F(ConnectionEventsTest, AnOwnedHandlerEndsBehindTheSession) {
     EXPECT_EQ(Ask("SELECT RootID FROM Root_T"), Variant(Long{2})) << "nobody locks the table any more";
 }
 
-TEST_F(ConnectionEventsTest, AnOwnedHandlerThatIsTakenOutEndsAtOnce) {
+TEST_F(ConnectionEventsTest, AnOwnedHandlerThatIsRemovedIsDeletedAtOnce) {
     Noting& a = Owned("a");
     Owned("b");
     other->Unadvise(a);
@@ -89,7 +89,7 @@ TEST_F(ConnectionEventsTest, AnOwnedHandlerThatIsTakenOutEndsAtOnce) {
     EXPECT_THAT(notes, ElementsAre("a ends", "b before", "b and on"));
 }
 
-TEST_F(ConnectionEventsTest, AHandlerThatTakesItselfOutEndsBehindItsCall) {
+TEST_F(ConnectionEventsTest, AHandlerThatRemovesItselfIsDeletedAfterItsCall) {
     Noting& a = Owned("a");
     Owned("b");
     a.Before = [&] { other->Unadvise(a); };
@@ -100,7 +100,7 @@ TEST_F(ConnectionEventsTest, AHandlerThatTakesItselfOutEndsBehindItsCall) {
     EXPECT_THAT(notes, ElementsAre("b before", "b and on"));
 }
 
-TEST_F(ConnectionEventsTest, AHandlerMayTakeOutOneThatIsStillToBeCalled) {
+TEST_F(ConnectionEventsTest, AHandlerMayRemoveOneThatIsNotYetCalled) {
     Noting& a = Owned("a");
     Noting& b = Owned("b");
     a.Before = [&] { other->Unadvise(b); };
@@ -118,7 +118,7 @@ TEST_F(ConnectionEventsTest, AHandlerThatThrowsAfterItTookItselfOutEndsAsWell) {
     EXPECT_THAT(notes, ElementsAre("a before", "a ends"));
 }
 
-TEST_F(ConnectionEventsTest, AHandlerThatIsTakenOutDeepInsideItsCallEndsBehindIt) {
+TEST_F(ConnectionEventsTest, AHandlerRemovedInsideItsNestedCallIsDeletedAfterTheCall) {
     Noting& a = Owned("a");
     a.After = [&] {
         a.Before = [&] { other->Unadvise(a); };
@@ -146,7 +146,7 @@ TEST_F(ConnectionEventsTest, AHandlerMayTakeItselfOutAtItsEnd) {
     EXPECT_THAT(notes, ElementsAre("a ends"));
 }
 
-TEST_F(ConnectionEventsTest, NothingIsNoHandler) {
+TEST_F(ConnectionEventsTest, ANullHandlerIsRejected) {
     EXPECT_EQ(FailureOf([&] { other->Advise(std::unique_ptr<ConnectionEvents>()); }).Number, err::ObjectNotSet);
     other->Execute("SELECT 1");
     EXPECT_EQ(other->State(), adStateOpen);

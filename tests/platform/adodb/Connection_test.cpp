@@ -20,7 +20,7 @@ protected:
     }
 };
 
-TEST_F(ConnectionTest, OpenRaisesWhatKeepsItClosed) {
+TEST_F(ConnectionTest, OpenRaisesAndStaysClosed) {
     EXPECT_EQ(OpenFailure("Provider=Nope;Data Source=x").Number, adErrProviderNotFound);
     EXPECT_EQ(OpenFailure("Data Source=x").Number, adErrProviderNotFound);
     EXPECT_EQ(OpenFailure("Provider=SQLite").Number, MultipleStepFailed);
@@ -31,7 +31,7 @@ TEST_F(ConnectionTest, OpenRaisesWhatKeepsItClosed) {
     EXPECT_FALSE(std::filesystem::exists(Path() + ".missing"));
 }
 
-TEST_F(ConnectionTest, AFileThatIsNoDatabaseIsRefusedAndStaysAsItIs) {
+TEST_F(ConnectionTest, AFileThatIsNotADatabaseIsRejectedAndUnchanged) {
     const String other = (folder.Path() / "letter.txt").string();
     std::ofstream(other) << String(5000, 'x');
     const Error failure = OpenFailure("Provider=SQLite;Data Source=" + other);
@@ -83,7 +83,7 @@ TEST_F(ConnectionTest, SnapshotModeReadsAFileWithoutAFileBesideIt) {
     con->Advise(log);
 }
 
-TEST_F(ConnectionTest, AnActionStatementGivesAClosedRecordsetAndItsCount) {
+TEST_F(ConnectionTest, AnActionStatementReturnsAClosedRecordsetAndItsCount) {
     Long count = 0;
     Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1,'a',1),(2,'b',0)");
     const Ref<Recordset> result = con->Execute("UPDATE Root_T SET Status=0", &count);
@@ -109,7 +109,7 @@ TEST_F(ConnectionTest, FailuresOfTheEngineAreMapped) {
     EXPECT_EQ(number("INSERT INTO Root_T (RootID) VALUES (1)"), IntegrityViolation);
 }
 
-TEST_F(ConnectionTest, AFailureTellsAPersonWhereItComesFrom) {
+TEST_F(ConnectionTest, AFailureNamesItsOrigin) {
     const Error failure = FailureOf([&] { con->Execute("SELECT Nix FROM Root_T WHERE RootID=7"); });
     EXPECT_EQ(failure.Provider, "SQLite");
     EXPECT_EQ(failure.SQLState, "42S22");
@@ -124,7 +124,7 @@ TEST_F(ConnectionTest, AFailureTellsAPersonWhereItComesFrom) {
     EXPECT_TRUE(con->Errors().empty());
 }
 
-TEST_F(ConnectionTest, ASecondStatementIsRefusedBeforeAnythingRuns) {
+TEST_F(ConnectionTest, ASecondStatementIsRejectedBeforeAnythingRuns) {
     Run("INSERT INTO Root_T (RootID) VALUES (1)");
     for (const char* text : {"DELETE FROM Root_T; DELETE FROM Root_T", "DELETE FROM Root_T WHERE RootID=1; x",
                              "SELECT 1; DROP TABLE Root_T", "DELETE FROM Root_T;;--x\nSELECT 2"})
@@ -222,7 +222,7 @@ TEST_F(ConnectionTest, AHandlerMayTakeItselfOut) {
     EXPECT_EQ(third.calls, 2);
 }
 
-TEST_F(ConnectionTest, NothingButAnEndStartsInsideWillExecute) {
+TEST_F(ConnectionTest, TransactionsAndCloseInsideWillExecuteRaise3710) {
     struct Handler : ConnectionEvents {
         void WillExecute(ExecuteRequest&) override {
             for (const auto& call :
@@ -241,7 +241,7 @@ TEST_F(ConnectionTest, NothingButAnEndStartsInsideWillExecute) {
     EXPECT_EQ(handler.numbers.size(), 4U);
 }
 
-TEST_F(ConnectionTest, AConnectionClosedByAHandlerGivesNoOpenRecordset) {
+TEST_F(ConnectionTest, AConnectionClosedByAHandlerReturnsNoOpenRecordset) {
     struct Handler : ConnectionEvents {
         void ExecuteComplete(const ExecuteReport&) override { con->Close(); }
         Connection* con = nullptr;
@@ -253,7 +253,7 @@ TEST_F(ConnectionTest, AConnectionClosedByAHandlerGivesNoOpenRecordset) {
     EXPECT_EQ(other->State(), adStateClosed);
 }
 
-TEST_F(ConnectionTest, ARecordsetMayHoldTheLastReferenceToWhatItCloses) {
+TEST_F(ConnectionTest, ARecordsetMayHoldTheLastReferenceToItsConnection) {
     Ref<Connection> other = Connect();
     const Ref<Recordset> rows = other->Execute("SELECT 1");
     other = nullptr;

@@ -10,7 +10,7 @@ namespace {
 using namespace ADODB;
 using TestKit::FailureOf;
 
-/// What a statement fails with is the engine's first error, whatever is asked of the engine behind it.
+/// A statement raises the first error of the engine, even if later calls replace the engine's error.
 class FirstError : public TestKit::WithDatabase {
 protected:
     std::filesystem::path Path() const { return folder.Path() / "clinic.db"; }
@@ -31,7 +31,7 @@ protected:
     }
 };
 
-TEST_F(FirstError, ASelectOnADamagedTableTellsTheDamageEachTime) {
+TEST_F(FirstError, ASelectOnADamagedTableReportsTheDamageEachTime) {
     Damage("Series_T");
     const String select = "SELECT * FROM Series_T WHERE Series_ID=4";
     for (int run = 0; run < 3; ++run) ExpectDamaged(FailureOf([&] { con->Execute(select); }), select);
@@ -43,7 +43,7 @@ TEST_F(FirstError, ASelectOnADamagedTableTellsTheDamageEachTime) {
     EXPECT_EQ(con->Errors().front().Description, "database disk image is malformed");
 }
 
-TEST_F(FirstError, AStatementThatChangesADamagedTableTellsTheDamage) {
+TEST_F(FirstError, AStatementThatChangesADamagedTableReportsTheDamage) {
     Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, 'a', 1)");
     Damage("Root_T");
     for (const String statement : {"INSERT INTO Root_T (RootID) VALUES (2)",
@@ -51,7 +51,7 @@ TEST_F(FirstError, AStatementThatChangesADamagedTableTellsTheDamage) {
         ExpectDamaged(FailureOf([&] { con->Execute(statement); }), statement);
 }
 
-TEST_F(FirstError, ARecordsetThatChangesADamagedTableTellsTheDamage) {
+TEST_F(FirstError, ARecordsetThatChangesADamagedTableReportsTheDamage) {
     Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, 'a', 1)");
     const Ref<Recordset> rows = New<Recordset>();
     rows->SetCursorLocation(adUseClient);
@@ -94,7 +94,7 @@ TEST_F(FirstError, AStatementWorksAgainOnceItsColumnIsBack) {
     EXPECT_EQ(CLng(con->Execute(select)->Fields("Status").Value()), 1);
 }
 
-TEST_F(FirstError, ACommitThatFailsTellsWhy) {
+TEST_F(FirstError, AFailedCommitReportsTheReason) {
     Run("PRAGMA foreign_keys = ON");
     Run("CREATE TABLE Child (Parent INTEGER REFERENCES Root_T (RootID) DEFERRABLE INITIALLY DEFERRED)");
     con->BeginTrans();

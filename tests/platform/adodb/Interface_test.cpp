@@ -40,7 +40,7 @@ Long FailureOfPut(const Ref<Object>& object, const char* name, Values arguments,
     return FailureOf([&] { Put(object, name, std::move(arguments), kind); }).Number;
 }
 
-/// What a walk over an object's members gives.
+/// Returns the members that the enumerator of an object visits.
 Values Walked(const Ref<Object>& object) {
     const auto walk = To<Ref<Enumerator>>(Do(object, "_NewEnum"));
     Values items;
@@ -65,7 +65,7 @@ protected:
         return rs;
     }
 
-    /// What `con` is told of how statements are opened.
+    /// The cursor and lock types with which `con` opens statements.
     class Modes {
     public:
         explicit Modes(const Ref<Connection>& con) : con_(con) { con_->Advise(log_); }
@@ -81,7 +81,7 @@ protected:
 
 // ---- tables -----------------------------------------------------------------------------------------
 
-TEST_F(InterfaceTest, AConnectionTellsItsMembers) {
+TEST_F(InterfaceTest, AConnectionDescribesItsMembers) {
     EXPECT_THAT(TestKit::MembersOf(*con),
                 ElementsAre("put ConnectionString(string)", "get ConnectionString -> string",
                             "put CursorLocation(CursorLocationEnum)", "get CursorLocation -> CursorLocationEnum",
@@ -99,7 +99,7 @@ TEST_F(InterfaceTest, AConnectionTellsItsMembers) {
                             "get NativeError -> int32", "get SQLState -> string"));
 }
 
-TEST_F(InterfaceTest, ARecordsetTellsItsMembers) {
+TEST_F(InterfaceTest, ARecordsetDescribesItsMembers) {
     EXPECT_THAT(
         TestKit::MembersOf(*New<Recordset>()),
         ElementsAre("put Source(string)", "get Source -> string", "get ActiveConnection -> Connection",
@@ -168,7 +168,7 @@ TEST_F(InterfaceTest, AConnectionIsOpenedAndClosed) {
         << "the password reaches the provider, which has none";
 }
 
-TEST_F(InterfaceTest, AStatementIsExecutedAndItsCountComesBack) {
+TEST_F(InterfaceTest, AStatementIsExecutedAndItsCountIsWrittenBack) {
     Values action{"UPDATE Clinic_T SET City='Eslöv' WHERE ClinicID<3", Variant()};
     const auto closed = To<Ref<Recordset>>(Invoke(*con, "Execute", MemberKind::Operation, action));
     EXPECT_EQ(action[1], Variant(Long{2}));
@@ -210,7 +210,7 @@ TEST_F(InterfaceTest, AConnectionsCursorLocationIsOneOfThree) {
 
 // ---- errors -----------------------------------------------------------------------------------------
 
-TEST_F(InterfaceTest, ErrorsHoldWhatTheEngineReported) {
+TEST_F(InterfaceTest, ErrorsContainTheFailuresOfTheEngine) {
     const Ref<Object> errors = ObjectIn(Get(con, "Errors"));
     EXPECT_EQ(Get(errors, "Count"), Variant(Long{0}));
     EXPECT_EQ(FailureOfGet(errors, "Item", {Long{0}}), adErrItemNotFound);
@@ -271,7 +271,7 @@ TEST_F(InterfaceTest, ARecordsetIsOpenedWithAllItsArguments) {
     EXPECT_EQ(FailureOfDo(rs, "Close"), adErrObjectClosed);
 }
 
-TEST_F(InterfaceTest, WhatIsLeftOutOfOpenIsThePropertys) {
+TEST_F(InterfaceTest, AnOmittedArgumentOfOpenIsTakenFromTheProperty) {
     const Modes modes(con);
     const Ref<Recordset> rs = New<Recordset>();
     Put(rs, "Source", {AllClinics});
@@ -295,7 +295,7 @@ TEST_F(InterfaceTest, WhatIsLeftOutOfOpenIsThePropertys) {
     EXPECT_EQ(modes.Last(), "0 1 -1");
 }
 
-TEST_F(InterfaceTest, AConnectionStringOpensAConnectionForTheRecordsetAlone) {
+TEST_F(InterfaceTest, AConnectionStringOpensAConnectionForThisRecordsetOnly) {
     const Ref<Recordset> rs = New<Recordset>();
     Do(rs, "Open", {AllClinics, con->ConnectionString()});
     const auto own = To<Ref<Connection>>(Get(rs, "ActiveConnection"));
@@ -305,7 +305,7 @@ TEST_F(InterfaceTest, AConnectionStringOpensAConnectionForTheRecordsetAlone) {
     EXPECT_EQ(FailureOfDo(New<Recordset>(), "Open", {AllClinics, "Provider=Nope"}), adErrProviderNotFound);
 }
 
-TEST_F(InterfaceTest, OpenRaisesWhatKeepsItClosed) {
+TEST_F(InterfaceTest, OpenRaisesAndStaysClosed) {
     const auto number = [&](Values arguments) {
         const Ref<Recordset> rs = New<Recordset>();
         const Long raised = FailureOfDo(rs, "Open", std::move(arguments));
@@ -390,7 +390,7 @@ TEST_F(InterfaceTest, TheActiveConnectionIsReplacedInBothForms) {
     EXPECT_EQ(FailureOfPut(server, "ActiveConnection", {Ref<Object>()}), adErrObjectOpen);
 }
 
-// ---- where it stands --------------------------------------------------------------------------------
+// ---- position ---------------------------------------------------------------------------------------
 
 TEST_F(InterfaceTest, ARecordsetIsMovedByName) {
     const Ref<Recordset> rs = Clinics();
@@ -419,7 +419,7 @@ TEST_F(InterfaceTest, ARecordsetIsMovedByName) {
     EXPECT_EQ(FailureOfPut(rs, "AbsolutePosition", {Long{1}}), err::NoSuchMember);
 }
 
-TEST_F(InterfaceTest, AClosedRecordsetRaisesButTellsHowItWouldOpen) {
+TEST_F(InterfaceTest, AClosedRecordsetRaisesButReturnsItsOpenSettings) {
     const Ref<Recordset> rs = New<Recordset>();
     for (const char* name : {"EOF", "BOF", "RecordCount", "AbsolutePosition", "EditMode"})
         EXPECT_EQ(FailureOfGet(rs, name), adErrObjectClosed) << name;
@@ -460,7 +460,7 @@ TEST_F(InterfaceTest, RowsAreChangedByName) {
     EXPECT_EQ(Get(rs, "Collect", {"City"}), Variant("Ystad"));
 }
 
-TEST_F(InterfaceTest, AReadOnlyRecordsetRefusesEachChange) {
+TEST_F(InterfaceTest, AReadOnlyRecordsetRejectsEachChange) {
     const Ref<Recordset> rs = New<Recordset>();
     Do(rs, "Open", {AllClinics, con});
     EXPECT_EQ(FailureOfDo(rs, "AddNew"), adErrFeatureNotAvailable);
@@ -530,7 +530,7 @@ TEST_F(InterfaceTest, FieldsAreFoundCountedAndWalked) {
     EXPECT_THAT(names, ElementsAre("ClinicID", "ClinicName", "City"));
 }
 
-TEST_F(InterfaceTest, AFieldTellsItsColumnAndChangesItsValue) {
+TEST_F(InterfaceTest, AFieldDescribesItsColumnAndChangesItsValue) {
     const Ref<Recordset> rs = Clinics();
     const Ref<Object> name = ObjectIn(Get(ObjectIn(Get(rs, "Fields")), "Item", {"ClinicName"}));
     EXPECT_EQ(Get(name, "Name"), Variant("ClinicName"));
@@ -588,7 +588,7 @@ TEST_F(InterfaceTest, AFieldKeepsItsRecordset) {
     EXPECT_EQ(Get(name, "Value"), Variant("never posted"));
 }
 
-TEST_F(InterfaceTest, NothingKeepsARecordsetInACircle) {
+TEST_F(InterfaceTest, NoReferenceCycleKeepsARecordsetAlive) {
     Ref<Connection> other = Connect();
     other->BeginTrans();
     other->Execute("DELETE FROM Clinic_T");
@@ -602,7 +602,7 @@ TEST_F(InterfaceTest, NothingKeepsARecordsetInACircle) {
         other = nullptr;
     }
     EXPECT_EQ(Ask("SELECT count(*) FROM Clinic_T"), Variant(Long{3})) << "the last object took the connection along";
-    Run("DELETE FROM Clinic_T");  // nobody holds the file any more
+    Run("DELETE FROM Clinic_T");  // the file is not locked any more
 }
 
 }  // namespace

@@ -119,7 +119,7 @@ TEST_F(RecordsetTest, OfTwoColumnsOfOneNameTheFirstIsFound) {
     EXPECT_EQ(CLng(rs->Fields(1).Value()), 2);
 }
 
-TEST_F(RecordsetTest, ANameBuiltAnewIsFoundAsWellAsALiteral) {
+TEST_F(RecordsetTest, ANameBuiltAtRunTimeIsFoundLikeALiteral) {
     const Ref<Recordset> rs = Open();
     for (int round = 0; round < 3; ++round)
         for (const char* name : {"ClinicID", "ClinicName", "City", "Nothing"}) {
@@ -151,7 +151,7 @@ TEST_F(RecordsetTest, ValuesHaveTheTypesOfTheirColumns) {
     EXPECT_EQ(rs->Fields(2).Value(), Variant(Null{}));
 }
 
-TEST_F(RecordsetTest, ReadingAsATypeGivesWhatConvertingTheValueGives) {
+TEST_F(RecordsetTest, ReadingAsATypeReturnsTheConvertedValue) {
     Run("INSERT INTO ImageBild_T (PatientID, DateCaptured_SD, ExposureTime_F, GraphicURL_NVC, RootId) "
         "VALUES (7,'2026-01-02',2.5,'12',NULL)");
     const Ref<Recordset> rs = Open(
@@ -215,7 +215,7 @@ TEST_F(RecordsetTest, UpdateNamesChangedColumnsOnlyAndKeepsTheRowCurrent) {
     EXPECT_EQ(Ask("SELECT ClinicName FROM Clinic_T WHERE ClinicID=1"), Variant("A3"));
 }
 
-TEST_F(RecordsetTest, ARowThatSomebodyElseChangedRaisesAndKeepsTheEdit) {
+TEST_F(RecordsetTest, ARowThatAnotherClientChangedRaisesAndKeepsTheEdit) {
     const Ref<Recordset> rs = Open();
     Run("UPDATE Clinic_T SET ClinicName='theirs' WHERE ClinicID=1");
     rs->Collect("ClinicName", "mine");
@@ -273,7 +273,7 @@ TEST_F(RecordsetTest, ADeletedRowStaysCurrentUntilAMove) {
     EXPECT_EQ(Name(rs), "A");
 }
 
-TEST_F(RecordsetTest, AfterTheLastRowWentMoveFirstFindsNothingOnce) {
+TEST_F(RecordsetTest, AfterTheLastRowWasDeletedMoveFirstFindsNoRowOnce) {
     const Ref<Recordset> rs = Open("SELECT * FROM Clinic_T WHERE ClinicID=1");
     rs->Delete();
     EXPECT_FALSE(rs->Eof());
@@ -286,7 +286,7 @@ TEST_F(RecordsetTest, AfterTheLastRowWentMoveFirstFindsNothingOnce) {
     EXPECT_TRUE(other->Eof() && other->Bof());
 }
 
-TEST_F(RecordsetTest, WhatCannotBeChangedRaises3251) {
+TEST_F(RecordsetTest, ChangesOfReadOnlyJoinedOrComputedRowsRaise3251) {
     const Ref<Recordset> readOnly = Open("SELECT * FROM Clinic_T", adUseClient, adLockReadOnly);
     EXPECT_EQ(NumberOf([&] { readOnly->Collect("City", "x"); }), adErrFeatureNotAvailable);
     EXPECT_EQ(NumberOf([&] { readOnly->AddNew(); }), adErrFeatureNotAvailable);
@@ -330,7 +330,7 @@ TEST_F(RecordsetTest, AConstraintLeavesTheEditPending) {
     EXPECT_EQ(CLng(rs->Fields("ClinicID").Value()), 77);
 }
 
-TEST_F(RecordsetTest, ClosedItRefusesAlmostEverything) {
+TEST_F(RecordsetTest, AClosedRecordsetRejectsAlmostEveryMember) {
     const Ref<Recordset> rs = Open();
     rs->Close();
     for (const auto& call : std::vector<std::function<void()>>{
@@ -367,7 +367,7 @@ TEST_F(RecordsetTest, ANewRowOnNoRowsIsNeitherBofNorEof) {
     EXPECT_TRUE(rs->Bof() && rs->Eof());
 }
 
-TEST_F(RecordsetTest, AKeyThatIsTheRowsNumberComesBackToo) {
+TEST_F(RecordsetTest, AKeyThatIsTheRowsNumberIsWrittenBackToo) {
     const Ref<Recordset> rs = Open("SELECT * FROM Root_T");
     rs->AddNew();
     rs->Collect("RootDirectory", "x");

@@ -33,7 +33,7 @@ TEST(SqliteShape, LeavesLiteralsWhereTheyMeanSomethingElse) {
     EXPECT_EQ(ShapeOf("SELECT a FROM t WHERE (SELECT 1)=2"), "SELECT a FROM t WHERE (SELECT 1)=?");
 }
 
-TEST(SqliteShape, GivesUpOnWhatItDoesNotUnderstand) {
+TEST(SqliteShape, KeepsTheLiteralsOfUnsupportedStatements) {
     for (const char* text : {"PRAGMA x=1", "CREATE TABLE t (a DEFAULT 5)", "SELECT a FROM t WHERE b=? AND c=1",
                              "SELECT a FROM t WHERE b=1 -- c", "SELECT a /* 1 */ FROM t WHERE b=1",
                              "SELECT a FROM t WHERE b='open", "SELECT a FROM t WHERE b=1)", ""})
@@ -84,7 +84,7 @@ TEST_F(SqlitePlansTest, OneShapeIsCompiledOnce) {
     EXPECT_EQ(literals[0].body, "99");
 }
 
-TEST_F(SqlitePlansTest, TheLeastRecentlyUsedGoesFirst) {
+TEST_F(SqlitePlansTest, TheLeastRecentlyUsedIsRemovedFirst) {
     const auto statement = [](int i) {
         return "SELECT b FROM t WHERE a=1 AND b<>'' AND" + std::string(static_cast<std::size_t>(i), ' ') + "a<5";
     };
@@ -107,7 +107,7 @@ TEST_F(SqlitePlansTest, AVeryLongStatementIsNotKept) {
     EXPECT_EQ(literals.size(), 5001U);
 }
 
-TEST_F(SqlitePlansTest, AShapeThatIsRefusedIsCompiledAsItStands) {
+TEST_F(SqlitePlansTest, ARejectedShapeIsCompiledAsTheOriginalText) {
     const CompiledStatement& plan = cache->For("UPDATE t SET 'b'='x' WHERE a=1", literals);
     EXPECT_TRUE(literals.empty()) << "a column's name in quotes is no value";
     EXPECT_EQ(std::string(sqlite3_sql(plan.Compiled())), "UPDATE t SET 'b'='x' WHERE a=1");

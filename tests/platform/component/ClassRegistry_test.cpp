@@ -54,7 +54,7 @@ LibraryRecord Library(const String& name, char digit, const std::vector<String>&
     return library;
 }
 
-/// A registry file of one test's own, in a folder that is made with it.
+/// A registry file for one test, in a folder of its own.
 class ClassRegistryFile : public ::testing::Test {
 protected:
     String NamesOf(const std::vector<LibraryRecord>& libraries) const {
@@ -69,7 +69,7 @@ protected:
         std::ofstream(file, std::ios::binary) << text;
     }
 
-    /// All that reads or changes the file tells of it, and leaves it.
+    /// Expects that every function that reads or changes the file raises this reason and leaves the file unchanged.
     void ExpectRefused(const String& reason) const {
         const auto refused = [&](const Error& failure) {
             EXPECT_EQ(failure.Number, err::PathFileAccess);
@@ -90,7 +90,7 @@ protected:
 
 // ---- entering and removing --------------------------------------------------------------------------
 
-TEST_F(ClassRegistryFile, IsMadeWithItsFoldersByTheFirstLibrary) {
+TEST_F(ClassRegistryFile, IsCreatedWithItsFoldersByTheFirstLibrary) {
     const LibraryRecord library = Library("First", '1', {"A", "B"});
     Enter(library);
     EXPECT_EQ(Parse(Content(file)), std::vector<LibraryRecord>{library});
@@ -102,7 +102,7 @@ TEST_F(ClassRegistryFile, HoldsLibrariesInTheOrderOfTheirEntering) {
     EXPECT_EQ(Registered(), "L3 1.0;L1 1.0;L2 1.0;");
 }
 
-TEST_F(ClassRegistryFile, ALibraryTakesThePlaceOfTheOneUnderItsIdentifier) {
+TEST_F(ClassRegistryFile, ALibraryReplacesTheOneWithItsIdentifier) {
     Enter(Library("Old", '1', {"A", "B"}));
     Enter(Library("Other", '2', {"A"}));
     Enter(Library("New", '1', {"C"}));
@@ -111,7 +111,7 @@ TEST_F(ClassRegistryFile, ALibraryTakesThePlaceOfTheOneUnderItsIdentifier) {
     EXPECT_TRUE(Find("New.C"));
 }
 
-TEST_F(ClassRegistryFile, ALibraryIsRemovedAndTheFileGoesWithTheLast) {
+TEST_F(ClassRegistryFile, ALibraryIsRemovedAndTheFileWithTheLastLibrary) {
     Enter(Library("One", '1', {"A"}));
     Enter(Library("Two", '2', {"A"}));
     Remove(Id('1'));
@@ -152,7 +152,7 @@ TEST_F(ClassRegistryFile, ALinkStaysALinkAndTheFileKeepsItsRights) {
     EXPECT_EQ(Registered(), "Again 1.0;");
 }
 
-TEST_F(ClassRegistryFile, APathThatIsNoTextIsRefused) {
+TEST_F(ClassRegistryFile, APathThatIsNotUtf8IsRejected) {
     LibraryRecord library = Library("Broken", 'b', {"A"});
     library.Classes[0].Library = "/opt/b\xE9/libBroken.so";
     const Error failure = FailureOf([&] { Enter(library); });
@@ -164,7 +164,7 @@ TEST_F(ClassRegistryFile, APathThatIsNoTextIsRefused) {
     EXPECT_EQ(Find("Broken.A")->Library, library.Classes[0].Library) << "this process can use it";
 }
 
-TEST_F(ClassRegistryFile, RemovingWhatIsNotThereChangesNothing) {
+TEST_F(ClassRegistryFile, RemovingAMissingLibraryChangesNothing) {
     Remove(Id('1'));
     EXPECT_TRUE(NamesIn(folder.Path()).empty());
     const String text = "{\"libraries\":[" + String(R"({"name":"N","identifier":")") + Id('2') +
@@ -183,7 +183,7 @@ TEST_F(ClassRegistryFile, ClassesAreFoundWithoutRegardToCase) {
     for (const char* name : {"", "Lib", "Lib.", "Größe", "Lib.Größe2", "Lib.Gr"}) EXPECT_FALSE(Find(name)) << name;
 }
 
-TEST_F(ClassRegistryFile, WithoutAFileNothingIsFoundAndNoneIsMade) {
+TEST_F(ClassRegistryFile, WithoutAFileNoClassIsFoundAndNoFileIsCreated) {
     EXPECT_FALSE(Find("Nowhere.A"));
     EXPECT_TRUE(NamesIn(folder.Path()).empty());
 }
@@ -203,7 +203,7 @@ TEST_F(ClassRegistryFile, AllHasEachClassOnce) {
                                               "AllHere.Filed /opt/AllHere.so"));
 }
 
-TEST_F(ClassRegistryFile, EnteringHereTouchesNoFileAndWinsOverIt) {
+TEST_F(ClassRegistryFile, RegistrationForThisProcessChangesNoFileAndHasPrecedence) {
     Enter(Library("Here", '7', {"A"}));
     const String before = Content(file);
     LibraryRecord mine = Library("Here", '8', {"A"});
@@ -218,7 +218,7 @@ TEST_F(ClassRegistryFile, EnteringHereTouchesNoFileAndWinsOverIt) {
     EXPECT_EQ(Find("here.a")->Library, "/mine.so") << "the file isn't asked";
 }
 
-TEST_F(ClassRegistryFile, ALibraryThatThisProcessKnowsStays) {
+TEST_F(ClassRegistryFile, ALibraryThatThisProcessKnowsIsNotReplaced) {
     const RegisterInProcess here;
     Enter(Library("Stays", '5', {"A"}));
     LibraryRecord copy = Library("Stays", '5', {"A"});
@@ -238,7 +238,7 @@ TEST_F(ClassRegistryFile, EnteringHereEndsWithTheLastOfThem) {
     EXPECT_TRUE(fs::exists(file));
 }
 
-TEST_F(ClassRegistryFile, EnteringHereIsOfItsThreadAlone) {
+TEST_F(ClassRegistryFile, RegistrationForThisProcessAppliesToItsThreadOnly) {
     const RegisterInProcess here;
     std::thread([] { Enter(Library("OtherThread", '6', {"A"})); }).join();
     EXPECT_EQ(Registered(), "OtherThread 1.0;");
@@ -246,7 +246,7 @@ TEST_F(ClassRegistryFile, EnteringHereIsOfItsThreadAlone) {
 
 // ---- files that aren't what they should be ----------------------------------------------------------
 
-TEST_F(ClassRegistryFile, ADamagedFileIsToldAndStays) {
+TEST_F(ClassRegistryFile, ADamagedFileIsReportedAndUnchanged) {
     const String whole = Print({Library("Whole", '1', {"A"})});
     for (const String& text : {String(), String("{"), String("no JSON \xFF"), whole.substr(0, whole.size() / 2),
                                whole + "}", String("[]"), String(3, '\0')}) {
@@ -257,13 +257,13 @@ TEST_F(ClassRegistryFile, ADamagedFileIsToldAndStays) {
     }
 }
 
-TEST_F(ClassRegistryFile, AFolderInItsPlaceIsToldAndStays) {
+TEST_F(ClassRegistryFile, AFolderInItsPlaceIsReportedAndUnchanged) {
     fs::create_directories(file);
     ExpectRefused("can't be read");
     EXPECT_TRUE(fs::is_directory(file));
 }
 
-TEST_F(ClassRegistryFile, AFolderThatCantBeMadeIsTold) {
+TEST_F(ClassRegistryFile, AFolderThatCannotBeCreatedIsReported) {
     std::ofstream(folder.Path() / "some") << "a file in the way";
     const Error failure = FailureOf([] { Enter(Library("Refused", '1', {"A"})); });
     EXPECT_EQ(failure.Number, err::PathFileAccess);
@@ -271,7 +271,7 @@ TEST_F(ClassRegistryFile, AFolderThatCantBeMadeIsTold) {
     EXPECT_EQ(Content(folder.Path() / "some"), "a file in the way");
 }
 
-TEST_F(ClassRegistryFile, AFullDiskIsToldAndNothingIsLeftBeside) {
+TEST_F(ClassRegistryFile, AFullDiskIsReportedAndLeavesNoTemporaryFile) {
     Enter(Library("First", '1', {"A"}));
     const String before = Content(file);
     rlimit limit{};
@@ -346,7 +346,7 @@ String With(const String& part, const String& by) {
     return Replace(Replace(Replace(text, part, by), "ID1", Id('1')), "ID2", Id('2'));
 }
 
-TEST(ClassRegistryText, OfTheWrongShapeIsRefused) {
+TEST(ClassRegistryText, OfTheWrongShapeIsRejected) {
     ASSERT_EQ(Parse(With("", "")).at(0).Classes.at(0).Name, "N.A");
     const std::pair<String, String> changes[] = {
         {R"("libraries")", R"("Libraries")"},
@@ -394,7 +394,7 @@ TEST(ClassRegistryText, HasListsOfLibrariesAndClasses) {
 
 // ---- many processes ---------------------------------------------------------------------------------
 
-/// A process that runs `body` and ends; killed and gone with this object.
+/// A process that runs `body` and ends. The destructor kills it and waits for its end.
 class Process {
 public:
     template <class Body>
@@ -430,7 +430,7 @@ private:
 
 constexpr std::size_t Classes = 40;
 
-/// A library with so many classes that reading and writing it takes its time.
+/// A library with so many classes that reading and writing it takes a noticeable time.
 LibraryRecord Large(const String& name, char digit, int version) {
     LibraryRecord library = Library(name, digit, {});
     for (std::size_t i = 0; i < Classes; ++i)

@@ -37,7 +37,7 @@ static_assert(sizeof(SAFEARRAYBOUND) == 8 && offsetof(SAFEARRAYBOUND, lLbound) =
 
 // ---- helpers ----------------------------------------------------------------------------------------
 
-/// An object of somebody else, which lives as long as the test and counts its references.
+/// A foreign object, which lives as long as the test and counts its references.
 class Counted final : public IUnknown {
 public:
     HRESULT QueryInterface(REFIID, void** object) override {
@@ -91,7 +91,7 @@ T* Elements(SAFEARRAY* array) {
 
 // ---- texts ------------------------------------------------------------------------------------------
 
-TEST(CountedText, HasItsLengthInFrontAndAZeroBehind) {
+TEST(CountedText, HasItsLengthBeforeAndAZeroAfterIt) {
     BSTR text = SysAllocString(u"Åse");
     EXPECT_EQ(Units(text), u"Åse");
     EXPECT_EQ(SysStringLen(text), 3U);
@@ -134,7 +134,7 @@ TEST(CountedText, TakesSoManyUnitsOfALongerText) {
     SysFreeString(text);
 }
 
-TEST(CountedText, HasAnOddNumberOfBytesWhereAsked) {
+TEST(CountedText, MayHaveAnOddNumberOfBytes) {
     BSTR text = SysAllocStringByteLen("abc", 3);
     EXPECT_EQ(SysStringByteLen(text), 3U);
     EXPECT_EQ(SysStringLen(text), 1U);
@@ -163,7 +163,7 @@ TEST(CountedText, IsNullWhereItsLengthCantBeCounted) {
 const int PlainTypes[] = {VT_EMPTY, VT_NULL, VT_I2,  VT_I4,  VT_R4, VT_R8,  VT_CY,  VT_DATE, VT_ERROR,
                           VT_BOOL,  VT_I1,   VT_UI1, VT_UI2, VT_I8, VT_UI4, VT_UI8, VT_INT,  VT_UINT};
 
-TEST(VariantMemory, InitMakesItEmptyWithoutLookingAtIt) {
+TEST(VariantMemory, InitMakesItEmptyWithoutReadingIt) {
     VARIANT variant;
     std::memset(static_cast<void*>(&variant), 0xAA, sizeof variant);
     VariantInit(&variant);
@@ -220,7 +220,7 @@ TEST(VariantMemory, ClearTakesNullPlaces) {
     EXPECT_EQ(VariantClear(nullptr), E_INVALIDARG);
 }
 
-TEST(VariantMemory, ClearLeavesWhatAReferencePointsAt) {
+TEST(VariantMemory, ClearKeepsTheValueThatAReferencePointsTo) {
     Counted object;
     IUnknown* held = &object;
     BSTR text = SysAllocString(u"stays");
@@ -243,7 +243,7 @@ TEST(VariantMemory, ClearLeavesWhatAReferencePointsAt) {
     SafeArrayDestroy(array);
 }
 
-TEST(VariantMemory, TypesThatNoVariantHasAreRefused) {
+TEST(VariantMemory, TypesThatNoVariantHasAreRejected) {
     Counted object;
     const int types[] = {VT_VARIANT,
                          15,
@@ -340,7 +340,7 @@ TEST(VariantMemory, CopyOfAReferencePointsAtTheSamePlace) {
     SafeArrayDestroy(array);
 }
 
-TEST(VariantMemory, CopyOverSomethingHeldLetsItGo) {
+TEST(VariantMemory, CopyReleasesTheReplacedValue) {
     Counted object;
     VARIANT to = Holding(object), text = Text(u"new");
     EXPECT_EQ(VariantCopy(&to, &text), S_OK);
@@ -406,7 +406,7 @@ TEST(VariantMemory, CopyOfAnArrayIsAnotherArray) {
 
 // ---- safe arrays ------------------------------------------------------------------------------------
 
-TEST(SafeArray, IsMadeOfEachElementType) {
+TEST(SafeArray, IsCreatedForEachElementType) {
     const std::pair<int, ULONG> types[] = {{VT_I1, 1},
                                            {VT_UI1, 1},
                                            {VT_I2, 2},
@@ -442,7 +442,7 @@ TEST(SafeArray, IsMadeOfEachElementType) {
     }
 }
 
-TEST(SafeArray, TellsWhatItsElementsAre) {
+TEST(SafeArray, ReturnsTheTypeOfItsElements) {
     const std::pair<int, int> features[] = {{VT_BSTR, FADF_BSTR},
                                             {VT_UNKNOWN, FADF_UNKNOWN},
                                             {VT_DISPATCH, FADF_DISPATCH},
@@ -455,7 +455,7 @@ TEST(SafeArray, TellsWhatItsElementsAre) {
     }
 }
 
-TEST(SafeArray, IsNotMadeOfWhatIsNoElement) {
+TEST(SafeArray, IsNotCreatedForATypeThatCannotBeAnElement) {
     for (const int type : {VT_EMPTY + 0, VT_NULL + 0, 15, 24, VT_ARRAY | VT_I4, VT_BYREF | VT_I4})
         EXPECT_EQ(SafeArrayCreateVector(static_cast<VARTYPE>(type), 0, 1), nullptr) << type;
 }
@@ -484,7 +484,7 @@ TEST(SafeArray, HasTheBoundsThatItWasMadeWith) {
     }
 }
 
-TEST(SafeArray, BoundsAreAskedOfADimensionThatItHas) {
+TEST(SafeArray, BoundsOfAnotherDimensionAreRejected) {
     SAFEARRAY* array = SafeArrayCreateVector(VT_I4, 0, 3);
     LONG bound = 99;
     for (const UINT dimension : {0U, 2U}) {
@@ -495,7 +495,7 @@ TEST(SafeArray, BoundsAreAskedOfADimensionThatItHas) {
     SafeArrayDestroy(array);
 }
 
-TEST(SafeArray, NullPlacesAreRefused) {
+TEST(SafeArray, NullPlacesAreRejected) {
     SAFEARRAY* array = SafeArrayCreateVector(VT_I4, 0, 1);
     SAFEARRAY* copy = array;
     LONG bound = 0;
@@ -519,7 +519,7 @@ TEST(SafeArray, NullPlacesAreRefused) {
     SafeArrayDestroy(array);
 }
 
-TEST(SafeArray, OneThatItsOwnerDescribedHasTheTypeOfItsFeaturesAndStaysHis) {
+TEST(SafeArray, OneOfAnotherOwnerHasTheTypeOfItsFeaturesAndIsNotDestroyed) {
     BSTR texts[] = {nullptr, nullptr};
     SAFEARRAY described = {1, 0, sizeof(BSTR), 0, texts, {{2, 5}}};
     const std::pair<int, int> types[] = {
@@ -624,7 +624,7 @@ TEST(SafeArray, CopiesItsVariantsWithAllThatTheyHold) {
     EXPECT_EQ(object.references, 1U);
 }
 
-TEST(SafeArray, ACopyThatFailsInTheMiddleLeavesNothing) {
+TEST(SafeArray, ACopyThatFailsHalfwayLeavesNoFile) {
     Counted object;
     SAFEARRAY* array = SafeArrayCreateVector(VT_VARIANT, 0, 3);
     Elements<VARIANT>(array)[0] = Holding(object);
@@ -651,7 +651,7 @@ I* Ask(IUnknown* object, REFIID riid) {
     return static_cast<I*>(found);
 }
 
-/// A text that a getter gave, which is freed.
+/// Returns the text that a getter stores, and frees the `BSTR`.
 std::u16string Got(IErrorInfo* record, HRESULT (IErrorInfo::*get)(BSTR*)) {
     BSTR text = nullptr;
     EXPECT_EQ((record->*get)(&text), S_OK);
@@ -660,7 +660,7 @@ std::u16string Got(IErrorInfo* record, HRESULT (IErrorInfo::*get)(BSTR*)) {
     return units;
 }
 
-/// The thread's record, taken out; null where there is none.
+/// Returns the thread's record and removes it; null if the thread has none.
 IErrorInfo* TakenRecord() {
     IErrorInfo* record = nullptr;
     const HRESULT code = GetErrorInfo(0, &record);
@@ -668,7 +668,7 @@ IErrorInfo* TakenRecord() {
     return record;
 }
 
-TEST(ErrorRecord, GivesWhatItsMakerSet) {
+TEST(ErrorRecord, ReturnsTheValuesThatWereSet) {
     ICreateErrorInfo* made = nullptr;
     ASSERT_EQ(CreateErrorInfo(&made), S_OK);
     std::u16string source = u"Somebody", description = u"Fäiled 😀", file = u"help.chm";
@@ -714,7 +714,7 @@ TEST(ErrorRecord, StartsEmptyAndTakesNullAsEmpty) {
     made->Release();
 }
 
-TEST(ErrorRecord, RefusesNullPlaces) {
+TEST(ErrorRecord, RejectsNullPlaces) {
     ICreateErrorInfo* made = nullptr;
     ASSERT_EQ(CreateErrorInfo(&made), S_OK);
     auto* record = Ask<IErrorInfo>(made, IID_IErrorInfo);
@@ -762,7 +762,7 @@ public:
     std::atomic<ULONG> references = 1;
 };
 
-TEST(ErrorRecord, OfAThreadIsTakenOutOnce) {
+TEST(ErrorRecord, OfAThreadIsReturnedOnce) {
     CountedRecord record;
     EXPECT_EQ(SetErrorInfo(0, &record), S_OK);
     EXPECT_EQ(record.references, 2U);
@@ -815,7 +815,7 @@ TEST(StandardInterfaces, HaveTheirIdentifiers) {
 
 const std::filesystem::path Sources = std::filesystem::path(__FILE__).parent_path() / ".." / ".." / ".." / "src";
 
-/// What a command printed, and how it ended.
+/// The output and the exit code of a command.
 std::pair<int, std::string> Run(const std::string& command) {
     FILE* pipe = popen((command + " 2>&1").c_str(), "r");
     if (!pipe) return {-1, "no pipe"};
@@ -852,7 +852,7 @@ TEST(HeadersInC, AreReadWithoutAWarning) {
     EXPECT_EQ(code, 1) << "the check is one: " << output;
 }
 
-TEST(HeadersInC, IncludeNothingElseOfTheSystem) {
+TEST(HeadersInC, IncludeNoOtherHeaderOfTheSystem) {
     const TemporaryFolder folder;
     const auto [code, output] = CheckC(folder, "-MM", "platform/oxplatform.h", "");
     ASSERT_EQ(code, 0) << output;

@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 using TestKit::NamesIn;
 using TestKit::TemporaryFolder;
 
-/// Waits for a byte of another process; false if none comes in so many milliseconds.
+/// Waits for a byte of another process. Returns false if none arrives within this number of milliseconds.
 bool Arrives(int pipe, int milliseconds) {
     fd_set set;
     FD_ZERO(&set);
@@ -28,7 +28,7 @@ bool Arrives(int pipe, int milliseconds) {
     return select(pipe + 1, &set, nullptr, nullptr, &limit) == 1 && read(pipe, &byte, 1) == 1;
 }
 
-/// Another process, made before any lock, that tells when it has the lock of a folder.
+/// Another process, started before any lock, that reports when it has the lock of a folder.
 class OtherProcess {
 public:
     explicit OtherProcess(const fs::path& folder) {
@@ -64,7 +64,7 @@ TEST(FolderLock, KeepsOtherProcessesWaiting) {
     EXPECT_TRUE(other.HasTheLockWithin(20000));
 }
 
-TEST(FolderLock, OfAnotherFolderKeepsNobodyWaiting) {
+TEST(FolderLock, OfAnotherFolderBlocksNoProcess) {
     const TemporaryFolder folder, second;
     const OtherProcess other(second.Path());
     const FolderLock lock(folder.Path());
@@ -87,7 +87,7 @@ TEST(FolderLock, KeepsOtherThreadsWaiting) {
     EXPECT_TRUE(taken);
 }
 
-TEST(FolderLock, OfAFolderThatIsNotThereIsNone) {
+TEST(FolderLock, OfAMissingFolderDoesNotLock) {
     const TemporaryFolder folder;
     const FolderLock first(folder.Path() / "none"), second(folder.Path() / "none");
     EXPECT_TRUE(NamesIn(folder.Path()).empty()) << "none is made, and nobody waits";

@@ -23,7 +23,7 @@ TEST(Identifier, IsTheSameInUpperAndLowerCase) {
     EXPECT_TRUE(Same(GuidOf("00000000-0000-0000-0000-000000000000"), IID_NULL));
 }
 
-TEST(Identifier, EachDigitTellsItFromAnother) {
+TEST(Identifier, DiffersInEachDigit) {
     const GUID guid = GuidOf(Text);
     for (std::size_t i = 0; i < Text.size(); ++i) {
         if (Text[i] == '-') continue;

@@ -46,7 +46,7 @@ Variant Call(const Ref<Sample>& object, const char* name, MemberKind kind, std::
     return Invoke(*object, name, kind, arguments);
 }
 
-TEST(Interface, TellsItsMembersInTheirOrder) {
+TEST(Interface, DescribesItsMembersInTheirOrder) {
     EXPECT_EQ(TestKit::MembersOf(*New<Sample>()),
               (std::vector<String>{"put Number(int32)", "get Number -> int32", "put Text(string)", "get Text -> string",
                                    "putref Members(Collection&)", "get Members -> Collection", "get Flag -> boolean",
@@ -66,13 +66,13 @@ TEST(Interface, PropertiesArePutAndGotByNameWithoutCase) {
     EXPECT_EQ(object->Members, members) << "an object put is the same object";
 }
 
-TEST(Interface, OperationsFillInWhatIsLeftOut) {
+TEST(Interface, OperationsUseTheDefaultsOfOmittedArguments) {
     const Ref<Sample> object = New<Sample>();
     EXPECT_EQ(Call(object, "Join", MemberKind::Operation, {"x", 7.0}), Variant("x7!"));
     EXPECT_EQ(Call(object, "Join", MemberKind::Operation, {"x", 7.0, "y"}), Variant("x7y"));
 }
 
-TEST(Interface, ArgumentsByReferenceComeBack) {
+TEST(Interface, ArgumentsByReferenceAreWrittenBack) {
     const Ref<Sample> object = New<Sample>();
     std::vector<Variant> arguments{"a", Long{5}};
     Invoke(*object, "Change", MemberKind::Operation, arguments);

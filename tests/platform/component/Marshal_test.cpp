@@ -31,13 +31,13 @@ struct Held : VARIANT {
     ~Held() { VariantClear(this); }
 };
 
-/// How many references an interface pointer's object has.
+/// Returns the number of references to an interface pointer's object.
 ULONG ReferencesOf(IUnknown* object) {
     object->AddRef();
     return object->Release();
 }
 
-/// The number of the failure with which a variant isn't taken; 0 where it is.
+/// Returns the number of the failure if a variant is rejected; 0 if it is accepted.
 Long RefusalOf(const VARIANT& variant) {
     return FailureOf([&] { FromVariant(variant); }).Number;
 }
@@ -90,7 +90,7 @@ TEST(Marshal, AnOddByteOfATextIsLeftOut) {
 
 // ---- values out and back ----------------------------------------------------------------------------
 
-TEST(Marshal, EachValueComesBackAsItWas) {
+TEST(Marshal, EachValueIsReturnedUnchanged) {
     const double tiny = std::numeric_limits<double>::denorm_min();
     const std::pair<Variant, int> values[] = {
         {Empty{}, VT_EMPTY},
@@ -147,7 +147,7 @@ TEST(Marshal, AValueThatIsPutDoesNotFreeTheOldOne) {
 
 // ---- objects ----------------------------------------------------------------------------------------
 
-TEST(Marshal, AnObjectThatIsGivenIsHeldByItsTaker) {
+TEST(Marshal, AnObjectThatIsPassedIsReferencedByItsReceiver) {
     const Ref<Collection> object = New<Collection>();
     Held given;
     ToVariant(object, given);
@@ -162,7 +162,7 @@ TEST(Marshal, AnObjectThatIsGivenIsHeldByItsTaker) {
     EXPECT_EQ(ReferencesOf(pointer), 1U);
 }
 
-TEST(Marshal, AStrangersObjectPassesThroughAsItIs) {
+TEST(Marshal, AForeignObjectIsPassedUnchanged) {
     for (const bool isDispatch : {true, false}) {
         ForeignObject stranger(isDispatch);
         {
@@ -182,7 +182,7 @@ TEST(Marshal, AStrangersObjectPassesThroughAsItIs) {
 
 // ---- what is taken ----------------------------------------------------------------------------------
 
-/// A value of each type that is taken, at a place of that type.
+/// A value of each accepted type, at an address of that type.
 struct Sample {
     template <class T>
     Sample(int type, T value, Variant expected) : Type(type), Expected(std::move(expected)) {
@@ -289,7 +289,7 @@ TEST(Marshal, DecimalsAreTakenWithSignScaleAndAllTheirDigits) {
     }
 }
 
-TEST(Marshal, TypesWithoutAFormAreRefused) {
+TEST(Marshal, TypesWithoutAFormAreRejected) {
     LONGLONG place = 0;
     for (const int type : {VT_ERROR + 0, 15, 24, 36, 64, 0x1000 | VT_I4, VT_BYREF | VT_ERROR, VT_BYREF | 0,
                            VT_BYREF | VT_NULL, VT_BYREF | 36}) {
@@ -303,7 +303,7 @@ TEST(Marshal, TypesWithoutAFormAreRefused) {
     EXPECT_EQ(RefusalOf(leftOut), DISP_E_BADVARTYPE);
 }
 
-TEST(Marshal, AReferenceToAReferenceIsRefused) {
+TEST(Marshal, AReferenceToAReferenceIsRejected) {
     LONG number = 5;
     Held inner(VT_BYREF | VT_I4, &number);
     EXPECT_EQ(RefusalOf(Held(VT_BYREF | VT_VARIANT, &inner)), DISP_E_BADVARTYPE);
@@ -312,7 +312,7 @@ TEST(Marshal, AReferenceToAReferenceIsRefused) {
     EXPECT_EQ(RefusalOf(self), DISP_E_BADVARTYPE);
 }
 
-TEST(Marshal, AReferenceToNothingIsRefused) {
+TEST(Marshal, ANullReferenceIsRejected) {
     for (const int type : {VT_I4 + 0, VT_BSTR + 0, VT_VARIANT + 0, VT_DISPATCH + 0, VT_DECIMAL + 0, VT_ARRAY | VT_BSTR,
                            VT_ARRAY | VT_VARIANT})
         EXPECT_EQ(RefusalOf(Held(VT_BYREF | type, nullptr)), E_POINTER) << type;
@@ -341,7 +341,7 @@ TEST(Marshal, AnArrayOfVariantsIsTakenAsTexts) {
     EXPECT_EQ(FromVariant(array), Variant(std::vector<String>{"one", "2", "True"}));
 }
 
-TEST(Marshal, AnArrayWithAVariantThatIsNoTextIsRefused) {
+TEST(Marshal, AnArrayWithAVariantThatIsNotATextIsRejected) {
     const Held array = ArrayOf(VT_VARIANT, 2);
     VARIANT& second = Elements<VARIANT>(array)[1];
     ToVariant("kept until the failure", Elements<VARIANT>(array)[0]);
@@ -365,7 +365,7 @@ TEST(Marshal, AnEmptyArrayIsTaken) {
     EXPECT_EQ(FromVariant(Held(VT_BYREF | VT_ARRAY | VT_BSTR, &place)), none);
 }
 
-TEST(Marshal, ArraysOfOtherElementsAreRefused) {
+TEST(Marshal, ArraysOfOtherElementsAreRejected) {
     for (const int type : {VT_I4, VT_UI1, VT_R8, VT_UNKNOWN, VT_DISPATCH, VT_DECIMAL}) {
         EXPECT_EQ(RefusalOf(ArrayOf(type, 2)), DISP_E_BADVARTYPE) << type;
         EXPECT_EQ(RefusalOf(ArrayOf(type, 0)), DISP_E_BADVARTYPE) << type;
@@ -375,7 +375,7 @@ TEST(Marshal, ArraysOfOtherElementsAreRefused) {
     EXPECT_EQ(RefusalOf(lying), DISP_E_BADVARTYPE) << "the array's own type counts";
 }
 
-TEST(Marshal, ArraysOfTwoDimensionsAreRefused) {
+TEST(Marshal, ArraysOfTwoDimensionsAreRejected) {
     struct {
         std::uint64_t type = VT_BSTR;
         SAFEARRAY array = {2, FADF_HAVEVARTYPE | FADF_BSTR, sizeof(BSTR), 0, nullptr, {{1, 0}}};
@@ -391,7 +391,7 @@ TEST(Marshal, ArraysOfTwoDimensionsAreRefused) {
     EXPECT_EQ(RefusalOf(variant), 0) << "it is refused for its dimensions";
 }
 
-TEST(Marshal, AnArrayThatHoldsItselfIsRefused) {
+TEST(Marshal, AnArrayThatContainsItselfIsRejected) {
     Held array = ArrayOf(VT_VARIANT, 1);
     Elements<VARIANT>(array)[0].vt = VT_BYREF | VT_VARIANT;
     Elements<VARIANT>(array)[0].pvarVal = &array;
@@ -411,7 +411,7 @@ TEST(Marshal, AnArrayThatItsOwnerDescribesIsTakenByItsFeatures) {
     EXPECT_EQ(RefusalOf(variant), DISP_E_BADVARTYPE);
 }
 
-// ---- arguments that come back -----------------------------------------------------------------------
+// ---- arguments that are written back ----------------------------------------------------------------
 
 TEST(Marshal, ALeftOutArgumentIsOneErrorValue) {
     VARIANT variant{};
@@ -425,7 +425,7 @@ TEST(Marshal, ALeftOutArgumentIsOneErrorValue) {
     EXPECT_FALSE(IsLeftOut(variant));
 }
 
-TEST(Marshal, AValueComesBackThroughATypedReference) {
+TEST(Marshal, AValueIsWrittenBackThroughATypedReference) {
     VARIANT_BOOL truth = 0;
     SHORT small = 0;
     LONG number = 0;
@@ -457,14 +457,14 @@ TEST(Marshal, AValueComesBackThroughATypedReference) {
     SysFreeString(text);
 }
 
-TEST(Marshal, AValueComesBackInAVariantThatIsNoReference) {
+TEST(Marshal, AValueIsWrittenBackIntoAVariantThatIsNotAReference) {
     Held argument(VT_BSTR);
     argument.bstrVal = ToBstr("the old one is freed");
     WriteBack(Long{7}, argument);
     EXPECT_EQ(FromVariant(argument), Variant(Long{7}));
 }
 
-TEST(Marshal, AnObjectComesBackInPlaceOfAnother) {
+TEST(Marshal, AnObjectThatIsWrittenBackReplacesAnother) {
     const Ref<Collection> before = New<Collection>(), after = New<Collection>();
     for (const int type : {VT_DISPATCH, VT_UNKNOWN}) {
         IUnknown* place = Boundary::ToPointer(before);
@@ -495,7 +495,7 @@ TEST(Marshal, AnObjectWithoutCallsByNameFitsNoReferenceToThem) {
     }
 }
 
-TEST(Marshal, WhatHasNoFormOfTheReferencesTypeStaysOut) {
+TEST(Marshal, AValueThatCannotBeConvertedIsNotWrittenBack) {
     VARIANT_BOOL truth = 1;
     SHORT small = 11;
     LONG number = 12;
@@ -546,14 +546,14 @@ TEST(Marshal, WhatHasNoFormOfTheReferencesTypeStaysOut) {
     object->Release();
 }
 
-TEST(Marshal, NothingComesBackThroughAReferenceToNothing) {
+TEST(Marshal, NothingIsWrittenBackThroughANullReference) {
     for (const int type : {VT_I4, VT_BSTR, VT_VARIANT, VT_DISPATCH}) {
         Held reference(VT_BYREF | type, nullptr);
         EXPECT_EQ(FailureOf([&] { WriteBack(Ref<Object>(), reference); }).Number, E_POINTER) << type;
     }
 }
 
-TEST(Marshal, ReferencesReceiveWhatTheirTypeIs) {
+TEST(Marshal, ReferencesReceiveValuesOfTheirType) {
     const std::pair<Kind, std::vector<int>> fitting[] = {{Kind::Boolean, {VT_BOOL}},
                                                          {Kind::Int16, {VT_I2}},
                                                          {Kind::Int32, {VT_I4, VT_INT}},
@@ -658,7 +658,7 @@ TEST(TypedPlace, KeepsItsValueWhenAnotherCantBeAssigned) {
     object->Release();
 }
 
-TEST(TypedPlace, OfAnObjectTakesOnlyWhatIsCalledByName) {
+TEST(TypedPlace, OfAnObjectAcceptsOnlyIDispatch) {
     const Ref<Object> walk = New<Collection>()->NewEnum();
     IUnknown* place = nullptr;
     EXPECT_EQ(FailureOf([&] {

@@ -15,7 +15,7 @@ using namespace Platform;
 
 HRESULT Code(std::uint32_t code) { return static_cast<HRESULT>(code); }
 
-/// A text that a record's getter gave.
+/// Returns the text that a getter of a record stores.
 String Got(IErrorInfo* record, HRESULT (IErrorInfo::*get)(BSTR*)) {
     BSTR text = nullptr;
     EXPECT_EQ((record->*get)(&text), S_OK);
@@ -23,7 +23,7 @@ String Got(IErrorInfo* record, HRESULT (IErrorInfo::*get)(BSTR*)) {
     return FromBstr(text);
 }
 
-/// The thread's record as "source: description", taken out; empty where there is none.
+/// Returns the thread's record as "source: description" and removes it; empty if the thread has none.
 String Record() {
     IErrorInfo* record = nullptr;
     if (GetErrorInfo(0, &record) != S_OK) return "";
@@ -32,7 +32,7 @@ String Record() {
     return text;
 }
 
-/// What `Guarded` gives for a failure, on a thread that has the record of an earlier one.
+/// Returns the result of `Guarded` for a failure, on a thread that has the record of an earlier one.
 template <class Failure>
 HRESULT CodeOfThrown(const Failure& failure) {
     SetErrorRecord(Error(5, "Earlier", "failure"));
@@ -85,7 +85,7 @@ TEST(ReturnCode, AnArgumentsFailureHasTheCodesOfACall) {
         << "one that is no argument's keeps its number";
 }
 
-TEST(ReturnCode, WithoutMemoryThereIsNoOldRecordLeft) {
+TEST(ReturnCode, AFailedAllocationRemovesTheOldRecord) {
     EXPECT_EQ(CodeOfThrown(std::bad_alloc()), E_OUTOFMEMORY);
     EXPECT_EQ(Record(), "");
 }
@@ -97,7 +97,7 @@ TEST(ReturnCode, ForeignExceptionsAreUnexpected) {
     EXPECT_EQ(Record(), "Runtime: Unexpected failure");
 }
 
-TEST(ReturnCode, FailingLeavesARecordAndGivesTheCode) {
+TEST(ReturnCode, AFailureSetsARecordAndReturnsTheCode) {
     EXPECT_EQ(FailWith(E_NOTIMPL, "Not here"), E_NOTIMPL);
     EXPECT_EQ(Record(), "Runtime: Not here");
 }

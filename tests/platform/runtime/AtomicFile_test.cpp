@@ -21,7 +21,7 @@ using TestKit::Content;
 using TestKit::NamesIn;
 using TestKit::TemporaryFolder;
 
-/// No file grows beyond so many bytes while this object lives.
+/// While this object lives, no file can grow beyond this number of bytes.
 class FilesUpTo {
 public:
     explicit FilesUpTo(rlim_t size) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
@@ -73,7 +73,7 @@ TEST(AtomicFile, TakesThePlaceOfTheEarlierOneForItsReadersAtOnce) {
     EXPECT_EQ(Content(file), "later");
 }
 
-TEST(AtomicFile, OnAFullDiskTheEarlierOneStaysAndNothingBeside) {
+TEST(AtomicFile, OnAFullDiskTheEarlierFileStaysAndNoOtherRemains) {
     const TemporaryFolder folder;
     const fs::path file = folder.Path() / "file";
     ASSERT_TRUE(WriteAtomically(file, "earlier"));
@@ -85,7 +85,7 @@ TEST(AtomicFile, OnAFullDiskTheEarlierOneStaysAndNothingBeside) {
     EXPECT_EQ(NamesIn(folder.Path()), std::vector<String>{"file"});
 }
 
-TEST(AtomicFile, WhereItsNameIsTakenByAFolderNothingIsLeftBeside) {
+TEST(AtomicFile, IfAFolderHasItsNameNoOtherFileRemains) {
     const TemporaryFolder folder;
     fs::create_directories(folder.Path() / "file" / "within");
     EXPECT_FALSE(WriteAtomically(folder.Path() / "file", "x"));

@@ -46,7 +46,7 @@ TEST(Collection, ADuplicateKeyRaises457AndChangesNothing) {
     EXPECT_EQ(All(*c), "ab");
 }
 
-TEST(Collection, HasAKeyWithoutRegardToCaseUntilItsMemberGoes) {
+TEST(Collection, HasAKeyWithoutRegardToCaseUntilItsMemberIsRemoved) {
     const Ref<Collection> c = New<Collection>();
     EXPECT_FALSE(c->HasKey(""));
     c->Add("first", "Key");
@@ -59,7 +59,7 @@ TEST(Collection, HasAKeyWithoutRegardToCaseUntilItsMemberGoes) {
     EXPECT_FALSE(c->HasKey("Key"));
 }
 
-TEST(Collection, AddGoesBeforeOrBehindAMember) {
+TEST(Collection, AddInsertsBeforeOrAfterAMember) {
     const Ref<Collection> c = Letters("ab");
     c->Add("x", {}, "b");
     c->Add("y", {}, {}, Long{1});
@@ -72,7 +72,7 @@ TEST(Collection, AddGoesBeforeOrBehindAMember) {
     EXPECT_EQ(All(*c), "ayxb");
 }
 
-TEST(Collection, MembersBehindARemovedOneCloseUpAndItsKeyIsFree) {
+TEST(Collection, PositionsAfterARemovedMemberDecreaseAndItsKeyIsFree) {
     const Ref<Collection> c = Letters("abc");
     c->Remove("B");
     EXPECT_EQ(All(*c), "ac");
@@ -80,7 +80,7 @@ TEST(Collection, MembersBehindARemovedOneCloseUpAndItsKeyIsFree) {
     EXPECT_EQ(All(*c), "acb");
 }
 
-TEST(Collection, AWalkStandsRemovalAndInsertion) {
+TEST(Collection, AnEnumeratorAllowsRemovalAndInsertion) {
     const Ref<Collection> c = Letters("abcd");
     const Ref<Enumerator> walk = c->NewEnum();
     Variant item;
@@ -99,7 +99,7 @@ TEST(Collection, AWalkStandsRemovalAndInsertion) {
     EXPECT_EQ(CStr(item), "x");
 }
 
-TEST(Collection, RemovingLetsTheMemberGo) {
+TEST(Collection, RemoveReleasesTheMember) {
     struct Watched final : Object {
         explicit Watched(bool& gone) : gone_(gone) {}
         ~Watched() override { gone_ = true; }

@@ -145,7 +145,7 @@ TEST(Convert, NumbersAreDatesBySerialButNoTextIsADateByIsDate) {
     EXPECT_EQ(NumberOf([] { CDate(3000000.0); }), err::Overflow);
 }
 
-TEST(Convert, FormatOfANullIsEmptyAndOfATextThatIsNoDateTheText) {
+TEST(Convert, FormatOfANullIsEmptyAndOfATextThatIsNotADateTheText) {
     EXPECT_EQ(Format(Null{}, "yyyy"), "");
     EXPECT_EQ(Format("2020-05-06", "dd.mm.yyyy"), "06.05.2020");
     EXPECT_EQ(Format("no date", "yyyy"), "no date");

@@ -24,7 +24,7 @@ TEST(Date, ComponentsRoundToTheNearestSecondAndCarry) {
     EXPECT_EQ(FormatDate(Date{41652.9999999963}, "yyyy-mm-dd hh:nn:ss"), "2014-01-14 00:00:00");
 }
 
-TEST(Date, FormatTakesMinutesBehindHours) {
+TEST(Date, FormatReadsMAfterHoursAsMinutes) {
     const Date date = DateFrom({2026, 3, 4, 5, 6, 7});
     EXPECT_EQ(FormatDate(date, "YYYY-MM-DD HH:MM:SS"), "2026-03-04 05:06:07");
     EXPECT_EQ(FormatDate(date, "YYYY-MM-DD HH:NN:SS"), "2026-03-04 05:06:07");

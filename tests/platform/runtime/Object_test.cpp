@@ -27,7 +27,7 @@ TEST(Object, LivesAsLongAsAReferenceHoldsIt) {
     EXPECT_EQ(Counted::alive, 0);
 }
 
-TEST(Object, FollowingNothingRaises91) {
+TEST(Object, DereferencingANullReferenceRaises91) {
     const Ref<Counted> nothing;
     EXPECT_EQ(FailureOf([&] { return nothing->value; }).Number, err::ObjectNotSet);
     EXPECT_EQ(FailureOf([&] { return (*nothing).value; }).Description,

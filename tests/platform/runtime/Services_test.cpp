@@ -29,7 +29,7 @@ TEST(Services, GuidsAreRandomOnesOfVersionFour) {
     EXPECT_TRUE(first.Data1 != second.Data1 || first.Data4 != second.Data4);
 }
 
-TEST(Services, ClockAndTimerTellTheSameTime) {
+TEST(Services, ClockAndTimerReturnTheSameTime) {
     const DateParts now = PartsOf(Now());
     const double seconds = now.Hour * 3600 + now.Minute * 60 + now.Second;
     const double apart = std::abs(static_cast<double>(Timer()) - seconds);
@@ -58,7 +58,7 @@ TEST(Services, AClientSeesTheTextBoxes) {
     EXPECT_EQ(boxes.shown, std::vector<String>{"fel"});
 }
 
-TEST(Services, ThePumpRunsWhereThereIsOne) {
+TEST(Services, TheInstalledMessageHandlerIsCalled) {
     int pumped = 0;
     const auto before = TheHost().DoEvents;
     TheHost().DoEvents = [&] { ++pumped; };

@@ -41,7 +41,7 @@ TEST(Text, MidCountsFromOne) {
     EXPECT_EQ(FailureOf([] { Mid("abc", 1, -1); }).Number, err::InvalidCall);
 }
 
-TEST(Text, TrimTakesBlanksAndNothingElse) {
+TEST(Text, TrimRemovesOnlyBlanks) {
     EXPECT_EQ(Trim("  a b  "), "a b");
     EXPECT_EQ(Trim("\t a\n"), "\t a\n");
     EXPECT_EQ(Trim("   "), "");

@@ -26,7 +26,7 @@ public:
     virtual Outcome Run(std::string_view text) = 0;
 
     /// Runs a statement of the database layer, with a value for each "?": whole numbers, doubles, texts and nulls.
-    /// Returns the number of rows that it changed.
+    /// Returns the number of rows that it changed, 0 if its condition matches no row.
     virtual std::int64_t Change(std::string_view text, std::span<const Variant> values) = 0;
 
     /// Returns the counter of the row that this session inserted last.
@@ -35,7 +35,8 @@ public:
     /// Returns a name quoted for use in a statement, whatever characters it contains.
     virtual String Quoted(std::string_view name) const = 0;
 
-    /// Begin, commit and roll back the transaction of a level; 1 is the outermost.
+    /// Begin, commit and roll back the transaction of a level; 1 is the outermost. The caller passes levels in order,
+    /// up to `MostLevels`. `RollBack` succeeds if the engine has already rolled back by itself.
     virtual void Begin(Long level) = 0;
     virtual void Commit(Long level) = 0;
     virtual void RollBack(Long level) = 0;

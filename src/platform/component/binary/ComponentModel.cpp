@@ -10,7 +10,7 @@
 
 namespace {
 
-/// The standard interfaces differ in their first number only.
+/// Returns the identifier of a standard interface; these differ in their first number only.
 constexpr GUID Standard(std::uint32_t first) { return {first, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}}; }
 
 }  // namespace
@@ -72,7 +72,7 @@ UINT SysStringByteLen(BSTR text) { return text ? HeadOf(text)->bytes : 0; }
 
 namespace {
 
-/// The size of an element of this type in an array or by reference; 0 for a type that has none.
+/// Returns the size of an element of this type in an array or by reference; 0 for a type that has none.
 ULONG SizeOf(VARTYPE type) {
     switch (type) {
         case VT_I1:

@@ -1,14 +1,14 @@
 #pragma once
 
-/* The binary form of the component model: return codes, identifiers, counted wide strings, the variant, safe
- * arrays, the standard interfaces and the functions that keep their memory.
+/* The binary types of COM: return codes, identifiers, BSTR, VARIANT, SAFEARRAY, the standard interfaces, and the
+ * functions that allocate and free them.
  *
- * On a system that has them these are its own headers, and everything here that is built on this file builds
- * on them. Elsewhere this file declares the same names with the same layout: 32-bit `LONG`, 16-bit wide
- * characters, interfaces without a virtual destructor. The functions are in liboxplatform; any thread may
- * call them.
+ * On Windows this file includes the system's own headers. On other systems it declares the same names with the same
+ * layout: 32-bit `LONG`, 16-bit wide characters, interfaces without a virtual destructor. The functions are then in
+ * liboxplatform. Any thread may call them; a BSTR, a VARIANT, a SAFEARRAY or an object is used by one thread at a time.
  *
- * Readable by C and C++; in C an interface is a pointer to its table of functions, as everywhere. */
+ * The file compiles as C and as C++. In C an interface is a structure whose only member, `lpVtbl`, points to the table
+ * of its functions. */
 
 #ifdef _WIN32
 
@@ -60,8 +60,9 @@ typedef uint16_t OLECHAR;
 typedef OLECHAR* LPOLESTR;
 typedef const OLECHAR* LPCOLESTR;
 
-/* A text: points at its first unit; in front of it stands its length in bytes as a 32-bit number, behind it a
- * zero. Null is the empty text. Made by SysAllocString..., freed by SysFreeString. */
+/* A text, as a pointer to its first unit. A 32-bit number before the first unit contains the length in bytes, and a
+ * zero unit follows the last one. A text may contain zero units. Null is an empty text. The SysAllocString functions
+ * allocate a BSTR, SysFreeString frees it. */
 typedef OLECHAR* BSTR;
 
 typedef int16_t VARIANT_BOOL; /* -1 true, 0 false */
@@ -102,6 +103,9 @@ typedef const GUID* REFGUID;
 
 /* ---- return codes -------------------------------------------------------------------------------- */
 
+/* A code below 0 is a failure. The platform returns the failures of its objects as follows: a short error number n as
+ * 0x800A0000 + n, the number of a database engine unchanged, and one of the codes below for a call that did not reach
+ * the member. */
 #define SUCCEEDED(code) (((HRESULT)(code)) >= 0)
 #define FAILED(code) (((HRESULT)(code)) < 0)
 #define S_OK ((HRESULT)0)
@@ -136,6 +140,8 @@ typedef const GUID* REFGUID;
 
 /* ---- the variant --------------------------------------------------------------------------------- */
 
+/* The type of a VARIANT's value, VARIANT.vt. VT_ARRAY is added for a SAFEARRAY of the type, VT_BYREF for the address of
+ * a value of the type. */
 enum VARENUM {
     VT_EMPTY = 0,
     VT_NULL = 1,
@@ -186,6 +192,8 @@ typedef struct SAFEARRAYBOUND {
     LONG lLbound;
 } SAFEARRAYBOUND;
 
+/* The features of a SAFEARRAY: its element type is stored; its elements are BSTRs, interface pointers or VARIANTs,
+ * which SafeArrayDestroy frees. */
 #define FADF_HAVEVARTYPE 0x0080
 #define FADF_BSTR 0x0100
 #define FADF_UNKNOWN 0x0200
@@ -201,6 +209,8 @@ typedef struct SAFEARRAY {
     SAFEARRAYBOUND rgsabound[1]; /* the last dimension first */
 } SAFEARRAY;
 
+/* A value with its type. VariantInit initialises it, VariantClear frees what it owns: a BSTR, an array, a reference to
+ * an object. With VT_BYREF it owns nothing, and the address must be valid as long as the VARIANT is used. */
 typedef struct VARIANT VARIANT;
 struct VARIANT {
     __extension__ union {
@@ -258,25 +268,30 @@ struct VARIANT {
 };
 typedef VARIANT VARIANTARG;
 
+/* The arguments of IDispatch::Invoke. The caller owns them. A VARIANT of type VT_ERROR with DISP_E_PARAMNOTFOUND is an
+ * argument that is left out. For a put, the new value has the identifier DISPID_PROPERTYPUT. */
 typedef struct DISPPARAMS {
-    VARIANTARG* rgvarg; /* the last argument first; named ones before all others */
-    DISPID* rgdispidNamedArgs;
-    UINT cArgs;
+    VARIANTARG* rgvarg;        /* the named arguments, then the others with the last one first */
+    DISPID* rgdispidNamedArgs; /* for each named argument its position, from 0 */
+    UINT cArgs;                /* the number of all arguments */
     UINT cNamedArgs;
 } DISPPARAMS;
 
+/* What a member raised, filled by IDispatch::Invoke if it returns DISP_E_EXCEPTION. The caller frees the texts. */
 typedef struct EXCEPINFO {
     WORD wCode;
     WORD wReserved;
-    BSTR bstrSource;
-    BSTR bstrDescription;
+    BSTR bstrSource;      /* the operation that failed */
+    BSTR bstrDescription; /* the text of the failure */
     BSTR bstrHelpFile;
     DWORD dwHelpContext;
     void* pvReserved;
     HRESULT (*pfnDeferredFillIn)(struct EXCEPINFO*);
-    SCODE scode;
+    SCODE scode; /* the number of the failure as a return code */
 } EXCEPINFO;
 
+/* Dispatch identifiers with a fixed meaning: the default member, an unknown name, the new value of a put, the
+ * enumerator of a collection. Then the kinds of a call, which IDispatch::Invoke receives as flags. */
 #define DISPID_VALUE 0
 #define DISPID_UNKNOWN (-1)
 #define DISPID_PROPERTYPUT (-3)
@@ -290,36 +305,65 @@ typedef struct EXCEPINFO {
 
 #ifdef __cplusplus
 
+/* The base of every interface. QueryInterface stores another interface of the same object, with a reference that the
+ * caller releases; it stores null and returns E_NOINTERFACE if the object doesn't have it, E_POINTER for a null
+ * `object`. Two objects are the same if they return the same pointer for IID_IUnknown. AddRef and Release return the
+ * new number of references; the last Release deletes the object. */
 struct IUnknown {
     virtual HRESULT QueryInterface(REFIID riid, void** object) = 0;
     virtual ULONG AddRef() = 0;
     virtual ULONG Release() = 0;
 };
 
+/* Calls by name. The contracts are those of the platform's own objects; `riid` must be IID_NULL, otherwise they return
+ * DISP_E_UNKNOWNINTERFACE, and `lcid` is ignored. */
 struct IDispatch : IUnknown {
+    /* Stores 0: objects have no type information at run time. */
     virtual HRESULT GetTypeInfoCount(UINT* count) = 0;
+    /* Stores null and returns DISP_E_BADINDEX. */
     virtual HRESULT GetTypeInfo(UINT which, LCID lcid, ITypeInfo** info) = 0;
+    /* Stores the identifier of the member `names[0]`, and for the other names the positions of its arguments, without
+     * regard to case. Returns DISP_E_UNKNOWNNAME if a name is unknown; its identifier is DISPID_UNKNOWN then. */
     virtual HRESULT GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count, LCID lcid, DISPID* ids) = 0;
+    /* Calls the member with this identifier and kind (`flags`). Stores its result in `result`, which may be null, and
+     * writes back the arguments that were passed with VT_BYREF, also if the member raises.
+     *
+     * Returns DISP_E_MEMBERNOTFOUND, DISP_E_BADPARAMCOUNT, DISP_E_PARAMNOTFOUND, DISP_E_PARAMNOTOPTIONAL,
+     * DISP_E_TYPEMISMATCH or DISP_E_OVERFLOW for a wrong call, RPC_E_WRONG_THREAD on another thread than the object's;
+     * the member is not called then, and `wrongArgument` may have the index of the argument in `rgvarg`. Returns
+     * DISP_E_EXCEPTION if the member raised; `failure`, which may be null, and the error record then describe it. */
     virtual HRESULT Invoke(DISPID id, REFIID riid, LCID lcid, WORD flags, DISPPARAMS* parameters, VARIANT* result,
                            EXCEPINFO* failure, UINT* wrongArgument) = 0;
 };
 
+/* Creates the objects of one class. Any thread may call. */
 struct IClassFactory : IUnknown {
+    /* Stores an interface of a new object, which belongs to the calling thread. CLASS_E_NOAGGREGATION if `outer` is not
+     * null, E_NOINTERFACE, E_POINTER, and what the constructor raises. */
     virtual HRESULT CreateInstance(IUnknown* outer, REFIID riid, void** object) = 0;
+    /* Keeps the library loaded until the same number of calls with 0. */
     virtual HRESULT LockServer(BOOL lock) = 0;
 };
 
+/* Iterates over the members of a collection, from the first to the last. */
 struct IEnumVARIANT : IUnknown {
+    /* Stores at most `count` members, and their number in `fetched`, which may be null if `count` is 1. Returns S_FALSE
+     * if fewer were left. The caller clears the values. */
     virtual HRESULT Next(ULONG count, VARIANT* values, ULONG* fetched) = 0;
+    /* Skips members. Returns S_FALSE if fewer were left. */
     virtual HRESULT Skip(ULONG count) = 0;
+    /* Makes the first member the next one. */
     virtual HRESULT Reset() = 0;
+    /* Stores another enumerator at the same position, which the caller releases. */
     virtual HRESULT Clone(IEnumVARIANT** copy) = 0;
 };
 
+/* Returns S_OK if the object sets the error record when a member of the interface fails, otherwise S_FALSE. */
 struct ISupportErrorInfo : IUnknown {
     virtual HRESULT InterfaceSupportsErrorInfo(REFIID riid) = 0;
 };
 
+/* An error record, to be read. The caller frees the texts. A text that was not set is empty. */
 struct IErrorInfo : IUnknown {
     virtual HRESULT GetGUID(GUID* guid) = 0;
     virtual HRESULT GetSource(BSTR* source) = 0;
@@ -328,6 +372,7 @@ struct IErrorInfo : IUnknown {
     virtual HRESULT GetHelpContext(DWORD* context) = 0;
 };
 
+/* An error record, to be filled. The texts are copied. QueryInterface returns its IErrorInfo, for SetErrorInfo. */
 struct ICreateErrorInfo : IUnknown {
     virtual HRESULT SetGUID(REFGUID guid) = 0;
     virtual HRESULT SetSource(LPOLESTR source) = 0;
@@ -435,48 +480,65 @@ EXTERN_C __attribute__((visibility("default"))) const IID IID_ICreateErrorInfo;
 
 /* ---- texts --------------------------------------------------------------------------------------- */
 
-/* Make a text: of a zero-ended one (null gives null), of so many units (null: not filled), of so many bytes.
- * Null when there is no memory. */
+/* Return a new text, which the caller frees: a copy of a null-terminated one (null for null), of this number of units,
+ * or of this number of bytes (zeros for null). Return null if memory can't be allocated. */
 STDAPI_(BSTR) SysAllocString(LPCOLESTR text);
 STDAPI_(BSTR) SysAllocStringLen(LPCOLESTR text, UINT units);
 STDAPI_(BSTR) SysAllocStringByteLen(const char* bytes, UINT count);
-/* Null is allowed everywhere below: it is the empty text. */
+/* Frees a text; does nothing for null. */
 STDAPI_(void) SysFreeString(BSTR text);
+/* Return the length in units or in bytes, without the terminating zero; 0 for null. */
 STDAPI_(UINT) SysStringLen(BSTR text);
 STDAPI_(UINT) SysStringByteLen(BSTR text);
 
 /* ---- variants ------------------------------------------------------------------------------------ */
 
+/* Makes the variant VT_EMPTY without freeing its value. */
 STDAPI_(void) VariantInit(VARIANTARG* variant);
-/* Frees what the variant holds and makes it empty; what a by-reference variant points at stays.
- * DISP_E_BADVARTYPE for a type that no variant has, as SafeArrayDestroy for an array; nothing is freed then.
- */
+/* Frees what the variant owns and makes it VT_EMPTY. With VT_BYREF the value that it points to is unchanged. Returns
+ * E_INVALIDARG for null, DISP_E_BADVARTYPE for an unknown type, and for an array as SafeArrayDestroy; nothing is freed
+ * then. */
 STDAPI VariantClear(VARIANTARG* variant);
-/* Clears `to` and makes it a copy of `from`. On a failure `to` stays as it was. */
+/* Clears `to` and makes it a copy of `from`. A text or an array is copied, an object gets another reference. Returns
+ * E_INVALIDARG for null, DISP_E_BADVARTYPE for an unknown type, E_OUTOFMEMORY, and for an array as SafeArrayCopy; `to`
+ * is unchanged then. */
 STDAPI VariantCopy(VARIANTARG* to, const VARIANTARG* from);
 
 /* ---- safe arrays --------------------------------------------------------------------------------- */
 
-/* An array of one dimension whose elements are zero. Null for a type that can't be an element. */
+/* Returns a new array of one dimension, which the caller destroys. Its elements are zero. Returns null for a type that
+ * can't be an element, or if memory can't be allocated. */
 STDAPI_(SAFEARRAY*) SafeArrayCreateVector(VARTYPE type, LONG lowerBound, ULONG count);
-/* Frees the array with its elements; DISP_E_ARRAYISLOCKED while somebody works on its data, E_INVALIDARG for
- * an array that its owner described himself (without FADF_HAVEVARTYPE). */
+/* Frees the array with its elements; does nothing for null. Returns DISP_E_ARRAYISLOCKED between SafeArrayAccessData
+ * and SafeArrayUnaccessData, E_INVALIDARG for an array without FADF_HAVEVARTYPE, which these functions did not create;
+ * nothing is freed then. */
 STDAPI SafeArrayDestroy(SAFEARRAY* array);
-/* A copy of an array of one dimension, with its elements. */
+/* Stores a copy of an array of one dimension, with its elements. Returns E_INVALIDARG for null, for several dimensions
+ * and for an array without an element type, and E_OUTOFMEMORY; `*copy` is null then. */
 STDAPI SafeArrayCopy(SAFEARRAY* array, SAFEARRAY** copy);
+/* Lock the array and store the address of its elements; unlock it. Each lock needs an unlock; E_UNEXPECTED for one too
+ * many. */
 STDAPI SafeArrayAccessData(SAFEARRAY* array, void** data);
 STDAPI SafeArrayUnaccessData(SAFEARRAY* array);
+/* Returns the number of dimensions; 0 for null. */
 STDAPI_(UINT) SafeArrayGetDim(SAFEARRAY* array);
+/* Store the first or the last index. Only dimension 1 exists: DISP_E_BADINDEX for any other. The last index of an empty
+ * array is the first one less 1. */
 STDAPI SafeArrayGetLBound(SAFEARRAY* array, UINT dimension, LONG* bound);
 STDAPI SafeArrayGetUBound(SAFEARRAY* array, UINT dimension, LONG* bound);
+/* Stores the type of the elements; E_INVALIDARG if the array does not contain it. */
 STDAPI SafeArrayGetVartype(SAFEARRAY* array, VARTYPE* type);
 
 /* ---- error records ------------------------------------------------------------------------------- */
 
-/* The calling thread's error record: what the last failed call left. Get takes it out (S_FALSE and null where
- * there is none). `reserved` is 0. */
+/* Each thread has at most one error record, which describes its last failed call. `reserved` is 0. */
+
+/* Replaces the thread's record and adds a reference to the new one; null removes the record. */
 STDAPI SetErrorInfo(ULONG reserved, IErrorInfo* record);
+/* Stores the thread's record, which the caller releases, and removes it from the thread. Stores null and returns
+ * S_FALSE if the thread has none. */
 STDAPI GetErrorInfo(ULONG reserved, IErrorInfo** record);
+/* Stores a new, empty record, which the caller releases. */
 STDAPI CreateErrorInfo(ICreateErrorInfo** record);
 
 #endif

@@ -14,7 +14,7 @@ HRESULT CodeOf(const Error& failure) {
 
 namespace {
 
-/// The return code for an argument that can't be taken, with its record; a null's is the runtime's own.
+/// Returns the return code for an argument that can't be taken, with its record; a null's is the runtime's own.
 HRESULT CodeOfArgument(const ArgumentError& failure) {
     SetErrorRecord(failure);
     if (failure.Number < 0 || failure.Number == err::InvalidNull) return CodeOf(failure);

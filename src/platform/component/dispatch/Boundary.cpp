@@ -10,17 +10,17 @@
 namespace Platform {
 namespace {
 
-/// A number for the calling thread that no other thread has.
+/// Returns a number for the calling thread that no other thread has.
 std::uint32_t ThisThread() {
     static std::atomic<std::uint32_t> last = 0;
     thread_local const std::uint32_t number = ++last;
     return number;
 }
 
-/// The first function of a pointer's vtable.
+/// Returns the first function of a pointer's vtable.
 const void* FirstSlot(IUnknown* pointer) { return **reinterpret_cast<const void* const* const*>(pointer); }
 
-/// What an object says of its error records.
+/// The `ISupportErrorInfo` of an object.
 class ErrorSupport final : public ISupportErrorInfo {
 public:
     explicit ErrorSupport(InterfacePointer& owner) : owner_(owner) { Boundary::AddRef(owner_); }

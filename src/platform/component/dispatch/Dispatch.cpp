@@ -70,8 +70,8 @@ HRESULT STDMETHODCALLTYPE GetIDsOfNames(InterfacePointer* self, REFIID riid, LPO
 
 // ---- calls, by name and by slot ----------------------------------------------------------------------
 
-/// Calls the member; then `write(i)` writes the value of each argument that comes back to the caller. It does so as
-/// well when the member raises, because a client sees what was assigned before. What can't be written then is ignored.
+/// Calls the member; then calls `write(i)` for each argument that is written back. Writes back also if the member
+/// raises, because a client must see the values that were assigned before; a failure to write is then ignored.
 template <class Write>
 Variant CallAndWriteBack(const Member& member, Object& object, std::span<Variant> values, Write write) {
     const auto writeAll = [&] {
@@ -130,7 +130,7 @@ public:
         });
     }
 
-    /// The position in the caller's list of an argument.
+    /// Returns the position in the caller's list of an argument.
     UINT PositionOf(std::size_t index) const {
         return given_[index] ? static_cast<UINT>(given_[index] - parameters_.rgvarg) : 0;
     }
@@ -272,7 +272,7 @@ const void* SlotAddress(F* function) {
     return reinterpret_cast<const void*>(function);
 }
 
-/// The slots of an interface that derives from `IUnknown`.
+/// Returns the slots of an interface that derives from `IUnknown`.
 std::vector<const void*> BehindUnknown(std::initializer_list<const void*> own) {
     const auto unknown = Boundary::UnknownSlots();
     std::vector<const void*> slots(unknown.begin(), unknown.end());

@@ -19,7 +19,8 @@ void NumberMembers(std::vector<Member>& members) {
     }
 }
 
-/// A late-bound client can't always distinguish a get from a call, nor a put from a put by reference.
+/// Returns true if a call of this kind may mean the member: a late-bound client can't always distinguish a get from a
+/// call, nor a put from a put by reference.
 bool Answers(const Member& member, MemberKind kind) {
     return member.IsPut() == (kind == MemberKind::Put || kind == MemberKind::PutRef);
 }

@@ -14,18 +14,22 @@ namespace Platform {
 /// it, once.
 class Interface {
 public:
-    /// A dual interface: its vtable has the slots of `IUnknown` and `IDispatch`, followed by those of the members.
+    /// A dual interface: its vtable has the slots of `IUnknown` and `IDispatch`, followed by those of the
+    /// members.
     Interface(String className, const char* help, std::vector<Member> members,
               std::span<const void* const> dispatchSlots);
 
     /// A standard interface, such as `IEnumVARIANT`, instead of a dual interface. It has no members.
     Interface(String className, const IID& identity, const std::type_info& type, std::span<const void* const> slots);
 
+    /// Returns the name of the class without its library: "cPatient".
     const String& ClassName() const noexcept { return className_; }
 
     /// Returns one line about what the class is; empty for a standard interface.
     const char* Help() const noexcept { return help_; }
 
+    /// Returns the members in the order of their slots. A property that can be read and written has one member for each
+    /// kind of access, with the same name and dispatch identifier.
     const std::vector<Member>& Members() const noexcept { return members_; }
 
     /// Returns the member of this name (without regard to case) and kind, or null. A get also matches an operation,
@@ -43,7 +47,7 @@ public:
 
     // ---- for COM clients ------------------------------------------------------------------------
 
-    /// Returns the vtable.
+    /// Returns the vtable, valid as long as the program.
     const void* const* Slots() const noexcept { return table_.data() + TableHead; }
 
     /// Returns true for a dual interface.

@@ -38,7 +38,7 @@ double FromDecimal(const DECIMAL& decimal) {
 
 // ---- arrays of texts --------------------------------------------------------------------------------
 
-/// The text of an element, which is a value and neither an array nor a reference.
+/// Returns the text of an element, which is a value and neither an array nor a reference.
 String TextOf(const VARIANT& element) {
     if (element.vt & (VT_ARRAY | VT_BYREF)) RaiseCode(DISP_E_BADVARTYPE, "Only texts can be the elements of an array");
     return CStr(FromVariant(element));
@@ -80,7 +80,7 @@ VARTYPE TypeOfObject(const Ref<Object>& object) {
     return object->Describe().IsDispatch() ? VT_DISPATCH : VT_UNKNOWN;
 }
 
-/// The pointer of an object for a place of this type: only an enumerator's place takes an object without
+/// Returns the pointer of an object for a place of this type: only an enumerator's place takes an object without
 /// `IDispatch`.
 IUnknown* GiveAs(const MemberType& type, const Ref<Object>& object) {
     const bool anyInterface = std::string_view(type.Name) == Enumerator::ClassName;
@@ -88,7 +88,7 @@ IUnknown* GiveAs(const MemberType& type, const Ref<Object>& object) {
     return Boundary::ToPointer(object);
 }
 
-/// The value at a place of a variant type.
+/// Returns the value at a place of a variant type.
 Variant FromTyped(VARTYPE type, const void* place) {
     switch (type) {
         case VT_I1: return Integer{At<signed char>(place)};
@@ -118,7 +118,7 @@ Variant FromTyped(VARTYPE type, const void* place) {
     }
 }
 
-/// The type that a variant's place must have for a value of `type`.
+/// Returns the type that a variant's place must have for a value of `type`.
 VARTYPE VariantTypeOf(const MemberType& type) {
     switch (type.Is) {
         case Kind::None: return VT_EMPTY;
@@ -136,7 +136,7 @@ VARTYPE VariantTypeOf(const MemberType& type) {
     return VT_EMPTY;
 }
 
-/// The member type that a variant's reference can be written as.
+/// Returns the member type that a variant's reference can be written as.
 MemberType TypeOfReference(VARTYPE type) {
     switch (type) {
         case VT_BOOL: return {Kind::Boolean, ""};

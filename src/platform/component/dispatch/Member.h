@@ -14,7 +14,8 @@ struct EnumerationValue {
     Long Value;
 };
 
-/// The name and the values of an enumeration; each public enumeration specialises it.
+/// The name and the values of an enumeration, as `Name` and `Values`. Each public enumeration specialises it; an
+/// argument or result of an enumeration without a specialisation does not compile.
 template <class E>
 struct EnumerationOf;
 
@@ -24,6 +25,7 @@ struct Enumeration {
     std::span<const EnumerationValue> Values;
 };
 
+/// Returns the name and the values of the enumeration `E`.
 template <class E>
 constexpr Enumeration EnumerationFor() {
     return {EnumerationOf<E>::Name, EnumerationOf<E>::Values};
@@ -47,7 +49,8 @@ struct Argument {
     Variant Default;  ///< the value of an argument that is left out
 };
 
-/// Dispatch identifiers with a special meaning.
+/// Dispatch identifiers with a special meaning: the default member, the enumerator of a collection, and the placeholder
+/// of all other members, which the interface table replaces by increasing numbers.
 constexpr Long DefaultMember = 0;
 constexpr Long EnumeratorMember = -4;
 constexpr Long ByPosition = 0x7FFFFFFF;  ///< replaced by a number that follows the order
@@ -70,6 +73,7 @@ struct Member {
     /// The function of the member in the vtable of the dual interface; it calls `Call`.
     const void* Slot = nullptr;
 
+    /// Returns true for a put and a put by reference, whose last argument is the new value.
     bool IsPut() const noexcept { return Kind == MemberKind::Put || Kind == MemberKind::PutRef; }
 
     /// Returns true if a COM client passes the address of the value. For a put by reference it passes the object

@@ -1,4 +1,4 @@
-// The interface tables of the runtime's own classes, and what the runtime asks this layer about an object.
+// The interface tables of the runtime's own classes, and the hooks by which the runtime calls this layer.
 
 #include "platform/component/binary/Identifier.h"
 #include "platform/component/dispatch/InterfaceTable.h"

@@ -236,7 +236,7 @@ Json JsonOf(const LibraryRecord& library) {
             {"locale", library.Locale}, {"help", library.HelpText},         {"classes", JsonOf(library.Classes)}};
 }
 
-/// The text, whatever the texts in it hold.
+/// Returns JSON as text. Invalid UTF-8 in a text becomes U+FFFD.
 String TextOf(const Json& json, int indent) { return json.dump(indent, ' ', false, Json::error_handler_t::replace); }
 
 }  // namespace

@@ -54,7 +54,8 @@ void Remove(const String& identifier);
 /// Returns false if no library has the path.
 bool RemoveFile(const String& path);
 
-/// While an object of this class lives, its thread registers libraries for this process only.
+/// While an object of this class lives, its thread registers libraries for this process only. Objects may be nested;
+/// the thread that created one deletes it.
 class RegisterInProcess {
 public:
     RegisterInProcess();
@@ -69,17 +70,18 @@ private:
 /// Raises 75 if the file can't be read.
 std::optional<ClassRecord> Find(const String& name);
 
-/// Returns all classes that `Find` can return. Raises as `Find`.
+/// Returns all classes that `Find` can return: those of this process first. Raises as `Find`.
 std::vector<ClassRecord> All();
 
 /// Returns the libraries in the text of a registry file. Raises 75 with a description if it is not the text of a
 /// registry file.
 std::vector<LibraryRecord> Parse(const String& text);
 
-/// Returns a list of classes as JSON text.
+/// Returns a list of classes as JSON text: an array of objects with the members of `ClassRecord` as "name",
+/// "identifier", "library", "threading" and "instancing".
 String PrintClasses(const std::vector<ClassRecord>& classes);
 
-/// Returns the text of a registry file with these libraries.
+/// Returns the text of a registry file with these libraries. `Parse` of the result returns equal records.
 String Print(const std::vector<LibraryRecord>& libraries);
 
 }  // namespace Platform::ClassRegistry

@@ -40,6 +40,7 @@ struct LibraryDescription {
 /// There is one object for each library, which lives as long as the program. Any thread may call.
 class Library final : public ObjectCounter {
 public:
+    /// Copies the description; its texts and its table of classes must live as long as the program.
     explicit Library(const LibraryDescription& description) : description_(description) {}
 
     const LibraryDescription& Description() const noexcept { return description_; }
@@ -58,6 +59,8 @@ public:
     HRESULT UnregisterServer() noexcept;
 
     // ---- counts, for Object and the class factories ---------------------------------------------------
+
+    /// Count the living objects and class factories. `CanUnloadNow` returns S_FALSE while the number is above 0.
     void ObjectBegan() noexcept override { living_.fetch_add(1, std::memory_order_relaxed); }
     void ObjectEnded() noexcept override { living_.fetch_sub(1, std::memory_order_release); }
 

@@ -15,7 +15,7 @@ struct Mapped {
     const char* sqlState;
 };
 
-/// The engine has one code for all errors of a statement; its text distinguishes them.
+/// Returns the number of an error of a statement. The engine has one code for all of them; its text distinguishes them.
 Mapped OfStatement(std::string_view text) {
     if (Contains(text, "no such table")) return {NoTable, "42S02"};
     if (Contains(text, "no such column") || Contains(text, "has no column named")) return {UnknownName, "42S22"};

@@ -104,7 +104,7 @@ private:
         }
     }
 
-    /// A bound text isn't copied: it must live until the run ends.
+    /// Binds a value. A bound text isn't copied: it must live until the run ends.
     void Bind(sqlite3_stmt* compiled, int at, const Cell& cell, std::string_view statement) {
         int code = SQLITE_OK;
         switch (cell.kind) {
@@ -122,7 +122,7 @@ private:
     void ReadRows(CompiledStatement& plan, Outcome& outcome, std::string_view text) {
         sqlite3_stmt* const compiled = plan.Compiled();
         int code = sqlite3_step(compiled);
-        // Each later call replaces the engine's error: it is raised before the columns are asked for.
+        // Each later call replaces the engine's error: it is raised before the columns are read.
         if (code != SQLITE_ROW && code != SQLITE_DONE) RaiseSqlite(database_.get(), text);
         // The engine compiles anew when a table has changed, and the columns with it.
         if (sqlite3_stmt_status(compiled, SQLITE_STMTSTATUS_REPREPARE, 1) > 0) plan.ForgetColumns();
@@ -136,8 +136,8 @@ private:
         if (code != SQLITE_DONE) RaiseSqlite(database_.get(), text);
     }
 
-    /// The value itself is asked: that is sound without the engine's mutex, which a session of one thread
-    /// doesn't have, and spares the look for an error that each call by column takes.
+    /// Returns a value of the current row. Reads it through the engine's value object: this needs no mutex in a session
+    /// of one thread, and avoids the error check that each access by column makes.
     static Cell CellAt(sqlite3_stmt* compiled, int at) {
         sqlite3_value* const value = sqlite3_column_value(compiled, at);
         switch (sqlite3_value_type(value)) {
@@ -170,7 +170,7 @@ int FlagsOf(const String& mode) {
              "Mode=" + mode + " can't be honoured; it is Read, Snapshot, ReadWrite or Create.");
 }
 
-/// Returns a file name as a URI that tells the engine that the file does not change.
+/// Returns a file name as a URI that declares the file immutable to the engine.
 String SnapshotName(const String& file) {
     constexpr std::string_view plain = "/-._~";
     String name = file.starts_with("//") ? "file://" : "file:";
@@ -219,7 +219,7 @@ std::unique_ptr<Session> OpenSqlite(const ConnectionString& settings) {
     Database database(opened);
     if (code != SQLITE_OK) RaiseSqlite(opened, {});
     SetUp(opened, (flags & SQLITE_OPEN_READONLY) != 0);
-    // The engine opens a file without write permission for reading, whatever was asked for.
+    // The engine opens a file without write permission for reading, even if writing was requested.
     return std::make_unique<SqliteSession>(std::move(database), sqlite3_db_readonly(opened, "main") == 1);
 }
 

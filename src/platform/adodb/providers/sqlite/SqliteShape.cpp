@@ -24,7 +24,7 @@ bool IsWordCharacter(char c) {
 
 bool IsSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
-/// The end of a quoted thing that begins at `at`, behind its closing quote; npos if it has none.
+/// Returns the end of the quoted text that begins at `at`, behind its closing quote; npos if it has none.
 std::size_t EndOfQuoted(std::string_view text, std::size_t at) {
     const char quote = text[at] == '[' ? ']' : text[at];
     for (++at; at < text.size(); ++at) {

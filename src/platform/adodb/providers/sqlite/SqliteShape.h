@@ -22,23 +22,24 @@ struct Literal {
 struct Shape {
     std::vector<std::string> pieces;  ///< one more than there are literals
 
-    /// The text to compile, with "?" for each literal.
+    /// Returns the text to compile, with "?" for each literal.
     std::string Text() const;
 
     /// Returns true if `statement` has this shape; `literals` then has its literals, which point into it.
     bool Matches(std::string_view statement, std::vector<Literal>& literals) const;
 };
 
-/// Cuts a statement at the literals that may be lifted. False for a text that is better compiled as it
-/// stands: no select, insert, update or delete, a comment, a parameter of its own, something unended.
+/// Cuts a statement at the literals that a parameter may replace. Returns false for a text that must be compiled
+/// unchanged: another statement than select, insert, update or delete, or a text with a comment, a parameter of its
+/// own or an unterminated literal.
 bool CutAtLiterals(std::string_view statement, Shape& shape, std::vector<Literal>& literals);
 
-/// The value of a text literal: its body with each doubled quote made one.
+/// Returns the value of a text literal: its body with each doubled quote replaced by one.
 std::string Unquoted(std::string_view body);
 
-/// The statement with each chain of at least `longChain` ORs put into parentheses as a balanced tree,
-/// which means the same and stays below the engine's limit for the depth of an expression. Texts without
-/// such a chain come back as they are.
+/// Returns the statement with each chain of at least `longChain` ORs put into parentheses as a balanced tree, which has
+/// the same result and stays below the engine's limit for the depth of an expression. Returns a text without such a
+/// chain unchanged.
 std::string WithBalancedOrChains(std::string_view statement, std::size_t longChain = 200);
 
 }  // namespace ADODB

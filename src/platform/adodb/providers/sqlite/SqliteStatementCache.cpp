@@ -12,8 +12,8 @@ using namespace Platform;
 
 namespace {
 
-/// The beginning of a text, by which cached statements are found: long enough to distinguish statements, short enough
-/// to end before the first literal as a rule.
+/// Returns the beginning of a text, by which cached statements are found: long enough to distinguish statements, short
+/// enough to end before the first literal as a rule.
 std::string_view StartOf(std::string_view text) { return text.substr(0, 16); }
 
 String TextOrEmpty(const char* text) { return text ? text : ""; }
