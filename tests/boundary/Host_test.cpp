@@ -165,13 +165,17 @@ TEST(Describe, ReturnsMembersArgumentsAndResults) {
     Json load;
     for (const Json& member : patient["members"])
         if (member["name"] == "LoadOnPatientIDorPDBID") load = member;
-    EXPECT_EQ(
-        load.dump(),
-        R"({"name":"LoadOnPatientIDorPDBID","kind":"operation","id":1610809354,"arguments":[)"
-        R"({"name":"Con","type":"object","of":"Connection","byReference":false,"comesBack":false,"optional":false},)"
-        R"({"name":"PatientID","type":"text","byReference":true,"comesBack":false,"optional":false},)"
-        R"({"name":"PDBID","type":"long","byReference":true,"comesBack":false,"optional":false}],)"
-        R"("result":"long"})");
+    EXPECT_EQ(load.dump(),
+              R"({"name":"LoadOnPatientIDorPDBID","help":)"
+              R"("Loads a patient. Returns 1, or 0 if there is none; a failure shows a message and returns 0.",)"
+              R"("kind":"operation","id":1610809354,"arguments":[)"
+              R"({"name":"Con","help":"The open connection to the database.",)"
+              R"("type":"object","of":"Connection","byReference":false,"comesBack":false,"optional":false},)"
+              R"({"name":"PatientID","help":"The patient identifier; empty to search by PDBID.",)"
+              R"("type":"text","byReference":true,"comesBack":false,"optional":false},)"
+              R"({"name":"PDBID","help":"The key of the row; ignored unless PatientID is empty.",)"
+              R"("type":"long","byReference":true,"comesBack":false,"optional":false}],)"
+              R"("result":"long"})");
     EXPECT_EQ(OxDescribe(nullptr, nullptr), E_POINTER);
 }
 

@@ -467,7 +467,7 @@ TEST_F(ClassRegistryFile, AProcessThatIsKilledLeavesAWholeFile) {
     int changed = 0;
     for (int round = 1; round <= 20; ++round) {
         Process writer([] { EnterTimes("Killed", '2', 1000000); });
-        usleep(static_cast<useconds_t>(10000 + round * 1700));
+        usleep(static_cast<useconds_t>(10000 + round * 10000));
         writer.Kill();
         const std::vector<LibraryRecord> libraries = Parse(Content(file));
         ASSERT_FALSE(libraries.empty());
