@@ -13,13 +13,13 @@ import sys
 from pathlib import Path
 
 ROOT = Path(sys.argv[1])
+FOLDERS = ("src", "clients", "samples", "examples", "tests", "fuzz", "bench")
 EXPORTED = ("src/library/Exports.cpp", "src/platform/oxplatform.cpp")
 
 
 def sources():
-    listed = subprocess.run(["git", "ls-files", "--cached", "--others", "--exclude-standard", "*.h", "*.cpp"], cwd=ROOT,
-                            capture_output=True, text=True, check=True)
-    return [file for file in listed.stdout.split() if (ROOT / file).exists()]
+    return sorted(str(file.relative_to(ROOT)) for folder in FOLDERS for file in (ROOT / folder).rglob("*")
+                  if file.suffix in (".h", ".cpp"))
 
 
 def main():
