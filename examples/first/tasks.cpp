@@ -1,4 +1,5 @@
 // The usual tasks of a clinic program, each as one function. Reads and writes the clinic database "clinic.db".
+#include "anatomy/RegionCodes.h"
 #include "cardlist/cUniCards.h"
 #include "cards/cImagecard.h"
 #include "cards/cImagecardAttribute.h"
@@ -45,7 +46,7 @@ Ref<cPatient> PatientOf(const Ref<Connection>& con, const String& identifier) {
 /// [change]
 void ChangeAddress(const Ref<Connection>& con, const String& identifier, const String& address) {
     const Ref<cPatient> patient = New<cPatient>();
-    if (patient->LoadOnPatientIDorPDBID(con, identifier, 0) == 0) return;  // there is no such patient
+    if (patient->LoadOnPatientIDorPDBID(con, identifier, 0) == 0) return;  // unknown patient
     if (!patient->LoadCompletion().Complete()) return;  // a save would replace what could not be read
     patient->Address = address;
     patient->Save(con);
@@ -78,7 +79,7 @@ Ref<cSerie> StoreSeries(const Ref<Connection>& con, const cPatient& patient) {
         image->seriesID = series->ID;
         image->dateTime = Now();
         image->sTeeth = teeth;
-        image->AnaRegion = "T-D1213";  // bitewing
+        image->AnaRegion = RegionCode::BothJaws;  // bitewing
         image->Save(con);
     }
     transaction.Commit();
