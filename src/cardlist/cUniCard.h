@@ -40,7 +40,7 @@ public:
     /// are ignored, and `Fullyloaded` stays unchanged.
     ///
     /// An image card: loads the placed images of `Imagecard` again, by its own key, numbers them from 1, and
-    /// loads their images. Reads no images if there are no placed images. A failure to load the placed
+    /// loads their images. If the card is empty, no statement asks for images. A failure to load the placed
     /// images shows a message box and isn't raised.
     ///
     /// A series: loads the images of the series `ID` and its layout into `Template`, and creates an

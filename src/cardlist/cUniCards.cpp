@@ -327,7 +327,7 @@ const Interface& cUniCards::Describe() const {
             Operation<&cUniCards::AddObj>(
                 "AddObj", "Inserts an entry before another one. Returns true.",
                 {{"oUC", "The entry; the collection refers to it and makes no copy."},
-                 Optional("sKey", "The key of the new member; empty for none."),
+                 Optional("sKey", Help::NewKey),
                  Optional("sBefore", "The key of the member behind the new one; without it the operation fails.")}),
             ReadOnly<&cUniCards::Item>("Item", "Returns an entry of the card list.",
                                        {{"vntIndexKey", Help::IndexOrKey}}, DefaultMember),

@@ -32,7 +32,7 @@ const Interface& cComments::Describe() const {
                                         {"ID", "The key of the image."},
                                         {"DateStamp", "The date and time of the comment."},
                                         {"Signature", "The name of the author, of which 150 characters are stored."},
-                                        Optional("sKey", "The key of the new member; empty for none.")}),
+                                        Optional("sKey", Help::NewKey)}),
             ReadOnly<&cComments::Item>("Item", "Returns a comment of the collection.",
                                        {{"vntIndexKey", Help::IndexOrKey}}, DefaultMember),
             ReadOnly<&cComments::Count>("Count", "The number of comments in the collection."),
@@ -45,7 +45,7 @@ const Interface& cComments::Describe() const {
                 "AddObj", "Inserts an existing comment before a position.",
                 {{"Obj", "The comment; the collection refers to it and makes no copy."},
                  {"Index", "The position, from 1; ignored if the collection and sKey are empty."},
-                 Optional("sKey", "The key of the new member; empty for none.")}),
+                 Optional("sKey", Help::NewKey)}),
         });
     return self;
 }

@@ -156,7 +156,7 @@ const Interface& cImages::Describe() const {
                  {"ApprInvert", "True if the image is displayed with inverted grey values."},
                  {"CapturePerson", "The person who captured the image, at most 255 characters."},
                  {"RespPerson", "The person who is responsible for the image, at most 255 characters."},
-                 Optional("sKey", "The key of the new member; empty for none.")}),
+                 Optional("sKey", Help::NewKey)}),
             ReadOnly<&cImages::Item>("Item", "Returns an image of the collection, or null if there is none.",
                                      {{"vntIndexKey", Help::IndexOrKey}}, DefaultMember),
             ReadOnly<&cImages::Count>("Count", "The number of images in the collection."),

@@ -79,7 +79,7 @@ class cComments(Object):
             ID: The key of the image.
             DateStamp: The date and time of the comment.
             Signature: The name of the author, of which 150 characters are stored.
-            sKey: The key of the new member; empty for none.
+            sKey: The key of the new member, which no other member may have; empty for no key.
         """
     def Item(self, vntIndexKey: typing.Any) -> classes.cStringItem:
         """Returns a comment of the collection.
@@ -105,7 +105,7 @@ class cComments(Object):
         Arguments:
             Obj: The comment; the collection refers to it and makes no copy.
             Index: The position, from 1; ignored if the collection and sKey are empty.
-            sKey: The key of the new member; empty for none.
+            sKey: The key of the new member, which no other member may have; empty for no key.
         """
     def __call__(self, vntIndexKey: typing.Any) -> classes.cStringItem:
         """Returns a comment of the collection.
@@ -1457,7 +1457,7 @@ class cImages(Object):
             ApprInvert: True if the image is displayed with inverted grey values.
             CapturePerson: The person who captured the image, at most 255 characters.
             RespPerson: The person who is responsible for the image, at most 255 characters.
-            sKey: The key of the new member; empty for none.
+            sKey: The key of the new member, which no other member may have; empty for no key.
         """
     def Item(self, vntIndexKey: typing.Any) -> classes.cImage:
         """Returns an image of the collection, or null if there is none.
@@ -1512,7 +1512,7 @@ class cUniCards(Object):
 
         Arguments:
             oUC: The entry; the collection refers to it and makes no copy.
-            sKey: The key of the new member; empty for none.
+            sKey: The key of the new member, which no other member may have; empty for no key.
             sBefore: The key of the member behind the new one; without it the operation fails.
         """
     def Item(self, vntIndexKey: typing.Any) -> classes.cUniCard:
