@@ -102,25 +102,38 @@ class Check:
     def objects(self, folder):
         """Reads which object defines and which one needs each symbol. Inline functions are left out."""
         defined, needed = {}, []
-        src = os.path.join(self.source, "src")
         found = 0
         for where, _, names in os.walk(folder):
             for name in names:
-                part = re.search(r"\.dir/(.+\.cpp)\.o$", os.path.join(where, name))
-                if not part or not os.path.exists(os.path.join(src, part.group(1))):
+                path = os.path.join(where, name)
+                part = self.source_of(path)
+                if not part:
                     continue
                 found += 1
-                for line in subprocess.run(["nm", "-P", os.path.join(where, name)], capture_output=True, text=True, check=True).stdout.splitlines():
+                for line in subprocess.run(["nm", "-P", path], capture_output=True, text=True, check=True).stdout.splitlines():
                     symbol, kind = line.split()[:2]
                     if kind in "TDBRS":
-                        defined[symbol] = part.group(1)
+                        defined[symbol] = part
                     elif kind == "U":
-                        needed.append((part.group(1), symbol))
+                        needed.append((part, symbol))
         if not found:
             self.fail(f"{folder} has no objects of src")
         for user, symbol in needed:
             if symbol in defined and defined[symbol] != user:
                 self.dependency(user, defined[symbol], f"links {symbol} of")
+
+    def source_of(self, path):
+        """The file of src that an object was compiled from; "folder/*" if it was several files of a folder together."""
+        src = os.path.join(os.path.abspath(self.source), "src")
+        together = re.search(r"^(.*/Unity/.+\.cxx)\.o$", path)
+        if not together:
+            alone = re.search(r"\.dir/(.+\.cpp)\.o$", path)
+            return alone.group(1) if alone and os.path.exists(os.path.join(src, alone.group(1))) else None
+        files = [os.path.relpath(file, src) for file in includes_of(together.group(1))]
+        modules = {module_of(file) for file in files}
+        if len(modules) > 1:
+            self.fail(f"{path} is compiled from several modules: " + ", ".join(sorted(modules)))
+        return os.path.join(os.path.dirname(files[0]), "*")
 
     def cycles(self):
         """Reports each cycle of units that are not all of one module."""

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Fails if a function of the library is used by nothing: not by the library, a client, a benchmark, a fuzz target or a test.
 
-usage: unused_check.py ROOT-OF-THE-PROJECT
+usage: unused_check.py ROOT-OF-THE-PROJECT FOLDER-FOR-WHAT-IS-KNOWN-OF-UNCHANGED-FILES
 
 cppcheck finds the functions. It doesn't see a function that is named as a template argument, as in the interface tables, or
 called with template arguments, and it can't see the callers of the exported C functions.
@@ -24,7 +24,8 @@ def sources():
 
 def main():
     files = sources()
-    done = subprocess.run(["cppcheck", "--enable=unusedFunction", "--library=googletest", "--std=c++20", "--language=c++",
+    Path(sys.argv[2]).mkdir(parents=True, exist_ok=True)
+    done = subprocess.run(["cppcheck", "--enable=unusedFunction", f"--cppcheck-build-dir={Path(sys.argv[2]).resolve()}", "--library=googletest", "--std=c++20", "--language=c++",
                            "--quiet", "--template={file}:{line}:{message}", *files], cwd=ROOT, capture_output=True, text=True)
     found = re.findall(r"^(src/[^:]+):(\d+):The function '(\w+)' is never used", done.stderr, re.M)
     if not found or done.returncode != 0:

@@ -38,7 +38,7 @@ void detail::StatementText::Add(const AsItStands& spliced) {
     const bool quoted = InsideQuotes();
     if (quoted ? !StaysInLiteral(spliced.text) : !IsWholeNumber(spliced.text))
         ADODB::RaiseAdo(
-            ADODB::ErrorsInCommand, "ADODB.Connection",
+            ADODB::ErrorsInCommand, ADODB::ConnectionSource,
             quoted ? "Syntax error in string: a text with a single quote stands in the statement \"" + text_ + "\"."
                    : "Syntax error: \"" + String(spliced.text) + "\" is not a number, in \"" + text_ + "\".");
     text_ += spliced.text;

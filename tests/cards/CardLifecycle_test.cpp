@@ -15,7 +15,7 @@ using ::testing::IsEmpty;
 const char* const bitewings[] = {"17,16,47,46,", "15,14,45,44,", "24,25,34,35,", "26,27,36,37,"};
 
 /// The place of an image: image, left, top, width, height.
-using Placed = std::vector<double>;
+using Place = std::vector<double>;
 
 class CardLifecycle : public WithDatabase {
 protected:
@@ -91,8 +91,8 @@ protected:
         entry->Fullyloaded = true;
     }
 
-    static std::vector<Placed> PlacesOf(const Ref<cUniCard>& entry) {
-        std::vector<Placed> places;
+    static std::vector<Place> PlacesOf(const Ref<cUniCard>& entry) {
+        std::vector<Place> places;
         for (const auto& placed : Each<cImagecardAttribute>(*entry->Imagecard->ImagecardAttributes))
             places.push_back(
                 {static_cast<double>(placed.ImageID), placed.IAPosX, placed.IAPosY, placed.IAWidth, placed.IAHeight});
@@ -100,8 +100,8 @@ protected:
     }
 
     /// The slots of the layout, each with the image of its frame.
-    std::vector<Placed> SlotsOf(const Ref<cUniCard>& entry) {
-        std::vector<Placed> slots;
+    std::vector<Place> SlotsOf(const Ref<cUniCard>& entry) {
+        std::vector<Place> slots;
         for (const cImage& image : *entry->colImages)
             for (const auto& slot : Each<cTemplateAttribute>(*entry->Template->TemplateAttributes))
                 if (slot.TANumberInTemplate == image.FrameNumber)
@@ -156,7 +156,7 @@ TEST_F(CardLifecycle, AnImageWithoutAFrameIsPlacedInTheGrid) {
     hung->Series->SaveAsIC(con, hung->colImages);
     const Ref<cUniCard> card = List()->Item("IC1");
     Open(card);
-    const std::vector<Placed> places = PlacesOf(card);
+    const std::vector<Place> places = PlacesOf(card);
     ASSERT_EQ(places.size(), 5U);
     EXPECT_THAT(places.back(), ElementsAre(5, 0, 0, 0.19, 0.19));
     EXPECT_EQ(places, PlacesOf(hung));

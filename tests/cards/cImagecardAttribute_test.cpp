@@ -15,10 +15,6 @@ using ::testing::IsEmpty;
 
 namespace fs = std::filesystem;
 
-constexpr const char* executed = "0 1 -1";
-constexpr const char* plainRead = "0 1 1";
-constexpr const char* updatable = "1 3 1";
-
 class Placed : public WithDatabase {
 protected:
     void FillAll() {
@@ -87,21 +83,21 @@ protected:
     Ref<cImagecardAttribute> placed = New<cImagecardAttribute>();
 };
 
-const char* const insertOfAll =
+const char* const insertOfPlaced =
     "INSERT INTO ImageAttribute_T (ImageCardId, ImageBildId, IAFullViewWidth, IAFullViewHeight, "
     "IAFullViewPosX, IAFullViewPosY, IAContrast, IABrightness, IAInvert, IARotation, IASharpen, IASoften, "
     "IAZoom, IAGamma, IAHorizontalMirror, IAVerticalMirror, IAHistoEqualize, IAStretchIntensity, "
     "IAHistogram, IASequence, IAComments, IAMirrRotStatus , IAColorized, IAAttCorr) VALUES (7, 40, 10.5, "
     "20.25, -0.125, 1E+16, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 3, 'it''s', -5, 0, 0);";
-const char* const keyOfAll =
+const char* const keyOfPlaced =
     "SELECT MAX(ImageAttributeId) FROM ImageAttribute_T WHERE ((ImageCardId = 7) AND (ImageBildId = 40) AND "
     "(IASequence = 3));";
-const char* const updateOfAll =
+const char* const updateOfPlaced =
     "UPDATE ImageAttribute_T SET ImageCardID = 7, ImageBildID = 40, IAFullviewWidth = 10.5, IAFullViewHeight "
     "= 20.25, IAFullViewPosX = -0.125, IAFullViewPosY = 1E+16, IASequence = 3, IAMirrRotStatus = -5, "
     "IAComments = 'it''s' WHERE ImageAttributeId = 21;";
 const char* const deleteOfRow = "DELETE FROM ImageAttribute_T WHERE ImageattributeID = 21;";
-const char* const steps = "SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=21;";
+const char* const stepsOfPlaced = "SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=21;";
 const char* const deleteOfSteps = "DELETE FROM ImageManipulation_T WHERE ImageAttributeID=21;";
 const char* const stepsInOrder = "SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=21 ORDER BY SequenceNo;";
 
@@ -137,8 +133,8 @@ TEST_F(Placed, StartsEmpty) {
 TEST_F(Placed, InsertsWithIdZeroAndReadsItsKeyBeforeTheManipulations) {
     FillAll();
     EXPECT_TRUE(placed->Save(con));
-    EXPECT_THAT(Sent(),
-                ElementsAre(insertOfAll, keyOfAll, "SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=1;"));
+    EXPECT_THAT(Sent(), ElementsAre(insertOfPlaced, keyOfPlaced,
+                                    "SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=1;"));
     EXPECT_EQ(placed->ID, 1);
 }
 
@@ -146,7 +142,7 @@ TEST_F(Placed, InsertsWithANegativeIdToo) {
     FillAll();
     placed->ID = -4;
     EXPECT_TRUE(placed->Save(con));
-    EXPECT_EQ(Sent().at(0), insertOfAll);
+    EXPECT_EQ(Sent().at(0), insertOfPlaced);
     EXPECT_EQ(placed->ID, 1);
 }
 
@@ -163,7 +159,7 @@ TEST_F(Placed, UpdatesWithAnIdAboveZero) {
     FillAll();
     placed->ID = 21;
     EXPECT_TRUE(placed->Save(con));
-    EXPECT_THAT(Sent(), ElementsAre(updateOfAll, steps));
+    EXPECT_THAT(Sent(), ElementsAre(updateOfPlaced, stepsOfPlaced));
     EXPECT_EQ(Ask("SELECT IAFullViewPosX FROM ImageAttribute_T"), Variant(-0.125));
     EXPECT_EQ(Ask("SELECT IAContrast FROM ImageAttribute_T"), Variant(Long{55}));
 }
@@ -201,8 +197,8 @@ TEST_F(Placed, FloatsKeepTheirPointOnAMachineWithDecimalCommas) {
     placed->Save(con);
     placed->ID = 21;
     placed->Save(con);
-    EXPECT_EQ(Sent().at(0), insertOfAll);
-    EXPECT_EQ(Sent().at(3), updateOfAll);
+    EXPECT_EQ(Sent().at(0), insertOfPlaced);
+    EXPECT_EQ(Sent().at(3), updateOfPlaced);
 }
 
 TEST_F(Placed, TextsOfAnyScriptAndInjectionsAreStoredAsTheyAre) {
@@ -280,7 +276,7 @@ TEST_F(PlacedToBeDeleted, ARowIsDeletedWithItsManipulations) {
     Run("INSERT INTO ImageManipulation_T (ImageAttributeID, SequenceNo, Type, LongParameter, StringParameter)"
         " VALUES (22, 1, 6, 0, 'of another')");
     EXPECT_TRUE(placed->Save(con));
-    EXPECT_THAT(Sent(), ElementsAre(deleteOfRow, steps));
+    EXPECT_THAT(Sent(), ElementsAre(deleteOfRow, stepsOfPlaced));
     EXPECT_THAT(StoredRows(), ElementsAre(22));
     EXPECT_THAT(StoredSteps(), ElementsAre("22:1:6:0:of another"));
 }
@@ -490,7 +486,7 @@ TEST_F(Steps, AFailedOpenReturnsFalseAndKeepsTheMembers) {
 
 TEST_F(Steps, WithoutStoredOrNewOnesWritesNothing) {
     placed->SaveManipulations(con);
-    EXPECT_THAT(Sent(), ElementsAre(steps));
+    EXPECT_THAT(Sent(), ElementsAre(stepsOfPlaced));
 }
 
 TEST_F(Steps, ReplaceThoseThatWereStored) {
@@ -499,7 +495,7 @@ TEST_F(Steps, ReplaceThoseThatWereStored) {
     AddStep(ManRotate, "new", -90);
     placed->SaveManipulations(con);
     EXPECT_THAT(Sent(),
-                ElementsAre(steps, deleteOfSteps,
+                ElementsAre(stepsOfPlaced, deleteOfSteps,
                             "INSERT INTO ImageManipulation_T (SequenceNo, Type, LongParameter, StringParameter, "
                             "ImageAttributeID) VALUES('1', '6', '-90', 'new', '21');"));
     EXPECT_THAT(StoredSteps(), ElementsAre("21:1:6:-90:new"));
@@ -586,7 +582,7 @@ TEST_F(Steps, AStoredCosmeticWithoutATextKeepsAllThatIsStored) {
     AddStep(ManRotate, "new");
     EXPECT_EQ(FailureOf([&] { placed->SaveManipulations(con); }).Number, 0);
     EXPECT_THAT(StoredSteps(), ElementsAre("21:1:1:90:NULL"));
-    EXPECT_THAT(Sent(), ElementsAre(steps));
+    EXPECT_THAT(Sent(), ElementsAre(stepsOfPlaced));
 }
 
 TEST_F(Steps, AStoredStepWithoutATypeIsReplaced) {
@@ -667,7 +663,7 @@ TEST_F(Cosmetics, AFileOutOfUseIsDeleted) {
     Drop("0070_\\a.dcm");
     EXPECT_FALSE(There("root/0_/a.dcm"));
     EXPECT_TRUE(There("root/0_/b.dcm"));
-    EXPECT_THAT(Sent(), ElementsAre(steps, deleteOfSteps, "SELECT * FROM Root_T WHERE RootID=7;"));
+    EXPECT_THAT(Sent(), ElementsAre(stepsOfPlaced, deleteOfSteps, "SELECT * FROM Root_T WHERE RootID=7;"));
 }
 
 TEST_F(Cosmetics, TheSameTextKeepsTheFile) {
@@ -743,7 +739,7 @@ TEST_F(Cosmetics, ANewOneWithoutAnOldOneDeletesNothing) {
 
 TEST_F(Cosmetics, AStoredEmptyTextReadsNoRoot) {
     Drop("");
-    EXPECT_THAT(Sent(), ElementsAre(steps, deleteOfSteps));
+    EXPECT_THAT(Sent(), ElementsAre(stepsOfPlaced, deleteOfSteps));
 }
 
 TEST_F(Cosmetics, AFailedInsertKeepsTheFile) {

@@ -12,9 +12,6 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::IsSupersetOf;
 
-constexpr const char* executed = "0 1 -1";
-constexpr const char* plainRead = "0 1 1";
-
 class Card : public WithDatabase {
 protected:
     /// Writes card 7 of patient 3, every column filled, then changes columns.
@@ -115,12 +112,12 @@ protected:
     Ref<cImagecard> card = New<cImagecard>();
 };
 
-const char* const insertOfAll =
+const char* const insertOfCard =
     "INSERT INTO ImageCard_T (PatientId, ICName, ICDateCreated, ICLastUpdate, ICDescription, "
     "ICFullViewWidth, ICFullViewHeight, ICMaximized) VALUES (3, 'O''Card', '2023-01-02 03:04:05', "
     "'2024-12-31 23:59:58', 'it''s', 1024, -768, 0);";
-const char* const keyOfAll = "SELECT MAX(ImageCardId) FROM ImageCard_T WHERE PatientId = 3;";
-const char* const updateOfAll =
+const char* const keyOfCard = "SELECT MAX(ImageCardId) FROM ImageCard_T WHERE PatientId = 3;";
+const char* const updateOfCard =
     "UPDATE ImageCard_T SET PatientID = 3, ICName = 'O''Card', ICLastUpdate = '2024-12-31 23:59:58', "
     "ICDescription = 'it''s', ICFullViewWidth = 1024, ICFullViewHeight = -768, ICMaximized = 0 WHERE "
     "ImageCardId = 7;";
@@ -497,7 +494,7 @@ TEST_F(CardAtATime, TheTextBoxWritesTheTimeAsTheMachineDoes) {
 TEST_F(Card, InsertsWithKeyZeroAndReadsTheKey) {
     FillAll();
     EXPECT_TRUE(card->Save(con));
-    EXPECT_THAT(Sent(), ElementsAre(insertOfAll, keyOfAll));
+    EXPECT_THAT(Sent(), ElementsAre(insertOfCard, keyOfCard));
     EXPECT_EQ(card->ICID, 1);
     EXPECT_EQ(Ask("SELECT ICFullViewHeight FROM ImageCard_T"), Variant(-768.0));
 }
@@ -507,7 +504,7 @@ TEST_F(Card, UpdatesWithAKey) {
     FillAll();
     card->ICID = 7;
     EXPECT_TRUE(card->Save(con));
-    EXPECT_THAT(Sent(), ElementsAre(updateOfAll));
+    EXPECT_THAT(Sent(), ElementsAre(updateOfCard));
     EXPECT_EQ(card->ICID, 7);
     EXPECT_EQ(Ask("SELECT ICName FROM ImageCard_T"), Variant("O'Card"));
 }
@@ -525,7 +522,7 @@ TEST_F(Card, UpdatesWithANegativeKeyToo) {
     FillAll();
     card->ICID = -7;
     EXPECT_TRUE(card->Save(con));
-    EXPECT_THAT(Sent(), ElementsAre(Replace(updateOfAll, "ImageCardId = 7", "ImageCardId = -7")));
+    EXPECT_THAT(Sent(), ElementsAre(Replace(updateOfCard, "ImageCardId = 7", "ImageCardId = -7")));
     EXPECT_EQ(CountOf("ImageCard_T"), 0);
 }
 
@@ -560,7 +557,7 @@ TEST_F(Card, StatementsAreTheSameOnAMachineWithDecimalCommas) {
     card->Save(con);
     card->ICID = 7;
     card->Save(con);
-    EXPECT_THAT(Sent(), ElementsAre(insertOfAll, keyOfAll, updateOfAll));
+    EXPECT_THAT(Sent(), ElementsAre(insertOfCard, keyOfCard, updateOfCard));
 }
 
 TEST_F(Card, ASaveStampsNoTime) {
@@ -672,7 +669,7 @@ TEST_F(Card, PlacedImagesAreWrittenInTheOrderOfTheCollectionAfterTheCard) {
     const auto steps = [](const String& id) {
         return "SELECT * FROM ImageManipulation_T WHERE ImageAttributeID=" + id + ";";
     };
-    EXPECT_THAT(Sent(), ElementsAre(insertOfAll, keyOfAll, place("41", "1"), key("41", "1"), steps("1"),
+    EXPECT_THAT(Sent(), ElementsAre(insertOfCard, keyOfCard, place("41", "1"), key("41", "1"), steps("1"),
                                     place("40", "2"), key("40", "2"), steps("2")));
 }
 

@@ -58,15 +58,15 @@ protected:
     Ref<cTemplateAttribute> slot = New<cTemplateAttribute>();
 };
 
-const char* const insertOfAll =
+const char* const insertOfSlot =
     "INSERT INTO TemplateAttribute_T (TemplateId, TAFullViewWidth, TAFullViewHeight, TAFullViewPosX, "
     "TAFullViewPosY, TARotation, TASequence, TAComments, TAGroupname, TANumberInTemplate, TAProportions, "
     "TATGid, "
     "TAImagePath) VALUES (7, 10.5, 20.25, -0.125, 1E+16, -90, 3, 'it''s', 'O''Group', 5, 0.85, 4, "
     "'C:\\it''s.jpg');";
-const char* const keyOfAll =
+const char* const keyOfSlot =
     "SELECT Max(TemplateImageID) AS Max_ID FROM TemplateAttribute_T WHERE TemplateId = 7 AND TASequence = 3;";
-const char* const updateOfAll =
+const char* const updateOfSlot =
     "UPDATE TemplateAttribute_T SET TemplateID = 7, TAFullviewWidth = 10.5, TAFullViewHeight = 20.25, "
     "TAFullViewPosX = -0.125, TAFullViewPosY = 1E+16, TARotation = -90, TASequence = 3, "
     "TAGroupName = 'O''Group', TAComments = 'it''s', TAProportions = 0.85, TANumberInTemplate = 5, TATGId "
@@ -184,7 +184,7 @@ TEST_F(Slot, ReadsTheSameOnAMachineWithDecimalCommas) {
 TEST_F(Slot, InsertsWithIdZeroAndReadsItsKey) {
     FillAll();
     EXPECT_TRUE(slot->Save(con));
-    EXPECT_THAT(Sent(), ElementsAre(insertOfAll, keyOfAll));
+    EXPECT_THAT(Sent(), ElementsAre(insertOfSlot, keyOfSlot));
     EXPECT_EQ(slot->ID, 1);
     EXPECT_EQ(Ask("SELECT TAImagePath FROM TemplateAttribute_T"), Variant("C:\\it's.jpg"));
 }
@@ -211,7 +211,7 @@ TEST_F(Slot, UpdatesWithAnyOtherId) {
         slot->ID = id;
         log.statements.clear();
         EXPECT_TRUE(slot->Save(con));
-        EXPECT_THAT(Sent(), ElementsAre(updateOfAll));
+        EXPECT_THAT(Sent(), ElementsAre(updateOfSlot));
         EXPECT_EQ(slot->ID, id);
     }
 }
@@ -246,10 +246,10 @@ TEST_F(Slot, FloatsKeepTheirPointOnAMachineWithDecimalCommas) {
     const InLocale comma(DecimalComma);
     FillAll();
     slot->Save(con);
-    EXPECT_THAT(Sent(), ElementsAre(insertOfAll, keyOfAll));
+    EXPECT_THAT(Sent(), ElementsAre(insertOfSlot, keyOfSlot));
     log.statements.clear();
     slot->Save(con);
-    EXPECT_THAT(Sent(), ElementsAre(updateOfAll));
+    EXPECT_THAT(Sent(), ElementsAre(updateOfSlot));
 }
 
 TEST_F(Slot, DoublesHaveFifteenDigitsAndFloatsSeven) {

@@ -58,12 +58,12 @@ protected:
     Ref<cTemplate> card = New<cTemplate>();
 };
 
-const char* const insertOfAll =
+const char* const insertOfTemplate =
     "INSERT INTO TemplateCard_T (TCName, TCDate, TCComments, TCFullViewWidth, TCFullViewHeight, TCMaximized, "
     "TCCheckSum,TCDicomId, TCForcedImageType) VALUES ('O''Mouth', '2024-03-04 15:06:07', 'it''s', 12.5, "
     "0.001, 1, "
     "-3, 42, 4);";
-const char* const keyOfAll = "SELECT MAX(TemplateID) AS Max_DicomID FROM TemplateCard_T WHERE TCName='O''Mouth';";
+const char* const keyOfTemplate = "SELECT MAX(TemplateID) AS Max_DicomID FROM TemplateCard_T WHERE TCName='O''Mouth';";
 const char* const slotsOfSeven =
     "SELECT TemplateImageId, TemplateID, TAGroupName, TASequence, TARotation, TAFullViewWidth, "
     "TAFullViewHeight, "
@@ -267,7 +267,7 @@ TEST_F(Template, InsertsWhereTheKeyIsNotAboveZero) {
         card->TCID = key;
         log.statements.clear();
         EXPECT_TRUE(card->Save(con));
-        EXPECT_THAT(Sent(), ElementsAre(insertOfAll, keyOfAll));
+        EXPECT_THAT(Sent(), ElementsAre(insertOfTemplate, keyOfTemplate));
         EXPECT_GT(card->TCID, 0);
     }
     EXPECT_EQ(Ask("SELECT count(*) FROM TemplateCard_T"), Variant(Long{2}));
@@ -355,7 +355,7 @@ TEST_F(Template, StatementsAreTheSameOnAMachineWithDecimalCommas) {
     const InLocale comma(DecimalComma);
     FillAll();
     card->Save(con);
-    EXPECT_THAT(Sent(), ElementsAre(insertOfAll, keyOfAll));
+    EXPECT_THAT(Sent(), ElementsAre(insertOfTemplate, keyOfTemplate));
     log.statements.clear();
     card->Save(con);
     EXPECT_THAT(Sent(), ElementsAre(HasSubstr("TCFullViewWidth = 12.5, TCFullViewHeight = 0.001, ")));
@@ -375,7 +375,7 @@ TEST_F(Template, AnInsertMakesAllSlotsNewAndInsertsThemInOrder) {
     const String key =
         "SELECT Max(TemplateImageID) AS Max_ID FROM TemplateAttribute_T WHERE TemplateId = 1 AND TASequence "
         "= ";
-    EXPECT_THAT(Sent(), ElementsAre(insertOfAll, keyOfAll, slot + "2, '', '', 0, 0, 0, '');", key + "2;",
+    EXPECT_THAT(Sent(), ElementsAre(insertOfTemplate, keyOfTemplate, slot + "2, '', '', 0, 0, 0, '');", key + "2;",
                                     slot + "1, '', '', 0, 0, 0, '');", key + "1;"));
     EXPECT_EQ(SlotAt(1)->ID, 1);
     EXPECT_EQ(SlotAt(2)->ID, 2);

@@ -10,8 +10,6 @@ namespace {
 
 using namespace TestKit;
 
-constexpr Long SyntaxError = static_cast<Long>(0x80040E14);
-
 template <class Piece>
 concept Joins = requires(detail::StatementText statement, Piece piece) {
     statement.Add(piece);

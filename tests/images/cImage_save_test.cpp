@@ -11,8 +11,6 @@ using namespace TestKit;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-constexpr Long StatementError = static_cast<Long>(0x80040E14);
-
 class ImageSave : public WithDatabase {
 protected:
     /// All rows of a table, by another connection; one line a row.
@@ -389,8 +387,8 @@ TEST_F(ImageSave, AQuoteInATextThatIsNotEscapedFailsBeforeAnythingIsSent) {
         const String before = (*image).*text;
         (*image).*text = "x' WHERE '1'='1";
         image->ID = id;
-        EXPECT_EQ(FailureOf([&] { image->Save(con); }).Number, StatementError) << name << id;
-        EXPECT_EQ(FailureOf([&] { image->SaveEx(true, con); }).Number, StatementError) << name << id;
+        EXPECT_EQ(FailureOf([&] { image->Save(con); }).Number, SyntaxError) << name << id;
+        EXPECT_EQ(FailureOf([&] { image->SaveEx(true, con); }).Number, SyntaxError) << name << id;
         EXPECT_EQ(image->ID, id);
         (*image).*text = before;
     };
@@ -417,7 +415,7 @@ TEST_F(ImageSave, AQuoteInTheUidFailsTheSearchOfSaveEx) {
     image = Distinct();
     for (const String uid : {"x' OR '1'='1", "'", "1.2'; DELETE FROM ImageBild_T; --"}) {
         image->instanceUID = uid;
-        EXPECT_EQ(FailureOf([&] { image->SaveEx(false, con); }).Number, StatementError) << uid;
+        EXPECT_EQ(FailureOf([&] { image->SaveEx(false, con); }).Number, SyntaxError) << uid;
     }
     EXPECT_THAT(Sent(), IsEmpty());
 }
@@ -654,7 +652,7 @@ TEST_F(DeletionMark, DeletesUnderEveryKindOfOwnerAndKeepsOtherImages) {
 TEST_F(DeletionMark, WithAQuoteFailsAndWritesNothing) {
     StoreComment(1, "a", "Deleted 2024-01-02 03:04:05 by O''Hara");
     image->CRC = "new";
-    EXPECT_EQ(FailureOf([&] { image->SaveEx(false, con); }).Number, StatementError);
+    EXPECT_EQ(FailureOf([&] { image->SaveEx(false, con); }).Number, SyntaxError);
     EXPECT_EQ(image->ID, 1) << "the row was found by then";
     EXPECT_EQ(OfRow("CRC"), Variant("C0FFEE"));
     EXPECT_EQ(CountOf("Comments_T"), 1);

@@ -14,6 +14,13 @@ using namespace Platform;
 using ADODB::Connection;
 using ADODB::Recordset;
 
+/// Numbers of errors, as a client of a connection or a recordset receives them.
+constexpr Long SyntaxError = static_cast<Long>(0x80040E14);
+constexpr Long TooLong = static_cast<Long>(0x80040E21);
+constexpr Long ConstraintViolated = static_cast<Long>(0x80040E2F);
+constexpr Long MissingTable = static_cast<Long>(0x80040E37);
+constexpr Long MissingColumn = 3265;
+
 /// A folder for one test, which the destructor deletes.
 class TemporaryFolder {
 public:
@@ -51,6 +58,11 @@ public:
 
     std::vector<String> seen;
 };
+
+/// What it keeps of a statement that Execute runs, and of a recordset that is opened to read or to write.
+constexpr const char* executed = "0 1 -1";
+constexpr const char* plainRead = "0 1 1";
+constexpr const char* updatable = "1 3 1";
 
 /// A test with a database: a fresh file with all tables, opened as `con`; `log` holds what was sent since
 /// the test's body began or since it was cleared.
@@ -120,5 +132,8 @@ Error FailureOf(Call call) {
     }
     return {};
 }
+
+/// Returns the number of the failure that `call` raises; 0 if it raises none.
+Long NumberOf(const auto& call) { return FailureOf(call).Number; }
 
 }  // namespace TestKit

@@ -12,10 +12,6 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
-constexpr Long TooLong = static_cast<Long>(0x80040E21);
-constexpr Long MissingTable = static_cast<Long>(0x80040E37);
-constexpr Long MissingColumn = 3265;
-
 /// All members, in the order in which a load reads them.
 String ContentOf(const cClinic& clinic) {
     return CStr(clinic.ID) + "|" + clinic.City + "|" + clinic.ClinicName + "|" + clinic.OrgNumber + "|" +

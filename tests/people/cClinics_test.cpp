@@ -13,10 +13,7 @@ using ::testing::IsEmpty;
 using ::testing::Not;
 using ::testing::StartsWith;
 
-constexpr Long Refused = static_cast<Long>(0x80040E2F);
-constexpr Long MissingTable = static_cast<Long>(0x80040E37);
-
-String ContentOf(const cClinic& clinic) {
+String EntryOf(const cClinic& clinic) {
     return CStr(clinic.ID) + "|" + clinic.ClinicName + "|" + clinic.OrgNumber + "|" + clinic.ZipCode + "|" +
            clinic.StreetAddress + "|" + clinic.City + "|" + clinic.Telephone + "|" + clinic.Remarks16;
 }
@@ -55,7 +52,7 @@ protected:
     const Ref<Connection> closed = New<Connection>();
 };
 
-const char* const selectAll = "SELECT * FROM Clinic_T order by ClinicName;";
+const char* const selectClinics = "SELECT * FROM Clinic_T order by ClinicName;";
 
 TEST_F(Clinics, HaveTheDocumentedMembers) {
     EXPECT_THAT(MembersOf(*clinics),
@@ -77,7 +74,7 @@ TEST_F(Clinics, ItemIsTheDefaultAndNewEnumTheEnumerator) {
 
 TEST_F(Clinics, AddSetsEachPropertyFromItsArgument) {
     const Ref<cClinic> added = clinics->Add(7, " name ", "org", "zip", "street", "city", "phone", "remarks", "Key");
-    EXPECT_EQ(ContentOf(*added), "7| name |org|zip|street|city|phone|remarks");
+    EXPECT_EQ(EntryOf(*added), "7| name |org|zip|street|city|phone|remarks");
     EXPECT_EQ(clinics->Item("kEY"), added);
     EXPECT_EQ(clinics->Item(Long{1}), added);
 }
@@ -143,11 +140,11 @@ TEST_F(Clinics, AnEmptyTableGetsItsHeadOffice) {
     EXPECT_EQ(clinics->GetAllClinics(con), 1);
     con->Unadvise(modes);
     ASSERT_EQ(clinics->Count(), 1);
-    EXPECT_EQ(ContentOf(*clinics->Item("K1")), "1|__HQ||||||");
+    EXPECT_EQ(EntryOf(*clinics->Item("K1")), "1|__HQ||||||");
     EXPECT_EQ(clinics->GetHQClinic(closed), clinics->Item("K1"));
     EXPECT_EQ(CountOfRows(), Variant(Long{1}));
     EXPECT_EQ(Ask("SELECT ClinicName FROM Clinic_T"), Variant("__HQ"));
-    EXPECT_THAT(Sent(), ElementsAre(selectAll));
+    EXPECT_THAT(Sent(), ElementsAre(selectClinics));
     EXPECT_THAT(modes.seen, ElementsAre("2 2 -1"));
 }
 
@@ -170,7 +167,7 @@ TEST_F(Clinics, ATableWithoutAHeadOfficeKeepsItsRowsAndHasNone) {
     EXPECT_EQ(clinics->GetAllClinics(con), 1);
     EXPECT_FALSE(clinics->GetHQClinic(con));
     EXPECT_EQ(CountOfRows(), Variant(Long{1}));
-    EXPECT_THAT(Sent(), ElementsAre(selectAll));
+    EXPECT_THAT(Sent(), ElementsAre(selectClinics));
 }
 
 TEST_F(Clinics, ComeInTheOrderOfTheirNamesUnderTheirKeys) {
@@ -188,13 +185,13 @@ TEST_F(Clinics, LoadEveryColumn) {
     Run("INSERT INTO Clinic_T (ClinicID, ClinicName, OrgNumber, ZipCode, StreetAdress, City, Telephone,"
         " Remarks) VALUES (5, ' North ', 'org', '123', 'Lane 1', 'Umea', '555', 'it''s')");
     clinics->GetAllClinics(con);
-    EXPECT_EQ(ContentOf(*clinics->Item("K5")), "5| North |org|123|Lane 1|Umea|555|it's");
+    EXPECT_EQ(EntryOf(*clinics->Item("K5")), "5| North |org|123|Lane 1|Umea|555|it's");
 }
 
 TEST_F(Clinics, NullsReadAsEmptyTexts) {
     Run("INSERT INTO Clinic_T (ClinicID) VALUES (5)");
     EXPECT_EQ(clinics->GetAllClinics(con), 1);
-    EXPECT_EQ(ContentOf(*clinics->Item("K5")), "5|||||||");
+    EXPECT_EQ(EntryOf(*clinics->Item("K5")), "5|||||||");
 }
 
 TEST_F(Clinics, ASecondLoadReplacesTheMembers) {
@@ -224,7 +221,7 @@ TEST_F(Clinics, AClosedConnectionLeavesAnEmptyList) {
 TEST_F(Clinics, AHeadOfficeThatTheDatabaseRejectsFailsTheLoad) {
     RefuseInserts();
     const Error failure = FailureOf([&] { clinics->GetAllClinics(con); });
-    EXPECT_EQ(failure.Number, Refused);
+    EXPECT_EQ(failure.Number, ConstraintViolated);
     EXPECT_EQ(failure.Source, "cClinics.GetAllClinics, SQLite");
     EXPECT_EQ(failure.Description, "refused");
     EXPECT_THAT(Names(), IsEmpty());
@@ -282,7 +279,7 @@ TEST_F(Clinics, TheHeadOfficeOfAnEmptyListIsLoaded) {
     ASSERT_TRUE(office);
     EXPECT_EQ(office->ID, 6);
     EXPECT_EQ(clinics->Count(), 2);
-    EXPECT_THAT(Sent(), ElementsAre(selectAll));
+    EXPECT_THAT(Sent(), ElementsAre(selectClinics));
 }
 
 TEST_F(Clinics, TheHeadOfficeOfAnEmptyTableIsWritten) {
@@ -336,7 +333,7 @@ TEST_F(Clinics, ANameInOtherCaseFindsTheClinic) {
     const Ref<cClinic> found = clinics->ItemOnClinicName("åLESUND", con);
     ASSERT_TRUE(found);
     EXPECT_EQ(found->ID, 5);
-    EXPECT_THAT(Sent(), ElementsAre(selectAll));
+    EXPECT_THAT(Sent(), ElementsAre(selectClinics));
 }
 
 TEST_F(Clinics, ANameIsFoundAsTheFirstAndWhole) {
@@ -358,7 +355,7 @@ TEST_F(Clinics, AClinicAddedToTheTableSinceTheLoadIsNotFound) {
     clinics->ItemOnClinicName("North", con);
     RunRow(6, "South");
     EXPECT_FALSE(clinics->ItemOnClinicName("South", con));
-    EXPECT_THAT(Sent(), ElementsAre(selectAll));
+    EXPECT_THAT(Sent(), ElementsAre(selectClinics));
 }
 
 TEST_F(Clinics, AnEmptiedListIsLoadedAgain) {
@@ -367,7 +364,7 @@ TEST_F(Clinics, AnEmptiedListIsLoadedAgain) {
     RunRow(6, "South");
     clinics->Remove(Long{1});
     EXPECT_TRUE(clinics->ItemOnClinicName("South", con));
-    EXPECT_THAT(Sent(), ElementsAre(selectAll, selectAll));
+    EXPECT_THAT(Sent(), ElementsAre(selectClinics, selectClinics));
 }
 
 TEST_F(Clinics, ANameOfAnEmptyTableWritesTheHeadOffice) {

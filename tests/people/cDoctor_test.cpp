@@ -13,11 +13,6 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
-constexpr Long TooLong = static_cast<Long>(0x80040E21);
-constexpr Long SyntaxError = static_cast<Long>(0x80040E14);
-constexpr Long MissingTable = static_cast<Long>(0x80040E37);
-constexpr Long MissingColumn = 3265;
-
 String Repeated(const String& text, int times) {
     String all;
     for (int i = 0; i < times; ++i) all += text;
@@ -98,7 +93,7 @@ protected:
     ModeLog modes;
 };
 
-const char* const contentOfRow = "room 3|Ann|5|Hill|AH|Dr.|2|a@h|F00D|ahill";
+const char* const contentOfDoctor = "room 3|Ann|5|Hill|AH|Dr.|2|a@h|F00D|ahill";
 const char* const loadOfFive = "SELECT * FROM Doctor_T   WHERE DrID =5;";
 const char* const saveOfFive = "SELECT * FROM Doctor_T WHERE DrID =5";
 
@@ -415,23 +410,23 @@ TEST_F(Doctor, ANewRowOfATableWithoutACounterIsWrittenAndFailsAtItsNumber) {
 }
 
 /// The columns as a save writes them.
-const std::vector<String> written = {"DrContactInfo_NVC", "DrFirstName_NVC", "DrLastName_NVC",
-                                     "DrName_NVC",        "DrPrefix_NVC",    "DrType_INT",
-                                     "DrEMail",           "drGUID",          "DrLogin"};
+const std::vector<String> doctorColumns = {"DrContactInfo_NVC", "DrFirstName_NVC", "DrLastName_NVC",
+                                           "DrName_NVC",        "DrPrefix_NVC",    "DrType_INT",
+                                           "DrEMail",           "drGUID",          "DrLogin"};
 
 TEST_F(Doctor, ColumnsAreWrittenInTheirOrder) {
     FillAll();
     doctor->DrType = static_cast<DoctorType>(12);
     // Each text is too long for its column, and the one column is not there: what comes first is raised.
-    for (std::size_t missing = 0; missing < written.size(); ++missing) {
-        for (std::size_t narrow = 0; narrow < written.size(); ++narrow) {
+    for (std::size_t missing = 0; missing < doctorColumns.size(); ++missing) {
+        for (std::size_t narrow = 0; narrow < doctorColumns.size(); ++narrow) {
             if (narrow == missing) continue;
             String columns = "drID INTEGER PRIMARY KEY AUTOINCREMENT";
-            for (std::size_t i = 0; i < written.size(); ++i)
-                if (i != missing) columns += ", " + written[i] + (i == narrow ? " NVARCHAR(1)" : " NVARCHAR(99)");
+            for (std::size_t i = 0; i < doctorColumns.size(); ++i)
+                if (i != missing) columns += ", " + doctorColumns[i] + (i == narrow ? " NVARCHAR(1)" : " NVARCHAR(99)");
             RunTable(columns);
             EXPECT_EQ(FailureOf([&] { doctor->SaveDoctor(con); }).Number, missing < narrow ? MissingColumn : TooLong)
-                << written[missing] << " missing, " << written[narrow] << " narrow";
+                << doctorColumns[missing] << " missing, " << doctorColumns[narrow] << " narrow";
         }
     }
 }
@@ -455,7 +450,7 @@ TEST_F(Doctor, LoadsEveryColumnAndWritesNothing) {
     con->Advise(modes);
     EXPECT_TRUE(doctor->LoadDoctor(5, con));
     EXPECT_EQ(SentModes(), "0 1 1");
-    EXPECT_EQ(ContentOf(*doctor), contentOfRow);
+    EXPECT_EQ(ContentOf(*doctor), contentOfDoctor);
     EXPECT_THAT(Sent(), ElementsAre(loadOfFive));
     EXPECT_EQ(Ask("SELECT drGUID FROM Doctor_T"), Variant("f00d"));
     EXPECT_EQ(asked, 0);
@@ -549,7 +544,7 @@ TEST_F(Doctor, ALateBoundLoadWorksTheSame) {
     RunRow();
     std::vector<Variant> arguments{Variant(Long{5}), Variant(con)};
     EXPECT_EQ(Invoke(*doctor, "loaddoctor", MemberKind::Operation, arguments), Variant(true));
-    EXPECT_EQ(ContentOf(*doctor), contentOfRow);
+    EXPECT_EQ(ContentOf(*doctor), contentOfDoctor);
     EXPECT_EQ(arguments[0], Variant(Long{5}));
 }
 
@@ -650,7 +645,7 @@ TEST_F(Doctor, AGuidInAnyCaseFindsARowInUpperCase) {
     EXPECT_TRUE(doctor->LoadDoctorOnGUID("f00D", con));
     EXPECT_EQ(SentModes(), "0 1 1");
     EXPECT_THAT(Sent(), ElementsAre("SELECT * FROM Doctor_T   WHERE DrGUID ='F00D';"));
-    EXPECT_EQ(ContentOf(*doctor), contentOfRow);
+    EXPECT_EQ(ContentOf(*doctor), contentOfDoctor);
 }
 
 TEST_F(Doctor, AGuidDoesNotFindARowInLowerCase) {

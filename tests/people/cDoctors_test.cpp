@@ -14,9 +14,7 @@ using ::testing::MatchesRegex;
 using ::testing::Not;
 using ::testing::StartsWith;
 
-constexpr Long MissingTable = static_cast<Long>(0x80040E37);
-
-String ContentOf(const cDoctor& doctor) {
+String EntryOf(const cDoctor& doctor) {
     return CStr(doctor.drID) + "|" + doctor.DrName + "|" + doctor.DrFirstName + "|" + doctor.DrLastName + "|" +
            doctor.DrPrefix + "|" + doctor.DrContactInfo + "|" + CStr(Long{doctor.DrType}) + "|" + doctor.DrEMail + "|" +
            doctor.drGUID + "|" + doctor.DrLogin;
@@ -53,7 +51,7 @@ protected:
     String Listed(const String& changes) {
         RunRow(5, changes);
         EXPECT_EQ(doctors->GetAllDoctors(con), 1);
-        return ContentOf(*doctors->Item("K5"));
+        return EntryOf(*doctors->Item("K5"));
     }
 
     std::vector<Long> Numbers() const {
@@ -72,7 +70,7 @@ private:
     Host host_ = TheHost();
 };
 
-const char* const selectAll = "SELECT * FROM Doctor_T order by DrLastName_nvc, DrFirstname_nvc;";
+const char* const selectDoctors = "SELECT * FROM Doctor_T order by DrLastName_nvc, DrFirstname_nvc;";
 
 TEST_F(Doctors, HaveTheDocumentedMembers) {
     EXPECT_THAT(MembersOf(*doctors),
@@ -93,7 +91,7 @@ TEST_F(Doctors, ItemIsTheDefaultAndNewEnumTheEnumerator) {
 
 TEST_F(Doctors, AddSetsEachPropertyFromItsArgument) {
     const Ref<cDoctor> added = doctors->Add(7, " name ", "first", "last", "prefix", "contact", drt_Remote, "Key");
-    EXPECT_EQ(ContentOf(*added), "7| name |first|last|prefix|contact|2|||");
+    EXPECT_EQ(EntryOf(*added), "7| name |first|last|prefix|contact|2|||");
     EXPECT_EQ(doctors->Item("kEY"), added);
     EXPECT_EQ(doctors->Item(Long{1}), added);
 }
@@ -151,7 +149,7 @@ TEST_F(Doctors, AnEmptyTableReturnsAnEmptyList) {
     AddOne(1, "K1");
     EXPECT_EQ(doctors->GetAllDoctors(con), 0);
     EXPECT_EQ(doctors->Count(), 0);
-    EXPECT_THAT(Sent(), ElementsAre(selectAll));
+    EXPECT_THAT(Sent(), ElementsAre(selectDoctors));
 }
 
 TEST_F(Doctors, LoadEveryColumnUnderTheKeyOfTheNumber) {
@@ -161,9 +159,9 @@ TEST_F(Doctors, LoadEveryColumnUnderTheKeyOfTheNumber) {
     modes.seen.clear();
     EXPECT_EQ(doctors->GetAllDoctors(con), 1);
     con->Unadvise(modes);
-    EXPECT_EQ(ContentOf(*doctors->Item("K5")), "5|AH|Ann|Hill|Dr.|room 3|2|a@h|F00D|ahill");
+    EXPECT_EQ(EntryOf(*doctors->Item("K5")), "5|AH|Ann|Hill|Dr.|room 3|2|a@h|F00D|ahill");
     EXPECT_THAT(modes.seen, ElementsAre("0 1 -1"));
-    EXPECT_THAT(Sent(), ElementsAre(selectAll));
+    EXPECT_THAT(Sent(), ElementsAre(selectDoctors));
     EXPECT_EQ(Ask("SELECT drGUID FROM Doctor_T"), Variant("f00d"));
 }
 
@@ -218,7 +216,7 @@ TEST_F(Doctors, ADoctorWithoutAGuidGetsOneInMemoryOnly) {
         EXPECT_EQ(doctors->Item("K5")->drGUID, "1234ABCD000100FF0102030405060708") << none;
         EXPECT_EQ(Ask("SELECT drGUID FROM Doctor_T"), before) << none;
     }
-    EXPECT_THAT(Sent(), ElementsAre(selectAll, selectAll, selectAll));
+    EXPECT_THAT(Sent(), ElementsAre(selectDoctors, selectDoctors, selectDoctors));
 }
 
 TEST_F(Doctors, ADoctorWithoutAGuidHasAnotherOneOnEachLoadUntilItIsSaved) {
@@ -288,7 +286,7 @@ TEST_F(Doctors, AMissingColumnAfterTheNamesLeavesAPartlyFilledDoctor) {
         EXPECT_EQ(failure.Number, 3265) << one.column;
         EXPECT_EQ(failure.Source, "cDoctors.GetAllDoctors, ADODB.Recordset") << one.column;
         ASSERT_EQ(doctors->Count(), 1) << one.column;
-        EXPECT_EQ(ContentOf(*doctors->Item("K5")), one.content) << one.column;
+        EXPECT_EQ(EntryOf(*doctors->Item("K5")), one.content) << one.column;
     }
 }
 

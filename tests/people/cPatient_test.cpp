@@ -12,8 +12,6 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-constexpr Long SyntaxError = static_cast<Long>(0x80040E14);
-
 class Patient : public WithDatabase {
 protected:
     Long Load(const String& identifier, Long counter = 0) {

@@ -1,8 +1,9 @@
-#include "anatomy/RegionCodes.h"
 #include "console/dicom/DicomFile.h"
 
+#include "anatomy/RegionCodes.h"
 #include "console/dicom/DicomCodes.h"
 #include "console/dicom/DicomValues.h"
+#include "console/dicom/RefuseFile.h"
 
 #include <dcmtk/config/osconfig.h>
 #include <dcmtk/dcmdata/dctk.h>
@@ -213,8 +214,6 @@ private:
 
 // ------------------------------------------------------------------------------------------- checking
 
-[[noreturn]] void Refuse(const std::string& why) { throw std::runtime_error(why); }
-
 /// The first and the last bytes of a file.
 struct Ends {
     std::string first;  ///< 132 bytes, enough for the mark; less in a shorter file
@@ -232,8 +231,8 @@ void CheckLoaded(const OFCondition& loaded, bool marked) {
     if (!marked) throw NotDicom("not a DICOM file");
     const bool ended = loaded == EC_StreamNotifyClient || loaded == EC_EndOfStream ||
                        loaded == EC_SequDelimitationItemMissing || loaded == EC_InvalidStream;
-    if (ended) Refuse("file is cut short: it ends inside a value");
-    Refuse(std::string("damaged DICOM file: ") + loaded.text());
+    if (ended) RefuseFile("file is cut short: it ends inside a value");
+    RefuseFile(std::string("damaged DICOM file: ") + loaded.text());
 }
 
 /// Returns the paths that the records of a DICOMDIR name: their components are the values of one attribute.
@@ -262,33 +261,33 @@ void CheckIsImage(DcmFileFormat& file, bool marked) {
     if (!marked && !set.tagExists(DCM_SOPClassUID)) throw NotDicom("not a DICOM file");
     if (set.tagExists(DCM_PixelData)) return;
     if (HasNoPictureByKind(set)) throw NotAPicture("a DICOM object of a kind without picture");
-    Refuse("no pixel data");
+    RefuseFile("no pixel data");
 }
 
 void CheckIdentified(const RadiographFile& file) {
-    if (file.sopInstanceUID.empty()) Refuse("no SOP Instance UID");
-    if (file.studyUID.empty()) Refuse("no Study Instance UID");
-    if (file.seriesUID.empty()) Refuse("no Series Instance UID");
+    if (file.sopInstanceUID.empty()) RefuseFile("no SOP Instance UID");
+    if (file.studyUID.empty()) RefuseFile("no Study Instance UID");
+    if (file.seriesUID.empty()) RefuseFile("no Series Instance UID");
 }
 
 /// Throws if the number of uncompressed gray pixels is not that of rows and columns.
 void CheckPixelLength(DcmDataset& set, const RadiographFile& file) {
-    if (file.rows <= 0 || file.columns <= 0) Refuse("no picture size: Rows or Columns is missing");
+    if (file.rows <= 0 || file.columns <= 0) RefuseFile("no picture size: Rows or Columns is missing");
     DcmElement* pixels = nullptr;
     const bool gray = Binary(set, DCM_SamplesPerPixel) == 1;
     if (!gray || DcmXfer(set.getOriginalXfer()).isEncapsulated()) return;
     if (set.findAndGetElement(DCM_PixelData, pixels).bad()) return;
     const double needed = std::ceil(1.0 * file.rows * file.columns * Binary(set, DCM_BitsAllocated) / 8);
     if (pixels->getLengthField() < needed)
-        Refuse("file is cut short: fewer pixels than its " + std::to_string(file.rows) + " rows of " +
-               std::to_string(file.columns));
+        RefuseFile("file is cut short: fewer pixels than its " + std::to_string(file.rows) + " rows of " +
+                   std::to_string(file.columns));
 }
 
 /// Throws for compressed pixels that are cut short. The toolkit does not report pixels that end between two fragments.
 void CheckPixelsClosed(DcmDataset& set, const Ends& ends) {
     const bool last = set.getElement(set.card() - 1)->getTag() == DCM_PixelData;
     if (last && DcmXfer(set.getOriginalXfer()).isEncapsulated() && !ends.Closed())
-        Refuse("file is cut short: its compressed pixels have no end");
+        RefuseFile("file is cut short: its compressed pixels have no end");
 }
 
 RadiographFile DescribeChecked(DcmFileFormat& file, const OFCondition& loaded, const Ends& ends) {
@@ -313,9 +312,9 @@ std::string BytesAt(std::istream& in, std::streamoff position, std::size_t count
 
 Ends EndsOf(const std::filesystem::path& path) {
     std::error_code unknown;
-    if (std::filesystem::is_directory(path, unknown)) Refuse("is a folder");
+    if (std::filesystem::is_directory(path, unknown)) RefuseFile("is a folder");
     std::ifstream in(path, std::ios::binary);
-    if (!in) Refuse(std::string("cannot be read: ") + std::strerror(errno));
+    if (!in) RefuseFile(std::string("cannot be read: ") + std::strerror(errno));
     in.seekg(0, std::ios::end);
     const std::streamoff size = in.tellg();
     if (size <= 0) throw NotDicom("the file is empty");

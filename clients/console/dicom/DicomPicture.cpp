@@ -4,6 +4,7 @@
 #include "console/dicom/DicomFile.h"
 #include "console/dicom/FirstFrame.h"
 #include "console/dicom/GrayTable.h"
+#include "console/dicom/RefuseFile.h"
 #include "console/dicom/StandardView.h"
 
 #include <dcmtk/config/osconfig.h>
@@ -22,8 +23,6 @@
 namespace Console {
 namespace {
 
-[[noreturn]] void Refuse(const std::string& why) { throw std::runtime_error(why); }
-
 std::string Text(DcmItem& set, const DcmTagKey& tag) {
     OFString text;
     set.findAndGetOFStringArray(tag, text);
@@ -35,18 +34,18 @@ void CheckSize(DcmDataset& set) {
     Uint16 rows = 0, columns = 0;
     set.findAndGetUint16(DCM_Rows, rows);
     set.findAndGetUint16(DCM_Columns, columns);
-    if (rows == 0 || columns == 0 || !set.tagExists(DCM_PixelData)) Refuse("has no pixels");
-    if (static_cast<double>(rows) * columns > mostPixels) Refuse("has more than 100 million pixels");
+    if (rows == 0 || columns == 0 || !set.tagExists(DCM_PixelData)) RefuseFile("has no pixels");
+    if (static_cast<double>(rows) * columns > mostPixels) RefuseFile("has more than 100 million pixels");
 }
 
 void Load(DcmFileFormat& file, const std::filesystem::path& path) {
     SilenceToolkit();
     const OFCondition loaded = file.loadFile(path.c_str());
-    if (loaded.bad()) Refuse(loaded.text());
+    if (loaded.bad()) RefuseFile(loaded.text());
     // The toolkit reads a file of an unknown transfer syntax as if it were uncompressed.
     const std::string stated = Text(*file.getMetaInfo(), DCM_TransferSyntaxUID);
     const std::string undecodable = stated.empty() ? "" : WhyNotDecodable(stated);
-    if (!undecodable.empty()) Refuse(undecodable);
+    if (!undecodable.empty()) RefuseFile(undecodable);
     CheckSize(*file.getDataset());
 }
 
@@ -111,7 +110,7 @@ void ShowGrays(DcmDataset& set) {
 using Image = std::unique_ptr<DicomImage>;
 
 Image Checked(Image image) {
-    if (image->getStatus() != EIS_Normal) Refuse(DicomImage::getString(image->getStatus()));
+    if (image->getStatus() != EIS_Normal) RefuseFile(DicomImage::getString(image->getStatus()));
     return image;
 }
 
@@ -145,19 +144,19 @@ Image Sized(Image image, double proportion, unsigned longestSide) {
     const unsigned long height = std::min(image->getHeight(), side(1 / proportion));
     if (width == image->getWidth() && height == image->getHeight()) return image;
     Image scaled(image->createScaledImage(width, height, byArea, asAsked));
-    if (!scaled) Refuse("its pixels can't be scaled");
+    if (!scaled) RefuseFile("its pixels can't be scaled");
     return Checked(std::move(scaled));
 }
 
 void Turn(DicomImage& image, const Orientation& form) {
-    if (form.Mirrored() && !image.flipImage(1, 0)) Refuse("its pixels can't be mirrored");
-    if (form.Degrees() != 0 && !image.rotateImage(form.Degrees())) Refuse("its pixels can't be turned");
+    if (form.Mirrored() && !image.flipImage(1, 0)) RefuseFile("its pixels can't be mirrored");
+    if (form.Degrees() != 0 && !image.rotateImage(form.Degrees())) RefuseFile("its pixels can't be turned");
 }
 
 std::string PngOf(DicomImage& image) {
     constexpr int bitsAChannel = 8;
     const void* const pixels = image.getOutputData(bitsAChannel);
-    if (!pixels) Refuse("its pixels can't be read");
+    if (!pixels) RefuseFile("its pixels can't be read");
     png_image png{};
     png.version = PNG_IMAGE_VERSION;
     png.width = static_cast<png_uint_32>(image.getWidth());
@@ -165,7 +164,7 @@ std::string PngOf(DicomImage& image) {
     png.format = image.isMonochrome() ? PNG_FORMAT_GRAY : PNG_FORMAT_RGB;
     png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(png);
     std::string bytes(size, '\0');
-    if (!png_image_write_to_memory(&png, bytes.data(), &size, 0, pixels, 0, nullptr)) Refuse(png.message);
+    if (!png_image_write_to_memory(&png, bytes.data(), &size, 0, pixels, 0, nullptr)) RefuseFile(png.message);
     bytes.resize(size);
     return bytes;
 }

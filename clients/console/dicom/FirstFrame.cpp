@@ -1,6 +1,7 @@
 #include "console/dicom/FirstFrame.h"
 
 #include "console/dicom/Jpeg2000.h"
+#include "console/dicom/RefuseFile.h"
 
 #include <dcmtk/config/osconfig.h>
 #include <dcmtk/dcmdata/dccodec.h>
@@ -18,8 +19,6 @@
 
 namespace Console {
 namespace {
-
-[[noreturn]] void Refuse(const std::string& why) { throw std::runtime_error(why); }
 
 void RegisterDecoders() {
     static const bool once = [] {
@@ -49,7 +48,7 @@ DcmPixelData& PixelsOf(DcmDataset& set) {
     DcmElement* element = nullptr;
     set.findAndGetElement(DCM_PixelData, element);
     auto* pixels = dynamic_cast<DcmPixelData*>(element);
-    if (!pixels) Refuse("has no pixels");
+    if (!pixels) RefuseFile("has no pixels");
     return *pixels;
 }
 
@@ -80,7 +79,7 @@ std::string_view BytesOf(DcmPixelItem& fragment) {
 DcmPixelSequence& FragmentsOf(DcmDataset& set) {
     DcmPixelSequence* fragments = nullptr;
     PixelsOf(set).getEncapsulatedRepresentation(set.getOriginalXfer(), nullptr, fragments);
-    if (!fragments) Refuse("its compressed pixels can't be found");
+    if (!fragments) RefuseFile("its compressed pixels can't be found");
     return *fragments;
 }
 
@@ -123,7 +122,7 @@ void CheckRleComplete(DcmDataset& set) {
     const std::string_view frame = fragment ? BytesOf(*fragment) : std::string_view();
     const std::size_t pixels = std::size_t{Number(set, DCM_Rows)} * Number(set, DCM_Columns);
     const auto require = [](bool good) {
-        if (!good) Refuse("its pixels are damaged: an RLE segment is cut short");
+        if (!good) RefuseFile("its pixels are damaged: an RLE segment is cut short");
     };
     require(frame.size() >= header);
     const std::size_t segments = RleNumber(frame, 0);
@@ -185,7 +184,7 @@ void CheckFirstFrameComplete(DcmDataset& set) {
     const DcmXfer syntax(set.getOriginalXfer());
     if (syntax.getXfer() == EXS_RLELossless) return CheckRleComplete(set);
     if (!syntax.isEncapsulated() && PixelsOf(set).getLength() < FrameSize(set))
-        Refuse("its pixels are cut short: fewer than its rows and columns need");
+        RefuseFile("its pixels are cut short: fewer than its rows and columns need");
 }
 
 std::vector<unsigned char> FirstFrame(DcmDataset& set) {
@@ -198,7 +197,7 @@ std::vector<unsigned char> FirstFrame(DcmDataset& set) {
     OFString colours;
     const OFCondition read = PixelsOf(set).getUncompressedFrame(&set, 0, fragment, bytes.data(),
                                                                 static_cast<Uint32>(bytes.size()), colours, nullptr);
-    if (read.bad()) Refuse(std::string("its pixels are damaged: ") + read.text());
+    if (read.bad()) RefuseFile(std::string("its pixels are damaged: ") + read.text());
     bytes.resize(size);
     return bytes;
 }

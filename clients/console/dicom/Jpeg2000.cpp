@@ -1,5 +1,7 @@
 #include "console/dicom/Jpeg2000.h"
 
+#include "console/dicom/RefuseFile.h"
+
 #include <algorithm>
 #include <cstring>
 #include <memory>
@@ -10,8 +12,6 @@
 
 namespace Console {
 namespace {
-
-[[noreturn]] void Refuse(const std::string& why) { throw std::runtime_error(why); }
 
 /// Deletes an object of the decoder by the function `End`: streams and codecs have the same C++ type.
 template <auto* End, class T>
@@ -55,7 +55,7 @@ OPJ_BOOL Seek(OPJ_OFF_T position, void* data) {
 Stream StreamOf(Source& source) {
     constexpr OPJ_BOOL forReading = OPJ_TRUE;
     Stream stream(opj_stream_default_create(forReading));
-    if (!stream) Refuse("its JPEG 2000 pixels can't be read");
+    if (!stream) RefuseFile("its JPEG 2000 pixels can't be read");
     opj_stream_set_user_data(stream.get(), &source, nullptr);
     opj_stream_set_user_data_length(stream.get(), source.bytes.size());
     opj_stream_set_read_function(stream.get(), Read);
@@ -76,26 +76,26 @@ void Note(const char* message, void* data) {
 Codec CodecFor(std::string_view codestream, std::string& complaint) {
     constexpr std::string_view jp2("\0\0\0\x0CjP  ", 8);
     Codec codec(opj_create_decompress(codestream.starts_with(jp2) ? OPJ_CODEC_JP2 : OPJ_CODEC_J2K));
-    if (!codec) Refuse("its JPEG 2000 pixels can't be read");
+    if (!codec) RefuseFile("its JPEG 2000 pixels can't be read");
     opj_set_error_handler(codec.get(), Note, &complaint);
     // The decoder only warns of damage inside a codestream, and returns noise.
     opj_set_warning_handler(codec.get(), Note, &complaint);
     opj_dparameters_t parameters;
     opj_set_default_decoder_parameters(&parameters);
-    if (!opj_setup_decoder(codec.get(), &parameters)) Refuse("its JPEG 2000 pixels can't be read");
+    if (!opj_setup_decoder(codec.get(), &parameters)) RefuseFile("its JPEG 2000 pixels can't be read");
     return codec;
 }
 
 std::span<const opj_image_comp_t> Components(const opj_image_t& image) { return {image.comps, image.numcomps}; }
 
 void CheckForm(const opj_image_t& image, unsigned rows, unsigned columns, unsigned channels) {
-    if (image.numcomps != channels) Refuse("its JPEG 2000 pixels have another number of channels");
+    if (image.numcomps != channels) RefuseFile("its JPEG 2000 pixels have another number of channels");
     for (const opj_image_comp_t& component : Components(image)) {
         if (component.w != columns || component.h != rows)
-            Refuse("its JPEG 2000 pixels are not as many as its rows and columns");
+            RefuseFile("its JPEG 2000 pixels are not as many as its rows and columns");
         if (component.prec < 1 || component.prec > 16 || component.prec != image.comps->prec ||
             component.sgnd != image.comps->sgnd)
-            Refuse("its JPEG 2000 samples have not 1 to 16 bits");
+            RefuseFile("its JPEG 2000 samples have not 1 to 16 bits");
     }
 }
 
@@ -118,7 +118,7 @@ Jpeg2000Image DecodeJpeg2000(std::string_view codestream, unsigned rows, unsigne
     std::string complaint;
     const auto require = [&](bool done) {
         if (done && complaint.empty()) return;
-        Refuse("its JPEG 2000 pixels are damaged" + (complaint.empty() ? "" : ": " + complaint));
+        RefuseFile("its JPEG 2000 pixels are damaged" + (complaint.empty() ? "" : ": " + complaint));
     };
     Source source{codestream};
     const Stream stream = StreamOf(source);

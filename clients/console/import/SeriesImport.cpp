@@ -43,27 +43,27 @@ xigImageTypes TypeOf(const RadiographFile& file) {
 }
 
 Json JsonOf(const PatientIdentity& person) {
-    Json json;
-    if (person.number != 0) json["number"] = person.number;
-    json["patient_id"] = person.patientID;
-    json["issuer"] = person.issuer;
-    json["name"] = person.Name();
-    json["born"] = DateText(person.birthDate);
-    json["sex"] = person.sex;
-    return json;
+    Json fields;
+    if (person.number != 0) fields["number"] = person.number;
+    fields["patient_id"] = person.patientID;
+    fields["issuer"] = person.issuer;
+    fields["name"] = person.Name();
+    fields["born"] = DateText(person.birthDate);
+    fields["sex"] = person.sex;
+    return fields;
 }
 
 /// A conflict between a file and the patients that it was compared with.
 [[noreturn]] void RaiseConflict(const std::string& reason, const RadiographFile& file, const PatientIdentity& person,
                                 const std::vector<PatientIdentity>& others, const std::string& titleOfOther) {
     std::string table;
-    Json json{{"series", file.seriesUID}, {"file", JsonOf(person)}, {"others", Json::array()}};
+    Json conflict{{"series", file.seriesUID}, {"file", JsonOf(person)}, {"others", Json::array()}};
     for (const PatientIdentity& other : others) {
         const std::string title = other.number != 0 ? fmt::format("stored as #{}", other.number) : titleOfOther;
         table += SideBySide(other, title, person, "in the file");
-        json["others"].push_back(JsonOf(other));
+        conflict["others"].push_back(JsonOf(other));
     }
-    throw IdentityConflict(reason, table, json);
+    throw IdentityConflict(reason, table, conflict);
 }
 
 /// Returns true if two identities can belong to one person.

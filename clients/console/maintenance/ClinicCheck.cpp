@@ -100,9 +100,9 @@ std::string Said(const PatientIdentity& person) {
 }
 
 /// One check of one clinic.
-class Check {
+class ClinicCheck {
 public:
-    Check(const Database& database, bool repair)
+    ClinicCheck(const Database& database, bool repair)
         : database_(database), con_(database.Con()), repair_(repair), folders_(FoldersOfRoots(con_)) {}
 
     CheckResult Run() {
@@ -419,6 +419,6 @@ private:
 
 }  // namespace
 
-CheckResult CheckClinic(const Database& database, bool repair) { return Check(database, repair).Run(); }
+CheckResult CheckClinic(const Database& database, bool repair) { return ClinicCheck(database, repair).Run(); }
 
 }  // namespace Console

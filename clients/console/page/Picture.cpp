@@ -28,14 +28,14 @@ std::ifstream Opened(const fs::path& path) {
     return in;
 }
 
-struct Release {
+struct ReleasePixels {
     void operator()(GdkPixbuf* pixels) const { g_object_unref(pixels); }
     void operator()(GError* error) const { g_error_free(error); }
 };
-using Pixels = std::unique_ptr<GdkPixbuf, Release>;
+using Pixels = std::unique_ptr<GdkPixbuf, ReleasePixels>;
 
-[[noreturn]] void Refuse(GError* error) {
-    const std::unique_ptr<GError, Release> held(error);
+[[noreturn]] void RefusePicture(GError* error) {
+    const std::unique_ptr<GError, ReleasePixels> held(error);
     throw std::runtime_error(std::string("is damaged: ") + (error ? error->message : "no reason"));
 }
 
@@ -47,7 +47,7 @@ Pixels Decoded(const fs::path& path) {
     if (std::int64_t{width} * height > mostPixels) throw std::runtime_error("has more than 100 million pixels");
     GError* error = nullptr;
     Pixels pixels(gdk_pixbuf_new_from_file(path.c_str(), &error));
-    if (!pixels) Refuse(error);
+    if (!pixels) RefusePicture(error);
     return pixels;
 }
 
@@ -62,7 +62,7 @@ Picture Turned(GdkPixbuf& pixels) {
     gchar* bytes = nullptr;
     gsize size = 0;
     GError* error = nullptr;
-    if (!gdk_pixbuf_save_to_buffer(turned.get(), &bytes, &size, "png", &error, nullptr)) Refuse(error);
+    if (!gdk_pixbuf_save_to_buffer(turned.get(), &bytes, &size, "png", &error, nullptr)) RefusePicture(error);
     const std::unique_ptr<gchar, decltype(&g_free)> held(bytes, &g_free);
     return {"image/png", std::string(bytes, size)};
 }

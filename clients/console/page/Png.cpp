@@ -19,7 +19,7 @@ struct Release {
 template <class T>
 using Held = std::unique_ptr<T, Release>;
 
-[[noreturn]] void Refuse(GError* error) {
+[[noreturn]] void RefuseDrawing(GError* error) {
     const Held<GError> held(error);
     throw std::runtime_error(std::string("the drawing can't be made: ") + (error ? error->message : "no reason"));
 }
@@ -31,7 +31,7 @@ Held<RsvgHandle> Parsed(const std::string& svg) {
     // The pictures inside are longer than the parser's usual limit for a text.
     Held<RsvgHandle> handle(
         rsvg_handle_new_from_stream_sync(stream.get(), nullptr, RSVG_HANDLE_FLAG_UNLIMITED, nullptr, &error));
-    if (!handle) Refuse(error);
+    if (!handle) RefuseDrawing(error);
     return handle;
 }
 
@@ -69,7 +69,7 @@ std::string PngOfSvg(const std::string& svg, unsigned width) {
     const Held<cairo_t> context(cairo_create(surface.get()));
     const RsvgRectangle viewport{0, 0, static_cast<double>(width), height};
     GError* error = nullptr;
-    if (!rsvg_handle_render_document(handle.get(), context.get(), &viewport, &error)) Refuse(error);
+    if (!rsvg_handle_render_document(handle.get(), context.get(), &viewport, &error)) RefuseDrawing(error);
     std::string bytes;
     Require(cairo_surface_write_to_png_stream(surface.get(), Append, &bytes));
     return bytes;

@@ -10,11 +10,7 @@ namespace ADODB {
 
 using namespace Platform;
 
-namespace {
-
-constexpr const char* Self = "ADODB.Connection";
-
-}  // namespace
+namespace {}  // namespace
 
 template <class F>
 auto Connection::Engine(F call) -> decltype(call()) {
@@ -34,17 +30,17 @@ Connection::~Connection() {
 }
 
 Session& Connection::Opened() const {
-    if (!session_) RaiseAdo(adErrObjectClosed, Self);
+    if (!session_) RaiseAdo(adErrObjectClosed, ConnectionSource);
     return *session_;
 }
 
 void Connection::SetConnectionString(const String& text) {
-    if (session_) RaiseAdo(adErrObjectOpen, Self);
+    if (session_) RaiseAdo(adErrObjectOpen, ConnectionSource);
     text_ = text;
 }
 
 void Connection::Open(const String& ConnectionString, const String& UserID, const String& Password, Long) {
-    if (session_) RaiseAdo(adErrObjectOpen, Self);
+    if (session_) RaiseAdo(adErrObjectOpen, ConnectionSource);
     if (!ConnectionString.empty()) text_ = ConnectionString;
     ADODB::ConnectionString settings(text_);
     if (!UserID.empty()) settings.Set("User ID", UserID);
@@ -56,9 +52,9 @@ void Connection::Open(const String& ConnectionString, const String& UserID, cons
 
 Session& Connection::Ready() const {
     Session& session = Opened();
-    if (announcing_) RaiseAdo(adErrNotReentrant, Self);
+    if (announcing_) RaiseAdo(adErrNotReentrant, ConnectionSource);
     if (level_ > 0 && !session.InTransaction())
-        RaiseAdo(NoTransaction, Self,
+        RaiseAdo(NoTransaction, ConnectionSource,
                  "The engine has rolled the transaction back after a failure. Call RollbackTrans before "
                  "anything else.");
     return session;
@@ -97,8 +93,8 @@ void Connection::Tell(Call call) {
 
 void Connection::Close() {
     Opened();
-    if (announcing_) RaiseAdo(adErrNotReentrant, Self);
-    if (level_ > 0) RaiseAdo(adErrInTransaction, Self);
+    if (announcing_) RaiseAdo(adErrNotReentrant, ConnectionSource);
+    if (level_ > 0) RaiseAdo(adErrInTransaction, ConnectionSource);
     const Ref<Connection> self(this);  // its recordsets may hold the last references
     while (!open_.empty()) open_.back()->ConnectionClosed();
     session_.reset();
@@ -113,7 +109,7 @@ void Connection::Announce(ExecuteRequest& request) {
         throw;
     }
     announcing_ = false;
-    if (request.Status == adStatusCancel) RaiseAdo(adErrOperationCancelled, Self);
+    if (request.Status == adStatusCancel) RaiseAdo(adErrOperationCancelled, ConnectionSource);
 }
 
 Outcome Connection::Run(ExecuteRequest& request) {
@@ -163,7 +159,7 @@ std::int64_t Connection::Change(const String& statement, std::span<const Variant
 
 Long Connection::BeginTrans() {
     Session& session = Ready();
-    if (level_ >= session.MostLevels()) RaiseAdo(TooManyTransactions, Self);
+    if (level_ >= session.MostLevels()) RaiseAdo(TooManyTransactions, ConnectionSource);
     Engine([&] { session.Begin(level_ + 1); });
     ++level_;
     Tell([&](ConnectionEvents& handler) { handler.BeginTransComplete(level_); });
@@ -172,7 +168,7 @@ Long Connection::BeginTrans() {
 
 void Connection::CommitTrans() {
     Session& session = Ready();
-    if (level_ == 0) RaiseAdo(NoTransaction, Self);
+    if (level_ == 0) RaiseAdo(NoTransaction, ConnectionSource);
     Engine([&] { session.Commit(level_); });
     --level_;
     Tell([](ConnectionEvents& handler) { handler.CommitTransComplete(); });
@@ -180,8 +176,8 @@ void Connection::CommitTrans() {
 
 void Connection::RollbackTrans() {
     Session& session = Opened();
-    if (announcing_) RaiseAdo(adErrNotReentrant, Self);
-    if (level_ == 0) RaiseAdo(NoTransaction, Self);
+    if (announcing_) RaiseAdo(adErrNotReentrant, ConnectionSource);
+    if (level_ == 0) RaiseAdo(NoTransaction, ConnectionSource);
     Engine([&] { session.RollBack(level_); });
     --level_;
     Tell([](ConnectionEvents& handler) { handler.RollbackTransComplete(); });

@@ -17,11 +17,11 @@ Ref<Recordset> ExecuteText(Connection& connection, const String& commandText, Va
 
 CursorLocationEnum LocationOf(Connection& connection) { return connection.CursorLocation; }
 
-void PutLocation(Connection& connection, CursorLocationEnum location) {
-    connection.CursorLocation = Known(location, "ADODB.Connection");
+void PutDefaultLocation(Connection& connection, CursorLocationEnum location) {
+    connection.CursorLocation = Known(location, ConnectionSource);
 }
 
-ObjectStateEnum StateOf(Connection& connection) { return static_cast<ObjectStateEnum>(connection.State()); }
+ObjectStateEnum ConnectionState(Connection& connection) { return static_cast<ObjectStateEnum>(connection.State()); }
 
 Ref<ErrorsObject> ErrorsOf(Connection& connection) { return New<ErrorsObject>(connection); }
 
@@ -34,9 +34,9 @@ const Interface& Connection::Describe() const {
             ValueProperty<&Connection::ConnectionString, &Connection::SetConnectionString>(
                 "ConnectionString", "The provider and its settings, such as Provider=SQLite;Data Source=clinic.db.",
                 DefaultMember),
-            ValueProperty<&LocationOf, &PutLocation>(
+            ValueProperty<&LocationOf, &PutDefaultLocation>(
                 "CursorLocation", "Where recordsets that are opened from now on keep their rows: 2 server, 3 client."),
-            ReadOnly<&StateOf>("State", "The state: 0 closed, 1 open."),
+            ReadOnly<&ConnectionState>("State", "The state: 0 closed, 1 open."),
             Operation<&Connection::Open>(
                 "Open", "Opens the connection; raises 3705 if it is open.",
                 {Optional("ConnectionString", "The connection string; if empty, the property ConnectionString is used.",

@@ -11,7 +11,7 @@ using namespace Platform;
 namespace {
 
 [[noreturn]] void Refuse(const String& why) {
-    RaiseAdo(MultipleStepFailed, "ADODB.Connection", "The connection string can't be read: " + why + ".");
+    RaiseAdo(MultipleStepFailed, ConnectionSource, "The connection string can't be read: " + why + ".");
 }
 
 /// Returns the quoted value that begins at `at`, and moves `at` behind its closing quote.

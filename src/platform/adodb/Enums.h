@@ -82,9 +82,13 @@ enum DataTypeEnum : Long {
     adLongVarBinary = 205  ///< as `adVariant`
 };
 
-// Numbers of failures. A short number is a failure of this layer; its source is "ADODB.Connection" or
-// "ADODB.Recordset". A provider maps each failure of its engine to one of the long numbers below; this layer raises
-// some of them too (0x80040E21, 0x80040E23, 0x80040E38, 0x8004D00E, 0x8004D013).
+/// The sources of the failures of this layer.
+inline constexpr const char* ConnectionSource = "ADODB.Connection";
+inline constexpr const char* RecordsetSource = "ADODB.Recordset";
+
+// Numbers of failures. A short number is a failure of this layer. A provider maps each failure of its engine to one
+// of the long numbers below; this layer raises some of them too (0x80040E21, 0x80040E23, 0x80040E38, 0x8004D00E,
+// 0x8004D013).
 constexpr Long adErrInvalidArgument = 3001;      ///< an argument out of range or contradictory
 constexpr Long adErrNoCurrentRecord = 3021;      ///< BOF or EOF, where a row is needed
 constexpr Long adErrIllegalOperation = 3219;     ///< not allowed while an edit is pending, or for a forward-only cursor

@@ -10,8 +10,6 @@ using namespace Platform;
 
 namespace {
 
-constexpr const char* Self = "ADODB.Recordset";
-
 /// Returns the cursor type that a request actually gets, as its properties report it.
 CursorTypeEnum ActualCursor(CursorLocationEnum location, CursorTypeEnum asked, LockTypeEnum lock) {
     if (location == adUseClient) return adOpenStatic;
@@ -49,15 +47,16 @@ void Recordset::ConnectionClosed() {
     connection_ = nullptr;
 }
 
-void Recordset::RaiseClosed() { RaiseAdo(adErrObjectClosed, Self); }
+void Recordset::RaiseClosed() { RaiseAdo(adErrObjectClosed, RecordsetSource); }
 
-void Recordset::RaiseNoColumn() { RaiseAdo(adErrItemNotFound, Self); }
+void Recordset::RaiseNoColumn() { RaiseAdo(adErrItemNotFound, RecordsetSource); }
 
 void Recordset::Open(const String& Source, const Ref<Connection>& ActiveConnection, CursorTypeEnum CursorType,
                      LockTypeEnum LockType, Long Options) {
-    if (columns_) RaiseAdo(adErrObjectOpen, Self);
-    if (!ActiveConnection || ActiveConnection->State() == adStateClosed) RaiseAdo(adErrInvalidConnection, Self);
-    if (Options > 0 && (Options & adExecuteNoRecords) != 0) RaiseAdo(adErrInvalidArgument, Self);
+    if (columns_) RaiseAdo(adErrObjectOpen, RecordsetSource);
+    if (!ActiveConnection || ActiveConnection->State() == adStateClosed)
+        RaiseAdo(adErrInvalidConnection, RecordsetSource);
+    if (Options > 0 && (Options & adExecuteNoRecords) != 0) RaiseAdo(adErrInvalidArgument, RecordsetSource);
     cursor_ = CursorType;
     lock_ = LockType;
     ExecuteRequest request{.Source = Source, .CursorType = CursorType, .LockType = LockType, .Options = Options};
@@ -91,7 +90,7 @@ void Recordset::Close() {
 void Recordset::Requery() {
     Result();
     RequireNoEdit();
-    if (!connection_) RaiseAdo(adErrInvalidConnection, Self);
+    if (!connection_) RaiseAdo(adErrInvalidConnection, RecordsetSource);
     const Ref<Connection> connection = connection_;
     const String source = source_;
     // The text is already whole: a table name has become its select.
@@ -102,28 +101,28 @@ void Recordset::Requery() {
 }
 
 void Recordset::SetSource(const String& source) {
-    if (columns_) RaiseAdo(adErrObjectOpen, Self);
+    if (columns_) RaiseAdo(adErrObjectOpen, RecordsetSource);
     source_ = source;
 }
 
 void Recordset::SetCursorType(CursorTypeEnum type) {
-    if (columns_) RaiseAdo(adErrObjectOpen, Self);
-    cursor_ = Known(type, Self);
+    if (columns_) RaiseAdo(adErrObjectOpen, RecordsetSource);
+    cursor_ = Known(type, RecordsetSource);
 }
 
 void Recordset::SetLockType(LockTypeEnum type) {
-    if (columns_) RaiseAdo(adErrObjectOpen, Self);
-    lock_ = Known(type, Self);
+    if (columns_) RaiseAdo(adErrObjectOpen, RecordsetSource);
+    lock_ = Known(type, RecordsetSource);
 }
 
 void Recordset::SetCursorLocation(CursorLocationEnum location) {
-    if (columns_) RaiseAdo(adErrObjectOpen, Self);
+    if (columns_) RaiseAdo(adErrObjectOpen, RecordsetSource);
     location_ = location;
 }
 
 void Recordset::SetActiveConnection(const Ref<Connection>& connection) {
-    if (columns_ && CursorLocation() != adUseClient) RaiseAdo(adErrObjectOpen, Self);
-    if (connection && connection->State() == adStateClosed) RaiseAdo(adErrInvalidConnection, Self);
+    if (columns_ && CursorLocation() != adUseClient) RaiseAdo(adErrObjectOpen, RecordsetSource);
+    if (connection && connection->State() == adStateClosed) RaiseAdo(adErrInvalidConnection, RecordsetSource);
     if (columns_ && connection_) std::erase(connection_->open_, this);
     connection_ = connection;
     if (columns_ && connection_) connection_->open_.push_back(this);
@@ -154,11 +153,11 @@ Long Recordset::AbsolutePosition() const {
 }
 
 void Recordset::RequireNoEdit() const {
-    if (edit_) RaiseAdo(adErrIllegalOperation, Self);
+    if (edit_) RaiseAdo(adErrIllegalOperation, RecordsetSource);
 }
 
 void Recordset::RequireScrolling() const {
-    if (actualCursor_ == adOpenForwardOnly) RaiseAdo(adErrIllegalOperation, Self);
+    if (actualCursor_ == adOpenForwardOnly) RaiseAdo(adErrIllegalOperation, RecordsetSource);
 }
 
 void Recordset::GoTo(Long position) {
@@ -171,14 +170,14 @@ void Recordset::GoTo(Long position) {
 
 void Recordset::MoveFirst() {
     Update();
-    if (bof_ && eof_) RaiseAdo(adErrNoCurrentRecord, Self);
+    if (bof_ && eof_) RaiseAdo(adErrNoCurrentRecord, RecordsetSource);
     GoTo(0);
 }
 
 void Recordset::MoveLast() {
     Update();
     RequireScrolling();
-    if (bof_ && eof_) RaiseAdo(adErrNoCurrentRecord, Self);
+    if (bof_ && eof_) RaiseAdo(adErrNoCurrentRecord, RecordsetSource);
     GoTo(static_cast<Long>(rows_.size()) - 1);
     if (rows_.empty()) eof_ = true;
 }
@@ -192,7 +191,7 @@ void Recordset::Move(Long rows) {
     if (rows < 0) RequireScrolling();
     const bool forward = rows > 0;
     if ((bof_ && eof_) || (forward && eof_) || (rows < 0 && bof_) || (rows == 0 && (bof_ || eof_)))
-        RaiseAdo(adErrNoCurrentRecord, Self);
+        RaiseAdo(adErrNoCurrentRecord, RecordsetSource);
     if (rows == 0) return;
     std::int64_t from = bof_ ? -1 : position_;
     if (onDeleted_ && forward) --from;  // the row behind the deleted one has moved into its place
@@ -207,8 +206,8 @@ Long Recordset::OrdinalOf(std::string_view name) const {
 
 void Recordset::RequireCurrent() const {
     Result();
-    if (onDeleted_) RaiseAdo(DeletedRow, Self);
-    if (bof_ || eof_) RaiseAdo(adErrNoCurrentRecord, Self);
+    if (onDeleted_) RaiseAdo(DeletedRow, RecordsetSource);
+    if (bof_ || eof_) RaiseAdo(adErrNoCurrentRecord, RecordsetSource);
 }
 
 Variant Recordset::ValueAt(Long ordinal) const {

@@ -8,8 +8,6 @@ using namespace Platform;
 
 namespace {
 
-constexpr const char* Self = "ADODB.Recordset";
-
 /// Returns the connection that a client passes: a connection, or the connection string of one that is opened for it.
 Ref<Connection> ConnectionFrom(const Variant& given) {
     if (!given.Is<String>()) return To<Ref<Connection>>(given);
@@ -21,12 +19,12 @@ Ref<Connection> ConnectionFrom(const Variant& given) {
 /// Returns the value that a client passes, or that of the property if the client leaves it out.
 template <class E>
 E AskedOr(E asked, E unspecified, E property) {
-    return asked == unspecified ? property : Known(asked, Self);
+    return asked == unspecified ? property : Known(asked, RecordsetSource);
 }
 
 void OpenAsAsked(Recordset& recordset, const Variant& source, const Variant& activeConnection,
                  CursorTypeEnum cursorType, LockTypeEnum lockType, Long options) {
-    if (recordset.State() != adStateClosed) RaiseAdo(adErrObjectOpen, Self);
+    if (recordset.State() != adStateClosed) RaiseAdo(adErrObjectOpen, RecordsetSource);
     const CursorTypeEnum cursor = AskedOr(cursorType, adOpenUnspecified, recordset.CursorType());
     const LockTypeEnum lock = AskedOr(lockType, adLockUnspecified, recordset.LockType());
     const String statement = source.Is<Empty>() ? recordset.Source() : To<String>(source);
@@ -49,10 +47,10 @@ Platform::detail::Line ActiveConnectionProperty() {
 }
 
 void PutLocation(Recordset& recordset, CursorLocationEnum location) {
-    recordset.SetCursorLocation(Known(location, Self));
+    recordset.SetCursorLocation(Known(location, RecordsetSource));
 }
 
-ObjectStateEnum StateOf(Recordset& recordset) { return static_cast<ObjectStateEnum>(recordset.State()); }
+ObjectStateEnum RecordsetState(Recordset& recordset) { return static_cast<ObjectStateEnum>(recordset.State()); }
 
 PositionEnum PositionOf(Recordset& recordset) { return static_cast<PositionEnum>(recordset.AbsolutePosition()); }
 
@@ -88,7 +86,7 @@ const Interface& Recordset::Describe() const {
                 "LockType", "The kind of lock: 1 read-only, 2 pessimistic, 3 optimistic, 4 batch optimistic."),
             ValueProperty<&Recordset::CursorLocation, &PutLocation>(
                 "CursorLocation", "Where the rows are kept: 2 server, 3 client; overrides the connection's setting."),
-            ReadOnly<&StateOf>("State", "The state: 0 closed, 1 open."),
+            ReadOnly<&RecordsetState>("State", "The state: 0 closed, 1 open."),
             Operation<&OpenAsAsked>(
                 "Open", "Runs a statement; the first row becomes current. Raises 3705 if the recordset is open.",
                 {Optional("Source", "The SQL statement, or a table name with the option adCmdTable."),

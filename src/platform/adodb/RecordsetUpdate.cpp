@@ -6,10 +6,9 @@ using namespace Platform;
 
 namespace {
 
-constexpr const char* Self = "ADODB.Recordset";
-
 [[noreturn]] void RaiseNoOneTable() {
-    RaiseAdo(adErrFeatureNotAvailable, Self, "The rows come from no table or from several, and can't be changed.");
+    RaiseAdo(adErrFeatureNotAvailable, RecordsetSource,
+             "The rows come from no table or from several, and can't be changed.");
 }
 
 }  // namespace
@@ -17,7 +16,7 @@ constexpr const char* Self = "ADODB.Recordset";
 EditModeEnum Recordset::EditMode() const {
     Result();
     if (edit_) return edit_->mode;
-    if (bof_ || eof_ || onDeleted_) RaiseAdo(adErrNoCurrentRecord, Self);
+    if (bof_ || eof_ || onDeleted_) RaiseAdo(adErrNoCurrentRecord, RecordsetSource);
     return adEditNone;
 }
 
@@ -35,8 +34,8 @@ const String& Recordset::BaseTable() const {
 
 void Recordset::RequireUpdatable() const {
     Result();
-    if (actualLock_ == adLockReadOnly) RaiseAdo(adErrFeatureNotAvailable, Self);
-    if (!connection_) RaiseAdo(adErrInvalidConnection, Self);
+    if (actualLock_ == adLockReadOnly) RaiseAdo(adErrFeatureNotAvailable, RecordsetSource);
+    if (!connection_) RaiseAdo(adErrInvalidConnection, RecordsetSource);
     BaseTable();
 }
 
@@ -51,7 +50,8 @@ void Recordset::Assign(Long ordinal, const Variant& value) {
     if (!edit_) RequireCurrent();
     const Column& column = ColumnAt(ordinal);
     if (column.Table.empty())
-        RaiseAdo(adErrFeatureNotAvailable, Self, "Column " + column.Name + " is computed and can't be changed.");
+        RaiseAdo(adErrFeatureNotAvailable, RecordsetSource,
+                 "Column " + column.Name + " is computed and can't be changed.");
     Variant stored = StoredForm(value, column);
     if (!edit_)
         edit_ =
@@ -75,7 +75,7 @@ void Recordset::Update() {
 }
 
 std::int64_t Recordset::Post(const String& statement, const std::vector<Variant>& values) {
-    if (!connection_) RaiseAdo(adErrInvalidConnection, Self);
+    if (!connection_) RaiseAdo(adErrInvalidConnection, RecordsetSource);
     return connection_->Change(statement, values);
 }
 
@@ -111,20 +111,20 @@ void Recordset::Change() {
     if (values.empty()) return;
     const String where = WhereRow(values);
     if (Post("UPDATE " + session.Quoted(BaseTable()) + " SET " + sets + where, values) == 0)
-        RaiseAdo(ConcurrencyViolation, Self);
+        RaiseAdo(ConcurrencyViolation, RecordsetSource);
     rows_[static_cast<std::size_t>(position_)] = EditedRow(Columns::Missing, 0);
 }
 
 void Recordset::Delete(AffectEnum AffectRecords) {
     Result();
-    if (AffectRecords != adAffectCurrent) RaiseAdo(adErrInvalidArgument, Self);
+    if (AffectRecords != adAffectCurrent) RaiseAdo(adErrInvalidArgument, RecordsetSource);
     RequireUpdatable();
     RequireNoEdit();
     RequireCurrent();
     std::vector<Variant> values;
     const String where = WhereRow(values);
     if (Post("DELETE FROM " + connection_->Opened().Quoted(BaseTable()) + where, values) == 0)
-        RaiseAdo(ConcurrencyViolation, Self);
+        RaiseAdo(ConcurrencyViolation, RecordsetSource);
     rows_.erase(rows_.begin() + position_);
     onDeleted_ = true;
 }
@@ -158,7 +158,7 @@ String Recordset::WhereRow(std::vector<Variant>& values) const {
         where += (where.empty() ? " WHERE " : " AND ") + session.Quoted(column.Origin) + " IS ?";
         values.push_back(StoredAt(i));
     }
-    if (!keyed) RaiseAdo(Failed, Self, "Insufficient key column information for updating or refreshing.");
+    if (!keyed) RaiseAdo(Failed, RecordsetSource, "Insufficient key column information for updating or refreshing.");
     return where;
 }
 

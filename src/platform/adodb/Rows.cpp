@@ -58,7 +58,7 @@ Variant StoredText(const Variant& value, const Column& column) {
     String text = To<String>(value);
     if (column.DefinedSize > 0 && Len(text) > column.DefinedSize)
         RaiseAdo(
-            MultipleStepFailed, "ADODB.Recordset",
+            MultipleStepFailed, RecordsetSource,
             "The text for column " + column.Name + " is longer than its " + CStr(column.DefinedSize) + " characters.");
     return text;
 }
@@ -135,7 +135,7 @@ Variant StoredForm(const Variant& value, const Column& column) {
     } catch (const Error& failure) {
         if (failure.Number == MultipleStepFailed) throw;
         const Long number = failure.Number == err::Overflow ? MultipleStepFailed : adErrDataConversion;
-        RaiseAdo(number, "ADODB.Recordset",
+        RaiseAdo(number, RecordsetSource,
                  "The value doesn't fit column " + column.Name + ": " + failure.Description + ".");
     }
 }

@@ -7,10 +7,10 @@ namespace {
 
 using namespace Platform;
 
-const std::string Text = "0123abCD-89ef-FEDC-8f00-00102030aBFf";
+const std::string digits = "0123abCD-89ef-FEDC-8f00-00102030aBFf";
 
 TEST(Identifier, IsReadDigitByDigit) {
-    const GUID guid = GuidOf(Text);
+    const GUID guid = GuidOf(digits);
     EXPECT_EQ(guid.Data1, 0x0123ABCDU);
     EXPECT_EQ(guid.Data2, 0x89EF);
     EXPECT_EQ(guid.Data3, 0xFEDC);
@@ -24,31 +24,31 @@ TEST(Identifier, IsTheSameInUpperAndLowerCase) {
 }
 
 TEST(Identifier, DiffersInEachDigit) {
-    const GUID guid = GuidOf(Text);
-    for (std::size_t i = 0; i < Text.size(); ++i) {
-        if (Text[i] == '-') continue;
-        std::string other = Text;
+    const GUID guid = GuidOf(digits);
+    for (std::size_t i = 0; i < digits.size(); ++i) {
+        if (digits[i] == '-') continue;
+        std::string other = digits;
         other[i] = other[i] == '5' ? '6' : '5';
         EXPECT_FALSE(Same(guid, GuidOf(other))) << i;
     }
 }
 
 TEST(Identifier, HasOneForm) {
-    EXPECT_TRUE(IsGuid(Text));
+    EXPECT_TRUE(IsGuid(digits));
     EXPECT_FALSE(IsGuid(""));
-    EXPECT_FALSE(IsGuid(Text + "0"));
-    EXPECT_FALSE(IsGuid(Text + '\0'));
-    EXPECT_FALSE(IsGuid(Text.substr(1)));
-    EXPECT_FALSE(IsGuid("{" + Text + "}"));
+    EXPECT_FALSE(IsGuid(digits + "0"));
+    EXPECT_FALSE(IsGuid(digits + '\0'));
+    EXPECT_FALSE(IsGuid(digits.substr(1)));
+    EXPECT_FALSE(IsGuid("{" + digits + "}"));
     EXPECT_FALSE(IsGuid(std::string(36, '-')));
     EXPECT_FALSE(IsGuid(std::string(36, '0')));
     EXPECT_FALSE(IsGuid(std::string(36, '\0')));
 }
 
 TEST(Identifier, HasDigitsAndStrokesInTheirPlaces) {
-    for (std::size_t i = 0; i < Text.size(); ++i)
-        for (const char wrong : {'g', 'G', '/', ':', '@', '`', ' ', '\0', '\xE4', Text[i] == '-' ? '0' : '-'}) {
-            std::string other = Text;
+    for (std::size_t i = 0; i < digits.size(); ++i)
+        for (const char wrong : {'g', 'G', '/', ':', '@', '`', ' ', '\0', '\xE4', digits[i] == '-' ? '0' : '-'}) {
+            std::string other = digits;
             other[i] = wrong;
             EXPECT_FALSE(IsGuid(other)) << other;
         }
@@ -56,7 +56,7 @@ TEST(Identifier, HasDigitsAndStrokesInTheirPlaces) {
 
 TEST(Identifier, TakesEachHexadecimalDigit) {
     for (const char digit : std::string("0123456789abcdefABCDEF")) {
-        std::string other = Text;
+        std::string other = digits;
         other[0] = digit;
         EXPECT_TRUE(IsGuid(other)) << digit;
     }

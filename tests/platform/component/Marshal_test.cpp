@@ -183,9 +183,9 @@ TEST(Marshal, AForeignObjectIsPassedUnchanged) {
 // ---- what is taken ----------------------------------------------------------------------------------
 
 /// A value of each accepted type, at an address of that type.
-struct Sample {
+struct TypedPlace {
     template <class T>
-    Sample(int type, T value, Variant expected) : Type(type), Expected(std::move(expected)) {
+    TypedPlace(int type, T value, Variant expected) : Type(type), Expected(std::move(expected)) {
         static_assert(sizeof value <= sizeof Place);
         std::memcpy(Place, &value, sizeof value);
     }
@@ -194,7 +194,7 @@ struct Sample {
     alignas(16) unsigned char Place[16] = {};
 };
 
-std::vector<Sample> Samples() {
+std::vector<TypedPlace> TypedPlaces() {
     return {{VT_I1, std::int8_t{-7}, Integer{-7}},
             {VT_UI1, BYTE{250}, Integer{250}},
             {VT_I2, SHORT{-300}, Integer{-300}},
@@ -218,7 +218,7 @@ std::vector<Sample> Samples() {
 }
 
 TEST(Marshal, EachTypeIsTaken) {
-    for (const Sample& sample : Samples()) {
+    for (const TypedPlace& sample : TypedPlaces()) {
         VARIANT variant{};
         variant.vt = static_cast<VARTYPE>(sample.Type);
         std::memcpy(&variant.llVal, sample.Place, 8);
@@ -227,14 +227,14 @@ TEST(Marshal, EachTypeIsTaken) {
 }
 
 TEST(Marshal, EachTypeIsTakenByReference) {
-    for (Sample& sample : Samples()) {
+    for (TypedPlace& sample : TypedPlaces()) {
         const Held reference(VT_BYREF | sample.Type, sample.Place);
         EXPECT_EQ(FromVariant(reference), sample.Expected) << sample.Type;
     }
 }
 
 TEST(Marshal, EachTypeIsTakenThroughAReferenceToAVariant) {
-    for (Sample& sample : Samples()) {
+    for (TypedPlace& sample : TypedPlaces()) {
         VARIANT variant{};
         variant.vt = static_cast<VARTYPE>(sample.Type);
         std::memcpy(&variant.llVal, sample.Place, 8);

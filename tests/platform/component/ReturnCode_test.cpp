@@ -16,7 +16,7 @@ using namespace Platform;
 HRESULT Code(std::uint32_t code) { return static_cast<HRESULT>(code); }
 
 /// Returns the text that a getter of a record stores.
-String Got(IErrorInfo* record, HRESULT (IErrorInfo::*get)(BSTR*)) {
+String TextOf(IErrorInfo* record, HRESULT (IErrorInfo::*get)(BSTR*)) {
     BSTR text = nullptr;
     EXPECT_EQ((record->*get)(&text), S_OK);
     const OwnedBstr owned(text);
@@ -27,7 +27,7 @@ String Got(IErrorInfo* record, HRESULT (IErrorInfo::*get)(BSTR*)) {
 String Record() {
     IErrorInfo* record = nullptr;
     if (GetErrorInfo(0, &record) != S_OK) return "";
-    const String text = Got(record, &IErrorInfo::GetSource) + ": " + Got(record, &IErrorInfo::GetDescription);
+    const String text = TextOf(record, &IErrorInfo::GetSource) + ": " + TextOf(record, &IErrorInfo::GetDescription);
     EXPECT_EQ(record->Release(), 0U) << "the thread was its only holder";
     return text;
 }

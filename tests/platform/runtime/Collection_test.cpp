@@ -6,8 +6,7 @@ namespace {
 
 using namespace Platform;
 using TestKit::FailureOf;
-
-Long NumberOf(const auto& call) { return FailureOf(call).Number; }
+using TestKit::NumberOf;
 
 String All(const Collection& collection) {
     String text;

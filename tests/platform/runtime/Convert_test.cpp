@@ -12,8 +12,7 @@ using namespace Platform;
 using TestKit::DecimalComma;
 using TestKit::FailureOf;
 using TestKit::InLocale;
-
-Long NumberOf(const auto& call) { return FailureOf(call).Number; }
+using TestKit::NumberOf;
 
 TEST(Convert, WholeNumbersRoundHalfToEven) {
     EXPECT_EQ(CInt(0.5), 0);

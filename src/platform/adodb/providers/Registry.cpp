@@ -20,7 +20,7 @@ void RegisterProvider(const String& name, Opener open) { Known().insert(Known().
 Opener FindProvider(const String& name) {
     for (const auto& [known, open] : Known())
         if (EqualsIgnoringCase(known, name)) return open;
-    RaiseAdo(adErrProviderNotFound, "ADODB.Connection",
+    RaiseAdo(adErrProviderNotFound, ConnectionSource,
              "Provider cannot be found. It may not be properly installed. There is none named \"" + name +
                  "\"; \"SQLite\" is built in.");
 }

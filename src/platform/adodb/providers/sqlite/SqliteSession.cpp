@@ -166,7 +166,7 @@ int FlagsOf(const String& mode) {
     if (EqualsIgnoringCase(mode, "Snapshot")) return SQLITE_OPEN_READONLY | SQLITE_OPEN_URI;
     if (EqualsIgnoringCase(mode, "ReadWrite")) return SQLITE_OPEN_READWRITE;
     if (EqualsIgnoringCase(mode, "Create")) return SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
-    RaiseAdo(MultipleStepFailed, "ADODB.Connection",
+    RaiseAdo(MultipleStepFailed, ConnectionSource,
              "Mode=" + mode + " can't be honoured; it is Read, Snapshot, ReadWrite or Create.");
 }
 
@@ -190,11 +190,11 @@ String SnapshotName(const String& file) {
 void RequireKnownSettings(const ConnectionString& settings) {
     const String unknown = settings.FirstUnknown({"Provider", "Data Source", "Mode", "User ID", "Password"});
     if (!unknown.empty())
-        RaiseAdo(MultipleStepFailed, "ADODB.Connection", "The setting \"" + unknown + "\" is not known.");
+        RaiseAdo(MultipleStepFailed, ConnectionSource, "The setting \"" + unknown + "\" is not known.");
     if (!settings.Value("Password").empty())
-        RaiseAdo(MultipleStepFailed, "ADODB.Connection", "A password can't be honoured: a file has no users.");
+        RaiseAdo(MultipleStepFailed, ConnectionSource, "A password can't be honoured: a file has no users.");
     if (settings.Value("Data Source").empty())
-        RaiseAdo(MultipleStepFailed, "ADODB.Connection", "The connection string names no Data Source.");
+        RaiseAdo(MultipleStepFailed, ConnectionSource, "The connection string names no Data Source.");
 }
 
 void SetUp(sqlite3* database, bool readOnly) {
