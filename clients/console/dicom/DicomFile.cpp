@@ -175,7 +175,7 @@ private:
     /// Of the image, else of the series. "U", unpaired, says nothing about a side.
     std::string Laterality() {
         for (const DcmTagKey& tag : {DCM_ImageLaterality, DCM_Laterality}) {
-            const std::string side = Text(tag);
+            std::string side = Text(tag);
             if (side == "L" || side == "R" || side == "B") return side;
         }
         return {};

@@ -256,6 +256,7 @@ Long SeriesImport::StoreInTransaction(const std::vector<NewImage>& images, Named
     const Long patient = PatientOf(first, result);
     const Ref<cSerie> series = SeriesOf(first, StudyOf(first, patient));
     std::vector<std::string> storedNames;
+    storedNames.reserve(images.size());
     for (const NewImage& image : images) storedNames.push_back(StoredNameOf(image.radiograph->file, patient));
     Stage().Announce(storedNames);
     const std::size_t before = result.stored;
