@@ -1,6 +1,5 @@
 #include "bench/Boundary.h"
 
-#include "bench/Ratio.h"
 #include "people/cPatient.h"
 #include "platform/component/dispatch/Boundary.h"
 #include "platform/component/dispatch/InterfaceTable.h"
@@ -27,14 +26,14 @@ private:
     IDispatch* dispatch_;
 };
 
-void ReadBySlot(const Ref<cPatient>& patient, IDispatch* held) {
+void ReadBySlot(Report& report, const Ref<cPatient>& patient, IDispatch* held) {
     const auto& members = patient->Describe().Members();
     const auto* member = patient->Describe().Find("LastName", Platform::MemberKind::Get);
     const auto slot = 7 + (member - members.data());
     using Get = HRESULT(STDMETHODCALLTYPE*)(IDispatch*, BSTR*);
     const auto get = reinterpret_cast<Get>(const_cast<void*>((*reinterpret_cast<void***>(held))[slot]));
-    PrintRatio(
-        "a text property read by slot", Rounds, 9,
+    report.Compare(
+        "slot", "a text property read through the COM interface by slot", "one", Rounds, 9,
         [&] {
             for (int i = 0; i < Rounds; ++i) {
                 BSTR text = nullptr;
@@ -47,10 +46,10 @@ void ReadBySlot(const Ref<cPatient>& patient, IDispatch* held) {
         });
 }
 
-void ReadByName(const Ref<cPatient>& patient, IDispatch* held) {
+void ReadByName(Report& report, const Ref<cPatient>& patient, IDispatch* held) {
     const DISPID id = patient->Describe().Find("LastName")->DispId;
-    PrintRatio(
-        "a text property read by name", Rounds, 9,
+    report.Compare(
+        "name", "a text property read through the COM interface by name", "one", Rounds, 9,
         [&] {
             for (int i = 0; i < Rounds; ++i) {
                 DISPPARAMS none{};
@@ -64,9 +63,9 @@ void ReadByName(const Ref<cPatient>& patient, IDispatch* held) {
         });
 }
 
-void Make() {
-    PrintRatio(
-        "a patient given over the boundary and dropped", Rounds, 9,
+void Make(Report& report) {
+    report.Compare(
+        "object", "an object passed through the COM interface and released", "one", Rounds, 9,
         [&] {
             for (int i = 0; i < Rounds; ++i) Require(Held(New<cPatient>()).Get() != nullptr);
         },
@@ -77,13 +76,13 @@ void Make() {
 
 }  // namespace
 
-void BenchBoundary() {
+void BenchBoundary(Report& report) {
     const Ref<cPatient> patient = New<cPatient>();
     patient->LastName = "Åkesson";
     const Held held(patient);
-    ReadBySlot(patient, held.Get());
-    ReadByName(patient, held.Get());
-    Make();
+    ReadBySlot(report, patient, held.Get());
+    ReadByName(report, patient, held.Get());
+    Make(report);
 }
 
 }  // namespace Bench

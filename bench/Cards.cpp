@@ -2,7 +2,6 @@
 
 #include "bench/CardsByHand.h"
 #include "bench/Clinic.h"
-#include "bench/Ratio.h"
 #include "cardlist/cUniCards.h"
 
 namespace Bench {
@@ -10,26 +9,28 @@ namespace {
 
 using namespace OXClass;
 
-void List(const Ref<Connection>& con, CardsByHand& hand, const ListOfCards& list, int rounds) {
+void List(Report& report, const Ref<Connection>& con, CardsByHand& hand, const ListOfCards& list, int rounds) {
     const auto count = static_cast<std::size_t>(list.entries);
     const std::string name = "P" + std::to_string(list.patient);
-    PrintRatio(("card list of " + std::to_string(count) + " entries, an entry").c_str(), count, rounds,
-               [&] {
-                   const Ref<cUniCards> entries = New<cUniCards>();
-                   entries->GetICAndSEList4Patient(con, name, 0);
-                   Require(entries->Count() == list.entries);
-               },
-               [&] { Require(hand.List(name).size() == count); });
+    const std::string size = std::to_string(count);
+    report.Compare(
+        "list-" + size, "card list of " + size + " entries", "an entry", count, rounds,
+        [&] {
+            const Ref<cUniCards> entries = New<cUniCards>();
+            entries->GetICAndSEList4Patient(con, name, 0);
+            Require(entries->Count() == list.entries);
+        },
+        [&] { Require(hand.List(name).size() == count); });
 }
 
-void OpenSeries(const Ref<Connection>& con, CardsByHand& hand, ByHand& images) {
+void OpenSeries(Report& report, const Ref<Connection>& con, CardsByHand& hand, ByHand& images) {
     constexpr Long series = 1234;
     constexpr std::size_t count = 20;
     const Ref<cUniCard> entry = New<cUniCard>();
     entry->Series = New<cSerie>();
     Require(entry->Series->loadSeries(CStr(series), con));
-    PrintRatio(
-        "open a series of 20, whole", 1, 500,
+    report.Compare(
+        "open-series", "open a series of 20", "whole", 1, 500,
         [&] {
             Long number = series;
             entry->LoadCardFull(con, {}, number, ctseries);
@@ -38,14 +39,14 @@ void OpenSeries(const Ref<Connection>& con, CardsByHand& hand, ByHand& images) {
         [&] { Require(images.LoadSeriesWhole(series).size() == count && hand.SlotsOf(5).size() == 20); });
 }
 
-void OpenCard(const Ref<Connection>& con, CardsByHand& hand, ByHand& images) {
+void OpenCard(Report& report, const Ref<Connection>& con, CardsByHand& hand, ByHand& images) {
     constexpr Long card = 1234;
     constexpr std::size_t count = 20;
     const Ref<cUniCard> entry = New<cUniCard>();
     entry->Imagecard = New<cImagecard>();
     entry->Imagecard->GetImageCard(con, card);
-    PrintRatio(
-        "open a card of 20, whole", 1, 500,
+    report.Compare(
+        "open-card", "open a card of 20", "whole", 1, 500,
         [&] {
             Long number = card;
             entry->LoadCardFull(con, {}, number, ctImagecard);
@@ -60,12 +61,12 @@ void OpenCard(const Ref<Connection>& con, CardsByHand& hand, ByHand& images) {
 
 }  // namespace
 
-void BenchCards(const Ref<Connection>& con, const std::string& path, ByHand& images) {
+void BenchCards(Report& report, const Ref<Connection>& con, const std::string& path, ByHand& images) {
     CardsByHand hand(path);
-    List(con, hand, ShortList, 200);
-    List(con, hand, LongList, 9);
-    OpenSeries(con, hand, images);
-    OpenCard(con, hand, images);
+    List(report, con, hand, ShortList, 200);
+    List(report, con, hand, LongList, 9);
+    OpenSeries(report, con, hand, images);
+    OpenCard(report, con, hand, images);
 }
 
 }  // namespace Bench

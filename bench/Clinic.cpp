@@ -85,7 +85,7 @@ std::string ListStatements(const ListOfCards& list) {
 std::string ClinicWithMillionImages(const std::string& folder) {
     const std::string path = folder + "/clinic.db";
     if (std::filesystem::exists(path)) return path;
-    std::printf("Making %s with a million images ...\n", path.c_str());
+    std::fprintf(stderr, "Making %s with a million images ...\n", path.c_str());
     const std::string partial = path + ".part";
     std::filesystem::remove(partial);
     sqlite3* database = nullptr;

@@ -2,27 +2,26 @@
 #include "bench/ByHand.h"
 #include "bench/Cards.h"
 #include "bench/Clinic.h"
-#include "bench/Ratio.h"
+#include "bench/Report.h"
 
 #include "images/cImages.h"
 #include "series/cSerie.h"
 
+#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <random>
 
 /// Benchmarks: what the library costs beside the same work written by hand on the engine's C interface,
 /// with prepared statements and bound values, in the same run.
-///
-/// Usage: oxclass_bench [FOLDER]; the folder keeps the database of a million images between runs.
 namespace {
 
 using namespace Bench;
 using namespace OXClass;
 
-void LoadPatient(const Ref<Connection>& con, ByHand& hand) {
+void LoadPatient(Report& report, const Ref<Connection>& con, ByHand& hand) {
     constexpr std::size_t expected = Images / Patients;
-    PrintRatio(
-        "load 10,000 images of a patient, an image", expected, 9,
+    report.Compare(
+        "load-patient", "load 10,000 images of a patient, of a million", "an image", expected, 15,
         [&] {
             const Ref<cImages> images = New<cImages>();
             Require(images->LoadAll4Object(con, iootPatient, 7) == Long{expected});
@@ -30,12 +29,12 @@ void LoadPatient(const Ref<Connection>& con, ByHand& hand) {
         [&] { Require(hand.LoadPatient(7).size() == expected); });
 }
 
-void LoadSingle(const Ref<Connection>& con, ByHand& hand) {
+void LoadSingle(Report& report, const Ref<Connection>& con, ByHand& hand) {
     std::mt19937 random(1);
     std::vector<Long> ids(20'000);
     for (Long& id : ids) id = static_cast<Long>(random() % Images) + 1;
-    PrintRatio(
-        "20,000 single loads, one", ids.size(), 9,
+    report.Compare(
+        "load-single", "20,000 single loads", "one", ids.size(), 15,
         [&] {
             for (const Long id : ids) {
                 const Ref<cImage> image = New<cImage>();
@@ -99,12 +98,13 @@ void Forget(ByHand& hand) {
     hand.Execute("PRAGMA wal_checkpoint(TRUNCATE)");
 }
 
-void Save(const Ref<Connection>& con, ByHand& hand, bool oneTransaction) {
+void Save(Report& report, const Ref<Connection>& con, ByHand& hand, bool oneTransaction) {
     constexpr int count = 5'000;
     std::vector<HandImage> values;
     for (int i = 0; i < count; ++i) values.push_back(SampleOf(i));
-    PrintRatio(
-        oneTransaction ? "5,000 saves in one transaction, one" : "5,000 saves each on its own, one", count, 7,
+    report.Compare(
+        oneTransaction ? "save-together" : "save-alone",
+        oneTransaction ? "5,000 saves in one transaction" : "5,000 saves each on its own", "one", count, 9,
         [&] {
             if (oneTransaction) con->BeginTrans();
             for (const HandImage& value : values) {
@@ -165,32 +165,33 @@ Ref<cImages> NewSeries(std::size_t count) {
     return images;
 }
 
-/// Hanging alone, in memory: there is nothing by hand to set beside it.
-void Hang(const Ref<Connection>& con, std::size_t count) {
-    constexpr int rounds = 400;
+/// Hanging alone, in memory.
+void Hang(Report& report, const Ref<Connection>& con, std::size_t count) {
     std::vector<Ref<cImages>> series;
-    for (int i = 0; i < rounds; ++i) series.push_back(NewSeries(count));
-    std::vector<double> times;
-    for (const Ref<cImages>& images : series) {
-        const Ref<cSerie> serie = New<cSerie>();
-        serie->ImgCount = static_cast<Long>(count);
-        times.push_back(Seconds([&] { serie->HangSeries(images, con); }));
-        for (const cImage& image : *images) Require(image.FrameNumber > 0);
+    std::vector<Report::Work> works;
+    for (int i = 0; i < 400; ++i) {
+        series.push_back(NewSeries(count));
+        works.emplace_back([images = series.back(), con, count] {
+            const Ref<cSerie> serie = New<cSerie>();
+            serie->ImgCount = static_cast<Long>(count);
+            serie->HangSeries(images, con);
+        });
     }
-    std::printf("hang %2zu images in memory %33.2f us\n", count, Median(times) * 1e6);
+    const std::string size = std::to_string(count);
+    report.Measure("hang-" + size, "hang " + size + " images, in memory", "whole", works);
 }
 
 /// Loading a stored series, hanging it and saving its images, beside loading and updating the same rows.
-void HangStored(const Ref<Connection>& con, ByHand& hand, std::size_t count) {
+void HangStored(Report& report, const Ref<Connection>& con, ByHand& hand, std::size_t count) {
     const Ref<cImages> images = NewSeries(count);
     const Long id = 9'000'000 + static_cast<Long>(count);
     for (cImage& image : *images) {
         image.seriesID = id;
         image.Save(con);
     }
-    const std::string what = "load, hang and save a series of " + std::to_string(count) + ", whole";
-    PrintRatio(
-        what.c_str(), 1, 200,
+    const std::string size = std::to_string(count);
+    report.Compare(
+        "series-" + size, "load, hang and save a series of " + size, "whole", 1, 400,
         [&] {
             const Ref<cImages> loaded = New<cImages>();
             const Ref<cSerie> serie = New<cSerie>();
@@ -213,19 +214,30 @@ void HangStored(const Ref<Connection>& con, ByHand& hand, std::size_t count) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const std::string folder = argc > 1 ? argv[1] : std::filesystem::temp_directory_path() / "oxclass-bench";
+    CLI::App app("Compares the library with the same work written by hand on the engine's C interface.");
+    std::string folder = std::filesystem::temp_directory_path() / "oxclass-bench", only, baseline;
+    bool json = false;
+    app.add_option("FOLDER", folder, "keeps the database of a million images between runs")->capture_default_str();
+    app.add_option("--only", only, "measure only what begins with this key, such as save-");
+    app.add_flag("--json", json, "print the results as JSON");
+    app.add_option("--check", baseline,
+                   "compare the ratios with this file, a result of --json; exit code 3 if one is slower");
+    CLI11_PARSE(app, argc, argv);
+
     std::filesystem::create_directories(folder);
     const std::string path = ClinicWithMillionImages(folder);
     const Ref<Connection> con = Connect(path);
     ByHand hand(path);
     Forget(hand);
-    std::printf("%-52s %12s  %12s  %6s\n", "", "library", "by hand", "ratio");
-    LoadPatient(con, hand);
-    LoadSingle(con, hand);
-    Save(con, hand, true);
-    Save(con, hand, false);
-    for (const std::size_t count : {4, 18, 20}) HangStored(con, hand, count);
-    for (const std::size_t count : {4, 18, 20}) Hang(con, count);
-    BenchCards(con, path, hand);
-    BenchBoundary();
+    Report report(only, json);
+    LoadPatient(report, con, hand);
+    LoadSingle(report, con, hand);
+    Save(report, con, hand, true);
+    Save(report, con, hand, false);
+    for (const std::size_t count : {4, 18, 20}) HangStored(report, con, hand, count);
+    for (const std::size_t count : {4, 18, 20}) Hang(report, con, count);
+    BenchCards(report, con, path, hand);
+    BenchBoundary(report);
+    if (json) std::puts(report.Json().c_str());
+    return baseline.empty() || report.NoSlowerThan(baseline) ? 0 : 3;
 }

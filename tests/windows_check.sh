@@ -24,7 +24,8 @@ check() {
 for file in platform/component/*/*.cpp platform/runtime/Object.cpp platform/oxplatform.cpp library/Exports.cpp \
     library/ClassTable.cpp people/cPatient.cpp; do
     echo "#include \"$file\""
-done >"$own/all.cpp"
+done >"$own/all.new"
+cmp -s "$own/all.new" "$own/all.cpp" || cp "$own/all.new" "$own/all.cpp"
 check "the component layer" "$own/all.cpp"
 
 check "the comparison of sizes and offsets" -x c++ - <<'UNIT'

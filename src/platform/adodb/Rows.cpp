@@ -85,19 +85,25 @@ Variant StoredByType(const Variant& value, const Column& column) {
 }  // namespace
 
 Columns::Columns(std::vector<Column> columns)
-    : columns_(std::move(columns)), guesses_(std::bit_ceil(2 * columns_.size() + 1)) {
+    : columns_(std::move(columns)), found_(std::bit_ceil(2 * columns_.size() + MostProbes), NotFound) {
     for (Long i = 0; i < Count(); ++i) byName_.try_emplace(LCase(At(i).Name), i);
 }
 
 Long Columns::Find(std::string_view name) const {
-    std::uint16_t& guess = guesses_[HashOfAddress(name) % guesses_.size()];
-    if (guess < columns_.size()) {
-        const String& guessed = columns_[guess].Name;
-        if (guessed == name || EqualsIgnoringCase(guessed, name)) return guess;
+    const std::size_t first = HashOfAddress(name);
+    std::uint16_t* free = &found_[first % found_.size()];  // also replaced if no place is free
+    for (std::size_t probe = 0; probe < MostProbes; ++probe) {
+        std::uint16_t& place = found_[(first + probe) % found_.size()];
+        if (place == NotFound) {
+            free = &place;
+            break;
+        }
+        const String& there = columns_[place].Name;
+        if (there == name || EqualsIgnoringCase(there, name)) return place;
     }
     const auto found = byName_.find(LCase(name));
     if (found == byName_.end()) return Missing;
-    guess = static_cast<std::uint16_t>(found->second);
+    *free = static_cast<std::uint16_t>(found->second);
     return found->second;
 }
 

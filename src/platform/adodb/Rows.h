@@ -39,9 +39,11 @@ public:
 private:
     std::vector<Column> columns_;
     std::unordered_map<String, Long> byName_;  ///< by names in lower case
-    /// The ordinals that were found last, by the address of the name. Callers pass literals, row after row, so that a
-    /// guess by the address is nearly always right; it is compared with the name before it is used.
-    mutable std::vector<std::uint16_t> guesses_;
+    /// The ordinals that were found, in the place of the name's address or one of the next places. Callers pass the
+    /// same literals row after row; the name of the column is compared before an ordinal is used.
+    mutable std::vector<std::uint16_t> found_;
+    static constexpr std::size_t MostProbes = 8;
+    static constexpr std::uint16_t NotFound = 0xFFFF;
 };
 
 /// One value of a row as the engine stores it. A text is not a copy: it points into the row.

@@ -134,12 +134,12 @@ String UCase(std::string_view text) { return MapCharacters(text, Upper); }
 String LCase(std::string_view text) { return MapCharacters(text, Lower); }
 
 bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
-    if (IsAscii(a) && IsAscii(b)) {
-        return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
-            return Lower(static_cast<unsigned char>(x)) == Lower(static_cast<unsigned char>(y));
-        });
+    for (std::size_t at = 0; at < std::min(a.size(), b.size()); ++at) {
+        const auto x = static_cast<unsigned char>(a[at]), y = static_cast<unsigned char>(b[at]);
+        if (x >= 0x80 || y >= 0x80) return LCase(a) == LCase(b);
+        if (Lower(x) != Lower(y)) return false;
     }
-    return LCase(a) == LCase(b);
+    return a.size() == b.size();
 }
 
 String Replace(std::string_view text, std::string_view find, std::string_view by) {
