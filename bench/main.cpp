@@ -5,10 +5,12 @@
 #include "bench/Report.h"
 
 #include "images/cImages.h"
+#include "platform/adodb/Transaction.h"
 #include "series/cSerie.h"
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
+#include <optional>
 #include <random>
 
 /// Benchmarks: what the library costs beside the same work written by hand on the engine's C interface,
@@ -106,13 +108,14 @@ void Save(Report& report, const Ref<Connection>& con, ByHand& hand, bool oneTran
         oneTransaction ? "save-together" : "save-alone",
         oneTransaction ? "5,000 saves in one transaction" : "5,000 saves each on its own", "one", count, 9,
         [&] {
-            if (oneTransaction) con->BeginTrans();
+            std::optional<ADODB::Transaction> transaction;
+            if (oneTransaction) transaction.emplace(con);
             for (const HandImage& value : values) {
                 const Ref<cImage> image = ObjectOf(value);
                 image->Save(con);
                 Require(image->ID > 0);
             }
-            if (oneTransaction) con->CommitTrans();
+            if (transaction) transaction->Commit();
         },
         [&] {
             if (oneTransaction) hand.Execute("BEGIN IMMEDIATE");
@@ -197,9 +200,9 @@ void HangStored(Report& report, const Ref<Connection>& con, ByHand& hand, std::s
             const Ref<cSerie> serie = New<cSerie>();
             serie->ImgCount = loaded->LoadAll4Object(con, iootSeries, id);
             serie->HangSeries(loaded, con);
-            con->BeginTrans();
+            ADODB::Transaction transaction(con);
             for (cImage& image : *loaded) image.Save(con);
-            con->CommitTrans();
+            transaction.Commit();
         },
         [&] {
             std::vector<HandImage> loaded = hand.LoadSeries(id);

@@ -2,6 +2,7 @@
 
 #include "DicomWriter.h"
 #include "Views.h"
+#include "anatomy/RegionCodes.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -13,6 +14,7 @@ namespace Samples {
 namespace {
 
 using Console::CodeGeneration;
+namespace RegionCode = OXClass::RegionCode;
 using Files = std::vector<SampleFile>;
 
 // ------------------------------------------------------------------------------------------- the films
@@ -48,7 +50,7 @@ std::string SideOf(const std::vector<int>& teeth) {
 std::string RegionOf(const std::vector<int>& teeth) {
     const bool upper = std::ranges::any_of(teeth, Console::IsUpperTooth);
     const bool lower = !std::ranges::all_of(teeth, Console::IsUpperTooth);
-    return upper && lower ? "T-D1213" : upper ? "T-11170" : "T-11180";
+    return upper && lower ? RegionCode::BothJaws : upper ? RegionCode::UpperJaw : RegionCode::LowerJaw;
 }
 
 std::string TwoDigits(int number) { return (number < 10 ? "0" : "") + std::to_string(number); }
@@ -103,7 +105,7 @@ Files Series(const std::string& name, const std::string& description, const std:
 Radiograph PanoramicAbout(const std::string& name) {
     Radiograph about = Named(name, Kind::Panoramic, "Panoramic");
     about.laterality = "B";
-    about.region = "T-D1213";
+    about.region = RegionCode::BothJaws;
     for (const int tooth : Console::AllTeeth) {
         if (tooth < 50) about.teeth.push_back(tooth);
     }
@@ -113,7 +115,7 @@ Radiograph PanoramicAbout(const std::string& name) {
 Radiograph HeadAbout(const std::string& name, const std::string& description, const std::string& laterality) {
     Radiograph about = Named(name, Kind::Cephalogram, description);
     about.laterality = laterality;
-    about.region = "T-11100";
+    about.region = RegionCode::Skull;
     return about;
 }
 
@@ -139,13 +141,13 @@ Files OldCodes() {
     Radiograph retired = IntraOral("codes-srt", {47, 46}, "Periapical");
     retired.generation = CodeGeneration::Srt;
     Radiograph contradicting = IntraOral("region-contradicts-teeth", {24, 25}, "Periapical");
-    contradicting.region = "T-D1213";
+    contradicting.region = RegionCode::BothJaws;
     contradicting.laterality = "R";
     Files files{AwkwardFilm(previous), AwkwardFilm(retired), AwkwardFilm(contradicting)};
     for (int number = 1; number <= 4; ++number) {
         const Shot& shot = Bitewings[static_cast<std::size_t>(number - 1)];
         Radiograph about = IntraOral("region-d1217", shot.teeth, "Bitewings");
-        about.region = "T-D1217";
+        about.region = RegionCode::BothJawsOld;
         about.instanceName += "-" + std::to_string(number);
         about.instanceNumber = about.minute = number;
         files.push_back(AwkwardFilm(about));
@@ -165,7 +167,7 @@ Files Missing() {
     without("no-series-description", {"SeriesDescription"});
     Radiograph toothless = IntraOral("no-teeth", {26, 27}, "Periapical");
     toothless.teeth.clear();
-    toothless.regionModifier = "T-5100A";
+    toothless.regionModifier = RegionCode::FirstMolar;
     files.push_back(FilmFile(Awkward("no-teeth"), toothless, {{26, 27}, false, 8, 1}));
     Radiograph bare = PanoramicAbout("panoramic-no-anatomy");
     bare.laterality = bare.region = "";

@@ -4,9 +4,9 @@
 #
 # Usage: windows_check.sh ROOT-OF-THE-PROJECT FOLDER, which is created. Exit code 0 when all compiles, otherwise 1.
 
+own=$(realpath -m "$2")
 cd "$1/src" || exit 1
 compiler=x86_64-w64-mingw32-g++-posix
-own=$2
 mkdir -p "$own" || exit 1
 ln -sfn /usr/include/nlohmann "$own/nlohmann"
 failed=0

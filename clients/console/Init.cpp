@@ -4,6 +4,7 @@
 #include "console/NewDatabase.h"
 #include "console/import/StorageRoot.h"
 #include "frame/Statement.h"
+#include "platform/adodb/Transaction.h"
 
 #include <fmt/format.h>
 
@@ -30,7 +31,7 @@ std::string ClinicOf(const fs::path& file) {
 void Fill(const fs::path& file, const fs::path& root, const std::string& database) {
     const Ref<Connection> con = Platform::New<Connection>();
     con->Open(ConnectionStringOf(file.string(), "Create"));
-    con->BeginTrans();
+    ADODB::Transaction transaction(con);
     RunScript(con, schema::sqlite_sql);
     RunScript(con, schema::layouts_sql);
     RunScript(con, schema::program_sql);
@@ -39,7 +40,7 @@ void Fill(const fs::path& file, const fs::path& root, const std::string& databas
     StorageRoots(con).Create(root);
     con->Execute(
         sql("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, '", FixSqlString(root.string()), "', 1);"));
-    con->CommitTrans();
+    transaction.Commit();
     con->Close();
 }
 

@@ -37,8 +37,16 @@ constexpr Long UpToNineImages = 12;
 constexpr Long FrontalHead = 14;
 }  // namespace Layout
 
+/// Returns the last character of a region modifier, by which the tables below name it: the modifiers of teeth differ in
+/// nothing else.
+constexpr char LastOf(std::string_view modifier) { return modifier.back(); }
+
 /// Returns the region modifier with this last character: 'C' denotes "T-5100C".
-String ModifierOf(char last) { return String("T-5100") + last; }
+String ModifierOf(char last) {
+    String modifier = RegionCode::ThirdMolar;
+    modifier.back() = last;
+    return modifier;
+}
 
 // ---- which modifiers an image's teeth fit ---------------------------------------------------------
 
@@ -61,20 +69,22 @@ bool FitsBackOfJaw(const ToothSet& teeth) {
 /// "T-51008" are matched by their code alone, so no teeth fit them.
 bool TeethFitMod(const ToothSet& teeth, char modifier) {
     switch (modifier) {
-        case 'C': return FitsBackOfJaw(teeth);
-        case '9':
+        case LastOf(RegionCode::ThirdMolar): return FitsBackOfJaw(teeth);
+        case LastOf(RegionCode::SecondPremolar):
             return Some(teeth, {14, 15, 16, 24, 25, 26, 34, 35, 36, 44, 45, 46}) &&
                    !Some(teeth, {12, 22, 32, 42, 18, 28, 38, 48});
-        case '7': return Some(teeth, {13, 23, 33, 43}) && !Some(teeth, {11, 21, 31, 41, 15, 25, 35, 45});
-        case '6': return Some(teeth, {12, 22, 32, 42}) && !Some(teeth, {15, 25, 35, 45});
-        case '5': return Some(teeth, {11, 21, 31, 41}) && !Some(teeth, {14, 24, 34, 44});
+        case LastOf(RegionCode::Canine):
+            return Some(teeth, {13, 23, 33, 43}) && !Some(teeth, {11, 21, 31, 41, 15, 25, 35, 45});
+        case LastOf(RegionCode::LateralIncisor): return Some(teeth, {12, 22, 32, 42}) && !Some(teeth, {15, 25, 35, 45});
+        case LastOf(RegionCode::CentralIncisor): return Some(teeth, {11, 21, 31, 41}) && !Some(teeth, {14, 24, 34, 44});
         default: return false;
     }
 }
 
 // ---- layouts ----------------------------------------------------------------------------------------
 
-/// One frame of a layout and the anatomy of the image that belongs there. Earlier modifiers are preferred.
+/// One frame of a layout and the anatomy of the image that belongs there. `modifiers` are last characters, C to A for
+/// the molars, 9 and 8 for the premolars, 7 for the canine, 6 and 5 for the incisors; earlier ones are preferred.
 struct Frame {
     Long number;
     const char* laterality;

@@ -1,9 +1,9 @@
 #include "platform/component/binary/ErrorRecord.h"
 
 #include "platform/component/binary/Bstr.h"
+#include "platform/component/binary/Counted.h"
 #include "platform/component/binary/Identifier.h"
 
-#include <atomic>
 #include <new>
 #include <utility>
 
@@ -11,7 +11,7 @@ namespace Platform {
 namespace {
 
 /// An error record: the source of a failure and its text.
-class ErrorRecord final : public IErrorInfo, public ICreateErrorInfo {
+class ErrorRecord final : public Counted<ErrorRecord, IErrorInfo, ICreateErrorInfo> {
 public:
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override {
         if (!object) return E_POINTER;
@@ -24,12 +24,6 @@ public:
             return E_NOINTERFACE;
         AddRef();
         return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --references_;
-        if (left == 0) delete this;
-        return left;
     }
 
     HRESULT STDMETHODCALLTYPE GetGUID(GUID* guid) override {
@@ -74,7 +68,6 @@ private:
         return kept || !text ? S_OK : E_OUTOFMEMORY;
     }
 
-    std::atomic<ULONG> references_ = 1;
     GUID guid_{};
     OwnedBstr source_, description_, helpFile_;
     DWORD helpContext_ = 0;

@@ -1,5 +1,6 @@
 #include "platform/component/dispatch/Boundary.h"
 
+#include "platform/component/binary/Counted.h"
 #include "platform/component/binary/Identifier.h"
 #include "platform/component/dispatch/Interface.h"
 
@@ -21,19 +22,12 @@ std::uint32_t ThisThread() {
 const void* FirstSlot(IUnknown* pointer) { return **reinterpret_cast<const void* const* const*>(pointer); }
 
 /// The `ISupportErrorInfo` of an object.
-class ErrorSupport final : public ISupportErrorInfo {
+class ErrorSupport final : public Counted<ErrorSupport, ISupportErrorInfo> {
 public:
     explicit ErrorSupport(InterfacePointer& owner) : owner_(owner) { Boundary::AddRef(owner_); }
+    ~ErrorSupport() { Boundary::Release(owner_); }
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override;
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --references_;
-        if (left > 0) return left;
-        Boundary::Release(owner_);
-        delete this;
-        return 0;
-    }
     HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID riid) override {
         const bool supported =
             Same(riid, IID_IDispatch) || Same(riid, Boundary::ObjectOf(owner_).Describe().Identity());
@@ -42,7 +36,6 @@ public:
 
 private:
     InterfacePointer& owner_;
-    std::atomic<ULONG> references_ = 1;
 };
 
 // ---- IUnknown ---------------------------------------------------------------------------------------

@@ -1,5 +1,6 @@
 #include "platform/component/registry/Library.h"
 
+#include "platform/component/binary/Counted.h"
 #include "platform/component/binary/Identifier.h"
 #include "platform/component/binary/ReturnCode.h"
 #include "platform/component/dispatch/Boundary.h"
@@ -11,11 +12,12 @@ namespace Platform {
 namespace {
 
 /// Makes the objects of one class.
-class ClassFactory final : public IClassFactory {
+class ClassFactory final : public Counted<ClassFactory, IClassFactory> {
 public:
     ClassFactory(Library& library, const ClassEntry& entry) : library_(library), entry_(entry) {
         library_.ObjectBegan();
     }
+    ~ClassFactory() { library_.ObjectEnded(); }
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override {
         if (!object) return E_POINTER;
@@ -24,15 +26,6 @@ public:
         AddRef();
         *object = this;
         return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --references_;
-        if (left > 0) return left;
-        Library& library = library_;
-        delete this;
-        library.ObjectEnded();
-        return 0;
     }
 
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID riid, void** object) override {
@@ -57,7 +50,6 @@ public:
 private:
     Library& library_;
     const ClassEntry& entry_;
-    std::atomic<ULONG> references_ = 1;
 };
 
 ClassRegistry::LibraryRecord RecordOf(const LibraryDescription& description) {
