@@ -31,8 +31,8 @@ public:
     DataTypeEnum Type() const { return field_.Type(); }
     Long DefinedSize() const { return field_.DefinedSize(); }
     Variant Value() const { return field_.Value(); }
-    void SetValue(const Variant& value) { field_.SetValue(value); }
-    Variant OriginalValue() const { return field_.OriginalValue(); }
+    void SetValue(const Variant& value) { field_.SetValue(value); }   ///< begins an edit; `Update` posts it
+    Variant OriginalValue() const { return field_.OriginalValue(); }  ///< before the edit
 
     /// Returns the interface table. `Value` is the default member.
     const Interface& Describe() const override;
@@ -49,9 +49,10 @@ class FieldsObject final : public Object {
 public:
     static constexpr const char* ClassName = "Fields";
 
+    /// `recordset` must have been created by `New`; it may be closed.
     explicit FieldsObject(Recordset& recordset) : recordset_(&recordset) {}
 
-    /// Returns the number of columns.
+    /// Returns the number of columns; at least 1 while the recordset is open.
     Long Count() const { return recordset_->FieldCount(); }
 
     /// Returns a new object for the column that `FieldAt` finds. Raises as `FieldAt`.

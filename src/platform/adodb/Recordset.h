@@ -33,8 +33,8 @@ public:
     /// row a column without an assigned value is null. Raises 3021 without a current row, 0x80040E23 on a deleted row.
     Variant Value() const;
 
-    /// Return true if the value is null, or if it is a text: while no edit is pending, if the engine stores it as a
-    /// text, which is the case for most dates too. Raise as `Value`.
+    /// Return true if the value is null, or if it is a text. While no edit is pending, a value that the engine stores
+    /// as a text is one, also if `Value` returns it as a date. Raise as `Value`.
     bool IsNull() const;
     bool IsText() const;
 
@@ -177,9 +177,9 @@ public:
     // ---- columns --------------------------------------------------------------------------------
 
     /// Returns the column with this name, without regard to case, or with this ordinal, counted from 0. Of several
-    /// columns of one name it is the first. A name is that of the column alone, without its table. Neither a current
-    /// row nor a reference to the row is needed: a program may keep the field while it moves. Raises 3704 on a closed
-    /// recordset, 3265 if there is no such column.
+    /// columns of one name it is the first. A name is that of the column alone, without its table. A current row is not
+    /// needed, and a program may keep the field while it moves. Raises 3704 on a closed recordset, 3265 if there is no
+    /// such column.
     Field Fields(std::string_view name) { return {*this, OrdinalOf(name)}; }
     Field Fields(Long ordinal) { return {*this, OrdinalOf(ordinal)}; }
     /// Returns the number of columns. Raises 3704 on a closed recordset.

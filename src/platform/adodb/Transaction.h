@@ -14,9 +14,10 @@ namespace ADODB {
 /// scope. A connection with an open transaction can't be closed: `Connection::Close` raises 3246.
 class Transaction {
 public:
-    /// Begins the transaction. With SQLite the outermost one takes the write lock at once. Raises 91 for a null
-    /// connection, otherwise as `Connection::BeginTrans`; nothing is begun then. If an event handler raises after the
-    /// begin, the transaction remains open on the connection, and no destructor rolls it back.
+    /// Begins the transaction. With SQLite the outermost one takes the write lock at once, unless the database was
+    /// opened for reading. Raises 91 for a null connection, otherwise as `Connection::BeginTrans`; nothing is begun
+    /// then. If an event handler raises after the begin, the transaction remains open on the connection, and no
+    /// destructor rolls it back.
     explicit Transaction(Platform::Ref<Connection> connection) : connection_(std::move(connection)) {
         connection_->BeginTrans();
     }
@@ -32,18 +33,21 @@ public:
         }
     }
 
+    /// A transaction can't be copied or moved: exactly one object ends it.
     Transaction(const Transaction&) = delete;
 
     /// Commits; the destructor then does nothing, and the reference to the connection is released. Raises as
     /// `Connection::CommitTrans`; the transaction is then still open, a program may call `Commit` again, and the
-    /// destructor rolls back otherwise. After a success a second call raises 91.
+    /// destructor rolls back otherwise. After a success a second call raises 91. If an event handler of the connection
+    /// raises after the commit, the transaction is committed, `Commit` raises, and the destructor rolls back the next
+    /// outer one, if there is one.
     void Commit() {
         connection_->CommitTrans();
         connection_ = nullptr;
     }
 
 private:
-    Platform::Ref<Connection> connection_;
+    Platform::Ref<Connection> connection_;  ///< null after the commit
 };
 
 }  // namespace ADODB
