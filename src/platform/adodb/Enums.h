@@ -25,19 +25,18 @@ enum CursorLocationEnum : Long { adUseNone = 1, adUseServer = 2, adUseClient = 3
 /// `adUseClient`; keyset if a dynamic cursor or a lock type other than `adLockReadOnly` was requested; otherwise the
 /// requested type.
 enum CursorTypeEnum : Long {
-    adOpenUnspecified =
-        -1,                 ///< as `adOpenForwardOnly`; in an `Open` by name the property `CursorType` of the recordset
-    adOpenForwardOnly = 0,  ///< moves to the next and to the first row only
-    adOpenKeyset = 1,       ///< a snapshot that scrolls, as the next two: no type shows the changes of other clients
-    adOpenDynamic = 2,      ///< an open recordset has `adOpenKeyset` or `adOpenStatic` instead
-    adOpenStatic = 3        ///< what every recordset with `adUseClient` has
+    adOpenUnspecified = -1,  ///< as `adOpenForwardOnly`; in an `Open` by name the property `CursorType`
+    adOpenForwardOnly = 0,   ///< moves forward, and to the first row
+    adOpenKeyset = 1,        ///< a snapshot that scrolls: like every type, it does not show the changes of others
+    adOpenDynamic = 2,       ///< an open recordset has `adOpenKeyset` or `adOpenStatic` instead
+    adOpenStatic = 3         ///< a snapshot that scrolls; what every recordset with `adUseClient` has
 };
 
 /// Whether a recordset can be edited: not with `adLockReadOnly` and `adLockUnspecified`. With every other type
 /// `Recordset::Update` writes the edit at once, and raises 0x80040E38 if another client changed the row meanwhile. No
 /// type locks a row before that.
 enum LockTypeEnum : Long {
-    adLockUnspecified = -1,    ///< as `adLockReadOnly`; in an `Open` by name the property `LockType` of the recordset
+    adLockUnspecified = -1,    ///< as `adLockReadOnly`; in an `Open` by name the property `LockType`
     adLockReadOnly = 1,        ///< an assignment raises 3251
     adLockPessimistic = 2,     ///< as `adLockOptimistic`, which it becomes with `adUseClient`
     adLockOptimistic = 3,      ///< edits are posted one by one, by `Update` and by moves

@@ -11,7 +11,7 @@ class Collection;
 class Enumerator;
 
 /// The base class of everything whose members can be visited in order: `Collection`, and every class that contains one.
-/// A COM client that visits the members of an object of such a class in a loop receives them from `Members`.
+/// `Each` visits the members of either kind.
 class Enumerable : public Object {
 public:
     static constexpr const char* ClassName = "Collection";
@@ -42,16 +42,17 @@ public:
 
     /// Appends `item`, or inserts it before or after the member that `before` or `after` names by key or position. An
     /// argument that is `Empty` is left out; the empty text is a key. A copy of `item` is stored, an object as a
-    /// reference. Enumerators that are in use visit an appended member, and an inserted one if they are before it.
+    /// reference. Enumerators that are in use visit an appended member, and
+    /// an inserted one unless they have visited the member in front of it.
     ///
     /// Raises 457 for a key that exists, 13 for a key that is not a text, 5 for both `before` and `after` or an unknown
     /// key in them, 9 for a position that does not exist, and as `CLng` for one that can't be converted to a number.
     /// The collection is unchanged on failure.
     void Add(const Variant& item, const Variant& key = {}, const Variant& before = {}, const Variant& after = {});
 
-    /// Returns the member at a position or with a key; the reference is valid until the member is removed. Raises 9 for
-    /// a position below 1 or above `Count`, 5 for an unknown key, and as `CLng` for an index that can't be converted to
-    /// a number (6, 13, 91, 94 or 438).
+    /// Returns the member at a position or with a key; the reference is valid until the collection changes. Raises 9
+    /// for a position below 1 or above `Count`, 5 for an unknown key, and as `CLng` for an index that can't be
+    /// converted to a number (6, 13, 91, 94 or 438).
     const Variant& Item(const Variant& indexOrKey) const;
 
     /// Returns the member at a position from 1 to `Count`, without conversion of an index; the reference is valid as

@@ -20,7 +20,7 @@ struct InterfacePointer {
 };
 
 /// Counts the living objects of one library, which is not unloaded while the count is above zero. The library
-/// implements it, and owns the object; no one deletes it through this class.
+/// implements it and owns the object, which is not deleted through this class.
 class ObjectCounter {
 public:
     /// Called once after an object was created, and once after it was deleted. An object whose constructor raises is
@@ -122,8 +122,7 @@ public:
         return *this;
     }
 
-    /// Return the object. Raise 91 for a null reference: unlike a pointer, a null reference never is undefined
-    /// behaviour.
+    /// Return the object. Raise 91 for a null reference, so its use is never undefined behaviour.
     T* operator->() const { return &Checked(); }
     T& operator*() const { return Checked(); }
 
