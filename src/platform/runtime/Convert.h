@@ -60,6 +60,7 @@ String CStr(float value);
 
 /// Returns the decimal digits, with "-" in front of a negative number.
 String CStr(std::int64_t value);
+/// The same for the whole numbers of the system. Neither depends on the locale, and neither raises.
 inline String CStr(Long value) { return CStr(static_cast<std::int64_t>(value)); }
 
 /// Returns "True" or "False".
@@ -85,8 +86,9 @@ bool IsDate(const Variant& value);
 
 /// Returns the number at the beginning of a text, 0 if there is none: a sign, digits, "." as decimal sign in every
 /// locale, and an exponent, or digits with the prefix "&H" or "&O". Blanks, tabs and line breaks are ignored
-/// everywhere; what follows the number is ignored. Digits with a prefix are a signed number of 16 bits if they fit,
-/// "&HFFFF" is -1; otherwise one of 32 bits. Raises 6 for a number that is too large.
+/// everywhere; what follows the number is ignored. Digits with a prefix are a signed number of 16 bits if they fit, so
+/// that "&HFFFF" is -1; otherwise, or with "&" behind them, one of 32 bits: "&HFFFF&" is 65535. Raises 6 for a number
+/// that is too large.
 double Val(std::string_view text);
 
 /// Returns a date, or a text that is a date, formatted by a pattern (see `FormatDate`); an empty text for a null; any
@@ -103,6 +105,7 @@ template <class T>
 T To(Variant value);
 
 namespace detail {
+/// `IsRef<T>::value` is true if `T` is a `Ref`; `IsRef<T>::Target` is then the class that it refers to.
 template <class T>
 struct IsRef : std::false_type {};
 template <class T>

@@ -69,8 +69,8 @@ Long CreateGuid(Guid& guid);
 /// Suspends the calling thread for at least this number of seconds; returns at once for 0 and for a negative number.
 void Sleep(double seconds);
 
-/// Lets the program handle its pending messages. Does nothing where the program installed no function for it. The
-/// function may call the object that is in the middle of an operation, so an operation that calls it says so.
+/// Lets the program handle its pending messages. Does nothing where the program installed no function for it. During
+/// the call the program may call any object of the thread, also one whose operation is running.
 void DoEvents();
 
 /// Shows a text in a message box with an OK button, and waits until it is closed. `buttons` is passed to the program's

@@ -15,8 +15,8 @@ struct Empty {
     friend bool operator==(Empty, Empty) { return true; }
 };
 
-/// A null of the database: the value of a column without a value. Unlike `Empty` it converts to nothing: a conversion
-/// of it raises 94. Two nulls compare equal here, unlike in SQL.
+/// A null of the database: the value of a column without a value. A conversion of it raises 94, except `Format`, which
+/// returns the empty text. Two nulls compare equal here, unlike in SQL.
 struct Null {
     friend bool operator==(Null, Null) { return true; }
 };
