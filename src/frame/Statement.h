@@ -69,7 +69,7 @@ struct Clause {
 /// A whole number, or the word NULL.
 struct NumberOrNull {
     bool isNull;  ///< true writes NULL, whatever `value` is
-    Long value;
+    Long value;   ///< written in decimal digits
 };
 
 namespace detail {
@@ -86,12 +86,14 @@ public:
     void Add(const char (&literal)[N]) {
         text_.append(literal, N - 1);
     }
+    /// Appends the decimal digits, with "-" in front of a negative number. Does not depend on the locale.
     template <class T>
     requires(std::is_same_v<T, Long> || std::is_same_v<T, Integer> || std::is_enum_v<T>) void Add(T number) {
         std::array<char, 12> digits;
         const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), Long{number}).ptr;
         text_.append(digits.data(), end);
     }
+    // The texts of these pieces are appended unchanged and not examined.
     void Add(const Escaped& escaped) { text_ += escaped.Text(); }
     void Add(const Decimal& number) { text_ += number.text; }
     void Add(const Stamp& date) { text_ += date.text; }

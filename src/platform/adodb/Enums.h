@@ -113,29 +113,52 @@ constexpr Long adErrFeatureNotAvailable = 3251;
 constexpr Long adErrItemNotFound = 3265;
 /// An assigned value that a column's type can't take. A number out of range or a long text is `MultipleStepFailed`.
 constexpr Long adErrDataConversion = 3421;
-constexpr Long adErrObjectClosed = 3704;        ///< the connection or recordset must be open
-constexpr Long adErrObjectOpen = 3705;          ///< the connection or recordset must be closed
-constexpr Long adErrProviderNotFound = 3706;    ///< no provider of this name is registered
-constexpr Long adErrInvalidConnection = 3709;   ///< a recordset without a connection, or with a closed one
-constexpr Long adErrNotReentrant = 3710;        ///< an operation started inside a Will event
-constexpr Long adErrOperationCancelled = 3712;  ///< a handler cancelled the statement, which did not run
+/// The connection or recordset must be open. A recordset is closed after a statement without rows, and with its
+/// connection.
+constexpr Long adErrObjectClosed = 3704;
+/// The connection or recordset must be closed: it is already open, or a property can't be set while it is open.
+constexpr Long adErrObjectOpen = 3705;
+/// No provider of this name is registered, or the connection string names none.
+constexpr Long adErrProviderNotFound = 3706;
+/// A recordset without a connection, or with a closed one. An operation of a closed connection itself raises 3704.
+constexpr Long adErrInvalidConnection = 3709;
+/// An operation started inside `WillExecute` on the same connection. The outer operation continues.
+constexpr Long adErrNotReentrant = 3710;
+/// A handler cancelled the statement, which did not run. A program that installed the handler knows the reason.
+constexpr Long adErrOperationCancelled = 3712;
 
 /// Any other failure; the description names it. It includes a full disk, a damaged file, a lock that was not released
 /// in time, and a change of a recordset's row whose columns do not contain the key.
 constexpr Long Failed = static_cast<Long>(0x80004005);
-constexpr Long CantConvertValue = static_cast<Long>(0x80040E07);      ///< a value of another type than the column's
-constexpr Long NoPermission = static_cast<Long>(0x80040E09);          ///< read-only or not allowed
-constexpr Long UnknownName = static_cast<Long>(0x80040E10);           ///< a name that the database lacks
-constexpr Long ErrorsInCommand = static_cast<Long>(0x80040E14);       ///< syntax; a second statement
-constexpr Long MultipleStepFailed = static_cast<Long>(0x80040E21);    ///< a value too long; a bad key at Open
-constexpr Long DeletedRow = static_cast<Long>(0x80040E23);            ///< the current row was deleted by `Delete`
-constexpr Long IntegrityViolation = static_cast<Long>(0x80040E2F);    ///< a duplicate key, or another constraint
-constexpr Long NoTable = static_cast<Long>(0x80040E37);               ///< a table that the database lacks
-constexpr Long ConcurrencyViolation = static_cast<Long>(0x80040E38);  ///< the row was changed or removed
-constexpr Long Cancelled = static_cast<Long>(0x80040E4E);             ///< the engine was interrupted
-constexpr Long DataOverflow = static_cast<Long>(0x80040E57);          ///< a text or a row too large for the engine
-constexpr Long NoTransaction = static_cast<Long>(0x8004D00E);        ///< none is open, or the engine has rolled it back
-constexpr Long TooManyTransactions = static_cast<Long>(0x8004D013);  ///< a level that the engine does not support
+/// The engine rejects a value of another type than the column's. A value that is assigned to a field is checked before,
+/// and raises `adErrDataConversion`.
+constexpr Long CantConvertValue = static_cast<Long>(0x80040E07);
+/// The database or file is read-only, or the engine does not allow the operation.
+constexpr Long NoPermission = static_cast<Long>(0x80040E09);
+/// A column that the database lacks, or a parameter in the statement, which has no value. A table is `NoTable`.
+constexpr Long UnknownName = static_cast<Long>(0x80040E10);
+/// The statement can't be parsed, or contains a second one; `OXClass::sql` raises it for a text with a single quote.
+constexpr Long ErrorsInCommand = static_cast<Long>(0x80040E14);
+/// An assigned text that is too long or a number out of range; a setting that `Connection::Open` rejects.
+constexpr Long MultipleStepFailed = static_cast<Long>(0x80040E21);
+/// The current row was deleted by `Recordset::Delete`, until the next move.
+constexpr Long DeletedRow = static_cast<Long>(0x80040E23);
+/// A duplicate key, a null that is not allowed, or another constraint of the table.
+constexpr Long IntegrityViolation = static_cast<Long>(0x80040E2F);
+/// A table that the database lacks.
+constexpr Long NoTable = static_cast<Long>(0x80040E37);
+/// The row that `Update` or `Delete` should change no longer has the key and the old values: another client changed or
+/// deleted it. A program calls `CancelUpdate` and `Requery`, and decides again.
+constexpr Long ConcurrencyViolation = static_cast<Long>(0x80040E38);
+/// The engine was interrupted.
+constexpr Long Cancelled = static_cast<Long>(0x80040E4E);
+/// A text, a row or a statement is too large for the engine.
+constexpr Long DataOverflow = static_cast<Long>(0x80040E57);
+/// No transaction is open; or the engine has rolled it back after a failure: then every operation raises this number
+/// until `Connection::RollbackTrans` was called for each level.
+constexpr Long NoTransaction = static_cast<Long>(0x8004D00E);
+/// A level of nested transactions that the engine does not support.
+constexpr Long TooManyTransactions = static_cast<Long>(0x8004D013);
 
 /// Throws an `Error` of this layer with ADO's English text for the number, "Unspecified error" for a number without a
 /// text. `source` must not be null; it is copied. The fields of an engine's failure remain empty. Any thread may call.

@@ -11,7 +11,7 @@ class ErrorObject final : public Object {
 public:
     static constexpr const char* ClassName = "Error";
 
-    /// Copies the failure. `ErrorsObject::Item` calls it.
+    /// Copies the failure, also the fields that have no member here. `ErrorsObject::Item` calls it.
     explicit ErrorObject(const Error& failure) { failure_ = failure; }
 
     // The members of `Platform::Error` of the same names. They describe the copy, also after the connection has cleared
@@ -38,6 +38,7 @@ class ErrorsObject final : public Object {
 public:
     static constexpr const char* ClassName = "Errors";
 
+    /// `connection` must have been created by `New`; it may be closed.
     explicit ErrorsObject(Connection& connection) : connection_(&connection) {}
 
     /// Returns the number of failures: 0 until the engine has failed or after `Clear`, otherwise 1.

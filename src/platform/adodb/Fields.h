@@ -3,6 +3,7 @@
 #include "platform/adodb/Recordset.h"
 #include "platform/runtime/Collection.h"
 
+/// The columns of a recordset as COM clients see them. C++ programs call `Recordset::Fields`.
 namespace ADODB {
 
 /// Returns the column that a client names: a text is the name of a column, without regard to case, also if it consists

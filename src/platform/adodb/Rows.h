@@ -30,6 +30,7 @@ public:
     /// Stores the columns in the order of the statement; their positions are the ordinals, from 0.
     explicit Columns(std::vector<Column> columns);
 
+    /// Returns the number of columns.
     Long Count() const noexcept { return static_cast<Long>(columns_.size()); }
 
     /// Returns the column with an ordinal from 0 to `Count() - 1`. Another ordinal is undefined behaviour: the caller
@@ -68,6 +69,7 @@ struct Cell {
         cell.whole = value;
         return cell;
     }
+    /// An infinite number is stored as it is.
     static Cell Of(double value) {
         Cell cell;
         cell.kind = Kind::Real;
@@ -84,6 +86,7 @@ struct Cell {
         return cell;
     }
     /// Returns the text of a cell of kind `Text`; undefined for another kind. Valid as long as the row's `RowStore`.
+    /// A text of 0 bytes is the empty text, not a null.
     std::string_view Text() const { return {text, length}; }
 };
 
@@ -98,7 +101,7 @@ private:
     friend class RowStore;
     explicit Row(const Cell* cells) : cells_(cells) {}
 
-    const Cell* cells_;
+    const Cell* cells_;  // the cells in the order of the columns, with the texts behind them
 };
 
 /// The memory of many rows, including their texts, in a few large blocks. A row is valid as long as its store, also

@@ -157,6 +157,7 @@ public:
         const Collection& collection_;
         Long position_;
     };
+    // The end is not a position: a loop ends when there is no member at the position of the iterator.
     Iterator begin() const { return {collection_, 1}; }
     Iterator end() const { return {collection_, 0}; }
 
@@ -180,6 +181,10 @@ detail::Each<T> Each(const Enumerable& members) {
 ///
 /// Each class adds its own `Add`. `Item` raises for a missing member; a class whose `Item` returns null instead
 /// uses `Find`. An object belongs to the thread that created it.
+///
+/// Beside the members below, such a class is visited by a range-based `for` and by `Each`, and by COM clients through
+/// its
+/// `_NewEnum`. A loop that must remove members runs over `NewEnum`, which skips none.
 template <class T>
 class Keyed : public Enumerable {
 public:

@@ -7,8 +7,8 @@
 
 namespace Platform {
 
-class Boundary;
-class Interface;
+class Boundary;   // converts objects to COM interface pointers
+class Interface;  // the interface table of a class
 class Object;
 template <class T>
 class Ref;
@@ -52,6 +52,9 @@ void InstallObjectHooks(const ObjectHooks& hooks) noexcept;
 ///
 /// It belongs to the thread that created it: the count is not atomic, and no member may be called from another thread.
 /// C++ programs must ensure this themselves; for COM clients the thread is checked (RPC_E_WRONG_THREAD).
+///
+/// A class derives from `Object` or from a class that does, names itself by `ClassName`, and returns its interface
+/// table by `Describe`. A class without a table can be held by references and collections, but not be called by name.
 ///
 /// An object can't be copied. Equality of objects is identity: two references are equal if they refer to the same one.
 class Object : private InterfacePointer {

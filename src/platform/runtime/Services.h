@@ -84,6 +84,7 @@ bool FileExists(const String& path);
 
 /// Deletes a file; of a symbolic link to a file it deletes the link. Raises 53 if it does not exist or is not a regular
 /// file, 70 if nobody may write it or the system does not delete it; it then still exists.
+/// It is not moved to a wastebasket.
 void DeleteFile(const String& path);
 
 }  // namespace Platform

@@ -45,7 +45,7 @@ public:
     requires(!std::is_same_v<std::remove_cvref_t<T>, Variant> && !std::is_enum_v<std::remove_cvref_t<T>> &&
              !std::is_pointer_v<std::decay_t<T>> && std::is_constructible_v<Store, T&&>) Variant(T&& value)
         : store_(std::forward<T>(value)) {}
-    /// A null-terminated text is copied; the pointer must not be null.
+    /// A null-terminated text is copied; the pointer must not be null. It must be UTF-8, as every `String`.
     Variant(const char* text) : store_(String(text)) {}
     /// An enumerator is held as its number, a `Long`.
     template <class E>
