@@ -113,8 +113,8 @@ constexpr Long adErrFeatureNotAvailable = 3251;
 constexpr Long adErrItemNotFound = 3265;
 /// An assigned value that a column's type can't take. A number out of range or a long text is `MultipleStepFailed`.
 constexpr Long adErrDataConversion = 3421;
-/// The connection or recordset must be open. A recordset is closed after a statement without rows, and with its
-/// connection.
+/// The connection or recordset must be open. A recordset is closed after a statement that does not return
+/// rows, and with its connection.
 constexpr Long adErrObjectClosed = 3704;
 /// The connection or recordset must be closed: it is already open, or a property can't be set while it is open.
 constexpr Long adErrObjectOpen = 3705;
@@ -122,7 +122,7 @@ constexpr Long adErrObjectOpen = 3705;
 constexpr Long adErrProviderNotFound = 3706;
 /// A recordset without a connection, or with a closed one. An operation of a closed connection itself raises 3704.
 constexpr Long adErrInvalidConnection = 3709;
-/// An operation started inside `WillExecute` on the same connection. The outer operation continues.
+/// An operation started inside `WillExecute` on the same connection. It has no effect.
 constexpr Long adErrNotReentrant = 3710;
 /// A handler cancelled the statement, which did not run. A program that installed the handler knows the reason.
 constexpr Long adErrOperationCancelled = 3712;

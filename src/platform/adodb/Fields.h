@@ -53,7 +53,7 @@ public:
     /// `recordset` must have been created by `New`; it may be closed.
     explicit FieldsObject(Recordset& recordset) : recordset_(&recordset) {}
 
-    /// Returns the number of columns; at least 1 while the recordset is open.
+    /// Returns the number of columns.
     Long Count() const { return recordset_->FieldCount(); }
 
     /// Returns a new object for the column that `FieldAt` finds. Raises as `FieldAt`.

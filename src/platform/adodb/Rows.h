@@ -69,7 +69,6 @@ struct Cell {
         cell.whole = value;
         return cell;
     }
-    /// An infinite number is stored as it is.
     static Cell Of(double value) {
         Cell cell;
         cell.kind = Kind::Real;

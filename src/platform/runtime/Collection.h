@@ -183,8 +183,8 @@ detail::Each<T> Each(const Enumerable& members) {
 /// uses `Find`. An object belongs to the thread that created it.
 ///
 /// Beside the members below, such a class is visited by a range-based `for` and by `Each`, and by COM clients through
-/// its
-/// `_NewEnum`. A loop that must remove members runs over `NewEnum`, which skips none.
+/// the member with the dispatch identifier `EnumeratorMember`. A loop that must remove members runs over `NewEnum`,
+/// which skips none.
 template <class T>
 class Keyed : public Enumerable {
 public:

@@ -33,6 +33,11 @@ public:
     /// The types that a variant can hold. The 64-bit integer exists for columns and COM clients; no member has that
     /// type. A list of texts is the only array. An enumeration is held as a `Long`, a foreign COM object as an
     /// `Object`.
+    ///
+    /// A COM client receives VT_EMPTY, VT_NULL, VT_BOOL, VT_I2, VT_I4, VT_I8, VT_R4, VT_R8, VT_DATE, VT_BSTR, an
+    /// interface pointer (VT_DISPATCH, or VT_UNKNOWN for an object without `IDispatch`), and an array of VT_BSTR, in
+    /// the order of these types. What a client passes becomes the same types; of the others, 8-bit numbers become
+    /// `Integer`, VT_UI2 and VT_INT `Long`, VT_UI4, VT_UINT and VT_UI8 `std::int64_t`, VT_CY and VT_DECIMAL `double`.
     using Store = std::variant<Empty, Null, bool, Integer, Long, std::int64_t, float, double, Date, String, Ref<Object>,
                                std::vector<String>>;
 
