@@ -9,7 +9,7 @@ namespace OXClass {
 
 /// The kind of an image, column ImageBild_T.ImageType. SC, DX and VL are the DICOM terms secondary capture,
 /// digital X-ray and visible light. The library stores and returns the number of any kind and does nothing else with
-/// it: hanging depends on teeth and regions, not on the kind. A null in the column ends the load of the image with 94.
+/// it: hanging depends on teeth and regions, not on the kind. A null in the column ends the reading of the image (94).
 ///
 /// It is also the kind that a template assigns to its images, `cTemplate::TCForcedImageType`: there a null reads as -1,
 /// which has no name here and means that the template assigns none.
