@@ -15,7 +15,7 @@ namespace OXClass {
 class Completion {
 public:
     /// Returns false if a failure ended the last run, true otherwise and before the first run. Says nothing
-    /// about failures that the operation raised before it started its run.
+    /// about failures that the operation raised before it started its run. A run that found no row is complete.
     bool Complete() const noexcept { return !failure_; }
 
     /// Returns the failure that ended the last run; number 0 if none did. `Column` names the column that
@@ -27,17 +27,20 @@ public:
 
     // ---- for the operations themselves -------------------------------------------------------------
 
-    /// Starts a run: the last failure is forgotten.
+    /// Starts a run: the last failure is forgotten, and references to it are invalid. Until `EndedBy` is called the run
+    /// counts as complete.
     void Begin() noexcept { failure_.reset(); }
 
-    /// Stores a copy of the failure that ended the run. A second one replaces it.
+    /// Stores a copy of the failure that ended the run. A second one replaces it. If memory can't be allocated, raises
+    /// `std::bad_alloc` and changes nothing.
     void EndedBy(const Error& failure) { failure_ = std::make_unique<const Error>(failure); }
 
 private:
     std::unique_ptr<const Error> failure_;
 };
 
-/// A row that a load could not read whole.
+/// A row that a load could not read whole, as `cImages::Unread` returns it. A plain copy: it stays valid after the next
+/// load, and any thread may use it.
 struct UnreadRow {
     /// The row's key; 0 if the key itself could not be read.
     Long ID = 0;

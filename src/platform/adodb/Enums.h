@@ -2,7 +2,8 @@
 
 #include "platform/component/dispatch/Member.h"
 
-/// The enumerations and error numbers of the database layer, by their ADO names and values.
+/// The enumerations and error numbers of the database layer, by their ADO names and values. A COM client may pass any
+/// number for an enumeration; where this layer checks it, another number raises 3001.
 namespace ADODB {
 
 // The names that this layer takes from the runtime.
@@ -13,8 +14,10 @@ using Platform::EnumerationOf, Platform::EnumerationValue, Platform::Interface;
 using Platform::Error, Platform::Raise;
 using Platform::New, Platform::Ref;
 
-/// Where a recordset keeps its rows. The rows are copied into memory in every case. A recordset with `adUseClient` has
-/// a static cursor and can be disconnected from its connection; `adUseNone` has the effect of `adUseServer`.
+/// Where a recordset keeps its rows. The rows are copied into memory in every case, so the location changes neither
+/// speed nor memory, but what the recordset may do. With `adUseClient` it has a static cursor, scrolls in both
+/// directions and can be disconnected from its connection. With `adUseServer` the requested cursor type applies.
+/// `adUseNone` has the effect of `adUseServer`.
 enum CursorLocationEnum : Long { adUseNone = 1, adUseServer = 2, adUseClient = 3 };
 
 /// How a recordset may move. A forward-only cursor can't move backward and reports -1 as its number of rows; the other
@@ -22,52 +25,57 @@ enum CursorLocationEnum : Long { adUseNone = 1, adUseServer = 2, adUseClient = 3
 /// `adUseClient`; keyset if a dynamic cursor or a lock type other than `adLockReadOnly` was requested; otherwise the
 /// requested type.
 enum CursorTypeEnum : Long {
-    adOpenUnspecified = -1,
-    adOpenForwardOnly = 0,
-    adOpenKeyset = 1,
-    adOpenDynamic = 2,
-    adOpenStatic = 3
+    adOpenUnspecified = -1,  ///< as `adOpenForwardOnly`; in an `Open` by name the property `CursorType`
+    adOpenForwardOnly = 0,   ///< moves forward, and to the first row
+    adOpenKeyset = 1,        ///< a snapshot that scrolls: like every type, it does not show the changes of others
+    adOpenDynamic = 2,       ///< an open recordset has `adOpenKeyset` or `adOpenStatic` instead
+    adOpenStatic = 3         ///< a snapshot that scrolls; what every recordset with `adUseClient` has
 };
 
 /// Whether a recordset can be edited: not with `adLockReadOnly` and `adLockUnspecified`. With every other type
 /// `Recordset::Update` writes the edit at once, and raises 0x80040E38 if another client changed the row meanwhile. No
 /// type locks a row before that.
 enum LockTypeEnum : Long {
-    adLockUnspecified = -1,
-    adLockReadOnly = 1,
-    adLockPessimistic = 2,
-    adLockOptimistic = 3,
-    adLockBatchOptimistic = 4
+    adLockUnspecified = -1,    ///< as `adLockReadOnly`; in an `Open` by name the property `LockType`
+    adLockReadOnly = 1,        ///< an assignment raises 3251
+    adLockPessimistic = 2,     ///< as `adLockOptimistic`, which it becomes with `adUseClient`
+    adLockOptimistic = 3,      ///< edits are posted one by one, by `Update` and by moves
+    adLockBatchOptimistic = 4  ///< as `adLockOptimistic`: edits are not collected
 };
 
-/// How a command text is read. `adExecuteNoRecords` may be added to another value.
+/// How a command text is read, as the `Options` of `Connection::Execute` and `Recordset::Open`. `adExecuteNoRecords`
+/// may be added to another value. Numbers that are not named here are not checked: the text is a statement unless the
+/// number is positive and contains the bit of `adCmdTable`.
 enum CommandTypeEnum : Long {
     adCmdUnspecified = -1,    ///< as `adCmdText`
     adCmdText = 1,            ///< one SQL statement
-    adCmdTable = 2,           ///< the name of a table, whose rows and columns are all selected
+    adCmdTable = 2,           ///< a table name, which is appended to "select * from " without quotes
     adCmdUnknown = 8,         ///< as `adCmdText`
     adExecuteNoRecords = 128  ///< `Connection::Execute` returns null; `Recordset::Open` raises 3001
 };
 
-/// What `Recordset::Delete` deletes. Only `adAffectCurrent`, the current row, is supported; the others raise 3001.
+/// What `Recordset::Delete` deletes. Only `adAffectCurrent`, the current row, is supported; the others raise 3001, and
+/// nothing is deleted. Several rows are deleted by a DELETE statement.
 enum AffectEnum : Long { adAffectCurrent = 1, adAffectGroup = 2, adAffectAll = 3 };
 
-/// The state of a connection or a recordset.
+/// The state of a connection or a recordset. There are no states between the two: opening and running are synchronous.
 enum ObjectStateEnum : Long { adStateClosed = 0, adStateOpen = 1 };
 
-/// The pending edit of a recordset: none, a changed row, or a new row.
+/// The pending edit of a recordset: none; `adEditInProgress`, a row to which a value was assigned; `adEditAdd`, a row
+/// that `AddNew` began.
 enum EditModeEnum : Long { adEditNone = 0, adEditInProgress = 1, adEditAdd = 2 };
 
 /// What `Recordset::AbsolutePosition` returns in place of a position: without rows, before the first row, and after the
 /// last row.
 enum PositionEnum : Long { adPosUnknown = -1, adPosBOF = -2, adPosEOF = -3 };
 
-/// The status of an event. A handler of `WillExecute` sets `adStatusCancel` to cancel the statement; the other values
-/// let it run.
+/// The status of an event. It is `adStatusOK` when the first handler of `WillExecute` is called. A handler sets
+/// `adStatusCancel` to cancel the statement; with every other value after the last handler the statement runs.
 enum EventStatusEnum : Long { adStatusOK = 1, adStatusErrorsOccurred = 2, adStatusCantDeny = 3, adStatusCancel = 4 };
 
 /// The type of a column, and the type of its values as a `Variant`. A stored value that can't be converted to the type
-/// is returned as it is stored.
+/// is returned as it is stored. The SQLite provider derives the type from the declared type of the column: for example
+/// `adInteger` from INTEGER, `adDate` from DATETIME, `adVarWChar` from NVARCHAR(64), `adLongVarWChar` from TEXT.
 enum DataTypeEnum : Long {
     adSmallInt = 2,    ///< `Integer`
     adInteger = 3,     ///< `Long`
@@ -82,50 +90,86 @@ enum DataTypeEnum : Long {
     adLongVarBinary = 205  ///< as `adVariant`
 };
 
-/// The sources of the failures of this layer.
+/// The sources of the failures of this layer, in `Error::Source`. A failure of an engine has the name of its provider.
 inline constexpr const char* ConnectionSource = "ADODB.Connection";
 inline constexpr const char* RecordsetSource = "ADODB.Recordset";
 
 // Numbers of failures. A short number is a failure of this layer. A provider maps each failure of its engine to one
-// of the long numbers below; this layer raises some of them too (0x80040E21, 0x80040E23, 0x80040E38, 0x8004D00E,
-// 0x8004D013).
-constexpr Long adErrInvalidArgument = 3001;      ///< an argument out of range or contradictory
-constexpr Long adErrNoCurrentRecord = 3021;      ///< BOF or EOF, where a row is needed
-constexpr Long adErrIllegalOperation = 3219;     ///< not allowed while an edit is pending, or for a forward-only cursor
-constexpr Long adErrInTransaction = 3246;        ///< closing a connection with a transaction open
-constexpr Long adErrFeatureNotAvailable = 3251;  ///< the recordset is read-only
-constexpr Long adErrItemNotFound = 3265;         ///< no column of this name or ordinal
-constexpr Long adErrDataConversion = 3421;       ///< a value that a column's type can't take
-constexpr Long adErrObjectClosed = 3704;         ///< the connection or recordset must be open
-constexpr Long adErrObjectOpen = 3705;           ///< the connection or recordset must be closed
-constexpr Long adErrProviderNotFound = 3706;     ///< no provider of this name is registered
-constexpr Long adErrInvalidConnection = 3709;    ///< a recordset without a connection, or with a closed one
-constexpr Long adErrNotReentrant = 3710;         ///< an operation started inside a Will event
-constexpr Long adErrOperationCancelled = 3712;   ///< a handler cancelled the statement
+// of the long numbers below; this layer raises some of them too (0x80004005, 0x80040E21, 0x80040E23, 0x80040E38,
+// 0x8004D00E, 0x8004D013). Only failures of an engine are added to `Connection::Errors`.
 
-constexpr Long Failed = static_cast<Long>(0x80004005);                ///< any other failure; the description names it
-constexpr Long CantConvertValue = static_cast<Long>(0x80040E07);      ///< a value of another type than the column's
-constexpr Long NoPermission = static_cast<Long>(0x80040E09);          ///< read-only or not allowed
-constexpr Long UnknownName = static_cast<Long>(0x80040E10);           ///< a name that the database lacks
-constexpr Long ErrorsInCommand = static_cast<Long>(0x80040E14);       ///< syntax; a second statement
-constexpr Long MultipleStepFailed = static_cast<Long>(0x80040E21);    ///< a value too long; a bad key at Open
-constexpr Long DeletedRow = static_cast<Long>(0x80040E23);            ///< the current row was deleted by `Delete`
-constexpr Long IntegrityViolation = static_cast<Long>(0x80040E2F);    ///< a duplicate key, or another constraint
-constexpr Long NoTable = static_cast<Long>(0x80040E37);               ///< a table that the database lacks
-constexpr Long ConcurrencyViolation = static_cast<Long>(0x80040E38);  ///< the row was changed or removed
-constexpr Long Cancelled = static_cast<Long>(0x80040E4E);             ///< the engine was interrupted
-constexpr Long DataOverflow = static_cast<Long>(0x80040E57);          ///< a text or a row too large for the engine
-constexpr Long NoTransaction = static_cast<Long>(0x8004D00E);        ///< none is open, or the engine has rolled it back
-constexpr Long TooManyTransactions = static_cast<Long>(0x8004D013);  ///< a level that the engine does not support
+/// An argument out of range or contradictory: a number that its enumeration lacks, `adExecuteNoRecords` for a
+/// recordset.
+constexpr Long adErrInvalidArgument = 3001;
+/// BOF or EOF, where a row is needed. On a row that `Delete` deleted, a read raises `DeletedRow` instead.
+constexpr Long adErrNoCurrentRecord = 3021;
+/// Not allowed while an edit is pending (`Update` or `CancelUpdate` ends it), or for a forward-only cursor.
+constexpr Long adErrIllegalOperation = 3219;
+/// Closing a connection with a transaction open. The connection stays open.
+constexpr Long adErrInTransaction = 3246;
+/// The recordset is read-only, its rows come from several tables or none, or the column is computed.
+constexpr Long adErrFeatureNotAvailable = 3251;
+/// No column of this name or ordinal, or no failure at this position of the `Errors` of a connection.
+constexpr Long adErrItemNotFound = 3265;
+/// An assigned value that a column's type can't take. A number out of range or a long text is `MultipleStepFailed`.
+constexpr Long adErrDataConversion = 3421;
+/// The connection or recordset must be open. A recordset is closed after a statement that does not return
+/// rows, and with its connection.
+constexpr Long adErrObjectClosed = 3704;
+/// The connection or recordset must be closed: it is already open, or a property can't be set while it is open.
+constexpr Long adErrObjectOpen = 3705;
+/// No provider of this name is registered, or the connection string names none.
+constexpr Long adErrProviderNotFound = 3706;
+/// A recordset without a connection, or with a closed one. An operation of a closed connection itself raises 3704.
+constexpr Long adErrInvalidConnection = 3709;
+/// An operation started inside `WillExecute` on the same connection. It has no effect.
+constexpr Long adErrNotReentrant = 3710;
+/// A handler cancelled the statement, which did not run. A program that installed the handler knows the reason.
+constexpr Long adErrOperationCancelled = 3712;
+
+/// Any other failure; the description names it. It includes a full disk, a damaged file, a lock that was not released
+/// in time, and a change of a recordset's row whose columns do not contain the key.
+constexpr Long Failed = static_cast<Long>(0x80004005);
+/// The engine rejects a value of another type than the column's. A value that is assigned to a field is checked before,
+/// and raises `adErrDataConversion`.
+constexpr Long CantConvertValue = static_cast<Long>(0x80040E07);
+/// The database or file is read-only, or the engine does not allow the operation.
+constexpr Long NoPermission = static_cast<Long>(0x80040E09);
+/// A column that the database lacks, or a parameter in the statement, which has no value. A table is `NoTable`.
+constexpr Long UnknownName = static_cast<Long>(0x80040E10);
+/// The statement can't be parsed, or contains a second one; `OXClass::sql` raises it for a text with a single quote.
+constexpr Long ErrorsInCommand = static_cast<Long>(0x80040E14);
+/// An assigned text that is too long or a number out of range; a setting that `Connection::Open` rejects.
+constexpr Long MultipleStepFailed = static_cast<Long>(0x80040E21);
+/// The current row was deleted by `Recordset::Delete`, until the next move.
+constexpr Long DeletedRow = static_cast<Long>(0x80040E23);
+/// A duplicate key, a null that is not allowed, or another constraint of the table.
+constexpr Long IntegrityViolation = static_cast<Long>(0x80040E2F);
+/// A table that the database lacks.
+constexpr Long NoTable = static_cast<Long>(0x80040E37);
+/// The row that `Update` or `Delete` should change no longer has the key and the old values: another client changed or
+/// deleted it. A program calls `CancelUpdate` and `Requery`, and decides again.
+constexpr Long ConcurrencyViolation = static_cast<Long>(0x80040E38);
+/// The engine was interrupted.
+constexpr Long Cancelled = static_cast<Long>(0x80040E4E);
+/// A text, a row or a statement is too large for the engine.
+constexpr Long DataOverflow = static_cast<Long>(0x80040E57);
+/// No transaction is open; or the engine has rolled it back after a failure: then every operation raises this number
+/// until `Connection::RollbackTrans` was called for each level.
+constexpr Long NoTransaction = static_cast<Long>(0x8004D00E);
+/// A level of nested transactions that the engine does not support.
+constexpr Long TooManyTransactions = static_cast<Long>(0x8004D013);
 
 /// Throws an `Error` of this layer with ADO's English text for the number, "Unspecified error" for a number without a
-/// text. Any thread may call.
+/// text. `source` must not be null; it is copied. The fields of an engine's failure remain empty. Any thread may call.
 [[noreturn]] void RaiseAdo(Long number, const char* source);
 
-/// Throws an `Error` of this layer with this description. Any thread may call.
+/// Throws an `Error` of this layer with this description, for a failure whose cause the general text does not name. Any
+/// thread may call.
 [[noreturn]] void RaiseAdo(Long number, const char* source, const String& description);
 
-/// Returns `value` if its enumeration has it. Raises 3001 otherwise: a COM client may pass any number.
+/// Returns `value` if its enumeration has it. Raises 3001 with this source otherwise: a COM client may pass any number.
+/// Any thread may call.
 template <class E>
 E Known(E value, const char* source) {
     for (const EnumerationValue& known : EnumerationOf<E>::Values)
@@ -134,6 +178,9 @@ E Known(E value, const char* source) {
 }
 
 }  // namespace ADODB
+
+// The names and numbers of the enumerations above, for `ADODB::Known`, the type library and the Python client. They are
+// constant data, which any thread may read. `ADODB::DataTypeEnum` is only returned, never an argument.
 
 template <>
 struct Platform::EnumerationOf<ADODB::CursorLocationEnum> {

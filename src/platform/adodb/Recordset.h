@@ -9,26 +9,32 @@ namespace ADODB {
 
 class Recordset;
 
-/// A column of a recordset, at the current row. It is a small value that may be copied; it must not outlive its
-/// recordset.
+/// A column of a recordset, at the current row. It is a small value that may be copied; it holds no reference, so it
+/// must not outlive its recordset.
 ///
-/// On a closed recordset every member raises 3704. After the recordset was opened again, the field refers to the column
-/// with the same ordinal; every member raises 3265 if there is none.
+/// A field follows the recordset: `Value` returns the value of the row that is current when it is called. On a closed
+/// recordset every member raises 3704. After the recordset was opened again, the field refers to the column with the
+/// same ordinal; every member raises 3265 if there is none. A field is used on the recordset's thread only.
 class Field {
 public:
     /// Refers to the column with an ordinal, which is checked when a member is called. `Recordset::Fields` returns
     /// fields whose ordinal exists.
     Field(Recordset& recordset, Long ordinal) : recordset_(&recordset), ordinal_(ordinal) {}
 
+    // What the result says about the column. The reference to the name is valid until the recordset is closed or
+    // its statement is run again.
     const String& Name() const;  ///< as the engine returns it
     DataTypeEnum Type() const;   ///< the same for all rows
     Long DefinedSize() const;    ///< UTF-16 units that a text may have; 0 without a limit
 
-    /// Returns the value at the current row, or the assigned value that is not posted yet. Raises 3021 without a
-    /// current row, 0x80040E23 on a deleted row.
+    /// Returns the value at the current row, or the assigned value that is not posted yet. Its type is that of the
+    /// column
+    /// (`DataTypeEnum`), or `Null`; a stored value that can't be converted to it is returned as it is stored. In a new
+    /// row a column without an assigned value is null. Raises 3021 without a current row, 0x80040E23 on a deleted row.
     Variant Value() const;
 
-    /// Return true if the value is null, or a text. Raise as `Value`.
+    /// Return true if the value is null, or if it is a text. While no edit is pending, a value that the engine stores
+    /// as a text is one, also if `Value` returns it as a date. Raise as `Value`.
     bool IsNull() const;
     bool IsText() const;
 
@@ -36,10 +42,13 @@ public:
     template <class T>
     T As() const;
 
-    /// Returns the value that the row had before it was edited; null in a new row. Raises as `Value`.
+    /// Returns the value that the row had before it was edited, also if the edit assigned another one; null in a new
+    /// row. It is the value of the snapshot, which is not read again from the table. Raises as `Value`.
     Variant OriginalValue() const;
 
-    /// Assigns a value, which begins an edit; `Recordset::Update` posts it. The table is not changed until then.
+    /// Assigns a value, which begins an edit unless one is pending; `Recordset::Update` and every move post it. The
+    /// table is not changed until then. The value is converted to the type of the column at once (`StoredForm`); `Null`
+    /// is accepted by every column. A second assignment replaces the first one.
     ///
     /// Raises 3251 on a read-only recordset, one whose rows come from several tables or none, and for a computed
     /// column; 3709 on a disconnected recordset; 3021 without a current row; 0x80040E23 on a deleted row; 3421 or
@@ -54,10 +63,16 @@ private:
 /// The rows of a statement: a snapshot with a cursor, which can be edited.
 ///
 /// Rows are copied when the recordset is opened: later changes are not visible, not even those of statements on the
-/// same connection. With `adUseClient` the cursor is static and scrolls in both directions. A recordset of one table
-/// whose key is among its columns can be edited if it was opened with another lock type than `adLockReadOnly`. An
-/// update names only the columns that changed, and finds its row by the key and the old values of these columns. A
-/// recordset belongs to the thread that created it; it is closed with its last reference.
+/// same connection. With `adUseClient` the cursor is static and scrolls in both directions.
+///
+/// A recordset of one table whose key is among its columns can be edited if it was opened with another lock type than
+/// `adLockReadOnly` and `adLockUnspecified`. An edit is pending between the first assignment, or `AddNew`, and
+/// `Update`. An update names only the columns that changed, and finds its row by the key and the old values of these
+/// columns. The statements that post an edit or delete a row run without events of the connection.
+///
+/// A recordset holds a reference to its connection. It is closed with its last reference and by `Connection::Close`; a
+/// pending edit is then lost. A recordset belongs to the thread that created it. Failures of this layer have the source
+/// "ADODB.Recordset", or "ADODB.Connection" if the connection raised them.
 class Recordset final : public Object {
 public:
     static constexpr const char* ClassName = "Recordset";
@@ -67,8 +82,10 @@ public:
 
     // ---- opening and closing --------------------------------------------------------------------
 
-    /// Runs a statement; the first row becomes current. After a statement that does not return rows the recordset is
-    /// closed.
+    /// Runs a statement; the first row becomes current, or EOF and BOF are true if there are no rows. After a statement
+    /// that does not return rows the recordset is closed. With `adCmdTable`, `Source` is the name of a table, which
+    /// becomes part of the statement without quotes; otherwise it is one SQL statement. The cursor location that the
+    /// first successful open uses is kept for later ones.
     ///
     /// Raises 3705 if open; nothing changes then. Raises 3709 without an open connection, 3001 with
     /// `adExecuteNoRecords`, 3710 inside `WillExecute`, 3712 if a handler cancelled the statement, and what the engine
@@ -77,41 +94,51 @@ public:
               CursorTypeEnum CursorType = adOpenForwardOnly, LockTypeEnum LockType = adLockReadOnly,
               Long Options = adCmdUnspecified);
 
-    /// Releases the rows. The recordset can be opened again. Raises 3704 if closed, 3219 while an edit is pending;
-    /// nothing changes then.
+    /// Releases the rows; the connection and the source are kept. The recordset can be opened again. Raises 3704 if
+    /// closed, 3219 while an edit is pending; nothing changes then.
     void Close();
 
-    /// Runs the statement again and replaces the rows; the first row becomes current. Raises 3704 if closed, 3219 while
-    /// an edit is pending, 3709 when disconnected, and what the engine raises; the old rows and the position are then
-    /// unchanged.
+    /// Runs the statement again and replaces the rows; the first row becomes current. The events of the connection are
+    /// called as by `Open`. Fields then refer to the new columns with their ordinals.
+    ///
+    /// Raises 3704 if closed, 3219 while an edit is pending, 3709 when disconnected, 3710 inside `WillExecute`, 3712 if
+    /// a handler cancelled the statement, and what the engine raises; the old rows and the position are then unchanged.
     void Requery();
 
     /// Returns `adStateOpen` or `adStateClosed`.
     Long State() const noexcept { return columns_ ? adStateOpen : adStateClosed; }
-    /// Returns the statement that was run last or set by `SetSource`. For `adCmdTable` it is the select of the table.
+    /// Returns the statement that was run last or set by `SetSource`. For `adCmdTable` it is the select of the table;
+    /// if a handler of `WillExecute` changed the statement, it is the changed one.
     const String& Source() const noexcept { return source_; }
     /// Return the types that the open recordset has, which may differ from the requested ones, or the types that the
     /// next `Open` by name requests.
     CursorTypeEnum CursorType() const noexcept { return columns_ ? actualCursor_ : cursor_; }
     LockTypeEnum LockType() const noexcept { return columns_ ? actualLock_ : lock_; }
 
-    /// Set what a later `Open` by name uses for an argument that is left out. Raise 3705 while open, 3001 for a number
-    /// that is not in the enumeration.
+    /// Set what a later `Open` by name uses for an argument that is left out; `Open` in C++ has its own defaults and
+    /// replaces these values. Raise 3705 while open, 3001 for a number that is not in the enumeration; the old value
+    /// remains.
     void SetSource(const String& source);
     void SetCursorType(CursorTypeEnum type);
     void SetLockType(LockTypeEnum type);
 
-    /// Returns where the rows are kept; `adUseServer` until it is set or the recordset is opened.
+    /// Returns where the rows are kept: the set location; otherwise that with which the recordset was first opened;
+    /// otherwise `adUseServer`.
     CursorLocationEnum CursorLocation() const noexcept { return location_.value_or(adUseServer); }
 
-    /// Sets where the rows are kept; it overrides the connection's setting. Raises 3705 while open.
+    /// Sets where the rows are kept; it overrides the connection's setting. Raises 3705 while open. The number is not
+    /// checked here: a location other than `adUseClient` has the effect of `adUseServer`. By name another number raises
+    /// 3001.
     void SetCursorLocation(CursorLocationEnum location);
 
     /// Returns the connection, null if the recordset was never opened or is disconnected.
     const Ref<Connection>& ActiveConnection() const noexcept { return connection_; }
 
-    /// Sets the connection. Null disconnects an open client recordset, which can still be read; another connection
-    /// attaches it again. Raises 3705 for an open server recordset, 3709 for a closed connection.
+    /// Sets the connection. Null disconnects an open client recordset, which can still be read and is not closed with
+    /// the connection; another connection attaches it again. A pending edit remains pending. For a closed recordset,
+    /// sets the connection that an `Open` by name uses if its argument is left out.
+    ///
+    /// Raises 3705 for an open server recordset, 3709 for a closed connection; the recordset is then unchanged.
     void SetActiveConnection(const Ref<Connection>& connection);
 
     // ---- position -------------------------------------------------------------------------------
@@ -121,21 +148,26 @@ public:
     bool Eof() const;  ///< true after the last row, and if there are no rows
     bool Bof() const;  ///< true before the first row, and if there are no rows
 
-    /// Returns the number of rows, or -1 for a forward-only server cursor.
+    /// Returns the number of rows, or -1 for a forward-only server cursor. A row that `Delete` deleted is not counted.
     Long RecordCount() const;
 
-    /// Returns the position of the current row, counted from 1, or a `PositionEnum`.
+    /// Returns the position of the current row, counted from 1, or a `PositionEnum`. A new row has the position after
+    /// the last one. After `Delete` it is the position that the deleted row had, at which the next row is then.
     Long AbsolutePosition() const;
 
-    // A move posts a pending edit first. If that fails, its failure is raised and the position is unchanged.
+    // A move posts a pending edit first, as `Update`. If that fails, its failure is raised, and the edit and the
+    // position are unchanged. If the move itself raises after that, the edit is posted and the position is unchanged.
 
-    /// Move to the first or the last row. Raise 3021 on an empty recordset; `MoveLast` raises 3219 on a forward-only
-    /// server cursor.
+    /// Move to the first or the last row; `MoveFirst` also with a forward-only cursor. Raise 3021 on an empty
+    /// recordset; `MoveLast` raises 3219 on a forward-only server cursor. If `Delete` has just deleted the only row,
+    /// the first call does not raise: EOF and BOF are true after it.
     void MoveFirst();
     void MoveLast();
-    /// Moves to the next row, or to EOF after the last. Raises 3021 at EOF.
+    /// Moves to the next row, or to EOF after the last. From a row that `Delete` deleted it moves to the one after it.
+    /// At BOF it moves to the first row. Raises 3021 at EOF.
     void MoveNext();
-    /// Moves to the previous row, or to BOF before the first. Raises 3021 at BOF, 3219 on a forward-only server cursor.
+    /// Moves to the previous row, or to BOF before the first; at EOF to the last row. Raises 3021 at BOF, 3219 on a
+    /// forward-only server cursor.
     void MovePrevious();
     /// Moves by this number of rows, backward if it is negative; beyond the last or first row to EOF or BOF. 0 stays at
     /// the row. Raises 3021 without a row, forward at EOF and backward at BOF; 3219 for a negative number on a
@@ -144,14 +176,18 @@ public:
 
     // ---- columns --------------------------------------------------------------------------------
 
-    /// Returns the column with this name, without regard to case, or with this ordinal, counted from 0. Raises 3265 if
-    /// there is none.
+    /// Returns the column with this name, without regard to case, or with this ordinal, counted from 0. Of several
+    /// columns of one name it is the first. A name is that of the column alone, without its table. A current row is not
+    /// needed, and a program may keep the field while it moves. Raises 3704 on a closed recordset, 3265 if there is no
+    /// such column.
     Field Fields(std::string_view name) { return {*this, OrdinalOf(name)}; }
     Field Fields(Long ordinal) { return {*this, OrdinalOf(ordinal)}; }
     /// Returns the number of columns. Raises 3704 on a closed recordset.
     Long FieldCount() const { return Result().Count(); }
 
-    /// Returns true if there is a column with this name, without regard to case. Raises 3704 on a closed recordset.
+    /// Returns true if there is a column with this name, without regard to case, also if there are no rows. A program
+    /// that expects to miss a column calls it instead of handling the failure of `Fields`, which costs more. Raises
+    /// 3704 on a closed recordset.
     bool HasField(std::string_view name) const { return Result().Find(name) != Columns::Missing; }
 
     /// Read or assign a value. Raise as `Fields`, and as `Value` and `SetValue` of the column.
@@ -161,32 +197,46 @@ public:
     // ---- changing rows --------------------------------------------------------------------------
 
     /// Begins a new row, which becomes the current one; a pending edit is posted first. All its columns are null until
-    /// they are assigned. Raises 3704 if closed, 3251 if read-only or if the rows come from several tables or none,
-    /// 3709 when disconnected, and as `Update`; no new row is begun then.
+    /// they are assigned. The table is not changed before `Update`.
+    ///
+    /// Raises 3704 if closed, 3251 if read-only or if the rows come from several tables or none, 3709 when
+    /// disconnected, and as `Update`; no new row is begun then.
     void AddNew();
 
     /// Writes the pending edit. The row is still current afterwards; a new row becomes the last one and then has the
     /// counter that the database assigned. Does nothing without an edit, and sends no statement if no value differs
     /// from the row's.
     ///
-    /// Raises 3704 if closed, 0x80040E38 if another client changed or deleted the row, 0x80004005 if the columns do not
-    /// contain the table's key, and what the engine raises; the edit is then still pending.
+    /// An insert names only the columns that were assigned, so that the database stores the default of each other one;
+    /// the recordset has null for them until `Requery`. The edit is part of the connection's open transaction, if there
+    /// is one; a rollback does not restore the rows of the recordset.
+    ///
+    /// Raises 3704 if closed, 0x80040E38 if another client deleted the row or changed one of the columns that the edit
+    /// changes, 0x80004005 if the columns do not contain the table's key, 3710 inside `WillExecute`, 0x8004D00E if the
+    /// engine has rolled back the open transaction, 91 if the recordset was disconnected after the edit began, and what
+    /// the engine raises; the edit is then still pending.
     void Update();
 
     /// Discards the pending edit; after `AddNew` the row that was current before is current again. Does nothing without
-    /// an edit. Raises 3704 if closed.
+    /// an edit, and sends no statement. Raises 3704 if closed.
     void CancelUpdate();
 
-    /// Deletes the current row from the table. The position does not change: reading the row raises 0x80040E23 until
-    /// the next move. Raises 3001 for another argument than `adAffectCurrent`, 3021 without a current row, 3219 while
-    /// an edit is pending, 3251 if read-only, 3709 when disconnected, 0x80040E38 if another client changed or deleted
-    /// the row, 0x80004005 if the columns do not contain the table's key, and what the engine raises. The recordset is
-    /// then unchanged.
+    /// Deletes the current row from the table, which it finds by the key. The position does not change: reading the row
+    /// raises 0x80040E23 until the next move, and EOF does not become true, also if it was the last row.
+    ///
+    /// Raises 3704 if closed, 3001 for another argument than `adAffectCurrent`, 3021 without a current row, 0x80040E23
+    /// on a deleted row, 3219 while an edit is pending, 3251 if read-only or if the rows come from several tables or
+    /// none, 3709 when disconnected, 0x80040E38 if another client has deleted the row or changed its key, 0x80004005 if
+    /// the columns do not contain the table's key, 3710 and 0x8004D00E as `Update`, and what the engine raises. The
+    /// recordset is then unchanged.
     void Delete(AffectEnum AffectRecords = adAffectCurrent);
 
-    /// Returns whether an edit or a new row is pending. Raises 3021 without a current row.
+    /// Returns whether an edit or a new row is pending. Raises 3704 if closed, 3021 without a current row and on a
+    /// deleted one.
     EditModeEnum EditMode() const;
 
+    /// Returns the interface table. By name, `Fields` is the default member and returns a `FieldsObject`; `Open` has
+    /// optional arguments, and accepts a connection string in place of a connection, which it opens.
     const Interface& Describe() const override;
 
 private:
@@ -199,8 +249,11 @@ private:
         std::vector<std::optional<Variant>> assigned;
     };
 
+    /// Stores the result of a statement that `connection` has run. The recordset must be closed.
     void TakeResult(Ref<Connection> connection, ExecuteRequest&& request, Outcome&& outcome);
+    /// Closes the recordset and releases its connection, which is being closed.
     void ConnectionClosed();
+    /// Releases the rows and the pending edit; does nothing if closed.
     void Release();
     const Columns& Result() const {
         if (!columns_) RaiseClosed();
@@ -213,14 +266,15 @@ private:
         return ordinal;
     }
     [[noreturn]] static void RaiseNoColumn();
-    void RequireCurrent() const;
-    void RequireNoEdit() const;
-    void RequireScrolling() const;
-    void RequireUpdatable() const;
+    void RequireCurrent() const;    ///< raises 3704, 0x80040E23 on a deleted row, 3021 without a row
+    void RequireNoEdit() const;     ///< raises 3219
+    void RequireScrolling() const;  ///< raises 3219 for a forward-only cursor
+    void RequireUpdatable() const;  ///< raises 3704, 3251, 3709
     const Row& Current() const {
         if (!columns_ || bof_ || eof_ || onDeleted_) RequireCurrent();
         return rows_[static_cast<std::size_t>(position_)];
     }
+    /// Sets the position, from 0. Sets BOF below 0 and EOF at the number of rows or above.
     void GoTo(Long position);
 
     /// Returns the cell at the current row, or null while an edit is pending.
@@ -237,9 +291,12 @@ private:
     void Insert();
     void Change();
     Row EditedRow(Long counter, std::int64_t counterValue);
+    /// Returns the table that all columns with a table come from. Raises 3251 if there are several or none.
     const String& BaseTable() const;
     /// Returns true if the pending edit assigns a value to the column that differs from that of the row.
     bool IsChanged(Long ordinal) const;
+    /// Returns the condition that finds the current row, and appends its values to `values`. Raises 0x80004005 if no
+    /// column belongs to the key.
     String WhereRow(std::vector<Variant>& values) const;
     Variant StoredAt(Long ordinal) const;
     std::int64_t Post(const String& statement, const std::vector<Variant>& values);

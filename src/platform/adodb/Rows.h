@@ -7,9 +7,10 @@
 #include <unordered_map>
 #include <vector>
 
+/// The rows of a result in memory. Providers create them, and recordsets read them; a client of the layer uses `Field`.
 namespace ADODB {
 
-/// One column of a result.
+/// One column of a result, as the provider describes it. A column without a table is computed and can't be changed.
 struct Column {
     String Name;                    ///< as the engine names it
     String Table;                   ///< the table that it comes from; empty for an expression
@@ -20,13 +21,16 @@ struct Column {
     bool Counter = false;           ///< numbered by the database
 };
 
-/// The columns of a result, shared by all runs of one compiled statement. They belong to one thread.
+/// The columns of a result, shared by all runs of one compiled statement. They do not change after they are created.
+/// They belong to one thread, because `Find` remembers what it found.
 class Columns {
 public:
     static constexpr Long Missing = -1;  ///< the result of `Find` for an unknown name
 
+    /// Stores the columns in the order of the statement; their positions are the ordinals, from 0.
     explicit Columns(std::vector<Column> columns);
 
+    /// Returns the number of columns.
     Long Count() const noexcept { return static_cast<Long>(columns_.size()); }
 
     /// Returns the column with an ordinal from 0 to `Count() - 1`. Another ordinal is undefined behaviour: the caller
@@ -34,6 +38,7 @@ public:
     const Column& At(Long ordinal) const { return columns_[static_cast<std::size_t>(ordinal)]; }
 
     /// Returns the ordinal of the first column with this name, without regard to case; `Missing` if there is none.
+    /// Takes constant time. Raises nothing except `std::bad_alloc`.
     Long Find(std::string_view name) const;
 
 private:
@@ -46,17 +51,20 @@ private:
     static constexpr std::uint16_t NotFound = 0xFFFF;
 };
 
-/// One value of a row as the engine stores it. A text is not a copy: it points into the row.
+/// One value of a row as the engine stores it, in 16 bytes. A text is not a copy: it points into the row. A cell owns
+/// nothing and may be copied; it has no type of the column, which `ValueOf` adds.
 struct Cell {
     enum class Kind : std::uint8_t { Null, Whole, Real, Text };
     Kind kind = Kind::Null;    ///< which member of the union is valid; none for `Null`
     std::uint32_t length = 0;  ///< bytes of a text
     union {
+        // A new cell is null. Read the member that `kind` names.
         std::int64_t whole = 0;
         double real;
         const char* text;
     };
 
+    /// Return a cell that contains the number.
     static Cell Of(std::int64_t value) {
         Cell cell;
         cell.kind = Kind::Whole;
@@ -69,7 +77,8 @@ struct Cell {
         cell.real = value;
         return cell;
     }
-    /// Returns a cell that points to the text, which must live until the cell is added to a `RowStore`.
+    /// Returns a cell that points to the text, which must live until the cell is added to a `RowStore`. The text may
+    /// contain zero bytes; it must be shorter than 4 GiB.
     static Cell Of(std::string_view value) {
         Cell cell;
         cell.kind = Kind::Text;
@@ -78,10 +87,12 @@ struct Cell {
         return cell;
     }
     /// Returns the text of a cell of kind `Text`; undefined for another kind. Valid as long as the row's `RowStore`.
+    /// A text of 0 bytes is the empty text, not a null.
     std::string_view Text() const { return {text, length}; }
 };
 
-/// The values of one row, which are in the memory of the `RowStore` that created it.
+/// The values of one row, which are in the memory of the `RowStore` that created it. A row is a pointer: it may be
+/// copied, and it must not be used after its store was deleted or assigned.
 class Row {
 public:
     /// Returns the value with this ordinal. The caller checks the ordinal; a row does not know its number of columns.
@@ -91,15 +102,17 @@ private:
     friend class RowStore;
     explicit Row(const Cell* cells) : cells_(cells) {}
 
-    const Cell* cells_;
+    const Cell* cells_;  // the cells in the order of the columns, with the texts behind them
 };
 
 /// The memory of many rows, including their texts, in a few large blocks. A row is valid as long as its store, also
-/// after the store was moved. Memory is released with the store only.
+/// after the store was moved: it then belongs to the new one. Memory is released with the store only; a row can't be
+/// removed, and a changed row is a new one. A store is used by one thread at a time.
 class RowStore {
 public:
-    /// Copies the cells and the texts that they point to, and returns the row. Earlier rows stay valid. Raises
-    /// `std::bad_alloc`.
+    /// Copies the cells and the texts that they point to, and returns the row. `cells` has one cell for each column;
+    /// the store does not check their number. Earlier rows stay valid. Raises `std::bad_alloc`; the store is then
+    /// unchanged.
     Row Add(std::span<const Cell> cells);
 
 private:
@@ -107,16 +120,21 @@ private:
 };
 
 /// Returns the value of a cell in the type of its column: a whole number as a `Long` (as `int64` if it is larger), the
-/// text of a date column as a `Date`. A stored value that can't be converted to the type is returned as it is stored.
-/// Any thread may call.
+/// text of a date column as a `Date`, a number in a text column as its decimal text, a whole number in a boolean column
+/// as true unless it is 0. A stored value that can't be converted to the type is returned as it is stored, for example
+/// the text of a number column. Raises 6 for an infinite number in a text column. Any thread may call.
 Variant ValueOf(const Cell& cell, const Column& column);
 
 /// Returns a value converted to the type of a column, in the form in which it is stored: whole number, double, text, or
-/// `Null`; a date is the text "yyyy-mm-dd hh:nn:ss". Raises 3421 for a value of another type, 0x80040E21 for a text
-/// that is longer than the column or a number outside the range.
+/// `Null`; a date is the text "yyyy-mm-dd hh:nn:ss", true is -1. In a column without a fixed type (`adVariant`,
+/// `adBigInt`, `adLongVarBinary`) a value keeps its own type, except that booleans, dates and floats are converted.
+///
+/// Raises 3421 for a value of another type, 0x80040E21 for a text that is longer than the column or a number outside
+/// the range. The description names the column. Any thread may call.
 Variant StoredForm(const Variant& value, const Column& column);
 
-/// Returns the cell of a value in its stored form; `stored` must outlive it.
+/// Returns the cell of a value in its stored form; `stored` must outlive the cell, because the text of the cell points
+/// into it. A value of a type that `StoredForm` does not return becomes a null. Raises nothing; any thread may call.
 Cell CellOf(const Variant& stored);
 
 }  // namespace ADODB

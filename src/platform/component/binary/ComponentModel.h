@@ -34,6 +34,8 @@
 
 /* ---- plain types --------------------------------------------------------------------------------- */
 
+/* Integers of a fixed width. An HRESULT is a return code, an SCODE a return code that is stored as a value; a BOOL is 0
+ * or another number. */
 typedef int32_t HRESULT;
 typedef int32_t SCODE;
 typedef int32_t LONG;
@@ -57,22 +59,28 @@ typedef char16_t OLECHAR; /* one UTF-16 unit */
 #else
 typedef uint16_t OLECHAR;
 #endif
+/* Texts that end with a zero unit and contain none. The caller owns them; a function that receives one copies it. */
 typedef OLECHAR* LPOLESTR;
 typedef const OLECHAR* LPCOLESTR;
 
 /* A text, as a pointer to its first unit. A 32-bit number before the first unit contains the length in bytes, and a
  * zero unit follows the last one. A text may contain zero units. Null is an empty text. The SysAllocString functions
- * allocate a BSTR, SysFreeString frees it. */
+ * allocate a BSTR, SysFreeString frees it; malloc and free must not be used.
+ *
+ * The owner frees it. A BSTR argument that a function only reads belongs to the caller, and the function copies it. A
+ * BSTR that a function stores in the caller's variable belongs to the caller afterwards. */
 typedef OLECHAR* BSTR;
 
 typedef int16_t VARIANT_BOOL; /* -1 true, 0 false */
 #define VARIANT_TRUE ((VARIANT_BOOL)-1)
 #define VARIANT_FALSE ((VARIANT_BOOL)0)
 typedef double DATE;          /* days since 1899-12-30 */
-typedef uint32_t LCID;
-typedef int32_t DISPID;
-typedef uint16_t VARTYPE;
+typedef uint32_t LCID;        /* a locale, which calls ignore */
+typedef int32_t DISPID;       /* a dispatch identifier: the number of a member in its interface */
+typedef uint16_t VARTYPE;     /* a number of VARENUM */
 
+/* An identifier of 128 bits: of an interface (IID), of a class (CLSID), of a library. The text form has the fields in
+ * this order, in hexadecimal. Two are equal if all fields are. */
 typedef struct GUID {
     uint32_t Data1;
     uint16_t Data2;
@@ -81,6 +89,8 @@ typedef struct GUID {
 } GUID;
 typedef GUID IID;
 typedef GUID CLSID;
+/* How a function receives an identifier: C++ passes a reference, C a pointer. Both are the same in binary form. Null is
+ * not allowed. The function does not keep the address. */
 #ifdef __cplusplus
 typedef const IID& REFIID;
 typedef const CLSID& REFCLSID;
@@ -91,6 +101,8 @@ typedef const CLSID* REFCLSID;
 typedef const GUID* REFGUID;
 #endif
 
+/* The calling convention of the members of an interface and of exported functions: that of the system. STDAPI declares
+ * an exported function with C linkage that returns an HRESULT, STDAPI_ one that returns another type. */
 #define STDMETHODCALLTYPE
 #define STDAPICALLTYPE
 #ifdef __cplusplus
@@ -171,25 +183,30 @@ enum VARENUM {
     VT_TYPEMASK = 0x0FFF
 };
 
+/* ITypeInfo is declared for the signature of IDispatch::GetTypeInfo only; no object has this interface. */
 typedef struct IUnknown IUnknown;
 typedef struct IDispatch IDispatch;
 typedef struct ITypeInfo ITypeInfo;
 
+/* A currency amount. The platform accepts it as an argument, as a double, and never returns one. */
 typedef union CY {
     int64_t int64; /* ten-thousandths */
 } CY;
 
+/* A decimal number: a whole number of 96 bits, divided by a power of ten. The platform accepts it as an argument, as a
+ * double of about 15 digits, and never returns one. In a VARIANT its first field has the place of `vt`. */
 typedef struct DECIMAL {
     uint16_t wReserved;
     uint8_t scale; /* decimal digits behind the point, 0 to 28 */
     uint8_t sign;  /* 0x80 negative */
-    uint32_t Hi32;
-    uint64_t Lo64;
+    uint32_t Hi32; /* the upper 32 bits of the number, without its sign */
+    uint64_t Lo64; /* the lower 64 bits */
 } DECIMAL;
 
+/* The bounds of one dimension of an array. */
 typedef struct SAFEARRAYBOUND {
-    ULONG cElements;
-    LONG lLbound;
+    ULONG cElements; /* the number of elements; may be 0 */
+    LONG lLbound;    /* the first index; 0 in the arrays that the platform returns */
 } SAFEARRAYBOUND;
 
 /* The features of a SAFEARRAY: its element type is stored; its elements are BSTRs, interface pointers or VARIANTs,
@@ -200,17 +217,29 @@ typedef struct SAFEARRAYBOUND {
 #define FADF_DISPATCH 0x0400
 #define FADF_VARIANT 0x0800
 
+/* An array with the type of its elements. SafeArrayCreateVector and SafeArrayCopy allocate it, SafeArrayDestroy frees
+ * it with its elements. One structure belongs to one thread at a time.
+ *
+ * The platform returns arrays of BSTRs, with one dimension. As an argument it accepts an array of BSTRs or of VARIANTs
+ * that contain neither arrays nor references, with one dimension; any other one is DISP_E_BADVARTYPE. A program reads
+ * the fields through the functions. A structure that it allocates itself must not have FADF_HAVEVARTYPE, because the
+ * element type then precedes the structure. */
 typedef struct SAFEARRAY {
-    USHORT cDims;
-    USHORT fFeatures;
-    ULONG cbElements;
-    ULONG cLocks;
-    void* pvData;
+    USHORT cDims;                /* the number of dimensions  */
+    USHORT fFeatures;            /* FADF_ */
+    ULONG cbElements;            /* the size of an element in bytes */
+    ULONG cLocks;                /* calls of SafeArrayAccessData without SafeArrayUnaccessData */
+    void* pvData;                /* the elements, which the array owns */
     SAFEARRAYBOUND rgsabound[1]; /* the last dimension first */
 } SAFEARRAY;
 
 /* A value with its type. VariantInit initialises it, VariantClear frees what it owns: a BSTR, an array, a reference to
- * an object. With VT_BYREF it owns nothing, and the address must be valid as long as the VARIANT is used. */
+ * an object. With VT_BYREF it owns nothing, and the address must be valid as long as the VARIANT is used.
+ *
+ * `vt` selects the member of the union that is valid. The caller allocates the VARIANT itself, on the stack as a rule.
+ * An argument belongs to the caller. A result belongs to the caller too, who clears it: the function overwrites it
+ * without freeing what was in it before. An assignment of one VARIANT to another copies no text and adds no reference;
+ * VariantCopy does. */
 typedef struct VARIANT VARIANT;
 struct VARIANT {
     __extension__ union {
@@ -268,26 +297,30 @@ struct VARIANT {
 };
 typedef VARIANT VARIANTARG;
 
-/* The arguments of IDispatch::Invoke. The caller owns them. A VARIANT of type VT_ERROR with DISP_E_PARAMNOTFOUND is an
- * argument that is left out. For a put, the new value has the identifier DISPID_PROPERTYPUT. */
+/* The arguments of IDispatch::Invoke. The caller owns both arrays and the values, before and after the call; both
+ * pointers may be null if their count is 0. A VARIANT of type VT_ERROR with DISP_E_PARAMNOTFOUND is an argument that is
+ * left out. For a put, the new value has the identifier DISPID_PROPERTYPUT. Positional arguments that are left out at
+ * the end need not be passed. */
 typedef struct DISPPARAMS {
     VARIANTARG* rgvarg;        /* the named arguments, then the others with the last one first */
     DISPID* rgdispidNamedArgs; /* for each named argument its position, from 0 */
     UINT cArgs;                /* the number of all arguments */
-    UINT cNamedArgs;
+    UINT cNamedArgs;           /* the number of named ones; more than cArgs is E_INVALIDARG */
 } DISPPARAMS;
 
-/* What a member raised, filled by IDispatch::Invoke if it returns DISP_E_EXCEPTION. The caller frees the texts. */
+/* What a member raised, filled by IDispatch::Invoke if it returns DISP_E_EXCEPTION. The caller allocates the structure,
+ * whose former content is overwritten without being freed, and frees the texts. After any other result every field is
+ * zero. */
 typedef struct EXCEPINFO {
-    WORD wCode;
+    WORD wCode; /* always 0: the number is in `scode` */
     WORD wReserved;
     BSTR bstrSource;      /* the operation that failed */
     BSTR bstrDescription; /* the text of the failure */
-    BSTR bstrHelpFile;
+    BSTR bstrHelpFile;    /* always null */
     DWORD dwHelpContext;
     void* pvReserved;
-    HRESULT (*pfnDeferredFillIn)(struct EXCEPINFO*);
-    SCODE scode; /* the number of the failure as a return code */
+    HRESULT (*pfnDeferredFillIn)(struct EXCEPINFO*); /* always null */
+    SCODE scode;                                     /* the number of the failure as a return code */
 } EXCEPINFO;
 
 /* Dispatch identifiers with a fixed meaning: the default member, an unknown name, the new value of a put, the
@@ -302,6 +335,13 @@ typedef struct EXCEPINFO {
 #define DISPATCH_PROPERTYPUTREF 8
 
 /* ---- interfaces ---------------------------------------------------------------------------------- */
+
+/* The server allocates an object and deletes it with its last reference; a client never frees one. Who receives an
+ * interface pointer in a variable of its own has a reference and releases it. Who is passed one as an argument calls
+ * AddRef if it keeps the pointer after the call. The calls of an object are made on the thread on which it was first
+ * passed to a client, AddRef and Release too; class factories and error records count references atomically.
+ *
+ * No function throws. One that can't allocate memory returns E_OUTOFMEMORY. */
 
 #ifdef __cplusplus
 
@@ -323,10 +363,12 @@ struct IDispatch : IUnknown {
     /* Stores null and returns DISP_E_BADINDEX. */
     virtual HRESULT GetTypeInfo(UINT which, LCID lcid, ITypeInfo** info) = 0;
     /* Stores the identifier of the member `names[0]`, and for the other names the positions of its arguments, without
-     * regard to case. Returns DISP_E_UNKNOWNNAME if a name is unknown; its identifier is DISPID_UNKNOWN then. */
+     * regard to case. Returns DISP_E_UNKNOWNNAME if a name is unknown; its identifier is DISPID_UNKNOWN then. Returns
+     * E_POINTER for a null array and E_INVALIDARG for a `count` of 0. */
     virtual HRESULT GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count, LCID lcid, DISPID* ids) = 0;
     /* Calls the member with this identifier and kind (`flags`). Stores its result in `result`, which may be null, and
-     * writes back the arguments that were passed with VT_BYREF, also if the member raises.
+     * writes back the arguments that were passed with VT_BYREF, also if the member raises. `result` is VT_EMPTY after a
+     * failure and for a member without a result. The object lives at least until the call returns.
      *
      * Returns DISP_E_MEMBERNOTFOUND, DISP_E_BADPARAMCOUNT, DISP_E_PARAMNOTFOUND, DISP_E_PARAMNOTOPTIONAL,
      * DISP_E_TYPEMISMATCH or DISP_E_OVERFLOW for a wrong call, RPC_E_WRONG_THREAD on another thread than the object's;
@@ -336,19 +378,24 @@ struct IDispatch : IUnknown {
                            EXCEPINFO* failure, UINT* wrongArgument) = 0;
 };
 
-/* Creates the objects of one class. Any thread may call. */
+/* Creates the objects of one class. Any thread may call. DllGetClassObject of the library returns it; while a factory,
+ * an object or a lock exists, DllCanUnloadNow returns S_FALSE. */
 struct IClassFactory : IUnknown {
     /* Stores an interface of a new object, which belongs to the calling thread. CLASS_E_NOAGGREGATION if `outer` is not
      * null, E_NOINTERFACE, E_POINTER, and what the constructor raises. */
     virtual HRESULT CreateInstance(IUnknown* outer, REFIID riid, void** object) = 0;
-    /* Keeps the library loaded until the same number of calls with 0. */
+    /* Keeps the library loaded until the same number of calls with 0. A call with 0 that has no counterpart is ignored.
+     * Returns S_OK. */
     virtual HRESULT LockServer(BOOL lock) = 0;
 };
 
-/* Iterates over the members of a collection, from the first to the last. */
+/* Iterates over the members of a collection, from the first to the last. Members may be added and removed meanwhile: a
+ * removed member is not visited, and no member is visited twice. Each function returns RPC_E_WRONG_THREAD on another
+ * thread than that of the object, and clears the error record of the thread. */
 struct IEnumVARIANT : IUnknown {
     /* Stores at most `count` members, and their number in `fetched`, which may be null if `count` is 1. Returns S_FALSE
-     * if fewer were left. The caller clears the values. */
+     * if fewer were left. The caller clears the values. What was in them before is not freed. Returns E_POINTER for
+     * null `values`, and for null `fetched` with another `count`. */
     virtual HRESULT Next(ULONG count, VARIANT* values, ULONG* fetched) = 0;
     /* Skips members. Returns S_FALSE if fewer were left. */
     virtual HRESULT Skip(ULONG count) = 0;
@@ -358,12 +405,15 @@ struct IEnumVARIANT : IUnknown {
     virtual HRESULT Clone(IEnumVARIANT** copy) = 0;
 };
 
-/* Returns S_OK if the object sets the error record when a member of the interface fails, otherwise S_FALSE. */
+/* Returns S_OK if the object sets the error record when a member of the interface fails, otherwise S_FALSE. The objects
+ * of the platform return S_OK for IDispatch and for their dual interface. */
 struct ISupportErrorInfo : IUnknown {
     virtual HRESULT InterfaceSupportsErrorInfo(REFIID riid) = 0;
 };
 
-/* An error record, to be read. The caller frees the texts. A text that was not set is empty. */
+/* An error record, to be read. Each function stores a copy, and returns E_POINTER for null. The caller frees the texts.
+ * A text that was not set is empty. A record of the platform has the source and the description of a failure; the
+ * number of the failure is the return code of the call. */
 struct IErrorInfo : IUnknown {
     virtual HRESULT GetGUID(GUID* guid) = 0;
     virtual HRESULT GetSource(BSTR* source) = 0;
@@ -372,7 +422,8 @@ struct IErrorInfo : IUnknown {
     virtual HRESULT GetHelpContext(DWORD* context) = 0;
 };
 
-/* An error record, to be filled. The texts are copied. QueryInterface returns its IErrorInfo, for SetErrorInfo. */
+/* An error record, to be filled. The texts are copied; null removes a text. QueryInterface returns its IErrorInfo, for
+ * SetErrorInfo. CreateErrorInfo creates it; the last Release deletes it. */
 struct ICreateErrorInfo : IUnknown {
     virtual HRESULT SetGUID(REFGUID guid) = 0;
     virtual HRESULT SetSource(LPOLESTR source) = 0;
@@ -388,6 +439,10 @@ typedef struct IEnumVARIANT IEnumVARIANT;
 typedef struct ISupportErrorInfo ISupportErrorInfo;
 typedef struct IErrorInfo IErrorInfo;
 typedef struct ICreateErrorInfo ICreateErrorInfo;
+
+/* The same interfaces for C: the functions in the same order, with the object as their first argument, and the
+ * contracts above. A call is object->lpVtbl->Function(object, ...). The server owns the tables; a client must not
+ * change them. */
 
 /* The first three functions of every interface. */
 #define OX_UNKNOWN_FUNCTIONS(type)                                \
@@ -469,6 +524,8 @@ struct ICreateErrorInfo {
 
 #endif
 
+/* The identifiers of these interfaces, for QueryInterface; IID_NULL is all zero and names none. They are constant data
+ * of liboxplatform. */
 EXTERN_C __attribute__((visibility("default"))) const IID IID_NULL;
 EXTERN_C __attribute__((visibility("default"))) const IID IID_IUnknown;
 EXTERN_C __attribute__((visibility("default"))) const IID IID_IDispatch;
@@ -481,19 +538,22 @@ EXTERN_C __attribute__((visibility("default"))) const IID IID_ICreateErrorInfo;
 /* ---- texts --------------------------------------------------------------------------------------- */
 
 /* Return a new text, which the caller frees: a copy of a null-terminated one (null for null), of this number of units,
- * or of this number of bytes (zeros for null). Return null if memory can't be allocated. */
+ * or of this number of bytes (zeros for null). Return null if memory can't be allocated, or if the length in bytes is
+ * not a 32-bit number. The units are not checked: they need not be valid UTF-16. */
 STDAPI_(BSTR) SysAllocString(LPCOLESTR text);
 STDAPI_(BSTR) SysAllocStringLen(LPCOLESTR text, UINT units);
 STDAPI_(BSTR) SysAllocStringByteLen(const char* bytes, UINT count);
 /* Frees a text; does nothing for null. */
 STDAPI_(void) SysFreeString(BSTR text);
-/* Return the length in units or in bytes, without the terminating zero; 0 for null. */
+/* Return the length in units or in bytes, without the terminating zero; 0 for null. An odd number of bytes is rounded
+ * down to units. */
 STDAPI_(UINT) SysStringLen(BSTR text);
 STDAPI_(UINT) SysStringByteLen(BSTR text);
 
 /* ---- variants ------------------------------------------------------------------------------------ */
 
-/* Makes the variant VT_EMPTY without freeing its value. */
+/* Makes the variant VT_EMPTY without freeing its value; does nothing for null. A VARIANT must be initialised before any
+ * other function receives it. */
 STDAPI_(void) VariantInit(VARIANTARG* variant);
 /* Frees what the variant owns and makes it VT_EMPTY. With VT_BYREF the value that it points to is unchanged. Returns
  * E_INVALIDARG for null, DISP_E_BADVARTYPE for an unknown type, and for an array as SafeArrayDestroy; nothing is freed
@@ -501,7 +561,7 @@ STDAPI_(void) VariantInit(VARIANTARG* variant);
 STDAPI VariantClear(VARIANTARG* variant);
 /* Clears `to` and makes it a copy of `from`. A text or an array is copied, an object gets another reference. Returns
  * E_INVALIDARG for null, DISP_E_BADVARTYPE for an unknown type, E_OUTOFMEMORY, and for an array as SafeArrayCopy; `to`
- * is unchanged then. */
+ * is unchanged then. Does nothing if both are the same variant. With VT_BYREF the address is copied, not the value. */
 STDAPI VariantCopy(VARIANTARG* to, const VARIANTARG* from);
 
 /* ---- safe arrays --------------------------------------------------------------------------------- */
@@ -517,7 +577,8 @@ STDAPI SafeArrayDestroy(SAFEARRAY* array);
  * and for an array without an element type, and E_OUTOFMEMORY; `*copy` is null then. */
 STDAPI SafeArrayCopy(SAFEARRAY* array, SAFEARRAY** copy);
 /* Lock the array and store the address of its elements; unlock it. Each lock needs an unlock; E_UNEXPECTED for one too
- * many. */
+ * many, E_INVALIDARG for null. The address is valid until the unlock; the elements belong to the array. A lock prevents
+ * only the destruction of the array: it does not exclude another thread. */
 STDAPI SafeArrayAccessData(SAFEARRAY* array, void** data);
 STDAPI SafeArrayUnaccessData(SAFEARRAY* array);
 /* Returns the number of dimensions; 0 for null. */
@@ -531,14 +592,17 @@ STDAPI SafeArrayGetVartype(SAFEARRAY* array, VARTYPE* type);
 
 /* ---- error records ------------------------------------------------------------------------------- */
 
-/* Each thread has at most one error record, which describes its last failed call. `reserved` is 0. */
+/* Each thread has at most one error record, which describes its last failed call. `reserved` is 0. Every call of a
+ * member of the platform's objects removes the record first, so a client reads it directly after the failed call. The
+ * record is released when the thread ends. */
 
 /* Replaces the thread's record and adds a reference to the new one; null removes the record. */
 STDAPI SetErrorInfo(ULONG reserved, IErrorInfo* record);
 /* Stores the thread's record, which the caller releases, and removes it from the thread. Stores null and returns
- * S_FALSE if the thread has none. */
+ * S_FALSE if the thread has none. Returns E_INVALIDARG for null; the record is then unchanged. */
 STDAPI GetErrorInfo(ULONG reserved, IErrorInfo** record);
-/* Stores a new, empty record, which the caller releases. */
+/* Stores a new, empty record, which the caller releases. Returns E_POINTER for null; if memory can't be allocated,
+ * stores null and returns E_OUTOFMEMORY. */
 STDAPI CreateErrorInfo(ICreateErrorInfo** record);
 
 #endif
