@@ -71,10 +71,10 @@ TEST_F(Services, WithoutAnActiveRootTheBoundsFail) {
 }
 
 TEST_F(Services, MoreRootsThanAPositionCanCountOverflow) {
-    Run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 32766) "
+    Run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 32767) "
         "INSERT INTO Root_T (RootID, RootDirectory, Status) SELECT i, 'x', i = 1 FROM n");
-    EXPECT_EQ(Roots().size(), 32767U) << "the unused position 0 included";
-    Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (32767, 'x', 0)");
+    EXPECT_EQ(Roots().size(), 32767U);
+    Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (32768, 'x', 0)");
     EXPECT_EQ(FailureOf([&] { Roots(); }).Number, err::Overflow);
 }
 

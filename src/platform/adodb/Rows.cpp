@@ -90,10 +90,10 @@ Columns::Columns(std::vector<Column> columns)
 }
 
 Long Columns::Find(std::string_view name) const {
-    const std::size_t first = HashOfAddress(name);
-    std::uint16_t* free = &found_[first % found_.size()];  // also replaced if no place is free
+    const std::size_t first = HashOfAddress(name), mask = found_.size() - 1;  // the size is a power of two
+    std::uint16_t* free = &found_[first & mask];                              // also replaced if no place is free
     for (std::size_t probe = 0; probe < MostProbes; ++probe) {
-        std::uint16_t& place = found_[(first + probe) % found_.size()];
+        std::uint16_t& place = found_[(first + probe) & mask];
         if (place == NotFound) {
             free = &place;
             break;
