@@ -37,8 +37,8 @@ std::pair<double, double> PairOf(const std::string& text, const char* what) {
         if (!whole || i == 1 || *result.ptr != ',') break;
         at = result.ptr + 1;
     }
-    throw UserError(
-        fmt::format("\"{}\" is no {}; write fractions of the card as in 0.5,0.25, or one number for both", text, what));
+    throw UserError(fmt::format(
+        "\"{}\" is not a {}; write fractions of the card as in 0.5,0.25, or one number for both", text, what));
 }
 
 std::pair<Long, Long> CanvasOf(const std::string& text) {

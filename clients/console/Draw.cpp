@@ -30,7 +30,7 @@ void Draw(Program& program, const std::string& key, const std::string& file, uns
           const DrawingOptions& drawing) {
     const bool png = EndsIn(file, ".png");
     if (!png && !EndsIn(file, ".svg"))
-        throw UserError(fmt::format("\"{}\" is no name of a drawing; end it with .svg or .png", Printable(file)));
+        throw UserError(fmt::format("\"{}\" is not the name of a drawing; end it with .svg or .png", Printable(file)));
     const Database database(program.options);
     const auto entry = OpenEntry(database, key);
     // The placed images after one that can't be read are unknown: the drawing would look complete.
@@ -50,7 +50,7 @@ void Draw(Program& program, const std::string& key, const std::string& file, uns
 
 void Report(Program& program, const std::string& patient, const std::string& file) {
     if (!EndsIn(file, ".html") && !EndsIn(file, ".htm"))
-        throw UserError(fmt::format("\"{}\" is no name of a report; end it with .html", Printable(file)));
+        throw UserError(fmt::format("\"{}\" is not the name of a report; end it with .html", Printable(file)));
     const Database database(program.options);
     const ReportTally tally = WriteReport(database, patient, file);
     if (tally.missing > 0 || tally.damaged > 0) program.exitCode = PartlyDone;

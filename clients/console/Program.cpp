@@ -32,7 +32,7 @@ Platform::Long NumberOf(const std::string& text, const char* what) {
     Platform::Long number = 0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
     if (result.ec != std::errc() || result.ptr != text.data() + text.size())
-        throw UserError(fmt::format("\"{}\" is no number of {}; the list shows the numbers", text, what));
+        throw UserError(fmt::format("\"{}\" is not the number of {}; the list shows the numbers", text, what));
     return number;
 }
 
