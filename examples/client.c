@@ -18,7 +18,7 @@ static BSTR NewText(const char* letters) {
     return text;
 }
 
-/* Prints a text; what is no plain letter as a question mark. */
+/* Prints a text, with a question mark for each character outside of ASCII. */
 static void Print(BSTR text) {
     for (UINT i = 0; i < SysStringLen(text); ++i) putchar(text[i] < 128 ? (int)text[i] : '?');
 }
@@ -73,9 +73,7 @@ static void PrintColumn(IDispatch* rows, const char* column) {
     VariantClear(&value);
 }
 
-static int IsAtEnd(IDispatch* rows) {
-    return Call(rows, "EOF", NULL).boolVal != VARIANT_FALSE;
-}
+static int IsAtEnd(IDispatch* rows) { return Call(rows, "EOF", NULL).boolVal != VARIANT_FALSE; }
 
 /* ---- the program --------------------------------------------------------------------------------- */
 

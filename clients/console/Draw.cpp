@@ -61,7 +61,7 @@ void Report(Program& program, const std::string& patient, const std::string& fil
                           {"missing", tally.missing},
                           {"damaged", tally.damaged}});
     fmt::print("{}: {} entries with {} images.\n", Printable(file), tally.entries, tally.images);
-    if (tally.missing > 0) fmt::print("{} pictures are missing; the report says why.\n", tally.missing);
+    if (tally.missing > 0) fmt::print("{} pictures are missing; the report shows the reasons.\n", tally.missing);
     if (tally.damaged > 0) fmt::print("{} rows can't be read; the report names them.\n", tally.damaged);
 }
 
@@ -77,7 +77,7 @@ void AddDrawing(Program& program) {
     constexpr unsigned narrowest = 16, widest = 20000;
 
     auto* draw = program.app.add_subcommand("draw", "draw a card or a series as a picture, SVG or PNG");
-    draw->add_option("CARD-OR-SERIES", given->key, "its key, as oxclass cards tells: IC5, SE7")->required();
+    draw->add_option("CARD-OR-SERIES", given->key, "its key, as listed by oxclass cards: IC5, SE7")->required();
     draw->add_option("-o,--output", given->file, "file to write, by its ending .svg or .png")
         ->required()
         ->type_name("FILE");

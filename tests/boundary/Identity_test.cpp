@@ -157,7 +157,7 @@ TEST(Enumerator, SkipsStartsAgainAndIsCopied) {
     EXPECT_EQ(walk->Next(1, &tooth, nullptr), S_OK);
     EXPECT_EQ(NumberOf(tooth), 12);
     EXPECT_EQ(copy->Next(1, &tooth, nullptr), S_OK);
-    EXPECT_EQ(NumberOf(tooth), 12) << "the copy stood where the walk stood";
+    EXPECT_EQ(NumberOf(tooth), 12) << "the copy has the position of the original";
     EXPECT_EQ(walk->Reset(), S_OK);
     EXPECT_EQ(walk->Next(1, &tooth, nullptr), S_OK);
     EXPECT_EQ(NumberOf(tooth), 11);

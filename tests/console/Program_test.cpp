@@ -23,10 +23,10 @@ TEST_F(Program, InitDoesNotChangeAnExistingFile) {
     std::ofstream(Database()) << "precious";
     const Result run = Try({"init", Database()});
     EXPECT_EQ(run.code, 1);
-    EXPECT_NE(run.err.find("exists already and stays as it is"), std::string::npos) << run.err;
+    EXPECT_NE(run.err.find("exists already and is not changed"), std::string::npos) << run.err;
     EXPECT_EQ(fs::file_size(Database()), 8U);
     EXPECT_EQ(Try({"init", Database(), "--replace"}).code, 0);
-    EXPECT_EQ(fs::file_size(Database() + ".old"), 8U) << "the old file is put aside, not lost";
+    EXPECT_EQ(fs::file_size(Database() + ".old"), 8U) << "the old file is renamed, not lost";
     EXPECT_EQ(Try({"init", Database(), "--replace"}).code, 1) << "and not overwritten by the next";
     EXPECT_EQ(fs::file_size(Database() + ".old"), 8U);
     EXPECT_EQ(OkJson({"patients"}).size(), 0U);

@@ -109,7 +109,7 @@ TEST_F(SqlitePlansTest, AVeryLongStatementIsNotKept) {
 
 TEST_F(SqlitePlansTest, ARejectedShapeIsCompiledAsTheOriginalText) {
     const CompiledStatement& plan = cache->For("UPDATE t SET 'b'='x' WHERE a=1", literals);
-    EXPECT_TRUE(literals.empty()) << "a column's name in quotes is no value";
+    EXPECT_TRUE(literals.empty()) << "a column's name in quotes is not a value";
     EXPECT_EQ(std::string(sqlite3_sql(plan.Compiled())), "UPDATE t SET 'b'='x' WHERE a=1");
 }
 
