@@ -73,7 +73,9 @@ static void PrintColumn(IDispatch* rows, const char* column) {
     VariantClear(&value);
 }
 
-static int IsAtEnd(IDispatch* rows) { return Call(rows, "EOF", NULL).boolVal != VARIANT_FALSE; }
+static int IsAtEnd(IDispatch* rows) {
+    return Call(rows, "EOF", NULL).boolVal != VARIANT_FALSE;
+}
 
 /* ---- the program --------------------------------------------------------------------------------- */
 

@@ -101,8 +101,7 @@ TEST_F(DatabaseFile, AnInvalidNameIsReported) {
     EXPECT_FALSE(fs::exists(folder.Path() / "clinic.db"));
 }
 
-// ---- without the right to write
-// --------------------------------------------------------------------------------
+// ---- without the right to write -----------------------------------------------------------------
 
 /// Runs of the program by a user who owns nothing here.
 class Reader : public DatabaseFile {
