@@ -34,7 +34,7 @@ bool detail::StatementText::InsideQuotes() {
     return inside_;
 }
 
-void detail::StatementText::Add(const AsItStands& spliced) {
+void detail::StatementText::Add(const Verbatim& spliced) {
     const bool quoted = InsideQuotes();
     if (quoted ? !StaysInLiteral(spliced.text) : !IsWholeNumber(spliced.text))
         ADODB::RaiseAdo(

@@ -12,7 +12,7 @@
 ///
 /// A piece is a string literal, a whole number, an enumeration, an `Escaped` text or one of the types below.
 /// A plain `String` doesn't compile. Any thread may call. The pieces must live until the statement is joined; only
-/// joining an `AsItStands` raises.
+/// joining a `Verbatim` raises.
 namespace OXClass {
 
 // ---- pieces --------------------------------------------------------------------------------------------
@@ -39,8 +39,8 @@ struct Stamp {
 /// Between single quotes, each run of quotes in the text must have an even length; outside of quotes, the
 /// text must be a whole number. Any other text raises 0x80040E14 when the statement is joined. A text can
 /// therefore make a statement fail, and can never turn it into another statement.
-struct AsItStands {
-    explicit AsItStands(std::string_view spliced) : text(spliced) {}
+struct Verbatim {
+    explicit Verbatim(std::string_view spliced) : text(spliced) {}
     /// The text is not copied: it must live until the statement is joined.
     std::string_view text;
 };
@@ -61,11 +61,11 @@ struct NumberOrNull {
 namespace detail {
 
 /// The text of one statement while its pieces are added. Each `Add` appends one kind of piece; only `Add` of an
-/// `AsItStands` raises.
+/// `Verbatim` raises.
 class StatementText {
 public:
-    /// Reserves memory for `room` bytes.
-    explicit StatementText(std::size_t room) { text_.reserve(room); }
+    /// Reserves memory for this number of bytes.
+    explicit StatementText(std::size_t bytes) { text_.reserve(bytes); }
 
     template <std::size_t N>
     void Add(const char (&literal)[N]) {
@@ -82,7 +82,7 @@ public:
     void Add(const Stamp& date) { text_ += date.text; }
     void Add(const Clause& clause) { text_ += clause.text; }
     void Add(const NumberOrNull& number) { text_ += number.isNull ? "NULL" : CStr(number.value); }
-    void Add(const AsItStands& spliced);
+    void Add(const Verbatim& spliced);
 
     /// Returns the joined text, and leaves this object empty.
     String Take() { return std::move(text_); }
@@ -107,7 +107,7 @@ constexpr std::size_t LengthOf(const auto&) { return 24; }
 
 }  // namespace detail
 
-/// Returns the statement that consists of these pieces, in their order. Raises 0x80040E14 for an `AsItStands`
+/// Returns the statement that consists of these pieces, in their order. Raises 0x80040E14 for a `Verbatim`
 /// that would end its literal, or that isn't a number outside of quotes.
 template <class... Pieces>
 String sql(const Pieces&... pieces) {
