@@ -11,7 +11,7 @@ using namespace OXClass;
 
 constexpr int Rounds = 100'000;
 
-/// An object as a component client holds it.
+/// The reference of a COM client to an object.
 class Held {
 public:
     explicit Held(const Ref<cPatient>& patient)

@@ -33,7 +33,7 @@ constexpr const char* SeriesText =
     "Series_T.SeriesDateTime, Series_T.Derived_BT,Series_T.Template_ID ORDER BY Study_T.StudyDateTime DESC, "
     "Series_T.Series_ID DESC";
 
-/// The columns of the card statement stand behind the seventeen of the patient.
+/// Returns the card of a row. Its columns follow the seventeen columns of the patient.
 HandEntry CardOf(sqlite3_stmt* row) {
     constexpr int card = 17;
     HandEntry entry;

@@ -18,7 +18,7 @@ static BSTR NewText(const char* letters) {
     return text;
 }
 
-/* Prints a text; what is no plain letter as a question mark. */
+/* Prints a text, with a question mark for each character outside of ASCII. */
 static void Print(BSTR text) {
     for (UINT i = 0; i < SysStringLen(text); ++i) putchar(text[i] < 128 ? (int)text[i] : '?');
 }

@@ -140,9 +140,9 @@ bool IsOutOfScope(const String& text) {
 
 }  // namespace
 
-/// A statement does the same whether its text is compiled or its shape with the literals bound: it fails or
-/// not, gives the same rows under the same names, leaves the same tables; also the second time, from the
-/// kept plan. And a chain of ORs means the same as a tree.
+/// A statement has the same effect whether its text is compiled or its shape with the literals bound: both fail, or
+/// both return the same rows under the same names and leave the same tables; also the second time, with the cached
+/// compiled statement. A chain of ORs has the same result as a tree.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static Engine engine;
     static Provider provider;

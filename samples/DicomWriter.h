@@ -10,7 +10,7 @@
 
 namespace Samples {
 
-/// The three kinds of radiographs, which differ in their DICOM object and in what the device tells.
+/// The three kinds of radiographs, which differ in their DICOM object and in the attributes that the device writes.
 enum class Kind { IntraOral, Panoramic, Cephalogram };
 
 /// All that a sample radiograph's file says besides its pixels. Texts are in the bytes of `characterSet`.

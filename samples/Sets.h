@@ -16,7 +16,7 @@ struct SampleFile {
     std::function<void(const std::filesystem::path& file)> write;
 };
 
-/// All samples, set by set. Nothing is drawn before `write` is called; each call gives the same bytes.
+/// All samples, set by set. Nothing is drawn before `write` is called; each call writes the same bytes.
 std::vector<SampleFile> AllSamples();
 
 }  // namespace Samples

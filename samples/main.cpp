@@ -67,7 +67,7 @@ int main(int argc, char** argv) {
         return 0;
     }
     if (argument.empty() || argument.starts_with("-")) {
-        std::cerr << "samples: give one folder to write to\n\n" << Usage;
+        std::cerr << "samples: name one folder to write to\n\n" << Usage;
         return 2;
     }
     OFLog::configure(OFLogger::OFF_LOG_LEVEL);

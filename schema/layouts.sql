@@ -1,19 +1,19 @@
 -- Standard layouts and the anatomic groups that their slots expect. Pure data: run once on
--- fresh tables, behind the table definitions, inside one transaction of the caller.
+-- fresh tables, after the table definitions, inside one transaction of the caller.
 --
 -- A layout is found by TCDicomId, the number that a series carries. Its canvas is counted in pixels.
--- Slots lie on it as seen from the front: the right side of the patient is on the left. Places and
--- sizes are fractions of the canvas, counted from the top left. TANumberInTemplate is the frame that
+-- Its slots are placed as seen from the front: the right side of the patient is on the left. Places
+-- and sizes are fractions of the canvas, counted from the top left. TANumberInTemplate is the frame that
 -- an image names, TASequence the order in which the frames are filled when nothing is known of the
 -- images but their time: bitewings first, then the back teeth quadrant by quadrant, then the front.
 -- TAProportions is height by width of the slot: 0.75 a film of 40 x 30 mm, 1.3333 the same upright.
 --
--- Keys of slots are 50 times the layout and the frame. With that no slot has the number of a group:
+-- Keys of slots are 50 times the layout and the frame. Therefore no slot has the number of a group:
 -- the update of a saved slot finds its row by the number of the group, so that saving a standard
--- layout again leaves the standard slots as they stand. New slots get keys behind these.
+-- layout again does not change the standard slots. New slots get greater keys.
 
 -- Anatomic groups. Type 0 is intra-oral and lists its teeth, type 1 is everything else. Numbers above
--- 1000 are left to groups that clients make.
+-- 1000 are reserved for groups that clients create.
 INSERT INTO StandardGroupName
     (StandardNameID, Name, Comments, OrderNo, TGId, ADType, ADLaterality, ADAnaRegion, ADAnaRegionMod,
      ADPriStructure)
@@ -47,8 +47,8 @@ VALUES
     (27, 'Frontal cephalogram', '', 270, 27, 1, 'B', 'T-11100', '', ''),
     (28, 'Any image', '', 280, 28, 1, '', '', '', '');
 
--- Templates. A forced image type stands only where the choice of the layout already says what the
--- images are: 4 panoramic, 5 cephalometric, 1 intra-oral.
+-- Templates. An image type is forced only where the choice of the layout determines the type of
+-- the images: 4 panoramic, 5 cephalometric, 1 intra-oral.
 INSERT INTO TemplateCard_T
     (TemplateID, TCName, TCDate, TCComments, TCFullViewWidth, TCFullViewHeight, TCMaximized, TCChecksum,
      TCDicomId, TCForcedImageType)
@@ -80,7 +80,7 @@ VALUES
     (101, 2, 1, 1, 26, 'Lateral cephalogram', 0.01, 0.01, 0.98, 0.98, '0.8', 0);
 
 -- Full mouth of 20: a row of nine upper frames, four bitewings, a row of seven lower frames. The upper
--- canines and lateral incisors have a frame each. Rows of lying films stand close to the bite.
+-- canines and lateral incisors have a frame each. Rows of horizontal films are close to the bite.
 INSERT INTO TemplateAttribute_T
     (TemplateImageId, TemplateID, TANumberInTemplate, TASequence, TATGId, TAGroupName,
      TAFullViewPosX, TAFullViewPosY, TAFullViewWidth, TAFullViewHeight, TAProportions, TARotation)
@@ -107,7 +107,7 @@ VALUES
     (270, 5, 20, 7, 24, 'Lower left molars', 0.873, 0.655, 0.12, 0.225, '0.75', 0);
 
 -- Full mouth of 18: a row of seven upper frames, four bitewings, a row of seven lower frames. Rows of
--- lying films stand close to the bite.
+-- horizontal films are close to the bite.
 INSERT INTO TemplateAttribute_T
     (TemplateImageId, TemplateID, TANumberInTemplate, TASequence, TATGId, TAGroupName,
      TAFullViewPosX, TAFullViewPosY, TAFullViewWidth, TAFullViewHeight, TAProportions, TARotation)

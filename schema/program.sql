@@ -1,5 +1,5 @@
--- Tables of the program beside those of the library. A database that was made without them gets them with
--- the first import; readers take a missing table for an empty one.
+-- Tables of the program, in addition to those of the library. The first import creates them in a database
+-- that lacks them; readers treat a missing table as an empty one.
 
 -- The issuer of a patient's identifier, where it is known. Identifiers are unique only together with it.
 CREATE TABLE IF NOT EXISTS PatientIssuer_T (

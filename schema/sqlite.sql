@@ -1,48 +1,48 @@
 -- Tables of the dental imaging database, for SQLite 3.40 and newer.
 --
 -- Run once on an empty database, inside one transaction of the caller. The library never creates
--- or changes a table: it finds these and sends its statements. Column for column, the meaning is
--- told in docs/tables.md.
+-- or changes a table: it finds these and sends its statements. docs/tables.md describes each
+-- column.
 --
 -- Declared types carry meaning, as the database layer reads them:
---   INTEGER PRIMARY KEY AUTOINCREMENT   a counter, rising, never given out twice
+--   INTEGER PRIMARY KEY AUTOINCREMENT   an increasing counter; no value is used twice
 --   INTEGER                             whole numbers, keys of other tables and flags
 --   FLOAT                               numbers with decimals
---   NVARCHAR(n)                         text of at most n characters. The width holds for rows that
---                                       go through an updatable recordset, statements pass it by
+--   NVARCHAR(n)                         text of at most n characters. The width applies to rows that
+--                                       an updatable recordset writes, not to statements
 --   TEXT                                text without a width
 --   DATETIME                            date and time as the text yyyy-mm-dd hh:nn:ss
 --
 -- All columns but the keys take NULL, and no reference between tables is enforced: rows are
--- written and removed one table at a time, and every reader copes with a missing neighbour.
--- An index stands here only if a statement of the library would read a large table without it. The
--- newest key of a name (MAX of a counter) needs none: the walk starts at the newest row and ends at
--- the first hit, which is the row just made.
+-- written and removed one table at a time, and every reader accepts a missing parent row.
+-- An index is defined only if a statement of the library would scan a large table without it. The
+-- newest key of a name (MAX of a counter) needs none: the scan starts at the newest row and ends at
+-- the first match, which is the row just inserted.
 
--- Marks the file as a database of this system ("OXCL") and tells which table set it holds, so that
--- a program can turn down a foreign or a newer file.
+-- Marks the file as a database of this system ("OXCL") and stores the version of its tables, so that
+-- a program can reject a foreign or a newer file.
 PRAGMA application_id = 0x4F58434C;
 PRAGMA user_version = 1;
 
 -- Storage roots: the directories that hold the image files. One row has a Status other than 0,
--- the active root that takes new files. A handful of rows, always read whole.
+-- the active root that takes new files. Few rows; the whole table is read.
 CREATE TABLE Root_T (
     RootID INTEGER PRIMARY KEY,
     RootDirectory NVARCHAR(255),
     Status INTEGER
 );
 
--- Settings and short lists of texts. Rows of one ListID make a list, a setting is a list of one.
+-- Settings and short lists of texts. The rows of one ListID are a list; a setting is a list of one row.
 CREATE TABLE GlobalList_T (
     GlobalListID INTEGER PRIMARY KEY AUTOINCREMENT,
     ListID INTEGER,
     ListText TEXT
 );
 
--- Loading or deleting one list. Gives the rows of a list in the order of their making.
+-- Loading or deleting one list. Returns the rows of a list in the order of their insertion.
 CREATE INDEX GlobalList_by_ListID ON GlobalList_T (ListID);
 
--- Patients. The identity that people know is PersonNr_CH, stored in upper case and compared
+-- Patients. The identifier that people know is PersonNr_CH, stored in upper case and compared
 -- without regard to case. Several rows of one PersonNr_CH are possible.
 CREATE TABLE Patient_T (
     PatientID INTEGER PRIMARY KEY AUTOINCREMENT,
@@ -160,7 +160,7 @@ CREATE INDEX ImageBild_by_Series ON ImageBild_T (Series_ID, DateCaptured_SD);
 -- The key of an image just inserted, read back by patient and file.
 CREATE INDEX ImageBild_by_File ON ImageBild_T (PatientID, GraphicURL_NVC);
 
--- Finding an image that comes in a second time.
+-- Finding an image that is imported a second time.
 CREATE INDEX ImageBild_by_SOPInstanceUID ON ImageBild_T (SOPInstanceUID_NVC);
 
 -- Signed, dated comments. tabelID names the kind of owner (1 an image), objectID its key.
@@ -219,7 +219,7 @@ CREATE INDEX Series_by_InstanceUID ON Series_T (SeriesInstanceUID);
 -- The series of a study, for the card list.
 CREATE INDEX Series_by_Study ON Series_T (Study_ID);
 
--- Templates: named page layouts. The canvas is counted in pixels. TCMaximized carries the hidden flag.
+-- Templates: named page layouts. The canvas is counted in pixels. TCMaximized stores the hidden flag.
 CREATE TABLE TemplateCard_T (
     TemplateID INTEGER PRIMARY KEY AUTOINCREMENT,
     TCName NVARCHAR(255),
@@ -312,7 +312,7 @@ CREATE TABLE ImageAttribute_T (
     IAAttCorr INTEGER
 );
 
--- The placed images of a card, given in the order of the card, and the key of a new one.
+-- The placed images of a card, in the order of the card, and the key of a new one.
 CREATE INDEX ImageAttribute_by_Card ON ImageAttribute_T (ImageCardID, IASequence, ImageBildId);
 
 -- Recorded manipulations of a placed image, numbered from 1 within it.
@@ -329,7 +329,7 @@ CREATE TABLE ImageManipulation_T (
 CREATE INDEX ImageManipulation_by_Attribute ON ImageManipulation_T (ImageAttributeID, SequenceNo);
 
 -- Anatomic groups: what an image or a slot shows. StandardNameID is the key of the row, TGId the
--- number of the group. The teeth of a group stand in ADPriStructure, the tooth columns are always 0.
+-- number of the group. ADPriStructure lists the teeth of a group; the tooth columns are always 0.
 CREATE TABLE StandardGroupName (
     StandardNameID INTEGER PRIMARY KEY AUTOINCREMENT,
     Name NVARCHAR(255),

@@ -88,7 +88,7 @@ class Check:
                 if os.path.exists(os.path.join(src, used)):
                     self.dependency(path, used, "includes")
                 elif used.startswith(("clients/", "tests/", "console/", "kit/")):
-                    self.fail(f"src/{path} includes {used}, which is no part of the library")
+                    self.fail(f"src/{path} includes {used}, which is not part of the library")
 
     def clients(self):
         with open(os.path.join(self.source, "src", "CMakeLists.txt"), encoding="utf-8") as file:

@@ -37,8 +37,8 @@ std::pair<double, double> PairOf(const std::string& text, const char* what) {
         if (!whole || i == 1 || *result.ptr != ',') break;
         at = result.ptr + 1;
     }
-    throw UserError(
-        fmt::format("\"{}\" is no {}; write fractions of the card as in 0.5,0.25, or one number for both", text, what));
+    throw UserError(fmt::format(
+        "\"{}\" is not a {}; write fractions of the card as in 0.5,0.25, or one number for both", text, what));
 }
 
 std::pair<Long, Long> CanvasOf(const std::string& text) {
@@ -199,7 +199,7 @@ struct Move {
 void MoveImage(const Options& options, const std::string& key, const std::string& number, const Move& move) {
     if (move.turn % 90 != 0) throw UserError("an image turns by 90, 180 or 270 degrees, clockwise");
     if (move.at.empty() && move.size.empty() && !move.comment && move.turn == 0 && !move.mirror && move.records.empty())
-        throw UserError("nothing to change; oxclass card move --help tells what can be");
+        throw UserError("nothing to change; oxclass card move --help lists the options");
     const Database database(options);
     CardComposer composing(database, key);
     cImagecardAttribute& placed = composing.Placed(number);
@@ -342,7 +342,7 @@ void AddComposing(Program& program) {
 
     auto* move = card->add_subcommand("move", "move, size, turn or mirror a placed image, record manipulations");
     cardArgument(move);
-    move->add_option("PLACED", given->placed, "number of a placed image, as card show tells")->required();
+    move->add_option("PLACED", given->placed, "number of a placed image, as listed by card show")->required();
     placing(move);
     move->add_option("--turn", given->move.turn, "turn clockwise by 90, 180 or 270 degrees")->type_name("DEGREES");
     move->add_flag("--mirror", given->move.mirror, "mirror left to right, before it is turned");
@@ -357,9 +357,9 @@ void AddComposing(Program& program) {
         MoveImage(options, given->key, given->placed, given->move);
     });
 
-    auto* remove = card->add_subcommand("remove", "take placed images off the card; the images stay");
+    auto* remove = card->add_subcommand("remove", "remove placed images from the card; the images stay");
     cardArgument(remove);
-    remove->add_option("PLACED", given->numbers, "numbers of placed images, as card show tells")->required();
+    remove->add_option("PLACED", given->numbers, "numbers of placed images, as listed by card show")->required();
     remove->footer("Example: oxclass card remove IC1 3");
     remove->callback([&options, given] { RemoveImages(options, given->key, given->numbers); });
 

@@ -147,7 +147,7 @@ void WithoutTextBoxes(const std::function<void()>& work) {
     work();
 }
 
-void ComplainOfTextBoxes(const std::function<void()>& work) {
+void ThrowTextBoxes(const std::function<void()>& work) {
     std::string told;
     {
         const TextBoxes boxes([&](const String& prompt, Long) { told += (told.empty() ? "" : "; ") + prompt; });

@@ -73,9 +73,9 @@ std::string WithoutQuotes(const std::string& text);
 /// the objects.
 void WithoutTextBoxes(const std::function<void()>& work);
 
-/// Runs `work`. The library shows some failures in a text box and does not raise them: throws `UserError` with the text
-/// of such a box after `work` has returned.
-void ComplainOfTextBoxes(const std::function<void()>& work);
+/// Runs `work`. The library shows some failures in a text box and does not raise them: throws `UserError` with the
+/// texts of these boxes after `work` has returned.
+void ThrowTextBoxes(const std::function<void()>& work);
 
 /// Runs the statements of a script, one by one.
 void RunScript(const Ref<Connection>& con, std::string_view script);

@@ -78,7 +78,8 @@ private:
 
 void RequireMarks(const std::string& name, Long mark, Long version) {
     if (mark != ApplicationMark)
-        throw UserError(fmt::format("{} is no clinic database; make one under another name with: oxclass init", name));
+        throw UserError(
+            fmt::format("{} is not a clinic database; make one under another name with: oxclass init", name));
     if (version > KnownVersion)
         throw UserError(
             fmt::format("{} was made by a newer program (tables of version {}, this program knows {}); "

@@ -30,7 +30,7 @@ void Draw(Program& program, const std::string& key, const std::string& file, uns
           const DrawingOptions& drawing) {
     const bool png = EndsIn(file, ".png");
     if (!png && !EndsIn(file, ".svg"))
-        throw UserError(fmt::format("\"{}\" is no name of a drawing; end it with .svg or .png", Printable(file)));
+        throw UserError(fmt::format("\"{}\" is not the name of a drawing; end it with .svg or .png", Printable(file)));
     const Database database(program.options);
     const auto entry = OpenEntry(database, key);
     // The placed images after one that can't be read are unknown: the drawing would look complete.
@@ -50,7 +50,7 @@ void Draw(Program& program, const std::string& key, const std::string& file, uns
 
 void Report(Program& program, const std::string& patient, const std::string& file) {
     if (!EndsIn(file, ".html") && !EndsIn(file, ".htm"))
-        throw UserError(fmt::format("\"{}\" is no name of a report; end it with .html", Printable(file)));
+        throw UserError(fmt::format("\"{}\" is not the name of a report; end it with .html", Printable(file)));
     const Database database(program.options);
     const ReportTally tally = WriteReport(database, patient, file);
     if (tally.missing > 0 || tally.damaged > 0) program.exitCode = PartlyDone;
@@ -61,7 +61,7 @@ void Report(Program& program, const std::string& patient, const std::string& fil
                           {"missing", tally.missing},
                           {"damaged", tally.damaged}});
     fmt::print("{}: {} entries with {} images.\n", Printable(file), tally.entries, tally.images);
-    if (tally.missing > 0) fmt::print("{} pictures are missing; the report says why.\n", tally.missing);
+    if (tally.missing > 0) fmt::print("{} pictures are missing; the report shows the reasons.\n", tally.missing);
     if (tally.damaged > 0) fmt::print("{} rows can't be read; the report names them.\n", tally.damaged);
 }
 
@@ -77,7 +77,7 @@ void AddDrawing(Program& program) {
     constexpr unsigned narrowest = 16, widest = 20000;
 
     auto* draw = program.app.add_subcommand("draw", "draw a card or a series as a picture, SVG or PNG");
-    draw->add_option("CARD-OR-SERIES", given->key, "its key, as oxclass cards tells: IC5, SE7")->required();
+    draw->add_option("CARD-OR-SERIES", given->key, "its key, as listed by oxclass cards: IC5, SE7")->required();
     draw->add_option("-o,--output", given->file, "file to write, by its ending .svg or .png")
         ->required()
         ->type_name("FILE");

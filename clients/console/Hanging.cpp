@@ -118,7 +118,7 @@ HungSeries HangStored(const Ref<Connection>& con, Long number) {
 
 void AddHanging(Program& program) {
     const auto series = std::make_shared<std::string>();
-    auto* command = program.app.add_subcommand("hang", "lay a series out anew and store where its images hang");
+    auto* command = program.app.add_subcommand("hang", "hang a series again and store the places of its images");
     command->add_option("SERIES", *series, "number of a series")->required();
     command->footer("Example: oxclass hang 1");
     command->callback([&program, series] { Hang(program.options, NumberOf(*series, "a series")); });

@@ -57,13 +57,13 @@ void Settle(const fs::path& file) {
 }
 
 /// Renames an existing database, so that its content is kept.
-void PutAside(const fs::path& file, bool replace) {
+void RenameExisting(const fs::path& file, bool replace) {
     const fs::path aside = file.string() + ".old", log = file.string() + "-wal";
     if (fs::exists(file)) {
         if (!replace)
             throw UserError(
-                fmt::format("{} exists already and stays as it is; name another file, or use --replace to put "
-                            "it aside as {}",
+                fmt::format("{} exists already and is not changed; name another file, or use --replace to "
+                            "rename it to {}",
                             file.string(), aside.string()));
         if (fs::exists(aside)) throw UserError(fmt::format("{} exists already; move it away first", aside.string()));
         Settle(file);
@@ -79,10 +79,10 @@ void Init(const std::string& name, const std::string& rootName, bool replace) {
     const fs::path root = fs::absolute(rootName.empty() ? file.parent_path() / "images" : fs::path(rootName));
     if (!fs::is_directory(file.parent_path()))
         throw UserError(fmt::format("there is no folder {}; make it first", file.parent_path().string()));
-    if (!replace) PutAside(file, false);
+    if (!replace) RenameExisting(file, false);
     NewDatabase made(file);
     Fill(made.Made(), root, replace ? ClinicOf(file) : std::string());
-    PutAside(file, replace);
+    RenameExisting(file, replace);
     made.Finish();
     fmt::print("{} is ready; images go to {}\nNext: oxclass --db {} import FOLDER\n", file.string(), root.string(),
                name);
@@ -100,7 +100,7 @@ void AddInit(Program& program) {
     command->add_option("FILE", given->file, "the database to make")->required();
     command->add_option("--root", given->root, "folder for the image files; default: images beside the database")
         ->type_name("DIR");
-    command->add_flag("--replace", given->replace, "put an existing database aside as FILE.old first");
+    command->add_flag("--replace", given->replace, "rename an existing database to FILE.old first");
     command->footer("Example: oxclass init clinic.db --root /srv/images");
     command->callback([given] { Init(given->file, given->root, given->replace); });
 }

@@ -21,7 +21,7 @@ void AddCommonOptions(Program& program) {
     program.app.failure_message(CLI::FailureMessage::simple);
 }
 
-int Complain(const std::string& text) {
+int PrintError(const std::string& text) {
     fmt::print(stderr, "oxclass: {}\n", Printable(text));
     return Failed;
 }
@@ -32,7 +32,7 @@ Platform::Long NumberOf(const std::string& text, const char* what) {
     Platform::Long number = 0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
     if (result.ec != std::errc() || result.ptr != text.data() + text.size())
-        throw UserError(fmt::format("\"{}\" is no number of {}; the list shows the numbers", text, what));
+        throw UserError(fmt::format("\"{}\" is not the number of {}; the list shows the numbers", text, what));
     return number;
 }
 
@@ -63,21 +63,21 @@ int RunProgram(int argc, const char* const* argv) {
     AddRegistration(program);
     try {
         program.app.parse(argc, argv);
-        if (std::fflush(stdout) != 0 || std::ferror(stdout)) return Complain("the output can't be written");
+        if (std::fflush(stdout) != 0 || std::ferror(stdout)) return PrintError("the output can't be written");
         return program.exitCode;
     } catch (const CLI::RequiredError& e) {
         const std::vector<std::string> rest = program.app.remaining();
         if (!rest.empty())
-            Complain(fmt::format("there is no command \"{}\"; oxclass --help lists them", rest.front()));
+            PrintError(fmt::format("there is no command \"{}\"; oxclass --help lists them", rest.front()));
         else
             program.app.exit(e);
         return WrongUsage;
     } catch (const CLI::ParseError& e) {
         return program.app.exit(e) == 0 ? Done : WrongUsage;
     } catch (const Platform::Error& failure) {
-        return Complain(ExplanationOf(failure));
+        return PrintError(ExplanationOf(failure));
     } catch (const std::exception& failure) {
-        return Complain(failure.what());
+        return PrintError(failure.what());
     }
 }
 

@@ -196,7 +196,7 @@ void AddRecords(Program& program) {
     auto* comment = program.app.add_subcommand("comment", "list the comments of an image, or add one");
     comment->add_option("IMAGE", given->image, "number of an image")->required();
     comment->add_option("TEXT", given->text, "the comment to add");
-    comment->add_option("--signature", given->signature, "who says so")->type_name("NAME");
+    comment->add_option("--signature", given->signature, "signature of the author")->type_name("NAME");
     comment->footer("Example: oxclass comment 3 \"caries distal 15\" --signature AB");
     comment->callback([&program, given] { Comment(program, given->image, given->text, given->signature); });
 }

@@ -122,10 +122,10 @@ void AddSetting(Program& program) {
     auto* get = setting->add_subcommand("get", "print the first text of a setting");
     get->add_option("NAME", given->name, "name of the setting")->required();
     get->callback([&program, given] { GetSetting(program.options, given->name); });
-    auto* set = setting->add_subcommand("set", "store a text, in place of what the setting has");
+    auto* set = setting->add_subcommand("set", "store a text, which replaces the texts of the setting");
     set->add_option("NAME", given->name, "name of the setting")->required();
-    set->add_option("TEXT", given->text, "what it gets")->required();
-    set->add_flag("--add", given->add, "keep what it has, and add the text as one more row");
+    set->add_option("TEXT", given->text, "the text to store")->required();
+    set->add_flag("--add", given->add, "keep the stored texts, and add the text as another row");
     set->callback([&program, given] { SetSetting(program.options, given->name, given->text, given->add); });
     auto* list = setting->add_subcommand("list", "list all settings, or the rows of one");
     list->add_option("NAME", given->name, "name of the setting");

@@ -321,7 +321,7 @@ void PrintGUIDs(const Options& options, int count) {
     Json all = Json::array();
     for (int i = 0; i < count; ++i) {
         all.push_back(doctors->GetGUID());
-        if (all.back().get<std::string>().empty()) throw UserError("the system gives no identifier");
+        if (all.back().get<std::string>().empty()) throw UserError("the system returned no identifier");
     }
     if (options.json) return PrintJson(all);
     for (const auto& guid : all) fmt::print("{}\n", guid.get<std::string>());

@@ -34,6 +34,6 @@ private:
 void SyncFolder(const std::filesystem::path& folder);
 
 /// Throws a `UserError` with the system's last error: "WHAT PATH: REASON".
-[[noreturn]] void ComplainOfSystem(const char* what, const std::filesystem::path& path);
+[[noreturn]] void ThrowSystemError(const char* what, const std::filesystem::path& path);
 
 }  // namespace Console

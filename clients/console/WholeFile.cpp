@@ -14,7 +14,7 @@ void WriteWholeFile(const fs::path& path, std::string_view bytes) {
     std::error_code failure;
     if (fs::exists(path, failure) && !fs::is_regular_file(path, failure))
         throw UserError(fmt::format("can't write {}: it isn't a file", path.string()));
-    if (!Platform::WriteAtomically(path, bytes)) ComplainOfSystem("can't write", path);
+    if (!Platform::WriteAtomically(path, bytes)) ThrowSystemError("can't write", path);
 }
 
 }  // namespace Console

@@ -99,7 +99,7 @@ std::vector<fs::path> WorklistFiles(Program& program, const fs::path& where) {
     if (!fs::is_directory(where, unknown)) {
         if (!IsFile(where))
             throw UserError(
-                fmt::format("{} is no file, no folder and no server AE@HOST:PORT (the AE title has at most "
+                fmt::format("{} is not a file, a folder or a server AE@HOST:PORT (the AE title has at most "
                             "16 characters)",
                             Printable(where.string())));
         return {where};
@@ -143,7 +143,7 @@ WorklistItems FromFiles(Program& program, const std::string& where, const Workli
                 if (Matches(*entry.item, keys)) items.push_back(std::move(entry));
             continue;
         }
-        Tell(program, fmt::format("{}: no worklist item: {}", files[i].string(), refusals[i]));
+        Tell(program, fmt::format("{}: not a worklist item: {}", files[i].string(), refusals[i]));
     }
     return items;
 }
@@ -152,8 +152,8 @@ WorklistItems FromServer(Program& program, const WorklistAddress& server, const 
                          const WorklistKeys& keys) {
     WorklistAnswer answer = AskWorklist(server, call, keys);
     if (answer.broken > 0)
-        Tell(program, fmt::format("oxclass: {} data sets of {} are no worklist items: {}", answer.broken, server.Text(),
-                                  answer.reason));
+        Tell(program, fmt::format("oxclass: {} data sets of {} are not worklist items: {}", answer.broken,
+                                  server.Text(), answer.reason));
     if (answer.cut)
         Tell(program, fmt::format("oxclass: {} has more than {} entries, and the others were not taken; ask for a "
                                   "day, a modality or a station, or for more with --most",

@@ -38,7 +38,7 @@ def python_name(name: str) -> str:
 
 
 def check_names(description: Description) -> None:
-    """Enumerations and their values stand beside each other in one module: no name may stand for two things."""
+    """Enumerations and their values are in one module: rejects a name with two meanings."""
     seen = {name: "a name of the package" for name in PUBLIC}
     for enumeration in enumerations_of(description):
         names = {enumeration["name"]: "an enumeration"}
@@ -47,7 +47,7 @@ def check_names(description: Description) -> None:
             if name in seen:
                 raise SystemExit(f"{name} would be both {seen[name]} and {what}")
             if hasattr(int, name) or name in ("name", "value", "mro"):
-                raise SystemExit(f"{name}, {what}, would hide what every number has")
+                raise SystemExit(f"{name}, {what}, would hide an attribute of int")
         seen.update(names)
 
 
@@ -72,7 +72,7 @@ def enumerations_text(description: Description) -> str:
 
 
 # ---- _described.pyi -------------------------------------------------------------------------------------------
-# Classes and built-in types are named through their modules: members have such names, too.
+# Classes and built-in types are qualified with their modules, since members have such names, too.
 
 HEAD = '''"""The classes of the library and of its host, for editors and type checkers."""
 ''' + MADE + '''import builtins
@@ -106,12 +106,12 @@ class Stubs:
         return f"classes.{of}" if of in self.names else "typing.Any"
 
     def taken(self, kind: str, of: str) -> str:
-        """The type of a value that is given: a day for a date, a number for an enumeration, None for an object."""
+        """The type of a value that is passed: a day for a date, a number for an enumeration, None for an object."""
         if kind == "date":
             return "datetime.date"
         if kind == "enumeration":
             return f"typing.Union[enumerations.{of}, builtins.int]"
-        type = "Object" if of == "Collection" else self.type(kind, of)  # every collection is taken for a plain one
+        type = "Object" if of == "Collection" else self.type(kind, of)  # every collection is accepted as a plain one
         return f"typing.Optional[{type}]" if kind == "object" and type != "typing.Any" else type
 
     def argument(self, argument: Description, has_default: bool) -> str:
@@ -176,8 +176,8 @@ class Stubs:
         if any(member["name"] == "Count" for member in described["members"]):
             text += "    def __len__(self) -> builtins.int: ...\n"
         if any(member["id"] == -4 for member in described["members"]):
-            walked = self.result(item) if item else "typing.Any"
-            text += f"    def __iter__(self) -> typing.Iterator[{walked}]: ...\n"
+            item_type = self.result(item) if item else "typing.Any"
+            text += f"    def __iter__(self) -> typing.Iterator[{item_type}]: ...\n"
         return text
 
     def class_text(self, described: Description) -> str:
@@ -271,7 +271,7 @@ def differing(files: Dict[str, str]) -> Iterable[str]:
 
 
 def write(files: Dict[str, str]) -> None:
-    """All files are written elsewhere first, and moved to their places when they are whole."""
+    """Writes all files to a temporary folder, then moves them to their places."""
     with tempfile.TemporaryDirectory(dir=PACKAGE.parent) as folder:
         for name, text in files.items():
             (Path(folder) / name).write_text(text, encoding="utf-8")
@@ -290,7 +290,7 @@ def main() -> int:
         return 0
     different = list(differing(files))
     for name in different:
-        print(f"{PACKAGE / name} is not what the type description gives: run generate.py", file=sys.stderr)
+        print(f"{PACKAGE / name} differs from the type description: run generate.py", file=sys.stderr)
     return 1 if different else 0
 
 

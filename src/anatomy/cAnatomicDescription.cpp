@@ -44,9 +44,9 @@ void cAnatomicDescription::LoadSGN(const Ref<Connection>& Con, const Long& lADId
 String cAnatomicDescription::UpdateStatement() const {
     return sql("UPDATE StandardGroupName ", "SET ", "Name='", FixSqlString(ADName), "', Comments='",
                FixSqlString(ADComments), "', OrderNo=", ADOrderNo, ", TGId=", ADId, ", ", "ADType =", ADType, ", ",
-               "ADLaterality ='", AsItStands(ADLaterality), "', ", "ADAnaRegion ='", AsItStands(ADAnaRegion), "', ",
-               "ADAnaRegionMod ='", AsItStands(ADAnaRegionMod), "', ", "ADPriStructure ='", AsItStands(ADPriStructure),
-               "'", " WHERE StandardNameID=", ID, ";");
+               "ADLaterality ='", Verbatim(ADLaterality), "', ", "ADAnaRegion ='", Verbatim(ADAnaRegion), "', ",
+               "ADAnaRegionMod ='", Verbatim(ADAnaRegionMod), "', ", "ADPriStructure ='", Verbatim(ADPriStructure), "'",
+               " WHERE StandardNameID=", ID, ";");
 }
 
 String cAnatomicDescription::InsertStatement() const {
@@ -60,8 +60,8 @@ String cAnatomicDescription::InsertStatement() const {
                "ADPriStructure") +
            columns +
            sql(") VALUES ('", FixSqlString(ADName), "', '", FixSqlString(ADComments), "', ", ADOrderNo, ", ", ADId,
-               ", ", ADType, ", '", AsItStands(ADLaterality), "', '", AsItStands(ADAnaRegion), "', '",
-               AsItStands(ADAnaRegionMod), "', '", AsItStands(ADPriStructure), "'") +
+               ", ", ADType, ", '", Verbatim(ADLaterality), "', '", Verbatim(ADAnaRegion), "', '",
+               Verbatim(ADAnaRegionMod), "', '", Verbatim(ADPriStructure), "'") +
            zeros + ");";
 }
 

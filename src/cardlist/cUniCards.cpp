@@ -21,7 +21,7 @@ constexpr char SelectCards[] =
 constexpr char NewestFirst[] = " ORDER BY ICDateCreated desc ";
 
 String CardsStatement(const String& personalNumber) {
-    return sql(SelectCards, "PersonNr_CH='", AsItStands(personalNumber), "'", NewestFirst);
+    return sql(SelectCards, "PersonNr_CH='", Verbatim(personalNumber), "'", NewestFirst);
 }
 
 String CardsStatement(Long patient) { return sql(SelectCards, "Patient_T.PatientID=", patient, NewestFirst); }
@@ -147,7 +147,7 @@ void ReadCards(const Ref<Connection>& con, const String& statement, Integer& ste
 /// Returns the key of a patient with this personal number, for one without image cards; 0 if there is none.
 Long FindPatient(const Ref<Connection>& con, const String& personalNumber) {
     const Ref<Recordset> rs =
-        OpenPlain(con, sql("SELECT Patient_T.* FROM Patient_T WHERE PersonNr_CH='", AsItStands(personalNumber), "'"),
+        OpenPlain(con, sql("SELECT Patient_T.* FROM Patient_T WHERE PersonNr_CH='", Verbatim(personalNumber), "'"),
                   ADODB::adCmdUnspecified);
     const Long patient = rs->Eof() ? 0 : Required<Long>(rs, "PatientID");
     rs->Close();

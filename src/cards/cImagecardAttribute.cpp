@@ -130,7 +130,7 @@ String cImagecardAttribute::InsertManipulations(const Ref<Connection>& con) cons
             sql("INSERT INTO ImageManipulation_T (SequenceNo, Type, LongParameter, "
                 "StringParameter, ImageAttributeID) ",
                 "VALUES('", sequence, "', '", step.ManipulationType, "', '", step.LongParameter, "', '",
-                AsItStands(step.StringParameter), "', '", ID, "');"));
+                Verbatim(step.StringParameter), "', '", ID, "');"));
     }
     return cosmetic;
 }

@@ -34,12 +34,13 @@ bool detail::StatementText::InsideQuotes() {
     return inside_;
 }
 
-void detail::StatementText::Add(const AsItStands& spliced) {
+void detail::StatementText::Add(const Verbatim& spliced) {
     const bool quoted = InsideQuotes();
     if (quoted ? !StaysInLiteral(spliced.text) : !IsWholeNumber(spliced.text))
         ADODB::RaiseAdo(
             ADODB::ErrorsInCommand, ADODB::ConnectionSource,
-            quoted ? "Syntax error in string: a text with a single quote stands in the statement \"" + text_ + "\"."
+            quoted ? "Syntax error in string: the statement contains a text with an unpaired single quote: \"" + text_ +
+                         "\"."
                    : "Syntax error: \"" + String(spliced.text) + "\" is not a number, in \"" + text_ + "\".");
     text_ += spliced.text;
 }

@@ -13,10 +13,10 @@
 /// A piece is a string literal, a whole number, an enumeration, an `Escaped` text or one of the types below.
 /// A plain `String`, a `bool`, a floating-point number and a pointer to a text don't compile. No piece adds blanks,
 /// quotes or commas of its own. Any thread may call. The pieces must live until the statement is joined. Joining raises
-/// for an `AsItStands` only; a `Decimal` and a `Stamp` raise where they are constructed.
+/// for a `Verbatim` only; a `Decimal` and a `Stamp` raise where they are constructed.
 ///
 /// Which piece a value needs: a text of a client is `FixSqlString(text)` between quotes; a floating-point number is
-/// `Decimal`; a date is `Stamp` between quotes; a number that may be null is `NumberOrNull`. `AsItStands` and `Clause`
+/// `Decimal`; a date is `Stamp` between quotes; a number that may be null is `NumberOrNull`. `Verbatim` and `Clause`
 /// are for statements whose documented form splices a text.
 namespace OXClass {
 
@@ -51,9 +51,9 @@ struct Stamp {
 /// Whether the text is between quotes follows from the number of quotes in front of it, so an odd number of quotes
 /// inside an earlier comment or a quoted name must not occur. Backslashes are not examined: it must not be used for an
 /// engine that reads them as escapes.
-struct AsItStands {
+struct Verbatim {
     /// Refers to the text. The checks are made later, when its position in the statement is known.
-    explicit AsItStands(std::string_view spliced) : text(spliced) {}
+    explicit Verbatim(std::string_view spliced) : text(spliced) {}
     /// The text is not copied: it must live until the statement is joined.
     std::string_view text;
 };
@@ -75,11 +75,11 @@ struct NumberOrNull {
 namespace detail {
 
 /// The text of one statement while its pieces are added. Each `Add` appends one kind of piece; only `Add` of an
-/// `AsItStands` raises.
+/// `Verbatim` raises.
 class StatementText {
 public:
-    /// Reserves memory for `room` bytes.
-    explicit StatementText(std::size_t room) { text_.reserve(room); }
+    /// Reserves memory for this number of bytes.
+    explicit StatementText(std::size_t bytes) { text_.reserve(bytes); }
 
     /// Appends a literal without its final zero. An array of characters that isn't a literal must end with a zero.
     template <std::size_t N>
@@ -99,8 +99,8 @@ public:
     void Add(const Stamp& date) { text_ += date.text; }
     void Add(const Clause& clause) { text_ += clause.text; }
     void Add(const NumberOrNull& number) { text_ += number.isNull ? "NULL" : CStr(number.value); }
-    /// Appends the text if it satisfies the rules of `AsItStands`; otherwise raises 0x80040E14 and appends nothing.
-    void Add(const AsItStands& spliced);
+    /// Appends the text if it satisfies the rules of `Verbatim`; otherwise raises 0x80040E14 and appends nothing.
+    void Add(const Verbatim& spliced);
 
     /// Returns the joined text, and leaves this object empty.
     String Take() { return std::move(text_); }
@@ -127,7 +127,7 @@ constexpr std::size_t LengthOf(const auto&) { return 24; }
 }  // namespace detail
 
 /// Returns the statement that consists of these pieces, in their order, with nothing between them. Raises 0x80040E14
-/// for an `AsItStands` that would end its literal, or that isn't a number outside of quotes; the description contains
+/// for a `Verbatim` that would end its literal, or that isn't a number outside of quotes; the description contains
 /// the statement up to that piece.
 template <class... Pieces>
 String sql(const Pieces&... pieces) {

@@ -32,7 +32,7 @@ void cImage::LookForRow(bool checkExistOnID, const Ref<Connection>& con) {
     if (!byID && instanceUID.empty()) return;
     const Ref<Recordset> rs = New<Recordset>();
     rs->Open(byID ? sql("SELECT * FROM ImageBild_T WHERE ImageBildID =", ID, ";")
-                  : sql("SELECT * FROM ImageBild_T WHERE SOPInstanceUID_NVC ='", AsItStands(instanceUID), "';"),
+                  : sql("SELECT * FROM ImageBild_T WHERE SOPInstanceUID_NVC ='", Verbatim(instanceUID), "';"),
              con, ADODB::adOpenForwardOnly, ADODB::adLockOptimistic, ADODB::adCmdUnspecified);
     if (rs->Eof()) {
         ID = 0;
@@ -57,7 +57,7 @@ void cImage::TakeOverRow(const Ref<Connection>& con) {
     }
     for (const cStringItem& comment : *stored->Comments())
         if (IsDeletionMark(comment.str) && !URL.empty())
-            con->Execute(sql("DELETE * FROM Comments_T where CommentString = '", AsItStands(comment.str),
+            con->Execute(sql("DELETE * FROM Comments_T where CommentString = '", Verbatim(comment.str),
                              "' and objectID = ", ID));
 }
 
@@ -116,7 +116,7 @@ String cImage::InsertStatement(const String& teeth) const {
         Number(Approved), ",  ",                            // Approved
         MirrRotStatus, ", ",                                // MirrRotStatus
         ImageType, ", ",                                    // ImageType
-        "'", AsItStands(CRC), "',  ",                       // CRC
+        "'", Verbatim(CRC), "',  ",                       // CRC
         DPIY, ", ",                                         // DPIY_INT
         DPIX, ", ",                                         // DPIX_INT
         Voltage_kV, ",  ",                                  // Voltage_INT
@@ -128,16 +128,16 @@ String cImage::InsertStatement(const String& teeth) const {
         "0,",                                               // Dosage_INT
         studyID, ",",                                       // Study_ID
         seriesID, ",",                                      // Series_ID
-        "'", AsItStands(Trim(instanceUID)), "',",           // SOPInstanceUID_NVC
+        "'", Verbatim(Trim(instanceUID)), "',",           // SOPInstanceUID_NVC
         ImageNumberInSeries, ",  ",                         // ImageNumberInSeries
         DicomStatus, ", ",                                  // DicomStatus_INT
         Long{FrameNumber}, ", ",                            // FrameNumber_INT
-        "'", AsItStands(ApprCrop), "', ",                   // AnatomicRegion
+        "'", Verbatim(ApprCrop), "', ",                   // AnatomicRegion
         DCMDerived, ", ",                                   // DCMDerived_BT
-        "'", AsItStands(Laterality), "',",                  // Laterality
-        "'", AsItStands(AnaRegion), "',",                   // AnaRegion
-        "'", AsItStands(AnaRegionMod), "',",                // AnaRegionMod
-        "'", AsItStands(teeth), "', ",                      // PriStructure
+        "'", Verbatim(Laterality), "',",                  // Laterality
+        "'", Verbatim(AnaRegion), "',",                   // AnaRegion
+        "'", Verbatim(AnaRegionMod), "',",                // AnaRegionMod
+        "'", Verbatim(teeth), "', ",                      // PriStructure
         SubType, ", ",                                      // SubType_INT
         ApprGamma, ");");                                   // Gamma_INT
     // clang-format on
@@ -154,30 +154,30 @@ String cImage::UpdateStatement(const String& teeth) const {
         "DPIY_INT= ", DPIY, ", ",
         "DPIX_INT= ", DPIX, ", ",
         "ComputedDPI_INT= ", ComputedDPI(), ", ",
-        "PriStructure='", AsItStands(teeth), "',",
+        "PriStructure='", Verbatim(teeth), "',",
         "Study_ID=", studyID, ", ",
         "Series_ID=", seriesID, ", ",
-        "SOPInstanceUID_NVC='", AsItStands(instanceUID), "', ",
+        "SOPInstanceUID_NVC='", Verbatim(instanceUID), "', ",
         "HardwareSourcetxt_NVC='", FixSqlString(HWSourceTxt), "', ",
         "ImageNumberInSeries=", ImageNumberInSeries, ", ",
         "dicomStatus_INT=", DicomStatus, ", ",
-        "AnaRegion='", AsItStands(AnaRegion), "', ",
-        "AnaRegionMod='", AsItStands(AnaRegionMod), "', ",
+        "AnaRegion='", Verbatim(AnaRegion), "', ",
+        "AnaRegionMod='", Verbatim(AnaRegionMod), "', ",
         "FrameNumber_INT=", Long{FrameNumber}, ", ",
         "Gamma_INT=", ApprGamma, ", ",
         "Invert_BT=", -Number(ApprInvert), ", ",
         "Contrast_INT=", ApprContrast, ", ",
         "Brightness_INT=", ApprBrightness, ", ",
-        "CRC='", AsItStands(CRC), "', ",
-        "Laterality='", AsItStands(Laterality), "', ",
+        "CRC='", Verbatim(CRC), "', ",
+        "Laterality='", Verbatim(Laterality), "', ",
         "PatientID=", PatID, ", ",
-        "Capture_Person_NVC='", AsItStands(CapturePerson), "', ",
-        "Responsible_Person_NVC='", AsItStands(RespPerson), "', ",
+        "Capture_Person_NVC='", Verbatim(CapturePerson), "', ",
+        "Responsible_Person_NVC='", Verbatim(RespPerson), "', ",
         "Voltage_INT= ", Voltage_kV, ", ",
         "DCMDerived_BT= ", DCMDerived, ", ",
         "SubType_INT= ", SubType, ", ",
         "Current_INT= ", Current_mA, ", ",
-        "AnatomicRegion= '", AsItStands(ApprCrop), "', ",
+        "AnatomicRegion= '", Verbatim(ApprCrop), "', ",
         "ExposureTime_F = ", ExposureTime_ms,
         " WHERE ImageBildID = ", ID, ";");
     // clang-format on

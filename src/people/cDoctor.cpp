@@ -65,7 +65,7 @@ bool cDoctor::LoadDoctor(Long wanted, Ref<Connection> Con) {
 bool cDoctor::LoadDoctorOnGUID(String wanted, Ref<Connection> Con) {
     return Prefixed("cDoctor.loadDoctorOnGUID, ", [&] {
         const String guid = UCase(wanted);
-        return Load(sql("SELECT * FROM Doctor_T  ", " WHERE DrGUID ='", AsItStands(guid), "';"), Con);
+        return Load(sql("SELECT * FROM Doctor_T  ", " WHERE DrGUID ='", Verbatim(guid), "';"), Con);
     });
 }
 

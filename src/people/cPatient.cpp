@@ -72,12 +72,12 @@ String cPatient::OtherIDsColumn() const {
 
 String cPatient::UpdateStatement(const String& birth, const String& previous) const {
     return sql("Update Patient_T ", "Set Firstname_NVC='", FixSqlString(FirstName), "',", "LastName_NVC='",
-               FixSqlString(LastName), "',", "Birthdate_CH='", AsItStands(birth), "',", "PrevXrayDate_CH='",
-               AsItStands(previous), "',", "Address_NVC='", FixSqlString(Address), "',", "TelOne_NVC='",
+               FixSqlString(LastName), "',", "Birthdate_CH='", Verbatim(birth), "',", "PrevXrayDate_CH='",
+               Verbatim(previous), "',", "Address_NVC='", FixSqlString(Address), "',", "TelOne_NVC='",
                FixSqlString(TelOne), "',", "TelTwo_NVC='", FixSqlString(TelTwo), "',", "TelMobile_NVC ='",
                FixSqlString(TelMobile), "',", "email_adress='", FixSqlString(EMail), "',", "Comments_NVC='",
                FixSqlString(Comments), "',", "IDImg='", FixSqlString(IDImg), "',", "OtherIDs='",
-               AsItStands(OtherIDsColumn()), "',", "Sex_CH='", AsItStands(Sex), "', ", "RespDoctor=", RespDoctor, " ",
+               Verbatim(OtherIDsColumn()), "',", "Sex_CH='", Verbatim(Sex), "', ", "RespDoctor=", RespDoctor, " ",
                "Where ", "PersonNr_CH ='", FixSqlString(UCase(PatientID)), "'");
 }
 
@@ -87,10 +87,10 @@ String cPatient::InsertStatement(const String& birth, const String& previous) co
                "Address_NVC,TelOne_NVC, TelTwo_NVC, TelMobile_NVC, email_adress, Comments_NVC, PrevXrayDate_CH, "
                "IDImg) ",
                "VALUES (", "'", UCase(FixSqlString(PatientID)), "', ", "'", FixSqlString(birth), "', ", "'",
-               FixSqlString(FirstName), "', ", "'", FixSqlString(LastName), "', ", "'", AsItStands(Sex), "',", "'",
-               AsItStands(OtherIDsColumn()), "', ", RespDoctor, ", ", "'", FixSqlString(Address), "', ", "'",
+               FixSqlString(FirstName), "', ", "'", FixSqlString(LastName), "', ", "'", Verbatim(Sex), "',", "'",
+               Verbatim(OtherIDsColumn()), "', ", RespDoctor, ", ", "'", FixSqlString(Address), "', ", "'",
                FixSqlString(TelOne), "', ", "'", FixSqlString(TelTwo), "', ", "'", FixSqlString(TelMobile), "', ", "'",
-               FixSqlString(EMail), "', ", "'", FixSqlString(Comments), "', ", "'", AsItStands(previous), "', ", "'",
+               FixSqlString(EMail), "', ", "'", FixSqlString(Comments), "', ", "'", Verbatim(previous), "', ", "'",
                FixSqlString(IDImg), "' ", ");");
 }
 

@@ -46,7 +46,7 @@ IDispatch* CreateFrom(const ClassRegistry::ClassRecord& record) {
         code = maker->CreateInstance(nullptr, IID_IDispatch, &object);
         maker->Release();
     }
-    if (FAILED(code)) RaiseCannotCreate(record.Library + " doesn't give the class " + record.Name);
+    if (FAILED(code)) RaiseCannotCreate(record.Library + " does not contain the class " + record.Name);
     return static_cast<IDispatch*>(object);
 }
 

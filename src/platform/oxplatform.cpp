@@ -236,7 +236,7 @@ private:
 
 ADODB::Connection& ConnectionOf(IUnknown* pointer) {
     auto* connection = dynamic_cast<ADODB::Connection*>(pointer ? Boundary::OwnObject(pointer) : nullptr);
-    if (!connection) Fail(E_NOINTERFACE, "The object is no ADODB.Connection");
+    if (!connection) Fail(E_NOINTERFACE, "The object is not an ADODB.Connection");
     if (!Boundary::IsOnItsThread(*reinterpret_cast<InterfacePointer*>(pointer)))
         Fail(RPC_E_WRONG_THREAD, "A connection is used only on the thread that made it");
     return *connection;

@@ -20,10 +20,10 @@ void cSerie::adjustLocationStatus() {
 
 bool cSerie::loadSeries(String Series, const Ref<Connection>& Con) {
     return Prefixed("cSerie.loadseries, ", [&] {
-        const Ref<Recordset> rs = OpenPlain(
-            Con, Contains(Series, ".")
-                     ? sql("SELECT * FROM Series_T  ", " WHERE seriesInstanceUID ='", AsItStands(Series), "';")
-                     : sql("SELECT * FROM Series_T  ", " WHERE series_id =", AsItStands(Series), ";"));
+        const Ref<Recordset> rs =
+            OpenPlain(Con, Contains(Series, ".")
+                               ? sql("SELECT * FROM Series_T  ", " WHERE seriesInstanceUID ='", Verbatim(Series), "';")
+                               : sql("SELECT * FROM Series_T  ", " WHERE series_id =", Verbatim(Series), ";"));
         const bool found = !rs->Eof();
         if (found) ReadRow(rs);
         rs->Close();
@@ -52,7 +52,7 @@ bool cSerie::SaveSeries(const bool& CheckExistOnID, const Ref<Connection>& Con) 
         const Ref<Recordset> rs = OpenUpdatable(
             Con, CheckExistOnID
                      ? sql("SELECT * FROM Series_T WHERE series_id =", ID, ";")
-                     : sql("SELECT * FROM Series_T WHERE SeriesInstanceUID ='", AsItStands(instanceUID), "';"));
+                     : sql("SELECT * FROM Series_T WHERE SeriesInstanceUID ='", Verbatim(instanceUID), "';"));
         if (rs->Eof()) rs->AddNew();
         WriteRow(rs);
         rs->Update();

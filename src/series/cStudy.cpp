@@ -27,8 +27,8 @@ bool cStudy::loadStudy(String Study, const Ref<Connection>& Con) {
     return Prefixed("cStudy.loadStudy, ", [&] {
         const Ref<Recordset> rs =
             OpenPlain(Con, Contains(Study, ".")
-                               ? sql("SELECT * FROM Study_T  ", " WHERE StudyInstanceUID ='", AsItStands(Study), "';")
-                               : sql("SELECT * FROM Study_T  ", " WHERE study_id =", AsItStands(Study), ";"));
+                               ? sql("SELECT * FROM Study_T  ", " WHERE StudyInstanceUID ='", Verbatim(Study), "';")
+                               : sql("SELECT * FROM Study_T  ", " WHERE study_id =", Verbatim(Study), ";"));
         const bool found = !rs->Eof();
         if (found) ReadRow(rs);
         rs->Close();
@@ -52,9 +52,8 @@ void cStudy::ReadRow(const Ref<Recordset>& rs) {
 bool cStudy::savestudy(const bool& CheckExistOnID, const Ref<Connection>& Con) {
     return Prefixed("cStudy.SaveStudy, ", [&] {
         const Ref<Recordset> rs = OpenUpdatable(
-            Con, CheckExistOnID
-                     ? sql("SELECT * FROM study_T WHERE study_id =", ID, ";")
-                     : sql("SELECT * FROM study_T WHERE StudyInstanceUID = '", AsItStands(instanceUID), "';"));
+            Con, CheckExistOnID ? sql("SELECT * FROM study_T WHERE study_id =", ID, ";")
+                                : sql("SELECT * FROM study_T WHERE StudyInstanceUID = '", Verbatim(instanceUID), "';"));
         if (rs->Eof()) rs->AddNew();
         WriteRow(rs);
         rs->Update();

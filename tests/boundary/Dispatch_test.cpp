@@ -219,7 +219,7 @@ TEST(Invoke, WrongCallsGetTheStandardCodes) {
 TEST(Invoke, ReportsWhichArgumentIsWrong) {
     const Dispatch teeth = Create("OXClass.cTeeth");
     EXPECT_EQ(Invoke(teeth.Get(), "Add", DISPATCH_METHOD, {"no flag", "16"}).Wrong, 1U)
-        << "the first argument stands last in the caller's list";
+        << "the first argument is the last in the caller's array";
     Value array = Value::OfType(VT_ARRAY | VT_I4);
     array.Get().parray = SafeArrayCreateVector(VT_I4, 0, 1);
     const Outcome wrong = Invoke(teeth.Get(), "Add", DISPATCH_METHOD, {true, array});

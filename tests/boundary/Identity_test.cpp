@@ -74,34 +74,34 @@ TEST(Identity, AReleasedCollectionDeletesItsMembersUnlessTheyAreReferenced) {
 
 // ---- foreign objects --------------------------------------------------------------------------------
 
-Value ValueOf(ForeignObject& stranger) {
-    stranger.AddRef();
+Value ValueOf(ForeignObject& foreign) {
+    foreign.AddRef();
     Value value = Value::OfType(VT_DISPATCH);
-    value.Get().pdispVal = &stranger;
+    value.Get().pdispVal = &foreign;
     return value;
 }
 
 TEST(ForeignObject, IsStoredAndReturnedUnchanged) {
-    ForeignObject stranger(true);
+    ForeignObject foreign(true);
     {
         const Dispatch collection = Create("Collection");
-        Call(collection, "Add", {ValueOf(stranger)});
-        EXPECT_EQ(Call(collection, "Item", {1}).Object().Get(), &stranger);
+        Call(collection, "Add", {ValueOf(foreign)});
+        EXPECT_EQ(Call(collection, "Item", {1}).Object().Get(), &foreign);
     }
-    EXPECT_EQ(stranger.references, 1U);
+    EXPECT_EQ(foreign.references, 1U);
 }
 
 TEST(ForeignObject, IsRejectedWhereAnObjectOfAClassIsRequired) {
-    ForeignObject stranger(true);
+    ForeignObject foreign(true);
     const Dispatch entry = Create("OXClass.cUniCard");
-    const Outcome put = Invoke(entry.Get(), "Study", DISPATCH_PROPERTYPUTREF, {ValueOf(stranger)});
+    const Outcome put = Invoke(entry.Get(), "Study", DISPATCH_PROPERTYPUTREF, {ValueOf(foreign)});
     EXPECT_EQ(put.Code, DISP_E_TYPEMISMATCH);
     EXPECT_EQ(put.Wrong, 0U);
-    EXPECT_EQ(Invoke(Create("OXClass.cPatient").Get(), "Save", DISPATCH_METHOD, {ValueOf(stranger)}).Code,
+    EXPECT_EQ(Invoke(Create("OXClass.cPatient").Get(), "Save", DISPATCH_METHOD, {ValueOf(foreign)}).Code,
               DISP_E_TYPEMISMATCH);
     BSTR json = nullptr;
-    EXPECT_EQ(OxDescribe(&stranger, &json), E_NOINTERFACE);
-    EXPECT_EQ(stranger.references, 1U);
+    EXPECT_EQ(OxDescribe(&foreign, &json), E_NOINTERFACE);
+    EXPECT_EQ(foreign.references, 1U);
 }
 
 TEST(ForeignObject, AnObjectOfAnotherClassIsRejectedToo) {
@@ -157,7 +157,7 @@ TEST(Enumerator, SkipsStartsAgainAndIsCopied) {
     EXPECT_EQ(walk->Next(1, &tooth, nullptr), S_OK);
     EXPECT_EQ(NumberOf(tooth), 12);
     EXPECT_EQ(copy->Next(1, &tooth, nullptr), S_OK);
-    EXPECT_EQ(NumberOf(tooth), 12) << "the copy stood where the walk stood";
+    EXPECT_EQ(NumberOf(tooth), 12) << "the copy has the position of the original";
     EXPECT_EQ(walk->Reset(), S_OK);
     EXPECT_EQ(walk->Next(1, &tooth, nullptr), S_OK);
     EXPECT_EQ(NumberOf(tooth), 11);

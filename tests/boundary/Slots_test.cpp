@@ -184,7 +184,7 @@ TEST(Slots, AValueThatIsWrittenBackReplacesTheOldOne) {
     const Dispatch given(held);
     EXPECT_NE(given.Get(), lists.Get());
     EXPECT_EQ(Get(given, "Count").Long(), 1);
-    EXPECT_EQ(lists->AddRef(), 2U) << "the object that was there was let go";
+    EXPECT_EQ(lists->AddRef(), 2U) << "the previous object was released";
     lists->Release();
 }
 

@@ -94,7 +94,7 @@ protected:
 TEST_F(CosmeticDeletion, DeletesTheFileOnce) {
     EXPECT_EQ(NumberOf("007a.dcm"), 0);
     EXPECT_FALSE(exists(file));
-    EXPECT_EQ(NumberOf("007a.dcm"), 0) << "a missing file is no failure";
+    EXPECT_EQ(NumberOf("007a.dcm"), 0) << "a missing file is not a failure";
 }
 
 TEST_F(CosmeticDeletion, AReadOnlyFileRaises) {

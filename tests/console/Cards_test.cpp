@@ -173,10 +173,10 @@ TEST_F(Cards, AWrongRequestIsReportedInOneLineAndChangesNothing) {
     EXPECT_THAT(UserError({"card", "add", "IC1", "77"}), HasSubstr("there is no image 77"));
     EXPECT_THAT(UserError({"card", "add", "IC1", "2", "5"}), HasSubstr("image 5 belongs to another patient"));
     EXPECT_THAT(UserError({"card", "add", "IC1", "2", "3", "--at", "0,0"}), HasSubstr("--at places one image"));
-    EXPECT_THAT(UserError({"card", "add", "IC1", "2", "--at", "left"}), HasSubstr("\"left\" is no place"));
-    EXPECT_THAT(UserError({"card", "add", "IC1", "2", "--at", "1,2,3"}), HasSubstr("is no place"));
+    EXPECT_THAT(UserError({"card", "add", "IC1", "2", "--at", "left"}), HasSubstr("\"left\" is not a place"));
+    EXPECT_THAT(UserError({"card", "add", "IC1", "2", "--at", "1,2,3"}), HasSubstr("is not a place"));
     EXPECT_THAT(UserError({"card", "add", "IC1", "2", "--size", "0"}), HasSubstr("a size is above 0"));
-    EXPECT_THAT(UserError({"card", "add", "IC1", "2", "--size", "nan"}), HasSubstr("is no size"));
+    EXPECT_THAT(UserError({"card", "add", "IC1", "2", "--size", "nan"}), HasSubstr("is not a size"));
     EXPECT_THAT(UserError({"card", "move", "IC1", "1", "--turn", "45"}), HasSubstr("90, 180 or 270"));
     EXPECT_THAT(UserError({"card", "move", "IC1", "9", "--mirror"}), HasSubstr("card IC1 has no placed image 9"));
     EXPECT_THAT(UserError({"card", "move", "IC1", "1", "--record", "Paint=1"}), HasSubstr("Manbrightness, "));

@@ -421,8 +421,7 @@ TEST_F(DamagedRows, ManipulationsThatCannotBeStoredAreReported) {
     EXPECT_EQ(Everything(), before);
 }
 
-// ---- texts that a documented update takes unescaped
-// --------------------------------------------------------------
+// ---- texts that a documented update takes unescaped ---------------------------------------------
 
 TEST_F(DamagedRows, AQuoteInATextOfAnImageFailsNoSeries) {
     const char* const columns[] = {"Responsible_Person_NVC", "Capture_Person_NVC", "CRC",
@@ -459,8 +458,7 @@ TEST_F(DamagedRows, HangingStoresASeriesWithoutIdentifier) {
               1);
 }
 
-// ---- another workstation
-// -----------------------------------------------------------------------------------------
+// ---- another workstation ------------------------------------------------------------------------
 
 /// Another workstation that tries, before each call of the program, to store a new value; it waits for no
 /// lock.
@@ -547,8 +545,7 @@ TEST_F(OtherWorkstation, ItsRemovalOfAPatientRemovesAllCards) {
     Keeps({"series", "save-as-card", "1"}, "UPDATE Series_T SET orgServerID = ?", "SELECT orgServerID FROM Series_T");
 }
 
-// ---- failures of the engine
-// --------------------------------------------------------------------------------------
+// ---- failures of the engine ---------------------------------------------------------------------
 
 TEST_F(DamagedRows, ADamagedTableIsReportedAsDamage) {
     TestKit::OverwriteRootPage(Database(), "Series_T");

@@ -56,8 +56,8 @@ TEST_F(DatabaseFile, OneThatIsRejectedIsUnchanged) {
 
     fs::remove(file);
     RunOn(file, "CREATE TABLE t (a); INSERT INTO t VALUES (1)");
-    EXPECT_THAT(Refused(file), HasSubstr("is no clinic database"));
-    EXPECT_THAT(Refused("Provider=SQLite;Data Source=" + file.string()), HasSubstr("is no clinic database"));
+    EXPECT_THAT(Refused(file), HasSubstr("is not a clinic database"));
+    EXPECT_THAT(Refused("Provider=SQLite;Data Source=" + file.string()), HasSubstr("is not a clinic database"));
 
     fs::remove(file);
     ASSERT_EQ(Try({"init", file}).code, 0);
@@ -80,7 +80,7 @@ TEST_F(DatabaseFile, OneWhoseMarksAreInItsLogIsReadByThem) {
     copy("PRAGMA application_id = 5");
     const std::string before = Content(file), log = Content(file.string() + "-wal");
     const Result foreign = Try({"--db", file, "patients"});
-    EXPECT_THAT(foreign.err, HasSubstr("is no clinic database"));
+    EXPECT_THAT(foreign.err, HasSubstr("is not a clinic database"));
     EXPECT_TRUE(Content(file) == before);
     EXPECT_TRUE(Content(file.string() + "-wal") == log);
     copy("PRAGMA application_id = 0x4F58434C");
@@ -101,8 +101,7 @@ TEST_F(DatabaseFile, AnInvalidNameIsReported) {
     EXPECT_FALSE(fs::exists(folder.Path() / "clinic.db"));
 }
 
-// ---- without the right to write
-// --------------------------------------------------------------------------------
+// ---- without the right to write -----------------------------------------------------------------
 
 /// Runs of the program by a user who owns nothing here.
 class Reader : public DatabaseFile {

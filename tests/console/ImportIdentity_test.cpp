@@ -191,8 +191,7 @@ TEST_F(ImportIdentity, OtherIdentifiersThatDoNotFitAreOmittedAndReported) {
     EXPECT_EQ(stored, many.substr(0, 25 * 10 - 1)) << "25 of 9 characters with their separators";
 }
 
-// ---- what the database doesn't know yet
-// --------------------------------------------------------------
+// ---- what the database doesn't know yet ---------------------------------------------------------
 
 TEST_F(ImportIdentity, MissingDataOfThePatientAreCopiedFromALaterFileAndThenCompared) {
     Init();

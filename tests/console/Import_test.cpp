@@ -312,7 +312,7 @@ TEST_F(ImportTest, AnInvalidMarkerIsNeitherAcceptedNorReplaced) {
         std::ofstream(Root() / ".oxclass-root", std::ios::trunc) << marker;
         const Result run = Import();
         EXPECT_EQ(run.code, 1) << marker;
-        EXPECT_THAT(run.err, HasSubstr(".oxclass-root is no marker of a storage root")) << marker;
+        EXPECT_THAT(run.err, HasSubstr(".oxclass-root is not the marker of a storage root")) << marker;
         EXPECT_EQ(ContentOf(Root() / ".oxclass-root"), marker);
         EXPECT_EQ(OkJson({"images"}).size(), 0U);
     }

@@ -23,10 +23,10 @@ TEST_F(Program, InitDoesNotChangeAnExistingFile) {
     std::ofstream(Database()) << "precious";
     const Result run = Try({"init", Database()});
     EXPECT_EQ(run.code, 1);
-    EXPECT_NE(run.err.find("exists already and stays as it is"), std::string::npos) << run.err;
+    EXPECT_NE(run.err.find("exists already and is not changed"), std::string::npos) << run.err;
     EXPECT_EQ(fs::file_size(Database()), 8U);
     EXPECT_EQ(Try({"init", Database(), "--replace"}).code, 0);
-    EXPECT_EQ(fs::file_size(Database() + ".old"), 8U) << "the old file is put aside, not lost";
+    EXPECT_EQ(fs::file_size(Database() + ".old"), 8U) << "the old file is renamed, not lost";
     EXPECT_EQ(Try({"init", Database(), "--replace"}).code, 1) << "and not overwritten by the next";
     EXPECT_EQ(fs::file_size(Database() + ".old"), 8U);
     EXPECT_EQ(OkJson({"patients"}).size(), 0U);
@@ -79,7 +79,7 @@ TEST_F(Program, AForeignOrNewerDatabaseIsRejected) {
     EXPECT_NE(run.err.find("made by a newer program"), std::string::npos) << run.err;
     con->Execute("PRAGMA application_id = 5");
     run = Try({"--db", Database(), "patients"});
-    EXPECT_NE(run.err.find("is no clinic database"), std::string::npos) << run.err;
+    EXPECT_NE(run.err.find("is not a clinic database"), std::string::npos) << run.err;
 }
 
 TEST_F(Program, UnknownRecordsAreNamed) {
@@ -99,7 +99,7 @@ TEST_F(Program, UnknownRecordsAreNamed) {
         const Result run = Try(arguments);
         EXPECT_EQ(run.code, 1) << command[0];
         EXPECT_TRUE(run.err.find("there is no") != std::string::npos ||
-                    run.err.find("is no number") != std::string::npos)
+                    run.err.find("is not the number") != std::string::npos)
             << run.err;
     }
 }
@@ -375,7 +375,7 @@ TEST_F(Program, AnInvalidUidIsRejected) {
               [&](DcmDataset& set) { set.putAndInsertString(DCM_SeriesInstanceUID, uid); });
         const Result run = Try({"--db", Database(), "import", Films() + "/2.25.6-101.dcm"});
         EXPECT_EQ(run.code, 3) << uid;
-        EXPECT_NE(run.err.find("is no DICOM identifier"), std::string::npos) << run.err;
+        EXPECT_NE(run.err.find("is not a DICOM identifier"), std::string::npos) << run.err;
     }
     EXPECT_EQ(OkJson({"images"}).size(), 1U);
 }

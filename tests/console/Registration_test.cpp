@@ -82,7 +82,7 @@ TEST_F(Registration, AFileThatIsNotALibraryIsReported) {
     const auto host = std::filesystem::path(LIBRARY).parent_path() / "liboxplatform.so";
     const auto other = Try({"register", host.string()});
     EXPECT_EQ(other.code, 1);
-    EXPECT_NE(other.err.find("is no library of classes"), std::string::npos) << other.err;
+    EXPECT_NE(other.err.find("is not a library of classes"), std::string::npos) << other.err;
     EXPECT_FALSE(std::filesystem::exists(File()));
 }
 

@@ -242,9 +242,9 @@ TEST_F(Worklist, AFileThatIsNotAnItemIsReportedAndTheOthersAreListed) {
     const Result run = Try({"--json", "worklist", Folder()});
     EXPECT_EQ(run.code, 3);
     EXPECT_THAT(PatientsOf(json::parse(run.out)), ElementsAre("P1"));
-    EXPECT_THAT(run.err, HasSubstr("b.wl: no worklist item: it has no scheduled procedure step\n"));
-    EXPECT_THAT(run.err, HasSubstr("c.wl: no worklist item: it names no patient\n"));
-    EXPECT_THAT(run.err, HasSubstr("d.wl: no worklist item: can't be read as DICOM"));
+    EXPECT_THAT(run.err, HasSubstr("b.wl: not a worklist item: it has no scheduled procedure step\n"));
+    EXPECT_THAT(run.err, HasSubstr("c.wl: not a worklist item: it names no patient\n"));
+    EXPECT_THAT(run.err, HasSubstr("d.wl: not a worklist item: can't be read as DICOM"));
 }
 
 TEST_F(Worklist, RegisteringMakesThePatientThatTheNextImportFinds) {
@@ -362,11 +362,11 @@ TEST_F(Worklist, AFileThatIsNotAWorklistIsReported) {
         EXPECT_EQ(run.code, 1);
         return run.err;
     };
-    EXPECT_THAT(told({"worklist", "nowhere"}), HasSubstr("no file, no folder and no server AE@HOST:PORT"));
-    EXPECT_THAT(told({"worklist", "AE@host:0"}), HasSubstr("no server"));
-    EXPECT_THAT(told({"worklist", "SEVENTEENLETTERSX@host:104"}), HasSubstr("no server"));
-    EXPECT_THAT(told({"worklist", "AE@[::1]:104"}), HasSubstr("no server"));
-    EXPECT_THAT(told({"worklist", std::string(5000, 'x')}), HasSubstr("no server"));
+    EXPECT_THAT(told({"worklist", "nowhere"}), HasSubstr("is not a file, a folder or a server AE@HOST:PORT"));
+    EXPECT_THAT(told({"worklist", "AE@host:0"}), HasSubstr("or a server AE@HOST:PORT"));
+    EXPECT_THAT(told({"worklist", "SEVENTEENLETTERSX@host:104"}), HasSubstr("or a server AE@HOST:PORT"));
+    EXPECT_THAT(told({"worklist", "AE@[::1]:104"}), HasSubstr("or a server AE@HOST:PORT"));
+    EXPECT_THAT(told({"worklist", std::string(5000, 'x')}), HasSubstr("or a server AE@HOST:PORT"));
     EXPECT_THAT(told({"worklist", Folder(), "--as", ""}), HasSubstr("1 to 16 characters"));
     EXPECT_THAT(told({"worklist", Folder(), "--date", "someday"}), HasSubstr("\"someday\" is not a date"));
     EXPECT_THAT(told({"worklist", Folder(), "--date", "2026-02-02..2026-02-01"}), HasSubstr("ends before it begins"));
@@ -504,7 +504,7 @@ TEST_F(OddServer, BrokenDataSetsAreReportedInOneLineAndTheOthersListed) {
     EXPECT_EQ(run.code, 3);
     EXPECT_THAT(PatientsOf(json::parse(run.out)), ElementsAre("P1"));
     EXPECT_EQ(run.err,
-              "oxclass: 2 data sets of " + Address() + " are no worklist items: it has no scheduled procedure step\n");
+              "oxclass: 2 data sets of " + Address() + " are not worklist items: it has no scheduled procedure step\n");
 }
 
 TEST_F(OddServer, ItReceivesTheKeysAndTheIdentifiersOfASequence) {
@@ -742,7 +742,7 @@ TEST_F(Worklist, OnlyTheFileThatWouldCrashTheProgramFails) {
     const Result run = Try({"--json", "worklist", Folder()});
     EXPECT_EQ(run.code, 3);
     EXPECT_THAT(PatientsOf(json::parse(run.out)), ElementsAre("P1"));
-    EXPECT_THAT(run.err, HasSubstr("b.wl: no worklist item: its sequences are nested"));
+    EXPECT_THAT(run.err, HasSubstr("b.wl: not a worklist item: its sequences are nested"));
 }
 
 TEST_F(Worklist, AFolderThatCannotBeReadDoesNotEndTheList) {

@@ -55,27 +55,27 @@ TEST(Statement, AClauseIsInsertedUnchanged) {
 
 TEST(Statement, AnUnescapedTextIsInsertedUnchangedBetweenQuotes) {
     for (const char* text : {"", "plain", "\\", "\"", "-- /* ;", "Ωж日🦷", "a''b", "''", "''''"})
-        EXPECT_EQ(sql("A='", AsItStands(text), "'"), "A='" + String(text) + "'");
+        EXPECT_EQ(sql("A='", Verbatim(text), "'"), "A='" + String(text) + "'");
 }
 
 TEST(Statement, AQuoteInAnUnescapedTextFails) {
     for (const char* text : {"'", "O'Neil", "x', B='y", "'''", "a'b'c", "x' OR '1'='1", "''a'"})
-        EXPECT_EQ(FailureOf([&] { sql("A='", AsItStands(text), "'"); }).Number, SyntaxError) << text;
+        EXPECT_EQ(FailureOf([&] { sql("A='", Verbatim(text), "'"); }).Number, SyntaxError) << text;
 }
 
 TEST(Statement, AQuoteInAnEarlierTextDoesNotShiftTheQuotes) {
-    EXPECT_EQ(FailureOf([] { sql("A='", FixSqlString("it's"), "', B='", AsItStands("x'"), "'"); }).Number, SyntaxError);
-    EXPECT_EQ(sql("A='", FixSqlString("it's"), "', B=", AsItStands("12")), "A='it''s', B=12");
+    EXPECT_EQ(FailureOf([] { sql("A='", FixSqlString("it's"), "', B='", Verbatim("x'"), "'"); }).Number, SyntaxError);
+    EXPECT_EQ(sql("A='", FixSqlString("it's"), "', B=", Verbatim("12")), "A='it''s', B=12");
 }
 
 TEST(Statement, OutsideOfQuotesOnlyAWholeNumberIsAccepted) {
-    for (const char* text : {"12", "-3", "+4", " 5 "}) EXPECT_EQ(sql("A=", AsItStands(text)), "A=" + String(text));
+    for (const char* text : {"12", "-3", "+4", " 5 "}) EXPECT_EQ(sql("A=", Verbatim(text)), "A=" + String(text));
     for (const char* text : {"", " ", "-", "1 OR 1=1", "1;", "1.5", "0x1", "1e3", "--1", "Name", "''", "１"})
-        EXPECT_EQ(FailureOf([&] { sql("A=", AsItStands(text)); }).Number, SyntaxError) << text;
+        EXPECT_EQ(FailureOf([&] { sql("A=", Verbatim(text)); }).Number, SyntaxError) << text;
 }
 
 TEST(Statement, TheFailureHasTheFormOfTheDatabaseLayers) {
-    const Error failure = FailureOf([] { sql("A='", AsItStands("'"), "'"); });
+    const Error failure = FailureOf([] { sql("A='", Verbatim("'"), "'"); });
     EXPECT_EQ(failure.Source, "ADODB.Connection");
     EXPECT_THAT(failure.Description, ::testing::HasSubstr("A='"));
 }
@@ -84,7 +84,7 @@ class StatementOnDatabase : public WithDatabase {};
 
 TEST_F(StatementOnDatabase, AnUnescapedTextOfPairedQuotesStaysOneLiteral) {
     Run("INSERT INTO GlobalList_T (ListID, ListText) VALUES (1, 'old')");
-    con->Execute(sql("UPDATE GlobalList_T SET ListText='", AsItStands("a'', ListID=''9"), "'"));
+    con->Execute(sql("UPDATE GlobalList_T SET ListText='", Verbatim("a'', ListID=''9"), "'"));
     EXPECT_EQ(Ask("SELECT ListText FROM GlobalList_T"), Variant("a', ListID='9"));
     EXPECT_EQ(Ask("SELECT ListID FROM GlobalList_T"), Variant(Long{1}));
 }

@@ -490,8 +490,7 @@ TEST_F(ImageSave, CommentsSetToNullFailAfterTheRowIsRead) {
     EXPECT_EQ(OfRow("CRC"), Variant("new"));
 }
 
-// ---- the look of SaveEx
-// -------------------------------------------------------------------------------------
+// ---- the look of SaveEx -------------------------------------------------------------------------
 
 TEST_F(ImageSave, SaveExInsertsAgainIfTheKeysRowIsDeleted) {
     image = Distinct();
@@ -597,8 +596,7 @@ TEST_F(ImageSave, SaveExWithoutAnyIdentityInsertsEachTime) {
     EXPECT_EQ(image->ID, 2);
 }
 
-// ---- the mark of a deletion
-// -----------------------------------------------------------------------------------
+// ---- the mark of a deletion ---------------------------------------------------------------------
 
 class DeletionMark : public ImageSave {
 protected:
@@ -665,8 +663,7 @@ TEST_F(DeletionMark, OfTheObjectItselfIsComparedLikeAnyComment) {
     EXPECT_THAT(StoredComments(), IsEmpty()) << "removed from the object first, then from the table";
 }
 
-// ---- failures
-// -------------------------------------------------------------------------------------------------
+// ---- failures -----------------------------------------------------------------------------------
 
 TEST_F(ImageSave, AFailureOfTheDatabasePassesUnchanged) {
     Run("ALTER TABLE ImageBild_T RENAME TO Gone_T");

@@ -24,8 +24,7 @@ protected:
     int asked = 0;  ///< for a GUID
 };
 
-// ---- doctors
-// ------------------------------------------------------------------------------------------------
+// ---- doctors ------------------------------------------------------------------------------------
 
 TEST_F(PeopleFaults, ANewDoctorIsWrittenWholeOrNotAtAll) {
     const TextBoxes boxes;
@@ -111,8 +110,7 @@ TEST_F(PeopleFaults, AListOfDoctorsThatFailsIsEmpty) {
     EXPECT_EQ(CallsOf([&] { EXPECT_EQ(doctors->GetAllDoctors(faulty), 1); }), 1) << "no doctor is saved";
 }
 
-// ---- clinics
-// ------------------------------------------------------------------------------------------------
+// ---- clinics ------------------------------------------------------------------------------------
 
 TEST_F(PeopleFaults, ANewClinicIsWrittenWholeOrNotAtAll) {
     const TextBoxes boxes;

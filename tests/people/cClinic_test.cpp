@@ -81,8 +81,7 @@ TEST_F(Clinic, EachPropertyReturnsTheAssignedValue) {
               "0| ' City| ' ClinicName| ' OrgNumber| ' Remarks16| ' StreetAddress| ' Telephone| ' ZipCode");
 }
 
-// ---- deleting
-// -----------------------------------------------------------------------------------------------
+// ---- deleting -----------------------------------------------------------------------------------
 
 TEST_F(Clinic, DeletesItsRowAndKeepsItsMembers) {
     RunRow(5);
@@ -105,8 +104,7 @@ TEST_F(Clinic, DeletingAMissingRowReturnsTrue) {
     EXPECT_THAT(Sent(), ElementsAre("DELETE FROM Clinic_T WHERE ClinicID =-3;"));
 }
 
-// ---- saving
-// -------------------------------------------------------------------------------------------------
+// ---- saving -------------------------------------------------------------------------------------
 
 TEST_F(Clinic, ANewClinicTakesTheDatabasesIdentifier) {
     const TextBoxes boxes;
@@ -251,8 +249,7 @@ TEST_F(Clinic, ColumnsAreWrittenInTheirOrder) {
     }
 }
 
-// ---- loading
-// ------------------------------------------------------------------------------------------------
+// ---- loading ------------------------------------------------------------------------------------
 
 TEST_F(Clinic, LoadsEveryColumn) {
     RunRow();
@@ -317,8 +314,7 @@ TEST_F(Clinic, AMissingColumnLeavesTheMembersReadBeforeIt) {
     }
 }
 
-// ---- failures
-// -----------------------------------------------------------------------------------------------
+// ---- failures -----------------------------------------------------------------------------------
 
 TEST_F(Clinic, EveryOperationNamesItselfAndTheSaveAnotherOne) {
     Run("DROP TABLE Clinic_T");

@@ -131,8 +131,7 @@ TEST_F(Clinics, NewEnumVisitsTheMembersInOrder) {
     EXPECT_FALSE(walk->Next(member));
 }
 
-// ---- loading
-// ------------------------------------------------------------------------------------------------
+// ---- loading ------------------------------------------------------------------------------------
 
 TEST_F(Clinics, AnEmptyTableGetsItsHeadOffice) {
     ModeLog modes;
@@ -262,8 +261,7 @@ TEST_F(Clinics, AMissingColumnFailsTheLoadAndLeavesNoClinic) {
     }
 }
 
-// ---- the head office
-// ----------------------------------------------------------------------------------------
+// ---- the head office ----------------------------------------------------------------------------
 
 TEST_F(Clinics, OfTwoBadColumnsTheFirstInTheDocumentedOrderRaises) {
     RunRow(5, "a");
@@ -325,8 +323,7 @@ TEST_F(Clinics, AHeadOfficeThatTheDatabaseRejectsRaises) {
     EXPECT_EQ(FailureOf([&] { clinics->GetHQClinic(con); }).Source, "cClinics.GetAllClinics, SQLite");
 }
 
-// ---- by name
-// ------------------------------------------------------------------------------------------------
+// ---- by name ------------------------------------------------------------------------------------
 
 TEST_F(Clinics, ANameInOtherCaseFindsTheClinic) {
     RunRow(5, "Ålesund");

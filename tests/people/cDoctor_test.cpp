@@ -179,8 +179,7 @@ TEST_F(DicomName, LosesCaretsOfTheNameItselfAtItsEndAndIsNotTrimmedAgain) {
 
 TEST_F(DicomName, KeepsTabs) { EXPECT_EQ(Of("\tHill", "", "\t"), "\tHill^^^\t"); }
 
-// ---- patients
-// -----------------------------------------------------------------------------------------------
+// ---- patients -----------------------------------------------------------------------------------
 
 TEST_F(Doctor, CountsThePatientsWhoNameItsNumber) {
     Run("INSERT INTO Patient_T (PersonNr_CH, RespDoctor) VALUES ('A', 5), ('B', 5), ('C', 6), ('D', NULL)");
@@ -197,8 +196,7 @@ TEST_F(Doctor, WithoutPatientsCountsNone) {
     EXPECT_THAT(Sent(), ElementsAre("SELECT * FROM Patient_T WHERE RespDoctor =-5;"));
 }
 
-// ---- deleting
-// -----------------------------------------------------------------------------------------------
+// ---- deleting -----------------------------------------------------------------------------------
 
 TEST_F(Doctor, DeletesItsRowAndKeepsItsMembersAndItsPatients) {
     RunRow(5);
@@ -218,8 +216,7 @@ TEST_F(Doctor, DeletesItsRowAndKeepsItsMembersAndItsPatients) {
 
 TEST_F(Doctor, DeletingAMissingRowReturnsTrue) { EXPECT_TRUE(doctor->DeleteDoctor(con)); }
 
-// ---- saving
-// -------------------------------------------------------------------------------------------------
+// ---- saving -------------------------------------------------------------------------------------
 
 TEST_F(Doctor, ANewDoctorTakesTheDatabasesNumber) {
     const TextBoxes boxes;
@@ -442,8 +439,7 @@ TEST_F(Doctor, AMissingColumnFailsTheSaveAndWritesNothing) {
     EXPECT_EQ(Ask("SELECT DrName_NVC FROM Doctor_T"), Variant("AH"));
 }
 
-// ---- loading
-// ------------------------------------------------------------------------------------------------
+// ---- loading ------------------------------------------------------------------------------------
 
 TEST_F(Doctor, LoadsEveryColumnAndWritesNothing) {
     RunRow();
@@ -698,8 +694,7 @@ TEST_F(Doctor, AWriteBackThatFailsInALoadByGuidNamesBothOperations) {
               "cDoctor.loadDoctorOnGUID, cDoctor.SaveDoctor, SQLite");
 }
 
-// ---- failures
-// -------------------------------------------------------------------------------------------------
+// ---- failures -----------------------------------------------------------------------------------
 
 TEST_F(Doctor, EveryOperationNamesItselfInFrontOfTheSource) {
     Run("DROP TABLE Doctor_T");

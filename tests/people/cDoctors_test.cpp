@@ -142,8 +142,7 @@ TEST_F(Doctors, NewEnumVisitsTheMembersInOrder) {
     EXPECT_FALSE(walk->Next(member));
 }
 
-// ---- loading
-// ------------------------------------------------------------------------------------------------
+// ---- loading ------------------------------------------------------------------------------------
 
 TEST_F(Doctors, AnEmptyTableReturnsAnEmptyList) {
     AddOne(1, "K1");
@@ -304,8 +303,7 @@ TEST_F(Doctors, OfTwoBadColumnsTheFirstInTheDocumentedOrderRaises) {
     EXPECT_EQ(FailureOf([&] { doctors->GetAllDoctors(con); }).Column, "DrName_NVC");
 }
 
-// ---- identifiers
-// --------------------------------------------------------------------------------------------
+// ---- identifiers --------------------------------------------------------------------------------
 
 TEST_F(Doctors, AGuidHas32DigitsInUpperCase) {
     EXPECT_THAT(doctors->GetGUID(), MatchesRegex("[0-9A-F]{32}"));

@@ -323,8 +323,7 @@ TEST_F(MergeFaults, AtTheFirstCommentKeepsTheRow) {
     EXPECT_THAT(StoredComments(), ElementsAre("known", "first", "second"));
 }
 
-// ---- hanging
-// ------------------------------------------------------------------------------------------------
+// ---- hanging ------------------------------------------------------------------------------------
 
 TEST_F(Faults, HangingThatFailsAtTheTemplateLeavesTheImagesUnplaced) {
     LoadLayouts();

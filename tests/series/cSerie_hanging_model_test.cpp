@@ -429,7 +429,7 @@ protected:
         return model;
     }
 
-    /// Gives all layouts other slots, with numbers and sequences that repeat and leave gaps.
+    /// Replaces the slots of all layouts by random ones, whose numbers and sequences repeat and have gaps.
     std::vector<Slot> AnySlots() {
         std::vector<Slot> slots;
         String rows;

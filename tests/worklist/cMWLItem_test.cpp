@@ -129,8 +129,7 @@ TEST_F(WorklistItem, TheMembersOfTheObjectAreThoseOfTheInterface) {
     EXPECT_EQ(Get("RefPhysAddress"), Variant("Lane 1"));
 }
 
-// ---- recipients
-// ---------------------------------------------------------------------------------------------
+// ---- recipients ---------------------------------------------------------------------------------
 
 TEST_F(WorklistItem, RecipientsGetTheNextNumberAndItsKey) {
     item->AddRecipient("b");

@@ -125,7 +125,7 @@ auto Find(const Table& table, std::string_view value) -> const typename Table::v
 
 const AreaCodes& Area(const auto& table, std::string_view key, const char* kind) {
     const auto hit = std::ranges::find(table, key, &AreaCodes::key);
-    if (hit == table.end()) throw std::invalid_argument(std::string(key) + " is no " + kind);
+    if (hit == table.end()) throw std::invalid_argument(std::string(key) + " is not a " + kind);
     return *hit;
 }
 

@@ -27,7 +27,7 @@ void RequireUid(const std::string& uid, const char* what) {
     constexpr std::size_t longest = 64;
     const bool formed = uid.find_first_not_of("0123456789.") == std::string::npos && Platform::Contains(uid, ".") &&
                         uid.size() <= longest;
-    if (!formed) throw UserError(fmt::format("its {} \"{}\" is no DICOM identifier", what, uid));
+    if (!formed) throw UserError(fmt::format("its {} \"{}\" is not a DICOM identifier", what, uid));
 }
 
 json Read(const std::string& path) {

@@ -183,7 +183,7 @@ std::vector<const Radiograph*> SeriesImport::NewFiles(const std::vector<Radiogra
 /// than the user decided.
 void SeriesImport::TakeKnown(const Radiograph& radiograph, const cImage& image, SeriesResult& result) {
     RequireSame(radiograph, image);
-    (RequireFile(radiograph, image) ? result.known : result.restored) += 1;
+    (CompareOrRestoreFile(radiograph, image) ? result.known : result.restored) += 1;
 }
 
 /// Refuses a file whose stored image belongs to another series, or to another patient than the user decided.
@@ -199,7 +199,7 @@ void SeriesImport::RequireSame(const Radiograph& radiograph, const cImage& image
 }
 
 /// Compares a file with the stored one. If the stored file is missing, stores the file again and returns false.
-bool SeriesImport::RequireFile(const Radiograph& radiograph, const cImage& image) {
+bool SeriesImport::CompareOrRestoreFile(const Radiograph& radiograph, const cImage& image) {
     const fs::path target = StoredPath(roots_.Folder(image.RootId).string(), image.URL);
     if (!fs::exists(target)) {
         Restore(radiograph, target, image.RootId);
@@ -239,7 +239,7 @@ void SeriesImport::StoreRows(const std::vector<NewImage>& images, SeriesResult& 
     storedNew_.reset();
     ADODB::Transaction transaction(con_);
     NamedFiles names(roots_.Folder(root_));
-    ComplainOfTextBoxes([&] { now.hung = StoreInTransaction(images, names, now); });
+    ThrowTextBoxes([&] { now.hung = StoreInTransaction(images, names, now); });
     names.Sync();
     transaction.Commit();
     names.Keep();

@@ -70,7 +70,7 @@ private:
     std::vector<const Radiograph*> NewFiles(const std::vector<Radiograph>& files, SeriesResult& result);
     void TakeKnown(const Radiograph& radiograph, const OXClass::cImage& image, SeriesResult& result);
     void RequireSame(const Radiograph& radiograph, const OXClass::cImage& image);
-    bool RequireFile(const Radiograph& radiograph, const OXClass::cImage& image);
+    bool CompareOrRestoreFile(const Radiograph& radiograph, const OXClass::cImage& image);
     void Restore(const Radiograph& radiograph, const std::filesystem::path& target, Platform::Long root);
     std::vector<NewImage> Copied(const std::vector<const Radiograph*>& files);
     void StoreRows(const std::vector<NewImage>& images, SeriesResult& result);

@@ -124,7 +124,7 @@ Staging::Staging(const fs::path& root, For purpose) {
     constexpr int tries = 100;
     for (int i = 0; lock_ < 0 && i < tries; ++i) {
         std::string name = (root / (std::string(prefix) + "XXXXXX")).string();
-        if (!mkdtemp(name.data())) ComplainOfSystem("can't write", root);
+        if (!mkdtemp(name.data())) ThrowSystemError("can't write", root);
         folder_ = name;
         lock_ = LockFolder(folder_);
     }
@@ -204,7 +204,7 @@ void NamedFiles::MakeFolder(const fs::path& folder) {
     if (mkdir(folder.c_str(), 0755) == 0)
         folders_.insert(folder.parent_path());
     else if (errno != EEXIST)
-        ComplainOfSystem("can't make the folder", folder);
+        ThrowSystemError("can't make the folder", folder);
 }
 
 void NamedFiles::Name(const StagedFile& staged, const fs::path& target) {
@@ -214,7 +214,7 @@ void NamedFiles::Name(const StagedFile& staged, const fs::path& target) {
         folders_.insert(target.parent_path());
         return;
     }
-    if (errno != EEXIST) ComplainOfSystem("can't write", target);
+    if (errno != EEXIST) ThrowSystemError("can't write", target);
     if (!SameContent(staged.path, target))
         throw UserError(fmt::format("another file is stored as {} already", target.string()));
 }

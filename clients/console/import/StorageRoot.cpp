@@ -31,9 +31,9 @@ std::string MarkedClinic(const fs::path& folder) {
     const std::string clinic = line.starts_with(MarkerLine) ? Trim(line.substr(MarkerLine.size())) : std::string();
     if (!clinic.empty()) return clinic;
     throw UserError(
-        fmt::format("{} is no marker of a storage root, so nothing is stored; it is damaged. If the folder "
+        fmt::format("{} is not the marker of a storage root, so nothing is stored; it is damaged. If the folder "
                     "holds the images "
-                    "of this clinic, delete that file, and the next import makes it anew",
+                    "of this clinic, delete that file, and the next import writes it again",
                     marker.string()));
 }
 

@@ -38,7 +38,7 @@ void AddCheck(Program& program) {
     const auto repair = std::make_shared<bool>(false);
     auto* command = program.app.add_subcommand(
         "check", "compare all rows with all files: missing, altered and orphaned ones, and damaged rows");
-    command->add_flag("--repair", *repair, "mend what needs no decision; the help of the findings says the rest");
+    command->add_flag("--repair", *repair, "repair what needs no decision (see below)");
     command->footer(
         "Repaired are: leftovers of killed imports, missing checksums, manipulations of placed images that "
         "are\n"

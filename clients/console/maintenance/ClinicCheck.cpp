@@ -183,7 +183,8 @@ private:
         std::vector<const ClinicFile*> files;
         for (const ClinicFile& file : all) {
             if (PathOf(file).empty() && folders_.contains(file.root))
-                Found("bad-name", Image(file), fmt::format("its stored name \"{}\" is no file of its root", file.name));
+                Found("bad-name", Image(file),
+                      fmt::format("its stored name \"{}\" does not name a file below its root", file.name));
             else if (sound_.contains(file.root))
                 files.push_back(&file);
         }

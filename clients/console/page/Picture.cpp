@@ -21,7 +21,7 @@ std::ifstream Opened(const fs::path& path) {
     constexpr std::uintmax_t most = 256U << 20;
     std::error_code failure;
     if (!fs::exists(path, failure)) throw std::runtime_error("the file is missing");
-    if (!fs::is_regular_file(path, failure)) throw std::runtime_error("is no file");
+    if (!fs::is_regular_file(path, failure)) throw std::runtime_error("is not a regular file");
     if (fs::file_size(path, failure) > most) throw std::runtime_error("is larger than 256 MB");
     std::ifstream in(path, std::ios::binary);
     if (!in) throw std::runtime_error(std::string("can't be read: ") + std::strerror(errno));

@@ -5,18 +5,18 @@
     con = oxclass.CreateObject("ADODB.Connection")
     con.Open("Provider=SQLite;Data Source=clinic.db")
     patient = oxclass.CreateObject("OXClass.cPatient")
-    if patient.LoadOnPatientIDorPDBID(con, "19800101-1234", 0):
+    if patient.LoadOnPatientIDorPDBID(con, "19800131-1234", 0):
         patient.LastName = "Åkesson"
         patient.Save(con)
 
 Properties are attributes, operations are methods, ``help(patient)`` lists them. Collections count from 1 and take
-keys: ``images(1)``, ``images["KEY"]``, ``len(images)``, ``for image in images``. ``None`` is nothing and empty,
-``Null`` a database's null, dates are ``datetime.datetime``, failures raise ``Error``. An argument that comes back is
-given as a ``ByRef``. An object belongs to the thread that made it.
+keys: ``images(1)``, ``images["KEY"]``, ``len(images)``, ``for image in images``. ``None`` is a null object
+reference or an empty value, ``Null`` a database's null, dates are ``datetime.datetime``, failures raise ``Error``. An
+argument by reference is passed as a ``ByRef``. An object belongs to the thread that made it.
 
-The library is loaded at the first use: see ``oxclass._library`` for where it is looked for.
+The library is loaded at the first use: ``oxclass._library`` lists the folders that are searched.
 """
-from . import _classes  # noqa: F401  (provides the classes of objects)
+from . import _classes  # noqa: F401  (registers the classes of objects)
 from ._creation import CreateObject, Global
 from ._enumerations import *  # noqa: F401,F403
 from ._enumerations import __all__ as _documented

@@ -1,6 +1,6 @@
-"""The binary form of the component model, for ctypes: structures, interfaces as tables of functions, texts.
+"""The binary form of the component model, for ctypes: structures, vtables of the interfaces, texts.
 
-Everything here has the layout and the names that ``platform/component/binary/ComponentModel.h`` gives it.
+Everything here has the layout and the names of ``platform/component/binary/ComponentModel.h``.
 """
 from __future__ import annotations
 
@@ -70,7 +70,7 @@ _GET_TEXT = CFUNCTYPE(c_int32, c_void_p, POINTER(c_void_p))
 
 
 def table_of(pointer: int) -> int:
-    """The address of an interface pointer's table of functions."""
+    """Returns the address of an interface pointer's vtable."""
     return c_void_p.from_address(pointer).value or 0
 
 
@@ -85,7 +85,7 @@ def _slot(pointer: int, index: int, prototype: Any) -> Any:
 
 
 def query_interface(pointer: int, identity: GUID) -> int:
-    """Another interface of an object, with a reference for the caller; 0 if it hasn't got it."""
+    """Returns another interface of an object, with a reference for the caller; 0 if it lacks the interface."""
     found = c_void_p()
     code = _slot(pointer, 0, _QUERY_INTERFACE)(pointer, identity, found)
     return found.value or 0 if code >= 0 else 0
@@ -110,14 +110,14 @@ def next_value(pointer: int, value: VARIANT, fetched: c_uint32) -> int:
 
 
 def error_texts(record: int) -> Any:
-    """Source and description of an IErrorInfo, as texts that the caller frees."""
+    """Returns source and description of an IErrorInfo, as BSTRs that the caller frees."""
     source, description = c_void_p(), c_void_p()
     _slot(record, 4, _GET_TEXT)(record, source)
     _slot(record, 5, _GET_TEXT)(record, description)
     return source.value, description.value
 
 
-# ---- what the host calls --------------------------------------------------------------------------------------
+# ---- callbacks of the host ------------------------------------------------------------------------------------
 
 MsgBoxHandler = CFUNCTYPE(None, c_void_p, c_void_p, c_int32)
 WillExecuteHandler = CFUNCTYPE(c_int32, c_void_p, c_void_p)

@@ -1,4 +1,4 @@
-"""The Python class of each described class, made when the first object of it is seen.
+"""The Python class of each described class, built when its first object arrives.
 
 Its members are real properties and functions with signatures, so that ``dir``, ``help`` and editors show them.
 """
@@ -140,11 +140,11 @@ def _property(name: str, kinds: Dict[str, Member]) -> property:
     return property(_getter(get, first_put) if get else _no_getter(name), _setter(puts) if puts else None, doc=text)
 
 
-# ---- what Python asks of a class ------------------------------------------------------------------------------
+# ---- special methods ------------------------------------------------------------------------------------------
 
 
 def _default(member: Member) -> Callable[..., Any]:
-    """Calling an object calls its default member; where that takes no arguments, the default of what it gives."""
+    """Calling an object calls its default member; where that takes no arguments, the default member of its result."""
 
     def call(self: Object, *arguments: Any, **keywords: Any) -> Any:
         if member.arguments or not (arguments or keywords):
@@ -172,9 +172,9 @@ def _length(count: Member) -> Callable[[Object], int]:
     return __len__
 
 
-def _walk(walk: Member) -> Callable[[Object], Any]:
+def _iterate(iterate: Member) -> Callable[[Object], Any]:
     def __iter__(self: Object) -> Any:
-        return invoke(self, walk)
+        return invoke(self, iterate)
 
     return __iter__
 
@@ -203,11 +203,11 @@ def _protocols(members: List[Member]) -> Dict[str, Any]:
     item = _find(members, readable, name="Item")
     if default is None and item is not None:
         found["__getitem__"] = _index(_default(item), item)
-    count, walk = _find(members, readable, name="Count"), _find(members, readable, id=binary.DISPID_NEWENUM)
+    count, iterate = _find(members, readable, name="Count"), _find(members, readable, id=binary.DISPID_NEWENUM)
     if count is not None and not count.arguments:
         found["__len__"] = _length(count)
-    if walk is not None:
-        found["__iter__"], found["__reversed__"] = _walk(walk), _reversed
+    if iterate is not None:
+        found["__iter__"], found["__reversed__"] = _iterate(iterate), _reversed
     return found
 
 
@@ -236,7 +236,7 @@ _by_name: Dict[str, type] = {}
 
 
 def class_of(pointer: int) -> type:
-    """The Python class of an object. All objects of a class have one table of functions, for good."""
+    """Returns the Python class of an object. All objects of a class share one vtable, which never changes."""
     table = binary.table_of(pointer)
     found = _by_table.get(table)
     if found is not None:
@@ -244,7 +244,7 @@ def class_of(pointer: int) -> type:
     described, functions = c_void_p(), library()
     code = functions.OxDescribe(pointer, described)
     if code == E_NOINTERFACE:
-        return Opaque  # somebody else's object
+        return Opaque  # an object of another program
     functions.check(code)
     description = json.loads(functions.take_text(described.value))
     with _lock:

@@ -29,6 +29,6 @@ def CreateObject(name: str) -> Any:
 
 
 def Global(name: str) -> Any:
-    """The one object of a global class that everybody on this thread shares, such as "OXClass.cGlobalList". Raises
-    ``Error`` 429 for a class that isn't global."""
+    """Returns the one object of a global class on this thread, such as "OXClass.cGlobalList". Raises ``Error``
+    429 for a class that isn't global."""
     return _made(lambda functions: functions.OxGlobal, name)

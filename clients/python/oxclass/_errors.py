@@ -1,4 +1,4 @@
-"""The one failure that clients see, and how return codes become it."""
+"""The exception class of the package, and the conversion of return codes to it."""
 from __future__ import annotations
 
 from typing import Any, Dict
@@ -48,7 +48,7 @@ class Error(Exception):
 
     ``Number`` is short for failures of the runtime (6 overflow, 13 type mismatch, 94 null) and of the database
     layer (3265 no such column, 3704 closed), and the full signed number for what a database engine reports
-    (-2147217865, no such table). ``Source`` names who failed, ``Description`` says what happened.
+    (-2147217865, no such table). ``Source`` names the class or layer that failed, ``Description`` the failure.
     """
 
     __module__ = "oxclass"
@@ -70,7 +70,7 @@ class MemberError(Error, AttributeError):
 
 
 def number_of(code: int) -> int:
-    """The number that clients read for a return code."""
+    """Returns the number that clients read for a return code."""
     unsigned = code & 0xFFFFFFFF
     if unsigned & 0xFFFF0000 == _OF_THE_RUNTIME:
         return unsigned & 0xFFFF
@@ -80,7 +80,7 @@ def number_of(code: int) -> int:
 
 
 def error_of(code: int, source: str = "", description: str = "") -> Error:
-    """The failure of a return code; where nobody left a text, a plain one."""
+    """Returns the ``Error`` for a return code, with a default text if there is no description."""
     number = number_of(code)
     if not description:
         description = _TEXTS.get(number, f"The call failed with the return code 0x{code & 0xFFFFFFFF:08X}")
@@ -88,5 +88,5 @@ def error_of(code: int, source: str = "", description: str = "") -> Error:
 
 
 def no_member(owner: Any, name: str, what: str = "has no member") -> MemberError:
-    """The failure of a name that an object's class doesn't have."""
+    """Returns the ``Error`` for a name that an object's class doesn't have."""
     return MemberError(NO_SUCH_MEMBER, type(owner).__name__, f"{type(owner).__name__} {what} {name!r}")

@@ -1,4 +1,4 @@
-"""What the host calls: the events of a connection, and text boxes."""
+"""The callbacks of the host: the events of a connection, and text boxes."""
 from __future__ import annotations
 
 import atexit
@@ -10,27 +10,28 @@ from . import _binary as binary
 from ._errors import RPC_E_WRONG_THREAD, Error, error_of
 from ._library import library, loaded
 from ._objects import Object
-from ._threads import Home, current
+from ._threads import ThreadObjects, current
 
 # ---- events of a connection -----------------------------------------------------------------------------------
 
 
 class Subscription:
-    """A handler of a connection's events; ``close`` takes it out. Also a context manager.
+    """A handler of a connection's events; ``close`` removes it. Also a context manager.
 
-    The connection holds the handler until then, or until it ends itself: letting this object go changes nothing.
+    The connection keeps the handler until then, or until the connection is released. Dropping this object doesn't
+    remove the handler.
     """
 
     __module__ = "oxclass"
 
-    def __init__(self, handler: Any, home: Home, pointer: int) -> None:
-        self.handler, self._home, self._pointer, self._cookie = handler, home, pointer, 0
+    def __init__(self, handler: Any, owner: ThreadObjects, pointer: int) -> None:
+        self.handler, self._owner, self._pointer, self._cookie = handler, owner, pointer, 0
 
     def close(self) -> None:
-        """Ends the subscription; nothing happens if it has ended."""
+        """Ends the subscription; does nothing if it has ended."""
         if not self._pointer:
             return
-        if self._home is not current():
+        if self._owner is not current():
             raise error_of(RPC_E_WRONG_THREAD)
         self._unadvise()
 
@@ -38,13 +39,13 @@ class Subscription:
         pointer, self._pointer = self._pointer, 0
         library().check(library().OxUnadvise(pointer, self._cookie))
 
-    def leave(self) -> None:
-        """Before the interpreter goes: takes the handler out where that is this thread's to do."""
-        if self._pointer and self._home is current():
+    def close_at_exit(self) -> None:
+        """Removes the handler before the interpreter shuts down, if the subscription belongs to this thread."""
+        if self._pointer and self._owner is current():
             self._unadvise()
 
-    def ended(self) -> None:
-        """The connection let go of it."""
+    def on_released(self) -> None:
+        """The connection has released the handler."""
         self._pointer = 0
 
     def __enter__(self) -> Subscription:
@@ -59,20 +60,21 @@ _numbers = itertools.count(1)
 
 
 def WithEvents(connection: Any, handler: Any) -> Subscription:
-    """Tells a handler of each statement that runs on a connection. It may have
+    """Calls a handler before and after each statement that runs on a connection. The handler may have
 
         def WillExecute(self, source): ...
         def ExecuteComplete(self, source, records, seconds, error): ...
 
-    The connection keeps the handler: one that keeps the connection in turn lives until ``close``. ``records`` is
-    the number of rows that an action statement hit, -1 for a select; ``error`` is None or an ``Error``. An exception
-    in ``WillExecute`` cancels the statement, and whoever ran it gets that exception; of several, the first.
+    The connection owns the handler. A handler that refers to the connection is a reference cycle, which only
+    ``close`` ends. ``records`` is the number of rows that an action statement changed, -1 for a select; ``error`` is
+    None or an ``Error``. An exception in ``WillExecute`` cancels the statement and is raised by the call that ran it;
+    if several handlers raise, the first exception is.
     """
     if not isinstance(connection, Object):
         raise TypeError(f"the first argument is an ADODB.Connection, not {connection!r}")
     if not (hasattr(handler, "WillExecute") or hasattr(handler, "ExecuteComplete")):
         raise TypeError(f"{handler!r} has neither WillExecute nor ExecuteComplete")
-    pointer, cookie, context = connection._hold.here(), c_uint32(), next(_numbers)
+    pointer, cookie, context = connection._reference.here(), c_uint32(), next(_numbers)
     subscription = _subscriptions[context] = Subscription(handler, current(), pointer)
     functions = library()
     code = functions.OxAdvise(pointer, byref(_EVENTS), context, cookie)
@@ -96,9 +98,9 @@ def _will_execute(context: Optional[int], source: Optional[int]) -> int:
             handler(library().text_of(source))
         return 0
     except BaseException as exception:
-        home = current()
-        if home.cancelled is None:
-            home.cancelled = exception
+        objects = current()
+        if objects.cancelled is None:
+            objects.cancelled = exception
         else:
             _report(exception)
         return 1
@@ -122,37 +124,37 @@ def _execute_complete(context: Optional[int], source: Optional[int], records: in
 def _released(context: Optional[int]) -> None:
     subscription = _subscriptions.pop(context or 0, None)
     if subscription is not None:
-        subscription.ended()
+        subscription.on_released()
 
 
 _EVENTS = binary.OxConnectionEvents(_will_execute, _execute_complete, _released)
 
 
 class calling:
-    """A call under way: what a handler raised to cancel its statement is raised in place of the call's failure."""
+    """Encloses a call: an exception with which a handler cancelled a statement replaces the call's error."""
 
-    __slots__ = ("_home", "_outer")
+    __slots__ = ("_objects", "_outer")
 
-    def __init__(self, home: Home) -> None:
-        self._home = home
+    def __init__(self, objects: ThreadObjects) -> None:
+        self._objects = objects
 
     def __enter__(self) -> None:
-        self._outer, self._home.cancelled = self._home.cancelled, None
+        self._outer, self._objects.cancelled = self._objects.cancelled, None
 
     def __exit__(self, kind: Any, failure: Any, traceback: Any) -> None:
-        cancelled, self._home.cancelled = self._home.cancelled, self._outer
+        cancelled, self._objects.cancelled = self._objects.cancelled, self._outer
         if cancelled is None:
             return
         try:
             if isinstance(failure, Error) or not isinstance(cancelled, Exception):
                 raise cancelled from failure
-            _report(cancelled)  # the operation swallowed its failure
+            _report(cancelled)  # the operation ignored its failure
         finally:
-            cancelled = failure = traceback = None  # what they hold goes with the last who catches them
+            cancelled = failure = traceback = None  # ends the reference cycle of the exceptions and this frame
 
 
 def _report(exception: BaseException) -> None:
-    """Gives an exception that no caller is left for to sys.unraisablehook."""
+    """Passes an exception that can't be raised to a caller to sys.unraisablehook."""
 
     @CFUNCTYPE(None)
     def WillExecute() -> None:
@@ -174,8 +176,8 @@ def _msg_box(context: Optional[int], prompt: Optional[int], buttons: int) -> Non
 
 
 def OnMsgBox(handler: Optional[Callable[[str], Any]]) -> None:
-    """Gives the text of each text box to ``handler``, on the thread that it comes up on; the box counts as
-    dismissed then. None brings back the usual way, which writes it to standard error."""
+    """Calls ``handler`` with the text of each text box, on the thread that shows it; the box then counts as
+    dismissed. None restores the default, which writes the text to standard error."""
     global _on_msg_box
     if handler is not None and not callable(handler):
         raise TypeError(f"{handler!r} can't be called")
@@ -185,10 +187,10 @@ def OnMsgBox(handler: Optional[Callable[[str], Any]]) -> None:
 
 
 @atexit.register
-def _leave() -> None:
-    """Before the interpreter goes: nothing calls into it from now on."""
+def _at_exit() -> None:
+    """Removes the callbacks before the interpreter shuts down."""
     if loaded() is None:
         return
     OnMsgBox(None)
     for subscription in list(_subscriptions.values()):
-        subscription.leave()
+        subscription.close_at_exit()

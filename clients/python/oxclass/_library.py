@@ -1,6 +1,6 @@
 """Finding and loading the two libraries, on first use.
 
-``libOXClass.so`` has the classes; ``liboxplatform.so``, which lies beside it, has the component model and the
+``libOXClass.so`` has the classes; ``liboxplatform.so`` in the same folder has the component model and the
 database layer. The search ends at the first place that has them:
 
 1. ``OXCLASS_LIBRARY``, a file or a folder. If it is set, nothing else is searched.
@@ -61,7 +61,7 @@ class Library:
     # ---- texts --------------------------------------------------------------------------------------
 
     def new_text(self, text: str) -> int:
-        """A counted wide string, which the caller frees. Half a surrogate pair becomes U+FFFD."""
+        """Returns a BSTR, which the caller frees. An unpaired surrogate becomes U+FFFD."""
         try:
             units = text.encode("utf-16-le")
         except UnicodeEncodeError:
@@ -72,14 +72,14 @@ class Library:
         return made
 
     def text_of(self, pointer: Optional[int]) -> str:
-        """What a counted wide string holds; it stays the caller's."""
+        """Returns the text of a BSTR, which the caller keeps."""
         if not pointer:
             return ""
         units = ctypes.string_at(pointer, self.SysStringByteLen(pointer))
         return units.decode("utf-16-le", "replace")
 
     def take_text(self, pointer: Optional[int]) -> str:
-        """What a counted wide string holds, which is freed."""
+        """Returns the text of a BSTR, and frees the BSTR."""
         try:
             return self.text_of(pointer)
         finally:
@@ -88,12 +88,12 @@ class Library:
     # ---- failures -----------------------------------------------------------------------------------
 
     def check(self, code: int) -> None:
-        """Raises the thread's error record if a return code is a failing one."""
+        """Raises the thread's error record if a return code is a failure."""
         if code < 0:
             raise self.recorded(code)
 
     def recorded(self, code: int) -> Error:
-        """The failure of a return code with what the thread's error record says; the record is taken out."""
+        """Returns the ``Error`` for a return code with the texts of the thread's error record, which it clears."""
         record = c_void_p()
         if self.GetErrorInfo(0, record) != 0 or not record.value:
             return error_of(code)
@@ -132,7 +132,7 @@ def _system() -> List[Path]:
 
 
 def _named() -> Optional[Path]:
-    """The file that OXCLASS_LIBRARY names; nothing if it isn't set."""
+    """Returns the file that OXCLASS_LIBRARY names, or None if it isn't set."""
     given = os.environ.get(VARIABLE, "")
     if not given:
         return None
@@ -144,7 +144,7 @@ def _named() -> Optional[Path]:
 
 
 def _use(platform: str, classes: str) -> Library:
-    """Loads both; raises what the loader says."""
+    """Loads both libraries; raises the loader's error."""
     try:
         library = Library(ctypes.CDLL(platform))
     except AttributeError as missing:
@@ -159,12 +159,12 @@ def _load_file(classes: Path) -> Library:
         return _use(str(classes.with_name(PLATFORM)), str(classes))
     except (OSError, Error) as failure:
         why = failure.Description if isinstance(failure, Error) else str(failure)
-        raise Error(LIBRARY_UNUSABLE, "oxclass", f"{classes} can't be loaded: {why}. It takes {PLATFORM} of the same "
-                    f"build beside it, and a Python for the same kind of machine") from failure
+        raise Error(LIBRARY_UNUSABLE, "oxclass", f"{classes} can't be loaded: {why}. It needs {PLATFORM} of the same "
+                    f"build in the same folder, and a Python for the same machine architecture") from failure
 
 
 def _load_by_name() -> Optional[Library]:
-    """What the loader finds by name; nothing where it finds none."""
+    """Loads the libraries that the loader finds by name; returns None if it finds none."""
     try:
         ctypes.CDLL(CLASSES)
     except OSError as failure:
@@ -178,7 +178,7 @@ def _load_by_name() -> Optional[Library]:
 
 
 def _places() -> Iterator[Tuple[str, Optional[Path]]]:
-    """Where to look behind OXCLASS_LIBRARY: what to call it, and the file; no file for the loader's search."""
+    """Yields the places to search after OXCLASS_LIBRARY: a name, and the file, or None for the loader's search."""
     for folder in _beside():
         yield str(folder), folder / CLASSES
     yield "the loader's search by name", None

@@ -50,7 +50,7 @@ def member_of(described: Dict[str, Any]) -> Member:
 
 
 def bind(member: Member, given: Tuple[Any, ...], named: Dict[str, Any]) -> Sequence[Any]:
-    """Arguments given by position and by name, in the member's order."""
+    """Returns the arguments given by position and by name, in the member's order."""
     if not named:
         return given
     names = [argument.name.lower() for argument in member.arguments]
@@ -68,7 +68,7 @@ def bind(member: Member, given: Tuple[Any, ...], named: Dict[str, Any]) -> Seque
 
 
 class _Arguments:
-    """The arguments of one call as they cross the boundary: the last one first."""
+    """The variants of one call's arguments, the last argument first."""
 
     def __init__(self, member: Member, given: Sequence[Any]) -> None:
         self._variants = (VARIANT * len(given))()
@@ -116,12 +116,12 @@ def _failure_of(code: int, info: EXCEPINFO) -> Error:
 
 
 def invoke(target: Any, member: Member, given: Sequence[Any] = (), named: Optional[Dict[str, Any]] = None) -> Any:
-    """Calls a member of an object; gives its result, and fills each ``ByRef``."""
-    pointer = target._hold.here()
+    """Calls a member of an object; returns its result, and stores the new value in each ``ByRef``."""
+    pointer = target._reference.here()
     arguments = _Arguments(member, bind(member, tuple(given), named or {}))
     result, info = VARIANT(), EXCEPINFO()
     try:
-        with calling(target._hold.home):
+        with calling(target._reference.owner):
             code = binary.invoke(pointer, member.id, FLAGS[member.kind],
                                  arguments.parameters(member.kind in ("put", "putref")), result, info)
             if code < 0:
@@ -130,5 +130,5 @@ def invoke(target: Any, member: Member, given: Sequence[Any] = (), named: Option
         return take(result, member.result)
     finally:
         if result.vt:
-            library().VariantClear(result)  # what was given though the call is told as failed
+            library().VariantClear(result)  # a result that was stored although the call failed
         arguments.clear()

@@ -8,7 +8,7 @@ from . import _binary as binary
 from ._binary import VARIANT
 from ._errors import no_member
 from ._library import library
-from ._threads import Hold, current
+from ._threads import Reference, current
 
 # Functions of the modules that are built on this one, which set them when they are imported.
 class_of: Callable[[int], type]  # the Python class of an interface pointer (_classes)
@@ -16,16 +16,16 @@ take: Callable[[VARIANT], Any]  # the Python value of a variant, which is cleare
 
 
 class Object:
-    """An object of the library, or of its host. ``CreateObject`` makes one, and operations give others.
+    """An object of the library, or of its host. ``CreateObject`` makes one, and operations return others.
 
     Properties are attributes and operations are methods; names are taken in any case. The same object is the same
-    Python object as long as it is in use. It belongs to the thread that got it.
+    Python object as long as it is in use. It belongs to the thread that received it.
     """
 
     __module__ = "oxclass"
-    __slots__ = ("_hold", "__weakref__")
+    __slots__ = ("_reference", "__weakref__")
 
-    _hold: Hold
+    _reference: Reference
     _names: Dict[str, str] = {}  # the members' names by their lower case
     _variant_type = binary.VT_DISPATCH
 
@@ -33,7 +33,7 @@ class Object:
         raise TypeError("objects are made by oxclass.CreateObject")
 
     def __reduce_ex__(self, protocol: Any) -> NoReturn:
-        raise TypeError(f"a {type(self).__name__} can't be copied or pickled: it lives in this process and thread")
+        raise TypeError(f"a {type(self).__name__} can't be copied or pickled: it belongs to this process and thread")
 
     def __getattr__(self, name: str) -> Any:
         real = type(self)._names.get(name.lower(), name)
@@ -54,14 +54,14 @@ class Object:
 
 
 def adopt(cls: type, pointer: int) -> Any:
-    """A proxy that owns the caller's reference."""
+    """Returns a new proxy, which owns the caller's reference."""
     proxy = object.__new__(cls)
-    object.__setattr__(proxy, "_hold", current().adopt(proxy, pointer))
+    object.__setattr__(proxy, "_reference", current().adopt(proxy, pointer))
     return proxy
 
 
 def wrap(pointer: Optional[int], cls: Optional[type] = None) -> Any:
-    """The proxy of an interface pointer, whose reference stays the caller's; None for nothing."""
+    """Returns the proxy of an interface pointer, None for a null pointer. The caller keeps its reference."""
     if not pointer:
         return None
     known = current().proxy_of(pointer)
@@ -74,7 +74,7 @@ def wrap(pointer: Optional[int], cls: Optional[type] = None) -> Any:
 
 
 def wrap_owned(pointer: Optional[int], cls: Optional[type] = None) -> Any:
-    """As ``wrap``, and takes the caller's reference."""
+    """As ``wrap``, and releases the caller's reference."""
     try:
         return wrap(pointer, cls)
     finally:
@@ -83,7 +83,7 @@ def wrap_owned(pointer: Optional[int], cls: Optional[type] = None) -> Any:
 
 
 class Iterator(Object):
-    """A walk over the members of a collection. Once at its end, it stays there."""
+    """An iterator over the members of a collection. Once it is exhausted, it stays exhausted."""
 
     __module__ = "oxclass"
     __slots__ = ("_at_end",)
@@ -99,7 +99,7 @@ class Iterator(Object):
         if self._at_end:
             raise StopIteration
         value, fetched = VARIANT(), c_uint32()
-        code = binary.next_value(self._hold.here(), value, fetched)
+        code = binary.next_value(self._reference.here(), value, fetched)
         library().check(code)
         if not fetched.value:
             object.__setattr__(self, "_at_end", True)
@@ -108,7 +108,7 @@ class Iterator(Object):
 
 
 class Opaque(Object):
-    """An object without members that can be called: it can be kept and given on."""
+    """An object without callable members: it can be stored and passed as an argument."""
 
     __module__ = "oxclass"
     __slots__ = ()
@@ -116,7 +116,7 @@ class Opaque(Object):
 
 
 def wrap_unknown(pointer: Optional[int]) -> Any:
-    """The proxy of a plain interface pointer: an iterator, an object, or something to give on."""
+    """Returns the proxy of an IUnknown pointer: an ``Iterator``, a described object, or an ``Opaque`` one."""
     if not pointer:
         return None
     for identity, cls in ((binary.IID_IEnumVARIANT, Iterator), (binary.IID_IDispatch, None)):

@@ -1,4 +1,4 @@
-"""Values both ways: Python's own and the variants that cross the boundary."""
+"""Converts Python values to variants, and variants to Python values."""
 from __future__ import annotations
 
 import ctypes
@@ -19,7 +19,7 @@ T = TypeVar("T")
 
 
 class ByRef(Generic[T]):
-    """An argument that comes back: ``value`` goes in, and holds what the operation left there afterwards.
+    """An argument by reference: the operation reads ``value``, and ``value`` holds what it stored afterwards.
 
         setting = oxclass.ByRef("")
         if general.GetGLSetting(con, oxclass.gglID_DicomRootUID, setting):
@@ -64,9 +64,9 @@ class MissingType:
         return "Missing"
 
 
-#: The null of a database: a value that isn't known. ``None`` is nothing and empty.
+#: The null of a database: an unknown value. ``None`` is an empty variant, or a null object reference.
 Null = NullType()
-#: An argument that is left out though others follow.
+#: An omitted argument that others follow.
 Missing = MissingType()
 
 
@@ -81,14 +81,14 @@ ANY = Type()
 
 # ---- dates ----------------------------------------------------------------------------------------------------
 # Days since 1899-12-30, the fraction being the time of day. Before day 0 the day counts down while the fraction
-# still runs forward: -1.5 is noon of 1899-12-29.
+# still counts forward: -1.5 is noon of 1899-12-29.
 
 _DAY_ZERO = datetime.datetime(1899, 12, 30)
 _SECONDS_A_DAY = 86400
 
 
 def datetime_of(days: float) -> datetime.datetime:
-    """The date of so many days, rounded to the nearest second."""
+    """Returns the date of a number of days, rounded to the nearest second."""
     day = int(days)
     try:
         return _DAY_ZERO + datetime.timedelta(days=day, seconds=int(abs(days - day) * _SECONDS_A_DAY + 0.5))
@@ -97,11 +97,11 @@ def datetime_of(days: float) -> datetime.datetime:
 
 
 def days_of(date: datetime.date) -> float:
-    """The days of a date, which has no time zone."""
+    """Returns the number of days of a date without a time zone."""
     if not isinstance(date, datetime.datetime):
         date = datetime.datetime(date.year, date.month, date.day)
     if date.tzinfo is not None:
-        raise TypeError(f"{date!r} has a time zone, and the dates here have none: give the local time, "
+        raise TypeError(f"{date!r} has a time zone, and dates of the library have none: pass the local time, "
                         "such as date.astimezone().replace(tzinfo=None)")
     day = (date - _DAY_ZERO).days
     time = (date - _DAY_ZERO - datetime.timedelta(days=day)).total_seconds() / _SECONDS_A_DAY
@@ -115,7 +115,7 @@ _TAKEN = ("None, Null, Missing, bool, int, float, Decimal, str, datetime, date, 
 
 
 def fill(variant: VARIANT, value: Any, type: Type = ANY) -> None:
-    """Puts a value into an empty variant, which owns it then."""
+    """Stores a value in an empty variant, which then owns it."""
     for kind, filler in _FILLERS:
         if isinstance(value, kind):
             filler(variant, value)
@@ -128,7 +128,7 @@ def fill(variant: VARIANT, value: Any, type: Type = ANY) -> None:
         variant.scode, variant.vt = DISP_E_PARAMNOTFOUND, binary.VT_ERROR
     else:
         name = f"{value.__class__.__module__}.{value.__class__.__qualname__}".replace("builtins.", "")
-        raise TypeError(f"a value of the type {name} can't be given: what is taken is {_TAKEN}")
+        raise TypeError(f"a value of the type {name} can't be passed; accepted are {_TAKEN}")
 
 
 def _fill_bool(variant: VARIANT, value: bool) -> None:
@@ -157,7 +157,7 @@ def _fill_date(variant: VARIANT, value: datetime.date) -> None:
 
 
 def _fill_object(variant: VARIANT, value: Object) -> None:
-    pointer = value._hold.here()
+    pointer = value._reference.here()
     binary.add_ref(pointer)
     variant.pointer, variant.vt = pointer, value._variant_type
 
@@ -165,7 +165,7 @@ def _fill_object(variant: VARIANT, value: Object) -> None:
 def _fill_array(variant: VARIANT, value: Any) -> None:
     for text in value:
         if not isinstance(text, str):
-            raise TypeError(f"only texts can be given in a list, and one holds {text!r}")
+            raise TypeError(f"only texts can be passed in a list, and this one holds {text!r}")
     functions = library()
     array = functions.SafeArrayCreateVector(binary.VT_BSTR, 0, len(value))
     if not array:
@@ -189,7 +189,7 @@ _FILLERS: Tuple[Tuple[Any, Callable[[VARIANT, Any], None]], ...] = (
 
 
 def read(variant: VARIANT, type: Type = ANY) -> Any:
-    """The value of a variant, which keeps what it owns."""
+    """Returns the value of a variant, which keeps ownership."""
     if variant.vt & binary.VT_ARRAY:
         return _read_array(variant.pointer) if variant.pointer else []
     reader = _READERS.get(variant.vt)
@@ -200,7 +200,7 @@ def read(variant: VARIANT, type: Type = ANY) -> Any:
 
 
 def take(variant: VARIANT, type: Type = ANY) -> Any:
-    """The value of a variant, which is emptied."""
+    """Returns the value of a variant, and clears the variant."""
     try:
         return read(variant, type)
     finally:
@@ -208,7 +208,7 @@ def take(variant: VARIANT, type: Type = ANY) -> Any:
 
 
 def enumerated(value: Any, name: str) -> Any:
-    """A number as a value of an enumeration; as it is where the enumeration has no such value."""
+    """Returns a number as a value of an enumeration, or the number itself if the enumeration lacks it."""
     enumeration = enumeration_of(name)
     if enumeration is None or not isinstance(value, int):
         return value
@@ -219,7 +219,7 @@ def enumerated(value: Any, name: str) -> Any:
 
 
 def enumeration_of(name: str) -> Any:
-    """The documented enumeration of a name, or nothing."""
+    """Returns the documented enumeration of a name, or None."""
     found = getattr(_enumerations, name, None)
     return found if isinstance(found, enum.EnumMeta) else None
 
@@ -283,11 +283,11 @@ def _elements(data: int, kind: int, count: int) -> List[Any]:
     return [library().text_of(element) for element in (c_void_p * count).from_address(data)]
 
 
-# ---- arguments that come back ---------------------------------------------------------------------------------
+# ---- arguments by reference -----------------------------------------------------------------------------------
 
 
 class Returning:
-    """One ``ByRef`` on its way through a call."""
+    """The variant of one ``ByRef`` during a call."""
 
     def __init__(self, argument: ByRef[Any], type: Type, variant: VARIANT) -> None:
         self._argument, self._type, self._inner = argument, type, VARIANT()

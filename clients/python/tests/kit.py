@@ -22,7 +22,7 @@ FULL_MOUTH = "TEST-FMX18"
 
 
 def given(variable):
-    """What the environment must name."""
+    """Returns a path that the environment must name."""
     value = os.environ.get(variable)
     if not value:
         raise RuntimeError(f"set {variable}: {__doc__}")
@@ -35,7 +35,7 @@ def library_folder():
 
 
 def program(*arguments, allowed=(0,)):
-    """Runs ``oxclass``; gives what it printed."""
+    """Runs ``oxclass``; returns its output."""
     done = subprocess.run([str(given("OXCLASS_PROGRAM")), *map(str, arguments)], capture_output=True, text=True)
     if done.returncode not in allowed:
         raise RuntimeError(f"oxclass {arguments} ended with {done.returncode}: {done.stderr}")
@@ -80,7 +80,7 @@ class DatabaseTest(unittest.TestCase):
             self.con.Close()
 
     def rows(self, statement, *values):
-        """What Python itself reads from the file."""
+        """Returns the rows that Python's own sqlite3 reads from the file."""
         reader = sqlite3.connect(self.file)
         try:
             reader.row_factory = sqlite3.Row

@@ -20,7 +20,7 @@ class OfTheLibrary(unittest.TestCase):
         self.assertIs(teeth.Item["T11"], teeth[1])
         self.assertIs(teeth.Item[2], teeth["T12"])
 
-    def test_there_is_nothing_before_the_first(self):
+    def test_a_position_before_the_first_is_none(self):
         teeth = teeth_of(11, 12)
         for position in (0, -1, 3):
             with self.subTest(position):
@@ -31,23 +31,23 @@ class OfTheLibrary(unittest.TestCase):
         self.assertFalse(teeth_of())
         self.assertEqual(teeth_of(11).Count, 1)
 
-    def test_walks(self):
+    def test_iteration(self):
         teeth = teeth_of(11, 12, 13)
         self.assertEqual([tooth.TNumber for tooth in teeth], [11, 12, 13])
         self.assertEqual([(a.TNumber, b.TNumber) for a, b in zip(teeth, teeth)], [(11, 11), (12, 12), (13, 13)])
         self.assertIn(teeth(2), teeth)
         self.assertEqual([next(iter(teeth)).TNumber, len(list(teeth.NewEnum))], [11, 3])
 
-    def test_a_walk_stands_removals(self):
+    def test_members_can_be_removed_during_an_iteration(self):
         teeth = teeth_of(11, 12, 13)
         for tooth in teeth:
             teeth.Remove(f"T{tooth.TNumber}")
         self.assertEqual(len(teeth), 0)
 
-    def test_a_walk_outlives_its_collection(self):
+    def test_an_iterator_outlives_its_collection(self):
         self.assertEqual([tooth.TNumber for tooth in iter(teeth_of(21, 22))], [21, 22])
 
-    def test_what_is_no_collection(self):
+    def test_an_object_that_is_not_a_collection(self):
         tooth = teeth_of(11)(1)
         for thing in (tooth, oxclass.CreateObject("ADODB.Recordset")):
             with self.assertRaises(TypeError):
@@ -77,7 +77,7 @@ class Plain(unittest.TestCase):
         self.assertEqual(things(1), 1)
         self.assertEqual(things.Count, 4)
 
-    def test_positions_that_are_not_there(self):
+    def test_missing_positions_raise(self):
         things = oxclass.CreateObject("Collection")
         things.Add("a")
         for position in (0, -1, 2):

@@ -85,7 +85,7 @@ class Forbidding:
 
 @contextlib.contextmanager
 def unraisable():
-    """What nobody can raise, as long as the block runs."""
+    """Collects the exceptions that reach sys.unraisablehook while the block runs."""
     caught = []
     with mock.patch.object(sys, "unraisablehook", lambda unraisable: caught.append(unraisable.exc_value)):
         yield caught
@@ -96,7 +96,7 @@ class Events(DatabaseTest):
         super().setUp()
         self.handler = Handler()
 
-    def test_each_statement_is_told(self):
+    def test_each_statement_is_reported(self):
         oxclass.WithEvents(self.con, self.handler)
         gc.collect()
         insert, wrong = "INSERT INTO Root_T VALUES (9, 'a', 0)", "SELECT * FROM Nowhere"
@@ -108,7 +108,7 @@ class Events(DatabaseTest):
             ("will", insert), ("done", insert, 1, None), ("will", "SELECT 1"), ("done", "SELECT 1", -1, None),
             ("will", wrong), ("done", wrong, mock.ANY, (-2147217865, "SQLite", "no such table: Nowhere"))])
 
-    def test_after_close_nothing_is_told(self):
+    def test_after_close_nothing_is_reported(self):
         subscription = oxclass.WithEvents(self.con, self.handler)
         subscription.close()
         subscription.close()
@@ -124,7 +124,7 @@ class Events(DatabaseTest):
             self.con.Execute("SELECT 1")
         self.assertEqual(statements, ["SELECT 1"])
 
-    def test_the_connection_lets_go_when_it_ends(self):
+    def test_the_connection_releases_the_handler_when_it_ends(self):
         other = oxclass.CreateObject("ADODB.Connection")
         handler = Handler()
         subscription = oxclass.WithEvents(other, handler)
@@ -150,7 +150,7 @@ class Events(DatabaseTest):
         self.assertTrue(caught.exception.__cause__.Source.startswith("cSerie.loadseries"))
         self.assertIs(series.loadSeries("1", self.con), False)
 
-    def test_where_the_operation_goes_on_it_is_not_lost(self):
+    def test_where_the_operation_continues_it_is_reported(self):
         boxes = []
         oxclass.OnMsgBox(boxes.append)
         self.addCleanup(oxclass.OnMsgBox, None)
@@ -160,7 +160,7 @@ class Events(DatabaseTest):
         self.assertEqual([type(exception) for exception in caught], [Forbidden])
         self.assertEqual(len(boxes), 1)
 
-    def test_what_a_handler_raises_after_a_statement_is_told_to_the_hook(self):
+    def test_what_a_handler_raises_after_a_statement_reaches_the_hook(self):
         handler = type("Wrong", (), {"ExecuteComplete": lambda self, *event: 1 / 0})()
         with oxclass.WithEvents(self.con, handler), unraisable() as caught:
             self.assertEqual(self.con.Execute("SELECT 1 AS n")("n").Value, 1)
@@ -216,13 +216,13 @@ class TextBoxes(DatabaseTest):
         self.assertRegex(texts[0], "cUniCards.GetICAndSEList4Patient.*3709")
         self.assertEqual(len(texts), 1)
 
-    def test_what_it_raises_is_told_to_the_hook(self):
+    def test_what_it_raises_reaches_the_hook(self):
         oxclass.OnMsgBox(lambda text: 1 / 0)
         with unraisable() as caught:
             self.cards.GetICAndSEList4Patient(self.con, "A", 0)
         self.assertEqual([type(exception) for exception in caught], [ZeroDivisionError])
 
-    def test_none_brings_back_standard_error(self):
+    def test_none_restores_standard_error(self):
         code = ("import oxclass\n"
                 "def box(): oxclass.CreateObject('OXClass.cUniCards').GetICAndSEList4Patient("
                 "oxclass.CreateObject('ADODB.Connection'), 'A', 0)\n"

@@ -1,4 +1,4 @@
-"""The end of a program: whatever it still holds, nothing crashes and nothing is said."""
+"""The end of a program: whatever objects are left, nothing crashes and nothing is printed."""
 import unittest
 
 from tests.kit import run_python
@@ -22,7 +22,7 @@ images = oxclass.CreateObject("OXClass.cImages")
 con.Execute("CREATE TABLE T (n INTEGER)")
 rs = con.Execute("SELECT * FROM T")
 field = rs("n")
-walk = iter(rs.Fields)
+iterator = iter(rs.Fields)
 shared = oxclass.Global("OXClass.cSerie")
 """)
 
@@ -79,7 +79,7 @@ threading.Thread(target=wait, daemon=True).start()
 ready.wait()
 """)
 
-    def test_with_calls_on_the_way_out(self):
+    def test_with_calls_during_shutdown(self):
         self.ends_well("""
 class Late:
     def __init__(self): self.patient = oxclass.CreateObject("OXClass.cPatient")

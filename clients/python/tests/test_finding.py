@@ -1,4 +1,4 @@
-"""Finding the library: in programs of their own, with libraries copied to where they are looked for."""
+"""Finding the library: in programs of their own, with libraries copied to the folders that are searched."""
 import shutil
 import sysconfig
 import tempfile
@@ -57,7 +57,7 @@ class Finding(unittest.TestCase):
         self.assert_from(there, self.load(package, OXCLASS_LIBRARY=there))
         self.assert_from(there, self.load(package, OXCLASS_LIBRARY=there / "libOXClass.so"))
 
-    def test_a_wrong_variable_is_an_error_though_the_library_lies_elsewhere(self):
+    def test_a_wrong_variable_is_an_error_although_a_library_exists_elsewhere(self):
         package = self.package(".")
         self.libraries("oxclass")
         for wrong in ("/nowhere", self.folder, self.folder / "libOXClass.so"):
@@ -70,13 +70,13 @@ class Finding(unittest.TestCase):
 
     def test_beside_the_package(self):
         package = self.package(".")
-        for place in (".", "oxclass"):  # its own folder is looked in first
+        for place in (".", "oxclass"):  # its own folder is searched first
             there = self.libraries(place)
             self.assert_from(there, self.load(package))
 
     def test_where_an_installation_puts_it(self):
         package = self.package("prefix/share/oxclass/python")
-        for place in ("lib64", f"lib/{sysconfig.get_config_var('MULTIARCH')}", "lib"):  # the last is looked in first
+        for place in ("lib64", f"lib/{sysconfig.get_config_var('MULTIARCH')}", "lib"):  # the last is searched first
             there = self.libraries(f"prefix/{place}")
             self.assert_from(there, self.load(package))
 
@@ -102,7 +102,7 @@ class Finding(unittest.TestCase):
                           OXCLASS_LIBRARY="/nowhere")
         self.assertEqual((done.stdout, done.stderr), ("imggTypeSC oxclass.Null\n", ""))
 
-    def test_after_a_failure_it_is_looked_for_again(self):
+    def test_after_a_failure_the_next_call_searches_again(self):
         code = ("import os, oxclass\n"
                 "try: oxclass.CreateObject('Collection')\n"
                 "except oxclass.Error as failure: print(failure.Number)\n"
@@ -111,9 +111,9 @@ class Finding(unittest.TestCase):
         done = run_python(code, OXCLASS_LIBRARY="/nowhere")
         self.assertEqual((done.stdout, done.stderr), ("53\n0\n", ""))
 
-    # ---- files that are none ------------------------------------------------------------------------
+    # ---- files that are not libraries ---------------------------------------------------------------
 
-    def test_a_file_that_is_no_library(self):
+    def test_a_file_that_is_not_a_library(self):
         there = self.libraries("there")
         for name in LIBRARIES:
             with self.subTest(name):

@@ -1,4 +1,4 @@
-"""Objects of somebody else: kept, given on, counted, and not called."""
+"""Objects of another program: stored, passed on, counted, and not called."""
 import ctypes
 import unittest
 from ctypes import CFUNCTYPE, POINTER, c_int32, c_uint32, c_void_p
@@ -36,7 +36,7 @@ class Foreign:
         self.pointer = ctypes.addressof(self._pointer)
 
 
-class Foreigners(unittest.TestCase):
+class ForeignObjects(unittest.TestCase):
     def test_a_plain_one(self):
         self.passes_through(Foreign(is_dispatch=False), wrap_unknown)
 

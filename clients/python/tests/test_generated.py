@@ -1,4 +1,4 @@
-"""The generated files: what the type description gives, and what the objects really have."""
+"""The generated files, compared with the type description and with the objects."""
 import ast
 import json
 import shutil
@@ -32,7 +32,7 @@ class Generated(unittest.TestCase):
     def run_generator(self, generator, *arguments):
         return subprocess.run([sys.executable, str(generator), *map(str, arguments)], capture_output=True, text=True)
 
-    def test_they_are_what_the_type_description_gives(self):
+    def test_they_match_the_type_description(self):
         done = self.run_generator(GENERATOR, self.file, "--check")
         self.assertEqual((done.returncode, done.stderr), (0, ""))
 
@@ -55,8 +55,8 @@ class Generated(unittest.TestCase):
         self.assertNotIn("_enumerations.py", done.stderr)
         self.assertEqual(changed.read_text(encoding="utf-8"), "# other\n")
 
-    def refused(self, change):
-        """What the generator says of a changed description; no file changes."""
+    def rejected(self, change):
+        """Returns the generator's error for a changed description; checks that no file changes."""
         place = self.copy()
         for name in GENERATED:
             (place / "oxclass" / name).write_text("# other\n", encoding="utf-8")
@@ -70,13 +70,13 @@ class Generated(unittest.TestCase):
         self.assertEqual(sorted(path.name for path in place.iterdir()), ["changed.json", "generate.py", "oxclass"])
         return done.stderr
 
-    def test_a_name_that_stands_for_two_things_is_refused(self):
-        said = self.refused(lambda description: description["enumerations"].append(
+    def test_a_name_with_two_meanings_is_rejected(self):
+        said = self.rejected(lambda description: description["enumerations"].append(
             {"name": "Twice", "values": [{"name": "ctUnknown", "value": 1}]}))
         self.assertIn("ctUnknown would be both a value of CardTypes and a value of Twice", said)
 
     def test_after_a_failed_write_no_file_has_changed(self):
-        said = self.refused(lambda description: description["classes"][0].update({"class": "half a pair \ud800"}))
+        said = self.rejected(lambda description: description["classes"][0].update({"class": "half a pair \ud800"}))
         self.assertIn("UnicodeEncodeError", said)
 
     def test_it_writes_all_files(self):

@@ -19,7 +19,7 @@ def collection_of(*values):
     return things
 
 
-class Walks(DatabaseTest):
+class Iteration(DatabaseTest):
     def test_backwards(self):
         self.assertEqual(list(reversed(collection_of(1, 2, 3))), [3, 2, 1])
         rows = self.con.Execute("SELECT 1 AS a, 2 AS b")
@@ -27,12 +27,12 @@ class Walks(DatabaseTest):
         with self.assertRaises(TypeError):
             reversed(oxclass.CreateObject("OXClass.cPatient"))
 
-    def test_one_that_ended_stays_at_its_end(self):
+    def test_an_exhausted_iterator_stays_exhausted(self):
         things = collection_of(1)
-        walk = iter(things)
-        self.assertEqual(list(walk), [1])
+        iterator = iter(things)
+        self.assertEqual(list(iterator), [1])
         things.Add(2)
-        self.assertEqual(list(walk), [])
+        self.assertEqual(list(iterator), [])
         self.assertEqual(list(things), [1, 2])
 
 
@@ -51,7 +51,7 @@ class Failures(DatabaseTest):
             oxclass.CreateObject("Collection\0more")
         self.assertEqual(caught.exception.Number, 429)
 
-    def test_a_keyboard_interrupt_goes_on_though_the_operation_swallows(self):
+    def test_a_keyboard_interrupt_passes_an_operation_that_ignores_errors(self):
         class Interrupting:
             def WillExecute(self, source):
                 raise KeyboardInterrupt
@@ -64,7 +64,7 @@ class Failures(DatabaseTest):
         finally:
             oxclass.OnMsgBox(None)
 
-    def test_of_several_handlers_the_first_is_heard(self):
+    def test_the_first_exception_of_several_handlers_is_raised(self):
         class Interrupting:
             def WillExecute(self, source):
                 raise KeyboardInterrupt
@@ -95,7 +95,7 @@ class Failures(DatabaseTest):
                     pass
             gone = weakref.ref(con)
             del con
-            self.assertIsNone(gone(), "the connection goes without the garbage collector")
+            self.assertIsNone(gone(), "the connection is released without the garbage collector")
         finally:
             gc.enable()
 
@@ -124,7 +124,7 @@ class Package(DatabaseTest):
     def test_its_version_is_the_type_librarys(self):
         self.assertIn(f'"version": "{oxclass.__version__}"', program("idl", "--json"))
 
-    def test_the_example_tells_how_it_is_called(self):
+    def test_the_example_prints_its_usage(self):
         example = SOURCES / "examples" / "patients_and_series.py"
         done = subprocess.run([sys.executable, str(example), "--help"], capture_output=True, text=True,
                               env={**os.environ, "PYTHONPATH": str(SOURCES / "clients" / "python")})

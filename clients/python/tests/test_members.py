@@ -28,7 +28,7 @@ class Names(unittest.TestCase):
         self.assertEqual(self.patient.LASTNAME, "Ek")
         self.assertEqual(oxclass.CreateObject("oxclass.CPATIENT").LastName, "")
 
-    def test_unknown_ones_raise_and_make_nothing(self):
+    def test_unknown_ones_raise_and_make_no_attribute(self):
         self.assertEqual(number_of(lambda: setattr(self.patient, "Surname", "Ek")), 438)
         self.assertEqual(number_of(lambda: self.patient.Surname), 438)
         self.assertFalse(hasattr(self.patient, "Surname"))
@@ -116,8 +116,8 @@ class Arguments(unittest.TestCase):
         self.assertEqual(len(self.teeth), 0)
 
 
-class ComingBack(DatabaseTest):
-    def test_a_by_ref_holds_what_came_back(self):
+class ByReference(DatabaseTest):
+    def test_a_by_ref_holds_the_stored_value(self):
         general = oxclass.CreateObject("OXClass.Class1")
         general.SaveGLSetting(self.con, oxclass.gglID_ImageFormat, "jpeg", True)
         setting, lists = oxclass.ByRef("old"), oxclass.ByRef()
@@ -132,14 +132,14 @@ class ComingBack(DatabaseTest):
         self.assertIs(general.GetGLSetting(self.con, oxclass.gglID_ImageFormat, text), False)
         self.assertEqual(text, "old")
 
-    def test_an_object_can_be_replaced_by_nothing(self):
+    def test_an_object_can_be_replaced_by_none(self):
         images, image = oxclass.CreateObject("OXClass.cImages"), oxclass.CreateObject("OXClass.cImage")
         given = oxclass.ByRef(image)
         self.assertIs(images.AddObject(given, "K1"), image)
         self.assertIsNone(given.value)
         self.assertIs(images["K1"], image)
 
-    def test_after_a_failure_it_stays(self):
+    def test_after_a_failure_the_value_is_unchanged(self):
         general, setting = oxclass.CreateObject("OXClass.Class1"), oxclass.ByRef("old")
         self.con.Close()
         self.assertEqual(number_of(lambda: general.GetGLSetting(self.con, 4, setting)), 3709)
@@ -200,7 +200,7 @@ class Shown(unittest.TestCase):
                          "Loads a patient. Returns 1, or 0 if there is none; a failure shows a message and returns 0.")
         self.assertRegex(self.patient.Save.__doc__, r"\n    Con \(Connection\): The open connection to the database\.\n")
 
-    def test_signatures_tell_what_comes_back_and_what_may_be_left_out(self):
+    def test_signatures_show_references_and_optional_arguments(self):
         general = oxclass.CreateObject("OXClass.Class1")
         signature = inspect.signature(general.GetGLSetting)
         self.assertEqual(list(signature.parameters), ["Con", "GLId", "sFirstSetting", "cAllGLs"])
@@ -211,7 +211,7 @@ class Shown(unittest.TestCase):
         self.assertRegex(general.GetGLSetting.__doc__, r"cAllGLs \(cGlobalLists, .*may be left out\): ")
         self.assertNotRegex(general.GetGLSetting.__doc__, r"GLId \(.*comes back")
 
-    def test_properties_tell_their_types(self):
+    def test_properties_show_their_types(self):
         described = type(oxclass.CreateObject("OXClass.cImage"))
         self.assertIsInstance(described.URL, property)
         self.assertRegex(described.URL.__doc__, r"^The path of the image file.*\. \(str\)$")

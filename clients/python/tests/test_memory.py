@@ -1,4 +1,4 @@
-"""Memory: what is made and dropped is gone."""
+"""Memory: objects that are made and dropped are freed."""
 import ctypes
 import os
 import unittest
@@ -12,7 +12,7 @@ try:
 except AttributeError:
     ALLOCATED = None
 
-TEXT = "Åkesson" * 60  # 420 units: 840 bytes as a counted wide string
+TEXT = "Åkesson" * 60  # 420 units: 840 bytes as a BSTR
 OBJECTS = 1000 if ALLOCATED else 4000
 LEAKED_TEXTS = OBJECTS * 2 * len(TEXT)
 
@@ -43,7 +43,7 @@ class Growth(unittest.TestCase):
 
         self.assert_no_growth(use)
 
-    def test_arguments_that_come_back(self):
+    def test_arguments_by_reference(self):
         things = oxclass.CreateObject("Collection")
 
         def use():
@@ -71,7 +71,7 @@ class Growth(unittest.TestCase):
 
         self.assert_no_growth(use)
 
-    def test_walks(self):
+    def test_iteration(self):
         things = oxclass.CreateObject("Collection")
         things.Add(TEXT)
         things.Add(oxclass.CreateObject("OXClass.cTooth"))

@@ -12,7 +12,7 @@ WRONG_THREAD = -2147417842
 
 
 class Worker:
-    """A thread that does what it is given, one thing after the other."""
+    """A thread that runs the calls that it receives, one after the other."""
 
     def __init__(self):
         self._work, self._done = queue.Queue(), queue.Queue()
@@ -42,7 +42,7 @@ class Worker:
 
 
 def open_files(path):
-    """How often this process has a file open: a connection that is released closes it."""
+    """Counts the open descriptors of a file in this process: a connection that is released closes its own."""
     found = 0
     for number in os.listdir("/proc/self/fd"):
         try:
@@ -132,14 +132,14 @@ class ForeignObjects(ClinicTest):
     def test_calls_are_refused(self):
         patient, teeth = oxclass.CreateObject("OXClass.cPatient"), oxclass.CreateObject("OXClass.cTeeth")
         teeth.Add(True, 11)
-        walk = iter(teeth)
+        iterator = iter(teeth)
         self.refused(lambda: patient.LastName)
         self.refused(lambda: setattr(patient, "LastName", "Ek"))
         self.refused(lambda: patient.Save(None))
         self.refused(lambda: teeth(1))
         self.refused(lambda: len(teeth))
-        self.refused(lambda: next(walk))
-        self.assertEqual((patient.LastName, len(list(walk))), ("", 1))
+        self.refused(lambda: next(iterator))
+        self.assertEqual((patient.LastName, len(list(iterator))), ("", 1))
 
     def test_as_an_argument_it_is_refused_too(self):
         con = self.con
@@ -149,7 +149,7 @@ class ForeignObjects(ClinicTest):
 
     class FakeHandler:
         def WillExecute(self, source):
-            raise AssertionError("nobody is subscribed")
+            raise AssertionError("there is no subscription")
 
     def test_subscriptions_are_closed_where_they_were_made(self):
         subscription = oxclass.WithEvents(self.con, self.FakeHandler())

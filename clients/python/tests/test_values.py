@@ -1,4 +1,4 @@
-"""Values in both directions, through a collection, which keeps each as it came."""
+"""Values in both directions, through a collection, which stores each unchanged."""
 import copy
 import datetime
 import decimal
@@ -40,7 +40,7 @@ class Plain(unittest.TestCase):
             with self.subTest(text[:20]):
                 self.same(text)
 
-    def test_half_a_pair_becomes_the_replacement_character(self):
+    def test_an_unpaired_surrogate_becomes_the_replacement_character(self):
         self.assertEqual(there_and_back("a\ud83db"), "a\ufffdb")
         self.assertEqual(there_and_back("\udc00"), "\ufffd")
         self.assertEqual(there_and_back("\ud83e\uddb7"), "\U0001F9B7")
@@ -76,7 +76,7 @@ class Plain(unittest.TestCase):
             with self.subTest(value), self.assertRaisesRegex(TypeError, "str|texts"):
                 there_and_back(value)
 
-    def test_the_host_says_what_it_cannot_convert(self):
+    def test_the_host_raises_for_what_it_cannot_convert(self):
         tooth = oxclass.CreateObject("OXClass.cTooth")
         for value, number in (("no number", 13), (40000, 6), (oxclass.Null, 94), (tooth, 13)):
             with self.subTest(value), self.assertRaises(oxclass.Error) as caught:
@@ -85,7 +85,7 @@ class Plain(unittest.TestCase):
 
 
 class Crossing(unittest.TestCase):
-    """The types of the variants, which a host that takes more than one form doesn't show."""
+    """The types of the variants, which the results don't show, since the host accepts several types."""
 
     def type_of(self, value, kind="variant"):
         variant = VARIANT()
@@ -103,7 +103,7 @@ class Crossing(unittest.TestCase):
             with self.subTest(value):
                 self.assertEqual(self.type_of(value), type)
 
-    def test_none_for_an_object_is_no_object(self):
+    def test_none_for_an_object_is_a_null_reference(self):
         self.assertEqual(self.type_of(None, "object"), 9)
 
 
@@ -119,7 +119,7 @@ class Dates(unittest.TestCase):
             date = start + datetime.timedelta(seconds=second)
             self.assertEqual(there_and_back(date), date)
 
-    def test_before_day_zero_the_time_still_runs_forward(self):
+    def test_before_day_zero_the_time_still_counts_forward(self):
         for date in (datetime.datetime(1899, 12, 29, 12), datetime.datetime(1899, 12, 29, 0, 0, 1),
                      datetime.datetime(1850, 6, 1, 23, 59, 59), datetime.datetime(100, 1, 1, 18, 30)):
             self.assertEqual(there_and_back(date), date)
@@ -150,7 +150,7 @@ class Dates(unittest.TestCase):
         with self.assertRaisesRegex(TypeError, "time zone"):
             there_and_back(datetime.datetime(2024, 1, 1, tzinfo=datetime.timezone.utc))
 
-    def test_the_years_that_there_are(self):
+    def test_the_range_of_years(self):
         last = datetime.datetime(9999, 12, 31, 23, 59, 59)
         self.assertEqual(there_and_back(last), last)
         with self.assertRaises(oxclass.Error) as caught:
@@ -175,7 +175,7 @@ class Enumerations(unittest.TestCase):
         self.assertIs(oxclass.ManRotate, oxclass.ManipulationType.ManRotate)
         self.assertEqual((oxclass.imggTypeSC, oxclass.ctseries, oxclass.adtAll), (0, 2, 999))
 
-    def test_properties_give_them(self):
+    def test_properties_return_them(self):
         image = oxclass.CreateObject("OXClass.cImage")
         image.ImageType = oxclass.imggTypeDXPanoramic
         self.assertIs(image.ImageType, oxclass.xigImageTypes.imggTypeDXPanoramic)

@@ -35,7 +35,7 @@ String TakeValue(std::string_view text, std::size_t& at) {
     if (at < text.size() && (text[at] == '\'' || text[at] == '"')) {
         String value = TakeQuoted(text, at);
         while (at < text.size() && text[at] == ' ') ++at;
-        if (at < text.size() && text[at] != ';') Refuse("text stands behind a quoted value");
+        if (at < text.size() && text[at] != ';') Refuse("text follows a quoted value");
         return value;
     }
     const std::size_t end = std::min(text.find(';', at), text.size());

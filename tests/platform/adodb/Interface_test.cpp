@@ -215,7 +215,7 @@ TEST_F(InterfaceTest, ErrorsContainTheFailuresOfTheEngine) {
     EXPECT_EQ(Get(errors, "Count"), Variant(Long{0}));
     EXPECT_EQ(FailureOfGet(errors, "Item", {Long{0}}), adErrItemNotFound);
     FailureOfDo(con, "Execute", {"SELECT Nix FROM Clinic_T"});
-    EXPECT_EQ(Get(errors, "Count"), Variant(Long{1})) << "the object stands for the errors of now";
+    EXPECT_EQ(Get(errors, "Count"), Variant(Long{1})) << "the object has the current errors";
     const Ref<Object> failure = ObjectIn(Get(errors, "Item", {Long{0}}));
     const Error& native = con->Errors().front();
     EXPECT_EQ(Get(failure, "Number"), Variant(UnknownName));
@@ -314,7 +314,7 @@ TEST_F(InterfaceTest, OpenRaisesAndStaysClosed) {
     };
     EXPECT_EQ(number({}), adErrInvalidConnection);
     EXPECT_EQ(number({AllClinics}), adErrInvalidConnection);
-    EXPECT_EQ(number({AllClinics, Ref<Object>()}), adErrInvalidConnection) << "nothing is no connection";
+    EXPECT_EQ(number({AllClinics, Ref<Object>()}), adErrInvalidConnection) << "a null reference is not a connection";
     EXPECT_EQ(number({AllClinics, New<Connection>()}), adErrInvalidConnection);
     EXPECT_EQ(number({AllClinics, New<Recordset>()}), err::TypeMismatch);
     EXPECT_EQ(number({AllClinics, Long{5}}), err::ObjectRequired);
@@ -490,7 +490,7 @@ TEST_F(InterfaceTest, CollectFindsByNameOrByOrdinal) {
     EXPECT_EQ(FailureOfPut(rs, "Collect", {"Town", "x"}), adErrItemNotFound);
     EXPECT_EQ(FailureOfPut(rs, "Collect", {"City"}), err::ArgumentNotOptional);
     EXPECT_EQ(FailureOfPut(rs, "Collect", {"City", String(51, 'x')}), MultipleStepFailed);
-    EXPECT_EQ(FailureOfPut(rs, "Collect", {"City", rs}), adErrDataConversion) << "an object is no value";
+    EXPECT_EQ(FailureOfPut(rs, "Collect", {"City", rs}), adErrDataConversion) << "an object is not a value";
 }
 
 TEST_F(InterfaceTest, CollectIsCalledThroughItsSlots) {

@@ -60,14 +60,14 @@ TEST(SqliteShape, BalancesOrChains) {
 }
 
 /// A session's cache on an empty database of their own.
-class SqlitePlansTest : public ::testing::Test {
+class SqliteStatementCacheTest : public ::testing::Test {
 protected:
-    SqlitePlansTest() {
+    SqliteStatementCacheTest() {
         sqlite3_open(":memory:", &database);
         sqlite3_exec(database, "CREATE TABLE t (a INTEGER PRIMARY KEY, b TEXT)", nullptr, nullptr, nullptr);
         cache.emplace(database);
     }
-    ~SqlitePlansTest() override {
+    ~SqliteStatementCacheTest() override {
         cache.reset();
         sqlite3_close(database);
     }
@@ -76,7 +76,7 @@ protected:
     std::vector<Literal> literals;
 };
 
-TEST_F(SqlitePlansTest, OneShapeIsCompiledOnce) {
+TEST_F(SqliteStatementCacheTest, OneShapeIsCompiledOnce) {
     std::string statement;  // the literals point into it
     for (int i = 0; i < 100; ++i) cache->For(statement = "SELECT b FROM t WHERE a=" + std::to_string(i), literals);
     EXPECT_EQ(cache->CompiledCount(), 1U);
@@ -84,7 +84,7 @@ TEST_F(SqlitePlansTest, OneShapeIsCompiledOnce) {
     EXPECT_EQ(literals[0].body, "99");
 }
 
-TEST_F(SqlitePlansTest, TheLeastRecentlyUsedIsRemovedFirst) {
+TEST_F(SqliteStatementCacheTest, TheLeastRecentlyUsedIsRemovedFirst) {
     const auto statement = [](int i) {
         return "SELECT b FROM t WHERE a=1 AND b<>'' AND" + std::string(static_cast<std::size_t>(i), ' ') + "a<5";
     };
@@ -99,7 +99,7 @@ TEST_F(SqlitePlansTest, TheLeastRecentlyUsedIsRemovedFirst) {
     EXPECT_EQ(cache->CompiledCount(), 301U);
 }
 
-TEST_F(SqlitePlansTest, AVeryLongStatementIsNotKept) {
+TEST_F(SqliteStatementCacheTest, AVeryLongStatementIsNotKept) {
     std::string list = "SELECT b FROM t WHERE a IN (1";
     for (int i = 0; i < 5000; ++i) list += "," + std::to_string(i);
     cache->For(list + ")", literals);
@@ -107,10 +107,10 @@ TEST_F(SqlitePlansTest, AVeryLongStatementIsNotKept) {
     EXPECT_EQ(literals.size(), 5001U);
 }
 
-TEST_F(SqlitePlansTest, ARejectedShapeIsCompiledAsTheOriginalText) {
-    const CompiledStatement& plan = cache->For("UPDATE t SET 'b'='x' WHERE a=1", literals);
-    EXPECT_TRUE(literals.empty()) << "a column's name in quotes is no value";
-    EXPECT_EQ(std::string(sqlite3_sql(plan.Compiled())), "UPDATE t SET 'b'='x' WHERE a=1");
+TEST_F(SqliteStatementCacheTest, ARejectedShapeIsCompiledAsTheOriginalText) {
+    const CompiledStatement& compiled = cache->For("UPDATE t SET 'b'='x' WHERE a=1", literals);
+    EXPECT_TRUE(literals.empty()) << "a column's name in quotes is not a value";
+    EXPECT_EQ(std::string(sqlite3_sql(compiled.Compiled())), "UPDATE t SET 'b'='x' WHERE a=1");
 }
 
 }  // namespace

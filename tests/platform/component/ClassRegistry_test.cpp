@@ -157,7 +157,7 @@ TEST_F(ClassRegistryFile, APathThatIsNotUtf8IsRejected) {
     library.Classes[0].Library = "/opt/b\xE9/libBroken.so";
     const Error failure = FailureOf([&] { Enter(library); });
     EXPECT_EQ(failure.Number, err::PathFileAccess);
-    EXPECT_THAT(failure.Description, HasSubstr("no UTF-8"));
+    EXPECT_THAT(failure.Description, HasSubstr("not UTF-8"));
     EXPECT_FALSE(fs::exists(file));
     const RegisterInProcess here;
     Enter(library);

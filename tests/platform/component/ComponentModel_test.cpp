@@ -138,7 +138,7 @@ TEST(CountedText, MayHaveAnOddNumberOfBytes) {
     BSTR text = SysAllocStringByteLen("abc", 3);
     EXPECT_EQ(SysStringByteLen(text), 3U);
     EXPECT_EQ(SysStringLen(text), 1U);
-    EXPECT_EQ(std::memcmp(text, "abc\0\0", 5), 0) << "a whole unit of zero stands behind the bytes";
+    EXPECT_EQ(std::memcmp(text, "abc\0\0", 5), 0) << "a whole zero unit follows the bytes";
     SysFreeString(text);
 }
 

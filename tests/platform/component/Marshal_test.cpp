@@ -164,19 +164,19 @@ TEST(Marshal, AnObjectThatIsPassedIsReferencedByItsReceiver) {
 
 TEST(Marshal, AForeignObjectIsPassedUnchanged) {
     for (const bool isDispatch : {true, false}) {
-        ForeignObject stranger(isDispatch);
+        ForeignObject foreign(isDispatch);
         {
             Held given(VT_UNKNOWN), back;
-            stranger.AddRef();
-            given.punkVal = &stranger;
+            foreign.AddRef();
+            given.punkVal = &foreign;
             const Variant kept = FromVariant(given);
-            EXPECT_EQ(stranger.references, 3U);
+            EXPECT_EQ(foreign.references, 3U);
             ToVariant(kept, back);
             EXPECT_EQ(back.vt, isDispatch ? VT_DISPATCH : VT_UNKNOWN);
-            EXPECT_EQ(back.punkVal, &stranger);
-            EXPECT_EQ(stranger.references, 4U);
+            EXPECT_EQ(back.punkVal, &foreign);
+            EXPECT_EQ(foreign.references, 4U);
         }
-        EXPECT_EQ(stranger.references, 1U);
+        EXPECT_EQ(foreign.references, 1U);
     }
 }
 
@@ -482,9 +482,9 @@ TEST(Marshal, AnObjectThatIsWrittenBackReplacesAnother) {
 }
 
 TEST(Marshal, AnObjectWithoutCallsByNameFitsNoReferenceToThem) {
-    ForeignObject stranger(false);
-    const Ref<Object> walk = New<Collection>()->NewEnum(), foreign = Boundary::FromPointer(&stranger);
-    for (const Ref<Object>& object : {walk, foreign}) {
+    ForeignObject foreign(false);
+    const Ref<Object> walk = New<Collection>()->NewEnum(), wrapped = Boundary::FromPointer(&foreign);
+    for (const Ref<Object>& object : {walk, wrapped}) {
         IUnknown* place = nullptr;
         Held dispatch(VT_BYREF | VT_DISPATCH, &place), any(VT_BYREF | VT_UNKNOWN, &place);
         EXPECT_EQ(FailureOf([&] { WriteBack(object, dispatch); }).Number, err::TypeMismatch);

@@ -82,7 +82,7 @@ TEST(ReturnCode, AnArgumentsFailureHasTheCodesOfACall) {
     EXPECT_EQ(code(DISP_E_BADVARTYPE), DISP_E_BADVARTYPE);
     EXPECT_EQ(code(E_POINTER), E_POINTER);
     EXPECT_EQ(CodeOfThrown(Error(err::TypeMismatch, "Runtime", "")), Code(0x800A000D))
-        << "one that is no argument's keeps its number";
+        << "a number that is not an argument's is unchanged";
 }
 
 TEST(ReturnCode, AFailedAllocationRemovesTheOldRecord) {

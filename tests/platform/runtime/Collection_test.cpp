@@ -52,7 +52,7 @@ TEST(Collection, HasAKeyWithoutRegardToCaseUntilItsMemberIsRemoved) {
     c->Add("no key");
     EXPECT_TRUE(c->HasKey("kEY"));
     EXPECT_FALSE(c->HasKey("first"));
-    EXPECT_FALSE(c->HasKey("1")) << "a position is no key";
+    EXPECT_FALSE(c->HasKey("1")) << "a position is not a key";
     EXPECT_FALSE(c->HasKey(""));
     c->Remove(Long{1});
     EXPECT_FALSE(c->HasKey("Key"));

@@ -43,7 +43,7 @@ TEST(Services, DeletingSaysWhyItCouldNot) {
     EXPECT_FALSE(FileExists(path));
     std::ofstream(path) << "x";
     EXPECT_TRUE(FileExists(path));
-    EXPECT_FALSE(FileExists(folder.Path().string())) << "a folder is no file";
+    EXPECT_FALSE(FileExists(folder.Path().string())) << "a folder is not a file";
     std::filesystem::permissions(path, std::filesystem::perms::owner_read);
     EXPECT_EQ(FailureOf([&] { DeleteFile(path); }).Number, err::PermissionDenied);
     EXPECT_TRUE(FileExists(path));

@@ -104,7 +104,7 @@ void RequireTexts(const LibraryRecord& library) {
     for (const ClassRecord& entry : library.Classes)
         if (FromUtf16(ToUtf16(entry.Library)) != entry.Library)
             throw Error(err::PathFileAccess, "Runtime",
-                        "The library's path is no UTF-8 text and can't be registered. Move it to another folder");
+                        "The library's path is not UTF-8 text and can't be registered. Move it to another folder");
 }
 
 const ClassRecord* FindIn(const std::vector<LibraryRecord>& libraries, const String& name) {
@@ -190,20 +190,20 @@ namespace {
 
 String Identifier(const Json& json) {
     String text = json.at("identifier").get<String>();
-    if (!IsGuid(text)) RefuseText("\"" + text + "\" is no identifier");
+    if (!IsGuid(text)) RefuseText("\"" + text + "\" is not an identifier");
     return text;
 }
 
 std::uint32_t Locale(const Json& json) {
     const Json& locale = json.at("locale");
     if (!locale.is_number_unsigned() || locale.get<std::uint64_t>() > UINT32_MAX)
-        RefuseText(locale.dump() + " is no locale");
+        RefuseText(locale.dump() + " is not a locale");
     return locale.get<std::uint32_t>();
 }
 
 const Json& List(const Json& json, const char* name) {
     const Json& list = json.at(name);
-    if (!list.is_array()) RefuseText(String(name) + " is no list");
+    if (!list.is_array()) RefuseText(String(name) + " is not a list");
     return list;
 }
 

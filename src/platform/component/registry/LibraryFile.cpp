@@ -28,7 +28,8 @@ LibraryFile::LibraryFile(const String& path)
 
 void* LibraryFile::Function(const char* name) const {
     void* found = reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle_), name));
-    if (!found) throw Error(CO_E_ERRORINDLL, "Runtime", path_ + " is no library of classes: it has no " + name);
+    if (!found)
+        throw Error(CO_E_ERRORINDLL, "Runtime", path_ + " is not a library of classes: it does not export " + name);
     return found;
 }
 
@@ -48,7 +49,8 @@ LibraryFile::LibraryFile(const String& path) : path_(path), handle_(dlopen(path.
 
 void* LibraryFile::Function(const char* name) const {
     void* found = dlsym(handle_, name);
-    if (!found) throw Error(CO_E_ERRORINDLL, "Runtime", path_ + " is no library of classes: it has no " + name);
+    if (!found)
+        throw Error(CO_E_ERRORINDLL, "Runtime", path_ + " is not a library of classes: it does not export " + name);
     return found;
 }
 

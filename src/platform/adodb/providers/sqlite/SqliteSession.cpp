@@ -21,12 +21,12 @@ struct CloseDatabase {
 };
 using Database = std::unique_ptr<sqlite3, CloseDatabase>;
 
-/// Ends a run however it ends: the plan is ready for the next one, and holds no value of this one.
-class Running {
+/// One run of a statement. The destructor resets the statement and clears its parameters.
+class StatementRun {
 public:
-    explicit Running(sqlite3_stmt* compiled) : compiled_(compiled) {}
-    Running(const Running&) = delete;
-    ~Running() {
+    explicit StatementRun(sqlite3_stmt* compiled) : compiled_(compiled) {}
+    StatementRun(const StatementRun&) = delete;
+    ~StatementRun() {
         sqlite3_reset(compiled_);
         sqlite3_clear_bindings(compiled_);
     }
@@ -41,23 +41,23 @@ public:
         : database_(std::move(database)), statements_(database_.get()), readOnly_(readOnly) {}
 
     Outcome Run(std::string_view text) override {
-        CompiledStatement& plan = statements_.For(text, literals_);
-        const Running running(plan.Compiled());
-        Bind(plan.Compiled(), text);
+        CompiledStatement& statement = statements_.For(text, literals_);
+        const StatementRun run(statement.Compiled());
+        Bind(statement.Compiled(), text);
         const std::int64_t before = sqlite3_total_changes64(database_.get());
         Outcome outcome;
-        ReadRows(plan, outcome, text);
+        ReadRows(statement, outcome, text);
         const bool changed = sqlite3_total_changes64(database_.get()) != before;
         if (!outcome.columns) outcome.affected = changed ? sqlite3_changes64(database_.get()) : 0;
         return outcome;
     }
 
     std::int64_t Change(std::string_view text, std::span<const Variant> values) override {
-        CompiledStatement& plan = statements_.ForMarked(text);
-        const Running running(plan.Compiled());
+        CompiledStatement& statement = statements_.ForMarked(text);
+        const StatementRun run(statement.Compiled());
         for (std::size_t i = 0; i < values.size(); ++i)
-            Bind(plan.Compiled(), static_cast<int>(i) + 1, CellOf(values[i]), text);
-        if (sqlite3_step(plan.Compiled()) != SQLITE_DONE) RaiseSqlite(database_.get(), text);
+            Bind(statement.Compiled(), static_cast<int>(i) + 1, CellOf(values[i]), text);
+        if (sqlite3_step(statement.Compiled()) != SQLITE_DONE) RaiseSqlite(database_.get(), text);
         return sqlite3_changes64(database_.get());
     }
 
@@ -119,14 +119,14 @@ private:
         if (code != SQLITE_OK) RaiseSqlite(database_.get(), statement);
     }
 
-    void ReadRows(CompiledStatement& plan, Outcome& outcome, std::string_view text) {
-        sqlite3_stmt* const compiled = plan.Compiled();
+    void ReadRows(CompiledStatement& statement, Outcome& outcome, std::string_view text) {
+        sqlite3_stmt* const compiled = statement.Compiled();
         int code = sqlite3_step(compiled);
         // Each later call replaces the engine's error: it is raised before the columns are read.
         if (code != SQLITE_ROW && code != SQLITE_DONE) RaiseSqlite(database_.get(), text);
         // The engine compiles anew when a table has changed, and the columns with it.
-        if (sqlite3_stmt_status(compiled, SQLITE_STMTSTATUS_REPREPARE, 1) > 0) plan.ForgetColumns();
-        outcome.columns = plan.ResultColumns(database_.get());
+        if (sqlite3_stmt_status(compiled, SQLITE_STMTSTATUS_REPREPARE, 1) > 0) statement.ForgetColumns();
+        outcome.columns = statement.ResultColumns(database_.get());
         const int count = sqlite3_column_count(compiled);
         cells_.resize(static_cast<std::size_t>(count));
         for (; code == SQLITE_ROW; code = sqlite3_step(compiled)) {

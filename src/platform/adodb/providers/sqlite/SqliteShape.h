@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-/// The shape of a statement: its text with the literals lifted out, so that one compiled plan serves all
+/// The shape of a statement: its text without the literals, so that one compiled statement serves all
 /// statements that differ in their values only.
 ///
 /// A literal is lifted only where a bound value means the same: in conditions, in lists of values and

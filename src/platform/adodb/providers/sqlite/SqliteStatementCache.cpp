@@ -127,23 +127,23 @@ CompiledStatement* StatementCache::Find(std::string_view statement, std::vector<
     return nullptr;
 }
 
-CompiledStatement& StatementCache::Keep(CompiledStatement plan, std::string_view statement) {
-    const std::string_view start = StartOf(plan.shape.pieces.front());
-    if (statement.size() > LongestKept || start.size() < StartOf(statement).size()) return Once(std::move(plan));
+CompiledStatement& StatementCache::Keep(CompiledStatement compiled, std::string_view statement) {
+    const std::string_view start = StartOf(compiled.shape.pieces.front());
+    if (statement.size() > LongestKept || start.size() < StartOf(statement).size()) return Once(std::move(compiled));
     if (cached_.size() == MostKept) {
         const auto oldest = std::prev(cached_.end());
         const auto [first, last] = byStart_.equal_range(StartOf(oldest->shape.pieces.front()));
         byStart_.erase(std::find_if(first, last, [&](const auto& entry) { return entry.second == oldest; }));
         cached_.erase(oldest);
     }
-    cached_.push_front(std::move(plan));
+    cached_.push_front(std::move(compiled));
     byStart_.emplace(StartOf(cached_.front().shape.pieces.front()), cached_.begin());
     return cached_.front();
 }
 
-CompiledStatement& StatementCache::Once(CompiledStatement plan) {
+CompiledStatement& StatementCache::Once(CompiledStatement compiled) {
     once_.reset();
-    return once_.emplace(std::move(plan));
+    return once_.emplace(std::move(compiled));
 }
 
 std::optional<CompiledStatement> StatementCache::CompileShape(std::string_view statement,
@@ -152,12 +152,12 @@ std::optional<CompiledStatement> StatementCache::CompileShape(std::string_view s
     if (!CutAtLiterals(statement, shape, literals)) return {};
     if (literals.size() > static_cast<std::size_t>(sqlite3_limit(database_, SQLITE_LIMIT_VARIABLE_NUMBER, -1)))
         return {};
-    sqlite3_stmt* const compiled = Compile(shape.Text(), true);
-    if (!compiled) return {};
-    CompiledStatement plan(compiled);
-    if (sqlite3_bind_parameter_count(compiled) != static_cast<int>(literals.size())) return {};
-    plan.shape = std::move(shape);
-    return plan;
+    sqlite3_stmt* const handle = Compile(shape.Text(), true);
+    if (!handle) return {};
+    CompiledStatement compiled(handle);
+    if (sqlite3_bind_parameter_count(handle) != static_cast<int>(literals.size())) return {};
+    compiled.shape = std::move(shape);
+    return compiled;
 }
 
 CompiledStatement& StatementCache::For(std::string_view statement, std::vector<Literal>& literals) {
@@ -166,18 +166,18 @@ CompiledStatement& StatementCache::For(std::string_view statement, std::vector<L
         return Keep(std::move(*shaped), statement);
     literals.clear();
     String buffer;
-    CompiledStatement plan(Compile(Adapted(statement, buffer), false));
-    if (sqlite3_bind_parameter_count(plan.Compiled()) > 0)
+    CompiledStatement compiled(Compile(Adapted(statement, buffer), false));
+    if (sqlite3_bind_parameter_count(compiled.Compiled()) > 0)
         RaiseSqlite(UnknownName, "No value given for one or more required parameters.", statement);
-    return Once(std::move(plan));
+    return Once(std::move(compiled));
 }
 
 CompiledStatement& StatementCache::ForMarked(std::string_view statement) {
     std::vector<Literal> none;
     if (CompiledStatement* kept = Find(statement, none)) return *kept;
-    CompiledStatement plan(Compile(statement, false));
-    plan.shape.pieces.emplace_back(statement);
-    return Keep(std::move(plan), statement);
+    CompiledStatement compiled(Compile(statement, false));
+    compiled.shape.pieces.emplace_back(statement);
+    return Keep(std::move(compiled), statement);
 }
 
 }  // namespace ADODB

@@ -60,14 +60,14 @@ private:
     CompiledStatement* Find(std::string_view statement, std::vector<Literal>& literals);
     /// Returns the compiled shape of a statement; nothing if the text must be compiled unchanged.
     std::optional<CompiledStatement> CompileShape(std::string_view statement, std::vector<Literal>& literals);
-    CompiledStatement& Keep(CompiledStatement plan, std::string_view statement);
-    CompiledStatement& Once(CompiledStatement plan);
+    CompiledStatement& Keep(CompiledStatement compiled, std::string_view statement);
+    CompiledStatement& Once(CompiledStatement compiled);
     /// Returns the compiled text, or null if the engine rejects it and `orNothing` is true.
     sqlite3_stmt* Compile(std::string_view text, bool orNothing);
 
     sqlite3* database_;
     List cached_;                                                        // the most recently used in front
-    std::unordered_multimap<std::string_view, List::iterator> byStart_;  // views into the plans' own shapes
+    std::unordered_multimap<std::string_view, List::iterator> byStart_;  // views into the shapes of `cached_`
     std::optional<CompiledStatement> once_;
     std::size_t compiled_ = 0;
 };
