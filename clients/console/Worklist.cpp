@@ -391,7 +391,7 @@ std::string ModalityOf(const std::string& typed) {
         "AR",   "AU",  "BDUS", "BI",      "BMD", "CR", "CT",  "DG",  "DX",  "ECG", "EPS", "ES",  "GM",  "HD", "IO",
         "IVUS", "KER", "LEN",  "LS",      "MG",  "MR", "NM",  "OAM", "OCT", "OP",  "OPM", "OPT", "OPV", "OT", "PT",
         "PX",   "RF",  "RG",   "RTIMAGE", "SC",  "SM", "SMR", "SR",  "SRF", "TG",  "US",  "VA",  "XA",  "XC"};
-    const std::string code = UCase(Trim(typed));
+    std::string code = UCase(Trim(typed));
     if (code.empty() || code.find_first_of("*?") != std::string::npos || known.contains(code)) return code;
     throw UserError(fmt::format("\"{}\" is not a modality; write IO, PX, DX, CT, XC or another code of DICOM", typed));
 }

@@ -83,7 +83,7 @@ struct AreaCodes {
     std::string_view key;
     std::string_view current;
     std::string_view meaning;
-    std::string_view otherSrt = "";  ///< SRT code of the current concept, where it is not the key
+    std::string_view otherSrt{};  ///< SRT code of the current concept, where it is not the key
 
     constexpr bool Has(std::string_view value) const { return value == key || value == current || value == otherSrt; }
 };

@@ -28,7 +28,7 @@ std::string MarkedClinic(const fs::path& folder) {
     std::ifstream in(marker);
     std::string line;
     std::getline(in, line);
-    const std::string clinic = line.starts_with(MarkerLine) ? Trim(line.substr(MarkerLine.size())) : std::string();
+    std::string clinic = line.starts_with(MarkerLine) ? Trim(line.substr(MarkerLine.size())) : std::string();
     if (!clinic.empty()) return clinic;
     throw UserError(
         fmt::format("{} is not the marker of a storage root, so nothing is stored; it is damaged. If the folder "
