@@ -33,7 +33,7 @@ void ReadBySlot(Report& report, const Ref<cPatient>& patient, IDispatch* held) {
     using Get = HRESULT(STDMETHODCALLTYPE*)(IDispatch*, BSTR*);
     const auto get = reinterpret_cast<Get>(const_cast<void*>((*reinterpret_cast<void***>(held))[slot]));
     report.Compare(
-        "slot", "a text property read through the COM interface by slot", "one", Rounds, 9,
+        "slot", "a text property read through the COM interface by slot", "each", Rounds, 9,
         [&] {
             for (int i = 0; i < Rounds; ++i) {
                 BSTR text = nullptr;
@@ -49,7 +49,7 @@ void ReadBySlot(Report& report, const Ref<cPatient>& patient, IDispatch* held) {
 void ReadByName(Report& report, const Ref<cPatient>& patient, IDispatch* held) {
     const DISPID id = patient->Describe().Find("LastName")->DispId;
     report.Compare(
-        "name", "a text property read through the COM interface by name", "one", Rounds, 9,
+        "name", "a text property read through the COM interface by name", "each", Rounds, 9,
         [&] {
             for (int i = 0; i < Rounds; ++i) {
                 DISPPARAMS none{};
@@ -65,7 +65,7 @@ void ReadByName(Report& report, const Ref<cPatient>& patient, IDispatch* held) {
 
 void Make(Report& report) {
     report.Compare(
-        "object", "an object passed through the COM interface and released", "one", Rounds, 9,
+        "object", "an object passed through the COM interface and released", "each", Rounds, 9,
         [&] {
             for (int i = 0; i < Rounds; ++i) Require(Held(New<cPatient>()).Get() != nullptr);
         },

@@ -36,7 +36,7 @@ void LoadSingle(Report& report, const Ref<Connection>& con, ByHand& hand) {
     std::vector<Long> ids(20'000);
     for (Long& id : ids) id = static_cast<Long>(random() % Images) + 1;
     report.Compare(
-        "load-single", "20,000 single loads", "one", ids.size(), 15,
+        "load-single", "20,000 single loads", "each", ids.size(), 15,
         [&] {
             for (const Long id : ids) {
                 const Ref<cImage> image = New<cImage>();
@@ -106,7 +106,7 @@ void Save(Report& report, const Ref<Connection>& con, ByHand& hand, bool oneTran
     for (int i = 0; i < count; ++i) values.push_back(SampleOf(i));
     report.Compare(
         oneTransaction ? "save-together" : "save-alone",
-        oneTransaction ? "5,000 saves in one transaction" : "5,000 saves each on its own", "one", count, 9,
+        oneTransaction ? "5,000 saves in one transaction" : "5,000 saves each on its own", "each", count, 9,
         [&] {
             std::optional<ADODB::Transaction> transaction;
             if (oneTransaction) transaction.emplace(con);

@@ -45,7 +45,6 @@ Long cImages::Load(const Ref<Connection>& con, const String& statement, bool par
     Clear();
     unread_.clear();
     const Ref<Recordset> rs = OpenClient(con, statement);
-    Reserve(rs->RecordCount());
     for (; !rs->Eof(); rs->MoveNext()) {
         const Ref<cImage> image = New<cImage>();
         try {

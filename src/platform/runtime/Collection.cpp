@@ -41,12 +41,6 @@ void Collection::Add(const Variant& item, const Variant& key, const Variant& bef
     if (place < Count()) Shift(place - 1, 1);
 }
 
-void Collection::Reserve(Long members) {
-    if (members <= 0) return;
-    nodes_.reserve(static_cast<std::size_t>(members));
-    keys_.reserve(static_cast<std::size_t>(members));
-}
-
 const Variant& Collection::At(Long position) const {
     if (position < 1 || position > Count()) Raise(err::OutOfBounds);
     return nodes_[static_cast<std::size_t>(position - 1)]->item;

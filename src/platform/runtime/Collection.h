@@ -50,10 +50,6 @@ public:
     /// The collection is unchanged on failure.
     void Add(const Variant& item, const Variant& key = {}, const Variant& before = {}, const Variant& after = {});
 
-    /// Allocates memory for this number of members at once, which makes adding many of them faster. A negative number
-    /// is ignored.
-    void Reserve(Long members);
-
     /// Returns the member at a position or with a key; the reference is valid until the collection changes. Raises 9
     /// for a position below 1 or above `Count`, 5 for an unknown key, and as `CLng` for an index that can't be
     /// converted to a number (6, 13, 91, 94 or 438).
@@ -219,9 +215,6 @@ protected:
         members_->Add(member, key.empty() ? Variant() : Variant(key), before);
         return member;
     }
-
-    /// As `Collection::Reserve`.
-    void Reserve(Long members) { members_->Reserve(members); }
 
     /// Returns the member as `Item` does, or null where that raises, whatever the failure. Raises nothing itself.
     Ref<T> Find(const Variant& indexOrKey) const {
