@@ -27,7 +27,8 @@ constexpr std::string_view Usage =
     "\n"
     "Exit code: 0 all written, 1 a file could not be written, 2 wrong arguments\n";
 
-/// Writes under a temporary name and renames, so that a file is there whole or not at all.
+/// Writes under a temporary name and renames, so that a file exists whole or not at all. It is not flushed to the disk:
+/// a lost sample can be made again.
 void WriteWhole(const Samples::SampleFile& sample, const std::filesystem::path& path) {
     std::filesystem::create_directories(path.parent_path());
     std::filesystem::path temporary = path;

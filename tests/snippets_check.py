@@ -3,14 +3,16 @@
 
 usage: snippets_check.py OXCLASS SAMPLES
 
-The commands are the indented lines of the README that begin with "oxclass" or "export", the Python examples the blocks marked
-as such in the README and in the README of the Python client. They run in a new folder, with the samples in ~/radiographs. The
-library for Python is found through OXCLASS_LIBRARY. Exit code 1: one failed, or a document has none.
+The commands are the indented lines of the README that begin with one of COMMANDS, the Python examples the blocks marked as
+such in the README and in the README of the Python client. They run in a new folder, in their order, with the samples in
+~/radiographs and with the build and the examples of the project. The library for Python is found through OXCLASS_LIBRARY. Exit
+code 1: one failed, a document has none, or the first Python example did not change its patient.
 """
 
 import os
 import re
 import shutil
+import sqlite3
 import subprocess
 import sys
 import tempfile
@@ -19,6 +21,7 @@ ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 README, PYTHON_README = os.path.join(ROOT, "README.md"), os.path.join(ROOT, "clients", "python", "README.md")
 NEEDS_A_SERVER = "RIS@"
 PARTLY_IMPORTED = 3  # some samples can't be imported, on purpose
+COMMANDS = ("oxclass", "export", "cmake", "cc", "./client")
 
 
 def text_of(file):
@@ -27,7 +30,7 @@ def text_of(file):
 
 
 def commands_of(file):
-    return re.findall(r"^    ((?:oxclass|export) .*)$", text_of(file), re.M)
+    return re.findall(rf"^    ((?:{'|'.join(COMMANDS)}) .*)$", text_of(file), re.M)
 
 
 def examples_of(file):
@@ -60,6 +63,12 @@ def run_examples(file, environment):
     return len(examples), 0
 
 
+def changed_patient():
+    """Whether the patient of the first Python example has the name that the example stores."""
+    rows = sqlite3.connect("clinic.db").execute("SELECT LastName_NVC FROM Patient_T WHERE PersonNr_CH = '19800131-1234'")
+    return rows.fetchall() == [("Åkesson",)]
+
+
 def main():
     program, samples = (os.path.abspath(argument) for argument in sys.argv[1:3])
     with tempfile.TemporaryDirectory() as folder:
@@ -70,6 +79,9 @@ def main():
                            OXCLASS_REGISTRY=os.path.join(folder, "classes.json"),
                            OXCLASS_LIBRARY=os.path.abspath(os.environ["OXCLASS_LIBRARY"]),
                            PYTHONPATH=os.path.join(ROOT, "clients", "python"))
+        for given in ("build", "examples"):
+            os.symlink(os.path.join(ROOT, given), os.path.join(folder, given))
+        environment["CMAKE_GENERATOR"] = "Ninja"
         os.chdir(folder)
         commands = commands_of(README)
         failed = run_commands(commands, environment) + (not commands)
@@ -78,6 +90,9 @@ def main():
             count, bad = run_examples(file, environment)
             examples += count
             failed += bad
+        if not changed_patient():
+            failed += 1
+            print("FAILED: the first Python example did not change its patient", file=sys.stderr)
     print(f"snippets: {len(commands)} commands and {examples} Python examples, {failed} failed")
     return 1 if failed else 0
 

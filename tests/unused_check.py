@@ -3,8 +3,9 @@
 
 usage: unused_check.py ROOT-OF-THE-PROJECT FOLDER-FOR-WHAT-IS-KNOWN-OF-UNCHANGED-FILES
 
-cppcheck finds the functions. It doesn't see a function that is named as a template argument, as in the interface tables, or
-called with template arguments, and it can't see the callers of the exported C functions.
+A function that only a test uses counts as used. cppcheck finds the functions. It doesn't see a function that is named as a
+template argument, as in the interface tables, or called with template arguments, and it can't see the callers of the exported C
+functions.
 """
 
 import re
