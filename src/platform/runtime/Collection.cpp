@@ -77,7 +77,7 @@ bool Enumerator::Next(Variant& item) {
 }
 
 Ref<Enumerator> Enumerator::Copy() const {
-    const Ref<Enumerator> copy = New<Enumerator>(*collection_);
+    Ref<Enumerator> copy = New<Enumerator>(*collection_);
     copy->next_ = next_;
     return copy;
 }
