@@ -12,8 +12,6 @@
 namespace Bench {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 double Seconds(const Report::Work& work) {
     const auto start = std::chrono::steady_clock::now();
     work();
@@ -65,12 +63,13 @@ void Report::Compare(const std::string& key, const std::string& what, const std:
     Add({key, what, unit, Median(ours) * scale, Median(theirs) * scale, Median(ratios), NoiseOf(ratios)});
 }
 
-void Report::Measure(const std::string& key, const std::string& what, const std::string& unit,
+bool Report::Measure(const std::string& key, const std::string& what, const std::string& unit,
                      const std::vector<Work>& works) {
-    if (!Wanted(key)) return;
+    if (!Wanted(key)) return false;
     std::vector<double> times;
     for (const Work& work : works) times.push_back(Seconds(work) * 1e6);
     Add({.key = key, .what = what, .unit = unit, .library_us = Median(times)});
+    return true;
 }
 
 void Report::Add(const Comparison& done) {
@@ -86,7 +85,7 @@ void Report::Add(const Comparison& done) {
 }
 
 std::string Report::Json() const {
-    auto rows = Bench::Json::array();
+    auto rows = nlohmann::ordered_json::array();
     const auto rounded = [](double value) { return std::round(value * 1000) / 1000; };
     for (const Comparison& done : done_)
         rows.push_back({{"key", done.key},
@@ -103,14 +102,14 @@ bool Report::NoSlowerThan(const std::string& baseline) const {
     std::ifstream in(baseline);
     if (!in) throw std::runtime_error(baseline + " can't be read");
     bool good = true;
-    for (const auto& before : Bench::Json::parse(in)) {
+    for (const auto& before : nlohmann::ordered_json::parse(in)) {
         const auto now = std::find_if(done_.begin(), done_.end(),
                                       [&](const Comparison& done) { return done.key == before.at("key"); });
         if (now == done_.end() || now->ratio <= 0) continue;
         const double ratio = before.at("ratio"), noise = before.at("noise");
         if (now->ratio - ratio <= now->noise + noise) continue;
-        std::printf("slower: %s: ratio %.2f, was %.2f (noise %.2f)\n", now->what.c_str(), now->ratio, ratio,
-                    now->noise + noise);
+        std::fprintf(stderr, "slower: %s: ratio %.2f, was %.2f (noise %.2f)\n", now->what.c_str(), now->ratio, ratio,
+                     now->noise + noise);
         good = false;
     }
     return good;

@@ -34,15 +34,17 @@ public:
         const std::string& key, const std::string& what, const std::string& unit, std::size_t count, int rounds,
         const Work& library, const Work& byHand, const Work& prepare = [] {});
 
-    /// Measures work of the library that has no counterpart by hand. `works` are run once each.
-    void Measure(const std::string& key, const std::string& what, const std::string& unit,
+    /// Measures work of the library that has no counterpart by hand. Each of `works` runs once; none runs, and the
+    /// result is false, if the key does not begin with `only`.
+    bool Measure(const std::string& key, const std::string& what, const std::string& unit,
                  const std::vector<Work>& works);
 
     /// Returns the results as a JSON array.
     std::string Json() const;
 
-    /// Prints each comparison whose ratio is above that of the baseline, a file with the result of `Json`, by more than
-    /// the noise of both. Returns false if there is one. Raises `std::runtime_error` if the file can't be read.
+    /// Prints to standard error each comparison whose ratio is above that of the baseline, a file with the result of
+    /// `Json`, by more than the noise of both. Returns false if there is one. Raises `std::runtime_error` if the file
+    /// can't be read.
     bool NoSlowerThan(const std::string& baseline) const;
 
 private:

@@ -174,14 +174,14 @@ void Hang(Report& report, const Ref<Connection>& con, std::size_t count) {
     std::vector<Report::Work> works;
     for (int i = 0; i < 400; ++i) {
         series.push_back(NewSeries(count));
-        works.emplace_back([images = series.back(), con, count] {
-            const Ref<cSerie> serie = New<cSerie>();
-            serie->ImgCount = static_cast<Long>(count);
-            serie->HangSeries(images, con);
-        });
+        const Ref<cSerie> serie = New<cSerie>();
+        serie->ImgCount = static_cast<Long>(count);
+        works.emplace_back([images = series.back(), serie, con] { serie->HangSeries(images, con); });
     }
     const std::string size = std::to_string(count);
-    report.Measure("hang-" + size, "hang " + size + " images, in memory", "whole", works);
+    if (!report.Measure("hang-" + size, "hang " + size + " images, in memory", "whole", works)) return;
+    for (const Ref<cImages>& images : series)
+        for (const cImage& image : *images) Require(image.FrameNumber > 0);
 }
 
 /// Loading a stored series, hanging it and saving its images, beside loading and updating the same rows.
