@@ -11,9 +11,9 @@ namespace OXClass {
 /// parameters; it applies none of them to an image. A member, a row and a COM client may hold any other number, which
 /// is loaded and stored unchanged. The numbers are stored in databases and must not change.
 enum ManipulationType : Long {
-    /// `StringParameter` names a file in image storage. A save deletes the file of the last stored cosmetic if the text
-    /// of the last new one differs from the stored text, or if there is no new one. The texts are compared by case and
-    /// with their blanks, except those around the stored text. A failure of the save keeps the file, and so does the
+    /// `StringParameter` names a file in image storage. A save deletes the file of the last stored cosmetic unless the
+    /// last new cosmetic has the same text. The comparison is case-sensitive and ignores only blanks around the stored
+    /// text. A failure of the save keeps the file, and so does the
     /// deletion of the placed image.
     ManCosmetic = 1,
     // The library stores the following kinds without an action of its own. The text of none of them is the name of a

@@ -80,7 +80,7 @@ def number_of(code: int) -> int:
 
 
 def error_of(code: int, source: str = "", description: str = "") -> Error:
-    """Returns the ``Error`` for a return code, with a default text if there is no description."""
+    """Returns the ``Error`` for a return code. An empty description is replaced by the standard text of the number."""
     number = number_of(code)
     if not description:
         description = _TEXTS.get(number, f"The call failed with the return code 0x{code & 0xFFFFFFFF:08X}")

@@ -10,8 +10,6 @@ namespace ADODB {
 
 using namespace Platform;
 
-namespace {}  // namespace
-
 template <class F>
 auto Connection::Engine(F call) -> decltype(call()) {
     try {

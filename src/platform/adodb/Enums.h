@@ -58,7 +58,7 @@ enum CommandTypeEnum : Long {
 /// nothing is deleted. Several rows are deleted by a DELETE statement.
 enum AffectEnum : Long { adAffectCurrent = 1, adAffectGroup = 2, adAffectAll = 3 };
 
-/// The state of a connection or a recordset. There are no states between the two: opening and running are synchronous.
+/// The state of a connection or a recordset. Opening and executing are synchronous, so no other state occurs.
 enum ObjectStateEnum : Long { adStateClosed = 0, adStateOpen = 1 };
 
 /// The pending edit of a recordset: none; `adEditInProgress`, a row to which a value was assigned; `adEditAdd`, a row

@@ -82,10 +82,10 @@ public:
 
     // ---- opening and closing --------------------------------------------------------------------
 
-    /// Runs a statement; the first row becomes current, or EOF and BOF are true if there are no rows. After a statement
-    /// that does not return rows the recordset is closed. With `adCmdTable`, `Source` is the name of a table, which
-    /// becomes part of the statement without quotes; otherwise it is one SQL statement. The cursor location that the
-    /// first successful open uses is kept for later ones.
+    /// Runs a statement. The first row becomes current; if the result is empty, both EOF and BOF are true. After a
+    /// statement that does not return rows the recordset is closed. With `adCmdTable`, `Source` is the name of a table,
+    /// which becomes part of the statement without quotes; otherwise it is one SQL statement. The cursor location that
+    /// the first successful open uses is kept for later ones.
     ///
     /// Raises 3705 if open; nothing changes then. Raises 3709 without an open connection, 3001 with
     /// `adExecuteNoRecords`, 3710 inside `WillExecute`, 3712 if a handler cancelled the statement, and what the engine
@@ -185,9 +185,9 @@ public:
     /// Returns the number of columns. Raises 3704 on a closed recordset.
     Long FieldCount() const { return Result().Count(); }
 
-    /// Returns true if there is a column with this name, without regard to case, also if there are no rows. A program
-    /// that expects to miss a column calls it instead of handling the failure of `Fields`, which costs more. Raises
-    /// 3704 on a closed recordset.
+    /// Returns true if the recordset has a column with this name, without regard to case; it need not have rows. For a
+    /// column that is often missing, this is faster than handling the failure of `Fields`. Raises 3704 on a closed
+    /// recordset.
     bool HasField(std::string_view name) const { return Result().Find(name) != Columns::Missing; }
 
     /// Read or assign a value. Raise as `Fields`, and as `Value` and `SetValue` of the column.

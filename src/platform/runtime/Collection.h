@@ -157,7 +157,7 @@ public:
         const Collection& collection_;
         Long position_;
     };
-    // The end is not a position: a loop ends when there is no member at the position of the iterator.
+    // A loop ends when the iterator is past the last member; the position in `end` is not used.
     Iterator begin() const { return {collection_, 1}; }
     Iterator end() const { return {collection_, 0}; }
 

@@ -83,7 +83,7 @@ void MsgBox(const String& prompt, Long buttons = 0);
 bool FileExists(const String& path);
 
 /// Deletes a file; of a symbolic link to a file it deletes the link. Raises 53 if it does not exist or is not a regular
-/// file, 70 if nobody may write it or the system does not delete it; it then still exists.
+/// file, 70 if it is read-only or the system refuses to delete it; the file then still exists.
 /// It is not moved to a wastebasket.
 void DeleteFile(const String& path);
 
