@@ -1,11 +1,42 @@
 #include "platform/runtime/Collection.h"
 
 #include <algorithm>
+#include <tsl/robin_set.h>
 
 namespace Platform {
 
+struct Collection::KeyIndex {
+    static std::string_view KeyOf(std::string_view key) { return key; }
+    static std::string_view KeyOf(const Node* node) { return node->key; }
+
+    // Both accept a node and a text, so that a text can be searched.
+    struct Hash {
+        using is_transparent = void;
+        template <class T>
+        std::size_t operator()(const T& a) const {
+            return std::hash<std::string_view>()(KeyOf(a));
+        }
+    };
+    struct Equal {
+        using is_transparent = void;
+        template <class A, class B>
+        bool operator()(const A& a, const B& b) const {
+            return KeyOf(a) == KeyOf(b);
+        }
+    };
+
+    // The set stores the hash of a key beside the pointer: a search reads only the node that it finds.
+    tsl::robin_set<Node*, Hash, Equal, std::allocator<Node*>, true> nodes;
+};
+
 Collection::Collection() = default;
 Collection::~Collection() = default;
+
+const Collection::Node* Collection::FindKey(const String& key) const {
+    if (!keys_) return nullptr;
+    const auto found = keys_->nodes.find(std::string_view(LCase(key)));
+    return found == keys_->nodes.end() ? nullptr : *found;
+}
 
 Long Collection::PositionOf(const Variant& indexOrKey) const {
     if (!indexOrKey.Is<String>()) {
@@ -13,10 +44,9 @@ Long Collection::PositionOf(const Variant& indexOrKey) const {
         if (position < 1 || position > Count()) Raise(err::OutOfBounds);
         return position;
     }
-    const auto found = keys_.find(LCase(indexOrKey.As<String>()));
-    if (found == keys_.end()) Raise(err::InvalidCall);
-    const auto at =
-        std::find_if(nodes_.begin(), nodes_.end(), [&](const auto& node) { return node.get() == found->second; });
+    const Node* const found = FindKey(indexOrKey.As<String>());
+    if (!found) Raise(err::InvalidCall);
+    const auto at = std::find_if(nodes_.begin(), nodes_.end(), [&](const auto& node) { return node.get() == found; });
     return static_cast<Long>(at - nodes_.begin()) + 1;
 }
 
@@ -36,7 +66,9 @@ void Collection::Add(const Variant& item, const Variant& key, const Variant& bef
     const Long place = PlaceFor(before, after);
     const bool keyed = key.Is<String>();
     auto node = std::make_unique<Node>(Node{item, keyed, keyed ? LCase(key.As<String>()) : String()});
-    if (keyed && !keys_.try_emplace(node->key, node.get()).second) Raise(err::DuplicateKey);
+    if (nodes_.size() == nodes_.capacity()) nodes_.reserve(2 * nodes_.size() + 4);  // so that nothing raises at the end
+    if (keyed && !keys_) keys_ = std::make_unique<KeyIndex>();
+    if (keyed && !keys_->nodes.insert(node.get()).second) Raise(err::DuplicateKey);
     nodes_.insert(nodes_.begin() + (place - 1), std::move(node));
     if (place < Count()) Shift(place - 1, 1);
 }
@@ -48,16 +80,16 @@ const Variant& Collection::At(Long position) const {
 
 const Variant& Collection::Item(const Variant& indexOrKey) const {
     if (!indexOrKey.Is<String>()) return At(CLng(indexOrKey));
-    const auto found = keys_.find(LCase(indexOrKey.As<String>()));
-    if (found == keys_.end()) Raise(err::InvalidCall);
-    return found->second->item;
+    const Node* const found = FindKey(indexOrKey.As<String>());
+    if (!found) Raise(err::InvalidCall);
+    return found->item;
 }
 
 void Collection::Remove(const Variant& indexOrKey) {
     const Long position = PositionOf(indexOrKey);
     const auto at = nodes_.begin() + (position - 1);
     const std::unique_ptr<Node> gone = std::move(*at);  // ends behind us, when the list is in order again
-    if (gone->keyed) keys_.erase(gone->key);
+    if (gone->keyed) keys_->nodes.erase(std::string_view(gone->key));
     nodes_.erase(at);
     Shift(position, -1);
 }

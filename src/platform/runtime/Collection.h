@@ -3,7 +3,6 @@
 #include "platform/runtime/Convert.h"
 
 #include <memory>
-#include <unordered_map>
 
 namespace Platform {
 
@@ -63,7 +62,7 @@ public:
     Long Count() const noexcept { return static_cast<Long>(nodes_.size()); }
 
     /// Returns true if a member has this key, without regard to case.
-    bool HasKey(const String& key) const { return keys_.contains(LCase(key)); }
+    bool HasKey(const String& key) const { return FindKey(key) != nullptr; }
 
     /// Removes a member; the positions of those after it decrease by one, and its key may be used again. An object
     /// whose last reference it was is deleted after the collection is changed, so its destructor may use the
@@ -85,7 +84,11 @@ private:
         bool keyed;
         String key;  // in lower case
     };
+    /// The members with a key, by their keys.
+    struct KeyIndex;
 
+    /// Returns the member with a key, or null.
+    const Node* FindKey(const String& key) const;
     /// Returns the position of a member, from 1. Raises as `Item`.
     Long PositionOf(const Variant& indexOrKey) const;
     /// Returns the position that a new member will have. Raises 5, 9 or as `CLng`.
@@ -94,8 +97,8 @@ private:
     void Shift(Long from, Long by) const;
 
     std::vector<std::unique_ptr<Node>> nodes_;
-    std::unordered_map<std::string_view, Node*> keys_;  // views into the nodes
-    mutable std::vector<Enumerator*> walks_;            // the enumerators of this collection
+    std::unique_ptr<KeyIndex> keys_;          // null until a member has a key
+    mutable std::vector<Enumerator*> walks_;  // the enumerators of this collection
 };
 
 /// An enumerator visits the members of a collection from the first to the last. It holds a reference to the collection,

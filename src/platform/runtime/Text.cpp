@@ -129,9 +129,13 @@ String Trim(std::string_view text) {
     return String(text.substr(first, text.find_last_not_of(' ') - first + 1));
 }
 
-String UCase(std::string_view text) { return MapCharacters(text, Upper); }
+String UCase(std::string_view text) {
+    return MapCharacters(text, [](char32_t code) { return Upper(code); });
+}
 
-String LCase(std::string_view text) { return MapCharacters(text, Lower); }
+String LCase(std::string_view text) {
+    return MapCharacters(text, [](char32_t code) { return Lower(code); });
+}
 
 bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
     for (std::size_t at = 0; at < std::min(a.size(), b.size()); ++at) {
