@@ -23,8 +23,8 @@ bool NzFlag(const Ref<Recordset>& rs, std::string_view column) {
 }  // namespace
 
 const Ref<cComments>& cImage::Comments() {
-    if (!comments_) comments_ = New<cComments>();
-    return comments_;
+    if (!comments_ || !*comments_) comments_ = New<cComments>();
+    return *comments_;
 }
 
 bool cImage::GetImage(const Ref<Connection>& Con, Long ImageBildID) {

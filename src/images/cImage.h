@@ -226,7 +226,7 @@ private:
     Long ComputedDPI() const;
 
     Completion loadCompletion_;
-    Ref<cComments> comments_ = New<cComments>();  // null only if a client sets it so
+    std::optional<Ref<cComments>> comments_;  // none until they are asked for; null if a client sets it so
 };
 
 }  // namespace OXClass

@@ -185,7 +185,8 @@ String cImage::UpdateStatement(const String& teeth) const {
 
 void cImage::SaveComments(const Ref<Connection>& Con) {
     constexpr Long width = 150;
-    for (cStringItem& comment : *comments_) {
+    if (!comments_) return;
+    for (cStringItem& comment : **comments_) {
         if (comment.bSaved) continue;
         Con->Execute(sql("INSERT INTO Comments_T ", "( dates, signature, tabelID, objectID,commentString ) ",
                          "VALUES (", "'", Stamp(comment.DateStamp), "',", "'",
