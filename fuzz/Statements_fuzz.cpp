@@ -113,8 +113,8 @@ private:
         String text;
         if (!outcome.columns) return text;
         for (Long i = 0; i < outcome.columns->Count(); ++i) text += outcome.columns->At(i).Name + "|";
-        for (const Row& row : outcome.rows)
-            for (Long i = 0; i < outcome.columns->Count(); ++i) text += CellText(row.At(i));
+        while (outcome.reader->Next())
+            for (Long i = 0; i < outcome.columns->Count(); ++i) text += CellText(outcome.reader->At(i));
         return text;
     }
 

@@ -87,8 +87,8 @@ Ref<cSerie> SeriesOf(const Ref<Recordset>& rs) {
 }
 
 /// Returns true if a computed column has this value; false for a null.
-bool Holds(const Ref<Recordset>& rs, std::string_view column, double number) {
-    const ADODB::Field field = rs->Fields(column);
+bool Holds(const Ref<Recordset>& rs, const ColumnName& column, double number) {
+    const ADODB::Field field = rs->FieldOf(column);
     return !field.IsNull() && field.As<double>() == number;
 }
 
@@ -190,7 +190,7 @@ Ref<Recordset> ReadSeries(const Ref<Connection>& con, Long patient, Integer& ste
 
 /// Runs `read` on a row. Adds a row that can't be read to `unread`, and raises nothing for it.
 template <class Read>
-void ReadOrNote(const Ref<Recordset>& rs, const char* kind, std::string_view key, std::vector<UnreadEntry>& unread,
+void ReadOrNote(const Ref<Recordset>& rs, const char* kind, const ColumnName& key, std::vector<UnreadEntry>& unread,
                 Read read) {
     try {
         read();

@@ -14,10 +14,10 @@ namespace {
 
 /// Returns one side of the card without its sign: the column `fullView`, or the column `preview` if that is
 /// null, empty or 0. Raises as `GetImageCard`.
-Long Side(const Ref<Recordset>& rs, std::string_view fullView, std::string_view preview) {
-    const auto text = [&](std::string_view column) { return "0" + CStr(std::abs(Nz<double>(rs, column))); };
-    const auto whole = [](std::string_view column, const String& side) {
-        return WithColumnName(column, [&] { return CLng(side); });
+Long Side(const Ref<Recordset>& rs, const ColumnName& fullView, const ColumnName& preview) {
+    const auto text = [&](const ColumnName& column) { return "0" + CStr(std::abs(Nz<double>(rs, column))); };
+    const auto whole = [](const ColumnName& column, const String& side) {
+        return WithColumnName(column.Text(), [&] { return CLng(side); });
     };
     const String side = text(fullView);
     return CDbl(side) != 0 ? whole(fullView, side) : whole(preview, text(preview));

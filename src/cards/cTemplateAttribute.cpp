@@ -11,7 +11,7 @@ using namespace Platform;
 namespace {
 
 /// Returns a measure: the column `fullView`, or the column `preview` if that is 0 or null.
-double Measure(const Ref<Recordset>& rs, std::string_view fullView, std::string_view preview) {
+double Measure(const Ref<Recordset>& rs, const ColumnName& fullView, const ColumnName& preview) {
     const double measure = Nz<double>(rs, fullView);
     return measure != 0 ? measure : Nz<double>(rs, preview);
 }

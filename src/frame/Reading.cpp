@@ -17,6 +17,13 @@ Ref<Recordset> OpenClient(const Ref<Connection>& con, const String& statement, L
     return rs;
 }
 
+Ref<Recordset> OpenUnbuffered(const Ref<Connection>& con, const String& statement) {
+    Ref<Recordset> rs = New<Recordset>();
+    rs->SetCursorLocation(ADODB::adUseClient);
+    rs->OpenUnbuffered(statement, con);
+    return rs;
+}
+
 Ref<Recordset> OpenUpdatable(const Ref<Connection>& con, const String& statement) {
     Ref<Recordset> rs = New<Recordset>();
     rs->SetCursorLocation(ADODB::adUseClient);

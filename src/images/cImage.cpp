@@ -11,13 +11,27 @@ using namespace Platform;
 namespace {
 
 /// Returns the column as a flag: false for 0, true for any other number.
-bool Flag(const Ref<Recordset>& rs, std::string_view column) {
-    return OfColumn(rs, column, [](const ADODB::Field& field) { return CInt(field.Value()) != 0; });
+bool Flag(const Ref<Recordset>& rs, const ColumnName& column) {
+    return OfColumn(rs, column, [](const ADODB::Field& field) {
+        if (const auto whole = field.StoredWhole(); whole && std::in_range<Integer>(*whole)) return *whole != 0;
+        return CInt(field.Value()) != 0;
+    });
 }
 
 /// Returns the same, with false for a null.
-bool NzFlag(const Ref<Recordset>& rs, std::string_view column) {
-    return OfColumn(rs, column, [](const ADODB::Field& field) { return CInt(NzValue(field.Value())) != 0; });
+bool NzFlag(const Ref<Recordset>& rs, const ColumnName& column) {
+    return OfColumn(rs, column, [](const ADODB::Field& field) {
+        if (const auto whole = field.StoredWhole(); whole && std::in_range<Integer>(*whole)) return *whole != 0;
+        return CInt(NzValue(field.Value())) != 0;
+    });
+}
+
+/// Returns the number at the start of the column's text; 0 for a null.
+Long NumberInText(const Ref<Recordset>& rs, const ColumnName& column) {
+    return OfColumn(rs, column, [](const ADODB::Field& field) {
+        if (const auto whole = field.StoredWhole()) return *whole;
+        return CLng(Val(Trim(field.Or<String>({}))));
+    });
 }
 
 }  // namespace
@@ -29,7 +43,7 @@ const Ref<cComments>& cImage::Comments() {
 
 bool cImage::GetImage(const Ref<Connection>& Con, Long ImageBildID) {
     try {
-        const Ref<Recordset> rs = OpenClient(
+        const Ref<Recordset> rs = OpenUnbuffered(
             Con, sql("SELECT ", "ImageBildID, ToothCollectionID, PatientID, ",
                      "DateCaptured_SD, Comments_NVC, StandCollName_NVC, ",
                      "ComputedDPI_INT, HardwareSourceId_INT, HardwareSourcetxt_NVC, ",
@@ -44,7 +58,6 @@ bool cImage::GetImage(const Ref<Connection>& Con, Long ImageBildID) {
                      "DCMDerived_BT, Laterality, AnaRegion, AnaRegionMod, PriStructure, SubType_INT, Gamma_INT ",
                      "FROM ImageBild_T ", "LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId ",
                      "Where ImageBildID = ", ImageBildID, ";"));
-        rs->SetActiveConnection(nullptr);
         const bool found = !rs->Eof();
         loadCompletion_.Begin();
         if (found) GetFromRecord(rs);
@@ -82,9 +95,9 @@ void cImage::ReadColumns(const Ref<Recordset>& rs, bool& repairing) {
     ApprInvert = Flag(rs, "Invert_BT");
     PatID = Required<Long>(rs, "PatientID");
     RespPerson = TextOrEmpty(rs, "Responsible_Person_NVC");
-    constexpr std::string_view ofImage = "ImageBild_T.RootId";
-    repairing = !rs->HasField(ofImage);
-    RootId = Required<Long>(rs, repairing ? "RootId" : ofImage);
+    constexpr ColumnName ofImage = "ImageBild_T.RootId";
+    repairing = !rs->HasField(ofImage.Text());
+    RootId = Required<Long>(rs, repairing ? ColumnName("RootId") : ofImage);
     repairing = false;
     OfColumn(rs, "Status", [](const ADODB::Field&) {});
     OfColumn(rs, "RootDirectory", [&](const ADODB::Field& field) {
@@ -95,7 +108,7 @@ void cImage::ReadColumns(const Ref<Recordset>& rs, bool& repairing) {
     Laterality = TextOrEmpty(rs, "Laterality");
     sTeeth = TextOrEmpty(rs, "PriStructure");
     MirrRotStatus = ValueOr(rs, "MirrRotStatus", 1);
-    CRC = Trim(TextOrEmpty(rs, "CRC"));
+    CRC = TrimmedText(rs, "CRC");
     DPIY = Nz<Long>(rs, "DPIY_INT");
     DPIX = Nz<Long>(rs, "DPIX_INT");
     Voltage_kV = Nz<Long>(rs, "Voltage_INT");
@@ -103,18 +116,17 @@ void cImage::ReadColumns(const Ref<Recordset>& rs, bool& repairing) {
     CapturePerson = TextOrEmpty(rs, "Capture_Person_NVC");
     studyID = Nz<Long>(rs, "Study_ID");
     seriesID = Nz<Long>(rs, "Series_ID");
-    instanceUID = Trim(TextOrEmpty(rs, "SOPInstanceUID_NVC"));
-    ImageNumberInSeries =
-        WithColumnName("ImageNumberInSeries", [&] { return CLng(Val(Trim(TextOrEmpty(rs, "ImageNumberInSeries")))); });
+    instanceUID = TrimmedText(rs, "SOPInstanceUID_NVC");
+    ImageNumberInSeries = NumberInText(rs, "ImageNumberInSeries");
     DicomStatus = Nz<Integer>(rs, "DicomStatus_INT");
-    constexpr std::string_view frame = "FrameNumber_INT";
+    constexpr ColumnName frame = "FrameNumber_INT";
     FrameNumber = LateNumber(OfColumn(rs, frame, [](const ADODB::Field& field) { return NzValue(field.Value()); }));
     SubType = Nz<Long>(rs, "SubType_INT");
     ApprGamma = Nz<Long>(rs, "Gamma_INT");
-    ApprCrop = Trim(TextOrEmpty(rs, "AnatomicRegion"));
+    ApprCrop = TrimmedText(rs, "AnatomicRegion");
     DCMDerived = Nz<Integer>(rs, "DCMDerived_BT");
     // A frame that isn't a number raises in each operation that needs it, so the load isn't complete.
-    WithColumnName(frame, [&] { return Long{FrameNumber}; });
+    WithColumnName(frame.Text(), [&] { return Long{FrameNumber}; });
 }
 
 void cImage::addComment(const String& sComment, const String& sSignature, const Date& commentDate, const bool& saved,

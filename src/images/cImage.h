@@ -4,6 +4,8 @@
 #include "frame/SharedTypes.h"
 #include "images/cComments.h"
 
+#include <optional>
+
 namespace OXClass {
 
 /// A whole number that is stored as it was read, and converted when a caller reads it. 0 if nothing was read.

@@ -44,8 +44,17 @@ Long cImages::LoadReadable(const Ref<Connection>& conn, const ImageOwnerOjectTyp
 Long cImages::Load(const Ref<Connection>& con, const String& statement, bool partlyReadToo) {
     Clear();
     unread_.clear();
-    const Ref<Recordset> rs = OpenClient(con, statement);
-    for (; !rs->Eof(); rs->MoveNext()) {
+    const Ref<Recordset> rs = OpenUnbuffered(con, statement);
+    const auto moveNext = [&] {
+        try {
+            rs->MoveNext();
+        } catch (...) {
+            Clear();  // as if the statement had failed at once
+            unread_.clear();
+            throw;
+        }
+    };
+    for (; !rs->Eof(); moveNext()) {
         const Ref<cImage> image = New<cImage>();
         try {
             image->GetFromRecord(rs);

@@ -6,6 +6,7 @@ namespace {
 using namespace ADODB;
 
 int failAt = 0;
+int failAtRow = 0;
 int calls = 0;
 Error failsWith;
 std::function<void()> between;
@@ -15,6 +16,21 @@ void Count() {
     if (between) between();
     if (calls == failAt) throw Error(failsWith);
 }
+
+/// Fails before a row.
+class FaultyRows final : public RowReader {
+public:
+    FaultyRows(std::unique_ptr<RowReader> real, int row) : real_(std::move(real)), left_(row) {}
+    bool Next() override {
+        if (--left_ == 0) throw Error(Injected());
+        return real_->Next();
+    }
+    Cell At(Long ordinal) const override { return real_->At(ordinal); }
+
+private:
+    std::unique_ptr<RowReader> real_;
+    int left_;
+};
 
 class FaultySession final : public Session {
 public:
@@ -75,9 +91,12 @@ Error DiskFull() {
 
 void FailAtCall(int number, const Error& failure) {
     failAt = number;
+    failAtRow = 0;
     failsWith = failure;
     calls = 0;
 }
+
+void FailAtRow(int row) { failAtRow = row; }
 
 void BeforeEachCall(std::function<void()> action) { between = std::move(action); }
 

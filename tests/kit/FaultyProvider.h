@@ -17,6 +17,10 @@ Error DiskFull();
 /// no call fails.
 void FailAtCall(int number, const Error& failure = Injected());
 
+/// Makes each later statement that returns rows fail before the row with this number, from 1, until `FailAtCall` is
+/// called.
+void FailAtRow(int row);
+
 /// Runs `action` before each call from now on. The action simulates what other programs do between two calls; its own
 /// calls are not counted.
 void BeforeEachCall(std::function<void()> action);

@@ -48,9 +48,10 @@ void Connection::Open(const String& ConnectionString, const String& UserID, cons
     level_ = 0;
 }
 
-Session& Connection::Ready() const {
+Session& Connection::Ready() {
     Session& session = Opened();
     if (announcing_) RaiseAdo(adErrNotReentrant, ConnectionSource);
+    if (reading_) reading_->CopyUnread();
     if (level_ > 0 && !session.InTransaction())
         RaiseAdo(NoTransaction, ConnectionSource,
                  "The engine has rolled the transaction back after a failure. Call RollbackTrans before "
@@ -110,40 +111,57 @@ void Connection::Announce(ExecuteRequest& request) {
     if (request.Status == adStatusCancel) RaiseAdo(adErrOperationCancelled, ConnectionSource);
 }
 
-Outcome Connection::Run(ExecuteRequest& request) {
-    Session& session = Ready();
-    if (request.Options > 0 && (request.Options & adCmdTable) != 0) request.Source = "select * from " + request.Source;
-    if (handlers_.empty()) return Engine([&] { return session.Run(request.Source); });
-    Announce(request);
-    Outcome outcome = RunTimed(request);
-    Opened();  // a handler may have closed the connection
-    return outcome;
+Connection::Result Connection::RunWhole(Session& session, const String& statement) {
+    Outcome outcome = session.Run(statement);
+    Result result{std::move(outcome.columns), {}, outcome.affected};
+    if (outcome.reader)
+        while (outcome.reader->Next()) result.rows.Append(*outcome.reader, result.columns->Count());
+    return result;
 }
 
-Outcome Connection::RunTimed(const ExecuteRequest& request) {
+Connection::Result Connection::Run(ExecuteRequest& request) {
+    Session& session = Ready();
+    if (request.Options > 0 && (request.Options & adCmdTable) != 0) request.Source = "select * from " + request.Source;
+    if (handlers_.empty()) return Engine([&] { return RunWhole(session, request.Source); });
+    Announce(request);
+    Result result = RunTimed(request);
+    Opened();  // a handler may have closed the connection
+    return result;
+}
+
+Connection::Result Connection::RunTimed(const ExecuteRequest& request) {
     using Clock = std::chrono::steady_clock;
     const auto start = Clock::now();
     ExecuteReport report{.Source = request.Source};
-    Outcome outcome;
+    Result result;
     std::optional<Error> failure;
     try {
-        outcome = Engine([&] { return Opened().Run(request.Source); });
+        result = Engine([&] { return RunWhole(Opened(), request.Source); });
     } catch (const Error& raised) {
         failure = raised;
         report.Failure = &*failure;
     }
-    report.RecordsAffected = outcome.affected;
-    report.Rows = static_cast<std::int64_t>(outcome.rows.size());
+    report.RecordsAffected = result.affected;
+    report.Rows = static_cast<std::int64_t>(result.rows.all.size());
     report.Seconds = std::chrono::duration<double>(Clock::now() - start).count();
     Tell([&](ConnectionEvents& handler) { handler.ExecuteComplete(report); });
     if (failure) throw Error(*failure);
-    return outcome;
+    return result;
+}
+
+Outcome Connection::RunUnbuffered(const String& statement) {
+    Session& session = Ready();
+    return Engine([&] { return session.Run(statement); });
+}
+
+bool Connection::ReadNext(RowReader& reader) {
+    return Engine([&] { return reader.Next(); });
 }
 
 Ref<Recordset> Connection::Execute(const String& CommandText, Long* RecordsAffected, Long Options) {
     ExecuteRequest request{.Source = CommandText, .Options = Options};
-    Outcome outcome = Run(request);
-    if (RecordsAffected) *RecordsAffected = static_cast<Long>(outcome.affected);
+    Result result = Run(request);
+    if (RecordsAffected) *RecordsAffected = static_cast<Long>(result.affected);
     if (Options > 0 && (Options & adExecuteNoRecords) != 0) return nullptr;
     Ref<Recordset> result = New<Recordset>();
     result->TakeResult(Ref<Connection>(this), std::move(request), std::move(outcome));
@@ -176,6 +194,7 @@ void Connection::RollbackTrans() {
     Session& session = Opened();
     if (announcing_) RaiseAdo(adErrNotReentrant, ConnectionSource);
     if (level_ == 0) RaiseAdo(NoTransaction, ConnectionSource);
+    if (reading_) reading_->CopyUnread();
     Engine([&] { session.RollBack(level_); });
     --level_;
     Tell([](ConnectionEvents& handler) { handler.RollbackTransComplete(); });

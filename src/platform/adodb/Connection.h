@@ -131,17 +131,30 @@ public:
 private:
     friend class Recordset;
 
+    /// The result of a statement with all its rows.
+    struct Result {
+        std::shared_ptr<const Columns> columns;  ///< null if the statement does not return rows
+        Rows rows;
+        std::int64_t affected = -1;
+    };
+
     Session& Opened() const;
-    /// Returns the session. Raises 3704 if closed, 3710 inside `WillExecute`, and 0x8004D00E if the engine has rolled
-    /// back the transaction that the client opened.
-    Session& Ready() const;
+    /// Returns the session, after the rows that a recordset is reading were copied (`reading_`). Raises 3704 if closed,
+    /// 3710 inside `WillExecute`, and 0x8004D00E if the engine has rolled back the transaction that the client opened.
+    Session& Ready();
     /// Calls each handler; a handler that an earlier one removed is not called.
     template <class Call>
     void Tell(Call call);
     /// Runs the statement of `request` between its two events.
-    Outcome Run(ExecuteRequest& request);
+    Result Run(ExecuteRequest& request);
     void Announce(ExecuteRequest& request);
-    Outcome RunTimed(const ExecuteRequest& request);
+    Result RunTimed(const ExecuteRequest& request);
+    /// Runs a statement and reads all its rows.
+    static Result RunWhole(Session& session, const String& statement);
+    /// Runs a statement and returns its rows unread; `statement` must live as long as they are read. Calls no handler.
+    Outcome RunUnbuffered(const String& statement);
+    /// Moves the reader to the next row.
+    bool ReadNext(RowReader& reader);
     /// Posts a change of a recordset's row; returns the number of rows that it changed.
     std::int64_t Change(const String& statement, std::span<const Variant> values);
     /// Runs a call into the engine; stores its failure in `Errors`.
@@ -153,6 +166,7 @@ private:
     Long level_ = 0;
     bool announcing_ = false;
     std::vector<Recordset*> open_;
+    Recordset* reading_ = nullptr;  // the recordset whose statement is still running, if there is one
     std::vector<ConnectionEvents*> handlers_;
     std::vector<std::unique_ptr<ConnectionEvents>> owned_;
     std::vector<std::unique_ptr<ConnectionEvents>> leaving_;  // removed while handlers are being called

@@ -35,9 +35,11 @@ Recordset::~Recordset() { Release(); }
 
 void Recordset::Release() {
     if (columns_ && connection_) std::erase(connection_->open_, this);
+    StopReading();
     columns_.reset();
-    rows_.clear();
-    store_ = {};
+    rows_ = {};
+    cutShort_ = nullptr;
+    unbuffered_ = false;
     edit_.reset();
     onDeleted_ = false;
 }
@@ -53,32 +55,86 @@ void Recordset::RaiseNoColumn() { RaiseAdo(adErrItemNotFound, RecordsetSource); 
 
 void Recordset::Open(const String& Source, const Ref<Connection>& ActiveConnection, CursorTypeEnum CursorType,
                      LockTypeEnum LockType, Long Options) {
-    if (columns_) RaiseAdo(adErrObjectOpen, RecordsetSource);
-    if (!ActiveConnection || ActiveConnection->State() == adStateClosed)
-        RaiseAdo(adErrInvalidConnection, RecordsetSource);
+    RequireOpenable(ActiveConnection);
     if (Options > 0 && (Options & adExecuteNoRecords) != 0) RaiseAdo(adErrInvalidArgument, RecordsetSource);
     cursor_ = CursorType;
     lock_ = LockType;
     ExecuteRequest request{.Source = Source, .CursorType = CursorType, .LockType = LockType, .Options = Options};
-    Outcome outcome = ActiveConnection->Run(request);
-    TakeResult(ActiveConnection, std::move(request), std::move(outcome));
+    Connection::Result result = ActiveConnection->Run(request);
+    TakeResult(ActiveConnection, std::move(request), std::move(result));
 }
 
-void Recordset::TakeResult(Ref<Connection> connection, ExecuteRequest&& request, Outcome&& outcome) {
-    connection_ = std::move(connection);
+void Recordset::RequireOpenable(const Ref<Connection>& connection) const {
+    if (columns_) RaiseAdo(adErrObjectOpen, RecordsetSource);
+    if (!connection || connection->State() == adStateClosed) RaiseAdo(adErrInvalidConnection, RecordsetSource);
+}
+
+void Recordset::OpenUnbuffered(const String& Source, const Ref<Connection>& ActiveConnection, Long Options) {
+    RequireOpenable(ActiveConnection);
+    if (ActiveConnection->Handlers().empty()) {
+        source_ = Source;  // the running statement refers to this text
+        options_ = Options;
+        Outcome outcome = ActiveConnection->RunUnbuffered(source_);
+        const bool any = outcome.reader && ActiveConnection->ReadNext(*outcome.reader);
+        TakeColumns(ActiveConnection, adOpenForwardOnly, adLockReadOnly, std::move(outcome.columns));
+        bof_ = eof_ = !any;
+        if (any) {
+            reader_ = std::move(outcome.reader);
+            connection_->reading_ = this;
+        }
+    } else {
+        Open(Source, ActiveConnection, adOpenForwardOnly, adLockReadOnly, Options);
+    }
+    unbuffered_ = true;
+    actualCursor_ = adOpenForwardOnly;
+}
+
+void Recordset::TakeResult(const Ref<Connection>& connection, ExecuteRequest&& request, Connection::Result&& result) {
     source_ = std::move(request.Source);
     options_ = request.Options;
+    TakeColumns(connection, request.CursorType, request.LockType, std::move(result.columns));
+    rows_ = std::move(result.rows);
+    bof_ = eof_ = rows_.all.empty();
+}
+
+void Recordset::TakeColumns(const Ref<Connection>& connection, CursorTypeEnum cursor, LockTypeEnum lock,
+                            std::shared_ptr<const Columns>&& columns) {
+    connection_ = connection;
     const CursorLocationEnum location = location_.value_or(connection_->CursorLocation);
     location_ = location;
-    actualCursor_ = ActualCursor(location, request.CursorType, request.LockType);
-    actualLock_ = ActualLock(location, request.LockType);
-    columns_ = std::move(outcome.columns);
-    if (!columns_) return;
-    rows_ = std::move(outcome.rows);
-    store_ = std::move(outcome.store);
+    actualCursor_ = ActualCursor(location, cursor, lock);
+    actualLock_ = ActualLock(location, lock);
+    columns_ = std::move(columns);
     position_ = 0;
-    bof_ = eof_ = rows_.empty();
-    connection_->open_.push_back(this);
+    if (columns_) connection_->open_.push_back(this);
+}
+
+void Recordset::StopReading() {
+    if (!reader_) return;
+    connection_->reading_ = nullptr;
+    reader_.reset();
+}
+
+void Recordset::CopyUnread() {
+    try {
+        do rows_.Append(*reader_, columns_->Count());
+        while (connection_->ReadNext(*reader_));
+    } catch (...) {
+        cutShort_ = std::current_exception();
+    }
+    StopReading();
+    eof_ = rows_.all.empty();
+}
+
+void Recordset::ReadOn(Long rows) {
+    try {
+        for (; rows > 0 && !eof_; --rows) eof_ = !connection_->ReadNext(*reader_);
+    } catch (...) {
+        eof_ = true;
+        StopReading();
+        throw;
+    }
+    if (eof_) StopReading();
 }
 
 void Recordset::Close() {
@@ -95,9 +151,9 @@ void Recordset::Requery() {
     const String source = source_;
     // The text is already whole: a table name has become its select.
     ExecuteRequest request{.Source = source, .CursorType = cursor_, .LockType = lock_};
-    Outcome outcome = connection->Run(request);
+    Connection::Result result = connection->Run(request);
     Release();
-    TakeResult(connection, std::move(request), std::move(outcome));
+    TakeResult(connection, std::move(request), std::move(result));
 }
 
 void Recordset::SetSource(const String& source) {
@@ -123,6 +179,7 @@ void Recordset::SetCursorLocation(CursorLocationEnum location) {
 void Recordset::SetActiveConnection(const Ref<Connection>& connection) {
     if (columns_ && CursorLocation() != adUseClient) RaiseAdo(adErrObjectOpen, RecordsetSource);
     if (connection && connection->State() == adStateClosed) RaiseAdo(adErrInvalidConnection, RecordsetSource);
+    if (reader_) CopyUnread();
     if (columns_ && connection_) std::erase(connection_->open_, this);
     connection_ = connection;
     if (columns_ && connection_) connection_->open_.push_back(this);
@@ -141,12 +198,13 @@ bool Recordset::Bof() const {
 Long Recordset::RecordCount() const {
     Result();
     if (actualCursor_ == adOpenForwardOnly) return -1;
-    return static_cast<Long>(rows_.size()) + (IsAdding() ? 1 : 0);
+    return RowCount() + (IsAdding() ? 1 : 0);
 }
 
 Long Recordset::AbsolutePosition() const {
     Result();
-    if (IsAdding()) return static_cast<Long>(rows_.size()) + 1;
+    if (unbuffered_) return adPosUnknown;
+    if (IsAdding()) return RowCount() + 1;
     if (bof_ && eof_) return adPosUnknown;
     if (bof_) return adPosBOF;
     return eof_ ? adPosEOF : position_ + 1;
@@ -161,7 +219,7 @@ void Recordset::RequireScrolling() const {
 }
 
 void Recordset::GoTo(Long position) {
-    const auto count = static_cast<Long>(rows_.size());
+    const Long count = RowCount();
     onDeleted_ = false;
     position_ = std::clamp(position, Long{0}, count);
     bof_ = position < 0 || count == 0;
@@ -170,6 +228,7 @@ void Recordset::GoTo(Long position) {
 
 void Recordset::MoveFirst() {
     Update();
+    if (unbuffered_) RequireScrolling();
     if (bof_ && eof_) RaiseAdo(adErrNoCurrentRecord, RecordsetSource);
     GoTo(0);
 }
@@ -178,8 +237,8 @@ void Recordset::MoveLast() {
     Update();
     RequireScrolling();
     if (bof_ && eof_) RaiseAdo(adErrNoCurrentRecord, RecordsetSource);
-    GoTo(static_cast<Long>(rows_.size()) - 1);
-    if (rows_.empty()) eof_ = true;
+    GoTo(RowCount() - 1);
+    if (RowCount() == 0) eof_ = true;
 }
 
 void Recordset::MoveNext() { Move(1); }
@@ -193,9 +252,11 @@ void Recordset::Move(Long rows) {
     if ((bof_ && eof_) || (forward && eof_) || (rows < 0 && bof_) || (rows == 0 && (bof_ || eof_)))
         RaiseAdo(adErrNoCurrentRecord, RecordsetSource);
     if (rows == 0) return;
+    if (reader_) return ReadOn(rows);
     std::int64_t from = bof_ ? -1 : position_;
     if (onDeleted_ && forward) --from;  // the row behind the deleted one has moved into its place
-    GoTo(static_cast<Long>(std::clamp<std::int64_t>(from + rows, -1, static_cast<std::int64_t>(rows_.size()))));
+    if (cutShort_ && from + rows >= RowCount()) std::rethrow_exception(cutShort_);
+    GoTo(static_cast<Long>(std::clamp<std::int64_t>(from + rows, -1, RowCount())));
 }
 
 Long Recordset::OrdinalOf(std::string_view name) const {
@@ -212,7 +273,7 @@ void Recordset::RequireCurrent() const {
 
 Variant Recordset::ValueAt(Long ordinal) const {
     const Column& column = ColumnAt(ordinal);
-    if (!edit_) return ValueOf(Current().At(ordinal), column);
+    if (!edit_) return ValueOf(CurrentCell(ordinal), column);
     if (const auto& assigned = edit_->assigned[static_cast<std::size_t>(ordinal)])
         return ValueOf(CellOf(*assigned), column);
     return edit_->mode == adEditAdd ? Variant(Null{}) : OriginalAt(ordinal);
@@ -220,7 +281,7 @@ Variant Recordset::ValueAt(Long ordinal) const {
 
 Variant Recordset::OriginalAt(Long ordinal) const {
     const Column& column = ColumnAt(ordinal);
-    return IsAdding() ? Variant(Null{}) : ValueOf(Current().At(ordinal), column);
+    return IsAdding() ? Variant(Null{}) : ValueOf(CurrentCell(ordinal), column);
 }
 
 }  // namespace ADODB

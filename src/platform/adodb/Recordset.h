@@ -3,6 +3,7 @@
 #include "platform/adodb/Connection.h"
 #include "platform/runtime/Convert.h"
 
+#include <exception>
 #include <optional>
 
 namespace ADODB {
@@ -42,6 +43,14 @@ public:
     template <class T>
     T As() const;
 
+    /// Returns the same; `otherwise` for a null. Raises as `As`.
+    template <class T>
+    T Or(const T& otherwise) const;
+
+    /// Returns `As<Long>()` if the value is stored as a whole number of 32 bits; no value otherwise, and while an edit
+    /// is pending. Raises as `Value`.
+    std::optional<Long> StoredWhole() const;
+
     /// Returns the value that the row had before it was edited, also if the edit assigned another one; null in a new
     /// row. It is the value of the snapshot, which is not read again from the table. Raises as `Value`.
     Variant OriginalValue() const;
@@ -56,6 +65,10 @@ public:
     void SetValue(const Variant& value);
 
 private:
+    std::optional<Long> WholeOf(const Cell& cell) const;
+    template <class T>
+    T From(const Cell& cell) const;
+
     Recordset* recordset_;
     Long ordinal_;
 };
@@ -93,6 +106,20 @@ public:
     void Open(const String& Source, const Ref<Connection>& ActiveConnection,
               CursorTypeEnum CursorType = adOpenForwardOnly, LockTypeEnum LockType = adLockReadOnly,
               Long Options = adCmdUnspecified);
+
+    /// Opens a select that the caller reads once, from the first row to the last, as `Open` does with a forward-only,
+    /// read-only cursor. Each row is read from the engine when it is reached, so that no row is copied. `CursorType` is
+    /// forward-only at every location, and earlier rows are not kept: `MoveFirst` raises 3219 as `MovePrevious` does,
+    /// `RecordCount` is -1 and `AbsolutePosition` is `adPosUnknown`.
+    ///
+    /// The rows are still those of the moment at which the statement ran. The current row and the later ones are copied
+    /// before the connection does anything else, and when the recordset is disconnected. All rows are copied at once if
+    /// the connection has handlers. While rows are unread, the statement runs and holds its read lock, therefore the
+    /// caller must read to the end or close the recordset before it returns to its own caller.
+    ///
+    /// Raises as `Open`. In addition, `MoveNext` raises what the engine raises at a later row; there is no current row
+    /// then. Not part of the interface by name.
+    void OpenUnbuffered(const String& Source, const Ref<Connection>& ActiveConnection, Long Options = adCmdText);
 
     /// Releases the rows; the connection and the source are kept. The recordset can be opened again. Raises 3704 if
     /// closed, 3219 while an edit is pending; nothing changes then.
@@ -182,6 +209,12 @@ public:
     /// such column.
     Field Fields(std::string_view name) { return {*this, OrdinalOf(name)}; }
     Field Fields(Long ordinal) { return {*this, OrdinalOf(ordinal)}; }
+    /// Returns the column with a name that is a literal, faster than `Fields`. Raises as `Fields`. C++ only.
+    Field FieldOf(const ColumnName& name) {
+        const Long ordinal = Result().Find(name);
+        if (ordinal == Columns::Missing) RaiseNoColumn();
+        return {*this, ordinal};
+    }
     /// Returns the number of columns. Raises 3704 on a closed recordset.
     Long FieldCount() const { return Result().Count(); }
 
@@ -250,7 +283,18 @@ private:
     };
 
     /// Stores the result of a statement that `connection` has run. The recordset must be closed.
-    void TakeResult(Ref<Connection> connection, ExecuteRequest&& request, Outcome&& outcome);
+    void TakeResult(const Ref<Connection>& connection, ExecuteRequest&& request, Connection::Result&& result);
+    /// Opens the recordset with these columns and no rows; it stays closed without columns.
+    void TakeColumns(const Ref<Connection>& connection, CursorTypeEnum cursor, LockTypeEnum lock,
+                     std::shared_ptr<const Columns>&& columns);
+    /// Raises as `Open` if the recordset is open or the connection is closed.
+    void RequireOpenable(const Ref<Connection>& connection) const;
+    /// Copies the current row and those that are not read yet, and ends the statement.
+    void CopyUnread();
+    /// Ends the statement; the rows that are not read are lost.
+    void StopReading();
+    /// Moves forward in the rows that are not read yet.
+    void ReadOn(Long rows);
     /// Closes the recordset and releases its connection, which is being closed.
     void ConnectionClosed();
     /// Releases the rows and the pending edit; does nothing if closed.
@@ -272,16 +316,21 @@ private:
     void RequireUpdatable() const;  ///< raises 3704, 3251, 3709
     const Row& Current() const {
         if (!columns_ || bof_ || eof_ || onDeleted_) RequireCurrent();
-        return rows_[static_cast<std::size_t>(position_)];
+        return rows_.all[static_cast<std::size_t>(position_)];
+    }
+    Long RowCount() const noexcept { return static_cast<Long>(rows_.all.size()); }
+    /// Returns a value of the current row. Raises as `RequireCurrent`.
+    Cell CurrentCell(Long ordinal) const { return reader_ ? reader_->At(ordinal) : Current().At(ordinal); }
+    /// Returns the same for a field, nothing while an edit is pending. Raises in addition 3704 and 3265, because the
+    /// recordset may have been closed or opened again since the field was created.
+    std::optional<Cell> StoredCell(Long ordinal) const {
+        if (!columns_ || ordinal >= columns_->Count()) ColumnAt(ordinal);
+        if (edit_) return {};
+        return CurrentCell(ordinal);
     }
     /// Sets the position, from 0. Sets BOF below 0 and EOF at the number of rows or above.
     void GoTo(Long position);
 
-    /// Returns the cell at the current row, or null while an edit is pending.
-    const Cell* CellAt(Long ordinal) const {
-        ColumnAt(ordinal);
-        return edit_ ? nullptr : &Current().At(ordinal);
-    }
     /// Returns the column of a field; the recordset may have been closed or opened again since the field was created.
     const Column& ColumnAt(Long ordinal) const { return Result().At(OrdinalOf(ordinal)); }
     bool IsAdding() const noexcept { return edit_ && edit_->mode == adEditAdd; }
@@ -311,9 +360,11 @@ private:
     LockTypeEnum actualLock_ = adLockReadOnly;
 
     std::shared_ptr<const Columns> columns_;  // null while closed
-    std::vector<Row> rows_;
-    RowStore store_;
-    Long position_ = 0;  // of the current row, from 0; of the next row if the current one is deleted
+    Rows rows_;
+    std::unique_ptr<RowReader> reader_;  // at the current row, while the statement is running; `rows_` is empty then
+    bool unbuffered_ = false;            // opened by `OpenUnbuffered`
+    std::exception_ptr cutShort_;        // why the rows after the last of `rows_` could not be copied
+    Long position_ = 0;                  // of the current row, from 0; of the next row if the current one is deleted
     bool bof_ = true;
     bool eof_ = true;
     bool onDeleted_ = false;
@@ -321,29 +372,52 @@ private:
 };
 
 inline bool Field::IsNull() const {
-    const Cell* const cell = recordset_->CellAt(ordinal_);
+    const std::optional<Cell> cell = recordset_->StoredCell(ordinal_);
     return cell ? cell->kind == Cell::Kind::Null : Value().Is<Null>();
 }
 
 inline bool Field::IsText() const {
-    const Cell* const cell = recordset_->CellAt(ordinal_);
+    const std::optional<Cell> cell = recordset_->StoredCell(ordinal_);
     return cell ? cell->kind == Cell::Kind::Text : Value().Is<String>();
+}
+
+inline std::optional<Long> Field::StoredWhole() const {
+    const std::optional<Cell> cell = recordset_->StoredCell(ordinal_);
+    return cell ? WholeOf(*cell) : std::nullopt;
+}
+
+inline std::optional<Long> Field::WholeOf(const Cell& cell) const {
+    if (cell.kind != Cell::Kind::Whole || !std::in_range<Long>(cell.whole)) return {};
+    if (recordset_->columns_->At(ordinal_).Type == adBoolean) return cell.whole != 0 ? -1 : 0;
+    return static_cast<Long>(cell.whole);
+}
+
+template <class T>
+T Field::From(const Cell& cell) const {
+    const Column& column = recordset_->columns_->At(ordinal_);
+    if constexpr (std::is_same_v<T, Long> || std::is_enum_v<T>) {
+        if (const std::optional<Long> whole = WholeOf(cell)) return static_cast<T>(*whole);
+    } else if constexpr (std::is_same_v<T, String>) {
+        if (cell.kind == Cell::Kind::Text && column.Type != adDate) return String(cell.Text());
+    } else if constexpr (std::is_same_v<T, Date>) {
+        if (cell.kind == Cell::Kind::Text && column.Type == adDate)
+            if (const std::optional<Date> date = Platform::ParseDate(cell.Text())) return *date;
+    }
+    return To<T>(ValueOf(cell, column));
 }
 
 template <class T>
 T Field::As() const {
-    constexpr bool whole = std::is_same_v<T, Long> || std::is_enum_v<T>;
-    if constexpr (whole || std::is_same_v<T, String>) {
-        const Cell* const cell = recordset_->CellAt(ordinal_);
-        const DataTypeEnum type = recordset_->columns_->At(ordinal_).Type;
-        if constexpr (whole) {
-            if (cell && cell->kind == Cell::Kind::Whole && type != adBoolean && std::in_range<Long>(cell->whole))
-                return static_cast<T>(cell->whole);
-        } else {
-            if (cell && cell->kind == Cell::Kind::Text && type != adDate) return String(cell->Text());
-        }
-    }
+    if (const std::optional<Cell> cell = recordset_->StoredCell(ordinal_)) return From<T>(*cell);
     return To<T>(Value());
+}
+
+template <class T>
+T Field::Or(const T& otherwise) const {
+    const std::optional<Cell> cell = recordset_->StoredCell(ordinal_);
+    if (!cell) return Value().Is<Null>() ? otherwise : As<T>();
+    if (cell->kind == Cell::Kind::Null) return otherwise;
+    return From<T>(*cell);
 }
 
 }  // namespace ADODB

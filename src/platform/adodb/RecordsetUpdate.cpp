@@ -95,8 +95,8 @@ void Recordset::Insert() {
     Long counter = Columns::Missing;
     for (Long i = 0; i < columns_->Count() && counter == Columns::Missing; ++i)
         if (columns_->At(i).Counter) counter = i;
-    rows_.push_back(EditedRow(counter, connection_->Opened().LastCounter()));
-    GoTo(static_cast<Long>(rows_.size()) - 1);
+    rows_.all.push_back(EditedRow(counter, connection_->Opened().LastCounter()));
+    GoTo(RowCount() - 1);
 }
 
 void Recordset::Change() {
@@ -112,7 +112,7 @@ void Recordset::Change() {
     const String where = WhereRow(values);
     if (Post("UPDATE " + session.Quoted(BaseTable()) + " SET " + sets + where, values) == 0)
         RaiseAdo(ConcurrencyViolation, RecordsetSource);
-    rows_[static_cast<std::size_t>(position_)] = EditedRow(Columns::Missing, 0);
+    rows_.all[static_cast<std::size_t>(position_)] = EditedRow(Columns::Missing, 0);
 }
 
 void Recordset::Delete(AffectEnum AffectRecords) {
@@ -125,7 +125,7 @@ void Recordset::Delete(AffectEnum AffectRecords) {
     const String where = WhereRow(values);
     if (Post("DELETE FROM " + connection_->Opened().Quoted(BaseTable()) + where, values) == 0)
         RaiseAdo(ConcurrencyViolation, RecordsetSource);
-    rows_.erase(rows_.begin() + position_);
+    rows_.all.erase(rows_.all.begin() + position_);
     onDeleted_ = true;
 }
 
@@ -173,7 +173,7 @@ Row Recordset::EditedRow(Long counter, std::int64_t counterValue) {
         else if (i == counter)
             cells[at] = Cell::Of(counterValue);
     }
-    return store_.Add(cells);
+    return rows_.store.Add(cells);
 }
 
 }  // namespace ADODB

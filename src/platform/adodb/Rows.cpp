@@ -3,6 +3,7 @@
 #include "platform/runtime/Convert.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
 #include <memory>
@@ -13,9 +14,8 @@ using namespace Platform;
 
 namespace {
 
-/// Returns a hash of the address of a text: 32 bits.
-std::size_t HashOfAddress(std::string_view text) {
-    return (reinterpret_cast<std::uintptr_t>(text.data()) * 0x9E3779B97F4A7C15U) >> 32;
+bool IsAscii(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
 Variant WholeNumber(std::int64_t value) {
@@ -85,33 +85,33 @@ Variant StoredByType(const Variant& value, const Column& column) {
 }  // namespace
 
 Columns::Columns(std::vector<Column> columns)
-    : columns_(std::move(columns)), found_(std::bit_ceil(2 * columns_.size() + MostProbes), NotFound) {
-    for (Long i = 0; i < Count(); ++i) byName_.try_emplace(LCase(At(i).Name), i);
+    : columns_(std::move(columns)), slots_(std::bit_ceil(2 * columns_.size() + 1)), mask_(slots_.size() - 1) {
+    for (Long i = 0; i < Count(); ++i) {
+        const String& name = At(i).Name;
+        ascii_ = ascii_ && IsAscii(name);
+        const std::uint64_t hash = ColumnName::HashOf(name);
+        const Slot& slot = SlotOf(hash);
+        if (slot.ordinal == Missing) slots_[static_cast<std::size_t>(&slot - slots_.data())] = {hash, i};
+    }
 }
 
 Long Columns::Find(std::string_view name) const {
-    const std::size_t first = HashOfAddress(name), mask = found_.size() - 1;  // the size is a power of two
-    std::uint16_t* free = &found_[first & mask];                              // also replaced if no place is free
-    for (std::size_t probe = 0; probe < MostProbes; ++probe) {
-        std::uint16_t& place = found_[(first + probe) & mask];
-        if (place == NotFound) {
-            free = &place;
-            break;
-        }
-        const String& there = columns_[place].Name;
-        if (there == name || EqualsIgnoringCase(there, name)) return place;
-    }
-    const auto found = byName_.find(LCase(name));
-    if (found == byName_.end()) return Missing;
-    *free = static_cast<std::uint16_t>(found->second);
-    return found->second;
+    const Slot& slot = SlotOf(ColumnName::HashOf(name));
+    if (slot.ordinal != Missing && EqualsIgnoringCase(At(slot.ordinal).Name, name)) return slot.ordinal;
+    return ascii_ && IsAscii(name) && slot.ordinal == Missing ? Missing : Search(name);
+}
+
+Long Columns::Search(std::string_view name) const {
+    const auto found = std::find_if(columns_.begin(), columns_.end(),
+                                    [&](const Column& column) { return EqualsIgnoringCase(column.Name, name); });
+    return found == columns_.end() ? Missing : static_cast<Long>(found - columns_.begin());
 }
 
 Row RowStore::Add(std::span<const Cell> cells) {
     std::size_t bytes = cells.size_bytes();
     for (const Cell& cell : cells)
         if (cell.kind == Cell::Kind::Text) bytes += cell.length;
-    if (!memory_) memory_ = std::make_unique<std::pmr::monotonic_buffer_resource>(2048);
+    if (!memory_) memory_ = std::make_unique<std::pmr::monotonic_buffer_resource>(bytes);
     auto* const to = static_cast<Cell*>(memory_->allocate(bytes, alignof(Cell)));
     char* texts = reinterpret_cast<char*>(to + cells.size());
     std::uninitialized_copy(cells.begin(), cells.end(), to);
@@ -122,6 +122,17 @@ Row RowStore::Add(std::span<const Cell> cells) {
         texts += to[i].length;
     }
     return Row(to);
+}
+
+void Rows::Append(const RowReader& reader, Long columns) {
+    constexpr std::size_t usual = 64;
+    std::array<Cell, usual> few;
+    std::vector<Cell> many;
+    const auto count = static_cast<std::size_t>(columns);
+    if (count > usual) many.resize(count);
+    const std::span<Cell> cells(count > usual ? many.data() : few.data(), count);
+    for (Long i = 0; i < columns; ++i) cells[static_cast<std::size_t>(i)] = reader.At(i);
+    all.push_back(store.Add(cells));
 }
 
 Variant ValueOf(const Cell& cell, const Column& column) {

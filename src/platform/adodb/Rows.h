@@ -4,7 +4,6 @@
 
 #include <memory>
 #include <memory_resource>
-#include <unordered_map>
 #include <vector>
 
 /// The rows of a result in memory. Providers create them, and recordsets read them; a client of the layer uses `Field`.
@@ -21,8 +20,35 @@ struct Column {
     bool Counter = false;           ///< numbered by the database
 };
 
-/// The columns of a result, shared by all runs of one compiled statement. They do not change after they are created.
-/// They belong to one thread, because `Find` remembers what it found.
+/// The name of a column as a literal, with its hash, which is computed when the program is compiled: a class that reads
+/// the same columns of every row does not compare their names. Any thread may use it.
+class ColumnName {
+public:
+    /// The name is the literal without its final zero; it has ASCII characters only.
+    template <std::size_t N>
+    consteval ColumnName(const char (&literal)[N]) : text_(literal, N - 1), hash_(HashOf(text_)) {}
+
+    /// Returns the name; valid as long as the literal.
+    constexpr std::string_view Text() const noexcept { return text_; }
+    constexpr std::uint64_t Hash() const noexcept { return hash_; }
+
+    /// Returns a hash of 64 bits (FNV-1a), which is the same for names that differ only in the case of ASCII letters.
+    static constexpr std::uint64_t HashOf(std::string_view name) noexcept {
+        std::uint64_t hash = 0xCBF29CE484222325U;
+        for (const char c : name) {
+            const bool capital = c >= 'A' && c <= 'Z';
+            hash = (hash ^ static_cast<unsigned char>(capital ? c + ('a' - 'A') : c)) * 0x100000001B3U;
+        }
+        return hash;
+    }
+
+private:
+    std::string_view text_;
+    std::uint64_t hash_;
+};
+
+/// The columns of a result, shared by all runs of one compiled statement. They do not change after they are created, so
+/// any thread may read them.
 class Columns {
 public:
     static constexpr Long Missing = -1;  ///< the result of `Find` for an unknown name
@@ -38,17 +64,34 @@ public:
     const Column& At(Long ordinal) const { return columns_[static_cast<std::size_t>(ordinal)]; }
 
     /// Returns the ordinal of the first column with this name, without regard to case; `Missing` if there is none.
-    /// Takes constant time. Raises nothing except `std::bad_alloc`.
+    /// Takes constant time unless a name has other characters than ASCII. Raises nothing except `std::bad_alloc`.
     Long Find(std::string_view name) const;
 
+    /// Returns the same for a literal, by its hash alone: names with the same hash are not distinguished.
+    Long Find(const ColumnName& name) const {
+        const Slot& slot = SlotOf(name.Hash());
+        return slot.ordinal != Missing || ascii_ ? slot.ordinal : Search(name.Text());
+    }
+
 private:
+    struct Slot {
+        std::uint64_t hash = 0;
+        Long ordinal = Missing;
+    };
+
+    /// Returns the slot with this hash, or the empty slot where it would be.
+    const Slot& SlotOf(std::uint64_t hash) const {
+        std::size_t at = hash & mask_;
+        while (slots_[at].ordinal != Missing && slots_[at].hash != hash) at = (at + 1) & mask_;
+        return slots_[at];
+    }
+    /// Compares the name with each column.
+    Long Search(std::string_view name) const;
+
     std::vector<Column> columns_;
-    std::unordered_map<String, Long> byName_;  ///< by names in lower case
-    /// The ordinals that were found, in the place of the name's address or one of the next places. Callers pass the
-    /// same literals row after row; the name of the column is compared before an ordinal is used.
-    mutable std::vector<std::uint16_t> found_;
-    static constexpr std::size_t MostProbes = 8;
-    static constexpr std::uint16_t NotFound = 0xFFFF;
+    std::vector<Slot> slots_;  ///< a hash table: a name is in the slot of its hash or in one of the next
+    std::size_t mask_ = 0;     ///< the number of slots, a power of two, less 1
+    bool ascii_ = true;        ///< no column's name has other characters
 };
 
 /// One value of a row as the engine stores it, in 16 bytes. A text is not a copy: it points into the row. A cell owns
@@ -117,6 +160,33 @@ public:
 
 private:
     std::unique_ptr<std::pmr::monotonic_buffer_resource> memory_;  ///< null until the first row
+};
+
+/// Reads the rows of a result from the engine, from the first to the last, while the statement is running. A provider
+/// implements it. The destructor ends the statement, also before its last row, and releases its locks.
+class RowReader {
+public:
+    RowReader() = default;
+    RowReader(const RowReader&) = delete;
+    virtual ~RowReader() = default;
+
+    /// Moves to the next row, by the first call to the first row. Returns false after the last row; it must not be
+    /// called again then. Raises what the engine raises.
+    virtual bool Next() = 0;
+
+    /// Returns a value of the current row, as the engine stores it. A text is valid until `Next` is called. The caller
+    /// checks the ordinal, and that there is a current row.
+    virtual Cell At(Long ordinal) const = 0;
+};
+
+/// Rows in memory, in the engine's order.
+struct Rows {
+    std::vector<Row> all;
+    RowStore store;  ///< the memory of the rows
+
+    /// Appends the current row of a reader, which has this number of columns. Raises `std::bad_alloc`; the rows are
+    /// then unchanged.
+    void Append(const RowReader& reader, Long columns);
 };
 
 /// Returns the value of a cell in the type of its column: a whole number as a `Long` (as `int64` if it is larger), the

@@ -111,6 +111,9 @@ TEST_F(RecordsetTest, ColumnsAreFoundByNameWithoutCaseAndByOrdinalFromZero) {
     EXPECT_EQ(NumberOf([&] { rs->Fields(-1); }), adErrItemNotFound);
     EXPECT_TRUE(rs->HasField("city"));
     EXPECT_FALSE(rs->HasField("town"));
+    EXPECT_EQ(CStr(rs->FieldOf("city").Value()), "Lund");
+    EXPECT_EQ(CStr(rs->FieldOf("CITY").Value()), "Lund");
+    EXPECT_EQ(NumberOf([&] { rs->FieldOf("town"); }), adErrItemNotFound);
 }
 
 TEST_F(RecordsetTest, OfTwoColumnsOfOneNameTheFirstIsFound) {

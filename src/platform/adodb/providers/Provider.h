@@ -8,8 +8,7 @@ namespace ADODB {
 /// The result of running one statement.
 struct Outcome {
     std::shared_ptr<const Columns> columns;  ///< null if the statement does not return rows
-    std::vector<Row> rows;                   ///< all rows, in the engine's order
-    RowStore store;                          ///< the memory of the rows
+    std::unique_ptr<RowReader> reader;       ///< the rows; null if the statement does not return rows
     std::int64_t affected = -1;              ///< rows that an action statement changed; -1 for other statements
 };
 
@@ -22,7 +21,8 @@ public:
     virtual ~Session() = default;
 
     /// Runs one statement as it is written. Raises 0x80040E14, before anything runs, if the text contains a second
-    /// statement.
+    /// statement. `text` must live as long as the reader of the outcome, which must be deleted before any other
+    /// function of the session is called.
     virtual Outcome Run(std::string_view text) = 0;
 
     /// Runs a statement of the database layer, with a value for each "?": whole numbers, doubles, texts and nulls.

@@ -25,14 +25,57 @@ using Database = std::unique_ptr<sqlite3, CloseDatabase>;
 class StatementRun {
 public:
     explicit StatementRun(sqlite3_stmt* compiled) : compiled_(compiled) {}
-    StatementRun(const StatementRun&) = delete;
+    StatementRun(StatementRun&& other) noexcept : compiled_(std::exchange(other.compiled_, nullptr)) {}
+    StatementRun& operator=(StatementRun&&) = delete;
     ~StatementRun() {
+        if (!compiled_) return;
         sqlite3_reset(compiled_);
         sqlite3_clear_bindings(compiled_);
     }
+    sqlite3_stmt* Compiled() const noexcept { return compiled_; }
 
 private:
     sqlite3_stmt* compiled_;
+};
+
+/// The rows of a statement whose first step is made.
+class SqliteRows final : public RowReader {
+public:
+    /// `code` is the result of the first step: `SQLITE_ROW` or `SQLITE_DONE`.
+    SqliteRows(StatementRun run, int code, std::string_view text) : run_(std::move(run)), code_(code), text_(text) {}
+
+    bool Next() override {
+        if (begun_) {
+            code_ = sqlite3_step(run_.Compiled());
+            if (code_ != SQLITE_ROW && code_ != SQLITE_DONE) RaiseSqlite(sqlite3_db_handle(run_.Compiled()), text_);
+        }
+        begun_ = true;
+        return code_ == SQLITE_ROW;
+    }
+
+    /// Reads the value through the engine's value object: this needs no mutex in a session of one thread, and avoids
+    /// the error check that each access by column makes.
+    Cell At(Long ordinal) const override {
+        sqlite3_value* const value = sqlite3_column_value(run_.Compiled(), ordinal);
+        switch (sqlite3_value_type(value)) {
+            case SQLITE_INTEGER: return Cell::Of(static_cast<std::int64_t>(sqlite3_value_int64(value)));
+            case SQLITE_FLOAT: return Cell::Of(sqlite3_value_double(value));
+            case SQLITE_NULL: return {};
+            case SQLITE_BLOB: return TextCell(value, sqlite3_value_blob(value));
+            default: return TextCell(value, sqlite3_value_text(value));
+        }
+    }
+
+private:
+    static Cell TextCell(sqlite3_value* value, const void* bytes) {
+        const auto size = static_cast<std::size_t>(sqlite3_value_bytes(value));
+        return Cell::Of(std::string_view(static_cast<const char*>(bytes), size));
+    }
+
+    StatementRun run_;
+    int code_;
+    std::string_view text_;
+    bool begun_ = false;
 };
 
 class SqliteSession final : public Session {
@@ -42,13 +85,22 @@ public:
 
     Outcome Run(std::string_view text) override {
         CompiledStatement& statement = statements_.For(text, literals_);
-        const StatementRun run(statement.Compiled());
-        Bind(statement.Compiled(), text);
+        StatementRun run(statement.Compiled());
+        Bind(run.Compiled(), text);
         const std::int64_t before = sqlite3_total_changes64(database_.get());
+        const int code = sqlite3_step(run.Compiled());
+        // Each later call replaces the engine's error: it is raised before the columns are read.
+        if (code != SQLITE_ROW && code != SQLITE_DONE) RaiseSqlite(database_.get(), text);
+        // The engine compiles anew when a table has changed, and the columns with it.
+        if (sqlite3_stmt_status(run.Compiled(), SQLITE_STMTSTATUS_REPREPARE, 1) > 0) statement.ForgetColumns();
         Outcome outcome;
-        ReadRows(statement, outcome, text);
-        const bool changed = sqlite3_total_changes64(database_.get()) != before;
-        if (!outcome.columns) outcome.affected = changed ? sqlite3_changes64(database_.get()) : 0;
+        outcome.columns = statement.ResultColumns(database_.get());
+        if (outcome.columns) {
+            outcome.reader = std::make_unique<SqliteRows>(std::move(run), code, text);
+        } else {
+            const bool changed = sqlite3_total_changes64(database_.get()) != before;
+            outcome.affected = changed ? sqlite3_changes64(database_.get()) : 0;
+        }
         return outcome;
     }
 
@@ -119,46 +171,11 @@ private:
         if (code != SQLITE_OK) RaiseSqlite(database_.get(), statement);
     }
 
-    void ReadRows(CompiledStatement& statement, Outcome& outcome, std::string_view text) {
-        sqlite3_stmt* const compiled = statement.Compiled();
-        int code = sqlite3_step(compiled);
-        // Each later call replaces the engine's error: it is raised before the columns are read.
-        if (code != SQLITE_ROW && code != SQLITE_DONE) RaiseSqlite(database_.get(), text);
-        // The engine compiles anew when a table has changed, and the columns with it.
-        if (sqlite3_stmt_status(compiled, SQLITE_STMTSTATUS_REPREPARE, 1) > 0) statement.ForgetColumns();
-        outcome.columns = statement.ResultColumns(database_.get());
-        const int count = sqlite3_column_count(compiled);
-        cells_.resize(static_cast<std::size_t>(count));
-        for (; code == SQLITE_ROW; code = sqlite3_step(compiled)) {
-            for (int i = 0; i < count; ++i) cells_[static_cast<std::size_t>(i)] = CellAt(compiled, i);
-            outcome.rows.push_back(outcome.store.Add(cells_));
-        }
-        if (code != SQLITE_DONE) RaiseSqlite(database_.get(), text);
-    }
-
-    /// Returns a value of the current row. Reads it through the engine's value object: this needs no mutex in a session
-    /// of one thread, and avoids the error check that each access by column makes.
-    static Cell CellAt(sqlite3_stmt* compiled, int at) {
-        sqlite3_value* const value = sqlite3_column_value(compiled, at);
-        switch (sqlite3_value_type(value)) {
-            case SQLITE_INTEGER: return Cell::Of(static_cast<std::int64_t>(sqlite3_value_int64(value)));
-            case SQLITE_FLOAT: return Cell::Of(sqlite3_value_double(value));
-            case SQLITE_NULL: return {};
-            default: {
-                const bool blob = sqlite3_value_type(value) == SQLITE_BLOB;
-                const void* const bytes = blob ? sqlite3_value_blob(value) : sqlite3_value_text(value);
-                const auto* text = static_cast<const char*>(bytes);
-                return Cell::Of(std::string_view(text, static_cast<std::size_t>(sqlite3_value_bytes(value))));
-            }
-        }
-    }
-
     Database database_;
     StatementCache statements_;
     bool readOnly_;
-    std::vector<Literal> literals_;
+    std::vector<Literal> literals_;  // of the statement that ran last; its rows may not be read yet
     std::vector<std::string> unquoted_;
-    std::vector<Cell> cells_;
 };
 
 int FlagsOf(const String& mode) {
