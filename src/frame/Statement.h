@@ -115,6 +115,32 @@ private:
     bool inside_ = false;      // true if the counted bytes end between quotes
 };
 
+/// Return a piece as the database layer takes it, or the kind `Other` if only the joined statement tells.
+using ADODB::StatementPiece;
+template <std::size_t N>
+StatementPiece PieceOf(const char (&literal)[N]) {
+    return {StatementPiece::Kind::Fixed, 0, {literal, N - 1}};
+}
+template <class T>
+requires(std::is_same_v<T, Long> || std::is_same_v<T, Integer> || std::is_enum_v<T>) StatementPiece
+    PieceOf(const T& number) {
+    return {StatementPiece::Kind::Whole, Long{number}, {}};
+}
+inline StatementPiece PieceOf(const Escaped& escaped) { return {StatementPiece::Kind::Text, 0, escaped.Text()}; }
+inline StatementPiece PieceOf(const Stamp& date) { return {StatementPiece::Kind::Text, 0, date.text}; }
+inline StatementPiece PieceOf(const NumberOrNull& number) {
+    return number.isNull ? StatementPiece() : PieceOf(number.value);
+}
+/// A text without quotes can't end its literal; any other one is checked when the statement is joined.
+inline StatementPiece PieceOf(const Verbatim& spliced) {
+    if (spliced.text.find('\'') != std::string_view::npos) return {};
+    return {StatementPiece::Kind::Text, 0, spliced.text};
+}
+template <class T>
+StatementPiece PieceOf(const T&) {
+    return {};
+}
+
 /// Returns an estimate of a piece's length in bytes, to reserve memory once; not too short for literals and
 /// escaped texts.
 template <std::size_t N>
@@ -135,5 +161,32 @@ String sql(const Pieces&... pieces) {
     (statement.Add(pieces), ...);
     return statement.Take();
 }
+
+namespace detail {
+
+/// Runs action statements on a connection, which must outlive it.
+class ActionRunner {
+public:
+    explicit ActionRunner(Connection& con) : con_(con) {}
+    template <class... Pieces>
+    void operator()(const Pieces&... pieces) const {
+        const std::array<StatementPiece, sizeof...(Pieces)> list{PieceOf(pieces)...};
+        con_.ExecuteAction(list, [&] { return sql(pieces...); });
+    }
+
+private:
+    Connection& con_;
+};
+
+}  // namespace detail
+
+/// Runs an action statement that consists of the pieces in the second parentheses:
+///
+///     ExecuteOn(con)("DELETE FROM Clinic_T WHERE ClinicID =", ID, ";");
+///
+/// The effect is that of `con->Execute(sql(pieces...))`, which is slower: here the text is joined only if a handler of
+/// the connection or the engine needs it. Raises 91 for a null connection before the pieces are evaluated, then as
+/// `sql` and as `Connection::Execute`.
+inline detail::ActionRunner ExecuteOn(const Ref<Connection>& con) { return detail::ActionRunner(*con); }
 
 }  // namespace OXClass

@@ -223,8 +223,8 @@ private:
     void LookForRow(bool checkExistOnID, const Ref<Connection>& con);
     void TakeOverRow(const Ref<Connection>& con);
     void Write(const Ref<Connection>& con, const String& teeth);
-    String InsertStatement(const String& teeth) const;
-    String UpdateStatement(const String& teeth) const;
+    void Insert(const Ref<Connection>& con, const String& teeth) const;
+    void Update(const Ref<Connection>& con, const String& teeth) const;
     Long ComputedDPI() const;
 
     Completion loadCompletion_;

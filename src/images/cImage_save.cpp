@@ -63,25 +63,25 @@ void cImage::TakeOverRow(const Ref<Connection>& con) {
 
 void cImage::Write(const Ref<Connection>& con, const String& teeth) {
     if (ID == 0) {
-        con->Execute(InsertStatement(teeth));
+        Insert(con, teeth);
         const Ref<Recordset> newest =
             con->Execute(sql("SELECT MAX(ImageBildID) AS ID FROM ImageBild_T WHERE (GraphicURL_NVC='",
                              FixSqlString(URL), "' AND PatientID=", PatID, ");"));
         ID = Required<Long>(newest, "ID");
         newest->Close();
     } else {
-        con->Execute(UpdateStatement(teeth));
+        Update(con, teeth);
     }
     SaveComments(con);
 }
 
 Long cImage::ComputedDPI() const { return DPIX != 0 && DPIY != 0 ? DPIX : 0; }
 
-String cImage::InsertStatement(const String& teeth) const {
+void cImage::Insert(const Ref<Connection>& con, const String& teeth) const {
     constexpr Long notKnown = 10;
     const bool unknown = Pregnant == notKnown;
     // clang-format off
-    return sql(
+    ExecuteOn(con)(
         "INSERT INTO ImageBild_T ", "(ToothCollectionID, PatientID, DateCaptured_SD, Comments_NVC, ",
         "StandCollName_NVC, ComputedDPI_INT, HardwareSourceId_INT, ",
         "HardwareSourcetxt_NVC, RootId, GraphicURL_NVC, Invert_BT, StretchIntens_BT, ",
@@ -143,9 +143,9 @@ String cImage::InsertStatement(const String& teeth) const {
     // clang-format on
 }
 
-String cImage::UpdateStatement(const String& teeth) const {
+void cImage::Update(const Ref<Connection>& con, const String& teeth) const {
     // clang-format off
-    return sql(
+    ExecuteOn(con)(
         "UPDATE ImageBild_T ", "SET ",
         "ImageType = ", ImageType, ", ",
         "GraphicURL_NVC = '", FixSqlString(URL), "', ",
@@ -188,10 +188,9 @@ void cImage::SaveComments(const Ref<Connection>& Con) {
     if (!comments_) return;
     for (cStringItem& comment : **comments_) {
         if (comment.bSaved) continue;
-        Con->Execute(sql("INSERT INTO Comments_T ", "( dates, signature, tabelID, objectID,commentString ) ",
-                         "VALUES (", "'", Stamp(comment.DateStamp), "',", "'",
-                         FixSqlString(Left(comment.Signature, width)), "', ", "1, ", ID, ", ", "'",
-                         FixSqlString(Left(comment.str, width)), "')"));
+        ExecuteOn(Con)("INSERT INTO Comments_T ", "( dates, signature, tabelID, objectID,commentString ) ", "VALUES (",
+                       "'", Stamp(comment.DateStamp), "',", "'", FixSqlString(Left(comment.Signature, width)), "', ",
+                       "1, ", ID, ", ", "'", FixSqlString(Left(comment.str, width)), "')");
         comment.bSaved = true;
     }
 }

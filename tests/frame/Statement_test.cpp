@@ -89,5 +89,119 @@ TEST_F(StatementOnDatabase, AnUnescapedTextOfPairedQuotesStaysOneLiteral) {
     EXPECT_EQ(Ask("SELECT ListID FROM GlobalList_T"), Variant(Long{1}));
 }
 
+/// Runs the same statement on two connections to equal databases: as pieces, and as a joined text.
+class ActionOfPieces : public WithDatabase {
+protected:
+    ActionOfPieces() { joined->Open("Provider=SQLite;Data Source=:memory:"); }
+
+    const Ref<Connection> plain = Connect();  // without handlers, for which the text would be joined
+
+    void Create(const String& table) {
+        for (const Ref<Connection>& each : {plain, joined}) each->Execute(table);
+    }
+
+    template <class... Pieces>
+    void RunBoth(const Pieces&... pieces) {
+        const auto failureOn = [](const auto& run) -> String {
+            try {
+                run();
+            } catch (const Error& failure) {
+                return CStr(failure.Number) + failure.Source + failure.Description + failure.Statement;
+            }
+            return {};
+        };
+        EXPECT_EQ(failureOn([&] { ExecuteOn(plain)(pieces...); }), failureOn([&] { joined->Execute(sql(pieces...)); }));
+    }
+
+    void ExpectSame(const String& select) {
+        const auto all = [&](const Ref<Connection>& from) {
+            std::vector<Variant> values;
+            for (const Ref<Recordset> rs = from->Execute(select); !rs->Eof(); rs->MoveNext())
+                for (Long i = 0; i < rs->FieldCount(); ++i) values.push_back(rs->Fields(i).Value());
+            return values;
+        };
+        const std::vector<Variant> stored = all(plain);
+        EXPECT_FALSE(stored.empty());
+        EXPECT_EQ(stored, all(joined));
+    }
+
+    const Ref<Connection> joined = New<Connection>();
+};
+
+TEST_F(ActionOfPieces, StoresWhatTheJoinedStatementStores) {
+    Create("CREATE TABLE Values_T (a INTEGER, b, c VARCHAR(20), d DATETIME, e INTEGER, f)");
+    const String texts[] = {"", "plain", "it's", "''", "\\", "Ωж日", "5", "-5", "a''b", " x ", "--", "?"};
+    const Long numbers[] = {0, 1, -1, INT32_MAX, INT32_MIN, 42};
+    for (const String& text : texts)
+        for (const Long number : numbers) {
+            RunBoth("INSERT INTO Values_T (a, b, c, d, e, f) VALUES (", number, ", 'fixed', '", FixSqlString(text),
+                    "', '", Stamp(Date{number * 1e-4}), "', ", NumberOrNull{number == 1, number}, ", 'it''s');");
+            RunBoth("UPDATE Values_T SET c='", Verbatim(text), "', b=-1, f = 7 WHERE a=", number, " AND e <> ",
+                    Long{3});
+            RunBoth("UPDATE Values_T SET b='x", FixSqlString(text), "y' WHERE a = ", number);
+            RunBoth("UPDATE Values_T SET e=e-", number, " WHERE a = ", number, ";");
+        }
+    ExpectSame("SELECT a,b,c,d,e,f,typeof(a),typeof(b),typeof(c),typeof(d),typeof(e),typeof(f) FROM Values_T");
+}
+
+TEST_F(ActionOfPieces, FailsAsTheJoinedStatement) {
+    Create("CREATE TABLE Values_T (a INTEGER CHECK (a < 10), b)");
+    for (int round = 0; round < 3; ++round) {
+        RunBoth("INSERT INTO Values_T (a, b) VALUES (", Long{round}, ", '", FixSqlString("b"), "')");
+        RunBoth("INSERT INTO Values_T (a, b) VALUES (", Long{10}, ", '", FixSqlString("it's"), "')");
+        RunBoth("UPDATE Values_T SET b='", Verbatim("unpaired'"), "' WHERE a=", Long{round});
+        RunBoth("UPDATE Values_T SET nothing=", Long{round});
+    }
+    ExpectSame("SELECT * FROM Values_T");
+}
+
+TEST_F(ActionOfPieces, IsJoinedOnceForEachShape) {
+    int joins = 0;
+    const auto run = [&](Long number, const char* word) {
+        const std::vector<ADODB::StatementPiece> pieces{
+            detail::PieceOf("UPDATE GlobalList_T SET ListID="), detail::PieceOf(number),
+            detail::PieceOf(", ListText='"), detail::PieceOf(Verbatim(word)), detail::PieceOf("' WHERE ListID <> 7;")};
+        plain->ExecuteAction(pieces, [&] {
+            ++joins;
+            return sql("UPDATE GlobalList_T SET ListID=", number, ", ListText='", Verbatim(word),
+                       "' WHERE ListID <> 7;");
+        });
+    };
+    Run("INSERT INTO GlobalList_T (ListID, ListText) VALUES (1, 'old')");
+    run(5, "five");
+    run(6, "six");
+    run(-8, "");
+    EXPECT_EQ(joins, 1);
+    EXPECT_EQ(Ask("SELECT ListID FROM GlobalList_T"), Variant(Long{-8}));
+    EXPECT_EQ(Ask("SELECT ListText FROM GlobalList_T"), Variant(String()));
+    run(9, "it''s");  // may end its literal: only the joined statement tells
+    EXPECT_EQ(joins, 2);
+    EXPECT_EQ(Ask("SELECT ListText FROM GlobalList_T"), Variant("it's"));
+}
+
+TEST_F(ActionOfPieces, AHandlerReceivesTheJoinedStatementAndMayReplaceIt) {
+    struct Handler final : ADODB::ConnectionEvents {
+        void WillExecute(ADODB::ExecuteRequest& request) override {
+            seen = request.Source;
+            request.Source = "UPDATE GlobalList_T SET ListID=99";
+        }
+        String seen;
+    } handler;
+    Run("INSERT INTO GlobalList_T (ListID, ListText) VALUES (1, 'old')");
+    plain->Advise(handler);
+    ExecuteOn(plain)("UPDATE GlobalList_T SET ListID=", Long{5}, ", ListText='", FixSqlString("it's"), "'");
+    plain->Unadvise(handler);
+    EXPECT_EQ(handler.seen, "UPDATE GlobalList_T SET ListID=5, ListText='it''s'");
+    EXPECT_EQ(Ask("SELECT ListID FROM GlobalList_T"), Variant(Long{99}));
+}
+
+TEST_F(ActionOfPieces, ANullConnectionIsRaisedBeforeThePieces) {
+    const auto bad = [] { return Stamp(Date{1e9}); };
+    EXPECT_EQ(FailureOf([&] { ExecuteOn(nullptr)("UPDATE GlobalList_T SET ListText='", bad(), "'"); }).Number,
+              err::ObjectNotSet);
+    EXPECT_EQ(FailureOf([&] { ExecuteOn(New<Connection>())("UPDATE GlobalList_T SET ListID=", Long{1}); }).Number,
+              ADODB::adErrObjectClosed);
+}
+
 }  // namespace
 }  // namespace OXClass

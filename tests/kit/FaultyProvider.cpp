@@ -38,7 +38,14 @@ public:
 
     Outcome Run(std::string_view text) override {
         Count();
-        return real_->Run(text);
+        Outcome outcome = real_->Run(text);
+        if (outcome.reader && failAtRow > 0)
+            outcome.reader = std::make_unique<FaultyRows>(std::move(outcome.reader), failAtRow);
+        return outcome;
+    }
+    void RunAction(std::span<const StatementPiece> pieces, const std::function<String()>& joined) override {
+        Count();
+        real_->RunAction(pieces, joined);
     }
     std::int64_t Change(std::string_view text, std::span<const Variant> values) override {
         Count();

@@ -163,9 +163,19 @@ Ref<Recordset> Connection::Execute(const String& CommandText, Long* RecordsAffec
     Result result = Run(request);
     if (RecordsAffected) *RecordsAffected = static_cast<Long>(result.affected);
     if (Options > 0 && (Options & adExecuteNoRecords) != 0) return nullptr;
-    Ref<Recordset> result = New<Recordset>();
-    result->TakeResult(Ref<Connection>(this), std::move(request), std::move(outcome));
-    return result;
+    Ref<Recordset> recordset = New<Recordset>();
+    recordset->TakeResult(Ref<Connection>(this), std::move(request), std::move(result));
+    return recordset;
+}
+
+void Connection::ExecuteAction(std::span<const StatementPiece> pieces, const std::function<String()>& joined) {
+    const bool usual = session_ && handlers_.empty() && (level_ == 0 || session_->InTransaction());
+    if (!usual) {
+        Execute(joined(), nullptr, adCmdUnspecified);
+        return;
+    }
+    Session& session = Ready();
+    Engine([&] { session.RunAction(pieces, joined); });
 }
 
 std::int64_t Connection::Change(const String& statement, std::span<const Variant> values) {

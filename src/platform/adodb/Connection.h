@@ -81,6 +81,10 @@ public:
     /// rolled back the open transaction, and what the engine raises; `RecordsAffected` is then unchanged.
     Ref<Recordset> Execute(const String& CommandText, Long* RecordsAffected = nullptr, Long Options = adCmdUnspecified);
 
+    /// Runs an action statement that consists of these pieces. `joined` returns its text, and is called only if a
+    /// handler or the engine needs it. Raises as `Execute`, and what `joined` raises. C++ only.
+    void ExecuteAction(std::span<const StatementPiece> pieces, const std::function<String()>& joined);
+
     /// Begins a transaction, nested in the open one if there is one, and returns its level, 1 for the outermost. Raises
     /// 3704 if closed, 3710 inside `WillExecute`, 0x8004D013 if the engine does not support the level (SQLite: 5), and
     /// what the engine raises; the level is then unchanged.

@@ -3,6 +3,8 @@
 #include "platform/adodb/ConnectionString.h"
 #include "platform/adodb/Rows.h"
 
+#include <functional>
+
 namespace ADODB {
 
 /// The result of running one statement.
@@ -10,6 +12,19 @@ struct Outcome {
     std::shared_ptr<const Columns> columns;  ///< null if the statement does not return rows
     std::unique_ptr<RowReader> reader;       ///< the rows; null if the statement does not return rows
     std::int64_t affected = -1;              ///< rows that an action statement changed; -1 for other statements
+};
+
+/// A piece of a statement whose text is not joined yet. It refers to the text of its owner.
+struct StatementPiece {
+    enum class Kind : std::uint8_t {
+        Fixed,  ///< `text` is the same each time that the statement runs
+        Whole,  ///< `number` in decimal digits
+        Text,   ///< `text` is the body of a text literal, or a part of it, with doubled quotes
+        Other   ///< only the joined statement tells
+    };
+    Kind kind = Kind::Other;
+    Long number = 0;
+    std::string_view text;
 };
 
 /// One open session with a database engine. This is the interface that a provider implements.
@@ -24,6 +39,15 @@ public:
     /// statement. `text` must live as long as the reader of the outcome, which must be deleted before any other
     /// function of the session is called.
     virtual Outcome Run(std::string_view text) = 0;
+
+    /// Runs an action statement that consists of these pieces; rows that it returns are ignored. `joined` returns its
+    /// text. A provider that remembers the statement by its fixed pieces binds the values and does not join the text.
+    /// Raises as `Run`, and what `joined` raises.
+    virtual void RunAction(std::span<const StatementPiece> pieces, const std::function<String()>& joined) {
+        static_cast<void>(pieces);
+        const String text = joined();
+        Run(text);
+    }
 
     /// Runs a statement of the database layer, with a value for each "?": whole numbers, doubles, texts and nulls.
     /// Returns the number of rows that it changed, 0 if its condition matches no row.

@@ -4,7 +4,6 @@
 #include "platform/adodb/providers/sqlite/SqliteStatementCache.h"
 #include "platform/runtime/Convert.h"
 
-#include <charconv>
 #include <limits>
 #include <sqlite3.h>
 
@@ -104,12 +103,29 @@ public:
         return outcome;
     }
 
+    void RunAction(std::span<const StatementPiece> pieces, const std::function<String()>& joined) override {
+        CompiledStatement* statement = statements_.ForPieces(pieces, literals_);
+        const String text = statement ? String() : joined();
+        if (!statement) {
+            statement = &statements_.For(text, literals_);
+            statement->bindings = PieceBindings::Of(pieces, text, literals_);
+        }
+        const StatementRun run(statement->Compiled());
+        try {
+            Bind(run.Compiled(), text);
+            Finish(run.Compiled(), text);
+        } catch (Error& failure) {
+            if (failure.Statement.empty()) failure.Statement = joined();
+            throw;
+        }
+    }
+
     std::int64_t Change(std::string_view text, std::span<const Variant> values) override {
         CompiledStatement& statement = statements_.ForMarked(text);
         const StatementRun run(statement.Compiled());
         for (std::size_t i = 0; i < values.size(); ++i)
             Bind(statement.Compiled(), static_cast<int>(i) + 1, CellOf(values[i]), text);
-        if (sqlite3_step(statement.Compiled()) != SQLITE_DONE) RaiseSqlite(database_.get(), text);
+        Finish(statement.Compiled(), text);
         return sqlite3_changes64(database_.get());
     }
 
@@ -132,6 +148,13 @@ public:
     Long MostLevels() const override { return 5; }
 
 private:
+    /// Runs a statement to its end.
+    void Finish(sqlite3_stmt* compiled, std::string_view text) {
+        int code = SQLITE_ROW;
+        while (code == SQLITE_ROW) code = sqlite3_step(compiled);
+        if (code != SQLITE_DONE) RaiseSqlite(database_.get(), text);
+    }
+
     void Command(const String& text) {
         if (sqlite3_exec(database_.get(), text.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
             RaiseSqlite(database_.get(), text);
@@ -144,9 +167,7 @@ private:
             const Literal& literal = literals_[i];
             Cell cell;
             if (!literal.isText) {
-                std::int64_t number = 0;
-                std::from_chars(literal.body.data(), literal.body.data() + literal.body.size(), number);
-                cell = Cell::Of(number);
+                cell = Cell::Of(literal.number);
             } else if (literal.body.find('\'') == std::string_view::npos) {
                 cell = Cell::Of(literal.body);
             } else {

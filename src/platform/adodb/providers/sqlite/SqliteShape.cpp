@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstring>
 
 namespace ADODB {
@@ -120,6 +121,7 @@ std::size_t LiteralAt(std::string_view text, std::size_t at, Literal& literal) {
     if (end == at || end - at > mostDigits) return 0;
     if (end < text.size() && (text[end] == '.' || IsWordCharacter(text[end]))) return 0;
     literal = {false, text.substr(at, end - at)};
+    std::from_chars(text.data() + at, text.data() + end, literal.number);
     return end;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,7 +16,8 @@ namespace ADODB {
 /// A literal in a statement's text.
 struct Literal {
     bool isText = false;
-    std::string_view body;  ///< the digits, or the text between the quotes, with doubled quotes
+    std::string_view body;    ///< the digits, or the text between the quotes, with doubled quotes
+    std::int64_t number = 0;  ///< of the digits
 };
 
 /// A statement cut at its literals: piece, literal, piece, ... piece.

@@ -14,7 +14,13 @@ namespace {
 
 /// Returns the beginning of a text, by which cached statements are found: long enough to distinguish statements, short
 /// enough to end before the first literal as a rule.
-std::string_view StartOf(std::string_view text) { return text.substr(0, 16); }
+constexpr std::size_t StartLength = 16;
+std::string_view StartOf(std::string_view text) { return text.substr(0, StartLength); }
+
+/// Returns the position of a part of a text.
+std::size_t OffsetIn(std::string_view text, std::string_view part) {
+    return static_cast<std::size_t>(part.data() - text.data());
+}
 
 String TextOrEmpty(const char* text) { return text ? text : ""; }
 
@@ -78,8 +84,72 @@ std::string_view Adapted(std::string_view statement, String& buffer) {
 
 }  // namespace
 
+std::optional<PieceBindings> PieceBindings::Of(std::span<const StatementPiece> pieces, std::string_view statement,
+                                               const std::vector<Literal>& literals) {
+    using Kind = StatementPiece::Kind;
+    if (std::any_of(pieces.begin(), pieces.end(), [](const auto& piece) { return piece.kind == Kind::Other; }))
+        return {};
+    PieceBindings bindings;
+    auto literal = literals.begin();
+    std::size_t at = 0;
+    bindings.fixed_.emplace_back();
+    for (const StatementPiece& piece : pieces) {
+        if (piece.kind == Kind::Fixed) {
+            bindings.fixed_.back() += piece.text;
+            at += piece.text.size();
+            continue;
+        }
+        const bool isText = piece.kind == Kind::Text;
+        const std::string body = isText ? std::string(piece.text) : CStr(piece.number);
+        literal = bindings.TakeFixed(literal, literals.end(), statement.substr(0, at));
+        const bool whole = literal != literals.end() && literal->isText == isText && literal->body == body &&
+                           OffsetIn(statement, literal->body) == at;
+        // Behind a minus sign, that of a negative number would begin a comment.
+        if (!whole || bindings.fixed_.back().ends_with('-')) return {};
+        bindings.sources_.push_back({true, isText, {}, 0});
+        bindings.kinds_.push_back(piece.kind);
+        bindings.fixed_.emplace_back();
+        at += body.size();
+        ++literal;
+    }
+    if (bindings.TakeFixed(literal, literals.end(), statement) != literals.end()) return {};
+    return bindings;
+}
+
+PieceBindings::Position PieceBindings::TakeFixed(Position literal, Position last, std::string_view fixed) {
+    for (; literal != last && OffsetIn(fixed, literal->body) + literal->body.size() < fixed.size(); ++literal)
+        sources_.push_back({false, literal->isText, std::string(literal->body), literal->number});
+    return literal;
+}
+
+bool PieceBindings::Match(std::span<const StatementPiece> pieces, std::vector<Literal>& literals) const {
+    std::size_t value = 0;
+    std::string_view rest = fixed_.front();
+    literals.clear();
+    auto source = sources_.begin();
+    const auto takeFixedLiterals = [&] {
+        for (; source != sources_.end() && !source->isValue; ++source)
+            literals.push_back({source->isText, source->body, source->number});
+    };
+    for (const StatementPiece& piece : pieces) {
+        if (piece.kind == StatementPiece::Kind::Fixed) {
+            if (!rest.starts_with(piece.text)) return false;
+            rest.remove_prefix(piece.text.size());
+            continue;
+        }
+        if (!rest.empty() || value == kinds_.size() || kinds_[value] != piece.kind) return false;
+        takeFixedLiterals();
+        literals.push_back({source->isText, piece.text, piece.number});
+        ++source;
+        rest = fixed_[++value];
+    }
+    takeFixedLiterals();
+    return rest.empty() && value == kinds_.size();
+}
+
 CompiledStatement::CompiledStatement(CompiledStatement&& other) noexcept
     : shape(std::move(other.shape)),
+      bindings(std::move(other.bindings)),
       compiled_(std::exchange(other.compiled_, nullptr)),
       columns_(std::move(other.columns_)) {}
 
@@ -170,6 +240,19 @@ CompiledStatement& StatementCache::For(std::string_view statement, std::vector<L
     if (sqlite3_bind_parameter_count(compiled.Compiled()) > 0)
         RaiseSqlite(UnknownName, "No value given for one or more required parameters.", statement);
     return Once(std::move(compiled));
+}
+
+CompiledStatement* StatementCache::ForPieces(std::span<const StatementPiece> pieces, std::vector<Literal>& literals) {
+    const std::string_view start = pieces.empty() ? std::string_view() : StartOf(pieces.front().text);
+    if (start.size() < StartLength) return nullptr;
+    const auto [first, last] = byStart_.equal_range(start);
+    for (auto it = first; it != last; ++it) {
+        const std::optional<PieceBindings>& bindings = it->second->bindings;
+        if (!bindings || !bindings->Match(pieces, literals)) continue;
+        cached_.splice(cached_.begin(), cached_, it->second);
+        return &cached_.front();
+    }
+    return nullptr;
 }
 
 CompiledStatement& StatementCache::ForMarked(std::string_view statement) {

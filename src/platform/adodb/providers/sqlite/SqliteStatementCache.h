@@ -1,15 +1,47 @@
 #pragma once
 
-#include "platform/adodb/Rows.h"
+#include "platform/adodb/providers/Provider.h"
 #include "platform/adodb/providers/sqlite/SqliteShape.h"
 
 #include <list>
+#include <unordered_map>
 #include <optional>
 
 struct sqlite3;
 struct sqlite3_stmt;
 
 namespace ADODB {
+
+/// How the pieces of a statement supply the literals of its shape.
+class PieceBindings {
+public:
+    /// Returns the bindings of a statement with these pieces, whose text `statement` was cut at `literals`. Returns
+    /// nothing if a value among the pieces is not a whole literal of its kind.
+    static std::optional<PieceBindings> Of(std::span<const StatementPiece> pieces, std::string_view statement,
+                                           const std::vector<Literal>& literals);
+
+    /// Returns true if `pieces` have the same fixed texts, and values of the same kinds; `literals` then has the
+    /// literals of the joined statement. A negative number is a literal here. The literals point into the pieces and
+    /// this object.
+    bool Match(std::span<const StatementPiece> pieces, std::vector<Literal>& literals) const;
+
+private:
+    /// A literal of the shape: a value, or a part of the fixed text.
+    struct Source {
+        bool isValue;
+        bool isText;
+        std::string body;     // of a fixed literal
+        std::int64_t number;  // of a fixed literal
+    };
+
+    using Position = std::vector<Literal>::const_iterator;
+    /// Adds the literals that end inside the text `fixed`, before its last character; returns the first other one.
+    Position TakeFixed(Position literal, Position last, std::string_view fixed);
+
+    std::vector<std::string> fixed_;           // the joined fixed texts in front of each value and behind the last one
+    std::vector<StatementPiece::Kind> kinds_;  // of the values
+    std::vector<Source> sources_;              // of the literals
+};
 
 /// A compiled statement with the columns of its result. One thread.
 class CompiledStatement {
@@ -28,6 +60,7 @@ public:
     void ForgetColumns() { columns_.reset(); }
 
     Shape shape;
+    std::optional<PieceBindings> bindings;  ///< if it ran as pieces
 
 private:
     sqlite3_stmt* compiled_;
@@ -44,6 +77,9 @@ public:
     /// the "?". It is valid until the next call. Raises the engine's error, and 0x80040E14 if a second statement
     /// follows the first.
     CompiledStatement& For(std::string_view statement, std::vector<Literal>& literals);
+
+    /// Returns the cached statement for these pieces, and its literals; null if none is cached.
+    CompiledStatement* ForPieces(std::span<const StatementPiece> pieces, std::vector<Literal>& literals);
 
     /// Returns the compiled statement for a text of the database layer, which contains "?" itself.
     CompiledStatement& ForMarked(std::string_view statement);
