@@ -12,7 +12,7 @@ from ctypes import c_void_p
 from typing import Any, Callable, Dict, Iterable, List, Optional
 
 from . import _binary as binary
-from . import _objects
+from . import _objects, _slots
 from ._errors import E_NOINTERFACE, no_member
 from ._library import library
 from ._members import Argument, Member, invoke, member_of
@@ -103,10 +103,10 @@ def _operation(member: Member) -> Callable[..., Any]:
     return call
 
 
-def _getter(member: Member, put: Optional[Member]) -> Callable[[Object], Any]:
+def _getter(member: Member, put: Optional[Member], table: int) -> Callable[[Object], Any]:
     if member.arguments:
         return lambda self: Indexed(self, member, put)
-    return lambda self: invoke(self, member)
+    return _slots.getter(table, member) or (lambda self: invoke(self, member))
 
 
 def _no_getter(name: str) -> Callable[[Object], Any]:
@@ -116,7 +116,7 @@ def _no_getter(name: str) -> Callable[[Object], Any]:
     return get
 
 
-def _setter(puts: Dict[str, Member]) -> Callable[[Object, Any], None]:
+def _setter(puts: Dict[str, Member], table: int) -> Callable[[Object, Any], None]:
     by_value, by_reference = puts.get("put"), puts.get("putref")
 
     def put(self: Object, value: Any) -> None:
@@ -124,10 +124,10 @@ def _setter(puts: Dict[str, Member]) -> Callable[[Object, Any], None]:
         assert member is not None
         invoke(self, member, (value,))
 
-    return put
+    return _slots.setter(table, by_value, put) if by_value and not by_reference else put
 
 
-def _property(name: str, kinds: Dict[str, Member]) -> property:
+def _property(name: str, kinds: Dict[str, Member], table: int) -> property:
     get = kinds.get("get")
     puts = {kind: member for kind, member in kinds.items() if kind in ("put", "putref")}
     if get is not None and get.arguments:
@@ -137,7 +137,8 @@ def _property(name: str, kinds: Dict[str, Member]) -> property:
         type = get.result if get else shown.arguments[-1].type
         text = f"{shown.help} ({_word(type)}{'' if puts and get else ', assigned only' if puts else ', read only'})"
     first_put = next(iter(puts.values()), None)
-    return property(_getter(get, first_put) if get else _no_getter(name), _setter(puts) if puts else None, doc=text)
+    return property(_getter(get, first_put, table) if get else _no_getter(name),
+                    _setter(puts, table) if puts else None, doc=text)
 
 
 # ---- special methods ------------------------------------------------------------------------------------------
@@ -214,9 +215,9 @@ def _protocols(members: List[Member]) -> Dict[str, Any]:
 # ---- classes --------------------------------------------------------------------------------------------------
 
 
-def build(description: Dict[str, Any]) -> type:
-    """Returns the Python class for the description of an object by OxDescribe."""
-    members = [member_of(described) for described in description["members"]]
+def build(description: Dict[str, Any], table: int) -> type:
+    """Returns the Python class for the description of an object by OxDescribe, whose vtable is ``table``."""
+    members = [member_of(described, position) for position, described in enumerate(description["members"])]
     by_name: Dict[str, Dict[str, Member]] = {}
     for member in members:
         by_name.setdefault(member.name, {})[member.kind] = member
@@ -225,14 +226,14 @@ def build(description: Dict[str, Any]) -> type:
         "_names": {name.lower(): name for name in by_name}
     }
     for name, kinds in by_name.items():
-        space[name] = _operation(kinds["operation"]) if "operation" in kinds else _property(name, kinds)
+        space[name] = _operation(kinds["operation"]) if "operation" in kinds else _property(name, kinds, table)
+    space["_puts"] = {name: member.fset for name, member in space.items() if isinstance(member, property) and member.fset}
     space.update(_protocols(members))
     return type(description["class"], (Object,), space)
 
 
 _lock = threading.Lock()
 _by_table: Dict[int, type] = {}
-_by_name: Dict[str, type] = {}
 
 
 def class_of(pointer: int) -> type:
@@ -248,10 +249,9 @@ def class_of(pointer: int) -> type:
     functions.check(code)
     description = json.loads(functions.take_text(described.value))
     with _lock:
-        name = description["class"]
-        if name not in _by_name:
-            _by_name[name] = build(description)
-        return _by_table.setdefault(table, _by_name[name])
+        if table not in _by_table:
+            _by_table[table] = build(description, table)
+        return _by_table[table]
 
 
 _objects.class_of = class_of

@@ -23,6 +23,7 @@ FLAGS = {
 class Argument(NamedTuple):
     name: str
     type: Type
+    by_reference: bool
     comes_back: bool
     optional: bool
     help: str
@@ -37,16 +38,17 @@ class Member(NamedTuple):
     arguments: Tuple[Argument, ...]
     result: Type
     help: str
+    position: int  # among the members of the class, from 0
 
 
-def member_of(described: Dict[str, Any]) -> Member:
+def member_of(described: Dict[str, Any], position: int) -> Member:
     """Returns a member from its description by OxDescribe."""
     arguments = tuple(
-        Argument(argument["name"], Type(argument["type"], argument.get("of", "")), argument["comesBack"],
-                 argument["optional"], argument["help"]) for argument in described["arguments"])
+        Argument(argument["name"], Type(argument["type"], argument.get("of", "")), argument["byReference"],
+                 argument["comesBack"], argument["optional"], argument["help"]) for argument in described["arguments"])
     result = Type(described["result"], described.get("resultOf", ""))
     return Member(described["name"], described["kind"], c_int32(described["id"]).value, arguments, result,
-                  described["help"])
+                  described["help"], position)
 
 
 def bind(member: Member, given: Tuple[Any, ...], named: Dict[str, Any]) -> Sequence[Any]:

@@ -27,6 +27,7 @@ class Object:
 
     _reference: Reference
     _names: Dict[str, str] = {}  # the members' names by their lower case
+    _puts: Dict[str, Callable[[Any, Any], None]] = {}  # the functions that assign the properties, by their names
     _variant_type = binary.VT_DISPATCH
 
     def __new__(cls, *arguments: Any, **keywords: Any) -> NoReturn:
@@ -42,6 +43,9 @@ class Object:
         return getattr(self, real)
 
     def __setattr__(self, name: str, value: Any) -> None:
+        put = type(self)._puts.get(name)
+        if put is not None:
+            return put(self, value)
         real = type(self)._names.get(name.lower())
         if real is None:
             raise no_member(self, name)
