@@ -33,6 +33,9 @@ double NoiseOf(const std::vector<double>& values) {
     return 3 * 1.25 * spread / std::sqrt(static_cast<double>(values.size()));
 }
 
+/// Returns the number of digits behind the point with which a time is written.
+int DigitsOf(double microseconds) { return microseconds < 1 ? 4 : 2; }
+
 }  // namespace
 
 void Require(bool done) {
@@ -77,10 +80,10 @@ void Report::Add(const Comparison& done) {
     if (quiet_) return;
     const std::string name = done.what + ", " + done.unit;
     if (done.byHand_us > 0)
-        std::printf("%-62s %9.2f us  %9.2f us  %6.2f +- %.2f\n", name.c_str(), done.library_us, done.byHand_us,
-                    done.ratio, done.noise);
+        std::printf("%-62s %9.*f us  %9.*f us  %6.2f +- %.2f\n", name.c_str(), DigitsOf(done.library_us),
+                    done.library_us, DigitsOf(done.byHand_us), done.byHand_us, done.ratio, done.noise);
     else
-        std::printf("%-62s %9.2f us\n", name.c_str(), done.library_us);
+        std::printf("%-62s %9.*f us\n", name.c_str(), DigitsOf(done.library_us), done.library_us);
     std::fflush(stdout);
 }
 

@@ -183,20 +183,25 @@ std::vector<String> SplitIgnoringCase(std::string_view text, std::string_view de
     return parts;
 }
 
-std::u16string ToUtf16(std::string_view text) {
-    std::u16string out;
-    out.reserve(text.size());
+std::size_t ToUtf16(std::string_view text, char16_t* units) {
+    const char16_t* const first = units;
     for (std::size_t at = 0; at < text.size();) {
         const Character c = CharacterAt(text, at);
         const char32_t code = c.code == Broken ? 0xFFFD : c.code;
         if (code >= 0x10000) {
-            out += static_cast<char16_t>(0xD800 + ((code - 0x10000) >> 10));
-            out += static_cast<char16_t>(0xDC00 + ((code - 0x10000) & 0x3FF));
+            *units++ = static_cast<char16_t>(0xD800 + ((code - 0x10000) >> 10));
+            *units++ = static_cast<char16_t>(0xDC00 + ((code - 0x10000) & 0x3FF));
         } else {
-            out += static_cast<char16_t>(code);
+            *units++ = static_cast<char16_t>(code);
         }
         at += c.bytes;
     }
+    return static_cast<std::size_t>(units - first);
+}
+
+std::u16string ToUtf16(std::string_view text) {
+    std::u16string out(text.size(), u'\0');
+    out.resize(ToUtf16(text, out.data()));
     return out;
 }
 

@@ -50,4 +50,8 @@ std::vector<String> SplitIgnoringCase(std::string_view text, std::string_view de
 std::u16string ToUtf16(std::string_view text);
 String FromUtf16(std::u16string_view text);
 
+/// Writes the UTF-16 units of a text to `units`, which has room for one unit for each byte of the text, and returns
+/// their number.
+std::size_t ToUtf16(std::string_view text, char16_t* units);
+
 }  // namespace Platform

@@ -2,13 +2,22 @@
 
 #include "platform/runtime/Text.h"
 
+#include <array>
 #include <new>
+#include <string>
 
 namespace Platform {
 
 BSTR ToBstr(std::string_view text) {
-    const std::u16string units = ToUtf16(text);
-    BSTR result = SysAllocStringLen(reinterpret_cast<LPCOLESTR>(units.data()), static_cast<UINT>(units.size()));
+    std::array<char16_t, 256> few;
+    std::u16string many;
+    char16_t* units = few.data();
+    if (text.size() > few.size()) {
+        many.resize(text.size());
+        units = many.data();
+    }
+    const std::size_t count = ToUtf16(text, units);
+    BSTR result = SysAllocStringLen(reinterpret_cast<LPCOLESTR>(units), static_cast<UINT>(count));
     if (!result) throw std::bad_alloc();
     return result;
 }

@@ -14,7 +14,8 @@ namespace {
 /// Returns a number for the calling thread that no other thread has.
 std::uint32_t ThisThread() {
     static std::atomic<std::uint32_t> last = 0;
-    thread_local const std::uint32_t number = ++last;
+    thread_local std::uint32_t number = 0;
+    if (number == 0) number = ++last;
     return number;
 }
 

@@ -323,11 +323,13 @@ void WriteArgument(const Argument& argument, const Variant& value, const void* p
         AssignPlace(argument.Type, value, target);
 }
 
+constexpr const char* NoPlace = "The result's place is missing";
+
 HRESULT Run(Object& object, const Member& member, const void* const* given) {
     const std::size_t count = member.Arguments.size();
     const bool hasResult = member.Result.Is != MemberType::Kind::None;
     void* const result = hasResult ? *static_cast<void* const*>(given[count]) : nullptr;
-    if (hasResult && !result) return FailWith(E_POINTER, "The result's place is missing");
+    if (hasResult && !result) return FailWith(E_POINTER, NoPlace);
     if (hasResult) ClearPlace(member.Result, result);
 
     std::vector<Variant> values(count);
@@ -340,6 +342,12 @@ HRESULT Run(Object& object, const Member& member, const void* const* given) {
 }
 
 }  // namespace
+
+HRESULT BeginSlot(const InterfacePointer& self, const void* place) noexcept {
+    SetErrorInfo(0, nullptr);
+    if (!Boundary::IsOnItsThread(self)) return WrongThread();
+    return place ? S_OK : FailWith(E_POINTER, NoPlace);
+}
 
 HRESULT CallSlot(InterfacePointer& self, const void* slot, const void* const* given) noexcept {
     return Guarded([&]() -> HRESULT {

@@ -25,6 +25,10 @@ namespace detail {
 /// address of the pointer to the result. Returns a return code, with an error record if it is a failure.
 HRESULT CallSlot(InterfacePointer& self, const void* slot, const void* const* given) noexcept;
 
+/// Begins a call of a slot that needs no `Member`: clears the error record. Returns a failure with an error record on
+/// another thread than the object's, and if `place`, the address of the result, is null.
+HRESULT BeginSlot(const InterfacePointer& self, const void* place) noexcept;
+
 }  // namespace detail
 
 }  // namespace Platform

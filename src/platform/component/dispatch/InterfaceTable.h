@@ -1,7 +1,9 @@
 #pragma once
 
 #include "platform/component/dispatch/Dispatch.h"
+#include "platform/component/binary/Bstr.h"
 #include "platform/component/binary/ReturnCode.h"
+#include "platform/component/dispatch/Boundary.h"
 #include "platform/component/dispatch/Interface.h"
 #include "platform/runtime/Convert.h"
 
@@ -161,6 +163,72 @@ const void* SlotOf() {
     return reinterpret_cast<const void*>(&Slot<Key, R, A...>::Call);
 }
 
+// ---- slots of data members --------------------------------------------------------------------------
+
+/// True for the types of which a data member is read and assigned without a variant. A date is not one of them, because
+/// its range is checked.
+template <class T>
+constexpr bool IsPlain =
+    std::is_enum_v<T> || std::is_same_v<T, bool> || std::is_same_v<T, Integer> || std::is_same_v<T, Long> ||
+    std::is_same_v<T, float> || std::is_same_v<T, double> || std::is_same_v<T, String>;
+
+template <class T>
+Binary<T> ToBinary(const T& value) {
+    if constexpr (std::is_same_v<T, bool>)
+        return value ? VARIANT_TRUE : VARIANT_FALSE;
+    else if constexpr (std::is_same_v<T, String>)
+        return ToBstr(value);
+    else
+        return static_cast<Binary<T>>(value);
+}
+
+template <class T>
+T FromBinary(Binary<T> value) {
+    if constexpr (std::is_same_v<T, bool>)
+        return value != VARIANT_FALSE;
+    else if constexpr (std::is_same_v<T, String>)
+        return FromBstr(value);
+    else
+        return static_cast<T>(value);
+}
+
+/// The slots of a data member of a plain type.
+template <auto M>
+struct DataSlots;
+template <class C, class T, T C::*M>
+struct DataSlots<M> {
+    static HRESULT STDMETHODCALLTYPE Get(InterfacePointer* self, Binary<T>* result) noexcept {
+        if (const HRESULT begun = BeginSlot(*self, result); FAILED(begun)) return begun;
+        return Guarded([&] {
+            *result = {};
+            *result = ToBinary<T>(static_cast<C&>(Boundary::ObjectOf(*self)).*M);
+            return S_OK;
+        });
+    }
+    static HRESULT STDMETHODCALLTYPE Put(InterfacePointer* self, Binary<T> value) noexcept {
+        if (const HRESULT begun = BeginSlot(*self, self); FAILED(begun)) return begun;
+        return Guarded([&] {
+            static_cast<C&>(Boundary::ObjectOf(*self)).*M = FromBinary<T>(value);
+            return S_OK;
+        });
+    }
+};
+
+template <auto M, class T>
+const void* SlotOfGet() {
+    if constexpr (IsPlain<T>)
+        return reinterpret_cast<const void*>(&DataSlots<M>::Get);
+    else
+        return SlotOf<M, T>();
+}
+template <auto M, class T>
+const void* SlotOfPut() {
+    if constexpr (IsPlain<T>)
+        return reinterpret_cast<const void*>(&DataSlots<M>::Put);
+    else
+        return SlotOf<M, void, Binary<T>>();
+}
+
 // ---- calls ------------------------------------------------------------------------------------------
 
 template <auto F, class C, class R, class... A>
@@ -218,7 +286,7 @@ struct DataOf<M> {
         return {};
     }
     static Member GetMember(const char* name, const char* help) {
-        return {name, help, MemberKind::Get, ByPosition, {}, TypeOf<T>(), Get, SlotOf<M, T>()};
+        return {name, help, MemberKind::Get, ByPosition, {}, TypeOf<T>(), Get, SlotOfGet<M, T>()};
     }
     static const void* SlotOfPutByReference() { return SlotOf<M, void, Binary<T>*>(); }
     static Member PutMember(const char* name, const char* help) {
@@ -230,7 +298,7 @@ struct DataOf<M> {
                 {PutArgument<T>(object)},
                 {},
                 Put,
-                SlotOf<M, void, Binary<T>>()};
+                SlotOfPut<M, T>()};
     }
 };
 
