@@ -134,14 +134,11 @@ Image FirstFrameShown(DcmDataset& set) {
     return Checked(std::move(image));
 }
 
-/// Returns the picture with no side longer than that; `proportion` is width by height of the whole.
-Image Sized(Image image, double proportion, unsigned longestSide) {
+/// Returns the picture with no more pixels than that in each direction.
+Image Sized(Image image, const PixelSpace& most) {
     constexpr int byArea = 1, asAsked = 0;
-    const auto side = [&](double part) {
-        return static_cast<unsigned long>(std::max(1L, std::lround(longestSide * std::min(part, 1.0))));
-    };
-    const unsigned long width = std::min(image->getWidth(), side(proportion));
-    const unsigned long height = std::min(image->getHeight(), side(1 / proportion));
+    const unsigned long width = std::min<unsigned long>(image->getWidth(), most.width);
+    const unsigned long height = std::min<unsigned long>(image->getHeight(), most.height);
     if (width == image->getWidth() && height == image->getHeight()) return image;
     Image scaled(image->createScaledImage(width, height, byArea, asAsked));
     if (!scaled) RefuseFile("its pixels can't be scaled");
@@ -199,7 +196,15 @@ std::string FailureOf(const Work& work) {
 
 }  // namespace
 
-DicomPicture RenderDicom(const std::filesystem::path& path, unsigned longestSide) {
+PixelSpace PixelSpace::Fitted(double proportion) const {
+    const double shown = std::min<double>(width, height * proportion);
+    const auto whole = [](double pixels, unsigned most) {
+        return static_cast<unsigned>(std::clamp<double>(std::round(pixels), 1, std::max(most, 1U)));
+    };
+    return {whole(shown, width), whole(shown / proportion, height)};
+}
+
+DicomPicture RenderDicom(const std::filesystem::path& path, PixelSpace space) {
     DcmFileFormat file;
     Load(file, path);
     DcmDataset& set = *file.getDataset();
@@ -209,9 +214,11 @@ DicomPicture RenderDicom(const std::filesystem::path& path, unsigned longestSide
     Image image = FirstFrameShown(set);
     picture.proportion =
         static_cast<double>(image->getWidth()) / static_cast<double>(image->getHeight()) / picture.proportion;
-    image = Sized(std::move(image), picture.proportion, std::max(longestSide, 1U));
+    const bool exchanged = form.Degrees() % 180 != 0;
+    if (exchanged) std::swap(space.width, space.height);
+    image = Sized(std::move(image), space.Fitted(picture.proportion));
     Turn(*image, form);
-    if (form.Degrees() % 180 != 0) picture.proportion = 1 / picture.proportion;
+    if (exchanged) picture.proportion = 1 / picture.proportion;
     picture.png = PngOf(*image);
     return picture;
 }
