@@ -198,11 +198,25 @@ std::string PngOf(DicomImage& image) {
     return bytes;
 }
 
-/// Decodes the first frame and forgets it.
+/// Returns true for gray pixels that are stored as they are. Their conversion fails only for what their description and
+/// their number tell.
+bool IsPlainGray(DcmDataset& set) {
+    Uint16 samples = 0;
+    set.findAndGetUint16(DCM_SamplesPerPixel, samples);
+    return IsGray(set) && samples == 1 && !DcmXfer(set.getOriginalXfer()).isEncapsulated();
+}
+
+/// Decodes the first frame and forgets it. Plain gray pixels stay in the file.
 void RequirePicture(const std::filesystem::path& path) {
     DcmFileFormat file;
     Load(file, path);
-    FirstFrameShown(*file.getDataset());
+    DcmDataset& set = *file.getDataset();
+    if (!IsPlainGray(set)) {
+        FirstFrameShown(set);
+        return;
+    }
+    CheckFirstFrameComplete(set);
+    RequireGrayForm(set);
 }
 
 /// Decodes compressed pixels of the first frame; plain ones are only counted.
