@@ -35,8 +35,8 @@ struct DicomPicture {
 /// Memory is bounded by the size of one frame.
 DicomPicture RenderDicom(const std::filesystem::path& path, PixelSpace space);
 
-/// Returns the reason why `RenderDicom` throws for a file; empty if it returns a picture. Decodes the first frame, except
-/// that plain gray pixels, whose description tells whether they can be shown, are not read.
+/// Returns the reason why `RenderDicom` throws for a file; empty if it returns a picture. Decodes the first frame,
+/// except that plain gray pixels, whose description tells whether they can be shown, are not read.
 std::string WhyNoPicture(const std::filesystem::path& path);
 
 /// Returns the same reason without rendering uncompressed pixels of any kind: of these it checks only the number, which
