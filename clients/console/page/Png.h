@@ -2,9 +2,8 @@
 
 #include "console/page/Svg.h"
 
+#include <cairo.h>
 #include <memory>
-
-using cairo_surface_t = struct _cairo_surface;
 
 namespace Console {
 
