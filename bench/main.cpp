@@ -2,6 +2,7 @@
 #include "bench/ByHand.h"
 #include "bench/Cards.h"
 #include "bench/Clinic.h"
+#include "bench/ImportFiles.h"
 #include "bench/Report.h"
 
 #include "images/cImages.h"
@@ -241,6 +242,7 @@ int main(int argc, char** argv) {
     for (const std::size_t count : {4, 18, 20}) Hang(report, con, count);
     BenchCards(report, con, path, hand);
     BenchBoundary(report);
+    BenchImport(report, folder);
     if (json) std::puts(report.Json().c_str());
     return baseline.empty() || report.NoSlowerThan(baseline) ? 0 : 3;
 }

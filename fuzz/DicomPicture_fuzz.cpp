@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::ofstream(path, std::ios::binary)
         .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
     try {
-        const Console::DicomPicture picture = Console::RenderDicom(path, 64);
+        const Console::DicomPicture picture = Console::RenderDicom(path, {64, 64});
         CHECK(picture.png.starts_with("\x89PNG") && picture.frames >= 1);
         CHECK(std::isfinite(picture.proportion) && picture.proportion > 0);
         CHECK(Console::WhyNoPictureQuickly(path).empty());

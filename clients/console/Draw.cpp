@@ -19,7 +19,7 @@ bool EndsIn(const std::string& file, const char* ending) {
 std::size_t TellMissing(const Page& page) {
     std::size_t missing = 0;
     for (const PlacedPicture& placed : page.pictures) {
-        if (placed.picture) continue;
+        if (placed.missing.empty()) continue;
         fmt::print(stderr, "oxclass: no picture for {}: {}\n", Printable(placed.caption), Printable(placed.missing));
         ++missing;
     }
@@ -35,9 +35,14 @@ void Draw(Program& program, const std::string& key, const std::string& file, uns
     const auto entry = OpenEntry(database, key);
     // The placed images after one that can't be read are unknown: the drawing would look complete.
     RequireComplete(*entry->Imagecard, fmt::format("a placed image of card {}", Platform::UCase(key)));
-    const Page page = PageOf(*entry, width);
-    const std::string svg = SvgOf(page, drawing);
-    WriteWholeFile(file, png ? PngOfSvg(svg, width) : svg);
+    Page page = PageOf(*entry, width);
+    WholeFile out(file);
+    const auto write = [&](std::string_view part) { out.Write(part); };
+    if (png)
+        WritePng(page, drawing, width, write);
+    else
+        WriteSvg(page, drawing, write);
+    out.Commit();
     const std::size_t missing = TellMissing(page);
     const std::vector<std::string> damages = DamagesOf(*entry);
     for (const std::string& damage : damages) fmt::print(stderr, "oxclass: {}\n", Printable(damage));
@@ -86,14 +91,18 @@ void AddDrawing(Program& program) {
         ->type_name("PIXELS");
     draw->add_flag("--numbers", given->drawing.numbers, "write each image's frame or place at it");
     draw->add_flag("--empty", given->drawing.empty, "outline the slots that show no image");
-    draw->footer("Exit code 3: some pictures are missing.\nExample: oxclass draw SE18 -o mouth.png --numbers");
+    draw->footer(
+        "Pictures are scaled down to the pixels of --width.\nExit code 3: some pictures are missing.\nExample: oxclass "
+        "draw SE18 -o mouth.png --numbers");
     draw->callback([&program, given] { Draw(program, given->key, given->file, given->width, given->drawing); });
 
     auto* report = program.app.add_subcommand(
         "report", "write a page on a patient with all cards and series, for a browser or for paper");
     report->add_option("PATIENT", given->key, "the patient's ID, or # and the number")->required();
     report->add_option("-o,--output", given->file, "file to write")->required()->type_name("FILE.html");
-    report->footer("Exit code 3: some pictures are missing.\nExample: oxclass report TEST-FMX18 -o report.html");
+    report->footer(
+        "Pictures are scaled down to two pixels for each CSS pixel that they are shown with.\nExit code 3: some "
+        "pictures are missing.\nExample: oxclass report TEST-FMX18 -o report.html");
     report->callback([&program, given] { Report(program, given->key, given->file); });
 }
 

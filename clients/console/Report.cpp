@@ -15,17 +15,19 @@ namespace {
 
 using namespace OXClass;
 
-constexpr unsigned PixelWidth = 1600;
+/// A picture is 46rem wide in the page (report.html), which are 736 CSS pixels; a dense screen shows each of them with
+/// two of its own.
+constexpr unsigned PixelWidth = 2 * 46 * 16;
 
-/// Returns the text of the page with each "{{name}}" replaced; `texts` are HTML already.
-std::string Filled(std::string_view page, const std::map<std::string, std::string>& texts) {
-    std::string filled;
+/// Writes the text of the page, and calls the function of "{{name}}" in its place.
+void WriteFilled(std::string_view page, const std::map<std::string, std::function<void()>>& parts,
+                 const TextSink& write) {
     for (std::size_t from = 0;;) {
         const auto open = page.find("{{", from);
-        filled += page.substr(from, open == std::string_view::npos ? open : open - from);
-        if (open == std::string_view::npos) return filled;
+        write(page.substr(from, open == std::string_view::npos ? open : open - from));
+        if (open == std::string_view::npos) return;
         const auto close = page.find("}}", open);
-        filled += texts.at(std::string(page.substr(open + 2, close - open - 2)));
+        parts.at(std::string(page.substr(open + 2, close - open - 2)))();
         from = close + 2;
     }
 }
@@ -134,24 +136,23 @@ std::string Damages(const std::vector<std::string>& lines) {
     return text;
 }
 
-std::string Section(const Database& database, const cUniCard& entry, const Page& page) {
+/// Writes an entry, and reads its pictures one by one.
+void WriteSection(const Database& database, const cUniCard& entry, Page& page, const TextSink& write) {
     const std::string name = XmlText(page.title);
     const std::string kind = entry.Series ? "Series" : "Image card";
-    std::string picture;
-    if (!page.pictures.empty())
-        picture = fmt::format(
-            "<button type=\"button\" class=\"enlarge\" "
-            "aria-label=\"Enlarge {} {}\">{}</button>\n",
-            kind, name, SvgOf(page, {.numbers = true, .within = true}));
     const std::string description = entry.Series || entry.Imagecard->ICDescription.empty()
                                         ? ""
                                         : fmt::format("<p>{}</p>\n", XmlText(entry.Imagecard->ICDescription));
-    return fmt::format(
-        "<article id=\"{0}\">\n<h2>{1}</h2>\n<p "
-        "class=\"quiet\">{2} {0}, {3}, {4} "
-        "images</p>\n{5}{6}{7}{8}</article>\n",
-        entry.Key, name, kind, DateText(entry.SortDate()), page.pictures.size(), description, Damages(DamagesOf(entry)),
-        picture, Table(database, entry, page));
+    write(fmt::format("<article id=\"{0}\">\n<h2>{1}</h2>\n<p class=\"quiet\">{2} {0}, {3}, {4} images</p>\n{5}{6}",
+                      entry.Key, name, kind, DateText(entry.SortDate()), page.pictures.size(), description,
+                      Damages(DamagesOf(entry))));
+    if (!page.pictures.empty()) {
+        write(fmt::format("<button type=\"button\" class=\"enlarge\" aria-label=\"Enlarge {} {}\">", kind, name));
+        WriteSvg(page, {.numbers = true, .within = true}, write);
+        write("</button>\n");
+    }
+    write(Table(database, entry, page));
+    write("</article>\n");
 }
 
 /// Returns an entry that can't be read at all.
@@ -160,35 +161,72 @@ std::string DamagedSection(const UnreadEntry& entry) {
                        Damages({"it can't be read: " + DamageOf(entry.Failure)}));
 }
 
+/// Writes the entries of a list, which are loaded one by one, and counts them.
+class Entries {
+public:
+    Entries(const Database& database, const CardList& list) : database_(database), list_(list) {}
+
+    /// Returns the number of images of all entries.
+    std::size_t CountImages() const {
+        std::size_t images = 0;
+        for (cUniCard& entry : *list_.entries) {
+            LoadReadable(database_.Con(), entry);
+            images += static_cast<std::size_t>(entry.Imagecard->ImagecardAttributes->Count());
+            entry.colImages = nullptr;
+        }
+        return images;
+    }
+
+    ReportTally Write(const TextSink& write) const {
+        ReportTally tally;
+        Progress progress("entries", static_cast<std::size_t>(list_.entries->Count()));
+        for (cUniCard& entry : *list_.entries) {
+            LoadReadable(database_.Con(), entry);
+            WriteEntry(entry, tally, write);
+            entry.colImages = nullptr;
+            progress.Step();
+        }
+        progress.Clear();
+        for (const UnreadEntry& entry : list_.damaged) write(DamagedSection(entry));
+        tally.damaged += list_.damaged.size();
+        return tally;
+    }
+
+private:
+    void WriteEntry(const cUniCard& entry, ReportTally& tally, const TextSink& write) const {
+        Page page = PageOf(entry, PixelWidth);
+        WriteSection(database_, entry, page, write);
+        ++tally.entries;
+        tally.images += page.pictures.size();
+        tally.damaged += DamagesOf(entry).size() + DamagedComments(database_, entry);
+        for (const PlacedPicture& placed : page.pictures) tally.missing += !placed.missing.empty();
+    }
+
+    const Database& database_;
+    const CardList& list_;
+};
+
 }  // namespace
 
 ReportTally WriteReport(const Database& database, const std::string& patient, const std::filesystem::path& file) {
     const CardList list = ListCards(database, patient);
-    ReportTally tally;
-    std::string entries;
-    Progress progress("entries", static_cast<std::size_t>(list.entries->Count()));
-    for (cUniCard& entry : *list.entries) {
-        LoadReadable(database.Con(), entry);
-        const Page page = PageOf(entry, PixelWidth);
-        entries += Section(database, entry, page);
-        ++tally.entries;
-        tally.images += page.pictures.size();
-        tally.damaged += DamagesOf(entry).size() + DamagedComments(database, entry);
-        for (const PlacedPicture& placed : page.pictures) tally.missing += placed.picture == nullptr;
-        entry.colImages = nullptr;
-        progress.Step();
-    }
-    progress.Clear();
-    for (const UnreadEntry& entry : list.damaged) entries += DamagedSection(entry);
-    tally.damaged += list.damaged.size();
+    const Entries entries(database, list);
     const std::string name = XmlText(FullName(*list.patient));
-    WriteWholeFile(
-        file, Filled(page::report_html, {{"title", name + ", dental images"},
-                                         {"patient", name},
-                                         {"facts", Facts(database, *list.patient)},
-                                         {"summary", fmt::format("{} cards and series with {} images, newest first.",
-                                                                 tally.entries, tally.images)},
-                                         {"entries", entries}}));
+    ReportTally tally;
+    WholeFile out(file);
+    const TextSink write = [&](std::string_view text) { out.Write(text); };
+    WriteFilled(page::report_html,
+                {{"title", [&] { write(name + ", dental images"); }},
+                 {"patient", [&] { write(name); }},
+                 {"facts", [&] { write(Facts(database, *list.patient)); }},
+                 {"summary",
+                  [&] {
+                      write(fmt::format("{} cards and series with {} images, newest first.", list.entries->Count(),
+                                        entries.CountImages()));
+                  }},
+                 {"entries", [&] { tally = entries.Write(write); }}},
+                write);
+    out.Commit();
     return tally;
 }
 

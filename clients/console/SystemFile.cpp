@@ -51,7 +51,9 @@ void SystemFile::Write(const char* from, std::size_t size) {
     }
 }
 
-void SystemFile::Flush() {
+void SystemFile::BeginFlush() const { sync_file_range(descriptor_, 0, 0, SYNC_FILE_RANGE_WRITE); }
+
+void SystemFile::Flush() const {
     if (fsync(descriptor_) != 0) ThrowSystemError("can't write", shown_);
 }
 

@@ -22,8 +22,11 @@ public:
 
     void Write(const char* from, std::size_t size);
 
+    /// Has the system begin to write the content to the disk, and doesn't wait. `Flush` reports a failure.
+    void BeginFlush() const;
+
     /// Flushes the content to the disk.
-    void Flush();
+    void Flush() const;
 
 private:
     std::filesystem::path shown_;

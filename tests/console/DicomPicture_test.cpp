@@ -27,6 +27,8 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 namespace fs = std::filesystem;
 
+constexpr PixelSpace Large{1000, 1000};
+
 class PictureOfFile : public ::testing::Test {
 protected:
     /// Writes a gray file of two pixels by one, and more attributes.
@@ -114,7 +116,7 @@ protected:
 
     static std::string FailureOf(const fs::path& path) {
         try {
-            RenderDicom(path, 1000);
+            RenderDicom(path, Large);
         } catch (const std::runtime_error& failure) {
             return failure.what();
         }
@@ -125,7 +127,7 @@ protected:
 };
 
 TEST_F(PictureOfFile, GrayValuesFillTheRangeWithoutAWindow) {
-    const Pixels pixels(RenderDicom(Write({100, 200, 300}), 1000).png);
+    const Pixels pixels(RenderDicom(Write({100, 200, 300}), Large).png);
     EXPECT_TRUE(pixels.gray);
     EXPECT_EQ(pixels.Gray(0, 0), 0);
     EXPECT_NEAR(pixels.Gray(1, 0), 128, 1);
@@ -138,7 +140,7 @@ TEST_F(PictureOfFile, TheFirstWindowOfTheFileIsItsWindow) {
                                               set.putAndInsertString(DCM_WindowCenter, "1500\\100");
                                               set.putAndInsertString(DCM_WindowWidth, "1000\\10");
                                           }),
-                                    1000)
+                                    Large)
                             .png);
     EXPECT_EQ(pixels.Gray(0, 0), 0);
     EXPECT_EQ(pixels.Gray(1, 0), 0);
@@ -151,7 +153,7 @@ TEST_F(PictureOfFile, DenseAreasAreLightInEitherInterpretation) {
                                           [](DcmDataset& set) {
                                               set.putAndInsertString(DCM_PhotometricInterpretation, "MONOCHROME1");
                                           }),
-                                    1000)
+                                    Large)
                             .png);
     EXPECT_EQ(pixels.Gray(0, 0), 255);
     EXPECT_EQ(pixels.Gray(1, 0), 0);
@@ -169,7 +171,7 @@ TEST_F(PictureOfFile, ColourStaysColour) {
         set.putAndInsertUint16(DCM_HighBit, 7);
         set.putAndInsertUint8Array(DCM_PixelData, rgb, 6);
     });
-    const Pixels pixels(RenderDicom(path, 1000).png);
+    const Pixels pixels(RenderDicom(path, Large).png);
     EXPECT_FALSE(pixels.gray);
     EXPECT_EQ(pixels.At(0, 0), Red);
     EXPECT_EQ(pixels.At(1, 0), Blue);
@@ -181,7 +183,7 @@ TEST_F(PictureOfFile, CompressedPixelsAreRead) {
     for (const E_TransferSyntax encoding : {EXS_JPEGProcess14SV1, EXS_RLELossless}) {
         const Pixels pixels(RenderDicom(Write(
                                             {0, 4095, 0, 4095}, [](DcmDataset&) {}, encoding),
-                                        1000)
+                                        Large)
                                 .png);
         EXPECT_EQ(pixels.Gray(0, 0), 0) << encoding;
         EXPECT_EQ(pixels.Gray(1, 0), 255) << encoding;
@@ -193,10 +195,54 @@ TEST_F(PictureOfFile, ALargePictureIsReducedInProportion) {
         set.putAndInsertUint16(DCM_Rows, 40);
         set.putAndInsertUint16(DCM_Columns, 100);
     });
-    const Pixels whole(RenderDicom(path, 100).png), half(RenderDicom(path, 50).png);
+    const Pixels whole(RenderDicom(path, {100, 100}).png), half(RenderDicom(path, {50, 50}).png);
     EXPECT_EQ(whole.Width(), 100);
     EXPECT_EQ(half.Width(), 50);
     EXPECT_EQ(half.Height(), 20);
+}
+
+TEST_F(PictureOfFile, IsReducedToWhatItsSpaceShows) {
+    const fs::path path = Write(std::vector<Uint16>(4000, 7), [](DcmDataset& set) {
+        set.putAndInsertUint16(DCM_Rows, 100);
+        set.putAndInsertUint16(DCM_Columns, 40);
+    });
+    const Pixels wide(RenderDicom(path, {90, 50}).png), high(RenderDicom(path, {20, 90}).png);
+    EXPECT_EQ(wide.Width(), 20);
+    EXPECT_EQ(wide.Height(), 50);
+    EXPECT_EQ(high.Width(), 20);
+    EXPECT_EQ(high.Height(), 50);
+    EXPECT_EQ(Pixels(RenderDicom(path, {0, 0}).png).Width(), 1);
+}
+
+TEST_F(PictureOfFile, AReducedPixelIsTheMeanOfTheShownGrayValuesOfItsArea) {
+    const auto shape = [](DcmDataset& set) {
+        set.putAndInsertUint16(DCM_Rows, 4);
+        set.putAndInsertUint16(DCM_Columns, 6);
+        set.putAndInsertString(DCM_WindowCenter, "500.5");
+        set.putAndInsertString(DCM_WindowWidth, "1001");
+    };
+    // The window shows 1000 and all above it as white; the mean of the stored values would be above it, too.
+    const fs::path path = Write({0,    4000, 0,   0,    1000, 1000,  //
+                                 4000, 0,    0,   4000, 1000, 4000,  //
+                                 0,    0,    500, 500,  4000, 0,     //
+                                 0,    0,    500, 500,  0,    0},
+                                shape);
+    const Pixels pixels(RenderDicom(path, {3, 2}).png);
+    ASSERT_EQ(pixels.Width(), 3);
+    ASSERT_EQ(pixels.Height(), 2);
+    EXPECT_TRUE(pixels.gray);
+    const int expected[] = {128, 64, 255, 0, 128, 64};
+    for (int i = 0; i < 6; ++i) EXPECT_NEAR(pixels.Gray(i % 3, i / 3), expected[i], 1) << i;
+}
+
+TEST_F(PictureOfFile, AReducedPixelHasItsShareOfThePixelsThatItCutsThrough) {
+    const fs::path path = Write({0, 3000, 0}, [](DcmDataset& set) {
+        set.putAndInsertString(DCM_WindowCenter, "1500.5");
+        set.putAndInsertString(DCM_WindowWidth, "3001");
+    });
+    const Pixels pixels(RenderDicom(path, {2, 2}).png);
+    EXPECT_NEAR(pixels.Gray(0, 0), 85, 1);
+    EXPECT_NEAR(pixels.Gray(1, 0), 85, 1);
 }
 
 TEST_F(PictureOfFile, AFileWithoutAPictureReportsTheReason) {
@@ -215,7 +261,7 @@ TEST_F(PictureOfFile, AFileWithoutAPictureReportsTheReason) {
 
 TEST_F(PictureOfFile, Jpeg2000IsDecoded) {
     const std::string codestream = Jpeg2000Of({0, 4095, 0, 2048, 100, 4095, 7, 0}, 8, 1, 1, 12);
-    const Pixels pixels(RenderDicom(WriteFragments({codestream}, EXS_JPEG2000LosslessOnly), 1000).png);
+    const Pixels pixels(RenderDicom(WriteFragments({codestream}, EXS_JPEG2000LosslessOnly), Large).png);
     EXPECT_TRUE(pixels.gray);
     EXPECT_EQ(pixels.Gray(0, 0), 0);
     EXPECT_EQ(pixels.Gray(1, 0), 255);
@@ -227,7 +273,7 @@ TEST_F(PictureOfFile, Jpeg2000InSeveralFragmentsIsOnePicture) {
     const std::size_t half = codestream.size() / 4 * 2;
     const Pixels pixels(
         RenderDicom(WriteFragments({codestream.substr(0, half), codestream.substr(half)}, EXS_JPEG2000LosslessOnly),
-                    1000)
+                    Large)
             .png);
     EXPECT_EQ(pixels.Gray(1, 0), 255);
 }
@@ -238,7 +284,7 @@ TEST_F(PictureOfFile, TheFirstOfSeveralJpeg2000FramesIsDrawn) {
     const auto picture =
         RenderDicom(WriteFragments({first.substr(0, 20), first.substr(20), second}, EXS_JPEG2000,
                                    [](DcmDataset& set) { set.putAndInsertString(DCM_NumberOfFrames, "2"); }),
-                    1000);
+                    Large);
     EXPECT_EQ(picture.frames, 2);
     EXPECT_EQ(Pixels(picture.png).Gray(0, 0), 255);
     EXPECT_EQ(Pixels(picture.png).Gray(7, 0), 0);
@@ -249,7 +295,7 @@ TEST_F(PictureOfFile, SignedSamplesInAnUnsignedCodestreamStaySigned) {
     const Pixels pixels(
         RenderDicom(WriteFragments({codestream}, EXS_JPEG2000LosslessOnly,
                                    [](DcmDataset& set) { set.putAndInsertUint16(DCM_PixelRepresentation, 1); }),
-                    1000)
+                    Large)
             .png);
     EXPECT_EQ(pixels.Gray(0, 0), 0);
     EXPECT_EQ(pixels.Gray(7, 0), 255);
@@ -267,7 +313,7 @@ TEST_F(PictureOfFile, ColourInJpeg2000IsDecoded) {
             set.putAndInsertUint16(DCM_BitsStored, 8);
             set.putAndInsertUint16(DCM_HighBit, 7);
         });
-        const Pixels pixels(RenderDicom(path, 1000).png);
+        const Pixels pixels(RenderDicom(path, Large).png);
         EXPECT_FALSE(pixels.gray);
         EXPECT_EQ(pixels.At(0, 0), Red) << form;
         EXPECT_EQ(pixels.At(1, 0), Blue) << form;
@@ -304,7 +350,7 @@ TEST_F(PictureOfFile, CompressedColourStaysColour) {
                 set.putAndInsertUint8Array(DCM_PixelData, rgb.data(), rgb.size());
             },
             encoding);
-        const Pixels pixels(RenderDicom(path, 1000).png);
+        const Pixels pixels(RenderDicom(path, Large).png);
         EXPECT_NEAR(pixels.At(5, 5).red, 255, 3) << encoding;
         EXPECT_NEAR(pixels.At(5, 5).green, 0, 3) << encoding;
         EXPECT_NEAR(pixels.At(5, 5).blue, 0, 3) << encoding;
@@ -324,7 +370,7 @@ TEST_F(PictureOfFile, PixelsThatAreNotSquareDefineTheProportionOfThePicture) {
                           Case{DCM_PixelSpacing, "0.1\\0", 4}, Case{DCM_PixelSpacing, "1\\1000", 4},
                           Case{DCM_PixelSpacing, "-1\\x", 4}}) {
         const fs::path path = Write({1, 2, 3, 4}, [&](DcmDataset& set) { set.putAndInsertString(c.tag, c.value); });
-        EXPECT_DOUBLE_EQ(RenderDicom(path, 1000).proportion, c.proportion) << c.value;
+        EXPECT_DOUBLE_EQ(RenderDicom(path, Large).proportion, c.proportion) << c.value;
     }
 }
 
@@ -334,10 +380,22 @@ TEST_F(PictureOfFile, ASmallerPictureKeepsItsProportion) {
         set.putAndInsertUint16(DCM_Columns, 100);
         set.putAndInsertString(DCM_PixelSpacing, "0.5\\0.1");
     });
-    const auto picture = RenderDicom(path, 30);
+    const auto picture = RenderDicom(path, {30, 30});
     EXPECT_DOUBLE_EQ(picture.proportion, 0.5);
     EXPECT_EQ(Pixels(picture.png).Height(), 30);
     EXPECT_EQ(Pixels(picture.png).Width(), 15);
+}
+
+TEST_F(PictureOfFile, APictureThatIsTurnedFitsItsSpaceAfterwards) {
+    const fs::path path = Write(std::vector<Uint16>(4000, 7), [](DcmDataset& set) {
+        set.putAndInsertUint16(DCM_Rows, 40);
+        set.putAndInsertUint16(DCM_Columns, 100);
+        set.putAndInsertString(DCM_Modality, "DX");
+        set.putAndInsertString(DCM_PatientOrientation, "F\\P");
+    });
+    const Pixels pixels(RenderDicom(path, {20, 90}).png);
+    EXPECT_EQ(pixels.Width(), 20);
+    EXPECT_EQ(pixels.Height(), 50);
 }
 
 /// The four corners of a picture of 2 x 2 that is stored as 1 2 / 3 4.
@@ -352,7 +410,7 @@ protected:
                                                    set.putAndInsertString(DCM_PatientOrientation, orientation);
                                                    set.putAndInsertString(DCM_PixelSpacing, "0.2\\0.1");
                                                }),
-                                         1000);
+                                         Large);
         proportion = picture.proportion;
         const Pixels pixels(picture.png);
         std::vector<int> corners;
@@ -392,11 +450,11 @@ TEST_F(PictureOfFile, TheFirstOfSeveralFramesIsDrawnAndTheirNumberReported) {
                                                set.putAndInsertUint16(DCM_Columns, 3);
                                                set.putAndInsertString(DCM_NumberOfFrames, "2");
                                            }),
-                                     1000);
+                                     Large);
     EXPECT_EQ(picture.frames, 2);
     EXPECT_EQ(Pixels(picture.png).Width(), 3);
     EXPECT_EQ(Pixels(picture.png).Gray(2, 0), 255);
-    EXPECT_EQ(RenderDicom(Write({0, 1}), 1000).frames, 1);
+    EXPECT_EQ(RenderDicom(Write({0, 1}), Large).frames, 1);
 }
 
 // ---- what can't be rendered -------------------------------------------------------------------------

@@ -38,6 +38,12 @@ std::string JpegOf(const Picture& png) {
 
 // ---- photographs ------------------------------------------------------------------------------------
 
+/// Behind the start of a JPEG file, an EXIF segment whose one entry is the orientation 6.
+const std::string TurnedRight(
+    "\xFF\xE1\x00\x22"
+    "Exif\0\0II*\0\x08\0\0\0\x01\0\x12\x01\x03\0\x01\0\0\0\x06\0\0\0\0\0\0\0",
+    36);
+
 class Photograph : public ::testing::Test {
 protected:
     TestKit::TemporaryFolder folder;
@@ -46,30 +52,87 @@ protected:
 TEST_F(Photograph, APngOrJpegFileIsTakenAsItIs) {
     const Picture png = PictureOf(1, {Red});
     std::ofstream(folder.Path() / "a.dat", std::ios::binary) << png.bytes;
-    EXPECT_EQ(ReadPicture(folder.Path() / "a.dat", 1).mediaType, "image/png");
-    EXPECT_EQ(ReadPicture(folder.Path() / "a.dat", 1).bytes, png.bytes);
+    EXPECT_EQ(ReadPicture(folder.Path() / "a.dat", {1, 1}).mediaType, "image/png");
+    EXPECT_EQ(ReadPicture(folder.Path() / "a.dat", {1, 1}).bytes, png.bytes);
     const std::string jpeg = JpegOf(png);
     std::ofstream(folder.Path() / "b.dat", std::ios::binary) << jpeg;
-    EXPECT_EQ(ReadPicture(folder.Path() / "b.dat", 1).mediaType, "image/jpeg");
-    EXPECT_EQ(ReadPicture(folder.Path() / "b.dat", 1).bytes, jpeg);
-    EXPECT_THROW(ReadPicture(folder.Path() / "c.dat", 1), std::runtime_error);
-    EXPECT_THROW(ReadPicture(folder.Path(), 1), std::runtime_error);
+    EXPECT_EQ(ReadPicture(folder.Path() / "b.dat", {1, 1}).mediaType, "image/jpeg");
+    EXPECT_EQ(ReadPicture(folder.Path() / "b.dat", {1, 1}).bytes, jpeg);
+    EXPECT_THROW(ReadPicture(folder.Path() / "c.dat", {1, 1}), std::runtime_error);
+    EXPECT_THROW(ReadPicture(folder.Path(), {1, 1}), std::runtime_error);
 }
 
 TEST_F(Photograph, APhotographIsTurnedAsItsFileSays) {
     const Picture wide = PictureOf(16, std::vector<Pixel>(16 * 8, Red));
-    // Behind the start of the file, an EXIF segment whose one entry is the orientation 6.
-    const std::string exif(
-        "\xFF\xE1\x00\x22"
-        "Exif\0\0II*\0\x08\0\0\0\x01\0\x12\x01\x03\0\x01\0\0\0\x06\0\0\0\0\0\0\0",
-        36);
     std::string jpeg = JpegOf(wide);
-    jpeg.insert(2, exif);
+    jpeg.insert(2, TurnedRight);
     std::ofstream(folder.Path() / "photo.jpg", std::ios::binary) << jpeg;
-    const Picture turned = ReadPicture(folder.Path() / "photo.jpg", 1);
+    const Picture turned = ReadPicture(folder.Path() / "photo.jpg", {16, 16});
     EXPECT_EQ(turned.mediaType, "image/png");
     EXPECT_EQ(Pixels(turned.bytes).Width(), 8);
     EXPECT_EQ(Pixels(turned.bytes).Height(), 16);
+}
+
+TEST_F(Photograph, ALargerOneIsReducedToTheMeansOfItsAreas) {
+    const Picture png = PictureOf(4, {Red,
+                                      Red,
+                                      Blue,
+                                      White,
+                                      Red,
+                                      Red,
+                                      White,
+                                      Blue,  //
+                                      Black,
+                                      White,
+                                      {9, 20, 31},
+                                      {9, 20, 31},
+                                      White,
+                                      Black,
+                                      {9, 20, 31},
+                                      {9, 20, 31}});
+    std::ofstream(folder.Path() / "a.png", std::ios::binary) << png.bytes;
+    const Picture reduced = ReadPicture(folder.Path() / "a.png", {2, 9});
+    EXPECT_EQ(reduced.mediaType, "image/png");
+    const Pixels pixels(reduced.bytes);
+    ASSERT_EQ(pixels.Width(), 2);
+    ASSERT_EQ(pixels.Height(), 2);
+    const auto near = [&](int x, int y, Pixel expected) {
+        const Pixel is = pixels.At(x, y);
+        return std::abs(is.red - expected.red) <= 1 && std::abs(is.green - expected.green) <= 1 &&
+               std::abs(is.blue - expected.blue) <= 1;
+    };
+    EXPECT_TRUE(near(0, 0, Red));
+    EXPECT_TRUE(near(1, 0, {128, 128, 255}));
+    EXPECT_TRUE(near(0, 1, {128, 128, 128})) << "gray stays gray";
+    EXPECT_TRUE(near(1, 1, {9, 20, 31}));
+}
+
+TEST_F(Photograph, ALargeFactorKeepsTheMean) {
+    std::vector<Pixel> columns(static_cast<std::size_t>(1000) * 3);
+    for (std::size_t i = 0; i < columns.size(); ++i) columns[i] = i % 2 ? White : Black;
+    std::ofstream(folder.Path() / "a.png", std::ios::binary) << PictureOf(1000, columns).bytes;
+    const Pixels pixels(ReadPicture(folder.Path() / "a.png", {2, 1}).bytes);
+    ASSERT_EQ(pixels.Width(), 2);
+    for (int x = 0; x < 2; ++x) EXPECT_NEAR(pixels.Gray(x, 0), 128, 2);
+}
+
+TEST_F(Photograph, AReducedPhotographKeepsItsKindAndIsTurned) {
+    std::string jpeg = JpegOf(PictureOf(64, std::vector<Pixel>(static_cast<std::size_t>(64) * 32, {200, 100, 50})));
+    jpeg.insert(2, TurnedRight);
+    std::ofstream(folder.Path() / "photo.jpg", std::ios::binary) << jpeg;
+    const Picture reduced = ReadPicture(folder.Path() / "photo.jpg", {40, 20});
+    EXPECT_EQ(reduced.mediaType, "image/jpeg");
+    std::ofstream(folder.Path() / "reduced.jpg", std::ios::binary) << reduced.bytes;
+    int width = 0, height = 0;
+    ASSERT_TRUE(gdk_pixbuf_get_file_info((folder.Path() / "reduced.jpg").c_str(), &width, &height));
+    EXPECT_EQ(width, 10);
+    EXPECT_EQ(height, 20);
+    GdkPixbuf* const pixels = gdk_pixbuf_new_from_file((folder.Path() / "reduced.jpg").c_str(), nullptr);
+    const guint8* const first = gdk_pixbuf_read_pixels(pixels);
+    EXPECT_NEAR(first[0], 200, 4);
+    EXPECT_NEAR(first[1], 100, 4);
+    EXPECT_NEAR(first[2], 50, 4);
+    g_object_unref(pixels);
 }
 
 TEST_F(Photograph, ADamagedOrCutPhotographIsRejected) {
@@ -80,7 +143,7 @@ TEST_F(Photograph, ADamagedOrCutPhotographIsRejected) {
     for (const std::string& bytes : {png.bytes.substr(0, png.bytes.size() / 2), jpeg.substr(0, jpeg.size() / 2),
                                      jpeg.substr(0, 3), std::string("\xFF\xD8\xFF\xE0 and so on")}) {
         std::ofstream(folder.Path() / "cut", std::ios::binary | std::ios::trunc) << bytes;
-        EXPECT_THROW(ReadPicture(folder.Path() / "cut", 1), std::runtime_error) << bytes.size();
+        EXPECT_THROW(ReadPicture(folder.Path() / "cut", {1, 1}), std::runtime_error) << bytes.size();
     }
 }
 
@@ -97,9 +160,19 @@ Page PageWith(const Picture& picture, Platform::Long orientation = 1) {
     return page;
 }
 
-Pixels Drawn(const Page& page, const DrawingOptions& options = {}) {
-    return Pixels(PngOfSvg(SvgOf(page, options), 200));
+std::string SvgOf(Page page, const DrawingOptions& options) {
+    std::string svg;
+    WriteSvg(page, options, [&](std::string_view part) { svg += part; });
+    return svg;
 }
+
+std::string PngOf(Page page, const DrawingOptions& options = {}) {
+    std::string png;
+    WritePng(page, options, 200, [&](std::string_view part) { png += part; });
+    return png;
+}
+
+Pixels Drawn(const Page& page, const DrawingOptions& options = {}) { return Pixels(PngOf(page, options)); }
 
 /// The four corners of the left half, which a picture of 2 x 2 fills.
 std::vector<Pixel> Corners(const Pixels& pixels) {
@@ -210,8 +283,30 @@ TEST(Drawing, AnyTextIsXml) {
 }
 
 TEST(Drawing, ATextThatIsNotSvgIsRejected) {
-    EXPECT_THROW(PngOfSvg("no drawing", 100), std::runtime_error);
-    EXPECT_THROW(PngOfSvg("<svg xmlns=\"http://www.w3.org/2000/svg\"/>", 100), std::runtime_error);
+    Canvas canvas(100, {0, 0, 10, 10});
+    EXPECT_THROW(canvas.Draw("no drawing"), std::runtime_error);
+}
+
+TEST(Drawing, ThePngShowsWhatTheSvgShows) {
+    Page page = PageWith(FourColours, 6);
+    page.pictures.push_back(PageWith(PictureOf(1, {Red})).pictures[0]);
+    page.pictures[1].box = {0.3, -0.2, 0.4, 0.6};
+    page.pictures[1].note = "frame 1 of 2";
+    page.pictures.push_back({.box = {0.6, 0.5, 0.6, 0.7}, .caption = "11", .missing = "the file is missing"});
+    page.empty.push_back({{0.75, 0, 0.25, 0.5}, 8, "Left"});
+    const DrawingOptions all{.numbers = true, .empty = true};
+    Canvas canvas(200, WholeOf(page));
+    canvas.Draw(SvgOf(page, all));
+    std::string png;
+    canvas.WritePng([&](std::string_view part) { png += part; });
+    EXPECT_EQ(PngOf(page, all), png);
+}
+
+TEST(Drawing, AFailureOfTheReceiverIsThrown) {
+    Page page = PageWith(FourColours);
+    const TextSink full = [](std::string_view) { throw std::runtime_error("the disk is full"); };
+    EXPECT_THROW(WritePng(page, {}, 200, full), std::runtime_error);
+    EXPECT_THROW(WriteSvg(page, {}, full), std::runtime_error);
 }
 
 TEST(Drawing, PicturesLargerThanAParsersUsualLimitAreDrawn) {

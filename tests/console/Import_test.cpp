@@ -4,6 +4,7 @@
 #include <fstream>
 #include <gmock/gmock.h>
 #include <random>
+#include <sstream>
 #include <sys/wait.h>
 
 namespace {
@@ -84,6 +85,19 @@ TEST_F(ImportTest, ImportingKnownFilesAgainWritesNothing) {
     other->RollbackTrans();
     EXPECT_EQ(again["known"], 2);
     EXPECT_EQ(RootState(), before);
+}
+
+TEST_F(ImportTest, ImportingKnownFilesAgainRunsOnlyQueries) {
+    Init();
+    WriteSeries("2.25.5", {FullMouth18[7], FullMouth18[10]});
+    EXPECT_THAT(Import({"--trace"}).err, HasSubstr("[begin transaction"));
+    std::istringstream trace(Import({"--trace"}).err);
+    int statements = 0;
+    for (std::string line; std::getline(trace, line);) {
+        EXPECT_THAT(line, HasSubstr("] SELECT ")) << "a statement that is no query, or a transaction";
+        ++statements;
+    }
+    EXPECT_GE(statements, 2);
 }
 
 TEST_F(ImportTest, TheStoredFilesHaveTheirChecksums) {

@@ -1,4 +1,5 @@
 #include "console/import/Staging.h"
+#include "console/Sha256.h"
 #include "console/import/FoundFiles.h"
 #include "console/import/StorageRoot.h"
 #include "kit/Database.h"
@@ -97,13 +98,27 @@ TEST_F(StagingTest, TheRootItselfIsNotCreated) {
     EXPECT_FALSE(fs::exists(folder.Path() / "gone"));
 }
 
+TEST_F(StagingTest, ManyCopiesAreCompleteBeforeAndAfterTheyAreFlushed) {
+    Staging staging(root);
+    std::vector<StagedFile> copies;
+    for (int i = 0; i < 100; ++i) {
+        Put(from, std::to_string(i));
+        copies.push_back(staging.BeginCopy(from));
+    }
+    staging.Flush();
+    for (int i = 0; i < 100; ++i) {
+        EXPECT_EQ(ContentOf(copies[i].path), std::to_string(i));
+        EXPECT_EQ(copies[i].sha256, Sha256Of(std::to_string(i)));
+    }
+}
+
 TEST_F(StagingTest, AMissingSourceLeavesNoFile) {
     Staging staging(root);
     EXPECT_THROW(staging.Copy(folder.Path() / "none"), UserError);
     EXPECT_EQ(InRoot().size(), 1U) << "the staging folder, empty";
 }
 
-// ---- file systems without hard links ----------------------------------------------------------------
+// ---- disks that report failures, file systems without hard links ------------------------------------
 
 /// From now on the calls fail in this process as on a file system that doesn't know them.
 void Forbid(std::initializer_list<long> calls, int error) {
@@ -126,6 +141,30 @@ int InChild(Test test) {
     int status = 0;
     waitpid(child, &status, 0);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST_F(StagingTest, ACopyThatTheDiskDoesntTakeIsReported) {
+    const int code = InChild([&] {
+        Forbid({SYS_fsync}, EIO);
+        Staging staging(root);
+        const auto fails = [](const auto& work) {
+            try {
+                work();
+                return false;
+            } catch (const UserError&) {
+                return true;
+            }
+        };
+        const bool alone = fails([&] { staging.Copy(from); });
+        staging.BeginCopy(from);
+        const bool last = fails([&] { staging.Flush(); });
+        const bool many = fails([&] {
+            for (int i = 0; i < 1000; ++i) staging.BeginCopy(from);
+        });
+        return alone && last && many ? 17 : 1;
+    });
+    EXPECT_EQ(code, 17);
+    EXPECT_THAT(InRoot(), ElementsAre());
 }
 
 TEST_F(StagingTest, NamesAreTakenWithoutHardLinksAndNeverFromAnotherFile) {

@@ -12,9 +12,11 @@
 #include <dcmtk/dcmimage/diregist.h>
 #include <dcmtk/dcmimgle/dcmimage.h>
 #include <png.h>
+#include <zlib.h>
 
 #include <algorithm>
 #include <cmath>
+#include <csetjmp>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -134,14 +136,11 @@ Image FirstFrameShown(DcmDataset& set) {
     return Checked(std::move(image));
 }
 
-/// Returns the picture with no side longer than that; `proportion` is width by height of the whole.
-Image Sized(Image image, double proportion, unsigned longestSide) {
+/// Returns the picture with no more pixels than that in each direction.
+Image Sized(Image image, const PixelSpace& most) {
     constexpr int byArea = 1, asAsked = 0;
-    const auto side = [&](double part) {
-        return static_cast<unsigned long>(std::max(1L, std::lround(longestSide * std::min(part, 1.0))));
-    };
-    const unsigned long width = std::min(image->getWidth(), side(proportion));
-    const unsigned long height = std::min(image->getHeight(), side(1 / proportion));
+    const unsigned long width = std::min<unsigned long>(image->getWidth(), most.width);
+    const unsigned long height = std::min<unsigned long>(image->getHeight(), most.height);
     if (width == image->getWidth() && height == image->getHeight()) return image;
     Image scaled(image->createScaledImage(width, height, byArea, asAsked));
     if (!scaled) RefuseFile("its pixels can't be scaled");
@@ -153,27 +152,71 @@ void Turn(DicomImage& image, const Orientation& form) {
     if (form.Degrees() != 0 && !image.rotateImage(form.Degrees())) RefuseFile("its pixels can't be turned");
 }
 
+void AppendBytes(png_structp png, png_bytep data, std::size_t size) {
+    bool appended = false;
+    try {
+        static_cast<std::string*>(png_get_io_ptr(png))->append(reinterpret_cast<const char*>(data), size);
+        appended = true;
+    } catch (const std::bad_alloc&) {  // must not pass through the library, which is C
+    }
+    if (!appended) png_error(png, "not enough memory");
+}
+
+/// Appends 8-bit pixels to `bytes` as a PNG file; returns false if there is not enough memory.
+///
+/// Noise makes a radiograph's rows differ from each other everywhere, so that only the filters and the code lengths
+/// make the file smaller: a search for repeated texts takes four times as long and gains nothing.
+bool WritePng(const png_byte* pixels, png_uint_32 width, png_uint_32 height, bool gray, std::string& bytes) {
+    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+    png_infop info = png ? png_create_info_struct(png) : nullptr;
+    // No object with a destructor may be created below: the library reports a failure by a jump to here.
+    if (!info || setjmp(png_jmpbuf(png))) {
+        png_destroy_write_struct(&png, &info);
+        return false;
+    }
+    png_set_write_fn(png, &bytes, AppendBytes, nullptr);
+    png_set_IHDR(png, info, width, height, 8, gray ? PNG_COLOR_TYPE_GRAY : PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE,
+                 PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+    png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_ALL_FILTERS);
+    png_set_compression_strategy(png, Z_RLE);
+    png_write_info(png, info);
+    const std::size_t row = std::size_t{width} * (gray ? 1 : 3);
+    for (png_uint_32 y = 0; y < height; ++y) png_write_row(png, pixels + y * row);
+    png_write_end(png, info);
+    png_destroy_write_struct(&png, &info);
+    return true;
+}
+
 std::string PngOf(DicomImage& image) {
     constexpr int bitsAChannel = 8;
     const void* const pixels = image.getOutputData(bitsAChannel);
     if (!pixels) RefuseFile("its pixels can't be read");
-    png_image png{};
-    png.version = PNG_IMAGE_VERSION;
-    png.width = static_cast<png_uint_32>(image.getWidth());
-    png.height = static_cast<png_uint_32>(image.getHeight());
-    png.format = image.isMonochrome() ? PNG_FORMAT_GRAY : PNG_FORMAT_RGB;
-    png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(png);
-    std::string bytes(size, '\0');
-    if (!png_image_write_to_memory(&png, bytes.data(), &size, 0, pixels, 0, nullptr)) RefuseFile(png.message);
-    bytes.resize(size);
+    std::string bytes;
+    const auto width = static_cast<png_uint_32>(image.getWidth()), height = static_cast<png_uint_32>(image.getHeight());
+    if (!WritePng(static_cast<const png_byte*>(pixels), width, height, image.isMonochrome(), bytes))
+        RefuseFile("its picture can't be written");
     return bytes;
 }
 
-/// Decodes the first frame and forgets it.
+/// Returns true for gray pixels that are stored as they are. Their conversion fails only for what their description and
+/// their number tell.
+bool IsPlainGray(DcmDataset& set) {
+    Uint16 samples = 0;
+    set.findAndGetUint16(DCM_SamplesPerPixel, samples);
+    return IsGray(set) && samples == 1 && !DcmXfer(set.getOriginalXfer()).isEncapsulated();
+}
+
+/// Decodes the first frame and forgets it. Plain gray pixels stay in the file.
 void RequirePicture(const std::filesystem::path& path) {
     DcmFileFormat file;
     Load(file, path);
-    FirstFrameShown(*file.getDataset());
+    DcmDataset& set = *file.getDataset();
+    if (!IsPlainGray(set)) {
+        FirstFrameShown(set);
+        return;
+    }
+    CheckFirstFrameComplete(set);
+    RequireGrayForm(set);
 }
 
 /// Decodes compressed pixels of the first frame; plain ones are only counted.
@@ -199,7 +242,15 @@ std::string FailureOf(const Work& work) {
 
 }  // namespace
 
-DicomPicture RenderDicom(const std::filesystem::path& path, unsigned longestSide) {
+PixelSpace PixelSpace::Fitted(double proportion) const {
+    const double shown = std::min<double>(width, height * proportion);
+    const auto whole = [](double pixels, unsigned most) {
+        return static_cast<unsigned>(std::clamp<double>(std::round(pixels), 1, std::max(most, 1U)));
+    };
+    return {whole(shown, width), whole(shown / proportion, height)};
+}
+
+DicomPicture RenderDicom(const std::filesystem::path& path, PixelSpace space) {
     DcmFileFormat file;
     Load(file, path);
     DcmDataset& set = *file.getDataset();
@@ -209,9 +260,11 @@ DicomPicture RenderDicom(const std::filesystem::path& path, unsigned longestSide
     Image image = FirstFrameShown(set);
     picture.proportion =
         static_cast<double>(image->getWidth()) / static_cast<double>(image->getHeight()) / picture.proportion;
-    image = Sized(std::move(image), picture.proportion, std::max(longestSide, 1U));
+    const bool exchanged = form.Degrees() % 180 != 0;
+    if (exchanged) std::swap(space.width, space.height);
+    image = Sized(std::move(image), space.Fitted(picture.proportion));
     Turn(*image, form);
-    if (form.Degrees() % 180 != 0) picture.proportion = 1 / picture.proportion;
+    if (exchanged) picture.proportion = 1 / picture.proportion;
     picture.png = PngOf(*image);
     return picture;
 }

@@ -228,6 +228,8 @@ Function Shown(DcmItem& set, const Values& values, const std::vector<bool>& occu
 
 }  // namespace
 
+void RequireGrayForm(DcmItem& set) { static_cast<void>(SampleForm(set)); }
+
 std::vector<unsigned char> GrayTable(DcmItem& set, const std::vector<bool>& occurs) {
     const SampleForm form(set);
     const Values values = ValuesOf(set, form);

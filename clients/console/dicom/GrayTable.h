@@ -19,4 +19,7 @@ namespace Console {
 /// Throws `std::runtime_error` if Bits Allocated, Bits Stored and High Bit do not describe a sample of 8 or 16 bits.
 std::vector<unsigned char> GrayTable(DcmItem& set, const std::vector<bool>& occurs);
 
+/// Throws if `GrayTable` throws for this data set.
+void RequireGrayForm(DcmItem& set);
+
 }  // namespace Console

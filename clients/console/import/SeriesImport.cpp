@@ -229,8 +229,9 @@ std::vector<SeriesImport::NewImage> SeriesImport::Copied(const std::vector<const
     std::vector<NewImage> images;
     for (const Radiograph* radiograph : files) {
         if (StopSignals::Requested()) throw Stopped();
-        images.push_back({radiograph, Stage().Copy(radiograph->path)});
+        images.push_back({radiograph, Stage().BeginCopy(radiograph->path)});
     }
+    Stage().Flush();
     return images;
 }
 

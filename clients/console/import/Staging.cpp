@@ -6,6 +6,7 @@
 #include "frame/StoredName.h"
 #include "platform/adodb/Transaction.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -14,6 +15,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace Console {
 namespace {
@@ -138,23 +140,47 @@ Staging::~Staging() {
 }
 
 StagedFile Staging::Copy(const fs::path& from) {
-    StagedFile staged{folder_ / std::to_string(++copies_), {}};
+    StagedFile staged = BeginCopy(from);
     try {
-        SystemFile source(from, O_RDONLY), target(staged.path, O_WRONLY | O_CREAT | O_EXCL);
-        Sha256 digest;
-        std::vector<char> buffer(1 << 18);
-        while (const std::size_t size = source.Read(buffer.data(), buffer.size())) {
-            digest.Add(buffer.data(), size);
-            target.Write(buffer.data(), size);
-        }
-        target.Flush();
-        staged.sha256 = digest.Hex();
+        Flush();
     } catch (...) {
         std::error_code ignored;
         fs::remove(staged.path, ignored);
         throw;
     }
     return staged;
+}
+
+StagedFile Staging::BeginCopy(const fs::path& from) {
+    constexpr std::size_t mostOpen = 32;
+    StagedFile staged{folder_ / std::to_string(++copies_), {}};
+    SystemFile source(from, O_RDONLY);
+    if (unflushed_.size() == mostOpen) {
+        unflushed_.front().Flush();
+        unflushed_.pop_front();
+    }
+    SystemFile& target = unflushed_.emplace_back(staged.path, O_WRONLY | O_CREAT | O_EXCL);
+    try {
+        Sha256 digest;
+        std::vector<char> buffer(1 << 18);
+        while (const std::size_t size = source.Read(buffer.data(), buffer.size())) {
+            digest.Add(buffer.data(), size);
+            target.Write(buffer.data(), size);
+        }
+        target.BeginFlush();
+        staged.sha256 = digest.Hex();
+    } catch (...) {
+        unflushed_.pop_back();
+        std::error_code ignored;
+        fs::remove(staged.path, ignored);
+        throw;
+    }
+    return staged;
+}
+
+void Staging::Flush() {
+    const std::deque<SystemFile> copies = std::exchange(unflushed_, {});
+    for (const SystemFile& copy : copies) copy.Flush();
 }
 
 void Staging::Announce(const std::vector<std::string>& storedNames) {

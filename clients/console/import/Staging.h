@@ -1,7 +1,9 @@
 #pragma once
 
 #include "console/Database.h"
+#include "console/SystemFile.h"
 
+#include <deque>
 #include <set>
 
 namespace Console {
@@ -35,12 +37,20 @@ public:
     /// left then.
     StagedFile Copy(const std::filesystem::path& from);
 
+    /// Copies a file into the folder and has the system begin to write it to the disk, so that the next file is read
+    /// meanwhile. The copy is not on the disk before `Flush`. Throws `UserError`; nothing of the copy is left then.
+    StagedFile BeginCopy(const std::filesystem::path& from);
+
+    /// Flushes all copies to the disk. Throws `UserError` if that fails for one of them; none may be used then.
+    void Flush();
+
     /// Writes the final names of the files, in their stored form, into the list before the files are renamed.
     void Announce(const std::vector<std::string>& storedNames);
 
 private:
     std::filesystem::path folder_;
     int lock_ = -1;
+    std::deque<SystemFile> unflushed_;  // the newest copies
     std::size_t copies_ = 0;
 };
 

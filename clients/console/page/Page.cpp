@@ -22,12 +22,16 @@ Box BoxOf(const cImagecardAttribute& placed) { return {placed.IAPosX, placed.IAP
 
 Box BoxOf(const cTemplateAttribute& slot) { return {slot.TAPosX, slot.TAPosY, slot.TAWidth, slot.TAHeight}; }
 
-/// Returns the longer side of a box on a drawing of this width.
-unsigned PixelsOf(const Box& box, const Page& page, unsigned pixelWidth) {
+/// Returns the space of a box on a drawing in which `scale` pixels show a unit of the canvas, before the picture in it
+/// is turned.
+PixelSpace SpaceOf(const PlacedPicture& placed, const Page& page, double scale) {
     constexpr double least = 64, most = 8000;
-    const double height = static_cast<double>(pixelWidth) * page.height / page.width;
-    const double side = std::max(box.width * pixelWidth, box.height * height);
-    return static_cast<unsigned>(std::clamp(std::ceil(side), least, most));
+    const auto pixels = [&](double part, Long side) {
+        return static_cast<unsigned>(std::clamp(std::ceil(part * static_cast<double>(side) * scale), least, most));
+    };
+    PixelSpace space{pixels(placed.box.width, page.width), pixels(placed.box.height, page.height)};
+    if (placed.orientation.Degrees() % 180 != 0) std::swap(space.width, space.height);
+    return space;
 }
 
 std::filesystem::path FileOf(const cImage& image) {
@@ -36,21 +40,7 @@ std::filesystem::path FileOf(const cImage& image) {
     return path;
 }
 
-void Note(PlacedPicture& placed, const std::string& note) { placed.note += (placed.note.empty() ? "" : ", ") + note; }
-
-void Fill(PlacedPicture& placed, const cImage& image, unsigned longestSide) {
-    placed.caption = CaptionOf(image);
-    try {
-        placed.picture = std::make_shared<Picture>(ReadPicture(FileOf(image), longestSide));
-        const int frames = placed.picture->frames;
-        if (frames > 1) Note(placed, fmt::format("frame 1 of {}", frames));
-    } catch (const std::exception& failure) {
-        placed.missing = failure.what();
-    }
-}
-
-PlacedPicture Placed(const cUniCard& entry, const cImagecardAttribute& attribute, const Page& page,
-                     unsigned pixelWidth) {
+PlacedPicture Placed(const cUniCard& entry, const cImagecardAttribute& attribute) {
     PlacedPicture placed{
         .box = BoxOf(attribute), .number = attribute.IASequence, .orientation = Orientation(attribute.IAMirrRotStatus)};
     const Ref<cImage> image = ImageOf(entry, attribute);
@@ -59,10 +49,15 @@ PlacedPicture Placed(const cUniCard& entry, const cImagecardAttribute& attribute
         placed.missing = WhyNoImage(entry, attribute.ImageID);
         return placed;
     }
-    Fill(placed, *image, PixelsOf(placed.box, page, pixelWidth));
+    placed.caption = CaptionOf(*image);
+    try {
+        placed.file = FileOf(*image);
+    } catch (const std::exception& failure) {
+        placed.missing = failure.what();
+    }
     if (!entry.Series) return placed;
     placed.number = image->FrameNumber;
-    if (IsPlacedByTimeOnly(*image)) Note(placed, PlacedByTimeOnly);
+    if (IsPlacedByTimeOnly(*image)) placed.note = PlacedByTimeOnly;
     return placed;
 }
 
@@ -118,6 +113,38 @@ Ref<cUniCard> OpenSeries(const Database& database, Long number) {
 }
 
 }  // namespace
+
+std::shared_ptr<const Picture> PictureOf(PlacedPicture& placed) {
+    if (placed.picture || !placed.missing.empty()) return placed.picture;
+    try {
+        auto picture = std::make_shared<const Picture>(ReadPicture(placed.file, placed.space));
+        if (picture->frames > 1)
+            placed.note =
+                fmt::format("frame 1 of {}{}{}", picture->frames, placed.note.empty() ? "" : ", ", placed.note);
+        return picture;
+    } catch (const std::exception& failure) {
+        placed.missing = failure.what();
+        return nullptr;
+    }
+}
+
+Box InUnits(const Page& page, const Box& box) {
+    const auto limited = [](double part) { return std::clamp(part, -100.0, 100.0); };
+    const auto width = static_cast<double>(page.width), height = static_cast<double>(page.height);
+    return {limited(box.x) * width, limited(box.y) * height, limited(box.width) * width, limited(box.height) * height};
+}
+
+Box WholeOf(const Page& page) {
+    double left = 0, top = 0, right = page.width, bottom = page.height;
+    for (const PlacedPicture& placed : page.pictures) {
+        const Box r = InUnits(page, placed.box);
+        left = std::min(left, r.x);
+        top = std::min(top, r.y);
+        right = std::max(right, r.x + r.width);
+        bottom = std::max(bottom, r.y + r.height);
+    }
+    return {left, top, right - left, bottom - top};
+}
 
 std::string TeethOf(const cImage& image) { return TeethByQuadrant(image.sTeeth); }
 
@@ -177,7 +204,9 @@ Page PageOf(const cUniCard& entry, unsigned pixelWidth) {
         page.height = UsualHeight;
     }
     for (const auto& placed : Each<cImagecardAttribute>(*card.ImagecardAttributes))
-        page.pictures.push_back(Placed(entry, placed, page, pixelWidth));
+        page.pictures.push_back(Placed(entry, placed));
+    const double scale = pixelWidth / WholeOf(page).width;
+    for (PlacedPicture& placed : page.pictures) placed.space = SpaceOf(placed, page, scale);
     if (entry.Template) page.empty = EmptySlotsOf(*entry.Template, page);
     return page;
 }

@@ -9,20 +9,22 @@
 
 namespace Console {
 
-/// A place on a page, in fractions of its canvas, counted from the top left.
+/// A rectangle on a page, counted from the top left of its canvas: in fractions of the canvas, or in its units.
 struct Box {
     double x = 0, y = 0, width = 0, height = 0;
 };
 
-/// One image with its place on a page.
+/// One image with its place on a page. The picture is in memory only while it is drawn.
 struct PlacedPicture {
-    Box box;
+    Box box;                    ///< in fractions of the canvas
     Platform::Long number = 0;  ///< the number that `DrawingOptions::numbers` shows: frame of a series, place on a card
     Orientation orientation{1};
-    std::string caption{};  ///< the teeth, or what else is known
-    std::string note{};     ///< what a viewer must know beside: "frame 1 of 3, placed by time only"
-    std::shared_ptr<const Picture> picture{};
-    std::string missing{};  ///< the reason why the picture is missing; empty if it is present
+    std::string caption{};                     ///< the teeth, or what else is known
+    std::string note{};                        ///< what a viewer must know beside: "frame 1 of 3, placed by time only"
+    std::filesystem::path file{};              ///< the picture's file
+    PixelSpace space{};                        ///< in which the drawing shows the picture, before it is turned
+    std::shared_ptr<const Picture> picture{};  ///< set where a picture has no file
+    std::string missing{};                     ///< the reason why the picture is missing; known after `PictureOf`
 };
 
 /// A slot of the layout that shows no image.
@@ -40,6 +42,16 @@ struct Page {
     std::vector<PlacedPicture> pictures{};  ///< in the order in which they are laid down
     std::vector<EmptySlot> empty{};
 };
+
+/// Returns the picture of a place, which it reads from its file; null if it is missing. Adds the number of frames to
+/// the note, and writes the reason into `missing`. Called once for each place.
+std::shared_ptr<const Picture> PictureOf(PlacedPicture& placed);
+
+/// Returns a box in units of the canvas. Limits coordinates far outside of the page, so that every drawing has a size.
+Box InUnits(const Page& page, const Box& box);
+
+/// Returns the canvas in its units, enlarged to include all pictures that are outside of its edges.
+Box WholeOf(const Page& page);
 
 /// Returns the title of an entry of a patient's list: its name or description, or else its kind.
 std::string NameOf(const OXClass::cUniCard& entry);
@@ -67,9 +79,9 @@ std::string WhyNoPictureQuickly(const OXClass::cImage& image);
 /// the others. Throws `UserError` for a key of another form and for an unknown one.
 OXClass::Ref<OXClass::cUniCard> OpenEntry(const Database& database, const std::string& key);
 
-/// Returns the page of an opened entry for a drawing of `pixelWidth` pixels; pictures are reduced to the resolution
-/// that it needs. A picture that can't be read is missing, with the reason. Films of a series that are placed by time
-/// only have a note.
+/// Returns the page of an opened entry for a drawing of `pixelWidth` pixels, without its pictures: `PictureOf` reads
+/// them one by one, reduced to the pixels that the drawing shows. Films of a series that are placed by time only have a
+/// note.
 Page PageOf(const OXClass::cUniCard& entry, unsigned pixelWidth);
 
 }  // namespace Console

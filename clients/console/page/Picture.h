@@ -1,5 +1,7 @@
 #pragma once
 
+#include "console/dicom/DicomPicture.h"
+
 #include <filesystem>
 #include <string>
 
@@ -13,12 +15,14 @@ struct Picture {
     int frames = 1;         ///< that its file has; the picture is the first
 };
 
-/// Returns the picture in a file: a JPEG or PNG file unchanged, a DICOM file as `RenderDicom` renders it, with no side
-/// longer than `longestSide`. A photograph whose file contains an orientation is turned and returned as a PNG.
+/// Returns the picture in a file with at most the pixels that it is shown with in `space`: a DICOM file as
+/// `RenderDicom` renders it, a JPEG or PNG file unchanged if it has no more pixels. A larger one is reduced to the
+/// means of the areas and stays a JPEG or PNG file, with its colour profile. A photograph whose file contains an
+/// orientation is turned, and returned as a PNG if it is not reduced.
 ///
 /// Throws `std::runtime_error` whose text is one clause about the reason, without the path: a missing file, more than
 /// 256 MB or 100 million pixels, a file that is damaged, cut short or of another type.
-Picture ReadPicture(const std::filesystem::path& path, unsigned longestSide);
+Picture ReadPicture(const std::filesystem::path& path, const PixelSpace& space);
 
 /// Returns the reason why `ReadPicture` throws for a file; empty if it returns a picture.
 std::string WhyNotReadable(const std::filesystem::path& path);

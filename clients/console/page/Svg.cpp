@@ -6,55 +6,45 @@
 #include <fmt/format.h>
 #include <glib.h>
 #include <memory>
+#include <utility>
 
 namespace Console {
 namespace {
 
 constexpr const char* Font = "DejaVu Sans, Verdana, Arial, sans-serif";
 
-/// A box in the units of the drawing.
-struct Rectangle {
-    double x, y, width, height;
-};
+using Rectangle = Box;  // in units of the canvas
 
-/// Writes the elements of a drawing.
+constexpr const char* End = "</svg>\n";
+
+/// Writes the parts of a drawing: its beginning, and its elements one by one.
 class Writer {
 public:
-    Writer(const Page& page, const DrawingOptions& options) : page_(page), options_(options) {}
+    Writer(Page& page, const DrawingOptions& options) : page_(page), options_(options), whole_(WholeOf(page)) {}
 
-    std::string Text() {
+    std::string Beginning() {
         Begin();
+        return Taken();
+    }
+
+    /// Calls `write` with each element, the black canvas first.
+    void EachElement(const TextSink& write) {
+        Add("<rect x=\"{:.6g}\" y=\"{:.6g}\" width=\"100%\" height=\"100%\" fill=\"#000\"/>\n", whole_.x, whole_.y);
+        write(Taken());
         if (options_.empty)
             for (const EmptySlot& slot : page_.empty) {
-                Outline(Scaled(slot.box), {slot.caption});
-                Number(Scaled(slot.box), slot.number);
+                Outline(InUnits(page_, slot.box), {slot.caption});
+                Number(InUnits(page_, slot.box), slot.number);
+                write(Taken());
             }
-        for (const PlacedPicture& placed : page_.pictures) Put(placed);
-        return std::move(svg_) + "</svg>\n";
+        for (PlacedPicture& placed : page_.pictures) {
+            Put(placed);
+            write(Taken());
+        }
     }
 
 private:
-    /// Returns a box in units of the drawing. Limits coordinates far outside of the page, so that every drawing has a
-    /// size.
-    Rectangle Scaled(const Box& box) const {
-        const auto limited = [](double part) { return std::clamp(part, -100.0, 100.0); };
-        const auto width = static_cast<double>(page_.width), height = static_cast<double>(page_.height);
-        return {limited(box.x) * width, limited(box.y) * height, limited(box.width) * width,
-                limited(box.height) * height};
-    }
-
-    /// Returns the canvas, enlarged to include all that is outside of its edges.
-    Rectangle Whole() const {
-        double left = 0, top = 0, right = page_.width, bottom = page_.height;
-        for (const PlacedPicture& placed : page_.pictures) {
-            const Rectangle r = Scaled(placed.box);
-            left = std::min(left, r.x);
-            top = std::min(top, r.y);
-            right = std::max(right, r.x + r.width);
-            bottom = std::max(bottom, r.y + r.height);
-        }
-        return {left, top, right - left, bottom - top};
-    }
+    std::string Taken() { return std::exchange(svg_, {}); }
 
     template <class... Values>
     void Add(fmt::format_string<Values...> element, Values&&... values) {
@@ -62,25 +52,22 @@ private:
     }
 
     void Begin() {
-        const Rectangle whole = Whole();
         if (!options_.within) svg_ += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
-        Add("<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"{:.6g} {:.6g} {:.6g} {:.6g}\" role=\"img\"", whole.x,
-            whole.y, whole.width, whole.height);
-        if (!options_.within) Add(" width=\"{:.6g}\" height=\"{:.6g}\"", whole.width, whole.height);
-        Add(" aria-label=\"{0}\">\n<title>{0}</title>\n<rect x=\"{1:.6g}\" y=\"{2:.6g}\" width=\"100%\" "
-            "height=\"100%\" "
-            "fill=\"#000\"/>\n",
-            XmlText(page_.title), whole.x, whole.y);
+        Add("<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"{:.6g} {:.6g} {:.6g} {:.6g}\" role=\"img\"", whole_.x,
+            whole_.y, whole_.width, whole_.height);
+        if (!options_.within) Add(" width=\"{:.6g}\" height=\"{:.6g}\"", whole_.width, whole_.height);
+        Add(" aria-label=\"{0}\">\n<title>{0}</title>\n", XmlText(page_.title));
     }
 
-    void Put(const PlacedPicture& placed) {
-        const Rectangle r = Scaled(placed.box);
-        if (placed.picture)
-            Show(*placed.picture, placed, r);
+    void Put(PlacedPicture& placed) {
+        const Rectangle r = InUnits(page_, placed.box);
+        const auto picture = PictureOf(placed);
+        if (picture)
+            Show(*picture, placed, r);
         else
             Outline(r, {placed.caption, "no picture", placed.missing});
         Note(r, placed.note);
-        if (options_.numbers || !placed.picture) Number(r, placed.number);
+        if (options_.numbers || !picture) Number(r, placed.number);
     }
 
     void Show(const Picture& picture, const PlacedPicture& placed, const Rectangle& r) {
@@ -155,8 +142,9 @@ private:
         svg_ += "</g>\n";
     }
 
-    const Page& page_;
+    Page& page_;
     const DrawingOptions& options_;
+    Rectangle whole_;
     std::string svg_;
 };
 
@@ -166,7 +154,18 @@ bool IsXmlCharacter(char16_t unit) {
 
 }  // namespace
 
-std::string SvgOf(const Page& page, const DrawingOptions& options) { return Writer(page, options).Text(); }
+void WriteSvg(Page& page, const DrawingOptions& options, const TextSink& write) {
+    Writer writer(page, options);
+    write(writer.Beginning());
+    writer.EachElement(write);
+    write(End);
+}
+
+void EachLayer(Page& page, const DrawingOptions& options, const TextSink& draw) {
+    Writer writer(page, options);
+    const std::string beginning = writer.Beginning();
+    writer.EachElement([&](std::string_view element) { draw(fmt::format("{}{}{}", beginning, element, End)); });
+}
 
 std::string XmlText(std::string_view text) {
     std::u16string units = Platform::ToUtf16(text);

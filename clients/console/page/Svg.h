@@ -2,6 +2,8 @@
 
 #include "console/page/Page.h"
 
+#include <functional>
+
 namespace Console {
 
 /// The parts that a drawing shows besides the pictures.
@@ -11,11 +13,21 @@ struct DrawingOptions {
     bool within = false;   ///< for a place inside of an HTML page: no XML declaration, no fixed size
 };
 
-/// Returns the page as an SVG drawing that needs no other file: the canvas in black, each picture completely visible in
+/// Takes the next part of a text.
+using TextSink = std::function<void(std::string_view)>;
+
+/// Writes the page as an SVG drawing that needs no other file: the canvas in black, each picture completely visible in
 /// its box, turned and mirrored, with its note at the lower edge. A picture has the shape of its proportion,
 /// independent of its number of pixels. A missing picture is an outlined box with "no picture" and the reason. A
 /// picture or slot outside of the canvas enlarges the drawing, so that nothing is hidden.
-std::string SvgOf(const Page& page, const DrawingOptions& options);
+///
+/// Reads each picture when it is written, and forgets it before the next one, so that memory is bounded by one picture.
+/// Afterwards `missing` of each place is known.
+void WriteSvg(Page& page, const DrawingOptions& options, const TextSink& write);
+
+/// Calls `draw` with one complete SVG drawing for each element of the page, in the order in which they lie on each
+/// other: drawn into one place, they show what `WriteSvg` writes. Reads the pictures as `WriteSvg` does.
+void EachLayer(Page& page, const DrawingOptions& options, const TextSink& draw);
 
 /// Returns a text escaped for XML and HTML, for content and for quoted attributes. Characters that XML forbids and
 /// invalid UTF-8 become U+FFFD.

@@ -1,6 +1,8 @@
 #include "platform/runtime/AtomicFile.h"
 
+#include <algorithm>
 #include <string>
+#include <utility>
 
 #ifdef _WIN32
 #define WIN32_LEAN_AND_MEAN
@@ -21,18 +23,54 @@ namespace fs = std::filesystem;
 
 #ifdef _WIN32
 
-bool WriteAtomically(const fs::path& file, std::string_view text) {
-    const std::wstring part = file.wstring() + L"." + std::to_wstring(GetCurrentProcessId());
-    HANDLE out = CreateFileW(part.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (out == INVALID_HANDLE_VALUE) return false;
-    DWORD written = 0;
-    bool good = WriteFile(out, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) &&
-                written == text.size() && FlushFileBuffers(out);
-    good = CloseHandle(out) && good;
-    good = good && MoveFileExW(part.c_str(), file.wstring().c_str(), MOVEFILE_REPLACE_EXISTING);
-    if (!good) DeleteFileW(part.c_str());
-    return good;
-}
+class AtomicFile::System {
+public:
+    explicit System(fs::path file)
+        : file_(std::move(file)),
+          part_(file_.wstring() + L"." + std::to_wstring(GetCurrentProcessId())),
+          out_(CreateFileW(part_.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr)),
+          good_(out_ != INVALID_HANDLE_VALUE) {}
+
+    ~System() {
+        const DWORD reason = GetLastError();
+        if (out_ != INVALID_HANDLE_VALUE) {
+            CloseHandle(out_);
+            DeleteFileW(part_.c_str());
+        }
+        SetLastError(reason);
+    }
+    System(const System&) = delete;
+
+    bool Write(std::string_view text) {
+        constexpr std::size_t most = 1 << 20;
+        for (; good_ && !text.empty(); text.remove_prefix(std::min(text.size(), most))) {
+            const auto size = static_cast<DWORD>(std::min(text.size(), most));
+            DWORD written = 0;
+            good_ = WriteFile(out_, text.data(), size, &written, nullptr) && written == size;
+        }
+        return good_;
+    }
+
+    bool Commit() {
+        good_ = good_ && FlushFileBuffers(out_);
+        if (!good_) return false;
+        CloseHandle(out_);
+        out_ = INVALID_HANDLE_VALUE;
+        good_ = MoveFileExW(part_.c_str(), file_.wstring().c_str(), MOVEFILE_REPLACE_EXISTING);
+        if (!good_) {
+            const DWORD reason = GetLastError();
+            DeleteFileW(part_.c_str());
+            SetLastError(reason);
+        }
+        return good_;
+    }
+
+private:
+    fs::path file_;
+    std::wstring part_;
+    HANDLE out_;
+    bool good_;
+};
 
 #else
 
@@ -48,38 +86,102 @@ bool WriteAll(int out, std::string_view text) {
     return true;
 }
 
-void CloseKeepingErrno(int out) {
-    const int reason = errno;
-    close(out);
-    errno = reason;
-}
-
 /// Returns the permissions of the file that is replaced; everybody may read a new one.
 mode_t ModeFor(const fs::path& file) {
     struct stat earlier {};
     return stat(file.c_str(), &earlier) == 0 ? earlier.st_mode & 07777 : 0644;
 }
 
-}  // namespace
+std::string PathOf(int descriptor) { return "/proc/self/fd/" + std::to_string(descriptor); }
 
-bool WriteAtomically(const fs::path& file, std::string_view text) {
-    std::string part = file.string() + ".XXXXXX";
-    const int out = mkostemp(part.data(), O_CLOEXEC);
-    if (out < 0) return false;
-    bool good = WriteAll(out, text) && fchmod(out, ModeFor(file)) == 0 && fsync(out) == 0;
-    if (good)
-        good = close(out) == 0;
-    else
-        CloseKeepingErrno(out);
-    good = good && std::rename(part.c_str(), file.c_str()) == 0;
-    if (!good) {
-        const int reason = errno;
-        unlink(part.c_str());
-        errno = reason;
-    }
-    return good;
+/// Returns a new file without a name in the folder of `file`; -1 where the system has none that can get a name.
+int OpenUnnamed(const fs::path& file) {
+#ifdef O_TMPFILE
+    const fs::path folder = file.has_parent_path() ? file.parent_path() : fs::path(".");
+    const int out = open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
+    if (out < 0 || access(PathOf(out).c_str(), F_OK) == 0) return out;
+    close(out);
+#endif
+    return -1;
 }
 
+}  // namespace
+
+class AtomicFile::System {
+public:
+    explicit System(fs::path file) : file_(std::move(file)), out_(OpenUnnamed(file_)) {
+        if (out_ >= 0) return;
+        std::string part = file_.string() + ".XXXXXX";
+        out_ = mkostemp(part.data(), O_CLOEXEC);
+        if (out_ >= 0)
+            part_ = part;
+        else
+            error_ = errno;
+    }
+
+    ~System() {
+        const int reason = errno;
+        if (out_ >= 0) close(out_);
+        if (!part_.empty()) unlink(part_.c_str());
+        errno = reason;
+    }
+    System(const System&) = delete;
+
+    bool Write(std::string_view text) {
+        if (error_ == 0 && !WriteAll(out_, text)) error_ = errno;
+        return Result();
+    }
+
+    bool Commit() {
+        if (error_ != 0) return Result();
+        if (fchmod(out_, ModeFor(file_)) != 0 || fsync(out_) != 0 || !NamePart() || !Close() ||
+            std::rename(part_.c_str(), file_.c_str()) != 0)
+            error_ = errno;
+        else
+            part_.clear();
+        return Result();
+    }
+
+private:
+    bool Result() const {
+        if (error_ != 0) errno = error_;
+        return error_ == 0;
+    }
+
+    /// Gives an unnamed file a name that no file has.
+    bool NamePart() {
+        constexpr int tries = 100;
+        for (int i = 0; part_.empty() && i < tries; ++i) {
+            const std::string part = file_.string() + "." + std::to_string(getpid()) + "-" + std::to_string(i);
+            if (linkat(AT_FDCWD, PathOf(out_).c_str(), AT_FDCWD, part.c_str(), AT_SYMLINK_FOLLOW) == 0)
+                part_ = part;
+            else if (errno != EEXIST)
+                return false;
+        }
+        return !part_.empty();
+    }
+
+    bool Close() {
+        const int out = std::exchange(out_, -1);
+        return close(out) == 0;
+    }
+
+    fs::path file_;
+    std::string part_;  ///< the name of the file before it has its own; empty for a file without a name
+    int out_ = -1;
+    int error_ = 0;  ///< of the first failure
+};
+
 #endif
+
+AtomicFile::AtomicFile(fs::path file) : system_(std::make_unique<System>(std::move(file))) {}
+AtomicFile::~AtomicFile() = default;
+bool AtomicFile::Write(std::string_view text) { return system_->Write(text); }
+bool AtomicFile::Commit() { return system_->Commit(); }
+
+bool WriteAtomically(const fs::path& file, std::string_view text) {
+    AtomicFile out(file);
+    return out.Write(text) && out.Commit();
+}
 
 }  // namespace Platform

@@ -85,6 +85,51 @@ TEST(AtomicFile, OnAFullDiskTheEarlierFileStaysAndNoOtherRemains) {
     EXPECT_EQ(NamesIn(folder.Path()), std::vector<String>{"file"});
 }
 
+TEST(AtomicFile, ReplacesTheEarlierOneOnlyWhenItIsCommitted) {
+    const TemporaryFolder folder;
+    const fs::path file = folder.Path() / "file";
+    ASSERT_TRUE(WriteAtomically(file, "earlier"));
+    {
+        AtomicFile out(file);
+        EXPECT_TRUE(out.Write("in "));
+        EXPECT_TRUE(out.Write("parts"));
+        EXPECT_EQ(Content(file), "earlier");
+        EXPECT_TRUE(out.Commit());
+        EXPECT_EQ(Content(file), "in parts");
+    }
+    {
+        AtomicFile out(file);
+        EXPECT_TRUE(out.Write("given up"));
+    }
+    EXPECT_EQ(Content(file), "in parts");
+    EXPECT_EQ(NamesIn(folder.Path()), std::vector<String>{"file"});
+}
+
+TEST(AtomicFile, AfterAFailureItCantBeCommitted) {
+    const TemporaryFolder folder;
+    const fs::path file = folder.Path() / "file";
+    AtomicFile out(file);
+    {
+        const FilesUpTo limit(1000);
+        EXPECT_FALSE(out.Write(String(5000, 'x')));
+    }
+    EXPECT_FALSE(out.Write("y"));
+    EXPECT_FALSE(out.Commit());
+    EXPECT_EQ(errno, EFBIG);
+}
+
+TEST(AtomicFile, OfAKilledProgramNothingRemains) {
+    const TemporaryFolder folder;
+    const pid_t writer = fork();
+    if (writer == 0) {
+        AtomicFile out(folder.Path() / "file");
+        out.Write("half");
+        kill(getpid(), SIGKILL);
+    }
+    waitpid(writer, nullptr, 0);
+    EXPECT_EQ(NamesIn(folder.Path()), std::vector<String>{});
+}
+
 TEST(AtomicFile, IfAFolderHasItsNameNoOtherFileRemains) {
     const TemporaryFolder folder;
     fs::create_directories(folder.Path() / "file" / "within");
