@@ -16,8 +16,8 @@ void Run(sqlite3* database, const std::string& script) {
     if (message) throw std::runtime_error(message);
 }
 
-std::string FillStatement() {
-    return "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " + std::to_string(Images) +
+std::string FillStatement(ClinicSize size) {
+    return "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " + std::to_string(size.images) +
            ") INSERT INTO ImageBild_T (ImageBildID, ToothCollectionID, PatientID, DateCaptured_SD, "
            "Comments_NVC, "
            "StandCollName_NVC, ComputedDPI_INT, HardwareSourceId_INT, HardwareSourcetxt_NVC, RootId, "
@@ -31,7 +31,7 @@ std::string FillStatement() {
            "DicomStatus_INT, FrameNumber_INT, AnatomicRegion, DCMDerived_BT, Laterality, AnaRegion, "
            "AnaRegionMod, "
            "PriStructure, SubType_INT, Gamma_INT) SELECT i, 0, i % " +
-           std::to_string(Patients) +
+           std::to_string(size.patients) +
            ", datetime('2001-01-01', '+' || (i * 97 % 9000000) || ' minutes'), '', '', 577, 100, 'Sensor 3 "
            "serial ' || "
            "(i % 7), 1, '0_\\2.25.' || (i * 1000003) || '.dcm', 0, 0, 0, 10, -5, 0, 120, 0, 0, 'Anna Ek', "
@@ -82,18 +82,21 @@ std::string ListStatements(const ListOfCards& list) {
 
 }  // namespace
 
-std::string ClinicWithMillionImages(const std::string& folder) {
-    const std::string path = folder + "/clinic.db";
+std::string ClinicIn(const std::string& folder, const std::string& name, ClinicSize size,
+                     const std::vector<ListOfCards>& lists) {
+    const std::string path = folder + "/" + name;
     if (std::filesystem::exists(path)) return path;
-    std::fprintf(stderr, "Making %s with a million images ...\n", path.c_str());
+    std::fprintf(stderr, "Making %s with %d images ...\n", path.c_str(), size.images);
     const std::string partial = path + ".part";
     std::filesystem::remove(partial);
     sqlite3* database = nullptr;
     sqlite3_open(partial.c_str(), &database);
-    Run(database, "PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF; BEGIN;" + std::string(schema::sqlite_sql) +
-                      std::string(schema::layouts_sql) +
-                      "INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, '/srv/images', 1);" +
-                      FillStatement() + ListStatements(ShortList) + ListStatements(LongList) + "COMMIT;");
+    std::string script = "PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF; BEGIN;" + std::string(schema::sqlite_sql) +
+                         std::string(schema::layouts_sql) +
+                         "INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, '/srv/images', 1);" +
+                         FillStatement(size);
+    for (const ListOfCards& list : lists) script += ListStatements(list);
+    Run(database, script + "COMMIT;");
     sqlite3_close(database);
     std::filesystem::rename(partial, path);
     return path;

@@ -87,6 +87,16 @@ void Report::Add(const Comparison& done) {
     std::fflush(stdout);
 }
 
+bool Report::AddJson(const std::string& text) {
+    const auto rows = nlohmann::json::parse(text, nullptr, false);
+    if (!rows.is_array() || rows.empty()) return false;
+    for (const auto& row : rows)
+        if (Wanted(row.at("key")))
+            Add({row.at("key"), row.at("what"), row.at("unit"), row.at("library_us"), row.at("by_hand_us"),
+                 row.at("ratio"), row.at("noise")});
+    return true;
+}
+
 std::string Report::Json() const {
     auto rows = nlohmann::ordered_json::array();
     const auto rounded = [](double value) { return std::round(value * 1000) / 1000; };

@@ -39,6 +39,12 @@ public:
     bool Measure(const std::string& key, const std::string& what, const std::string& unit,
                  const std::vector<Work>& works);
 
+    /// Returns true if some comparison whose key begins with `start` may be measured.
+    bool WantsSome(const std::string& start) const { return start.starts_with(only_) || only_.starts_with(start); }
+
+    /// Adds the comparisons of another program, in the form of `Json`. Returns false if the text has none.
+    bool AddJson(const std::string& text);
+
     /// Returns the results as a JSON array.
     std::string Json() const;
 

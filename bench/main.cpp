@@ -2,8 +2,11 @@
 #include "bench/ByHand.h"
 #include "bench/Cards.h"
 #include "bench/Clinic.h"
+#include "bench/Growth.h"
 #include "bench/ImportFiles.h"
+#include "bench/Python.h"
 #include "bench/Report.h"
+#include "bench/Samples.h"
 
 #include "images/cImages.h"
 #include "platform/adodb/Transaction.h"
@@ -52,49 +55,6 @@ void LoadSingle(Report& report, const Ref<Connection>& con, ByHand& hand) {
         });
 }
 
-HandImage SampleOf(int number) {
-    HandImage image{};
-    image.patient = 7;
-    image.url = "0_\\2.25.9" + std::to_string(number) + ".dcm";
-    image.uid = "2.25.9" + std::to_string(number);
-    image.source = "Sensor 3 serial 4";
-    image.responsible = "Anna Ek";
-    image.crc = "9AF3" + std::to_string(number);
-    image.region = "T-11170";
-    image.modifier = "T-5100B";
-    image.laterality = "R";
-    image.teeth = "16,17,18,";
-    image.root = image.mirror = image.type = 1;
-    image.dpiX = image.dpiY = 577;
-    image.voltage = 65;
-    image.current = 7;
-    image.exposure = 120;
-    image.study = image.series = 9'000'000;
-    return image;
-}
-
-Ref<cImage> ObjectOf(const HandImage& image) {
-    Ref<cImage> object = New<cImage>();
-    object->PatID = static_cast<Long>(image.patient);
-    object->URL = image.url;
-    object->instanceUID = image.uid;
-    object->HWSourceTxt = image.source;
-    object->RespPerson = image.responsible;
-    object->CRC = image.crc;
-    object->AnaRegion = image.region;
-    object->AnaRegionMod = image.modifier;
-    object->Laterality = image.laterality;
-    object->sTeeth = image.teeth;
-    object->RootId = object->MirrRotStatus = 1;
-    object->ImageType = imggTypeDXIntraOral;
-    object->DPIX = object->DPIY = 577;
-    object->Voltage_kV = 65;
-    object->Current_mA = 7;
-    object->ExposureTime_ms = 120;
-    object->studyID = object->seriesID = 9'000'000;
-    return object;
-}
-
 /// Takes out what saves put in, also those of a run that was cut short.
 void Forget(ByHand& hand) {
     hand.Execute("DELETE FROM ImageBild_T WHERE Series_ID >= 9000000");
@@ -125,48 +85,6 @@ void Save(Report& report, const Ref<Connection>& con, ByHand& hand, bool oneTran
         },
         [&] { Forget(hand); });
     Forget(hand);
-}
-
-using TeethOfFilms = std::vector<const char*>;
-const TeethOfFilms Bitewings{"16,17,18,46,47,48,", "14,15,44,45,", "24,25,34,35,", "26,27,28,36,37,38,"};
-const TeethOfFilms FullMouth{"16,17,18,",
-                             "14,15,",
-                             "12,13,",
-                             "11,21,",
-                             "22,23,",
-                             "24,25,",
-                             "26,27,28,",
-                             "16,17,18,46,47,48,",
-                             "14,15,44,45,",
-                             "24,25,34,35,",
-                             "26,27,28,36,37,38,",
-                             "46,47,48,",
-                             "44,45,",
-                             "42,43,",
-                             "31,41,",
-                             "32,33,",
-                             "34,35,",
-                             "36,37,38,"};
-
-TeethOfFilms Films(std::size_t count) {
-    if (count == 4) return Bitewings;
-    TeethOfFilms films = FullMouth;
-    if (count == 20) films.insert(films.end(), {"11,12,", "21,22,"});
-    return films;
-}
-
-Ref<cImages> NewSeries(std::size_t count) {
-    TeethOfFilms films = Films(count);
-    std::shuffle(films.begin(), films.end(), std::mt19937(3));
-    Ref<cImages> images = New<cImages>();
-    for (std::size_t i = 0; i < films.size(); ++i) {
-        Ref<cImage> image = ObjectOf(SampleOf(static_cast<int>(i)));
-        image->Laterality.clear(), image->AnaRegion.clear(), image->AnaRegionMod.clear();
-        image->sTeeth = films[i];
-        image->dateTime = Date{45000.0 + static_cast<double>(i)};
-        images->AddObject(image);
-    }
-    return images;
 }
 
 /// Hanging alone, in memory.
@@ -220,16 +138,25 @@ void HangStored(Report& report, const Ref<Connection>& con, ByHand& hand, std::s
 int main(int argc, char** argv) {
     CLI::App app("Compares the library with the same work written by hand on the engine's C interface.");
     std::string folder = std::filesystem::temp_directory_path() / "oxclass-bench", only, baseline;
-    bool json = false;
+    bool json = false, growth = false;
+    int largest = 1'000'000;
     app.add_option("FOLDER", folder, "keeps the database of a million images between runs")->capture_default_str();
     app.add_option("--only", only, "measure only what begins with this key, such as save-");
     app.add_flag("--json", json, "print the results as JSON");
     app.add_option("--check", baseline,
                    "compare the ratios with this file, a result of --json; exit code 3 if one is slower");
+    app.add_flag("--growth", growth,
+                 "instead measure the library alone in clinics of 1,000 images, 10,000 and so on, with the memory");
+    app.add_option("--largest", largest, "the number of images in the largest clinic of --growth")
+        ->capture_default_str();
     CLI11_PARSE(app, argc, argv);
 
     std::filesystem::create_directories(folder);
-    const std::string path = ClinicWithMillionImages(folder);
+    if (growth) {
+        std::puts(Growth(folder, largest, json).c_str());
+        return 0;
+    }
+    const std::string path = ClinicIn(folder, "clinic.db", {Images, Patients}, {ShortList, LongList});
     const Ref<Connection> con = Connect(path);
     ByHand hand(path);
     Forget(hand);
@@ -243,6 +170,7 @@ int main(int argc, char** argv) {
     BenchCards(report, con, path, hand);
     BenchBoundary(report);
     BenchImport(report, folder);
+    BenchPython(report, path);
     if (json) std::puts(report.Json().c_str());
     return baseline.empty() || report.NoSlowerThan(baseline) ? 0 : 3;
 }

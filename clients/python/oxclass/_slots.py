@@ -7,7 +7,7 @@ from __future__ import annotations
 
 import ctypes
 import datetime
-from ctypes import CFUNCTYPE, POINTER, byref, c_double, c_float, c_int16, c_int32, c_void_p
+from ctypes import CFUNCTYPE, POINTER, byref, c_double, c_float, c_int16, c_int32, c_void_p, string_at
 from typing import Any, Callable, Dict, Optional
 
 from ._library import library
@@ -46,13 +46,19 @@ def _number_getter(function: Any, holder: Any) -> Getter:
 
 
 def _text_getter(function: Any) -> Getter:
+    length, free = library().SysStringByteLen, library().SysFreeString
+
     def get(self: Object) -> str:
         place = c_void_p()
         code = function(self._reference.here(), byref(place))
-        functions = library()
         if code < 0:
-            raise functions.recorded(code)
-        return functions.take_text(place.value)
+            raise library().recorded(code)
+        pointer = place.value
+        if not pointer:
+            return ""
+        units = string_at(pointer, length(pointer))
+        free(pointer)
+        return units.decode("utf-16-le", "replace")
 
     return get
 
