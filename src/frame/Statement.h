@@ -115,8 +115,9 @@ private:
     bool inside_ = false;      // true if the counted bytes end between quotes
 };
 
-/// Return a piece as the database layer takes it, or the kind `Other` if only the joined statement tells.
 using ADODB::StatementPiece;
+/// Return a piece as the database layer takes it, or the kind `Other` if the value can only be found in the joined
+/// statement.
 template <std::size_t N>
 StatementPiece PieceOf(const char (&literal)[N]) {
     return {StatementPiece::Kind::Fixed, 0, {literal, N - 1}};

@@ -1,7 +1,7 @@
 """Properties with a plain value, read and assigned by their slots in the vtable.
 
 A call by slot passes the value itself. That is several times faster than a call by name, which passes variants. A get
-or put of a plain value runs no statement, so that no handler of an event can be called.
+or put of a plain value runs no statement, so no event handler is called during it.
 """
 from __future__ import annotations
 
@@ -56,9 +56,10 @@ def _text_getter(function: Any) -> Getter:
         pointer = place.value
         if not pointer:
             return ""
-        units = string_at(pointer, length(pointer))
-        free(pointer)
-        return units.decode("utf-16-le", "replace")
+        try:
+            return string_at(pointer, length(pointer)).decode("utf-16-le", "replace")
+        finally:
+            free(pointer)
 
     return get
 

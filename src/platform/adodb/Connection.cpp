@@ -158,6 +158,10 @@ bool Connection::ReadNext(RowReader& reader) {
     return Engine([&] { return reader.Next(); });
 }
 
+void Connection::RaiseKept(const std::exception_ptr& kept) {
+    Engine([&] { std::rethrow_exception(kept); });
+}
+
 Ref<Recordset> Connection::Execute(const String& CommandText, Long* RecordsAffected, Long Options) {
     ExecuteRequest request{.Source = CommandText, .Options = Options};
     Result result = Run(request);

@@ -2,6 +2,8 @@
 
 #include "platform/adodb/providers/Provider.h"
 
+#include <exception>
+
 namespace ADODB {
 
 class Connection;
@@ -159,6 +161,8 @@ private:
     Outcome RunUnbuffered(const String& statement);
     /// Moves the reader to the next row.
     bool ReadNext(RowReader& reader);
+    /// Raises a failure that was kept; stores it in `Errors` if it is one of the engine.
+    void RaiseKept(const std::exception_ptr& kept);
     /// Posts a change of a recordset's row; returns the number of rows that it changed.
     std::int64_t Change(const String& statement, std::span<const Variant> values);
     /// Runs a call into the engine; stores its failure in `Errors`.

@@ -69,24 +69,34 @@ void Recordset::RequireOpenable(const Ref<Connection>& connection) const {
     if (!connection || connection->State() == adStateClosed) RaiseAdo(adErrInvalidConnection, RecordsetSource);
 }
 
-void Recordset::OpenUnbuffered(const String& Source, const Ref<Connection>& ActiveConnection, Long Options) {
+void Recordset::OpenUnbuffered(const String& Source, const Ref<Connection>& ActiveConnection) {
     RequireOpenable(ActiveConnection);
-    if (ActiveConnection->Handlers().empty()) {
-        source_ = Source;  // the running statement refers to this text
-        options_ = Options;
-        Outcome outcome = ActiveConnection->RunUnbuffered(source_);
-        const bool any = outcome.reader && ActiveConnection->ReadNext(*outcome.reader);
-        TakeColumns(ActiveConnection, adOpenForwardOnly, adLockReadOnly, std::move(outcome.columns));
+    if (ActiveConnection->Handlers().empty())
+        Read(Source, ActiveConnection);
+    else
+        Open(Source, ActiveConnection, adOpenForwardOnly, adLockReadOnly, adCmdText);
+    unbuffered_ = true;
+    actualCursor_ = adOpenForwardOnly;
+}
+
+void Recordset::Read(const String& statement, const Ref<Connection>& connection) {
+    cursor_ = adOpenForwardOnly;
+    lock_ = adLockReadOnly;
+    const String before = std::exchange(source_, statement);  // the running statement refers to this text
+    try {
+        Outcome outcome = connection->RunUnbuffered(source_);
+        const bool any = outcome.reader && connection->ReadNext(*outcome.reader);
+        options_ = adCmdText;
+        TakeColumns(connection, adOpenForwardOnly, adLockReadOnly, std::move(outcome.columns));
         bof_ = eof_ = !any;
         if (any) {
             reader_ = std::move(outcome.reader);
             connection_->reading_ = this;
         }
-    } else {
-        Open(Source, ActiveConnection, adOpenForwardOnly, adLockReadOnly, Options);
+    } catch (...) {
+        source_ = before;
+        throw;
     }
-    unbuffered_ = true;
-    actualCursor_ = adOpenForwardOnly;
 }
 
 void Recordset::TakeResult(const Ref<Connection>& connection, ExecuteRequest&& request, Connection::Result&& result) {
@@ -118,12 +128,19 @@ void Recordset::StopReading() {
 void Recordset::CopyUnread() {
     try {
         do rows_.Append(*reader_, columns_->Count());
-        while (connection_->ReadNext(*reader_));
+        while (reader_->Next());
     } catch (...) {
         cutShort_ = std::current_exception();
     }
     StopReading();
     eof_ = rows_.all.empty();
+    if (eof_) RaiseCutShort();  // the current row is lost
+}
+
+void Recordset::RaiseCutShort() {
+    eof_ = true;
+    if (connection_) connection_->RaiseKept(cutShort_);
+    std::rethrow_exception(cutShort_);
 }
 
 void Recordset::ReadOn(Long rows) {
@@ -255,7 +272,7 @@ void Recordset::Move(Long rows) {
     if (reader_) return ReadOn(rows);
     std::int64_t from = bof_ ? -1 : position_;
     if (onDeleted_ && forward) --from;  // the row behind the deleted one has moved into its place
-    if (cutShort_ && from + rows >= RowCount()) std::rethrow_exception(cutShort_);
+    if (cutShort_ && from + rows >= RowCount()) RaiseCutShort();
     GoTo(static_cast<Long>(std::clamp<std::int64_t>(from + rows, -1, RowCount())));
 }
 

@@ -108,18 +108,19 @@ public:
               Long Options = adCmdUnspecified);
 
     /// Opens a select that the caller reads once, from the first row to the last, as `Open` does with a forward-only,
-    /// read-only cursor. Each row is read from the engine when it is reached, so that no row is copied. `CursorType` is
-    /// forward-only at every location, and earlier rows are not kept: `MoveFirst` raises 3219 as `MovePrevious` does,
-    /// `RecordCount` is -1 and `AbsolutePosition` is `adPosUnknown`.
+    /// read-only cursor and `adCmdText`. Each row is read from the engine when it is reached, so that no row is copied.
+    /// `CursorType` is forward-only at every location, and earlier rows are not kept: `MoveFirst` raises 3219 as
+    /// `MovePrevious` does, `RecordCount` is -1 and `AbsolutePosition` is `adPosUnknown`. `Requery` copies all rows, as
+    /// for an ordinary recordset, which it is afterwards.
     ///
     /// The rows are still those of the moment at which the statement ran. The current row and the later ones are copied
     /// before the connection does anything else, and when the recordset is disconnected. All rows are copied at once if
     /// the connection has handlers. While rows are unread, the statement runs and holds its read lock, therefore the
     /// caller must read to the end or close the recordset before it returns to its own caller.
     ///
-    /// Raises as `Open`. In addition, `MoveNext` raises what the engine raises at a later row; there is no current row
-    /// then. Not part of the interface by name.
-    void OpenUnbuffered(const String& Source, const Ref<Connection>& ActiveConnection, Long Options = adCmdText);
+    /// Raises as `Open`. In addition, `Move` and `MoveNext` raise what the engine raises at a later row, also if it was
+    /// raised when the rows were copied; there is no current row then. C++ only.
+    void OpenUnbuffered(const String& Source, const Ref<Connection>& ActiveConnection);
 
     /// Releases the rows; the connection and the source are kept. The recordset can be opened again. Raises 3704 if
     /// closed, 3219 while an edit is pending; nothing changes then.
@@ -289,8 +290,13 @@ private:
                      std::shared_ptr<const Columns>&& columns);
     /// Raises as `Open` if the recordset is open or the connection is closed.
     void RequireOpenable(const Ref<Connection>& connection) const;
-    /// Copies the current row and those that are not read yet, and ends the statement.
+    /// Opens the recordset at the first row of a statement that is then running.
+    void Read(const String& statement, const Ref<Connection>& connection);
+    /// Copies the current row and those that are not read yet, and ends the statement. A failure is kept, and raised by
+    /// the move that reaches its row; raises it at once if not even the current row can be copied.
     void CopyUnread();
+    /// Raises the failure that was kept; there is no current row then.
+    [[noreturn]] void RaiseCutShort();
     /// Ends the statement; the rows that are not read are lost.
     void StopReading();
     /// Moves forward in the rows that are not read yet.
@@ -324,7 +330,7 @@ private:
     /// Returns the same for a field, nothing while an edit is pending. Raises in addition 3704 and 3265, because the
     /// recordset may have been closed or opened again since the field was created.
     std::optional<Cell> StoredCell(Long ordinal) const {
-        if (!columns_ || ordinal >= columns_->Count()) ColumnAt(ordinal);
+        if (!columns_ || ordinal < 0 || ordinal >= columns_->Count()) ColumnAt(ordinal);
         if (edit_) return {};
         return CurrentCell(ordinal);
     }

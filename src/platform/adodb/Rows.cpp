@@ -91,7 +91,8 @@ Columns::Columns(std::vector<Column> columns)
         ascii_ = ascii_ && IsAscii(name);
         const std::uint64_t hash = ColumnName::HashOf(name);
         const Slot& slot = SlotOf(hash);
-        if (slot.ordinal == Missing) slots_[static_cast<std::size_t>(&slot - slots_.data())] = {hash, i};
+        if (slot.ordinal == Missing)
+            slots_[static_cast<std::size_t>(&slot - slots_.data())] = {hash, IsAscii(name) ? i : Search(name)};
     }
 }
 

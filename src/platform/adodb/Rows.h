@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <memory_resource>
+#include <stdexcept>
 #include <vector>
 
 /// The rows of a result in memory. Providers create them, and recordsets read them; a client of the layer uses `Field`.
@@ -24,9 +25,12 @@ struct Column {
 /// the same columns of every row does not compare their names. Any thread may use it.
 class ColumnName {
 public:
-    /// The name is the literal without its final zero; it has ASCII characters only.
+    /// The name is the literal without its final zero. A literal with other characters than ASCII does not compile.
     template <std::size_t N>
-    consteval ColumnName(const char (&literal)[N]) : text_(literal, N - 1), hash_(HashOf(text_)) {}
+    consteval ColumnName(const char (&literal)[N]) : text_(literal, N - 1), hash_(HashOf(text_)) {
+        for (const char c : text_)
+            if (static_cast<unsigned char>(c) >= 0x80) throw std::invalid_argument("not ASCII");
+    }
 
     /// Returns the name; valid as long as the literal.
     constexpr std::string_view Text() const noexcept { return text_; }
@@ -94,7 +98,8 @@ private:
     bool ascii_ = true;        ///< no column's name has other characters
 };
 
-/// One value of a row as the engine stores it, in 16 bytes. A text is not a copy: it points into the row. A cell owns
+/// One value of a row as the engine stores it, in 16 bytes. A text is not a copy: it points into the row, or into the
+/// memory of the engine (`RowReader::At`). A cell owns
 /// nothing and may be copied; it has no type of the column, which `ValueOf` adds.
 struct Cell {
     enum class Kind : std::uint8_t { Null, Whole, Real, Text };
@@ -120,7 +125,7 @@ struct Cell {
         cell.real = value;
         return cell;
     }
-    /// Returns a cell that points to the text, which must live until the cell is added to a `RowStore`. The text may
+    /// Returns a cell that points to the text, which must live as long as the cell is used. The text may
     /// contain zero bytes; it must be shorter than 4 GiB.
     static Cell Of(std::string_view value) {
         Cell cell;
@@ -129,7 +134,8 @@ struct Cell {
         cell.text = value.data();
         return cell;
     }
-    /// Returns the text of a cell of kind `Text`; undefined for another kind. Valid as long as the row's `RowStore`.
+    /// Returns the text of a cell of kind `Text`; undefined for another kind. Valid as long as the row's `RowStore`,
+    /// or until `RowReader::Next`.
     /// A text of 0 bytes is the empty text, not a null.
     std::string_view Text() const { return {text, length}; }
 };
@@ -163,7 +169,8 @@ private:
 };
 
 /// Reads the rows of a result from the engine, from the first to the last, while the statement is running. A provider
-/// implements it. The destructor ends the statement, also before its last row, and releases its locks.
+/// implements it. The destructor ends the statement, also before its last row, and releases its locks. A reader is used
+/// by the thread of its session and deleted before the session.
 class RowReader {
 public:
     RowReader() = default;
@@ -171,7 +178,7 @@ public:
     virtual ~RowReader() = default;
 
     /// Moves to the next row, by the first call to the first row. Returns false after the last row; it must not be
-    /// called again then. Raises what the engine raises.
+    /// called again then. Raises what the engine raises; neither function may be called again after that.
     virtual bool Next() = 0;
 
     /// Returns a value of the current row, as the engine stores it. A text is valid until `Next` is called. The caller

@@ -120,6 +120,13 @@ TEST_F(RecordsetTest, OfTwoColumnsOfOneNameTheFirstIsFound) {
     const Ref<Recordset> rs = Open("SELECT 1 AS x, 2 AS X");
     EXPECT_EQ(CLng(rs->Fields("x").Value()), 1);
     EXPECT_EQ(CLng(rs->Fields(1).Value()), 2);
+    const Ref<Recordset> umlauts = Open("SELECT 1 AS \"Ä\", 2 AS \"ä\", 3 AS \"K\"");
+    EXPECT_EQ(CLng(umlauts->Fields("ä").Value()), 1);
+    EXPECT_EQ(CLng(umlauts->Fields("Ä").Value()), 1);
+    EXPECT_EQ(CLng(umlauts->Fields("\u212A").Value()), 3) << "the sign of the unit Kelvin, whose small letter is k";
+    EXPECT_EQ(CLng(umlauts->FieldOf("k").Value()), 3);
+    EXPECT_EQ(NumberOf([&] { umlauts->Fields("ö"); }), adErrItemNotFound);
+    EXPECT_EQ(NumberOf([&] { Field(*umlauts, -1).IsNull(); }), adErrItemNotFound);
 }
 
 TEST_F(RecordsetTest, ANameBuiltAtRunTimeIsFoundLikeALiteral) {

@@ -219,9 +219,11 @@ TEST_F(UnbufferedTest, AFailureWhileTheRowsAreCopiedIsRaisedByTheMoveThatReaches
     EXPECT_EQ(CStr(rs->Fields("ClinicName").Value()), "A");
     rs->MoveNext();
     EXPECT_EQ(CStr(rs->Fields("ClinicName").Value()), "B");
+    EXPECT_TRUE(faulty->Errors().empty());
     EXPECT_EQ(FailureOf([&] { rs->MoveNext(); }).Description, "injected");
-    EXPECT_EQ(FailureOf([&] { rs->MoveNext(); }).Description, "injected");
-    EXPECT_EQ(CStr(rs->Fields("ClinicName").Value()), "B");
+    EXPECT_EQ(faulty->Errors().size(), 1U);
+    EXPECT_TRUE(rs->Eof());
+    EXPECT_EQ(NumberOf([&] { rs->MoveNext(); }), adErrNoCurrentRecord);
 }
 
 TEST_F(UnbufferedTest, AnEngineFailureAtALaterRowNamesTheStatement) {
@@ -235,11 +237,19 @@ TEST_F(UnbufferedTest, AnEngineFailureAtALaterRowNamesTheStatement) {
 TEST_F(UnbufferedTest, ItRaisesAsOpenAndStaysClosed) {
     const Ref<Recordset> rs = New<Recordset>();
     EXPECT_EQ(NumberOf([&] { rs->OpenUnbuffered(All, nullptr); }), adErrInvalidConnection);
+    rs->SetSource("before");
+    rs->SetLockType(adLockOptimistic);
     EXPECT_EQ(NumberOf([&] { rs->OpenUnbuffered("SELECT * FROM Nothing_T", plain); }), NoTable);
     EXPECT_EQ(rs->State(), adStateClosed);
+    EXPECT_EQ(rs->Source(), "before");
     rs->OpenUnbuffered(All, plain);
     EXPECT_EQ(NumberOf([&] { rs->OpenUnbuffered(All, plain); }), adErrObjectOpen);
     EXPECT_EQ(Rest(rs), "ABC");
+    rs->Requery();
+    EXPECT_EQ(Rest(rs), "ABC");
+    rs->MoveFirst();
+    EXPECT_EQ(Rest(rs), "ABC");
+    EXPECT_EQ(rs->LockType(), adLockReadOnly);
 }
 
 }  // namespace

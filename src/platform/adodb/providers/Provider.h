@@ -36,13 +36,13 @@ public:
     virtual ~Session() = default;
 
     /// Runs one statement as it is written. Raises 0x80040E14, before anything runs, if the text contains a second
-    /// statement. `text` must live as long as the reader of the outcome, which must be deleted before any other
-    /// function of the session is called.
+    /// statement. `text` must live as long as the reader of the outcome, which must be deleted before `Run`,
+    /// `RunAction`, `Change`, `Begin`, `Commit` or `RollBack` is called.
     virtual Outcome Run(std::string_view text) = 0;
 
     /// Runs an action statement that consists of these pieces; rows that it returns are ignored. `joined` returns its
     /// text. A provider that remembers the statement by its fixed pieces binds the values and does not join the text.
-    /// Raises as `Run`, and what `joined` raises.
+    /// The pieces and their texts must live until it returns. Raises as `Run`, and what `joined` raises.
     virtual void RunAction(std::span<const StatementPiece> pieces, const std::function<String()>& joined) {
         static_cast<void>(pieces);
         const String text = joined();

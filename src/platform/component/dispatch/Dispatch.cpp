@@ -301,6 +301,7 @@ namespace {
 
 /// Returns the address of an argument's value.
 const void* PlaceOf(const Member& member, std::size_t index, const void* given) {
+    // NOLINTNEXTLINE(clang-analyzer-core.NullDereference): `given` is the address of an argument of the slot
     return member.CrossesAsPlace(member.Arguments[index]) ? *static_cast<const void* const*>(given) : given;
 }
 
@@ -343,7 +344,7 @@ HRESULT Run(Object& object, const Member& member, const void* const* given) {
 
 }  // namespace
 
-HRESULT BeginSlot(const InterfacePointer& self, const void* place) noexcept {
+HRESULT BeginSlot(const InterfacePointer& self, const void* place) {
     SetErrorInfo(0, nullptr);
     if (!Boundary::IsOnItsThread(self)) return WrongThread();
     return place ? S_OK : FailWith(E_POINTER, NoPlace);

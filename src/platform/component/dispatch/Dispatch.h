@@ -10,10 +10,11 @@ namespace Platform {
 /// Returns the first seven slots of every dual interface: the functions of `IUnknown` and `IDispatch`.
 ///
 /// `IDispatch::Invoke` converts its arguments, calls `Member::Call` and writes arguments back, as a call by slot does
-/// (`detail::CallSlot`). Wrong calls return the standard codes: DISP_E_UNKNOWNNAME, DISP_E_MEMBERNOTFOUND,
-/// DISP_E_BADPARAMCOUNT, DISP_E_PARAMNOTOPTIONAL, DISP_E_TYPEMISMATCH, DISP_E_OVERFLOW, DISP_E_BADVARTYPE, E_POINTER,
-/// and RPC_E_WRONG_THREAD on another thread than the object's. If a member raises, DISP_E_EXCEPTION is returned with
-/// number, source and text in the `EXCEPINFO`; by slot the number itself is the return code, with an error record.
+/// (`detail::CallSlot`; the slots of plain data members convert their value directly). Wrong calls return the standard
+/// codes: DISP_E_UNKNOWNNAME, DISP_E_MEMBERNOTFOUND, DISP_E_BADPARAMCOUNT, DISP_E_PARAMNOTOPTIONAL,
+/// DISP_E_TYPEMISMATCH, DISP_E_OVERFLOW, DISP_E_BADVARTYPE, E_POINTER, and RPC_E_WRONG_THREAD on another thread than
+/// the object's. If a member raises, DISP_E_EXCEPTION is returned with number, source and text in the `EXCEPINFO`; by
+/// slot the number itself is the return code, with an error record.
 std::span<const void* const> DispatchSlots();
 
 /// Returns the slots of `IEnumVARIANT`, for an `Enumerator`.
@@ -26,8 +27,8 @@ namespace detail {
 HRESULT CallSlot(InterfacePointer& self, const void* slot, const void* const* given) noexcept;
 
 /// Begins a call of a slot that needs no `Member`: clears the error record. Returns a failure with an error record on
-/// another thread than the object's, and if `place`, the address of the result, is null.
-HRESULT BeginSlot(const InterfacePointer& self, const void* place) noexcept;
+/// another thread than the object's, and if `place` is null: the address of the result, or any other one for a put.
+HRESULT BeginSlot(const InterfacePointer& self, const void* place);
 
 }  // namespace detail
 

@@ -198,16 +198,16 @@ struct DataSlots;
 template <class C, class T, T C::*M>
 struct DataSlots<M> {
     static HRESULT STDMETHODCALLTYPE Get(InterfacePointer* self, Binary<T>* result) noexcept {
-        if (const HRESULT begun = BeginSlot(*self, result); FAILED(begun)) return begun;
-        return Guarded([&] {
+        return Guarded([&]() -> HRESULT {
+            if (const HRESULT begun = BeginSlot(*self, result); FAILED(begun)) return begun;
             *result = {};
             *result = ToBinary<T>(static_cast<C&>(Boundary::ObjectOf(*self)).*M);
             return S_OK;
         });
     }
     static HRESULT STDMETHODCALLTYPE Put(InterfacePointer* self, Binary<T> value) noexcept {
-        if (const HRESULT begun = BeginSlot(*self, self); FAILED(begun)) return begun;
-        return Guarded([&] {
+        return Guarded([&]() -> HRESULT {
+            if (const HRESULT begun = BeginSlot(*self, self); FAILED(begun)) return begun;
             static_cast<C&>(Boundary::ObjectOf(*self)).*M = FromBinary<T>(value);
             return S_OK;
         });

@@ -108,7 +108,7 @@ public:
         const String text = statement ? String() : joined();
         if (!statement) {
             statement = &statements_.For(text, literals_);
-            statement->bindings = PieceBindings::Of(pieces, text, literals_);
+            if (auto bindings = PieceBindings::Of(pieces, text, literals_)) statement->bindings = std::move(bindings);
         }
         const StatementRun run(statement->Compiled());
         try {
