@@ -7,6 +7,7 @@
 #include <regex>
 #include <sys/resource.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 /// Reports and drawings of many and of large pictures: their size and their memory.
 namespace {
@@ -76,8 +77,18 @@ class LargePages : public Program {
 protected:
     std::string File(const char* name) { return (folder.Path() / name).string(); }
 
-    /// Runs the program in a process of its own; returns the megabytes that it needed at most.
+    /// Returns the megabytes of memory that this process has now.
+    static long Megabytes() {
+        std::ifstream sizes("/proc/self/statm");
+        long total = 0, resident = 0;
+        sizes >> total >> resident;
+        return resident * sysconf(_SC_PAGESIZE) / (1024 * 1024);
+    }
+
+    /// Runs the program in a process of its own; returns the megabytes that it needed at most, besides those that this
+    /// process has.
     long MegabytesOf(const std::vector<std::string>& arguments) {
+        const long before = Megabytes();
         const pid_t process = fork();
         if (process == 0) {
             std::vector<const char*> argv{"oxclass", "--db"};
@@ -90,7 +101,7 @@ protected:
         rusage usage{};
         EXPECT_EQ(wait4(process, &status, 0, &usage), process);
         EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
-        return usage.ru_maxrss / 1024;
+        return usage.ru_maxrss / 1024 - before;
     }
 };
 

@@ -11,6 +11,7 @@ import oxclass
 from oxclass import _members
 from oxclass._classes import _by_table
 from tests.kit import DatabaseTest
+from tests.test_memory import resident
 
 #: Values for each kind of property: some of the kind's own type, some that are converted, some that fail.
 GIVEN = {
@@ -119,17 +120,13 @@ class Failures(DatabaseTest):
         patient = oxclass.CreateObject("OXClass.cPatient")
         patient.LastName = "x" * 100_000
 
-        def used():
-            with open("/proc/self/statm", encoding="ascii") as file:
-                return int(file.read().split()[1]) * os.sysconf("SC_PAGE_SIZE")
-
         for _ in range(20):
             patient.LastName = patient.LastName
         gc.collect()
-        before = used()
+        before = resident()
         for _ in range(300):
             patient.LastName = patient.LastName
-        self.assertLess(used() - before, 20_000_000)
+        self.assertLess(resident() - before, 20_000_000)
 
 
 if __name__ == "__main__":

@@ -11,6 +11,7 @@
 #include <initializer_list>
 #include <stdexcept>
 #include <tuple>
+#include <typeinfo>
 
 /// Interface tables: one list of members for each class. Dispatch by name, the vtable of the dual interface, the type
 /// description and the tests that compare the members with the documented interface all read it.
@@ -192,12 +193,16 @@ T FromBinary(Binary<T> value) {
         return static_cast<T>(value);
 }
 
-/// The slots of a data member of a plain type.
+/// The slots of a data member of a plain type. Objects of other classes are passed to `CallSlot`.
 template <auto M>
 struct DataSlots;
 template <class C, class T, T C::*M>
 struct DataSlots<M> {
     static HRESULT STDMETHODCALLTYPE Get(InterfacePointer* self, Binary<T>* result) noexcept {
+        if (!IsOwn(*self)) {
+            const void* const given[] = {&result};
+            return CallSlot(*self, reinterpret_cast<const void*>(&Get), given);
+        }
         return Guarded([&]() -> HRESULT {
             if (const HRESULT begun = BeginSlot(*self, result); FAILED(begun)) return begun;
             *result = {};
@@ -206,11 +211,23 @@ struct DataSlots<M> {
         });
     }
     static HRESULT STDMETHODCALLTYPE Put(InterfacePointer* self, Binary<T> value) noexcept {
+        if (!IsOwn(*self)) {
+            const void* const given[] = {&value, nullptr};
+            return CallSlot(*self, reinterpret_cast<const void*>(&Put), given);
+        }
         return Guarded([&]() -> HRESULT {
             if (const HRESULT begun = BeginSlot(*self, self); FAILED(begun)) return begun;
             static_cast<C&>(Boundary::ObjectOf(*self)).*M = FromBinary<T>(value);
             return S_OK;
         });
+    }
+
+private:
+    /// Returns false for an object of a derived class, and for one of another class, to which a client has passed a
+    /// slot of this one.
+    static bool IsOwn(InterfacePointer& self) {
+        const Object& object = Boundary::ObjectOf(self);
+        return typeid(object) == typeid(C);
     }
 };
 
