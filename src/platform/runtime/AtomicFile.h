@@ -23,8 +23,8 @@ public:
     /// nothing can be committed afterwards.
     bool Write(std::string_view text);
 
-    /// Flushes the file and gives it its name; called once. Returns false as `Write` does; the old file is then
-    /// unchanged.
+    /// Flushes the file and renames it to its final name. It is called once. Returns false on failure, as `Write` does;
+    /// the old file is then unchanged.
     bool Commit();
 
 private:
