@@ -10,14 +10,12 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
 #include <cstdio>
 #include <fstream>
 #include <functional>
 #include <malloc.h>
 #include <nlohmann/json.hpp>
 #include <random>
-#include <sstream>
 
 namespace Bench {
 namespace {
@@ -165,43 +163,14 @@ std::pair<double, double> MemoryOfImage(const Ref<Connection>& con) {
     return {bytes, static_cast<double>(texts) / PerPatient};
 }
 
-std::string Grouped(int number) {
-    std::string text = std::to_string(number);
-    for (int at = static_cast<int>(text.size()) - 3; at > 0; at -= 3) text.insert(static_cast<std::size_t>(at), ",");
-    return text;
-}
-
-std::string Table(const Json& sizes) {
-    std::ostringstream out;
-    std::string line;
-    for (std::size_t i = 0; i < sizes.size(); ++i) line += "---|";
-    out << "| |";
-    for (const Json& size : sizes) out << " " << Grouped(size.at("images")) << " |";
-    out << "\n|---|" << line << "\n";
-    const Json& first = sizes.front().at("operations");
-    for (std::size_t row = 0; row < first.size(); ++row) {
-        out << "| " << first[row].at("what").get<std::string>() << " |";
-        for (const Json& size : sizes) {
-            char cell[32];
-            std::snprintf(cell, sizeof cell, " %.2f ms |", size.at("operations")[row].at("us").get<double>() / 1000);
-            out << cell;
-        }
-        out << "\n";
-    }
-    out << "| memory of the process, at most |";
-    for (const Json& size : sizes) out << " " << std::lround(size.at("peak_kB").get<double>() / 1024) << " MB |";
-    out << "\n";
-    return out.str();
-}
-
 }  // namespace
 
-std::string Growth(const std::string& folder, int largest, bool json) {
+std::string Growth(const std::string& folder, int largest) {
     Json sizes = Json::array();
     for (int images = 1000; images <= largest; images *= 10) {
         const std::string path = ClinicIn(folder, "growth-" + std::to_string(images) + ".db",
                                           {images, images / static_cast<int>(PerPatient)}, {ShortList});
-        std::fprintf(stderr, "%s images ...\n", Grouped(images).c_str());
+        std::fprintf(stderr, "%d images ...\n", images);
         std::ofstream("/proc/self/clear_refs") << "5";  // resets the peak of the memory
         const Ref<Connection> con = Connect(path);
         con->Execute("DELETE FROM ImageBild_T WHERE Series_ID >= 9000000");  // of a run that was cut short
@@ -213,7 +182,7 @@ std::string Growth(const std::string& folder, int largest, bool json) {
                          {"image_bytes", bytes},
                          {"text_bytes", texts}});
     }
-    return json ? sizes.dump(2) : Table(sizes);
+    return sizes.dump(2);
 }
 
 }  // namespace Bench

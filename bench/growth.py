@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 """Writes the document about growth from the figures of the benchmark.
 
-usage: growth.py FIGURES.json DOCUMENT.md PLOT.svg
+usage: growth.py FIGURES.json [DOCUMENT.md PLOT.svg]
 
-Replaces the table of the document, and the sentence about the memory of an image, and draws the plot: the time of each
-operation over the number of images in the clinic, both on logarithmic axes.
+Prints the table. With a document, replaces its table and its sentence about the memory of an image instead, and draws the
+plot: the time of each operation over the number of images in the clinic, both on logarithmic axes.
 """
 
 import json
@@ -79,6 +79,9 @@ def plot(sizes):
 def main():
     with open(sys.argv[1], encoding="utf-8") as file:
         sizes = json.load(file)
+    if len(sys.argv) == 2:
+        print(table(sizes))
+        return
     with open(sys.argv[2], encoding="utf-8") as file:
         text = file.read()
     text = replaced(text, *TABLE, table(sizes))

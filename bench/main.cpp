@@ -146,14 +146,15 @@ int main(int argc, char** argv) {
     app.add_option("--check", baseline,
                    "compare the ratios with this file, a result of --json; exit code 3 if one is slower");
     app.add_flag("--growth", growth,
-                 "instead measure the library alone in clinics of 1,000 images, 10,000 and so on, with the memory");
+                 "instead measure the library alone in clinics of 1,000 images, 10,000 and so on, and print the "
+                 "figures as JSON");
     app.add_option("--largest", largest, "the number of images in the largest clinic of --growth")
         ->capture_default_str();
     CLI11_PARSE(app, argc, argv);
 
     std::filesystem::create_directories(folder);
     if (growth) {
-        std::puts(Growth(folder, largest, json).c_str());
+        std::puts(Growth(folder, largest).c_str());
         return 0;
     }
     const std::string path = ClinicIn(folder, "clinic.db", {Images, Patients}, {ShortList, LongList});
