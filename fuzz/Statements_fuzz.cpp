@@ -1,7 +1,7 @@
 #include "Check.h"
 
 #include "platform/adodb/Recordset.h"
-#include "platform/adodb/providers/sqlite/SqliteShape.h"
+#include "platform/adodb/providers/sqlite/SqliteOrChains.h"
 #include "platform/runtime/Convert.h"
 
 #include <sqlite3.h>
@@ -79,7 +79,7 @@ private:
 class Provider {
 public:
     Provider() {
-        session_ = FindProvider("SQLite")(ConnectionString("Data Source=:memory:"));
+        session_ = FindProvider("SQLite")(ConnectionString("Data Source=:memory:"), 0);
         for (const char* statement : Tables) session_->Run(statement);
     }
 

@@ -1081,7 +1081,7 @@ TEST_F(UniCards, AnOrphanThatCannotBeDeletedFailsTheCall) {
 TEST_F(UniCards, EachFailedStatementShowsItsStep) {
     InstallFaultyProvider();
     const Ref<Connection> faulty = New<Connection>();
-    faulty->Open(Replace(con->ConnectionString(), "Provider=SQLite", "Provider=Faulty"));
+    faulty->Open(FaultyVersionOf(con->ConnectionString()));
     RunSeries(5, noon);
     const struct {
         int call, step;

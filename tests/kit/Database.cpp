@@ -4,22 +4,8 @@
 #include "platform/component/dispatch/Interface.h"
 #include "platform/runtime/Services.h"
 
-#include <sqlite3.h>
-
 namespace TestKit {
 namespace {
-
-String PathOfDatabase(const TemporaryFolder& folder) { return (folder.Path() / "clinic.db").string(); }
-
-/// Runs a script of many statements on the file, which the connection itself refuses to do.
-void RunScript(const String& path, std::string_view script) {
-    sqlite3* database = nullptr;
-    char* message = nullptr;
-    sqlite3_open(path.c_str(), &database);
-    sqlite3_exec(database, ("BEGIN;" + String(script) + "COMMIT;").c_str(), nullptr, nullptr, &message);
-    sqlite3_close(database);
-    if (message) throw std::runtime_error(message);
-}
 
 const char* TypeName(const MemberType& type) {
     using Kind = MemberType::Kind;
@@ -75,14 +61,13 @@ TemporaryFolder::~TemporaryFolder() {
 }
 
 String NewDatabase(const TemporaryFolder& folder, const String& name) {
-    const String path = (folder.Path() / name).string();
-    RunScript(path, schema::sqlite_sql);
-    RunScript(path, schema::layouts_sql);
-    return path;
+    const std::filesystem::path path = folder.Path() / name;
+    RunOnFile(path, schema::sqlite_sql);
+    RunOnFile(path, schema::layouts_sql);
+    return path.string();
 }
 
 WithDatabase::WithDatabase() {
-    RunScript(PathOfDatabase(folder), schema::sqlite_sql);
     con = Connect();
     con->Advise(log);
 }
@@ -91,13 +76,14 @@ WithDatabase::~WithDatabase() { con->Unadvise(log); }
 
 Ref<Connection> WithDatabase::Connect() const {
     Ref<Connection> connection = New<Connection>();
-    connection->Open("Provider=SQLite;Data Source=" + PathOfDatabase(folder));
+    connection->Open(database.Settings());
     return connection;
 }
 
 void WithDatabase::Run(const String& statement) {
     con->Unadvise(log);
     con->Execute(statement);
+    AlignCounter(con, statement);
     con->Advise(log);
 }
 
@@ -108,7 +94,7 @@ Variant WithDatabase::Ask(const String& select) {
     return rows->Eof() ? Variant() : rows->Fields(0).Value();
 }
 
-void WithDatabase::LoadLayouts() { RunScript(PathOfDatabase(folder), schema::layouts_sql); }
+void WithDatabase::LoadLayouts() { database.RunScript(schema::layouts_sql); }
 
 TextBoxes::TextBoxes() : before_(TheHost().MsgBox) {
     TheHost().MsgBox = [this](const String& prompt, Long) { shown.push_back(prompt); };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/adodb/Recordset.h"
+#include "kit/Engine.h"
 
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -10,8 +10,6 @@
 /// that was sent.
 namespace TestKit {
 
-using namespace Platform;
-using ADODB::Connection;
 using ADODB::Recordset;
 
 /// Numbers of errors, as a client of a connection or a recordset receives them.
@@ -33,7 +31,7 @@ private:
     std::filesystem::path path_;
 };
 
-/// Creates a clinic database with all tables and layouts in the folder, and returns its path.
+/// Creates a clinic database of SQLite with all tables and layouts in the folder, and returns its path.
 String NewDatabase(const TemporaryFolder& folder, const String& name);
 
 /// Stores the text of each statement, as the connection announces it, and each step of a transaction as
@@ -64,7 +62,7 @@ constexpr const char* executed = "0 1 -1";
 constexpr const char* plainRead = "0 1 1";
 constexpr const char* updatable = "1 3 1";
 
-/// A test with a database: a fresh file with all tables, opened as `con`; `log` holds what was sent since
+/// A test with a database of the tested engine: all tables and no rows, opened as `con`; `log` holds what was sent since
 /// the test's body began or since it was cleared.
 class WithDatabase : public ::testing::Test {
 protected:
@@ -80,12 +78,13 @@ protected:
     /// Loads the standard layouts.
     void LoadLayouts();
 
-    /// Another connection to the same file.
+    /// Another connection to the same database.
     Ref<Connection> Connect() const;
 
     const std::vector<String>& Sent() const { return log.statements; }
 
     TemporaryFolder folder;
+    TestDatabase database{folder.Path()};
     Ref<Connection> con;
     StatementLog log;
 };

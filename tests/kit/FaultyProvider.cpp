@@ -51,7 +51,10 @@ public:
         Count();
         return real_->Change(text, values);
     }
-    std::int64_t LastCounter() override { return real_->LastCounter(); }
+    std::int64_t Insert(std::string_view text, std::span<const Variant> values, std::string_view counter) override {
+        Count();
+        return real_->Insert(text, values, counter);
+    }
     String Quoted(std::string_view name) const override { return real_->Quoted(name); }
     void Begin(Long level) override {
         Count();
@@ -64,13 +67,15 @@ public:
     void RollBack(Long level) override { real_->RollBack(level); }
     bool InTransaction() const override { return real_->InTransaction(); }
     Long MostLevels() const override { return real_->MostLevels(); }
+    bool IsBroken() const override { return real_->IsBroken(); }
+    void SetCommandTimeout(Long seconds) override { real_->SetCommandTimeout(seconds); }
 
 private:
     std::unique_ptr<Session> real_;
 };
 
-std::unique_ptr<Session> OpenFaulty(const ConnectionString& settings) {
-    return std::make_unique<FaultySession>(FindProvider("SQLite")(settings));
+std::unique_ptr<Session> OpenFaulty(const ConnectionString& settings, Long timeout) {
+    return std::make_unique<FaultySession>(FindProvider(ProviderName())(settings, timeout));
 }
 
 }  // namespace
@@ -81,6 +86,10 @@ void InstallFaultyProvider() {
         return true;
     }();
     static_cast<void>(installed);
+}
+
+String FaultyVersionOf(const String& settings) {
+    return Replace(settings, String("Provider=") + ProviderName(), "Provider=Faulty");
 }
 
 Error Injected() {

@@ -4,10 +4,13 @@
 
 /// A provider that fails on demand: every call that reaches the database counts, and one of them fails.
 ///
-/// Open a connection with "Provider=Faulty;Data Source=..." after `InstallFaultyProvider()`.
+/// Open a connection with the result of `FaultyVersionOf` after `InstallFaultyProvider()`.
 namespace TestKit {
 
 void InstallFaultyProvider();
+
+/// Returns the connection string of the same database by the faulty provider.
+String FaultyVersionOf(const String& settings);
 
 /// E_FAIL "injected", and what the engine reports for a full disk.
 Error Injected();
@@ -34,7 +37,7 @@ protected:
     WithFaults() {
         InstallFaultyProvider();
         FailAtCall(0);
-        faulty->Open(Replace(con->ConnectionString(), "Provider=SQLite", "Provider=Faulty"));
+        faulty->Open(FaultyVersionOf(con->ConnectionString()));
     }
     ~WithFaults() override { FailAtCall(0); }
 

@@ -288,7 +288,7 @@ TEST_F(SeriesAsCard, ANonNumericFrameIsIgnoredIfTheLayoutHasNoSlot) {
 TEST_F(SeriesAsCard, AFailureReachesTheCallerAndKeepsTheRowsWrittenBefore) {
     InstallFaultyProvider();
     const Ref<Connection> faulty = New<Connection>();
-    faulty->Open(Replace(con->ConnectionString(), "Provider=SQLite", "Provider=Faulty"));
+    faulty->Open(FaultyVersionOf(con->ConnectionString()));
     AddImage(11);
     AddImage(12);
     // template, slots, card, its key, then for each image: row, key, steps
@@ -312,7 +312,7 @@ TEST_F(SeriesAsCard, AFailureReachesTheCallerAndKeepsTheRowsWrittenBefore) {
 TEST_F(SeriesAsCard, AFailureAtTheStepsOfAPlacedImageIsIgnored) {
     InstallFaultyProvider();
     const Ref<Connection> faulty = New<Connection>();
-    faulty->Open(Replace(con->ConnectionString(), "Provider=SQLite", "Provider=Faulty"));
+    faulty->Open(FaultyVersionOf(con->ConnectionString()));
     AddImage(11);
     AddImage(12);
     for (const int call : {7, 10}) {

@@ -44,15 +44,30 @@ void Connection::Open(const String& ConnectionString, const String& UserID, cons
     if (!UserID.empty()) settings.Set("User ID", UserID);
     if (!Password.empty()) settings.Set("Password", Password);
     const Opener open = FindProvider(settings.Value("Provider"));
-    session_ = Engine([&] { return open(settings); });
+    session_ = Engine([&] { return open(settings, connectionTimeout_); });
+    session_->SetCommandTimeout(commandTimeout_);
     level_ = 0;
+    if (!settings.Value("Password").empty() && !EqualsIgnoringCase(settings.Value("Persist Security Info"), "True"))
+        text_ = settings.TextWithout({"Password"});
+}
+
+void Connection::SetConnectionTimeout(Long seconds) {
+    if (session_) RaiseAdo(adErrObjectOpen, ConnectionSource);
+    if (seconds < 0) RaiseAdo(adErrInvalidArgument, ConnectionSource);
+    connectionTimeout_ = seconds;
+}
+
+void Connection::SetCommandTimeout(Long seconds) {
+    if (seconds < 0) RaiseAdo(adErrInvalidArgument, ConnectionSource);
+    commandTimeout_ = seconds;
+    if (session_) session_->SetCommandTimeout(seconds);
 }
 
 Session& Connection::Ready() {
     Session& session = Opened();
     if (announcing_) RaiseAdo(adErrNotReentrant, ConnectionSource);
     if (reading_) reading_->CopyUnread();
-    if (level_ > 0 && !session.InTransaction())
+    if (level_ > 0 && !session.IsBroken() && !session.InTransaction())
         RaiseAdo(NoTransaction, ConnectionSource,
                  "The engine has rolled the transaction back after a failure. Call RollbackTrans before "
                  "anything else.");
@@ -93,10 +108,11 @@ void Connection::Tell(Call call) {
 void Connection::Close() {
     Opened();
     if (announcing_) RaiseAdo(adErrNotReentrant, ConnectionSource);
-    if (level_ > 0) RaiseAdo(adErrInTransaction, ConnectionSource);
+    if (level_ > 0 && !session_->IsBroken()) RaiseAdo(adErrInTransaction, ConnectionSource);
     const Ref<Connection> self(this);  // its recordsets may hold the last references
     while (!open_.empty()) open_.back()->ConnectionClosed();
     session_.reset();
+    level_ = 0;
 }
 
 void Connection::Announce(ExecuteRequest& request) {
@@ -185,6 +201,11 @@ void Connection::ExecuteAction(std::span<const StatementPiece> pieces, const std
 std::int64_t Connection::Change(const String& statement, std::span<const Variant> values) {
     Session& session = Ready();
     return Engine([&] { return session.Change(statement, values); });
+}
+
+std::int64_t Connection::Insert(const String& statement, std::span<const Variant> values, std::string_view counter) {
+    Session& session = Ready();
+    return Engine([&] { return session.Insert(statement, values, counter); });
 }
 
 Long Connection::BeginTrans() {

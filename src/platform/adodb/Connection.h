@@ -64,14 +64,19 @@ public:
 
     /// Opens the connection that a connection string describes, "Provider=SQLite;Data Source=clinic.db". If the
     /// argument is empty, the property `ConnectionString` is used. `UserID` and `Password` override those in the text.
+    /// After a success the property does not contain a password, unless the text has the setting "Persist Security
+    /// Info=True".
+    ///
     /// Raises 3705 if open, 3706 for an unknown provider, 0x80040E21 for a setting that can't be parsed or is not
-    /// supported, and what the engine raises. On failure a closed connection stays closed, and the property
+    /// supported, 0x80040E4D if the server rejects the user, 0x80040E31 if it does not answer within
+    /// `ConnectionTimeout`, and what the engine raises. No description contains the password. On failure a closed connection stays closed, and the property
     /// `ConnectionString` may already have the new text. `Options` is ignored.
     void Open(const String& ConnectionString = {}, const String& UserID = {}, const String& Password = {},
               Long Options = -1);
 
     /// Closes the connection and every recordset on it; edits that were not posted are lost. Raises 3704 if closed,
-    /// 3710 inside `WillExecute`, 3246 while a transaction is open; nothing changes then.
+    /// 3710 inside `WillExecute`, 3246 while a transaction is open; nothing changes then. A connection to a server that
+    /// is lost can be closed also then, and can be opened again.
     void Close();
 
     /// Runs a statement and returns a recordset: at its first row if the statement returns rows, otherwise closed; null
@@ -96,17 +101,26 @@ public:
     /// transaction is open, and what the engine raises; the transaction is then still open at the same level.
     ///
     /// After a failure in which the engine itself rolled everything back (a full disk), every operation raises
-    /// 0x8004D00E until `RollbackTrans` has been called for each level.
+    /// 0x8004D00E until `RollbackTrans` has been called for each level. If the connection to the server is lost, every
+    /// operation raises 0x8004D01C, except that `RollbackTrans` ends its level without an error.
     void CommitTrans();
     void RollbackTrans();
 
-    /// Returns `adStateOpen` or `adStateClosed`.
+    /// Returns `adStateOpen` or `adStateClosed`. A connection that is lost is open until it is closed.
     Long State() const noexcept { return session_ ? adStateOpen : adStateClosed; }
     /// Returns the connection string that was set, or with which the connection was opened.
     const String& ConnectionString() const noexcept { return text_; }
 
     /// Sets the connection string for the next `Open`. Raises 3705 while open.
     void SetConnectionString(const String& text);
+
+    /// Return after how many seconds a server that does not answer `Open` (15 unless it is set), or a statement (30), is
+    /// given up with 0x80040E31; 0: never. An embedded engine ignores both.
+    Long ConnectionTimeout() const noexcept { return connectionTimeout_; }
+    Long CommandTimeout() const noexcept { return commandTimeout_; }
+    /// Set these times. Raise 3001 for a negative number; `SetConnectionTimeout` raises 3705 while open.
+    void SetConnectionTimeout(Long seconds);
+    void SetCommandTimeout(Long seconds);
 
     /// Where recordsets that are opened from now on keep their rows; it has no effect on open recordsets.
     CursorLocationEnum CursorLocation = adUseServer;
@@ -165,6 +179,9 @@ private:
     void RaiseKept(const std::exception_ptr& kept);
     /// Posts a change of a recordset's row; returns the number of rows that it changed.
     std::int64_t Change(const String& statement, std::span<const Variant> values);
+    /// Inserts a new row of a recordset; returns the number that the engine assigned to the column `counter`, if there
+    /// is one.
+    std::int64_t Insert(const String& statement, std::span<const Variant> values, std::string_view counter);
     /// Runs a call into the engine; stores its failure in `Errors`.
     template <class F>
     auto Engine(F call) -> decltype(call());
@@ -172,6 +189,8 @@ private:
     String text_;
     std::unique_ptr<Session> session_;
     Long level_ = 0;
+    Long connectionTimeout_ = 15;
+    Long commandTimeout_ = 30;
     bool announcing_ = false;
     std::vector<Recordset*> open_;
     Recordset* reading_ = nullptr;  // the recordset whose statement is still running, if there is one

@@ -36,6 +36,11 @@ const Interface& Connection::Describe() const {
                 DefaultMember),
             ValueProperty<&LocationOf, &PutDefaultLocation>(
                 "CursorLocation", "Where recordsets that are opened from now on keep their rows: 2 server, 3 client."),
+            ValueProperty<&Connection::ConnectionTimeout, &Connection::SetConnectionTimeout>(
+                "ConnectionTimeout",
+                "After how many seconds a server that does not answer is given up when the connection is opened."),
+            ValueProperty<&Connection::CommandTimeout, &Connection::SetCommandTimeout>(
+                "CommandTimeout", "After how many seconds a statement of a server is cancelled; 0: never."),
             ReadOnly<&ConnectionState>("State", "The state: 0 closed, 1 open."),
             Operation<&Connection::Open>(
                 "Open", "Opens the connection; raises 3705 if it is open.",

@@ -44,6 +44,16 @@ String TakeValue(std::string_view text, std::size_t& at) {
     return value;
 }
 
+bool IsOneOf(std::string_view key, std::initializer_list<std::string_view> keys) {
+    return std::any_of(keys.begin(), keys.end(), [&](std::string_view one) { return EqualsIgnoringCase(key, one); });
+}
+
+/// Returns a value as it must be written to be read back unchanged.
+String Quoted(const String& value) {
+    const bool plain = Trim(value) == value && value.find_first_of(";'\"") == String::npos;
+    return plain ? value : "'" + Replace(value, "'", "''") + "'";
+}
+
 }  // namespace
 
 ConnectionString::ConnectionString(std::string_view text) {
@@ -77,12 +87,16 @@ void ConnectionString::Set(std::string_view key, const String& value) {
     settings_.emplace_back(LCase(key), value);
 }
 
+String ConnectionString::TextWithout(std::initializer_list<std::string_view> keys) const {
+    String text;
+    for (const auto& [key, value] : settings_)
+        if (!IsOneOf(key, keys)) text += (text.empty() ? "" : ";") + key + "=" + Quoted(value);
+    return text;
+}
+
 String ConnectionString::FirstUnknown(std::initializer_list<std::string_view> known) const {
-    for (const auto& setting : settings_) {
-        const bool found = std::any_of(known.begin(), known.end(),
-                                       [&](std::string_view key) { return EqualsIgnoringCase(setting.first, key); });
-        if (!found) return setting.first;
-    }
+    for (const auto& setting : settings_)
+        if (!IsOneOf(setting.first, known)) return setting.first;
     return {};
 }
 

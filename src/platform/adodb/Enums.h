@@ -127,8 +127,8 @@ constexpr Long adErrNotReentrant = 3710;
 /// A handler cancelled the statement, which did not run. A program that installed the handler knows the reason.
 constexpr Long adErrOperationCancelled = 3712;
 
-/// Any other failure; the description names it. It includes a full disk, a damaged file, a lock that was not released
-/// in time, and a change of a recordset's row whose columns do not contain the key.
+/// Any other failure; the description names it. It includes a full disk, a damaged file, a server that can't be reached,
+/// and a change of a recordset's row whose columns do not contain the key.
 constexpr Long Failed = static_cast<Long>(0x80004005);
 /// The engine rejects a value of another type than the column's. A value that is assigned to a field is checked before,
 /// and raises `adErrDataConversion`.
@@ -143,13 +143,18 @@ constexpr Long ErrorsInCommand = static_cast<Long>(0x80040E14);
 constexpr Long MultipleStepFailed = static_cast<Long>(0x80040E21);
 /// The current row was deleted by `Recordset::Delete`, until the next move.
 constexpr Long DeletedRow = static_cast<Long>(0x80040E23);
-/// A duplicate key, a null that is not allowed, or another constraint of the table.
+/// A duplicate key (unique index), a null that is not allowed, or another constraint of the table.
 constexpr Long IntegrityViolation = static_cast<Long>(0x80040E2F);
+/// The statement, or the opening of a connection, took longer than the connection allows (`CommandTimeout`,
+/// `ConnectionTimeout`). The statement had no effect.
+constexpr Long TimedOut = static_cast<Long>(0x80040E31);
 /// A table that the database lacks.
 constexpr Long NoTable = static_cast<Long>(0x80040E37);
 /// The row that `Update` or `Delete` should change no longer has the key and the old values: another client changed or
 /// deleted it. A program calls `CancelUpdate` and `Requery`, and decides again.
 constexpr Long ConcurrencyViolation = static_cast<Long>(0x80040E38);
+/// The server rejects the user or the password.
+constexpr Long LoginFailed = static_cast<Long>(0x80040E4D);
 /// The engine was interrupted.
 constexpr Long Cancelled = static_cast<Long>(0x80040E4E);
 /// A text, a row or a statement is too large for the engine.
@@ -159,6 +164,12 @@ constexpr Long DataOverflow = static_cast<Long>(0x80040E57);
 constexpr Long NoTransaction = static_cast<Long>(0x8004D00E);
 /// A level of nested transactions that the engine does not support.
 constexpr Long TooManyTransactions = static_cast<Long>(0x8004D013);
+/// Another connection has a lock that was not released in time, or changed the same rows at the same time. The statement
+/// had no effect; a program rolls its transaction back and may run it again.
+constexpr Long LockConflict = static_cast<Long>(0x8004D019);
+/// The connection to the server is lost. An open transaction is rolled back; whether one that was just being committed
+/// is stored is not known. Every operation raises this number until the connection is closed and opened again.
+constexpr Long ConnectionLost = static_cast<Long>(0x8004D01C);
 
 /// Throws an `Error` of this layer with ADO's English text for the number, "Unspecified error" for a number without a
 /// text. `source` must not be null; it is copied. The fields of an engine's failure remain empty. Any thread may call.

@@ -91,11 +91,14 @@ void Recordset::Insert() {
         values.push_back(*assigned);
     }
     const String rest = names.empty() ? " DEFAULT VALUES" : " (" + names + ") VALUES (" + marks + ")";
-    Post("INSERT INTO " + session.Quoted(BaseTable()) + rest, values);
     Long counter = Columns::Missing;
     for (Long i = 0; i < columns_->Count() && counter == Columns::Missing; ++i)
         if (columns_->At(i).Counter) counter = i;
-    rows_.all.push_back(EditedRow(counter, connection_->Opened().LastCounter()));
+    const std::string_view counterName =
+        counter == Columns::Missing ? std::string_view() : std::string_view(columns_->At(counter).Origin);
+    const std::int64_t number =
+        connection_->Insert("INSERT INTO " + session.Quoted(BaseTable()) + rest, values, counterName);
+    rows_.all.push_back(EditedRow(counter, number));
     GoTo(RowCount() - 1);
 }
 
@@ -155,8 +158,10 @@ String Recordset::WhereRow(std::vector<Variant>& values) const {
         const Column& column = columns_->At(i);
         if (!column.Key && !IsChanged(i)) continue;
         keyed = keyed || column.Key;
-        where += (where.empty() ? " WHERE " : " AND ") + session.Quoted(column.Origin) + " IS ?";
-        values.push_back(StoredAt(i));
+        where += (where.empty() ? " WHERE " : " AND ") + session.Quoted(column.Origin);
+        const bool isNull = Current().At(i).kind == Cell::Kind::Null;
+        where += isNull ? " IS NULL" : "=?";
+        if (!isNull) values.push_back(StoredAt(i));
     }
     if (!keyed) RaiseAdo(Failed, RecordsetSource, "Insufficient key column information for updating or refreshing.");
     return where;

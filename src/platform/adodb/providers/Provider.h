@@ -37,7 +37,7 @@ public:
 
     /// Runs one statement as it is written. Raises 0x80040E14, before anything runs, if the text contains a second
     /// statement. `text` must live as long as the reader of the outcome, which must be deleted before `Run`,
-    /// `RunAction`, `Change`, `Begin`, `Commit` or `RollBack` is called.
+    /// `RunAction`, `Change`, `Insert`, `Begin`, `Commit` or `RollBack` is called.
     virtual Outcome Run(std::string_view text) = 0;
 
     /// Runs an action statement that consists of these pieces; rows that it returns are ignored. `joined` returns its
@@ -53,8 +53,9 @@ public:
     /// Returns the number of rows that it changed, 0 if its condition matches no row.
     virtual std::int64_t Change(std::string_view text, std::span<const Variant> values) = 0;
 
-    /// Returns the counter of the row that this session inserted last.
-    virtual std::int64_t LastCounter() = 0;
+    /// Runs an INSERT of the database layer, as `Change`. Returns the number that the engine assigned to the column
+    /// `counter` of the new row; the result has no meaning if `counter` is empty.
+    virtual std::int64_t Insert(std::string_view text, std::span<const Variant> values, std::string_view counter) = 0;
 
     /// Returns a name quoted for use in a statement, whatever characters it contains.
     virtual String Quoted(std::string_view name) const = 0;
@@ -70,10 +71,19 @@ public:
 
     /// Returns the highest level of nested transactions.
     virtual Long MostLevels() const = 0;
+
+    /// Returns true if the connection to the server is lost. Every operation then raises `ConnectionLost`, and the
+    /// engine has rolled back an open transaction or will do so.
+    virtual bool IsBroken() const = 0;
+
+    /// Sets after how many seconds a statement is cancelled, which then raises `TimedOut`; 0: never. A provider of an
+    /// embedded engine ignores it.
+    virtual void SetCommandTimeout(Long seconds) = 0;
 };
 
-/// Opens a session with the settings of a connection string. Raises if it can't be opened.
-using Opener = std::unique_ptr<Session> (*)(const ConnectionString& settings);
+/// Opens a session with the settings of a connection string. Raises if it can't be opened, `TimedOut` if the server does
+/// not answer within this number of seconds; 0: it waits without limit.
+using Opener = std::unique_ptr<Session> (*)(const ConnectionString& settings, Long timeout);
 
 /// Registers a provider under a name, which is compared without regard to case and may replace a built-in provider. A
 /// program calls it when it starts, before other threads open connections.

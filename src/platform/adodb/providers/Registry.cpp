@@ -1,3 +1,4 @@
+#include "platform/adodb/providers/postgresql/PostgresSession.h"
 #include "platform/adodb/providers/sqlite/SqliteSession.h"
 
 #include "platform/runtime/Convert.h"
@@ -9,7 +10,8 @@ using namespace Platform;
 namespace {
 
 std::vector<std::pair<String, Opener>>& Known() {
-    static auto& known = *new std::vector<std::pair<String, Opener>>{{"SQLite", OpenSqlite}};  // for the whole process
+    // For the whole process.
+    static auto& known = *new std::vector<std::pair<String, Opener>>{{"SQLite", OpenSqlite}, {"PostgreSQL", OpenPostgres}};
     return known;
 }
 
@@ -22,7 +24,7 @@ Opener FindProvider(const String& name) {
         if (EqualsIgnoringCase(known, name)) return open;
     RaiseAdo(adErrProviderNotFound, ConnectionSource,
              "Provider cannot be found. It may not be properly installed. There is none named \"" + name +
-                 "\"; \"SQLite\" is built in.");
+                 "\"; \"SQLite\" and \"PostgreSQL\" are built in.");
 }
 
 }  // namespace ADODB

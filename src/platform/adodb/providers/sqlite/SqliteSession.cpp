@@ -1,7 +1,7 @@
 #include "platform/adodb/providers/sqlite/SqliteSession.h"
 
 #include "platform/adodb/providers/sqlite/SqliteErrors.h"
-#include "platform/adodb/providers/sqlite/SqliteStatementCache.h"
+#include "platform/adodb/providers/sqlite/SqliteStatements.h"
 #include "platform/runtime/Convert.h"
 
 #include <limits>
@@ -83,7 +83,7 @@ public:
         : database_(std::move(database)), statements_(database_.get()), readOnly_(readOnly) {}
 
     Outcome Run(std::string_view text) override {
-        CompiledStatement& statement = statements_.For(text, literals_);
+        SqliteStatement& statement = statements_.For(text, literals_);
         StatementRun run(statement.Compiled());
         Bind(run.Compiled(), text);
         const std::int64_t before = sqlite3_total_changes64(database_.get());
@@ -104,7 +104,7 @@ public:
     }
 
     void RunAction(std::span<const StatementPiece> pieces, const std::function<String()>& joined) override {
-        CompiledStatement* statement = statements_.ForPieces(pieces, literals_);
+        SqliteStatement* statement = statements_.ForPieces(pieces, literals_);
         const String text = statement ? String() : joined();
         if (!statement) {
             statement = &statements_.For(text, literals_);
@@ -121,7 +121,7 @@ public:
     }
 
     std::int64_t Change(std::string_view text, std::span<const Variant> values) override {
-        CompiledStatement& statement = statements_.ForMarked(text);
+        SqliteStatement& statement = statements_.ForMarked(text);
         const StatementRun run(statement.Compiled());
         for (std::size_t i = 0; i < values.size(); ++i)
             Bind(statement.Compiled(), static_cast<int>(i) + 1, CellOf(values[i]), text);
@@ -129,7 +129,10 @@ public:
         return sqlite3_changes64(database_.get());
     }
 
-    std::int64_t LastCounter() override { return sqlite3_last_insert_rowid(database_.get()); }
+    std::int64_t Insert(std::string_view text, std::span<const Variant> values, std::string_view) override {
+        Change(text, values);
+        return sqlite3_last_insert_rowid(database_.get());
+    }
 
     String Quoted(std::string_view name) const override { return '"' + Replace(name, "\"", "\"\"") + '"'; }
 
@@ -146,6 +149,9 @@ public:
     }
     bool InTransaction() const override { return sqlite3_get_autocommit(database_.get()) == 0; }
     Long MostLevels() const override { return 5; }
+
+    bool IsBroken() const override { return false; }
+    void SetCommandTimeout(Long) override {}
 
 private:
     /// Runs a statement to its end.
@@ -193,7 +199,7 @@ private:
     }
 
     Database database_;
-    StatementCache statements_;
+    SqliteStatements statements_;
     bool readOnly_;
     std::vector<Literal> literals_;  // of the statement that ran last; its rows may not be read yet
     std::vector<std::string> unquoted_;
@@ -226,7 +232,7 @@ String SnapshotName(const String& file) {
 }
 
 void RequireKnownSettings(const ConnectionString& settings) {
-    const String unknown = settings.FirstUnknown({"Provider", "Data Source", "Mode", "User ID", "Password"});
+    const String unknown = settings.FirstUnknown({"Provider", "Data Source", "Mode", "User ID", "Password", "Persist Security Info"});
     if (!unknown.empty())
         RaiseAdo(MultipleStepFailed, ConnectionSource, "The setting \"" + unknown + "\" is not known.");
     if (!settings.Value("Password").empty())
@@ -247,7 +253,7 @@ void SetUp(sqlite3* database, bool readOnly) {
 
 }  // namespace
 
-std::unique_ptr<Session> OpenSqlite(const ConnectionString& settings) {
+std::unique_ptr<Session> OpenSqlite(const ConnectionString& settings, Long) {
     RequireKnownSettings(settings);
     const int flags = FlagsOf(settings.Value("Mode", "ReadWrite"));
     const String file = settings.Value("Data Source");

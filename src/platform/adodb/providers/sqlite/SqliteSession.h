@@ -14,7 +14,8 @@ namespace ADODB {
 ///
 /// "User ID" may be given, and "Password" only empty, since a file has no users. Waits up to 15 seconds
 /// for another program's lock, and keeps a write-ahead log beside the file, so that readers and a
-/// writer don't wait for each other.
-std::unique_ptr<Session> OpenSqlite(const ConnectionString& settings);
+/// writer don't wait for each other. Time limits are ignored: a file answers at once, and only the program itself could
+/// interrupt its statement.
+std::unique_ptr<Session> OpenSqlite(const ConnectionString& settings, Long timeout);
 
 }  // namespace ADODB

@@ -1,7 +1,7 @@
-#include "platform/adodb/providers/sqlite/SqliteShape.h"
+#include "platform/adodb/providers/Shape.h"
 
-#include "platform/adodb/providers/sqlite/SqliteErrors.h"
-#include "platform/adodb/providers/sqlite/SqliteStatementCache.h"
+#include "platform/adodb/providers/sqlite/SqliteOrChains.h"
+#include "platform/adodb/providers/sqlite/SqliteStatements.h"
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
@@ -16,7 +16,7 @@ std::string ShapeOf(std::string_view statement) {
     return CutAtLiterals(statement, shape, literals) ? shape.Text() : "as it stands";
 }
 
-TEST(SqliteShape, LiftsLiteralsOutOfConditionsValuesAndSets) {
+TEST(StatementShape, LiftsLiteralsOutOfConditionsValuesAndSets) {
     EXPECT_EQ(ShapeOf("SELECT * FROM t WHERE a=5 AND b='x''y';"), "SELECT * FROM t WHERE a=? AND b=?;");
     EXPECT_EQ(ShapeOf("INSERT INTO t (a) VALUES ( 0, -7, '')"), "INSERT INTO t (a) VALUES ( ?, -?, ?)");
     EXPECT_EQ(ShapeOf("UPDATE t SET a='b',c= 3 where d IN (1,2)"), "UPDATE t SET a=?,c= ? where d IN (?,?)");
@@ -24,7 +24,7 @@ TEST(SqliteShape, LiftsLiteralsOutOfConditionsValuesAndSets) {
               "SELECT a FROM t JOIN u ON u.b <> ? WHERE (c)=?");
 }
 
-TEST(SqliteShape, LeavesLiteralsWhereTheyMeanSomethingElse) {
+TEST(StatementShape, LeavesLiteralsWhereTheyMeanSomethingElse) {
     for (const char* kept :
          {"SELECT 1, 'x' FROM t", "SELECT a FROM t ORDER BY 1 LIMIT 5", "SELECT a FROM t WHERE b=1.5",
           "SELECT a FROM t WHERE b=0x1F OR c=x'41'", "SELECT a FROM t GROUP BY 2",
@@ -33,14 +33,14 @@ TEST(SqliteShape, LeavesLiteralsWhereTheyMeanSomethingElse) {
     EXPECT_EQ(ShapeOf("SELECT a FROM t WHERE (SELECT 1)=2"), "SELECT a FROM t WHERE (SELECT 1)=?");
 }
 
-TEST(SqliteShape, KeepsTheLiteralsOfUnsupportedStatements) {
+TEST(StatementShape, KeepsTheLiteralsOfUnsupportedStatements) {
     for (const char* text : {"PRAGMA x=1", "CREATE TABLE t (a DEFAULT 5)", "SELECT a FROM t WHERE b=? AND c=1",
                              "SELECT a FROM t WHERE b=1 -- c", "SELECT a /* 1 */ FROM t WHERE b=1",
                              "SELECT a FROM t WHERE b='open", "SELECT a FROM t WHERE b=1)", ""})
         EXPECT_EQ(ShapeOf(text), "as it stands") << text;
 }
 
-TEST(SqliteShape, MatchesStatementsThatDifferInTheirValuesOnly) {
+TEST(StatementShape, MatchesStatementsThatDifferInTheirValuesOnly) {
     Shape shape;
     std::vector<Literal> literals;
     ASSERT_TRUE(CutAtLiterals("SELECT * FROM t WHERE a=5 AND b LIKE'x';", shape, literals));
@@ -54,29 +54,29 @@ TEST(SqliteShape, MatchesStatementsThatDifferInTheirValuesOnly) {
         EXPECT_FALSE(shape.Matches(other, literals)) << other;
 }
 
-TEST(SqliteShape, BalancesOrChains) {
+TEST(StatementShape, BalancesOrChains) {
     EXPECT_EQ(WithBalancedOrChains("DELETE FROM t WHERE a=1 OR a=2 OR a=3;", 1),
               "DELETE FROM t WHERE( a=1 OR( a=2 OR a=3));");
 }
 
 /// A session's cache on an empty database of their own.
-class SqliteStatementCacheTest : public ::testing::Test {
+class SqliteStatementsTest : public ::testing::Test {
 protected:
-    SqliteStatementCacheTest() {
+    SqliteStatementsTest() {
         sqlite3_open(":memory:", &database);
         sqlite3_exec(database, "CREATE TABLE t (a INTEGER PRIMARY KEY, b TEXT)", nullptr, nullptr, nullptr);
         cache.emplace(database);
     }
-    ~SqliteStatementCacheTest() override {
+    ~SqliteStatementsTest() override {
         cache.reset();
         sqlite3_close(database);
     }
     sqlite3* database = nullptr;
-    std::optional<StatementCache> cache;
+    std::optional<SqliteStatements> cache;
     std::vector<Literal> literals;
 };
 
-TEST_F(SqliteStatementCacheTest, OneShapeIsCompiledOnce) {
+TEST_F(SqliteStatementsTest, OneShapeIsCompiledOnce) {
     std::string statement;  // the literals point into it
     for (int i = 0; i < 100; ++i) cache->For(statement = "SELECT b FROM t WHERE a=" + std::to_string(i), literals);
     EXPECT_EQ(cache->CompiledCount(), 1U);
@@ -84,7 +84,7 @@ TEST_F(SqliteStatementCacheTest, OneShapeIsCompiledOnce) {
     EXPECT_EQ(literals[0].body, "99");
 }
 
-TEST_F(SqliteStatementCacheTest, TheLeastRecentlyUsedIsRemovedFirst) {
+TEST_F(SqliteStatementsTest, TheLeastRecentlyUsedIsRemovedFirst) {
     const auto statement = [](int i) {
         return "SELECT b FROM t WHERE a=1 AND b<>'' AND" + std::string(static_cast<std::size_t>(i), ' ') + "a<5";
     };
@@ -99,7 +99,7 @@ TEST_F(SqliteStatementCacheTest, TheLeastRecentlyUsedIsRemovedFirst) {
     EXPECT_EQ(cache->CompiledCount(), 301U);
 }
 
-TEST_F(SqliteStatementCacheTest, AVeryLongStatementIsNotKept) {
+TEST_F(SqliteStatementsTest, AVeryLongStatementIsNotKept) {
     std::string list = "SELECT b FROM t WHERE a IN (1";
     for (int i = 0; i < 5000; ++i) list += "," + std::to_string(i);
     cache->For(list + ")", literals);
@@ -107,8 +107,8 @@ TEST_F(SqliteStatementCacheTest, AVeryLongStatementIsNotKept) {
     EXPECT_EQ(literals.size(), 5001U);
 }
 
-TEST_F(SqliteStatementCacheTest, ARejectedShapeIsCompiledAsTheOriginalText) {
-    const CompiledStatement& compiled = cache->For("UPDATE t SET 'b'='x' WHERE a=1", literals);
+TEST_F(SqliteStatementsTest, ARejectedShapeIsCompiledAsTheOriginalText) {
+    const SqliteStatement& compiled = cache->For("UPDATE t SET 'b'='x' WHERE a=1", literals);
     EXPECT_TRUE(literals.empty()) << "a column's name in quotes is not a value";
     EXPECT_EQ(std::string(sqlite3_sql(compiled.Compiled())), "UPDATE t SET 'b'='x' WHERE a=1");
 }

@@ -1,0 +1,228 @@
+#include "platform/adodb/providers/postgresql/PostgresDialect.h"
+
+#include "platform/adodb/providers/Lexer.h"
+#include "platform/runtime/Convert.h"
+
+namespace ADODB {
+
+using namespace Platform;
+
+namespace {
+
+constexpr std::array<std::string_view, 9> EndOfOrder{"LIMIT",  "OFFSET",    "FETCH", "FOR", "UNION",
+                                                     "EXCEPT", "INTERSECT", "ROWS",  "RANGE"};
+
+/// Conditions that compare one column with one literal after the other: "a=1 OR a=2".
+struct EqualsChain {
+    std::size_t start;
+    std::size_t end;
+    std::vector<std::size_t> values;  ///< the positions of the literals
+};
+
+/// Finds the chains of a statement.
+class ChainFinder {
+public:
+    explicit ChainFinder(std::string_view statement) : text_(statement) {
+        for (std::size_t at = 0; at < text_.size();) {
+            const Lexer::Token token = Lexer::TokenAt(text_, at);
+            if (token.kind == Lexer::Kind::Unclear) break;
+            if (token.kind != Lexer::Kind::Space) tokens_.push_back({at, token});
+            at = token.end;
+        }
+    }
+
+    std::vector<EqualsChain> Chains() const {
+        std::vector<EqualsChain> chains;
+        for (std::size_t i = 0; i < tokens_.size();) {
+            EqualsChain chain{tokens_[i].at, 0, {}};
+            std::size_t next = i;
+            while (IsTerm(next) && TextAt(next) == TextAt(i)) {
+                chain.values.push_back(tokens_[next + 2].at);
+                chain.end = tokens_[next + 2].token.end;
+                next += 4;  // the name, "=", the literal and OR
+            }
+            if (chain.values.size() > 1) chains.push_back(std::move(chain));
+            i = std::max(next, i + 1);
+        }
+        return chains;
+    }
+
+private:
+    struct Placed {
+        std::size_t at;
+        Lexer::Token token;
+    };
+
+    std::string_view TextAt(std::size_t i) const {
+        return i < tokens_.size() ? text_.substr(tokens_[i].at, tokens_[i].token.end - tokens_[i].at)
+                                  : std::string_view();
+    }
+
+    /// Returns true for "name = literal" between ORs or at the end of what ORs may join.
+    bool IsTerm(std::size_t i) const {
+        if (i == 0 || i + 2 >= tokens_.size() || tokens_[i].token.kind != Lexer::Kind::Word) return false;
+        const Lexer::Kind value = tokens_[i + 2].token.kind;
+        if (TextAt(i + 1) != "=" || (value != Lexer::Kind::Text && value != Lexer::Kind::Number)) return false;
+        constexpr std::array<std::string_view, 5> before{"WHERE", "ON", "HAVING", "OR", "("};
+        constexpr std::array<std::string_view, 7> behind{"OR", ")", ";", "ORDER", "GROUP", "LIMIT", ""};
+        return Lexer::Keyword(TextAt(i - 1)).IsOneOf(before) && Lexer::Keyword(TextAt(i + 3)).IsOneOf(behind);
+    }
+
+    std::string_view text_;
+    std::vector<Placed> tokens_;  // without blanks
+};
+
+/// Copies a statement token by token and changes what the server can't parse.
+class PostgresTranslation {
+public:
+    PostgresTranslation(std::string_view statement, const std::vector<Literal>& literals)
+        : text_(statement), literals_(literals), chains_(ChainFinder(statement).Chains()) {
+        out_.negative.resize(literals.size());
+        out_.text.reserve(statement.size() + 8 * literals.size());
+    }
+
+    PostgresText Translated() {
+        for (std::size_t at = 0; at < text_.size();) {
+            if (nextChain_ < chains_.size() && chains_[nextChain_].start == at) {
+                at = TakeChain(chains_[nextChain_++]);
+                continue;
+            }
+            const Lexer::Token token = Lexer::TokenAt(text_, at);
+            if (token.kind == Lexer::Kind::Unclear) {
+                out_.text += text_.substr(at);
+                return std::move(out_);
+            }
+            Take(token, at);
+            at = token.end;
+        }
+        EndOrder();
+        return std::move(out_);
+    }
+
+private:
+    /// An ORDER BY clause, up to the end of its parentheses.
+    struct Order {
+        std::size_t depth;
+        bool descending = false;
+        bool complete = false;  // the entry itself names the position of its nulls
+    };
+
+    void Take(const Lexer::Token& token, std::size_t at) {
+        const std::string_view piece = text_.substr(at, token.end - at);
+        switch (token.kind) {
+            case Lexer::Kind::Word: return TakeWord(piece);
+            case Lexer::Kind::Open: ++depth_; break;
+            case Lexer::Kind::Close:
+                if (depth_ > 0) --depth_;
+                if (!orders_.empty() && orders_.back().depth > depth_) EndOrder();
+                break;
+            case Lexer::Kind::Text:
+            case Lexer::Kind::Number: return TakeLiteral(piece, at);
+            case Lexer::Kind::Mark:
+                if (piece == ";") EndOrder();
+                if (piece == "," && InOrder()) EndEntry();
+                if (piece == "*" && last_ == "DELETE") return;
+                break;
+            default: break;
+        }
+        if (token.kind != Lexer::Kind::Space) Remember({});
+        out_.text += piece;
+    }
+
+    /// Writes a chain as a list and returns its end.
+    std::size_t TakeChain(const EqualsChain& chain) {
+        out_.text += text_.substr(chain.start, Lexer::TokenAt(text_, chain.start).end - chain.start);
+        out_.text += " IN (";
+        for (const std::size_t at : chain.values) {
+            if (at != chain.values.front()) out_.text += ',';
+            TakeLiteral(text_.substr(at, Lexer::TokenAt(text_, at).end - at), at);
+        }
+        out_.text += ')';
+        return chain.end;
+    }
+
+    void TakeWord(std::string_view word) {
+        const Lexer::Keyword upper(word);
+        const bool pattern = upper == "LIKE";
+        if (InOrder()) TakeOrderWord(upper);
+        if (upper == "BY" && last_ == "ORDER") orders_.push_back({depth_});
+        if (pattern) out_.text += 'I';
+        out_.text += word;
+        Remember(upper.Text());
+    }
+
+    void TakeOrderWord(const Lexer::Keyword& upper) {
+        if (upper == "DESC") orders_.back().descending = true;
+        if (upper == "NULLS") orders_.back().complete = true;
+        if (upper.IsOneOf(EndOfOrder)) EndOrder();
+    }
+
+    void TakeLiteral(std::string_view piece, std::size_t at) {
+        const bool pattern = last_ == "LIKE";
+        const std::size_t quote = text_[at] == '\'' ? 1 : 0;
+        if (next_ < literals_.size() && literals_[next_].body.data() == text_.data() + at + quote)
+            PutParameter(quote != 0);
+        else
+            out_.text += piece;
+        if (pattern) out_.text += " ESCAPE ''";
+        Remember({});
+    }
+
+    void PutParameter(bool isText) {
+        if (!isText && out_.text.ends_with('-') && FollowsOperator(out_.text.size() - 1)) {
+            out_.negative[next_] = true;
+            out_.text.pop_back();
+        }
+        // Directly behind a word the mark would become a part of it.
+        if (!out_.text.empty() && Lexer::IsWordCharacter(out_.text.back())) out_.text += ' ';
+        out_.text += "$" + CStr(static_cast<Long>(++next_));
+    }
+
+    /// Returns true if what begins at this position of the output follows an operator, a comma or a parenthesis, so that
+    /// a minus sign is not a subtraction.
+    bool FollowsOperator(std::size_t at) const {
+        while (at > 0 && Lexer::IsSpace(out_.text[at - 1])) --at;
+        return at > 0 && std::string_view("=<>(,").find(out_.text[at - 1]) != std::string_view::npos;
+    }
+
+    bool InOrder() const { return !orders_.empty() && orders_.back().depth == depth_; }
+
+    /// Adds where the nulls of an entry are sorted, in front of the blanks at its end.
+    void EndEntry() {
+        Order& order = orders_.back();
+        if (!order.complete) {
+            std::size_t end = out_.text.size();
+            while (end > 0 && Lexer::IsSpace(out_.text[end - 1])) --end;
+            out_.text.insert(end, order.descending ? " NULLS LAST" : " NULLS FIRST");
+        }
+        order = {order.depth};
+    }
+
+    void EndOrder() {
+        if (orders_.empty()) return;
+        EndEntry();
+        orders_.pop_back();
+    }
+
+    void Remember(std::string_view word) { last_ = word; }
+
+    std::string_view text_;
+    const std::vector<Literal>& literals_;
+    std::vector<EqualsChain> chains_;
+    std::size_t nextChain_ = 0;
+    PostgresText out_;
+    std::size_t next_ = 0;  // the literal that is expected
+    std::size_t depth_ = 0;
+    std::vector<Order> orders_;
+    String last_;  // the word before, in upper case; empty behind another token
+};
+
+}  // namespace
+
+PostgresText ForPostgres(std::string_view statement, const std::vector<Literal>& literals) {
+    const std::size_t end = statement.find_last_not_of(" ;\t\r\n\v\f");
+    if (EqualsIgnoringCase(Trim(statement.substr(0, end + 1)), "SELECT @@IDENTITY")) return {"SELECT lastval()", {}};
+    return PostgresTranslation(statement, literals).Translated();
+}
+
+}  // namespace ADODB

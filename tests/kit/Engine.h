@@ -1,0 +1,63 @@
+#pragma once
+
+#include "platform/adodb/Recordset.h"
+
+#include <filesystem>
+
+/// The database engine that the tests run on: SQLite, or the server that OXCLASS_TEST_SERVER describes by a connection
+/// string without a database, as tests/servers starts it. The tests are the same for all engines. Where engines differ, a
+/// test asks one of the questions below.
+namespace TestKit {
+
+using namespace Platform;
+using ADODB::Connection;
+
+enum class Engine { SQLite, PostgreSQL };
+
+/// Returns the engine that the tests run on.
+Engine TestedEngine();
+
+/// Returns the name that the engine has in a connection string.
+inline const char* ProviderName() { return TestedEngine() == Engine::SQLite ? "SQLite" : "PostgreSQL"; }
+
+/// True if a column keeps a value of any type: a text in a column of numbers, a date that no calendar has. Servers check
+/// the types of their columns, so that rows can't be damaged in this way.
+inline bool KeepsValuesOfOtherTypes() { return TestedEngine() == Engine::SQLite; }
+
+/// True if a text that is longer than its column is stored by a statement. Servers reject it.
+inline bool KeepsLongTexts() { return TestedEngine() == Engine::SQLite; }
+
+/// True if a trigger is written as SQLite writes it. The tests of triggers are about the classes, not the engine.
+inline bool HasSqliteTriggers() { return TestedEngine() == Engine::SQLite; }
+
+/// True if the database is a file, which a test can open, lock or damage by itself.
+inline bool IsFile() { return TestedEngine() == Engine::SQLite; }
+
+/// A clinic database for one test, with all tables and no rows. The destructor deletes it; connections to it must be
+/// closed before, or are closed by the server.
+class TestDatabase {
+public:
+    /// `folder` is where an engine of files creates it.
+    explicit TestDatabase(const std::filesystem::path& folder);
+    ~TestDatabase();
+    TestDatabase(const TestDatabase&) = delete;
+
+    /// Returns the connection string.
+    const String& Settings() const noexcept { return settings_; }
+
+    /// Runs the statements of a script in one transaction.
+    void RunScript(std::string_view script) const;
+
+private:
+    String settings_;
+    String name_;  // on the server
+};
+
+/// Runs the statements of a script in one transaction on an SQLite database, which is created if it is missing.
+void RunOnFile(const std::filesystem::path& path, std::string_view script);
+
+/// Moves the counter of the table that a statement has inserted into behind its greatest key, as an embedded engine does by
+/// itself. Does nothing for another statement.
+void AlignCounter(const Ref<Connection>& con, const String& statement);
+
+}  // namespace TestKit
