@@ -495,7 +495,7 @@ class DescriptionOnFaultyDatabase : public Description {
 protected:
     DescriptionOnFaultyDatabase() {
         InstallFaultyProvider();
-        faulty->Open("Provider=Faulty;Data Source=" + (folder.Path() / "clinic.db").string());
+        faulty->Open(FaultyVersionOf(con->ConnectionString()));
         FillAll();
         group->ADId = 0;
     }

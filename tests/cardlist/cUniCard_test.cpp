@@ -465,6 +465,7 @@ TEST_F(UniCard, TheSeventhImageWithoutASlotIsTheSecondOfTheSecondRow) {
 }
 
 TEST_F(UniCard, ANonNumericFrameFailsTheLoadAfterTheImagesBeforeIt) {
+    OXCLASS_ONLY_IF(KeepsValuesOfOtherTypes());
     HoldSeries();
     RunTemplate("400", "300");
     RunSlot(51, 1, 1);
@@ -477,6 +478,7 @@ TEST_F(UniCard, ANonNumericFrameFailsTheLoadAfterTheImagesBeforeIt) {
 }
 
 TEST_F(UniCard, ANonNumericFrameIsIgnoredIfTheLayoutHasNoSlot) {
+    OXCLASS_ONLY_IF(KeepsValuesOfOtherTypes());
     HoldSeries();
     RunTemplate("400", "300");
     RunImage(11, "'x'");

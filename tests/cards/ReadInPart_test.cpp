@@ -54,6 +54,7 @@ protected:
 };
 
 TEST_F(CardsReadInPart, ACardReportsThePlacedImageThatItCouldNotRead) {
+    OXCLASS_ONLY_IF(KeepsValuesOfOtherTypes());
     StoreCard(7);
     StorePlaced(1, 7);
     StorePlaced(2, 7, "IAMirrRotStatus='x'");
@@ -69,6 +70,7 @@ TEST_F(CardsReadInPart, ACardReportsThePlacedImageThatItCouldNotRead) {
 }
 
 TEST_F(CardsReadInPart, ACardThatRaisesNamesTheColumn) {
+    OXCLASS_ONLY_IF(KeepsValuesOfOtherTypes());
     StoreCard(7, "ICDescription=NULL");
     StoreCard(8, "ICFullViewHeight=9e12");
     StoreCard(9, "ICLastUpdate='soon'");
@@ -128,6 +130,7 @@ TEST_F(CardsReadInPart, APlacedImageReportsThatItsManipulationsAreNotStored) {
 }
 
 TEST_F(CardsReadInPart, AListContinuesAfterRowsThatCannotBeRead) {
+    OXCLASS_ONLY_IF(KeepsValuesOfOtherTypes());
     StoreCard(1, "ICFullViewWidth=-5");
     StoreCard(2);
     StoreCard(3, "ICName=NULL");

@@ -579,6 +579,7 @@ TEST_F(Card, TextsOfAnyScriptAndInjectionsAreStoredAsTheyAre) {
 }
 
 TEST_F(Card, ANewCardTakesThePatientsHighestKey) {
+    OXCLASS_ONLY_IF(HasSqliteDefinitions());
     RunCard();
     Run("CREATE TRIGGER AnotherClient AFTER INSERT ON ImageCard_T WHEN new.ICName='mine' BEGIN "
         "INSERT INTO ImageCard_T (PatientID, ICName) VALUES (new.PatientID, 'theirs'); END");
@@ -589,6 +590,7 @@ TEST_F(Card, ANewCardTakesThePatientsHighestKey) {
 }
 
 TEST_F(Card, KeysOfOtherPatientsDoNotCount) {
+    OXCLASS_ONLY_IF(HasSqliteDefinitions());
     RunCard("PatientID=99, ImageCardID=5000");
     Run("CREATE TRIGGER AnotherClient AFTER INSERT ON ImageCard_T WHEN new.PatientID=3 BEGIN "
         "INSERT INTO ImageCard_T (PatientID) VALUES (4); END");

@@ -285,7 +285,7 @@ class SlotOnFaultyDatabase : public Slot {
 protected:
     SlotOnFaultyDatabase() {
         InstallFaultyProvider();
-        faulty->Open("Provider=Faulty;Data Source=" + (folder.Path() / "clinic.db").string());
+        faulty->Open(FaultyVersionOf(con->ConnectionString()));
         FillAll();
     }
     ~SlotOnFaultyDatabase() override { FailAtCall(0); }

@@ -457,7 +457,7 @@ class TemplateOnFaultyDatabase : public Template {
 protected:
     TemplateOnFaultyDatabase() {
         InstallFaultyProvider();
-        faulty->Open("Provider=Faulty;Data Source=" + (folder.Path() / "clinic.db").string());
+        faulty->Open(FaultyVersionOf(con->ConnectionString()));
         FillAll();
         AddSlot(1);
         AddSlot(2);

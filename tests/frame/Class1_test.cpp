@@ -72,7 +72,7 @@ TEST_F(Services, WithoutAnActiveRootTheBoundsFail) {
 
 TEST_F(Services, MoreRootsThanAPositionCanCountOverflow) {
     Run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 32767) "
-        "INSERT INTO Root_T (RootID, RootDirectory, Status) SELECT i, 'x', i = 1 FROM n");
+        "INSERT INTO Root_T (RootID, RootDirectory, Status) SELECT i, 'x', CASE i WHEN 1 THEN 1 ELSE 0 END FROM n");
     EXPECT_EQ(Roots().size(), 32767U);
     Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (32768, 'x', 0)");
     EXPECT_EQ(FailureOf([&] { Roots(); }).Number, err::Overflow);
@@ -157,7 +157,7 @@ TEST_F(Services, AnUnknownRootIsTheEmptyTextAndIsReadEachTime) {
 TEST_F(Services, TheCachedActiveRootIsUsedUntilTheCacheIsFlushed) {
     RunRoots();
     EXPECT_EQ(Cached(0), "C:\\two");
-    Run("UPDATE Root_T SET Status = (RootID = 1)");
+    Run("UPDATE Root_T SET Status = CASE RootID WHEN 1 THEN 1 ELSE 0 END");
     EXPECT_EQ(Cached(0), "C:\\two");
     EXPECT_EQ(Cached(0, true), "C:\\one");
     EXPECT_EQ(Cached(0), "C:\\one");

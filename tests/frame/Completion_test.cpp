@@ -40,6 +40,7 @@ TEST(CompletionTest, ANamedFailureKeepsTheFirstColumnAndAllElse) {
 class ColumnReading : public WithDatabase {};
 
 TEST_F(ColumnReading, AFailureNamesTheColumn) {
+    OXCLASS_ONLY_IF(KeepsValuesOfOtherTypes());
     Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, NULL, 'x')");
     const Ref<Recordset> rs = OpenPlain(con, "SELECT * FROM Root_T");
     const auto column = [](auto read) { return FailureOf(read).Column; };

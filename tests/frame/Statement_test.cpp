@@ -129,6 +129,7 @@ protected:
 };
 
 TEST_F(ActionOfPieces, StoresWhatTheJoinedStatementStores) {
+    OXCLASS_ONLY_IF(HasSqliteDefinitions());
     Create("CREATE TABLE Values_T (a INTEGER, b, c VARCHAR(20), d DATETIME, e INTEGER, f)");
     const String texts[] = {"", "plain", "it's", "''", "\\", "Ωж日", "5", "-5", "a''b", " x ", "--", "?"};
     const Long numbers[] = {0, 1, -1, INT32_MAX, INT32_MIN, 42};

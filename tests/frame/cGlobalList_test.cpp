@@ -152,7 +152,7 @@ class GlobalListOnFaultyDatabase : public GlobalList {
 protected:
     GlobalListOnFaultyDatabase() {
         InstallFaultyProvider();
-        faulty->Open("Provider=Faulty;Data Source=" + (folder.Path() / "clinic.db").string());
+        faulty->Open(FaultyVersionOf(con->ConnectionString()));
         row->GlobalListID = 500;
     }
     ~GlobalListOnFaultyDatabase() override { FailAtCall(0); }

@@ -174,6 +174,7 @@ TEST_F(GlobalListsWithoutTable, LoadsAsSoonAsTheTableExists) {
 }
 
 TEST_F(GlobalListsWithoutTable, TheCallerCanBeEnteredAgainWhileItWaits) {
+    OXCLASS_ONLY_IF(HasSqliteDefinitions());
     Long inner = -1;
     whileWaiting = [&] {
         whileWaiting = nullptr;

@@ -68,6 +68,7 @@ protected:
 };
 
 TEST_F(WithoutHandlers, AnImageIsStoredAndLoadedAsWithHandlers) {
+    OXCLASS_ONLY_IF(KeepsLongTexts());
     for (int round = 0; round < 200; ++round) {
         const Ref<cImage> image = Random();
         image->ID = 0;

@@ -493,6 +493,7 @@ TEST_F(ImageSave, CommentsSetToNullFailAfterTheRowIsRead) {
 // ---- the look of SaveEx -------------------------------------------------------------------------
 
 TEST_F(ImageSave, SaveExInsertsAgainIfTheKeysRowIsDeleted) {
+    OXCLASS_ONLY_IF(CounterFollowsKeys());
     image = Distinct();
     image->Save(con);
     Run("UPDATE ImageBild_T SET ImageBildID = 40, SOPInstanceUID_NVC = '1.2.840.1'");

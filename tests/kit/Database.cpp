@@ -94,6 +94,15 @@ Variant WithDatabase::Ask(const String& select) {
     return rows->Eof() ? Variant() : rows->Fields(0).Value();
 }
 
+String WithDatabase::AskAll(const String& select) {
+    con->Unadvise(log);
+    const Ref<Recordset> rows = con->Execute(select);
+    con->Advise(log);
+    String all;
+    for (; !rows->Eof(); rows->MoveNext()) all += (all.empty() ? "" : ",") + rows->Fields(0).As<String>();
+    return all;
+}
+
 void WithDatabase::LoadLayouts() { database.RunScript(schema::layouts_sql); }
 
 TextBoxes::TextBoxes() : before_(TheHost().MsgBox) {

@@ -75,6 +75,9 @@ protected:
     /// Returns the first column of the first row of a select; `Empty` without a row. The statement is not logged.
     Variant Ask(const String& select);
 
+    /// Returns the first column of all rows of a select, separated by commas. The statement is not logged.
+    String AskAll(const String& select);
+
     /// Loads the standard layouts.
     void LoadLayouts();
 

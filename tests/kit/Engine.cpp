@@ -18,19 +18,50 @@ const String& Server() {
     return server;
 }
 
-/// Runs a statement on the server, outside of the tests' databases.
-void Administer(const String& statement) {
-    static const Ref<Connection> server = [] {
-        Ref<Connection> connection = New<Connection>();
-        connection->Open(Server() + ";Database=postgres");
-        return connection;
-    }();
-    server->Execute(statement);
+/// Returns a connection to a database of the server that is not a clinic.
+Ref<Connection> Administrator() {
+    Ref<Connection> connection = New<Connection>();
+    connection->Open(Server() + ";Database=postgres");
+    return connection;
 }
 
 String NewName() {
     static int count = 0;
     return "test_" + std::to_string(getpid()) + "_" + std::to_string(++count);
+}
+
+/// A database of the server that no test uses at the moment; empty if there is none.
+String& IdleDatabase() {
+    static String name;
+    return name;
+}
+
+/// Returns a text that differs after a table, a column or a trigger was created, changed or dropped.
+String Definitions(const Ref<Connection>& con) {
+    return con
+        ->Execute("SELECT (SELECT string_agg(concat(oid, relname, relkind), ',' ORDER BY oid) FROM pg_class"
+                  " WHERE relnamespace = 'public'::regnamespace) ||"
+                  " (SELECT string_agg(concat(attrelid, attname, atttypid, attnotnull), ',' ORDER BY attrelid, attnum)"
+                  " FROM pg_attribute JOIN pg_class c ON c.oid = attrelid WHERE c.relnamespace = 'public'::regnamespace) ||"
+                  " (SELECT count(*) FROM pg_trigger)")
+        ->Fields(0)
+        .As<String>();
+}
+
+/// Deletes all rows and lets all counters start at 1.
+void Empty(const Ref<Connection>& con) {
+    con->Execute(
+        "DO $$ DECLARE one record; found boolean; BEGIN"
+        " FOR one IN SELECT relname, relkind FROM pg_class WHERE relnamespace = 'public'::regnamespace"
+        "   AND relname <> 'schemaversion_t' LOOP"
+        "   IF one.relkind = 'r' THEN"
+        "     EXECUTE 'SELECT EXISTS (SELECT FROM ' || one.relname || ')' INTO found;"
+        "     IF found THEN EXECUTE 'DELETE FROM ' || one.relname; END IF;"
+        "   ELSIF one.relkind = 'S' THEN"
+        "     EXECUTE 'SELECT is_called OR last_value <> 1 FROM ' || one.relname INTO found;"
+        "     IF found THEN PERFORM setval(one.relname::regclass, 1, false); END IF;"
+        "   END IF;"
+        " END LOOP; END $$");
 }
 
 }  // namespace
@@ -52,13 +83,32 @@ TestDatabase::TestDatabase(const std::filesystem::path& folder) {
         RunScript(schema::sqlite_sql);
         return;
     }
-    name_ = NewName();
-    Administer("CREATE DATABASE " + name_ + " TEMPLATE clinic");
+    name_ = std::exchange(IdleDatabase(), {});
+    if (name_.empty()) {
+        name_ = NewName();
+        Administrator()->Execute("CREATE DATABASE " + name_ + " TEMPLATE clinic");
+    }
     settings_ = Server() + ";Database=" + name_;
+    const Ref<Connection> con = New<Connection>();
+    con->Open(settings_);
+    definitions_ = Definitions(con);
 }
 
 TestDatabase::~TestDatabase() {
-    if (!name_.empty()) Administer("DROP DATABASE " + name_ + " WITH (FORCE)");
+    if (name_.empty()) return;
+    {
+        const Ref<Connection> con = New<Connection>();
+        con->Open(settings_);
+        // A connection that the test has left may hold locks.
+        con->Execute("SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE datname = '" + name_ +
+                     "' AND pid <> pg_backend_pid()");
+        if (IdleDatabase().empty() && Definitions(con) == definitions_) {
+            Empty(con);
+            IdleDatabase() = name_;
+            return;
+        }
+    }
+    Administrator()->Execute("DROP DATABASE " + name_ + " WITH (FORCE)");
 }
 
 void TestDatabase::RunScript(std::string_view script) const {
@@ -87,7 +137,8 @@ void AlignCounter(const Ref<Connection>& con, const String& statement) {
                                       table + "')");
     if (counter->Eof()) return;
     const String key = counter->Fields(0).As<String>();
-    con->Execute("SELECT setval(pg_get_serial_sequence('" + table + "', '" + key + "'), max(" + key + ")) FROM " + table);
+    con->Execute("SELECT setval(pg_get_serial_sequence('" + table + "', '" + key + "'), greatest(max(" + key + "), 1), max(" +
+                 key + ") > 0) FROM " + table);
 }
 
 }  // namespace TestKit

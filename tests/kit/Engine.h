@@ -27,14 +27,22 @@ inline bool KeepsValuesOfOtherTypes() { return TestedEngine() == Engine::SQLite;
 /// True if a text that is longer than its column is stored by a statement. Servers reject it.
 inline bool KeepsLongTexts() { return TestedEngine() == Engine::SQLite; }
 
-/// True if a trigger is written as SQLite writes it. The tests of triggers are about the classes, not the engine.
-inline bool HasSqliteTriggers() { return TestedEngine() == Engine::SQLite; }
+/// True if a test may define tables and triggers of its own as SQLite writes them.
+inline bool HasSqliteDefinitions() { return TestedEngine() == Engine::SQLite; }
+
+/// True if a key that a statement chooses itself moves the counter of the table. On a server the counter follows its own
+/// sequence.
+inline bool CounterFollowsKeys() { return TestedEngine() == Engine::SQLite; }
+
+/// Ends a test that an engine can't run; `question` is one of the questions above.
+#define OXCLASS_ONLY_IF(question) \
+    if (!(question)) GTEST_SKIP() << "this engine can't run it: " #question
 
 /// True if the database is a file, which a test can open, lock or damage by itself.
 inline bool IsFile() { return TestedEngine() == Engine::SQLite; }
 
-/// A clinic database for one test, with all tables and no rows. The destructor deletes it; connections to it must be
-/// closed before, or are closed by the server.
+/// A clinic database for one test, with all tables and no rows. On a server the destructor deletes all rows, and the next
+/// test of the program uses the database again, unless the test has changed a table.
 class TestDatabase {
 public:
     /// `folder` is where an engine of files creates it.
@@ -50,7 +58,8 @@ public:
 
 private:
     String settings_;
-    String name_;  // on the server
+    String name_;         // on the server
+    String definitions_;  // of the tables, when the test began
 };
 
 /// Runs the statements of a script in one transaction on an SQLite database, which is created if it is missing.

@@ -220,6 +220,7 @@ TEST_F(Clinic, ARowOfIdentifierZeroShowsABoxAndIsSaved) {
 }
 
 TEST_F(Clinic, ANewRowOfATableWithoutACounterIsWrittenAndFailsAtItsIdentifier) {
+    OXCLASS_ONLY_IF(HasSqliteDefinitions());
     const TextBoxes boxes;
     String columns = "ClinicID INTEGER";
     for (const String& name : written) columns += ", " + name + " NVARCHAR(50)";

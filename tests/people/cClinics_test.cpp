@@ -148,6 +148,7 @@ TEST_F(Clinics, AnEmptyTableGetsItsHeadOffice) {
 }
 
 TEST_F(Clinics, TheHeadOfficesOtherColumnsAreLeftToTheDatabase) {
+    OXCLASS_ONLY_IF(HasSqliteDefinitions());
     Run("ALTER TABLE Clinic_T ADD COLUMN Kind NVARCHAR(9) DEFAULT 'given'");
     clinics->GetAllClinics(con);
     EXPECT_EQ(Ask("SELECT Kind FROM Clinic_T"), Variant("given"));
@@ -218,6 +219,7 @@ TEST_F(Clinics, AClosedConnectionLeavesAnEmptyList) {
 }
 
 TEST_F(Clinics, AHeadOfficeThatTheDatabaseRejectsFailsTheLoad) {
+    OXCLASS_ONLY_IF(HasSqliteDefinitions());
     RefuseInserts();
     const Error failure = FailureOf([&] { clinics->GetAllClinics(con); });
     EXPECT_EQ(failure.Number, ConstraintViolated);
@@ -319,6 +321,7 @@ TEST_F(Clinics, AListThatCannotBeLoadedRaisesForItsHeadOffice) {
 }
 
 TEST_F(Clinics, AHeadOfficeThatTheDatabaseRejectsRaises) {
+    OXCLASS_ONLY_IF(HasSqliteDefinitions());
     RefuseInserts();
     EXPECT_EQ(FailureOf([&] { clinics->GetHQClinic(con); }).Source, "cClinics.GetAllClinics, SQLite");
 }
@@ -385,6 +388,7 @@ TEST_F(Clinics, ALoadThatFailsHalfwayReturnsNullAndKeepsTheMembersReadBefore) {
 }
 
 TEST_F(Clinics, ARejectedHeadOfficeReturnsNullByName) {
+    OXCLASS_ONLY_IF(HasSqliteDefinitions());
     RefuseInserts();
     EXPECT_FALSE(clinics->ItemOnClinicName("__HQ", con));
 }

@@ -78,11 +78,11 @@ protected:
     /// Sequence, image, left, top, width and height of each placed image that is stored.
     std::vector<String> Stored() {
         std::vector<String> rows;
-        const Ref<Recordset> rs = Connect()->Execute(
-            "SELECT IASequence||': '||ImageBildId||' at '||IAFullViewPosX||' '||"
-            "IAFullViewPosY||', '||IAFullViewWidth||' x '||IAFullViewHeight"
-            " FROM ImageAttribute_T ORDER BY ImageAttributeID");
-        for (; !rs->Eof(); rs->MoveNext()) rows.push_back(To<String>(rs->Fields(0).Value()));
+        const Ref<Recordset> rs = Connect()->Execute("SELECT * FROM ImageAttribute_T ORDER BY ImageAttributeID");
+        const auto text = [&](std::string_view column) { return rs->Fields(column).As<String>(); };
+        for (; !rs->Eof(); rs->MoveNext())
+            rows.push_back(text("IASequence") + ": " + text("ImageBildId") + " at " + text("IAFullViewPosX") + " " +
+                           text("IAFullViewPosY") + ", " + text("IAFullViewWidth") + " x " + text("IAFullViewHeight"));
         return rows;
     }
     Long CountOf(const String& table) { return CLng(Ask("SELECT COUNT(*) FROM " + table)); }
@@ -124,7 +124,7 @@ TEST_F(SeriesAsCard, ACollectionOfImagesWorksAsAPlainOneDoes) {
     Ref<cImage> image = AddImage(11, 3);
     own->AddObject(image);
     series->SaveAsIC(con, own);
-    EXPECT_THAT(Stored(), ElementsAre("1: 11 at 0.0 0.0, 0.19 x 0.19"));
+    EXPECT_THAT(Stored(), ElementsAre("1: 11 at 0 0, 0.19 x 0.19"));
 }
 
 TEST_F(SeriesAsCard, ALateBoundCallerPassesEitherCollection) {
@@ -173,7 +173,7 @@ TEST_F(SeriesAsCard, AnImageWithoutAKeyIsNotStoredButKeepsItsCell) {
     AddImage(0);
     AddImage(13);
     Save();
-    EXPECT_THAT(Stored(), ElementsAre("1: 11 at 0.0 0.0, 0.19 x 0.19", "2: 13 at 0.4 0.0, 0.19 x 0.19"));
+    EXPECT_THAT(Stored(), ElementsAre("1: 11 at 0 0, 0.19 x 0.19", "2: 13 at 0.4 0, 0.19 x 0.19"));
 }
 
 // ---- places -------------------------------------------------------------------------------------------
@@ -182,15 +182,15 @@ TEST_F(SeriesAsCard, FrameZeroLandsInTheGrid) {
     RunSlot(1, 1);
     AddImage(11, 0);
     Save();
-    EXPECT_THAT(Stored(), ElementsAre("1: 11 at 0.0 0.0, 0.19 x 0.19"));
+    EXPECT_THAT(Stored(), ElementsAre("1: 11 at 0 0, 0.19 x 0.19"));
 }
 
 TEST_F(SeriesAsCard, SixImagesWithoutASlotBeginASecondRow) {
     for (Long key = 11; key <= 16; ++key) AddImage(key, key);
     Save();
-    EXPECT_THAT(Stored(), ElementsAre("1: 11 at 0.0 0.0, 0.19 x 0.19", "2: 12 at 0.2 0.0, 0.19 x 0.19",
-                                      "3: 13 at 0.4 0.0, 0.19 x 0.19", "4: 14 at 0.6 0.0, 0.19 x 0.19",
-                                      "5: 15 at 0.8 0.0, 0.19 x 0.19", "6: 16 at 0.0 0.2, 0.19 x 0.19"));
+    EXPECT_THAT(Stored(), ElementsAre("1: 11 at 0 0, 0.19 x 0.19", "2: 12 at 0.2 0, 0.19 x 0.19",
+                                      "3: 13 at 0.4 0, 0.19 x 0.19", "4: 14 at 0.6 0, 0.19 x 0.19",
+                                      "5: 15 at 0.8 0, 0.19 x 0.19", "6: 16 at 0 0.2, 0.19 x 0.19"));
 }
 
 TEST_F(SeriesAsCard, OfTwoSlotsOfOneNumberTheFirstCounts) {
@@ -198,7 +198,7 @@ TEST_F(SeriesAsCard, OfTwoSlotsOfOneNumberTheFirstCounts) {
     RunSlot(3, 2);
     AddImage(11, 3);
     Save();
-    EXPECT_THAT(Stored(), ElementsAre("1: 11 at 1.0 1.25, 1.5 x 1.75"));
+    EXPECT_THAT(Stored(), ElementsAre("1: 11 at 1 1.25, 1.5 x 1.75"));
 }
 
 TEST_F(SeriesAsCard, AnImageInASlotTakesNoCell) {
@@ -207,8 +207,8 @@ TEST_F(SeriesAsCard, AnImageInASlotTakesNoCell) {
     AddImage(12, 3);
     AddImage(13);
     Save();
-    EXPECT_THAT(Stored(), ElementsAre("1: 11 at 0.0 0.0, 0.19 x 0.19", "2: 12 at 1.0 1.25, 1.5 x 1.75",
-                                      "3: 13 at 0.2 0.0, 0.19 x 0.19"));
+    EXPECT_THAT(Stored(), ElementsAre("1: 11 at 0 0, 0.19 x 0.19", "2: 12 at 1 1.25, 1.5 x 1.75",
+                                      "3: 13 at 0.2 0, 0.19 x 0.19"));
 }
 
 // ---- canvas -------------------------------------------------------------------------------------------
@@ -280,7 +280,7 @@ TEST_F(SeriesAsCard, ANonNumericFrameRaisesBeforeTheCardIsStored) {
 TEST_F(SeriesAsCard, ANonNumericFrameIsIgnoredIfTheLayoutHasNoSlot) {
     AddImage(11)->FrameNumber = LateNumber(Variant("x"));
     EXPECT_EQ(FailureOfSave(), 0);
-    EXPECT_THAT(Stored(), ElementsAre("1: 11 at 0.0 0.0, 0.19 x 0.19"));
+    EXPECT_THAT(Stored(), ElementsAre("1: 11 at 0 0, 0.19 x 0.19"));
 }
 
 // ---- failures -------------------------------------------------------------------------------------------

@@ -80,6 +80,7 @@ TEST_F(StudyTable, ANullInARequiredColumnRaisesAndKeepsWhatWasRead) {
 }
 
 TEST_F(StudyTable, AValueThatIsNotADateRaisesAfterTheAccessionNumberWasRead) {
+    OXCLASS_ONLY_IF(KeepsValuesOfOtherTypes());
     StoreDistinct();
     for (const char* date : {"NULL", "'some day'"}) {
         FillOtherwise();
@@ -140,6 +141,7 @@ TEST_F(StudyTable, AStudyWithoutUidUpdatesARowThatHasAnEmptyOne) {
 }
 
 TEST_F(StudyTable, PatientZeroIsNeverWritten) {
+    OXCLASS_ONLY_IF(HasSqliteDefinitions());
     Run("DROP TABLE Study_T");
     Run("CREATE TABLE Study_T (Study_ID INTEGER PRIMARY KEY AUTOINCREMENT, StudyInstanceUID TEXT, "
         "PatientID INTEGER DEFAULT 77, accessionNumber TEXT, StudyDateTime DATETIME, Studydesc TEXT, referDrName TEXT, "

@@ -52,11 +52,13 @@ TEST_F(ConnectionTest, OpenTwiceAndUseWhileClosedRaise) {
 }
 
 TEST_F(ConnectionTest, OpeningKeepsAWriteAheadLog) {
+    OXCLASS_ONLY_IF(IsFile());
     EXPECT_EQ(Ask("PRAGMA journal_mode"), Variant("wal"));
     EXPECT_GT(CLng(Ask("PRAGMA busy_timeout")), 1000);
 }
 
 TEST_F(ConnectionTest, ReadModeChangesNothing) {
+    OXCLASS_ONLY_IF(IsFile());
     const Ref<Connection> reader = New<Connection>();
     reader->Open("Provider=SQLite;Mode=Read;Data Source=" + Path());
     EXPECT_EQ(FailureOf([&] { reader->Execute("DELETE FROM Root_T"); }).Number, NoPermission);
@@ -65,6 +67,7 @@ TEST_F(ConnectionTest, ReadModeChangesNothing) {
 }
 
 TEST_F(ConnectionTest, SnapshotModeReadsAFileWithoutAFileBesideIt) {
+    OXCLASS_ONLY_IF(IsFile());
     Run("INSERT INTO Root_T (RootID, RootDirectory) VALUES (1, 'a')");
     con->Unadvise(log);
     con->Close();
@@ -263,6 +266,7 @@ TEST_F(ConnectionTest, ARecordsetMayHoldTheLastReferenceToItsConnection) {
 }
 
 TEST_F(ConnectionTest, ATransactionThatTheEngineRolledBackIsNotCarriedOn) {
+    OXCLASS_ONLY_IF(IsFile());
     Run("INSERT INTO Root_T (RootID) VALUES (1)");
     con->BeginTrans();
     Run("INSERT INTO Root_T (RootID) VALUES (2)");

@@ -32,6 +32,7 @@ protected:
 };
 
 TEST_F(FirstError, ASelectOnADamagedTableReportsTheDamageEachTime) {
+    OXCLASS_ONLY_IF(IsFile());
     Damage("Series_T");
     const String select = "SELECT * FROM Series_T WHERE Series_ID=4";
     for (int run = 0; run < 3; ++run) ExpectDamaged(FailureOf([&] { con->Execute(select); }), select);
@@ -44,6 +45,7 @@ TEST_F(FirstError, ASelectOnADamagedTableReportsTheDamageEachTime) {
 }
 
 TEST_F(FirstError, AStatementThatChangesADamagedTableReportsTheDamage) {
+    OXCLASS_ONLY_IF(IsFile());
     Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, 'a', 1)");
     Damage("Root_T");
     for (const String statement : {"INSERT INTO Root_T (RootID) VALUES (2)",
@@ -52,6 +54,7 @@ TEST_F(FirstError, AStatementThatChangesADamagedTableReportsTheDamage) {
 }
 
 TEST_F(FirstError, ARecordsetThatChangesADamagedTableReportsTheDamage) {
+    OXCLASS_ONLY_IF(IsFile());
     Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, 'a', 1)");
     const Ref<Recordset> rows = New<Recordset>();
     rows->SetCursorLocation(adUseClient);
@@ -95,6 +98,7 @@ TEST_F(FirstError, AStatementWorksAgainOnceItsColumnIsBack) {
 }
 
 TEST_F(FirstError, AFailedCommitReportsTheReason) {
+    OXCLASS_ONLY_IF(IsFile());
     Run("PRAGMA foreign_keys = ON");
     Run("CREATE TABLE Child (Parent INTEGER REFERENCES Root_T (RootID) DEFERRABLE INITIALLY DEFERRED)");
     con->BeginTrans();

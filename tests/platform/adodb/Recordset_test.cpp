@@ -140,6 +140,7 @@ TEST_F(RecordsetTest, ANameBuiltAtRunTimeIsFoundLikeALiteral) {
 }
 
 TEST_F(RecordsetTest, ValuesHaveTheTypesOfTheirColumns) {
+    OXCLASS_ONLY_IF(KeepsValuesOfOtherTypes());
     Run("INSERT INTO ImageBild_T (PatientID, DateCaptured_SD, ExposureTime_F, GraphicURL_NVC) "
         "VALUES (7,'2026-01-02 03:04:05',1.5,'x')");
     Run("INSERT INTO ImageBild_T (PatientID, DateCaptured_SD, ExposureTime_F) VALUES ('12abc','no "
