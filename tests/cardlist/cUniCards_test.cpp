@@ -725,6 +725,7 @@ TEST_F(UniCards, ASeriesWithoutADateIsSortedByItsStudy) {
 }
 
 TEST_F(UniCards, TwoThousandOfEachComeInTheOrderOfAStableSort) {
+    OXCLASS_ONLY_IF(HasSqliteDefinitions());
     Run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<2000) INSERT INTO ImageCard_T"
         " (ImageCardID, PatientID, ICName, ICDateCreated, ICLastUpdate, ICDescription) SELECT i, 7, '',"
         " datetime('2024-01-01', (i*7919%1500)||' hours'), '2024-01-01 00:00:00', '' FROM n");

@@ -146,6 +146,7 @@ TEST_F(ActionOfPieces, StoresWhatTheJoinedStatementStores) {
 }
 
 TEST_F(ActionOfPieces, FailsAsTheJoinedStatement) {
+    OXCLASS_ONLY_IF(HasSqliteDefinitions());
     Create("CREATE TABLE Values_T (a INTEGER CHECK (a < 10), b)");
     for (int round = 0; round < 3; ++round) {
         RunBoth("INSERT INTO Values_T (a, b) VALUES (", Long{round}, ", '", FixSqlString("b"), "')");

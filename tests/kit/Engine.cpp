@@ -68,6 +68,16 @@ void Empty(const Ref<Connection>& con) {
 
 Engine TestedEngine() { return Server().empty() ? Engine::SQLite : Engine::PostgreSQL; }
 
+String NoSuchTable(const String& name) {
+    if (TestedEngine() == Engine::SQLite) return "no such table: " + name;
+    return "relation \"" + LCase(name) + "\" does not exist";
+}
+
+String NoSuchColumn(const String& name) {
+    if (TestedEngine() == Engine::SQLite) return "no such column: " + name;
+    return "column \"" + LCase(name) + "\" does not exist";
+}
+
 void RunOnFile(const std::filesystem::path& path, std::string_view script) {
     sqlite3* database = nullptr;
     char* message = nullptr;

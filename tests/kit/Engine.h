@@ -20,6 +20,20 @@ Engine TestedEngine();
 /// Returns the name that the engine has in a connection string.
 inline const char* ProviderName() { return TestedEngine() == Engine::SQLite ? "SQLite" : "PostgreSQL"; }
 
+/// Returns the source of the failures that the engine reports.
+inline String EngineName() { return TestedEngine() == Engine::SQLite ? "SQLite" : "PostgreSQL"; }
+
+/// Return how the engine describes a table or a column that does not exist, and the SQLSTATE of the latter.
+String NoSuchTable(const String& name);
+String NoSuchColumn(const String& name);
+inline String NoSuchColumnState() { return TestedEngine() == Engine::SQLite ? "42S22" : "42703"; }
+
+/// True if the engine distinguishes a parameter in a text, such as "?", from another error of syntax.
+inline bool ReportsParameters() { return TestedEngine() == Engine::SQLite; }
+
+/// True if names that are not quoted keep their letter case in the database. PostgreSQL folds them to small letters.
+inline bool KeepsCaseOfNames() { return TestedEngine() == Engine::SQLite; }
+
 /// True if a column keeps a value of any type: a text in a column of numbers, a date that no calendar has. Servers check
 /// the types of their columns, so that rows can't be damaged in this way.
 inline bool KeepsValuesOfOtherTypes() { return TestedEngine() == Engine::SQLite; }
@@ -27,7 +41,7 @@ inline bool KeepsValuesOfOtherTypes() { return TestedEngine() == Engine::SQLite;
 /// True if a text that is longer than its column is stored by a statement. Servers reject it.
 inline bool KeepsLongTexts() { return TestedEngine() == Engine::SQLite; }
 
-/// True if a test may define tables and triggers of its own as SQLite writes them.
+/// True if a test may use functions, and define tables and triggers, as SQLite writes them.
 inline bool HasSqliteDefinitions() { return TestedEngine() == Engine::SQLite; }
 
 /// True if a key that a statement chooses itself moves the counter of the table. On a server the counter follows its own

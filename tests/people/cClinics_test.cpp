@@ -206,7 +206,7 @@ TEST_F(Clinics, AFailedStatementLeavesAnEmptyList) {
     Run("DROP TABLE Clinic_T");
     const Error failure = FailureOf([&] { clinics->GetAllClinics(con); });
     EXPECT_EQ(failure.Number, MissingTable);
-    EXPECT_EQ(failure.Source, "cClinics.GetAllClinics, SQLite");
+    EXPECT_EQ(failure.Source, "cClinics.GetAllClinics, " + EngineName());
     EXPECT_THAT(Names(), IsEmpty());
 }
 
@@ -223,7 +223,7 @@ TEST_F(Clinics, AHeadOfficeThatTheDatabaseRejectsFailsTheLoad) {
     RefuseInserts();
     const Error failure = FailureOf([&] { clinics->GetAllClinics(con); });
     EXPECT_EQ(failure.Number, ConstraintViolated);
-    EXPECT_EQ(failure.Source, "cClinics.GetAllClinics, SQLite");
+    EXPECT_EQ(failure.Source, "cClinics.GetAllClinics, " + EngineName());
     EXPECT_EQ(failure.Description, "refused");
     EXPECT_THAT(Names(), IsEmpty());
     EXPECT_EQ(CountOfRows(), Variant(Long{0}));
@@ -323,7 +323,7 @@ TEST_F(Clinics, AListThatCannotBeLoadedRaisesForItsHeadOffice) {
 TEST_F(Clinics, AHeadOfficeThatTheDatabaseRejectsRaises) {
     OXCLASS_ONLY_IF(HasSqliteDefinitions());
     RefuseInserts();
-    EXPECT_EQ(FailureOf([&] { clinics->GetHQClinic(con); }).Source, "cClinics.GetAllClinics, SQLite");
+    EXPECT_EQ(FailureOf([&] { clinics->GetHQClinic(con); }).Source, "cClinics.GetAllClinics, " + EngineName());
 }
 
 // ---- by name ------------------------------------------------------------------------------------

@@ -235,7 +235,7 @@ TEST_F(Doctors, AFailedStatementLeavesAnEmptyList) {
     Run("DROP TABLE Doctor_T");
     const Error failure = FailureOf([&] { doctors->GetAllDoctors(con); });
     EXPECT_EQ(failure.Number, MissingTable);
-    EXPECT_EQ(failure.Source, "cDoctors.GetAllDoctors, SQLite");
+    EXPECT_EQ(failure.Source, "cDoctors.GetAllDoctors, " + EngineName());
     EXPECT_EQ(doctors->Count(), 0);
 }
 

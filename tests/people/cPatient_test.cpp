@@ -273,7 +273,7 @@ TEST_F(Patient, AFailingDatabaseIsShownInATextBox) {
     EXPECT_EQ(Load("A"), 0);
     ASSERT_EQ(boxes.shown.size(), 1U);
     EXPECT_THAT(boxes.shown[0], ::testing::StartsWith("OXClass.LoadOnPatientIDorpdbid error: -2147217865 "));
-    EXPECT_THAT(boxes.shown[0], HasSubstr("Patient_T"));
+    EXPECT_THAT(boxes.shown[0], HasSubstr(NoSuchTable("Patient_T")));
 }
 
 TEST_F(Patient, LoadingWithoutAConnectionIsShownInATextBox) {

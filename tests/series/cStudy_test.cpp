@@ -202,7 +202,7 @@ TEST_F(StudyTable, AMissingUidOrPatientIsSkippedToo) {
     EXPECT_EQ(OfRow("accessionNumber || '|' || referDrName || '|' || studyID"), Variant("old acc|old refer|old sid"));
     const Error failure = FailureOf([&] { study->savestudy(false, con); });
     EXPECT_EQ(failure.Number, static_cast<Long>(0x80040E10)) << "the look itself needs the column";
-    EXPECT_EQ(failure.Source, "cStudy.SaveStudy, SQLite");
+    EXPECT_EQ(failure.Source, "cStudy.SaveStudy, " + EngineName());
 }
 
 TEST_F(StudyTable, AMissingKeyColumnLeavesTheKeyAndShowsATextBox) {

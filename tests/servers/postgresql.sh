@@ -35,6 +35,9 @@ start() {
         cat initdb.log >&2
         exit 1
     }
+    # The account "clerk" needs a password; the others don't.
+    { echo 'local all clerk scram-sha-256'; cat "$folder/data/pg_hba.conf"; } >"$folder/hba"
+    cat "$folder/hba" >"$folder/data/pg_hba.conf"
     # Nothing of it needs to survive a crash of the machine.
     as_user "$programs/pg_ctl" -D "$folder/data" -w -s -l "$folder/log" start \
         -o "-c listen_addresses='' -k '$folder' -c fsync=off -c full_page_writes=off -c synchronous_commit=off -c autovacuum=off -c max_connections=200" || {
@@ -44,6 +47,7 @@ start() {
     cd - >/dev/null
     psql -h "$folder" -U oxclass -qc 'CREATE DATABASE clinic' postgres
     psql -h "$folder" -U oxclass -v ON_ERROR_STOP=1 -1 -q -f "$schema/postgresql.sql" clinic
+    psql -h "$folder" -U oxclass -qc "CREATE ROLE clerk LOGIN PASSWORD 'right;word'" postgres
     echo "Provider=PostgreSQL;Server=$folder;User ID=oxclass"
 }
 

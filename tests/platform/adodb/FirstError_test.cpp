@@ -32,7 +32,7 @@ protected:
 };
 
 TEST_F(FirstError, ASelectOnADamagedTableReportsTheDamageEachTime) {
-    OXCLASS_ONLY_IF(IsFile());
+    OXCLASS_ONLY_IF(TestKit::IsFile());
     Damage("Series_T");
     const String select = "SELECT * FROM Series_T WHERE Series_ID=4";
     for (int run = 0; run < 3; ++run) ExpectDamaged(FailureOf([&] { con->Execute(select); }), select);
@@ -45,7 +45,7 @@ TEST_F(FirstError, ASelectOnADamagedTableReportsTheDamageEachTime) {
 }
 
 TEST_F(FirstError, AStatementThatChangesADamagedTableReportsTheDamage) {
-    OXCLASS_ONLY_IF(IsFile());
+    OXCLASS_ONLY_IF(TestKit::IsFile());
     Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, 'a', 1)");
     Damage("Root_T");
     for (const String statement : {"INSERT INTO Root_T (RootID) VALUES (2)",
@@ -54,7 +54,7 @@ TEST_F(FirstError, AStatementThatChangesADamagedTableReportsTheDamage) {
 }
 
 TEST_F(FirstError, ARecordsetThatChangesADamagedTableReportsTheDamage) {
-    OXCLASS_ONLY_IF(IsFile());
+    OXCLASS_ONLY_IF(TestKit::IsFile());
     Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, 'a', 1)");
     const Ref<Recordset> rows = New<Recordset>();
     rows->SetCursorLocation(adUseClient);
@@ -75,7 +75,7 @@ TEST_F(FirstError, AColumnThatAnotherProgramRemovedIsNamed) {
     Connect()->Execute("ALTER TABLE Root_T DROP COLUMN Status");
     const Error failure = FailureOf([&] { con->Execute("SELECT RootID, Status FROM Root_T"); });
     EXPECT_EQ(failure.Number, UnknownName);
-    EXPECT_EQ(failure.Description, "no such column: Status");
+    EXPECT_EQ(failure.Description, TestKit::NoSuchColumn("Status"));
 }
 
 TEST_F(FirstError, ATableThatAnotherProgramRemovedIsNamed) {
@@ -83,7 +83,7 @@ TEST_F(FirstError, ATableThatAnotherProgramRemovedIsNamed) {
     Connect()->Execute("DROP TABLE Root_T");
     const Error failure = FailureOf([&] { con->Execute("SELECT RootDirectory FROM Root_T"); });
     EXPECT_EQ(failure.Number, NoTable);
-    EXPECT_EQ(failure.Description, "no such table: Root_T");
+    EXPECT_EQ(failure.Description, TestKit::NoSuchTable("Root_T"));
 }
 
 TEST_F(FirstError, AStatementWorksAgainOnceItsColumnIsBack) {
@@ -91,14 +91,14 @@ TEST_F(FirstError, AStatementWorksAgainOnceItsColumnIsBack) {
     Run(select);
     const Ref<Connection> other = Connect();
     other->Execute("ALTER TABLE Root_T RENAME COLUMN Status TO State");
-    EXPECT_EQ(FailureOf([&] { con->Execute(select); }).Description, "no such column: Status");
+    EXPECT_EQ(FailureOf([&] { con->Execute(select); }).Description, TestKit::NoSuchColumn("Status"));
     other->Execute("ALTER TABLE Root_T RENAME COLUMN State TO Status");
     other->Execute("INSERT INTO Root_T (RootID, Status) VALUES (3, 1)");
     EXPECT_EQ(CLng(con->Execute(select)->Fields("Status").Value()), 1);
 }
 
 TEST_F(FirstError, AFailedCommitReportsTheReason) {
-    OXCLASS_ONLY_IF(IsFile());
+    OXCLASS_ONLY_IF(TestKit::IsFile());
     Run("PRAGMA foreign_keys = ON");
     Run("CREATE TABLE Child (Parent INTEGER REFERENCES Root_T (RootID) DEFERRABLE INITIALLY DEFERRED)");
     con->BeginTrans();

@@ -85,6 +85,8 @@ TEST_F(InterfaceTest, AConnectionDescribesItsMembers) {
     EXPECT_THAT(TestKit::MembersOf(*con),
                 ElementsAre("put ConnectionString(string)", "get ConnectionString -> string",
                             "put CursorLocation(CursorLocationEnum)", "get CursorLocation -> CursorLocationEnum",
+                            "put ConnectionTimeout(int32)", "get ConnectionTimeout -> int32",
+                            "put CommandTimeout(int32)", "get CommandTimeout -> int32",
                             "get State -> ObjectStateEnum",
                             "Open([ConnectionString: string&], [UserID: string&], [Password: string&], "
                             "[Options: int32])",
@@ -164,7 +166,8 @@ TEST_F(InterfaceTest, AConnectionIsOpenedAndClosed) {
     EXPECT_EQ(Get(other, "State"), Variant(adStateClosed));
     Do(other, "Open", {con->ConnectionString(), "", "", Long{-1}});
     EXPECT_EQ(other->State(), adStateOpen);
-    EXPECT_EQ(FailureOfDo(New<Connection>(), "Open", {con->ConnectionString(), "", "secret"}), MultipleStepFailed)
+    EXPECT_EQ(FailureOfDo(New<Connection>(), "Open", {"Provider=SQLite;Data Source=:memory:", "", "secret"}),
+              MultipleStepFailed)
         << "the password reaches the provider, which has none";
 }
 
@@ -220,10 +223,10 @@ TEST_F(InterfaceTest, ErrorsContainTheFailuresOfTheEngine) {
     const Error& native = con->Errors().front();
     EXPECT_EQ(Get(failure, "Number"), Variant(UnknownName));
     EXPECT_EQ(Get(failure, "Source"), Variant(native.Source));
-    EXPECT_EQ(Get(failure, "Description"), Variant("no such column: Nix"));
+    EXPECT_EQ(Get(failure, "Description"), Variant(TestKit::NoSuchColumn("Nix")));
     EXPECT_EQ(Get(failure, "NativeError"), Variant(native.NativeError));
     EXPECT_NE(native.NativeError, 0);
-    EXPECT_EQ(Get(failure, "SQLState"), Variant("42S22"));
+    EXPECT_EQ(Get(failure, "SQLState"), Variant(TestKit::NoSuchColumnState()));
     const Values walked = Walked(errors);
     ASSERT_EQ(walked.size(), 1U);
     EXPECT_EQ(Get(ObjectIn(walked[0]), "Number"), Variant(UnknownName));
@@ -518,6 +521,7 @@ TEST_F(InterfaceTest, CollectIsCalledThroughItsSlots) {
 // ---- fields -----------------------------------------------------------------------------------------
 
 TEST_F(InterfaceTest, FieldsAreFoundCountedAndWalked) {
+    OXCLASS_ONLY_IF(TestKit::KeepsCaseOfNames());
     const Ref<Object> fields = ObjectIn(Get(Clinics(), "Fields"));
     EXPECT_EQ(Get(fields, "Count"), Variant(Long{3}));
     EXPECT_EQ(Get(ObjectIn(Get(fields, "Item", {"CITY"})), "Name"), Variant("City"));
@@ -589,6 +593,7 @@ TEST_F(InterfaceTest, AFieldKeepsItsRecordset) {
 }
 
 TEST_F(InterfaceTest, NoReferenceCycleKeepsARecordsetAlive) {
+    OXCLASS_ONLY_IF(TestKit::KeepsCaseOfNames());
     Ref<Connection> other = Connect();
     other->BeginTrans();
     other->Execute("DELETE FROM Clinic_T");

@@ -60,7 +60,10 @@ std::unordered_map<String, String> SpellingsIn(std::string_view statement) {
 
 constexpr const char* SelectTables =
     "SELECT a.attrelid, c.relname, a.attnum, a.attname, COALESCE(a.attnum = ANY (i.indkey), false), "
-    "a.attidentity <> '' OR COALESCE(pg_get_expr(d.adbin, d.adrelid) LIKE 'nextval(%', false) "
+    "a.attidentity <> '' OR COALESCE(pg_get_expr(d.adbin, d.adrelid) LIKE 'nextval(%', false), "
+    // citext has no width of its own: it is that of the column's check.
+    "(SELECT substring(pg_get_constraintdef(k.oid) FROM 'length.* <= ([0-9]+)') FROM pg_constraint k "
+    "WHERE k.conrelid = a.attrelid AND k.contype = 'c' AND k.conkey = ARRAY[a.attnum] LIMIT 1) "
     "FROM pg_attribute a JOIN pg_class c ON c.oid = a.attrelid "
     "LEFT JOIN pg_index i ON i.indrelid = a.attrelid AND i.indisprimary "
     "LEFT JOIN pg_attrdef d ON d.adrelid = a.attrelid AND d.adnum = a.attnum "
@@ -109,6 +112,7 @@ std::shared_ptr<const PostgresColumns> PostgresCatalog::ColumnsOf(const pg_resul
                 column.Origin = origin->second.name;
                 column.Key = origin->second.key;
                 column.Counter = origin->second.counter;
+                if (column.DefinedSize == 0) column.DefinedSize = origin->second.width;
             }
         }
         columns.push_back(std::move(column));
@@ -116,6 +120,17 @@ std::shared_ptr<const PostgresColumns> PostgresCatalog::ColumnsOf(const pg_resul
     }
     result->columns = std::make_shared<const Columns>(std::move(columns));
     return result;
+}
+
+std::vector<String> PostgresCatalog::KeyOf(const String& table) {
+    if (tables_.empty()) Read(InvalidOid);
+    const auto found =
+        std::find_if(tables_.begin(), tables_.end(), [&](const auto& entry) { return entry.second.name == table; });
+    std::vector<String> key;
+    if (found == tables_.end()) return key;
+    for (const auto& [number, column] : found->second.columns)
+        if (column.key) key.push_back(column.name);
+    return key;
 }
 
 const PostgresCatalog::Table& PostgresCatalog::TableOf(unsigned identifier) {
@@ -135,7 +150,8 @@ void PostgresCatalog::Read(unsigned identifier) {
     for (int row = 0; row < PQntuples(rows); ++row) {
         Table& table = tables_[static_cast<unsigned>(numberAt(row, 0))];
         table.name = PQgetvalue(rows, row, 1);
-        table.columns[static_cast<int>(numberAt(row, 2))] = {PQgetvalue(rows, row, 3), flagAt(row, 4), flagAt(row, 5)};
+        table.columns[static_cast<int>(numberAt(row, 2))] = {PQgetvalue(rows, row, 3), flagAt(row, 4), flagAt(row, 5),
+                                                             static_cast<Long>(numberAt(row, 6))};
     }
 }
 

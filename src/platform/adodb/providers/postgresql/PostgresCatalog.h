@@ -33,6 +33,10 @@ public:
     /// server folds names that are not quoted. Reads a table at its first use and raises as `PostgresLink::Exchange`.
     std::shared_ptr<const PostgresColumns> ColumnsOf(const pg_result* description, std::string_view statement);
 
+    /// Returns the columns of the primary key of a table, in their order in the table, whose name is in small letters. Returns
+    /// nothing for a table without one. Raises as `PostgresLink::Exchange`.
+    std::vector<String> KeyOf(const String& table);
+
     /// Discards everything, after a table has changed.
     void Forget() { tables_.clear(); }
 
@@ -41,6 +45,7 @@ private:
         String name;
         bool key = false;
         bool counter = false;
+        Long width = 0;  // by a check of its length; 0: none
     };
     struct Table {
         String name;
@@ -48,7 +53,7 @@ private:
     };
 
     const Table& TableOf(unsigned identifier);
-    /// Reads the tables that are found without a schema in front of their name, and this one.
+    /// Reads the tables that are found without a schema in front of their name, and the one with this identifier.
     void Read(unsigned identifier);
 
     PostgresLink& link_;

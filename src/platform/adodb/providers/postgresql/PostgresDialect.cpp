@@ -72,17 +72,135 @@ private:
     std::vector<Placed> tokens_;  // without blanks
 };
 
+/// The words that may follow the name of a table and are not its alias.
+constexpr std::array<std::string_view, 20> BehindTable{
+    "WHERE", "ON",     "LEFT",  "RIGHT",   "INNER", "OUTER",     "FULL",   "CROSS", "NATURAL", "JOIN",
+    "ORDER", "GROUP",  "USING", "HAVING",  "LIMIT", "OFFSET",    "UNION",  "FETCH", "EXCEPT",  "INTERSECT"};
+/// The words of a statement whose rows are not the rows of its tables.
+constexpr std::array<std::string_view, 8> OtherRows{"DISTINCT", "GROUP",  "HAVING", "UNION",
+                                                    "EXCEPT",   "INTERSECT", "WINDOW", "FOR"};
+constexpr std::array<std::string_view, 3> EndOfRows{"LIMIT", "OFFSET", "FETCH"};
+
+/// Finds by which keys the rows of a SELECT are sorted if they are equal otherwise, and where the statement says so.
+class KeyOrder {
+public:
+    KeyOrder(std::string_view statement, const TableKeys& keys) : text_(statement), at_(statement.size()) {
+        if (Read()) List(keys);
+    }
+
+    /// Returns the keys, separated by commas; empty if the rows are left as they come.
+    const String& Keys() const noexcept { return keys_; }
+    /// Returns the position in the statement in front of which the keys belong.
+    std::size_t Position() const noexcept { return at_; }
+    /// Returns true if the statement itself has an ORDER BY there.
+    bool IsSorted() const noexcept { return sorted_; }
+
+private:
+    enum class Part : std::uint8_t { Start, List, Tables, Conditions };
+    struct Table {
+        String name;
+        String alias;
+    };
+
+    /// Reads the statement up to its end. Returns false if its rows are not those of its tables.
+    bool Read() {
+        for (std::size_t at = 0; at < text_.size();) {
+            const Lexer::Token token = Lexer::TokenAt(text_, at);
+            if (token.kind == Lexer::Kind::Unclear) return false;
+            const std::string_view piece = text_.substr(at, token.end - at);
+            if (depth_ == 0 && IsEnd(token.kind, piece, at)) break;
+            if (token.kind != Lexer::Kind::Space && !Take(token.kind, piece)) return false;
+            at = token.end;
+        }
+        return !tables_.empty() && (sorted_ || !limited_);
+    }
+
+    bool IsEnd(Lexer::Kind kind, std::string_view piece, std::size_t at) {
+        limited_ = kind == Lexer::Kind::Word && part_ > Part::List && Lexer::Keyword(piece).IsOneOf(EndOfRows);
+        if (!limited_ && piece != ";") return false;
+        at_ = at;
+        return true;
+    }
+
+    bool Take(Lexer::Kind kind, std::string_view piece) {
+        const bool afterWord = std::exchange(afterWord_, kind == Lexer::Kind::Word);
+        if (kind == Lexer::Kind::Word) return TakeWord(piece);
+        if (kind == Lexer::Kind::Open) {
+            ++depth_;
+            return part_ != Part::Start && !(part_ == Part::List && afterWord);  // a function may count the rows
+        }
+        if (kind == Lexer::Kind::Close && depth_ > 0) --depth_;
+        if (part_ != Part::Tables) return true;
+        if (piece == ",") expected_ = true;
+        alias_ = false;
+        return kind != Lexer::Kind::Quoted && !(piece == "." && std::exchange(named_, false));
+    }
+
+    bool TakeWord(std::string_view word) {
+        const Lexer::Keyword upper(word);
+        if (part_ == Part::Start) {
+            part_ = Part::List;
+            return upper == "SELECT";
+        }
+        if (depth_ == 0 && upper.IsOneOf(OtherRows)) return false;
+        if (part_ == Part::List && depth_ == 0 && upper == "FROM") {
+            part_ = Part::Tables;
+            expected_ = true;
+            return true;
+        }
+        if (depth_ == 0 && upper == "ORDER") sorted_ = true;
+        if (part_ == Part::Tables) return TakeTableWord(word, upper);
+        return true;
+    }
+
+    bool TakeTableWord(std::string_view word, const Lexer::Keyword& upper) {
+        named_ = false;
+        if (upper == "SELECT") return false;
+        if (upper == "JOIN") {
+            expected_ = true;
+        } else if (expected_) {
+            expected_ = false;
+            tables_.push_back({LCase(String(word)), String(word)});
+            alias_ = named_ = true;
+        } else if (alias_ && upper != "AS") {
+            if (!upper.IsOneOf(BehindTable)) tables_.back().alias = word;
+            alias_ = false;
+        }
+        if (depth_ == 0 && (upper == "WHERE" || upper == "ORDER")) part_ = Part::Conditions;
+        return true;
+    }
+
+    void List(const TableKeys& keys) {
+        for (const Table& table : tables_)
+            for (const String& column : keys(table.name)) keys_ += (keys_.empty() ? "" : ", ") + table.alias + "." + column;
+    }
+
+    std::string_view text_;
+    std::size_t at_;
+    std::size_t depth_ = 0;
+    Part part_ = Part::Start;
+    std::vector<Table> tables_;
+    bool sorted_ = false;
+    bool limited_ = false;
+    bool afterWord_ = false;
+    bool expected_ = false;  // the name of a table
+    bool named_ = false;     // the token before is the name of a table
+    bool alias_ = false;     // the alias of a table may follow
+    String keys_;
+};
+
 /// Copies a statement token by token and changes what the server can't parse.
 class PostgresTranslation {
 public:
-    PostgresTranslation(std::string_view statement, const std::vector<Literal>& literals)
-        : text_(statement), literals_(literals), chains_(ChainFinder(statement).Chains()) {
+    PostgresTranslation(std::string_view statement, const std::vector<Literal>& literals, const TableKeys& keys)
+        : text_(statement), literals_(literals), chains_(ChainFinder(statement).Chains()), rows_(statement, keys) {
         out_.negative.resize(literals.size());
         out_.text.reserve(statement.size() + 8 * literals.size());
     }
 
     PostgresText Translated() {
         for (std::size_t at = 0; at < text_.size();) {
+            if (at == rows_.Position()) SortByKeys();
             if (nextChain_ < chains_.size() && chains_[nextChain_].start == at) {
                 at = TakeChain(chains_[nextChain_++]);
                 continue;
@@ -96,10 +214,20 @@ public:
             at = token.end;
         }
         EndOrder();
+        if (rows_.Position() == text_.size()) SortByKeys();
         return std::move(out_);
     }
 
 private:
+    /// Sorts rows that are equal otherwise.
+    void SortByKeys() {
+        if (rows_.Keys().empty()) return;
+        EndOrder();
+        std::size_t end = out_.text.size();
+        while (end > 0 && Lexer::IsSpace(out_.text[end - 1])) --end;
+        out_.text.insert(end, (rows_.IsSorted() ? ", " : " ORDER BY ") + rows_.Keys());
+    }
+
     /// An ORDER BY clause, up to the end of its parentheses.
     struct Order {
         std::size_t depth;
@@ -210,6 +338,7 @@ private:
     const std::vector<Literal>& literals_;
     std::vector<EqualsChain> chains_;
     std::size_t nextChain_ = 0;
+    KeyOrder rows_;
     PostgresText out_;
     std::size_t next_ = 0;  // the literal that is expected
     std::size_t depth_ = 0;
@@ -219,10 +348,10 @@ private:
 
 }  // namespace
 
-PostgresText ForPostgres(std::string_view statement, const std::vector<Literal>& literals) {
+PostgresText ForPostgres(std::string_view statement, const std::vector<Literal>& literals, const TableKeys& keys) {
     const std::size_t end = statement.find_last_not_of(" ;\t\r\n\v\f");
     if (EqualsIgnoringCase(Trim(statement.substr(0, end + 1)), "SELECT @@IDENTITY")) return {"SELECT lastval()", {}};
-    return PostgresTranslation(statement, literals).Translated();
+    return PostgresTranslation(statement, literals, keys).Translated();
 }
 
 }  // namespace ADODB

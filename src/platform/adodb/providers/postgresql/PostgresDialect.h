@@ -3,6 +3,8 @@
 #include "platform/adodb/Enums.h"
 #include "platform/adodb/providers/Shape.h"
 
+#include <functional>
+
 namespace ADODB {
 
 /// A statement as this server can parse it.
@@ -11,11 +13,16 @@ struct PostgresText {
     std::vector<bool> negative;  ///< for each literal: the minus sign in front of it belongs to its value
 };
 
+/// Returns the columns of the primary key of a table, whose name is in small letters; nothing for an unknown table.
+using TableKeys = std::function<std::vector<String>(const String& table)>;
+
 /// Translates a statement, and replaces these literals, which point into it, by the parameters "$1", "$2" and so on:
 ///
 /// - `SELECT @@IDENTITY` reads the last number of an identity column;
 /// - `DELETE * FROM` loses the star;
 /// - `ORDER BY` sorts nulls before all values, `DESC` behind them, as the other engines do;
+/// - a SELECT from tables sorts rows that are equal otherwise by the primary keys of the tables, because this server returns
+///   them in another order after one of them was updated;
 /// - `LIKE` compares without regard to the case of ASCII letters, and a backslash in its pattern is a plain character;
 /// - a chain of conditions "a=1 OR a=2" becomes "a IN (1,2)", because the time in which the server plans a chain grows with
 ///   the square of its length;
@@ -23,6 +30,6 @@ struct PostgresText {
 ///   its minus operators for a parameter without a type.
 ///
 /// A text with a comment or a parameter of its own is translated up to it. Any thread may call.
-PostgresText ForPostgres(std::string_view statement, const std::vector<Literal>& literals);
+PostgresText ForPostgres(std::string_view statement, const std::vector<Literal>& literals, const TableKeys& keys);
 
 }  // namespace ADODB

@@ -39,6 +39,17 @@ constexpr std::array Numbers = std::to_array<Mapped>({
     {"0A", ErrorsInCommand},        // feature not supported
 });
 
+/// Returns the number that the server's own sources have for an SQLSTATE: six bits for each character.
+Long NativeCodeOf(std::string_view sqlState) {
+    Long code = 0;
+    Long shift = 0;
+    for (const char c : sqlState) {
+        code |= static_cast<Long>((c - '0') & 0x3F) << shift;
+        shift += 6;
+    }
+    return code;
+}
+
 }  // namespace
 
 Long NumberOfSqlState(std::string_view sqlState) {
@@ -55,6 +66,7 @@ void RaisePostgres(Long number, const String& sqlState, const String& descriptio
     Error error(number, "PostgreSQL", description);
     error.Provider = "PostgreSQL";
     error.SQLState = sqlState;
+    error.NativeError = NativeCodeOf(sqlState);
     error.Statement = String(statement);
     throw Error(error);
 }

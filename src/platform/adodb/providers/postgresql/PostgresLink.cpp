@@ -178,8 +178,9 @@ void PostgresLink::Lose(std::string_view statement, const std::vector<PostgresRe
     connection_.reset();
     queued_ = 0;
     const String state = FailureState(results);
-    RaisePostgres(ConnectionLost, state.empty() ? "08006" : state,
-                  message.empty() ? "The connection to the server is lost." : message, statement);
+    if (!state.empty()) RaisePostgres(ConnectionLost, state, FailureText(results), statement);
+    RaisePostgres(ConnectionLost, "08006", message.empty() ? "The connection to the server is lost." : message,
+                  statement);
 }
 
 void PostgresLink::Flush(Deadline& deadline, std::string_view statement) {
@@ -261,14 +262,19 @@ String PostgresLink::FailureState(const std::vector<PostgresResult>& results) {
     return failed == results.end() ? String() : StateOf(failed->get());
 }
 
+String PostgresLink::FailureText(const std::vector<PostgresResult>& results) {
+    const auto failed =
+        std::find_if(results.begin(), results.end(), [](const auto& result) { return IsFailure(result.get()); });
+    if (failed == results.end()) return {};
+    const char* const text = PQresultErrorField(failed->get(), PG_DIAG_MESSAGE_PRIMARY);
+    return text ? text : MessageOf(PQresultErrorMessage(failed->get()));
+}
+
 void PostgresLink::RaiseFirstFailure(const std::vector<PostgresResult>& results, std::string_view statement) {
-    for (const PostgresResult& result : results) {
-        if (!IsFailure(result.get())) continue;
-        if (PQresultStatus(result.get()) == PGRES_EMPTY_QUERY)
-            RaisePostgres(ErrorsInCommand, "42601", "There is no statement in the text.", statement);
-        const char* const text = PQresultErrorField(result.get(), PG_DIAG_MESSAGE_PRIMARY);
-        RaisePostgres(StateOf(result.get()), text ? text : MessageOf(PQresultErrorMessage(result.get())), statement);
-    }
+    if (!HasFailure(results)) return;
+    const String state = FailureState(results);
+    if (state.empty()) RaisePostgres(ErrorsInCommand, "42601", "There is no statement in the text.", statement);
+    RaisePostgres(state, FailureText(results), statement);
 }
 
 }  // namespace ADODB

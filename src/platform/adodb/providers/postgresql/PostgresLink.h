@@ -43,8 +43,10 @@ public:
     /// Returns true if an exchange contains a failure.
     static bool HasFailure(const std::vector<PostgresResult>& results);
 
-    /// Returns the SQLSTATE of the first failure; empty if there is none.
+    /// Return the SQLSTATE and the server's text of the first failure; empty if there is none, and for an empty text, which
+    /// the server does not report as a failure.
     static String FailureState(const std::vector<PostgresResult>& results);
+    static String FailureText(const std::vector<PostgresResult>& results);
 
     bool IsBroken() const noexcept { return !connection_; }
     /// Returns true if a transaction block is open on the server.

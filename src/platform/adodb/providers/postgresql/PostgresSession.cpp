@@ -75,12 +75,29 @@ String NewPrefix() {
     return "oxclass_" + std::to_string(number) + "_";
 }
 
+/// Raises for a statement that the client library would cut at a zero character.
+void RequireNoZero(std::string_view text) {
+    if (text.find('\0') != std::string_view::npos)
+        RaisePostgres(ErrorsInCommand, "42601", "The statement contains a zero character.", text);
+}
+
+/// Returns true for the statement that chooses how a transaction is isolated: no savepoint may be in front of it.
+bool SetsTransaction(std::string_view text) { return EqualsIgnoringCase(text.substr(0, 15), "SET TRANSACTION"); }
+
+/// Returns true for the result of a statement that may have changed a table's definition.
+bool IsDefinition(PGresult* result) {
+    const std::string_view command = PQcmdStatus(result);
+    return command.starts_with("CREATE") || command.starts_with("ALTER") || command.starts_with("DROP") ||
+           command.starts_with("DO");
+}
+
 class PostgresSession final : public Session {
 public:
     PostgresSession(const ConnectionString& settings, Long timeout)
         : link_(settings, timeout), catalog_(link_), prefix_(NewPrefix()) {}
 
     Outcome Run(std::string_view text) override {
+        RequireNoZero(text);
         PostgresStatement* const statement = For(text);
         return statement ? RunPrepared(*statement, text) : RunText(text);
     }
@@ -88,6 +105,7 @@ public:
     void RunAction(std::span<const StatementPiece> pieces, const std::function<String()>& joined) override {
         PostgresStatement* statement = statements_.Find(pieces, literals_);
         const String text = statement ? String() : joined();
+        RequireNoZero(text);
         if (!statement && (statement = For(text)))
             if (auto bindings = PieceBindings::Of(pieces, text, literals_)) statement->bindings = std::move(bindings);
         try {
@@ -139,14 +157,14 @@ private:
     /// them, by the same round trip; after a failure the transaction is rolled back to it.
     template <class Queue>
     std::vector<PostgresResult> Try(std::string_view text, Queue queue) {
-        const bool save = link_.InTransaction();
+        const bool save = link_.InTransaction() && !SetsTransaction(text);
         std::vector<String> before = save ? EndOfSavepoint() : std::vector<String>();
         if (save) before.push_back(String("SAVEPOINT ") + Savepoint);
         if (!save && dropped_->size() >= ManyDropped) DropUnused();
         for (const String& command : before) link_.QueueText(command);
         queue();
         std::vector<PostgresResult> results = link_.Exchange(text);
-        saved_ = save && link_.InTransaction();
+        saved_ = (save || saved_) && link_.InTransaction();
         if (saved_ && PostgresLink::HasFailure(results)) {
             link_.QueueText(String("ROLLBACK TO SAVEPOINT ") + Savepoint);
             link_.Exchange(text);
@@ -186,7 +204,7 @@ private:
         if (!CutAtLiterals(text, statement.shape, literals_) || literals_.size() > MostParameters) return nullptr;
         // A text that is sent once is prepared only if the types of its parameters are needed.
         if (!StatementCache<PostgresStatement>::IsKept(text) && !HasBlank()) return nullptr;
-        PostgresText translated = ForPostgres(text, literals_);
+        PostgresText translated = ForPostgres(text, literals_, keys_);
         statement.negative = std::move(translated.negative);
         statement.translated = std::move(translated.text);
         if (PostgresLink::HasFailure(Prepare(statement, text))) return nullptr;
@@ -249,9 +267,10 @@ private:
     }
 
     Outcome RunText(std::string_view text) {
-        const String translated = ForPostgres(text, {}).text;
+        const String translated = ForPostgres(text, {}, keys_).text;
         std::vector<PostgresResult> results = Try(text, [&] { link_.QueueText(translated); });
         PostgresLink::RaiseFirstFailure(results, text);
+        if (IsDefinition(results.back().get())) catalog_.Forget();
         const auto columns = catalog_.ColumnsOf(results.back().get(), text);
         return OutcomeOf(std::move(results.back()), columns);
     }
@@ -312,6 +331,7 @@ private:
 
     PostgresLink link_;
     PostgresCatalog catalog_;
+    const TableKeys keys_ = [this](const String& table) { return catalog_.KeyOf(table); };
     StatementCache<PostgresStatement> statements_;
     const PreparedName::Dropped dropped_ = std::make_shared<std::vector<String>>();
     String prefix_;
