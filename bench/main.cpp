@@ -4,6 +4,7 @@
 #include "bench/Clinic.h"
 #include "bench/Growth.h"
 #include "bench/ImportFiles.h"
+#include "bench/Postgres.h"
 #include "bench/Python.h"
 #include "bench/Report.h"
 #include "bench/Samples.h"
@@ -150,12 +151,21 @@ int main(int argc, char** argv) {
                  "figures as JSON");
     app.add_option("--largest", largest, "the number of images in the largest clinic of --growth")
         ->capture_default_str();
+    std::string server;
+    app.add_option("--server", server,
+                   "measure on a new PostgreSQL server instead, which this connection string describes");
     CLI11_PARSE(app, argc, argv);
 
     std::filesystem::create_directories(folder);
     if (growth) {
         std::puts(Growth(folder, largest).c_str());
         return 0;
+    }
+    if (!server.empty()) {
+        Report report(only, json);
+        BenchPostgres(report, server);
+        if (json) std::puts(report.Json().c_str());
+        return baseline.empty() || report.NoSlowerThan(baseline) ? 0 : 3;
     }
     const std::string path = ClinicIn(folder, "clinic.db", {Images, Patients}, {ShortList, LongList});
     const Ref<Connection> con = Connect(path);

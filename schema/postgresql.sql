@@ -14,7 +14,8 @@
 -- All columns but the keys take NULL, and no reference between tables is enforced: rows are
 -- written and removed one table at a time, and every reader accepts a missing parent row.
 -- An index is defined only if a statement of the library would scan a large table without it. Statements sort nulls in
--- front (NULLS FIRST), and an index serves the sort only if it does the same.
+-- front (NULLS FIRST), and the provider sorts rows that are equal otherwise by their key: an index serves the sort only if it
+-- does the same.
 
 CREATE EXTENSION IF NOT EXISTS citext;
 
@@ -154,10 +155,10 @@ CREATE TABLE ImageBild_T (
 );
 
 -- All images of a patient in the order of capture, without a sort.
-CREATE INDEX ImageBild_by_Patient ON ImageBild_T (PatientID, DateCaptured_SD NULLS FIRST);
+CREATE INDEX ImageBild_by_Patient ON ImageBild_T (PatientID, DateCaptured_SD NULLS FIRST, ImageBildID);
 
 -- All images of a series in the order of capture, without a sort, and the sums of the card list.
-CREATE INDEX ImageBild_by_Series ON ImageBild_T (Series_ID, DateCaptured_SD NULLS FIRST);
+CREATE INDEX ImageBild_by_Series ON ImageBild_T (Series_ID, DateCaptured_SD NULLS FIRST, ImageBildID);
 
 -- The key of an image just inserted, read back by patient and file.
 CREATE INDEX ImageBild_by_File ON ImageBild_T (PatientID, GraphicURL_NVC);
@@ -176,7 +177,7 @@ CREATE TABLE Comments_T (
 );
 
 -- The comments of an image, oldest first, without a sort, and the removal of a deletion mark.
-CREATE INDEX Comments_by_Object ON Comments_T (objectID, tabelID, dates NULLS FIRST);
+CREATE INDEX Comments_by_Object ON Comments_T (objectID, tabelID, dates NULLS FIRST, CommentID);
 
 -- Studies. Study_ID is the key of the row, studyID the study identifier of DICOM. A study that is
 -- saved without a patient gets PatientID 0, so that it can be loaded again.

@@ -6,8 +6,8 @@
 
 namespace TestKit {
 
-/// Forwards one connection to a server's socket, and counts its round trips: how often the client sends after the server has
-/// answered. Its own thread forwards the bytes; the destructor ends it.
+/// Forwards one connection to a server's socket, and counts its round trips: how often the client sends after the
+/// server has answered. Its own thread forwards the bytes; the destructor ends it.
 class CountingProxy {
 public:
     /// Listens on the socket `own` and connects to the socket `server` for the first client.

@@ -62,8 +62,8 @@ constexpr const char* executed = "0 1 -1";
 constexpr const char* plainRead = "0 1 1";
 constexpr const char* updatable = "1 3 1";
 
-/// A test with a database of the tested engine: all tables and no rows, opened as `con`; `log` holds what was sent since
-/// the test's body began or since it was cleared.
+/// A test with a database of the tested engine: all tables and no rows, opened as `con`; `log` holds what was sent
+/// since the test's body began or since it was cleared.
 class WithDatabase : public ::testing::Test {
 protected:
     WithDatabase();

@@ -39,11 +39,12 @@ String& IdleDatabase() {
 /// Returns a text that differs after a table, a column or a trigger was created, changed or dropped.
 String Definitions(const Ref<Connection>& con) {
     return con
-        ->Execute("SELECT (SELECT string_agg(concat(oid, relname, relkind), ',' ORDER BY oid) FROM pg_class"
-                  " WHERE relnamespace = 'public'::regnamespace) ||"
-                  " (SELECT string_agg(concat(attrelid, attname, atttypid, attnotnull), ',' ORDER BY attrelid, attnum)"
-                  " FROM pg_attribute JOIN pg_class c ON c.oid = attrelid WHERE c.relnamespace = 'public'::regnamespace) ||"
-                  " (SELECT count(*) FROM pg_trigger)")
+        ->Execute(
+            "SELECT (SELECT string_agg(concat(oid, relname, relkind), ',' ORDER BY oid) FROM pg_class"
+            " WHERE relnamespace = 'public'::regnamespace) ||"
+            " (SELECT string_agg(concat(attrelid, attname, atttypid, attnotnull), ',' ORDER BY attrelid, attnum)"
+            " FROM pg_attribute JOIN pg_class c ON c.oid = attrelid WHERE c.relnamespace = 'public'::regnamespace) ||"
+            " (SELECT count(*) FROM pg_trigger)")
         ->Fields(0)
         .As<String>();
 }
@@ -143,12 +144,12 @@ void AlignCounter(const Ref<Connection>& con, const String& statement) {
     if (into == String::npos) return;
     const std::size_t start = into + 12;
     const String table = statement.substr(start, statement.find_first_of(" (\n", start) - start);
-    const auto counter = con->Execute("SELECT attname FROM pg_attribute WHERE attidentity <> '' AND attrelid = to_regclass('" +
-                                      table + "')");
+    const auto counter = con->Execute(
+        "SELECT attname FROM pg_attribute WHERE attidentity <> '' AND attrelid = to_regclass('" + table + "')");
     if (counter->Eof()) return;
     const String key = counter->Fields(0).As<String>();
-    con->Execute("SELECT setval(pg_get_serial_sequence('" + table + "', '" + key + "'), greatest(max(" + key + "), 1), max(" +
-                 key + ") > 0) FROM " + table);
+    con->Execute("SELECT setval(pg_get_serial_sequence('" + table + "', '" + key + "'), greatest(max(" + key +
+                 "), 1), max(" + key + ") > 0) FROM " + table);
 }
 
 }  // namespace TestKit

@@ -5,8 +5,8 @@
 #include <filesystem>
 
 /// The database engine that the tests run on: SQLite, or the server that OXCLASS_TEST_SERVER describes by a connection
-/// string without a database, as tests/servers starts it. The tests are the same for all engines. Where engines differ, a
-/// test asks one of the questions below.
+/// string without a database, as tests/servers starts it. The tests are the same for all engines. Where engines differ,
+/// a test asks one of the questions below.
 namespace TestKit {
 
 using namespace Platform;
@@ -34,8 +34,8 @@ inline bool ReportsParameters() { return TestedEngine() == Engine::SQLite; }
 /// True if names that are not quoted keep their letter case in the database. PostgreSQL folds them to small letters.
 inline bool KeepsCaseOfNames() { return TestedEngine() == Engine::SQLite; }
 
-/// True if a column keeps a value of any type: a text in a column of numbers, a date that no calendar has. Servers check
-/// the types of their columns, so that rows can't be damaged in this way.
+/// True if a column keeps a value of any type: a text in a column of numbers, a date that no calendar has. Servers
+/// check the types of their columns, so that rows can't be damaged in this way.
 inline bool KeepsValuesOfOtherTypes() { return TestedEngine() == Engine::SQLite; }
 
 /// True if a text that is longer than its column is stored by a statement. Servers reject it.
@@ -44,8 +44,8 @@ inline bool KeepsLongTexts() { return TestedEngine() == Engine::SQLite; }
 /// True if a test may use functions, and define tables and triggers, as SQLite writes them.
 inline bool HasSqliteDefinitions() { return TestedEngine() == Engine::SQLite; }
 
-/// True if a key that a statement chooses itself moves the counter of the table. On a server the counter follows its own
-/// sequence.
+/// True if a key that a statement chooses itself moves the counter of the table. On a server the counter follows its
+/// own sequence.
 inline bool CounterFollowsKeys() { return TestedEngine() == Engine::SQLite; }
 
 /// Ends a test that an engine can't run; `question` is one of the questions above.
@@ -55,8 +55,8 @@ inline bool CounterFollowsKeys() { return TestedEngine() == Engine::SQLite; }
 /// True if the database is a file, which a test can open, lock or damage by itself.
 inline bool IsFile() { return TestedEngine() == Engine::SQLite; }
 
-/// A clinic database for one test, with all tables and no rows. On a server the destructor deletes all rows, and the next
-/// test of the program uses the database again, unless the test has changed a table.
+/// A clinic database for one test, with all tables and no rows. On a server the destructor deletes all rows, and the
+/// next test of the program uses the database again, unless the test has changed a table.
 class TestDatabase {
 public:
     /// `folder` is where an engine of files creates it.
@@ -79,8 +79,8 @@ private:
 /// Runs the statements of a script in one transaction on an SQLite database, which is created if it is missing.
 void RunOnFile(const std::filesystem::path& path, std::string_view script);
 
-/// Moves the counter of the table that a statement has inserted into behind its greatest key, as an embedded engine does by
-/// itself. Does nothing for another statement.
+/// Moves the counter of the table that a statement has inserted into behind its greatest key, as an embedded engine
+/// does by itself. Does nothing for another statement.
 void AlignCounter(const Ref<Connection>& con, const String& statement);
 
 }  // namespace TestKit

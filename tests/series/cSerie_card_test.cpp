@@ -207,8 +207,8 @@ TEST_F(SeriesAsCard, AnImageInASlotTakesNoCell) {
     AddImage(12, 3);
     AddImage(13);
     Save();
-    EXPECT_THAT(Stored(), ElementsAre("1: 11 at 0 0, 0.19 x 0.19", "2: 12 at 1 1.25, 1.5 x 1.75",
-                                      "3: 13 at 0.2 0, 0.19 x 0.19"));
+    EXPECT_THAT(Stored(),
+                ElementsAre("1: 11 at 0 0, 0.19 x 0.19", "2: 12 at 1 1.25, 1.5 x 1.75", "3: 13 at 0.2 0, 0.19 x 0.19"));
 }
 
 // ---- canvas -------------------------------------------------------------------------------------------

@@ -20,8 +20,8 @@ public:
     /// Sets the value of a key, in place of earlier ones.
     void Set(std::string_view key, const String& value);
 
-    /// Returns the text of all settings without those of these keys, in the order in which they were given and with keys
-    /// in lower case. A value is quoted if it must be.
+    /// Returns the text of all settings without those of these keys, in the order in which they were given and with
+    /// keys in lower case. A value is quoted if it must be.
     String TextWithout(std::initializer_list<std::string_view> keys) const;
 
     /// Returns the first key that is not in `known`, in lower case, or an empty text if all keys are known. A provider

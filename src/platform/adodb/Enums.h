@@ -127,8 +127,8 @@ constexpr Long adErrNotReentrant = 3710;
 /// A handler cancelled the statement, which did not run. A program that installed the handler knows the reason.
 constexpr Long adErrOperationCancelled = 3712;
 
-/// Any other failure; the description names it. It includes a full disk, a damaged file, a server that can't be reached,
-/// and a change of a recordset's row whose columns do not contain the key.
+/// Any other failure; the description names it. It includes a full disk, a damaged file, a server that can't be
+/// reached, and a change of a recordset's row whose columns do not contain the key.
 constexpr Long Failed = static_cast<Long>(0x80004005);
 /// The engine rejects a value of another type than the column's. A value that is assigned to a field is checked before,
 /// and raises `adErrDataConversion`.
@@ -164,8 +164,8 @@ constexpr Long DataOverflow = static_cast<Long>(0x80040E57);
 constexpr Long NoTransaction = static_cast<Long>(0x8004D00E);
 /// A level of nested transactions that the engine does not support.
 constexpr Long TooManyTransactions = static_cast<Long>(0x8004D013);
-/// Another connection has a lock that was not released in time, or changed the same rows at the same time. The statement
-/// had no effect; a program rolls its transaction back and may run it again.
+/// Another connection has a lock that was not released in time, or changed the same rows at the same time. The
+/// statement had no effect; a program rolls its transaction back and may run it again.
 constexpr Long LockConflict = static_cast<Long>(0x8004D019);
 /// The connection to the server is lost. An open transaction is rolled back; whether one that was just being committed
 /// is stored is not known. Every operation raises this number until the connection is closed and opened again.

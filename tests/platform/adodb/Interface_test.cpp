@@ -86,8 +86,7 @@ TEST_F(InterfaceTest, AConnectionDescribesItsMembers) {
                 ElementsAre("put ConnectionString(string)", "get ConnectionString -> string",
                             "put CursorLocation(CursorLocationEnum)", "get CursorLocation -> CursorLocationEnum",
                             "put ConnectionTimeout(int32)", "get ConnectionTimeout -> int32",
-                            "put CommandTimeout(int32)", "get CommandTimeout -> int32",
-                            "get State -> ObjectStateEnum",
+                            "put CommandTimeout(int32)", "get CommandTimeout -> int32", "get State -> ObjectStateEnum",
                             "Open([ConnectionString: string&], [UserID: string&], [Password: string&], "
                             "[Options: int32])",
                             "Close()",

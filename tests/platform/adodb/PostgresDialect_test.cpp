@@ -26,9 +26,9 @@ PostgresText Prepared(std::string_view statement) {
 }
 
 TEST(PostgresDialect, LeavesWhatTheServerCanParse) {
-    for (const char* same :
-         {"INSERT INTO t (a, b) VALUES (1, 'it''s')", "UPDATE t SET a='x' WHERE b=2;", "DELETE FROM t WHERE a=1",
-          "SELECT 2 * 3", "SELECT count(*) FROM image_t", "SELECT a FROM t -- ORDER BY a", "CREATE TABLE t (a integer)", ""})
+    for (const char* same : {"INSERT INTO t (a, b) VALUES (1, 'it''s')", "UPDATE t SET a='x' WHERE b=2;",
+                             "DELETE FROM t WHERE a=1", "SELECT 2 * 3", "SELECT count(*) FROM image_t",
+                             "SELECT a FROM t -- ORDER BY a", "CREATE TABLE t (a integer)", ""})
         EXPECT_EQ(Translated(same), same);
 }
 
@@ -49,7 +49,8 @@ TEST(PostgresDialect, SortsNullsAsTheOtherEnginesDo) {
 
 TEST(PostgresDialect, SortsEqualRowsByTheKeysOfTheTables) {
     EXPECT_EQ(Translated("SELECT * FROM Image_T"), "SELECT * FROM Image_T ORDER BY Image_T.imageid");
-    EXPECT_EQ(Translated("select * from Image_T where a=1 ;"), "select * from Image_T where a=1 ORDER BY Image_T.imageid ;");
+    EXPECT_EQ(Translated("select * from Image_T where a=1 ;"),
+              "select * from Image_T where a=1 ORDER BY Image_T.imageid ;");
     EXPECT_EQ(Translated("SELECT a FROM Image_T ORDER BY a DESC;"),
               "SELECT a FROM Image_T ORDER BY a DESC NULLS LAST, Image_T.imageid;");
     EXPECT_EQ(Translated("SELECT i.a FROM Image_T AS i LEFT JOIN Pair_T p ON (i.a=p.a) WHERE i.b IN (1,2)"),
@@ -60,6 +61,33 @@ TEST(PostgresDialect, SortsEqualRowsByTheKeysOfTheTables) {
               " ORDER BY Image_T.imageid, Pair_T.left_id, Pair_T.right_id");
     EXPECT_EQ(Translated("SELECT a FROM Image_T ORDER BY a LIMIT 1"),
               "SELECT a FROM Image_T ORDER BY a NULLS FIRST, Image_T.imageid LIMIT 1");
+}
+
+TEST(PostgresDialect, SortsByNoKeyWhereAConditionAdmitsOneRow) {
+    for (const char* same :
+         {"SELECT * FROM Image_T WHERE ImageID=5;", "SELECT * FROM Image_T i WHERE i.ImageID = 'x' AND i.b > 3",
+          "SELECT * FROM t LEFT JOIN Image_T ON t.a=Image_T.ImageID WHERE t.b=1"})
+        EXPECT_EQ(Translated(same), same);
+    EXPECT_EQ(
+        Translated("SELECT * FROM Pair_T LEFT JOIN Image_T ON Pair_T.a=Image_T.ImageID ORDER BY b"),
+        "SELECT * FROM Pair_T LEFT JOIN Image_T ON Pair_T.a=Image_T.ImageID ORDER BY b NULLS FIRST, Pair_T.left_id, "
+        "Pair_T.right_id");
+    for (const char* condition : {"ImageID>5", "ImageID=a", "ImageID=5+a", "NOT ImageID=5", "ImageID=5 OR b=1", "b=5",
+                                  "(ImageID=5) IS NULL", "f.ImageID=5"})
+        EXPECT_EQ(Translated("SELECT * FROM Image_T WHERE " + String(condition)),
+                  "SELECT * FROM Image_T WHERE " + String(condition) + " ORDER BY Image_T.imageid");
+    EXPECT_EQ(Translated("SELECT * FROM Image_T LEFT JOIN t ON t.a=Image_T.ImageID"),
+              "SELECT * FROM Image_T LEFT JOIN t ON t.a=Image_T.ImageID ORDER BY Image_T.imageid");
+}
+
+TEST(PostgresDialect, KnowsWhatReadsOnly) {
+    const auto readsOnly = [](std::string_view statement) { return ForPostgres(statement, {}, KeysOf).readsOnly; };
+    EXPECT_TRUE(readsOnly("SELECT MAX(a) AS b FROM t WHERE (c=1) AND (d IN (1,2))"));
+    EXPECT_TRUE(readsOnly("select * from t;"));
+    for (const char* other :
+         {"SELECT setval('s', 1)", "SELECT a FROM t FOR UPDATE", "SELECT a INTO u FROM t", "UPDATE t SET a=1",
+          "SELECT a_function_of_a_client(1)", "WITH x AS (DELETE FROM t) SELECT 1"})
+        EXPECT_FALSE(readsOnly(other)) << other;
 }
 
 TEST(PostgresDialect, LeavesRowsThatAreNotThoseOfATable) {
@@ -88,9 +116,8 @@ TEST(PostgresDialect, WritesAChainOfComparisonsAsAList) {
     EXPECT_EQ(Prepared("DELETE FROM t WHERE a=1 OR a=2 OR a = 3;").text, "DELETE FROM t WHERE a IN ($1,$2,$3);");
     EXPECT_EQ(Translated("SELECT b FROM t WHERE ( a='x' OR a='y') AND c=1"),
               "SELECT b FROM t WHERE ( a IN ('x','y')) AND c=1");
-    for (const char* same :
-         {"DELETE FROM t WHERE a=1 OR b=2", "DELETE FROM t WHERE c=0 AND a=1 OR a=2 AND c=1", "DELETE FROM t WHERE a=1",
-          "DELETE FROM t WHERE a=1 OR a=2+3", "UPDATE t SET a=1"})
+    for (const char* same : {"DELETE FROM t WHERE a=1 OR b=2", "DELETE FROM t WHERE c=0 AND a=1 OR a=2 AND c=1",
+                             "DELETE FROM t WHERE a=1", "DELETE FROM t WHERE a=1 OR a=2+3", "UPDATE t SET a=1"})
         EXPECT_EQ(Translated(same), same);
     EXPECT_EQ(Translated("DELETE FROM t WHERE a=1 OR a=2 AND c=1 OR a=3 OR a=4"),
               "DELETE FROM t WHERE a=1 OR a=2 AND c=1 OR a IN (3,4)");

@@ -27,7 +27,10 @@ protected:
         const Ref<Connection> other = Connect();
         other->Execute("SELECT pg_terminate_backend(" + CStr(process) + ")");
         // The process ends on its own.
-        while (CLng(other->Execute("SELECT count(*) FROM pg_stat_activity WHERE pid=" + CStr(process))->Fields(0).Value()) > 0)
+        while (
+            CLng(
+                other->Execute("SELECT count(*) FROM pg_stat_activity WHERE pid=" + CStr(process))->Fields(0).Value()) >
+            0)
             usleep(1000);
     }
 
@@ -137,8 +140,10 @@ TEST_F(PostgresTest, AStatementSeesTheColumnsOfAChangedTable) {
 }
 
 TEST_F(PostgresTest, StatementsThatAreNotCachedAnyMoreAreDroppedOnTheServer) {
-    for (int i = 0; i < 400; ++i) con->Execute("SELECT RootID AS Column" + CStr(Long{i}) + " FROM Root_T WHERE RootID=1");
-    const Long prepared = CLng(con->Execute("SELECT count(*) FROM pg_prepared_statements WHERE name<>''")->Fields(0).Value());
+    for (int i = 0; i < 400; ++i)
+        con->Execute("SELECT RootID AS Column" + CStr(Long{i}) + " FROM Root_T WHERE RootID=1");
+    const Long prepared =
+        CLng(con->Execute("SELECT count(*) FROM pg_prepared_statements WHERE name<>''")->Fields(0).Value());
     EXPECT_GE(prepared, 250);
     EXPECT_LT(prepared, 300);
 }
@@ -186,7 +191,8 @@ TEST_F(PostgresTest, AliasesKeepTheLetterCaseOfTheStatement) {
 
 TEST_F(PostgresTest, RowsKeepTheirOrderWhenOneIsUpdated) {
     for (const char* key : {"1", "2", "3"})
-        con->Execute(String("INSERT INTO ImageBild_T (PatientID, DateCaptured_SD, CRC) VALUES (7, '2024-01-01', '") + key + "')");
+        con->Execute(String("INSERT INTO ImageBild_T (PatientID, DateCaptured_SD, CRC) VALUES (7, '2024-01-01', '") +
+                     key + "')");
     con->Execute("UPDATE ImageBild_T SET CRC='new' WHERE ImageBildID=1");
     EXPECT_EQ(AskAll("SELECT CRC FROM ImageBild_T WHERE PatientID=7"), "new,2,3");
     EXPECT_EQ(AskAll("SELECT CRC FROM ImageBild_T WHERE PatientID=7 ORDER BY DateCaptured_SD DESC"), "new,2,3");

@@ -81,8 +81,8 @@ public:
     virtual void SetCommandTimeout(Long seconds) = 0;
 };
 
-/// Opens a session with the settings of a connection string. Raises if it can't be opened, `TimedOut` if the server does
-/// not answer within this number of seconds; 0: it waits without limit.
+/// Opens a session with the settings of a connection string. Raises if it can't be opened, `TimedOut` if the server
+/// does not answer within this number of seconds; 0: it waits without limit.
 using Opener = std::unique_ptr<Session> (*)(const ConnectionString& settings, Long timeout);
 
 /// Registers a provider under a name, which is compared without regard to case and may replace a built-in provider. A

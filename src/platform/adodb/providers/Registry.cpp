@@ -11,7 +11,8 @@ namespace {
 
 std::vector<std::pair<String, Opener>>& Known() {
     // For the whole process.
-    static auto& known = *new std::vector<std::pair<String, Opener>>{{"SQLite", OpenSqlite}, {"PostgreSQL", OpenPostgres}};
+    static auto& known =
+        *new std::vector<std::pair<String, Opener>>{{"SQLite", OpenSqlite}, {"PostgreSQL", OpenPostgres}};
     return known;
 }
 

@@ -10,8 +10,8 @@
 ///
 /// A literal is lifted only where a bound value means the same: in conditions, in lists of values and
 /// behind SET. In a select list it names a column, behind ORDER BY it is a position, in a type it is a
-/// width: there it stays. Floats stay too if the engine converts their digits in a statement in another way than those of
-/// a parameter (`Shape::reals`).
+/// width: there it stays. Floats stay too if the engine converts their digits in a statement in another way than those
+/// of a parameter (`Shape::reals`).
 namespace ADODB {
 
 /// A literal in a statement's text.

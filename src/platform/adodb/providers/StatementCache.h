@@ -14,8 +14,8 @@ namespace ADODB {
 template <class Statement>
 class StatementCache {
 public:
-    /// Returns the cached statement for a text, and its literals in the order of the parameters; null if none is cached.
-    /// The statement is valid until `Keep` or `Clear` is called.
+    /// Returns the cached statement for a text, and its literals in the order of the parameters; null if none is
+    /// cached. The statement is valid until `Keep` or `Clear` is called.
     Statement* Find(std::string_view text, std::vector<Literal>& literals) {
         return FirstThat(StartOf(text), [&](const Statement& kept) { return kept.shape.Matches(text, literals); });
     }
@@ -24,9 +24,8 @@ public:
     Statement* Find(std::span<const StatementPiece> pieces, std::vector<Literal>& literals) {
         const std::string_view start = pieces.empty() ? std::string_view() : StartOf(pieces.front().text);
         if (start.size() < StartLength) return nullptr;
-        return FirstThat(start, [&](const Statement& kept) {
-            return kept.bindings && kept.bindings->Match(pieces, literals);
-        });
+        return FirstThat(
+            start, [&](const Statement& kept) { return kept.bindings && kept.bindings->Match(pieces, literals); });
     }
 
     /// Adds a compiled statement, which `text` was compiled for, and returns it. A long text, which is rarely repeated,

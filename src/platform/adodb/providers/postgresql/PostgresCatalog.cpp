@@ -85,9 +85,7 @@ PostgresForm FormOfType(unsigned type) {
     }
 }
 
-bool RejectsBlank(unsigned type) {
-    return FormOfType(type) != PostgresForm::Text || DataTypeOf(type) == adDate;
-}
+bool RejectsBlank(unsigned type) { return FormOfType(type) != PostgresForm::Text || DataTypeOf(type) == adDate; }
 
 std::shared_ptr<const PostgresColumns> PostgresCatalog::ColumnsOf(const pg_result* description,
                                                                   std::string_view statement) {

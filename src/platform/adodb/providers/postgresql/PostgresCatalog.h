@@ -29,12 +29,13 @@ public:
     explicit PostgresCatalog(PostgresLink& link) : link_(link) {}
 
     /// Returns the columns of a result, or of the description of a prepared statement; nothing if it does not return
-    /// rows. `statement` is its text: a name that the text contains keeps the letter case that it has there, because the
-    /// server folds names that are not quoted. Reads a table at its first use and raises as `PostgresLink::Exchange`.
+    /// rows. `statement` is its text: a name that the text contains keeps the letter case that it has there, because
+    /// the server folds names that are not quoted. Reads a table at its first use and raises as
+    /// `PostgresLink::Exchange`.
     std::shared_ptr<const PostgresColumns> ColumnsOf(const pg_result* description, std::string_view statement);
 
-    /// Returns the columns of the primary key of a table, in their order in the table, whose name is in small letters. Returns
-    /// nothing for a table without one. Raises as `PostgresLink::Exchange`.
+    /// Returns the columns of the primary key of a table, in their order in the table, whose name is in small letters.
+    /// Returns nothing for a table without one. Raises as `PostgresLink::Exchange`.
     std::vector<String> KeyOf(const String& table);
 
     /// Discards everything, after a table has changed.

@@ -9,7 +9,7 @@ using namespace Platform;
 
 namespace {
 
-constexpr std::array<std::string_view, 9> EndOfOrder{"LIMIT",  "OFFSET",    "FETCH", "FOR", "UNION",
+constexpr std::array<std::string_view, 9> EndOfOrder{"LIMIT",  "OFFSET",    "FETCH", "FOR",  "UNION",
                                                      "EXCEPT", "INTERSECT", "ROWS",  "RANGE"};
 
 /// Conditions that compare one column with one literal after the other: "a=1 OR a=2".
@@ -74,10 +74,10 @@ private:
 
 /// The words that may follow the name of a table and are not its alias.
 constexpr std::array<std::string_view, 20> BehindTable{
-    "WHERE", "ON",     "LEFT",  "RIGHT",   "INNER", "OUTER",     "FULL",   "CROSS", "NATURAL", "JOIN",
-    "ORDER", "GROUP",  "USING", "HAVING",  "LIMIT", "OFFSET",    "UNION",  "FETCH", "EXCEPT",  "INTERSECT"};
+    "WHERE", "ON",    "LEFT",  "RIGHT",  "INNER", "OUTER",  "FULL",  "CROSS", "NATURAL", "JOIN",
+    "ORDER", "GROUP", "USING", "HAVING", "LIMIT", "OFFSET", "UNION", "FETCH", "EXCEPT",  "INTERSECT"};
 /// The words of a statement whose rows are not the rows of its tables.
-constexpr std::array<std::string_view, 8> OtherRows{"DISTINCT", "GROUP",  "HAVING", "UNION",
+constexpr std::array<std::string_view, 8> OtherRows{"DISTINCT", "GROUP",     "HAVING", "UNION",
                                                     "EXCEPT",   "INTERSECT", "WINDOW", "FOR"};
 constexpr std::array<std::string_view, 3> EndOfRows{"LIMIT", "OFFSET", "FETCH"};
 
@@ -101,6 +101,12 @@ private:
         String name;
         String alias;
     };
+    /// A column of a condition, with the alias of its table if it has one. In small letters.
+    struct Operand {
+        String alias;
+        String column;
+        bool isLiteral = false;
+    };
 
     /// Reads the statement up to its end. Returns false if its rows are not those of its tables.
     bool Read() {
@@ -112,6 +118,7 @@ private:
             if (token.kind != Lexer::Kind::Space && !Take(token.kind, piece)) return false;
             at = token.end;
         }
+        EndTerm();
         return !tables_.empty() && (sorted_ || !limited_);
     }
 
@@ -124,6 +131,7 @@ private:
 
     bool Take(Lexer::Kind kind, std::string_view piece) {
         const bool afterWord = std::exchange(afterWord_, kind == Lexer::Kind::Word);
+        if (depth_ == 0 && kind != Lexer::Kind::Word) term_.push_back({kind, piece});
         if (kind == Lexer::Kind::Word) return TakeWord(piece);
         if (kind == Lexer::Kind::Open) {
             ++depth_;
@@ -138,6 +146,7 @@ private:
 
     bool TakeWord(std::string_view word) {
         const Lexer::Keyword upper(word);
+        if (depth_ == 0) TakeTermWord(word, upper);
         if (part_ == Part::Start) {
             part_ = Part::List;
             return upper == "SELECT";
@@ -160,7 +169,7 @@ private:
             expected_ = true;
         } else if (expected_) {
             expected_ = false;
-            tables_.push_back({LCase(String(word)), String(word)});
+            tables_.push_back({LCase(word), String(word)});
             alias_ = named_ = true;
         } else if (alias_ && upper != "AS") {
             if (!upper.IsOneOf(BehindTable)) tables_.back().alias = word;
@@ -170,9 +179,50 @@ private:
         return true;
     }
 
+    /// Collects the tokens of a condition between WHERE, ON, AND and what follows them.
+    void TakeTermWord(std::string_view word, const Lexer::Keyword& upper) {
+        if (upper == "OR" || upper == "NOT") alternatives_ = true;
+        if (upper == "WHERE" || upper == "ON" || upper == "AND" || upper.IsOneOf(BehindTable)) return EndTerm();
+        term_.push_back({Lexer::Kind::Word, word});
+    }
+
+    /// Keeps a condition that compares a column with a literal or with another column.
+    void EndTerm() {
+        const auto term = std::exchange(term_, {});
+        const auto equals =
+            std::find_if(term.begin(), term.end(), [](const auto& token) { return token.second == "="; });
+        if (equals == term.end()) return;
+        const auto operand = [](auto first, auto last) -> Operand {
+            const auto size = last - first;
+            if (size == 1 && first->first == Lexer::Kind::Word) return {{}, LCase(first->second), false};
+            if (size == 1) return {{}, {}, first->first == Lexer::Kind::Number || first->first == Lexer::Kind::Text};
+            if (size == 3 && first[1].second == ".") return {LCase(first->second), LCase(first[2].second), false};
+            return {};
+        };
+        equal_.emplace_back(operand(term.begin(), equals), operand(equals + 1, term.end()));
+    }
+
+    /// Returns true if a condition admits one row of this table at most, for each row of the other tables.
+    bool IsOneRow(const Table& table, const String& key) const {
+        const auto isKey = [&](const Operand& operand) {
+            const bool own = operand.alias == LCase(table.alias) || (operand.alias.empty() && tables_.size() == 1);
+            return own && operand.column == key;
+        };
+        const auto isOther = [&](const Operand& operand) {
+            return operand.isLiteral ||
+                   (!operand.alias.empty() && operand.alias != LCase(table.alias) && &table != &tables_.front());
+        };
+        return !alternatives_ && std::any_of(equal_.begin(), equal_.end(), [&](const auto& pair) {
+            return (isKey(pair.first) && isOther(pair.second)) || (isKey(pair.second) && isOther(pair.first));
+        });
+    }
+
     void List(const TableKeys& keys) {
-        for (const Table& table : tables_)
-            for (const String& column : keys(table.name)) keys_ += (keys_.empty() ? "" : ", ") + table.alias + "." + column;
+        for (const Table& table : tables_) {
+            const std::vector<String> columns = keys(table.name);
+            if (columns.size() == 1 && IsOneRow(table, columns.front())) continue;
+            for (const String& column : columns) keys_ += (keys_.empty() ? "" : ", ") + table.alias + "." + column;
+        }
     }
 
     std::string_view text_;
@@ -180,6 +230,9 @@ private:
     std::size_t depth_ = 0;
     Part part_ = Part::Start;
     std::vector<Table> tables_;
+    std::vector<std::pair<Lexer::Kind, std::string_view>> term_;  // the condition that is being read
+    std::vector<std::pair<Operand, Operand>> equal_;
+    bool alternatives_ = false;  // conditions are joined by OR, or negated
     bool sorted_ = false;
     bool limited_ = false;
     bool afterWord_ = false;
@@ -188,6 +241,10 @@ private:
     bool alias_ = false;     // the alias of a table may follow
     String keys_;
 };
+
+/// The words in front of a parenthesis that do not call a function with an effect.
+constexpr std::array<std::string_view, 14> ReadOnlyBefore{"MAX", "MIN", "COUNT", "SUM", "AVG",  "WHERE", "AND",
+                                                          "OR",  "ON",  "IN",    "NOT", "FROM", "JOIN",  "EXISTS"};
 
 /// Copies a statement token by token and changes what the server can't parse.
 class PostgresTranslation {
@@ -199,6 +256,7 @@ public:
     }
 
     PostgresText Translated() {
+        out_.readsOnly = Lexer::Keyword(text_.substr(0, 6)) == "SELECT";
         for (std::size_t at = 0; at < text_.size();) {
             if (at == rows_.Position()) SortByKeys();
             if (nextChain_ < chains_.size() && chains_[nextChain_].start == at) {
@@ -239,7 +297,10 @@ private:
         const std::string_view piece = text_.substr(at, token.end - at);
         switch (token.kind) {
             case Lexer::Kind::Word: return TakeWord(piece);
-            case Lexer::Kind::Open: ++depth_; break;
+            case Lexer::Kind::Open:
+                ++depth_;
+                if (lastIsWord_ && !Lexer::Keyword(last_).IsOneOf(ReadOnlyBefore)) out_.readsOnly = false;
+                break;
             case Lexer::Kind::Close:
                 if (depth_ > 0) --depth_;
                 if (!orders_.empty() && orders_.back().depth > depth_) EndOrder();
@@ -272,11 +333,13 @@ private:
     void TakeWord(std::string_view word) {
         const Lexer::Keyword upper(word);
         const bool pattern = upper == "LIKE";
+        if (upper == "FOR" || upper == "INTO") out_.readsOnly = false;
         if (InOrder()) TakeOrderWord(upper);
         if (upper == "BY" && last_ == "ORDER") orders_.push_back({depth_});
         if (pattern) out_.text += 'I';
         out_.text += word;
         Remember(upper.Text());
+        lastIsWord_ = true;
     }
 
     void TakeOrderWord(const Lexer::Keyword& upper) {
@@ -306,8 +369,8 @@ private:
         out_.text += "$" + CStr(static_cast<Long>(++next_));
     }
 
-    /// Returns true if what begins at this position of the output follows an operator, a comma or a parenthesis, so that
-    /// a minus sign is not a subtraction.
+    /// Returns true if what begins at this position of the output follows an operator, a comma or a parenthesis, so
+    /// that a minus sign is not a subtraction.
     bool FollowsOperator(std::size_t at) const {
         while (at > 0 && Lexer::IsSpace(out_.text[at - 1])) --at;
         return at > 0 && std::string_view("=<>(,").find(out_.text[at - 1]) != std::string_view::npos;
@@ -332,7 +395,10 @@ private:
         orders_.pop_back();
     }
 
-    void Remember(std::string_view word) { last_ = word; }
+    void Remember(std::string_view word) {
+        last_ = word;
+        lastIsWord_ = false;
+    }
 
     std::string_view text_;
     const std::vector<Literal>& literals_;
@@ -343,14 +409,16 @@ private:
     std::size_t next_ = 0;  // the literal that is expected
     std::size_t depth_ = 0;
     std::vector<Order> orders_;
-    String last_;  // the word before, in upper case; empty behind another token
+    String last_;  // the word before, in upper case; empty behind another token and behind a long word
+    bool lastIsWord_ = false;
 };
 
 }  // namespace
 
 PostgresText ForPostgres(std::string_view statement, const std::vector<Literal>& literals, const TableKeys& keys) {
     const std::size_t end = statement.find_last_not_of(" ;\t\r\n\v\f");
-    if (EqualsIgnoringCase(Trim(statement.substr(0, end + 1)), "SELECT @@IDENTITY")) return {"SELECT lastval()", {}};
+    if (EqualsIgnoringCase(Trim(statement.substr(0, end + 1)), "SELECT @@IDENTITY"))
+        return {"SELECT lastval()", {}, true};
     return PostgresTranslation(statement, literals, keys).Translated();
 }
 

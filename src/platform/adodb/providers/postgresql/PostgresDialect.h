@@ -11,6 +11,7 @@ namespace ADODB {
 struct PostgresText {
     String text;
     std::vector<bool> negative;  ///< for each literal: the minus sign in front of it belongs to its value
+    bool readsOnly = false;      ///< it is a SELECT that locks nothing and calls no function but the usual aggregates
 };
 
 /// Returns the columns of the primary key of a table, whose name is in small letters; nothing for an unknown table.
@@ -21,10 +22,12 @@ using TableKeys = std::function<std::vector<String>(const String& table)>;
 /// - `SELECT @@IDENTITY` reads the last number of an identity column;
 /// - `DELETE * FROM` loses the star;
 /// - `ORDER BY` sorts nulls before all values, `DESC` behind them, as the other engines do;
-/// - a SELECT from tables sorts rows that are equal otherwise by the primary keys of the tables, because this server returns
-///   them in another order after one of them was updated;
+/// - a SELECT from tables sorts rows that are equal otherwise by the primary keys of the tables, because this server
+///   returns them in another order after one of them was updated; the key of a table is left out where a condition
+///   "key = literal" or the condition of its join admits one row of it at most;
 /// - `LIKE` compares without regard to the case of ASCII letters, and a backslash in its pattern is a plain character;
-/// - a chain of conditions "a=1 OR a=2" becomes "a IN (1,2)", because the time in which the server plans a chain grows with
+/// - a chain of conditions "a=1 OR a=2" becomes "a IN (1,2)", because the time in which the server plans a chain grows
+/// with
 ///   the square of its length;
 /// - a minus sign in front of a literal becomes a part of the parameter's value, because the server can't choose among
 ///   its minus operators for a parameter without a type.

@@ -14,29 +14,29 @@ struct Mapped {
 };
 
 constexpr std::array Numbers = std::to_array<Mapped>({
-    {"08P01", UnknownName},         // a parameter in the text, which has no value
-    {"42P02", UnknownName},         //
-    {"42703", UnknownName},         // no such column
-    {"42P01", NoTable},             //
-    {"42501", NoPermission},        //
-    {"25006", NoPermission},        // a read-only transaction, as on a replica
-    {"55P03", LockConflict},        // lock not available
-    {"57014", TimedOut},            // the session has cancelled it, or the server's own time limit
-    {"57P01", ConnectionLost},      // terminated by an administrator
-    {"57P02", ConnectionLost},      // the server has crashed
-    {"57P03", ConnectionLost},      // the server is starting or stopping
-    {"22001", DataOverflow},        //
-    {"22003", DataOverflow},        //
-    {"54000", DataOverflow},        // program limit exceeded
-    {"54001", DataOverflow},        // statement too complex
-    {"25P01", NoTransaction},       //
-    {"22", CantConvertValue},       // data exception
-    {"23", IntegrityViolation},     //
-    {"28", LoginFailed},            //
-    {"40", LockConflict},           // serialisation failure, deadlock
-    {"42", ErrorsInCommand},        //
-    {"08", ConnectionLost},         //
-    {"0A", ErrorsInCommand},        // feature not supported
+    {"08P01", UnknownName},      // a parameter in the text, which has no value
+    {"42P02", UnknownName},      //
+    {"42703", UnknownName},      // no such column
+    {"42P01", NoTable},          //
+    {"42501", NoPermission},     //
+    {"25006", NoPermission},     // a read-only transaction, as on a replica
+    {"55P03", LockConflict},     // lock not available
+    {"57014", TimedOut},         // the session has cancelled it, or the server's own time limit
+    {"57P01", ConnectionLost},   // terminated by an administrator
+    {"57P02", ConnectionLost},   // the server has crashed
+    {"57P03", ConnectionLost},   // the server is starting or stopping
+    {"22001", DataOverflow},     //
+    {"22003", DataOverflow},     //
+    {"54000", DataOverflow},     // program limit exceeded
+    {"54001", DataOverflow},     // statement too complex
+    {"25P01", NoTransaction},    //
+    {"22", CantConvertValue},    // data exception
+    {"23", IntegrityViolation},  //
+    {"28", LoginFailed},         //
+    {"40", LockConflict},        // serialisation failure, deadlock
+    {"42", ErrorsInCommand},     //
+    {"08", ConnectionLost},      //
+    {"0A", ErrorsInCommand},     // feature not supported
 });
 
 /// Returns the number that the server's own sources have for an SQLSTATE: six bits for each character.

@@ -37,9 +37,9 @@ constexpr const char* SessionSettings =
     "-c DateStyle=ISO -c standard_conforming_strings=on -c extra_float_digits=1 -c bytea_output=hex";
 
 void RequireKnownSettings(const ConnectionString& settings) {
-    const String unknown = settings.FirstUnknown({"Provider", "Server", "Port", "Database", "User ID", "Password",
-                                                  "Service", "SSL Mode", "SSL Root Certificate", "Application Name",
-                                                  "Persist Security Info"});
+    const String unknown =
+        settings.FirstUnknown({"Provider", "Server", "Port", "Database", "User ID", "Password", "Service", "SSL Mode",
+                               "SSL Root Certificate", "Application Name", "Persist Security Info"});
     if (!unknown.empty())
         RaiseAdo(MultipleStepFailed, ConnectionSource, "The setting \"" + unknown + "\" is not known.");
 }
@@ -126,10 +126,15 @@ PostgresLink::PostgresLink(const ConnectionString& settings, Long timeout) {
     if (PQstatus(connection_.get()) != CONNECTION_OK) {
         const String message = MessageOf(PQerrorMessage(connection_.get()));
         const bool late = timeout > 0 && std::chrono::steady_clock::now() - start >= std::chrono::seconds(timeout);
-        const bool refused = PQconnectionNeedsPassword(connection_.get()) != 0 ||
-                             PQconnectionUsedPassword(connection_.get()) != 0;
+        const bool refused =
+            PQconnectionNeedsPassword(connection_.get()) != 0 || PQconnectionUsedPassword(connection_.get()) != 0;
         connection_.reset();
-        RaisePostgres(late ? TimedOut : refused ? LoginFailed : Failed, late ? "HYT00" : refused ? "28000" : "08001",
+        RaisePostgres(late      ? TimedOut
+                      : refused ? LoginFailed
+                                : Failed,
+                      late      ? "HYT00"
+                      : refused ? "28000"
+                                : "08001",
                       message, {});
     }
     PQsetNoticeProcessor(
@@ -144,8 +149,8 @@ bool PostgresLink::InTransaction() const {
 
 void PostgresLink::RequireConnection(std::string_view statement) const {
     if (!connection_)
-        RaisePostgres(ConnectionLost, "08003",
-                      "The connection to the server is lost. Close it and open it again.", statement);
+        RaisePostgres(ConnectionLost, "08003", "The connection to the server is lost. Close it and open it again.",
+                      statement);
 }
 
 void PostgresLink::Queued(int accepted) {
@@ -208,7 +213,7 @@ void PostgresLink::Wait(Deadline& deadline, std::string_view statement) {
             }
             deadline.Extend();
             const std::unique_ptr<PGcancel, decltype(&PQfreeCancel)> cancel(PQgetCancel(connection_.get()),
-                                                                             PQfreeCancel);
+                                                                            PQfreeCancel);
             std::array<char, 256> why{};
             PQcancel(cancel.get(), why.data(), why.size());
             continue;
@@ -251,9 +256,8 @@ bool PostgresLink::IsFailure(const pg_result* result) {
 }
 
 bool PostgresLink::HasFailure(const std::vector<PostgresResult>& results) {
-    return std::any_of(results.begin(), results.end(), [](const PostgresResult& result) {
-        return IsFailure(result.get());
-    });
+    return std::any_of(results.begin(), results.end(),
+                       [](const PostgresResult& result) { return IsFailure(result.get()); });
 }
 
 String PostgresLink::FailureState(const std::vector<PostgresResult>& results) {

@@ -22,16 +22,16 @@ public:
     /// Connects. Raises if the server can't be reached within `timeout` seconds (0: no limit) or rejects the user.
     PostgresLink(const ConnectionString& settings, Long timeout);
 
-    /// Queue a command: a statement as it is written; a statement to prepare under a name; the description of a prepared
-    /// statement; a run of a prepared statement, with a text for each parameter, null for a null.
+    /// Queue a command: a statement as it is written; a statement to prepare under a name; the description of a
+    /// prepared statement; a run of a prepared statement, with a text for each parameter, null for a null.
     void QueueText(const String& text);
     void QueuePrepare(const String& name, const String& text);
     void QueueDescribe(const String& name);
     void QueueRun(const String& name, const std::vector<const char*>& values);
 
     /// Sends the queued commands and returns a result for each one. After a command that fails the later ones do not
-    /// run. Does not raise what the server reports (`RaiseFirstFailure`). Raises `TimedOut` if the server does not answer
-    /// a cancellation either, and `ConnectionLost`; `statement` is what these errors are about.
+    /// run. Does not raise what the server reports (`RaiseFirstFailure`). Raises `TimedOut` if the server does not
+    /// answer a cancellation either, and `ConnectionLost`; `statement` is what these errors are about.
     std::vector<PostgresResult> Exchange(std::string_view statement);
 
     /// Raises the first failure among the results of an exchange, if there is one.
@@ -43,8 +43,8 @@ public:
     /// Returns true if an exchange contains a failure.
     static bool HasFailure(const std::vector<PostgresResult>& results);
 
-    /// Return the SQLSTATE and the server's text of the first failure; empty if there is none, and for an empty text, which
-    /// the server does not report as a failure.
+    /// Return the SQLSTATE and the server's text of the first failure; empty if there is none, and for an empty text,
+    /// which the server does not report as a failure.
     static String FailureState(const std::vector<PostgresResult>& results);
     static String FailureText(const std::vector<PostgresResult>& results);
 

@@ -138,9 +138,7 @@ public:
         commands.push_back("SAVEPOINT level" + CStr(level));
         Command(commands);
     }
-    void Commit(Long level) override {
-        Command({level == 1 ? "COMMIT" : "RELEASE SAVEPOINT level" + CStr(level)});
-    }
+    void Commit(Long level) override { Command({level == 1 ? "COMMIT" : "RELEASE SAVEPOINT level" + CStr(level)}); }
     void RollBack(Long level) override {
         if (!link_.InTransaction()) return;  // the connection is lost
         if (level == 1) return Command({"ROLLBACK"});
@@ -153,21 +151,24 @@ public:
     void SetCommandTimeout(Long seconds) override { link_.SetTimeout(seconds); }
 
 private:
-    /// Sends the commands that `queue` queues and returns their results. In a transaction a savepoint is set in front of
-    /// them, by the same round trip; after a failure the transaction is rolled back to it.
+    /// Sends the commands that `queue` queues and returns their results. In a transaction a savepoint is set in front
+    /// of them, by the same round trip, unless nothing was changed since the last one; after a failure the transaction
+    /// is rolled back to it.
     template <class Queue>
-    std::vector<PostgresResult> Try(std::string_view text, Queue queue) {
-        const bool save = link_.InTransaction() && !SetsTransaction(text);
+    std::vector<PostgresResult> Try(std::string_view text, bool readsOnly, Queue queue) {
+        const bool save = link_.InTransaction() && !SetsTransaction(text) && (!saved_ || changed_);
         std::vector<String> before = save ? EndOfSavepoint() : std::vector<String>();
         if (save) before.push_back(String("SAVEPOINT ") + Savepoint);
-        if (!save && dropped_->size() >= ManyDropped) DropUnused();
+        if (!link_.InTransaction() && dropped_->size() >= ManyDropped) DropUnused();
         for (const String& command : before) link_.QueueText(command);
         queue();
         std::vector<PostgresResult> results = link_.Exchange(text);
         saved_ = (save || saved_) && link_.InTransaction();
+        changed_ = (changed_ && !save) || !readsOnly;
         if (saved_ && PostgresLink::HasFailure(results)) {
             link_.QueueText(String("ROLLBACK TO SAVEPOINT ") + Savepoint);
             link_.Exchange(text);
+            changed_ = false;
         }
         const auto own = results.begin() + static_cast<std::ptrdiff_t>(before.size());
         if (std::any_of(results.begin(), own, [](const auto& result) { return PostgresLink::IsFailure(result.get()); }))
@@ -176,7 +177,8 @@ private:
         return results;
     }
 
-    /// Tells the server to drop the statements that the cache has removed. A failure leaves them until the session ends.
+    /// Tells the server to drop the statements that the cache has removed. A failure leaves them until the session
+    /// ends.
     void DropUnused() {
         for (const String& name : std::exchange(*dropped_, {})) link_.QueueText("DEALLOCATE " + name);
         link_.Exchange("DEALLOCATE");
@@ -196,7 +198,8 @@ private:
         saved_ = false;
     }
 
-    /// Returns the prepared statement of a text, and its literals in `literals_`; null if the text must be sent as it is.
+    /// Returns the prepared statement of a text, and its literals in `literals_`; null if the text must be sent as it
+    /// is.
     PostgresStatement* For(std::string_view text) {
         if (PostgresStatement* const kept = statements_.Find(text, literals_)) return kept;
         PostgresStatement statement;
@@ -207,6 +210,7 @@ private:
         PostgresText translated = ForPostgres(text, literals_, keys_);
         statement.negative = std::move(translated.negative);
         statement.translated = std::move(translated.text);
+        statement.readsOnly = translated.readsOnly;
         if (PostgresLink::HasFailure(Prepare(statement, text))) return nullptr;
         return &statements_.Keep(std::move(statement), text);
     }
@@ -226,7 +230,7 @@ private:
     /// results contain the failure.
     std::vector<PostgresResult> Prepare(PostgresStatement& statement, std::string_view text) {
         PreparedName name(prefix_ + std::to_string(++prepared_), dropped_);
-        std::vector<PostgresResult> results = Try(text, [&] {
+        std::vector<PostgresResult> results = Try(text, true, [&] {
             link_.QueuePrepare(name.Text(), statement.translated);
             link_.QueueDescribe(name.Text());
         });
@@ -248,7 +252,7 @@ private:
     /// there is one, is among the results. `text` is what errors are about.
     std::vector<PostgresResult> RunWithValues(PostgresStatement& statement, std::string_view text) {
         const auto run = [&] {
-            return Try(text, [&] { link_.QueueRun(statement.name.Text(), values_.Texts()); });
+            return Try(text, statement.readsOnly, [&] { link_.QueueRun(statement.name.Text(), values_.Texts()); });
         };
         std::vector<PostgresResult> results = run();
         if (!IsForgotten(results)) return results;
@@ -267,8 +271,9 @@ private:
     }
 
     Outcome RunText(std::string_view text) {
-        const String translated = ForPostgres(text, {}, keys_).text;
-        std::vector<PostgresResult> results = Try(text, [&] { link_.QueueText(translated); });
+        const PostgresText translated = ForPostgres(text, {}, keys_);
+        std::vector<PostgresResult> results =
+            Try(text, translated.readsOnly, [&] { link_.QueueText(translated.text); });
         PostgresLink::RaiseFirstFailure(results, text);
         if (IsDefinition(results.back().get())) catalog_.Forget();
         const auto columns = catalog_.ColumnsOf(results.back().get(), text);
@@ -310,8 +315,8 @@ private:
         return numbered;
     }
 
-    /// Returns true if the server has dropped a prepared statement (a connection pool, DISCARD ALL), or can't run it any
-    /// more because a table has changed.
+    /// Returns true if the server has dropped a prepared statement (a connection pool, DISCARD ALL), or can't run it
+    /// any more because a table has changed.
     static bool IsForgotten(const std::vector<PostgresResult>& results) {
         const String state = PostgresLink::FailureState(results);
         return state == "26000" || state == "0A000";
@@ -338,7 +343,8 @@ private:
     std::size_t prepared_ = 0;
     std::vector<Literal> literals_;  // of the statement that runs
     PostgresValues values_;
-    bool saved_ = false;  // the savepoint of the last statement exists
+    bool saved_ = false;    // the savepoint of the last statement exists
+    bool changed_ = false;  // a statement since then may have changed or locked something
 };
 
 }  // namespace

@@ -32,8 +32,7 @@ void PostgresValues::Add(std::string_view text) {
 
 void PostgresValues::Point() {
     texts_.clear();
-    for (const std::size_t offset : offsets_)
-        texts_.push_back(offset == NullOffset ? nullptr : bytes_.data() + offset);
+    for (const std::size_t offset : offsets_) texts_.push_back(offset == NullOffset ? nullptr : bytes_.data() + offset);
 }
 
 void PostgresValues::Set(const PostgresStatement& statement, const std::vector<Literal>& literals) {

@@ -5,8 +5,8 @@
 
 namespace ADODB {
 
-/// The name of a statement that the server has prepared. The destructor adds it to a list of names that the session tells
-/// the server to drop.
+/// The name of a statement that the server has prepared. The destructor adds it to a list of names that the session
+/// tells the server to drop.
 class PreparedName {
 public:
     using Dropped = std::shared_ptr<std::vector<String>>;
@@ -35,9 +35,10 @@ struct PostgresStatement {
     Shape shape;
     std::optional<PieceBindings> bindings;  ///< if it ran as pieces
     String translated;                      ///< its text with "$1", "$2" and so on
+    bool readsOnly = false;                 ///< it changes and locks nothing
     PreparedName name;
-    std::vector<bool> negative;             ///< for each parameter: its value has a minus sign in front of the literal
-    std::vector<bool> nullIfBlank;          ///< for each parameter: an empty text is a null
+    std::vector<bool> negative;     ///< for each parameter: its value has a minus sign in front of the literal
+    std::vector<bool> nullIfBlank;  ///< for each parameter: an empty text is a null
     std::shared_ptr<const PostgresColumns> columns;  ///< null if it does not return rows
 };
 

@@ -232,7 +232,8 @@ String SnapshotName(const String& file) {
 }
 
 void RequireKnownSettings(const ConnectionString& settings) {
-    const String unknown = settings.FirstUnknown({"Provider", "Data Source", "Mode", "User ID", "Password", "Persist Security Info"});
+    const String unknown =
+        settings.FirstUnknown({"Provider", "Data Source", "Mode", "User ID", "Password", "Persist Security Info"});
     if (!unknown.empty())
         RaiseAdo(MultipleStepFailed, ConnectionSource, "The setting \"" + unknown + "\" is not known.");
     if (!settings.Value("Password").empty())
