@@ -2105,6 +2105,16 @@ class Connection(Object):
     @CursorLocation.setter
     def CursorLocation(self, Value: typing.Union[enumerations.CursorLocationEnum, builtins.int]) -> None: ...
     @builtins.property
+    def ConnectionTimeout(self) -> builtins.int:
+        """After how many seconds a server that does not answer is given up when the connection is opened."""
+    @ConnectionTimeout.setter
+    def ConnectionTimeout(self, Value: builtins.int) -> None: ...
+    @builtins.property
+    def CommandTimeout(self) -> builtins.int:
+        """After how many seconds a statement of a server is cancelled; 0: never."""
+    @CommandTimeout.setter
+    def CommandTimeout(self, Value: builtins.int) -> None: ...
+    @builtins.property
     def State(self) -> enumerations.ObjectStateEnum:
         """The state: 0 closed, 1 open."""
     def Open(self, ConnectionString: builtins.str = ..., UserID: builtins.str = ..., Password: builtins.str = ..., Options: builtins.int = ...) -> None:
