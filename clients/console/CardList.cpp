@@ -78,14 +78,14 @@ CardList ListCards(const Database& database, const std::string& patient) {
 
 std::map<Long, ImagesOfEntry> ImagesOfCards(const Database& database, Long patient) {
     std::map<Long, ImagesOfEntry> cards;
-    const Ref<Recordset> rows =
-        database.Read(sql("SELECT c.ImageCardID, count(*), sum(CASE WHEN i.Approved <> 0 THEN 1 WHEN i.Approved = 0 THEN 0 "
-                          "END) "
-                          "FROM ImageCard_T c JOIN ImageAttribute_T a ON "
-                          "a.ImageCardID = c.ImageCardID LEFT JOIN ImageBild_T i "
-                          "ON i.ImageBildID = a.ImageBildId WHERE "
-                          "c.PatientID = ",
-                          patient, " GROUP BY c.ImageCardID"));
+    const Ref<Recordset> rows = database.Read(
+        sql("SELECT c.ImageCardID, count(*), sum(CASE WHEN i.Approved <> 0 THEN 1 WHEN i.Approved = 0 THEN 0 "
+            "END) "
+            "FROM ImageCard_T c JOIN ImageAttribute_T a ON "
+            "a.ImageCardID = c.ImageCardID LEFT JOIN ImageBild_T i "
+            "ON i.ImageBildID = a.ImageBildId WHERE "
+            "c.PatientID = ",
+            patient, " GROUP BY c.ImageCardID"));
     for (; !rows->Eof(); rows->MoveNext()) {
         const Long count = rows->Fields(1).As<Long>();
         const ADODB::Field approved = rows->Fields(2);

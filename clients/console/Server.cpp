@@ -33,12 +33,10 @@ private:
 };
 
 std::string TypedPassword(const std::string& user) {
+    const WithoutEcho silent;
     fmt::print(stderr, "Password{}: ", user.empty() ? "" : " of " + Printable(user));
     std::string password;
-    {
-        const WithoutEcho silent;
-        std::getline(std::cin, password);
-    }
+    std::getline(std::cin, password);
     fmt::print(stderr, "\n");
     return password;
 }
@@ -57,7 +55,8 @@ bool NamesServer(const std::string& database) {
 
 std::string ShownName(const std::string& database) {
     const std::string small = LCase(database);
-    if (!IsConnectionString(database) || !(Platform::Contains(small, "password") || Platform::Contains(small, "pwd"))) return database;
+    if (!IsConnectionString(database) || !(Platform::Contains(small, "password") || Platform::Contains(small, "pwd")))
+        return database;
     try {
         return ADODB::ConnectionString(database).TextWithout({"Password", "Pwd"});
     } catch (const Error&) {

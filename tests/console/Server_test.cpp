@@ -1,17 +1,21 @@
 #include "ProgramTest.h"
+#include "platform/runtime/Services.h"
 
 #include <cstdlib>
 #include <fstream>
 #include <gmock/gmock.h>
+#include <pty.h>
+#include <regex>
 #include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
 using namespace ProgramTest;
-using ::testing::HasSubstr;
-using ::testing::Not;
 using Platform::New;
 using Platform::Ref;
+using ::testing::HasSubstr;
+using ::testing::Not;
 
 /// The tables of a clinic, each with its key.
 constexpr std::pair<const char*, const char*> Tables[] = {
@@ -194,12 +198,15 @@ TEST_F(OnServer, EveryCommandDoesWhatItDoesOnSqlite) {
         fs::remove(report);
         const Result run = On(database, command);
         const std::string files = ContentOf(picture) + ContentOf(report);
-        return Platform::Replace(std::to_string(run.code) + "\n" + run.out + run.err + files, root, "ROOT");
+        const std::string all = std::to_string(run.code) + "\n" + run.out + run.err + files;
+        return std::regex_replace(Platform::Replace(all, root, "ROOT"), std::regex("[0-9A-F]{32}"), "GUID");
     };
+    const auto clock = std::exchange(Platform::TheHost().Now, [] { return Platform::CDate("2026-03-04 05:06:07"); });
     for (const auto& command : commands) {
         const std::string onFile = made(Database(), (folder.Path() / "images").string(), command);
         EXPECT_EQ(made(Clinic(), Root().string(), command), onFile) << testing::PrintToString(command);
     }
+    Platform::TheHost().Now = clock;
 }
 
 TEST_F(OnServer, SixteenImportersStoreEachImageOnce) {
@@ -246,14 +253,75 @@ TEST_F(OnServer, ABackupIsRestoredAsAFileAndCopiedBack) {
 
 TEST_F(OnServer, NoMessageHasThePassword) {
     InitServer();
-    const std::string secret = Clinic() + ";Password=geheim";
-    for (const Result& run : {On(secret, {"patients", "--trace"}), On(secret + ";Port=9", {"patients"}),
-                              On(secret + ";PWD=geheim", {"patients", "--json"}), On(secret + "';'", {"patients"}),
-                              Try({"init", secret, "--root", Root().string()}),
-                              On(secret, {"copy", "--to", secret, "--json"})})
-        EXPECT_THAT(run.out + run.err, Not(HasSubstr("geheim")));
+    const std::string secret = Clinic() + ";Password=sesame";
+    for (const Result& run :
+         {On(secret, {"patients", "--trace"}), On(secret + ";Port=9", {"patients"}),
+          On(secret + ";PWD=sesame", {"patients", "--json"}), On(secret + "';'", {"patients"}),
+          Try({"init", secret, "--root", Root().string()}), On(secret, {"copy", "--to", secret, "--json"})})
+        EXPECT_THAT(run.out + run.err, Not(HasSubstr("sesame")));
     EXPECT_EQ(On(secret, {"patients"}).code, 0);
     EXPECT_EQ(On(secret + ";Port=9", {"patients"}).code, 1);
+}
+
+/// The account "clerk", which needs a password and may not create tables.
+class AsClerk : public OnServer {
+protected:
+    void SetUp() override {
+        OnServer::SetUp();
+        if (IsSkipped()) return;
+        InitServer();
+        Open(Clinic())->Execute("GRANT SELECT, INSERT, UPDATE, DELETE ON ALL TABLES IN SCHEMA public TO clerk");
+    }
+    std::string ClinicOfClerk() const { return Clinic() + ";User ID=clerk"; }
+};
+
+TEST_F(AsClerk, ImportsWithoutTheRightToCreateTables) {
+    Write("2.25.6", 1, FullMouth18[7],
+          [](DcmDataset& set) { set.putAndInsertString(DCM_IssuerOfPatientID, "Clinic"); });
+    const Result run = On(ClinicOfClerk() + ";Password='right;word'", {"import", Films()});
+    EXPECT_EQ(run.code, 0) << run.err;
+    EXPECT_EQ(RowsOnServer("PatientIssuer_T"), 1U);
+}
+
+TEST_F(AsClerk, AWrongPasswordIsRefused) {
+    const Result run = On(ClinicOfClerk() + ";Password=wrong", {"patients"});
+    EXPECT_EQ(run.code, 1);
+    EXPECT_THAT(run.err, HasSubstr("the server rejects the user; look at User ID and Password"));
+    EXPECT_THAT(run.err, Not(HasSubstr("wrong")));
+}
+
+TEST_F(AsClerk, APasswordFileOpensTheDatabase) {
+    const std::string file = (folder.Path() / "password").string();
+    std::ofstream(file) << "right;word\n";
+    const Result run = On(ClinicOfClerk() + ";Password File=" + file, {"patients"});
+    EXPECT_EQ(run.code, 0) << run.err;
+}
+
+TEST_F(AsClerk, AMissingPasswordIsAskedForOnATerminalWithoutEcho) {
+    const std::string database = ClinicOfClerk();
+    int terminal = -1;
+    const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
+    if (child == 0) {
+        const char* const arguments[] = {"oxclass", "--db", database.c_str(), "patients"};
+        const int code = Console::RunProgram(4, arguments);
+        std::fflush(nullptr);
+        std::_Exit(code);
+    }
+    std::string shown;
+    char bytes[512];
+    bool answered = false;
+    for (ssize_t size = 0; (size = read(terminal, bytes, sizeof(bytes))) > 0;) {
+        shown.append(bytes, static_cast<std::size_t>(size));
+        if (answered || !Platform::Contains(shown, "Password of clerk: ")) continue;
+        answered = true;
+        ASSERT_EQ(write(terminal, "right;word\n", 11), 11);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    close(terminal);
+    EXPECT_EQ(status, 0) << shown;
+    EXPECT_THAT(shown, HasSubstr("There are no patients yet"));
+    EXPECT_THAT(shown, Not(HasSubstr("right;word")));
 }
 
 /// A clinic in a file that is copied to the server.
@@ -305,9 +373,8 @@ TEST_F(CopyToServer, TheCountersContinueBehindTheKeys) {
     for (const auto& [table, key] : Tables) {
         if (std::string_view(table) == "ClinicIdentity_T" || std::string_view(table) == "PatientIssuer_T") continue;
         const Ref<ADODB::Connection> con = Open(Clinic());
-        const auto greatest = [&] {
-            return con->Execute(std::string("SELECT max(") + key + ") FROM " + table)->Fields(0).As<Platform::Long>();
-        };
+        const std::string query = std::string("SELECT max(") + key + ") FROM " + table;
+        const auto greatest = [&] { return con->Execute(query)->Fields(0).As<Platform::Long>(); };
         const Platform::Long before = greatest();
         con->Execute(std::string("INSERT INTO ") + table + " DEFAULT VALUES");
         EXPECT_EQ(greatest(), before + 1) << table;
@@ -322,6 +389,8 @@ TEST_F(CopyToServer, AnInitialisedTargetIsTakenAndOneWithRowsIsNot) {
     const Result again = Copy();
     EXPECT_EQ(again.code, 1);
     EXPECT_THAT(again.err, HasSubstr("the target has rows in GlobalList_T already and is not changed"));
+    for (const std::string& itself : {Database(), Clinic()})
+        EXPECT_THAT(On(itself, {"copy", "--to", itself}).err, HasSubstr("the target is the clinic itself"));
     Open(Clinic())->Execute("UPDATE SchemaVersion_T SET Version = 2");
     EXPECT_THAT(Copy().err, HasSubstr("was made by a newer program"));
 }
@@ -337,7 +406,7 @@ TEST_F(CopyToServer, AValueThatTheTargetCantTakeEndsTheCopyWithoutATrace) {
         {"UPDATE Patient_T SET Comments_NVC = CAST(X'61FF' AS TEXT)",
          "Patient_T, PatientID 1: the target can't take the Comments_NVC "},
         {"UPDATE Study_T SET StudyDateTime = '2026-01-02 10:00:00.4'",
-         "Study_T, Study_ID 1: the target can't take the StudyDateTime '2026-01-02 10:00:00'"},
+         "Study_T, Study_ID 1: the target can't take the StudyDateTime '2026-01-02 10:00:00.4'"},
         {"ALTER TABLE Clinic_T ADD COLUMN Colour TEXT", "Clinic_T: the target has no column Colour"},
     };
     const std::string sound = ContentOf(Database());

@@ -342,8 +342,8 @@ private:
             "FROM {} c WHERE {} AND c.{} <> 0{} AND NOT "
             "EXISTS (SELECT 1 FROM {} o WHERE o.{} "
             "= c.{})",
-            reference.table, IsWhole(con_, fmt::format("c.{}", reference.column)), reference.column, reference.also, reference.owner, reference.ownerKey,
-            reference.column);
+            reference.table, IsWhole(con_, fmt::format("c.{}", reference.column)), reference.column, reference.also,
+            reference.owner, reference.ownerKey, reference.column);
         const Ref<Recordset> rows = database_.Read(fmt::format("SELECT c.{}, c.{} {} ORDER BY c.{}", reference.key,
                                                                reference.column, condition, reference.key));
         const bool repaired = repair_ && std::string_view(reference.what) == "manipulation" && !rows->Eof();

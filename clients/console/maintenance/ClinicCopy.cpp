@@ -289,6 +289,8 @@ void ReadOneState(const Ref<Connection>& con) {
 }  // namespace
 
 std::vector<CopiedTable> CopyClinic(const Database& source, const Ref<Connection>& target) {
+    if (source.Con()->ConnectionString() == target->ConnectionString())
+        throw UserError("the target is the clinic itself; name another database");
     ReadOneState(source.Con());
     const ADODB::Transaction reading(source.Con());
     ADODB::Transaction writing(target);
@@ -316,6 +318,7 @@ std::vector<CopiedTable> CopyClinicToNewFile(const Database& source, const std::
     const Ref<Connection> target = New<Connection>();
     target->Open(ConnectionStringOf(made.Made().string(), "Create"));
     std::vector<CopiedTable> copied = CopyClinic(source, target);
+    target->Execute("PRAGMA journal_mode = DELETE");  // the file can be read without a log beside it
     target->Close();
     made.Finish();
     return copied;

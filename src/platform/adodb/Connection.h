@@ -68,9 +68,9 @@ public:
     /// success the property does not contain a password, unless the text has the setting "Persist Security Info=True".
     ///
     /// Raises 3705 if open, 3706 for an unknown provider, 0x80040E21 for a setting that can't be parsed or is not
-    /// supported and for a password file that can't be read, 0x80040E4D if the server rejects the user, 0x80040E31 if it
-    /// does not answer within `ConnectionTimeout`, and what the engine raises. No description contains the password. On
-    /// failure a closed connection stays closed, and the property `ConnectionString` may already have the new text.
+    /// supported and for a password file that can't be read, 0x80040E4D if the server rejects the user, 0x80040E31 if
+    /// it does not answer within `ConnectionTimeout`, and what the engine raises. No description contains the password.
+    /// On failure a closed connection stays closed, and the property `ConnectionString` may already have the new text.
     /// `Options` is ignored.
     void Open(const String& ConnectionString = {}, const String& UserID = {}, const String& Password = {},
               Long Options = -1);
@@ -115,8 +115,8 @@ public:
     /// Sets the connection string for the next `Open`. Raises 3705 while open.
     void SetConnectionString(const String& text);
 
-    /// Return after how many seconds a server that does not answer `Open` (15 unless it is set), or a statement (30), is
-    /// given up with 0x80040E31; 0: never. An embedded engine ignores both.
+    /// Return after how many seconds a server that does not answer `Open` (15 unless it is set), or a statement (30),
+    /// is given up with 0x80040E31; 0: never. An embedded engine ignores both.
     Long ConnectionTimeout() const noexcept { return connectionTimeout_; }
     Long CommandTimeout() const noexcept { return commandTimeout_; }
     /// Set these times. Raise 3001 for a negative number; `SetConnectionTimeout` raises 3705 while open.
