@@ -132,8 +132,8 @@ void AddInit(Program& program) {
         ->type_name("DIR");
     command->add_flag("--replace", given->replace, "rename an existing database to FILE.old first");
     command->footer(
-        "Examples: oxclass init clinic.db --root /srv/images\n"
-        "          oxclass init \"Provider=PostgreSQL;Server=db;Database=clinic;User ID=oxclass\" --root /srv/images");
+        "Example: oxclass init clinic.db --root /srv/images\n"
+        "On a server: oxclass init \"Provider=PostgreSQL;Server=db;Database=clinic;User ID=ann\" --root /srv/images");
     command->callback([given] { Init(given->file, given->root, given->replace); });
 }
 

@@ -47,7 +47,7 @@ void AddCopy(Program& program) {
         ->required();
     command->footer(
         "Every value is compared after the copy. Image files are not copied.\n"
-        "Example: oxclass --db clinic.db copy --to \"Provider=PostgreSQL;Server=db;Database=clinic;User ID=oxclass\"");
+        "Example: oxclass --db clinic.db copy --to \"Provider=PostgreSQL;Server=db;Database=clinic;User ID=ann\"");
     command->callback([&program, target] { Copy(program.options, *target); });
 }
 
