@@ -201,7 +201,8 @@ private:
     void Insert(const std::string& values, std::span<const Row> rows) const {
         try {
             Run(fmt::format("INSERT INTO {} ({}) VALUES {}", table_.name, NamesOf(columns_), values));
-        } catch (const Error& failure) {
+        } catch (Error& failure) {
+            failure.Statement.clear();  // too long for a message
             if (failure.Number == ADODB::ConnectionLost || failure.Number == ADODB::NoTransaction) throw;
             for (const Row& row : rows) RefuseIfRejected(row);
             throw;

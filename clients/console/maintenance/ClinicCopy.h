@@ -21,8 +21,9 @@ struct CopiedTable {
 /// column of numbers or dates becomes a null; for any other value that a column of the target can't take, throws a
 /// `UserError` that names the table, the key and the column.
 ///
-/// Reads the state that the source has at the beginning, and writes in one transaction; after a failure the target is
-/// unchanged. Memory does not grow with the clinic. Shows its progress on standard error.
+/// Reads the state that the source has at the beginning; a source in a file can't be written meanwhile. Writes in one
+/// transaction; after a failure the target is unchanged. Memory does not grow with the clinic. Shows its progress on
+/// standard error.
 std::vector<CopiedTable> CopyClinic(const Database& source, const Ref<Connection>& target);
 
 /// Copies a clinic into a new SQLite file, as `CopyClinic`. The file appears when it is complete, and replaces an
