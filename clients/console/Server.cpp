@@ -41,6 +41,23 @@ std::string TypedPassword(const std::string& user) {
     return password;
 }
 
+bool MayHavePassword(const std::string& database) {
+    const std::string small = LCase(database);
+    return Platform::Contains(small, "password") || Platform::Contains(small, "pwd");
+}
+
+/// Returns the settings of a connection string. The failure to parse a text quotes a part of it, which may belong to
+/// the password; throws a `UserError` without it then.
+ADODB::ConnectionString SettingsOf(const std::string& database) {
+    try {
+        return ADODB::ConnectionString(database);
+    } catch (const Error&) {
+        if (!MayHavePassword(database)) throw;
+        throw UserError(
+            "the connection string can't be read; put a value with \";\" or quotes into quotes, as in Password='a;b'");
+    }
+}
+
 }  // namespace
 
 Engine EngineOf(const Ref<Connection>& con) {
@@ -49,19 +66,12 @@ Engine EngineOf(const Ref<Connection>& con) {
 }
 
 bool NamesServer(const std::string& database) {
-    return IsConnectionString(database) &&
-           !EqualsIgnoringCase(ADODB::ConnectionString(database).Value("Provider"), "SQLite");
+    return IsConnectionString(database) && !EqualsIgnoringCase(SettingsOf(database).Value("Provider"), "SQLite");
 }
 
 std::string ShownName(const std::string& database) {
-    const std::string small = LCase(database);
-    if (!IsConnectionString(database) || !(Platform::Contains(small, "password") || Platform::Contains(small, "pwd")))
-        return database;
-    try {
-        return ADODB::ConnectionString(database).TextWithout({"Password", "Pwd"});
-    } catch (const Error&) {
-        return "the connection string";
-    }
+    if (!IsConnectionString(database) || !MayHavePassword(database)) return database;
+    return SettingsOf(database).TextWithout({"Password", "Pwd"});
 }
 
 void OpenServer(const Ref<Connection>& con, const std::string& database) {

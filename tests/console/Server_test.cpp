@@ -257,6 +257,7 @@ TEST_F(OnServer, NoMessageHasThePassword) {
     for (const Result& run :
          {On(secret, {"patients", "--trace"}), On(secret + ";Port=9", {"patients"}),
           On(secret + ";PWD=sesame", {"patients", "--json"}), On(secret + "';'", {"patients"}),
+          On(Clinic() + ";Password=x;sesame", {"patients"}), Try({"init", Clinic() + ";Password=x;sesame"}),
           Try({"init", secret, "--root", Root().string()}), On(secret, {"copy", "--to", secret, "--json"})})
         EXPECT_THAT(run.out + run.err, Not(HasSubstr("sesame")));
     EXPECT_EQ(On(secret, {"patients"}).code, 0);
