@@ -4,10 +4,10 @@
 -- The issuer of a patient's identifier, where it is known. Identifiers are unique only together with it.
 CREATE TABLE IF NOT EXISTS PatientIssuer_T (
     PatientID INTEGER PRIMARY KEY,
-    Issuer NVARCHAR(64)
+    Issuer VARCHAR(64)
 );
 
 -- One row: what the marker file of each storage root of this database must name.
 CREATE TABLE IF NOT EXISTS ClinicIdentity_T (
-    Identity NVARCHAR(64)
+    Identity VARCHAR(64)
 );

@@ -19,7 +19,7 @@ import tempfile
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 README, PYTHON_README = os.path.join(ROOT, "README.md"), os.path.join(ROOT, "clients", "python", "README.md")
-NEEDS_A_SERVER = "RIS@"
+NEEDS_A_SERVER = ("RIS@", "Provider=PostgreSQL")
 PARTLY_IMPORTED = 3  # some samples can't be imported, on purpose
 COMMANDS = ("oxclass", "export", "cmake", "cc", "./client")
 
@@ -44,7 +44,7 @@ def run_commands(commands, environment):
             name, value = command[len("export "):].split("=", 1)
             environment[name] = value
             continue
-        if NEEDS_A_SERVER in command:
+        if any(mark in command for mark in NEEDS_A_SERVER):
             continue
         done = subprocess.run(["sh", "-c", command], env=environment, capture_output=True, text=True)
         if done.returncode not in ((0, PARTLY_IMPORTED) if " import " in command else (0,)):

@@ -1,5 +1,6 @@
 #include "console/CardList.h"
 
+#include "console/WriteTransaction.h"
 #include "frame/Statement.h"
 
 #include <fmt/format.h>
@@ -12,28 +13,28 @@ using namespace OXClass;
 
 /// Returns the SQL of the images without a series that may belong to this one: no readable column of their rows names
 /// another study.
-std::string ImagesThatMayBelongTo(Long series) {
-    return sql(
-        "FROM ImageBild_T i WHERE (typeof(i.Series_ID) <> 'integer' OR "
-        "i.Series_ID = 0) AND (typeof(i.Study_ID) "
-        "<> 'integer' OR i.Study_ID = 0 OR i.Study_ID = (SELECT Study_ID "
-        "FROM Series_T WHERE Series_ID = ",
-        series,
-        ")) AND (typeof(i.PatientID) <> 'integer' OR i.PatientID = "
-        "(SELECT PatientID FROM Study_T WHERE "
-        "Study_ID = (SELECT Study_ID FROM Series_T WHERE Series_ID = ",
-        series, ")))");
+std::string ImagesThatMayBelongTo(const Ref<Connection>& con, Long series) {
+    const auto unknown = [&](const char* column) { return "NOT (" + IsWhole(con, column) + ")"; };
+    return fmt::format(
+        "FROM ImageBild_T i WHERE ({} OR i.Series_ID = 0) AND ({} OR i.Study_ID = 0 OR i.Study_ID = "
+        "(SELECT Study_ID FROM Series_T WHERE Series_ID = {})) AND ({} OR i.PatientID = "
+        "(SELECT PatientID FROM Study_T WHERE Study_ID = (SELECT Study_ID FROM Series_T WHERE Series_ID = {})))",
+        unknown("i.Series_ID"), unknown("i.Study_ID"), series, unknown("i.PatientID"), series);
 }
 
 /// Deletes a series without image files and returns whether it was deleted. The statement checks for files again,
-/// because a capture may have stored one since the list was read.
+/// because a capture may have stored one since the list was read. On a server a statement does not see what an import
+/// stores meanwhile, so the imports wait.
 bool DeleteOrphan(const Database& database, Long series) {
     Long deleted = 0;
-    const std::string unknown = ImagesThatMayBelongTo(series);
+    const std::string unknown = ImagesThatMayBelongTo(database.Con(), series);
+    std::optional<WriteTransaction> transaction;
+    if (IsServer(database.Con())) transaction.emplace(database.Con());
     database.Con()->Execute(sql("DELETE FROM Series_T WHERE Series_ID = ", series,
                                 " AND NOT EXISTS (SELECT 1 FROM ImageBild_T WHERE Series_ID = ", series,
                                 " AND GraphicURL_NVC <> '') AND NOT EXISTS (SELECT 1 ", Clause(unknown), ")"),
                             &deleted);
+    if (transaction) transaction->Commit();
     return deleted > 0;
 }
 
@@ -41,7 +42,7 @@ bool DeleteOrphan(const Database& database, Long series) {
 /// there is none.
 std::optional<Error> ImageOfUnknownSeries(const Database& database, Long series) {
     const Ref<Recordset> rows =
-        database.Read("SELECT ImageBildID " + ImagesThatMayBelongTo(series) + " ORDER BY ImageBildID");
+        database.Read("SELECT ImageBildID " + ImagesThatMayBelongTo(database.Con(), series) + " ORDER BY ImageBildID");
     if (rows->Eof()) return std::nullopt;
     Error failure(err::TypeMismatch, "CardList", "it names no series, and may belong to this one");
     failure.Column = fmt::format("Series_ID of image {}", rows->Fields(0).As<Long>());
@@ -77,13 +78,14 @@ CardList ListCards(const Database& database, const std::string& patient) {
 
 std::map<Long, ImagesOfEntry> ImagesOfCards(const Database& database, Long patient) {
     std::map<Long, ImagesOfEntry> cards;
-    const Ref<Recordset> rows =
-        database.Read(sql("SELECT c.ImageCardID, count(*), sum(i.Approved <> 0) "
-                          "FROM ImageCard_T c JOIN ImageAttribute_T a ON "
-                          "a.ImageCardID = c.ImageCardID LEFT JOIN ImageBild_T i "
-                          "ON i.ImageBildID = a.ImageBildId WHERE "
-                          "c.PatientID = ",
-                          patient, " GROUP BY c.ImageCardID"));
+    const Ref<Recordset> rows = database.Read(
+        sql("SELECT c.ImageCardID, count(*), sum(CASE WHEN i.Approved <> 0 THEN 1 WHEN i.Approved = 0 THEN 0 "
+            "END) "
+            "FROM ImageCard_T c JOIN ImageAttribute_T a ON "
+            "a.ImageCardID = c.ImageCardID LEFT JOIN ImageBild_T i "
+            "ON i.ImageBildID = a.ImageBildId WHERE "
+            "c.PatientID = ",
+            patient, " GROUP BY c.ImageCardID"));
     for (; !rows->Eof(); rows->MoveNext()) {
         const Long count = rows->Fields(1).As<Long>();
         const ADODB::Field approved = rows->Fields(2);

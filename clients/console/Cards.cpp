@@ -3,9 +3,9 @@
 #include "console/Commands.h"
 #include "console/Completeness.h"
 #include "console/Program.h"
+#include "console/WriteTransaction.h"
 #include "console/page/Page.h"
 #include "frame/Statement.h"
-#include "platform/adodb/Transaction.h"
 
 #include <fmt/format.h>
 
@@ -63,7 +63,7 @@ void ShowCards(Program& program, const std::string& patient) {
 
 void SaveSeriesAsCard(const Options& options, Long number, const std::string& name) {
     const Database database(options);
-    ADODB::Transaction transaction(database.Con());
+    WriteTransaction transaction(database.Con());
     const Ref<cSerie> series = LoadSeries(database.Con(), number);
     const Ref<cImages> images = New<cImages>();
     const Long count = images->LoadReadable(database.Con(), iootSeries, number);

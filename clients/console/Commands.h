@@ -26,6 +26,7 @@ void AddDrawing(Program& program);       ///< draw, report
 void AddLayouts(Program& program);       ///< layouts, anatomy
 void AddCheck(Program& program);         ///< check
 void AddBackup(Program& program);        ///< backup, restore
+void AddCopy(Program& program);          ///< copy
 void AddStaff(Program& program);         ///< doctors, doctor, clinics, clinic, guid
 void AddWorklist(Program& program);      ///< worklist
 void AddIdl(Program& program);           ///< idl

@@ -3,9 +3,9 @@
 #include "console/Commands.h"
 #include "console/Completeness.h"
 #include "console/Program.h"
+#include "console/WriteTransaction.h"
 #include "console/page/Page.h"
 #include "frame/Statement.h"
-#include "platform/adodb/Transaction.h"
 #include "platform/runtime/Services.h"
 
 #include <charconv>
@@ -78,7 +78,7 @@ public:
 
 private:
     const Database& database_;
-    ADODB::Transaction transaction_;
+    WriteTransaction transaction_;
     Ref<cImagecard> card_ = New<cImagecard>();
 };
 
@@ -88,7 +88,7 @@ void NewCard(const Options& options, const std::string& patient, const std::stri
     if (Len(name) > width) throw UserError("the name of a card has at most 255 characters");
     const Database database(options);
     const Ref<cImagecard> card = New<cImagecard>();
-    ADODB::Transaction transaction(database.Con());
+    WriteTransaction transaction(database.Con());
     card->ICPID = LoadPatient(database, patient)->ID;
     card->ICName = name;
     card->ICDescription = description;

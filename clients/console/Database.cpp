@@ -1,6 +1,7 @@
 #include "console/Database.h"
 
 #include "console/DatabaseFile.h"
+#include "console/Server.h"
 #include "frame/Statement.h"
 #include "frame/StoredName.h"
 #include "platform/runtime/Services.h"
@@ -20,8 +21,6 @@ std::string DatabaseOf(const Options& options) {
     if (fromEnvironment && *fromEnvironment) return fromEnvironment;
     throw UserError("no database is named; use --db FILE or set OXCLASS_DB, or make one with: oxclass init clinic.db");
 }
-
-bool IsConnectionString(const std::string& database) { return Contains(LCase(database), "provider="); }
 
 /// While this object lives, another handler receives the text boxes.
 class TextBoxes {
@@ -44,7 +43,7 @@ bool IsOfRights(const Error& failure) {
 /// Opens the database for writing, or for reading if writing is not allowed. In a folder where the engine can't create
 /// its lock file, the file is opened as an immutable one, which is possible only if it has no log.
 void OpenAsAllowed(const Ref<Connection>& con, const std::string& database) {
-    if (IsConnectionString(database)) return con->Open(database);
+    if (IsConnectionString(database)) return OpenServer(con, database);
     for (const char* const mode : {"ReadWrite", "Read"}) {
         try {
             return con->Open(ConnectionStringOf(database, mode));
@@ -58,6 +57,7 @@ void OpenAsAllowed(const Ref<Connection>& con, const std::string& database) {
 
 /// Throws `UserError` unless the open database has the marks of a clinic database, as its engine reads them.
 void RequireClinic(const Ref<Connection>& con, const std::string& name) {
+    if (IsServer(con)) return RequireServerClinic(con, name);
     const auto mark = [&](const char* pragma) { return CLng(con->Execute(pragma)->Fields(0).Value()); };
     RequireMarks(name, mark("PRAGMA application_id"), mark("PRAGMA user_version"));
 }
@@ -87,6 +87,8 @@ public:
     void RollbackTransComplete() override { fmt::print(stderr, "[roll back]\n"); }
 };
 
+bool IsConnectionString(const std::string& database) { return Contains(LCase(database), "provider="); }
+
 std::string ConnectionStringOf(const std::string& database, const std::string& mode) {
     if (IsConnectionString(database)) return database;
     const std::string quoted = "'" + Replace(database, "'", "''") + "'";
@@ -94,14 +96,14 @@ std::string ConnectionStringOf(const std::string& database, const std::string& m
 }
 
 Database::Database(const Options& options) : con_(New<Connection>()) {
-    const std::string database = DatabaseOf(options);
+    const std::string database = DatabaseOf(options), name = ShownName(database);
     try {
         const ADODB::ConnectionString settings(ConnectionStringOf(database));
         if (EqualsIgnoringCase(settings.Value("Provider"), "SQLite")) RequireClinicFile(settings.Value("Data Source"));
         OpenAsAllowed(con_, database);
-        RequireClinic(con_, database);
+        RequireClinic(con_, name);
     } catch (const Error& failure) {
-        throw UserError(fmt::format("{} can't be opened: {}", database, ExplanationOf(failure)));
+        throw UserError(fmt::format("{} can't be opened: {}", name, ExplanationOf(failure)));
     }
     if (options.trace) {
         trace_ = std::make_unique<Trace>();

@@ -22,12 +22,15 @@ struct Options {
 /// Returns the connection string of a file. Returns a text that already is a connection string unchanged.
 std::string ConnectionStringOf(const std::string& database, const std::string& mode = {});
 
+/// Returns true for a text that is a connection string, false for the name of a file.
+bool IsConnectionString(const std::string& database);
+
 /// An open clinic database, for one command.
 class Database {
 public:
-    /// Opens the database of the options, only for reading if the rights of the file or of its folder do not permit
-    /// writing. Throws `UserError` if the file is missing, is not a clinic database, or has a newer version; the file
-    /// is then unchanged.
+    /// Opens the database of the options, a file only for reading if the rights of the file or of its folder do not
+    /// permit writing. Throws `UserError` if the database is missing, is not a clinic database, or has a newer version;
+    /// it is then unchanged.
     explicit Database(const Options& options);
     ~Database();
     Database(const Database&) = delete;

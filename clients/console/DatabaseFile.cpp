@@ -74,6 +74,20 @@ private:
     std::size_t length_ = 0;
 };
 
+/// Returns what the user can do about a failure of a server; null for one without advice.
+const char* AdviceOnServer(Long number) {
+    switch (number) {
+        case ADODB::LoginFailed:
+            return "the server rejects the user; look at User ID and Password, or name a file with the password as "
+                   "Password File";
+        case ADODB::NoPermission: return "the server does not permit this; ask its administrator for the right";
+        case ADODB::LockConflict: return "another program changed the same rows; run the command again";
+        case ADODB::TimedOut: return "the server did not answer in time; run the command again";
+        case ADODB::ConnectionLost: return "the connection to the server is lost; run the command again";
+        default: return nullptr;
+    }
+}
+
 }  // namespace
 
 void RequireMarks(const std::string& name, Long mark, Long version) {
@@ -110,6 +124,8 @@ bool IsClinicFile(const fs::path& file) {
 
 std::string ExplanationOf(const Error& failure) {
     const auto with = [&](const char* advice) { return fmt::format("{} ({})", advice, failure.Description); };
+    if (!failure.Provider.empty() && failure.Provider != "SQLite")
+        if (const char* const advice = AdviceOnServer(failure.Number)) return with(advice);
     if (failure.Number == ADODB::NoPermission)
         return with("the database can't be written; look at the rights of the file and of its folder");
     constexpr Long primary = 0xFF;

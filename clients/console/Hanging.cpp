@@ -4,9 +4,9 @@
 #include "console/Chart.h"
 #include "console/Commands.h"
 #include "console/Completeness.h"
+#include "console/WriteTransaction.h"
 #include "frame/Statement.h"
 #include "images/cImages.h"
-#include "platform/adodb/Transaction.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -71,7 +71,7 @@ bool LeftWithoutTeeth(cImage& image) {
 
 void Hang(const Options& options, Long number) {
     const Database database(options);
-    ADODB::Transaction transaction(database.Con());
+    WriteTransaction transaction(database.Con());
     const HungSeries hung = HangStored(database.Con(), number);
     transaction.Commit();
     if (options.json)

@@ -1,7 +1,8 @@
 #include "console/Commands.h"
 
-#include "Schema.h"
+#include "console/DatabaseFile.h"
 #include "console/NewDatabase.h"
+#include "console/Server.h"
 #include "console/import/StorageRoot.h"
 #include "frame/Statement.h"
 #include "platform/adodb/Transaction.h"
@@ -28,20 +29,47 @@ std::string ClinicOf(const fs::path& file) {
     }
 }
 
+/// Makes a folder the only storage root of a new database.
+void AddFirstRoot(const Ref<Connection>& con, const fs::path& root) {
+    StorageRoots(con).Create(root);
+    con->Execute(
+        sql("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, '", FixSqlString(root.string()), "', 1);"));
+    AlignCounters(con);
+}
+
 void Fill(const fs::path& file, const fs::path& root, const std::string& database) {
     const Ref<Connection> con = Platform::New<Connection>();
     con->Open(ConnectionStringOf(file.string(), "Create"));
     ADODB::Transaction transaction(con);
-    RunScript(con, schema::sqlite_sql);
-    RunScript(con, schema::layouts_sql);
-    RunScript(con, schema::program_sql);
+    CreateClinicTables(con);
     if (!database.empty())
         con->Execute(sql("INSERT INTO ClinicIdentity_T (Identity) VALUES ('", FixSqlString(database), "')"));
-    StorageRoots(con).Create(root);
-    con->Execute(
-        sql("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (1, '", FixSqlString(root.string()), "', 1);"));
+    AddFirstRoot(con, root);
     transaction.Commit();
     con->Close();
+}
+
+/// Makes the tables in an empty database on a server.
+void InitOnServer(const std::string& database, const std::string& root, bool replace) {
+    const std::string name = ShownName(database);
+    if (replace) throw UserError("--replace renames a database file; on a server, name an empty database");
+    if (root.empty()) throw UserError("name the folder for the image files with --root; all workstations must see it");
+    const Ref<Connection> con = Platform::New<Connection>();
+    try {
+        OpenServer(con, database);
+    } catch (const Platform::Error& failure) {
+        throw UserError(fmt::format("{} can't be opened: {}", name, ExplanationOf(failure)));
+    }
+    ADODB::Transaction transaction(con);
+    for (const char* const table : {"SchemaVersion_T", "Patient_T"})
+        if (HasTable(con, table))
+            throw UserError(
+                fmt::format("{} has tables of a clinic already and is not changed; name an empty database", name));
+    CreateClinicTables(con);
+    AddFirstRoot(con, fs::absolute(root));
+    transaction.Commit();
+    fmt::print("{} is ready; images go to {}\nNext: oxclass --db \"{}\" import FOLDER\n", name,
+               fs::absolute(root).string(), name);
 }
 
 /// Writes the content of an SQLite database's log into the file itself. The log stays while another program has the
@@ -75,6 +103,7 @@ void RenameExisting(const fs::path& file, bool replace) {
 }
 
 void Init(const std::string& name, const std::string& rootName, bool replace) {
+    if (NamesServer(name)) return InitOnServer(name, rootName, replace);
     const fs::path file = fs::absolute(name);
     const fs::path root = fs::absolute(rootName.empty() ? file.parent_path() / "images" : fs::path(rootName));
     if (!fs::is_directory(file.parent_path()))
@@ -97,11 +126,14 @@ void AddInit(Program& program) {
     };
     const auto given = std::make_shared<Arguments>();
     auto* command = program.app.add_subcommand("init", "make a database with the standard layouts and a storage root");
-    command->add_option("FILE", given->file, "the database to make")->required();
-    command->add_option("--root", given->root, "folder for the image files; default: images beside the database")
+    command->add_option("FILE", given->file, "the database to make; or the connection string of an empty one")
+        ->required();
+    command->add_option("--root", given->root, "folder for the image files; default: images beside the file")
         ->type_name("DIR");
     command->add_flag("--replace", given->replace, "rename an existing database to FILE.old first");
-    command->footer("Example: oxclass init clinic.db --root /srv/images");
+    command->footer(
+        "Example: oxclass init clinic.db --root /srv/images\n"
+        "On a server: oxclass init \"Provider=PostgreSQL;Server=db;Database=clinic;User ID=ann\" --root /srv/images");
     command->callback([given] { Init(given->file, given->root, given->replace); });
 }
 

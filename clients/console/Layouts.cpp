@@ -18,7 +18,7 @@ void ListLayouts(const Options& options) {
             "Height, "
             "(SELECT count(*) FROM TemplateAttribute_T a WHERE a.TemplateID = c.TemplateID) AS Slots, "
             "TCComments "
-            "AS Comments FROM TemplateCard_T c ORDER BY TCDicomId")
+            "AS Comments FROM TemplateCard_T c ORDER BY TCDicomId, TemplateID")
         .Print(options.json, "There are no layouts.");
 }
 

@@ -1,9 +1,9 @@
 #include "console/Commands.h"
 #include "console/Fields.h"
+#include "console/WriteTransaction.h"
 #include "console/patients/PatientStore.h"
 #include "console/patients/TypedDate.h"
 #include "frame/Statement.h"
-#include "platform/adodb/Transaction.h"
 #include "platform/runtime/Services.h"
 
 #include <fmt/format.h>
@@ -108,7 +108,7 @@ Json Shown(const Database& database, const cPatient& patient) {
 
 /// Changes fields of one row, read and written in one transaction.
 void SetPatient(const Database& database, const std::string& id, const std::vector<std::string>& assignments) {
-    ADODB::Transaction transaction(database.Con());
+    WriteTransaction transaction(database.Con());
     const Ref<cPatient> patient = LoadPatient(database, id);
     for (const std::string& assignment : assignments) SetField(database, *patient, assignment);
     SavePatient(database.Con(), *patient);

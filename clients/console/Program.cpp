@@ -57,6 +57,7 @@ int RunProgram(int argc, const char* const* argv) {
     AddStaff(program);
     AddCheck(program);
     AddBackup(program);
+    AddCopy(program);
     AddWorklist(program);
     AddSettings(program);
     AddIdl(program);

@@ -3,11 +3,11 @@
 #include "console/Chart.h"
 #include "console/Completeness.h"
 #include "console/Program.h"
+#include "console/WriteTransaction.h"
 #include "console/page/Page.h"
 #include "console/patients/PatientStore.h"
 #include "frame/Statement.h"
 #include "images/cImages.h"
-#include "platform/adodb/Transaction.h"
 #include "platform/runtime/Services.h"
 
 #include <fmt/format.h>
@@ -152,7 +152,7 @@ void Comment(Program& program, const std::string& number, const std::string& tex
         return PrintComments(program, CommentsOf(database.Con(), image->ID));
     }
     RequireComment(text, signature);
-    ADODB::Transaction transaction(database.Con());
+    WriteTransaction transaction(database.Con());
     RequireImage(database, image->ID);
     image->addComment(text, signature, Now(), false);
     image->SaveComments(database.Con());

@@ -1,9 +1,9 @@
 #include "console/Commands.h"
 
+#include "console/WriteTransaction.h"
 #include "console/import/StorageRoot.h"
 #include "frame/Class1.h"
 #include "frame/Statement.h"
-#include "platform/adodb/Transaction.h"
 
 #include <fmt/format.h>
 #include <regex>
@@ -20,8 +20,8 @@ void ListRoots(const Options& options) {
     const Database database(options);
     database
         .ListOf(
-            "SELECT RootID AS Root, Status <> 0 AS Active, RootDirectory AS Directory FROM Root_T ORDER BY "
-            "RootID")
+            "SELECT RootID AS Root, CASE WHEN Status <> 0 THEN 1 WHEN Status = 0 THEN 0 END AS Active, "
+            "RootDirectory AS Directory FROM Root_T ORDER BY RootID")
         .Print(options.json, "There are no storage roots; add one with: oxclass roots --add DIR");
 }
 
@@ -30,7 +30,7 @@ void AddRoot(const Options& options, const std::string& directory) {
     const Database database(options);
     const fs::path root = fs::absolute(directory);
     StorageRoots(database.Con()).Create(root);
-    ADODB::Transaction transaction(database.Con());
+    WriteTransaction transaction(database.Con());
     database.Con()->Execute("UPDATE Root_T SET Status = 0");
     database.Con()->Execute(
         sql("INSERT INTO Root_T (RootDirectory, Status) VALUES ('", FixSqlString(root.string()), "', 1)"));
@@ -96,7 +96,7 @@ void RequireUidRoot(const std::string& root) {
 void SetSetting(const Options& options, const std::string& name, const std::string& text, bool add) {
     if (ListNamed(name) == gglID_DicomRootUID) RequireUidRoot(text);
     const Database database(options);
-    ADODB::Transaction transaction(database.Con());
+    WriteTransaction transaction(database.Con());
     New<Class1>()->SaveGLSetting(database.Con(), ListNamed(name), text, !add);
     transaction.Commit();
 }

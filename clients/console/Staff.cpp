@@ -1,8 +1,8 @@
 #include "console/Commands.h"
 #include "console/Fields.h"
+#include "console/WriteTransaction.h"
 #include "people/cClinics.h"
 #include "people/cDoctors.h"
-#include "platform/adodb/Transaction.h"
 
 #include <fmt/format.h>
 
@@ -104,7 +104,7 @@ void NewDoctor(const Options& options, const std::vector<std::string>& assignmen
 
 void DeleteDoctor(const Options& options, const std::string& number, bool force) {
     const Database database(options);
-    ADODB::Transaction transaction(database.Con());
+    WriteTransaction transaction(database.Con());
     const Ref<cDoctor> doctor = LoadDoctor(database, number);
     const Long patients = doctor->PatientCount(database.Con());
     if (patients > 0 && !force)

@@ -5,11 +5,11 @@
 #include "console/import/FoundFiles.h"
 #include "console/import/WorkerPool.h"
 #include "console/Sha256.h"
+#include "console/WriteTransaction.h"
 #include "console/patients/PatientStore.h"
 #include "console/patients/TypedDate.h"
 #include "console/worklist/WorklistServer.h"
 #include "frame/Statement.h"
-#include "platform/adodb/Transaction.h"
 #include "platform/runtime/Services.h"
 
 #include <algorithm>
@@ -344,7 +344,7 @@ void Register(Program& program, const WorklistItems& items, const Registration& 
     if (entry.item->PatientID.empty())
         throw UserError("the entry has no patient ID, so its patient can't be found again");
     const Database database(program.options);
-    ADODB::Transaction transaction(database.Con());
+    WriteTransaction transaction(database.Con());
     const Ref<cPatient> patient = PatientOf(database.Con(), entry, wanted);
     if (!patient) {
         program.exitCode = PartlyDone;

@@ -59,7 +59,7 @@ TEST_F(Program, WrongInputIsReportedInOneLineThatSaysWhatToDo) {
 
 TEST_F(Program, EachCommandHelpsWithAnExample) {
     for (const char* command : {"init", "import", "patients", "patient", "studies", "series", "images", "comment",
-                                "hang", "layouts", "anatomy", "roots", "setting", "uid"}) {
+                                "hang", "layouts", "anatomy", "roots", "setting", "uid", "copy"}) {
         const Result run = Try({command, "--help"});
         EXPECT_EQ(run.code, 0);
         EXPECT_NE(run.out.find("Example: oxclass"), std::string::npos) << command;

@@ -3,10 +3,10 @@
 
 #include "console/Completeness.h"
 #include "console/Hanging.h"
+#include "console/WriteTransaction.h"
 #include "console/import/StopSignals.h"
 #include "frame/Class1.h"
 #include "frame/Statement.h"
-#include "platform/adodb/Transaction.h"
 #include "series/cStudy.h"
 
 #include <algorithm>
@@ -238,7 +238,7 @@ std::vector<SeriesImport::NewImage> SeriesImport::Copied(const std::vector<const
 void SeriesImport::StoreRows(const std::vector<NewImage>& images, SeriesResult& result) {
     SeriesResult now = result;
     storedNew_.reset();
-    ADODB::Transaction transaction(con_);
+    WriteTransaction transaction(con_);
     NamedFiles names(roots_.Folder(root_));
     ThrowTextBoxes([&] { now.hung = StoreInTransaction(images, names, now); });
     names.Sync();

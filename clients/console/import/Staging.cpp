@@ -2,9 +2,9 @@
 
 #include "console/Sha256.h"
 #include "console/SystemFile.h"
+#include "console/WriteTransaction.h"
 #include "frame/Statement.h"
 #include "frame/StoredName.h"
-#include "platform/adodb/Transaction.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -58,7 +58,7 @@ bool HasRow(const Ref<Connection>& con, const std::string& storedName) {
 std::size_t RemoveFilesWithoutRow(const Ref<Connection>& con, const fs::path& root,
                                   const std::vector<std::string>& names) {
     if (names.empty()) return 0;
-    ADODB::Transaction transaction(con);
+    WriteTransaction transaction(con);
     std::size_t removed = 0;
     for (const std::string& name : names) {
         std::error_code ignored;

@@ -1,12 +1,12 @@
 #include "console/import/StorageRoot.h"
 
 #include "console/WholeFile.h"
+#include "console/WriteTransaction.h"
 #include "console/patients/PatientStore.h"
 #include "frame/Class1.h"
 #include "frame/Statement.h"
 #include "frame/StoredName.h"
 #include "people/cDoctors.h"
-#include "platform/adodb/Transaction.h"
 
 #include <fmt/format.h>
 #include <fstream>
@@ -136,7 +136,7 @@ std::string StorageRoots::StoredIdentity() const {
 const std::string& StorageRoots::Identity() {
     if (identity_.empty()) identity_ = StoredIdentity();
     if (!identity_.empty()) return identity_;
-    ADODB::Transaction transaction(con_);
+    WriteTransaction transaction(con_);
     CreateProgramTables(con_);
     identity_ = StoredIdentity();  // another program may have stored one meanwhile
     if (identity_.empty()) {

@@ -1,8 +1,10 @@
 #include "console/maintenance/ClinicBackup.h"
 
 #include "console/NewDatabase.h"
+#include "console/Server.h"
 #include "console/WholeFile.h"
 #include "console/import/Staging.h"
+#include "console/maintenance/ClinicCopy.h"
 #include "console/maintenance/ClinicFiles.h"
 #include "frame/Statement.h"
 #include "frame/StoredName.h"
@@ -45,10 +47,15 @@ Ref<Connection> OpenForReading(const fs::path& file) {
     return con;
 }
 
-/// A consistent copy of the whole database, under its name only when it is complete.
-void SnapshotDatabase(const Ref<Connection>& con, const fs::path& target) {
+/// A consistent copy of the whole database, under its name only when it is complete; a file, also of a database on a
+/// server.
+void SnapshotDatabase(const Database& database, const fs::path& target) {
+    if (IsServer(database.Con())) {
+        CopyClinicToNewFile(database, target);
+        return;
+    }
     NewDatabase made(target);
-    con->Execute(sql("VACUUM INTO '", FixSqlString(made.Made().string()), "'"));
+    database.Con()->Execute(sql("VACUUM INTO '", FixSqlString(made.Made().string()), "'"));
     made.Finish();
 }
 
@@ -95,7 +102,7 @@ public:
         const Json earlier = ManifestOf(folder_);
         if (earlier.is_object() && earlier["clinic"] != identity)
             throw UserError(fmt::format("{} holds the backup of another clinic; use another folder", folder_.string()));
-        SnapshotDatabase(database_.Con(), folder_ / DatabaseName);
+        SnapshotDatabase(database_, folder_ / DatabaseName);
         CopyFiles(earlier);
         const Json manifest{{"clinic", identity}, {"files", files_}};
         WriteWholeFile(folder_ / ManifestName, manifest.dump(1) + "\n");

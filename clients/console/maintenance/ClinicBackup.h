@@ -13,8 +13,8 @@ struct BackupResult {
     bool made = true;                   ///< false: a restore created no database
 };
 
-/// Writes a backup of a clinic into a folder: the database as "clinic.db", the image files below "files/N"
-/// for each storage root N, and "manifest.json" with the checksum of each file.
+/// Writes a backup of a clinic into a folder: the database as the SQLite file "clinic.db", the image files below
+/// "files/N" for each storage root N, and "manifest.json" with the checksum of each file.
 ///
 /// The database is a consistent snapshot; other programs may change the clinic meanwhile. Files that the folder already
 /// contains with the right checksum are not copied again. Each copy is compared with the checksum in the file's row; an

@@ -1,6 +1,7 @@
 #include "console/maintenance/ClinicCheck.h"
 
 #include "console/Completeness.h"
+#include "console/Server.h"
 #include "console/import/ReadFile.h"
 #include "console/import/Staging.h"
 #include "console/maintenance/ClinicFiles.h"
@@ -145,6 +146,7 @@ private:
     }
 
     void CheckIntegrity() {
+        if (IsServer(con_)) return;
         const Ref<Recordset> rows = database_.Read("PRAGMA integrity_check");
         for (; !rows->Eof(); rows->MoveNext()) {
             const std::string text = rows->Fields(0).As<String>();
@@ -301,7 +303,7 @@ private:
     void ImagesWithoutOwner() {
         const std::pair<const char*, const char*> lacks[] = {
             {"Series_ID", "Series_ID IS NULL OR Series_ID = 0"},
-            {"SOPInstanceUID_NVC", "trim(ifnull(SOPInstanceUID_NVC, '')) = ''"}};
+            {"SOPInstanceUID_NVC", "trim(coalesce(SOPInstanceUID_NVC, '')) = ''"}};
         for (const auto& [column, condition] : lacks) {
             const Ref<Recordset> rows = database_.Read(
                 fmt::format("SELECT ImageBildID FROM ImageBild_T WHERE {} ORDER BY ImageBildID", condition));
@@ -337,11 +339,11 @@ private:
 
     void OrphanedRows(const Reference& reference) {
         const std::string condition = fmt::format(
-            "FROM {} c WHERE typeof(c.{}) = 'integer' AND c.{} <> 0{} AND NOT "
+            "FROM {} c WHERE {} AND c.{} <> 0{} AND NOT "
             "EXISTS (SELECT 1 FROM {} o WHERE o.{} "
             "= c.{})",
-            reference.table, reference.column, reference.column, reference.also, reference.owner, reference.ownerKey,
-            reference.column);
+            reference.table, IsWhole(con_, fmt::format("c.{}", reference.column)), reference.column, reference.also,
+            reference.owner, reference.ownerKey, reference.column);
         const Ref<Recordset> rows = database_.Read(fmt::format("SELECT c.{}, c.{} {} ORDER BY c.{}", reference.key,
                                                                reference.column, condition, reference.key));
         const bool repaired = repair_ && std::string_view(reference.what) == "manipulation" && !rows->Eof();
@@ -356,10 +358,10 @@ private:
 
     /// Reads patient by patient, so that the memory does not grow with the clinic.
     void DamagedImages() {
-        DamagedImages("where typeof(PatientID) <> 'integer'");
-        const Ref<Recordset> patients = database_.Read(
-            "SELECT DISTINCT PatientID FROM ImageBild_T WHERE "
-            "typeof(PatientID) = 'integer'");
+        const std::string known = IsWhole(con_, "PatientID");
+        DamagedImages("where NOT (" + known + ")");
+        const Ref<Recordset> patients =
+            database_.Read("SELECT DISTINCT PatientID FROM ImageBild_T WHERE " + known + " ORDER BY PatientID");
         for (; !patients->Eof(); patients->MoveNext())
             DamagedImages(sql("where PatientID=", patients->Fields(0).As<Long>()));
     }
@@ -375,7 +377,7 @@ private:
             "SELECT SOPInstanceUID_NVC, count(*), min(ImageBildID), "
             "max(ImageBildID) FROM ImageBild_T WHERE "
             "SOPInstanceUID_NVC <> '' GROUP BY SOPInstanceUID_NVC "
-            "HAVING count(*) > 1");
+            "HAVING count(*) > 1 ORDER BY SOPInstanceUID_NVC");
         for (; !rows->Eof(); rows->MoveNext())
             Found("double-image",
                   fmt::format("images {} and {}", rows->Fields(2).As<Long>(), rows->Fields(3).As<Long>()),
@@ -387,7 +389,7 @@ private:
         const Ref<Recordset> rows = database_.Read(
             "SELECT PersonNr_CH FROM Patient_T WHERE PersonNr_CH <> "
             "'' GROUP BY PersonNr_CH HAVING count(*) "
-            "> 1");
+            "> 1 ORDER BY PersonNr_CH");
         for (; !rows->Eof(); rows->MoveNext()) PatientsOfID(rows->Fields(0).As<String>());
     }
 

@@ -2,6 +2,7 @@
 
 #include "Schema.h"
 #include "console/Commands.h"
+#include "console/Server.h"
 #include "frame/Statement.h"
 #include "people/cDoctors.h"
 
@@ -124,7 +125,7 @@ void UpdateRow(const Ref<Connection>& con, const cPatient& patient) {
 bool FillColumn(const Ref<Connection>& con, Long patient, const char* column, const std::string& text) {
     Long affected = 0;
     con->Execute(sql("UPDATE Patient_T SET ", Clause(column), " = '", FixSqlString(text),
-                     "' WHERE PatientID = ", patient, " AND trim(ifnull(", Clause(column), ", '')) = ''"),
+                     "' WHERE PatientID = ", patient, " AND trim(coalesce(", Clause(column), ", '')) = ''"),
                  &affected);
     return affected > 0;
 }
@@ -310,7 +311,11 @@ void ForgetIssuer(const Ref<Connection>& con, Long patient) {
     con->Execute(sql("DELETE FROM PatientIssuer_T WHERE PatientID = ", patient));
 }
 
-void CreateProgramTables(const Ref<Connection>& con) { RunScript(con, schema::program_sql); }
+void CreateProgramTables(const Ref<Connection>& con) {
+    // A user of a server may often not create tables, even if they exist.
+    if (IsServer(con) && HasTable(con, "PatientIssuer_T") && HasTable(con, "ClinicIdentity_T")) return;
+    RunScript(con, schema::program_sql);
+}
 
 void WithUniqueID(const Ref<Connection>& con, const cPatient& patient,
                   const std::function<void(const std::string& id)>& work) {

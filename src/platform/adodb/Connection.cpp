@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <fstream>
 #include <optional>
 
 namespace ADODB {
@@ -20,6 +21,31 @@ auto Connection::Engine(F call) -> decltype(call()) {
         throw;
     }
 }
+
+namespace {
+
+/// Returns the first line of a file.
+String PasswordIn(const String& file) {
+    std::ifstream in(file);
+    String line;
+    if (!std::getline(in, line))
+        RaiseAdo(MultipleStepFailed, ConnectionSource,
+                 "The password file \"" + file + "\" can't be read, or is empty.");
+    if (line.ends_with('\r')) line.pop_back();
+    return line;
+}
+
+/// Returns the settings for a provider: with the password of the setting "Password File" in place of this setting.
+/// "Password" is used if both are given.
+ConnectionString WithPassword(const ConnectionString& settings) {
+    const String file = settings.Value("Password File");
+    if (file.empty()) return settings;
+    ConnectionString complete(settings.TextWithout({"Password File"}));
+    if (complete.Value("Password").empty()) complete.Set("Password", PasswordIn(file));
+    return complete;
+}
+
+}  // namespace
 
 Connection::~Connection() {
     session_.reset();
@@ -44,7 +70,7 @@ void Connection::Open(const String& ConnectionString, const String& UserID, cons
     if (!UserID.empty()) settings.Set("User ID", UserID);
     if (!Password.empty()) settings.Set("Password", Password);
     const Opener open = FindProvider(settings.Value("Provider"));
-    session_ = Engine([&] { return open(settings, connectionTimeout_); });
+    session_ = Engine([&] { return open(WithPassword(settings), connectionTimeout_); });
     session_->SetCommandTimeout(commandTimeout_);
     level_ = 0;
     if (!settings.Value("Password").empty() && !EqualsIgnoringCase(settings.Value("Persist Security Info"), "True"))

@@ -64,14 +64,14 @@ public:
 
     /// Opens the connection that a connection string describes, "Provider=SQLite;Data Source=clinic.db". If the
     /// argument is empty, the property `ConnectionString` is used. `UserID` and `Password` override those in the text.
-    /// After a success the property does not contain a password, unless the text has the setting "Persist Security
-    /// Info=True".
+    /// If there is no password, but a setting "Password File", the first line of this file is the password. After a
+    /// success the property does not contain a password, unless the text has the setting "Persist Security Info=True".
     ///
     /// Raises 3705 if open, 3706 for an unknown provider, 0x80040E21 for a setting that can't be parsed or is not
-    /// supported, 0x80040E4D if the server rejects the user, 0x80040E31 if it does not answer within
-    /// `ConnectionTimeout`, and what the engine raises. No description contains the password. On failure a closed
-    /// connection stays closed, and the property `ConnectionString` may already have the new text. `Options` is
-    /// ignored.
+    /// supported and for a password file that can't be read, 0x80040E4D if the server rejects the user, 0x80040E31 if
+    /// it does not answer within `ConnectionTimeout`, and what the engine raises. No description contains the password.
+    /// On failure a closed connection stays closed, and the property `ConnectionString` may already have the new text.
+    /// `Options` is ignored.
     void Open(const String& ConnectionString = {}, const String& UserID = {}, const String& Password = {},
               Long Options = -1);
 

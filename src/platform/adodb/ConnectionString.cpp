@@ -61,7 +61,10 @@ ConnectionString::ConnectionString(std::string_view text) {
         const std::size_t end = text.find_first_of("=;", at);
         const String key = Trim(text.substr(at, std::min(end, text.size()) - at));
         if (end == std::string_view::npos || text[end] == ';') {
-            if (!key.empty()) Refuse("\"" + key + "\" has no \"=\"");
+            // The part may belong to a password, and is not shown.
+            if (!key.empty())
+                Refuse("the part behind setting " + CStr(static_cast<Long>(settings_.size())) +
+                       " has no \"=\"; a value that contains \";\" must be in quotes");
             if (end == std::string_view::npos) break;
             at = end;
             continue;

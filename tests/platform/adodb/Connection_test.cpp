@@ -31,6 +31,35 @@ TEST_F(ConnectionTest, OpenRaisesAndStaysClosed) {
     EXPECT_FALSE(std::filesystem::exists(Path() + ".missing"));
 }
 
+/// The settings that a provider received last, without its own name.
+String received;
+
+std::unique_ptr<Session> OpenReceived(const ADODB::ConnectionString& settings, Long timeout) {
+    received = settings.TextWithout({"Provider"});
+    return FindProvider("SQLite")(ADODB::ConnectionString("Data Source=" + settings.Value("Data Source")), timeout);
+}
+
+TEST_F(ConnectionTest, TheFirstLineOfThePasswordFileIsThePassword) {
+    RegisterProvider("Received", OpenReceived);
+    const String file = (folder.Path() / "it's secret").string();
+    std::ofstream(file) << "open; sesame\r\nsecond line\n";
+    const String source = "data source=" + (folder.Path() / "new.db").string();
+    std::ofstream(folder.Path() / "new.db").close();
+    const String settings = "Provider=Received;" + source + ";Password File=\"" + file + "\"";
+    const Ref<Connection> opened = New<Connection>();
+    opened->Open(settings);
+    EXPECT_EQ(received, source + ";password='open; sesame'");
+    EXPECT_EQ(opened->ConnectionString(), settings) << "what opens it again, without the password";
+    New<Connection>()->Open(settings + ";Password=other");
+    EXPECT_EQ(received, source + ";password=other");
+    New<Connection>()->Open(settings, {}, "third");
+    EXPECT_EQ(received, source + ";password=third");
+    std::filesystem::remove(file);
+    const Error missing = OpenFailure(settings);
+    EXPECT_EQ(missing.Number, MultipleStepFailed);
+    EXPECT_EQ(missing.Description, "The password file \"" + file + "\" can't be read, or is empty.");
+}
+
 TEST_F(ConnectionTest, AFileThatIsNotADatabaseIsRejectedAndUnchanged) {
     const String other = (folder.Path() / "letter.txt").string();
     std::ofstream(other) << String(5000, 'x');

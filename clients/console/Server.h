@@ -1,0 +1,50 @@
+#pragma once
+
+#include "console/Database.h"
+
+namespace Console {
+
+/// The database engines, as far as the program's own statements differ between them.
+enum class Engine { SQLite, PostgreSQL };
+
+/// Returns the engine of an open connection.
+Engine EngineOf(const Ref<Connection>& con);
+
+/// Returns true if the database is not a file.
+inline bool IsServer(const Ref<Connection>& con) { return EngineOf(con) != Engine::SQLite; }
+
+/// Returns true for a text that is a connection string and names another provider than that of files. Throws as
+/// `ShownName`.
+bool NamesServer(const std::string& database);
+
+/// Returns a file or a connection string as messages show it: a connection string with a password has it removed.
+/// Throws `UserError` for one that may have a password and can't be parsed.
+std::string ShownName(const std::string& database);
+
+/// Opens a connection to a server. If the server asks for a password, none was given and standard input is a terminal,
+/// asks the user for it and tries once more. Raises as `Connection::Open`.
+void OpenServer(const Ref<Connection>& con, const std::string& database);
+
+/// Throws `UserError` unless the open database on a server is marked as a clinic database of a known version; `name` is
+/// the database's.
+void RequireServerClinic(const Ref<Connection>& con, const std::string& name);
+
+/// Returns true if the database has a table that the user may read. Raises what the engine raises for another failure.
+bool HasTable(const Ref<Connection>& con, const std::string& table);
+
+/// Returns the SQL condition that a column of whole numbers contains one. A column of SQLite may contain any value.
+std::string IsWhole(const Ref<Connection>& con, const std::string& column);
+
+/// Waits on a server until no other program has a `WriteTransaction` open, and keeps others waiting until the caller's
+/// transaction ends. Does nothing on SQLite, whose transactions do so by themselves.
+void LockWriters(const Ref<Connection>& con);
+
+/// Creates the tables of the library and of the program in an empty database, with the standard layouts. The caller
+/// holds the transaction.
+void CreateClinicTables(const Ref<Connection>& con);
+
+/// Sets the counters of all tables behind their greatest keys, after rows were inserted with keys of their own. Does
+/// nothing on SQLite, whose counters follow the keys.
+void AlignCounters(const Ref<Connection>& con);
+
+}  // namespace Console
