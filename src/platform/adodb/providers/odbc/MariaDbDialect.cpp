@@ -14,6 +14,9 @@ namespace {
 
 constexpr std::string_view CollationOfPatterns = " COLLATE utf8mb4_uca1400_nopad_as_ci";
 
+/// The server does not accept an empty escape character, and a backslash is one if none is named: U+FDD0 is in no text.
+constexpr std::string_view NoEscape = " ESCAPE '\xEF\xB7\x90'";
+
 /// Copies a statement token by token and changes what the server can't parse or would understand in another way.
 class MariaDbTranslation {
 public:
@@ -29,8 +32,7 @@ public:
                 continue;
             }
             const Lexer::Token token = Lexer::TokenAt(text_, at);
-            if (token.kind == Lexer::Kind::Unclear) return out_.append(text_.substr(at));
-            at = Take(token, at);
+            at = token.kind == Lexer::Kind::Unclear ? TakeUnclear(at) : Take(token, at);
         }
         return std::move(out_);
     }
@@ -38,6 +40,19 @@ public:
 private:
     /// Which words are names of tables.
     enum class Names : std::uint8_t { None, Next, All };
+
+    /// Writes a comment, the first character of a parameter, or a literal without its end; returns the position behind
+    /// it.
+    std::size_t TakeUnclear(std::size_t at) {
+        const char c = text_[at];
+        std::size_t end = at + 1;
+        if (c == '-') end = text_.find('\n', at);
+        if (c == '/') end = std::min(text_.find("*/", at), text_.size() - 2) + 2;
+        if (c == '\'' || c == '"' || c == '`' || c == '[') end = text_.size();
+        out_ += text_.substr(at, std::min(end, text_.size()) - at);
+        last_.clear();
+        return std::min(end, text_.size());
+    }
 
     /// Writes a token and returns the position behind it.
     std::size_t Take(const Lexer::Token& token, std::size_t at) {
@@ -99,9 +114,10 @@ private:
         constexpr std::array<std::string_view, 3> beginList{"FROM", "JOIN", "UPDATE"};
         constexpr std::array<std::string_view, 4> beginName{"INTO", "TABLE", "ON", "REFERENCES"};
         constexpr std::array<std::string_view, 3> between{"IF", "NOT", "EXISTS"};
+        const bool renames = upper == "TO" && last_ == "RENAME";
         if (upper.IsOneOf(beginList))
             names_ = Names::All;
-        else if (upper.IsOneOf(beginName) && names_ != Names::All)
+        else if ((upper.IsOneOf(beginName) || renames) && names_ != Names::All)
             names_ = Names::Next;
         else if (names_ == Names::Next && !upper.IsOneOf(between))
             names_ = Names::None;
@@ -125,7 +141,9 @@ private:
         const bool lifted = next_ < literals_.size() && literals_[next_].body.data() == text_.data() + at + quote;
         if (lifted) ++next_;
         out_ += lifted ? std::string_view("?") : piece;
-        if (last_ == "LIKE" && quote != 0) out_ += CollationOfPatterns;
+        if (last_ != "LIKE" || quote == 0) return;
+        out_ += CollationOfPatterns;
+        if (EndOfNext("ESCAPE", at + piece.size()) == 0) out_ += NoEscape;
     }
 
     std::string_view text_;

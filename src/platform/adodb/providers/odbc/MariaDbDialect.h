@@ -10,7 +10,8 @@ namespace ADODB {
 /// - names of tables, which may have a letter case of their own on a server, are written in lower case; so are names in
 ///   front of a ".", and other names in a FROM clause. A name in quotes is left as it is;
 /// - `DELETE * FROM` loses the star, and `DEFAULT VALUES` becomes `() VALUES ()`;
-/// - `LIKE` with a literal compares without regard to the case of letters;
+/// - `LIKE` with a literal compares without regard to the case of letters, and has no escape character unless it names
+/// one;
 /// - a chain of conditions "a=1 OR a=2" becomes "a IN (1,2)", because the time in which the server plans a chain grows
 /// with
 ///   the square of its length.

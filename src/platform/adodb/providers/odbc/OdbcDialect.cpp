@@ -118,15 +118,13 @@ String ForOdbc(const OdbcDialect& dialect, std::string_view statement, const std
     return dialect.translate ? dialect.translate(text, literals) : WithMarks(text, literals);
 }
 
-bool HasSecondStatement(std::string_view text) {
+std::pair<const char*, const char*> FlawIn(std::string_view text) {
     text = WithoutEnd(text);
-    for (std::size_t at = 0; at < text.size();) {
-        const Lexer::Token token = Lexer::TokenAt(text, at);
-        if (token.kind == Lexer::Kind::Unclear) return false;
-        if (text[at] == ';') return true;
-        at = token.end;
+    for (std::size_t at = 0; at < text.size(); at = Lexer::TokenAt(text, at).end) {
+        if (text[at] == ';') return {"42000", "The text contains a second statement."};
+        if (text[at] == '?') return {"07002", "No value is given for a parameter."};
     }
-    return false;
+    return {};
 }
 
 bool ChangesDefinitions(std::string_view text) {

@@ -31,8 +31,7 @@ struct OdbcDialect {
     std::span<const OdbcNumber> numbers;
     std::span<const Long> forgotten;  ///< the codes of failures after which a statement must be prepared again
 
-    /// Translates a statement, and replaces these literals, which point into it, by "?". A text with a comment or a
-    /// parameter of its own is translated up to it.
+    /// Translates a statement, and replaces these literals, which point into it, by "?".
     String (*translate)(std::string_view statement, const std::vector<Literal>& literals) = nullptr;
 };
 
@@ -44,8 +43,9 @@ const OdbcDialect& DialectNamed(std::string_view name);
 /// semicolons at its end are removed.
 String ForOdbc(const OdbcDialect& dialect, std::string_view statement, const std::vector<Literal>& literals);
 
-/// Returns true if a second statement follows in the text.
-bool HasSecondStatement(std::string_view text);
+/// Returns the SQLSTATE and the message of what a driver might run although it must not be sent: a text with a second
+/// statement, or with a parameter of its own. Empty if there is nothing of that kind; a comment ends the search.
+std::pair<const char*, const char*> FlawIn(std::string_view text);
 
 /// Returns true for a statement that creates, changes or drops a table.
 bool ChangesDefinitions(std::string_view text);

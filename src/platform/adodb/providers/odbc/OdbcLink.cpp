@@ -62,8 +62,7 @@ std::optional<OdbcFailure> FailureAfter(short code, const OdbcHandle& handle) {
 }  // namespace
 
 OdbcHandle::OdbcHandle(short type, void* parent) : type_(type) {
-    if (!SQL_SUCCEEDED(SQLAllocHandle(type, parent, &handle_)))
-        RaiseOdbc(Failed, {"HY014", 0, "The driver has no more handles."}, "ODBC", {});
+    if (!SQL_SUCCEEDED(SQLAllocHandle(type, parent, &handle_))) handle_ = nullptr;
 }
 
 OdbcHandle::~OdbcHandle() {
@@ -114,7 +113,9 @@ OdbcHandle OdbcLink::NewStatement(std::string_view statement) {
     if (broken_)
         RaiseOdbc(ConnectionLost, {"08003", 0, "The connection to the server is lost. Close it and open it again."},
                   engine_, statement);
-    return {SQL_HANDLE_STMT, connection_.Get()};
+    OdbcHandle handle(SQL_HANDLE_STMT, connection_.Get());
+    if (!handle.Get()) Raise(connection_.Failure(), statement);
+    return handle;
 }
 
 std::optional<OdbcFailure> OdbcLink::Prepare(const OdbcHandle& handle, const String& text) {

@@ -11,6 +11,7 @@ namespace ADODB {
 class OdbcHandle {
 public:
     OdbcHandle() = default;
+    /// Allocates a handle; `Get` returns null if that fails, and the parent has the failure.
     OdbcHandle(short type, void* parent);
     OdbcHandle(OdbcHandle&& other) noexcept { *this = std::move(other); }
     OdbcHandle& operator=(OdbcHandle&& other) noexcept {

@@ -98,8 +98,7 @@ private:
     /// is.
     OdbcStatement* For(std::string_view text) {
         if (OdbcStatement* const kept = statements_.Find(text, literals_)) return kept;
-        if (HasSecondStatement(text))
-            RaiseOdbc(ErrorsInCommand, {"42000", 0, "The text contains a second statement."}, link_.Engine(), text);
+        if (const auto [state, why] = FlawIn(text); why) link_.Raise({state, 0, why}, text);
         OdbcStatement statement;
         statement.shape.reals = true;
         if (!CutAtLiterals(text, statement.shape, literals_) || literals_.size() > MostParameters) return nullptr;

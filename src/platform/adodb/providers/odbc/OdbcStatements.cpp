@@ -95,7 +95,7 @@ void OdbcValues::Bind(const OdbcHandle& statement) {
     SQLUSMALLINT number = 0;
     for (Value& value : values_) {
         const auto bind = [&](SQLSMALLINT type, SQLSMALLINT column, std::size_t size, void* data) {
-            SQLBindParameter(statement.Get(), ++number, SQL_PARAM_INPUT, type, column, size, 0, data, value.bytes,
+            SQLBindParameter(statement.Get(), ++number, SQL_PARAM_INPUT, type, column, size, 0, data, 0,
                              reinterpret_cast<SQLLEN*>(&value.bytes));
         };
         switch (value.kind) {
