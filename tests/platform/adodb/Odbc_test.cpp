@@ -248,6 +248,44 @@ TEST_F(Odbc, ARefusedLoginIsNamed) {
     EXPECT_EQ(failure(";Driver={No Such Driver}").Number, Failed);
 }
 
+TEST_F(Odbc, ADataSourceIsOpenedByItsName) {
+    const ConnectionString settings(database.Settings());
+    const std::filesystem::path sources = folder.Path() / "odbc.ini";
+    std::ofstream(sources) << "[Clinic]\nDriver=MariaDB Unicode\nSocket=" << settings.Value("Socket")
+                           << "\nDatabase=" << settings.Value("Database") << "\n";
+    setenv("ODBCINI", sources.c_str(), 1);
+    const Ref<Connection> other = New<Connection>();
+    other->Open("Provider=MSDASQL;DSN=Clinic", settings.Value("User ID"));
+    unsetenv("ODBCINI");
+    other->Execute("INSERT INTO Root_T (RootID, Status) VALUES (1, 5)");
+    Long affected = -1;
+    other->Execute("UPDATE Root_T SET Status=5", &affected);
+    EXPECT_EQ(affected, 1) << "the options of the dialect are missing";
+}
+
+TEST_F(Odbc, ASessionThatEndsRollsItsTransactionBack) {
+    {
+        const Ref<Connection> other = Connect();
+        other->BeginTrans();
+        other->Execute("INSERT INTO Root_T (RootID) VALUES (1)");
+    }
+    EXPECT_EQ(Ask("SELECT COUNT(*) FROM Root_T"), Variant(Long{0}));
+}
+
+TEST_F(Odbc, TransactionsNestFiveLevelsDeep) {
+    for (Long level = 1; level <= 5; ++level) {
+        EXPECT_EQ(con->BeginTrans(), level);
+        con->Execute("INSERT INTO Root_T (RootID) VALUES (" + CStr(level) + ")");
+    }
+    EXPECT_EQ(NumberOf([&] { con->BeginTrans(); }), TooManyTransactions);
+    con->RollbackTrans();
+    con->CommitTrans();
+    con->RollbackTrans();
+    con->CommitTrans();
+    con->CommitTrans();
+    EXPECT_EQ(AskAll("SELECT RootID FROM Root_T ORDER BY RootID"), "1,2");
+}
+
 TEST_F(Odbc, APasswordMayContainAnyCharacter) {
     const String password = "a;b}c{d 'e\" =Ø";
     con->Execute("CREATE USER " + String("oxtest@localhost IDENTIFIED BY '") + Replace(password, "'", "''") + "'");

@@ -112,7 +112,7 @@ private:
 
     void SetNamesBehind(const Lexer::Keyword& upper) {
         constexpr std::array<std::string_view, 3> beginList{"FROM", "JOIN", "UPDATE"};
-        constexpr std::array<std::string_view, 4> beginName{"INTO", "TABLE", "ON", "REFERENCES"};
+        constexpr std::array<std::string_view, 5> beginName{"INTO", "TABLE", "VIEW", "ON", "REFERENCES"};
         constexpr std::array<std::string_view, 3> between{"IF", "NOT", "EXISTS"};
         const bool renames = upper == "TO" && last_ == "RENAME";
         if (upper.IsOneOf(beginList))

@@ -17,6 +17,15 @@ public:
     OdbcSession(const ConnectionString& settings, Long timeout)
         : link_(settings, timeout), catalog_(link_), values_(link_.Dialect().utf8) {}
 
+    /// A driver refuses to disconnect while a transaction is open.
+    ~OdbcSession() override {
+        if (!InTransaction()) return;
+        try {
+            link_.End(false);
+        } catch (const Error&) {  // the engine rolls back when the connection ends
+        }
+    }
+
     Outcome Run(std::string_view text) override {
         OdbcStatement* const statement = For(text);
         return statement ? RunPrepared(*statement, text) : RunText(text);
