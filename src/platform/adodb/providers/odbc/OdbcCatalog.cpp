@@ -1,5 +1,7 @@
 #include "platform/adodb/providers/odbc/OdbcCatalog.h"
 
+#include "platform/runtime/Convert.h"
+
 #include <array>
 #include <sql.h>
 #include <sqlext.h>

@@ -109,6 +109,11 @@ String OdbcLink::Information(unsigned short item) const {
     return FromUtf16(units.data());
 }
 
+String OdbcLink::Quoted(std::string_view name) const {
+    if (quote_.empty()) return String(name);
+    return quote_ + Replace(name, quote_, quote_ + quote_) + quote_;
+}
+
 OdbcHandle OdbcLink::NewStatement(std::string_view statement) {
     if (broken_)
         RaiseOdbc(ConnectionLost, {"08003", 0, "The connection to the server is lost. Close it and open it again."},

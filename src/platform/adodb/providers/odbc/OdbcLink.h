@@ -42,7 +42,8 @@ public:
     const OdbcDialect& Dialect() const noexcept { return *dialect_; }
     /// Returns the name of the engine, as the driver reports it.
     const String& Engine() const noexcept { return engine_; }
-    String Quoted(std::string_view name) const { return quote_ + Replace(name, quote_, quote_ + quote_) + quote_; }
+    /// Returns a name quoted for use in a statement; as it is if the engine has no quotes.
+    String Quoted(std::string_view name) const;
 
     /// Returns a new statement handle. Raises `ConnectionLost` if the connection is lost; `statement` is what the error
     /// is about.
