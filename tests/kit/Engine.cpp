@@ -18,10 +18,10 @@ const String& Server() {
     return server;
 }
 
-/// Returns a connection to a database of the server that is not a clinic.
+/// Returns a connection to the server that uses no clinic.
 Ref<Connection> Administrator() {
     Ref<Connection> connection = New<Connection>();
-    connection->Open(Server() + ";Database=postgres");
+    connection->Open(Server() + (TestedEngine() == Engine::PostgreSQL ? ";Database=postgres" : ""));
     return connection;
 }
 
@@ -65,17 +65,62 @@ void Empty(const Ref<Connection>& con) {
         " END LOOP; END $$");
 }
 
+/// The database of the test that runs.
+String& MariaDbInUse() {
+    static String name;
+    return name;
+}
+
+/// Creates a database with the tables of the clinic, without rows.
+void CreateMariaDb(const String& name) {
+    MariaDbInUse() = name;
+    const Ref<Connection> con = Administrator();
+    con->Execute("CREATE DATABASE " + name + " CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin");
+    const Ref<ADODB::Recordset> tables =
+        con->Execute("SELECT table_name FROM information_schema.tables WHERE table_schema = 'clinic'");
+    for (; !tables->Eof(); tables->MoveNext()) {
+        const String table = tables->Fields(0).As<String>();
+        con->Execute("CREATE TABLE " + name + "." + table + " LIKE clinic." + table);
+    }
+}
+
+/// Deletes a database. A connection that the test has left may hold locks, and ends first.
+void DropMariaDb(const String& name) {
+    const Ref<Connection> con = Administrator();
+    const Ref<ADODB::Recordset> others =
+        con->Execute("SELECT id FROM information_schema.processlist WHERE db = '" + name + "'");
+    for (; !others->Eof(); others->MoveNext()) try {
+            con->Execute("KILL " + others->Fields(0).As<String>());
+        } catch (const Error&) {  // it has ended meanwhile
+        }
+    con->Execute("DROP DATABASE " + name);
+}
+
 }  // namespace
 
-Engine TestedEngine() { return Server().empty() ? Engine::SQLite : Engine::PostgreSQL; }
+Engine TestedEngine() {
+    if (Server().empty()) return Engine::SQLite;
+    const String provider = ADODB::ConnectionString(Server()).Value("Provider");
+    return EqualsIgnoringCase(provider, "PostgreSQL") ? Engine::PostgreSQL : Engine::MariaDB;
+}
+
+const char* ProviderName() {
+    switch (TestedEngine()) {
+        case Engine::PostgreSQL: return "PostgreSQL";
+        case Engine::MariaDB: return "MSDASQL";
+        default: return "SQLite";
+    }
+}
 
 String NoSuchTable(const String& name) {
     if (TestedEngine() == Engine::SQLite) return "no such table: " + name;
+    if (TestedEngine() == Engine::MariaDB) return "Table '" + MariaDbInUse() + "." + LCase(name) + "' doesn't exist";
     return "relation \"" + LCase(name) + "\" does not exist";
 }
 
 String NoSuchColumn(const String& name) {
     if (TestedEngine() == Engine::SQLite) return "no such column: " + name;
+    if (TestedEngine() == Engine::MariaDB) return "Unknown column '" + name + "' in 'SELECT'";
     return "column \"" + LCase(name) + "\" does not exist";
 }
 
@@ -94,6 +139,12 @@ TestDatabase::TestDatabase(const std::filesystem::path& folder) {
         RunScript(schema::sqlite_sql);
         return;
     }
+    if (TestedEngine() == Engine::MariaDB) {
+        name_ = NewName();
+        CreateMariaDb(name_);
+        settings_ = Server() + ";Database=" + name_;
+        return;
+    }
     name_ = std::exchange(IdleDatabase(), {});
     if (name_.empty()) {
         name_ = NewName();
@@ -107,6 +158,10 @@ TestDatabase::TestDatabase(const std::filesystem::path& folder) {
 
 TestDatabase::~TestDatabase() {
     if (name_.empty()) return;
+    if (TestedEngine() == Engine::MariaDB) {
+        DropMariaDb(name_);
+        return;
+    }
     {
         const Ref<Connection> con = New<Connection>();
         con->Open(settings_);
@@ -139,7 +194,7 @@ void TestDatabase::RunScript(std::string_view script) const {
 }
 
 void AlignCounter(const Ref<Connection>& con, const String& statement) {
-    if (TestedEngine() == Engine::SQLite) return;
+    if (CounterFollowsKeys()) return;
     const std::size_t into = LCase(statement).find("insert into ");
     if (into == String::npos) return;
     const std::size_t start = into + 12;

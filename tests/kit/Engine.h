@@ -12,27 +12,28 @@ namespace TestKit {
 using namespace Platform;
 using ADODB::Connection;
 
-enum class Engine { SQLite, PostgreSQL };
+enum class Engine { SQLite, PostgreSQL, MariaDB };
 
 /// Returns the engine that the tests run on.
 Engine TestedEngine();
 
-/// Returns the name that the engine has in a connection string.
-inline const char* ProviderName() { return TestedEngine() == Engine::SQLite ? "SQLite" : "PostgreSQL"; }
+/// Returns the name of the provider in the connection string of the engine.
+const char* ProviderName();
 
 /// Returns the source of the failures that the engine reports.
-inline String EngineName() { return TestedEngine() == Engine::SQLite ? "SQLite" : "PostgreSQL"; }
+inline String EngineName() { return TestedEngine() == Engine::MariaDB ? "MariaDB" : ProviderName(); }
 
 /// Return how the engine describes a table or a column that does not exist, and the SQLSTATE of the latter.
 String NoSuchTable(const String& name);
 String NoSuchColumn(const String& name);
-inline String NoSuchColumnState() { return TestedEngine() == Engine::SQLite ? "42S22" : "42703"; }
+inline String NoSuchColumnState() { return TestedEngine() == Engine::PostgreSQL ? "42703" : "42S22"; }
 
 /// True if the engine distinguishes a parameter in a text, such as "?", from another error of syntax.
 inline bool ReportsParameters() { return TestedEngine() == Engine::SQLite; }
 
-/// True if names that are not quoted keep their letter case in the database. PostgreSQL folds them to small letters.
-inline bool KeepsCaseOfNames() { return TestedEngine() == Engine::SQLite; }
+/// True if names of columns that are not quoted keep their letter case in the database. PostgreSQL folds them to small
+/// letters.
+inline bool KeepsCaseOfNames() { return TestedEngine() != Engine::PostgreSQL; }
 
 /// True if a column keeps a value of any type: a text in a column of numbers, a date that no calendar has. Servers
 /// check the types of their columns, so that rows can't be damaged in this way.
@@ -44,9 +45,9 @@ inline bool KeepsLongTexts() { return TestedEngine() == Engine::SQLite; }
 /// True if a test may use functions, and define tables and triggers, as SQLite writes them.
 inline bool HasSqliteDefinitions() { return TestedEngine() == Engine::SQLite; }
 
-/// True if a key that a statement chooses itself moves the counter of the table. On a server the counter follows its
-/// own sequence.
-inline bool CounterFollowsKeys() { return TestedEngine() == Engine::SQLite; }
+/// True if a key that a statement chooses itself moves the counter of the table. With PostgreSQL the counter follows
+/// its own sequence.
+inline bool CounterFollowsKeys() { return TestedEngine() != Engine::PostgreSQL; }
 
 /// Ends a test that an engine can't run; `question` is one of the questions above.
 #define OXCLASS_ONLY_IF(question) \
@@ -55,8 +56,9 @@ inline bool CounterFollowsKeys() { return TestedEngine() == Engine::SQLite; }
 /// True if the database is a file, which a test can open, lock or damage by itself.
 inline bool IsFile() { return TestedEngine() == Engine::SQLite; }
 
-/// A clinic database for one test, with all tables and no rows. On a server the destructor deletes all rows, and the
-/// next test of the program uses the database again, unless the test has changed a table.
+/// A clinic database for one test, with all tables and no rows. With PostgreSQL the destructor deletes all rows, and
+/// the next test of the program uses the database again, unless the test has changed a table; with MariaDB, where a
+/// database is made in the time of this, it deletes the database.
 class TestDatabase {
 public:
     /// `folder` is where an engine of files creates it.

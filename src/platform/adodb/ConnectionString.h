@@ -20,6 +20,10 @@ public:
     /// Sets the value of a key, in place of earlier ones.
     void Set(std::string_view key, const String& value);
 
+    /// Returns all settings in the order in which they were given, with keys in lower case. A provider calls it to pass
+    /// them on. Valid as long as this object and until `Set` is called.
+    const std::vector<std::pair<String, String>>& All() const noexcept { return settings_; }
+
     /// Returns the text of all settings without those of these keys, in the order in which they were given and with
     /// keys in lower case. A value is quoted if it must be.
     String TextWithout(std::initializer_list<std::string_view> keys) const;

@@ -1,3 +1,4 @@
+#include "platform/adodb/providers/odbc/OdbcSession.h"
 #include "platform/adodb/providers/postgresql/PostgresSession.h"
 #include "platform/adodb/providers/sqlite/SqliteSession.h"
 
@@ -11,8 +12,8 @@ namespace {
 
 std::vector<std::pair<String, Opener>>& Known() {
     // For the whole process.
-    static auto& known =
-        *new std::vector<std::pair<String, Opener>>{{"SQLite", OpenSqlite}, {"PostgreSQL", OpenPostgres}};
+    static auto& known = *new std::vector<std::pair<String, Opener>>{
+        {"SQLite", OpenSqlite}, {"PostgreSQL", OpenPostgres}, {"MSDASQL", OpenOdbc}};
     return known;
 }
 
@@ -25,7 +26,7 @@ Opener FindProvider(const String& name) {
         if (EqualsIgnoringCase(known, name)) return open;
     RaiseAdo(adErrProviderNotFound, ConnectionSource,
              "Provider cannot be found. It may not be properly installed. There is none named \"" + name +
-                 "\"; \"SQLite\" and \"PostgreSQL\" are built in.");
+                 "\"; \"SQLite\", \"PostgreSQL\" and \"MSDASQL\" are built in.");
 }
 
 }  // namespace ADODB

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "platform/adodb/Rows.h"
+#include "platform/adodb/providers/odbc/OdbcLink.h"
+
+#include <map>
+#include <set>
+
+namespace ADODB {
+
+/// How a value of a column is read.
+enum class OdbcForm : std::uint8_t { Text, Whole, Real, Boolean, Decimal, Time, Bytes };
+
+/// The columns of a result with the forms of their values.
+struct OdbcColumns {
+    std::shared_ptr<const Columns> columns;
+    std::vector<OdbcForm> forms;
+};
+
+/// What a session has read about the tables. One thread.
+class OdbcCatalog {
+public:
+    /// The tables are read through `link`, which must live as long as this object.
+    explicit OdbcCatalog(OdbcLink& link) : link_(link) {}
+
+    /// Returns the columns of a statement that was prepared or has run; null if it does not return rows. Reads the keys
+    /// of a table at its first use and raises what the driver reports.
+    std::shared_ptr<const OdbcColumns> ColumnsOf(const OdbcHandle& statement);
+
+    /// Returns true if an empty text can't be a value of a column: of numbers, dates and times. `table` is written as
+    /// in a statement. False if there is no such table or column.
+    bool RejectsBlank(const String& table, const String& column);
+
+    /// Discards everything, after a table has changed.
+    void Forget();
+
+private:
+    /// Returns the names of the columns of a table's primary key.
+    const std::set<String>& KeyOf(const String& table);
+    std::set<String> ReadKey(const String& table);
+    /// Returns null for a table that does not exist.
+    std::shared_ptr<const OdbcColumns> ReadTable(const String& table);
+
+    OdbcLink& link_;
+    std::map<String, std::set<String>> keys_;
+    std::map<String, std::shared_ptr<const OdbcColumns>> tables_;
+};
+
+}  // namespace ADODB

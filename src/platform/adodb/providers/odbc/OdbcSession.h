@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/adodb/providers/Provider.h"
+
+namespace ADODB {
+
+/// Opens a session with a data source of the driver manager, by the settings of a connection string:
+///
+/// - "DSN": the name of a data source, or "Driver": the name of a driver, which may be in braces. "User ID",
+/// "Password".
+/// - All other settings are passed on to the driver unchanged; a value is taken as it is written here, and put into
+/// braces
+///   for the driver manager if it must be. "Persist Security Info" is not passed on.
+///
+/// With MariaDB's driver these are "Server", "Port", "Socket" and "Database"; "Option" and "Charset" are completed
+/// (`MariaDb`). With a data source of MariaDB opening connects twice, unless "Driver" names the driver too.
+///
+/// Statements are translated by the dialect of the engine, prepared by the driver and cached. A session with MariaDB
+/// sends a failure in a transaction one more statement, which asks whether the server has rolled it back.
+std::unique_ptr<Session> OpenOdbc(const ConnectionString& settings, Long timeout);
+
+}  // namespace ADODB

@@ -1,0 +1,64 @@
+#!/bin/sh
+# A MariaDB server for tests, in a folder of its own, on a socket in this folder, without a network port.
+#
+#   mariadb.sh start FOLDER    makes the server and the database "clinic", which tests copy; prints the connection string
+#   mariadb.sh stop FOLDER     stops it and deletes the folder
+#
+# Run as root it uses the account "mysql", because the server refuses to run as root.
+set -eu
+
+command=$1
+folder=$2
+schema=$(dirname "$0")/../../schema
+
+as_user() {
+    if [ "$(id -u)" -eq 0 ]; then
+        setpriv --reuid=mysql --regid=mysql --clear-groups "$@"
+    else
+        "$@"
+    fi
+}
+
+stop() {
+    if [ -f "$folder/pid" ]; then
+        server=$(cat "$folder/pid")
+        kill -9 "$server" 2>/dev/null || true
+        while kill -0 "$server" 2>/dev/null; do sleep 0.1; done
+    fi
+    rm -rf "$folder"
+}
+
+start() {
+    stop
+    mkdir -p "$folder"
+    [ "$(id -u)" -ne 0 ] || chown mysql "$folder"
+    as_user mariadb-install-db --no-defaults --auth-root-authentication-method=normal --skip-test-db \
+        --datadir="$folder/data" >"$folder/install.log" 2>&1 || {
+        cat "$folder/install.log" >&2
+        exit 1
+    }
+    # Nothing of it needs to survive a crash of the machine.
+    as_user mariadbd --no-defaults --datadir="$folder/data" --socket="$folder/socket" --pid-file="$folder/pid" \
+        --skip-networking --skip-log-bin --innodb-flush-log-at-trx-commit=0 --skip-innodb-doublewrite \
+        --innodb-fast-shutdown=2 --max-connections=200 >"$folder/log" 2>&1 </dev/null &
+    waits=0
+    until mariadb-admin --no-defaults --socket="$folder/socket" -u root --silent ping >/dev/null 2>&1; do
+        waits=$((waits + 1))
+        [ $waits -lt 300 ] || {
+            cat "$folder/log" >&2
+            exit 1
+        }
+        sleep 0.1
+    done
+    client="mariadb --no-defaults --socket=$folder/socket -u root"
+    $client -e "CREATE USER oxclass@localhost; GRANT ALL ON *.* TO oxclass@localhost WITH GRANT OPTION;
+        CREATE DATABASE clinic CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin"
+    $client clinic <"$schema/mariadb.sql"
+    echo "Provider=MSDASQL;Driver={MariaDB Unicode};Socket=$folder/socket;User ID=oxclass"
+}
+
+case $command in
+    start) start ;;
+    stop) stop ;;
+    *) echo "usage: $0 start|stop FOLDER" >&2; exit 2 ;;
+esac
