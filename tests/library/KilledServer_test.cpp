@@ -27,24 +27,33 @@ protected:
 
     /// Ends the connection of `faulty` in front of its call with this number, from 1; 0: never.
     void KillAt(int call) {
-        const Long process = CLng(faulty->Execute("SELECT pg_backend_pid()")->Fields(0).Value());
+        const bool postgres = TestedEngine() == Engine::PostgreSQL;
+        const String process =
+            faulty->Execute(postgres ? "SELECT pg_backend_pid()" : "SELECT connection_id()")->Fields(0).As<String>();
+        const String kill = postgres ? "SELECT pg_terminate_backend(" + process + ")" : "KILL " + process;
+        const String count =
+            "SELECT count(*) FROM " +
+            String(postgres ? "pg_stat_activity WHERE pid=" : "information_schema.processlist WHERE id=") + process;
         calls_ = 0;
-        BeforeEachCall([this, call, process] {
+        BeforeEachCall([this, call, kill, count] {
             if (++calls_ != call) return;
-            Ask("SELECT pg_terminate_backend(" + CStr(process) + ")");
-            while (CLng(Ask("SELECT count(*) FROM pg_stat_activity WHERE pid=" + CStr(process))) > 0) usleep(500);
+            Run(kill);
+            while (CLng(Ask(count)) > 0) usleep(500);
         });
     }
 
-    /// Returns the rows of all tables that the operations change.
+    /// Returns the values of all tables that the operations change.
     std::vector<String> Content() {
         std::vector<String> content;
         for (const char* table : {"Patient_T", "Doctor_T", "Clinic_T", "ImageBild_T", "Comments_T", "Study_T",
                                   "Series_T", "ImageCard_T", "ImageAttribute_T", "ImageManipulation_T",
-                                  "TemplateCard_T", "TemplateAttribute_T", "GlobalList_T", "StandardGroupName"})
-            content.push_back(
-                CStr(Ask("SELECT coalesce(string_agg(CAST(t AS text), ';' ORDER BY CAST(t AS text)), '') FROM " +
-                         String(table) + " t")));
+                                  "TemplateCard_T", "TemplateAttribute_T", "GlobalList_T", "StandardGroupName"}) {
+            content.emplace_back(table);
+            for (const Ref<Recordset> rs = Connect()->Execute("SELECT * FROM " + String(table)); !rs->Eof();
+                 rs->MoveNext())
+                for (Long i = 0; i < rs->FieldCount(); ++i)
+                    content.push_back(rs->Fields(i).IsNull() ? "null" : rs->Fields(i).As<String>());
+        }
         return content;
     }
 
