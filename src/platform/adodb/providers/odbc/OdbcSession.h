@@ -15,8 +15,10 @@ namespace ADODB {
 /// With MariaDB's driver these are "Server", "Port", "Socket" and "Database"; "Option" and "Charset" are completed
 /// (`MariaDb`). With a data source of MariaDB opening connects twice, unless "Driver" names the driver too.
 ///
-/// Statements are translated by the dialect of the engine, prepared by the driver and cached. A session with MariaDB
-/// sends a failure in a transaction one more statement, which asks whether the server has rolled it back.
+/// Statements are translated by the dialect of the engine, prepared by the driver and cached. An empty text for a
+/// column of numbers or dates is bound as a null. The driver reads all rows before the first one is returned, if it
+/// does so by itself; MariaDB's driver does. If a statement fails inside a transaction, the session asks MariaDB by
+/// another statement whether the server has rolled the transaction back.
 std::unique_ptr<Session> OpenOdbc(const ConnectionString& settings, Long timeout);
 
 }  // namespace ADODB
