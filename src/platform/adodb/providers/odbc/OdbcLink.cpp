@@ -24,6 +24,11 @@ void* Environment() {
     return environment;
 }
 
+/// Returns a number as the functions for attributes take it.
+void* AsPointer(Long number) {
+    return reinterpret_cast<void*>(static_cast<std::intptr_t>(number));  // NOLINT(performance-no-int-to-ptr)
+}
+
 /// A text as the wide functions take it, with a final zero (SQL_NTS). They do not change it.
 class WideText {
 public:
@@ -87,8 +92,7 @@ OdbcLink::OdbcLink(const ConnectionString& settings, Long timeout) {
 void OdbcLink::Connect(const ConnectionString& settings, Long timeout) {
     connection_ = {};
     connection_ = OdbcHandle(SQL_HANDLE_DBC, Environment());
-    SQLSetConnectAttrW(connection_.Get(), SQL_ATTR_LOGIN_TIMEOUT,
-                       reinterpret_cast<void*>(static_cast<std::intptr_t>(timeout)), 0);
+    SQLSetConnectAttrW(connection_.Get(), SQL_ATTR_LOGIN_TIMEOUT, AsPointer(timeout), 0);
     ConnectionString completed = settings;
     if (dialect_->completeLogin) dialect_->completeLogin(completed);
     WideText text(TextForDriver(completed));
@@ -143,8 +147,7 @@ std::optional<OdbcFailure> OdbcLink::ExecuteText(const OdbcHandle& handle, const
 
 void OdbcLink::LimitTime(const OdbcHandle& handle) {
     if (dialect_->timeLimit.empty()) {
-        SQLSetStmtAttrW(handle.Get(), SQL_ATTR_QUERY_TIMEOUT,
-                        reinterpret_cast<void*>(static_cast<std::intptr_t>(timeout_)), 0);
+        SQLSetStmtAttrW(handle.Get(), SQL_ATTR_QUERY_TIMEOUT, AsPointer(timeout_), 0);
     } else if (timeout_ != knownTimeout_) {
         knownTimeout_ = timeout_;
         Command(String(dialect_->timeLimit) + CStr(timeout_));
