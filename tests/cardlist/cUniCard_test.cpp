@@ -489,9 +489,9 @@ TEST_F(UniCard, ANonNumericFrameIsIgnoredIfTheLayoutHasNoSlot) {
 
 TEST_F(UniCard, MoreImagesThanASixteenBitNumberCountsFailTheLoad) {
     HoldSeries(0);
-    Run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<32768) INSERT INTO ImageBild_T"
-        " (Series_ID, PatientID, DateCaptured_SD, Brightness_INT, Contrast_INT, ImageType, Invert_BT, RootId)"
-        " SELECT 5, 7, '2024-01-01 00:00:00', 0, 0, 0, 0, 1 FROM n");
+    Run("INSERT INTO ImageBild_T"
+        " (Series_ID, PatientID, DateCaptured_SD, Brightness_INT, Contrast_INT, ImageType, Invert_BT, RootId) VALUES " +
+        ManyRows(32768, [](Long) { return "5, 7, '2024-01-01 00:00:00', 0, 0, 0, 0, 1"; }));
     EXPECT_EQ(FailureOf([&] { Load(ctseries); }).Number, 6);
     EXPECT_EQ(entry->Imagecard->ImagecardAttributes->Count(), 32767);
     EXPECT_EQ(PlacedAt(32767)->ID, -32767);

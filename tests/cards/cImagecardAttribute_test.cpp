@@ -447,6 +447,7 @@ TEST_F(Steps, ASecondLoadDoublesThem) {
 }
 
 TEST_F(Steps, ANullKeyEndsTheLoadUnreported) {
+    OXCLASS_ONLY_IF(HasSqliteDefinitions());
     Run("CREATE TABLE Keyless AS SELECT * FROM ImageManipulation_T");
     Run("DROP TABLE ImageManipulation_T");
     Run("ALTER TABLE Keyless RENAME TO ImageManipulation_T");

@@ -409,7 +409,7 @@ protected:
 
     /// Loads three placed images, of which the second has these changes.
     Long LoadWithSecond(const String& changes) {
-        Run("DROP INDEX IF EXISTS ImageAttribute_by_Card");  // the index returns the rows in another order
+        DropIndex("ImageAttribute_by_Card", "ImageAttribute_T");  // the index returns the rows in another order
         RunPlaced(21);
         RunPlaced(22, changes);
         RunPlaced(23);

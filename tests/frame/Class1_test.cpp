@@ -71,8 +71,8 @@ TEST_F(Services, WithoutAnActiveRootTheBoundsFail) {
 }
 
 TEST_F(Services, MoreRootsThanAPositionCanCountOverflow) {
-    Run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 32767) "
-        "INSERT INTO Root_T (RootID, RootDirectory, Status) SELECT i, 'x', CASE i WHEN 1 THEN 1 ELSE 0 END FROM n");
+    Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES " +
+        ManyRows(32767, [](Long i) { return CStr(i) + (i == 1 ? ",'x',1" : ",'x',0"); }));
     EXPECT_EQ(Roots().size(), 32767U);
     Run("INSERT INTO Root_T (RootID, RootDirectory, Status) VALUES (32768, 'x', 0)");
     EXPECT_EQ(FailureOf([&] { Roots(); }).Number, err::Overflow);

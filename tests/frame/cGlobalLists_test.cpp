@@ -257,8 +257,7 @@ TEST_F(GlobalLists, AFailedDeleteAllKeepsTheMembers) {
 }
 
 TEST_F(GlobalLists, DeleteAllTakesAThousandRows) {
-    Run("WITH RECURSIVE n(i) AS (VALUES (1) UNION ALL SELECT i + 1 FROM n WHERE i < 1500)"
-        " INSERT INTO GlobalList_T (ListID) SELECT 7 FROM n");
+    Run("INSERT INTO GlobalList_T (ListID) VALUES " + ManyRows(1500, [](Long) { return "7"; }));
     EXPECT_EQ(list->GetAllGLs(con, gglID_CIDCodes), 1500);
     list->DeleteAll(con);
     EXPECT_EQ(list->Count(), 0);
@@ -266,8 +265,7 @@ TEST_F(GlobalLists, DeleteAllTakesAThousandRows) {
 }
 
 TEST_F(GlobalLists, DeleteAllOfMoreMembersThanSixteenBitsCountFailsAfterTheRowsAreDeleted) {
-    Run("WITH RECURSIVE n(i) AS (VALUES (1) UNION ALL SELECT i + 1 FROM n WHERE i < 32768)"
-        " INSERT INTO GlobalList_T (ListID) SELECT 7 FROM n");
+    Run("INSERT INTO GlobalList_T (ListID) VALUES " + ManyRows(32768, [](Long) { return "7"; }));
     EXPECT_EQ(list->GetAllGLs(con, gglID_CIDCodes), 32768);
     EXPECT_EQ(FailureOf([&] { list->DeleteAll(con); }).Number, 6);
     EXPECT_EQ(Rows(), 0);

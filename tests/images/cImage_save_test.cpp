@@ -682,7 +682,7 @@ TEST_F(ImageSave, AFailureOfTheDatabasePassesUnchanged) {
 
 TEST_F(ImageSave, AFailureOfTheSearchIsRaisedUnchanged) {
     Run("ALTER TABLE ImageBild_T DROP COLUMN CRC");
-    Run("DROP INDEX ImageBild_by_SOPInstanceUID");
+    DropIndex("ImageBild_by_SOPInstanceUID", "ImageBild_T");
     Run("ALTER TABLE ImageBild_T RENAME COLUMN SOPInstanceUID_NVC TO Other");
     image = Distinct();
     const Error plain =

@@ -87,6 +87,10 @@ void WithDatabase::Run(const String& statement) {
     con->Advise(log);
 }
 
+void WithDatabase::DropIndex(const String& index, const String& table) {
+    Run("DROP INDEX IF EXISTS " + index + (TestedEngine() == Engine::MariaDB ? " ON " + table : ""));
+}
+
 Variant WithDatabase::Ask(const String& select) {
     con->Unadvise(log);
     const Ref<Recordset> rows = con->Execute(select);

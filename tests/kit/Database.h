@@ -72,6 +72,9 @@ protected:
     /// Runs a statement that is not logged.
     void Run(const String& statement);
 
+    /// Drops an index. The statement is not logged.
+    void DropIndex(const String& index, const String& table);
+
     /// Returns the first column of the first row of a select; `Empty` without a row. The statement is not logged.
     Variant Ask(const String& select);
 

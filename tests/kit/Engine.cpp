@@ -193,6 +193,12 @@ void TestDatabase::RunScript(std::string_view script) const {
     con->CommitTrans();
 }
 
+String ManyRows(Long count, const std::function<String(Long)>& row) {
+    String rows;
+    for (Long i = 1; i <= count; ++i) rows += (i == 1 ? "(" : ",(") + row(i) + ")";
+    return rows;
+}
+
 void AlignCounter(const Ref<Connection>& con, const String& statement) {
     if (CounterFollowsKeys()) return;
     const std::size_t into = LCase(statement).find("insert into ");

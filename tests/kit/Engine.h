@@ -3,6 +3,7 @@
 #include "platform/adodb/Recordset.h"
 
 #include <filesystem>
+#include <functional>
 
 /// The database engine that the tests run on: SQLite, or the server that OXCLASS_TEST_SERVER describes by a connection
 /// string without a database, as tests/servers starts it. The tests are the same for all engines. Where engines differ,
@@ -38,6 +39,16 @@ inline bool KeepsCaseOfNames() { return TestedEngine() != Engine::PostgreSQL; }
 /// True if a column keeps a value of any type: a text in a column of numbers, a date that no calendar has. Servers
 /// check the types of their columns, so that rows can't be damaged in this way.
 inline bool KeepsValuesOfOtherTypes() { return TestedEngine() == Engine::SQLite; }
+
+/// True if a statement that changes a table's definition is undone with its transaction.
+inline bool RollsBackDefinitions() { return TestedEngine() != Engine::MariaDB; }
+
+/// True if rows that an ORDER BY leaves equal come in the order of their keys. MariaDB returns them in any order.
+inline bool SortsEqualRows() { return TestedEngine() != Engine::MariaDB; }
+
+/// True if the columns for names ignore the case of A to Z only, and distinguish all other characters. With MariaDB
+/// they ignore the case of all letters.
+inline bool IgnoresCaseOfLatinLettersOnly() { return TestedEngine() != Engine::MariaDB; }
 
 /// True if a text that is longer than its column is stored by a statement. Servers reject it.
 inline bool KeepsLongTexts() { return TestedEngine() == Engine::SQLite; }
@@ -80,6 +91,9 @@ private:
 
 /// Runs the statements of a script in one transaction on an SQLite database, which is created if it is missing.
 void RunOnFile(const std::filesystem::path& path, std::string_view script);
+
+/// Returns rows for an INSERT, "(...),(...)": `row` returns the text of each one, for the numbers from 1 to `count`.
+String ManyRows(Long count, const std::function<String(Long)>& row);
 
 /// Moves the counter of the table that a statement has inserted into behind its greatest key, as an embedded engine
 /// does by itself. Does nothing for another statement.

@@ -45,6 +45,12 @@ protected:
                                 "') i, pragma_index_info(i.name) c WHERE i.origin='c' GROUP BY i.name ORDER BY 1");
     }
     std::vector<String> ServerIndexes(const String& table) {
+        if (TestedEngine() == Engine::MariaDB)
+            return Names(
+                con,
+                "SELECT group_concat(column_name ORDER BY seq_in_index) FROM information_schema.statistics WHERE "
+                "table_schema=database() AND table_name='" +
+                    table + "' AND index_name<>'PRIMARY' GROUP BY index_name ORDER BY 1");
         return Names(
             con,
             "SELECT string_agg(a.attname, ',' ORDER BY array_position(i.indkey::int2[], a.attnum)) FROM pg_index i"
@@ -58,12 +64,18 @@ protected:
         return Names(model, "SELECT name || '*' FROM pragma_table_info('" + table + "') WHERE pk=1").front();
     }
     String ServerKey(const String& table) {
-        return Names(
-                   con,
-                   "SELECT a.attname || CASE a.attidentity WHEN 'd' THEN '*' ELSE '' END FROM pg_index i JOIN "
-                   "pg_attribute a"
-                   " ON a.attrelid = i.indrelid AND a.attnum = ANY (i.indkey) WHERE i.indisprimary AND i.indrelid = '" +
-                       table + "'::regclass")
+        if (TestedEngine() == Engine::MariaDB)
+            return Names(con,
+                         "SELECT concat(column_name, if(extra LIKE '%auto_increment%', '*', '')) FROM "
+                         "information_schema.columns WHERE table_schema=database() AND column_key='PRI' AND "
+                         "table_name='" +
+                             table + "'")
+                .front();
+        return Names(con,
+                     "SELECT a.attname || CASE a.attidentity WHEN 'd' THEN '*' ELSE '' END FROM pg_index i JOIN "
+                     "pg_attribute a ON a.attrelid = i.indrelid AND a.attnum = ANY (i.indkey) WHERE i.indisprimary AND "
+                     "i.indrelid = '" +
+                         table + "'::regclass")
             .front();
     }
 
@@ -75,9 +87,11 @@ TEST_F(ServerSchema, HasTheTablesOfTheModel) {
     EXPECT_GT(expected.size(), 10U);
     expected.emplace_back("schemaversion_t");
     std::sort(expected.begin(), expected.end());
-    EXPECT_EQ(
-        Names(con, "SELECT relname FROM pg_class WHERE relkind='r' AND relnamespace='public'::regnamespace ORDER BY 1"),
-        expected);
+    const char* const tables =
+        TestedEngine() == Engine::MariaDB
+            ? "SELECT table_name FROM information_schema.tables WHERE table_schema=database() ORDER BY 1"
+            : "SELECT relname FROM pg_class WHERE relkind='r' AND relnamespace='public'::regnamespace ORDER BY 1";
+    EXPECT_EQ(Names(con, tables), expected);
 }
 
 TEST_F(ServerSchema, HasTheColumnsAndKeysOfTheModel) {

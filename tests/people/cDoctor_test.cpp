@@ -71,7 +71,7 @@ protected:
     }
 
     void DropColumn(const String& name) {
-        Run("DROP INDEX IF EXISTS Doctor_by_GUID");
+        DropIndex("Doctor_by_GUID", "Doctor_T");
         Run("ALTER TABLE Doctor_T DROP COLUMN " + name);
     }
 

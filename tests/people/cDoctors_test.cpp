@@ -276,7 +276,7 @@ TEST_F(Doctors, AMissingColumnAfterTheNamesLeavesAPartlyFilledDoctor) {
                        {"drGUID", "5|AH|Ann|Hill|Dr.|room 3|2|a@h||"},
                        {"DrLogin", "5|AH|Ann|Hill|Dr.|room 3|2|a@h|F00D|"}};
     RunRow();
-    Run("DROP INDEX Doctor_by_GUID");
+    DropIndex("Doctor_by_GUID", "Doctor_T");
     for (const auto& one : cases) {
         Run("BEGIN");
         Run("ALTER TABLE Doctor_T DROP COLUMN " + String(one.column));

@@ -194,8 +194,8 @@ TEST_F(StudyTable, AMissingColumnIsSkipped) {
 
 TEST_F(StudyTable, AMissingUidOrPatientIsSkippedToo) {
     FillOtherwise();
-    Run("DROP INDEX Study_by_InstanceUID");
-    Run("DROP INDEX Study_by_Patient");
+    DropIndex("Study_by_InstanceUID", "Study_T");
+    DropIndex("Study_by_Patient", "Study_T");
     Run("ALTER TABLE Study_T DROP COLUMN StudyInstanceUID");
     Run("ALTER TABLE Study_T DROP COLUMN PatientID");
     EXPECT_TRUE(study->savestudy(true, con));

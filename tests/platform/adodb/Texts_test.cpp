@@ -33,6 +33,7 @@ TEST_F(Texts, OfAPlainColumnAreEqualOnlyIfAllCharactersAre) {
 }
 
 TEST_F(Texts, OfANameAreEqualWithoutTheCaseOfLatinLetters) {
+    OXCLASS_ONLY_IF(TestKit::IgnoresCaseOfLatinLettersOnly());
     Store({"Ek", "eK", "Ek ", "Åsa", "åsa", "Asa", "ΩΣ", "ωσ", "I", "i", "İ", "ı"});
     EXPECT_EQ(Equal("ClinicName", "EK"), "Ek,eK");
     EXPECT_EQ(Equal("ClinicName", "ÅSA"), "Åsa") << "a letter outside of A to Z has its case";
@@ -44,6 +45,7 @@ TEST_F(Texts, OfANameAreEqualWithoutTheCaseOfLatinLetters) {
 }
 
 TEST_F(Texts, AreSortedByTheirCharacters) {
+    OXCLASS_ONLY_IF(TestKit::IgnoresCaseOfLatinLettersOnly());
     Store({"ö", "z", "Z", "Å", "a", "Ω", "ı", "A", "日", "!", "ä", "😀", "å", "İ", "ω", "B"});
     EXPECT_EQ(AskAll("SELECT City FROM Clinic_T ORDER BY City"), "!,A,B,Z,a,z,Å,ä,å,ö,İ,ı,Ω,ω,日,😀");
     EXPECT_EQ(AskAll("SELECT City FROM Clinic_T ORDER BY ClinicName, ClinicID"), "!,a,A,B,z,Z,Å,ä,å,ö,İ,ı,Ω,ω,日,😀");

@@ -36,7 +36,7 @@ protected:
 
 TEST_F(UnbufferedTest, RowsAreThoseOfAnOrdinaryRecordset) {
     const char* const every =
-        "SELECT 1 AS whole, 1.5 AS real, 'text' AS word, NULL AS none, x'4142' AS bytes, "
+        "SELECT 1 AS whole, 1.5 AS fraction, 'text' AS word, NULL AS none, x'4142' AS bytes, "
         "3000000000 AS large UNION ALL SELECT -1, 1e300, '', NULL, x'', -5";
     const Ref<Recordset> rs = Open(plain, every);
     const Ref<Recordset> copied = New<Recordset>();
