@@ -447,6 +447,7 @@ TEST_F(CardAtATime, ANullImageEndsTheLoadWithATextBoxAndZero) {
 }
 
 TEST_F(CardAtATime, ANullKeyEndsTheLoadWithATextBoxAndZero) {
+    OXCLASS_ONLY_IF(HasSqliteDefinitions());
     LetKeysBeAnything();
     EXPECT_EQ(LoadWithSecond("ImageAttributeID=NULL"), 0);
     ExpectOnlyTheFirstAndABoxOf(94, "Invalid use of Null");

@@ -38,9 +38,13 @@ start() {
         exit 1
     }
     # Nothing of it needs to survive a crash of the machine.
-    as_user mariadbd --no-defaults --datadir="$folder/data" --socket="$folder/socket" --pid-file="$folder/pid" \
-        --skip-networking --skip-log-bin --innodb-flush-log-at-trx-commit=0 --skip-innodb-doublewrite \
-        --innodb-fast-shutdown=2 --max-connections=200 >"$folder/log" 2>&1 </dev/null &
+    # The redirections are of a shell of its own, so that nothing keeps the caller's output open.
+    (
+        exec >"$folder/log" 2>&1 </dev/null
+        as_user mariadbd --no-defaults --datadir="$folder/data" --socket="$folder/socket" --pid-file="$folder/pid" \
+            --skip-networking --skip-log-bin --innodb-flush-log-at-trx-commit=0 --skip-innodb-doublewrite \
+            --innodb-fast-shutdown=2 --max-connections=200
+    ) &
     waits=0
     until mariadb-admin --no-defaults --socket="$folder/socket" -u root --silent ping >/dev/null 2>&1; do
         waits=$((waits + 1))
