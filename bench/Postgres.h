@@ -5,8 +5,8 @@
 namespace Bench {
 
 /// Compares the library on a PostgreSQL server with the same work written by hand on the server's client library, with
-/// prepared statements. `server` is a connection string of a server whose database "clinic" has the tables of the library
-/// and no images; it is filled with 100,000.
+/// prepared statements. `server` is a connection string of a server whose database "clinic" has the tables of the
+/// library and no images; it is filled with 100,000.
 void BenchPostgres(Report& report, const std::string& server);
 
 }  // namespace Bench

@@ -64,7 +64,10 @@ std::shared_ptr<const OdbcColumns> OdbcCatalog::ColumnsOf(const OdbcHandle& stat
                         &size, &digits, &nullable);
         SQLColAttributeW(statement.Get(), ordinal, SQL_DESC_AUTO_UNIQUE_VALUE, nullptr, 0, nullptr, &counter);
         const auto [dataType, form] = TypeOf(type, digits);
-        Column column{.Name = FromUtf16(name.data()), .Type = dataType, .Counter = counter == SQL_TRUE};
+        Column column;
+        column.Name = FromUtf16(name.data());
+        column.Type = dataType;
+        column.Counter = counter == SQL_TRUE;
         if (dataType == adVarWChar && std::in_range<Long>(size)) column.DefinedSize = static_cast<Long>(size);
         column.Table = AttributeText(statement, ordinal, SQL_DESC_BASE_TABLE_NAME);
         if (!column.Table.empty()) {
