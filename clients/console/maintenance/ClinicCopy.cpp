@@ -174,7 +174,7 @@ public:
     CopiedTable Compare() {
         Pages from(source_, table_, columns_), to(target_, table_, columns_);
         Sha256 sent, stored;
-        CopiedTable copied{.name = table_.name};
+        CopiedTable copied{table_.name, 0, {}};
         for (;;) {
             const std::vector<Row> wanted = from.Next(), found = to.Next();
             if (wanted.empty() && found.empty()) break;
