@@ -188,7 +188,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t MostBytes = 256 * 1024;
+    static constexpr std::size_t MostBytes = 262'144;
 
     static std::string ValuesOf(const Row& row) {
         std::string values;
@@ -308,6 +308,7 @@ std::vector<CopiedTable> CopyClinic(const Database& source, const Ref<Connection
         for (TableCopy& copy : copies) copy.Copy(progress);
     }
     std::vector<CopiedTable> copied;
+    copied.reserve(copies.size());
     for (TableCopy& copy : copies) copied.push_back(copy.Compare());
     AlignCounters(target);
     writing.Commit();
