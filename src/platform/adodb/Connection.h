@@ -64,7 +64,7 @@ public:
 
     /// Opens the connection that a connection string describes, "Provider=SQLite;Data Source=clinic.db". If the
     /// argument is empty, the property `ConnectionString` is used. `UserID` and `Password` override those in the text.
-    /// If there is no password, but a setting "Password File", the first line of this file is the password. After a
+    /// Without a password, the first line of the file that the setting "Password File" names is the password. After a
     /// success the property does not contain a password, unless the text has the setting "Persist Security Info=True".
     ///
     /// Raises 3705 if open, 3706 for an unknown provider, 0x80040E21 for a setting that can't be parsed or is not

@@ -119,7 +119,7 @@ public:
     /// caller must read to the end or close the recordset before it returns to its own caller.
     ///
     /// Raises as `Open`. In addition, `Move` and `MoveNext` raise the engine's failure to read a later row, even if the
-    /// failure occurred while the rows were being copied. After that there is no current row. C++ only.
+    /// failure occurred while the rows were being copied. The recordset then has no current row. C++ only.
     void OpenUnbuffered(const String& Source, const Ref<Connection>& ActiveConnection);
 
     /// Releases the rows; the connection and the source are kept. The recordset can be opened again. Raises 3704 if
@@ -295,7 +295,7 @@ private:
     /// Copies the current row and those that are not read yet, and ends the statement. A failure is kept, and raised by
     /// the move that reaches its row; raises it at once if not even the current row can be copied.
     void CopyUnread();
-    /// Raises the stored failure. After that there is no current row.
+    /// Raises the stored failure. The recordset then has no current row.
     [[noreturn]] void RaiseCutShort();
     /// Ends the statement; the rows that are not read are lost.
     void StopReading();

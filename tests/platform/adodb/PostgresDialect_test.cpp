@@ -7,7 +7,7 @@ namespace {
 using namespace ADODB;
 using Platform::String;
 
-/// The keys of two tables; there are no others.
+/// Returns the keys of two tables, and none for another one.
 std::vector<String> KeysOf(const String& table) {
     if (table == "image_t") return {"imageid"};
     if (table == "pair_t") return {"left_id", "right_id"};

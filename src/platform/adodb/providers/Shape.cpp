@@ -2,6 +2,7 @@
 
 #include "platform/adodb/providers/Lexer.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace ADODB {
@@ -137,6 +138,11 @@ bool CutAtLiterals(std::string_view statement, Shape& shape, std::vector<Literal
     shape.pieces.clear();
     literals.clear();
     return Cutter(statement, shape, literals).Cut();
+}
+
+bool HasBlank(const std::vector<Literal>& literals) {
+    return std::any_of(literals.begin(), literals.end(),
+                       [](const Literal& literal) { return literal.isText && literal.body.empty(); });
 }
 
 std::string Unquoted(std::string_view body) {

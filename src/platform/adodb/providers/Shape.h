@@ -39,6 +39,9 @@ struct Shape {
 /// own or an unterminated literal. `shape.reals` is read.
 bool CutAtLiterals(std::string_view statement, Shape& shape, std::vector<Literal>& literals);
 
+/// Returns true if one of the literals is an empty text.
+bool HasBlank(const std::vector<Literal>& literals);
+
 /// Returns the value of a text literal: its body with each doubled quote replaced by one.
 std::string Unquoted(std::string_view body);
 

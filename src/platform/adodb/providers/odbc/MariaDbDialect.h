@@ -11,10 +11,9 @@ namespace ADODB {
 ///   front of a ".", and other names in a FROM clause. A name in quotes is left as it is;
 /// - `DELETE * FROM` loses the star, and `DEFAULT VALUES` becomes `() VALUES ()`;
 /// - `LIKE` with a literal compares without regard to the case of letters, and has no escape character unless it names
-/// one;
-/// - a chain of conditions "a=1 OR a=2" becomes "a IN (1,2)", because the time in which the server plans a chain grows
-/// with
-///   the square of its length.
+///   one;
+/// - a chain of conditions "a=1 OR a=2" becomes "a IN (1,2)", because the time in which the server plans a chain
+///   grows with the square of its length.
 extern const OdbcDialect MariaDb;
 
 }  // namespace ADODB

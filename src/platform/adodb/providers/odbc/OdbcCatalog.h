@@ -28,7 +28,7 @@ public:
     std::shared_ptr<const OdbcColumns> ColumnsOf(const OdbcHandle& statement);
 
     /// Returns true if an empty text can't be a value of a column: of numbers, dates and times. `table` is written as
-    /// in a statement. False if there is no such table or column.
+    /// in a statement. Returns false for a table or a column that does not exist.
     bool RejectsBlank(const String& table, const String& column);
 
     /// Discards everything, after a table has changed.

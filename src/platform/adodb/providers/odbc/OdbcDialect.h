@@ -13,7 +13,7 @@ struct OdbcNumber {
     Long number;
 };
 
-/// What an engine needs beside the standard. An empty text or a null stands for the standard.
+/// What an engine does in another way than the standard. An empty text or a null means: as the standard.
 struct OdbcDialect {
     std::string_view name;  ///< a part of the names of the engine and of its drivers
 

@@ -112,7 +112,7 @@ private:
         statement.shape.reals = true;
         if (!CutAtLiterals(text, statement.shape, literals_) || literals_.size() > MostParameters) return nullptr;
         // A text that is sent once is prepared only if an empty text may have to become a null.
-        if (!StatementCache<OdbcStatement>::IsKept(text) && !HasBlank()) return nullptr;
+        if (!StatementCache<OdbcStatement>::IsKept(text) && !HasBlank(literals_)) return nullptr;
         statement.targets = TargetsOf(text, literals_);
         if (Prepare(statement, text, literals_)) return nullptr;
         return &statements_.Keep(std::move(statement), text);
@@ -136,7 +136,7 @@ private:
     }
 
     Outcome RunPrepared(OdbcStatement& statement, std::string_view text) {
-        if (HasBlank() && !statement.nullIfBlank) statement.nullIfBlank = BlankRules(statement.targets);
+        if (HasBlank(literals_) && !statement.nullIfBlank) statement.nullIfBlank = BlankRules(statement.targets);
         values_.Set(literals_, statement.nullIfBlank);
         RunWithValues(statement, text);
         return OutcomeOf(statement, text);
@@ -201,11 +201,6 @@ private:
     bool IsForgotten(const OdbcFailure& failure) const {
         const std::span<const Long> codes = link_.Dialect().forgotten;
         return std::find(codes.begin(), codes.end(), failure.native) != codes.end();
-    }
-
-    bool HasBlank() const {
-        return std::any_of(literals_.begin(), literals_.end(),
-                           [](const Literal& literal) { return literal.isText && literal.body.empty(); });
     }
 
     static constexpr std::size_t MostParameters = 65535;

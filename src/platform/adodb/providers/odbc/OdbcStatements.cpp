@@ -1,5 +1,6 @@
 #include "platform/adodb/providers/odbc/OdbcStatements.h"
 
+#include "platform/adodb/providers/DecimalCell.h"
 #include "platform/runtime/Convert.h"
 
 #include <charconv>
@@ -11,17 +12,6 @@ namespace ADODB {
 using namespace Platform;
 
 namespace {
-
-/// Returns a decimal number: a whole number if it is one and has 64 bits, otherwise the nearest double.
-Cell DecimalCell(std::string_view text) {
-    const char* const last = text.data() + text.size();
-    std::int64_t whole = 0;
-    if (const auto [end, failure] = std::from_chars(text.data(), last, whole); failure == std::errc() && end == last)
-        return Cell::Of(whole);
-    double real = 0;
-    std::from_chars(text.data(), last, real);
-    return Cell::Of(real);
-}
 
 Cell CellOf(const Literal& literal) {
     if (!literal.isReal) return Cell::Of(literal.number);

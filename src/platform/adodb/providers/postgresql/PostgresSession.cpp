@@ -1,5 +1,6 @@
 #include "platform/adodb/providers/postgresql/PostgresSession.h"
 
+#include "platform/adodb/providers/DecimalCell.h"
 #include "platform/adodb/providers/postgresql/PostgresDialect.h"
 #include "platform/adodb/providers/postgresql/PostgresErrors.h"
 #include "platform/adodb/providers/postgresql/PostgresStatements.h"
@@ -25,14 +26,6 @@ Number NumberIn(std::string_view text) {
     return number;
 }
 
-/// Returns a number without limits: a whole number if it is one and has 64 bits, otherwise the nearest double.
-Cell NumericCell(std::string_view text) {
-    std::int64_t whole = 0;
-    const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), whole);
-    if (failure == std::errc() && end == text.data() + text.size()) return Cell::Of(whole);
-    return Cell::Of(NumberIn<double>(text));
-}
-
 /// The rows of a result, which the client library has received.
 class PostgresRows final : public RowReader {
 public:
@@ -50,7 +43,7 @@ public:
             case PostgresForm::Whole: return Cell::Of(NumberIn<std::int64_t>(text));
             case PostgresForm::Real: return Cell::Of(NumberIn<double>(text));
             case PostgresForm::Boolean: return Cell::Of(static_cast<std::int64_t>(text == "t" ? -1 : 0));
-            case PostgresForm::Numeric: return NumericCell(text);
+            case PostgresForm::Numeric: return DecimalCell(text);
             case PostgresForm::Text: break;
         }
         return Cell::Of(text);
@@ -206,7 +199,7 @@ private:
         statement.shape.reals = true;
         if (!CutAtLiterals(text, statement.shape, literals_) || literals_.size() > MostParameters) return nullptr;
         // A text that is sent once is prepared only if the types of its parameters are needed.
-        if (!StatementCache<PostgresStatement>::IsKept(text) && !HasBlank()) return nullptr;
+        if (!StatementCache<PostgresStatement>::IsKept(text) && !HasBlank(literals_)) return nullptr;
         PostgresText translated = ForPostgres(text, literals_, keys_);
         statement.negative = std::move(translated.negative);
         statement.translated = std::move(translated.text);
@@ -320,11 +313,6 @@ private:
     static bool IsForgotten(const std::vector<PostgresResult>& results) {
         const String state = PostgresLink::FailureState(results);
         return state == "26000" || state == "0A000";
-    }
-
-    bool HasBlank() const {
-        return std::any_of(literals_.begin(), literals_.end(),
-                           [](const Literal& literal) { return literal.isText && literal.body.empty(); });
     }
 
     bool HasReal() const {
