@@ -1,6 +1,6 @@
 -- Tables of the dental imaging database, for MariaDB 10.11 and newer.
 --
--- Run once in an empty database, for example by the command line client:
+-- Run in an empty database, for example by the command line client:
 --
 --     mariadb --execute "CREATE DATABASE clinic CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin"
 --     mariadb clinic < schema/mariadb.sql
@@ -22,34 +22,35 @@
 -- An index is defined only if a statement of the library would scan a large table without it.
 
 -- Marks the database as one of this system and stores the version of its tables, so that a program can reject a foreign
--- or a newer database.
-CREATE TABLE schemaversion_t (
+-- or a newer database. The last statement of this file marks it. Writes is the number of write transactions of the
+-- program; updated first in each, so that they run one after the other, and in a cluster conflict.
+CREATE TABLE IF NOT EXISTS schemaversion_t (
     Application varchar(16) PRIMARY KEY,
-    Version int
+    Version int,
+    Writes bigint NOT NULL DEFAULT 0
 ) ENGINE = InnoDB CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin;
-INSERT INTO schemaversion_t (Application, Version) VALUES ('OXClass', 1);
 
 -- Storage roots: the directories that hold the image files. One row has a Status other than 0,
 -- the active root that takes new files. Few rows; the whole table is read.
-CREATE TABLE root_t (
+CREATE TABLE IF NOT EXISTS root_t (
     RootID int AUTO_INCREMENT PRIMARY KEY,
     RootDirectory varchar(255),
     Status int
 ) ENGINE = InnoDB CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin;
 
 -- Settings and short lists of texts. The rows of one ListID are a list; a setting is a list of one row.
-CREATE TABLE globallist_t (
+CREATE TABLE IF NOT EXISTS globallist_t (
     GlobalListID int AUTO_INCREMENT PRIMARY KEY,
     ListID int,
     ListText longtext
 ) ENGINE = InnoDB CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin;
 
 -- Loading or deleting one list. Returns the rows of a list in the order of their insertion.
-CREATE INDEX GlobalList_by_ListID ON globallist_t (ListID);
+CREATE INDEX IF NOT EXISTS GlobalList_by_ListID ON globallist_t (ListID);
 
 -- Patients. The identifier that people know is PersonNr_CH, stored in upper case and compared
 -- without regard to case. Several rows of one PersonNr_CH are possible.
-CREATE TABLE patient_t (
+CREATE TABLE IF NOT EXISTS patient_t (
     PatientID int AUTO_INCREMENT PRIMARY KEY,
     PersonNr_CH varchar(64) COLLATE utf8mb4_uca1400_nopad_as_ci,
     FirstName_NVC varchar(128),
@@ -69,13 +70,13 @@ CREATE TABLE patient_t (
 ) ENGINE = InnoDB CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin;
 
 -- Loading, saving and the card list of a patient by the text identifier, and the key of a new row.
-CREATE INDEX Patient_by_PersonNr ON patient_t (PersonNr_CH);
+CREATE INDEX IF NOT EXISTS Patient_by_PersonNr ON patient_t (PersonNr_CH);
 
 -- Counting the patients of a doctor.
-CREATE INDEX Patient_by_RespDoctor ON patient_t (RespDoctor);
+CREATE INDEX IF NOT EXISTS Patient_by_RespDoctor ON patient_t (RespDoctor);
 
 -- Doctors. Names sort for display without regard to case. Few rows, the list reads them all.
-CREATE TABLE doctor_t (
+CREATE TABLE IF NOT EXISTS doctor_t (
     drID int AUTO_INCREMENT PRIMARY KEY,
     DrContactInfo_NVC varchar(255),
     DrFirstName_NVC varchar(60) COLLATE utf8mb4_uca1400_nopad_as_ci,
@@ -89,11 +90,11 @@ CREATE TABLE doctor_t (
 ) ENGINE = InnoDB CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin;
 
 -- Loading a doctor by GUID.
-CREATE INDEX Doctor_by_GUID ON doctor_t (drGUID);
+CREATE INDEX IF NOT EXISTS Doctor_by_GUID ON doctor_t (drGUID);
 
 -- Clinics. The row named __HQ is the head office. Names sort for display without regard to case.
 -- Few rows, the list reads them all.
-CREATE TABLE clinic_t (
+CREATE TABLE IF NOT EXISTS clinic_t (
     ClinicID int AUTO_INCREMENT PRIMARY KEY,
     ClinicName varchar(50) COLLATE utf8mb4_uca1400_nopad_as_ci,
     OrgNumber varchar(50),
@@ -105,7 +106,7 @@ CREATE TABLE clinic_t (
 ) ENGINE = InnoDB CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin;
 
 -- Images, one row a stored image. The largest table: every index here costs each save.
-CREATE TABLE imagebild_t (
+CREATE TABLE IF NOT EXISTS imagebild_t (
     ImageBildID int AUTO_INCREMENT PRIMARY KEY,
     ToothCollectionID int,
     PatientID int,
@@ -157,19 +158,19 @@ CREATE TABLE imagebild_t (
 ) ENGINE = InnoDB CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin;
 
 -- All images of a patient in the order of capture, without a sort.
-CREATE INDEX ImageBild_by_Patient ON imagebild_t (PatientID, DateCaptured_SD);
+CREATE INDEX IF NOT EXISTS ImageBild_by_Patient ON imagebild_t (PatientID, DateCaptured_SD);
 
 -- All images of a series in the order of capture, without a sort, and the sums of the card list.
-CREATE INDEX ImageBild_by_Series ON imagebild_t (Series_ID, DateCaptured_SD);
+CREATE INDEX IF NOT EXISTS ImageBild_by_Series ON imagebild_t (Series_ID, DateCaptured_SD);
 
 -- The key of an image just inserted, read back by patient and file.
-CREATE INDEX ImageBild_by_File ON imagebild_t (PatientID, GraphicURL_NVC);
+CREATE INDEX IF NOT EXISTS ImageBild_by_File ON imagebild_t (PatientID, GraphicURL_NVC);
 
 -- Finding an image that is imported a second time.
-CREATE INDEX ImageBild_by_SOPInstanceUID ON imagebild_t (SOPInstanceUID_NVC);
+CREATE INDEX IF NOT EXISTS ImageBild_by_SOPInstanceUID ON imagebild_t (SOPInstanceUID_NVC);
 
 -- Signed, dated comments. tabelID names the kind of owner (1 an image), objectID its key.
-CREATE TABLE comments_t (
+CREATE TABLE IF NOT EXISTS comments_t (
     CommentID int AUTO_INCREMENT PRIMARY KEY,
     dates datetime,
     signature varchar(150),
@@ -179,11 +180,11 @@ CREATE TABLE comments_t (
 ) ENGINE = InnoDB CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin;
 
 -- The comments of an image, oldest first, without a sort, and the removal of a deletion mark.
-CREATE INDEX Comments_by_Object ON comments_t (objectID, tabelID, dates);
+CREATE INDEX IF NOT EXISTS Comments_by_Object ON comments_t (objectID, tabelID, dates);
 
 -- Studies. Study_ID is the key of the row, studyID the study identifier of DICOM. A study that is
 -- saved without a patient gets PatientID 0, so that it can be loaded again.
-CREATE TABLE study_t (
+CREATE TABLE IF NOT EXISTS study_t (
     Study_ID int AUTO_INCREMENT PRIMARY KEY,
     StudyInstanceUID varchar(64),
     PatientID int DEFAULT 0,
@@ -196,13 +197,13 @@ CREATE TABLE study_t (
 ) ENGINE = InnoDB CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin;
 
 -- Loading and merging a study by UID.
-CREATE INDEX Study_by_InstanceUID ON study_t (StudyInstanceUID);
+CREATE INDEX IF NOT EXISTS Study_by_InstanceUID ON study_t (StudyInstanceUID);
 
 -- The studies of a patient, for the card list.
-CREATE INDEX Study_by_Patient ON study_t (PatientID);
+CREATE INDEX IF NOT EXISTS Study_by_Patient ON study_t (PatientID);
 
 -- Series of a study. template_ID holds the TCDicomId of a template, not its key.
-CREATE TABLE series_t (
+CREATE TABLE IF NOT EXISTS series_t (
     Series_ID int AUTO_INCREMENT PRIMARY KEY,
     SeriesInstanceUID varchar(64),
     Modality varchar(16),
@@ -219,13 +220,13 @@ CREATE TABLE series_t (
 ) ENGINE = InnoDB CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin;
 
 -- Loading and merging a series by UID.
-CREATE INDEX Series_by_InstanceUID ON series_t (SeriesInstanceUID);
+CREATE INDEX IF NOT EXISTS Series_by_InstanceUID ON series_t (SeriesInstanceUID);
 
 -- The series of a study, for the card list.
-CREATE INDEX Series_by_Study ON series_t (Study_ID);
+CREATE INDEX IF NOT EXISTS Series_by_Study ON series_t (Study_ID);
 
 -- Templates: named page layouts. The canvas is counted in pixels. TCMaximized stores the hidden flag.
-CREATE TABLE templatecard_t (
+CREATE TABLE IF NOT EXISTS templatecard_t (
     TemplateID int AUTO_INCREMENT PRIMARY KEY,
     TCName varchar(255),
     TCDate datetime,
@@ -241,11 +242,11 @@ CREATE TABLE templatecard_t (
 ) ENGINE = InnoDB CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin;
 
 -- Loading a template by the number that series carry.
-CREATE INDEX TemplateCard_by_DicomId ON templatecard_t (TCDicomId);
+CREATE INDEX IF NOT EXISTS TemplateCard_by_DicomId ON templatecard_t (TCDicomId);
 
 -- Slots of a template, one row a place for an image. Places and sizes are fractions of the canvas,
 -- counted from the top left. TAProportions is a text, as older rows hold a decimal comma.
-CREATE TABLE templateattribute_t (
+CREATE TABLE IF NOT EXISTS templateattribute_t (
     TemplateImageId int AUTO_INCREMENT PRIMARY KEY,
     TemplateID int,
     TAGroupName varchar(255),
@@ -267,10 +268,10 @@ CREATE TABLE templateattribute_t (
 ) ENGINE = InnoDB CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin;
 
 -- The slots of a template in the order of their numbers, without a sort, and the key of a new slot.
-CREATE INDEX TemplateAttribute_by_Template ON templateattribute_t (TemplateID, TANumberInTemplate);
+CREATE INDEX IF NOT EXISTS TemplateAttribute_by_Template ON templateattribute_t (TemplateID, TANumberInTemplate);
 
 -- Image cards: pages that a user composed from images of one patient.
-CREATE TABLE imagecard_t (
+CREATE TABLE IF NOT EXISTS imagecard_t (
     ImageCardID int AUTO_INCREMENT PRIMARY KEY,
     PatientID int,
     ICName varchar(255),
@@ -285,11 +286,11 @@ CREATE TABLE imagecard_t (
 ) ENGINE = InnoDB CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin;
 
 -- The cards of a patient, for the card list, and the key of a card just inserted.
-CREATE INDEX ImageCard_by_Patient ON imagecard_t (PatientID);
+CREATE INDEX IF NOT EXISTS ImageCard_by_Patient ON imagecard_t (PatientID);
 
 -- Placed images of a card, on the scale of the template slots. The columns from IAContrast to
 -- IAHistogram, IAColorized and IAAttCorr are written 0 and never read.
-CREATE TABLE imageattribute_t (
+CREATE TABLE IF NOT EXISTS imageattribute_t (
     ImageAttributeID int AUTO_INCREMENT PRIMARY KEY,
     ImageCardID int,
     ImageBildId int,
@@ -318,10 +319,10 @@ CREATE TABLE imageattribute_t (
 ) ENGINE = InnoDB CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin;
 
 -- The placed images of a card, in the order of the card, and the key of a new one.
-CREATE INDEX ImageAttribute_by_Card ON imageattribute_t (ImageCardID, IASequence, ImageBildId);
+CREATE INDEX IF NOT EXISTS ImageAttribute_by_Card ON imageattribute_t (ImageCardID, IASequence, ImageBildId);
 
 -- Recorded manipulations of a placed image, numbered from 1 within it.
-CREATE TABLE imagemanipulation_t (
+CREATE TABLE IF NOT EXISTS imagemanipulation_t (
     ImageManipulationID int AUTO_INCREMENT PRIMARY KEY,
     ImageAttributeID int,
     SequenceNo int,
@@ -331,11 +332,11 @@ CREATE TABLE imagemanipulation_t (
 ) ENGINE = InnoDB CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin;
 
 -- The manipulations of a placed image in their order, without a sort.
-CREATE INDEX ImageManipulation_by_Attribute ON imagemanipulation_t (ImageAttributeID, SequenceNo);
+CREATE INDEX IF NOT EXISTS ImageManipulation_by_Attribute ON imagemanipulation_t (ImageAttributeID, SequenceNo);
 
 -- Anatomic groups: what an image or a slot shows. StandardNameID is the key of the row, TGId the
 -- number of the group. ADPriStructure lists the teeth of a group; the tooth columns are always 0.
-CREATE TABLE standardgroupname (
+CREATE TABLE IF NOT EXISTS standardgroupname (
     StandardNameID int AUTO_INCREMENT PRIMARY KEY,
     Name varchar(255),
     Comments longtext,
@@ -369,4 +370,8 @@ CREATE TABLE standardgroupname (
 ) ENGINE = InnoDB CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin;
 
 -- Loading and deleting a group by its number.
-CREATE INDEX StandardGroupName_by_TGId ON standardgroupname (TGId);
+CREATE INDEX IF NOT EXISTS StandardGroupName_by_TGId ON standardgroupname (TGId);
+
+-- The mark. It is stored last, because each statement above commits: a database without it has no rows, and running this
+-- file again completes its tables.
+INSERT INTO schemaversion_t (Application, Version) VALUES ('OXClass', 1);

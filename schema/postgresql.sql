@@ -20,10 +20,12 @@
 CREATE EXTENSION IF NOT EXISTS citext;
 
 -- Marks the database as one of this system and stores the version of its tables, so that a program can reject a foreign
--- or a newer database.
+-- or a newer database. Writes is the number of write transactions of the program; updated first in each, so that they
+-- run one after the other, and in a cluster conflict.
 CREATE TABLE SchemaVersion_T (
     Application varchar(16) COLLATE "C" PRIMARY KEY,
-    Version integer
+    Version integer,
+    Writes bigint NOT NULL DEFAULT 0
 );
 INSERT INTO SchemaVersion_T (Application, Version) VALUES ('OXClass', 1);
 

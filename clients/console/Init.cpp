@@ -61,10 +61,9 @@ void InitOnServer(const std::string& database, const std::string& root, bool rep
         throw UserError(fmt::format("{} can't be opened: {}", name, ExplanationOf(failure)));
     }
     ADODB::Transaction transaction(con);
-    for (const char* const table : {"SchemaVersion_T", "Patient_T"})
-        if (HasTable(con, table))
-            throw UserError(
-                fmt::format("{} has tables of a clinic already and is not changed; name an empty database", name));
+    if (!MayBecomeClinic(con))
+        throw UserError(
+            fmt::format("{} has tables of a clinic already and is not changed; name an empty database", name));
     CreateClinicTables(con);
     AddFirstRoot(con, fs::absolute(root));
     transaction.Commit();

@@ -8,6 +8,8 @@
 
 #include <fmt/format.h>
 #include <iostream>
+#include <map>
+#include <optional>
 #include <termios.h>
 #include <unistd.h>
 
@@ -58,11 +60,80 @@ ADODB::ConnectionString SettingsOf(const std::string& database) {
     }
 }
 
+/// The engines of the servers that were opened, by the connection strings of their connections.
+std::map<String, Engine>& KnownServers() {
+    static std::map<String, Engine> servers;
+    return servers;
+}
+
+/// Returns what the server says about itself; empty for an engine without this function.
+String VersionOf(const Ref<Connection>& con) {
+    try {
+        return con->Execute("SELECT version()")->Fields(0).As<String>();
+    } catch (const Error& failure) {
+        if (failure.Number != ADODB::ErrorsInCommand) throw;
+        return {};
+    }
+}
+
+/// Returns the engine of a connection that was just opened. Throws `UserError` for one that is not supported. A
+/// provider that is not built in and does not say what its engine is has one like SQLite.
+Engine EngineAt(const Ref<Connection>& con) {
+    const String provider = SettingsOf(con->ConnectionString()).Value("Provider");
+    if (EqualsIgnoringCase(provider, "SQLite")) return Engine::SQLite;
+    const String version = VersionOf(con);
+    if (Platform::Contains(version, "PostgreSQL")) return Engine::PostgreSQL;
+    if (Platform::Contains(version, "MariaDB")) return Engine::MariaDB;
+    if (!EqualsIgnoringCase(provider, "MSDASQL")) return Engine::SQLite;
+    throw UserError("the database engine is not supported; use a file, PostgreSQL, or MariaDB by its own ODBC driver");
+}
+
+/// Opens the connection. If the server asks for a password that was not given, asks the user for it.
+void OpenOrAsk(const Ref<Connection>& con, const std::string& database) {
+    try {
+        con->Open(database);
+    } catch (const Error& failure) {
+        const ADODB::ConnectionString settings(database);
+        const bool given = !settings.Value("Password").empty() || !settings.Value("Password File").empty();
+        if (failure.Number != ADODB::LoginFailed || given || isatty(STDIN_FILENO) == 0) throw;
+        con->Open(database, {}, TypedPassword(settings.Value("User ID")));
+    }
+}
+
+/// Returns the version of the tables that the open database is marked with; none for one that is not a clinic.
+std::optional<Long> MarkedVersion(const Ref<Connection>& con) {
+    if (!HasTable(con, "SchemaVersion_T")) return std::nullopt;
+    const Ref<Recordset> mark = con->Execute("SELECT Version FROM SchemaVersion_T WHERE Application = 'OXClass'");
+    if (mark->Eof()) return std::nullopt;
+    return CLng(mark->Fields(0).Value());
+}
+
+/// Creates the tables of the program that are missing, if the user may do so.
+void CompleteProgramTables(const Ref<Connection>& con) {
+    if (HasProgramTables(con)) return;
+    try {
+        RunScript(con, schema::program_sql);
+    } catch (const Error& failure) {
+        if (failure.Number != ADODB::NoPermission) throw;
+    }
+}
+
+/// Creates the tables, each of which commits, and begins the caller's transaction again in front of the mark, which is
+/// the last statement of the schema's script.
+void CreateMariaDbTables(const Ref<Connection>& con) {
+    constexpr std::string_view tables = schema::mariadb_sql;
+    const std::size_t mark = tables.rfind("INSERT INTO schemaversion_t");
+    RunScript(con, tables.substr(0, mark));
+    RunScript(con, schema::program_sql);
+    con->Execute("START TRANSACTION");
+    RunScript(con, tables.substr(mark));
+}
+
 }  // namespace
 
 Engine EngineOf(const Ref<Connection>& con) {
-    const String provider = ADODB::ConnectionString(con->ConnectionString()).Value("Provider");
-    return EqualsIgnoringCase(provider, "PostgreSQL") ? Engine::PostgreSQL : Engine::SQLite;
+    const auto known = KnownServers().find(con->ConnectionString());
+    return known == KnownServers().end() ? Engine::SQLite : known->second;
 }
 
 bool NamesServer(const std::string& database) {
@@ -77,14 +148,11 @@ std::string ShownName(const std::string& database) {
 void OpenServer(const Ref<Connection>& con, const std::string& database) {
     constexpr Long longestWait = 600;  // in seconds, for other writers
     con->SetCommandTimeout(longestWait);
-    try {
-        con->Open(database);
-    } catch (const Error& failure) {
-        const ADODB::ConnectionString settings(database);
-        const bool given = !settings.Value("Password").empty() || !settings.Value("Password File").empty();
-        if (failure.Number != ADODB::LoginFailed || given || isatty(STDIN_FILENO) == 0) throw;
-        con->Open(database, {}, TypedPassword(settings.Value("User ID")));
-    }
+    OpenOrAsk(con, database);
+    const Engine engine = EngineAt(con);
+    if (engine == Engine::SQLite) return;
+    KnownServers()[con->ConnectionString()] = engine;
+    if (engine == Engine::MariaDB) con->Execute(sql("SET SESSION innodb_lock_wait_timeout = ", longestWait));
 }
 
 bool HasTable(const Ref<Connection>& con, const std::string& table) {
@@ -97,35 +165,58 @@ bool HasTable(const Ref<Connection>& con, const std::string& table) {
     }
 }
 
+bool HasProgramTables(const Ref<Connection>& con) {
+    return HasTable(con, "PatientIssuer_T") && HasTable(con, "ClinicIdentity_T");
+}
+
 std::string IsWhole(const Ref<Connection>& con, const std::string& column) {
     return IsServer(con) ? column + " IS NOT NULL" : "typeof(" + column + ") = 'integer'";
 }
 
 void RequireServerClinic(const Ref<Connection>& con, const std::string& name) {
-    const bool marked = HasTable(con, "SchemaVersion_T");
-    const Ref<Recordset> mark =
-        marked ? con->Execute("SELECT Version FROM SchemaVersion_T WHERE Application = 'OXClass'") : nullptr;
-    if (!mark || mark->Eof())
+    const std::optional<Long> version = MarkedVersion(con);
+    if (!version)
         throw UserError(
             fmt::format("{} is not a clinic database; make its tables, if it is empty, with: oxclass init \"{}\" "
                         "--root DIR",
                         name, name));
-    RequireMarks(name, ApplicationMark, CLng(mark->Fields(0).Value()));
+    RequireMarks(name, ApplicationMark, *version);
+    if (EngineOf(con) == Engine::MariaDB) CompleteProgramTables(con);
 }
 
 void LockWriters(const Ref<Connection>& con) {
-    if (IsServer(con)) con->Execute("UPDATE SchemaVersion_T SET Version = Version WHERE Application = 'OXClass'");
+    if (IsServer(con)) con->Execute("UPDATE SchemaVersion_T SET Writes = Writes + 1 WHERE Application = 'OXClass'");
+}
+
+bool MayBecomeClinic(const Ref<Connection>& con) {
+    if (EngineOf(con) == Engine::MariaDB && HasTable(con, "SchemaVersion_T")) return !MarkedVersion(con);
+    return !HasTable(con, "SchemaVersion_T") && !HasTable(con, "Patient_T");
 }
 
 void CreateClinicTables(const Ref<Connection>& con) {
-    RunScript(con, IsServer(con) ? schema::postgresql_sql : schema::sqlite_sql);
+    const Engine engine = EngineOf(con);
+    if (engine == Engine::MariaDB) {
+        CreateMariaDbTables(con);
+    } else {
+        RunScript(con, engine == Engine::PostgreSQL ? schema::postgresql_sql : schema::sqlite_sql);
+        RunScript(con, schema::program_sql);
+    }
     RunScript(con, schema::layouts_sql);
-    RunScript(con, schema::program_sql);
     AlignCounters(con);
 }
 
+void ReadOneState(const Ref<Connection>& con) {
+    switch (EngineOf(con)) {
+        case Engine::SQLite: break;
+        case Engine::PostgreSQL:
+            con->Execute("SET SESSION CHARACTERISTICS AS TRANSACTION ISOLATION LEVEL REPEATABLE READ");
+            break;
+        case Engine::MariaDB: con->Execute("SET SESSION TRANSACTION ISOLATION LEVEL REPEATABLE READ"); break;
+    }
+}
+
 void AlignCounters(const Ref<Connection>& con) {
-    if (!IsServer(con)) return;
+    if (EngineOf(con) != Engine::PostgreSQL) return;
     const Ref<Recordset> counters = con->Execute(
         "SELECT c.relname, a.attname FROM pg_attribute a JOIN pg_class c ON c.oid = a.attrelid "
         "WHERE a.attidentity <> '' AND c.relkind = 'r' AND c.relnamespace = current_schema()::regnamespace");

@@ -58,6 +58,7 @@ start() {
     $client -e "CREATE USER oxclass@localhost; GRANT ALL ON *.* TO oxclass@localhost WITH GRANT OPTION;
         CREATE DATABASE clinic CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin"
     $client clinic <"$schema/mariadb.sql"
+    $client -e "CREATE USER clerk@localhost IDENTIFIED BY 'right;word'"
     echo "Provider=MSDASQL;Driver={MariaDB Unicode};Socket=$folder/socket;User ID=oxclass"
 }
 

@@ -270,7 +270,7 @@ bool HasRows(const Ref<Connection>& con, const Table& table) {
 
 /// Makes a database of the target into one with all tables and no rows. Throws `UserError` if it has rows of a clinic.
 void PrepareTarget(const Ref<Connection>& target) {
-    if (!HasTable(target, "Patient_T")) CreateClinicTables(target);
+    if (MayBecomeClinic(target)) CreateClinicTables(target);
     LockWriters(target);
     CreateProgramTables(target);
     for (const Table& table : Tables) {
@@ -280,11 +280,6 @@ void PrepareTarget(const Ref<Connection>& target) {
             throw UserError(fmt::format("the target has rows in {} already and is not changed; name an empty database",
                                         table.name));
     }
-}
-
-/// Lets a connection see one state of the database in each transaction. SQLite does so anyway.
-void ReadOneState(const Ref<Connection>& con) {
-    if (IsServer(con)) con->Execute("SET SESSION CHARACTERISTICS AS TRANSACTION ISOLATION LEVEL REPEATABLE READ");
 }
 
 }  // namespace

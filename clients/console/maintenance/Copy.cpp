@@ -18,7 +18,7 @@ std::vector<CopiedTable> CopyToServer(const Database& source, const std::string&
     } catch (const Platform::Error& failure) {
         throw UserError(fmt::format("{} can't be opened: {}", name, ExplanationOf(failure)));
     }
-    if (HasTable(con, "Patient_T")) RequireServerClinic(con, name);
+    if (!MayBecomeClinic(con)) RequireServerClinic(con, name);
     return CopyClinic(source, con);
 }
 

@@ -313,7 +313,11 @@ void ForgetIssuer(const Ref<Connection>& con, Long patient) {
 
 void CreateProgramTables(const Ref<Connection>& con) {
     // A user of a server may often not create tables, even if they exist.
-    if (IsServer(con) && HasTable(con, "PatientIssuer_T") && HasTable(con, "ClinicIdentity_T")) return;
+    if (IsServer(con) && HasProgramTables(con)) return;
+    if (EngineOf(con) == Engine::MariaDB)
+        throw UserError(
+            "the database lacks tables of the program, and the user may not create them; run any command once as a "
+            "user who may");
     RunScript(con, schema::program_sql);
 }
 

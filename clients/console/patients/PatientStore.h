@@ -79,7 +79,8 @@ void StoreIssuer(const Ref<Connection>& con, Platform::Long patient, const std::
 /// Deletes the stored issuer of a patient's identifier. The caller holds the transaction.
 void ForgetIssuer(const Ref<Connection>& con, Platform::Long patient);
 
-/// Creates those tables of the program that the database lacks. The caller holds the transaction.
+/// Creates those tables of the program that the database lacks. The caller holds the transaction. Throws `UserError` on
+/// MariaDB, where creating a table would commit, and where opening the database has created them if the user may.
 void CreateProgramTables(const Ref<Connection>& con);
 
 /// Runs `work` while the patient's row has an identifier that no other row has, for operations that find a patient by

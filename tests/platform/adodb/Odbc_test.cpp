@@ -209,7 +209,7 @@ TEST_F(Odbc, NamesMayContainAnyCharacter) {
 // ---- failures -----------------------------------------------------------------------------------
 
 TEST_F(Odbc, FailuresAreMapped) {
-    con->Execute("INSERT INTO SchemaVersion_T VALUES ('a', 1)");
+    con->Execute("INSERT INTO SchemaVersion_T VALUES ('a', 1, 0)");
     const auto expect = [&](const String& statement, Long number, const String& state, Long native) {
         const Error failure = FailureOf([&] { con->Execute(statement); });
         EXPECT_EQ(failure.Number, number) << statement;
@@ -226,8 +226,8 @@ TEST_F(Odbc, FailuresAreMapped) {
     expect("SELECT 1; SELECT 2", ErrorsInCommand, "42000", 0);
     expect("SELECT 'a", ErrorsInCommand, "42000", 1064);
     expect("SELECT * FROM Root_T WHERE RootID=?", UnknownName, "07002", 0);
-    expect("INSERT INTO SchemaVersion_T VALUES ('a', 1)", IntegrityViolation, "23000", 1062);
-    expect("INSERT INTO SchemaVersion_T VALUES (NULL, 1)", IntegrityViolation, "23000", 1048);
+    expect("INSERT INTO SchemaVersion_T VALUES ('a', 1, 0)", IntegrityViolation, "23000", 1062);
+    expect("INSERT INTO SchemaVersion_T VALUES (NULL, 1, 0)", IntegrityViolation, "23000", 1048);
     expect("UPDATE SchemaVersion_T SET Version='x'", CantConvertValue, "22007", 1366);
     expect("INSERT INTO Comments_T (dates) VALUES ('2024-02-30 00:00:00')", CantConvertValue, "22007", 1292);
     expect("UPDATE SchemaVersion_T SET Version=3000000000", DataOverflow, "22003", 1264);
