@@ -244,6 +244,9 @@ CREATE TABLE IF NOT EXISTS templatecard_t (
 -- Loading a template by the number that series carry.
 CREATE INDEX IF NOT EXISTS TemplateCard_by_DicomId ON templatecard_t (TCDicomId);
 
+-- The key of a new template, read back by its name.
+CREATE INDEX IF NOT EXISTS TemplateCard_by_Name ON templatecard_t (TCName);
+
 -- Slots of a template, one row a place for an image. Places and sizes are fractions of the canvas,
 -- counted from the top left. TAProportions is a text, as older rows hold a decimal comma.
 CREATE TABLE IF NOT EXISTS templateattribute_t (
@@ -372,6 +375,16 @@ CREATE TABLE IF NOT EXISTS standardgroupname (
 -- Loading and deleting a group by its number.
 CREATE INDEX IF NOT EXISTS StandardGroupName_by_TGId ON standardgroupname (TGId);
 
+-- The key of a new group, read back by its name.
+CREATE INDEX IF NOT EXISTS StandardGroupName_by_Name ON standardgroupname (Name);
+
+-- The images that the program has imported: none is stored twice, however many imports run at once. The library does not
+-- use it. A row whose image is gone has no meaning.
+CREATE TABLE IF NOT EXISTS importedimage_t (
+    SOPInstanceUID varchar(64) NOT NULL PRIMARY KEY,
+    ImageBildID int
+) ENGINE = InnoDB CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin;
+
 -- The mark. It is stored last, because each statement above commits: a database without it has no rows, and running this
 -- file again completes its tables.
-INSERT INTO schemaversion_t (Application, Version) VALUES ('OXClass', 1);
+INSERT INTO schemaversion_t (Application, Version) VALUES ('OXClass', 2);

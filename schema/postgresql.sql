@@ -27,7 +27,7 @@ CREATE TABLE SchemaVersion_T (
     Version integer,
     Writes bigint NOT NULL DEFAULT 0
 );
-INSERT INTO SchemaVersion_T (Application, Version) VALUES ('OXClass', 1);
+INSERT INTO SchemaVersion_T (Application, Version) VALUES ('OXClass', 2);
 
 -- Storage roots: the directories that hold the image files. One row has a Status other than 0,
 -- the active root that takes new files. Few rows; the whole table is read.
@@ -243,6 +243,9 @@ CREATE TABLE TemplateCard_T (
 -- Loading a template by the number that series carry.
 CREATE INDEX TemplateCard_by_DicomId ON TemplateCard_T (TCDicomId);
 
+-- The key of a new template, read back by its name.
+CREATE INDEX TemplateCard_by_Name ON TemplateCard_T (TCName, TemplateID);
+
 -- Slots of a template, one row a place for an image. Places and sizes are fractions of the canvas,
 -- counted from the top left. TAProportions is a text, as older rows hold a decimal comma.
 CREATE TABLE TemplateAttribute_T (
@@ -370,3 +373,13 @@ CREATE TABLE StandardGroupName (
 
 -- Loading and deleting a group by its number.
 CREATE INDEX StandardGroupName_by_TGId ON StandardGroupName (TGId);
+
+-- The key of a new group, read back by its name.
+CREATE INDEX StandardGroupName_by_Name ON StandardGroupName (Name, StandardNameID);
+
+-- The images that the program has imported: none is stored twice, however many imports run at once. The library does not
+-- use it. A row whose image is gone has no meaning.
+CREATE TABLE ImportedImage_T (
+    SOPInstanceUID varchar(64) COLLATE "C" NOT NULL PRIMARY KEY,
+    ImageBildID integer
+);

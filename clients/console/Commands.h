@@ -27,6 +27,7 @@ void AddLayouts(Program& program);       ///< layouts, anatomy
 void AddCheck(Program& program);         ///< check
 void AddBackup(Program& program);        ///< backup, restore
 void AddCopy(Program& program);          ///< copy
+void AddSchema(Program& program);        ///< schema
 void AddStaff(Program& program);         ///< doctors, doctor, clinics, clinic, guid
 void AddWorklist(Program& program);      ///< worklist
 void AddIdl(Program& program);           ///< idl

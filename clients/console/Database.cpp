@@ -158,22 +158,24 @@ void ThrowTextBoxes(const std::function<void()>& work) {
     if (!told.empty()) throw UserError(told);
 }
 
-void RunScript(const Ref<Connection>& con, std::string_view script) {
+std::vector<std::string> StatementsOf(std::string_view script) {
+    std::vector<std::string> statements;
+    std::string statement;
     bool quoted = false, comment = false;
-    std::size_t start = 0;
     for (std::size_t at = 0; at < script.size(); ++at) {
         const char c = script[at];
-        if (comment) {
-            comment = c != '\n';
-        } else if (c == '\'') {
-            quoted = !quoted;
-        } else if (!quoted && script.substr(at, 2) == "--") {
-            comment = true;
-        } else if (!quoted && c == ';') {
-            con->Execute(String(script.substr(start, at + 1 - start)));
-            start = at + 1;
-        }
+        if (c == '\'' && !comment) quoted = !quoted;
+        if (!quoted && script.substr(at, 2) == "--") comment = true;
+        if (c == '\n') comment = false;
+        const bool leading = statement.empty() && (c == '\n' || c == ' ');
+        if (!comment && !leading) statement += c;
+        if (c == ';' && !quoted && !comment) statements.push_back(std::exchange(statement, {}));
     }
+    return statements;
+}
+
+void RunScript(const Ref<Connection>& con, std::string_view script) {
+    for (const std::string& statement : StatementsOf(script)) con->Execute(statement);
 }
 
 fs::path StoredPath(const std::string& root, const std::string& storedName) {

@@ -80,6 +80,9 @@ void WithoutTextBoxes(const std::function<void()>& work);
 /// texts of these boxes after `work` has returned.
 void ThrowTextBoxes(const std::function<void()>& work);
 
+/// Returns the statements of a script, without the comments in front of them.
+std::vector<std::string> StatementsOf(std::string_view script);
+
 /// Runs the statements of a script, one by one.
 void RunScript(const Ref<Connection>& con, std::string_view script);
 

@@ -1,6 +1,6 @@
 #include "console/DatabaseFile.h"
 
-#include "platform/adodb/Enums.h"
+#include "frame/SchemaVersion.h"
 
 #include <array>
 #include <cerrno>
@@ -13,6 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace Platform;
+using OXClass::KnownSchemaVersion;
 
 /// The engine's codes for failures that the user may be able to correct.
 enum EngineCode : Long {
@@ -94,11 +95,11 @@ void RequireMarks(const std::string& name, Long mark, Long version) {
     if (mark != ApplicationMark)
         throw UserError(
             fmt::format("{} is not a clinic database; make one under another name with: oxclass init", name));
-    if (version > KnownVersion)
+    if (version > KnownSchemaVersion)
         throw UserError(
             fmt::format("{} was made by a newer program (tables of version {}, this program knows {}); "
                         "use that program",
-                        name, version, KnownVersion));
+                        name, version, KnownSchemaVersion));
 }
 
 bool HasLog(const fs::path& file) {
@@ -116,7 +117,7 @@ bool IsClinicFile(const fs::path& file) {
     if (!header.IsDatabase())
         throw UserError(fmt::format(
             "{} can't be opened: file is not a database; name a file that oxclass init has made", file.string()));
-    if (header.Mark() == ApplicationMark && header.Version() <= KnownVersion) return true;
+    if (header.Mark() == ApplicationMark && header.Version() <= KnownSchemaVersion) return true;
     if (HasLog(file)) return false;
     RequireMarks(file.string(), header.Mark(), header.Version());
     return true;

@@ -6,10 +6,8 @@
 
 namespace Console {
 
-/// The marks that `schema/sqlite.sql` writes into each database: `PRAGMA application_id`, and the version of the
-/// tables.
+/// The mark that `schema/sqlite.sql` writes into each database as `PRAGMA application_id`.
 constexpr Platform::Long ApplicationMark = 0x4F58434C;
-constexpr Platform::Long KnownVersion = 1;
 
 /// Throws `UserError` unless these are the marks of a clinic database that this program knows; `name` is the
 /// database's.

@@ -58,6 +58,7 @@ int RunProgram(int argc, const char* const* argv) {
     AddCheck(program);
     AddBackup(program);
     AddCopy(program);
+    AddSchema(program);
     AddWorklist(program);
     AddSettings(program);
     AddIdl(program);

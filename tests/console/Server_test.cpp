@@ -155,8 +155,8 @@ TEST_F(OnServer, TheTablesOfTheProgramAreMadeWhenAClinicWithoutThemIsOpened) {
 TEST_F(OnServer, ANewerVersionIsRefusedAsThatOfAFile) {
     InitServer();
     Init();
-    Open(Clinic())->Execute("UPDATE SchemaVersion_T SET Version = 2");
-    Run("PRAGMA user_version = 2");
+    Open(Clinic())->Execute("UPDATE SchemaVersion_T SET Version = 99");
+    Run("PRAGMA user_version = 99");
     const Result refused = OnClinic({"patients"}), file = On(Database(), {"patients"});
     EXPECT_EQ(refused.code, 1);
     EXPECT_THAT(file.err, HasSubstr("was made by a newer program"));
@@ -423,7 +423,7 @@ TEST_F(CopyToServer, AnInitialisedTargetIsTakenAndOneWithRowsIsNot) {
     EXPECT_THAT(again.err, HasSubstr("the target has rows in GlobalList_T already and is not changed"));
     for (const std::string& itself : {Database(), Clinic()})
         EXPECT_THAT(On(itself, {"copy", "--to", itself}).err, HasSubstr("the target is the clinic itself"));
-    Open(Clinic())->Execute("UPDATE SchemaVersion_T SET Version = 2");
+    Open(Clinic())->Execute("UPDATE SchemaVersion_T SET Version = 99");
     EXPECT_THAT(Copy().err, HasSubstr("was made by a newer program"));
 }
 

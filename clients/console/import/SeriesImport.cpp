@@ -108,6 +108,30 @@ Ref<cImage> ImageOf(const Ref<Connection>& con, const std::string& uid) {
     return New<cImage>();
 }
 
+/// Records that an image is stored, so that no other import stores it too. Raises `ADODB::LockConflict` if another one
+/// has recorded it meanwhile.
+void ClaimImage(const Ref<Connection>& con, const std::string& uid, Long image) {
+    const auto insert = [&] {
+        con->Execute(sql("INSERT INTO ImportedImage_T (SOPInstanceUID, ImageBildID) VALUES ('", FixSqlString(uid),
+                         "', ", image, ")"));
+    };
+    try {
+        return insert();
+    } catch (const Error& failure) {
+        if (failure.Number != ADODB::IntegrityViolation) throw;
+    }
+    con->Execute(sql("DELETE FROM ImportedImage_T WHERE SOPInstanceUID = '", FixSqlString(uid),
+                     "' AND NOT EXISTS (SELECT 1 FROM ImageBild_T WHERE ImageBildID = ImportedImage_T.ImageBildID "
+                     "AND ImageBildID <> ",
+                     image, " AND SOPInstanceUID_NVC = '", FixSqlString(uid), "')"));
+    try {
+        insert();
+    } catch (Error& failure) {
+        if (failure.Number == ADODB::IntegrityViolation) failure.Number = ADODB::LockConflict;
+        throw;
+    }
+}
+
 bool HasFile(const cImage& image) { return image.ID != 0 && !image.URL.empty(); }
 
 void StoreFileName(const Ref<Connection>& con, Long image, const std::string& name, Long root,
@@ -139,6 +163,7 @@ void StoreFileName(const Ref<Connection>& con, Long image, const std::string& na
 
 SeriesImport::SeriesImport(Ref<Connection> con, PatientDecision decision)
     : con_(std::move(con)), decision_(std::move(decision)), roots_(con_), root_(roots_.ActiveRoot()) {
+    claims_ = HasTable(con_, "ImportedImage_T");
     if (!decision_.patient.empty()) decidedPatient_ = LoadPatient(con_, decision_.patient)->ID;
     RemoveLeftovers(con_, roots_.Folder(root_));
 }
@@ -294,6 +319,7 @@ void SeriesImport::StoreImage(const NewImage& fresh, Long patient, const cSerie&
     image->URL = name;
     image->CRC = fresh.staged.sha256;
     image->SaveEx(false, con_);
+    if (claims_) ClaimImage(con_, image->instanceUID, image->ID);
 }
 
 /// Stores the identities that the files state. Throws `IdentityConflict` if two of them contradict each other, unless

@@ -101,6 +101,7 @@ private:
     std::optional<PatientIdentity> storedNew_;  // inserted or filled by the transaction that is open
     StorageRoots roots_;
     Platform::Long root_;
+    bool claims_ = false;  ///< the database has a table of the imported images, since version 2
     std::optional<Staging> staging_;
 };
 

@@ -23,7 +23,7 @@ struct Table {
     const char* name;
     const char* key;  ///< empty for a table with one row at most
     Present present = Present::Refused;
-    bool ofProgram = false;  ///< an older database may lack it
+    bool ofProgram = false;  ///< a database of an older version may lack it
 };
 
 constexpr Table Tables[] = {
@@ -44,6 +44,7 @@ constexpr Table Tables[] = {
     {"StandardGroupName", "StandardNameID", Present::Replaced},
     {"PatientIssuer_T", "PatientID", Present::Refused, true},
     {"ClinicIdentity_T", "", Present::Replaced, true},
+    {"ImportedImage_T", "SOPInstanceUID", Present::Refused, true},
 };
 
 using Row = std::vector<Variant>;
@@ -114,7 +115,7 @@ public:
         const Ref<Recordset> read = con_->Execute(Statement());
         for (; !read->Eof(); read->MoveNext()) {
             rows.push_back(RowOf(read));
-            if (*table_.key) last_ = CStr(read->Fields(table_.key).Value());
+            if (*table_.key) last_ = LiteralOf(read->Fields(table_.key).Value());
         }
         ended_ = !*table_.key || rows.size() < PageSize;
         return rows;
@@ -264,6 +265,9 @@ private:
     std::vector<CopiedColumn> columns_;
 };
 
+/// Returns true for a table that a database of an older version lacks.
+bool IsMissing(const Ref<Connection>& con, const Table& table) { return table.ofProgram && !HasTable(con, table.name); }
+
 bool HasRows(const Ref<Connection>& con, const Table& table) {
     return !con->Execute(sql("SELECT 1 FROM ", Clause(table.name), " LIMIT 1"))->Eof();
 }
@@ -276,7 +280,7 @@ void PrepareTarget(const Ref<Connection>& target) {
     for (const Table& table : Tables) {
         if (table.present == Present::Replaced)
             target->Execute(sql("DELETE FROM ", Clause(table.name)));
-        else if (HasRows(target, table))
+        else if (!IsMissing(target, table) && HasRows(target, table))
             throw UserError(fmt::format("the target has rows in {} already and is not changed; name an empty database",
                                         table.name));
     }
@@ -294,7 +298,7 @@ std::vector<CopiedTable> CopyClinic(const Database& source, const Ref<Connection
     std::vector<TableCopy> copies;
     std::size_t rows = 0;
     for (const Table& table : Tables) {
-        if (table.ofProgram && !HasTable(source.Con(), table.name)) continue;
+        if (IsMissing(source.Con(), table) || IsMissing(target, table)) continue;
         copies.emplace_back(table, source.Con(), target);
         rows += static_cast<std::size_t>(source.Number(fmt::format("SELECT count(*) FROM {}", table.name)));
     }

@@ -89,6 +89,7 @@ private:
         const Lexer::Keyword upper(word);
         if (depth_ == 0) TakeTermWord(word, upper);
         if (part_ == Part::Start) {
+            if (upper == "EXPLAIN" || upper == "ANALYZE") return true;  // of the statement that follows
             part_ = Part::List;
             return upper == "SELECT";
         }
