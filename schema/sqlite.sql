@@ -15,9 +15,7 @@
 --
 -- All columns but the keys take NULL, and no reference between tables is enforced: rows are
 -- written and removed one table at a time, and every reader accepts a missing parent row.
--- An index is defined only if a statement of the library would scan a large table without it. The
--- newest key of a name (MAX of a counter) needs none: the scan starts at the newest row and ends at
--- the first match, which is the row just inserted.
+-- An index is defined only if a statement of the library would scan a large table without it.
 
 -- Marks the file as a database of this system ("OXCL") and stores the version of its tables, so that
 -- a program can reject a foreign or a newer file.

@@ -1,4 +1,5 @@
 #include "ProgramTest.h"
+#include "console/schema/SchemaChange.h"
 #include "platform/runtime/Services.h"
 
 #include <cstdlib>
@@ -7,6 +8,7 @@
 #include <pty.h>
 #include <regex>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -469,6 +471,83 @@ TEST_F(CopyToServer, ManyRowsAreCopiedPageByPage) {
     const Result run = Copy();
     ASSERT_EQ(run.code, 0) << run.err;
     EXPECT_TRUE(RowsOf(Clinic()).at("Comments_T") == RowsOf(File()).at("Comments_T"));
+}
+
+TEST_F(OnServer, TheTablesAreThoseOfTheVersionAfterEachChange) {
+    InitServer();
+    EXPECT_EQ(OnClinic({"schema", "check"}).out, "0 differences from the tables of version 2.\n");
+    EXPECT_EQ(OnClinic({"schema", "downgrade"}).out, "The tables are changed from version 2 to version 1.\n");
+    EXPECT_EQ(OnClinic({"schema", "check"}).out, "0 differences from the tables of version 1.\n");
+    EXPECT_EQ(OnClinic({"schema", "upgrade"}).out, "The tables are changed from version 1 to version 2.\n");
+    EXPECT_EQ(OnClinic({"schema", "check"}).out, "0 differences from the tables of version 2.\n");
+}
+
+TEST_F(OnServer, CheckOfTheTablesNamesEachDifference) {
+    InitServer();
+    const Ref<ADODB::Connection> con = Open(Clinic());
+    const std::string change = OnMariaDb() ? " MODIFY " : " ALTER COLUMN ";
+    con->Execute(OnMariaDb() ? "DROP INDEX Patient_by_PersonNr ON patient_t" : "DROP INDEX Patient_by_PersonNr");
+    con->Execute("ALTER TABLE Study_T" + change +
+                 (OnMariaDb() ? "studyID varchar(17)" : "studyID TYPE varchar(17) COLLATE \"C\""));
+    con->Execute("ALTER TABLE Study_T DROP COLUMN PhysOfRecord");
+    con->Execute("ALTER TABLE Series_T" + change +
+                 (OnMariaDb() ? "Modality varchar(16) COLLATE utf8mb4_general_ci"
+                              : "Modality TYPE varchar(16) COLLATE \"POSIX\""));
+    con->Execute("ALTER TABLE Series_T" + change +
+                 (OnMariaDb() ? "location int NOT NULL DEFAULT 3" : "location SET DEFAULT 3"));
+    con->Execute("ALTER TABLE Clinic_T" + change + (OnMariaDb() ? "ClinicID int" : "ClinicID DROP IDENTITY"));
+    con->Execute("ALTER TABLE Patient_T" + change +
+                 (OnMariaDb() ? "PersonNr_CH varchar(64)" : "PersonNr_CH TYPE varchar(64) COLLATE \"C\""));
+    con->Execute("CREATE TABLE other (a int)");
+    const Result found = OnClinic({"schema", "check"});
+    EXPECT_EQ(found.code, 3);
+    for (const char* const text :
+         {"has no index patient_by_personnr (personnr_ch)",
+          "column studyID is text of 17 characters in place of text of 16", "has no column PhysOfRecord",
+          "default of column location is 3 in place of none", "does not number its key",
+          "comparison of column PersonNr_CH is none in place of without case", "is not a table of this version"})
+        EXPECT_THAT(found.out, HasSubstr(text));
+    if (OnMariaDb())
+        EXPECT_THAT(found.out, HasSubstr("comparison of column Modality is utf8mb4_general_ci in place of none"));
+}
+
+TEST_F(OnServer, AnInterruptedUpgradeIsCompletedOrHasNoEffect) {
+    InitServer();
+    const Console::Engine engine = OnMariaDb() ? Console::Engine::MariaDB : Console::Engine::PostgreSQL;
+    const std::vector<std::string> statements = Console::ChangeStatements(engine, 1, 2);
+    ASSERT_EQ(statements.size(), 4U);
+    for (std::size_t run = 0; run < statements.size(); ++run) {
+        ASSERT_EQ(OnClinic({"schema", "downgrade"}).code, 0);
+        {
+            const Ref<ADODB::Connection> con = Open(Clinic());
+            con->BeginTrans();
+            for (std::size_t i = 0; i < run; ++i) con->Execute(statements[i]);
+            con->RollbackTrans();
+        }
+        EXPECT_EQ(json::parse(OnClinic({"schema", "status", "--json"}).out)["version"], 1) << run;
+        EXPECT_EQ(OnClinic({"patients"}).code, 0) << run;
+        const Result upgraded = OnClinic({"schema", "upgrade"});
+        EXPECT_EQ(upgraded.code, 0) << upgraded.err;
+        EXPECT_EQ(OnClinic({"schema", "check"}).out, "0 differences from the tables of version 2.\n") << run;
+    }
+}
+
+TEST_F(OnServer, OneOfTwoUpgradesAtOnceFindsNothingToDo) {
+    InitServer();
+    ASSERT_EQ(OnClinic({"schema", "downgrade"}).code, 0);
+    std::vector<Platform::Long> from(2);
+    std::vector<Ref<ADODB::Connection>> connections(2);
+    for (auto& con : connections) {
+        con = New<ADODB::Connection>();
+        Console::OpenServer(con, Clinic());
+    }
+    {
+        std::vector<std::jthread> threads;
+        for (std::size_t i = 0; i < 2; ++i)
+            threads.emplace_back([&, i] { from[i] = Console::ChangeSchema(connections[i], 2).from; });
+    }
+    EXPECT_THAT(from, ::testing::UnorderedElementsAre(1, 2));
+    EXPECT_EQ(OnClinic({"schema", "check"}).code, 0);
 }
 
 }  // namespace

@@ -126,9 +126,10 @@ void ClaimImage(const Ref<Connection>& con, const std::string& uid, Long image) 
                      image, " AND SOPInstanceUID_NVC = '", FixSqlString(uid), "')"));
     try {
         insert();
-    } catch (Error& failure) {
-        if (failure.Number == ADODB::IntegrityViolation) failure.Number = ADODB::LockConflict;
-        throw;
+    } catch (const Error& failure) {
+        if (failure.Number != ADODB::IntegrityViolation) throw;
+        Raise(ADODB::LockConflict,
+              fmt::format("another import has stored the image {} meanwhile; run the command again", uid));
     }
 }
 
