@@ -298,6 +298,25 @@ TEST_F(Odbc, APasswordMayContainAnyCharacter) {
     EXPECT_EQ(NumberOf([&] { other->Execute("DELETE FROM Patient_T"); }), NoPermission);
 }
 
+TEST_F(Odbc, NoSpellingOfAPasswordIsShownAfterOpening) {
+    con->Execute("CREATE USER oxpwd@localhost IDENTIFIED BY 'secret'");
+    con->Execute("GRANT SELECT ON " + ConnectionString(database.Settings()).Value("Database") +
+                 ".* TO oxpwd@localhost");
+    const auto shown = [&](const String& settings, const String& password = {}) {
+        const Ref<Connection> other = New<Connection>();
+        other->Open(database.Settings() + settings, {}, password);
+        return other->ConnectionString();
+    };
+    for (const char* key : {"PWD", "Pwd ", "Password", "pwd=wrong;PASSWORD"}) {
+        const String settings = String(";UID=oxpwd;") + key + "=secret";
+        EXPECT_FALSE(Contains(shown(settings), "secret")) << settings;
+        EXPECT_TRUE(Contains(shown(settings + ";Persist Security Info=True"), "secret")) << settings;
+    }
+    EXPECT_FALSE(Contains(shown(";UID=oxpwd;PWD=wrong", "secret"), "wrong")) << "the argument overrides the text";
+    EXPECT_FALSE(Contains(shown(";TLSKEYPWD=secret"), "secret")) << "the password of a key file";
+    con->Execute("DROP USER oxpwd@localhost");
+}
+
 TEST_F(Odbc, ALostConnectionRaisesFromThenOn) {
     con->BeginTrans();
     con->Execute("INSERT INTO Root_T (RootID) VALUES (1)");
