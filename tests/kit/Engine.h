@@ -44,9 +44,6 @@ inline bool KeepsValuesOfOtherTypes() { return TestedEngine() == Engine::SQLite;
 /// True if a statement that changes a table's definition is undone with its transaction.
 inline bool RollsBackDefinitions() { return TestedEngine() != Engine::MariaDB; }
 
-/// True if rows that an ORDER BY leaves equal come in the order of their keys. MariaDB returns them in any order.
-inline bool SortsEqualRows() { return TestedEngine() != Engine::MariaDB; }
-
 /// True if the columns for names ignore the case of A to Z only, and distinguish all other characters. With MariaDB
 /// they ignore the case of all letters.
 inline bool IgnoresCaseOfLatinLettersOnly() { return TestedEngine() != Engine::MariaDB; }
