@@ -376,8 +376,8 @@ private:
 };
 
 TEST_F(UniCardsModel, ReturnsTheSameListOnRandomDatabases) {
-    OXCLASS_ONLY_IF(SortsEqualRows());
-    constexpr int rounds = 1000;
+    // On a server the deleted rows of all rounds are read again in each one.
+    const int rounds = TestKit::IsFile() ? 1000 : 200;
     const double tenMinutesAgo = DateFrom({2024, 5, 6, 12, 0, 0}).Days;
     int boxes = 0, orphans = 0, entries = 0, repeated = 0;
     con->BeginTrans();

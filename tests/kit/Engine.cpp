@@ -9,6 +9,14 @@
 #include <unistd.h>
 
 namespace TestKit {
+
+/// A database of the server with its connection.
+struct ServerDatabase {
+    String name;
+    Ref<Connection> con;
+    String definitions;  ///< as `Definitions` returned them when it was created
+};
+
 namespace {
 
 /// Returns the connection string of the server; empty for SQLite.
@@ -30,34 +38,57 @@ String NewName() {
     return "test_" + std::to_string(getpid()) + "_" + std::to_string(++count);
 }
 
-/// A database of the server that no test uses at the moment; empty if there is none.
-String& IdleDatabase() {
-    static String name;
-    return name;
+/// Executes a select and returns its first value, as a text.
+String Answer(const Ref<Connection>& con, const String& select) { return con->Execute(select)->Fields(0).As<String>(); }
+
+/// Returns the first values of all rows of a select.
+std::vector<String> Answers(const Ref<Connection>& con, const String& select) {
+    std::vector<String> answers;
+    const Ref<ADODB::Recordset> rows = con->Execute(select);
+    for (; !rows->Eof(); rows->MoveNext()) answers.push_back(rows->Fields(0).As<String>());
+    return answers;
 }
 
-/// Returns a text that differs after a table, a column or a trigger was created, changed or dropped.
+/// The database of the server that no test uses at the moment; without a name if there is none.
+ServerDatabase& IdleDatabase() {
+    static auto& idle = *new ServerDatabase;  // its connection must not outlive what it uses
+    return idle;
+}
+
+/// Returns a text that differs after a table, a column, an index, a constraint or a trigger was created, changed or
+/// dropped.
 String Definitions(const Ref<Connection>& con) {
-    return con
-        ->Execute(
+    if (TestedEngine() == Engine::PostgreSQL)
+        return Answer(
+            con,
             "SELECT (SELECT string_agg(concat(oid, relname, relkind), ',' ORDER BY oid) FROM pg_class"
             " WHERE relnamespace = 'public'::regnamespace) ||"
             " (SELECT string_agg(concat(attrelid, attname, atttypid, attnotnull), ',' ORDER BY attrelid, attnum)"
             " FROM pg_attribute JOIN pg_class c ON c.oid = attrelid WHERE c.relnamespace = 'public'::regnamespace) ||"
-            " (SELECT count(*) FROM pg_trigger)")
-        ->Fields(0)
-        .As<String>();
+            " (SELECT count(*) FROM pg_trigger)");
+    return Answer(
+        con,
+        "SELECT concat_ws(';', (SELECT group_concat(concat_ws(' ', table_name, column_name, column_type, is_nullable,"
+        " column_default, extra, collation_name) ORDER BY table_name, ordinal_position)"
+        " FROM information_schema.columns WHERE table_schema = database()),"
+        " (SELECT group_concat(concat_ws(' ', table_name, index_name, column_name, non_unique)"
+        " ORDER BY table_name, index_name, seq_in_index)"
+        " FROM information_schema.statistics WHERE table_schema = database()),"
+        " (SELECT count(*) FROM information_schema.table_constraints WHERE table_schema = database()),"
+        " (SELECT count(*) FROM information_schema.triggers WHERE trigger_schema = database()))");
 }
 
-/// Deletes all rows and lets all counters start at 1.
-void Empty(const Ref<Connection>& con) {
+/// Deletes all rows of a PostgreSQL database and lets all counters start at 1.
+void EmptyPostgres(const Ref<Connection>& con) {
     con->Execute(
         "DO $$ DECLARE one record; found boolean; BEGIN"
-        " FOR one IN SELECT relname, relkind FROM pg_class WHERE relnamespace = 'public'::regnamespace"
+        " FOR one IN SELECT oid, relname, relkind FROM pg_class WHERE relnamespace = 'public'::regnamespace"
         "   AND relname <> 'schemaversion_t' LOOP"
         "   IF one.relkind = 'r' THEN"
         "     EXECUTE 'SELECT EXISTS (SELECT FROM ' || one.relname || ')' INTO found;"
-        "     IF found THEN EXECUTE 'DELETE FROM ' || one.relname; END IF;"
+        // A large file of deleted rows would be read again by each later test.
+        "     IF pg_relation_size(one.oid) > 65536 THEN EXECUTE 'TRUNCATE ' || one.relname;"
+        "     ELSIF found THEN EXECUTE 'DELETE FROM ' || one.relname; END IF;"
         "   ELSIF one.relkind = 'S' THEN"
         "     EXECUTE 'SELECT is_called OR last_value <> 1 FROM ' || one.relname INTO found;"
         "     IF found THEN PERFORM setval(one.relname::regclass, 1, false); END IF;"
@@ -65,35 +96,80 @@ void Empty(const Ref<Connection>& con) {
         " END LOOP; END $$");
 }
 
+/// Returns the tables of a clinic on MariaDB.
+const std::vector<String>& MariaDbTables(const Ref<Connection>& con) {
+    static const std::vector<String> tables =
+        Answers(con, "SELECT table_name FROM information_schema.tables WHERE table_schema = 'clinic'");
+    return tables;
+}
+
+/// Does the same as `EmptyPostgres` with MariaDB, where a truncated table is as a new one.
+void EmptyMariaDb(const Ref<Connection>& con) {
+    String used =
+        "SELECT table_name FROM information_schema.tables WHERE table_schema = database() AND auto_increment > 1";
+    for (const String& table : MariaDbTables(con))
+        used += " UNION SELECT '" + table + "' FROM dual WHERE EXISTS (SELECT 1 FROM " + table + ")";
+    for (const String& table : Answers(con, used)) con->Execute("TRUNCATE TABLE " + table);
+}
+
 /// The database of the test that runs.
-String& MariaDbInUse() {
+String& DatabaseInUse() {
     static String name;
     return name;
 }
 
 /// Creates a database with the tables of the clinic, without rows.
-void CreateMariaDb(const String& name) {
-    MariaDbInUse() = name;
+void CreateOnServer(const String& name) {
     const Ref<Connection> con = Administrator();
-    con->Execute("CREATE DATABASE " + name + " CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin");
-    const Ref<ADODB::Recordset> tables =
-        con->Execute("SELECT table_name FROM information_schema.tables WHERE table_schema = 'clinic'");
-    for (; !tables->Eof(); tables->MoveNext()) {
-        const String table = tables->Fields(0).As<String>();
-        con->Execute("CREATE TABLE " + name + "." + table + " LIKE clinic." + table);
+    if (TestedEngine() == Engine::PostgreSQL) {
+        con->Execute("CREATE DATABASE " + name + " TEMPLATE clinic");
+        return;
     }
+    con->Execute("CREATE DATABASE " + name + " CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin");
+    for (const String& table : MariaDbTables(con))
+        con->Execute("CREATE TABLE " + name + "." + table + " LIKE clinic." + table);
 }
 
-/// Deletes a database. A connection that the test has left may hold locks, and ends first.
-void DropMariaDb(const String& name) {
-    const Ref<Connection> con = Administrator();
-    const Ref<ADODB::Recordset> others =
-        con->Execute("SELECT id FROM information_schema.processlist WHERE db = '" + name + "'");
-    for (; !others->Eof(); others->MoveNext()) try {
-            con->Execute("KILL " + others->Fields(0).As<String>());
+/// Returns a database without rows that no test uses.
+ServerDatabase TakeDatabase() {
+    ServerDatabase taken = std::exchange(IdleDatabase(), {});
+    if (!taken.name.empty()) return taken;
+    taken.name = NewName();
+    CreateOnServer(taken.name);
+    taken.con = New<Connection>();
+    taken.con->Open(Server() + ";Database=" + taken.name);
+    taken.definitions = Definitions(taken.con);
+    return taken;
+}
+
+/// Ends the other connections to a database: those that a test has left may hold locks.
+void EndOthers(const ServerDatabase& database) {
+    if (TestedEngine() == Engine::PostgreSQL) {
+        database.con->Execute("SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE datname = '" +
+                              database.name + "' AND pid <> pg_backend_pid()");
+        return;
+    }
+    for (const String& id : Answers(database.con, "SELECT id FROM information_schema.processlist WHERE db = '" +
+                                                      database.name + "' AND id <> connection_id()"))
+        try {
+            database.con->Execute("KILL " + id);
         } catch (const Error&) {  // it has ended meanwhile
         }
-    con->Execute("DROP DATABASE " + name);
+}
+
+/// Ends the use of a database. It is kept for the next test unless this test has changed its tables.
+void ReturnDatabase(ServerDatabase& database) {
+    EndOthers(database);
+    if (Definitions(database.con) != database.definitions) {
+        database.con->Close();
+        Administrator()->Execute("DROP DATABASE " + database.name);
+        return;
+    }
+    if (TestedEngine() == Engine::PostgreSQL)
+        EmptyPostgres(database.con);
+    else
+        EmptyMariaDb(database.con);
+    IdleDatabase() = std::move(database);
 }
 
 }  // namespace
@@ -114,7 +190,7 @@ const char* ProviderName() {
 
 String NoSuchTable(const String& name) {
     if (TestedEngine() == Engine::SQLite) return "no such table: " + name;
-    if (TestedEngine() == Engine::MariaDB) return "Table '" + MariaDbInUse() + "." + LCase(name) + "' doesn't exist";
+    if (TestedEngine() == Engine::MariaDB) return "Table '" + DatabaseInUse() + "." + LCase(name) + "' doesn't exist";
     return "relation \"" + LCase(name) + "\" does not exist";
 }
 
@@ -139,48 +215,18 @@ TestDatabase::TestDatabase(const std::filesystem::path& folder) {
         RunScript(schema::sqlite_sql);
         return;
     }
-    if (TestedEngine() == Engine::MariaDB) {
-        name_ = NewName();
-        CreateMariaDb(name_);
-        settings_ = Server() + ";Database=" + name_;
-        return;
-    }
-    name_ = std::exchange(IdleDatabase(), {});
-    if (name_.empty()) {
-        name_ = NewName();
-        Administrator()->Execute("CREATE DATABASE " + name_ + " TEMPLATE clinic");
-    }
-    settings_ = Server() + ";Database=" + name_;
-    const Ref<Connection> con = New<Connection>();
-    con->Open(settings_);
-    definitions_ = Definitions(con);
+    server_ = std::make_unique<ServerDatabase>(TakeDatabase());
+    DatabaseInUse() = server_->name;
+    settings_ = Server() + ";Database=" + server_->name;
 }
 
 TestDatabase::~TestDatabase() {
-    if (name_.empty()) return;
-    if (TestedEngine() == Engine::MariaDB) {
-        DropMariaDb(name_);
-        return;
-    }
-    {
-        const Ref<Connection> con = New<Connection>();
-        con->Open(settings_);
-        // A connection that the test has left may hold locks.
-        con->Execute("SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE datname = '" + name_ +
-                     "' AND pid <> pg_backend_pid()");
-        if (IdleDatabase().empty() && Definitions(con) == definitions_) {
-            Empty(con);
-            IdleDatabase() = name_;
-            return;
-        }
-    }
-    Administrator()->Execute("DROP DATABASE " + name_ + " WITH (FORCE)");
+    if (server_) ReturnDatabase(*server_);
 }
 
 void TestDatabase::RunScript(std::string_view script) const {
-    if (name_.empty()) return RunOnFile(ADODB::ConnectionString(settings_).Value("Data Source"), script);
-    const Ref<Connection> con = New<Connection>();
-    con->Open(settings_);
+    if (!server_) return RunOnFile(ADODB::ConnectionString(settings_).Value("Data Source"), script);
+    const Ref<Connection>& con = server_->con;
     con->BeginTrans();
     for (std::size_t at = 0; at < script.size();) {
         const std::size_t end = std::min(script.find(";\n", at), script.size());

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <memory>
 
 /// The database engine that the tests run on: SQLite, or the server that OXCLASS_TEST_SERVER describes by a connection
 /// string without a database, as tests/servers starts it. The tests are the same for all engines. Where engines differ,
@@ -43,9 +44,6 @@ inline bool KeepsValuesOfOtherTypes() { return TestedEngine() == Engine::SQLite;
 /// True if a statement that changes a table's definition is undone with its transaction.
 inline bool RollsBackDefinitions() { return TestedEngine() != Engine::MariaDB; }
 
-/// True if rows that an ORDER BY leaves equal come in the order of their keys. MariaDB returns them in any order.
-inline bool SortsEqualRows() { return TestedEngine() != Engine::MariaDB; }
-
 /// True if the columns for names ignore the case of A to Z only, and distinguish all other characters. With MariaDB
 /// they ignore the case of all letters.
 inline bool IgnoresCaseOfLatinLettersOnly() { return TestedEngine() != Engine::MariaDB; }
@@ -67,9 +65,11 @@ inline bool CounterFollowsKeys() { return TestedEngine() != Engine::PostgreSQL; 
 /// True if the database is a file, which a test can open, lock or damage by itself.
 inline bool IsFile() { return TestedEngine() == Engine::SQLite; }
 
-/// A clinic database for one test, with all tables and no rows. With PostgreSQL the destructor deletes all rows, and
-/// the next test of the program uses the database again, unless the test has changed a table; with MariaDB, where a
-/// database is made in the time of this, it deletes the database.
+struct ServerDatabase;
+
+/// A clinic database for one test, with all tables and no rows, whose counters start at 1. On a server the destructor
+/// ends all connections to it and empties it, and the next test of the program uses it again; it deletes the database
+/// if the test has changed a table's definition.
 class TestDatabase {
 public:
     /// `folder` is where an engine of files creates it.
@@ -85,8 +85,7 @@ public:
 
 private:
     String settings_;
-    String name_;         // on the server
-    String definitions_;  // of the tables, when the test began
+    std::unique_ptr<ServerDatabase> server_;  // null for SQLite
 };
 
 /// Runs the statements of a script in one transaction on an SQLite database, which is created if it is missing.

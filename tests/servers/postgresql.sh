@@ -4,32 +4,17 @@
 #   postgresql.sh start FOLDER    makes the server and the database "clinic", which tests copy; prints the connection string
 #   postgresql.sh stop FOLDER     stops it and deletes the folder
 #
-# Run as root it uses the account "postgres", because the server refuses to run as root.
-set -eu
-
-command=$1
-folder=$2
-schema=$(dirname "$0")/../../schema
-
-as_user() {
-    if [ "$(id -u)" -eq 0 ]; then
-        setpriv --reuid=postgres --regid=postgres --clear-groups "$@"
-    else
-        "$@"
-    fi
-}
+# Run as root it uses the account "postgres".
+. "$(dirname "$0")/server.sh"
+account=postgres
 
 programs=$(find /usr/lib/postgresql -mindepth 2 -maxdepth 2 -name bin | sort -V | tail -1)
 
-stop() {
+stop_server() {
     [ ! -d "$folder/data" ] || as_user "$programs/pg_ctl" -D "$folder/data" -m immediate stop >/dev/null 2>&1 || true
-    rm -rf "$folder"
 }
 
 start() {
-    stop
-    mkdir -p "$folder"
-    [ "$(id -u)" -ne 0 ] || chown postgres "$folder"
     cd "$folder"
     as_user "$programs/initdb" -D "$folder/data" -U oxclass -A trust --no-sync --encoding=UTF8 --locale=C >initdb.log 2>&1 || {
         cat initdb.log >&2
@@ -40,7 +25,7 @@ start() {
     cat "$folder/hba" >"$folder/data/pg_hba.conf"
     # Nothing of it needs to survive a crash of the machine.
     as_user "$programs/pg_ctl" -D "$folder/data" -w -s -l "$folder/log" start \
-        -o "-c listen_addresses='' -k '$folder' -c fsync=off -c full_page_writes=off -c synchronous_commit=off -c autovacuum=off -c max_connections=200" || {
+        -o "-c listen_addresses='' -k '$folder' -c fsync=off -c full_page_writes=off -c synchronous_commit=off -c autovacuum=off -c wal_level=minimal -c max_wal_senders=0 -c max_connections=200" || {
         cat "$folder/log" >&2
         exit 1
     }
@@ -51,8 +36,4 @@ start() {
     echo "Provider=PostgreSQL;Server=$folder;User ID=oxclass"
 }
 
-case $command in
-    start) start ;;
-    stop) stop ;;
-    *) echo "usage: $0 start|stop FOLDER" >&2; exit 2 ;;
-esac
+run

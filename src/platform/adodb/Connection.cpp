@@ -45,6 +45,15 @@ ConnectionString WithPassword(const ConnectionString& settings) {
     return complete;
 }
 
+/// Returns the connection string as it is shown after opening: `text`, whose settings these are, without passwords
+/// unless the settings say that they are kept.
+String ShownText(const String& text, const ConnectionString& settings) {
+    constexpr const char* ofKeyFile = "TLSKEYPWD";  // of ODBC drivers
+    const bool has = !settings.Value("Password").empty() || !settings.Value(ofKeyFile).empty();
+    const bool keeps = EqualsIgnoringCase(settings.Value("Persist Security Info"), "True");
+    return has && !keeps ? settings.TextWithout({"Password", ofKeyFile}) : text;
+}
+
 }  // namespace
 
 Connection::~Connection() {
@@ -73,8 +82,7 @@ void Connection::Open(const String& ConnectionString, const String& UserID, cons
     session_ = Engine([&] { return open(WithPassword(settings), connectionTimeout_); });
     session_->SetCommandTimeout(commandTimeout_);
     level_ = 0;
-    if (!settings.Value("Password").empty() && !EqualsIgnoringCase(settings.Value("Persist Security Info"), "True"))
-        text_ = settings.TextWithout({"Password"});
+    text_ = ShownText(text_, settings);
 }
 
 void Connection::SetConnectionTimeout(Long seconds) {

@@ -48,6 +48,13 @@ bool IsOneOf(std::string_view key, std::initializer_list<std::string_view> keys)
     return std::any_of(keys.begin(), keys.end(), [&](std::string_view one) { return EqualsIgnoringCase(key, one); });
 }
 
+/// Returns the key of a setting in lower case, which may be written by another name.
+String KeyNamed(std::string_view name) {
+    if (EqualsIgnoringCase(name, "UID")) return "user id";
+    if (EqualsIgnoringCase(name, "PWD")) return "password";
+    return LCase(name);
+}
+
 /// Returns a value as it must be written to be read back unchanged.
 String Quoted(const String& value) {
     const bool plain = Trim(value) == value && value.find_first_of(";'\"") == String::npos;
@@ -76,18 +83,20 @@ ConnectionString::ConnectionString(std::string_view text) {
 }
 
 String ConnectionString::Value(std::string_view key, const String& otherwise) const {
+    const String wanted = KeyNamed(key);
     for (const auto& [name, value] : settings_)
-        if (EqualsIgnoringCase(name, key)) return value;
+        if (name == wanted) return value;
     return otherwise;
 }
 
 void ConnectionString::Set(std::string_view key, const String& value) {
+    String set = KeyNamed(key);
     for (auto& [name, old] : settings_) {
-        if (!EqualsIgnoringCase(name, key)) continue;
+        if (name != set) continue;
         old = value;
         return;
     }
-    settings_.emplace_back(LCase(key), value);
+    settings_.emplace_back(std::move(set), value);
 }
 
 String ConnectionString::TextWithout(std::initializer_list<std::string_view> keys) const {

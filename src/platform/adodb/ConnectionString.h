@@ -7,7 +7,8 @@ namespace ADODB {
 /// The settings of a connection string, "key=value;key=value".
 ///
 /// Keys are compared without regard to case. A value that contains ";" or quotes is written in '...' or "...", with a
-/// quote of the same kind doubled. If a key occurs more than once, the last one is used. A value; one thread at a time.
+/// quote of the same kind doubled. If a key occurs more than once, the last one is used. "UID" and "PWD", which ODBC
+/// uses, are other names of the keys "User ID" and "Password". A value; one thread at a time.
 class ConnectionString {
 public:
     /// Parses the text. Raises 0x80040E21 for a part without "=", an empty key, or a quote without an end.

@@ -23,6 +23,15 @@ TEST(ConnectionString, QuotedValuesHoldAnything) {
     EXPECT_EQ(settings.Value("c", "other"), "");
 }
 
+TEST(ConnectionString, UserAndPasswordHaveTwoNames) {
+    ConnectionString settings("UID=ann;Pwd=first;Password=second");
+    EXPECT_EQ(settings.Value("User ID"), "ann");
+    EXPECT_EQ(settings.Value("PWD"), "second");
+    settings.Set("pwd", "third");
+    EXPECT_EQ(settings.Value("Password"), "third");
+    EXPECT_EQ(settings.TextWithout({"Password"}), "user id=ann");
+}
+
 TEST(ConnectionString, WhatCannotBeReadRaises) {
     for (const char* bad : {"no equals", "=5", "a='open", "a='x'y", "a=1;b"})
         EXPECT_EQ(FailureOf([&] { ConnectionString settings(bad); }).Number, ADODB::MultipleStepFailed) << bad;

@@ -131,6 +131,25 @@ TEST_F(Odbc, AThousandAlternativesAreOneStatement) {
     }
 }
 
+TEST_F(Odbc, RowsThatAreEqualOtherwiseAreSortedByTheirKeys) {
+    for (const char* key : {"3", "1", "2"})
+        con->Execute(String("INSERT INTO ImageBild_T (ImageBildID, PatientID, DateCaptured_SD, RootId) VALUES (") +
+                     key + ", 7, '2024-01-01', " + key + ")");
+    con->Execute("INSERT INTO Root_T (RootID) VALUES (1), (3)");
+    EXPECT_EQ(AskAll("SELECT ImageBildID FROM ImageBild_T WHERE PatientID=7 ORDER BY DateCaptured_SD DESC"), "1,2,3");
+    EXPECT_EQ(AskAll("SELECT ImageBildID FROM ImageBild_T WHERE PatientID=7 ORDER BY RootId<4 LIMIT 2"), "1,2");
+    EXPECT_EQ(AskAll("SELECT B.ImageBildID FROM ImageBild_T b LEFT JOIN Root_T ON b.RootId=Root_T.RootID"
+                     " ORDER BY DateCaptured_SD"),
+              "1,2,3");
+    EXPECT_EQ(AskAll("SELECT ImageBildID FROM ImageBild_T ORDER BY PatientID -- by what it is"), "1,2,3")
+        << "a text with a comment is sent as it is";
+    EXPECT_EQ(AskAll("SELECT ImageBildID FROM ImageBild_T FORCE INDEX (PRIMARY) WHERE PatientID=7"), "1,2,3")
+        << "a text that can't be parsed with its keys";
+    EXPECT_EQ(AskAll("SELECT ImageBildID FROM ImageBild_T WHERE ImageBildID=2 LOCK IN SHARE MODE"), "2");
+    const String wrong = "SELECT ImageBildID FROM ImageBild_T ORDER BY PatientID +";
+    EXPECT_THAT(FailureOf([&] { con->Execute(wrong); }).Description, ::testing::HasSubstr("near '' at line 1"));
+}
+
 // ---- values -------------------------------------------------------------------------------------
 
 TEST_F(Odbc, AnEmptyTextForANumberOrADateIsANull) {
@@ -296,6 +315,25 @@ TEST_F(Odbc, APasswordMayContainAnyCharacter) {
     EXPECT_EQ(failure.Number, 0) << failure.Description;
     EXPECT_FALSE(Contains(other->ConnectionString(), "a;b"));
     EXPECT_EQ(NumberOf([&] { other->Execute("DELETE FROM Patient_T"); }), NoPermission);
+}
+
+TEST_F(Odbc, NoSpellingOfAPasswordIsShownAfterOpening) {
+    con->Execute("CREATE USER oxpwd@localhost IDENTIFIED BY 'secret'");
+    con->Execute("GRANT SELECT ON " + ConnectionString(database.Settings()).Value("Database") +
+                 ".* TO oxpwd@localhost");
+    const auto shown = [&](const String& settings, const String& password = {}) {
+        const Ref<Connection> other = New<Connection>();
+        other->Open(database.Settings() + settings, {}, password);
+        return other->ConnectionString();
+    };
+    for (const char* key : {"PWD", "Pwd ", "Password", "pwd=wrong;PASSWORD"}) {
+        const String settings = String(";UID=oxpwd;") + key + "=secret";
+        EXPECT_FALSE(Contains(shown(settings), "secret")) << settings;
+        EXPECT_TRUE(Contains(shown(settings + ";Persist Security Info=True"), "secret")) << settings;
+    }
+    EXPECT_FALSE(Contains(shown(";UID=oxpwd;PWD=wrong", "secret"), "wrong")) << "the argument overrides the text";
+    EXPECT_FALSE(Contains(shown(";TLSKEYPWD=secret"), "secret")) << "the password of a key file";
+    con->Execute("DROP USER oxpwd@localhost");
 }
 
 TEST_F(Odbc, ALostConnectionRaisesFromThenOn) {

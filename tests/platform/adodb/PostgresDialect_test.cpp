@@ -48,19 +48,19 @@ TEST(PostgresDialect, SortsNullsAsTheOtherEnginesDo) {
 }
 
 TEST(PostgresDialect, SortsEqualRowsByTheKeysOfTheTables) {
-    EXPECT_EQ(Translated("SELECT * FROM Image_T"), "SELECT * FROM Image_T ORDER BY Image_T.imageid");
+    EXPECT_EQ(Translated("SELECT * FROM Image_T"), "SELECT * FROM Image_T ORDER BY image_t.imageid");
     EXPECT_EQ(Translated("select * from Image_T where a=1 ;"),
-              "select * from Image_T where a=1 ORDER BY Image_T.imageid ;");
+              "select * from Image_T where a=1 ORDER BY image_t.imageid ;");
     EXPECT_EQ(Translated("SELECT a FROM Image_T ORDER BY a DESC;"),
-              "SELECT a FROM Image_T ORDER BY a DESC NULLS LAST, Image_T.imageid;");
+              "SELECT a FROM Image_T ORDER BY a DESC NULLS LAST, image_t.imageid;");
     EXPECT_EQ(Translated("SELECT i.a FROM Image_T AS i LEFT JOIN Pair_T p ON (i.a=p.a) WHERE i.b IN (1,2)"),
               "SELECT i.a FROM Image_T AS i LEFT JOIN Pair_T p ON (i.a=p.a) WHERE i.b IN (1,2)"
               " ORDER BY i.imageid, p.left_id, p.right_id");
     EXPECT_EQ(Translated("SELECT a FROM (Image_T INNER JOIN t ON t.a=Image_T.a), Pair_T"),
               "SELECT a FROM (Image_T INNER JOIN t ON t.a=Image_T.a), Pair_T"
-              " ORDER BY Image_T.imageid, Pair_T.left_id, Pair_T.right_id");
+              " ORDER BY image_t.imageid, pair_t.left_id, pair_t.right_id");
     EXPECT_EQ(Translated("SELECT a FROM Image_T ORDER BY a LIMIT 1"),
-              "SELECT a FROM Image_T ORDER BY a NULLS FIRST, Image_T.imageid LIMIT 1");
+              "SELECT a FROM Image_T ORDER BY a NULLS FIRST, image_t.imageid LIMIT 1");
 }
 
 TEST(PostgresDialect, SortsByNoKeyWhereAConditionAdmitsOneRow) {
@@ -70,14 +70,14 @@ TEST(PostgresDialect, SortsByNoKeyWhereAConditionAdmitsOneRow) {
         EXPECT_EQ(Translated(same), same);
     EXPECT_EQ(
         Translated("SELECT * FROM Pair_T LEFT JOIN Image_T ON Pair_T.a=Image_T.ImageID ORDER BY b"),
-        "SELECT * FROM Pair_T LEFT JOIN Image_T ON Pair_T.a=Image_T.ImageID ORDER BY b NULLS FIRST, Pair_T.left_id, "
-        "Pair_T.right_id");
+        "SELECT * FROM Pair_T LEFT JOIN Image_T ON Pair_T.a=Image_T.ImageID ORDER BY b NULLS FIRST, pair_t.left_id, "
+        "pair_t.right_id");
     for (const char* condition : {"ImageID>5", "ImageID=a", "ImageID=5+a", "NOT ImageID=5", "ImageID=5 OR b=1", "b=5",
                                   "(ImageID=5) IS NULL", "f.ImageID=5"})
         EXPECT_EQ(Translated("SELECT * FROM Image_T WHERE " + String(condition)),
-                  "SELECT * FROM Image_T WHERE " + String(condition) + " ORDER BY Image_T.imageid");
+                  "SELECT * FROM Image_T WHERE " + String(condition) + " ORDER BY image_t.imageid");
     EXPECT_EQ(Translated("SELECT * FROM Image_T LEFT JOIN t ON t.a=Image_T.ImageID"),
-              "SELECT * FROM Image_T LEFT JOIN t ON t.a=Image_T.ImageID ORDER BY Image_T.imageid");
+              "SELECT * FROM Image_T LEFT JOIN t ON t.a=Image_T.ImageID ORDER BY image_t.imageid");
 }
 
 TEST(PostgresDialect, KnowsWhatReadsOnly) {

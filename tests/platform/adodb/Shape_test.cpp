@@ -1,6 +1,7 @@
 #include "platform/adodb/providers/Shape.h"
 
 #include "platform/adodb/providers/sqlite/SqliteOrChains.h"
+#include "platform/adodb/providers/Definitions.h"
 #include "platform/adodb/providers/sqlite/SqliteStatements.h"
 
 #include <gtest/gtest.h>
@@ -57,6 +58,15 @@ TEST(StatementShape, MatchesStatementsThatDifferInTheirValuesOnly) {
 TEST(StatementShape, BalancesOrChains) {
     EXPECT_EQ(WithBalancedOrChains("DELETE FROM t WHERE a=1 OR a=2 OR a=3;", 1),
               "DELETE FROM t WHERE( a=1 OR( a=2 OR a=3));");
+}
+
+TEST(Definitions, AreChangedByTheFirstWordBehindBlanksAndComments) {
+    for (const char* yes : {"CREATE TABLE t (a int)", " \t\nalter TABLE t ADD b int", "/* why */ DROP TABLE t",
+                            "-- why\nTRUNCATE t", "/**/--\n/* a */\n RENAME TABLE t TO u", "DO $$ BEGIN END $$"})
+        EXPECT_TRUE(ChangesDefinitions(yes)) << yes;
+    for (const char* no : {"", "  ", "-- CREATE TABLE t", "/* CREATE TABLE t", "/*/ CREATE TABLE t", "SELECT 'CREATE'",
+                           "CREATED", "- CREATE", "UPDATE t SET a=1"})
+        EXPECT_FALSE(ChangesDefinitions(no)) << no;
 }
 
 /// A session's cache on an empty database of their own.

@@ -1,7 +1,6 @@
 #include "platform/adodb/providers/odbc/MariaDbDialect.h"
 
-#include "platform/adodb/providers/EqualsChains.h"
-#include "platform/adodb/providers/Lexer.h"
+#include "platform/adodb/providers/Translation.h"
 #include "platform/runtime/Convert.h"
 
 #include <array>
@@ -17,23 +16,13 @@ constexpr std::string_view CollationOfPatterns = " COLLATE utf8mb4_uca1400_nopad
 /// The server does not accept an empty escape character, and a backslash is one if none is named: U+FDD0 is in no text.
 constexpr std::string_view NoEscape = " ESCAPE '\xEF\xB7\x90'";
 
-/// Copies a statement token by token and changes what the server can't parse or would understand in another way.
-class MariaDbTranslation {
+class MariaDbTranslation final : Translation {
 public:
-    MariaDbTranslation(std::string_view statement, const std::vector<Literal>& literals)
-        : text_(statement), literals_(literals), chains_(EqualsChainsIn(statement)) {
-        out_.reserve(statement.size() + literals.size());
-    }
+    MariaDbTranslation(std::string_view statement, const std::vector<Literal>& literals, const TableKeys& keys)
+        : Translation(statement, literals, keys) {}
 
     String Translated() {
-        for (std::size_t at = 0; at < text_.size();) {
-            if (nextChain_ < chains_.size() && chains_[nextChain_].start == at) {
-                at = TakeChain(chains_[nextChain_++]);
-                continue;
-            }
-            const Lexer::Token token = Lexer::TokenAt(text_, at);
-            at = token.kind == Lexer::Kind::Unclear ? TakeUnclear(at) : Take(token, at);
-        }
+        Copy();
         return std::move(out_);
     }
 
@@ -41,9 +30,8 @@ private:
     /// Which words are names of tables.
     enum class Names : std::uint8_t { None, Next, All };
 
-    /// Writes a comment, the first character of a parameter, or a literal without its end; returns the position behind
-    /// it.
-    std::size_t TakeUnclear(std::size_t at) {
+    /// Writes a comment, the first character of a parameter, or a literal without its end.
+    std::size_t TakeUnclear(std::size_t at) override {
         const char c = text_[at];
         std::size_t end = at + 1;
         if (c == '-') end = text_.find('\n', at);
@@ -54,8 +42,7 @@ private:
         return std::min(end, text_.size());
     }
 
-    /// Writes a token and returns the position behind it.
-    std::size_t Take(const Lexer::Token& token, std::size_t at) {
+    std::size_t Take(const Lexer::Token& token, std::size_t at) override {
         const std::string_view piece = text_.substr(at, token.end - at);
         if (token.kind == Lexer::Kind::Space) {
             out_ += piece;
@@ -123,42 +110,21 @@ private:
             names_ = Names::None;
     }
 
-    /// Writes a chain as a list and returns its end.
-    std::size_t TakeChain(const EqualsChain& chain) {
-        out_ += text_.substr(chain.start, Lexer::TokenAt(text_, chain.start).end - chain.start);
-        out_ += " IN (";
-        for (const std::size_t at : chain.values) {
-            if (at != chain.values.front()) out_ += ',';
-            TakeLiteral(text_.substr(at, Lexer::TokenAt(text_, at).end - at), at);
-        }
-        out_ += ')';
-        last_.clear();
-        return chain.end;
-    }
-
-    void TakeLiteral(std::string_view piece, std::size_t at) {
-        const std::size_t quote = text_[at] == '\'' ? 1 : 0;
-        const bool lifted = next_ < literals_.size() && literals_[next_].body.data() == text_.data() + at + quote;
+    void TakeLiteral(std::string_view piece, std::size_t at) override {
+        const bool lifted = IsLifted(at);
         if (lifted) ++next_;
         out_ += lifted ? std::string_view("?") : piece;
-        if (last_ != "LIKE" || quote == 0) return;
+        if (last_ != "LIKE" || text_[at] != '\'') return;
         out_ += CollationOfPatterns;
         if (EndOfNext("ESCAPE", at + piece.size()) == 0) out_ += NoEscape;
     }
 
-    std::string_view text_;
-    const std::vector<Literal>& literals_;
-    std::vector<EqualsChain> chains_;
-    std::size_t nextChain_ = 0;
-    String out_;
-    std::size_t next_ = 0;  // the literal that is expected
     Names names_ = Names::None;
     std::vector<Names> outer_;  // behind each open parenthesis
-    String last_;               // the word before, in upper case; empty behind another token
 };
 
-String ForMariaDb(std::string_view statement, const std::vector<Literal>& literals) {
-    return MariaDbTranslation(statement, literals).Translated();
+String ForMariaDb(std::string_view statement, const std::vector<Literal>& literals, const TableKeys& keys) {
+    return MariaDbTranslation(statement, literals, keys).Translated();
 }
 
 /// Lets the driver count the rows that a condition matches, and not only those that change, and lets it run one

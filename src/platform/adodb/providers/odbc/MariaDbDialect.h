@@ -13,7 +13,9 @@ namespace ADODB {
 /// - `LIKE` with a literal compares without regard to the case of letters, and has no escape character unless it names
 ///   one;
 /// - a chain of conditions "a=1 OR a=2" becomes "a IN (1,2)", because the time in which the server plans a chain
-///   grows with the square of its length.
+///   grows with the square of its length;
+/// - a SELECT from tables sorts rows that are equal otherwise by the primary keys of the tables (`KeyOrderOf`), because
+///   this server returns them in the order of the index that it reads, or of the sort.
 extern const OdbcDialect MariaDb;
 
 }  // namespace ADODB

@@ -2,6 +2,7 @@
 
 #include "platform/runtime/Convert.h"
 
+#include <algorithm>
 #include <array>
 #include <sql.h>
 #include <sqlext.h>
@@ -72,7 +73,8 @@ std::shared_ptr<const OdbcColumns> OdbcCatalog::ColumnsOf(const OdbcHandle& stat
         column.Table = AttributeText(statement, ordinal, SQL_DESC_BASE_TABLE_NAME);
         if (!column.Table.empty()) {
             column.Origin = AttributeText(statement, ordinal, SQL_DESC_BASE_COLUMN_NAME);
-            column.Key = KeyOf(column.Table).contains(column.Origin);
+            const std::vector<String> key = KeyOf(column.Table);
+            column.Key = std::find(key.begin(), key.end(), column.Origin) != key.end();
         }
         columns.push_back(std::move(column));
         result->forms.push_back(form);
@@ -102,24 +104,25 @@ void OdbcCatalog::Forget() {
     tables_.clear();
 }
 
-const std::set<String>& OdbcCatalog::KeyOf(const String& table) {
-    if (!keys_.contains(table)) keys_.emplace(table, ReadKey(table));
-    return keys_[table];
+std::vector<String> OdbcCatalog::KeyOf(const String& table) {
+    if (const auto known = keys_.find(table); known != keys_.end()) return known->second;
+    const std::optional<std::vector<String>> key = ReadKey(table);
+    return key ? keys_.emplace(table, *key).first->second : std::vector<String>();
 }
 
-std::set<String> OdbcCatalog::ReadKey(const String& table) {
+std::optional<std::vector<String>> OdbcCatalog::ReadKey(const String& table) {
     const OdbcHandle handle = link_.NewStatement(table);
     std::u16string name = ToUtf16(table);
     const SQLRETURN code =
         SQLPrimaryKeysW(handle.Get(), nullptr, 0, nullptr, 0, reinterpret_cast<SQLWCHAR*>(name.data()), SQL_NTS);
-    if (!SQL_SUCCEEDED(code)) link_.Raise(handle.Failure(), table);
+    if (!SQL_SUCCEEDED(code)) return {};
     constexpr SQLUSMALLINT columnName = 4;
-    std::set<String> key;
+    std::vector<String> key;
     while (SQL_SUCCEEDED(SQLFetch(handle.Get()))) {
         NameBuffer units{};
         SQLLEN length = 0;
         SQLGetData(handle.Get(), columnName, SQL_C_WCHAR, units.data(), sizeof units, &length);
-        key.insert(FromUtf16(units.data()));
+        key.push_back(FromUtf16(units.data()));
     }
     return key;
 }

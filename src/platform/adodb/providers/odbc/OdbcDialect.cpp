@@ -113,9 +113,10 @@ const OdbcDialect& DialectNamed(std::string_view name) {
     return Contains(LCase(name), LCase(MariaDb.name)) ? MariaDb : standard;
 }
 
-String ForOdbc(const OdbcDialect& dialect, std::string_view statement, const std::vector<Literal>& literals) {
+String ForOdbc(const OdbcDialect& dialect, std::string_view statement, const std::vector<Literal>& literals,
+               const TableKeys& keys) {
     const std::string_view text = WithoutEnd(statement);
-    return dialect.translate ? dialect.translate(text, literals) : WithMarks(text, literals);
+    return dialect.translate ? dialect.translate(text, literals, keys) : WithMarks(text, literals);
 }
 
 std::pair<const char*, const char*> FlawIn(std::string_view text) {
@@ -125,13 +126,6 @@ std::pair<const char*, const char*> FlawIn(std::string_view text) {
         if (text[at] == '?') return {"07002", "No value is given for a parameter."};
     }
     return {};
-}
-
-bool ChangesDefinitions(std::string_view text) {
-    const std::size_t start = std::min(text.find_first_not_of(" \t\r\n\v\f"), text.size());
-    if (start == text.size()) return false;
-    constexpr std::array<std::string_view, 5> verbs{"CREATE", "ALTER", "DROP", "RENAME", "TRUNCATE"};
-    return Lexer::Keyword(text.substr(start, Lexer::TokenAt(text, start).end - start)).IsOneOf(verbs);
 }
 
 OdbcTargets TargetsOf(std::string_view statement, const std::vector<Literal>& literals) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/adodb/ConnectionString.h"
+#include "platform/adodb/providers/KeyOrder.h"
 #include "platform/adodb/providers/Shape.h"
 
 #include <span>
@@ -31,8 +32,9 @@ struct OdbcDialect {
     std::span<const OdbcNumber> numbers;
     std::span<const Long> forgotten;  ///< the codes of failures after which a statement must be prepared again
 
-    /// Translates a statement, and replaces these literals, which point into it, by "?".
-    String (*translate)(std::string_view statement, const std::vector<Literal>& literals) = nullptr;
+    /// Translates a statement, and replaces these literals, which point into it, by "?". `keys` may be empty.
+    String (*translate)(std::string_view statement, const std::vector<Literal>& literals,
+                        const TableKeys& keys) = nullptr;
 };
 
 /// Returns the dialect of an engine or a driver with this name; that of the standard if none is listed. Any thread may
@@ -40,15 +42,13 @@ struct OdbcDialect {
 const OdbcDialect& DialectNamed(std::string_view name);
 
 /// Returns a statement as an engine can parse it, with "?" for each of these literals, which point into it. Blanks and
-/// semicolons at its end are removed.
-String ForOdbc(const OdbcDialect& dialect, std::string_view statement, const std::vector<Literal>& literals);
+/// semicolons at its end are removed. Rows that are equal otherwise are not sorted if `keys` is empty.
+String ForOdbc(const OdbcDialect& dialect, std::string_view statement, const std::vector<Literal>& literals,
+               const TableKeys& keys = {});
 
 /// Returns the SQLSTATE and the message of what a driver might run although it must not be sent: a text with a second
 /// statement, or with a parameter of its own. Empty if there is nothing of that kind; a comment ends the search.
 std::pair<const char*, const char*> FlawIn(std::string_view text);
-
-/// Returns true for a statement that creates, changes or drops a table.
-bool ChangesDefinitions(std::string_view text);
 
 /// Where the literals of a statement are stored or compared.
 struct OdbcTargets {

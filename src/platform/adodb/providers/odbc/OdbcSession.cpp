@@ -1,5 +1,6 @@
 #include "platform/adodb/providers/odbc/OdbcSession.h"
 
+#include "platform/adodb/providers/CachingSession.h"
 #include "platform/adodb/providers/odbc/OdbcStatements.h"
 #include "platform/runtime/Convert.h"
 
@@ -12,10 +13,10 @@ using namespace Platform;
 
 namespace {
 
-class OdbcSession final : public Session {
+class OdbcSession final : public ServerSession<OdbcStatement, OdbcLink, OdbcCatalog> {
 public:
     OdbcSession(const ConnectionString& settings, Long timeout)
-        : link_(settings, timeout), catalog_(link_), values_(link_.Dialect().utf8) {}
+        : ServerSession(settings, timeout), values_(link_.Dialect().utf8) {}
 
     /// A driver refuses to disconnect while a transaction is open.
     ~OdbcSession() override {
@@ -23,28 +24,6 @@ public:
         try {
             link_.End(false);
         } catch (const Error&) {  // the engine rolls back when the connection ends
-        }
-    }
-
-    Outcome Run(std::string_view text) override {
-        OdbcStatement* const statement = For(text);
-        return statement ? RunPrepared(*statement, text) : RunText(text);
-    }
-
-    void RunAction(std::span<const StatementPiece> pieces, const std::function<String()>& joined) override {
-        OdbcStatement* statement = statements_.Find(pieces, literals_);
-        const String text = statement ? String() : joined();
-        try {
-            if (!statement && (statement = For(text)))
-                if (auto bindings = PieceBindings::Of(pieces, text, literals_))
-                    statement->bindings = std::move(bindings);
-            if (statement)
-                RunPrepared(*statement, text);
-            else
-                RunText(text);
-        } catch (Error& failure) {
-            if (failure.Statement.empty()) failure.Statement = joined();
-            throw;
         }
     }
 
@@ -84,10 +63,6 @@ public:
         inTransaction_ = false;
     }
     bool InTransaction() const override { return inTransaction_ && !link_.IsBroken(); }
-    Long MostLevels() const override { return 5; }
-
-    bool IsBroken() const override { return link_.IsBroken(); }
-    void SetCommandTimeout(Long seconds) override { link_.SetTimeout(seconds); }
 
 private:
     void Command(const String& text) {
@@ -103,39 +78,29 @@ private:
         link_.Raise(failure, text);
     }
 
-    /// Returns the prepared statement of a text, and its literals in `literals_`; null if the text must be sent as it
-    /// is.
-    OdbcStatement* For(std::string_view text) {
-        if (OdbcStatement* const kept = statements_.Find(text, literals_)) return kept;
+    /// Raises for what a driver might run although it must not be sent.
+    void RequireOne(std::string_view text) {
         if (const auto [state, why] = FlawIn(text); why) link_.Raise({state, 0, why}, text);
-        OdbcStatement statement;
-        statement.shape.reals = true;
-        if (!CutAtLiterals(text, statement.shape, literals_) || literals_.size() > MostParameters) return nullptr;
-        // A text that is sent once is prepared only if an empty text may have to become a null.
-        if (!StatementCache<OdbcStatement>::IsKept(text) && !HasBlank(literals_)) return nullptr;
-        statement.targets = TargetsOf(text, literals_);
-        if (Prepare(statement, text, literals_)) return nullptr;
-        return &statements_.Keep(std::move(statement), text);
     }
 
-    /// Returns the prepared statement of a text of the database layer, which has "?" for each value.
-    OdbcStatement& ForMarked(std::string_view text) {
-        std::vector<Literal> none;
-        if (OdbcStatement* const kept = statements_.Find(text, none)) return *kept;
-        OdbcStatement statement;
-        statement.shape.pieces.emplace_back(text);
+    bool PrepareShape(OdbcStatement& statement, std::string_view text) override {
+        RequireOne(text);
+        statement.targets = TargetsOf(text, literals_);
+        return !Prepare(statement, text, literals_);
+    }
+
+    void PrepareMarked(OdbcStatement& statement, std::string_view text) override {
         if (const auto failure = Prepare(statement, text, {})) Fail(*failure, text);
-        return statements_.Keep(std::move(statement), text);
     }
 
     std::optional<OdbcFailure> Prepare(OdbcStatement& statement, std::string_view text,
                                        const std::vector<Literal>& literals) {
         statement.handle = link_.NewStatement(text);
-        statement.prepared = ForOdbc(link_.Dialect(), text, literals);
+        statement.prepared = ForOdbc(link_.Dialect(), text, literals, keys_);
         return link_.Prepare(statement.handle, statement.prepared);
     }
 
-    Outcome RunPrepared(OdbcStatement& statement, std::string_view text) {
+    Outcome RunPrepared(OdbcStatement& statement, std::string_view text) override {
         if (HasBlank(literals_) && !statement.nullIfBlank) statement.nullIfBlank = BlankRules(statement.targets);
         values_.Set(literals_, statement.nullIfBlank);
         RunWithValues(statement, text);
@@ -159,30 +124,30 @@ private:
         return link_.Execute(statement.handle);
     }
 
-    Outcome RunText(std::string_view text) {
+    Outcome Send(std::string_view text) override {
+        RequireOne(text);
         OdbcStatement& statement = statements_.KeepOnce({});
+        if (const auto failure = Execute(statement, text)) Fail(*failure, text);
+        return OutcomeOf(statement, text);
+    }
+
+    /// Runs a text with sorted rows, and as it is if the engine rejects that.
+    std::optional<OdbcFailure> Execute(OdbcStatement& statement, std::string_view text) {
+        const String sorted = ForOdbc(link_.Dialect(), text, {}, keys_);
         statement.handle = link_.NewStatement(text);
-        if (const auto failure = link_.ExecuteText(statement.handle, ForOdbc(link_.Dialect(), text, {})))
-            Fail(*failure, text);
-        Outcome outcome = OutcomeOf(statement, text);
-        if (ChangesDefinitions(text)) {
-            statements_.Clear();
-            catalog_.Forget();
-        }
-        return outcome;
+        auto failure = link_.ExecuteText(statement.handle, sorted);
+        const Long number = failure ? NumberOfOdbc(*failure, link_.Dialect()) : 0;
+        if (number != ErrorsInCommand && number != UnknownName) return failure;
+        const String plain = ForOdbc(link_.Dialect(), text, {});
+        return plain == sorted ? failure : link_.ExecuteText(statement.handle, plain);
     }
 
     Outcome OutcomeOf(OdbcStatement& statement, std::string_view text) {
         if (!statement.isDescribed) statement.columns = catalog_.ColumnsOf(statement.handle);
         statement.isDescribed = true;
-        Outcome outcome;
-        if (statement.columns) {
-            outcome.columns = statement.columns->columns;
-            outcome.reader = std::make_unique<OdbcRows>(link_, statement.handle, statement.columns, text);
-        } else {
-            outcome.affected = Affected(statement.handle);
-        }
-        return outcome;
+        if (!statement.columns) return {.affected = Affected(statement.handle)};
+        return {.columns = statement.columns->columns,
+                .reader = std::make_unique<OdbcRows>(link_, statement.handle, statement.columns, text)};
     }
 
     static std::int64_t Affected(const OdbcHandle& handle) {
@@ -203,12 +168,6 @@ private:
         return std::find(codes.begin(), codes.end(), failure.native) != codes.end();
     }
 
-    static constexpr std::size_t MostParameters = 65535;
-
-    OdbcLink link_;
-    OdbcCatalog catalog_;
-    StatementCache<OdbcStatement> statements_;
-    std::vector<Literal> literals_;  // of the statement that runs
     OdbcValues values_;
     bool inTransaction_ = false;
 };

@@ -3,6 +3,7 @@
 #include "platform/adodb/providers/Lexer.h"
 #include "platform/runtime/Convert.h"
 
+#include <algorithm>
 #include <libpq-fe.h>
 #include <unordered_map>
 
@@ -62,11 +63,11 @@ constexpr const char* SelectTables =
     "SELECT a.attrelid, c.relname, a.attnum, a.attname, COALESCE(a.attnum = ANY (i.indkey), false), "
     "a.attidentity <> '' OR COALESCE(pg_get_expr(d.adbin, d.adrelid) LIKE 'nextval(%', false), "
     // citext has no width of its own: it is that of the column's check.
-    "(SELECT substring(pg_get_constraintdef(k.oid) FROM 'length.* <= ([0-9]+)') FROM pg_constraint k "
-    "WHERE k.conrelid = a.attrelid AND k.contype = 'c' AND k.conkey = ARRAY[a.attnum] LIMIT 1) "
+    "substring(pg_get_constraintdef(k.oid) FROM 'length.* <= ([0-9]+)') "
     "FROM pg_attribute a JOIN pg_class c ON c.oid = a.attrelid "
     "LEFT JOIN pg_index i ON i.indrelid = a.attrelid AND i.indisprimary "
     "LEFT JOIN pg_attrdef d ON d.adrelid = a.attrelid AND d.adnum = a.attnum "
+    "LEFT JOIN pg_constraint k ON k.conrelid = a.attrelid AND k.contype = 'c' AND k.conkey = ARRAY[a.attnum] "
     "WHERE a.attnum > 0 AND NOT a.attisdropped AND c.relkind IN ('r', 'p', 'v', 'm', 'f') AND (c.oid = ";
 
 }  // namespace
@@ -148,8 +149,9 @@ void PostgresCatalog::Read(unsigned identifier) {
     for (int row = 0; row < PQntuples(rows); ++row) {
         Table& table = tables_[static_cast<unsigned>(numberAt(row, 0))];
         table.name = PQgetvalue(rows, row, 1);
-        table.columns[static_cast<int>(numberAt(row, 2))] = {PQgetvalue(rows, row, 3), flagAt(row, 4), flagAt(row, 5),
-                                                             static_cast<Long>(numberAt(row, 6))};
+        TableColumn& column = table.columns[static_cast<int>(numberAt(row, 2))];
+        const Long width = std::max(column.width, static_cast<Long>(numberAt(row, 6)));  // a column may have two checks
+        column = {PQgetvalue(rows, row, 3), flagAt(row, 4), flagAt(row, 5), width};
     }
 }
 

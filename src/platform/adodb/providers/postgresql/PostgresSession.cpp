@@ -1,5 +1,6 @@
 #include "platform/adodb/providers/postgresql/PostgresSession.h"
 
+#include "platform/adodb/providers/CachingSession.h"
 #include "platform/adodb/providers/DecimalCell.h"
 #include "platform/adodb/providers/postgresql/PostgresDialect.h"
 #include "platform/adodb/providers/postgresql/PostgresErrors.h"
@@ -77,40 +78,10 @@ void RequireNoZero(std::string_view text) {
 /// Returns true for the statement that chooses how a transaction is isolated: no savepoint may be in front of it.
 bool SetsTransaction(std::string_view text) { return EqualsIgnoringCase(text.substr(0, 15), "SET TRANSACTION"); }
 
-/// Returns true for the result of a statement that may have changed a table's definition.
-bool IsDefinition(PGresult* result) {
-    const std::string_view command = PQcmdStatus(result);
-    return command.starts_with("CREATE") || command.starts_with("ALTER") || command.starts_with("DROP") ||
-           command.starts_with("DO");
-}
-
-class PostgresSession final : public Session {
+class PostgresSession final : public ServerSession<PostgresStatement, PostgresLink, PostgresCatalog> {
 public:
     PostgresSession(const ConnectionString& settings, Long timeout)
-        : link_(settings, timeout), catalog_(link_), prefix_(NewPrefix()) {}
-
-    Outcome Run(std::string_view text) override {
-        RequireNoZero(text);
-        PostgresStatement* const statement = For(text);
-        return statement ? RunPrepared(*statement, text) : RunText(text);
-    }
-
-    void RunAction(std::span<const StatementPiece> pieces, const std::function<String()>& joined) override {
-        PostgresStatement* statement = statements_.Find(pieces, literals_);
-        const String text = statement ? String() : joined();
-        RequireNoZero(text);
-        if (!statement && (statement = For(text)))
-            if (auto bindings = PieceBindings::Of(pieces, text, literals_)) statement->bindings = std::move(bindings);
-        try {
-            if (statement)
-                RunPrepared(*statement, text);
-            else
-                RunText(text);
-        } catch (Error& failure) {
-            if (failure.Statement.empty()) failure.Statement = joined();
-            throw;
-        }
-    }
+        : ServerSession(settings, timeout), prefix_(NewPrefix()) {}
 
     std::int64_t Change(std::string_view text, std::span<const Variant> values) override {
         return AffectedBy(RunMarked(text, values).get());
@@ -138,10 +109,6 @@ public:
         Command({"ROLLBACK TO SAVEPOINT level" + CStr(level), "RELEASE SAVEPOINT level" + CStr(level)});
     }
     bool InTransaction() const override { return link_.InTransaction(); }
-    Long MostLevels() const override { return 5; }
-
-    bool IsBroken() const override { return link_.IsBroken(); }
-    void SetCommandTimeout(Long seconds) override { link_.SetTimeout(seconds); }
 
 private:
     /// Sends the commands that `queue` queues and returns their results. In a transaction a savepoint is set in front
@@ -191,32 +158,22 @@ private:
         saved_ = false;
     }
 
-    /// Returns the prepared statement of a text, and its literals in `literals_`; null if the text must be sent as it
-    /// is.
-    PostgresStatement* For(std::string_view text) {
-        if (PostgresStatement* const kept = statements_.Find(text, literals_)) return kept;
-        PostgresStatement statement;
-        statement.shape.reals = true;
-        if (!CutAtLiterals(text, statement.shape, literals_) || literals_.size() > MostParameters) return nullptr;
-        // A text that is sent once is prepared only if the types of its parameters are needed.
-        if (!StatementCache<PostgresStatement>::IsKept(text) && !HasBlank(literals_)) return nullptr;
+    PostgresStatement* For(std::string_view text) override {
+        RequireNoZero(text);
+        return ServerSession::For(text);
+    }
+
+    bool PrepareShape(PostgresStatement& statement, std::string_view text) override {
         PostgresText translated = ForPostgres(text, literals_, keys_);
         statement.negative = std::move(translated.negative);
         statement.translated = std::move(translated.text);
         statement.readsOnly = translated.readsOnly;
-        if (PostgresLink::HasFailure(Prepare(statement, text))) return nullptr;
-        return &statements_.Keep(std::move(statement), text);
+        return !PostgresLink::HasFailure(Prepare(statement, text));
     }
 
-    /// Returns the prepared statement of a text of the database layer, which has "?" for each value.
-    PostgresStatement& ForMarked(std::string_view text) {
-        std::vector<Literal> none;
-        if (PostgresStatement* const kept = statements_.Find(text, none)) return *kept;
-        PostgresStatement statement;
-        statement.shape.pieces.emplace_back(text);
+    void PrepareMarked(PostgresStatement& statement, std::string_view text) override {
         statement.translated = Numbered(text);
         PostgresLink::RaiseFirstFailure(Prepare(statement, text), text);
-        return statements_.Keep(std::move(statement), text);
     }
 
     /// Prepares a statement on the server under a new name and reads its description. If the server rejects it, the
@@ -229,7 +186,7 @@ private:
         });
         if (PostgresLink::HasFailure(results)) {
             name = {};
-            dropped_->clear();  // the server doesn't know it
+            dropped_->pop_back();  // the server doesn't know it
             return results;
         }
         statement.name = std::move(name);
@@ -254,7 +211,7 @@ private:
         return PostgresLink::HasFailure(results) ? std::move(results) : run();
     }
 
-    Outcome RunPrepared(PostgresStatement& statement, std::string_view text) {
+    Outcome RunPrepared(PostgresStatement& statement, std::string_view text) override {
         values_.Set(statement, literals_);
         std::vector<PostgresResult> results = RunWithValues(statement, text);
         // In a text the server rounds a number for a column of whole numbers; as a parameter it rejects it.
@@ -263,25 +220,18 @@ private:
         return OutcomeOf(std::move(results.back()), statement.columns);
     }
 
-    Outcome RunText(std::string_view text) {
+    Outcome Send(std::string_view text) override {
         const PostgresText translated = ForPostgres(text, {}, keys_);
         std::vector<PostgresResult> results =
             Try(text, translated.readsOnly, [&] { link_.QueueText(translated.text); });
         PostgresLink::RaiseFirstFailure(results, text);
-        if (IsDefinition(results.back().get())) catalog_.Forget();
         const auto columns = catalog_.ColumnsOf(results.back().get(), text);
         return OutcomeOf(std::move(results.back()), columns);
     }
 
     static Outcome OutcomeOf(PostgresResult result, const std::shared_ptr<const PostgresColumns>& columns) {
-        Outcome outcome;
-        if (columns) {
-            outcome.columns = columns->columns;
-            outcome.reader = std::make_unique<PostgresRows>(std::move(result), columns);
-        } else {
-            outcome.affected = AffectedBy(result.get());
-        }
-        return outcome;
+        if (!columns) return {.affected = AffectedBy(result.get())};
+        return {.columns = columns->columns, .reader = std::make_unique<PostgresRows>(std::move(result), columns)};
     }
 
     /// Runs a statement of the database layer, with "?" for each value.
@@ -319,17 +269,11 @@ private:
         return std::any_of(literals_.begin(), literals_.end(), [](const Literal& literal) { return literal.isReal; });
     }
 
-    static constexpr std::size_t MostParameters = 65535;
     static constexpr std::size_t ManyDropped = 16;
 
-    PostgresLink link_;
-    PostgresCatalog catalog_;
-    const TableKeys keys_ = [this](const String& table) { return catalog_.KeyOf(table); };
-    StatementCache<PostgresStatement> statements_;
     const PreparedName::Dropped dropped_ = std::make_shared<std::vector<String>>();
     String prefix_;
     std::size_t prepared_ = 0;
-    std::vector<Literal> literals_;  // of the statement that runs
     PostgresValues values_;
     bool saved_ = false;    // the savepoint of the last statement exists
     bool changed_ = false;  // a statement since then may have changed or locked something

@@ -1,5 +1,6 @@
 #include "platform/adodb/providers/sqlite/SqliteSession.h"
 
+#include "platform/adodb/providers/CachingSession.h"
 #include "platform/adodb/providers/sqlite/SqliteErrors.h"
 #include "platform/adodb/providers/sqlite/SqliteStatements.h"
 #include "platform/runtime/Convert.h"
@@ -77,7 +78,7 @@ private:
     bool begun_ = false;
 };
 
-class SqliteSession final : public Session {
+class SqliteSession final : public CachingSession<SqliteStatement> {
 public:
     SqliteSession(Database database, bool readOnly)
         : database_(std::move(database)), statements_(database_.get()), readOnly_(readOnly) {}
@@ -101,23 +102,6 @@ public:
             outcome.affected = changed ? sqlite3_changes64(database_.get()) : 0;
         }
         return outcome;
-    }
-
-    void RunAction(std::span<const StatementPiece> pieces, const std::function<String()>& joined) override {
-        SqliteStatement* statement = statements_.ForPieces(pieces, literals_);
-        const String text = statement ? String() : joined();
-        if (!statement) {
-            statement = &statements_.For(text, literals_);
-            if (auto bindings = PieceBindings::Of(pieces, text, literals_)) statement->bindings = std::move(bindings);
-        }
-        const StatementRun run(statement->Compiled());
-        try {
-            Bind(run.Compiled(), text);
-            Finish(run.Compiled(), text);
-        } catch (Error& failure) {
-            if (failure.Statement.empty()) failure.Statement = joined();
-            throw;
-        }
     }
 
     std::int64_t Change(std::string_view text, std::span<const Variant> values) override {
@@ -154,6 +138,17 @@ public:
     void SetCommandTimeout(Long) override {}
 
 private:
+    SqliteStatement* Cached(std::span<const StatementPiece> pieces) override {
+        return statements_.ForPieces(pieces, literals_);
+    }
+    SqliteStatement* For(std::string_view text) override { return &statements_.For(text, literals_); }
+
+    void RunToEnd(SqliteStatement* statement, std::string_view text) override {
+        const StatementRun run(statement->Compiled());
+        Bind(run.Compiled(), text);
+        Finish(run.Compiled(), text);
+    }
+
     /// Runs a statement to its end.
     void Finish(sqlite3_stmt* compiled, std::string_view text) {
         int code = SQLITE_ROW;
@@ -201,8 +196,7 @@ private:
     Database database_;
     SqliteStatements statements_;
     bool readOnly_;
-    std::vector<Literal> literals_;  // of the statement that ran last; its rows may not be read yet
-    std::vector<std::string> unquoted_;
+    std::vector<std::string> unquoted_;  // of the literals of the statement that ran last; its rows may not be read yet
 };
 
 int FlagsOf(const String& mode) {
