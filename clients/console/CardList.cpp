@@ -28,13 +28,13 @@ std::string ImagesThatMayBelongTo(const Ref<Connection>& con, Long series) {
 bool DeleteOrphan(const Database& database, Long series) {
     Long deleted = 0;
     const std::string unknown = ImagesThatMayBelongTo(database.Con(), series);
-    std::optional<WriteTransaction> transaction;
-    if (IsServer(database.Con())) transaction.emplace(database.Con());
-    database.Con()->Execute(sql("DELETE FROM Series_T WHERE Series_ID = ", series,
-                                " AND NOT EXISTS (SELECT 1 FROM ImageBild_T WHERE Series_ID = ", series,
-                                " AND GraphicURL_NVC <> '') AND NOT EXISTS (SELECT 1 ", Clause(unknown), ")"),
-                            &deleted);
-    if (transaction) transaction->Commit();
+    const auto remove = [&] {
+        database.Con()->Execute(sql("DELETE FROM Series_T WHERE Series_ID = ", series,
+                                    " AND NOT EXISTS (SELECT 1 FROM ImageBild_T WHERE Series_ID = ", series,
+                                    " AND GraphicURL_NVC <> '') AND NOT EXISTS (SELECT 1 ", Clause(unknown), ")"),
+                                &deleted);
+    };
+    IsServer(database.Con()) ? Write(database.Con(), remove) : remove();
     return deleted > 0;
 }
 

@@ -63,19 +63,20 @@ void ShowCards(Program& program, const std::string& patient) {
 
 void SaveSeriesAsCard(const Options& options, Long number, const std::string& name) {
     const Database database(options);
-    WriteTransaction transaction(database.Con());
-    const Ref<cSerie> series = LoadSeries(database.Con(), number);
-    const Ref<cImages> images = New<cImages>();
-    const Long count = images->LoadReadable(database.Con(), iootSeries, number);
-    RequireComplete(*images);
-    if (count == 0) throw UserError(fmt::format("series {} has no images, so there is nothing to store", number));
-    series->SeriesName = name.empty() ? Undoubled(series->SeriesDescription) : name;
-    series->SaveAsIC(database.Con(), images);
-    const Long card =
-        database.Number(sql("SELECT max(ImageCardID) FROM ImageCard_T WHERE PatientID = ", images->Item(1)->PatID));
-    transaction.Commit();
-    if (options.json) return PrintJson({{"card", fmt::format("IC{}", card)}, {"images", images->Count()}});
-    fmt::print("Series {} is stored as card IC{}, with {} images.\n", number, card, images->Count());
+    Long card = 0, count = 0;
+    Write(database.Con(), [&] {
+        const Ref<cSerie> series = LoadSeries(database.Con(), number);
+        const Ref<cImages> images = New<cImages>();
+        count = images->LoadReadable(database.Con(), iootSeries, number);
+        RequireComplete(*images);
+        if (count == 0) throw UserError(fmt::format("series {} has no images, so there is nothing to store", number));
+        series->SeriesName = name.empty() ? Undoubled(series->SeriesDescription) : name;
+        series->SaveAsIC(database.Con(), images);
+        card =
+            database.Number(sql("SELECT max(ImageCardID) FROM ImageCard_T WHERE PatientID = ", images->Item(1)->PatID));
+    });
+    if (options.json) return PrintJson({{"card", fmt::format("IC{}", card)}, {"images", count}});
+    fmt::print("Series {} is stored as card IC{}, with {} images.\n", number, card, count);
 }
 
 void AddSaveAsCard(Program& program) {

@@ -53,49 +53,44 @@ std::pair<Long, Long> CanvasOf(const std::string& text) {
 
 // ---- composing --------------------------------------------------------------------------------------
 
-/// A stored card that is changed in one transaction.
-class CardComposer {
-public:
-    CardComposer(const Database& database, const std::string& key) : database_(database), transaction_(database.Con()) {
-        LoadWhole(database_.Con(), *card_, CardNumber(key));
-    }
+/// Returns a placed image of a card.
+cImagecardAttribute& Placed(const cImagecard& card, const std::string& number) {
+    const String key = "K" + CStr(NumberOf(number, "a placed image"));
+    if (!card.ImagecardAttributes->HasKey(key))
+        throw UserError(
+            fmt::format("card IC{0} has no placed image {1}; see: oxclass card show IC{0}", card.ICID, number));
+    return *To<Ref<cImagecardAttribute>>(card.ImagecardAttributes->Item(key));
+}
 
-    cImagecard& Card() { return *card_; }
-
-    cImagecardAttribute& Placed(const std::string& number) {
-        const String key = "K" + CStr(NumberOf(number, "a placed image"));
-        if (!card_->ImagecardAttributes->HasKey(key))
-            throw UserError(
-                fmt::format("card IC{0} has no placed image {1}; see: oxclass card show IC{0}", card_->ICID, number));
-        return *To<Ref<cImagecardAttribute>>(card_->ImagecardAttributes->Item(key));
-    }
-
-    void Store() {
-        card_->ICLastUpdate = Now();
-        SaveWhole(database_.Con(), *card_);
-        transaction_.Commit();
-    }
-
-private:
-    const Database& database_;
-    WriteTransaction transaction_;
-    Ref<cImagecard> card_ = New<cImagecard>();
-};
+/// Loads a stored card, changes it by `change`, and stores it, in one transaction. Returns the card.
+Ref<cImagecard> ChangeCard(const Database& database, const std::string& key,
+                           const std::function<void(cImagecard&)>& change) {
+    Ref<cImagecard> card;
+    Write(database.Con(), [&] {
+        card = New<cImagecard>();
+        LoadWhole(database.Con(), *card, CardNumber(key));
+        change(*card);
+        card->ICLastUpdate = Now();
+        SaveWhole(database.Con(), *card);
+    });
+    return card;
+}
 
 void NewCard(const Options& options, const std::string& patient, const std::string& name,
              const std::string& description, const std::string& canvas) {
     constexpr Long width = 255;
     if (Len(name) > width) throw UserError("the name of a card has at most 255 characters");
     const Database database(options);
-    const Ref<cImagecard> card = New<cImagecard>();
-    WriteTransaction transaction(database.Con());
-    card->ICPID = LoadPatient(database, patient)->ID;
-    card->ICName = name;
-    card->ICDescription = description;
-    card->ICCreateDate = card->ICLastUpdate = Now();
-    std::tie(card->ICWidth, card->ICHeight) = CanvasOf(canvas);
-    SaveWhole(database.Con(), *card);
-    transaction.Commit();
+    Ref<cImagecard> card;
+    Write(database.Con(), [&] {
+        card = New<cImagecard>();
+        card->ICPID = LoadPatient(database, patient)->ID;
+        card->ICName = name;
+        card->ICDescription = description;
+        card->ICCreateDate = card->ICLastUpdate = Now();
+        std::tie(card->ICWidth, card->ICHeight) = CanvasOf(canvas);
+        SaveWhole(database.Con(), *card);
+    });
     if (options.json) return PrintJson({{"card", fmt::format("IC{}", card->ICID)}});
     fmt::print("IC{} is made. Place images on it: oxclass card add IC{} IMAGE\n", card->ICID, card->ICID);
 }
@@ -129,28 +124,27 @@ void AddImages(const Options& options, const std::string& key, const std::vector
     if (!at.empty() && images.size() > 1)
         throw UserError("--at places one image; leave it out to place several in a grid");
     const Database database(options);
-    CardComposer composing(database, key);
-    cImagecard& card = composing.Card();
-    Long cell = 0;
-    for (const std::string& number : images) {
-        const Ref<cImage> image = LoadWholeImage(database.Con(), NumberOf(number, "an image"));
-        if (image->PatID != card.ICPID)
-            throw UserError(fmt::format("image {} belongs to another patient than the card", number));
-        const Ref<cImagecardAttribute> placed = New<cImagecardAttribute>();
-        placed->ImageID = image->ID;
-        placed->ICID = card.ICID;
-        placed->IAMirrRotStatus = static_cast<Integer>(Orientation(image->MirrRotStatus).Number());
-        PutInFreeCell(*placed, card, cell);
-        PutAt(*placed, at, size);
-        card.ImagecardAttributes->Add(placed);
-    }
-    const Long first = card.ImagecardAttributes->Count() - static_cast<Long>(images.size()) + 1;
-    composing.Store();
-    if (!options.json) return fmt::print("{} images placed on IC{}.\n", images.size(), card.ICID);
+    const Ref<cImagecard> stored = ChangeCard(database, key, [&](cImagecard& card) {
+        Long cell = 0;
+        for (const std::string& number : images) {
+            const Ref<cImage> image = LoadWholeImage(database.Con(), NumberOf(number, "an image"));
+            if (image->PatID != card.ICPID)
+                throw UserError(fmt::format("image {} belongs to another patient than the card", number));
+            const Ref<cImagecardAttribute> placed = New<cImagecardAttribute>();
+            placed->ImageID = image->ID;
+            placed->ICID = card.ICID;
+            placed->IAMirrRotStatus = static_cast<Integer>(Orientation(image->MirrRotStatus).Number());
+            PutInFreeCell(*placed, card, cell);
+            PutAt(*placed, at, size);
+            card.ImagecardAttributes->Add(placed);
+        }
+    });
+    if (!options.json) return fmt::print("{} images placed on IC{}.\n", images.size(), stored->ICID);
     nlohmann::ordered_json placed = nlohmann::ordered_json::array();
-    for (Long i = first; i <= card.ImagecardAttributes->Count(); ++i)
-        placed.push_back(To<Ref<cImagecardAttribute>>(card.ImagecardAttributes->At(i))->ID);
-    PrintJson({{"card", fmt::format("IC{}", card.ICID)}, {"placed", placed}});
+    const Long count = stored->ImagecardAttributes->Count();
+    for (Long i = count - static_cast<Long>(images.size()) + 1; i <= count; ++i)
+        placed.push_back(To<Ref<cImagecardAttribute>>(stored->ImagecardAttributes->At(i))->ID);
+    PrintJson({{"card", fmt::format("IC{}", stored->ICID)}, {"placed", placed}});
 }
 
 /// "ManRotate=90,text" as a manipulation. Throws `UserError` for an unknown kind or number.
@@ -196,13 +190,8 @@ struct Move {
     std::vector<std::string> records;
 };
 
-void MoveImage(const Options& options, const std::string& key, const std::string& number, const Move& move) {
-    if (move.turn % 90 != 0) throw UserError("an image turns by 90, 180 or 270 degrees, clockwise");
-    if (move.at.empty() && move.size.empty() && !move.comment && move.turn == 0 && !move.mirror && move.records.empty())
-        throw UserError("nothing to change; oxclass card move --help lists the options");
-    const Database database(options);
-    CardComposer composing(database, key);
-    cImagecardAttribute& placed = composing.Placed(number);
+/// Changes a placed image as the command line says.
+void Apply(const Move& move, cImagecardAttribute& placed) {
     PutAt(placed, move.at, move.size);
     if (move.comment) placed.IAComments = *move.comment;
     Orientation form(placed.IAMirrRotStatus);
@@ -216,22 +205,31 @@ void MoveImage(const Options& options, const std::string& key, const std::string
     }
     if (move.mirror || move.turn % 360 != 0) placed.IAMirrRotStatus = static_cast<Integer>(form.Number());
     for (const std::string& record : move.records) placed.Manipulations->Add(ManipulationOf(record));
-    composing.Store();
-    if (options.json) return PrintJson({{"card", fmt::format("IC{}", placed.ICID)}, {"placed", {placed.ID}}});
-    fmt::print("Placed image {} of IC{} is stored.\n", placed.ID, placed.ICID);
+}
+
+void MoveImage(const Options& options, const std::string& key, const std::string& number, const Move& move) {
+    if (move.turn % 90 != 0) throw UserError("an image turns by 90, 180 or 270 degrees, clockwise");
+    if (move.at.empty() && move.size.empty() && !move.comment && move.turn == 0 && !move.mirror && move.records.empty())
+        throw UserError("nothing to change; oxclass card move --help lists the options");
+    const Database database(options);
+    const Ref<cImagecard> card =
+        ChangeCard(database, key, [&](cImagecard& changed) { Apply(move, Placed(changed, number)); });
+    const Long placed = Placed(*card, number).ID;
+    if (options.json) return PrintJson({{"card", fmt::format("IC{}", card->ICID)}, {"placed", {placed}}});
+    fmt::print("Placed image {} of IC{} is stored.\n", placed, card->ICID);
 }
 
 void RemoveImages(const Options& options, const std::string& key, const std::vector<std::string>& numbers) {
     const Database database(options);
-    CardComposer composing(database, key);
     std::set<Long> removed;
-    for (const std::string& number : numbers) {
-        cImagecardAttribute& placed = composing.Placed(number);
-        placed.ToBeDeleted = true;
-        removed.insert(placed.ID);
-    }
-    composing.Store();
-    const Long card = composing.Card().ICID;
+    const Ref<cImagecard> stored = ChangeCard(database, key, [&](cImagecard& changed) {
+        for (const std::string& number : numbers) {
+            cImagecardAttribute& placed = Placed(changed, number);
+            placed.ToBeDeleted = true;
+            removed.insert(placed.ID);
+        }
+    });
+    const Long card = stored->ICID;
     if (options.json) return PrintJson({{"card", fmt::format("IC{}", card)}, {"removed", removed}});
     fmt::print("{} placed images are off IC{}; the images themselves stay.\n", removed.size(), card);
 }

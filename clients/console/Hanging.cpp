@@ -71,9 +71,8 @@ bool LeftWithoutTeeth(cImage& image) {
 
 void Hang(const Options& options, Long number) {
     const Database database(options);
-    WriteTransaction transaction(database.Con());
-    const HungSeries hung = HangStored(database.Con(), number);
-    transaction.Commit();
+    HungSeries hung;
+    Write(database.Con(), [&] { hung = HangStored(database.Con(), number); });
     if (options.json)
         return PrintJson({{"series", number},
                           {"layout", hung.layout},

@@ -33,6 +33,7 @@ struct Tally {
     nlohmann::ordered_json conflicts = nlohmann::ordered_json::array();
     std::size_t left = 0;  ///< files that were not read because the import was stopped
     bool stopped = false;
+    std::string lost;  ///< the message about a lost connection, which has stopped the import
 };
 
 /// The files of one series that were read and not stored yet.
@@ -102,6 +103,9 @@ Tally Import::Run(const FoundFiles& found) {
         ReadAndStore(found.files);
     } catch (const Stopped&) {
         tally_.stopped = true;
+    } catch (const LostConnection& lost) {
+        tally_.stopped = true;
+        tally_.lost = lost.what();
     }
     progress_->Clear();
     tally_.left = found.files.size() - tally_.files;
@@ -189,6 +193,8 @@ void Import::Store(std::list<PendingSeries>::iterator series) {
     std::string reason;
     try {
         Add(series_.Store(files));
+    } catch (const LostConnection&) {
+        throw;
     } catch (const IdentityConflict& conflict) {
         Tell("The patient of a series, beside the stored one or another file:");
         fmt::print(stderr, "{}", conflict.table);
@@ -256,6 +262,7 @@ void ImportFolders(Program& program, const std::vector<std::string>& names, cons
     const FoundFiles found = FindFiles(names);
     const Tally tally = Import(database, decision, jobs).Run(found);
     PrintTally(tally, program.options.json);
+    if (!tally.lost.empty()) throw UserError(tally.lost);
     if (tally.failed > 0 || tally.stopped) program.exitCode = PartlyDone;
 }
 

@@ -108,11 +108,11 @@ Json Shown(const Database& database, const cPatient& patient) {
 
 /// Changes fields of one row, read and written in one transaction.
 void SetPatient(const Database& database, const std::string& id, const std::vector<std::string>& assignments) {
-    WriteTransaction transaction(database.Con());
-    const Ref<cPatient> patient = LoadPatient(database, id);
-    for (const std::string& assignment : assignments) SetField(database, *patient, assignment);
-    SavePatient(database.Con(), *patient);
-    transaction.Commit();
+    Write(database.Con(), [&] {
+        const Ref<cPatient> patient = LoadPatient(database, id);
+        for (const std::string& assignment : assignments) SetField(database, *patient, assignment);
+        SavePatient(database.Con(), *patient);
+    });
 }
 
 void ShowPatient(const Options& options, const std::string& id, const std::vector<std::string>& assignments) {

@@ -145,19 +145,21 @@ void RequireImage(const Database& database, Long number) {
 
 void Comment(Program& program, const std::string& number, const std::string& text, const std::string& signature) {
     const Database database(program.options);
-    const Ref<cImage> image = New<cImage>();
-    image->ID = NumberOf(number, "an image");
+    const Long id = NumberOf(number, "an image");
     if (text.empty()) {
-        RequireImage(database, image->ID);
-        return PrintComments(program, CommentsOf(database.Con(), image->ID));
+        RequireImage(database, id);
+        return PrintComments(program, CommentsOf(database.Con(), id));
     }
     RequireComment(text, signature);
-    WriteTransaction transaction(database.Con());
-    RequireImage(database, image->ID);
-    image->addComment(text, signature, Now(), false);
-    image->SaveComments(database.Con());
-    const std::vector<StoredComment> comments = CommentsOf(database.Con(), image->ID);
-    transaction.Commit();
+    std::vector<StoredComment> comments;
+    Write(database.Con(), [&] {
+        RequireImage(database, id);
+        const Ref<cImage> image = New<cImage>();
+        image->ID = id;
+        image->addComment(text, signature, Now(), false);
+        image->SaveComments(database.Con());
+        comments = CommentsOf(database.Con(), id);
+    });
     PrintComments(program, comments);
 }
 

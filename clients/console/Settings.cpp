@@ -30,11 +30,11 @@ void AddRoot(const Options& options, const std::string& directory) {
     const Database database(options);
     const fs::path root = fs::absolute(directory);
     StorageRoots(database.Con()).Create(root);
-    WriteTransaction transaction(database.Con());
-    database.Con()->Execute("UPDATE Root_T SET Status = 0");
-    database.Con()->Execute(
-        sql("INSERT INTO Root_T (RootDirectory, Status) VALUES ('", FixSqlString(root.string()), "', 1)"));
-    transaction.Commit();
+    Write(database.Con(), [&] {
+        database.Con()->Execute("UPDATE Root_T SET Status = 0");
+        database.Con()->Execute(
+            sql("INSERT INTO Root_T (RootDirectory, Status) VALUES ('", FixSqlString(root.string()), "', 1)"));
+    });
     ListRoots(options);
 }
 
@@ -96,9 +96,7 @@ void RequireUidRoot(const std::string& root) {
 void SetSetting(const Options& options, const std::string& name, const std::string& text, bool add) {
     if (ListNamed(name) == gglID_DicomRootUID) RequireUidRoot(text);
     const Database database(options);
-    WriteTransaction transaction(database.Con());
-    New<Class1>()->SaveGLSetting(database.Con(), ListNamed(name), text, !add);
-    transaction.Commit();
+    Write(database.Con(), [&] { New<Class1>()->SaveGLSetting(database.Con(), ListNamed(name), text, !add); });
 }
 
 void PrintIdentifiers(const Options& options, int count) {

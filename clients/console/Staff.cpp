@@ -104,16 +104,18 @@ void NewDoctor(const Options& options, const std::vector<std::string>& assignmen
 
 void DeleteDoctor(const Options& options, const std::string& number, bool force) {
     const Database database(options);
-    WriteTransaction transaction(database.Con());
-    const Ref<cDoctor> doctor = LoadDoctor(database, number);
-    const Long patients = doctor->PatientCount(database.Con());
-    if (patients > 0 && !force)
-        throw UserError(
-            fmt::format("doctor {} is the doctor of {} and was not deleted; set another with: oxclass patient ID "
-                        "RespDoctor=NUMBER, or use --force",
-                        doctor->drID, patients == 1 ? "1 patient" : fmt::format("{} patients", patients)));
-    doctor->DeleteDoctor(database.Con());
-    transaction.Commit();
+    Ref<cDoctor> doctor;
+    Long patients = 0;
+    Write(database.Con(), [&] {
+        doctor = LoadDoctor(database, number);
+        patients = doctor->PatientCount(database.Con());
+        if (patients > 0 && !force)
+            throw UserError(
+                fmt::format("doctor {} is the doctor of {} and was not deleted; set another with: oxclass patient ID "
+                            "RespDoctor=NUMBER, or use --force",
+                            doctor->drID, patients == 1 ? "1 patient" : fmt::format("{} patients", patients)));
+        doctor->DeleteDoctor(database.Con());
+    });
     if (patients > 0)
         fmt::print(
             stderr, "oxclass: {} still name{} doctor {}; set another with: oxclass patient ID RespDoctor=NUMBER\n",

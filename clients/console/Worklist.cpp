@@ -331,12 +331,12 @@ Ref<cPatient> PatientOf(const Ref<Connection>& con, const WorklistEntry& entry, 
     return nullptr;
 }
 
-/// Stores the data of the entry that a known patient's row lacks, unless the two are different people.
-void FillKnown(const Ref<Connection>& con, const cPatient& patient, const WorklistEntry& entry) {
+/// Stores the data of the entry that a known patient's row lacks, unless the two are different people. Returns a line
+/// that names what was stored; empty for nothing.
+std::string FillKnown(const Ref<Connection>& con, const cPatient& patient, const WorklistEntry& entry) {
     const PatientIdentity stored = ComparableIdentityOf(con, patient), person = IdentityOf(entry);
-    if (!EqualsIgnoringCase(stored.patientID, person.patientID) || !Contradictions(stored, person).empty()) return;
-    const std::string told = FillPatient(con, stored, person, "the worklist");
-    if (!told.empty()) fmt::print(stderr, "oxclass: {}\n", Printable(told));
+    if (!EqualsIgnoringCase(stored.patientID, person.patientID) || !Contradictions(stored, person).empty()) return {};
+    return FillPatient(con, stored, person, "the worklist");
 }
 
 void Register(Program& program, const WorklistItems& items, const Registration& wanted) {
@@ -344,20 +344,25 @@ void Register(Program& program, const WorklistItems& items, const Registration& 
     if (entry.item->PatientID.empty())
         throw UserError("the entry has no patient ID, so its patient can't be found again");
     const Database database(program.options);
-    WriteTransaction transaction(database.Con());
-    const Ref<cPatient> patient = PatientOf(database.Con(), entry, wanted);
+    Ref<cPatient> patient;
+    bool isNew = false;
+    std::string told;
+    Write(database.Con(), [&] {
+        patient = PatientOf(database.Con(), entry, wanted);
+        if (!patient) return;
+        isNew = patient->ID == 0;
+        if (isNew) Fill(*patient, entry);
+        if (TakeOverIdentifiers(*patient, *entry.item) || isNew) SavePatient(database.Con(), *patient);
+        if (isNew)
+            StoreIssuer(database.Con(), patient->ID, entry.issuer);
+        else
+            told = FillKnown(database.Con(), *patient, entry);
+    });
     if (!patient) {
         program.exitCode = PartlyDone;
         return;
     }
-    const bool isNew = patient->ID == 0;
-    if (isNew) Fill(*patient, entry);
-    if (TakeOverIdentifiers(*patient, *entry.item) || isNew) SavePatient(database.Con(), *patient);
-    if (isNew)
-        StoreIssuer(database.Con(), patient->ID, entry.issuer);
-    else
-        FillKnown(database.Con(), *patient, entry);
-    transaction.Commit();
+    if (!told.empty()) fmt::print(stderr, "oxclass: {}\n", Printable(told));
     if (program.options.json)
         return PrintJson({{"patient", patient->PatientID}, {"number", patient->ID}, {"new", isNew}});
     fmt::print("{} {} is {}, number {}.\n", isNew ? "New patient" : "Patient", Printable(patient->PatientID),

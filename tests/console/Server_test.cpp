@@ -1,8 +1,9 @@
-#include "ProgramTest.h"
+#include "ServerTest.h"
+#include "console/WriteTransaction.h"
 #include "console/schema/SchemaChange.h"
 #include "platform/runtime/Services.h"
 
-#include <cstdlib>
+#include <atomic>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <pty.h>
@@ -13,9 +14,7 @@
 
 namespace {
 
-using namespace ProgramTest;
-using Platform::New;
-using Platform::Ref;
+using namespace ServerTest;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
@@ -40,72 +39,20 @@ constexpr std::pair<const char*, const char*> Tables[] = {
     {"ClinicIdentity_T", "Identity"},
 };
 
-/// The program on the server that OXCLASS_TEST_SERVER describes, with an empty database for each test.
-class OnServer : public Program {
-protected:
-    void SetUp() override {
-        const char* const server = std::getenv("OXCLASS_TEST_SERVER");
-        if (!server) GTEST_SKIP() << "OXCLASS_TEST_SERVER is not set";
-        server_ = server;
-        administrator_ = Open(server_ + (OnMariaDb() ? "" : ";Database=postgres"));
-        static int count = 0;
-        name_ = "console_" + std::to_string(getpid()) + "_" + std::to_string(++count);
-        administrator_->Execute(
-            "CREATE DATABASE " + name_ +
-            (OnMariaDb() ? " CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin" : " TEMPLATE template0"));
-    }
-    void TearDown() override {
-        if (administrator_) administrator_->Execute("DROP DATABASE " + name_ + (OnMariaDb() ? "" : " WITH (FORCE)"));
-    }
-
-    static bool OnMariaDb() { return TestKit::TestedEngine() == TestKit::Engine::MariaDB; }
-
-    static Ref<ADODB::Connection> Open(const std::string& settings) {
-        Ref<ADODB::Connection> con = New<ADODB::Connection>();
-        con->Open(settings);
-        return con;
-    }
-
-    std::string Clinic() const { return server_ + ";Database=" + name_; }
-    fs::path Root() const { return folder.Path() / "server"; }
-    void InitServer() {
-        const Result run = Try({"init", Clinic(), "--root", Root().string()});
-        ASSERT_EQ(run.code, 0) << run.err;
-    }
-    Result On(const std::string& database, std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), {"--db", database});
-        return Try(arguments);
-    }
-    Result OnClinic(std::vector<std::string> arguments) { return On(Clinic(), std::move(arguments)); }
-
-    static std::string ContentOf(const fs::path& path) {
-        std::ifstream in(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
-
-    /// Returns all rows of all tables of a database.
-    static std::map<std::string, std::vector<std::vector<Platform::Variant>>> RowsOf(const std::string& settings) {
-        std::map<std::string, std::vector<std::vector<Platform::Variant>>> all;
-        const Ref<ADODB::Connection> con = Open(settings);
-        for (const auto& [table, key] : Tables) {
-            auto& rows = all[table];
-            const auto read = con->Execute(std::string("SELECT * FROM ") + table + " ORDER BY " + key);
-            for (; !read->Eof(); read->MoveNext()) {
-                rows.emplace_back();
-                for (Platform::Long i = 0; i < read->FieldCount(); ++i) rows.back().push_back(read->Fields(i).Value());
-            }
+/// Returns all rows of all tables of a database.
+std::map<std::string, std::vector<std::vector<Platform::Variant>>> RowsOf(const std::string& settings) {
+    std::map<std::string, std::vector<std::vector<Platform::Variant>>> all;
+    const Ref<ADODB::Connection> con = OnServer::Open(settings);
+    for (const auto& [table, key] : Tables) {
+        auto& rows = all[table];
+        const auto read = con->Execute(std::string("SELECT * FROM ") + table + " ORDER BY " + key);
+        for (; !read->Eof(); read->MoveNext()) {
+            rows.emplace_back();
+            for (Platform::Long i = 0; i < read->FieldCount(); ++i) rows.back().push_back(read->Fields(i).Value());
         }
-        return all;
     }
-
-    std::size_t RowsOnServer(const std::string& table) const {
-        return static_cast<std::size_t>(
-            Open(Clinic())->Execute("SELECT count(*) FROM " + table)->Fields(0).As<Platform::Long>());
-    }
-
-    std::string server_, name_;
-    Ref<ADODB::Connection> administrator_;
-};
+    return all;
+}
 
 TEST_F(OnServer, InitMakesTheTablesInAnEmptyDatabaseOnly) {
     const Result before = OnClinic({"patients"});
@@ -293,6 +240,106 @@ TEST_F(OnServer, NoMessageHasThePassword) {
         EXPECT_THAT(run.out + run.err, Not(HasSubstr("sesame")));
     EXPECT_EQ(On(secret, {"patients"}).code, OnMariaDb() ? 1 : 0) << "MariaDB's account has no password";
     EXPECT_EQ(On(secret + ";Port=9", {"patients"}).code, 1);
+}
+
+// ---- conflicts -----------------------------------------------------------------------------------
+
+/// Another program that changes rows of patients in a transaction of its own, and the row that all writers change
+/// afterwards, when the program waits for one of the patients: the two wait for each other then.
+class Opponent {
+public:
+    Opponent(const std::string& settings, bool mariaDb)
+        : thread_([this, settings, mariaDb] { Run(settings, mariaDb); }) {
+        while (!began_) usleep(1000);
+    }
+    ~Opponent() { thread_.join(); }
+    Opponent(const Opponent&) = delete;
+
+private:
+    /// Returns after ten seconds also without one.
+    static void WaitForAWaitingTransaction(const std::string& settings, bool mariaDb) {
+        const Ref<ADODB::Connection> con = OnServer::Open(settings);
+        const char* const waiting =
+            mariaDb ? "SELECT count(*) FROM information_schema.innodb_trx WHERE trx_state = 'LOCK WAIT'"
+                    : "SELECT count(*) FROM pg_stat_activity WHERE wait_event_type = 'Lock'";
+        for (int i = 0; i < 50 && con->Execute(waiting)->Fields(0).As<Platform::Long>() == 0; ++i)
+            usleep(200'000);  // MariaDB looks again only after a tenth of a second without a question
+    }
+
+    void Run(const std::string& settings, bool mariaDb) {
+        const Ref<ADODB::Connection> con = OnServer::Open(settings);
+        // The server ends the transaction of the program: this one has changed more rows, or looks later for a
+        // deadlock.
+        if (!mariaDb) con->Execute("SET deadlock_timeout = '60s'");
+        con->BeginTrans();
+        con->Execute("UPDATE Patient_T SET Email_adress = 'a@b'");
+        began_ = true;
+        WaitForAWaitingTransaction(settings, mariaDb);
+        con->Execute("UPDATE SchemaVersion_T SET Version = Version");
+        con->CommitTrans();
+    }
+
+    std::atomic<bool> began_ = false;
+    std::thread thread_;
+};
+
+TEST_F(OnServer, ATransactionThatADeadlockHasEndedIsRunAgain) {
+    InitServer();
+    for (int i = 0; i < 8; ++i) WriteSeries("2.25.5" + std::to_string(i), {FullMouth18[7]});
+    ASSERT_EQ(OnClinic({"import", Films()}).code, 0);
+    Result run;
+    {
+        const Opponent opponent(Clinic(), OnMariaDb());
+        run = OnClinic({"--trace", "patient", "p-2.25.50", "Address=Lane 5"});
+    }
+    EXPECT_EQ(run.code, 0) << run.err;
+    EXPECT_THAT(Platform::LCase(run.err), HasSubstr("failed: deadlock")) << "the test must have met a conflict";
+    EXPECT_THAT(run.out, HasSubstr("Lane 5"));
+    EXPECT_THAT(run.out, HasSubstr("a@b"));
+}
+
+TEST_F(OnServer, AConflictThatDoesNotEndIsReported) {
+    InitServer();
+    const Console::Database database({.database = Clinic()});
+    const Platform::Long before = database.Number("SELECT Writes FROM SchemaVersion_T");
+    int runs = 0;
+    const auto conflict = [&] {
+        ++runs;
+        database.Con()->Execute("UPDATE Root_T SET Status = 2");
+        database.Con()->Execute(OnMariaDb() ? "SIGNAL SQLSTATE '40001' SET MYSQL_ERRNO = 1213"
+                                            : "DO 'BEGIN RAISE EXCEPTION USING ERRCODE = ''40001''; END'");
+    };
+    try {
+        Console::Write(database.Con(), conflict);
+        FAIL() << "the conflict must be reported";
+    } catch (const Console::UserError& failure) {
+        EXPECT_THAT(failure.what(), HasSubstr("other programs changed the same rows again and again"));
+        EXPECT_THAT(failure.what(), HasSubstr("run the command again"));
+    }
+    EXPECT_EQ(runs, 10);
+    EXPECT_EQ(database.Number("SELECT Status FROM Root_T"), 1);
+    EXPECT_EQ(database.Number("SELECT Writes FROM SchemaVersion_T"), before);
+    Console::Write(database.Con(), [&] { database.Con()->Execute("UPDATE Root_T SET Status = 2"); });
+    EXPECT_EQ(database.Number("SELECT Status FROM Root_T"), 2);
+    EXPECT_EQ(database.Number("SELECT Writes FROM SchemaVersion_T"), before + 1);
+}
+
+TEST_F(OnServer, AConflictThatATextBoxHasShownIsRepeated) {
+    InitServer();
+    const Console::Database database({.database = Clinic()});
+    int runs = 0;
+    Console::Write(database.Con(), [&] {
+        Console::ThrowTextBoxes([&] {
+            if (++runs > 1) return;
+            try {
+                database.Con()->Execute(OnMariaDb() ? "SIGNAL SQLSTATE '40001' SET MYSQL_ERRNO = 1213"
+                                                    : "DO 'BEGIN RAISE EXCEPTION USING ERRCODE = ''40001''; END'");
+            } catch (const Platform::Error& failure) {
+                Platform::TheHost().MsgBox(failure.Description, 0);
+            }
+        });
+    });
+    EXPECT_EQ(runs, 2);
 }
 
 /// The account "clerk", which needs a password and may not create tables.

@@ -45,7 +45,18 @@ protected:
     fs::path root = folder.Path() / "root", from = folder.Path() / "from", to = root / "0_" / "1.2.dcm";
 };
 
-TEST_F(StagingTest, AFileIsNamedCompleteAndIsRemovedUnlessItIsKept) {
+/// An open database in a folder of its own.
+struct ClinicDatabase {
+    ClinicDatabase() {
+        text = "Provider=SQLite;Data Source=" + TestKit::NewDatabase(folder, "clinic.db");
+        con->Open(text);
+    }
+    TestKit::TemporaryFolder folder;
+    std::string text;
+    Ref<Connection> con = Platform::New<Connection>();
+};
+
+TEST_F(StagingTest, AFileIsNamedCompleteAndIsStagedAgainUnlessItIsKept) {
     Staging staging(root);
     {
         NamedFiles names(root);
@@ -53,8 +64,11 @@ TEST_F(StagingTest, AFileIsNamedCompleteAndIsRemovedUnlessItIsKept) {
         EXPECT_EQ(ContentOf(to), "film");
     }
     EXPECT_FALSE(fs::exists(to));
-    NamedFiles names(root);
     const StagedFile staged = staging.Copy(from);
+    { NamedFiles(root).Name(staged, to); }
+    EXPECT_FALSE(fs::exists(to));
+    EXPECT_EQ(ContentOf(staged.path), "film") << "it can be named again";
+    NamedFiles names(root);
     EXPECT_EQ(staged.sha256, "d0607f7ad2628b2af9158dfba06ce87166e66b15bf68f8f358f9aa27ccb7c321");
     names.Name(staged, to);
     names.Sync();
@@ -68,6 +82,18 @@ TEST_F(StagingTest, AnImportLeavesOnlyItsFiles) {
         staging.Copy(from);
         staging.Announce({"0_\\1.2.dcm"});
     }
+    EXPECT_THAT(InRoot(), ElementsAre());
+}
+
+TEST_F(StagingTest, AFolderThatIsLeftIsRemovedByTheNextImport) {
+    ClinicDatabase database;
+    {
+        Staging staging(root);
+        staging.Copy(from);
+        staging.Leave();
+    }
+    EXPECT_EQ(InRoot().size(), 2U);
+    EXPECT_EQ(RemoveLeftovers(database.con, root), 1U);
     EXPECT_THAT(InRoot(), ElementsAre());
 }
 
@@ -195,17 +221,6 @@ TEST_F(StagingTest, NamesAreTakenWithoutHardLinksAndNeverFromAnotherFile) {
 }
 
 // ---- what killed imports leave behind ---------------------------------------------------------------
-
-/// An open database in a folder of its own.
-struct ClinicDatabase {
-    ClinicDatabase() {
-        text = "Provider=SQLite;Data Source=" + TestKit::NewDatabase(folder, "clinic.db");
-        con->Open(text);
-    }
-    TestKit::TemporaryFolder folder;
-    std::string text;
-    Ref<Connection> con = Platform::New<Connection>();
-};
 
 class Leftovers : public StagingTest {
 protected:

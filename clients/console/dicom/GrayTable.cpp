@@ -191,15 +191,15 @@ bool Inverted(DcmItem& set) {
 }
 
 /// The modality values of all samples, and whether each of them is a pixel and not padding.
-struct Values {
+struct SampleValues {
     std::vector<double> of;
     std::vector<bool> padding;
 };
 
-Values ValuesOf(DcmItem& set, const SampleForm& form) {
+SampleValues ValuesOf(DcmItem& set, const SampleForm& form) {
     const Function modality = Modality(set, form);
     const Padding padding(set, form);
-    Values values;
+    SampleValues values;
     for (std::size_t sample = 0; sample < form.Count(); ++sample) {
         const int stored = form.Value(sample);
         values.of.push_back(modality(stored));
@@ -208,7 +208,7 @@ Values ValuesOf(DcmItem& set, const SampleForm& form) {
     return values;
 }
 
-Function AutomaticWindow(const Values& values, const std::vector<bool>& occurs) {
+Function AutomaticWindow(const SampleValues& values, const std::vector<bool>& occurs) {
     double least = std::numeric_limits<double>::infinity(), greatest = -least;
     for (std::size_t sample = 0; sample < values.of.size(); ++sample) {
         if (!occurs[sample] || values.padding[sample]) continue;
@@ -218,7 +218,7 @@ Function AutomaticWindow(const Values& values, const std::vector<bool>& occurs) 
     return FullRange(least, greatest);
 }
 
-Function Shown(DcmItem& set, const Values& values, const std::vector<bool>& occurs) {
+Function Shown(DcmItem& set, const SampleValues& values, const std::vector<bool>& occurs) {
     const double lowest = *std::ranges::min_element(values.of);
     if (const auto lookup = Lookup::Of(set, DCM_VOILUTSequence, lowest))
         return [table = *lookup](double value) { return table.At(value) / table.Highest(); };
@@ -232,7 +232,7 @@ void RequireGrayForm(DcmItem& set) { static_cast<void>(SampleForm(set)); }
 
 std::vector<unsigned char> GrayTable(DcmItem& set, const std::vector<bool>& occurs) {
     const SampleForm form(set);
-    const Values values = ValuesOf(set, form);
+    const SampleValues values = ValuesOf(set, form);
     const Function shown = Shown(set, values, occurs);
     const bool inverted = Inverted(set);
     std::vector<unsigned char> grays;

@@ -170,6 +170,18 @@ SeriesImport::SeriesImport(Ref<Connection> con, PatientDecision decision)
 }
 
 SeriesResult SeriesImport::Store(const std::vector<Radiograph>& files) {
+    try {
+        return StoreOn(files);
+    } catch (const std::exception& failure) {
+        if (!HasReported(con_, ADODB::ConnectionLost)) throw;
+        throw LostConnection(
+            fmt::format("the connection to the server is lost; what was stored stays stored. Run the same command "
+                        "again when the server is back, and it stores the rest ({})",
+                        failure.what()));
+    }
+}
+
+SeriesResult SeriesImport::StoreOn(const std::vector<Radiograph>& files) {
     SeriesResult result;
     const std::vector<const Radiograph*> fresh = NewFiles(files, result);
     if (fresh.empty()) return result;
@@ -262,19 +274,39 @@ std::vector<SeriesImport::NewImage> SeriesImport::Copied(const std::vector<const
 }
 
 void SeriesImport::StoreRows(const std::vector<NewImage>& images, SeriesResult& result) {
-    SeriesResult now = result;
-    storedNew_.reset();
-    WriteTransaction transaction(con_);
-    NamedFiles names(roots_.Folder(root_));
-    ThrowTextBoxes([&] { now.hung = StoreInTransaction(images, names, now); });
-    names.Sync();
-    transaction.Commit();
-    names.Keep();
+    SeriesResult now;
+    RepeatAfterConflicts(con_, [&] {
+        now = result;
+        TryToStoreRows(images, now);
+    });
     if (storedNew_) {
         std::erase_if(newPatients_, [&](const auto& made) { return made.number == storedNew_->number; });
         newPatients_.push_back(*storedNew_);
     }
     result = std::move(now);
+}
+
+/// Stores the rows and names the files in one transaction. After a failure the files are staged again, unless it is not
+/// known whether the server has committed.
+void SeriesImport::TryToStoreRows(const std::vector<NewImage>& images, SeriesResult& result) {
+    storedNew_.reset();
+    WriteTransaction transaction(con_);
+    NamedFiles names(roots_.Folder(root_));
+    bool committing = false;
+    try {
+        ThrowTextBoxes([&] { result.hung = StoreInTransaction(images, names, result); });
+        names.Sync();
+        committing = true;
+        transaction.Commit();
+        names.Keep();
+    } catch (const std::exception&) {
+        const bool unclear = committing && IsServer(con_) && !HasReported(con_, ADODB::LockConflict);
+        if (unclear || HasReported(con_, ADODB::ConnectionLost)) {
+            names.Keep();
+            Stage().Leave();
+        }
+        throw;
+    }
 }
 
 /// Returns the series if it was hung, 0 if another program has stored all of its images meanwhile.

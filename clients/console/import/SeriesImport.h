@@ -35,6 +35,12 @@ public:
     nlohmann::ordered_json json;  ///< the same for scripts
 };
 
+/// Thrown if the connection to the server is lost.
+class LostConnection : public UserError {
+public:
+    using UserError::UserError;
+};
+
 /// Thrown after the user has stopped the import.
 class Stopped : public std::exception {};
 
@@ -58,7 +64,9 @@ public:
     SeriesImport(Ref<Connection> con, PatientDecision decision);
 
     /// Stores a series; `files` isn't empty, and all name the same series. Throws `IdentityConflict`,
-    /// `UserError` and the library's `Error` for a series of which nothing was stored, and `Stopped`.
+    /// `UserError` and the library's `Error` for a series of which nothing was stored, and `Stopped`. Throws
+    /// `LostConnection` if the connection was lost: the series is then stored whole or not at all, and its files stay
+    /// until the next import sees which of both.
     SeriesResult Store(const std::vector<Radiograph>& files);
 
 private:
@@ -67,6 +75,7 @@ private:
         StagedFile staged;
     };
 
+    SeriesResult StoreOn(const std::vector<Radiograph>& files);
     std::vector<const Radiograph*> NewFiles(const std::vector<Radiograph>& files, SeriesResult& result);
     void TakeKnown(const Radiograph& radiograph, const OXClass::cImage& image, SeriesResult& result);
     void RequireSame(const Radiograph& radiograph, const OXClass::cImage& image);
@@ -74,6 +83,7 @@ private:
     void Restore(const Radiograph& radiograph, const std::filesystem::path& target, Platform::Long root);
     std::vector<NewImage> Copied(const std::vector<const Radiograph*>& files);
     void StoreRows(const std::vector<NewImage>& images, SeriesResult& result);
+    void TryToStoreRows(const std::vector<NewImage>& images, SeriesResult& result);
     Platform::Long StoreInTransaction(const std::vector<NewImage>& images, NamedFiles& names, SeriesResult& result);
     void StoreImage(const NewImage& image, Platform::Long patient, const OXClass::cSerie& series, NamedFiles& names,
                     SeriesResult& result);

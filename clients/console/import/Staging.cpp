@@ -57,14 +57,15 @@ bool HasRow(const Ref<Connection>& con, const std::string& storedName) {
 /// Holds the write lock, so that no import can use one of the files at the same time.
 std::size_t RemoveFilesWithoutRow(const Ref<Connection>& con, const fs::path& root,
                                   const std::vector<std::string>& names) {
-    if (names.empty()) return 0;
-    WriteTransaction transaction(con);
     std::size_t removed = 0;
-    for (const std::string& name : names) {
-        std::error_code ignored;
-        const std::string file = FileBelow(root.string(), name);
-        if (!file.empty() && !HasRow(con, name)) removed += fs::remove(file, ignored);
-    }
+    if (names.empty()) return removed;
+    Write(con, [&] {
+        for (const std::string& name : names) {
+            std::error_code ignored;
+            const std::string file = FileBelow(root.string(), name);
+            if (!file.empty() && !HasRow(con, name)) removed += fs::remove(file, ignored);
+        }
+    });
     return removed;
 }
 
@@ -135,7 +136,7 @@ Staging::Staging(const fs::path& root, For purpose) {
 
 Staging::~Staging() {
     std::error_code ignored;
-    fs::remove_all(folder_, ignored);
+    if (!left_) fs::remove_all(folder_, ignored);
     close(lock_);
 }
 
@@ -218,9 +219,10 @@ std::size_t CountLeftovers(const fs::path& root) {
 }
 
 NamedFiles::~NamedFiles() {
-    for (const fs::path& file : made_) {
-        std::error_code ignored;
-        fs::remove(file, ignored);
+    for (const auto& [staged, target] : made_) {
+        std::error_code failure;
+        fs::rename(target, staged, failure);
+        if (failure) fs::remove(target, failure);
     }
 }
 
@@ -236,7 +238,7 @@ void NamedFiles::MakeFolder(const fs::path& folder) {
 void NamedFiles::Name(const StagedFile& staged, const fs::path& target) {
     MakeFolder(target.parent_path());
     if (RenameToNewName(staged.path, target)) {
-        made_.push_back(target);
+        made_.push_back({staged.path, target});
         folders_.insert(target.parent_path());
         return;
     }

@@ -27,7 +27,7 @@ public:
     /// Creates the folder in `root`, which must exist. Throws `UserError` if it can't be created.
     explicit Staging(const std::filesystem::path& root, For purpose = For::Import);
 
-    /// Removes the folder and all files in it.
+    /// Removes the folder and all files in it, unless `Leave` was called.
     ~Staging();
     Staging(const Staging&) = delete;
 
@@ -47,8 +47,13 @@ public:
     /// Writes the final names of the files, in their stored form, into the list before the files are renamed.
     void Announce(const std::vector<std::string>& storedNames);
 
+    /// Lets the destructor leave the folder as it is, as a killed import does: the next import finds out by the rows
+    /// which of the announced files stay.
+    void Leave() noexcept { left_ = true; }
+
 private:
     std::filesystem::path folder_;
+    bool left_ = false;
     int lock_ = -1;
     std::deque<SystemFile> unflushed_;  // the newest copies
     std::size_t copies_ = 0;
@@ -68,7 +73,8 @@ std::size_t CountLeftovers(const std::filesystem::path& root);
 /// Files that get their final names under a storage root, inside the transaction that writes their rows.
 ///
 /// A file appears under its name only when it is complete, and never replaces another file, also on file systems
-/// without hard links. Unless `Keep` is called, the destructor removes the files that this object named.
+/// without hard links. Unless `Keep` is called, the destructor moves the files that this object named back into their
+/// staging folder.
 class NamedFiles {
 public:
     explicit NamedFiles(std::filesystem::path root) : root_(std::move(root)) {}
@@ -88,8 +94,12 @@ public:
 private:
     void MakeFolder(const std::filesystem::path& folder);
 
+    struct Made {
+        std::filesystem::path staged, target;
+    };
+
     std::filesystem::path root_;
-    std::vector<std::filesystem::path> made_;
+    std::vector<Made> made_;
     std::set<std::filesystem::path> folders_;
 };
 

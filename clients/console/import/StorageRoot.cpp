@@ -136,15 +136,15 @@ std::string StorageRoots::StoredIdentity() const {
 const std::string& StorageRoots::Identity() {
     if (identity_.empty()) identity_ = StoredIdentity();
     if (!identity_.empty()) return identity_;
-    WriteTransaction transaction(con_);
-    CreateProgramTables(con_);
-    identity_ = StoredIdentity();  // another program may have stored one meanwhile
-    if (identity_.empty()) {
-        identity_ = New<cDoctors>()->GetGUID();
-        con_->Execute(sql("INSERT INTO ClinicIdentity_T (Identity) VALUES ('", FixSqlString(identity_), "')"));
-    }
-    transaction.Commit();
-    return identity_;
+    std::string identity;
+    Write(con_, [&] {
+        CreateProgramTables(con_);
+        identity = StoredIdentity();  // another program may have stored one meanwhile
+        if (!identity.empty()) return;
+        identity = New<cDoctors>()->GetGUID();
+        con_->Execute(sql("INSERT INTO ClinicIdentity_T (Identity) VALUES ('", FixSqlString(identity), "')"));
+    });
+    return identity_ = identity;
 }
 
 }  // namespace Console

@@ -32,6 +32,10 @@ TEST(PostgresDialect, LeavesWhatTheServerCanParse) {
         EXPECT_EQ(Translated(same), same);
 }
 
+TEST(PostgresDialect, TranslatesAStatementWhosePlanIsAsked) {
+    EXPECT_EQ(Translated("EXPLAIN SELECT * FROM image_t"), "EXPLAIN SELECT * FROM image_t ORDER BY image_t.imageid");
+}
+
 TEST(PostgresDialect, ReplacesTheFormsOfTheSuitesOwnEngine) {
     EXPECT_EQ(Translated("SELECT @@IDENTITY"), "SELECT lastval()");
     EXPECT_EQ(Translated(" select @@identity ; "), "SELECT lastval()");
