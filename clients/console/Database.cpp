@@ -1,6 +1,7 @@
 #include "console/Database.h"
 
 #include "console/DatabaseFile.h"
+#include "console/DatabaseName.h"
 #include "console/Server.h"
 #include "frame/Statement.h"
 #include "frame/StoredName.h"
@@ -87,14 +88,6 @@ public:
     void RollbackTransComplete() override { fmt::print(stderr, "[roll back]\n"); }
 };
 
-bool IsConnectionString(const std::string& database) { return Contains(LCase(database), "provider="); }
-
-std::string ConnectionStringOf(const std::string& database, const std::string& mode) {
-    if (IsConnectionString(database)) return database;
-    const std::string quoted = "'" + Replace(database, "'", "''") + "'";
-    return "Provider=SQLite;Data Source=" + quoted + (mode.empty() ? "" : ";Mode=" + mode);
-}
-
 Database::Database(const Options& options) : con_(New<Connection>()) {
     const std::string database = DatabaseOf(options), name = ShownName(database);
     try {
@@ -156,26 +149,6 @@ void ThrowTextBoxes(const std::function<void()>& work) {
         work();
     }
     if (!told.empty()) throw UserError(told);
-}
-
-std::vector<std::string> StatementsOf(std::string_view script) {
-    std::vector<std::string> statements;
-    std::string statement;
-    bool quoted = false, comment = false;
-    for (std::size_t at = 0; at < script.size(); ++at) {
-        const char c = script[at];
-        if (c == '\'' && !comment) quoted = !quoted;
-        if (!quoted && script.substr(at, 2) == "--") comment = true;
-        if (c == '\n') comment = false;
-        const bool leading = statement.empty() && (c == '\n' || c == ' ');
-        if (!comment && !leading) statement += c;
-        if (c == ';' && !quoted && !comment) statements.push_back(std::exchange(statement, {}));
-    }
-    return statements;
-}
-
-void RunScript(const Ref<Connection>& con, std::string_view script) {
-    for (const std::string& statement : StatementsOf(script)) con->Execute(statement);
 }
 
 fs::path StoredPath(const std::string& root, const std::string& storedName) {

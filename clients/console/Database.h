@@ -1,16 +1,12 @@
 #pragma once
 
 #include "console/Output.h"
-#include "platform/adodb/Recordset.h"
+#include "console/Script.h"
 
 #include <filesystem>
 #include <functional>
 
 namespace Console {
-
-using ADODB::Connection;
-using ADODB::Recordset;
-using Platform::Ref;
 
 /// The options of the command line that all commands have.
 struct Options {
@@ -18,12 +14,6 @@ struct Options {
     bool json = false;
     bool trace = false;
 };
-
-/// Returns the connection string of a file. Returns a text that already is a connection string unchanged.
-std::string ConnectionStringOf(const std::string& database, const std::string& mode = {});
-
-/// Returns true for a text that is a connection string, false for the name of a file.
-bool IsConnectionString(const std::string& database);
 
 /// An open clinic database, for one command.
 class Database {
@@ -79,12 +69,6 @@ void WithoutTextBoxes(const std::function<void()>& work);
 /// Runs `work`. The library shows some failures in a text box and does not raise them: throws `UserError` with the
 /// texts of these boxes after `work` has returned.
 void ThrowTextBoxes(const std::function<void()>& work);
-
-/// Returns the statements of a script, without the comments in front of them.
-std::vector<std::string> StatementsOf(std::string_view script);
-
-/// Runs the statements of a script, one by one.
-void RunScript(const Ref<Connection>& con, std::string_view script);
 
 /// Returns the path on this system of a file of an image store; a stored name separates its folders with "\". Throws
 /// `UserError` for a name that leads out of its root.

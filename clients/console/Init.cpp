@@ -1,5 +1,6 @@
 #include "console/Commands.h"
 
+#include "console/DatabaseName.h"
 #include "console/DatabaseFile.h"
 #include "console/NewDatabase.h"
 #include "console/Server.h"

@@ -105,7 +105,7 @@ std::string RemarkOf(const PlacedPicture& placed) {
 /// Returns the cells between an image's number and its remark.
 std::string CellsOf(const Database& database, const PlacedPicture& placed, const Ref<cImage>& image) {
     if (!image) return fmt::format("<td>{}</td><td></td><td></td><td></td><td></td>", XmlText(placed.caption));
-    return fmt::format("<td>{}</td><td>{}</td><td>{}</td><td>{}</td><td>{}</td>", XmlText(TeethOf(*image)),
+    return fmt::format("<td>{}</td><td>{}</td><td>{}</td><td>{}</td><td>{}</td>", XmlText(TeethText(*image)),
                        XmlText(AnatomyInWords(image->AnaRegion, image->AnaRegionMod, image->Laterality)),
                        DateText(image->dateTime), ExposureOf(*image), CommentLines(database, *image));
 }

@@ -2,9 +2,8 @@
 
 #include "Schema.h"
 #include "console/DatabaseFile.h"
-#include "console/patients/PatientStore.h"
+#include "console/DatabaseName.h"
 #include "frame/Statement.h"
-#include "platform/adodb/ConnectionString.h"
 
 #include <fmt/format.h>
 #include <iostream>
@@ -41,23 +40,6 @@ std::string TypedPassword(const std::string& user) {
     std::getline(std::cin, password);
     fmt::print(stderr, "\n");
     return password;
-}
-
-bool MayHavePassword(const std::string& database) {
-    const std::string small = LCase(database);
-    return Platform::Contains(small, "password") || Platform::Contains(small, "pwd");
-}
-
-/// Returns the settings of a connection string. The failure to parse a text quotes a part of it, which may belong to
-/// the password; throws a `UserError` without it then.
-ADODB::ConnectionString SettingsOf(const std::string& database) {
-    try {
-        return ADODB::ConnectionString(database);
-    } catch (const Error&) {
-        if (!MayHavePassword(database)) throw;
-        throw UserError(
-            "the connection string can't be read; put a value with \";\" or quotes into quotes, as in Password='a;b'");
-    }
 }
 
 /// The engines of the servers that were opened, by the connection strings of their connections.
@@ -134,15 +116,6 @@ void CreateMariaDbTables(const Ref<Connection>& con) {
 Engine EngineOf(const Ref<Connection>& con) {
     const auto known = KnownServers().find(con->ConnectionString());
     return known == KnownServers().end() ? Engine::SQLite : known->second;
-}
-
-bool NamesServer(const std::string& database) {
-    return IsConnectionString(database) && !EqualsIgnoringCase(SettingsOf(database).Value("Provider"), "SQLite");
-}
-
-std::string ShownName(const std::string& database) {
-    if (!IsConnectionString(database) || !MayHavePassword(database)) return database;
-    return SettingsOf(database).TextWithout({"Password", "Pwd"});
 }
 
 void OpenServer(const Ref<Connection>& con, const std::string& database) {

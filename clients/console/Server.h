@@ -1,6 +1,6 @@
 #pragma once
 
-#include "console/Database.h"
+#include "console/Script.h"
 
 namespace Console {
 
@@ -12,14 +12,6 @@ Engine EngineOf(const Ref<Connection>& con);
 
 /// Returns true if the database is not a file.
 inline bool IsServer(const Ref<Connection>& con) { return EngineOf(con) != Engine::SQLite; }
-
-/// Returns true for a text that is a connection string and names another provider than that of files. Throws as
-/// `ShownName`.
-bool NamesServer(const std::string& database);
-
-/// Returns a file or a connection string as messages show it: a connection string with a password has it removed.
-/// Throws `UserError` for one that may have a password and can't be parsed.
-std::string ShownName(const std::string& database);
 
 /// Opens a connection to a server. If the server asks for a password, none was given and standard input is a terminal,
 /// asks the user for it and tries once more. Raises as `Connection::Open`; throws `UserError` for a server of another

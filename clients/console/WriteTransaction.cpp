@@ -25,10 +25,12 @@ bool Succeeds(const Ref<Connection>& con, const std::function<void()>& attempt) 
     try {
         attempt();
         return true;
+    } catch (const Platform::Error& failure) {
+        if (failure.Number != ADODB::LockConflict && !HasReported(con, ADODB::LockConflict)) throw;
     } catch (...) {
         if (!HasReported(con, ADODB::LockConflict)) throw;
-        return false;
     }
+    return false;
 }
 
 }  // namespace

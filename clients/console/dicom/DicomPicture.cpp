@@ -25,7 +25,8 @@
 namespace Console {
 namespace {
 
-std::string Text(DcmItem& set, const DcmTagKey& tag) {
+/// Returns all values of an element, separated by "\\"; empty if it is missing.
+std::string WholeText(DcmItem& set, const DcmTagKey& tag) {
     OFString text;
     set.findAndGetOFStringArray(tag, text);
     return {text.data(), text.size()};
@@ -45,17 +46,17 @@ void Load(DcmFileFormat& file, const std::filesystem::path& path) {
     const OFCondition loaded = file.loadFile(path.c_str());
     if (loaded.bad()) RefuseFile(loaded.text());
     // The toolkit reads a file of an unknown transfer syntax as if it were uncompressed.
-    const std::string stated = Text(*file.getMetaInfo(), DCM_TransferSyntaxUID);
+    const std::string stated = WholeText(*file.getMetaInfo(), DCM_TransferSyntaxUID);
     const std::string undecodable = stated.empty() ? "" : WhyNotDecodable(stated);
     if (!undecodable.empty()) RefuseFile(undecodable);
     CheckSize(*file.getDataset());
 }
 
-bool IsGray(DcmItem& set) { return Text(set, DCM_PhotometricInterpretation).starts_with("MONOCHROME"); }
+bool IsGray(DcmItem& set) { return WholeText(set, DCM_PhotometricInterpretation).starts_with("MONOCHROME"); }
 
 bool IsIntraOral(DcmItem& set) {
-    return Text(set, DCM_Modality) == "IO" ||
-           Text(set, DCM_SOPClassUID).starts_with(UID_DigitalIntraOralXRayImageStorageForPresentation);
+    return WholeText(set, DCM_Modality) == "IO" ||
+           WholeText(set, DCM_SOPClassUID).starts_with(UID_DigitalIntraOralXRayImageStorageForPresentation);
 }
 
 /// Returns the height of a pixel divided by its width; 1 if the file does not state it or states an impossible value.
@@ -63,7 +64,7 @@ double PixelProportion(DcmItem& set) {
     constexpr double most = 20;
     for (const DcmTagKey& tag :
          {DCM_PixelSpacing, DCM_ImagerPixelSpacing, DCM_NominalScannedPixelSpacing, DCM_PixelAspectRatio}) {
-        const std::string text = Text(set, tag);
+        const std::string text = WholeText(set, tag);
         double height = 0, width = 0;
         if (std::sscanf(text.c_str(), "%lf\\%lf", &height, &width) != 2) continue;
         const double proportion = height / width;
@@ -256,7 +257,7 @@ DicomPicture RenderDicom(const std::filesystem::path& path, PixelSpace space) {
     DcmDataset& set = *file.getDataset();
     DicomPicture picture{.png = {}, .proportion = PixelProportion(set), .frames = NumberOfFrames(set)};
     const Orientation form =
-        IsGray(set) && !IsIntraOral(set) ? StandardView(Text(set, DCM_PatientOrientation)) : Orientation(1);
+        IsGray(set) && !IsIntraOral(set) ? StandardView(WholeText(set, DCM_PatientOrientation)) : Orientation(1);
     Image image = FirstFrameShown(set);
     picture.proportion =
         static_cast<double>(image->getWidth()) / static_cast<double>(image->getHeight()) / picture.proportion;

@@ -75,6 +75,12 @@ std::string DayText(std::string_view value) {
     return digits.substr(0, 4) + "-" + digits.substr(4, 2) + "-" + digits.substr(6, 2);
 }
 
+std::string FirstText(DcmItem& set, const DcmTagKey& tag) {
+    OFString text;
+    set.findAndGetOFString(tag, text);
+    return {text.data(), text.size()};
+}
+
 std::string TimeText(std::string_view value) {
     std::string digits = DigitsOf(value.substr(0, value.find('.')), ":");
     if (digits.size() % 2 != 0 || digits.size() > 6 || !AllDigits(digits)) digits.clear();

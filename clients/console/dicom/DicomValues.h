@@ -24,6 +24,9 @@ std::string DayText(std::string_view value);
 /// leap second counts as the second before it.
 std::string TimeText(std::string_view value);
 
+/// Returns the first value of an element as it is stored; empty if it is missing.
+std::string FirstText(DcmItem& set, const DcmTagKey& tag);
+
 /// Reads the values of one data set, in its character set.
 class Values {
 public:

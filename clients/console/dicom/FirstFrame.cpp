@@ -1,5 +1,6 @@
 #include "console/dicom/FirstFrame.h"
 
+#include "console/dicom/DicomValues.h"
 #include "console/dicom/Jpeg2000.h"
 #include "console/dicom/RefuseFile.h"
 
@@ -36,12 +37,6 @@ Uint16 Number(DcmDataset& set, const DcmTagKey& tag) {
     return number;
 }
 
-std::string Text(DcmDataset& set, const DcmTagKey& tag) {
-    OFString text;
-    set.findAndGetOFString(tag, text);
-    return {text.data(), text.size()};
-}
-
 bool IsJpeg2000(E_TransferSyntax syntax) { return syntax == EXS_JPEG2000LosslessOnly || syntax == EXS_JPEG2000; }
 
 DcmPixelData& PixelsOf(DcmDataset& set) {
@@ -54,7 +49,7 @@ DcmPixelData& PixelsOf(DcmDataset& set) {
 
 /// Returns the bytes of a frame without compression.
 std::size_t FrameSize(DcmDataset& set) {
-    const std::string form = Text(set, DCM_PhotometricInterpretation);
+    const std::string form = FirstText(set, DCM_PhotometricInterpretation);
     const std::size_t pixels = std::size_t{Number(set, DCM_Rows)} * Number(set, DCM_Columns);
     const std::size_t bits = pixels * Number(set, DCM_SamplesPerPixel) * Number(set, DCM_BitsAllocated);
     const bool sharedColour = form == "YBR_FULL_422" || form == "YBR_PARTIAL_422";
@@ -147,7 +142,7 @@ void Describe(DcmDataset& set, const Jpeg2000Image& image) {
     set.putAndInsertUint16(DCM_PixelRepresentation, isSigned ? 1 : 0);
     if (image.channels == 1) return;
     set.putAndInsertUint16(DCM_PlanarConfiguration, 0);
-    const std::string form = Text(set, DCM_PhotometricInterpretation);
+    const std::string form = FirstText(set, DCM_PhotometricInterpretation);
     if (form == "YBR_ICT" || form == "YBR_RCT") set.putAndInsertString(DCM_PhotometricInterpretation, "RGB");
 }
 

@@ -1,5 +1,7 @@
 #include "console/dicom/GrayTable.h"
 
+#include "console/dicom/DicomValues.h"
+
 #include <dcmtk/config/osconfig.h>
 #include <dcmtk/dcmdata/dctk.h>
 
@@ -24,12 +26,6 @@ std::optional<double> Decimal(DcmItem& set, const DcmTagKey& tag) {
     Float64 number = 0;
     if (set.findAndGetFloat64(tag, number).bad() || !std::isfinite(number)) return {};
     return number;
-}
-
-std::string Text(DcmItem& set, const DcmTagKey& tag) {
-    OFString text;
-    set.findAndGetOFString(tag, text);
-    return {text.data(), text.size()};
 }
 
 // ---- stored samples ---------------------------------------------------------------------------------
@@ -167,7 +163,7 @@ std::optional<Function> Window(DcmItem& set) {
     const auto center = Decimal(set, DCM_WindowCenter), width = Decimal(set, DCM_WindowWidth);
     if (!center || !width) return {};
     const double c = *center, w = *width;
-    const std::string form = Text(set, DCM_VOILUTFunction);
+    const std::string form = FirstText(set, DCM_VOILUTFunction);
     const bool exact = form == "LINEAR_EXACT", sigmoid = form == "SIGMOID";
     if (w <= 0 || (w < 1 && !exact && !sigmoid)) return {};
     if (sigmoid) return [=](double value) { return 1 / (1 + std::exp(-4 * (value - c) / w)); };
@@ -185,9 +181,9 @@ Function FullRange(double least, double greatest) {
 }
 
 bool Inverted(DcmItem& set) {
-    const std::string shape = Text(set, DCM_PresentationLUTShape);
+    const std::string shape = FirstText(set, DCM_PresentationLUTShape);
     if (shape == "INVERSE" || shape == "IDENTITY") return shape == "INVERSE";
-    return Text(set, DCM_PhotometricInterpretation) == "MONOCHROME1";
+    return FirstText(set, DCM_PhotometricInterpretation) == "MONOCHROME1";
 }
 
 /// The modality values of all samples, and whether each of them is a pixel and not padding.

@@ -20,7 +20,7 @@ struct Release {
 };
 using Stream = std::unique_ptr<opj_stream_t, Release<&opj_stream_destroy, opj_stream_t>>;
 using Codec = std::unique_ptr<opj_codec_t, Release<&opj_destroy_codec, opj_codec_t>>;
-using Image = std::unique_ptr<opj_image_t, Release<&opj_image_destroy, opj_image_t>>;
+using CodedImage = std::unique_ptr<opj_image_t, Release<&opj_image_destroy, opj_image_t>>;
 
 /// The bytes that the decoder has still to read.
 struct Source {
@@ -125,7 +125,7 @@ Jpeg2000Image DecodeJpeg2000(std::string_view codestream, unsigned rows, unsigne
     const Codec codec = CodecFor(codestream, complaint);
     opj_image_t* read = nullptr;
     const bool header = opj_read_header(stream.get(), codec.get(), &read);
-    const Image image(read);
+    const CodedImage image(read);
     require(header);
     CheckForm(*image, rows, columns, channels);
     require(opj_decode(codec.get(), stream.get(), image.get()));

@@ -1,5 +1,6 @@
 #include "console/maintenance/ClinicBackup.h"
 
+#include "console/DatabaseName.h"
 #include "console/NewDatabase.h"
 #include "console/Server.h"
 #include "console/WholeFile.h"

@@ -1,5 +1,6 @@
 #include "console/maintenance/ClinicCopy.h"
 
+#include "console/DatabaseName.h"
 #include "console/NewDatabase.h"
 #include "console/Sha256.h"
 #include "console/Server.h"

@@ -1,4 +1,5 @@
 #include "console/Commands.h"
+#include "console/DatabaseName.h"
 #include "console/DatabaseFile.h"
 #include "console/Server.h"
 #include "console/maintenance/ClinicCopy.h"

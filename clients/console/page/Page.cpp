@@ -146,10 +146,10 @@ Box WholeOf(const Page& page) {
     return {left, top, right - left, bottom - top};
 }
 
-std::string TeethOf(const cImage& image) { return TeethByQuadrant(image.sTeeth); }
+std::string TeethText(const cImage& image) { return TeethByQuadrant(image.sTeeth); }
 
 std::string CaptionOf(const cImage& image) {
-    if (!image.sTeeth.empty()) return TeethOf(image);
+    if (!image.sTeeth.empty()) return TeethText(image);
     if (image.AnaRegion.empty() && image.AnaRegionMod.empty()) return fmt::format("image {}", image.ID);
     return AnatomyInWords(image.AnaRegion, image.AnaRegionMod, image.Laterality);
 }

@@ -63,7 +63,7 @@ OXClass::Ref<OXClass::cImage> ImageOf(const OXClass::cUniCard& entry, const OXCl
 std::string CaptionOf(const OXClass::cImage& image);
 
 /// Returns the teeth of an image by quadrant, "16,17 46,47"; empty where none are known.
-std::string TeethOf(const OXClass::cImage& image);
+std::string TeethText(const OXClass::cImage& image);
 
 /// Returns true for a film with a frame whose teeth and region are both unknown: hanging placed it by its time alone,
 /// so its place does not show its anatomy. Returns false for views of the whole head.

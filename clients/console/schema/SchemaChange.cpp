@@ -1,11 +1,11 @@
 #include "console/schema/SchemaChange.h"
 
 #include "SchemaChanges.h"
+#include "console/DatabaseName.h"
 #include "console/NewDatabase.h"
 #include "console/WriteTransaction.h"
 #include "frame/SchemaVersion.h"
 #include "frame/Statement.h"
-#include "platform/adodb/ConnectionString.h"
 
 #include <fmt/format.h>
 
