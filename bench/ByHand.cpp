@@ -1,6 +1,7 @@
 #include "bench/ByHand.h"
 
 #include "bench/HandRow.h"
+#include "bench/ImageByHand.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -9,17 +10,6 @@
 
 namespace Bench {
 namespace {
-
-/// The columns that are read, in one order for all three selects.
-#define COLUMNS                                                                                           \
-    "Approved, Brightness_INT, Contrast_INT, DateCaptured_SD, ExposureTime_F, GraphicURL_NVC, "           \
-    "HardwareSourcetxt_NVC, ImageBildID, ImageType, Invert_BT, PatientID, Responsible_Person_NVC, "       \
-    "ImageBild_T.RootId, Root_T.Status, Root_T.RootDirectory, AnaRegion, AnaRegionMod, Laterality, "      \
-    "PriStructure, "                                                                                      \
-    "MirrRotStatus, CRC, DPIY_INT, DPIX_INT, Voltage_INT, Current_INT, Capture_Person_NVC, Study_ID, "    \
-    "Series_ID, "                                                                                         \
-    "SOPInstanceUID_NVC, ImageNumberInSeries, DicomStatus_INT, FrameNumber_INT, SubType_INT, Gamma_INT, " \
-    "AnatomicRegion, DCMDerived_BT FROM ImageBild_T LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId "
 
 /// The statement of the card list's entries, word for word, up to the condition.
 #define WHOLE_ROWS "SELECT * FROM ImageBild_T LEFT JOIN Root_T ON ImageBild_T.RootId=Root_T.RootId "
@@ -75,47 +65,18 @@ std::vector<int> PlacesIn(sqlite3_stmt* statement) {
     return places;
 }
 
-void Read(sqlite3_stmt* row, const std::vector<int>& places, HandImage& image) {
-    auto column = places.begin();
-    const auto whole = [&] { return sqlite3_column_int64(row, *column++); };
-    const auto text = [&] { return Text(row, *column++); };
-    image.approved = whole() != 0;
-    image.brightness = whole();
-    image.contrast = whole();
-    image.captured = Days(row, *column++);
-    image.exposure = whole();
-    image.url = text();
-    image.source = text();
-    image.id = whole();
-    image.type = whole();
-    image.invert = whole() != 0;
-    image.patient = whole();
-    image.responsible = text();
-    image.root = whole();
-    image.rootStatus = whole();
-    image.rootDirectory = text();
-    image.region = text();
-    image.modifier = text();
-    image.laterality = text();
-    image.teeth = text();
-    image.mirror = whole();
-    image.crc = text();
-    image.dpiY = whole();
-    image.dpiX = whole();
-    image.voltage = whole();
-    image.current = whole();
-    image.capture = text();
-    image.study = whole();
-    image.series = whole();
-    image.uid = text();
-    image.number = whole();
-    image.status = whole();
-    image.frame = whole();
-    image.subType = whole();
-    image.gamma = whole();
-    image.crop = text();
-    image.derived = whole();
-}
+/// Reads the columns of a row one after the other.
+class SqliteRow {
+public:
+    SqliteRow(sqlite3_stmt* row, const std::vector<int>& places) : row_(row), column_(places.begin()) {}
+    std::int64_t Whole() { return sqlite3_column_int64(row_, *column_++); }
+    std::string Text() { return Bench::Text(row_, *column_++); }
+    double Days() { return Bench::Days(row_, *column_++); }
+
+private:
+    sqlite3_stmt* row_;
+    std::vector<int>::const_iterator column_;
+};
 
 /// Binds values in order; texts are not copied.
 class Binder {
@@ -135,9 +96,6 @@ private:
     int at_ = 0;
 };
 
-const std::string Empty;
-const std::string ZeroDate = "1899-12-30 00:00:00";
-
 }  // namespace
 
 ByHand::ByHand(const std::string& path) {
@@ -145,25 +103,13 @@ ByHand::ByHand(const std::string& path) {
         throw std::runtime_error("can't open " + path);
     Execute("PRAGMA journal_mode=WAL");
     Execute("PRAGMA synchronous=NORMAL");
-    ofPatient_ = Prepare("SELECT " COLUMNS "WHERE PatientID=? ORDER BY DateCaptured_SD, ImageBildID");
-    ofSeries_ = Prepare("SELECT " COLUMNS "WHERE Series_ID=? ORDER BY DateCaptured_SD, ImageBildID");
+    ofPatient_ = Prepare(READ_COLUMNS "WHERE PatientID=? ORDER BY DateCaptured_SD, ImageBildID");
+    ofSeries_ = Prepare(READ_COLUMNS "WHERE Series_ID=? ORDER BY DateCaptured_SD, ImageBildID");
     ofSeriesWhole_ = Prepare(WHOLE_ROWS "where Series_ID=? ORDER BY DateCaptured_SD, ImageBildID");
-    one_ = Prepare("SELECT " COLUMNS "WHERE ImageBildID=?");
-    insert_ = Prepare(
-        "INSERT INTO ImageBild_T (ToothCollectionID, PatientID, DateCaptured_SD, Comments_NVC, "
-        "StandCollName_NVC, "
-        "ComputedDPI_INT, HardwareSourceId_INT, HardwareSourcetxt_NVC, RootId, GraphicURL_NVC, Invert_BT, "
-        "StretchIntens_BT, Rotation_INT, Contrast_INT, Brightness_INT, Histogram_BT, ExposureTime_F, "
-        "HorizMirror_BT, "
-        "VerticalMirror_BT, Responsible_Person_NVC, Approved, MirrRotStatus, ImageType, CRC, DPIY_INT, "
-        "DPIX_INT, "
-        "Voltage_INT, Current_INT, Capture_Person_NVC, Pregnant_BT, XRaySource_NVC, PrevXrayDate_DT, "
-        "Dosage_INT, "
-        "Study_ID, Series_ID, SOPInstanceUID_NVC, ImageNumberInSeries, DicomStatus_INT, FrameNumber_INT, "
-        "AnatomicRegion, DCMDerived_BT, Laterality, AnaRegion, AnaRegionMod, PriStructure, SubType_INT, "
-        "Gamma_INT) "
-        "VALUES "
-        "(?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)");
+    one_ = Prepare(READ_COLUMNS "WHERE ImageBildID=?");
+    std::string marks = "(?";
+    for (int i = 1; i < InsertedValues; ++i) marks += ",?";
+    insert_ = Prepare((INSERT_IMAGE + marks + ")").c_str());
     newest_ = Prepare("SELECT MAX(ImageBildID) FROM ImageBild_T WHERE GraphicURL_NVC=? AND PatientID=?");
     update_ = Prepare(
         "UPDATE ImageBild_T SET ImageType=?, GraphicURL_NVC=?, Approved=?, MirrRotStatus=?, DPIY_INT=?, "
@@ -211,7 +157,7 @@ const std::vector<int>& ByHand::PlacesOf(sqlite3_stmt* statement) {
 std::vector<HandImage> ByHand::Walk(sqlite3_stmt* statement) {
     std::vector<HandImage> images;
     const std::vector<int>& places = PlacesOf(statement);
-    while (sqlite3_step(statement) == SQLITE_ROW) Read(statement, places, images.emplace_back());
+    while (sqlite3_step(statement) == SQLITE_ROW) ReadImage(SqliteRow(statement, places), images.emplace_back());
     sqlite3_reset(statement);
     return images;
 }
@@ -228,21 +174,16 @@ std::vector<HandImage> ByHand::LoadChosen(const std::vector<std::int64_t>& ids) 
     return Walk(statement);
 }
 
-bool ByHand::LoadImage(std::int64_t id, HandImage& image) {
+HandImage ByHand::LoadImage(std::int64_t id) {
+    HandImage image{};
     sqlite3_bind_int64(one_, 1, id);
-    const bool found = sqlite3_step(one_) == SQLITE_ROW;
-    if (found) Read(one_, PlacesOf(one_), image);
+    if (sqlite3_step(one_) == SQLITE_ROW) ReadImage(SqliteRow(one_, PlacesOf(one_)), image);
     sqlite3_reset(one_);
-    return found;
+    return image;
 }
 
 std::int64_t ByHand::Insert(const HandImage& i) {
-    Binder(insert_) << 0 << i.patient << ZeroDate << Empty << Empty << i.dpiX << 100 << i.source << i.root << i.url
-                    << i.invert << 0 << 0 << i.contrast << i.brightness << 0 << i.exposure << 0 << 0 << i.responsible
-                    << (i.approved ? -1 : 0) << i.mirror << i.type << i.crc << i.dpiY << i.dpiX << i.voltage
-                    << i.current << Empty << 0 << Empty << ZeroDate << 0 << i.study << i.series << i.uid << i.number
-                    << i.status << i.frame << i.crop << i.derived << i.laterality << i.region << i.modifier << i.teeth
-                    << i.subType << i.gamma;
+    BindImage(Binder(insert_), i);
     if (sqlite3_step(insert_) != SQLITE_DONE) throw std::runtime_error(sqlite3_errmsg(database_));
     sqlite3_reset(insert_);
     Binder(newest_) << i.url << i.patient;
@@ -260,6 +201,11 @@ void ByHand::Update(const HandImage& i) {
                     << i.crop << i.exposure << i.id;
     if (sqlite3_step(update_) != SQLITE_DONE) throw std::runtime_error(sqlite3_errmsg(database_));
     sqlite3_reset(update_);
+}
+
+void ByHand::Forget() {
+    Execute("DELETE FROM ImageBild_T WHERE Series_ID >= 9000000");
+    Execute("PRAGMA wal_checkpoint(TRUNCATE)");
 }
 
 }  // namespace Bench

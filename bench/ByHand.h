@@ -22,6 +22,8 @@ struct HandImage {
 /// The same work by hand: statements prepared once, values bound, columns read by position.
 class ByHand {
 public:
+    static constexpr const char* BeginText = "BEGIN IMMEDIATE";
+
     explicit ByHand(const std::string& path);
     ~ByHand();
     ByHand(const ByHand&) = delete;
@@ -33,10 +35,13 @@ public:
     std::vector<HandImage> LoadSeriesWhole(std::int64_t series) { return Load(ofSeriesWhole_, series); }
     /// The images of these keys, in the order of capture, by the same statement.
     std::vector<HandImage> LoadChosen(const std::vector<std::int64_t>& ids);
-    bool LoadImage(std::int64_t id, HandImage& image);
+    /// Returns the image with this key; one with the key 0 if there is none.
+    HandImage LoadImage(std::int64_t id);
     /// Inserts the image and reads its new key.
     std::int64_t Insert(const HandImage& image);
     void Update(const HandImage& image);
+    /// Deletes what saves put in, also those of a run that was cut short.
+    void Forget();
 
 private:
     sqlite3_stmt* Prepare(const char* statement);

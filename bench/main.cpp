@@ -2,12 +2,12 @@
 #include "bench/ByHand.h"
 #include "bench/Cards.h"
 #include "bench/Clinic.h"
+#include "bench/CompareImages.h"
 #include "bench/Growth.h"
 #include "bench/ImportFiles.h"
-#include "bench/Postgres.h"
 #include "bench/Python.h"
 #include "bench/Report.h"
-#include "bench/Samples.h"
+#include "bench/Servers.h"
 
 #include "images/cImages.h"
 #include "platform/adodb/Transaction.h"
@@ -15,8 +15,6 @@
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
-#include <optional>
-#include <random>
 
 /// Benchmarks: what the library costs beside the same work written by hand on the engine's C interface,
 /// with prepared statements and bound values, in the same run.
@@ -24,69 +22,6 @@ namespace {
 
 using namespace Bench;
 using namespace OXClass;
-
-void LoadPatient(Report& report, const Ref<Connection>& con, ByHand& hand) {
-    constexpr std::size_t expected = Images / Patients;
-    report.Compare(
-        "load-patient", "load 10,000 images of a patient, of a million", "an image", expected, 15,
-        [&] {
-            const Ref<cImages> images = New<cImages>();
-            Require(images->LoadAll4Object(con, iootPatient, 7) == Long{expected});
-        },
-        [&] { Require(hand.LoadPatient(7).size() == expected); });
-}
-
-void LoadSingle(Report& report, const Ref<Connection>& con, ByHand& hand) {
-    std::mt19937 random(1);
-    std::vector<Long> ids(20'000);
-    for (Long& id : ids) id = static_cast<Long>(random() % Images) + 1;
-    report.Compare(
-        "load-single", "20,000 single loads", "each", ids.size(), 15,
-        [&] {
-            for (const Long id : ids) {
-                const Ref<cImage> image = New<cImage>();
-                Require(image->GetImage(con, id) && image->ID == id);
-            }
-        },
-        [&] {
-            for (const Long id : ids) {
-                HandImage image;
-                Require(hand.LoadImage(id, image) && image.id == id);
-            }
-        });
-}
-
-/// Takes out what saves put in, also those of a run that was cut short.
-void Forget(ByHand& hand) {
-    hand.Execute("DELETE FROM ImageBild_T WHERE Series_ID >= 9000000");
-    hand.Execute("PRAGMA wal_checkpoint(TRUNCATE)");
-}
-
-void Save(Report& report, const Ref<Connection>& con, ByHand& hand, bool oneTransaction) {
-    constexpr int count = 5'000;
-    std::vector<HandImage> values;
-    for (int i = 0; i < count; ++i) values.push_back(SampleOf(i));
-    report.Compare(
-        oneTransaction ? "save-together" : "save-alone",
-        oneTransaction ? "5,000 saves in one transaction" : "5,000 saves each on its own", "each", count, 9,
-        [&] {
-            std::optional<ADODB::Transaction> transaction;
-            if (oneTransaction) transaction.emplace(con);
-            for (const HandImage& value : values) {
-                const Ref<cImage> image = ObjectOf(value);
-                image->Save(con);
-                Require(image->ID > 0);
-            }
-            if (transaction) transaction->Commit();
-        },
-        [&] {
-            if (oneTransaction) hand.Execute("BEGIN IMMEDIATE");
-            for (const HandImage& value : values) Require(hand.Insert(HandImage(value)) > 0);
-            if (oneTransaction) hand.Execute("COMMIT");
-        },
-        [&] { Forget(hand); });
-    Forget(hand);
-}
 
 /// Hanging alone, in memory.
 void Hang(Report& report, const Ref<Connection>& con, std::size_t count) {
@@ -131,7 +66,7 @@ void HangStored(Report& report, const Ref<Connection>& con, ByHand& hand, std::s
             for (const HandImage& image : loaded) hand.Update(image);
             hand.Execute("COMMIT");
         });
-    Forget(hand);
+    hand.Forget();
 }
 
 }  // namespace
@@ -153,7 +88,7 @@ int main(int argc, char** argv) {
         ->capture_default_str();
     std::string server;
     app.add_option("--server", server,
-                   "measure on a new PostgreSQL server instead, which this connection string describes");
+                   "measure on a new server instead, PostgreSQL or MariaDB, which this connection string describes");
     CLI11_PARSE(app, argc, argv);
 
     std::filesystem::create_directories(folder);
@@ -163,19 +98,16 @@ int main(int argc, char** argv) {
     }
     if (!server.empty()) {
         Report report(only, json);
-        BenchPostgres(report, server);
+        BenchServer(report, server);
         if (json) std::puts(report.Json().c_str());
         return baseline.empty() || report.NoSlowerThan(baseline) ? 0 : 3;
     }
     const std::string path = ClinicIn(folder, "clinic.db", {Images, Patients}, {ShortList, LongList});
     const Ref<Connection> con = Connect(path);
     ByHand hand(path);
-    Forget(hand);
+    hand.Forget();
     Report report(only, json);
-    LoadPatient(report, con, hand);
-    LoadSingle(report, con, hand);
-    Save(report, con, hand, true);
-    Save(report, con, hand, false);
+    ImageComparison(report, con, hand, {"", "", Images, "a million", 20'000, "20,000", 5'000, "5,000"}).Run();
     for (const std::size_t count : {4, 18, 20}) HangStored(report, con, hand, count);
     for (const std::size_t count : {4, 18, 20}) Hang(report, con, count);
     BenchCards(report, con, path, hand);
