@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <functional>
 #include <malloc.h>
@@ -145,6 +146,25 @@ private:
     Json rows_ = Json::array();
 };
 
+/// Copies a clinic into a new database of the server, and opens it. Stores the microseconds that the copy took.
+Ref<Connection> CopyToServer(const std::string& path, const std::string& server, int images, double& took) {
+    const bool postgres = server.find("PostgreSQL") != std::string::npos;
+    const std::string name = "growth_" + std::to_string(images);
+    const Ref<Connection> con = New<Connection>();
+    con->SetCommandTimeout(0);
+    con->Open(server + (postgres ? ";Database=postgres" : ""));
+    con->Execute("CREATE DATABASE " + name +
+                 (postgres ? " TEMPLATE template0" : " CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin"));
+    con->Close();
+    const std::string target = server + ";Database=" + name;
+    const auto start = std::chrono::steady_clock::now();
+    Require(std::system((OXCLASS " --db " + path + " copy --to \"" + target + "\" >/dev/null").c_str()) == 0);
+    took = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count() * 1e6;
+    con->Open(target);
+    if (postgres) con->Execute("VACUUM ANALYZE");
+    return con;
+}
+
 /// Returns the heap bytes of a loaded image, and the bytes of its texts.
 std::pair<double, double> MemoryOfImage(const Ref<Connection>& con) {
     const auto used = [] { return static_cast<double>(mallinfo2().uordblks); };
@@ -165,16 +185,20 @@ std::pair<double, double> MemoryOfImage(const Ref<Connection>& con) {
 
 }  // namespace
 
-std::string Growth(const std::string& folder, int largest) {
+std::string Growth(const std::string& folder, int largest, const std::string& server) {
     Json sizes = Json::array();
     for (int images = 1000; images <= largest; images *= 10) {
         const std::string path = ClinicIn(folder, "growth-" + std::to_string(images) + ".db",
                                           {images, images / static_cast<int>(PerPatient)}, {ShortList});
         std::fprintf(stderr, "%d images ...\n", images);
-        std::ofstream("/proc/self/clear_refs") << "5";  // resets the peak of the memory
-        const Ref<Connection> con = Connect(path);
+        double copied = 0;
+        const Ref<Connection> con = server.empty() ? Connect(path) : CopyToServer(path, server, images, copied);
+        std::ofstream("/proc/self/clear_refs") << "5";                       // resets the peak of the memory
         con->Execute("DELETE FROM ImageBild_T WHERE Series_ID >= 9000000");  // of a run that was cut short
         Json operations = Operations(con, images).Run();
+        if (!server.empty())
+            operations.push_back(
+                {{"key", "copy"}, {"what", "copy the clinic from a file and compare it"}, {"us", copied}});
         const auto [bytes, texts] = MemoryOfImage(con);
         sizes.push_back({{"images", images},
                          {"operations", operations},

@@ -87,13 +87,15 @@ int main(int argc, char** argv) {
     app.add_option("--largest", largest, "the number of images in the largest clinic of --growth")
         ->capture_default_str();
     std::string server;
-    app.add_option("--server", server,
-                   "measure on a new server instead, PostgreSQL or MariaDB, which this connection string describes");
+    app.add_option(
+        "--server", server,
+        "measure on a new server instead, PostgreSQL or MariaDB, which this connection string describes; with "
+        "--growth too");
     CLI11_PARSE(app, argc, argv);
 
     std::filesystem::create_directories(folder);
     if (growth) {
-        std::puts(Growth(folder, largest).c_str());
+        std::puts(Growth(folder, largest, server).c_str());
         return 0;
     }
     if (!server.empty()) {
