@@ -1,4 +1,5 @@
 #include "ServerTest.h"
+#include "console/Database.h"
 #include "console/WriteTransaction.h"
 #include "console/schema/SchemaChange.h"
 #include "platform/runtime/Services.h"
