@@ -28,8 +28,9 @@ protected:
         const Ref<cImage> image = New<cImage>();
         for (String* each :
              {&image->URL, &image->CRC, &image->HWSourceTxt, &image->CapturePerson, &image->RespPerson, &image->sTeeth,
-              &image->Laterality, &image->AnaRegion, &image->AnaRegionMod, &image->instanceUID, &image->ApprCrop})
+              &image->AnaRegion, &image->AnaRegionMod, &image->instanceUID, &image->ApprCrop})
             *each = text();
+        image->Laterality = text().substr(0, 16);  // the width of its column, which servers check
         for (Long* each :
              {&image->SubType, &image->ExposureTime_ms, &image->Current_mA, &image->Voltage_kV, &image->DPIX,
               &image->DPIY, &image->MirrRotStatus, &image->ApprBrightness, &image->ApprContrast, &image->ApprGamma,

@@ -162,7 +162,7 @@ TEST_F(ConnectionTest, ASecondStatementIsRejectedBeforeAnythingRuns) {
     for (const char* text : {"DELETE FROM Root_T; DELETE FROM Root_T", "DELETE FROM Root_T WHERE RootID=1; x",
                              "SELECT 1; DROP TABLE Root_T", "DELETE FROM Root_T;;--x\nSELECT 2"})
         EXPECT_EQ(FailureOf([&] { con->Execute(text); }).Number, ErrorsInCommand) << text;
-    EXPECT_EQ(FailureOf([&] { con->Execute(String("DELETE FROM Root_T\0 WHERE RootID=5", 35)); }).Number,
+    EXPECT_EQ(FailureOf([&] { con->Execute(String("DELETE FROM Root_T\0 WHERE RootID=5", 34)); }).Number,
               ErrorsInCommand);
     EXPECT_EQ(CLng(Ask("SELECT count(*) FROM Root_T")), 1);
     EXPECT_EQ(CLng(Ask("SELECT count(*) FROM Root_T ; \n ;")), 1);

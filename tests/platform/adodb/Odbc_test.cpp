@@ -1,6 +1,7 @@
 #include "kit/Database.h"
 
 #include <chrono>
+#include <fstream>
 #include <thread>
 
 /// What is special about a data source of the driver manager. The tests of the layer run on it as on every other
@@ -79,6 +80,23 @@ TEST_F(Odbc, LongTextsAreReadInParts) {
 }
 
 // ---- comparing ----------------------------------------------------------------------------------
+
+TEST_F(Odbc, ATextThatIsLongerThanItsColumnWasIsReadWhole) {
+    con->Execute("INSERT INTO Root_T (RootID, RootDirectory) VALUES (1, 'short')");
+    const auto read = [&] {
+        const Ref<Recordset> rows =
+            con->Execute("SELECT RootDirectory, REPEAT('b', 3000), RootID FROM Root_T WHERE RootID=1");
+        EXPECT_EQ(rows->Fields(1).As<String>(), String(3000, 'b'));
+        EXPECT_EQ(rows->Fields(2).Value(), Variant(Long{1}));
+        return rows->Fields(0).As<String>();
+    };
+    EXPECT_EQ(read(), "short");
+    Connect()->Execute("ALTER TABLE Root_T MODIFY COLUMN RootDirectory varchar(4000)");
+    for (const int length : {1023, 1024, 1025, 1026, 4000}) {
+        Connect()->Execute("UPDATE Root_T SET RootDirectory=REPEAT('a', " + std::to_string(length) + ")");
+        EXPECT_EQ(read(), String(static_cast<std::size_t>(length), 'a'));
+    }
+}
 
 TEST_F(Odbc, TextsAreComparedByTheirCharacters) {
     EXPECT_EQ(Ask("SELECT COUNT(*) FROM SchemaVersion_T WHERE 'a'='A' OR 'a'='a ' OR 'a'='å'"), Variant(Long{0}));

@@ -10,7 +10,7 @@ class Texts : public TestKit::WithDatabase {
 protected:
     void Store(const std::vector<String>& texts) {
         for (const String& text : texts)
-            Run("INSERT INTO Clinic_T (ClinicName, City) VALUES ('" + text + "', '" + text + "')");
+            Run(String("INSERT INTO Clinic_T (ClinicName, City) VALUES ('").append(text) + "', '" + text + "')");
     }
     /// Returns the texts of a column that are equal to this one.
     String Equal(const String& column, const String& text) {

@@ -78,6 +78,7 @@ std::shared_ptr<const OdbcColumns> OdbcCatalog::ColumnsOf(const OdbcHandle& stat
         }
         columns.push_back(std::move(column));
         result->forms.push_back(form);
+        result->sizes.push_back(size);
     }
     result->columns = std::make_shared<const Columns>(std::move(columns));
     return result;

@@ -14,6 +14,7 @@ enum class OdbcForm : std::uint8_t { Text, Whole, Real, Boolean, Decimal, Time, 
 struct OdbcColumns {
     std::shared_ptr<const Columns> columns;
     std::vector<OdbcForm> forms;
+    std::vector<std::uint64_t> sizes;  ///< the most characters, as the driver reports them; 0: not known
 };
 
 /// What a session has read about the tables. One thread.

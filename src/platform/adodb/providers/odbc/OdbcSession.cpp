@@ -143,11 +143,15 @@ private:
     }
 
     Outcome OutcomeOf(OdbcStatement& statement, std::string_view text) {
-        if (!statement.isDescribed) statement.columns = catalog_.ColumnsOf(statement.handle);
+        if (!statement.isDescribed) Describe(statement);
+        if (!statement.columns) return {nullptr, nullptr, Affected(statement.handle)};
+        return {.columns = statement.columns->columns, .reader = std::make_unique<OdbcRows>(link_, statement, text)};
+    }
+
+    void Describe(OdbcStatement& statement) {
+        statement.columns = catalog_.ColumnsOf(statement.handle);
+        if (statement.columns) statement.row = BoundValues(statement.handle, *statement.columns, link_.Dialect().utf8);
         statement.isDescribed = true;
-        if (!statement.columns) return {.affected = Affected(statement.handle)};
-        return {.columns = statement.columns->columns,
-                .reader = std::make_unique<OdbcRows>(link_, statement.handle, statement.columns, text)};
     }
 
     static std::int64_t Affected(const OdbcHandle& handle) {

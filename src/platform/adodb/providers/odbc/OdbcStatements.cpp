@@ -4,8 +4,6 @@
 #include "platform/runtime/Convert.h"
 
 #include <charconv>
-#include <sql.h>
-#include <sqlext.h>
 
 namespace ADODB {
 
@@ -20,22 +18,36 @@ Cell CellOf(const Literal& literal) {
     return Cell::Of(real);
 }
 
-void AppendDigits(String& text, unsigned number, std::size_t width) {
-    const String digits = std::to_string(number);
-    if (digits.size() < width) text.append(width - digits.size(), '0');
-    text += digits;
+/// Writes a number with this many digits, and returns the position behind it.
+char* PutDigits(char* at, unsigned number, std::size_t width) {
+    for (std::size_t i = width; i > 0; --i, number /= 10) at[i - 1] = static_cast<char>('0' + number % 10);
+    return at + width;
 }
 
-/// Returns "yyyy-mm-dd hh:nn:ss".
-String TextOf(const SQL_TIMESTAMP_STRUCT& time) {
-    String text;
-    AppendDigits(text, static_cast<unsigned>(time.year), 4);
-    AppendDigits(text += '-', time.month, 2);
-    AppendDigits(text += '-', time.day, 2);
-    AppendDigits(text += ' ', time.hour, 2);
-    AppendDigits(text += ':', time.minute, 2);
-    AppendDigits(text += ':', time.second, 2);
-    return text;
+/// Writes "yyyy-mm-dd hh:nn:ss".
+void PutTime(String& text, const SQL_TIMESTAMP_STRUCT& time) {
+    text.assign("yyyy-mm-dd hh:nn:ss");
+    char* at = PutDigits(text.data(), static_cast<unsigned>(time.year), 4) + 1;
+    for (const unsigned part :
+         {unsigned{time.month}, unsigned{time.day}, unsigned{time.hour}, unsigned{time.minute}, unsigned{time.second}})
+        at = PutDigits(at, part, 2) + 1;
+}
+
+/// Returns the type and the memory in which a value is bound; a null pointer for one that is not.
+std::pair<SQLSMALLINT, void*> MemoryOf(OdbcValue& value, OdbcForm form, std::uint64_t size, bool utf8) {
+    switch (form) {
+        case OdbcForm::Whole: return {SQL_C_SBIGINT, &value.whole};
+        case OdbcForm::Real: return {SQL_C_DOUBLE, &value.real};
+        case OdbcForm::Boolean: return {SQL_C_BIT, &value.bit};
+        case OdbcForm::Time: return {SQL_C_TYPE_TIMESTAMP, &value.time};
+        case OdbcForm::Bytes: return {};
+        case OdbcForm::Decimal:
+        case OdbcForm::Text: break;
+    }
+    if (!utf8) return {};
+    constexpr std::uint64_t usual = 256, bytesOfACharacter = 4;
+    value.text.resize((size == 0 ? usual : std::min(size, usual)) * bytesOfACharacter + 1);
+    return {SQL_C_CHAR, value.text.data()};
 }
 
 }  // namespace
@@ -110,61 +122,85 @@ void OdbcValues::BindText(const OdbcHandle& statement, unsigned short number, Va
                      reinterpret_cast<SQLLEN*>(&value.bytes));
 }
 
-OdbcRows::OdbcRows(OdbcLink& link, const OdbcHandle& handle, std::shared_ptr<const OdbcColumns> columns,
-                   std::string_view statement)
-    : link_(link),
-      handle_(handle),
-      columns_(std::move(columns)),
-      statement_(statement),
-      cells_(columns_->forms.size()),
-      texts_(columns_->forms.size()) {}
+std::vector<OdbcValue> BoundValues(const OdbcHandle& statement, const OdbcColumns& columns, bool utf8) {
+    std::vector<OdbcValue> values(columns.forms.size());
+    SQLUSMALLINT number = 0;
+    for (OdbcValue& value : values) {
+        const auto [type, memory] = MemoryOf(value, columns.forms[number], columns.sizes[number], utf8);
+        ++number;
+        value.isBound = memory && SQL_SUCCEEDED(SQLBindCol(statement.Get(), number, type, memory,
+                                                           static_cast<SQLLEN>(value.text.size()), &value.bytes));
+    }
+    return values;
+}
 
-OdbcRows::~OdbcRows() { SQLFreeStmt(handle_.Get(), SQL_CLOSE); }
+OdbcRows::OdbcRows(OdbcLink& link, const OdbcStatement& statement, std::string_view text)
+    : link_(link), statement_(statement), text_(text), cells_(statement.row.size()), texts_(statement.row.size()) {
+    for (std::size_t i = 0; i < cells_.size(); ++i) {
+        if (!statement.row[i].isBound) unbound_.push_back(i);
+        if (statement.columns->forms[i] == OdbcForm::Time) times_.push_back(i);
+    }
+}
 
-void OdbcRows::Fail() { link_.Raise(handle_.Failure(), statement_); }
+OdbcRows::~OdbcRows() { SQLFreeStmt(statement_.handle.Get(), SQL_CLOSE); }
+
+void OdbcRows::Fail() { link_.Raise(statement_.handle.Failure(), text_); }
 
 bool OdbcRows::Next() {
-    const SQLRETURN code = SQLFetch(handle_.Get());
+    const SQLRETURN code = SQLFetch(statement_.handle.Get());
     if (code == SQL_NO_DATA) return false;
     if (!SQL_SUCCEEDED(code)) Fail();
-    for (std::size_t i = 0; i < cells_.size(); ++i) cells_[i] = Read(i);
+    Complete(code == SQL_SUCCESS_WITH_INFO);
     return true;
 }
 
+void OdbcRows::Complete(bool mayBeCut) {
+    for (const std::size_t column : unbound_) cells_[column] = Read(column);
+    for (const std::size_t column : times_) cells_[column] = TimeIn(column);
+    const std::vector<OdbcValue>& row = statement_.row;
+    isCut_ = mayBeCut && std::any_of(row.begin(), row.end(), IsCut);
+    if (!isCut_) return;
+    for (std::size_t i = 0; i < row.size(); ++i)
+        if (IsCut(row[i])) cells_[i] = ReadText(i);
+}
+
+Cell OdbcRows::TimeIn(std::size_t column) {
+    const OdbcValue& value = statement_.row[column];
+    if (value.bytes == SQL_NULL_DATA) return {};
+    PutTime(texts_[column], value.time);
+    return Cell::Of(std::string_view(texts_[column]));
+}
+
+bool OdbcRows::IsCut(const OdbcValue& value) {
+    const bool isAsLong = value.bytes == SQL_NO_TOTAL || std::cmp_greater_equal(value.bytes, value.text.size());
+    return value.isBound && !value.text.empty() && value.bytes != SQL_NULL_DATA && isAsLong;
+}
+
+Cell OdbcRows::At(Long ordinal) const {
+    const auto column = static_cast<std::size_t>(ordinal);
+    const OdbcValue& value = statement_.row[column];
+    if (!value.isBound || (isCut_ && IsCut(value))) return cells_[column];
+    if (value.bytes == SQL_NULL_DATA) return {};
+    const std::string_view text(value.text.data(), value.text.empty() ? 0 : static_cast<std::size_t>(value.bytes));
+    switch (statement_.columns->forms[column]) {
+        case OdbcForm::Whole: return Cell::Of(value.whole);
+        case OdbcForm::Real: return Cell::Of(value.real);
+        case OdbcForm::Boolean: return Cell::Of(std::int64_t{value.bit != 0 ? -1 : 0});
+        case OdbcForm::Decimal: return DecimalCell(text);
+        case OdbcForm::Time: return cells_[column];
+        default: return Cell::Of(text);
+    }
+}
+
 Cell OdbcRows::Read(std::size_t column) {
-    switch (columns_->forms[column]) {
-        case OdbcForm::Whole: {
-            std::int64_t whole = 0;
-            return Get(column, SQL_C_SBIGINT, &whole, sizeof whole) ? Cell::Of(whole) : Cell();
-        }
-        case OdbcForm::Real: {
-            double real = 0;
-            return Get(column, SQL_C_DOUBLE, &real, sizeof real) ? Cell::Of(real) : Cell();
-        }
-        case OdbcForm::Boolean: {
-            unsigned char bit = 0;
-            return Get(column, SQL_C_BIT, &bit, sizeof bit) ? Cell::Of(std::int64_t{bit != 0 ? -1 : 0}) : Cell();
-        }
-        case OdbcForm::Time: {
-            SQL_TIMESTAMP_STRUCT time{};
-            if (!Get(column, SQL_C_TYPE_TIMESTAMP, &time, sizeof time)) return {};
-            return Cell::Of(std::string_view(texts_[column] = TextOf(time)));
-        }
+    switch (statement_.columns->forms[column]) {
         case OdbcForm::Decimal: {
             const Cell text = ReadText(column);
             return text.kind == Cell::Kind::Text ? DecimalCell(text.Text()) : text;
         }
         case OdbcForm::Bytes: return ReadBytes(column, SQL_C_BINARY);
-        case OdbcForm::Text: break;
+        default: return ReadText(column);
     }
-    return ReadText(column);
-}
-
-bool OdbcRows::Get(std::size_t column, short type, void* value, std::int64_t size) {
-    SQLLEN length = 0;
-    const SQLRETURN code = SQLGetData(handle_.Get(), static_cast<SQLUSMALLINT>(column + 1), type, value, size, &length);
-    if (!SQL_SUCCEEDED(code)) Fail();
-    return length != SQL_NULL_DATA;
 }
 
 template <class Unit>
@@ -175,7 +211,7 @@ bool OdbcRows::ReadAll(std::size_t column, short type, std::vector<Unit>& units,
     for (count = 0;;) {
         SQLLEN length = 0;
         const std::size_t room = units.size() - count;
-        const SQLRETURN code = SQLGetData(handle_.Get(), static_cast<SQLUSMALLINT>(column + 1), type,
+        const SQLRETURN code = SQLGetData(statement_.handle.Get(), static_cast<SQLUSMALLINT>(column + 1), type,
                                           units.data() + count, static_cast<SQLLEN>(room * sizeof(Unit)), &length);
         if (code == SQL_NO_DATA) return true;
         if (!SQL_SUCCEEDED(code)) Fail();

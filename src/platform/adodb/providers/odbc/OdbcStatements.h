@@ -3,7 +3,25 @@
 #include "platform/adodb/providers/StatementCache.h"
 #include "platform/adodb/providers/odbc/OdbcCatalog.h"
 
+#include <sql.h>
+#include <sqlext.h>
+
 namespace ADODB {
+
+/// A value of the current row, as the driver writes it.
+struct OdbcValue {
+    bool isBound = false;  ///< the driver writes it when it reads the row; otherwise it is read by itself
+    std::int64_t whole = 0;
+    double real = 0;
+    unsigned char bit = 0;
+    SQL_TIMESTAMP_STRUCT time{};
+    std::vector<char> text;
+    SQLLEN bytes = 0;  ///< of a text; or the mark of a null
+};
+
+/// Returns a value for each column. They are bound to the columns of the statement, and must live as long as it runs;
+/// not bound are bytes, and texts of a driver that returns UTF-16. `utf8` is that of the dialect.
+std::vector<OdbcValue> BoundValues(const OdbcHandle& statement, const OdbcColumns& columns, bool utf8);
 
 /// A statement that the driver has prepared, or one that runs once.
 struct OdbcStatement {
@@ -15,6 +33,7 @@ struct OdbcStatement {
     std::optional<std::vector<bool>> nullIfBlank;  ///< for each literal: an empty text is a null; once one was empty
     bool isDescribed = false;                      ///< `columns` is set
     std::shared_ptr<const OdbcColumns> columns;    ///< null if it does not return rows
+    std::vector<OdbcValue> row;                    ///< of `columns`
 };
 
 /// The values of the parameters of one run of a statement.
@@ -50,19 +69,22 @@ private:
 /// The rows of a statement that has run. The destructor closes the cursor.
 class OdbcRows final : public RowReader {
 public:
-    /// The statement and the texts that the arguments refer to must outlive this object; `statement` is what errors are
-    /// about.
-    OdbcRows(OdbcLink& link, const OdbcHandle& handle, std::shared_ptr<const OdbcColumns> columns,
-             std::string_view statement);
+    /// The arguments must outlive this object; `text` is what errors are about.
+    OdbcRows(OdbcLink& link, const OdbcStatement& statement, std::string_view text);
     ~OdbcRows() override;
 
     bool Next() override;
-    Cell At(Long ordinal) const override { return cells_[static_cast<std::size_t>(ordinal)]; }
+    Cell At(Long ordinal) const override;
 
 private:
+    /// Reads the values that are not bound, and the texts that are longer than their memory.
+    void Complete(bool mayBeCut);
+    /// Returns a time as a text.
+    Cell TimeIn(std::size_t column);
+    /// Returns true for a text that is longer than its memory.
+    static bool IsCut(const OdbcValue& value);
+    /// Reads a value that is not bound.
     Cell Read(std::size_t column);
-    /// Reads a value in a type of the interface; returns false for a null.
-    bool Get(std::size_t column, short type, void* value, std::int64_t size);
     /// Reads a text of any length and returns a cell that points to it.
     Cell ReadText(std::size_t column);
     /// Does the same for bytes, or for a text that the driver returns as UTF-8.
@@ -73,11 +95,13 @@ private:
     [[noreturn]] void Fail();
 
     OdbcLink& link_;
-    const OdbcHandle& handle_;
-    std::shared_ptr<const OdbcColumns> columns_;
-    std::string_view statement_;
-    std::vector<Cell> cells_;
-    std::vector<String> texts_;  // of the current row, which the cells point to
+    const OdbcStatement& statement_;
+    std::string_view text_;
+    std::vector<std::size_t> unbound_;  // the columns that are not bound
+    std::vector<std::size_t> times_;    // the columns of times
+    bool isCut_ = false;                // some text of the current row is longer than its memory
+    std::vector<Cell> cells_;           // of the current row, where `Complete` has read them
+    std::vector<String> texts_;         // which the cells point to
     std::vector<char16_t> units_;
     std::vector<char> bytes_;
 };

@@ -230,7 +230,7 @@ private:
     }
 
     static Outcome OutcomeOf(PostgresResult result, const std::shared_ptr<const PostgresColumns>& columns) {
-        if (!columns) return {.affected = AffectedBy(result.get())};
+        if (!columns) return {nullptr, nullptr, AffectedBy(result.get())};
         return {.columns = columns->columns, .reader = std::make_unique<PostgresRows>(std::move(result), columns)};
     }
 
