@@ -63,7 +63,7 @@ TEST_F(DatabaseFile, OneThatIsRejectedIsUnchanged) {
     ASSERT_EQ(Try({"init", file}).code, 0);
     RunOn(file, "PRAGMA user_version = 99; PRAGMA journal_mode = DELETE");
     fs::remove_all(file.parent_path() / "images");
-    EXPECT_THAT(Refused(file), HasSubstr("made by a newer program (tables of version 99, this program knows 1)"));
+    EXPECT_THAT(Refused(file), HasSubstr("made by a newer program (tables of version 99, this program knows 2)"));
 }
 
 TEST_F(DatabaseFile, OneWhoseMarksAreInItsLogIsReadByThem) {

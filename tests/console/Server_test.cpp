@@ -38,6 +38,7 @@ constexpr std::pair<const char*, const char*> Tables[] = {
     {"StandardGroupName", "StandardNameID"},
     {"PatientIssuer_T", "PatientID"},
     {"ClinicIdentity_T", "Identity"},
+    {"ImportedImage_T", "SOPInstanceUID"},
 };
 
 /// Returns all rows of all tables of a database.
