@@ -84,7 +84,7 @@ std::string ListStatements(const ListOfCards& list) {
 
 std::string ClinicIn(const std::string& folder, const std::string& name, ClinicSize size,
                      const std::vector<ListOfCards>& lists) {
-    const std::string path = folder + "/" + name;
+    std::string path = folder + "/" + name;
     if (std::filesystem::exists(path)) return path;
     std::fprintf(stderr, "Making %s with %d images ...\n", path.c_str(), size.images);
     const std::string partial = path + ".part";

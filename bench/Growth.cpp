@@ -150,7 +150,7 @@ private:
 Ref<Connection> CopyToServer(const std::string& path, const std::string& server, int images, double& took) {
     const bool postgres = server.find("PostgreSQL") != std::string::npos;
     const std::string name = "growth_" + std::to_string(images);
-    const Ref<Connection> con = New<Connection>();
+    Ref<Connection> con = New<Connection>();
     con->SetCommandTimeout(0);
     con->Open(server + (postgres ? ";Database=postgres" : ""));
     con->Execute("CREATE DATABASE " + name +

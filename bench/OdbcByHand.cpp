@@ -34,6 +34,11 @@ void Check(SQLRETURN code, SQLSMALLINT type, void* handle) {
     throw std::runtime_error(reinterpret_cast<const char*>(text.data()));
 }
 
+/// Returns a number as the functions for attributes take it.
+void* AsPointer(std::size_t number) {
+    return reinterpret_cast<void*>(number);  // NOLINT(performance-no-int-to-ptr)
+}
+
 /// Binds each column that is read to memory of its own.
 class ColumnBinder {
 public:
@@ -141,7 +146,7 @@ OdbcByHand::OdbcByHand(const std::string& settings)
     patient_ = Prepare(READ_COLUMNS "WHERE PatientID=? ORDER BY DateCaptured_SD, ImageBildID");
     image_ = Prepare(READ_COLUMNS "WHERE ImageBildID=?");
     for (Statement* const statement : {patient_.get(), image_.get()}) {
-        SQLSetStmtAttr(statement->handle, SQL_ATTR_ROW_ARRAY_SIZE, reinterpret_cast<void*>(RowsOfACall), 0);
+        SQLSetStmtAttr(statement->handle, SQL_ATTR_ROW_ARRAY_SIZE, AsPointer(RowsOfACall), 0);
         SQLSetStmtAttr(statement->handle, SQL_ATTR_ROWS_FETCHED_PTR, &statement->fetched, 0);
         HandImage unused{};
         ReadImage(ColumnBinder(statement->handle, statement->columns), unused);

@@ -70,6 +70,7 @@ bool Report::Measure(const std::string& key, const std::string& what, const std:
                      const std::vector<Work>& works) {
     if (!Wanted(key)) return false;
     std::vector<double> times;
+    times.reserve(works.size());
     for (const Work& work : works) times.push_back(Seconds(work) * 1e6);
     Add({.key = key, .what = what, .unit = unit, .library_us = Median(times)});
     return true;

@@ -108,7 +108,8 @@ void EmptyMariaDb(const Ref<Connection>& con) {
     String used =
         "SELECT table_name FROM information_schema.tables WHERE table_schema = database() AND auto_increment > 1";
     for (const String& table : MariaDbTables(con))
-        used += " UNION SELECT '" + table + "' FROM dual WHERE EXISTS (SELECT 1 FROM " + table + ")";
+        used.append(" UNION SELECT '").append(table).append("' FROM dual WHERE EXISTS (SELECT 1 FROM ").append(table) +=
+            ")";
     for (const String& table : Answers(con, used)) con->Execute("TRUNCATE TABLE " + table);
 }
 
@@ -127,7 +128,7 @@ void CreateOnServer(const String& name) {
     }
     con->Execute("CREATE DATABASE " + name + " CHARACTER SET utf8mb4 COLLATE utf8mb4_nopad_bin");
     for (const String& table : MariaDbTables(con))
-        con->Execute("CREATE TABLE " + name + "." + table + " LIKE clinic." + table);
+        con->Execute(String("CREATE TABLE ").append(name) + "." + table + " LIKE clinic." + table);
 }
 
 /// Returns a database without rows that no test uses.
