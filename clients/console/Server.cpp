@@ -82,6 +82,16 @@ void OpenOrAsk(const Ref<Connection>& con, const std::string& database) {
     }
 }
 
+/// Sets how long a statement waits for a lock, in seconds. Lets a select and the begin of a transaction in a cluster
+/// wait until the node has what the others have committed.
+void PrepareMariaDb(const Ref<Connection>& con, Long longestWait) {
+    con->Execute(sql("SET SESSION innodb_lock_wait_timeout = ", longestWait));
+    const Ref<Recordset> cluster = con->Execute(
+        "SELECT 1 FROM information_schema.session_variables WHERE variable_name = 'WSREP_ON' AND variable_value = "
+        "'ON'");
+    if (!cluster->Eof()) con->Execute("SET SESSION wsrep_sync_wait = 1");
+}
+
 /// Returns the version of the tables that the open database is marked with; none for one that is not a clinic.
 std::optional<Long> MarkedVersion(const Ref<Connection>& con) {
     if (!HasTable(con, "SchemaVersion_T")) return std::nullopt;
@@ -125,7 +135,7 @@ void OpenServer(const Ref<Connection>& con, const std::string& database) {
     const Engine engine = EngineAt(con);
     if (engine == Engine::SQLite) return;
     KnownServers()[con->ConnectionString()] = engine;
-    if (engine == Engine::MariaDB) con->Execute(sql("SET SESSION innodb_lock_wait_timeout = ", longestWait));
+    if (engine == Engine::MariaDB) PrepareMariaDb(con, longestWait);
 }
 
 bool HasTable(const Ref<Connection>& con, const std::string& table) {

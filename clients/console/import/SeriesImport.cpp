@@ -275,6 +275,7 @@ std::vector<SeriesImport::NewImage> SeriesImport::Copied(const std::vector<const
 
 void SeriesImport::StoreRows(const std::vector<NewImage>& images, SeriesResult& result) {
     SeriesResult now;
+    const RootLock lock(con_, roots_.Folder(root_));
     RepeatAfterConflicts(con_, [&] {
         now = result;
         TryToStoreRows(images, now);

@@ -41,9 +41,6 @@ public:
     using UserError::UserError;
 };
 
-/// Thrown after the user has stopped the import.
-class Stopped : public std::exception {};
-
 /// The result of storing a series.
 struct SeriesResult {
     std::size_t stored = 0, known = 0;

@@ -3,17 +3,20 @@
 #include "console/Sha256.h"
 #include "console/SystemFile.h"
 #include "console/WriteTransaction.h"
+#include "console/import/StopSignals.h"
 #include "frame/Statement.h"
 #include "frame/StoredName.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <fstream>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -59,6 +62,7 @@ std::size_t RemoveFilesWithoutRow(const Ref<Connection>& con, const fs::path& ro
                                   const std::vector<std::string>& names) {
     std::size_t removed = 0;
     if (names.empty()) return removed;
+    const RootLock lock(con, root);
     Write(con, [&] {
         for (const std::string& name : names) {
             std::error_code ignored;
@@ -192,6 +196,28 @@ void Staging::Announce(const std::vector<std::string>& storedNames) {
     list.Flush();
     SyncFolder(folder_);
     SyncFolder(folder_.parent_path());
+}
+
+RootLock::RootLock(const Ref<Connection>& con, const fs::path& root) {
+    if (EngineOf(con) != Engine::MariaDB) return;
+    constexpr auto betweenTries = std::chrono::milliseconds(5);
+    lock_ = open(root.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    while (lock_ < 0 || flock(lock_, LOCK_EX | LOCK_NB) != 0) {
+        const int error = errno;
+        const bool waits = lock_ >= 0 && (error == EWOULDBLOCK || error == EINTR);
+        if (waits && !StopSignals::Requested()) {
+            std::this_thread::sleep_for(betweenTries);
+            continue;
+        }
+        if (lock_ >= 0) close(lock_);
+        if (waits) throw Stopped();
+        errno = error;
+        ThrowSystemError("can't lock", root);
+    }
+}
+
+RootLock::~RootLock() {
+    if (lock_ >= 0) close(lock_);
 }
 
 std::size_t RemoveLeftovers(const Ref<Connection>& con, const fs::path& root) {

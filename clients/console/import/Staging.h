@@ -59,6 +59,22 @@ private:
     std::size_t copies_ = 0;
 };
 
+/// Keeps other programs that import from naming and removing files in a storage root, until the object ends.
+///
+/// A write transaction does so by itself, except between the nodes of a cluster, where a transaction that has named its
+/// files can still fail while that of another program has already found them. So this class does nothing unless the
+/// engine is MariaDB. It is locked before the transaction begins.
+class RootLock {
+public:
+    /// Waits as long as another program has the lock. Throws `UserError` if the folder can't be locked, and `Stopped`.
+    RootLock(const Ref<Connection>& con, const std::filesystem::path& root);
+    ~RootLock();
+    RootLock(const RootLock&) = delete;
+
+private:
+    int lock_ = -1;
+};
+
 /// Removes what killed imports left in a root: their staging folders, and those files that were named but
 /// whose rows were never committed. Takes the database's write lock only if there are such files. Returns how
 /// many files it removed.

@@ -2,8 +2,12 @@
 
 #include <array>
 #include <csignal>
+#include <exception>
 
 namespace Console {
+
+/// Thrown after the user has stopped the program.
+class Stopped : public std::exception {};
 
 /// Turns SIGINT, SIGTERM and SIGHUP into a request to stop, as long as it lives.
 ///

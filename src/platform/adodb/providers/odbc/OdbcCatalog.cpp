@@ -96,7 +96,10 @@ bool OdbcCatalog::RejectsBlank(const String& table, const String& column) {
 std::shared_ptr<const OdbcColumns> OdbcCatalog::ReadTable(const String& table) {
     const String select = "SELECT * FROM " + table + " WHERE 1=0";
     const OdbcHandle handle = link_.NewStatement(select);
-    if (link_.Prepare(handle, ForOdbc(link_.Dialect(), select, {}))) return nullptr;
+    if (const auto failure = link_.Prepare(handle, ForOdbc(link_.Dialect(), select, {}))) {
+        if (NumberOfOdbc(*failure, link_.Dialect()) == LockConflict) link_.Raise(*failure, select);
+        return nullptr;
+    }
     return ColumnsOf(handle);
 }
 

@@ -28,15 +28,17 @@ public:
     }
 
     std::int64_t Change(std::string_view text, std::span<const Variant> values) override {
-        OdbcStatement& statement = ForMarked(text);
-        values_.Set(values);
-        RunWithValues(statement, text);
-        return Affected(statement.handle);
+        return Asking([&] {
+            OdbcStatement& statement = ForMarked(text);
+            values_.Set(values);
+            RunWithValues(statement, text);
+            return Affected(statement.handle);
+        });
     }
 
     std::int64_t Insert(std::string_view text, std::span<const Variant> values, std::string_view counter) override {
         Change(text, values);
-        return counter.empty() ? 0 : link_.Number("SELECT @@IDENTITY");
+        return counter.empty() ? 0 : Asking([&] { return link_.Number("SELECT @@IDENTITY"); });
     }
 
     String Quoted(std::string_view name) const override { return link_.Quoted(name); }
@@ -78,6 +80,23 @@ private:
         link_.Raise(failure, text);
     }
 
+    /// Notes that the engine has rolled the transaction back, if it did so when it raised this number for any
+    /// statement, those by which the driver and the catalog describe tables included.
+    void LookAfter(Long number) {
+        if (number == LockConflict && inTransaction_ && !link_.Dialect().inTransaction.empty())
+            inTransaction_ = link_.Number(link_.Dialect().inTransaction) != 0;
+    }
+
+    template <class F>
+    auto Asking(F call) -> decltype(call()) {
+        try {
+            return call();
+        } catch (const Error& failure) {
+            LookAfter(failure.Number);
+            throw;
+        }
+    }
+
     /// Raises for what a driver might run although it must not be sent.
     void RequireOne(std::string_view text) {
         if (const auto [state, why] = FlawIn(text); why) link_.Raise({state, 0, why}, text);
@@ -86,7 +105,10 @@ private:
     bool PrepareShape(OdbcStatement& statement, std::string_view text) override {
         RequireOne(text);
         statement.targets = TargetsOf(text, literals_);
-        return !Prepare(statement, text, literals_);
+        const auto failure = Asking([&] { return Prepare(statement, text, literals_); });
+        // As a text it would run outside of the transaction that the engine has ended.
+        if (failure && NumberOfOdbc(*failure, link_.Dialect()) == LockConflict) Fail(*failure, text);
+        return !failure;
     }
 
     void PrepareMarked(OdbcStatement& statement, std::string_view text) override {
@@ -101,10 +123,12 @@ private:
     }
 
     Outcome RunPrepared(OdbcStatement& statement, std::string_view text) override {
-        if (HasBlank(literals_) && !statement.nullIfBlank) statement.nullIfBlank = BlankRules(statement.targets);
-        values_.Set(literals_, statement.nullIfBlank);
-        RunWithValues(statement, text);
-        return OutcomeOf(statement, text);
+        return Asking([&] {
+            if (HasBlank(literals_) && !statement.nullIfBlank) statement.nullIfBlank = BlankRules(statement.targets);
+            values_.Set(literals_, statement.nullIfBlank);
+            RunWithValues(statement, text);
+            return OutcomeOf(statement, text);
+        });
     }
 
     /// Runs a prepared statement with `values_`; prepares it again first if the server has dropped it.
@@ -126,9 +150,11 @@ private:
 
     Outcome Send(std::string_view text) override {
         RequireOne(text);
-        OdbcStatement& statement = statements_.KeepOnce({});
-        if (const auto failure = Execute(statement, text)) Fail(*failure, text);
-        return OutcomeOf(statement, text);
+        return Asking([&] {
+            OdbcStatement& statement = statements_.KeepOnce({});
+            if (const auto failure = Execute(statement, text)) Fail(*failure, text);
+            return OutcomeOf(statement, text);
+        });
     }
 
     /// Runs a text with sorted rows, and as it is if the engine rejects that.
