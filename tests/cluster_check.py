@@ -12,6 +12,7 @@ import os
 import subprocess
 import sys
 import tempfile
+import threading
 
 from shared_import import Importers, finished, require_equal, state, wait_until
 
@@ -80,13 +81,47 @@ def check(cluster, importers):
     print("each row has its file, and each file its row", flush=True)
 
 
+def check_conflicts(cluster, importers):
+    """Each node places images on one card, all at once. No transaction is stored in part or lost without a message."""
+    commands = 12
+
+    image = cluster.ask(0, "SELECT ImageBildID FROM imagebild_t i JOIN patient_t p USING (PatientID) "
+                           "WHERE PersonNr_CH = 'TEST-FMX18' ORDER BY 1 LIMIT 1")
+    importers.run(cluster.nodes[0], "card", "new", "TEST-FMX18", "Shared")
+    card = "IC" + cluster.ask(0, "SELECT max(ImageCardID) FROM imagecard_t")
+    before = int(cluster.ask(0, "SELECT Writes FROM schemaversion_t"))
+    codes = []
+
+    def place(node):
+        for _ in range(commands):
+            done = subprocess.run(importers.command(node, "card", "add", card, image), stdin=subprocess.DEVNULL,
+                                  capture_output=True, text=True, timeout=120)
+            assert done.returncode == 0 or "run the command again" in done.stderr, done.stderr
+            codes.append(done.returncode)
+
+    threads = [threading.Thread(target=place, args=(node,)) for node in cluster.nodes]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    succeeded = codes.count(0)
+    assert len(codes) == 3 * commands, f"{len(codes)} commands have ended as they should"
+    placed = int(cluster.ask(0, f"SET SESSION wsrep_sync_wait = 1; SELECT count(*) FROM imageattribute_t WHERE ImageCardID = {card[2:]}"))
+    writes = int(cluster.ask(0, "SET SESSION wsrep_sync_wait = 1; SELECT Writes FROM schemaversion_t")) - before
+    assert (placed, writes) == (succeeded, succeeded), f"{succeeded} commands succeeded: {placed} images, {writes} transactions"
+    print(f"{succeeded} of {len(codes)} commands on one card, from three nodes at once, are stored, each as a whole", flush=True)
+
+
 def main():
     program, samples = sys.argv[1:3]
     with tempfile.TemporaryDirectory(prefix="oxclass-cluster-") as folder:
         os.chmod(folder, 0o755)
         nodes = os.path.join(folder, "nodes")
         try:
-            check(Cluster(nodes), Importers(program, samples, folder))
+            cluster, importers = Cluster(nodes), Importers(program, samples, folder)
+            check(cluster, importers)
+            for _ in range(3):
+                check_conflicts(cluster, importers)
         except AssertionError as failure:
             print(f"cluster: FAILED: {failure}", file=sys.stderr)
             return 1

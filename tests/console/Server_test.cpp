@@ -454,7 +454,8 @@ TEST_F(CopyToServer, TheWayToTheServerAndBackKeepsAllRows) {
 TEST_F(CopyToServer, TheCountersContinueBehindTheKeys) {
     ASSERT_EQ(Copy().code, 0);
     for (const auto& [table, key] : Tables) {
-        if (std::string_view(table) == "ClinicIdentity_T" || std::string_view(table) == "PatientIssuer_T") continue;
+        const std::string_view name = table;  // the others have no counter
+        if (name == "ClinicIdentity_T" || name == "PatientIssuer_T" || name == "ImportedImage_T") continue;
         const Ref<ADODB::Connection> con = Open(Clinic());
         const std::string query = std::string("SELECT max(") + key + ") FROM " + table;
         const auto greatest = [&] { return con->Execute(query)->Fields(0).As<Platform::Long>(); };

@@ -183,6 +183,8 @@ constinit const OdbcDialect MariaDb{
         "NO_ZERO_DATE,NO_ZERO_IN_DATE,NO_ENGINE_SUBSTITUTION'",
     .begin = "START TRANSACTION",
     .inTransaction = "SELECT @@in_transaction",
+    .inCluster = "SELECT @@wsrep_on",
+    .noSavepoint = 1305,
     .timeLimit = "SET max_statement_time=",
     .numbers = MariaDbNumbers,
     .forgotten = MariaDbForgotten,

@@ -28,7 +28,11 @@ struct OdbcDialect {
     std::string_view settings;       ///< a statement that a new session runs
     std::string_view begin;          ///< begins a transaction
     std::string_view inTransaction;  ///< a select of 0 if the engine has rolled the transaction back by itself
-    std::string_view timeLimit;      ///< sets after how many seconds a statement ends, in front of the number
+    /// A select of 1 if other nodes of a cluster may end a transaction without telling so, after which the engine would
+    /// commit each later statement of the transaction by itself.
+    std::string_view inCluster;
+    Long noSavepoint = 0;        ///< the code of the failure for a savepoint that the transaction lacks
+    std::string_view timeLimit;  ///< sets after how many seconds a statement ends, in front of the number
     std::span<const OdbcNumber> numbers;
     std::span<const Long> forgotten;  ///< the codes of failures after which a statement must be prepared again
 

@@ -16,7 +16,7 @@ namespace {
 class OdbcSession final : public ServerSession<OdbcStatement, OdbcLink, OdbcCatalog> {
 public:
     OdbcSession(const ConnectionString& settings, Long timeout)
-        : ServerSession(settings, timeout), values_(link_.Dialect().utf8) {}
+        : ServerSession(settings, timeout), values_(link_.Dialect().utf8), inCluster_(IsInCluster()) {}
 
     /// A driver refuses to disconnect while a transaction is open.
     ~OdbcSession() override {
@@ -44,47 +44,82 @@ public:
     String Quoted(std::string_view name) const override { return link_.Quoted(name); }
 
     void Begin(Long level) override {
-        if (level == 1)
+        if (level == 1) {
+            if (inCluster_) Command("SET autocommit=0");
             link_.Begin();
-        else
-            Command("SAVEPOINT level" + CStr(level));
-        inTransaction_ = true;
+            inTransaction_ = true;
+        }
+        if (level > 1 || inCluster_) Command("SAVEPOINT level" + CStr(level));
     }
     void Commit(Long level) override {
-        if (level > 1) return Command("RELEASE SAVEPOINT level" + CStr(level));
+        if (level > 1 || inCluster_) Release(level);
+        if (level > 1) return;
         link_.End(true);
-        inTransaction_ = false;
+        LeaveTransaction();
     }
     void RollBack(Long level) override {
         if (!InTransaction()) return;
         if (level > 1) {
             Command("ROLLBACK TO SAVEPOINT level" + CStr(level));
-            return Command("RELEASE SAVEPOINT level" + CStr(level));
+            return Release(level);
         }
         link_.End(false);
-        inTransaction_ = false;
+        LeaveTransaction();
     }
     bool InTransaction() const override { return inTransaction_ && !link_.IsBroken(); }
 
 private:
+    bool IsInCluster() {
+        if (link_.Dialect().inCluster.empty()) return false;
+        try {
+            return link_.Number(link_.Dialect().inCluster) != 0;
+        } catch (const Error&) {  // an engine that was built without clusters
+            return false;
+        }
+    }
+
     void Command(const String& text) {
         const OdbcHandle handle = link_.NewStatement(text);
         if (const auto failure = link_.ExecuteText(handle, text)) Fail(*failure, text);
     }
 
+    /// Releases the savepoint of a level. In a cluster, raises `LockConflict` if the transaction lacks it: another node
+    /// has ended the transaction, and what ran since then is rolled back.
+    void Release(Long level) {
+        const String text = "RELEASE SAVEPOINT level" + CStr(level);
+        const OdbcHandle handle = link_.NewStatement(text);
+        auto failure = link_.ExecuteText(handle, text);
+        if (!failure) return;
+        if (!inCluster_ || failure->native != link_.Dialect().noSavepoint) Fail(*failure, text);
+        link_.End(false);
+        LeaveTransaction();
+        throw Error(LockConflict, link_.Engine(), "Another node of the cluster has ended the transaction.");
+    }
+
+    /// Notes that the transaction has ended. With autocommit off, a statement after it would begin another one.
+    void LeaveTransaction() {
+        inTransaction_ = false;
+        if (inCluster_) Command("SET autocommit=1");
+    }
+
+    /// Asks the engine whether it has rolled the transaction back.
+    void AskForTransaction() {
+        if (link_.Number(link_.Dialect().inTransaction) != 0) return;
+        if (inCluster_) link_.End(false);
+        LeaveTransaction();
+    }
+
     /// Raises the failure of a statement, after asking the engine whether it has rolled the transaction back.
     [[noreturn]] void Fail(const OdbcFailure& failure, std::string_view text) {
         const bool asks = inTransaction_ && !link_.Dialect().inTransaction.empty();
-        if (asks && NumberOfOdbc(failure, link_.Dialect()) != ConnectionLost)
-            inTransaction_ = link_.Number(link_.Dialect().inTransaction) != 0;
+        if (asks && NumberOfOdbc(failure, link_.Dialect()) != ConnectionLost) AskForTransaction();
         link_.Raise(failure, text);
     }
 
     /// Notes that the engine has rolled the transaction back, if it did so when it raised this number for any
     /// statement, those by which the driver and the catalog describe tables included.
     void LookAfter(Long number) {
-        if (number == LockConflict && inTransaction_ && !link_.Dialect().inTransaction.empty())
-            inTransaction_ = link_.Number(link_.Dialect().inTransaction) != 0;
+        if (number == LockConflict && inTransaction_ && !link_.Dialect().inTransaction.empty()) AskForTransaction();
     }
 
     template <class F>
@@ -153,8 +188,14 @@ private:
         return Asking([&] {
             OdbcStatement& statement = statements_.KeepOnce({});
             if (const auto failure = Execute(statement, text)) Fail(*failure, text);
+            if (inCluster_ && inTransaction_ && Commits(text)) Command("SAVEPOINT level1");
             return OutcomeOf(statement, text);
         });
+    }
+
+    /// Returns true for a statement that commits the open transaction, and its savepoints with it.
+    static bool Commits(std::string_view text) {
+        return ChangesDefinitions(text) || EqualsIgnoringCase(String(text.substr(0, 5)), "START");
     }
 
     /// Runs a text with sorted rows, and as it is if the engine rejects that.
@@ -199,6 +240,7 @@ private:
     }
 
     OdbcValues values_;
+    const bool inCluster_;
     bool inTransaction_ = false;
 };
 
