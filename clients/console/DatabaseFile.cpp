@@ -84,7 +84,9 @@ const char* AdviceOnServer(Long number) {
         case ADODB::NoPermission: return "the server does not permit this; ask its administrator for the right";
         case ADODB::LockConflict: return "another program changed the same rows; run the command again";
         case ADODB::TimedOut: return "the server did not answer in time; run the command again";
-        case ADODB::ConnectionLost: return "the connection to the server is lost; run the command again";
+        case ADODB::ConnectionLost:
+            return "the connection to the server is lost; look whether the change was stored, and "
+                   "run the command again";
         default: return nullptr;
     }
 }

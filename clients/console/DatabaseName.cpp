@@ -2,6 +2,8 @@
 
 #include "platform/runtime/Text.h"
 
+#include <algorithm>
+
 namespace Console {
 
 using namespace Platform;
@@ -13,9 +15,44 @@ bool MayHavePassword(const std::string& database) {
     return Platform::Contains(small, "password") || Platform::Contains(small, "pwd");
 }
 
+/// The settings that messages show.
+constexpr std::string_view ShownSettings[] = {"provider",
+                                              "server",
+                                              "port",
+                                              "database",
+                                              "user id",
+                                              "dsn",
+                                              "driver",
+                                              "socket",
+                                              "service",
+                                              "ssl mode",
+                                              "application name",
+                                              "mode",
+                                              "data source",
+                                              "password file",
+                                              "ssl root certificate",
+                                              "persist security info"};
+
+/// Throws `UserError` for a text that seems to be a connection string and names no provider, because a file of its name
+/// would be made.
+void RequireProvider(const std::string& database) {
+    const std::string small = LCase(Trim(database));
+    bool settings = Platform::Contains(small, "://");
+    for (const char* const key : {"provider", "server", "host", "dbname", "database", "dsn", "driver", "user id", "uid",
+                                  "user", "password", "pwd", "port"})
+        settings |= small.starts_with(key) && Trim(small.substr(std::string_view(key).size())).starts_with("=");
+    if (settings)
+        throw UserError(
+            "a connection string names its provider, as in \"Provider=PostgreSQL;Server=db;Database=clinic\"");
+}
+
 }  // namespace
 
-bool IsConnectionString(const std::string& database) { return Contains(LCase(database), "provider="); }
+bool IsConnectionString(const std::string& database) {
+    if (Contains(LCase(database), "provider=")) return true;
+    RequireProvider(database);
+    return false;
+}
 
 std::string ConnectionStringOf(const std::string& database, const std::string& mode) {
     if (IsConnectionString(database)) return database;
@@ -38,8 +75,16 @@ bool NamesServer(const std::string& database) {
 }
 
 std::string ShownName(const std::string& database) {
-    if (!IsConnectionString(database) || !MayHavePassword(database)) return database;
-    return SettingsOf(database).TextWithout({"Password", "Pwd"});
+    if (!IsConnectionString(database)) return database;
+    const ADODB::ConnectionString settings = SettingsOf(database);
+    ADODB::ConnectionString shown("");
+    bool all = true;
+    for (const auto& [key, value] : settings.All()) {
+        const bool isShown = std::ranges::find(ShownSettings, key) != std::end(ShownSettings);
+        if (isShown) shown.Set(key, value);
+        all = all && isShown;
+    }
+    return all ? database : shown.TextWithout({});
 }
 
 }  // namespace Console

@@ -9,7 +9,8 @@ namespace Console {
 /// Returns the connection string of a file. Returns a text that already is a connection string unchanged.
 std::string ConnectionStringOf(const std::string& database, const std::string& mode = {});
 
-/// Returns true for a text that is a connection string, false for the name of a file.
+/// Returns true for a text that is a connection string, false for the name of a file. Throws `UserError` for one that
+/// seems to be a connection string and names no provider.
 bool IsConnectionString(const std::string& database);
 
 /// Returns the settings of a connection string. Throws `UserError` for one that may have a password and can't be
@@ -20,8 +21,8 @@ ADODB::ConnectionString SettingsOf(const std::string& database);
 /// `ShownName`.
 bool NamesServer(const std::string& database);
 
-/// Returns a file or a connection string as messages show it: a connection string with a password has it removed.
-/// Throws `UserError` for one that may have a password and can't be parsed.
+/// Returns a file or a connection string as messages show it: without the settings that are not known to be public,
+/// such as passwords. Throws as `IsConnectionString` and `SettingsOf`.
 std::string ShownName(const std::string& database);
 
 }  // namespace Console

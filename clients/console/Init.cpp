@@ -50,6 +50,17 @@ void Fill(const fs::path& file, const fs::path& root, const std::string& databas
     con->Close();
 }
 
+/// Throws `UserError` for a database on a server that can't store all texts, or compares them in another way.
+void RequireUnicode(const Ref<Connection>& con) {
+    const bool postgres = EngineOf(con) == Engine::PostgreSQL;
+    const char* const question = postgres ? "SELECT getdatabaseencoding()" : "SELECT @@collation_database";
+    const char* const answer = postgres ? "UTF8" : "utf8mb4_nopad_bin";
+    const std::string found = con->Execute(question)->Fields(0).As<Platform::String>();
+    if (found == answer) return;
+    throw UserError(fmt::format("the database has {} {} in place of {}; make it as docs/engines.md shows",
+                                postgres ? "the encoding" : "the collation", found, answer));
+}
+
 /// Makes the tables in an empty database on a server.
 void InitOnServer(const std::string& database, const std::string& root, bool replace) {
     const std::string name = ShownName(database);
@@ -61,6 +72,7 @@ void InitOnServer(const std::string& database, const std::string& root, bool rep
     } catch (const Platform::Error& failure) {
         throw UserError(fmt::format("{} can't be opened: {}", name, ExplanationOf(failure)));
     }
+    RequireUnicode(con);
     ADODB::Transaction transaction(con);
     if (!MayBecomeClinic(con))
         throw UserError(

@@ -202,7 +202,7 @@ void AlignCounters(const Ref<Connection>& con) {
     if (EngineOf(con) != Engine::PostgreSQL) return;
     const Ref<Recordset> counters = con->Execute(
         "SELECT c.relname, a.attname FROM pg_attribute a JOIN pg_class c ON c.oid = a.attrelid "
-        "WHERE a.attidentity <> '' AND c.relkind = 'r' AND c.relnamespace = current_schema()::regnamespace");
+        "WHERE a.attidentity <> '' AND c.relkind = 'r' AND pg_table_is_visible(c.oid)");
     for (; !counters->Eof(); counters->MoveNext()) {
         const String table = counters->Fields(0).As<String>(), key = counters->Fields(1).As<String>();
         con->Execute(sql("SELECT setval(pg_get_serial_sequence('", FixSqlString(table), "', '", FixSqlString(key),

@@ -600,4 +600,44 @@ TEST_F(OnServer, OneOfTwoUpgradesAtOnceFindsNothingToDo) {
     EXPECT_EQ(OnClinic({"schema", "check"}).code, 0);
 }
 
+TEST_F(OnServer, AnInterruptedDowngradeIsCompletedOrHasNoEffect) {
+    InitServer();
+    const Console::Engine engine = OnMariaDb() ? Console::Engine::MariaDB : Console::Engine::PostgreSQL;
+    const std::vector<std::string> statements = Console::ChangeStatements(engine, 2, 1);
+    for (std::size_t run = 1; run < statements.size(); ++run) {
+        {
+            const Ref<ADODB::Connection> con = Open(Clinic());
+            con->BeginTrans();
+            for (std::size_t i = 0; i < run; ++i) con->Execute(statements[i]);
+            con->RollbackTrans();
+        }
+        const Result downgraded = OnClinic({"schema", "downgrade", "1"});
+        EXPECT_EQ(downgraded.code, 0) << downgraded.err;
+        EXPECT_EQ(OnClinic({"schema", "check"}).out, "0 differences from the tables of version 1.\n") << run;
+        ASSERT_EQ(OnClinic({"schema", "upgrade"}).code, 0);
+    }
+}
+
+TEST_F(OnServer, TablesAreFoundBesideASchemaOfTheUsersName) {
+    if (OnMariaDb()) GTEST_SKIP() << "schemas are databases there";
+    InitServer();
+    Open(Clinic())->Execute("CREATE SCHEMA oxclass");
+    EXPECT_EQ(OnClinic({"schema", "check"}).out, "0 differences from the tables of version 2.\n");
+    Init();
+    Run("INSERT INTO Clinic_T (ClinicID, ClinicName) VALUES (7, 'North')");
+    ASSERT_EQ(On(Database(), {"copy", "--to", Clinic()}).code, 0);
+    Open(Clinic())->Execute("INSERT INTO Clinic_T (ClinicName) VALUES ('South')");
+    EXPECT_EQ(Open(Clinic())->Execute("SELECT max(ClinicID) FROM Clinic_T")->Fields(0).As<Platform::Long>(), 8);
+}
+
+TEST_F(OnServer, InitRefusesADatabaseThatCannotStoreAllTexts) {
+    administrator_->Execute("DROP DATABASE " + name_);
+    administrator_->Execute("CREATE DATABASE " + name_ +
+                            (OnMariaDb() ? " CHARACTER SET latin1" : " TEMPLATE template0 ENCODING 'SQL_ASCII'"));
+    const Result refused = Try({"init", Clinic(), "--root", Root().string()});
+    EXPECT_EQ(refused.code, 1);
+    EXPECT_THAT(refused.err, HasSubstr("make it as docs/engines.md shows"));
+    EXPECT_THAT(OnClinic({"patients"}).err, HasSubstr("is not a clinic database"));
+}
+
 }  // namespace

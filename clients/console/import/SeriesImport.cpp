@@ -164,7 +164,6 @@ void StoreFileName(const Ref<Connection>& con, Long image, const std::string& na
 
 SeriesImport::SeriesImport(Ref<Connection> con, PatientDecision decision)
     : con_(std::move(con)), decision_(std::move(decision)), roots_(con_), root_(roots_.ActiveRoot()) {
-    claims_ = HasTable(con_, "ImportedImage_T");
     if (!decision_.patient.empty()) decidedPatient_ = LoadPatient(con_, decision_.patient)->ID;
     RemoveLeftovers(con_, roots_.Folder(root_));
 }
@@ -292,6 +291,7 @@ void SeriesImport::StoreRows(const std::vector<NewImage>& images, SeriesResult& 
 void SeriesImport::TryToStoreRows(const std::vector<NewImage>& images, SeriesResult& result) {
     storedNew_.reset();
     WriteTransaction transaction(con_);
+    claims_ = HasTable(con_, "ImportedImage_T");
     NamedFiles names(roots_.Folder(root_));
     bool committing = false;
     try {

@@ -1,4 +1,5 @@
 #include "console/Commands.h"
+#include "console/DatabaseName.h"
 #include "console/Program.h"
 #include "console/maintenance/ClinicBackup.h"
 
@@ -20,6 +21,8 @@ void Print(Program& program, const BackupResult& result, const char* done, const
 }
 
 void RunRestore(Program& program, const std::string& folder, const std::string& file, const std::string& root) {
+    if (IsConnectionString(file))
+        throw UserError("restore makes a file; bring it to a server with: oxclass --db FILE copy --to DATABASE");
     const fs::path target = root.empty() ? fs::absolute(file).parent_path() / "images" : fs::path(root);
     const BackupResult result = Restore(folder, file, target);
     if (!result.made)

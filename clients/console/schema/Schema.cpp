@@ -53,6 +53,8 @@ Long LowerVersion(const Options& options, const std::string& given) {
     const Long version = SchemaVersionOf(Database(options).Con());
     const Long to = given.empty() ? version - 1 : NumberOf(given, "a version");
     if (to < 1) throw UserError("version 1 is the first; there is no lower one");
+    if (to > KnownSchemaVersion)
+        throw UserError(fmt::format("this program knows versions up to {}", KnownSchemaVersion));
     if (to > version)
         throw UserError(
             fmt::format("the tables have version {}, which is lower; use: oxclass schema upgrade", version));
@@ -93,8 +95,8 @@ void AddSchema(Program& program) {
     auto* upgrade = schema->add_subcommand("upgrade", "change the tables to the newest version");
     upgrade->add_flag("--dry-run", given->dryRun, "print the statements and change nothing");
     upgrade->footer(
-        "A database file is copied to FILE.version-N first. Writers wait until the upgrade ends.\n"
-        "On MariaDB an interrupted upgrade is completed by the same command; elsewhere it has no effect.\n"
+        "A database file is copied to FILE.version-N first. Writers wait until the upgrade ends, but not on\n"
+        "MariaDB. There an interrupted upgrade is completed by the same command; elsewhere it has no effect.\n"
         "Example: oxclass schema upgrade --dry-run");
     upgrade->callback([&program, given] { Upgrade(program.options, given->dryRun); });
 

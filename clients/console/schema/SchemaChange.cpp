@@ -81,7 +81,8 @@ private:
 SchemaChange ChangeStepByStep(const Ref<Connection>& con, Long to) {
     const NamedLock lock(con);
     const SchemaChange change{SchemaVersionOf(con), {}};
-    Run(con, Engine::MariaDB, change.from, to);
+    // The statements of a downgrade can be repeated, so that an interrupted one is completed.
+    Run(con, Engine::MariaDB, to <= change.from ? KnownSchemaVersion : change.from, to);
     return change;
 }
 

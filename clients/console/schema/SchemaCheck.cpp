@@ -67,6 +67,9 @@ struct CatalogQueries {
     std::vector<std::string> plain, withoutCase;
 };
 
+/// The condition for the tables of PostgreSQL that statements find without the name of a schema.
+#define VISIBLE "pg_table_is_visible(c.oid) AND c.relnamespace <> 'pg_catalog'::regnamespace"
+
 const CatalogQueries& QueriesOf(Engine engine) {
     static const CatalogQueries sqlite{
         "SELECT name, sql FROM sqlite_schema WHERE type = 'table' AND name NOT LIKE 'sqlite_%' ORDER BY name",
@@ -78,8 +81,7 @@ const CatalogQueries& QueriesOf(Engine engine) {
         {},
         {}};
     static const CatalogQueries postgresql{
-        "SELECT relname FROM pg_class WHERE relkind = 'r' AND relnamespace = current_schema()::regnamespace "
-        "ORDER BY relname",
+        "SELECT c.relname FROM pg_class c WHERE c.relkind = 'r' AND " VISIBLE " ORDER BY c.relname",
         "SELECT c.relname, a.attname, pg_get_expr(d.adbin, d.adrelid), a.attnotnull::int, "
         "coalesce(a.attnum = ANY (k.indkey), false)::int, (a.attidentity <> '')::int, "
         "CASE WHEN t.typname = 'citext' THEN 'citext' WHEN l.collname = 'default' THEN b.datcollate ELSE l.collname "
@@ -89,15 +91,17 @@ const CatalogQueries& QueriesOf(Engine engine) {
         "LEFT JOIN pg_attrdef d ON d.adrelid = c.oid AND d.adnum = a.attnum "
         "LEFT JOIN pg_index k ON k.indrelid = c.oid AND k.indisprimary "
         "LEFT JOIN pg_collation l ON l.oid = a.attcollation "
-        "WHERE c.relkind = 'r' AND c.relnamespace = current_schema()::regnamespace AND a.attnum > 0 "
+        "WHERE c.relkind = 'r' AND " VISIBLE
+        " AND a.attnum > 0 "
         "AND NOT a.attisdropped ORDER BY c.relname, a.attnum",
         "SELECT c.relname, x.relname, i.indisunique::int, "
         "string_agg(a.attname, ', ' ORDER BY array_position(i.indkey::int2[], a.attnum)) "
         "FROM pg_index i JOIN pg_class c ON c.oid = i.indrelid JOIN pg_class x ON x.oid = i.indexrelid "
         "JOIN pg_attribute a ON a.attrelid = c.oid AND a.attnum = ANY (i.indkey) "
-        "WHERE c.relnamespace = current_schema()::regnamespace AND NOT i.indisprimary "
+        "WHERE " VISIBLE
+        " AND NOT i.indisprimary "
         "GROUP BY c.relname, x.relname, i.indisunique",
-        {"C", "POSIX"},
+        {"C", "POSIX", "C.UTF-8", "C.utf8"},
         {"citext"}};
     static const CatalogQueries mariaDb{
         "SELECT table_name FROM information_schema.tables WHERE table_schema = database() "
@@ -241,7 +245,7 @@ private:
         const std::size_t before = differences_.size();
         for (const auto& [name, column] : expected.columns)
             if (const auto other = found.columns.find(name); other != found.columns.end())
-                CompareColumns(column, other->second, Platform::Contains(expected.key, name));
+                CompareColumns(column, other->second, Platform::Contains(", " + expected.key + ",", ", " + name + ","));
             else
                 Add("has no column " + column.name);
         for (const auto& [name, column] : found.columns)

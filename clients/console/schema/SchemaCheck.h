@@ -11,9 +11,10 @@ struct SchemaDifference {
 };
 
 /// Compares tables, columns with their types, widths, defaults and collations, keys and indexes of an open clinic
-/// database with those of a version. Reads the catalog of the engine and changes nothing; the tables of the version are
-/// created in a temporary file. Tables of the program that were never needed may be missing. Raises what the engine
-/// raises.
+/// database with those of a version. Of an index of a server, the columns and whether it is unique are compared;
+/// triggers, other constraints and storage engines of servers are not. Reads the catalog of the engine and changes
+/// nothing; the tables of the version are created in memory. Tables of the program that were never needed may be
+/// missing. Raises what the engine raises.
 std::vector<SchemaDifference> CompareSchema(const Ref<Connection>& con, Platform::Long version);
 
 }  // namespace Console

@@ -54,6 +54,19 @@ protected:
     }
 };
 
+// ---- sorted rows ------------------------------------------------------------------------------------
+
+TEST_F(PostgresTest, RowsAreReadAfterTheKeyOfTheirTableWasRenamed) {
+    Run("CREATE TABLE sorted (id integer PRIMARY KEY, name text)");
+    Run("INSERT INTO sorted VALUES (2, 'b'), (1, 'a')");
+    EXPECT_EQ(AskAll("SELECT * FROM sorted"), "1,2");
+    Connect()->Execute("ALTER TABLE sorted RENAME COLUMN id TO id2");
+    EXPECT_EQ(AskAll("SELECT * FROM sorted"), "1,2");
+    EXPECT_EQ(AskAll("SELECT name FROM sorted"), "a,b");
+    EXPECT_EQ(AskAll("SELECT id2 FROM sorted TABLESAMPLE SYSTEM (100) ORDER BY 1"), "1,2");
+    EXPECT_EQ(AskAll("SELECT id2 FROM sorted TABLESAMPLE SYSTEM (100)"), "2,1");
+}
+
 // ---- transactions -----------------------------------------------------------------------------------
 
 TEST_F(PostgresTest, AFailedStatementLeavesTheTransactionUsable) {

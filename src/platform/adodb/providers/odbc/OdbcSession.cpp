@@ -44,12 +44,12 @@ public:
     String Quoted(std::string_view name) const override { return link_.Quoted(name); }
 
     void Begin(Long level) override {
-        if (level == 1) {
-            if (inCluster_) Command("SET autocommit=0");
+        if (level > 1) return Command("SAVEPOINT level" + CStr(level));
+        if (inCluster_)
+            BeginInCluster();
+        else
             link_.Begin();
-            inTransaction_ = true;
-        }
-        if (level > 1 || inCluster_) Command("SAVEPOINT level" + CStr(level));
+        inTransaction_ = true;
     }
     void Commit(Long level) override {
         if (level > 1 || inCluster_) Release(level);
@@ -94,6 +94,21 @@ private:
         link_.End(false);
         LeaveTransaction();
         throw Error(LockConflict, link_.Engine(), "Another node of the cluster has ended the transaction.");
+    }
+
+    /// Begins a transaction whose savepoint tells at its end whether it is still the same.
+    void BeginInCluster() {
+        Command("SET autocommit=0");
+        try {
+            link_.Begin();
+            Command("SAVEPOINT level1");
+        } catch (const Error& failure) {
+            if (failure.Number != ConnectionLost) {
+                link_.End(false);
+                Command("SET autocommit=1");
+            }
+            throw;
+        }
     }
 
     /// Notes that the transaction has ended. With autocommit off, a statement after it would begin another one.

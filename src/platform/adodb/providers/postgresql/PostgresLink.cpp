@@ -126,8 +126,8 @@ PostgresLink::PostgresLink(const ConnectionString& settings, Long timeout) {
     if (PQstatus(connection_.get()) != CONNECTION_OK) {
         const String message = MessageOf(PQerrorMessage(connection_.get()));
         const bool late = timeout > 0 && std::chrono::steady_clock::now() - start >= std::chrono::seconds(timeout);
-        const bool refused =
-            PQconnectionNeedsPassword(connection_.get()) != 0 || PQconnectionUsedPassword(connection_.get()) != 0;
+        const bool refused = PQconnectionNeedsPassword(connection_.get()) != 0 ||
+                             (PQconnectionUsedPassword(connection_.get()) != 0 && !Contains(message, "does not exist"));
         connection_.reset();
         RaisePostgres(late      ? TimedOut
                       : refused ? LoginFailed

@@ -214,6 +214,12 @@ private:
     Outcome RunPrepared(PostgresStatement& statement, std::string_view text) override {
         values_.Set(statement, literals_);
         std::vector<PostgresResult> results = RunWithValues(statement, text);
+        if (!text.empty() && PostgresLink::FailureState(results) == "42703") {
+            // A column was renamed or dropped since, perhaps one by which the rows are sorted.
+            statements_.Clear();
+            catalog_.Forget();
+            return RunText(text);
+        }
         // In a text the server rounds a number for a column of whole numbers; as a parameter it rejects it.
         if (!text.empty() && HasReal() && PostgresLink::FailureState(results) == "22P02") return RunText(text);
         PostgresLink::RaiseFirstFailure(results, text);
@@ -224,6 +230,13 @@ private:
         const PostgresText translated = ForPostgres(text, {}, keys_);
         std::vector<PostgresResult> results =
             Try(text, translated.readsOnly, [&] { link_.QueueText(translated.text); });
+        if (const String state = PostgresLink::FailureState(results); state == "42703" || state == "42601") {
+            // The keys by which the rows are sorted may be out of date, or have no place in this statement.
+            catalog_.Forget();
+            const PostgresText plain = ForPostgres(text, {}, {});
+            if (plain.text != translated.text)
+                results = Try(text, plain.readsOnly, [&] { link_.QueueText(plain.text); });
+        }
         PostgresLink::RaiseFirstFailure(results, text);
         const auto columns = catalog_.ColumnsOf(results.back().get(), text);
         return OutcomeOf(std::move(results.back()), columns);
