@@ -223,6 +223,7 @@ void RemoveImages(const Options& options, const std::string& key, const std::vec
     const Database database(options);
     std::set<Long> removed;
     const Ref<cImagecard> stored = ChangeCard(database, key, [&](cImagecard& changed) {
+        removed.clear();  // of an attempt that met a conflict
         for (const std::string& number : numbers) {
             cImagecardAttribute& placed = Placed(changed, number);
             placed.ToBeDeleted = true;

@@ -132,6 +132,11 @@ TEST_F(Schema, CheckNamesEachDifference) {
          "does not number its key"},
         {"UPDATE sqlite_schema SET sql = replace(sql, 'Sex_CH NVARCHAR(16)', 'Sex_CH NVARCHAR(16) CHECK (1)')",
          "is defined in another way"},
+        {"DROP INDEX Patient_by_PersonNr; CREATE INDEX Patient_by_PersonNr ON Patient_T (PersonNr_CH DESC)",
+         "has an index Patient_by_PersonNr of another kind"},
+        {"DROP INDEX Patient_by_PersonNr; CREATE INDEX Patient_by_PersonNr ON Patient_T (PersonNr_CH) WHERE Sex_CH = "
+         "'F'",
+         "has an index Patient_by_PersonNr of another kind"},
     };
     const std::string sound = (folder.Path() / "sound.db").string();
     Run("VACUUM INTO '" + sound + "'");
@@ -147,6 +152,13 @@ TEST_F(Schema, CheckNamesEachDifference) {
         EXPECT_EQ(found.code, 3) << change;
         EXPECT_THAT(found.out, HasSubstr(text)) << change;
     }
+}
+
+TEST_F(Schema, CheckNamesATrigger) {
+    Run("CREATE TRIGGER mine AFTER INSERT ON Patient_T BEGIN DELETE FROM Patient_T; END");
+    const Result found = OnFile({"schema", "check"});
+    EXPECT_EQ(found.code, 3);
+    EXPECT_THAT(found.out, HasSubstr("has a trigger mine"));
 }
 
 TEST_F(Schema, AnImportRecordsItsImagesFromVersion2On) {

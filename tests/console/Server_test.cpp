@@ -549,13 +549,26 @@ TEST_F(OnServer, CheckOfTheTablesNamesEachDifference) {
     con->Execute("ALTER TABLE Patient_T" + change +
                  (OnMariaDb() ? "PersonNr_CH varchar(64)" : "PersonNr_CH TYPE varchar(64) COLLATE \"C\""));
     con->Execute("CREATE TABLE other (a int)");
+    con->Execute("ALTER TABLE Doctor_T ADD CONSTRAINT named CHECK (DrType_INT > 0)");
+    con->Execute(OnMariaDb() ? "CREATE INDEX descending ON comments_t (dates)"
+                             : "CREATE INDEX descending ON Comments_T (dates DESC)");
+    if (OnMariaDb()) {
+        con->Execute("CREATE TRIGGER acts BEFORE INSERT ON doctor_t FOR EACH ROW SET NEW.DrType_INT = 1");
+        con->Execute("ALTER TABLE root_t ENGINE = MyISAM");
+        con->Execute("ALTER TABLE globallist_t MODIFY ListText text");
+    } else {
+        con->Execute(
+            "CREATE TRIGGER acts BEFORE UPDATE ON Doctor_T FOR EACH ROW EXECUTE FUNCTION "
+            "suppress_redundant_updates_trigger()");
+    }
     const Result found = OnClinic({"schema", "check"});
     EXPECT_EQ(found.code, 3);
     for (const char* const text :
          {"has no index patient_by_personnr (personnr_ch)",
           "column studyID is text of 17 characters in place of text of 16", "has no column PhysOfRecord",
           "default of column location is 3 in place of none", "does not number its key",
-          "comparison of column PersonNr_CH is none in place of without case", "is not a table of this version"})
+          "comparison of column PersonNr_CH is none in place of without case", "is not a table of this version",
+          "has a constraint named", "has a trigger acts", "has an index descending"})
         EXPECT_THAT(found.out, HasSubstr(text));
     if (OnMariaDb())
         EXPECT_THAT(found.out, HasSubstr("comparison of column Modality is utf8mb4_general_ci in place of none"));

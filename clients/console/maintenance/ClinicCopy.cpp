@@ -287,10 +287,19 @@ void PrepareTarget(const Ref<Connection>& target) {
     }
 }
 
+/// Returns true if two connections are to the same database, as far as their settings tell.
+bool AreOfOneDatabase(const Ref<Connection>& one, const Ref<Connection>& other) {
+    if (one->ConnectionString() == other->ConnectionString()) return true;
+    const std::string file = SettingsOf(one->ConnectionString()).Value("Data Source");
+    const std::string otherFile = SettingsOf(other->ConnectionString()).Value("Data Source");
+    std::error_code missing;
+    return std::filesystem::equivalent(file, otherFile, missing);
+}
+
 }  // namespace
 
 std::vector<CopiedTable> CopyClinic(const Database& source, const Ref<Connection>& target) {
-    if (source.Con()->ConnectionString() == target->ConnectionString())
+    if (AreOfOneDatabase(source.Con(), target))
         throw UserError("the target is the clinic itself; name another database");
     ReadOneState(source.Con());
     const ADODB::Transaction reading(source.Con());

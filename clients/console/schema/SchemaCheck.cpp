@@ -63,6 +63,8 @@ struct CatalogQueries {
     const char* columns;
     /// Index, unique, columns.
     const char* indexes;
+    /// The clause of a difference: what the tables of no version have, and what the other queries do not compare.
+    const char* others;
     /// What the catalog calls the comparison by characters' numbers, and the one without case.
     std::vector<std::string> plain, withoutCase;
 };
@@ -78,6 +80,10 @@ const CatalogQueries& QueriesOf(Engine engine) {
         "SELECT m.name, i.name, i.\"unique\", group_concat(c.name, ', ') "
         "FROM sqlite_schema m, pragma_index_list(m.name) i, pragma_index_info(i.name) c "
         "WHERE m.type = 'table' AND i.origin = 'c' GROUP BY m.name, i.name",
+        "SELECT tbl_name, 'has a trigger ' || name FROM sqlite_schema WHERE type = 'trigger' "
+        "UNION ALL SELECT m.name, 'has an index ' || i.name || ' of another kind' FROM sqlite_schema m, "
+        "pragma_index_list(m.name) i WHERE m.type = 'table' AND (i.partial OR EXISTS "
+        "(SELECT 1 FROM pragma_index_xinfo(i.name) x WHERE x.\"desc\" OR x.cid = -2))",
         {},
         {}};
     static const CatalogQueries postgresql{
@@ -101,6 +107,16 @@ const CatalogQueries& QueriesOf(Engine engine) {
         "WHERE " VISIBLE
         " AND NOT i.indisprimary "
         "GROUP BY c.relname, x.relname, i.indisunique",
+        "SELECT c.relname, 'has a trigger ' || t.tgname FROM pg_trigger t JOIN pg_class c ON c.oid = t.tgrelid "
+        "WHERE NOT t.tgisinternal AND " VISIBLE
+        " UNION ALL SELECT c.relname, 'has a constraint ' || k.conname || ': ' || pg_get_constraintdef(k.oid) "
+        "FROM pg_constraint k JOIN pg_class c ON c.oid = k.conrelid WHERE k.contype IN ('f', 'c', 'x') "
+        "AND pg_get_constraintdef(k.oid) NOT LIKE 'CHECK ((length(%) <= %))' AND " VISIBLE
+        " UNION ALL SELECT c.relname, 'has an index ' || x.relname || ' of another kind: ' || "
+        "pg_get_indexdef(x.oid) FROM pg_index i JOIN pg_class c ON c.oid = i.indrelid "
+        "JOIN pg_class x ON x.oid = i.indexrelid JOIN pg_am a ON a.oid = x.relam "
+        "WHERE (i.indpred IS NOT NULL OR i.indexprs IS NOT NULL OR NOT i.indisvalid OR a.amname <> 'btree' "
+        "OR EXISTS (SELECT 1 FROM unnest(i.indoption::int2[]) o WHERE o & 1 = 1)) AND " VISIBLE,
         {"C", "POSIX", "C.UTF-8", "C.utf8"},
         {"citext"}};
     static const CatalogQueries mariaDb{
@@ -112,6 +128,20 @@ const CatalogQueries& QueriesOf(Engine engine) {
         "SELECT table_name, index_name, non_unique = 0, "
         "group_concat(column_name ORDER BY seq_in_index SEPARATOR ', ') FROM information_schema.statistics "
         "WHERE table_schema = database() AND index_name <> 'PRIMARY' GROUP BY table_name, index_name, non_unique",
+        "SELECT event_object_table, concat('has a trigger ', trigger_name) FROM information_schema.triggers "
+        "WHERE trigger_schema = database() "
+        "UNION ALL SELECT table_name, concat('has a constraint ', constraint_name) "
+        "FROM information_schema.table_constraints WHERE table_schema = database() "
+        "AND constraint_type IN ('FOREIGN KEY', 'CHECK') "
+        "UNION ALL SELECT table_name, concat('has the storage engine ', engine, ' in place of InnoDB') "
+        "FROM information_schema.tables WHERE table_schema = database() AND table_type = 'BASE TABLE' "
+        "AND engine <> 'InnoDB' "
+        "UNION ALL SELECT table_name, concat('column ', column_name, ' is ', data_type, ' in place of longtext') "
+        "FROM information_schema.columns WHERE table_schema = database() "
+        "AND data_type IN ('tinytext', 'text', 'mediumtext') "
+        "UNION ALL SELECT DISTINCT table_name, concat('has an index ', index_name, ' of another kind') "
+        "FROM information_schema.statistics WHERE table_schema = database() "
+        "AND (collation = 'D' OR index_type <> 'BTREE' OR ignored = 'YES' OR sub_part IS NOT NULL)",
         {"utf8mb4_nopad_bin"},
         {"utf8mb4_uca1400_nopad_as_ci"}};
     switch (engine) {
@@ -299,7 +329,11 @@ private:
 }  // namespace
 
 std::vector<SchemaDifference> CompareSchema(const Ref<Connection>& con, Long version) {
-    return Comparison(FactsOf(version), CatalogReader(con, EngineOf(con)).Read()).Differences();
+    const Engine engine = EngineOf(con);
+    auto differences = Comparison(FactsOf(version), CatalogReader(con, engine).Read()).Differences();
+    for (const Ref<Recordset> row = con->Execute(QueriesOf(engine).others); !row->Eof(); row->MoveNext())
+        differences.push_back({LCase(TextOf(row, 0)), TextOf(row, 1)});
+    return differences;
 }
 
 }  // namespace Console

@@ -11,8 +11,8 @@ struct SchemaDifference {
 };
 
 /// Compares tables, columns with their types, widths, defaults and collations, keys and indexes of an open clinic
-/// database with those of a version. Of an index of a server, the columns and whether it is unique are compared;
-/// triggers, other constraints and storage engines of servers are not. Reads the catalog of the engine and changes
+/// database with those of a version. Triggers, other constraints, indexes of another kind (partial, descending, of
+/// expressions) and other storage engines than InnoDB are differences. Reads the catalog of the engine and changes
 /// nothing; the tables of the version are created in memory. Tables of the program that were never needed may be
 /// missing. Raises what the engine raises.
 std::vector<SchemaDifference> CompareSchema(const Ref<Connection>& con, Platform::Long version);

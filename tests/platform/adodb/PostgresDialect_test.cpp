@@ -32,6 +32,15 @@ TEST(PostgresDialect, LeavesWhatTheServerCanParse) {
         EXPECT_EQ(Translated(same), same);
 }
 
+TEST(PostgresDialect, SortsTheFirstTableOfAnOuterJoinWhateverItsOnConditions) {
+    EXPECT_EQ(Translated("SELECT * FROM image_t LEFT JOIN pair_t ON image_t.imageid = 5"),
+              "SELECT * FROM image_t LEFT JOIN pair_t ON image_t.imageid = 5 ORDER BY image_t.imageid, pair_t.left_id, "
+              "pair_t.right_id");
+    EXPECT_EQ(Translated("SELECT * FROM pair_t RIGHT JOIN image_t ON image_t.imageid = pair_t.left_id"),
+              "SELECT * FROM pair_t RIGHT JOIN image_t ON image_t.imageid = pair_t.left_id ORDER BY pair_t.left_id, "
+              "pair_t.right_id, image_t.imageid");
+}
+
 TEST(PostgresDialect, TranslatesAStatementWhosePlanIsAsked) {
     EXPECT_EQ(Translated("EXPLAIN SELECT * FROM image_t"), "EXPLAIN SELECT * FROM image_t ORDER BY image_t.imageid");
 }

@@ -41,6 +41,12 @@ private:
         bool isLiteral = false;
     };
 
+    /// A condition that compares two operands.
+    struct Equal {
+        Operand left, right;
+        bool inWhere = false;  // behind WHERE, not behind ON
+    };
+
     /// Reads the statement up to its end. Returns false if its rows are not those of its tables.
     bool Read() {
         for (std::size_t at = 0; at < text_.size();) {
@@ -115,7 +121,8 @@ private:
 
     /// Collects the tokens of a condition between WHERE, ON, AND and what follows them.
     void TakeTermWord(std::string_view word, const Lexer::Keyword& upper) {
-        if (upper == "OR" || upper == "NOT") alternatives_ = true;
+        // Behind an outer join of that kind, each table may have the same row several times.
+        if (upper == "OR" || upper == "NOT" || upper == "RIGHT" || upper == "FULL") alternatives_ = true;
         if (upper == "WHERE" || upper == "ON" || upper == "AND" || upper.IsOneOf(BehindTable)) return EndTerm();
         term_.push_back({Lexer::Kind::Word, word});
     }
@@ -133,7 +140,7 @@ private:
             if (size == 3 && first[1].second == ".") return {LCase(first->second), LCase(first[2].second), false};
             return {};
         };
-        equal_.emplace_back(operand(term.begin(), equals), operand(equals + 1, term.end()));
+        equal_.push_back({operand(term.begin(), equals), operand(equals + 1, term.end()), part_ == Part::Conditions});
     }
 
     /// Returns true if a condition admits one row of this table at most, for each row of the other tables.
@@ -146,8 +153,10 @@ private:
             return operand.isLiteral ||
                    (!operand.alias.empty() && operand.alias != LCase(table.alias) && &table != &tables_.front());
         };
-        return !alternatives_ && std::any_of(equal_.begin(), equal_.end(), [&](const auto& pair) {
-            return (isKey(pair.first) && isOther(pair.second)) || (isKey(pair.second) && isOther(pair.first));
+        return !alternatives_ && std::any_of(equal_.begin(), equal_.end(), [&](const Equal& equal) {
+            // ON conditions don't leave out rows of the first table of a LEFT JOIN.
+            if (&table == &tables_.front() && !equal.inWhere) return false;
+            return (isKey(equal.left) && isOther(equal.right)) || (isKey(equal.right) && isOther(equal.left));
         });
     }
 
@@ -166,8 +175,8 @@ private:
     Part part_ = Part::Start;
     std::vector<Table> tables_;
     std::vector<std::pair<Lexer::Kind, std::string_view>> term_;  // the condition that is being read
-    std::vector<std::pair<Operand, Operand>> equal_;
-    bool alternatives_ = false;  // conditions are joined by OR, or negated
+    std::vector<Equal> equal_;
+    bool alternatives_ = false;  // a condition may not hold for all rows
     bool sorted_ = false;
     bool limited_ = false;
     bool afterWord_ = false;
