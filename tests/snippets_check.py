@@ -19,7 +19,7 @@ import tempfile
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 README, PYTHON_README = os.path.join(ROOT, "README.md"), os.path.join(ROOT, "clients", "python", "README.md")
-NEEDS_A_SERVER = ("RIS@", "Provider=PostgreSQL")
+NEEDS_A_SERVER = ("RIS@", "Provider=PostgreSQL", "Provider=MSDASQL")
 PARTLY_IMPORTED = 3  # some samples can't be imported, on purpose
 COMMANDS = ("oxclass", "export", "cmake", "cc", "./client")
 
