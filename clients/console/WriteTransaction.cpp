@@ -1,5 +1,7 @@
 #include "console/WriteTransaction.h"
 
+#include "console/Output.h"
+
 #include <algorithm>
 #include <chrono>
 #include <random>

@@ -80,7 +80,7 @@ private:
 
 SchemaChange ChangeStepByStep(const Ref<Connection>& con, Long to) {
     const NamedLock lock(con);
-    const SchemaChange change{SchemaVersionOf(con), {}};
+    SchemaChange change{SchemaVersionOf(con), {}};
     // The statements of a downgrade can be repeated, so that an interrupted one is completed.
     Run(con, Engine::MariaDB, to <= change.from ? KnownSchemaVersion : change.from, to);
     return change;

@@ -4,6 +4,7 @@
 #include "console/schema/SchemaChange.h"
 #include "frame/SchemaVersion.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 #include <map>
 
@@ -11,6 +12,7 @@ namespace Console {
 namespace {
 
 using namespace OXClass;
+using namespace Platform;
 
 constexpr const char* WithoutCase = "without case";
 
