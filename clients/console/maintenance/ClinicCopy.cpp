@@ -173,7 +173,7 @@ public:
     }
 
     /// Compares the rows of both sides. Throws `UserError` for the first value that differs.
-    CopiedTable Compare() {
+    CopiedTable Compare(Progress& progress) {
         Pages from(source_, table_, columns_), to(target_, table_, columns_);
         Sha256 sent, stored;
         CopiedTable copied{table_.name, 0, {}};
@@ -181,7 +181,10 @@ public:
             const std::vector<Row> wanted = from.Next(), found = to.Next();
             if (wanted.empty() && found.empty()) break;
             if (wanted.size() != found.size()) ThrowDifferent("the numbers of rows differ");
-            for (std::size_t i = 0; i < wanted.size(); ++i) CompareRow(wanted[i], found[i], sent, stored);
+            for (std::size_t i = 0; i < wanted.size(); ++i) {
+                CompareRow(wanted[i], found[i], sent, stored);
+                progress.Step();
+            }
             copied.rows += wanted.size();
         }
         copied.sha256 = sent.Hex();
@@ -318,7 +321,10 @@ std::vector<CopiedTable> CopyClinic(const Database& source, const Ref<Connection
     }
     std::vector<CopiedTable> copied;
     copied.reserve(copies.size());
-    for (TableCopy& copy : copies) copied.push_back(copy.Compare());
+    {
+        Progress progress("rows compared", rows);
+        for (TableCopy& copy : copies) copied.push_back(copy.Compare(progress));
+    }
     AlignCounters(target);
     writing.Commit();
     return copied;
