@@ -11,10 +11,9 @@ nodes have the same rows. An importer that could not finish says so, and the sam
 import os
 import subprocess
 import sys
-import tempfile
 import threading
 
-from shared_import import Importers, finished, require_equal, state, wait_until
+from shared_import import finished, require_equal, run_check, state, wait_until
 
 SCRIPT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "servers", "cluster.sh")
 ALL = ("fmx18", "fmx20", "bitewings2", "bitewings4", "panoramic", "ceph-lateral", "ceph-frontal", "awkward")
@@ -112,24 +111,12 @@ def check_conflicts(cluster, importers):
     print(f"{succeeded} of {len(codes)} commands on one card, from three nodes at once, are stored, each as a whole", flush=True)
 
 
-def main():
-    program, samples = sys.argv[1:3]
-    with tempfile.TemporaryDirectory(prefix="oxclass-cluster-") as folder:
-        os.chmod(folder, 0o755)
-        nodes = os.path.join(folder, "nodes")
-        try:
-            cluster, importers = Cluster(nodes), Importers(program, samples, folder)
-            check(cluster, importers)
-            for _ in range(3):
-                check_conflicts(cluster, importers)
-        except AssertionError as failure:
-            print(f"cluster: FAILED: {failure}", file=sys.stderr)
-            return 1
-        finally:
-            subprocess.run([SCRIPT, "stop", nodes], check=False)
-    print("cluster: all checks passed")
-    return 0
+def check_all(folder, importers):
+    cluster = Cluster(folder)
+    check(cluster, importers)
+    for _ in range(3):
+        check_conflicts(cluster, importers)
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(run_check("cluster", SCRIPT, check_all))

@@ -10,9 +10,8 @@ promoted replica. No image is lost that the first run reported as stored, and ea
 import os
 import subprocess
 import sys
-import tempfile
 
-from shared_import import Importers, finished, require_equal, state, wait_until
+from shared_import import finished, require_equal, run_check, state, wait_until
 
 SCRIPT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "servers", "replica.sh")
 SETS = ("fmx18", "fmx20", "bitewings2", "bitewings4", "panoramic", "ceph-lateral", "ceph-frontal", "awkward")
@@ -62,21 +61,5 @@ def check(servers, importers):
     print("the rows are those of the undisturbed import, each with its file", flush=True)
 
 
-def main():
-    program, samples = sys.argv[1:3]
-    with tempfile.TemporaryDirectory(prefix="oxclass-replica-") as folder:
-        os.chmod(folder, 0o755)
-        servers = os.path.join(folder, "servers")
-        try:
-            check(Servers(servers), Importers(program, samples, folder))
-        except AssertionError as failure:
-            print(f"replica: FAILED: {failure}", file=sys.stderr)
-            return 1
-        finally:
-            subprocess.run([SCRIPT, "stop", servers], check=False)
-    print("replica: all checks passed")
-    return 0
-
-
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(run_check("replica", SCRIPT, lambda folder, importers: check(Servers(folder), importers)))

@@ -4,6 +4,8 @@ import json
 import os
 import sqlite3
 import subprocess
+import sys
+import tempfile
 import time
 
 
@@ -102,3 +104,21 @@ def finished(run):
     """The exit code, the numbers and the messages of an import that was started."""
     out, err = run.communicate(timeout=300)
     return run.returncode, json.loads(out) if out.startswith("{") else {"stored": 0}, err
+
+
+def run_check(name, script, check):
+    """The whole program of a check: usage PROGRAM SAMPLES. `check` gets the folder of its servers, which `script` stops at the
+    end, and the importers. Returns the exit code."""
+    program, samples = sys.argv[1:3]
+    with tempfile.TemporaryDirectory(prefix=f"oxclass-{name}-") as folder:
+        os.chmod(folder, 0o755)
+        servers = os.path.join(folder, "servers")
+        try:
+            check(servers, Importers(program, samples, folder))
+        except AssertionError as failure:
+            print(f"{name}: FAILED: {failure}", file=sys.stderr)
+            return 1
+        finally:
+            subprocess.run([script, "stop", servers], check=False)
+    print(f"{name}: all checks passed")
+    return 0
