@@ -3,12 +3,12 @@
 #include "Schema.h"
 #include "console/DatabaseFile.h"
 #include "console/DatabaseName.h"
+#include "frame/SchemaVersion.h"
 #include "frame/Statement.h"
 
 #include <fmt/format.h>
 #include <iostream>
 #include <map>
-#include <optional>
 #include <termios.h>
 #include <unistd.h>
 
@@ -92,14 +92,6 @@ void PrepareMariaDb(const Ref<Connection>& con, Long longestWait) {
     if (!cluster->Eof()) con->Execute("SET SESSION wsrep_sync_wait = 1");
 }
 
-/// Returns the version of the tables that the open database is marked with; none for one that is not a clinic.
-std::optional<Long> MarkedVersion(const Ref<Connection>& con) {
-    if (!HasTable(con, "SchemaVersion_T")) return std::nullopt;
-    const Ref<Recordset> mark = con->Execute("SELECT Version FROM SchemaVersion_T WHERE Application = 'OXClass'");
-    if (mark->Eof()) return std::nullopt;
-    return CLng(mark->Fields(0).Value());
-}
-
 /// Creates the tables of the program that are missing, if the user may do so.
 void CompleteProgramTables(const Ref<Connection>& con) {
     if (HasProgramTables(con)) return;
@@ -157,13 +149,13 @@ std::string IsWhole(const Ref<Connection>& con, const std::string& column) {
 }
 
 void RequireServerClinic(const Ref<Connection>& con, const std::string& name) {
-    const std::optional<Long> version = MarkedVersion(con);
-    if (!version)
+    const Long version = SchemaVersionOf(con);
+    if (version == 0)
         throw UserError(
             fmt::format("{} is not a clinic database; make its tables, if it is empty, with: oxclass init \"{}\" "
                         "--root DIR",
                         name, name));
-    RequireMarks(name, ApplicationMark, *version);
+    RequireMarks(name, ApplicationMark, version);
     if (EngineOf(con) == Engine::MariaDB) CompleteProgramTables(con);
 }
 
@@ -172,7 +164,7 @@ void LockWriters(const Ref<Connection>& con) {
 }
 
 bool MayBecomeClinic(const Ref<Connection>& con) {
-    if (EngineOf(con) == Engine::MariaDB && HasTable(con, "SchemaVersion_T")) return !MarkedVersion(con);
+    if (EngineOf(con) == Engine::MariaDB && HasTable(con, "SchemaVersion_T")) return SchemaVersionOf(con) == 0;
     return !HasTable(con, "SchemaVersion_T") && !HasTable(con, "Patient_T");
 }
 
