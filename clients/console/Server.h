@@ -33,8 +33,8 @@ bool HasProgramTables(const Ref<Connection>& con);
 std::string IsWhole(const Ref<Connection>& con, const std::string& column);
 
 /// Waits on a server until no other program has a `WriteTransaction` open, and keeps others waiting until the caller's
-/// transaction ends. Between the nodes of a cluster nobody waits: of two such transactions at the same time one ends
-/// with `ADODB::LockConflict`, at its commit at the latest. Does nothing on SQLite, whose transactions do so by
+/// transaction ends. The nodes of a cluster do not wait for each other: of two such transactions at the same time, one
+/// ends with `ADODB::LockConflict`, at its commit at the latest. Does nothing on SQLite, whose transactions do so by
 /// themselves.
 void LockWriters(const Ref<Connection>& con);
 

@@ -24,7 +24,7 @@ protected:
 
     /// Writes what a token becomes; returns the position behind what was read.
     virtual std::size_t Take(const Lexer::Token& token, std::size_t at) = 0;
-    /// Does the same for what is no token (`Lexer::Kind::Unclear`).
+    /// Does the same for characters that are not a token (`Lexer::Kind::Unclear`).
     virtual std::size_t TakeUnclear(std::size_t at) = 0;
     /// Writes the literal `piece`.
     virtual void TakeLiteral(std::string_view piece, std::size_t at) = 0;
