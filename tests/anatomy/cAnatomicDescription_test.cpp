@@ -494,8 +494,6 @@ TEST_F(Description, ACollectionThatWasFetchedBeforeIsUnchanged) {
 class DescriptionOnFaultyDatabase : public Description {
 protected:
     DescriptionOnFaultyDatabase() {
-        InstallFaultyProvider();
-        faulty->Open(FaultyVersionOf(con->ConnectionString()));
         FillAll();
         group->ADId = 0;
     }
@@ -514,7 +512,7 @@ protected:
 
     Long Rows() { return CLng(Ask("SELECT count(*) FROM StandardGroupName")); }
 
-    Ref<Connection> faulty = New<Connection>();
+    Ref<Connection> faulty = FaultyConnectionTo(database);
 };
 
 TEST_F(DescriptionOnFaultyDatabase, ANewGroupMakesFiveCallsAndAnUpdateOne) {

@@ -177,6 +177,27 @@ TEST(Invoke, TheDefaultMemberHasTheIdentityZero) {
     EXPECT_EQ(Get(lists, "Item", {1}).Type(), VT_DISPATCH);
 }
 
+TEST(Invoke, TheArgumentsOfAPropertyArePassedToTheDefaultMemberOfItsObject) {
+    const Dispatch con = OpenedConnection();
+    const Dispatch rows = Call(con, "NewRecordset").Object();
+    Call(rows, "Open", {"SELECT ClinicID, ClinicName, City FROM Clinic_T", Value::LeftOut(), 1, 3});
+    Call(rows, "AddNew");
+    ASSERT_EQ(Invoke(rows.Get(), "Fields", DISPATCH_PROPERTYPUT, {"ClinicName", "Nord"}).Code, S_OK);
+    ASSERT_EQ(Invoke(rows.Get(), "Collect", DISPATCH_PROPERTYPUT, {"City", "Lund"}).Code, S_OK);
+    Call(rows, "Update");
+    EXPECT_EQ(Get(Get(rows, "Fields", {"ClinicName"}).Object(), "Value").String(), "Nord");
+    EXPECT_EQ(Get(Get(rows, "Fields", {2}).Object(), "Value").String(), "Lund");
+    EXPECT_EQ(Invoke(rows.Get(), "Fields", DISPATCH_PROPERTYGET, {"Nothing"}).Failure,
+              static_cast<HRESULT>(0x800A0CC1));
+    EXPECT_EQ(Invoke(rows.Get(), "Fields", DISPATCH_PROPERTYGET, {1, 2}).Code, DISP_E_BADPARAMCOUNT);
+    EXPECT_EQ(Invoke(rows.Get(), "RecordCount", DISPATCH_PROPERTYPUT, {1, 2}).Code, DISP_E_MEMBERNOTFOUND);
+
+    const Dispatch card = Create("OXClass.cImagecard");
+    const Dispatch placed = Create("OXClass.cImagecardAttribute");
+    Call(Get(card, "ImagecardAttributes").Object(), "Add", {placed});
+    EXPECT_EQ(Get(card, "ImagecardAttributes", {1}).Object().Get(), placed.Get());
+}
+
 TEST(Invoke, TheNineCollectionsWalkByTheEnumeratorsIdentity) {
     for (const char* name : {"cDoctors", "cClinics", "cImages", "cTeeth", "cComments", "cGlobalLists", "OtherPatIDs",
                              "IntendedRecipients", "cUniCards"}) {

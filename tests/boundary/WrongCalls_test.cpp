@@ -106,6 +106,8 @@ TEST_F(WrongCalls, WrongNumbersOfArguments) {
         const Json description = Describe(object.Get());
         for (const Json& member : description["members"]) {
             const std::size_t count = member["arguments"].size();
+            // The arguments of a property that returns an object are those of the object's default member.
+            if (count == 0 && member["kind"] == "get" && member["result"] == "object") continue;
             std::vector<Value> many(count + 1, Value(1));
             EXPECT_EQ(Invoke(object.Get(), member["id"].get<DISPID>(), FlagsOf(member["kind"]), many).Code,
                       DISP_E_BADPARAMCOUNT)

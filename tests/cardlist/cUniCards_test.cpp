@@ -1087,9 +1087,7 @@ TEST_F(UniCards, AnOrphanThatCannotBeDeletedFailsTheCall) {
 }
 
 TEST_F(UniCards, EachFailedStatementShowsItsStep) {
-    InstallFaultyProvider();
-    const Ref<Connection> faulty = New<Connection>();
-    faulty->Open(FaultyVersionOf(con->ConnectionString()));
+    const Ref<Connection> faulty = FaultyConnectionTo(database);
     RunSeries(5, noon);
     const struct {
         int call, step;

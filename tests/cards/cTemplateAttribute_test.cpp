@@ -283,11 +283,7 @@ TEST_F(Slot, AFailureKeepsItsNumberSourceAndText) {
 
 class SlotOnFaultyDatabase : public Slot {
 protected:
-    SlotOnFaultyDatabase() {
-        InstallFaultyProvider();
-        faulty->Open(FaultyVersionOf(con->ConnectionString()));
-        FillAll();
-    }
+    SlotOnFaultyDatabase() { FillAll(); }
     ~SlotOnFaultyDatabase() override { FailAtCall(0); }
 
     String FailureAt(int call) {
@@ -295,7 +291,7 @@ protected:
         return FailureOf([&] { slot->Save(faulty); }).Description;
     }
 
-    Ref<Connection> faulty = New<Connection>();
+    Ref<Connection> faulty = FaultyConnectionTo(database);
 };
 
 TEST_F(SlotOnFaultyDatabase, AnInsertMakesTwoCallsAndAnUpdateOne) {

@@ -462,8 +462,6 @@ TEST_F(Template, AFailureOfTheSaveKeepsItsNumberSourceAndText) {
 class TemplateOnFaultyDatabase : public Template {
 protected:
     TemplateOnFaultyDatabase() {
-        InstallFaultyProvider();
-        faulty->Open(FaultyVersionOf(con->ConnectionString()));
         FillAll();
         AddSlot(1);
         AddSlot(2);
@@ -478,7 +476,7 @@ protected:
     Long Slots() { return CLng(Ask("SELECT count(*) FROM TemplateAttribute_T")); }
     std::vector<Long> SlotKeys() { return {SlotAt(1)->ID, SlotAt(2)->ID}; }
 
-    Ref<Connection> faulty = New<Connection>();
+    Ref<Connection> faulty = FaultyConnectionTo(database);
 };
 
 TEST_F(TemplateOnFaultyDatabase, AnInsertWithTwoSlotsMakesSixCallsAndAnUpdateThree) {

@@ -158,6 +158,7 @@ TEST_F(ActionOfPieces, FailsAsTheJoinedStatement) {
 }
 
 TEST_F(ActionOfPieces, IsJoinedOnceForEachShape) {
+    OXCLASS_ONLY_IF(TestKit::IsOwnConnection());
     int joins = 0;
     const auto run = [&](Long number, const char* word) {
         const std::vector<ADODB::StatementPiece> pieces{

@@ -150,11 +150,7 @@ TEST_F(GlobalList, AFailureReachesTheCallerAsItCame) {
 
 class GlobalListOnFaultyDatabase : public GlobalList {
 protected:
-    GlobalListOnFaultyDatabase() {
-        InstallFaultyProvider();
-        faulty->Open(FaultyVersionOf(con->ConnectionString()));
-        row->GlobalListID = 500;
-    }
+    GlobalListOnFaultyDatabase() { row->GlobalListID = 500; }
     ~GlobalListOnFaultyDatabase() override { FailAtCall(0); }
 
     String FailureAt(int call) {
@@ -170,7 +166,7 @@ protected:
 
     Long Rows() { return CLng(Ask("SELECT count(*) FROM GlobalList_T")); }
 
-    Ref<Connection> faulty = New<Connection>();
+    Ref<Connection> faulty = FaultyConnectionTo(database);
 };
 
 TEST_F(GlobalListOnFaultyDatabase, AnInsertMakesFourCallsAndAnUpdateOne) {

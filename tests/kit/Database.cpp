@@ -1,5 +1,7 @@
 #include "kit/Database.h"
 
+#include "kit/ForeignView.h"
+
 #include "Schema.h"
 #include "platform/component/dispatch/Interface.h"
 #include "platform/runtime/Services.h"
@@ -74,10 +76,12 @@ WithDatabase::WithDatabase() {
 
 WithDatabase::~WithDatabase() { con->Unadvise(log); }
 
-Ref<Connection> WithDatabase::Connect() const {
+Ref<Connection> WithDatabase::Connect() const { return OpenedAsTested(database.Settings()); }
+
+Ref<Connection> OpenedAsTested(const String& settings) {
     Ref<Connection> connection = New<Connection>();
-    connection->Open(database.Settings());
-    return connection;
+    connection->Open(settings);
+    return IsOwnConnection() ? connection : Connection::Adapt(ForeignView(connection));
 }
 
 void WithDatabase::Run(const String& statement) {

@@ -62,6 +62,9 @@ constexpr const char* executed = "0 1 -1";
 constexpr const char* plainRead = "0 1 1";
 constexpr const char* updatable = "1 3 1";
 
+/// Returns a connection that is opened with these settings, by name if the tests connect so.
+Ref<Connection> OpenedAsTested(const String& settings);
+
 /// A test with a database of the tested engine: all tables and no rows, opened as `con`; `log` holds what was sent
 /// since the test's body began or since it was cleared.
 class WithDatabase : public ::testing::Test {

@@ -175,6 +175,11 @@ void ReturnDatabase(ServerDatabase& database) {
 
 }  // namespace
 
+bool IsOwnConnection() {
+    static const bool byName = std::getenv("OXCLASS_TEST_BY_NAME") != nullptr;
+    return !byName;
+}
+
 Engine TestedEngine() {
     if (Server().empty()) return Engine::SQLite;
     const String provider = ADODB::ConnectionString(Server()).Value("Provider");

@@ -19,6 +19,11 @@ enum class Engine { SQLite, PostgreSQL, MariaDB };
 /// Returns the engine that the tests run on.
 Engine TestedEngine();
 
+/// False if the tests use each connection by name, as an object of another component: with OXCLASS_TEST_BY_NAME. Rows
+/// are then read by the other component's recordset, which has its own slots and reads all rows when it is opened, and
+/// a connection that is released is still open there.
+bool IsOwnConnection();
+
 /// Returns the name of the provider in the connection string of the engine.
 const char* ProviderName();
 

@@ -92,6 +92,12 @@ String FaultyVersionOf(const String& settings) {
     return Replace(settings, String("Provider=") + ProviderName(), "Provider=Faulty");
 }
 
+Ref<Connection> FaultyConnectionTo(const TestDatabase& database) {
+    InstallFaultyProvider();
+    FailAtCall(0);
+    return OpenedAsTested(FaultyVersionOf(database.Settings()));
+}
+
 Error Injected() {
     Error failure(Failed, "SQLite", "injected");
     failure.Provider = "SQLite";

@@ -12,6 +12,9 @@ void InstallFaultyProvider();
 /// Returns the connection string of the same database by the faulty provider.
 String FaultyVersionOf(const String& settings);
 
+/// Installs the provider and returns a connection by it to the database of a test.
+Ref<Connection> FaultyConnectionTo(const TestDatabase& database);
+
 /// E_FAIL "injected", and what the engine reports for a full disk.
 Error Injected();
 Error DiskFull();
@@ -34,11 +37,6 @@ int CallsSoFar();
 /// A test with a second connection to its database, `faulty`, whose calls fail on demand.
 class WithFaults : public WithDatabase {
 protected:
-    WithFaults() {
-        InstallFaultyProvider();
-        FailAtCall(0);
-        faulty->Open(FaultyVersionOf(con->ConnectionString()));
-    }
     ~WithFaults() override { FailAtCall(0); }
 
     /// Fails the call of this number within `operation`, which must raise it with this source.
@@ -62,7 +60,7 @@ protected:
 
     Long CountOf(const String& table) { return CLng(Ask("SELECT COUNT(*) FROM " + table)); }
 
-    const Ref<Connection> faulty = New<Connection>();
+    const Ref<Connection> faulty = FaultyConnectionTo(database);
 };
 
 }  // namespace TestKit

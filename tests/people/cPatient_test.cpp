@@ -502,8 +502,6 @@ TEST_F(Patient, StatementsAreTheSameOnAMachineWithDecimalCommas) {
 class PatientOnFaultyDatabase : public Patient {
 protected:
     PatientOnFaultyDatabase() {
-        InstallFaultyProvider();
-        faulty->Open(FaultyVersionOf(con->ConnectionString()));
         FillAll();
         patient->ID = 400;
     }
@@ -514,7 +512,7 @@ protected:
         return FailureOf([&] { patient->Save(faulty); });
     }
 
-    Ref<Connection> faulty = New<Connection>();
+    Ref<Connection> faulty = FaultyConnectionTo(database);
 };
 
 TEST_F(PatientOnFaultyDatabase, TheInsertPathMakesThreeCallsAndTheUpdatePathTwo) {

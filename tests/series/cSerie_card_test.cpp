@@ -286,9 +286,7 @@ TEST_F(SeriesAsCard, ANonNumericFrameIsIgnoredIfTheLayoutHasNoSlot) {
 // ---- failures -------------------------------------------------------------------------------------------
 
 TEST_F(SeriesAsCard, AFailureReachesTheCallerAndKeepsTheRowsWrittenBefore) {
-    InstallFaultyProvider();
-    const Ref<Connection> faulty = New<Connection>();
-    faulty->Open(FaultyVersionOf(con->ConnectionString()));
+    const Ref<Connection> faulty = FaultyConnectionTo(database);
     AddImage(11);
     AddImage(12);
     // template, slots, card, its key, then for each image: row, key, steps
@@ -310,9 +308,7 @@ TEST_F(SeriesAsCard, AFailureReachesTheCallerAndKeepsTheRowsWrittenBefore) {
 }
 
 TEST_F(SeriesAsCard, AFailureAtTheStepsOfAPlacedImageIsIgnored) {
-    InstallFaultyProvider();
-    const Ref<Connection> faulty = New<Connection>();
-    faulty->Open(FaultyVersionOf(con->ConnectionString()));
+    const Ref<Connection> faulty = FaultyConnectionTo(database);
     AddImage(11);
     AddImage(12);
     for (const int call : {7, 10}) {

@@ -17,6 +17,7 @@ argument by reference is passed as a ``ByRef``. An object belongs to the thread 
 The library is loaded at the first use: ``oxclass._library`` lists the folders that are searched.
 """
 from . import _classes  # noqa: F401  (registers the classes of objects)
+from . import _exposed  # noqa: F401  (registers how Python objects are passed)
 from ._creation import CreateObject, Global
 from ._enumerations import *  # noqa: F401,F403
 from ._enumerations import __all__ as _documented

@@ -3,13 +3,19 @@ from __future__ import annotations
 
 from typing import Any, Dict
 
+S_OK = 0
+E_NOTIMPL = -2147467263
 E_NOINTERFACE = -2147467262
+E_FAIL = -2147467259
 E_OUTOFMEMORY = -2147024882
 DISP_E_EXCEPTION = -2147352567
+DISP_E_MEMBERNOTFOUND = -2147352573
+DISP_E_UNKNOWNNAME = -2147352570
 DISP_E_PARAMNOTFOUND = -2147352572
 RPC_E_WRONG_THREAD = -2147417842
 
 OVERFLOW = 6
+OUT_OF_BOUNDS = 9
 TYPE_MISMATCH = 13
 LIBRARY_UNUSABLE = 48
 FILE_NOT_FOUND = 53
@@ -77,6 +83,13 @@ def number_of(code: int) -> int:
     if unsigned in _SHORT_NUMBERS:
         return _SHORT_NUMBERS[unsigned]
     return unsigned - 0x100000000 if unsigned & 0x80000000 else unsigned
+
+
+def code_of(number: int) -> int:
+    """Returns the return code of a number that clients read."""
+    if number < 0:
+        return number
+    return (_OF_THE_RUNTIME | number) - 0x100000000 if 0 < number <= 0xFFFF else E_FAIL
 
 
 def error_of(code: int, source: str = "", description: str = "") -> Error:

@@ -13,6 +13,8 @@ from ._threads import Reference, current
 # Functions of the modules that are built on this one, which set them when they are imported.
 class_of: Callable[[int], type]  # the Python class of an interface pointer (_classes)
 take: Callable[[VARIANT], Any]  # the Python value of a variant, which is cleared (_values)
+expose: Callable[[VARIANT, Any], None]  # stores an interface pointer of a Python object (_exposed)
+original_of: Callable[[int], Any]  # the Python object of such a pointer, or None (_exposed)
 
 
 class Object:
@@ -69,6 +71,8 @@ def wrap(pointer: Optional[int], cls: Optional[type] = None) -> Any:
     if not pointer:
         return None
     known = current().proxy_of(pointer)
+    if known is None:
+        known = original_of(pointer)
     if known is not None:
         return known
     if cls is None:

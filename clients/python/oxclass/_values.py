@@ -115,7 +115,10 @@ _TAKEN = ("None, Null, Missing, bool, int, float, Decimal, str, datetime, date, 
 
 
 def fill(variant: VARIANT, value: Any, type: Type = ANY) -> None:
-    """Stores a value in an empty variant, which then owns it."""
+    """Stores a value in an empty variant, which then owns it. Where an object is required, any Python object may be
+    passed, and a list or tuple for a collection."""
+    if type.kind == "object" and isinstance(value, (list, tuple)):
+        return _objects.expose(variant, value)
     for kind, filler in _FILLERS:
         if isinstance(value, kind):
             filler(variant, value)
@@ -126,6 +129,8 @@ def fill(variant: VARIANT, value: Any, type: Type = ANY) -> None:
         variant.vt = binary.VT_NULL
     elif value is Missing:
         variant.scode, variant.vt = DISP_E_PARAMNOTFOUND, binary.VT_ERROR
+    elif type.kind == "object":
+        _objects.expose(variant, value)
     else:
         name = f"{value.__class__.__module__}.{value.__class__.__qualname__}".replace("builtins.", "")
         raise TypeError(f"a value of the type {name} can't be passed; accepted are {_TAKEN}")

@@ -52,7 +52,7 @@ def _folder():
 @functools.lru_cache(maxsize=None)
 def _database(imported):
     file = _folder() / f"imported-{imported}.db"
-    program("init", file, "--root", _folder() / "images")
+    program("init", file, "--root", _folder() / f"images-{imported}")
     if imported:
         program("--db", file, "import", given("OXCLASS_SAMPLES"), allowed=(0, 3))
     return file

@@ -101,6 +101,10 @@ Session& Connection::Ready() {
     Session& session = Opened();
     if (announcing_) RaiseAdo(adErrNotReentrant, ConnectionSource);
     if (reading_) reading_->CopyUnread();
+    if (CursorLocation != usedLocation_) {
+        session.UseLocation(CursorLocation);
+        usedLocation_ = CursorLocation;
+    }
     if (level_ > 0 && !session.IsBroken() && !session.InTransaction())
         RaiseAdo(NoTransaction, ConnectionSource,
                  "The engine has rolled the transaction back after a failure. Call RollbackTrans before "
@@ -146,6 +150,7 @@ void Connection::Close() {
     const Ref<Connection> self(this);  // its recordsets may hold the last references
     while (!open_.empty()) open_.back()->ConnectionClosed();
     session_.reset();
+    adapted_ = nullptr;
     level_ = 0;
 }
 
@@ -161,32 +166,32 @@ void Connection::Announce(ExecuteRequest& request) {
     if (request.Status == adStatusCancel) RaiseAdo(adErrOperationCancelled, ConnectionSource);
 }
 
-Connection::Result Connection::RunWhole(Session& session, const String& statement) {
-    Outcome outcome = session.Run(statement);
-    Result result{std::move(outcome.columns), {}, outcome.affected};
+Connection::Result Connection::RunWhole(Session& session, const String& statement, const Runner& run) {
+    Outcome outcome = run(session, statement);
+    Result result{std::move(outcome.columns), {}, outcome.affected, std::move(outcome.cursor)};
     if (outcome.reader)
         while (outcome.reader->Next()) result.rows.Append(*outcome.reader, result.columns->Count());
     return result;
 }
 
-Connection::Result Connection::Run(ExecuteRequest& request) {
+Connection::Result Connection::Run(ExecuteRequest& request, const Runner& run) {
     Session& session = Ready();
     if (request.Options > 0 && (request.Options & adCmdTable) != 0) request.Source = "select * from " + request.Source;
-    if (handlers_.empty()) return Engine([&] { return RunWhole(session, request.Source); });
+    if (handlers_.empty()) return Engine([&] { return RunWhole(session, request.Source, run); });
     Announce(request);
-    Result result = RunTimed(request);
+    Result result = RunTimed(request, run);
     Opened();  // a handler may have closed the connection
     return result;
 }
 
-Connection::Result Connection::RunTimed(const ExecuteRequest& request) {
+Connection::Result Connection::RunTimed(const ExecuteRequest& request, const Runner& run) {
     using Clock = std::chrono::steady_clock;
     const auto start = Clock::now();
     ExecuteReport report{.Source = request.Source};
     Result result;
     std::optional<Error> failure;
     try {
-        result = Engine([&] { return RunWhole(Opened(), request.Source); });
+        result = Engine([&] { return RunWhole(Opened(), request.Source, run); });
     } catch (const Error& raised) {
         failure = raised;
         report.Failure = &*failure;
@@ -199,9 +204,9 @@ Connection::Result Connection::RunTimed(const ExecuteRequest& request) {
     return result;
 }
 
-Outcome Connection::RunUnbuffered(const String& statement) {
+Outcome Connection::RunUnbuffered(const String& statement, const RowsRequest& modes) {
     Session& session = Ready();
-    return Engine([&] { return session.Run(statement); });
+    return Engine([&] { return session.Open(statement, modes); });
 }
 
 bool Connection::ReadNext(RowReader& reader) {
@@ -214,7 +219,10 @@ void Connection::RaiseKept(const std::exception_ptr& kept) {
 
 Ref<Recordset> Connection::Execute(const String& CommandText, Long* RecordsAffected, Long Options) {
     ExecuteRequest request{.Source = CommandText, .Options = Options};
-    Result result = Run(request);
+    const bool counted = RecordsAffected || !handlers_.empty();
+    Result result = Run(request, [counted](Session& session, const String& statement) {
+        return counted ? session.RunCounted(statement) : session.Run(statement);
+    });
     if (RecordsAffected) *RecordsAffected = static_cast<Long>(result.affected);
     if (Options > 0 && (Options & adExecuteNoRecords) != 0) return nullptr;
     Ref<Recordset> recordset = New<Recordset>();

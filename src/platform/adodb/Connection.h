@@ -148,6 +148,12 @@ public:
     void Unadvise(ConnectionEvents& handler);
 
     const Interface& Describe() const override;
+    Ref<Object> Adapted() const override { return adapted_; }
+
+    /// Returns a connection that passes its calls on to `connection`, an object that has the members of a connection by
+    /// name (`OpenByName`): one of another component. Closing it does not close the other one. Null if the object has
+    /// no member `Execute`.
+    static Ref<Connection> Adapt(const Ref<Object>& connection);
 
 private:
     friend class Recordset;
@@ -157,6 +163,7 @@ private:
         std::shared_ptr<const Columns> columns;  ///< null if the statement does not return rows
         Rows rows;
         std::int64_t affected = -1;
+        std::unique_ptr<Cursor> cursor = {};  ///< in place of columns and rows
     };
 
     Session& Opened() const;
@@ -166,14 +173,16 @@ private:
     /// Calls each handler; a handler that an earlier one removed is not called.
     template <class Call>
     void Tell(Call call);
+    /// Runs the text of a statement.
+    using Runner = std::function<Outcome(Session& session, const String& statement)>;
     /// Runs the statement of `request` between its two events.
-    Result Run(ExecuteRequest& request);
+    Result Run(ExecuteRequest& request, const Runner& run);
     void Announce(ExecuteRequest& request);
-    Result RunTimed(const ExecuteRequest& request);
+    Result RunTimed(const ExecuteRequest& request, const Runner& run);
     /// Runs a statement and reads all its rows.
-    static Result RunWhole(Session& session, const String& statement);
+    static Result RunWhole(Session& session, const String& statement, const Runner& run);
     /// Runs a statement and returns its rows unread; `statement` must live as long as they are read. Calls no handler.
-    Outcome RunUnbuffered(const String& statement);
+    Outcome RunUnbuffered(const String& statement, const RowsRequest& modes);
     /// Moves the reader to the next row.
     bool ReadNext(RowReader& reader);
     /// Raises a failure that was kept; stores it in `Errors` if it is one of the engine.
@@ -188,7 +197,9 @@ private:
     auto Engine(F call) -> decltype(call());
 
     String text_;
+    Ref<Object> adapted_;  // the object of another component to which the session passes its calls on
     std::unique_ptr<Session> session_;
+    CursorLocationEnum usedLocation_ = adUseServer;  // what the session was told last
     Long level_ = 0;
     Long connectionTimeout_ = 15;
     Long commandTimeout_ = 30;

@@ -25,6 +25,12 @@ ObjectStateEnum ConnectionState(Connection& connection) { return static_cast<Obj
 
 Ref<ErrorsObject> ErrorsOf(Connection& connection) { return New<ErrorsObject>(connection); }
 
+Ref<Recordset> NewRecordset(Connection& connection) {
+    Ref<Recordset> recordset = New<Recordset>();
+    recordset->SetActiveConnection(Ref<Connection>(&connection));
+    return recordset;
+}
+
 }  // namespace
 
 const Interface& Connection::Describe() const {
@@ -69,6 +75,7 @@ const Interface& Connection::Describe() const {
                 "RollbackTrans", "Rolls back the innermost transaction; raises 0x8004D00E if none is open."),
             ReadOnly<&ErrorsOf>("Errors",
                                 "What the database engine reported at its last failure; a success doesn't clear it."),
+            Operation<&NewRecordset>("NewRecordset", "Returns a closed recordset that Open opens on this connection."),
         });
     return self;
 }

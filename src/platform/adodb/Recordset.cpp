@@ -34,7 +34,8 @@ void Field::SetValue(const Variant& value) { recordset_->Assign(ordinal_, value)
 Recordset::~Recordset() { Release(); }
 
 void Recordset::Release() {
-    if (columns_ && connection_) std::erase(connection_->open_, this);
+    if (IsOpen() && connection_) std::erase(connection_->open_, this);
+    rowsElsewhere_.reset();
     StopReading();
     columns_.reset();
     rows_ = {};
@@ -60,12 +61,30 @@ void Recordset::Open(const String& Source, const Ref<Connection>& ActiveConnecti
     cursor_ = CursorType;
     lock_ = LockType;
     ExecuteRequest request{.Source = Source, .CursorType = CursorType, .LockType = LockType, .Options = Options};
-    Connection::Result result = ActiveConnection->Run(request);
+    Connection::Result result = Run(*ActiveConnection, request);
     TakeResult(ActiveConnection, std::move(request), std::move(result));
 }
 
+CursorTypeEnum Recordset::CursorType() const {
+    if (rowsElsewhere_) return rowsElsewhere_->CursorType();
+    return columns_ ? actualCursor_ : cursor_;
+}
+
+LockTypeEnum Recordset::LockType() const {
+    if (rowsElsewhere_) return rowsElsewhere_->LockType();
+    return columns_ ? actualLock_ : lock_;
+}
+
+Connection::Result Recordset::Run(Connection& connection, ExecuteRequest& request) const {
+    return connection.Run(request, [&](Session& session, const String& statement) {
+        return session.Open(statement, {request.CursorType, request.LockType, request.Options, location_});
+    });
+}
+
+Ref<Object> Recordset::Adapted() const { return rowsElsewhere_ ? rowsElsewhere_->Adapted() : nullptr; }
+
 void Recordset::RequireOpenable(const Ref<Connection>& connection) const {
-    if (columns_) RaiseAdo(adErrObjectOpen, RecordsetSource);
+    if (IsOpen()) RaiseAdo(adErrObjectOpen, RecordsetSource);
     if (!connection || connection->State() == adStateClosed) RaiseAdo(adErrInvalidConnection, RecordsetSource);
 }
 
@@ -84,7 +103,8 @@ void Recordset::Read(const String& statement, const Ref<Connection>& connection)
     lock_ = adLockReadOnly;
     const String before = std::exchange(source_, statement);  // the running statement refers to this text
     try {
-        Outcome outcome = connection->RunUnbuffered(source_);
+        Outcome outcome = connection->RunUnbuffered(source_, {cursor_, lock_, adCmdText, location_});
+        if (outcome.cursor) return TakeCursor(connection, std::move(outcome.cursor));
         const bool any = outcome.reader && connection->ReadNext(*outcome.reader);
         options_ = adCmdText;
         TakeColumns(connection, adOpenForwardOnly, adLockReadOnly, std::move(outcome.columns));
@@ -102,9 +122,16 @@ void Recordset::Read(const String& statement, const Ref<Connection>& connection)
 void Recordset::TakeResult(const Ref<Connection>& connection, ExecuteRequest&& request, Connection::Result&& result) {
     source_ = std::move(request.Source);
     options_ = request.Options;
+    if (result.cursor) return TakeCursor(connection, std::move(result.cursor));
     TakeColumns(connection, request.CursorType, request.LockType, std::move(result.columns));
     rows_ = std::move(result.rows);
     bof_ = eof_ = rows_.all.empty();
+}
+
+void Recordset::TakeCursor(const Ref<Connection>& connection, std::unique_ptr<Cursor> cursor) {
+    connection_ = connection;
+    rowsElsewhere_ = std::move(cursor);
+    if (connection_) connection_->open_.push_back(this);
 }
 
 void Recordset::TakeColumns(const Ref<Connection>& connection, CursorTypeEnum cursor, LockTypeEnum lock,
@@ -155,12 +182,17 @@ void Recordset::ReadOn(Long rows) {
 }
 
 void Recordset::Close() {
+    if (rowsElsewhere_) {
+        rowsElsewhere_->Close();
+        return Release();
+    }
     Result();
     RequireNoEdit();
     Release();
 }
 
 void Recordset::Requery() {
+    if (rowsElsewhere_) return rowsElsewhere_->Requery();
     Result();
     RequireNoEdit();
     if (!connection_) RaiseAdo(adErrInvalidConnection, RecordsetSource);
@@ -168,32 +200,33 @@ void Recordset::Requery() {
     const String source = source_;
     // The text is already whole: a table name has become its select.
     ExecuteRequest request{.Source = source, .CursorType = cursor_, .LockType = lock_};
-    Connection::Result result = connection->Run(request);
+    Connection::Result result = Run(*connection, request);
     Release();
     TakeResult(connection, std::move(request), std::move(result));
 }
 
 void Recordset::SetSource(const String& source) {
-    if (columns_) RaiseAdo(adErrObjectOpen, RecordsetSource);
+    if (IsOpen()) RaiseAdo(adErrObjectOpen, RecordsetSource);
     source_ = source;
 }
 
 void Recordset::SetCursorType(CursorTypeEnum type) {
-    if (columns_) RaiseAdo(adErrObjectOpen, RecordsetSource);
+    if (IsOpen()) RaiseAdo(adErrObjectOpen, RecordsetSource);
     cursor_ = Known(type, RecordsetSource);
 }
 
 void Recordset::SetLockType(LockTypeEnum type) {
-    if (columns_) RaiseAdo(adErrObjectOpen, RecordsetSource);
+    if (IsOpen()) RaiseAdo(adErrObjectOpen, RecordsetSource);
     lock_ = Known(type, RecordsetSource);
 }
 
 void Recordset::SetCursorLocation(CursorLocationEnum location) {
-    if (columns_) RaiseAdo(adErrObjectOpen, RecordsetSource);
+    if (IsOpen()) RaiseAdo(adErrObjectOpen, RecordsetSource);
     location_ = location;
 }
 
 void Recordset::SetActiveConnection(const Ref<Connection>& connection) {
+    if (rowsElsewhere_) return AttachElsewhere(connection);
     if (columns_ && CursorLocation() != adUseClient) RaiseAdo(adErrObjectOpen, RecordsetSource);
     if (connection && connection->State() == adStateClosed) RaiseAdo(adErrInvalidConnection, RecordsetSource);
     if (reader_) CopyUnread();
@@ -202,23 +235,34 @@ void Recordset::SetActiveConnection(const Ref<Connection>& connection) {
     if (columns_ && connection_) connection_->open_.push_back(this);
 }
 
+void Recordset::AttachElsewhere(const Ref<Connection>& connection) {
+    rowsElsewhere_->SetActiveConnection(connection);
+    if (connection_) std::erase(connection_->open_, this);
+    connection_ = connection;
+    if (connection_) connection_->open_.push_back(this);
+}
+
 bool Recordset::Eof() const {
+    if (rowsElsewhere_) return rowsElsewhere_->Eof();
     Result();
     return eof_ && !IsAdding();
 }
 
 bool Recordset::Bof() const {
+    if (rowsElsewhere_) return rowsElsewhere_->Bof();
     Result();
     return bof_ && !IsAdding();
 }
 
 Long Recordset::RecordCount() const {
+    if (rowsElsewhere_) return rowsElsewhere_->RecordCount();
     Result();
     if (actualCursor_ == adOpenForwardOnly) return -1;
     return RowCount() + (IsAdding() ? 1 : 0);
 }
 
 Long Recordset::AbsolutePosition() const {
+    if (rowsElsewhere_) return rowsElsewhere_->AbsolutePosition();
     Result();
     if (unbuffered_) return adPosUnknown;
     if (IsAdding()) return RowCount() + 1;
@@ -244,6 +288,7 @@ void Recordset::GoTo(Long position) {
 }
 
 void Recordset::MoveFirst() {
+    if (rowsElsewhere_) return rowsElsewhere_->MoveFirst();
     Update();
     if (unbuffered_) RequireScrolling();
     if (bof_ && eof_) RaiseAdo(adErrNoCurrentRecord, RecordsetSource);
@@ -251,6 +296,7 @@ void Recordset::MoveFirst() {
 }
 
 void Recordset::MoveLast() {
+    if (rowsElsewhere_) return rowsElsewhere_->MoveLast();
     Update();
     RequireScrolling();
     if (bof_ && eof_) RaiseAdo(adErrNoCurrentRecord, RecordsetSource);
@@ -258,11 +304,18 @@ void Recordset::MoveLast() {
     if (RowCount() == 0) eof_ = true;
 }
 
-void Recordset::MoveNext() { Move(1); }
+void Recordset::MoveNext() {
+    if (rowsElsewhere_) return rowsElsewhere_->MoveNext();
+    Move(1);
+}
 
-void Recordset::MovePrevious() { Move(-1); }
+void Recordset::MovePrevious() {
+    if (rowsElsewhere_) return rowsElsewhere_->MovePrevious();
+    Move(-1);
+}
 
 void Recordset::Move(Long rows) {
+    if (rowsElsewhere_) return rowsElsewhere_->Move(rows);
     Update();
     if (rows < 0) RequireScrolling();
     const bool forward = rows > 0;
@@ -277,6 +330,7 @@ void Recordset::Move(Long rows) {
 }
 
 Long Recordset::OrdinalOf(std::string_view name) const {
+    if (rowsElsewhere_) return rowsElsewhere_->ColumnOf(name);
     const Long ordinal = Result().Find(name);
     if (ordinal == Columns::Missing) RaiseNoColumn();
     return ordinal;
@@ -289,6 +343,7 @@ void Recordset::RequireCurrent() const {
 }
 
 Variant Recordset::ValueAt(Long ordinal) const {
+    if (rowsElsewhere_) return rowsElsewhere_->Value(ordinal);
     const Column& column = ColumnAt(ordinal);
     if (!edit_) return ValueOf(CurrentCell(ordinal), column);
     if (const auto& assigned = edit_->assigned[static_cast<std::size_t>(ordinal)])
@@ -297,6 +352,7 @@ Variant Recordset::ValueAt(Long ordinal) const {
 }
 
 Variant Recordset::OriginalAt(Long ordinal) const {
+    if (rowsElsewhere_) return rowsElsewhere_->OriginalValue(ordinal);
     const Column& column = ColumnAt(ordinal);
     return IsAdding() ? Variant(Null{}) : ValueOf(CurrentCell(ordinal), column);
 }

@@ -134,14 +134,14 @@ public:
     void Requery();
 
     /// Returns `adStateOpen` or `adStateClosed`.
-    Long State() const noexcept { return columns_ ? adStateOpen : adStateClosed; }
+    Long State() const noexcept { return IsOpen() ? adStateOpen : adStateClosed; }
     /// Returns the statement that was run last or set by `SetSource`. For `adCmdTable` it is the select of the table;
     /// if a handler of `WillExecute` changed the statement, it is the changed one.
     const String& Source() const noexcept { return source_; }
     /// Return the types that the open recordset has, which may differ from the requested ones, or the types that the
     /// next `Open` by name requests.
-    CursorTypeEnum CursorType() const noexcept { return columns_ ? actualCursor_ : cursor_; }
-    LockTypeEnum LockType() const noexcept { return columns_ ? actualLock_ : lock_; }
+    CursorTypeEnum CursorType() const;
+    LockTypeEnum LockType() const;
 
     /// Set what a later `Open` by name uses for an argument that is left out; `Open` in C++ has its own defaults and
     /// replaces these values. Raise 3705 while open, 3001 for a number that is not in the enumeration; the old value
@@ -212,17 +212,19 @@ public:
     Field Fields(Long ordinal) { return {*this, OrdinalOf(ordinal)}; }
     /// Returns the column with a name that is a literal, faster than `Fields`. Raises as `Fields`. C++ only.
     Field FieldOf(const ColumnName& name) {
-        const Long ordinal = Result().Find(name);
+        const Long ordinal = columns_ ? columns_->Find(name) : OrdinalOf(name.Text());
         if (ordinal == Columns::Missing) RaiseNoColumn();
         return {*this, ordinal};
     }
     /// Returns the number of columns. Raises 3704 on a closed recordset.
-    Long FieldCount() const { return Result().Count(); }
+    Long FieldCount() const { return rowsElsewhere_ ? rowsElsewhere_->FieldCount() : Result().Count(); }
 
     /// Returns true if the recordset has a column with this name, without regard to case; it need not have rows. For a
     /// column that is often missing, this is faster than handling the failure of `Fields`. Raises 3704 on a closed
     /// recordset.
-    bool HasField(std::string_view name) const { return Result().Find(name) != Columns::Missing; }
+    bool HasField(std::string_view name) const {
+        return rowsElsewhere_ ? rowsElsewhere_->HasField(name) : Result().Find(name) != Columns::Missing;
+    }
 
     /// Read or assign a value. Raise as `Fields`, and as `Value` and `SetValue` of the column.
     Variant Collect(std::string_view name) { return Fields(name).Value(); }
@@ -272,6 +274,12 @@ public:
     /// Returns the interface table. By name, `Fields` is the default member and returns a `FieldsObject`; `Open` has
     /// optional arguments, and accepts a connection string in place of a connection, which it opens.
     const Interface& Describe() const override;
+    Ref<Object> Adapted() const override;
+
+    /// Returns a recordset that passes its calls on to `recordset`, an object that has the members of a recordset by
+    /// name: one of another component, which is not closed with the last reference. Null if the object has no member
+    /// `Fields`.
+    static Ref<Recordset> Adapt(const Ref<Object>& recordset);
 
 private:
     friend class Connection;
@@ -305,6 +313,13 @@ private:
     void ConnectionClosed();
     /// Releases the rows and the pending edit; does nothing if closed.
     void Release();
+    bool IsOpen() const noexcept { return columns_ || rowsElsewhere_; }
+    /// Runs a request in the modes of this recordset.
+    Connection::Result Run(Connection& connection, ExecuteRequest& request) const;
+    /// Takes the rows of another side. The recordset must be closed.
+    void TakeCursor(const Ref<Connection>& connection, std::unique_ptr<Cursor> cursor);
+    /// Does what `SetActiveConnection` does, for the rows of another side.
+    void AttachElsewhere(const Ref<Connection>& connection);
     const Columns& Result() const {
         if (!columns_) RaiseClosed();
         return *columns_;
@@ -312,6 +327,7 @@ private:
     [[noreturn]] static void RaiseClosed();
     Long OrdinalOf(std::string_view name) const;
     Long OrdinalOf(Long ordinal) const {
+        if (rowsElsewhere_) return rowsElsewhere_->ColumnOf(ordinal);
         if (ordinal < 0 || ordinal >= Result().Count()) RaiseNoColumn();
         return ordinal;
     }
@@ -330,6 +346,7 @@ private:
     /// Returns the same for a field, nothing while an edit is pending. Raises in addition 3704 and 3265, because the
     /// recordset may have been closed or opened again since the field was created.
     std::optional<Cell> StoredCell(Long ordinal) const {
+        if (rowsElsewhere_) return {};
         if (!columns_ || ordinal < 0 || ordinal >= columns_->Count()) ColumnAt(ordinal);
         if (edit_) return {};
         return CurrentCell(ordinal);
@@ -338,7 +355,9 @@ private:
     void GoTo(Long position);
 
     /// Returns the column of a field; the recordset may have been closed or opened again since the field was created.
-    const Column& ColumnAt(Long ordinal) const { return Result().At(OrdinalOf(ordinal)); }
+    const Column& ColumnAt(Long ordinal) const {
+        return rowsElsewhere_ ? rowsElsewhere_->ColumnAt(ordinal) : Result().At(OrdinalOf(ordinal));
+    }
     bool IsAdding() const noexcept { return edit_ && edit_->mode == adEditAdd; }
     Variant ValueAt(Long ordinal) const;
     Variant OriginalAt(Long ordinal) const;
@@ -365,6 +384,7 @@ private:
     CursorTypeEnum actualCursor_ = adOpenForwardOnly;
     LockTypeEnum actualLock_ = adLockReadOnly;
 
+    std::unique_ptr<Cursor> rowsElsewhere_;   // in place of all that follows
     std::shared_ptr<const Columns> columns_;  // null while closed
     Rows rows_;
     std::unique_ptr<RowReader> reader_;  // at the current row, while the statement is running; `rows_` is empty then

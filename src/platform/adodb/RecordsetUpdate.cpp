@@ -14,6 +14,7 @@ namespace {
 }  // namespace
 
 EditModeEnum Recordset::EditMode() const {
+    if (rowsElsewhere_) return rowsElsewhere_->EditMode();
     Result();
     if (edit_) return edit_->mode;
     if (bof_ || eof_ || onDeleted_) RaiseAdo(adErrNoCurrentRecord, RecordsetSource);
@@ -40,12 +41,14 @@ void Recordset::RequireUpdatable() const {
 }
 
 void Recordset::AddNew() {
+    if (rowsElsewhere_) return rowsElsewhere_->AddNew();
     RequireUpdatable();
     Update();
     edit_ = Edit{adEditAdd, std::vector<std::optional<Variant>>(static_cast<std::size_t>(columns_->Count()))};
 }
 
 void Recordset::Assign(Long ordinal, const Variant& value) {
+    if (rowsElsewhere_) return rowsElsewhere_->SetValue(ordinal, value);
     RequireUpdatable();
     if (!edit_) RequireCurrent();
     const Column& column = ColumnAt(ordinal);
@@ -60,11 +63,13 @@ void Recordset::Assign(Long ordinal, const Variant& value) {
 }
 
 void Recordset::CancelUpdate() {
+    if (rowsElsewhere_) return rowsElsewhere_->CancelUpdate();
     Result();
     edit_.reset();
 }
 
 void Recordset::Update() {
+    if (rowsElsewhere_) return rowsElsewhere_->Update();
     Result();
     if (!edit_) return;
     if (edit_->mode == adEditAdd)
@@ -119,6 +124,7 @@ void Recordset::Change() {
 }
 
 void Recordset::Delete(AffectEnum AffectRecords) {
+    if (rowsElsewhere_) return rowsElsewhere_->Delete(AffectRecords);
     Result();
     if (AffectRecords != adAffectCurrent) RaiseAdo(adErrInvalidArgument, RecordsetSource);
     RequireUpdatable();

@@ -30,7 +30,20 @@ struct Collection::KeyIndex {
 };
 
 Collection::Collection() = default;
+Collection::Collection(std::unique_ptr<MemberSource> source) : source_(std::move(source)) {}
 Collection::~Collection() = default;
+
+Ref<Object> Collection::Adapted() const { return source_ ? source_->Adapted() : nullptr; }
+
+bool Collection::HasKey(const String& key) const {
+    if (!source_) return FindKey(key) != nullptr;
+    try {
+        source_->Item(key);
+        return true;
+    } catch (const Error&) {
+        return false;
+    }
+}
 
 const Collection::Node* Collection::FindKey(const String& key) const {
     if (!keys_) return nullptr;
@@ -63,6 +76,7 @@ void Collection::Shift(Long from, Long by) const {
 
 void Collection::Add(const Variant& item, const Variant& key, const Variant& before, const Variant& after) {
     if (!key.Is<Empty>() && !key.Is<String>()) Raise(err::TypeMismatch);
+    if (source_) return source_->Add(item, key, before, after);
     const Long place = PlaceFor(before, after);
     const bool keyed = key.Is<String>();
     auto node = std::make_unique<Node>(Node{item, keyed, keyed ? LCase(key.As<String>()) : String()});
@@ -74,11 +88,13 @@ void Collection::Add(const Variant& item, const Variant& key, const Variant& bef
 }
 
 const Variant& Collection::At(Long position) const {
+    if (source_) return source_->Item(position);
     if (position < 1 || position > Count()) Raise(err::OutOfBounds);
     return nodes_[static_cast<std::size_t>(position - 1)]->item;
 }
 
 const Variant& Collection::Item(const Variant& indexOrKey) const {
+    if (source_) return source_->Item(indexOrKey);
     if (!indexOrKey.Is<String>()) return At(CLng(indexOrKey));
     const Node* const found = FindKey(indexOrKey.As<String>());
     if (!found) Raise(err::InvalidCall);
@@ -86,6 +102,7 @@ const Variant& Collection::Item(const Variant& indexOrKey) const {
 }
 
 void Collection::Remove(const Variant& indexOrKey) {
+    if (source_) return source_->Remove(indexOrKey);
     const Long position = PositionOf(indexOrKey);
     const auto at = nodes_.begin() + (position - 1);
     const std::unique_ptr<Node> gone = std::move(*at);  // ends behind us, when the list is in order again

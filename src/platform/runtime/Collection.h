@@ -22,6 +22,23 @@ public:
     virtual const Collection& Members() const = 0;
 };
 
+/// The members of a collection that is kept elsewhere: an object of another component. The functions have the contracts
+/// of the functions of `Collection` with the same names, except that the other component decides what it raises.
+class MemberSource {
+public:
+    MemberSource() = default;
+    MemberSource(const MemberSource&) = delete;
+    virtual ~MemberSource() = default;
+
+    virtual Long Count() const = 0;
+    /// Returns a member; the reference is valid until `Add` or `Remove` is called.
+    virtual const Variant& Item(const Variant& indexOrKey) const = 0;
+    virtual void Add(const Variant& item, const Variant& key, const Variant& before, const Variant& after) = 0;
+    virtual void Remove(const Variant& indexOrKey) = 0;
+    /// Returns the object of the other component.
+    virtual Ref<Object> Adapted() const = 0;
+};
+
 /// A list of values with optional keys; positions start at 1.
 ///
 /// Members are values of any type; objects are held by reference. A key is a text that is compared without regard to
@@ -36,6 +53,8 @@ class Collection final : public Enumerable {
 public:
     /// An empty collection. `New<Collection>()` creates it, because enumerators hold references to it.
     Collection();
+    /// A collection whose members are kept by `source`, to which it passes all calls on.
+    explicit Collection(std::unique_ptr<MemberSource> source);
     /// Releases the members.
     ~Collection() override;
 
@@ -59,10 +78,10 @@ public:
     const Variant& At(Long position) const;
 
     /// Returns the number of members.
-    Long Count() const noexcept { return static_cast<Long>(nodes_.size()); }
+    Long Count() const { return source_ ? source_->Count() : static_cast<Long>(nodes_.size()); }
 
     /// Returns true if a member has this key, without regard to case.
-    bool HasKey(const String& key) const { return FindKey(key) != nullptr; }
+    bool HasKey(const String& key) const;
 
     /// Removes a member; the positions of those after it decrease by one, and its key may be used again. An object
     /// whose last reference it was is deleted after the collection is changed, so its destructor may use the
@@ -75,6 +94,8 @@ public:
 
     /// Returns this collection.
     const Collection& Members() const override { return *this; }
+
+    Ref<Object> Adapted() const override;
 
 private:
     friend class Enumerator;
@@ -96,6 +117,7 @@ private:
     /// Moves the enumerators whose next position is after `from`.
     void Shift(Long from, Long by) const;
 
+    std::unique_ptr<MemberSource> source_;  // null if the members are in `nodes_`
     std::vector<std::unique_ptr<Node>> nodes_;
     std::unique_ptr<KeyIndex> keys_;          // null until a member has a key
     mutable std::vector<Enumerator*> walks_;  // the enumerators of this collection

@@ -99,8 +99,9 @@ String Format(const Variant& value, std::string_view pattern);
 /// Returns the value converted to type `T` by the conversion above for this type; a `Variant` unchanged. An enumeration
 /// is converted as a `Long` and may receive a number that it does not name. Another type does not compile.
 ///
-/// For a `Ref`, `Empty` and a null reference become null; raises 13 for an object of another class, 424 for a value
-/// that is not an object. Otherwise raises as the conversion.
+/// For a `Ref`, `Empty` and a null reference become null. An object of another component becomes an adapter
+/// (`Object::AdaptedAs`) if there is one for the class. Raises 13 for an object of another class, 424 for a value that
+/// is not an object. Otherwise raises as the conversion.
 template <class T>
 T To(Variant value);
 
@@ -141,8 +142,12 @@ T To(Variant value) {
     } else {
         static_assert(detail::IsRef<T>::value, "a type of the system");
         const Ref<Object>& object = detail::ObjectOf(value);
-        auto* target = dynamic_cast<typename detail::IsRef<T>::Target*>(object.Get());
-        if (object && !target) Raise(err::TypeMismatch);
+        using Target = typename detail::IsRef<T>::Target;
+        auto* target = dynamic_cast<Target*>(object.Get());
+        if (target || !object) return T(target);
+        const Ref<Object> adapter = object->AdaptedAs(Target::ClassName);
+        target = dynamic_cast<Target*>(adapter.Get());
+        if (!target) Raise(err::TypeMismatch);
         return T(target);
     }
 }

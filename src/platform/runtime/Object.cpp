@@ -17,6 +17,10 @@ Object::~Object() = default;
 
 const Interface& Object::Describe() const { return theHooks.TableOf(*this); }
 
+Ref<Object> Object::AdaptedAs(std::string_view) const { return nullptr; }
+
+Ref<Object> Object::Adapted() const { return nullptr; }
+
 void Object::Begin() const noexcept {
     if (ObjectCounter* counter = theHooks.CounterOf(*this)) counter->ObjectBegan();
 }

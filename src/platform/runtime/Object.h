@@ -73,6 +73,15 @@ public:
     /// interface tables.
     virtual const Interface& Describe() const;
 
+    /// Returns an object of the class with this `ClassName` that passes its calls on to this object, null if there is
+    /// none. Only an object of another component has any; `To<Ref<T>>` calls it for an object that is not a `T`. Raises
+    /// what the other component raises.
+    virtual Ref<Object> AdaptedAs(std::string_view className) const;
+
+    /// Returns the object of another component to which this one passes its calls on, and which a COM client receives
+    /// in its place; null if there is none.
+    virtual Ref<Object> Adapted() const;
+
 private:
     template <class T>
     friend class Ref;

@@ -57,6 +57,7 @@ TEST_F(ConnectionEventsTest, AnOwnedHandlerIsDeletedWithItsConnection) {
 }
 
 TEST_F(ConnectionEventsTest, AnOwnedHandlerIsDeletedAfterTheSession) {
+    OXCLASS_ONLY_IF(TestKit::IsOwnConnection());
     /// Asks at its end whether the transaction of the connection that owns it is still open.
     struct Asking : ConnectionEvents {
         Asking(Ref<Connection> asked, Variant& told) : con(std::move(asked)), answer(told) {}

@@ -208,6 +208,7 @@ TEST_F(ConnectionTest, ClosingClosesItsRecordsets) {
 }
 
 TEST_F(ConnectionTest, HandlersSeeAndMayChangeOrCancelAStatement) {
+    OXCLASS_ONLY_IF(TestKit::IsOwnConnection());
     struct Handler : ConnectionEvents {
         void WillExecute(ExecuteRequest& request) override {
             if (request.Source == "SELECT 1") request.Source = "SELECT 2";

@@ -197,6 +197,7 @@ TEST_F(RecordsetTest, ASnapshotDoesNotSeeLaterChanges) {
 }
 
 TEST_F(RecordsetTest, ADisconnectedRecordsetStaysReadable) {
+    OXCLASS_ONLY_IF(TestKit::IsOwnConnection());
     const Ref<Recordset> rs = Open();
     rs->SetActiveConnection(nullptr);
     rs->MoveNext();

@@ -125,6 +125,7 @@ TEST_F(UnbufferedTest, AnOpenRecordsetIsClosedWithItsConnection) {
 }
 
 TEST_F(UnbufferedTest, TheStatementEndsWithTheLastRowWithCloseAndWhenTheRowsAreCopied) {
+    OXCLASS_ONLY_IF(TestKit::IsOwnConnection());
     OXCLASS_ONLY_IF(TestKit::IsFile());
     const Ref<Connection> other = Connect();
     other->Execute("PRAGMA busy_timeout=0");
@@ -161,6 +162,7 @@ TEST_F(UnbufferedTest, TheStatementEndsWithTheLastRowWithCloseAndWhenTheRowsAreC
 }
 
 TEST_F(UnbufferedTest, ItMovesForwardOnly) {
+    OXCLASS_ONLY_IF(TestKit::IsOwnConnection());
     const Ref<Recordset> rs = Open(plain);
     EXPECT_EQ(rs->CursorType(), adOpenForwardOnly);
     EXPECT_EQ(rs->RecordCount(), -1);
@@ -177,6 +179,7 @@ TEST_F(UnbufferedTest, ItMovesForwardOnly) {
 }
 
 TEST_F(UnbufferedTest, AHandlerSeesTheSameEventsAsForAnOrdinaryRecordset) {
+    OXCLASS_ONLY_IF(TestKit::IsOwnConnection());
     struct Handler final : ConnectionEvents {
         void WillExecute(ExecuteRequest& request) override { seen = request; }
         void ExecuteComplete(const ExecuteReport& report) override { rows = report.Rows; }
@@ -196,6 +199,7 @@ TEST_F(UnbufferedTest, AHandlerSeesTheSameEventsAsForAnOrdinaryRecordset) {
 }
 
 TEST_F(UnbufferedTest, AFailureAtALaterRowIsRaisedByTheMoveThatReachesIt) {
+    OXCLASS_ONLY_IF(TestKit::IsOwnConnection());
     TestKit::FailAtRow(3);
     const Ref<Recordset> rs = Open(faulty);
     rs->MoveNext();
@@ -213,6 +217,7 @@ TEST_F(UnbufferedTest, AFailureAtTheFirstRowIsRaisedByOpen) {
 }
 
 TEST_F(UnbufferedTest, AFailureWhileTheRowsAreCopiedIsRaisedByTheMoveThatReachesTheRow) {
+    OXCLASS_ONLY_IF(TestKit::IsOwnConnection());
     TestKit::FailAtRow(3);
     const Ref<Recordset> rs = Open(faulty);
     TestKit::FailAtCall(0);
@@ -228,6 +233,7 @@ TEST_F(UnbufferedTest, AFailureWhileTheRowsAreCopiedIsRaisedByTheMoveThatReaches
 }
 
 TEST_F(UnbufferedTest, AnEngineFailureAtALaterRowNamesTheStatement) {
+    OXCLASS_ONLY_IF(TestKit::IsOwnConnection());
     OXCLASS_ONLY_IF(TestKit::IsFile());
     const String statement = "SELECT abs(CASE ClinicID WHEN 2 THEN -9223372036854775808 ELSE 1 END) FROM Clinic_T";
     const Ref<Recordset> rs = Open(plain, statement);

@@ -4,14 +4,69 @@
 #include "platform/adodb/Rows.h"
 
 #include <functional>
+#include <optional>
 
 namespace ADODB {
+
+/// The rows of a statement where the other side has a recordset of its own: it keeps the position, the edit and the
+/// rows. A recordset passes its calls on; the functions do what those of `Recordset` with the same names do, and raise
+/// what the other side raises. A column is an index that `ColumnOf` returned.
+class Cursor {
+public:
+    Cursor() = default;
+    Cursor(const Cursor&) = delete;
+    virtual ~Cursor() = default;
+
+    virtual bool Eof() const = 0;
+    virtual bool Bof() const = 0;
+    virtual Long RecordCount() const = 0;
+    virtual Long AbsolutePosition() const = 0;
+    virtual CursorTypeEnum CursorType() const = 0;
+    virtual LockTypeEnum LockType() const = 0;
+    virtual EditModeEnum EditMode() const = 0;
+
+    virtual void MoveFirst() = 0;
+    virtual void MoveLast() = 0;
+    virtual void MoveNext() = 0;
+    virtual void MovePrevious() = 0;
+    virtual void Move(Long rows) = 0;
+
+    virtual Long FieldCount() const = 0;
+    virtual bool HasField(std::string_view name) const = 0;
+    virtual Long ColumnOf(std::string_view name) = 0;
+    virtual Long ColumnOf(Long ordinal) = 0;
+    /// Returns name, type and size of a column. The reference is valid as long as the cursor.
+    virtual const Column& ColumnAt(Long column) = 0;
+    virtual Variant Value(Long column) const = 0;
+    virtual Variant OriginalValue(Long column) const = 0;
+    virtual void SetValue(Long column, const Variant& value) = 0;
+
+    virtual void AddNew() = 0;
+    virtual void Update() = 0;
+    virtual void CancelUpdate() = 0;
+    virtual void Delete(AffectEnum affectRecords) = 0;
+    virtual void Requery() = 0;
+    virtual void Close() = 0;
+    /// Attaches the rows to a connection; null detaches them.
+    virtual void SetActiveConnection(const Ref<Platform::Object>& connection) = 0;
+    /// Returns the recordset of the other side.
+    virtual Ref<Platform::Object> Adapted() const = 0;
+};
+
+/// How a recordset is opened.
+struct RowsRequest {
+    CursorTypeEnum CursorType = adOpenForwardOnly;
+    LockTypeEnum LockType = adLockReadOnly;
+    Long Options = adCmdUnspecified;
+    std::optional<CursorLocationEnum> Location;  ///< none: where the connection keeps rows
+};
 
 /// The result of running one statement.
 struct Outcome {
     std::shared_ptr<const Columns> columns;  ///< null if the statement does not return rows
     std::unique_ptr<RowReader> reader;       ///< the rows; null if the statement does not return rows
     std::int64_t affected = -1;              ///< rows that an action statement changed; -1 for other statements
+    std::unique_ptr<Cursor> cursor = {};     ///< the rows in place of the two above; null for most providers
 };
 
 /// A piece of a statement whose text is not joined yet. It refers to the text of its owner.
@@ -39,6 +94,14 @@ public:
     /// statement. `text` must live as long as the reader of the outcome, which must be deleted before `Run`,
     /// `RunAction`, `Change`, `Insert`, `Begin`, `Commit` or `RollBack` is called.
     virtual Outcome Run(std::string_view text) = 0;
+
+    /// Runs a statement for a recordset that is opened in these modes, and one whose number of changed rows is asked
+    /// for. Most providers do the same as for any other statement.
+    virtual Outcome Open(std::string_view text, const RowsRequest& /*modes*/) { return Run(text); }
+    virtual Outcome RunCounted(std::string_view text) { return Run(text); }
+
+    /// Sets where the connection keeps the rows of later recordsets, for a session that has a setting of its own.
+    virtual void UseLocation(CursorLocationEnum /*location*/) {}
 
     /// Runs an action statement that consists of these pieces; rows that it returns are ignored. `joined` returns its
     /// text. A provider that remembers the statement by its fixed pieces binds the values and does not join the text.

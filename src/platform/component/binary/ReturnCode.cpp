@@ -12,6 +12,22 @@ HRESULT CodeOf(const Error& failure) {
     return static_cast<HRESULT>(ofTheRuntime | static_cast<std::uint32_t>(failure.Number));
 }
 
+Long NumberOf(HRESULT code) {
+    if ((static_cast<std::uint32_t>(code) & 0xFFFF0000) == 0x800A0000) return code & 0xFFFF;
+    switch (code) {
+        case DISP_E_MEMBERNOTFOUND:
+        case DISP_E_UNKNOWNNAME: return err::NoSuchMember;
+        case DISP_E_BADPARAMCOUNT:
+        case DISP_E_NONAMEDARGS: return err::WrongArguments;
+        case DISP_E_PARAMNOTOPTIONAL: return err::ArgumentNotOptional;
+        case DISP_E_TYPEMISMATCH: return err::TypeMismatch;
+        case DISP_E_OVERFLOW: return err::Overflow;
+        case DISP_E_BADINDEX: return err::OutOfBounds;
+        case E_OUTOFMEMORY: return err::OutOfMemory;
+        default: return code;
+    }
+}
+
 namespace {
 
 /// Returns the return code for an argument that can't be taken, with its record; a null's is the runtime's own.

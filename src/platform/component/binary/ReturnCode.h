@@ -18,6 +18,10 @@ public:
 /// Returns the return code of a failure: 0x800A0000 plus a short number, or an engine's number itself.
 HRESULT CodeOf(const Error& failure);
 
+/// Returns the number of a failure for its return code: the short number behind 0x800A0000, the runtime's number for a
+/// code that means the same, otherwise the code itself.
+Long NumberOf(HRESULT code);
+
 /// Returns the return code for the exception that is being handled, and sets the error record.
 HRESULT CodeOfCaught() noexcept;
 

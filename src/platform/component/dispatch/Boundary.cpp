@@ -7,6 +7,8 @@
 #include <array>
 #include <atomic>
 #include <new>
+#include <utility>
+#include <vector>
 
 namespace Platform {
 namespace {
@@ -17,6 +19,11 @@ std::uint32_t ThisThread() {
     thread_local std::uint32_t number = 0;
     if (number == 0) number = ++last;
     return number;
+}
+
+std::vector<std::pair<std::string_view, Adapter>>& Adapters() {
+    static auto& adapters = *new std::vector<std::pair<std::string_view, Adapter>>;  // for the whole process
+    return adapters;
 }
 
 /// Returns the first function of a pointer's vtable.
@@ -79,6 +86,7 @@ IUnknown* Boundary::ToPointer(const Ref<Object>& object) {
             foreign->Pointer()->AddRef();
             return foreign->Pointer();
         }
+        if (const Ref<Object> adapted = object->Adapted()) return ToPointer(adapted);
         object->Slots = object->Describe().Slots();
         object->thread_ = ThisThread();
     }
@@ -131,5 +139,14 @@ Foreign::Foreign(IUnknown* pointer) : pointer_(pointer) {
 }
 
 Foreign::~Foreign() { pointer_->Release(); }
+
+Ref<Object> Foreign::AdaptedAs(std::string_view className) const {
+    if (!isDispatch_) return nullptr;
+    for (const auto& [name, adapt] : Adapters())
+        if (name == className) return adapt(Ref<Object>(const_cast<Foreign*>(this)));
+    return nullptr;
+}
+
+void RegisterAdapter(std::string_view className, Adapter adapt) { Adapters().emplace_back(className, adapt); }
 
 }  // namespace Platform

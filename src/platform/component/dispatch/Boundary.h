@@ -38,11 +38,22 @@ public:
     static bool IsOnItsThread(const InterfacePointer& pointer);
 };
 
+/// Returns an object that passes its calls on to `foreign`, an object of another component with members that can be
+/// called by name; null if it does not have the members of the class.
+using Adapter = Ref<Object> (*)(const Ref<Object>& foreign);
+
+/// Sets the adapter for arguments of the class with this `ClassName`. Called while the library is loaded, before any
+/// object exists; it is not synchronised with other threads.
+void RegisterAdapter(std::string_view className, Adapter adapt);
+
 /// An object of another component. It can be stored in a collection, and is returned to clients as the same pointer.
+/// If it has `IDispatch`, it can be passed where an object of a class with an adapter is required.
 class Foreign final : public Object {
 public:
     explicit Foreign(IUnknown* pointer);
     ~Foreign() override;
+
+    Ref<Object> AdaptedAs(std::string_view className) const override;
 
     IUnknown* Pointer() const noexcept { return pointer_; }
     bool IsDispatch() const noexcept { return isDispatch_; }

@@ -184,6 +184,68 @@ HRESULT Fill(EXCEPINFO* failure, const Error& error) {
     return DISP_E_EXCEPTION;
 }
 
+bool ReturnsObject(const Member& member) { return member.Result.Is == MemberType::Kind::Object; }
+
+/// Returns true if the arguments of a read are those of the default member of the object that the property returns:
+/// `rs.Fields("Name")`.
+bool AreOfDefaultMember(const Member& member, const DISPPARAMS& parameters) {
+    return parameters.cArgs > 0 && member.Kind == MemberKind::Get && member.Arguments.empty() && ReturnsObject(member);
+}
+
+/// Returns the property whose result has the default member that an assignment means: `rs.Fields("Name") = value`. The
+/// property can't be assigned itself. Null if there is none.
+const Member* OwnerOfAssigned(const Object& object, DISPID id, WORD flags, const DISPPARAMS& parameters) {
+    const Member* member = flags & DISPATCH_PROPERTYPUT ? object.Describe().Find(id, MemberKind::Get) : nullptr;
+    if (!member || !ReturnsObject(*member) || parameters.cArgs < 2 || parameters.cNamedArgs != 1) return nullptr;
+    return member->Arguments.size() < parameters.cArgs ? member : nullptr;
+}
+
+/// One call of `IDispatch::Invoke`.
+struct InvokedCall {
+    WORD Flags;
+    DISPPARAMS* Parameters;
+    VARIANT* Result;
+    EXCEPINFO* Failure;
+    UINT* Wrong;
+};
+
+/// Calls the member with these arguments and returns its value by `take`.
+template <class Take>
+HRESULT CallMember(Object& object, const Member& member, DISPPARAMS& parameters, const InvokedCall& invoked,
+                   Take take) {
+    NamedCall call(member, parameters);
+    if (const HRESULT read = call.Read(invoked.Wrong); FAILED(read)) return read;
+    try {
+        return take(call.Run(object));
+    } catch (const ArgumentError& error) {
+        if (invoked.Wrong) *invoked.Wrong = call.PositionOf(error.Index);
+        if (error.Number == err::InvalidNull) return Fill(invoked.Failure, error);
+        throw;
+    } catch (const Error& error) {
+        return Fill(invoked.Failure, error);
+    }
+}
+
+/// Calls the default member of the object that a property returns. The property takes as many of the arguments as it
+/// has; the default member takes the others.
+HRESULT CallDefaultMember(Object& object, const Member& property, const InvokedCall& invoked) {
+    const auto own = static_cast<UINT>(property.Arguments.size());
+    DISPPARAMS rest = *invoked.Parameters, ofProperty{};
+    rest.cArgs -= own;
+    ofProperty.rgvarg = rest.rgvarg + rest.cArgs;
+    ofProperty.cArgs = own;
+    return CallMember(object, property, ofProperty, invoked, [&](const Variant& value) -> HRESULT {
+        VARIANT owner{};
+        ToVariant(value, owner);
+        const bool callable = owner.vt == VT_DISPATCH && owner.pdispVal;
+        const HRESULT code = callable ? owner.pdispVal->Invoke(DISPID_VALUE, IID_NULL, 0, invoked.Flags, &rest,
+                                                               invoked.Result, invoked.Failure, invoked.Wrong)
+                                      : DISP_E_BADPARAMCOUNT;
+        VariantClear(&owner);
+        return code;
+    });
+}
+
 HRESULT STDMETHODCALLTYPE InvokeById(InterfacePointer* self, DISPID id, REFIID riid, LCID, WORD flags,
                                      DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* failure,
                                      UINT* wrong) noexcept {
@@ -195,22 +257,17 @@ HRESULT STDMETHODCALLTYPE InvokeById(InterfacePointer* self, DISPID id, REFIID r
         if (!AreSound(parameters)) return E_INVALIDARG;
         if (!Boundary::IsOnItsThread(*self)) return WrongThread();
         const Ref<Object> object(&Boundary::ObjectOf(*self));  // a call may let the caller's last reference go
+        const InvokedCall invoked{flags, parameters, result, failure, wrong};
         const Member* member = object->Describe().Find(id, KindOf(flags));
-        if (!member) return DISP_E_MEMBERNOTFOUND;
-
-        NamedCall call(*member, *parameters);
-        if (const HRESULT read = call.Read(wrong); FAILED(read)) return read;
-        try {
-            const Variant value = call.Run(*object);
-            if (result) ToVariant(value, *result);
-        } catch (const ArgumentError& error) {
-            if (wrong) *wrong = call.PositionOf(error.Index);
-            if (error.Number == err::InvalidNull) return Fill(failure, error);
-            throw;
-        } catch (const Error& error) {
-            return Fill(failure, error);
+        if (!member) {
+            const Member* owner = OwnerOfAssigned(*object, id, flags, *parameters);
+            return owner ? CallDefaultMember(*object, *owner, invoked) : DISP_E_MEMBERNOTFOUND;
         }
-        return S_OK;
+        if (AreOfDefaultMember(*member, *parameters)) return CallDefaultMember(*object, *member, invoked);
+        return CallMember(*object, *member, *parameters, invoked, [&](const Variant& value) {
+            if (result) ToVariant(value, *result);
+            return S_OK;
+        });
     });
 }
 

@@ -77,6 +77,7 @@ VARTYPE TypeOfObject(const Ref<Object>& object) {
     if (!object) return VT_DISPATCH;
     if (const auto* foreign = dynamic_cast<const Foreign*>(object.Get()))
         return foreign->IsDispatch() ? VT_DISPATCH : VT_UNKNOWN;
+    if (object->Adapted()) return VT_DISPATCH;
     return object->Describe().IsDispatch() ? VT_DISPATCH : VT_UNKNOWN;
 }
 
