@@ -177,6 +177,25 @@ TEST(Invoke, TheDefaultMemberHasTheIdentityZero) {
     EXPECT_EQ(Get(lists, "Item", {1}).Type(), VT_DISPATCH);
 }
 
+TEST(Invoke, ArgumentsBeyondAnObjectAreThoseOfItsDefaultMember) {
+    const Dispatch connection = Create("ADODB.Connection"), rows = Create("ADODB.Recordset");
+    Call(connection, "Open", {"Provider=SQLite;Data Source=:memory:"});
+    Call(connection, "Execute", {"CREATE TABLE t (a INTEGER PRIMARY KEY, b VARCHAR(9))"});
+    Call(connection, "Execute", {"INSERT INTO t VALUES (1, 'before')"});
+    Put(rows, "CursorLocation", 3);
+    Call(rows, "Open", {"SELECT a, b FROM t", Value(connection), 3, 3});
+    EXPECT_EQ(Get(Get(rows, "Fields", {"b"}).Object(), "Value").String(), "before");
+
+    std::vector<Value> given{"b", "after"};  // rows("b") = "after"
+    EXPECT_EQ(Invoke(rows.Get(), DISPID_VALUE, DISPATCH_PROPERTYPUT, given).Code, S_OK);
+    EXPECT_EQ(Get(rows, "Collect", {"b"}).String(), "after");
+
+    std::vector<Value> tooMany{"b", "b"};
+    EXPECT_EQ(Invoke(rows.Get(), "Fields", DISPATCH_PROPERTYGET, tooMany).Code, DISP_E_BADPARAMCOUNT);
+    EXPECT_EQ(Invoke(Create("OXClass.cUniCard").Get(), "Study", DISPATCH_PROPERTYGET, {1}).Code, DISP_E_BADPARAMCOUNT)
+        << "there is no object";
+}
+
 TEST(Invoke, TheNineCollectionsWalkByTheEnumeratorsIdentity) {
     for (const char* name : {"cDoctors", "cClinics", "cImages", "cTeeth", "cComments", "cGlobalLists", "OtherPatIDs",
                              "IntendedRecipients", "cUniCards"}) {
