@@ -15,7 +15,8 @@ fail() {
 
 # Writes all classes of the registry to a file of the folder.
 classes() { # NAME
-    cd "$folder" && rm -f "$1" && "$wine" reg export 'HKLM\Software\Classes' "$1" /y >/dev/null && [ -s "$1" ]
+    cd "$folder" && "$wine" reg export 'HKLM\Software\Classes' all.reg /y >/dev/null &&
+        iconv -f UTF-16 -t UTF-8 all.reg >"$1" && [ -s "$1" ]
 }
 
 requires() { # KEY
@@ -27,7 +28,7 @@ name=$(basename "$library")
 case $1 in
     register)
         "$wine" regsvr32 /u /s "$name" || fail "what an earlier run has left can't be unregistered"
-        (classes before.reg) || fail "the registry can't be exported"
+        (classes before.txt) || fail "the registry can't be exported"
         "$wine" regsvr32 /s "$name" || fail "regsvr32 returned $?"
         requires 'HKCR\OXClass.cPatient\CLSID'
         requires 'HKCR\CLSID\{4B7F6647-8A1A-58A2-A42E-8A831CF71482}\InprocServer32'
@@ -37,9 +38,9 @@ case $1 in
         ;;
     unregister)
         "$wine" regsvr32 /u /s "$name" || fail "regsvr32 returned $?"
-        (classes after.reg) || fail "the registry can't be exported"
-        diff "$folder/before.reg" "$folder/after.reg" >"$folder/registry.diff" ||
-            fail "the registry has changed: $(tr -d '\000' <"$folder/registry.diff" | head -20)"
+        (classes after.txt) || fail "the registry can't be exported"
+        diff "$folder/before.txt" "$folder/after.txt" >"$folder/registry.diff" ||
+            fail "the registry has changed: $(head -20 "$folder/registry.diff")"
         ;;
     *) exit 2 ;;
 esac

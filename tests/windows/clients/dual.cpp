@@ -28,6 +28,8 @@ public:
         Reset();
         return &pointer_;
     }
+    /// Returns the place of the pointer, for an argument that is written back.
+    I** Both() { return &pointer_; }
     void** Any() { return reinterpret_cast<void**>(Place()); }
 
 private:
@@ -77,8 +79,8 @@ void HangSeries(IDispatch* connection) {
         const Text text(teeth), bitewing(L"T-D1213");
         CHECK(Create(CLSID_cImage, image) == S_OK);
         CHECK(image->put_sTeeth(text.Get()) == S_OK && image->put_AnaRegion(bitewing.Get()) == S_OK);
-        _cImage* given = image.Get();
-        CHECK(images->AddObject(&given, nullptr, added.Place()) == S_OK);
+        CHECK(images->AddObject(image.Both(), nullptr, added.Place()) == S_OK);
+        CHECK(!image.Get() && added.Get());
     }
     LONG layout = 0, count = 0;
     CHECK(images->get_Count(&count) == S_OK && count == 2);
