@@ -81,12 +81,6 @@ std::map<String, IDispatch*>& SharedByName() {
     return *shared.byName;
 }
 
-Library& HostLibrary() {
-    static Library library(LibraryDescription{"", "5bdb6692-a1cf-5836-abe1-2368bef44fad", "1.30", "1.00.0088", 1033,
-                                              "The platform's classes", HostClasses()});
-    return library;
-}
-
 }  // namespace
 
 std::span<const ClassEntry> HostClasses() {
@@ -99,6 +93,12 @@ std::span<const ClassEntry> HostClasses() {
                    false, MakeNew<ADODB::Recordset>},
     };
     return classes;
+}
+
+Library& HostLibrary() {
+    static Library library(LibraryDescription{"OXPlatform", "5bdb6692-a1cf-5836-abe1-2368bef44fad", "1.30", "1.00.0088",
+                                              1033, "The platform's classes", HostClasses()});
+    return library;
 }
 
 std::vector<const Interface*> HostInterfaces() {

@@ -13,6 +13,10 @@ namespace Platform {
 /// Returns the platform's classes that can be created by name: "Collection", "ADODB.Connection", "ADODB.Recordset".
 std::span<const ClassEntry> HostClasses();
 
+/// Returns the server of these classes. Where the system has COM it registers them as "OXPlatform.Collection",
+/// "OXPlatform.Connection" and "OXPlatform.Recordset", because the system has classes of its own under the other names.
+Library& HostLibrary();
+
 /// Returns the interfaces of all objects of the platform, including those that other objects return, such as "Field".
 std::vector<const Interface*> HostInterfaces();
 

@@ -106,9 +106,9 @@ TEST_F(WrongCalls, WrongNumbersOfArguments) {
         const Json description = Describe(object.Get());
         for (const Json& member : description["members"]) {
             const std::size_t count = member["arguments"].size();
-            // The arguments of a property that returns an object are those of the object's default member.
-            if (count == 0 && member["kind"] == "get" && member["result"] == "object") continue;
-            std::vector<Value> many(count + 1, Value(1));
+            // One argument of a get of an object may be meant for the default member of the object.
+            const bool passesOn = count == 0 && member["kind"] == "get" && member["result"] == "object";
+            std::vector<Value> many(count + (passesOn ? 2 : 1), Value(1));
             EXPECT_EQ(Invoke(object.Get(), member["id"].get<DISPID>(), FlagsOf(member["kind"]), many).Code,
                       DISP_E_BADPARAMCOUNT)
                 << description["class"] << member["name"];

@@ -1,14 +1,12 @@
 #include "platform/runtime/Convert.h"
 
 #include "platform/runtime/Services.h"
+#include "platform/runtime/System.h"
 
 #include <array>
 #include <charconv>
-#include <clocale>
 #include <cmath>
 #include <cstring>
-#include <langinfo.h>
-#include <locale.h>
 
 namespace Platform {
 namespace {
@@ -22,26 +20,8 @@ Overloaded(Cases...) -> Overloaded<Cases...>;
 
 // ---- locale -------------------------------------------------------------------------------------
 
-Locale FromEnvironment() {
-    Locale locale;
-    const locale_t environment = newlocale(LC_ALL_MASK, "", nullptr);
-    if (!environment) return locale;
-    locale.DecimalSign = *nl_langinfo_l(RADIXCHAR, environment) == ',' ? ',' : '.';
-    locale.ThousandsSign = locale.DecimalSign == ',' ? '.' : ',';
-    const std::string_view order = nl_langinfo_l(D_FMT, environment);
-    const auto day = order.find_first_of("de"), month = order.find('m'), year = order.find_first_of("yY");
-    if (order.find_first_of("DF") == std::string_view::npos && day != order.npos && month != order.npos) {
-        if (year < month && year < day)
-            locale.DateOrder = Locale::Order::YearMonthDay;
-        else if (day < month)
-            locale.DateOrder = Locale::Order::DayMonthYear;
-    }
-    freelocale(environment);
-    return locale;
-}
-
 Locale& ThreadLocale() {
-    thread_local Locale locale = FromEnvironment();
+    thread_local Locale locale = LocaleOfUser();
     return locale;
 }
 

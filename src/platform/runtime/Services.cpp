@@ -1,12 +1,12 @@
 #include "platform/runtime/Services.h"
 
+#include "platform/runtime/System.h"
+
 #include <atomic>
 #include <chrono>
-#include <cstdio>
 #include <cstring>
 #include <ctime>
 #include <filesystem>
-#include <sys/random.h>
 #include <thread>
 
 namespace Platform {
@@ -14,22 +14,17 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::tm LocalTime(std::time_t now) {
-    std::tm local{};
-    localtime_r(&now, &local);
-    return local;
-}
-
 Date MachineNow() {
     const std::tm t = LocalTime(std::time(nullptr));
     return DateFrom({t.tm_year + 1900, t.tm_mon + 1, t.tm_mday, t.tm_hour, t.tm_min, std::min(t.tm_sec, 59)});
 }
 
 float MachineTimer() {
-    std::timespec now{};
-    std::timespec_get(&now, TIME_UTC);
-    const std::tm t = LocalTime(now.tv_sec);
-    return static_cast<float>(t.tm_hour * 3600 + t.tm_min * 60 + t.tm_sec + static_cast<double>(now.tv_nsec) / 1e9);
+    using namespace std::chrono;
+    const system_clock::time_point now = system_clock::now();
+    const std::tm t = LocalTime(system_clock::to_time_t(now));
+    const duration<double> fraction = now - floor<seconds>(now);
+    return static_cast<float>(t.tm_hour * 3600 + t.tm_min * 60 + t.tm_sec + fraction.count());
 }
 
 std::uint32_t MachineTickCount() {
@@ -53,7 +48,7 @@ std::uint64_t MachineFileTime() {
 
 Long MachineGuid(Guid& guid) {
     std::array<std::uint8_t, 16> bytes{};
-    if (getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size())) return -1;
+    if (!FillWithRandom(bytes)) return -1;
     bytes[7] = static_cast<std::uint8_t>((bytes[7] & 0x0F) | 0x40);  // version 4: random
     bytes[8] = static_cast<std::uint8_t>((bytes[8] & 0x3F) | 0x80);  // the usual variant
     std::memcpy(&guid.Data1, &bytes[0], 4);
@@ -87,7 +82,7 @@ Host::Host()
       CreateGuid(MachineGuid),
       Sleep([](double seconds) { std::this_thread::sleep_for(std::chrono::duration<double>(seconds)); }),
       DoEvents([] {}),
-      MsgBox([](const String& prompt, Long) { std::fprintf(stderr, "%s\n", prompt.c_str()); }),
+      MsgBox(ShowText),
       FileExists(MachineFileExists),
       DeleteFile(MachineDelete) {}
 

@@ -39,7 +39,8 @@ struct Host {
     std::function<void(const String&)> DeleteFile;
 
     /// Sets every member to the service of the operating system, `DoEvents` to a function that does nothing, `MsgBox`
-    /// to one that writes to standard error. `TheHost() = Host()` restores these services.
+    /// to one that writes to standard error; on Windows it shows the system's message box, unless the process has no
+    /// visible desktop, as a service. `TheHost() = Host()` restores these services.
     Host();
 };
 
@@ -74,8 +75,8 @@ void Sleep(double seconds);
 void DoEvents();
 
 /// Shows a text in a message box with an OK button, and waits until it is closed. `buttons` is passed to the program's
-/// function. Where the program installed no function for it, the text is written to standard error, with a line end,
-/// and the call returns at once.
+/// function. Where the program installed no function for it, the text is shown as `Host()` says; a text on standard
+/// error has a line end, and the call returns at once.
 void MsgBox(const String& prompt, Long buttons = 0);
 
 /// Returns true if a file of this name exists, also through a symbolic link; false for a folder, and for a name that

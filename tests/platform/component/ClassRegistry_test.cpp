@@ -78,7 +78,7 @@ protected:
             EXPECT_THAT(failure.Description, HasSubstr(reason));
         };
         refused(FailureOf([] { Enter(Library("Refused", '1', {"A"})); }));
-        refused(FailureOf([] { Remove(Id('1')); }));
+        refused(FailureOf([] { Remove(Library("One", '1', {})); }));
         refused(FailureOf([] { Find("Refused.A"); }));
         refused(FailureOf([] { All(); }));
     }
@@ -114,10 +114,10 @@ TEST_F(ClassRegistryFile, ALibraryReplacesTheOneWithItsIdentifier) {
 TEST_F(ClassRegistryFile, ALibraryIsRemovedAndTheFileWithTheLastLibrary) {
     Enter(Library("One", '1', {"A"}));
     Enter(Library("Two", '2', {"A"}));
-    Remove(Id('1'));
+    Remove(Library("One", '1', {}));
     EXPECT_EQ(Registered(), "Two 1.0;");
     EXPECT_FALSE(Find("One.A"));
-    Remove(Id('2'));
+    Remove(Library("Two", '2', {}));
     EXPECT_FALSE(fs::exists(file));
     EXPECT_FALSE(Find("Two.A"));
 }
@@ -144,7 +144,7 @@ TEST_F(ClassRegistryFile, ALinkStaysALinkAndTheFileKeepsItsRights) {
     EXPECT_TRUE(fs::is_symlink(file));
     EXPECT_EQ(Registered(), "Linked 1.0;");
     EXPECT_EQ(fs::status(real).permissions(), fs::perms::owner_read | fs::perms::owner_write);
-    Remove(Id('1'));
+    Remove(Library("One", '1', {}));
     EXPECT_FALSE(fs::exists(real));
     EXPECT_TRUE(fs::is_symlink(file)) << "it leads to nothing now";
     Enter(Library("Again", '1', {"A"}));
@@ -165,12 +165,12 @@ TEST_F(ClassRegistryFile, APathThatIsNotUtf8IsRejected) {
 }
 
 TEST_F(ClassRegistryFile, RemovingAMissingLibraryChangesNothing) {
-    Remove(Id('1'));
+    Remove(Library("One", '1', {}));
     EXPECT_TRUE(NamesIn(folder.Path()).empty());
     const String text = "{\"libraries\":[" + String(R"({"name":"N","identifier":")") + Id('2') +
                         R"(","version":"1","locale":0,"help":"","classes":[]}]})";
     Write(text);
-    Remove(Id('1'));
+    Remove(Library("One", '1', {}));
     EXPECT_EQ(Content(file), text) << "byte for byte";
 }
 

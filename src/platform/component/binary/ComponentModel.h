@@ -19,13 +19,13 @@
 #define WIN32_LEAN_AND_MEAN
 #endif
 #include <windows.h>
+#undef DeleteFile
+#undef GetClassInfo
+#undef Yield
 
 #include <oaidl.h>
 #include <olectl.h>
 #include <oleauto.h>
-#undef DeleteFile
-#undef GetClassInfo
-#undef Yield
 
 #else
 

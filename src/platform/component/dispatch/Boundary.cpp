@@ -2,6 +2,7 @@
 
 #include "platform/component/binary/Counted.h"
 #include "platform/component/binary/Identifier.h"
+#include "platform/component/dispatch/ClassInfo.h"
 #include "platform/component/dispatch/Interface.h"
 
 #include <array>
@@ -59,7 +60,8 @@ HRESULT STDMETHODCALLTYPE QueryObject(InterfacePointer* self, REFIID riid, void*
         *object = self;
         return S_OK;
     }
-    if (!described.IsDispatch() || !Same(riid, IID_ISupportErrorInfo)) return E_NOINTERFACE;
+    if (!described.IsDispatch()) return E_NOINTERFACE;
+    if (!Same(riid, IID_ISupportErrorInfo)) return QueryClassInfo(*self, riid, object);
     *object = new (std::nothrow) ErrorSupport(*self);
     return *object ? S_OK : E_OUTOFMEMORY;
 }

@@ -4,6 +4,7 @@
 #include "platform/component/binary/ErrorRecord.h"
 #include "platform/component/binary/Identifier.h"
 #include "platform/component/binary/ReturnCode.h"
+#include "platform/component/binary/TypeInfo.h"
 #include "platform/component/dispatch/Boundary.h"
 #include "platform/component/dispatch/Interface.h"
 #include "platform/component/dispatch/Marshal.h"
@@ -34,16 +35,16 @@ Variant WithArgumentIndex(std::size_t index, Read read) {
 
 // ---- IDispatch: names -------------------------------------------------------------------------------
 
-HRESULT STDMETHODCALLTYPE GetTypeInfoCount(InterfacePointer*, UINT* count) noexcept {
+HRESULT STDMETHODCALLTYPE GetTypeInfoCount(InterfacePointer* self, UINT* count) noexcept {
     if (!count) return E_POINTER;
-    *count = 0;
+    *count = HasTypeInfo(Boundary::ObjectOf(*self).Describe().Identity());
     return S_OK;
 }
 
-HRESULT STDMETHODCALLTYPE GetTypeInfo(InterfacePointer*, UINT, LCID, ITypeInfo** info) noexcept {
+HRESULT STDMETHODCALLTYPE GetTypeInfo(InterfacePointer* self, UINT which, LCID, ITypeInfo** info) noexcept {
     if (!info) return E_POINTER;
     *info = nullptr;
-    return DISP_E_BADINDEX;
+    return which == 0 ? TypeInfoOf(Boundary::ObjectOf(*self).Describe().Identity(), info) : DISP_E_BADINDEX;
 }
 
 DISPID IdOfArgument(const Member& member, const String& name) {
@@ -184,66 +185,36 @@ HRESULT Fill(EXCEPINFO* failure, const Error& error) {
     return DISP_E_EXCEPTION;
 }
 
-bool ReturnsObject(const Member& member) { return member.Result.Is == MemberType::Kind::Object; }
-
-/// Returns true if the arguments of a read are those of the default member of the object that the property returns:
-/// `rs.Fields("Name")`.
-bool AreOfDefaultMember(const Member& member, const DISPPARAMS& parameters) {
-    return parameters.cArgs > 0 && member.Kind == MemberKind::Get && member.Arguments.empty() && ReturnsObject(member);
+/// Returns the get of an object whose default member the call is meant for: in `rows.Fields("Name")` a get without
+/// arguments, in `rows.Fields.Item("Name") = "Ek"` one that takes all but the value. Returns null for any other call.
+const Member* ObjectToPassOnTo(const Interface& described, DISPID id, WORD flags, const DISPPARAMS& parameters) {
+    const MemberKind kind = KindOf(flags);
+    const bool isPut = kind == MemberKind::Put || kind == MemberKind::PutRef;
+    const Member* get = described.Find(id, MemberKind::Get);
+    if (!get || get->Kind != MemberKind::Get || get->Result.Is != MemberType::Kind::Object) return nullptr;
+    if (!isPut) return parameters.cNamedArgs == 0 && parameters.cArgs > 0 && get->Arguments.empty() ? get : nullptr;
+    if (parameters.cNamedArgs > 1 || parameters.cArgs < 2 || described.Find(id, kind)) return nullptr;
+    return get->Arguments.size() < parameters.cArgs ? get : nullptr;
 }
 
-/// Returns the property whose result has the default member that an assignment means: `rs.Fields("Name") = value`. The
-/// property can't be assigned itself. Null if there is none.
-const Member* OwnerOfAssigned(const Object& object, DISPID id, WORD flags, const DISPPARAMS& parameters) {
-    const Member* member = flags & DISPATCH_PROPERTYPUT ? object.Describe().Find(id, MemberKind::Get) : nullptr;
-    if (!member || !ReturnsObject(*member) || parameters.cArgs < 2 || parameters.cNamedArgs != 1) return nullptr;
-    return member->Arguments.size() < parameters.cArgs ? member : nullptr;
-}
+HRESULT STDMETHODCALLTYPE InvokeById(InterfacePointer* self, DISPID id, REFIID riid, LCID, WORD flags,
+                                     DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* failure, UINT* wrong) noexcept;
 
-/// One call of `IDispatch::Invoke`.
-struct InvokedCall {
-    WORD Flags;
-    DISPPARAMS* Parameters;
-    VARIANT* Result;
-    EXCEPINFO* Failure;
-    UINT* Wrong;
-};
-
-/// Calls the member with these arguments and returns its value by `take`.
-template <class Take>
-HRESULT CallMember(Object& object, const Member& member, DISPPARAMS& parameters, const InvokedCall& invoked,
-                   Take take) {
-    NamedCall call(member, parameters);
-    if (const HRESULT read = call.Read(invoked.Wrong); FAILED(read)) return read;
-    try {
-        return take(call.Run(object));
-    } catch (const ArgumentError& error) {
-        if (invoked.Wrong) *invoked.Wrong = call.PositionOf(error.Index);
-        if (error.Number == err::InvalidNull) return Fill(invoked.Failure, error);
-        throw;
-    } catch (const Error& error) {
-        return Fill(invoked.Failure, error);
-    }
-}
-
-/// Calls the default member of the object that a property returns. The property takes as many of the arguments as it
-/// has; the default member takes the others.
-HRESULT CallDefaultMember(Object& object, const Member& property, const InvokedCall& invoked) {
-    const auto own = static_cast<UINT>(property.Arguments.size());
-    DISPPARAMS rest = *invoked.Parameters, ofProperty{};
-    rest.cArgs -= own;
-    ofProperty.rgvarg = rest.rgvarg + rest.cArgs;
-    ofProperty.cArgs = own;
-    return CallMember(object, property, ofProperty, invoked, [&](const Variant& value) -> HRESULT {
-        VARIANT owner{};
-        ToVariant(value, owner);
-        const bool callable = owner.vt == VT_DISPATCH && owner.pdispVal;
-        const HRESULT code = callable ? owner.pdispVal->Invoke(DISPID_VALUE, IID_NULL, 0, invoked.Flags, &rest,
-                                                               invoked.Result, invoked.Failure, invoked.Wrong)
-                                      : DISP_E_BADPARAMCOUNT;
-        VariantClear(&owner);
-        return code;
-    });
+/// Gets an object by the first arguments of a call, and passes the others on to the default member of this object.
+HRESULT PassOn(InterfacePointer& self, const Member& get, WORD flags, const DISPPARAMS& parameters, VARIANT* result,
+               EXCEPINFO* failure, UINT* wrong) noexcept {
+    const auto taken = static_cast<UINT>(get.Arguments.size());
+    DISPPARAMS first{parameters.rgvarg + (parameters.cArgs - taken), nullptr, taken, 0};
+    DISPPARAMS others{parameters.rgvarg, parameters.rgdispidNamedArgs, parameters.cArgs - taken, parameters.cNamedArgs};
+    VARIANT object{};
+    const HRESULT got =
+        InvokeById(&self, get.DispId, IID_NULL, 0, DISPATCH_PROPERTYGET, &first, &object, failure, wrong);
+    if (FAILED(got)) return got;
+    HRESULT code = DISP_E_BADPARAMCOUNT;
+    if (object.vt == VT_DISPATCH && object.pdispVal)
+        code = object.pdispVal->Invoke(DISPID_VALUE, IID_NULL, 0, flags, &others, result, failure, wrong);
+    VariantClear(&object);
+    return code == DISP_E_MEMBERNOTFOUND ? DISP_E_BADPARAMCOUNT : code;
 }
 
 HRESULT STDMETHODCALLTYPE InvokeById(InterfacePointer* self, DISPID id, REFIID riid, LCID, WORD flags,
@@ -257,17 +228,24 @@ HRESULT STDMETHODCALLTYPE InvokeById(InterfacePointer* self, DISPID id, REFIID r
         if (!AreSound(parameters)) return E_INVALIDARG;
         if (!Boundary::IsOnItsThread(*self)) return WrongThread();
         const Ref<Object> object(&Boundary::ObjectOf(*self));  // a call may let the caller's last reference go
-        const InvokedCall invoked{flags, parameters, result, failure, wrong};
+        if (const Member* get = ObjectToPassOnTo(object->Describe(), id, flags, *parameters))
+            return PassOn(*self, *get, flags, *parameters, result, failure, wrong);
         const Member* member = object->Describe().Find(id, KindOf(flags));
-        if (!member) {
-            const Member* owner = OwnerOfAssigned(*object, id, flags, *parameters);
-            return owner ? CallDefaultMember(*object, *owner, invoked) : DISP_E_MEMBERNOTFOUND;
-        }
-        if (AreOfDefaultMember(*member, *parameters)) return CallDefaultMember(*object, *member, invoked);
-        return CallMember(*object, *member, *parameters, invoked, [&](const Variant& value) {
+        if (!member) return DISP_E_MEMBERNOTFOUND;
+
+        NamedCall call(*member, *parameters);
+        if (const HRESULT read = call.Read(wrong); FAILED(read)) return read;
+        try {
+            const Variant value = call.Run(*object);
             if (result) ToVariant(value, *result);
-            return S_OK;
-        });
+        } catch (const ArgumentError& error) {
+            if (wrong) *wrong = call.PositionOf(error.Index);
+            if (error.Number == err::InvalidNull) return Fill(failure, error);
+            throw;
+        } catch (const Error& error) {
+            return Fill(failure, error);
+        }
+        return S_OK;
     });
 }
 

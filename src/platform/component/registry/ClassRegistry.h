@@ -6,12 +6,13 @@
 #include <optional>
 #include <vector>
 
-/// The registry that finds classes by name: the libraries that were registered for this process, and the registry file
-/// of the user.
+/// The registry that finds classes by name: the libraries that were registered for this process, and those that were
+/// registered for all programs: in the registry file of the user, on Windows in the registry of the system.
 ///
 /// The file is the one that OXCLASS_REGISTRY names, otherwise `oxclass/classes.json` in the user's data folder. It is
-/// written atomically, and processes that change it at the same time wait for each other. Any thread may call the
-/// functions.
+/// written atomically, and processes that change it at the same time wait for each other. On Windows the classes and
+/// the type library are entered below HKEY_CLASSES_ROOT, which needs the rights of an administrator. Any thread may
+/// call the functions.
 namespace Platform::ClassRegistry {
 
 /// A class that can be created by name.
@@ -37,21 +38,22 @@ struct LibraryRecord {
     friend bool operator==(const LibraryRecord&, const LibraryRecord&) = default;
 };
 
-/// Returns the path of the registry file.
+/// Returns the path of the registry file. Windows has none.
 std::filesystem::path File();
 
-/// Registers a library in the file, in place of one with the same identifier. While the thread has a
+/// Registers a library for all programs, in place of one with the same identifier. While the thread has a
 /// `RegisterInProcess`, it is registered for this process only, and a library that is registered already is not
-/// replaced. Raises 75 with the reason if the file can't be read or written or is not a registry file, or if the path
-/// of the library is not UTF-8; the file is then unchanged.
+/// replaced. Raises 75 with the reason if the registry can't be read or written, if the file is not a registry file, or
+/// if the path of the library is not UTF-8. The file is then unchanged; in the registry of Windows no entry of the
+/// library remains.
 void Enter(const LibraryRecord& library);
 
-/// Removes a library, and with the last library the file. Does nothing if the library is not registered. Raises as
-/// `Enter`.
-void Remove(const String& identifier);
+/// Removes a library, and with the last library the file. Does nothing if the library is not registered. On Windows an
+/// entry that names another library file stays. Raises as `Enter`.
+void Remove(const LibraryRecord& library);
 
-/// Removes, as `Remove`, the library that was registered with this path; the file at the path may have been deleted.
-/// Returns false if no library has the path.
+/// Removes from the registry file, as `Remove`, the library that was registered with this path; the file at the path
+/// may have been deleted. Returns false if no library has the path. Not on Windows.
 bool RemoveFile(const String& path);
 
 /// While an object of this class lives, its thread registers libraries for this process only. Objects may be nested;
@@ -66,8 +68,8 @@ private:
     bool before_;
 };
 
-/// Returns the class of this name, without regard to case, from the libraries of this process or else from the file.
-/// Raises 75 if the file can't be read.
+/// Returns the class of this name, without regard to case, from the libraries of this process or else from the
+/// registry. Raises 75 if the registry can't be read.
 std::optional<ClassRecord> Find(const String& name);
 
 /// Returns all classes that `Find` can return: those of this process first. Raises as `Find`.

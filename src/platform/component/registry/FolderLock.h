@@ -13,11 +13,7 @@ public:
     FolderLock(const FolderLock&) = delete;
 
 private:
-#ifdef _WIN32
-    void* mutex_;
-#else
     int folder_;
-#endif
 };
 
 }  // namespace Platform

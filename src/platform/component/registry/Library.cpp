@@ -52,12 +52,18 @@ private:
     const ClassEntry& entry_;
 };
 
+/// Returns the name by which a class is registered: the library's, and the last part of its own.
+String RegisteredName(const LibraryDescription& description, const ClassEntry& entry) {
+    const std::string_view name = entry.Name;
+    return String(description.Name) + "." + String(name.substr(name.rfind('.') + 1));
+}
+
 ClassRegistry::LibraryRecord RecordOf(const LibraryDescription& description) {
     const String file = FileOfAddress(description.Name);
     ClassRegistry::LibraryRecord record{description.Name,   description.Identifier, description.Version,
                                         description.Locale, description.HelpText,   {}};
     for (const ClassEntry& entry : description.Classes)
-        record.Classes.push_back({String(description.Name) + "." + entry.Name, entry.ClassID, file, "Apartment",
+        record.Classes.push_back({RegisteredName(description, entry), entry.ClassID, file, "Apartment",
                                   entry.IsGlobal ? "global" : "multi-use"});
     return record;
 }
@@ -115,7 +121,7 @@ HRESULT Library::RegisterServer() noexcept {
 }
 
 HRESULT Library::UnregisterServer() noexcept {
-    return ChangeRegistry([this] { ClassRegistry::Remove(description_.Identifier); });
+    return ChangeRegistry([this] { ClassRegistry::Remove(RecordOf(description_)); });
 }
 
 }  // namespace Platform

@@ -36,7 +36,9 @@ public:
     HRESULT UnregisterServer() const;
 
 private:
-    /// Returns the address of an exported function. Raises CO_E_ERRORINDLL if there is none.
+    /// Returns the address of an exported function; null if there is none.
+    void* Exported(const char* name) const;
+    /// Does the same. Raises CO_E_ERRORINDLL if there is none.
     void* Function(const char* name) const;
 
     String path_;

@@ -1,11 +1,10 @@
 #include "platform/adodb/providers/odbc/OdbcCatalog.h"
 
+#include "platform/adodb/providers/odbc/OdbcApi.h"
 #include "platform/runtime/Convert.h"
 
 #include <algorithm>
 #include <array>
-#include <sql.h>
-#include <sqlext.h>
 
 namespace ADODB {
 

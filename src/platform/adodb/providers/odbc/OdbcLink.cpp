@@ -1,11 +1,10 @@
 #include "platform/adodb/providers/odbc/OdbcLink.h"
 
+#include "platform/adodb/providers/odbc/OdbcApi.h"
 #include "platform/runtime/Convert.h"
 
 #include <array>
 #include <chrono>
-#include <sql.h>
-#include <sqlext.h>
 
 namespace ADODB {
 

@@ -1,11 +1,9 @@
 #include "platform/adodb/providers/odbc/OdbcSession.h"
 
+#include "platform/adodb/providers/odbc/OdbcApi.h"
 #include "platform/adodb/providers/CachingSession.h"
 #include "platform/adodb/providers/odbc/OdbcStatements.h"
 #include "platform/runtime/Convert.h"
-
-#include <sql.h>
-#include <sqlext.h>
 
 namespace ADODB {
 

@@ -1,10 +1,8 @@
 #pragma once
 
+#include "platform/adodb/providers/odbc/OdbcApi.h"
 #include "platform/adodb/providers/StatementCache.h"
 #include "platform/adodb/providers/odbc/OdbcCatalog.h"
-
-#include <sql.h>
-#include <sqlext.h>
 
 namespace ADODB {
 

@@ -1,7 +1,5 @@
 #include "platform/component/binary/ComponentModel.h"
 
-#ifndef _WIN32
-
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -294,5 +292,3 @@ HRESULT SafeArrayGetVartype(SAFEARRAY* array, VARTYPE* type) {
         return E_INVALIDARG;
     return S_OK;
 }
-
-#endif

@@ -89,8 +89,6 @@ void SetErrorRecord(const Error& failure) noexcept {
 
 }  // namespace Platform
 
-#ifndef _WIN32
-
 namespace {
 
 /// A thread's error record. Plain data, which stays readable while the thread's other data end.
@@ -128,5 +126,3 @@ HRESULT CreateErrorInfo(ICreateErrorInfo** record) {
     *record = new (std::nothrow) Platform::ErrorRecord;
     return *record ? S_OK : E_OUTOFMEMORY;
 }
-
-#endif

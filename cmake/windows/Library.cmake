@@ -1,0 +1,27 @@
+# OXClass.dll: its four exports, its type library and its version; beside it the files from which other programs are compiled:
+# OXClass.idl, OXClass.tlb, OXClass.h.
+add_executable(print_type_library library/PrintTypeLibrary.cpp)
+target_link_libraries(print_type_library PRIVATE OXClass::OXClass)
+
+find_program(WIDL x86_64-w64-mingw32-widl REQUIRED)
+set(idl ${CMAKE_CURRENT_SOURCE_DIR}/library/idl)
+set(widl ${WIDL} -m64 --nostdinc -I${idl} -L.)
+add_custom_command(OUTPUT OXClass.idl OXClass.tlb OXClass.h
+    COMMAND print_type_library OXClass.idl
+    COMMAND ${widl} -t -o stdole2.tlb ${idl}/stdole2.idl
+    COMMAND ${widl} -t -o OXClass.tlb OXClass.idl
+    COMMAND ${widl} -h -o OXClass.h OXClass.idl
+    DEPENDS print_type_library ${idl}/oaidl.idl ${idl}/stdole2.idl
+    WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR} COMMENT "The type library")
+add_custom_target(type_library DEPENDS OXClass.idl OXClass.tlb OXClass.h)
+
+target_sources(OXClassLibrary PRIVATE library/OXClass.def library/OXClass.rc)
+set_source_files_properties(library/OXClass.rc PROPERTIES
+    OBJECT_DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/OXClass.tlb COMPILE_OPTIONS "-I${CMAKE_CURRENT_BINARY_DIR}")
+set_target_properties(OXClassLibrary PROPERTIES PREFIX "" RUNTIME_OUTPUT_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
+target_link_options(OXClassLibrary PRIVATE LINKER:--exclude-all-symbols)
+add_dependencies(OXClassLibrary type_library)
+
+install(TARGETS OXClassLibrary RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/OXClass.idl ${CMAKE_CURRENT_BINARY_DIR}/OXClass.tlb ${CMAKE_CURRENT_BINARY_DIR}/OXClass.h
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/oxclass)
