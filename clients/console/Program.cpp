@@ -3,6 +3,7 @@
 #include "console/Commands.h"
 #include "console/DatabaseFile.h"
 #include "library/ClassTable.h"
+#include "platform/adodb/providers/Provider.h"
 
 #include <charconv>
 #include <fmt/format.h>
@@ -19,6 +20,20 @@ void AddCommonOptions(Program& program) {
     program.app.fallthrough();
     program.app.require_subcommand(1);
     program.app.failure_message(CLI::FailureMessage::simple);
+}
+
+/// Returns how the program was compiled.
+std::string Build() {
+#ifdef NDEBUG
+    constexpr const char* kind = "release";
+#else
+    constexpr const char* kind = "debug";
+#endif
+#ifdef __clang__
+    return fmt::format("{}, clang {}.{}", kind, __clang_major__, __clang_minor__);
+#else
+    return fmt::format("{}, gcc {}.{}", kind, __GNUC__, __GNUC_MINOR__);
+#endif
 }
 
 int PrintError(const std::string& text) {
@@ -43,7 +58,8 @@ int RunProgram(int argc, const char* const* argv) {
         "Example: oxclass init clinic.db && oxclass --db clinic.db import ~/radiographs");
     const Platform::LibraryDescription& library = OXClass::ThisLibrary();
     program.app.set_version_flag(
-        "--version", fmt::format("{} {} (type library {})", library.Name, library.FileVersion, library.Version));
+        "--version", fmt::format("{} {} (type library {})\nengines: {}\nbuild: {}", library.Name, library.FileVersion,
+                                 library.Version, fmt::join(ADODB::BuiltInEngines(), ", "), Build()));
     AddCommonOptions(program);
     AddInit(program);
     AddImport(program);

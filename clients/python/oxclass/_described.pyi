@@ -2145,6 +2145,8 @@ class Connection(Object):
     @builtins.property
     def Errors(self) -> classes.Errors:
         """What the database engine reported at its last failure; a success doesn't clear it."""
+    def NewRecordset(self) -> classes.Recordset:
+        """Returns a closed recordset that Open opens on this connection."""
     def __call__(self) -> builtins.str:
         """The provider and its settings, such as Provider=SQLite;Data Source=clinic.db."""
 

@@ -32,7 +32,7 @@ Ref<Recordset> Recordset::Adapt(const Ref<Object>& recordset) {
 
 namespace {
 
-[[maybe_unused]] const bool registered = [] {
+[[maybe_unused]] const bool adaptersRegistered = [] {
     RegisterAdapter(Connection::ClassName,
                     [](const Ref<Object>& foreign) -> Ref<Object> { return Connection::Adapt(foreign); });
     RegisterAdapter(Recordset::ClassName,

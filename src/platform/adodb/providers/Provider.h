@@ -155,4 +155,8 @@ void RegisterProvider(const String& name, Opener open);
 /// Returns the opener of a provider. Raises 3706 if no provider has this name. Any thread may call.
 Opener FindProvider(const String& name);
 
+/// Returns the names of the built-in providers with the versions of what they use: "SQLite 3.40.1". Any thread may
+/// call.
+std::vector<String> BuiltInEngines();
+
 }  // namespace ADODB

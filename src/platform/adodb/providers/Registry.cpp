@@ -21,6 +21,12 @@ std::vector<std::pair<String, Opener>>& Known() {
 
 void RegisterProvider(const String& name, Opener open) { Known().insert(Known().begin(), {name, open}); }
 
+std::vector<String> BuiltInEngines() {
+    std::vector<String> engines{SqliteEngine(), PostgresEngine(), OdbcEngine()};
+    std::erase(engines, String());
+    return engines;
+}
+
 Opener FindProvider(const String& name) {
     for (const auto& [known, open] : Known())
         if (EqualsIgnoringCase(known, name)) return open;

@@ -3,6 +3,7 @@
 #include "platform/component/binary/Counted.h"
 #include "platform/component/binary/Identifier.h"
 #include "platform/component/dispatch/ClassInfo.h"
+#include "platform/component/dispatch/EventSource.h"
 #include "platform/component/dispatch/Interface.h"
 
 #include <array>
@@ -61,9 +62,12 @@ HRESULT STDMETHODCALLTYPE QueryObject(InterfacePointer* self, REFIID riid, void*
         return S_OK;
     }
     if (!described.IsDispatch()) return E_NOINTERFACE;
-    if (!Same(riid, IID_ISupportErrorInfo)) return QueryClassInfo(*self, riid, object);
-    *object = new (std::nothrow) ErrorSupport(*self);
-    return *object ? S_OK : E_OUTOFMEMORY;
+    if (Same(riid, IID_ISupportErrorInfo)) {
+        *object = new (std::nothrow) ErrorSupport(*self);
+        return *object ? S_OK : E_OUTOFMEMORY;
+    }
+    const HRESULT found = QueryEventSource(*self, riid, object);
+    return found == E_NOINTERFACE ? QueryClassInfo(*self, riid, object) : found;
 }
 
 ULONG STDMETHODCALLTYPE AddRefObject(InterfacePointer* self) noexcept { return Boundary::AddRef(*self); }

@@ -17,20 +17,9 @@ constexpr WORD Read = DISPATCH_METHOD | DISPATCH_PROPERTYGET;
 /// The arguments of one call in the order of `DISPPARAMS`, the last one first.
 class Parameters {
 public:
-    Parameters(std::span<const ByName::Argument> arguments, std::size_t returned, bool isPut) {
-        variants_.resize(arguments.size());
-        for (std::size_t i = 0; i < arguments.size(); ++i) {
-            VARIANT& variant = At(i);
-            if (arguments[i])
-                ToVariant(*arguments[i], variant);
-            else
-                variant.vt = VT_ERROR, variant.scode = DISP_E_PARAMNOTFOUND;
-        }
-        if (returned < variants_.size()) {
-            std::swap(received_, At(returned));
-            At(returned).vt = VT_VARIANT | VT_BYREF;
-            At(returned).pvarVal = &received_;
-        }
+    Parameters(std::span<const ByName::Argument> arguments, std::uint32_t returned, bool isPut)
+        : variants_(arguments.size()), received_(arguments.size()) {
+        for (std::size_t i = 0; i < arguments.size(); ++i) Fill(i, arguments[i], (returned >> i & 1) != 0);
         parameters_.rgvarg = variants_.data();
         parameters_.cArgs = static_cast<UINT>(variants_.size());
         if (!isPut) return;
@@ -39,18 +28,30 @@ public:
     }
     ~Parameters() {
         for (VARIANT& variant : variants_) VariantClear(&variant);
-        VariantClear(&received_);
+        for (VARIANT& variant : received_) VariantClear(&variant);
     }
     Parameters(const Parameters&) = delete;
 
     DISPPARAMS* Get() noexcept { return &parameters_; }
-    Variant Received() const { return FromVariant(received_); }
+    Variant Received(std::size_t index) const { return FromVariant(received_[index]); }
 
 private:
-    VARIANT& At(std::size_t index) { return variants_[variants_.size() - 1 - index]; }
+    void Fill(std::size_t index, const ByName::Argument& argument, bool byReference) {
+        VARIANT& variant = variants_[variants_.size() - 1 - index];
+        if (!argument) {
+            variant.vt = VT_ERROR;
+            variant.scode = DISP_E_PARAMNOTFOUND;
+            return;
+        }
+        VARIANT& value = byReference ? received_[index] : variant;
+        ToVariant(*argument, value);
+        if (!byReference) return;
+        variant.vt = static_cast<VARTYPE>((value.vt == VT_EMPTY ? VARTYPE{VT_VARIANT} : value.vt) | VT_BYREF);
+        variant.byref = value.vt == VT_EMPTY ? static_cast<void*>(&value) : &value.llVal;
+    }
 
     std::vector<VARIANT> variants_;
-    VARIANT received_{};
+    std::vector<VARIANT> received_;  // what the references refer to
     DISPID value_ = DISPID_PROPERTYPUT;
     DISPPARAMS parameters_{};
 };
@@ -104,6 +105,14 @@ DISPID ByName::IdOf(const String& member) const {
     return ids_.emplace(member, id).first->second;
 }
 
+DISPID ByName::IdOr(const String& member, DISPID otherwise) const {
+    try {
+        return IdOf(member);
+    } catch (const Error&) {
+        return otherwise;
+    }
+}
+
 bool ByName::Has(const String& member) const {
     try {
         IdOf(member);
@@ -113,7 +122,7 @@ bool ByName::Has(const String& member) const {
     }
 }
 
-HRESULT ByName::Invoke(DISPID id, WORD flags, std::span<Argument> arguments, std::size_t returned,
+HRESULT ByName::Invoke(DISPID id, WORD flags, std::span<Argument> arguments, std::uint32_t returned,
                        Variant& result) const {
     const bool isPut = (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
     Parameters parameters(arguments, returned, isPut);
@@ -122,26 +131,34 @@ HRESULT ByName::Invoke(DISPID id, WORD flags, std::span<Argument> arguments, std
     UINT wrong = 0;
     const HRESULT code = object_->Invoke(id, IID_NULL, UserLocaleId, flags, parameters.Get(),
                                          isPut ? nullptr : &filled.variant, &failure, &wrong);
-    if (returned < arguments.size()) arguments[returned] = parameters.Received();
+    for (std::size_t i = 0; i < arguments.size(); ++i)
+        if (returned >> i & 1) arguments[i] = parameters.Received(i);
     if (code == DISP_E_EXCEPTION) RaiseException(failure);
     if (SUCCEEDED(code)) result = FromVariant(filled.variant);
     return code;
 }
 
-Variant ByName::Call(const String& member, std::span<Argument> arguments, std::size_t returned) const {
+Variant ByName::Call(const String& member, std::span<Argument> arguments, std::uint32_t returned) const {
     Variant result;
     const HRESULT code = Invoke(IdOf(member), Read, arguments, returned, result);
     if (FAILED(code)) RaiseCall(code, member);
     return result;
 }
 
+Variant ByName::Call(DISPID member, std::span<Argument> arguments, std::uint32_t returned) const {
+    Variant result;
+    const HRESULT code = Invoke(member, DISPATCH_METHOD, arguments, returned, result);
+    if (FAILED(code)) RaiseCall(code, CStr(Long{member}));
+    return result;
+}
+
 Variant ByName::ItemOf(const String& property, const Variant& index) const {
     Argument argument = index;
     Variant item;
-    const HRESULT direct = Invoke(IdOf(property), Read, {&argument, 1}, None, item);
+    const HRESULT direct = Invoke(IdOf(property), Read, {&argument, 1}, 0, item);
     if (SUCCEEDED(direct)) return item;
     const ByName members(To<Ref<Object>>(Call(property)));
-    const HRESULT code = members.Invoke(DISPID_VALUE, Read, {&argument, 1}, None, item);
+    const HRESULT code = members.Invoke(DISPID_VALUE, Read, {&argument, 1}, 0, item);
     if (FAILED(code)) RaiseCall(code, property);
     return item;
 }
@@ -153,8 +170,8 @@ void ByName::Put(const String& property, const Variant& value, const Argument& i
     const DISPID id = IdOf(property);
     Variant none;
     HRESULT code = DISP_E_MEMBERNOTFOUND;
-    if (value.Is<Ref<Object>>()) code = Invoke(id, DISPATCH_PROPERTYPUTREF, arguments, None, none);
-    if (code == DISP_E_MEMBERNOTFOUND) code = Invoke(id, DISPATCH_PROPERTYPUT, arguments, None, none);
+    if (value.Is<Ref<Object>>()) code = Invoke(id, DISPATCH_PROPERTYPUTREF, arguments, 0, none);
+    if (code == DISP_E_MEMBERNOTFOUND) code = Invoke(id, DISPATCH_PROPERTYPUT, arguments, 0, none);
     if (FAILED(code)) RaiseCall(code, property);
 }
 

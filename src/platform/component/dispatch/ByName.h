@@ -28,10 +28,14 @@ public:
     /// Returns true if the object has a member of this name. Raises nothing.
     bool Has(const String& member) const;
 
-    /// Calls an operation or reads a property; returns the result, `Empty` if there is none. If `returned` is the index
-    /// of an argument, that argument is passed by reference and receives what the member assigned, also when it raises.
-    static constexpr std::size_t None = static_cast<std::size_t>(-1);
-    Variant Call(const String& member, std::span<Argument> arguments, std::size_t returned = None) const;
+    /// Returns the dispatch identifier of a member; `otherwise` if the object does not know the name.
+    DISPID IdOr(const String& member, DISPID otherwise) const;
+
+    /// Calls an operation or reads a property; returns the result, `Empty` if there is none. The arguments with a bit
+    /// in `returned`, the lowest bit for the first one, are passed by reference and receive what the member assigned,
+    /// also when it raises: `Empty` as a reference to a variant, another value as a reference to its type.
+    Variant Call(const String& member, std::span<Argument> arguments, std::uint32_t returned = 0) const;
+    Variant Call(DISPID member, std::span<Argument> arguments, std::uint32_t returned = 0) const;
     Variant Call(const String& member) const { return Call(member, {}); }
 
     /// Reads a property whose value is an object with a default member, and calls that member with the argument: the
@@ -48,7 +52,7 @@ private:
 
     DISPID IdOf(const String& member) const;
     /// Calls a member and stores its result. Raises what the member raises; returns any other failure.
-    HRESULT Invoke(DISPID id, WORD flags, std::span<Argument> arguments, std::size_t returned, Variant& result) const;
+    HRESULT Invoke(DISPID id, WORD flags, std::span<Argument> arguments, std::uint32_t returned, Variant& result) const;
 
     std::unique_ptr<IDispatch, Releaser> object_;
     mutable std::map<String, DISPID> ids_;  // of the members that were called before

@@ -56,7 +56,7 @@ private:
     mutable std::map<String, Variant> byKey_;
 };
 
-[[maybe_unused]] const bool registered = [] {
+[[maybe_unused]] const bool collectionRegistered = [] {
     RegisterAdapter(Collection::ClassName, [](const Ref<Object>& foreign) -> Ref<Object> {
         if (!ByName(foreign).Has("Item")) return nullptr;
         return New<Collection>(std::make_unique<ForeignMembers>(foreign));

@@ -37,9 +37,9 @@ public:
     }
 
     Outcome RunCounted(std::string_view text) override {
-        std::array arguments{Argument(String(text)), Argument(Long{-1})};
+        std::array arguments{Argument(String(text)), Argument(Variant())};
         return Passed(text, [&] {
-            Outcome outcome = RowsOf(connection_.Call("Execute", arguments, 1));
+            Outcome outcome = RowsOf(connection_.Call("Execute", arguments, 0b10));
             outcome.affected = arguments[1]->Is<Empty>() ? -1 : CLng(*arguments[1]);
             return outcome;
         });

@@ -263,4 +263,6 @@ std::unique_ptr<Session> OpenOdbc(const ConnectionString& settings, Long timeout
     return std::make_unique<OdbcSession>(settings, timeout);
 }
 
+String OdbcEngine() { return "MSDASQL (ODBC " SQL_SPEC_STRING ")"; }
+
 }  // namespace ADODB

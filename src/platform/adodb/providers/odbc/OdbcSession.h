@@ -20,4 +20,7 @@ namespace ADODB {
 /// another statement whether the server has rolled the transaction back.
 std::unique_ptr<Session> OpenOdbc(const ConnectionString& settings, Long timeout);
 
+/// Returns the name of the provider and the version of the interface. Any thread may call.
+String OdbcEngine();
+
 }  // namespace ADODB

@@ -298,4 +298,9 @@ std::unique_ptr<Session> OpenPostgres(const ConnectionString& settings, Long tim
     return std::make_unique<PostgresSession>(settings, timeout);
 }
 
+String PostgresEngine() {
+    const Long version = PQlibVersion();
+    return "PostgreSQL (libpq " + CStr(version / 10000) + "." + CStr(version % 10000) + ")";
+}
+
 }  // namespace ADODB

@@ -18,4 +18,8 @@ namespace ADODB {
 /// statement does not end the transaction.
 std::unique_ptr<Session> OpenPostgres(const ConnectionString& settings, Long timeout);
 
+/// Returns the name of the provider and the version of its client library; an empty text where it is not available. Any
+/// thread may call.
+String PostgresEngine();
+
 }  // namespace ADODB

@@ -11,4 +11,6 @@ std::unique_ptr<Session> OpenPostgres(const ConnectionString&, Long) {
         "Provider cannot be found. \"PostgreSQL\" is not available on Windows; use its ODBC driver by \"MSDASQL\".");
 }
 
+String PostgresEngine() { return {}; }
+
 }  // namespace ADODB

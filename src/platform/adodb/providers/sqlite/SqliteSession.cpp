@@ -262,4 +262,6 @@ std::unique_ptr<Session> OpenSqlite(const ConnectionString& settings, Long) {
     return std::make_unique<SqliteSession>(std::move(database), sqlite3_db_readonly(opened, "main") == 1);
 }
 
+String SqliteEngine() { return String("SQLite ") + sqlite3_libversion(); }
+
 }  // namespace ADODB

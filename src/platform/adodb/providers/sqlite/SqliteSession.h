@@ -18,4 +18,7 @@ namespace ADODB {
 /// interrupt its statement.
 std::unique_ptr<Session> OpenSqlite(const ConnectionString& settings, Long timeout);
 
+/// Returns the name of the provider and the version of the engine. Any thread may call.
+String SqliteEngine();
+
 }  // namespace ADODB
