@@ -34,6 +34,13 @@ void AddIdl(Program& program);           ///< idl
 void AddRegistration(Program& program);  ///< register, unregister, classes
 void AddSettings(Program& program);      ///< roots, setting, uid
 
+/// The help of an argument that names a patient.
+constexpr const char* PatientHelp =
+    "a patient: the ID, # and the number, or parts of the name, the ID or the birth date that fit one patient only";
+
+/// Adds the options --limit, --sort and --csv to a command that prints a list.
+void AddListOptions(Program& program, CLI::App* command);
+
 /// Returns a whole number of the command line, such as "12". Throws `UserError` for any other text, "K12"
 /// included.
 Platform::Long NumberOf(const std::string& text, const char* what);
