@@ -43,7 +43,7 @@ std::size_t UpperControlAt(std::string_view text, std::size_t at) {
 /// Returns a value as a field of a CSV file: in quotes where it contains a separator, a quote or a line break.
 std::string CsvField(const Json& value) {
     if (value.is_null()) return {};
-    const std::string text = value.is_string() ? value.get<std::string>() : value.dump();
+    std::string text = value.is_string() ? value.get<std::string>() : value.dump();
     if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
     return "\"" + Platform::Replace(text, "\"", "\"\"") + "\"";
 }

@@ -44,6 +44,7 @@ void ListPatients(const Options& options, const std::string& text) {
     for (; !rows->Eof(); rows->MoveNext()) {
         if (!text.empty() && !wanted.contains(rows->Fields(0).As<Long>())) continue;
         std::vector<Json> row;
+        row.reserve(static_cast<std::size_t>(rows->FieldCount()));
         for (Long i = 0; i < rows->FieldCount(); ++i) row.push_back(AsJson(rows->Fields(i).Value()));
         list.Add(std::move(row));
     }
@@ -68,7 +69,7 @@ Date BirthDateOf(const std::string& value) {
 }
 
 std::string SexOf(const std::string& value) {
-    const std::string letter = UCase(Trim(value));
+    std::string letter = UCase(Trim(value));
     if (!letter.empty() && letter != "M" && letter != "F" && letter != "O")
         throw UserError(fmt::format("\"{}\" is not a sex; write M, F or O, or nothing", value));
     return letter;

@@ -62,6 +62,7 @@ int RunProgram(int argc, const char* const* argv) {
     AddHanging(program);
     AddCards(program);
     AddComposing(program);
+    AddCorrections(program);
     AddDrawing(program);
     AddLayouts(program);
     AddStaff(program);
