@@ -1,6 +1,7 @@
 #include "console/CardList.h"
 
 #include "console/WriteTransaction.h"
+#include "console/patients/PatientSearch.h"
 #include "frame/Statement.h"
 
 #include <fmt/format.h>

@@ -2,7 +2,7 @@
 
 #include "cardlist/cUniCards.h"
 #include "console/Database.h"
-#include "console/patients/PatientStore.h"
+#include "people/cPatient.h"
 
 #include <map>
 

@@ -50,6 +50,8 @@ void ShowCards(Program& program, const std::string& patient) {
         shown.Add({entry.Key, entry.Key.starts_with("SE") ? "series" : "card", nullptr, nullptr, nullptr, nullptr,
                    nullptr, DamageOf(entry.Failure)});
     if (!list.damaged.empty()) program.exitCode = PartlyDone;
+    shown.Arrange(options);
+    if (options.csv) return shown.Print(options, {});
     if (options.json)
         return PrintJson({{"patient", list.patient->PatientID},
                           {"orphans_removed", list.orphansRemoved},
@@ -98,7 +100,8 @@ void AddSaveAsCard(Program& program) {
 void AddCards(Program& program) {
     const auto patient = std::make_shared<std::string>();
     auto* cards = program.app.add_subcommand("cards", "list a patient's image cards and series, newest first");
-    cards->add_option("PATIENT", *patient, "the patient's ID, or # and the number")->required();
+    cards->add_option("PATIENT", *patient, PatientHelp)->required();
+    AddListOptions(program, cards);
     cards->footer(
         "Series without images that nobody captures any more are removed on the way. Cards and series that "
         "can't\n"

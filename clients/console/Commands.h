@@ -22,6 +22,7 @@ void AddRecords(Program& program);       ///< studies, series, images, comment
 void AddHanging(Program& program);       ///< hang
 void AddCards(Program& program);         ///< cards, series save-as-card
 void AddComposing(Program& program);     ///< card new, add, move, remove, show
+void AddCorrections(Program& program);   ///< move, merge, correct
 void AddDrawing(Program& program);       ///< draw, report
 void AddLayouts(Program& program);       ///< layouts, anatomy
 void AddCheck(Program& program);         ///< check
@@ -33,6 +34,13 @@ void AddWorklist(Program& program);      ///< worklist
 void AddIdl(Program& program);           ///< idl
 void AddRegistration(Program& program);  ///< register, unregister, classes
 void AddSettings(Program& program);      ///< roots, setting, uid
+
+/// The help of an argument that names a patient.
+constexpr const char* PatientHelp =
+    "a patient: the ID, # and the number, or parts of the name, the ID or the birth date that fit one patient only";
+
+/// Adds the options --limit, --sort and --csv to a command that prints a list.
+void AddListOptions(Program& program, CLI::App* command);
 
 /// Returns a whole number of the command line, such as "12". Throws `UserError` for any other text, "K12"
 /// included.

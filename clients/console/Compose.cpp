@@ -5,6 +5,7 @@
 #include "console/Program.h"
 #include "console/WriteTransaction.h"
 #include "console/page/Page.h"
+#include "console/patients/PatientSearch.h"
 #include "frame/Statement.h"
 #include "platform/runtime/Services.h"
 
@@ -324,7 +325,7 @@ void AddComposing(Program& program) {
     };
 
     auto* fresh = card->add_subcommand("new", "make an empty card");
-    fresh->add_option("PATIENT", given->key, "the patient's ID, or # and the number")->required();
+    fresh->add_option("PATIENT", given->key, PatientHelp)->required();
     fresh->add_option("NAME", given->name, "name of the card")->required();
     fresh->add_option("--description", given->description, "free text")->type_name("TEXT");
     fresh->add_option("--canvas", given->canvas, "size of the canvas; default 1000x700")->type_name("WxH");

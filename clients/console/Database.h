@@ -8,10 +8,9 @@
 
 namespace Console {
 
-/// The options of the command line that all commands have.
-struct Options {
+/// The options of the command line that all commands have, and those that all lists have.
+struct Options : ListForm {
     std::string database;  ///< a file, or a full connection string; empty: OXCLASS_DB
-    bool json = false;
     bool trace = false;
 };
 

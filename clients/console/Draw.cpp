@@ -98,7 +98,7 @@ void AddDrawing(Program& program) {
 
     auto* report = program.app.add_subcommand(
         "report", "write a page on a patient with all cards and series, for a browser or for paper");
-    report->add_option("PATIENT", given->key, "the patient's ID, or # and the number")->required();
+    report->add_option("PATIENT", given->key, PatientHelp)->required();
     report->add_option("-o,--output", given->file, "file to write")->required()->type_name("FILE.html");
     report->footer(
         "Pictures are scaled down to two pixels for each CSS pixel that they are shown with.\nExit code 3: some "

@@ -282,8 +282,8 @@ void AddImport(Program& program) {
     command->add_option("FOLDER", given->names, "folders, with all below them, a DICOMDIR, or single files")
         ->required();
     auto* patient = command->add_option("--patient", given->decision.patient,
-                                        "all files belong to this patient, whatever they say: an ID, or # and "
-                                        "the number");
+                                        "all files belong to this patient, whatever they say; as in: oxclass cards "
+                                        "PATIENT");
     patient->type_name("PATIENT");
     command
         ->add_flag("--new-patient", given->decision.newPatient,

@@ -19,7 +19,7 @@ void ListLayouts(const Options& options) {
             "(SELECT count(*) FROM TemplateAttribute_T a WHERE a.TemplateID = c.TemplateID) AS Slots, "
             "TCComments "
             "AS Comments FROM TemplateCard_T c ORDER BY TCDicomId, TemplateID")
-        .Print(options.json, "There are no layouts.");
+        .Print(options, "There are no layouts.");
 }
 
 void ShowLayout(const Options& options, Long number) {
@@ -48,7 +48,7 @@ void ListGroups(const Options& options) {
         .ListOf(
             "SELECT TGId AS \"Group\", Name, ADLaterality AS Side, ADAnaRegion AS Region, ADAnaRegionMod AS "
             "Modifier, ADPriStructure AS Teeth FROM StandardGroupName ORDER BY OrderNo, TGId")
-        .Print(options.json, "There are no anatomic groups.");
+        .Print(options, "There are no anatomic groups.");
 }
 
 void ShowGroup(const Options& options, Long number) {
@@ -74,6 +74,7 @@ void AddLayouts(Program& program) {
     const auto number = std::make_shared<std::string>();
     auto* layouts = program.app.add_subcommand("layouts", "list the layouts, or draw one");
     layouts->add_option("LAYOUT", *number, "number of a layout");
+    AddListOptions(program, layouts);
     layouts->footer("Example: oxclass layouts 6");
     layouts->callback([&program, number] {
         if (number->empty()) return ListLayouts(program.options);
@@ -81,6 +82,7 @@ void AddLayouts(Program& program) {
     });
     auto* anatomy = program.app.add_subcommand("anatomy", "list the anatomic groups, or show one");
     anatomy->add_option("GROUP", *number, "number of a group");
+    AddListOptions(program, anatomy);
     anatomy->footer("Example: oxclass anatomy 1");
     anatomy->callback([&program, number] {
         if (number->empty()) return ListGroups(program.options);

@@ -1,6 +1,7 @@
 #include "console/Output.h"
 
 #include "platform/runtime/Convert.h"
+#include "platform/runtime/Text.h"
 
 #include <algorithm>
 #include <chrono>
@@ -37,6 +38,22 @@ std::size_t UpperControlAt(std::string_view text, std::size_t at) {
     const auto byte = [&](std::size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0; };
     if (byte(at) == 0x7F) return 1;
     return byte(at) == 0xC2 && byte(at + 1) >= 0x80 && byte(at + 1) <= 0x9F ? 2 : 0;
+}
+
+/// Returns a value as a field of a CSV file: in quotes where it contains a separator, a quote or a line break.
+std::string CsvField(const Json& value) {
+    if (value.is_null()) return {};
+    std::string text = value.is_string() ? value.get<std::string>() : value.dump();
+    if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
+    return "\"" + Platform::Replace(text, "\"", "\"\"") + "\"";
+}
+
+/// Returns true if `a` is sorted in front of `b`.
+bool IsBefore(const Json& a, const Json& b) {
+    const auto kind = [](const Json& value) { return value.is_string() ? 2 : value.is_null() ? 0 : 1; };
+    if (kind(a) != kind(b)) return kind(a) < kind(b);
+    if (!a.is_string()) return a < b;
+    return Platform::UCase(a.get<std::string>()) < Platform::UCase(b.get<std::string>());
 }
 
 }  // namespace
@@ -107,6 +124,44 @@ void List::Print(bool asJson, const std::string& whenEmpty) const {
     if (asJson) return PrintJson(Rows());
     if (rows_.empty()) return fmt::print("{}\n", whenEmpty);
     PrintText();
+}
+
+std::size_t List::ColumnOf(const std::string& key) const {
+    std::vector<std::string> keys;
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
+        if (Platform::EqualsIgnoringCase(columns_[i].key, key)) return i;
+        keys.push_back(columns_[i].key);
+    }
+    throw UserError(
+        fmt::format("the list has no column \"{}\" to sort by; it has {}", Printable(key), fmt::join(keys, ", ")));
+}
+
+void List::Arrange(const ListForm& form) {
+    if (!form.sort.empty()) {
+        const bool reverse = form.sort.front() == '-';
+        const std::size_t column = ColumnOf(form.sort.substr(reverse ? 1 : 0));
+        std::ranges::stable_sort(rows_, [&](const auto& a, const auto& b) {
+            return reverse ? IsBefore(b[column], a[column]) : IsBefore(a[column], b[column]);
+        });
+    }
+    if (form.limit > 0 && rows_.size() > form.limit) rows_.resize(form.limit);
+}
+
+void List::Print(const ListForm& form, const std::string& whenEmpty) {
+    Arrange(form);
+    if (form.csv) return PrintCsv();
+    Print(form.json, whenEmpty);
+}
+
+void List::PrintCsv() const {
+    std::vector<std::string> fields;
+    for (const Column& column : columns_) fields.push_back(CsvField(column.key));
+    fmt::print("{}\n", fmt::join(fields, ","));
+    for (const auto& row : rows_) {
+        fields.clear();
+        for (const Json& value : row) fields.push_back(CsvField(value));
+        fmt::print("{}\n", fmt::join(fields, ","));
+    }
 }
 
 Json List::Rows() const {

@@ -16,6 +16,14 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// How the user wants a list.
+struct ListForm {
+    bool json = false;
+    bool csv = false;
+    std::string sort;       ///< the key of a column, with "-" in front for the reverse order; empty: as the list is
+    std::size_t limit = 0;  ///< 0: all rows
+};
+
 /// A list to print: named columns, and a value for each in every row.
 ///
 /// As text, the columns are aligned under their titles; as JSON each row is an object with the columns' keys. Values
@@ -38,11 +46,22 @@ public:
     /// Returns the rows as a JSON array of objects.
     nlohmann::ordered_json Rows() const;
 
+    /// Sorts the rows by the column of the form, rows of equal values in their order, and keeps the first ones up to
+    /// its limit. Nulls come first, then numbers, then texts without regard to case. Throws `UserError` for an unknown
+    /// column.
+    void Arrange(const ListForm& form);
+
     /// Prints to standard output. Without rows the text is `whenEmpty`, the JSON an empty array.
     void Print(bool asJson, const std::string& whenEmpty) const;
 
+    /// Arranges the rows and prints them in the requested form. As CSV the first line has the keys of the columns; a
+    /// null is an empty field.
+    void Print(const ListForm& form, const std::string& whenEmpty);
+
 private:
+    std::size_t ColumnOf(const std::string& key) const;
     void PrintText() const;
+    void PrintCsv() const;
 
     std::vector<Column> columns_;
     std::vector<std::vector<nlohmann::ordered_json>> rows_;

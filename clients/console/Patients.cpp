@@ -1,12 +1,14 @@
 #include "console/Commands.h"
 #include "console/Fields.h"
 #include "console/WriteTransaction.h"
+#include "console/patients/PatientSearch.h"
 #include "console/patients/PatientStore.h"
 #include "console/patients/TypedDate.h"
 #include "frame/Statement.h"
 #include "platform/runtime/Services.h"
 
 #include <fmt/format.h>
+#include <set>
 
 namespace Console {
 namespace {
@@ -14,9 +16,16 @@ namespace {
 using namespace OXClass;
 using Json = nlohmann::ordered_json;
 
-/// Lists the patients that have a text which contains `text`, without regard to case; all for an empty text.
+/// Returns the numbers of the patients that fit a text.
+std::set<Long> NumbersOf(const Ref<Connection>& con, const std::string& text) {
+    std::set<Long> numbers;
+    for (const FoundPatient& patient : FindPatients(con, text)) numbers.insert(patient.number);
+    return numbers;
+}
+
 void ListPatients(const Options& options, const std::string& text) {
     const Database database(options);
+    const std::set<Long> wanted = text.empty() ? std::set<Long>() : NumbersOf(database.Con(), text);
     const Ref<Recordset> rows = database.Read(
         "SELECT PatientID, PersonNr_CH, LastName_NVC, "
         "FirstName_NVC, Birthdate_CH, Sex_CH, (SELECT count(*) "
@@ -33,16 +42,14 @@ void ListPatients(const Options& options, const std::string& text) {
                {"sex", "Sex"},
                {"studies", "Studies"}});
     for (; !rows->Eof(); rows->MoveNext()) {
+        if (!text.empty() && !wanted.contains(rows->Fields(0).As<Long>())) continue;
         std::vector<Json> row;
-        String texts;
-        for (Long i = 0; i < rows->FieldCount(); ++i) {
-            row.push_back(AsJson(rows->Fields(i).Value()));
-            if (row.back().is_string()) texts += row.back().get<std::string>() + " ";
-        }
-        if (Contains(UCase(texts), UCase(text))) list.Add(std::move(row));
+        row.reserve(static_cast<std::size_t>(rows->FieldCount()));
+        for (Long i = 0; i < rows->FieldCount(); ++i) row.push_back(AsJson(rows->Fields(i).Value()));
+        list.Add(std::move(row));
     }
-    list.Print(options.json, text.empty() ? "There are no patients yet; import some with: oxclass import FOLDER"
-                                          : "No patient matches \"" + text + "\".");
+    list.Print(options, text.empty() ? "There are no patients yet; import some with: oxclass import FOLDER"
+                                     : "No patient matches \"" + text + "\".");
 }
 
 constexpr TextField<cPatient> TextFields[] = {
@@ -62,7 +69,7 @@ Date BirthDateOf(const std::string& value) {
 }
 
 std::string SexOf(const std::string& value) {
-    const std::string letter = UCase(Trim(value));
+    std::string letter = UCase(Trim(value));
     if (!letter.empty() && letter != "M" && letter != "F" && letter != "O")
         throw UserError(fmt::format("\"{}\" is not a sex; write M, F or O, or nothing", value));
     return letter;
@@ -115,6 +122,36 @@ void SetPatient(const Database& database, const std::string& id, const std::vect
     });
 }
 
+/// Inserts a patient with these fields. Throws `UserError` if a patient already has the identifier.
+Long InsertPatient(const Database& database, const std::vector<std::string>& assignments) {
+    const Ref<cPatient> patient = New<cPatient>();
+    std::string issuer;
+    for (const std::string& assignment : assignments) {
+        const auto [name, value] = AssignmentOf(assignment);
+        if (EqualsIgnoringCase(name, "PatientID"))
+            patient->PatientID = UCase(Trim(value));
+        else if (EqualsIgnoringCase(name, "Issuer"))
+            issuer = value;
+        else
+            SetField(database, *patient, assignment);
+    }
+    RequireStorable(*patient);
+    const auto others = PatientsWithID(database.Con(), patient->PatientID);
+    if (!others.empty())
+        throw UserError(fmt::format("a patient has the ID {} already: {}; nothing was stored", patient->PatientID,
+                                    ShortName(IdentityOf(database.Con(), *others.front()))));
+    SavePatient(database.Con(), *patient);
+    StoreIssuer(database.Con(), patient->ID, issuer);
+    return patient->ID;
+}
+
+void NewPatient(const Options& options, const std::vector<std::string>& assignments) {
+    const Database database(options);
+    Long number = 0;
+    Write(database.Con(), [&] { number = InsertPatient(database, assignments); });
+    PrintFields(Shown(database, *LoadPatient(database, fmt::format("#{}", number))), options.json);
+}
+
 void ShowPatient(const Options& options, const std::string& id, const std::vector<std::string>& assignments) {
     const Database database(options);
     const Long number = LoadPatient(database, id)->ID;
@@ -131,16 +168,33 @@ void AddPatients(Program& program) {
         std::vector<std::string> assignments;
     };
     const auto given = std::make_shared<Arguments>();
-    auto* list = program.app.add_subcommand("patients", "list the patients, or those whose name or ID holds a text");
-    list->add_option("TEXT", given->text, "a part of the name or of the ID");
-    list->footer("Example: oxclass patients ander");
+    auto* list = program.app.add_subcommand("patients", "list the patients, or those that fit a text");
+    list->add_option("TEXT", given->text, "parts of a name, of an ID or of the birth date; all of them must fit");
+    AddListOptions(program, list);
+    list->footer(
+        "Letter case and accents don't matter.\n"
+        "Example: oxclass patients ander\n"
+        "Example: oxclass patients \"ek anna 1980\" --sort born --limit 20");
     list->callback([&program, given] { ListPatients(program.options, given->text); });
 
-    auto* one = program.app.add_subcommand("patient", "show a patient, and set single fields");
-    one->add_option("ID", given->text, "the patient's ID, or # and the number")->required();
+    auto* one = program.app.add_subcommand("patient", "show a patient, set single fields, or make a new patient");
+    one->add_option("ID", given->text, PatientHelp);
     one->add_option("FIELD=VALUE", given->assignments, "fields to set, by the names that are shown");
-    one->footer("Example: oxclass patient TEST-FMX18 LastName=Ek BirthDate=1980-01-31");
-    one->callback([&program, given] { ShowPatient(program.options, given->text, given->assignments); });
+    one->footer(
+        "Example: oxclass patient TEST-FMX18 LastName=Ek BirthDate=1980-01-31\n"
+        "Example: oxclass patient new PatientID=19800131-1234 LastName=Ek FirstName=Anna BirthDate=1980-01-31 Sex=F");
+    one->callback([&program, given, one] {
+        if (!one->get_subcommands().empty()) return;
+        if (given->text.empty()) throw CLI::RequiredError("ID");
+        ShowPatient(program.options, given->text, given->assignments);
+    });
+
+    auto* fresh = one->add_subcommand("new", "make a patient whose ID no other patient has");
+    fresh
+        ->add_option("FIELD=VALUE", given->assignments, "fields to set: PatientID, LastName, FirstName, BirthDate, ...")
+        ->required();
+    fresh->footer("Example: oxclass patient new PatientID=19800131-1234 LastName=Ek BirthDate=1980-01-31 Sex=F");
+    fresh->callback([&program, given] { NewPatient(program.options, given->assignments); });
 }
 
 }  // namespace Console

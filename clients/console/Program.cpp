@@ -43,6 +43,16 @@ int PrintError(const std::string& text) {
 
 }  // namespace
 
+void AddListOptions(Program& program, CLI::App* command) {
+    command->add_option("--limit", program.options.limit, "at most this many rows")
+        ->type_name("N")
+        ->check(CLI::Range(std::size_t{1}, std::size_t{1'000'000'000}));
+    command->add_option("--sort", program.options.sort, "sort by a column of --json, as date; -date: in reverse order")
+        ->type_name("COLUMN");
+    command->add_flag("--csv", program.options.csv, "print comma-separated values, for spreadsheets")
+        ->excludes(program.app.get_option("--json"));
+}
+
 Platform::Long NumberOf(const std::string& text, const char* what) {
     Platform::Long number = 0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -68,6 +78,7 @@ int RunProgram(int argc, const char* const* argv) {
     AddHanging(program);
     AddCards(program);
     AddComposing(program);
+    AddCorrections(program);
     AddDrawing(program);
     AddLayouts(program);
     AddStaff(program);

@@ -22,7 +22,7 @@ void ListRoots(const Options& options) {
         .ListOf(
             "SELECT RootID AS Root, CASE WHEN Status <> 0 THEN 1 WHEN Status = 0 THEN 0 END AS Active, "
             "RootDirectory AS Directory FROM Root_T ORDER BY RootID")
-        .Print(options.json, "There are no storage roots; add one with: oxclass roots --add DIR");
+        .Print(options, "There are no storage roots; add one with: oxclass roots --add DIR");
 }
 
 /// Adds a root and makes it the active one, where new files go.
@@ -60,7 +60,7 @@ void PrintSettings(const Options& options, const std::vector<gGlobalListIDs>& li
         for (const cGlobalList& row : *rows) shown.Add({name, Long{id}, row.GlobalListID, row.ListText});
         if (rows->Count() == 0 && !onlyFilled) shown.Add({name, Long{id}, nullptr, nullptr});
     }
-    shown.Print(options.json, "Nothing is set.");
+    shown.Print(options, "Nothing is set.");
 }
 
 void ListSettings(const Options& options, const std::string& name) {
@@ -127,6 +127,7 @@ void AddSetting(Program& program) {
     set->callback([&program, given] { SetSetting(program.options, given->name, given->text, given->add); });
     auto* list = setting->add_subcommand("list", "list all settings, or the rows of one");
     list->add_option("NAME", given->name, "name of the setting");
+    AddListOptions(program, list);
     list->callback([&program, given] { ListSettings(program.options, given->name); });
 }
 
@@ -136,6 +137,7 @@ void AddSettings(Program& program) {
     const auto directory = std::make_shared<std::string>();
     auto* roots = program.app.add_subcommand("roots", "list the storage roots, or add one");
     roots->add_option("--add", *directory, "make this folder the active root")->type_name("DIR");
+    AddListOptions(program, roots);
     roots->footer("Example: oxclass roots --add /srv/images2");
     roots->callback([&program, directory] {
         if (directory->empty()) return ListRoots(program.options);

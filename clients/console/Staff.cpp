@@ -55,7 +55,7 @@ void ListDoctors(const Options& options) {
     for (const cDoctor& doctor : *doctors)
         list.Add({doctor.drID, doctor.DrLastName, doctor.DrFirstName, doctor.DrName, NameOf(doctor.DrType),
                   doctor.DrEMail, patients[doctor.drID]});
-    list.Print(options.json, "There are no doctors yet; make one with: oxclass doctor new DrLastName=Ek");
+    list.Print(options, "There are no doctors yet; make one with: oxclass doctor new DrLastName=Ek");
 }
 
 void SetFields(cDoctor& doctor, const std::vector<std::string>& assignments) {
@@ -151,7 +151,7 @@ void ListClinics(const Options& options) {
     for (const cClinic& one : *clinics)
         list.Add({one.ID, one.ClinicName, &one == headOffice.Get(), one.StreetAddress, one.ZipCode, one.City,
                   one.Telephone});
-    list.Print(options.json, "There are no clinics.");
+    list.Print(options, "There are no clinics.");
 }
 
 void SetFields(cClinic& clinic, const std::vector<std::string>& assignments) {
@@ -288,6 +288,7 @@ void AddRecordCommands(Program& program, const RecordHelp& help, const RecordCom
 
 void AddDoctorCommands(Program& program) {
     auto* doctors = program.app.add_subcommand("doctors", "list the doctors by name, with how many patients each has");
+    AddListOptions(program, doctors);
     doctors->footer("Example: oxclass doctors --json");
     doctors->callback([&program] { ListDoctors(program.options); });
     AddRecordCommands(program,
@@ -303,6 +304,7 @@ void AddDoctorCommands(Program& program) {
 
 void AddClinicCommands(Program& program) {
     auto* clinics = program.app.add_subcommand("clinics", "list the clinics by name, the head office marked");
+    AddListOptions(program, clinics);
     clinics->footer("The first listing makes the head office, named __HQ.\nExample: oxclass clinics");
     clinics->callback([&program] { ListClinics(program.options); });
     AddRecordCommands(program,

@@ -6,6 +6,7 @@
 #include "console/import/WorkerPool.h"
 #include "console/Sha256.h"
 #include "console/WriteTransaction.h"
+#include "console/patients/PatientSearch.h"
 #include "console/patients/PatientStore.h"
 #include "console/patients/TypedDate.h"
 #include "console/worklist/WorklistServer.h"
@@ -24,23 +25,12 @@ using namespace OXClass;
 
 // ---- matching ---------------------------------------------------------------------------------------
 
-/// "20260131" for "2026-01-31" or "today".
-std::string DigitsOfDay(const std::string& text) {
-    return FormatDate(EqualsIgnoringCase(text, "today") ? Now() : TypedDate(text), "yyyymmdd");
-}
-
 void SetDays(WorklistKeys& keys, const std::string& text) {
     if (text.empty()) return;
-    const auto dots = text.find("..");
-    if (dots == std::string::npos) {
-        keys.firstDay = keys.lastDay = DigitsOfDay(text);
-        return;
-    }
-    const std::string first = text.substr(0, dots), last = text.substr(dots + 2);
-    if (!first.empty()) keys.firstDay = DigitsOfDay(first);
-    if (!last.empty()) keys.lastDay = DigitsOfDay(last);
-    if (!keys.firstDay.empty() && !keys.lastDay.empty() && keys.firstDay > keys.lastDay)
-        throw UserError(fmt::format("\"{}\" ends before it begins", text));
+    const TypedDays days = DaysTyped(text);
+    const auto digits = [](Date day) { return day.Days == 0 ? std::string() : FormatDate(day, "yyyymmdd"); };
+    keys.firstDay = digits(days.first);
+    keys.lastDay = digits(days.last);
 }
 
 /// Returns true if `text` matches the pattern `wanted`, without regard to case; "*" matches any characters, "?" one.

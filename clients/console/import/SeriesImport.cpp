@@ -5,6 +5,7 @@
 #include "console/Hanging.h"
 #include "console/WriteTransaction.h"
 #include "console/import/StopSignals.h"
+#include "console/patients/PatientSearch.h"
 #include "frame/Class1.h"
 #include "frame/Statement.h"
 #include "series/cStudy.h"

@@ -40,10 +40,12 @@ void AddCheck(Program& program) {
         "check", "compare all rows with all files: missing, altered and orphaned ones, and damaged rows");
     command->add_flag("--repair", *repair, "repair what needs no decision (see below)");
     command->footer(
-        "Repaired are: leftovers of killed imports, missing checksums, manipulations of placed images that "
+        "Repaired are: leftovers of killed imports, missing checksums, manipulations of placed images "
+        "that "
         "are\n"
         "gone. Everything else is listed only. Findings of the kind other-name are notes: a family name was\n"
-        "corrected. Exit code 3: other findings are left.\n"
+        "corrected; so are two-names of images that were moved to another patient. Exit code 3: other findings are "
+        "left.\n"
         "Example: oxclass check --json");
     command->callback([&program, repair] { Check(program, *repair); });
 }

@@ -6,6 +6,7 @@
 #include "console/import/Staging.h"
 #include "console/maintenance/ClinicFiles.h"
 #include "console/patients/PatientStore.h"
+#include "console/records/RecordChange.h"
 #include "frame/Statement.h"
 #include "frame/StoredName.h"
 #include "images/cImages.h"
@@ -104,7 +105,11 @@ std::string Said(const PatientIdentity& person) {
 class ClinicCheck {
 public:
     ClinicCheck(const Database& database, bool repair)
-        : database_(database), con_(database.Con()), repair_(repair), folders_(FoldersOfRoots(con_)) {}
+        : database_(database),
+          con_(database.Con()),
+          repair_(repair),
+          folders_(FoldersOfRoots(con_)),
+          givenToOthers_(ImagesGivenToOthers(con_)) {}
 
     CheckResult Run() {
         CheckIntegrity();
@@ -139,10 +144,10 @@ private:
         result_.findings.push_back({kind, std::move(where), std::move(text), repaired});
     }
 
-    void FoundNames(const PatientIdentity& a, const PatientIdentity& b, std::string where, std::string text) {
+    void FoundNames(const PatientIdentity& a, const PatientIdentity& b, Long image, std::string text) {
         const bool corrected = DifferInFamilyNameOnly(a, b);
-        Found(corrected ? "other-name" : "two-names", std::move(where), std::move(text));
-        result_.findings.back().note = corrected;
+        Found(corrected ? "other-name" : "two-names", fmt::format("image {}", image), std::move(text));
+        result_.findings.back().note = corrected || givenToOthers_.contains(image);
     }
 
     void CheckIntegrity() {
@@ -228,7 +233,7 @@ private:
         const PatientIdentity& stored = known->second.stored;
         if (stored.number != 0 && !Contradictions(stored, said).empty())
             FoundNames(
-                stored, said, Image(file),
+                stored, said, file.image,
                 fmt::format("its file names {}, and its patient #{} is {}", Said(said), stored.number, Said(stored)));
         else
             CompareWithOtherFiles(file, said, known->second);
@@ -240,7 +245,8 @@ private:
         if (std::ranges::any_of(people.said, same)) return;
         for (const SaidBy& other : people.said) {
             if (Contradictions(other.person, said).empty()) continue;
-            FoundNames(other.person, said, Image(file),
+            if (givenToOthers_.contains(other.image)) continue;
+            FoundNames(other.person, said, file.image,
                        fmt::format("its file names {}, and that of image {} of the same "
                                    "patient #{} names {}",
                                    Said(said), other.image, file.patient, Said(other.person)));
@@ -417,6 +423,7 @@ private:
     std::map<Long, fs::path> folders_;
     std::set<Long> sound_;
     std::map<Long, People> people_;
+    std::set<Long> givenToOthers_;
     CheckResult result_;
 };
 

@@ -25,11 +25,12 @@ struct CheckResult {
 /// unreadable files; files without a row; files that killed imports left behind; rows whose owner is missing; image
 /// rows that can't be read completely; two images with one SOP Instance UID; patients of one identifier, and files of
 /// one patient, that name two people; as a note, files with another family name whose given name and birth date are the
-/// patient's. A file is altered if its checksum differs from the one in its row.
+/// patient's, and files that name another person whose image was moved to the patient. A file is altered if its
+/// checksum differs from the one in its row.
 ///
-/// With `repair`, removes the files that killed imports left behind, stores the checksum of the file for images without
-/// a checksum, and deletes manipulations without a placed image. Changes nothing else, and nothing at all without
-/// `repair`.
+/// With `repair`, removes the files that killed imports left behind, stores the
+/// checksum of the file for images without a checksum, and deletes manipulations without a placed image. Changes
+/// nothing else, and nothing at all without `repair`.
 CheckResult CheckClinic(const Database& database, bool repair);
 
 }  // namespace Console

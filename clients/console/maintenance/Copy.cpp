@@ -26,7 +26,9 @@ std::vector<CopiedTable> CopyToServer(const Database& source, const std::string&
 std::vector<CopiedTable> CopyTo(const Database& source, const std::string& target) {
     if (NamesServer(target)) return CopyToServer(source, target);
     if (!IsConnectionString(target) && !fs::exists(target)) return CopyClinicToNewFile(source, fs::absolute(target));
-    return CopyClinic(source, Database({.database = target}).Con());
+    Options options;
+    options.database = target;
+    return CopyClinic(source, Database(options).Con());
 }
 
 void Copy(const Options& options, const std::string& target) {

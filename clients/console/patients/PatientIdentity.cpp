@@ -19,20 +19,6 @@ using Parts = std::vector<std::string>;
 constexpr std::pair<std::string_view, std::string_view> BaseLetters[] = {
     {"ø", "o"}, {"ł", "l"}, {"đ", "d"}, {"ð", "d"}, {"ı", "i"}, {"æ", "ae"}, {"œ", "oe"}, {"þ", "th"}};
 
-/// Returns the text in lower case without accents; a text that isn't valid UTF-8 in lower case only.
-std::string Folded(const std::string& text) {
-    utf8proc_uint8_t* mapped = nullptr;
-    const auto options = static_cast<utf8proc_option_t>(UTF8PROC_COMPAT | UTF8PROC_DECOMPOSE | UTF8PROC_STRIPMARK |
-                                                        UTF8PROC_CASEFOLD | UTF8PROC_IGNORE);
-    const auto length = utf8proc_map(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
-                                     static_cast<utf8proc_ssize_t>(text.size()), &mapped, options);
-    const std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> owner(mapped, &std::free);
-    if (length < 0) return Platform::LCase(text);
-    std::string folded(reinterpret_cast<const char*>(mapped), static_cast<std::size_t>(length));
-    for (const auto& [letter, base] : BaseLetters) folded = Platform::Replace(folded, letter, base);
-    return folded;
-}
-
 /// Returns the parts of a name, folded: blanks, hyphens and commas separate them, other punctuation is left out.
 Parts PartsOf(const std::string& name) {
     constexpr std::string_view separators = " \t^,-", leftOut = ".'`\"()/\\";
@@ -157,6 +143,21 @@ std::string Cell(const std::string& text, std::size_t width) {
 }
 
 }  // namespace
+
+std::string Folded(const std::string& text) {
+    if (std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; }))
+        return Platform::LCase(text);
+    utf8proc_uint8_t* mapped = nullptr;
+    const auto options = static_cast<utf8proc_option_t>(UTF8PROC_COMPAT | UTF8PROC_DECOMPOSE | UTF8PROC_STRIPMARK |
+                                                        UTF8PROC_CASEFOLD | UTF8PROC_IGNORE);
+    const auto length = utf8proc_map(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
+                                     static_cast<utf8proc_ssize_t>(text.size()), &mapped, options);
+    const std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> owner(mapped, &std::free);
+    if (length < 0) return Platform::LCase(text);
+    std::string folded(reinterpret_cast<const char*>(mapped), static_cast<std::size_t>(length));
+    for (const auto& [letter, base] : BaseLetters) folded = Platform::Replace(folded, letter, base);
+    return folded;
+}
 
 std::string PatientIdentity::Name() const {
     if (names.empty()) return {};

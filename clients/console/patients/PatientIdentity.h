@@ -35,6 +35,9 @@ struct PatientIdentity {
 /// A property in which two identities differ.
 enum class IdentityField { PatientID, Issuer, Name, BirthDate, Sex };
 
+/// Returns the text in lower case without accents; a text that isn't valid UTF-8 in lower case only.
+std::string Folded(const std::string& text);
+
 /// Returns the properties of which both sides have a value and in which the values differ, in the order of the
 /// enumeration, `PatientID` excepted: the caller has compared it already.
 ///

@@ -48,11 +48,6 @@ std::string IssuerOf(const Ref<Connection>& con, Long patient) {
     return rows->Fields(0).As<String>();
 }
 
-std::string ShortName(const PatientIdentity& person) {
-    return fmt::format("#{} {}, born {}", person.number, person.Name(),
-                       person.birthDate.Days == 0 ? "?" : DateText(person.birthDate));
-}
-
 Long RowsWithID(const Ref<Connection>& con, const std::string& id) {
     return con->Execute(sql("SELECT count(*) FROM Patient_T WHERE PersonNr_CH = '", UCase(FixSqlString(id)), "'"))
         ->Fields(0)
@@ -150,6 +145,11 @@ std::string FillField(const Ref<Connection>& con, const PatientIdentity& person,
 
 }  // namespace
 
+std::string ShortName(const PatientIdentity& person) {
+    return fmt::format("#{} {}, born {}", person.number, person.Name(),
+                       person.birthDate.Days == 0 ? "?" : DateText(person.birthDate));
+}
+
 PatientIdentity IdentityOf(const RadiographFile& file) {
     return {.patientID = file.patientID,
             .issuer = file.issuer,
@@ -199,24 +199,6 @@ std::vector<Ref<cPatient>> PatientsWithID(const Ref<Connection>& con, const std:
     for (const Long number : numbers)
         if (auto patient = PatientOfRow(con, number)) patients.push_back(std::move(patient));
     return patients;
-}
-
-Ref<cPatient> LoadPatient(const Ref<Connection>& con, const std::string& text) {
-    if (text.starts_with('#')) {
-        if (auto patient = PatientOfRow(con, NumberOf(text.substr(1), "a patient"))) return patient;
-        throw UserError(fmt::format("there is no patient {}; see: oxclass patients", text));
-    }
-    const std::vector<Ref<cPatient>> patients = PatientsWithID(con, text);
-    if (patients.empty()) throw UserError(fmt::format("there is no patient {}; see: oxclass patients", text));
-    if (patients.size() == 1) return patients.front();
-    std::string list;
-    for (const auto& patient : patients) list += (list.empty() ? "" : "; ") + ShortName(IdentityOf(con, *patient));
-    throw UserError(fmt::format("{} patients have the ID {}: {}; name one by its number, as '#{}'", patients.size(),
-                                text, list, patients.front()->ID));
-}
-
-Ref<cPatient> LoadPatient(const Database& database, const std::string& text) {
-    return LoadPatient(database.Con(), text);
 }
 
 PatientMatch MatchPatient(const Ref<Connection>& con, const PatientIdentity& person) {

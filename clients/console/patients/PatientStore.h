@@ -23,13 +23,11 @@ PatientIdentity ComparableIdentityOf(const Ref<Connection>& con, const OXClass::
 /// the row for a missing one.
 Ref<OXClass::cPatient> PatientOfRow(const Ref<Connection>& con, Platform::Long number);
 
+/// Returns "#5 Ek, Anna, born 1980-01-31", as messages name one of several patients.
+std::string ShortName(const PatientIdentity& person);
+
 /// Returns all patients with this text identifier, by rising row number. Throws as `PatientOfRow`.
 std::vector<Ref<OXClass::cPatient>> PatientsWithID(const Ref<Connection>& con, const std::string& id);
-
-/// Returns the patient that `text` names: "#12" is the row 12, any other text an identifier. Throws `UserError` if
-/// there is none, and if several patients have the identifier; the message then lists them.
-Ref<OXClass::cPatient> LoadPatient(const Ref<Connection>& con, const std::string& text);
-Ref<OXClass::cPatient> LoadPatient(const Database& database, const std::string& text);
 
 /// The patients in the database that may be a person.
 struct PatientMatch {

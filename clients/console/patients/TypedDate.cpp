@@ -1,9 +1,11 @@
 #include "console/patients/TypedDate.h"
 
 #include "console/Output.h"
+#include "platform/runtime/Services.h"
 #include "platform/runtime/Text.h"
 
 #include <array>
+#include <cmath>
 #include <fmt/format.h>
 #include <optional>
 #include <regex>
@@ -63,6 +65,11 @@ std::optional<Date> YearLast(const std::string& text) {
     return dayFirst ? dayFirst : monthFirst;
 }
 
+Date DayTyped(const std::string& text) {
+    return Platform::EqualsIgnoringCase(Platform::Trim(text), "today") ? Date{std::floor(Platform::Now().Days)}
+                                                                       : TypedDate(text);
+}
+
 }  // namespace
 
 Date TypedDate(const std::string& typed) {
@@ -72,6 +79,22 @@ Date TypedDate(const std::string& typed) {
         for (const auto& read : {YearFirst, MonthInWords, YearLast})
             if (const auto date = read(text)) return *date;
     throw UserError(fmt::format("\"{}\" is not a date; write it as 1980-01-31", typed));
+}
+
+TypedDays DaysTyped(const std::string& text) {
+    const auto dots = text.find("..");
+    TypedDays days;
+    if (dots == std::string::npos) {
+        days.first = days.last = DayTyped(text);
+        return days;
+    }
+    const std::string first = text.substr(0, dots), last = text.substr(dots + 2);
+    if (!first.empty()) days.first = DayTyped(first);
+    if (!last.empty()) days.last = DayTyped(last);
+    const Date open;
+    if (days.first != open && days.last != open && days.last < days.first)
+        throw UserError(fmt::format("\"{}\" ends before it begins", text));
+    return days;
 }
 
 }  // namespace Console

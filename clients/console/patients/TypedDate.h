@@ -14,4 +14,13 @@ namespace Console {
 /// ("05.03.1980" is 5 March or 3 May), and for any other text; the message says what to write.
 Platform::Date TypedDate(const std::string& text);
 
+/// The days from `first` to `last`; the zero date leaves a side open.
+struct TypedDays {
+    Platform::Date first, last;
+};
+
+/// Returns the days that the user typed: a day as `TypedDate` reads it, "today", or two of them as "FIRST..LAST", of
+/// which one may be left out. Throws as `TypedDate`, and `UserError` if the last day is before the first.
+TypedDays DaysTyped(const std::string& text);
+
 }  // namespace Console
