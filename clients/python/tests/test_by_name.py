@@ -3,14 +3,16 @@ import datetime
 import gc
 import inspect
 import os
+import shutil
 import sqlite3
 import subprocess
 import sys
 import unittest
+from pathlib import Path
 
 import oxclass
 from oxclass import _exposed
-from tests.kit import FULL_MOUTH, PACKAGE, SOURCES, ClinicTest, DatabaseTest
+from tests.kit import FULL_MOUTH, PACKAGE, SOURCES, ClinicTest, DatabaseTest, library_folder
 
 EXAMPLE = SOURCES / "examples" / "database_of_the_program.py"
 sys.path.insert(0, str(EXAMPLE.parent))
@@ -160,6 +162,21 @@ class ConnectionOfTheProgram(DatabaseTest):
         self.assertEqual((done.stdout, row["LastName_NVC"]), (f"P-9 is patient {row['PatientID']}\n", "Ek"))
 
 
+class ConnectionOfAnotherCopy(DatabaseTest):
+    @unittest.skipIf("asan" in os.environ.get("LD_PRELOAD", ""), "the sanitizers can't load a second copy")
+    def test_the_classes_run_on_it(self):
+        copy = self.folder / "liboxplatform.so"
+        shutil.copyfile(library_folder() / "liboxplatform.so", copy)
+        done = subprocess.run([sys.executable, str(Path(__file__).with_name("second_copy.py")), str(copy), str(self.file)],
+                              env={**os.environ, "PYTHONPATH": str(PACKAGE.parent), "PYTHONIOENCODING": "utf-8"},
+                              capture_output=True, encoding="utf-8", timeout=60)
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        stored = self.row("SELECT (SELECT PatientID FROM Patient_T), drID, DrName_NVC, GlobalListID FROM Doctor_T, "
+                          "GlobalList_T WHERE ListID = 77")
+        self.assertEqual(done.stdout, f"{stored[0]} {stored['drID']} ['Åsa'] {stored['GlobalListID']}\n")
+        self.assertEqual(stored["DrName_NVC"], "Åsa")
+
+
 class CollectionOfTheProgram(ClinicTest):
     def hung(self, collection_of):
         series_id = self.row("SELECT Series_ID FROM Series_T JOIN Study_T USING (Study_ID) JOIN Patient_T "
@@ -185,6 +202,28 @@ class CollectionOfTheProgram(ClinicTest):
         placed = [oxclass.CreateObject("OXClass.cImagecardAttribute")]
         card.ImagecardAttributes = placed
         self.assertIs(card.ImagecardAttributes, placed)
+
+
+class ListOfAPatient(ClinicTest):
+    def listed(self, con):
+        entries = oxclass.CreateObject("OXClass.cUniCards")
+        entries.GetICAndSEList4Patient(con, FULL_MOUTH, 0)
+        return [(entry.Key, entry.CardType, entry.SortDate) for entry in entries]
+
+    def test_it_sets_where_the_connection_keeps_rows(self):
+        self.assertNotEqual(self.con.CursorLocation, oxclass.adUseClient)
+        by_name = self.listed(Forwarded(self.con))
+        self.assertEqual(self.con.CursorLocation, oxclass.adUseClient)
+        self.assertEqual(by_name, self.listed(self.con))
+        self.assertGreater(len(by_name), 0)
+
+    def test_an_open_connection_of_sqlite3(self):
+        database = sqlite3.connect(self.file, isolation_level=None)
+        connection = program.Connection(database)
+        connection.CursorLocation = oxclass.adUseServer
+        self.assertEqual(self.listed(connection), self.listed(self.con))
+        self.assertEqual(connection.CursorLocation, oxclass.adUseClient)
+        database.close()
 
 
 class RecordsetOfTheProgram(ClinicTest):
