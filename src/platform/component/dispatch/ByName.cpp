@@ -4,6 +4,7 @@
 #include "platform/component/binary/ReturnCode.h"
 #include "platform/component/dispatch/Boundary.h"
 #include "platform/component/dispatch/Marshal.h"
+#include "platform/component/dispatch/ScriptMember.h"
 #include "platform/runtime/Convert.h"
 
 #include <vector>
@@ -101,7 +102,8 @@ DISPID ByName::IdOf(const String& member) const {
     LPOLESTR names[] = {name.get()};
     DISPID id = DISPID_UNKNOWN;
     const HRESULT code = object_->GetIDsOfNames(IID_NULL, names, 1, UserLocaleId, &id);
-    if (FAILED(code)) RaiseCall(code, member);
+    if (FAILED(code)) id = IdOfScriptMember(*object_, name.get());
+    if (FAILED(code) && id == DISPID_UNKNOWN) RaiseCall(code, member);
     return ids_.emplace(member, id).first->second;
 }
 

@@ -1,5 +1,7 @@
 #include "platform/adodb/providers/byname/ByNameSession.h"
 
+#include "platform/adodb/providers/byname/SystemRecordset.h"
+
 #include "platform/runtime/Convert.h"
 
 #include <array>
@@ -29,7 +31,7 @@ Long OptionsOf(const RowsRequest& modes) {
 
 class ByNameSession final : public Session {
 public:
-    explicit ByNameSession(const Ref<Object>& connection) : connection_(connection) {}
+    explicit ByNameSession(const Ref<Object>& connection) : object_(connection), connection_(connection) {}
 
     Outcome Run(std::string_view text) override {
         std::array arguments{Argument(String(text))};
@@ -46,10 +48,10 @@ public:
     }
 
     Outcome Open(std::string_view text, const RowsRequest& modes) override {
-        if (!connection_.Has("NewRecordset")) return Run(text);
-        return Passed(text, [&] {
-            const Variant object = connection_.Call("NewRecordset");
-            const ByName recordset(To<Ref<Object>>(object));
+        return Passed(text, [&]() -> Outcome {
+            const Ref<Object> object = NewRecordset();
+            if (!object) return Run(text);
+            const ByName recordset(object);
             if (modes.Location) recordset.Put("CursorLocation", Long{*modes.Location});
             std::array arguments{Argument(String(text)), Argument(), Argument(Long{modes.CursorType}),
                                  Argument(Long{modes.LockType}), Argument(OptionsOf(modes))};
@@ -80,6 +82,12 @@ public:
 private:
     [[noreturn]] static void RaiseNotStatements() { RaiseAdo(adErrFeatureNotAvailable, ConnectionSource); }
 
+    /// Returns a closed recordset of the other side; null if only `Execute` makes one.
+    Ref<Object> NewRecordset() const {
+        if (connection_.Has("NewRecordset")) return To<Ref<Object>>(connection_.Call("NewRecordset"));
+        return NewSystemRecordset(object_);
+    }
+
     void Command(const char* operation) {
         Passed({}, [&] { return connection_.Call(operation); });
     }
@@ -96,6 +104,7 @@ private:
     }
     void Complete(Error& failure, std::string_view statement) const;
 
+    Ref<Object> object_;
     ByName connection_;
 };
 

@@ -11,8 +11,9 @@ namespace ADODB {
 ///
 /// A statement without rows, and one whose rows are only read by the caller of `Execute`, is run by `Execute`, with one
 /// argument unless the number of changed rows is asked for. Rows for a recordset come from the recordset that the
-/// member `NewRecordset` of the connection returns, which is opened in the modes of the request; if there is no such
-/// member, from `Execute`, whose recordset then has to take the edits, too. Transactions are `BeginTrans`,
+/// member `NewRecordset` of the connection returns, which is opened in the modes of the request; without this member
+/// from a new recordset of the system's database layer for a connection of that layer, and for any other one from
+/// `Execute`, whose recordset then has to take the edits, too. Transactions are `BeginTrans`,
 /// `CommitTrans` and `RollbackTrans`. `CursorLocation` is passed on if the object has it.
 ///
 /// A failure has the number, source and description of the other side, and if that has `Errors`, the SQLSTATE and the

@@ -1,0 +1,7 @@
+#include "platform/adodb/providers/byname/SystemRecordset.h"
+
+namespace ADODB {
+
+Platform::Ref<Platform::Object> NewSystemRecordset(const Platform::Ref<Platform::Object>&) { return nullptr; }
+
+}  // namespace ADODB
