@@ -52,7 +52,7 @@ find "$work/root" "$work/venv" -name 'lib*.so' | grep -c . | grep -qx 4 || fail 
 rm -rf "$work/root"
 env -u OXCLASS_LIBRARY -u PYTHONPATH "$work/venv/bin/python3" -B read.py "$work/venv" || fail "the wheel"
 
-if [ -f "$packages"/oxclass-windows-*.zip ]; then
+if [ -f "$(find "$packages" -name "oxclass-windows-*.zip")" ]; then
     /usr/bin/python3 -m zipfile -l "$packages"/oxclass-windows-*.zip | grep -q 'OXClass.dll' || fail "the package for Windows"
 fi
 echo "packages: unpacked in an empty folder, the program, the library, and Python with both packages work"

@@ -22,6 +22,24 @@ set_target_properties(OXClassLibrary PROPERTIES PREFIX "" RUNTIME_OUTPUT_DIRECTO
 target_link_options(OXClassLibrary PRIVATE LINKER:--exclude-all-symbols)
 add_dependencies(OXClassLibrary type_library)
 
+# The package: a folder that is unpacked anywhere, with a script that registers the library.
+set(package oxclass-windows-${PROJECT_VERSION})
+set(package_file ${PROJECT_BINARY_DIR}/${package}.zip)
+set(package_contents
+    $<TARGET_FILE:OXClassLibrary>
+    ${CMAKE_CURRENT_BINARY_DIR}/OXClass.idl ${CMAKE_CURRENT_BINARY_DIR}/OXClass.tlb ${CMAKE_CURRENT_BINARY_DIR}/OXClass.h
+    ${PROJECT_SOURCE_DIR}/cmake/windows/install.cmd ${PROJECT_SOURCE_DIR}/cmake/windows/uninstall.cmd
+    ${PROJECT_SOURCE_DIR}/docs/windows.md ${PROJECT_SOURCE_DIR}/schema/sqlite.sql ${PROJECT_SOURCE_DIR}/schema/layouts.sql)
+add_custom_command(OUTPUT ${package_file}
+    COMMAND ${CMAKE_COMMAND} -E rm -rf ${package} ${package_file}
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${package}
+    COMMAND ${CMAKE_COMMAND} -E copy ${package_contents} ${package}
+    COMMAND ${CMAKE_STRIP} ${package}/$<TARGET_FILE_NAME:OXClassLibrary>
+    COMMAND ${CMAKE_COMMAND} -E tar cf ${package_file} --format=zip ${package}
+    DEPENDS OXClassLibrary ${package_contents}
+    WORKING_DIRECTORY ${PROJECT_BINARY_DIR} COMMENT "The package for Windows" VERBATIM)
+add_custom_target(windows_package ALL DEPENDS ${package_file})
+
 install(TARGETS OXClassLibrary RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/OXClass.idl ${CMAKE_CURRENT_BINARY_DIR}/OXClass.tlb ${CMAKE_CURRENT_BINARY_DIR}/OXClass.h
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/oxclass)
