@@ -22,6 +22,13 @@ set_target_properties(OXClassLibrary PROPERTIES PREFIX "" RUNTIME_OUTPUT_DIRECTO
 target_link_options(OXClassLibrary PRIVATE LINKER:--exclude-all-symbols)
 add_dependencies(OXClassLibrary type_library)
 
-install(TARGETS OXClassLibrary RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+# oxplatform.dll: the C functions for programs, which reach the platform inside of the library file by it.
+add_library(oxplatform_functions SHARED platform/Forwarding_windows.cpp platform/oxplatform.def)
+set_target_properties(oxplatform_functions PROPERTIES
+    OUTPUT_NAME oxplatform PREFIX "" RUNTIME_OUTPUT_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
+target_include_directories(oxplatform_functions PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+target_link_libraries(oxplatform_functions PRIVATE oxplatform PUBLIC oleaut32 ole32 uuid)
+
+install(TARGETS OXClassLibrary oxplatform_functions RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/OXClass.idl ${CMAKE_CURRENT_BINARY_DIR}/OXClass.tlb ${CMAKE_CURRENT_BINARY_DIR}/OXClass.h
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/oxclass)
