@@ -39,6 +39,16 @@ Functions& TheFunctions(const char* path) {
     return *functions;
 }
 
+/// Returns the functions of the library file that contains an object, or those of the process for any other object.
+Functions& FunctionsOf(IUnknown* object) {
+    const String file = object ? FileOfAddress(**reinterpret_cast<const void* const* const*>(object)) : String();
+    try {
+        if (!file.empty()) return FunctionsOf(file);
+    } catch (const Error&) {  // not a library of classes
+    }
+    return TheFunctions(nullptr);
+}
+
 /// Forwards a call; sets the error record if there is no library file that could take it.
 template <class Call>
 HRESULT Forward(const char* path, Call call) noexcept {
@@ -83,7 +93,7 @@ HRESULT OxClasses(BSTR* json) {
 }
 
 HRESULT OxDescribe(IUnknown* object, BSTR* json) {
-    return Forward([&](Functions& to) { return to.Describe(object, json); });
+    return Guarded([&] { return FunctionsOf(object).Describe(object, json); });
 }
 
 HRESULT OxSetMsgBox(OxMsgBoxHandler handler, void* context) {
@@ -99,9 +109,9 @@ HRESULT OxSetNow(OxNowHandler handler, void* context) {
 }
 
 HRESULT OxAdvise(IUnknown* connection, const OxConnectionEvents* events, void* context, ULONG* cookie) {
-    return Forward([&](Functions& to) { return to.Advise(connection, events, context, cookie); });
+    return Guarded([&] { return FunctionsOf(connection).Advise(connection, events, context, cookie); });
 }
 
 HRESULT OxUnadvise(IUnknown* connection, ULONG cookie) {
-    return Forward([&](Functions& to) { return to.Unadvise(connection, cookie); });
+    return Guarded([&] { return FunctionsOf(connection).Unadvise(connection, cookie); });
 }
