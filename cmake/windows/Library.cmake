@@ -22,11 +22,18 @@ set_target_properties(OXClassLibrary PROPERTIES PREFIX "" RUNTIME_OUTPUT_DIRECTO
 target_link_options(OXClassLibrary PRIVATE LINKER:--exclude-all-symbols)
 add_dependencies(OXClassLibrary type_library)
 
+# oxplatform.dll: the C functions for programs, which reach the platform inside of the library file by it.
+add_library(oxplatform_functions SHARED platform/Forwarding_windows.cpp platform/oxplatform.def)
+set_target_properties(oxplatform_functions PROPERTIES
+    OUTPUT_NAME oxplatform PREFIX "" RUNTIME_OUTPUT_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
+target_include_directories(oxplatform_functions PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+target_link_libraries(oxplatform_functions PRIVATE oxplatform PUBLIC oleaut32 ole32 uuid)
+
 # The package: a folder that is unpacked anywhere, with a script that registers the library.
 set(package oxclass-windows-${PROJECT_VERSION})
 set(package_file ${PROJECT_BINARY_DIR}/${package}.zip)
 set(package_contents
-    $<TARGET_FILE:OXClassLibrary>
+    $<TARGET_FILE:OXClassLibrary> $<TARGET_FILE:oxplatform_functions>
     ${CMAKE_CURRENT_BINARY_DIR}/OXClass.idl ${CMAKE_CURRENT_BINARY_DIR}/OXClass.tlb ${CMAKE_CURRENT_BINARY_DIR}/OXClass.h
     ${PROJECT_SOURCE_DIR}/cmake/windows/install.cmd ${PROJECT_SOURCE_DIR}/cmake/windows/uninstall.cmd
     ${PROJECT_SOURCE_DIR}/docs/windows.md ${PROJECT_SOURCE_DIR}/schema/sqlite.sql ${PROJECT_SOURCE_DIR}/schema/layouts.sql)
@@ -35,11 +42,12 @@ add_custom_command(OUTPUT ${package_file}
     COMMAND ${CMAKE_COMMAND} -E make_directory ${package}
     COMMAND ${CMAKE_COMMAND} -E copy ${package_contents} ${package}
     COMMAND ${CMAKE_STRIP} ${package}/$<TARGET_FILE_NAME:OXClassLibrary>
+        ${package}/$<TARGET_FILE_NAME:oxplatform_functions>
     COMMAND ${CMAKE_COMMAND} -E tar cf ${package_file} --format=zip ${package}
-    DEPENDS OXClassLibrary ${package_contents}
+    DEPENDS OXClassLibrary oxplatform_functions ${package_contents}
     WORKING_DIRECTORY ${PROJECT_BINARY_DIR} COMMENT "The package for Windows" VERBATIM)
 add_custom_target(windows_package ALL DEPENDS ${package_file})
 
-install(TARGETS OXClassLibrary RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(TARGETS OXClassLibrary oxplatform_functions RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/OXClass.idl ${CMAKE_CURRENT_BINARY_DIR}/OXClass.tlb ${CMAKE_CURRENT_BINARY_DIR}/OXClass.h
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/oxclass)

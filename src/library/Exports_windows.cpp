@@ -1,5 +1,7 @@
 #include "library/ClassTable.h"
+#include "platform/Functions.h"
 #include "platform/HostClasses.h"
+#include "platform/component/binary/Identifier.h"
 #include "platform/component/binary/ReturnCode.h"
 
 /// The four functions that the library file exports. On Windows the file contains the platform, whose classes are
@@ -19,6 +21,7 @@ STDAPI DllGetClassObject(REFCLSID classID, REFIID riid, void** factory) {
         Platform::HostLibrary().Publish();  // its objects are counted from the first one on
         const HRESULT code = TheLibrary().GetClassObject(classID, riid, factory);
         if (code != CLASS_E_CLASSNOTAVAILABLE) return code;
+        if (Platform::Same(riid, Platform::FunctionsID)) return Platform::FunctionsOfThisFile().QueryInterface(riid, factory);
         return Platform::HostLibrary().GetClassObject(classID, riid, factory);
     });
 }

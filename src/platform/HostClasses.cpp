@@ -6,6 +6,7 @@
 #include "platform/component/dispatch/Boundary.h"
 #include "platform/component/registry/ClassRegistry.h"
 #include "platform/component/registry/LibraryFile.h"
+#include "platform/runtime/System.h"
 
 #include <array>
 #include <map>
@@ -63,20 +64,18 @@ struct SharedObjects {
 };
 thread_local SharedObjects shared;
 
-/// Lets a thread's shared instances go with the thread.
-struct SharedObjectsEnd {
-    ~SharedObjectsEnd() {
-        shared.ended = true;
-        const std::unique_ptr<std::map<String, IDispatch*>> byName(std::exchange(shared.byName, nullptr));
-        for (const auto& [name, object] : *byName) object->Release();
-    }
-};
+/// Releases a thread's shared instances.
+void EndSharedObjects() {
+    shared.ended = true;
+    const std::unique_ptr<std::map<String, IDispatch*>> byName(std::exchange(shared.byName, nullptr));
+    for (const auto& [name, object] : *byName) object->Release();
+}
 
 std::map<String, IDispatch*>& SharedByName() {
     if (shared.ended) RaiseCannotCreate("the thread is ending");
     if (!shared.byName) {
         shared.byName = new std::map<String, IDispatch*>;
-        thread_local const SharedObjectsEnd end;
+        AtEndOfThread(EndSharedObjects);
     }
     return *shared.byName;
 }

@@ -200,7 +200,7 @@ TEST(Classes, ALibraryThatIsInUseIsNotReplaced) {
     const TestKit::TemporaryFolder folder;
     const std::filesystem::path copy = folder.Path() / "libOXClass.so";
     std::filesystem::copy_file(LIBRARY, copy);
-    ASSERT_EQ(OxUseLibrary(copy.c_str()), S_OK) << Record();
+    ASSERT_EQ(OxUseLibrary(copy.string().c_str()), S_OK) << Record();
     BSTR text = nullptr;
     ASSERT_EQ(OxClasses(&text), S_OK);
     EXPECT_EQ(Taken(text).find(copy.string()), std::string::npos);

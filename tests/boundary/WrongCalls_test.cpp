@@ -182,7 +182,8 @@ TEST_F(WrongCalls, EachSlotWithPlacesThatAreMissing) {
             bool pointer = false;
             for (const Json& argument : slot.Member["arguments"])
                 pointer |= IsPlace(slot.Member, argument) && !argument["optional"];
-            if (pointer) EXPECT_EQ(code, E_POINTER) << slot.Member["name"];
+            if (!pointer) continue;
+            EXPECT_EQ(code, E_POINTER) << slot.Member["name"];
         }
 }
 

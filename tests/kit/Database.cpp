@@ -51,24 +51,6 @@ String MemberText(const Member& member) {
 
 }  // namespace
 
-TemporaryFolder::TemporaryFolder() {
-    String pattern = (std::filesystem::temp_directory_path() / "oxclass-XXXXXX").string();
-    if (!mkdtemp(pattern.data())) throw std::runtime_error("no temporary folder");
-    path_ = pattern;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-}
-
-String NewDatabase(const TemporaryFolder& folder, const String& name) {
-    const std::filesystem::path path = folder.Path() / name;
-    RunOnFile(path, schema::sqlite_sql);
-    RunOnFile(path, schema::layouts_sql);
-    return path.string();
-}
-
 WithDatabase::WithDatabase() {
     con = Connect();
     con->Advise(log);

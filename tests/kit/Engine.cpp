@@ -206,15 +206,6 @@ String NoSuchColumn(const String& name) {
     return "column \"" + LCase(name) + "\" does not exist";
 }
 
-void RunOnFile(const std::filesystem::path& path, std::string_view script) {
-    sqlite3* database = nullptr;
-    char* message = nullptr;
-    sqlite3_open(path.c_str(), &database);
-    sqlite3_exec(database, ("BEGIN;" + String(script) + "COMMIT;").c_str(), nullptr, nullptr, &message);
-    sqlite3_close(database);
-    if (message) throw std::runtime_error(message);
-}
-
 TestDatabase::TestDatabase(const std::filesystem::path& folder) {
     if (TestedEngine() == Engine::SQLite) {
         settings_ = "Provider=SQLite;Data Source=" + (folder / "clinic.db").string();

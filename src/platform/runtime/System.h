@@ -19,6 +19,10 @@ bool FillWithRandom(std::span<std::uint8_t> bytes);
 /// new `Locale`.
 Locale LocaleOfUser();
 
+/// Calls a function when the calling thread ends, once for each call; the last one first. The thread's own data can
+/// still be used then.
+void AtEndOfThread(void (*end)());
+
 /// Shows a text where no program has installed a message box: as `Host()` says.
 void ShowText(const String& text, Long buttons);
 

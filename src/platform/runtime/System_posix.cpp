@@ -4,8 +4,20 @@
 #include <langinfo.h>
 #include <locale.h>
 #include <sys/random.h>
+#include <vector>
 
 namespace Platform {
+namespace {
+
+/// The functions that are called when a thread ends.
+struct EndsOfThread {
+    ~EndsOfThread() {
+        for (; !functions.empty(); functions.pop_back()) functions.back()();
+    }
+    std::vector<void (*)()> functions;
+};
+
+}  // namespace
 
 std::tm LocalTime(std::time_t time) {
     std::tm local{};
@@ -33,6 +45,11 @@ Locale LocaleOfUser() {
     }
     freelocale(environment);
     return locale;
+}
+
+void AtEndOfThread(void (*end)()) {
+    thread_local EndsOfThread ends;
+    ends.functions.push_back(end);
 }
 
 void ShowText(const String& text, Long) { std::fprintf(stderr, "%s\n", text.c_str()); }

@@ -6,7 +6,9 @@
 #include <array>
 #include <cstdio>
 #include <filesystem>
+#include <memory>
 #include <ntsecapi.h>
+#include <vector>
 
 namespace Platform {
 namespace {
@@ -50,6 +52,26 @@ bool ShowBox(const String& text, Long buttons) {
                        static_cast<UINT>(buttons) | MB_TASKMODAL) > 0;
 }
 
+/// The slot of the functions that are called when a thread ends. The system calls them in front of the library files,
+/// and of the C++ library, which has no order among the data of a thread that it destroys.
+class EndsOfThread {
+public:
+    using Functions = std::vector<void (*)()>;
+    ~EndsOfThread() { FlsFree(slot_); }
+    Functions& OfThisThread() {
+        auto* functions = static_cast<Functions*>(FlsGetValue(slot_));
+        if (!functions) FlsSetValue(slot_, functions = new Functions);
+        return *functions;
+    }
+
+private:
+    static void NTAPI CallAll(void* ofThread) {
+        const std::unique_ptr<Functions> functions(static_cast<Functions*>(ofThread));
+        for (; !functions->empty(); functions->pop_back()) functions->back()();
+    }
+    DWORD slot_ = FlsAlloc(CallAll);
+};
+
 }  // namespace
 
 std::tm LocalTime(std::time_t time) {
@@ -68,6 +90,11 @@ Locale LocaleOfUser() {
     locale.ThousandsSign = locale.DecimalSign == ',' ? '.' : ',';
     if (const std::wstring pattern = Setting(LOCALE_SSHORTDATE); !pattern.empty()) locale.DateOrder = OrderOf(pattern);
     return locale;
+}
+
+void AtEndOfThread(void (*end)()) {
+    static EndsOfThread ends;
+    ends.OfThisThread().push_back(end);
 }
 
 void ShowText(const String& text, Long buttons) {

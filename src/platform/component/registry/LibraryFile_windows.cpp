@@ -19,6 +19,13 @@ String ReasonOf(DWORD failure) {
     return reason.substr(0, reason.find_last_not_of(" .\r\n") + 1);
 }
 
+/// Loads a file; a name without a folder is searched for as the system does. What the file needs is searched for in its
+/// own folder first.
+HMODULE Load(const std::filesystem::path& path) {
+    if (!path.has_parent_path()) return LoadLibraryW(path.wstring().c_str());
+    return LoadLibraryExW(std::filesystem::absolute(path).wstring().c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+}
+
 }  // namespace
 
 String FileOfAddress(const void* address) {
@@ -31,10 +38,7 @@ String FileOfAddress(const void* address) {
     return std::filesystem::path(path).string();
 }
 
-LibraryFile::LibraryFile(const String& path)
-    : path_(path),
-      handle_(
-          LoadLibraryExW(std::filesystem::absolute(path).wstring().c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH)) {
+LibraryFile::LibraryFile(const String& path) : path_(path), handle_(Load(path)) {
     if (!handle_) throw Error(CO_E_DLLNOTFOUND, "Runtime", path + " can't be loaded: " + ReasonOf(GetLastError()));
 }
 
