@@ -21,7 +21,8 @@ STDAPI DllGetClassObject(REFCLSID classID, REFIID riid, void** factory) {
         Platform::HostLibrary().Publish();  // its objects are counted from the first one on
         const HRESULT code = TheLibrary().GetClassObject(classID, riid, factory);
         if (code != CLASS_E_CLASSNOTAVAILABLE) return code;
-        if (Platform::Same(riid, Platform::FunctionsID)) return Platform::FunctionsOfThisFile().QueryInterface(riid, factory);
+        if (Platform::Same(riid, Platform::FunctionsID))
+            return Platform::FunctionsOfThisFile().QueryInterface(riid, factory);
         return Platform::HostLibrary().GetClassObject(classID, riid, factory);
     });
 }

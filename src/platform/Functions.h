@@ -4,9 +4,9 @@
 
 namespace Platform {
 
-/// The functions of oxplatform.h as members of an object: on Windows the file oxplatform.dll reaches by it the platform that
-/// is inside of a library file. The members have the contracts of the functions of the same names, and their order never
-/// changes. Any thread may call.
+/// The functions of oxplatform.h as members of an object: on Windows the file oxplatform.dll reaches by it the platform
+/// that is inside of a library file. The members have the contracts of the functions of the same names, and their order
+/// never changes. Any thread may call.
 struct Functions : IUnknown {
     virtual HRESULT STDMETHODCALLTYPE CreateObject(LPCOLESTR name, IDispatch** object) = 0;
     virtual HRESULT STDMETHODCALLTYPE Global(LPCOLESTR name, IDispatch** object) = 0;

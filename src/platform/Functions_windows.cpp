@@ -30,7 +30,9 @@ public:
     HRESULT STDMETHODCALLTYPE SetDoEvents(OxDoEventsHandler handler, void* context) override {
         return OxSetDoEvents(handler, context);
     }
-    HRESULT STDMETHODCALLTYPE SetNow(OxNowHandler handler, void* context) override { return OxSetNow(handler, context); }
+    HRESULT STDMETHODCALLTYPE SetNow(OxNowHandler handler, void* context) override {
+        return OxSetNow(handler, context);
+    }
     HRESULT STDMETHODCALLTYPE Advise(IUnknown* connection, const OxConnectionEvents* events, void* context,
                                      ULONG* cookie) override {
         return OxAdvise(connection, events, context, cookie);

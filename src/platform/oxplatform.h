@@ -4,7 +4,12 @@
  *
  * Each function returns S_OK or a failure code. When it fails it sets the error record of the calling thread
  * (GetErrorInfo); no exception leaves it. A null pointer for a result returns E_POINTER. Names are null-terminated
- * UTF-16, paths are in the bytes of the file system. Objects belong to the thread that created them. */
+ * UTF-16, paths are in the bytes of the file system, on Windows in UTF-8. Objects belong to the thread that created
+ * them.
+ *
+ * On Windows the functions are in oxplatform.dll, and the platform is inside of each library file. A process uses that
+ * of the first file that OxUseLibrary names, otherwise of the one that is registered; the functions for services need
+ * one of both. */
 
 #include "platform/component/binary/ComponentModel.h"
 

@@ -22,7 +22,7 @@ long NumberOf(sqlite3* database, const std::string& select) {
 
 void OverwriteRootPage(const std::filesystem::path& database, const std::string& table) {
     sqlite3* opened = nullptr;
-    sqlite3_open(database.c_str(), &opened);
+    sqlite3_open(database.string().c_str(), &opened);
     sqlite3_exec(opened, "PRAGMA wal_checkpoint(TRUNCATE)", nullptr, nullptr, nullptr);
     const long size = NumberOf(opened, "PRAGMA page_size");
     const long page = NumberOf(opened, "SELECT rootpage FROM sqlite_schema WHERE name = '" + table + "'");
