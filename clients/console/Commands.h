@@ -23,6 +23,7 @@ void AddHanging(Program& program);       ///< hang
 void AddCards(Program& program);         ///< cards, series save-as-card
 void AddComposing(Program& program);     ///< card new, add, move, remove, show
 void AddCorrections(Program& program);   ///< move, merge, correct
+void AddDeletions(Program& program);     ///< delete, undelete, trash
 void AddDrawing(Program& program);       ///< draw, report
 void AddLayouts(Program& program);       ///< layouts, anatomy
 void AddCheck(Program& program);         ///< check

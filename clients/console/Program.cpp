@@ -63,6 +63,7 @@ int RunProgram(int argc, const char* const* argv) {
     AddCards(program);
     AddComposing(program);
     AddCorrections(program);
+    AddDeletions(program);
     AddDrawing(program);
     AddLayouts(program);
     AddStaff(program);
