@@ -34,6 +34,7 @@ void AddStaff(Program& program);         ///< doctors, doctor, clinics, clinic, 
 void AddWorklist(Program& program);      ///< worklist
 void AddIdl(Program& program);           ///< idl
 void AddRegistration(Program& program);  ///< register, unregister, classes
+void AddManual(Program& program);        ///< completion, man
 void AddSettings(Program& program);      ///< roots, setting, uid
 
 /// The help of an argument that names a patient.

@@ -75,6 +75,7 @@ int RunProgram(int argc, const char* const* argv) {
     AddSettings(program);
     AddIdl(program);
     AddRegistration(program);
+    AddManual(program);
     try {
         program.app.parse(argc, argv);
         if (std::fflush(stdout) != 0 || std::ferror(stdout)) return PrintError("the output can't be written");
