@@ -5,8 +5,9 @@ usage: snippets_check.py OXCLASS SAMPLES
 
 The commands are the indented lines of the README that begin with one of COMMANDS, the Python examples the blocks marked as
 such in the README and in the README of the Python client. They run in a new folder, in their order, with the samples in
-~/radiographs and with the build and the examples of the project. The library for Python is found through OXCLASS_LIBRARY. Exit
-code 1: one failed, a document has none, or the first Python example did not change its patient.
+~/radiographs and with the build and the examples of the project. The library for Python is found through OXCLASS_LIBRARY.
+The examples of the help texts run too (help_check.py). Exit code 1: one failed, a document has none, or the first Python
+example did not change its patient.
 """
 
 import os
@@ -16,6 +17,8 @@ import sqlite3
 import subprocess
 import sys
 import tempfile
+
+import help_check
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 README, PYTHON_README = os.path.join(ROOT, "README.md"), os.path.join(ROOT, "clients", "python", "README.md")
@@ -93,6 +96,7 @@ def main():
         if not changed_patient():
             failed += 1
             print("FAILED: the first Python example did not change its patient", file=sys.stderr)
+    failed += help_check.check(program, samples)
     print(f"snippets: {len(commands)} commands and {examples} Python examples, {failed} failed")
     return 1 if failed else 0
 

@@ -23,6 +23,7 @@ void AddHanging(Program& program);       ///< hang
 void AddCards(Program& program);         ///< cards, series save-as-card
 void AddComposing(Program& program);     ///< card new, add, move, remove, show
 void AddCorrections(Program& program);   ///< move, merge, correct
+void AddDeletions(Program& program);     ///< delete, undelete, trash
 void AddDrawing(Program& program);       ///< draw, report
 void AddLayouts(Program& program);       ///< layouts, anatomy
 void AddCheck(Program& program);         ///< check
@@ -33,6 +34,7 @@ void AddStaff(Program& program);         ///< doctors, doctor, clinics, clinic, 
 void AddWorklist(Program& program);      ///< worklist
 void AddIdl(Program& program);           ///< idl
 void AddRegistration(Program& program);  ///< register, unregister, classes
+void AddManual(Program& program);        ///< completion, man
 void AddSettings(Program& program);      ///< roots, setting, uid
 
 /// The help of an argument that names a patient.

@@ -315,7 +315,7 @@ void AddComposing(Program& program) {
 
     auto* card = program.app.add_subcommand("card", "compose a page of a patient's images");
     card->require_subcommand(1);
-    card->footer("Example: oxclass card new TEST-FMX18 \"Caries 16\" && oxclass card add IC1 12 13");
+    card->footer("Example: oxclass card new TEST-FMX18 \"Caries 16\" && oxclass card add IC1 30 31");
     const auto cardArgument = [&](CLI::App* command) {
         command->add_option("CARD", given->key, "an image card, as IC5")->required();
     };
@@ -337,7 +337,7 @@ void AddComposing(Program& program) {
     cardArgument(add);
     add->add_option("IMAGE", given->numbers, "numbers of images of the same patient")->required();
     placing(add);
-    add->footer("Example: oxclass card add IC1 12 --at 0.5,0.1 --size 0.4,0.3");
+    add->footer("Example: oxclass card add IC1 30 --at 0.5,0.1 --size 0.4,0.3");
     add->callback([&options, given] { AddImages(options, given->key, given->numbers, given->at, given->size); });
 
     auto* move = card->add_subcommand("move", "move, size, turn or mirror a placed image, record manipulations");

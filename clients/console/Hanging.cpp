@@ -4,6 +4,7 @@
 #include "console/Chart.h"
 #include "console/Commands.h"
 #include "console/Completeness.h"
+#include "console/HandHanging.h"
 #include "console/WriteTransaction.h"
 #include "frame/Statement.h"
 #include "images/cImages.h"
@@ -85,6 +86,25 @@ void Hang(const Options& options, Long number) {
         fmt::print("Image {} hangs as one without teeth: its text of teeth isn't like 11,21,48,\n", image);
 }
 
+void HangByHand(const Options& options, Long number, const HandHanging& hanging) {
+    const Database database(options);
+    std::size_t changed = 0;
+    Write(database.Con(), [&] { changed = HangByHand(database.Con(), number, hanging); });
+    if (options.json)
+        return PrintJson(
+            {{"series", number}, {"layout", LoadSeries(database.Con(), number)->TemplateID}, {"changed", changed}});
+    PrintHungSeries(database, number);
+    fmt::print("{} images were changed.\n", changed);
+}
+
+void Explain(const Options& options, Long number) {
+    const Database database(options);
+    const Ref<cSerie> series = LoadSeries(database.Con(), number);
+    if (!options.json && !options.csv)
+        fmt::print("Series {}: {} images, layout {}\n", number, series->ImgCount, series->TemplateID);
+    ExplainHanging(database.Con(), number).Print(options, "The series has no images.");
+}
+
 }  // namespace
 
 HungSeries HangStored(const Ref<Connection>& con, Long number) {
@@ -116,11 +136,41 @@ HungSeries HangStored(const Ref<Connection>& con, Long number) {
 }
 
 void AddHanging(Program& program) {
-    const auto series = std::make_shared<std::string>();
-    auto* command = program.app.add_subcommand("hang", "hang a series again and store the places of its images");
-    command->add_option("SERIES", *series, "number of a series")->required();
-    command->footer("Example: oxclass hang 1");
-    command->callback([&program, series] { Hang(program.options, NumberOf(*series, "a series")); });
+    struct Arguments {
+        std::string series, layout;
+        HandHanging hand;
+        bool explain = false;
+    };
+    const auto given = std::make_shared<Arguments>();
+    auto* command = program.app.add_subcommand(
+        "hang", "hang a series again by its teeth, or by hand, and store the places of its images");
+    command->add_option("SERIES", given->series, "number of a series")->required();
+    auto* layout = command->add_option("--layout", given->layout, "hang in this layout")->type_name("LAYOUT");
+    command->add_option("--place", given->hand.places, "put an image into a frame; 0: into none")
+        ->type_name("IMAGE=FRAME")
+        ->allow_extra_args(false);
+    command->add_option("--swap", given->hand.swaps, "exchange the frames of two images")
+        ->type_name("IMAGE,IMAGE")
+        ->allow_extra_args(false);
+    command->add_option("--turn", given->hand.turns, "turn an image clockwise")
+        ->type_name("IMAGE=DEGREES")
+        ->allow_extra_args(false);
+    command->add_option("--mirror", given->hand.mirrors, "mirror an image left to right")
+        ->type_name("IMAGE")
+        ->allow_extra_args(false);
+    command->add_flag("--explain", given->explain, "change nothing; list the images with the reasons of their places");
+    AddListOptions(program, command);
+    command->footer(
+        "Without options the rules decide about all places again. What is hung by hand stays until then, and until an\n"
+        "image of the series is imported, moved or corrected.\n"
+        "Example: oxclass hang 1\n"
+        "Example: oxclass hang 18 --swap 30,31 --turn 30=90");
+    command->callback([&program, given, layout] {
+        const Long series = NumberOf(given->series, "a series");
+        if (layout->count() > 0) given->hand.layout = given->layout;
+        if (given->explain) return Explain(program.options, series);
+        given->hand.IsEmpty() ? Hang(program.options, series) : HangByHand(program.options, series, given->hand);
+    });
 }
 
 }  // namespace Console

@@ -79,6 +79,7 @@ int RunProgram(int argc, const char* const* argv) {
     AddCards(program);
     AddComposing(program);
     AddCorrections(program);
+    AddDeletions(program);
     AddDrawing(program);
     AddLayouts(program);
     AddStaff(program);
@@ -90,6 +91,7 @@ int RunProgram(int argc, const char* const* argv) {
     AddSettings(program);
     AddIdl(program);
     AddRegistration(program);
+    AddManual(program);
     try {
         program.app.parse(argc, argv);
         if (std::fflush(stdout) != 0 || std::ferror(stdout)) return PrintError("the output can't be written");

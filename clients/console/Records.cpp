@@ -175,11 +175,15 @@ void ListImages(Program& program, const WantedImages& wanted) {
 }
 
 void PrintComments(Program& program, const std::vector<StoredComment>& comments) {
-    List list({{"date", "Date"}, {"signature", "Signature"}, {"comment", "Comment"}, {"damaged", "Damaged", true}});
+    List list({{"date", "Date"},
+               {"signature", "Signature"},
+               {"comment", "Comment"},
+               {"number", "Number"},
+               {"damaged", "Damaged", true}});
     for (const StoredComment& comment : comments) {
         const bool sound = comment.damage.empty();
         if (!sound) program.exitCode = PartlyDone;
-        list.Add({DateText(comment.date), comment.signature, comment.text,
+        list.Add({DateText(comment.date), comment.signature, comment.text, comment.number,
                   sound ? nlohmann::ordered_json() : nlohmann::ordered_json(comment.damage)});
     }
     list.Print(program.options, "The image has no comments.");

@@ -203,4 +203,12 @@ void AlignCounters(const Ref<Connection>& con) {
     }
 }
 
+void RaiseCounter(const Ref<Connection>& con, const std::string& table, const std::string& key) {
+    if (EngineOf(con) != Engine::PostgreSQL) return;
+    const std::string counter =
+        sql("pg_get_serial_sequence('", FixSqlString(LCase(table)), "', '", FixSqlString(LCase(key)), "')");
+    con->Execute(sql("SELECT setval(", Clause(counter), ", greatest(nextval(", Clause(counter), "), max(", Clause(key),
+                     "))) FROM ", Clause(table)));
+}
+
 }  // namespace Console

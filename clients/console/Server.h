@@ -54,4 +54,8 @@ void ReadOneState(const Ref<Connection>& con);
 /// nothing on SQLite and MariaDB, whose counters follow the keys.
 void AlignCounters(const Ref<Connection>& con);
 
+/// Moves the counter of a table behind its greatest key, never back, after rows were inserted with keys of their own.
+/// Does nothing on SQLite and MariaDB, whose counters follow the keys.
+void RaiseCounter(const Ref<Connection>& con, const std::string& table, const std::string& key);
+
 }  // namespace Console

@@ -26,6 +26,10 @@ protected:
 
     const std::string& Settings() const { return settings_; }
 
+    /// Tests that interrupt the program at each of its calls do so at every seventh one on a server, which takes
+    /// longer.
+    static int CallStep() { return std::getenv("OXCLASS_TEST_SERVER") ? 7 : 1; }
+
     /// Runs the program on the clinic.
     Result Run(std::vector<std::string> arguments) { return On(Settings(), std::move(arguments)); }
 

@@ -58,8 +58,10 @@ TEST_F(Program, WrongInputIsReportedInOneLineThatSaysWhatToDo) {
 }
 
 TEST_F(Program, EachCommandHelpsWithAnExample) {
-    for (const char* command : {"init", "import", "patients", "patient", "studies", "series", "images", "comment",
-                                "hang", "layouts", "anatomy", "roots", "setting", "uid", "copy"}) {
+    for (const char* command :
+         {"init",  "import",  "patients", "patient",  "studies", "series",     "images", "comment",
+          "hang",  "layouts", "anatomy",  "roots",    "setting", "uid",        "copy",   "move",
+          "merge", "correct", "delete",   "undelete", "trash",   "completion", "man"}) {
         const Result run = Try({command, "--help"});
         EXPECT_EQ(run.code, 0);
         EXPECT_NE(run.out.find("Example: oxclass"), std::string::npos) << command;

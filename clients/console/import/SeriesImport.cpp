@@ -6,6 +6,7 @@
 #include "console/WriteTransaction.h"
 #include "console/import/StopSignals.h"
 #include "console/patients/PatientSearch.h"
+#include "console/trash/Trash.h"
 #include "frame/Class1.h"
 #include "frame/Statement.h"
 #include "series/cStudy.h"
@@ -167,6 +168,7 @@ SeriesImport::SeriesImport(Ref<Connection> con, PatientDecision decision)
     : con_(std::move(con)), decision_(std::move(decision)), roots_(con_), root_(roots_.ActiveRoot()) {
     if (!decision_.patient.empty()) decidedPatient_ = LoadPatient(con_, decision_.patient)->ID;
     RemoveLeftovers(con_, roots_.Folder(root_));
+    RecoverTrash(con_);
 }
 
 SeriesResult SeriesImport::Store(const std::vector<Radiograph>& files) {

@@ -29,18 +29,6 @@ using namespace OXClass;
 constexpr std::string_view ImportPrefix = ".oxclass-import-", CopyPrefix = ".oxclass-copy-";
 constexpr const char* NameList = "names";
 
-/// Returns the lock of a staging folder: held as long as the descriptor is open. -1 where it can't be had.
-int LockFolder(const fs::path& folder) {
-    const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0) return -1;
-    struct stat about {};
-    const bool locked = flock(descriptor, LOCK_EX | LOCK_NB) == 0;
-    // A folder that was removed between its making and its locking has no name any more.
-    if (locked && fstat(descriptor, &about) == 0 && about.st_nlink > 0) return descriptor;
-    close(descriptor);
-    return -1;
-}
-
 std::vector<std::string> AnnouncedNames(const fs::path& folder) {
     std::vector<std::string> names;
     std::ifstream in(folder / NameList);
@@ -125,6 +113,17 @@ std::size_t CopiesIn(const fs::path& folder) {
 }
 
 }  // namespace
+
+int LockFolder(const fs::path& folder) {
+    const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0) return -1;
+    struct stat about {};
+    const bool locked = flock(descriptor, LOCK_EX | LOCK_NB) == 0;
+    // A folder that was removed between its making and its locking has no name any more.
+    if (locked && fstat(descriptor, &about) == 0 && about.st_nlink > 0) return descriptor;
+    close(descriptor);
+    return -1;
+}
 
 Staging::Staging(const fs::path& root, For purpose) {
     const std::string_view prefix = purpose == For::Import ? ImportPrefix : CopyPrefix;
@@ -248,7 +247,7 @@ NamedFiles::~NamedFiles() {
     for (const auto& [staged, target] : made_) {
         std::error_code failure;
         fs::rename(target, staged, failure);
-        if (failure) fs::remove(target, failure);
+        if (failure && staged_ == Staged::Copies) fs::remove(target, failure);
     }
 }
 

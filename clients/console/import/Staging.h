@@ -8,6 +8,10 @@
 
 namespace Console {
 
+/// Locks a folder for the program that works in it, and returns the descriptor that has the lock until it is closed; -1
+/// if another program has the lock, or if the folder is gone.
+int LockFolder(const std::filesystem::path& folder);
+
 /// A file that was copied for an import and has no final name yet.
 struct StagedFile {
     std::filesystem::path path;  ///< inside the staging folder
@@ -93,7 +97,11 @@ std::size_t CountLeftovers(const std::filesystem::path& root);
 /// staging folder.
 class NamedFiles {
 public:
-    explicit NamedFiles(std::filesystem::path root) : root_(std::move(root)) {}
+    /// What the staged files are. A copy that can't be moved back is removed; an original keeps its final name then.
+    enum class Staged { Copies, Originals };
+
+    explicit NamedFiles(std::filesystem::path root, Staged staged = Staged::Copies)
+        : root_(std::move(root)), staged_(staged) {}
     ~NamedFiles();
     NamedFiles(const NamedFiles&) = delete;
 
@@ -115,6 +123,7 @@ private:
     };
 
     std::filesystem::path root_;
+    Staged staged_;
     std::vector<Made> made_;
     std::set<std::filesystem::path> folders_;
 };

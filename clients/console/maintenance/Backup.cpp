@@ -41,6 +41,7 @@ void AddBackup(Program& program) {
         "backup", "copy the database and all image files into a folder; again copies only what is new");
     backup->add_option("FOLDER", given->folder, "folder of the backup")->required();
     backup->footer(
+        "The trash is not in a backup; oxclass undelete needs the storage root itself.\n"
         "Every copy is compared with the checksum of its image. Exit code 3: some files could not be "
         "copied.\n"
         "Example: oxclass backup /mnt/backup/clinic");

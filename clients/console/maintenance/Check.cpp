@@ -40,7 +40,7 @@ void AddCheck(Program& program) {
         "check", "compare all rows with all files: missing, altered and orphaned ones, and damaged rows");
     command->add_flag("--repair", *repair, "repair what needs no decision (see below)");
     command->footer(
-        "Repaired are: leftovers of killed imports, missing checksums, manipulations of placed images "
+        "Repaired are: leftovers of killed imports and removals, missing checksums, manipulations of placed images "
         "that "
         "are\n"
         "gone. Everything else is listed only. Findings of the kind other-name are notes: a family name was\n"

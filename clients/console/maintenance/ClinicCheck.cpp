@@ -7,6 +7,7 @@
 #include "console/maintenance/ClinicFiles.h"
 #include "console/patients/PatientStore.h"
 #include "console/records/RecordChange.h"
+#include "console/trash/Trash.h"
 #include "frame/Statement.h"
 #include "frame/StoredName.h"
 #include "images/cImages.h"
@@ -114,6 +115,7 @@ public:
     CheckResult Run() {
         CheckIntegrity();
         Roots();
+        InterruptedRemovals();
         const std::vector<ClinicFile> files = FilesOfClinic(con_);
         result_.images = static_cast<std::size_t>(database_.Number("SELECT count(*) FROM ImageBild_T"));
         StoredFiles(files);
@@ -179,6 +181,27 @@ private:
         const std::size_t files = repair_ ? RemoveLeftovers(con_, folder) : CountLeftovers(folder);
         if (files > 0)
             Found("leftover", folder.string(), fmt::format("{} files of an import that was killed", files), repair_);
+    }
+
+    /// Entries of the trash that a killed program has left.
+    void InterruptedRemovals() {
+        for (const TrashListing& entry : TrashEntries(con_)) {
+            const std::string folder = entry.record.parent_path().string();
+            try {
+                const TrashRecord record = TrashRecord::Read(entry.record);
+                if (entry.state != TrashState::Complete) InterruptedRemoval(folder, record);
+            } catch (const UserError& damage) {
+                Found("damaged-trash", folder, damage.what());
+            }
+        }
+        if (repair_) RecoverTrash(con_);
+    }
+
+    /// The files of such an entry are no strays.
+    void InterruptedRemoval(const std::string& folder, const TrashRecord& record) {
+        for (const TrashFile& file : record.files)
+            if (sound_.contains(file.root)) removed_.insert(FileBelow(folders_.at(file.root).string(), file.name));
+        Found("leftover", folder, fmt::format("the removal of {} was interrupted", record.what), repair_);
     }
 
     fs::path PathOf(const ClinicFile& file) const {
@@ -320,7 +343,7 @@ private:
     }
 
     void FilesWithoutRow(const std::vector<ClinicFile>& files) {
-        std::unordered_set<std::string> known;
+        std::unordered_set<std::string> known = removed_;
         for (const ClinicFile& file : files) {
             known.insert(PathOf(file).string());
             if (folders_.contains(file.root)) continue;
@@ -424,6 +447,7 @@ private:
     std::set<Long> sound_;
     std::map<Long, People> people_;
     std::set<Long> givenToOthers_;
+    std::unordered_set<std::string> removed_;
     CheckResult result_;
 };
 

@@ -22,13 +22,14 @@ struct CheckResult {
 /// Compares all rows of a clinic with all files of its storage roots.
 ///
 /// Reports: a damaged database; storage roots that are missing or belong to another clinic; missing, altered and
-/// unreadable files; files without a row; files that killed imports left behind; rows whose owner is missing; image
+/// unreadable files; files without a row, those in the trash excepted; files that killed imports left behind, and
+/// removals that were interrupted; rows whose owner is missing; image
 /// rows that can't be read completely; two images with one SOP Instance UID; patients of one identifier, and files of
 /// one patient, that name two people; as a note, files with another family name whose given name and birth date are the
 /// patient's, and files that name another person whose image was moved to the patient. A file is altered if its
 /// checksum differs from the one in its row.
 ///
-/// With `repair`, removes the files that killed imports left behind, stores the
+/// With `repair`, removes the files that killed imports left behind, completes interrupted removals, stores the
 /// checksum of the file for images without a checksum, and deletes manipulations without a placed image. Changes
 /// nothing else, and nothing at all without `repair`.
 CheckResult CheckClinic(const Database& database, bool repair);

@@ -32,7 +32,7 @@ std::string RegionTyped(const std::string& text) {
 }
 
 std::string SideTyped(const std::string& text) {
-    const std::string side = UCase(Trim(text));
+    std::string side = UCase(Trim(text));
     if (!side.empty() && side != "R" && side != "L" && side != "B")
         throw UserError(fmt::format("\"{}\" is not a side; write R, L or B (both), or nothing", text));
     return side;
