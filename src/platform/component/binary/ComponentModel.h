@@ -7,7 +7,8 @@
  * layout: 32-bit `LONG`, 16-bit wide characters, interfaces without a virtual destructor. The functions are then in
  * liboxplatform. Any thread may call them; a BSTR, a VARIANT, a SAFEARRAY or an object is used by one thread at a time.
  *
- * Defining OX_OWN_TYPES selects these declarations on Windows, too; such a file can't include the headers of the system.
+ * Defining OX_OWN_TYPES selects these declarations on Windows, too; such a file can't include the headers of the
+ * system.
  *
  * The file compiles as C and as C++. In C an interface is a structure whose only member, `lpVtbl`, points to the table
  * of its functions. */
