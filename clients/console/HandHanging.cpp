@@ -139,7 +139,7 @@ private:
 std::string WhyThere(const cImage& image, Long layout) {
     if (image.ImageType == imggTypeVLPhotographic) return "a photograph hangs in no layout of films";
     const std::string anatomy = AnatomyInWords(image.AnaRegion, image.AnaRegionMod, image.Laterality);
-    const std::string known = anatomy.empty() ? "nothing of its anatomy is known" : anatomy;
+    std::string known = anatomy.empty() ? "nothing of its anatomy is known" : anatomy;
     if (image.FrameNumber <= 0) return fmt::format("no free frame of layout {} fits: {}", layout, known);
     if (IsPlacedByTimeOnly(image)) return "placed by its time only: " + known;
     return known;

@@ -28,7 +28,7 @@ protected:
 
     /// Tests that interrupt the program at each of its calls do so at every seventh one on a server, which takes
     /// longer.
-    static int CallStep() { return std::getenv("OXCLASS_TEST_SERVER") ? 7 : 1; }
+    static int CallStep() { return std::getenv("OXCLASS_TEST_SERVER") ? 20 : 1; }
 
     /// Runs the program on the clinic.
     Result Run(std::vector<std::string> arguments) { return On(Settings(), std::move(arguments)); }

@@ -30,7 +30,7 @@ std::string Fitting(const std::string& text, Long width) {
 }  // namespace
 
 std::string SignatureOf(const ChangeOptions& options) {
-    const std::string name = Trim(options.by.empty() ? SystemUser() : options.by);
+    std::string name = Trim(options.by.empty() ? SystemUser() : options.by);
     if (name.empty()) throw UserError("nobody signs the change; name a person with --by NAME");
     if (Len(name) > CommentWidth)
         throw UserError(fmt::format("a signature has at most {} characters; shorten --by", CommentWidth));

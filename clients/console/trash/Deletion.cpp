@@ -64,7 +64,9 @@ MainRow MainRowOf(const Kind& kind, Long number, const Json& rows) {
     for (const Json& row : rows.at(kind.table)) {
         if (TextIn(row, kind.key) != CStr(number)) continue;
         const std::string text = TextIn(row, kind.identity);
-        if (!text.empty()) main.column = kind.identity, main.text = sql("'", FixSqlString(text), "'");
+        if (text.empty()) continue;
+        main.column = kind.identity;
+        main.text = sql("'", FixSqlString(text), "'");
     }
     return main;
 }
@@ -117,6 +119,12 @@ Json CountsOf(const Json& rows) {
     return counts;
 }
 
+/// Lets each commit reach the disk before it returns, as servers do: the files are moved behind it, and the record of
+/// what was restored is deleted.
+void SyncEachCommit(const Ref<Connection>& con) {
+    if (!IsServer(con)) con->Execute("PRAGMA synchronous = FULL");
+}
+
 /// Keeps importers from the files of all storage roots that an entry may use.
 class AllRootsLock {
 public:
@@ -145,6 +153,7 @@ public:
         RecoverTrash(con_);
         home_ = roots_.ActiveRoot();
         roots_.Folder(home_);
+        SyncEachCommit(con_);
         const AllRootsLock lock(con_, folders_);
         RepeatAfterConflicts(con_, [&] { Try(); });
         if (entry_) MoveFiles();
@@ -282,6 +291,7 @@ public:
     UndeletionResult Run() {
         for (const TrashFile& file : record_.files) roots_.Folder(file.root);
         const AllRootsLock lock(con_, FoldersOfRoots(con_));
+        SyncEachCommit(con_);
         entry_.SetState(TrashState::Complete, TrashState::Pending);
         try {
             RepeatAfterConflicts(con_, [&] { Try(); });
