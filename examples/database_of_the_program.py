@@ -134,8 +134,10 @@ def main():
     database = sqlite3.connect(sys.argv[1], isolation_level=None)
     connection = Connection(database)
     patient = oxclass.CreateObject("OXClass.cPatient")
-    patient.PatientID, patient.LastName, patient.FirstName = sys.argv[2:]
+    identifier, last_name, first_name = sys.argv[2:]
     database.execute("BEGIN")
+    patient.LoadOnPatientIDorPDBID(connection, identifier, 0)  # a known patient keeps what is not changed here
+    patient.PatientID, patient.LastName, patient.FirstName = identifier, last_name, first_name
     patient.Save(connection)
     database.execute("COMMIT")
     print(f"{patient.PatientID} is patient {patient.ID}")

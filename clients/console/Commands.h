@@ -41,6 +41,9 @@ void AddSettings(Program& program);      ///< roots, setting, uid
 constexpr const char* PatientHelp =
     "a patient: the ID, # and the number, or parts of the name, the ID or the birth date that fit one patient only";
 
+/// Rejects an empty text, with which a script would otherwise leave an option out by mistake.
+CLI::Validator NotEmpty();
+
 /// Adds the options --limit, --sort and --csv to a command that prints a list.
 void AddListOptions(Program& program, CLI::App* command);
 

@@ -18,7 +18,9 @@ struct CorrectionArguments {
 };
 
 void AddChangeOptions(CLI::App* command, ChangeOptions& change) {
-    command->add_option("--by", change.by, "who signs the change; default: the user of the system")->type_name("NAME");
+    command->add_option("--by", change.by, "who signs the change; default: the user of the system")
+        ->type_name("NAME")
+        ->check(NotEmpty());
     command->add_flag("--dry-run", change.dryRun, "show what would change, and change nothing");
 }
 

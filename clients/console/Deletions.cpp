@@ -96,7 +96,8 @@ void AddDelete(Program& program, const std::shared_ptr<DeletionArguments>& given
         command->add_option(kind.argument, given->names, kind.help)->required();
         if (kind.force) command->add_flag("--force", given->change.force, kind.force);
         command->add_option("--by", given->change.by, "who deletes; default: the user of the system")
-            ->type_name("NAME");
+            ->type_name("NAME")
+            ->check(NotEmpty());
         command->add_flag("--dry-run", given->change.dryRun, "show what would be deleted, and delete nothing");
         command->footer(fmt::format(
             "Rows and files stay in the trash, in the storage root, until it is emptied.\nExample: oxclass delete {}",
@@ -166,6 +167,7 @@ void Restore(Program& program, const std::vector<std::string>& entries) {
     nlohmann::ordered_json restored = nlohmann::ordered_json::array();
     for (const std::string& entry : entries) {
         const UndeletionResult result = Undelete(database, entry);
+        if (result.damaged) program.exitCode = PartlyDone;
         for (const std::string& note : result.notes) fmt::print(stderr, "oxclass: {}\n", Printable(note));
         restored.push_back({{"entry", entry},
                             {"what", result.what},

@@ -43,12 +43,17 @@ int PrintError(const std::string& text) {
 
 }  // namespace
 
+CLI::Validator NotEmpty() {
+    return {[](const std::string& text) { return text.empty() ? "an empty text is not a value" : ""; }, ""};
+}
+
 void AddListOptions(Program& program, CLI::App* command) {
     command->add_option("--limit", program.options.limit, "at most this many rows")
         ->type_name("N")
         ->check(CLI::Range(std::size_t{1}, std::size_t{1'000'000'000}));
     command->add_option("--sort", program.options.sort, "sort by a column of --json, as date; -date: in reverse order")
-        ->type_name("COLUMN");
+        ->type_name("COLUMN")
+        ->check(NotEmpty());
     command->add_flag("--csv", program.options.csv, "print comma-separated values, for spreadsheets")
         ->excludes(program.app.get_option("--json"));
 }

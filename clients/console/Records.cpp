@@ -127,10 +127,8 @@ std::string WithTeeth(const std::string& text) {
 /// Returns the condition of the images that the user requests.
 std::string ImagesClause(const Database& database, const WantedImages& wanted) {
     std::string clause = "where 1=1";
-    if (!wanted.series.empty())
-        clause = sql("where Series_ID=", NumberOf(wanted.series, "a series"));
-    else if (!wanted.patient.empty())
-        clause = sql("where PatientID=", LoadPatient(database, wanted.patient)->ID);
+    if (!wanted.series.empty()) clause += sql(" and Series_ID=", NumberOf(wanted.series, "a series"));
+    if (!wanted.patient.empty()) clause += sql(" and PatientID=", LoadPatient(database, wanted.patient)->ID);
     if (!wanted.tooth.empty()) clause += WithTeeth(wanted.tooth);
     if (!wanted.date.empty()) clause += OnDays(wanted.date);
     if (!wanted.type.empty()) clause += sql(" and ImageType=", TypeNamed(wanted.type));
@@ -232,7 +230,8 @@ void AddRecords(Program& program) {
     const auto given = std::make_shared<Arguments>();
     const auto patientOption = [&](CLI::App* command) {
         command->add_option("--patient", given->patient, "of this patient only, as in: oxclass cards PATIENT")
-            ->type_name("PATIENT");
+            ->type_name("PATIENT")
+            ->check(NotEmpty());
     };
     auto* studies = program.app.add_subcommand("studies", "list the studies");
     patientOption(studies);
@@ -261,6 +260,8 @@ void AddRecords(Program& program) {
         ->type_name("DAY");
     images->add_option("--modality", wanted.modality, "of this modality, as IO")->type_name("MODALITY");
     images->add_option("--type", wanted.type, "of this type: " + WordsOfTypes())->type_name("TYPE");
+    for (const char* filter : {"--patient", "--series", "--tooth", "--date", "--modality", "--type"})
+        images->get_option(filter)->check(NotEmpty());
     AddListOptions(program, images);
     images->footer(
         "Example: oxclass images --series 1\n"

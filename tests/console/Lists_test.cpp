@@ -49,6 +49,14 @@ TEST_F(OnServerLists, ImagesAreFoundByToothDateModalityAndType) {
     EXPECT_THAT(Refused({"images", "--type", "film"}), HasSubstr("the types are intraoral, panoramic, ceph"));
     EXPECT_THAT(Refused({"images", "--date", "2026-02-03..2026-02-01"}), HasSubstr("ends before it begins"));
     EXPECT_THAT(Images({"--modality", "I'O"}), IsEmpty());
+    EXPECT_THAT(Images({"--series", "1", "--patient", "P-2.25.6"}), IsEmpty()) << "both conditions hold";
+}
+
+TEST_F(OnServerLists, AnEmptyValueIsNotTheSameAsNoCondition) {
+    for (const char* filter : {"--patient", "--series", "--tooth", "--date", "--modality", "--type", "--sort"})
+        EXPECT_EQ(Run({"images", filter, ""}).code, 2) << filter;
+    EXPECT_EQ(Run({"studies", "--patient", ""}).code, 2);
+    EXPECT_EQ(Run({"move", "image", "1", "--to", "P-2.25.6", "--by", ""}).code, 2);
 }
 
 TEST_F(OnServerLists, AListIsSortedByAnyColumnAndCut) {

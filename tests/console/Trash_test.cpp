@@ -256,6 +256,36 @@ TEST_F(OnServerTrash, WhatLacksItsOwnerIsNotRestored) {
                 HasSubstr("patient X is in the database already"));
 }
 
+TEST_F(OnServerTrash, WhatWasGivenToAnotherPatientMeanwhileIsNotMixed) {
+    Ok({"delete", "image", "1", "--force"});
+    Ok({"delete", "card", "IC1"});
+    Ok({"move", "study", "1", "--to", "P-2.25.7"});
+    const std::string before = Rows();
+    EXPECT_THAT(
+        Refused({"undelete", "T1"}),
+        HasSubstr("image 1 is of patient #1, and its study 1 belongs to patient #2 by now; nothing was restored"));
+    EXPECT_EQ(Rows(), before);
+    const Result card = Run({"undelete", "T2"});
+    EXPECT_EQ(card.code, 0);
+    EXPECT_THAT(card.err, HasSubstr("the card of patient #1 shows image 4 of patient #2"));
+    Ok({"move", "study", "1", "--to", "P-2.25.5"});
+    Ok({"undelete", "T1"});
+    EXPECT_THAT(Found(), IsEmpty());
+}
+
+TEST_F(OnServerTrash, AFileThatIsMissingOrChangedInTheTrashIsTold) {
+    Ok({"delete", "image", "2"});
+    fs::remove(Root() / ".oxclass-trash" / "T1" / "1");
+    const Result missing = Run({"undelete", "T1"});
+    EXPECT_EQ(missing.code, 3);
+    EXPECT_THAT(missing.err, HasSubstr("2.25.5.2.dcm is missing in the trash"));
+    Ok({"delete", "image", "3"});
+    std::ofstream(Root() / ".oxclass-trash" / "T1" / "1", std::ios::app) << "more";
+    const Result changed = Run({"undelete", "T1"});
+    EXPECT_EQ(changed.code, 3);
+    EXPECT_THAT(changed.err, HasSubstr("2.25.5.3.dcm was changed in the trash"));
+}
+
 TEST_F(OnServerTrash, AnotherFileUnderTheNameIsNotOverwritten) {
     Ok({"delete", "image", "2"});
     const fs::path taken = Root() / "0_" / "2.25.5.2.dcm";

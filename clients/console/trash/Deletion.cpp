@@ -361,6 +361,7 @@ private:
         for (std::size_t i = 0; i < record_.files.size(); ++i) {
             const TrashFile& file = record_.files[i];
             const fs::path from = entry_.InTrash(record_, i);
+            NoteDamage(file, from);
             if (!fs::exists(from)) continue;
             auto& named = names[file.root];
             if (!named) named = std::make_unique<NamedFiles>(roots_.Folder(file.root), NamedFiles::Staged::Originals);
@@ -368,6 +369,16 @@ private:
             ++result_.files;
         }
         for (auto& [root, named] : names) named->Sync();
+    }
+
+    /// Tells that a file is not in the trash as it was removed. A file without a checksum was missing before.
+    void NoteDamage(const TrashFile& file, const fs::path& inTrash) {
+        const bool there = fs::exists(inTrash);
+        if (file.sha256.empty() || (there && Sha256OfFile(inTrash) == file.sha256)) return;
+        if (!there && fs::exists(entry_.InRoot(file))) return;
+        result_.damaged = true;
+        result_.notes.push_back(fmt::format("the file {} {}; see: oxclass check", file.name,
+                                            there ? "was changed in the trash" : "is missing in the trash"));
     }
 
     Ref<Connection> con_;

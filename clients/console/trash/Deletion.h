@@ -28,6 +28,7 @@ struct UndeletionResult {
     std::string what;
     std::size_t rows = 0, files = 0;
     std::vector<std::string> notes;  ///< what has another key by now, and what could not be restored
+    bool damaged = false;            ///< a file is missing in the trash, or was changed there
 };
 
 /// Restores the rows and files of an entry of the trash, and removes the entry. Throws `UserError` for an unknown

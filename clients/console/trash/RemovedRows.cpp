@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <tuple>
 
 namespace Console {
 namespace {
@@ -148,6 +149,7 @@ public:
     NewKeys Run() {
         for (const RemovedTable& table : Tables) RefuseSame(table);
         for (const Reference& reference : References) RequireOwners(reference);
+        RequireSamePatients();
         for (const RemovedTable& table : Tables) ChooseKeys(table);
         for (const Reference& reference : References) Rename(reference);
         ReplaceClaims();
@@ -199,6 +201,48 @@ private:
         });
     }
 
+    /// Returns a number in a row that is restored or stored; 0 if there is no such row.
+    Long NumberOfRow(const char* table, Long key, const char* column) {
+        const RemovedTable& described = TableNamed(table);
+        const auto [known, isNew] = numbers_.try_emplace({table, key, column});
+        if (!isNew) return known->second;
+        for (const Json& row : Rows(table))
+            if (NumberIn(row, described.key) == key) return known->second = NumberIn(row, column);
+        const Ref<Recordset> row = con_->Execute(
+            sql("SELECT ", Clause(column), " FROM ", Clause(table), " WHERE ", Clause(described.key), " = ", key));
+        const bool none = row->Eof() || row->Fields(0).IsNull();
+        return known->second = none ? 0 : row->Fields(0).As<Long>();
+    }
+
+    /// Throws for an image whose study or series was given to another patient or study meanwhile; tells of a placed
+    /// image that is another patient's by now.
+    void RequireSamePatients() {
+        for (const Json& row : Rows("ImageBild_T")) {
+            const Long image = NumberIn(row, "imagebildid"), patient = NumberIn(row, "patientid");
+            const Long study = NumberIn(row, "study_id"), series = NumberIn(row, "series_id");
+            const Long owner = NumberOfRow("Study_T", study, "patientid");
+            const Long studyOfSeries = NumberOfRow("Series_T", series, "study_id");
+            if (owner != 0 && patient != 0 && owner != patient)
+                throw UserError(
+                    fmt::format("image {} is of patient #{}, and its study {} belongs to patient #{} by now; "
+                                "nothing was restored. Move the study back first",
+                                image, patient, study, owner));
+            if (studyOfSeries != 0 && study != 0 && studyOfSeries != study)
+                throw UserError(
+                    fmt::format("image {} is of study {}, and its series {} belongs to study {} by now; "
+                                "nothing was restored. Move the series back first",
+                                image, study, series, studyOfSeries));
+        }
+        for (const Json& row : Rows("ImageAttribute_T")) {
+            const Long image = NumberIn(row, "imagebildid");
+            const Long ofCard = NumberOfRow("ImageCard_T", NumberIn(row, "imagecardid"), "patientid");
+            const Long ofImage = NumberOfRow("ImageBild_T", image, "patientid");
+            if (ofCard != 0 && ofImage != 0 && ofCard != ofImage)
+                notes_.push_back(
+                    fmt::format("the card of patient #{} shows image {} of patient #{}", ofCard, image, ofImage));
+        }
+    }
+
     void ChooseKeys(const RemovedTable& table) {
         if (!*table.key) return;
         const Keys keys = NumbersIn(rows_, table.name, table.key), taken = Existing(con_, table, keys);
@@ -248,6 +292,7 @@ private:
     Json& rows_;
     std::vector<std::string>& notes_;
     NewKeys newKeys_;
+    std::map<std::tuple<std::string, Long, std::string>, Long> numbers_;  // of `NumberOfRow`
 };
 
 }  // namespace

@@ -12,6 +12,7 @@ from ._binary import DISPPARAMS, EXCEPINFO, GUID, VARIANT
 from ._errors import (DISP_E_EXCEPTION, DISP_E_MEMBERNOTFOUND, DISP_E_UNKNOWNNAME, E_FAIL, E_NOINTERFACE, E_NOTIMPL,
                       OUT_OF_BOUNDS, S_OK, Error, code_of)
 from ._library import library
+from ._threads import current
 from ._values import ByRef, Missing, Type, fill, read
 
 IID_IUnknown = GUID(0, 0, 0, (0xC0, 0, 0, 0, 0, 0, 0, 0x46))
@@ -243,7 +244,11 @@ def _invoke(this: int, member: int, identity: Any, locale: int, flags: int, para
         return S_OK
     except LookupError as failure:
         return DISP_E_MEMBERNOTFOUND if failure.args == (member,) else _fail(info, failure)
-    except BaseException as failure:
+    except Exception as failure:
+        return _fail(info, failure)
+    except BaseException as failure:  # such as KeyboardInterrupt: the call of the library raises it
+        if current().cancelled is None:
+            current().cancelled = failure
         return _fail(info, failure)
 
 

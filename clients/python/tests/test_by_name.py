@@ -134,6 +134,18 @@ class ConnectionOfTheProgram(DatabaseTest):
             oxclass.CreateObject("OXClass.cDoctors").GetAllDoctors(Failing())
         self.assertEqual(raised.exception.Number, -2147467259)
 
+    def test_an_interruption_is_raised_by_the_call(self):
+        class Interrupted(program.Connection):
+            def Execute(self, text):
+                raise KeyboardInterrupt
+
+        self.addCleanup(oxclass.OnMsgBox, None)
+        oxclass.OnMsgBox(lambda text: None)
+        database = sqlite3.connect(self.file, isolation_level=None)
+        with self.assertRaises(KeyboardInterrupt):
+            oxclass.CreateObject("OXClass.cPatient").LoadOnPatientIDorPDBID(Interrupted(database), "P-1", 0)
+        database.close()
+
     def test_an_object_without_the_members_is_a_type_mismatch(self):
         for other in (object(), {}, sqlite3, [1]):
             with self.assertRaises(oxclass.Error) as raised:
@@ -160,6 +172,14 @@ class ConnectionOfTheProgram(DatabaseTest):
         self.assertEqual((done.returncode, done.stderr), (0, ""))
         row = self.row("SELECT PatientID, LastName_NVC FROM Patient_T WHERE PersonNr_CH = 'P-9'")
         self.assertEqual((done.stdout, row["LastName_NVC"]), (f"P-9 is patient {row['PatientID']}\n", "Ek"))
+
+    def test_the_example_keeps_the_rest_of_a_known_patient(self):
+        self.con.Execute("INSERT INTO Patient_T (PersonNr_CH, LastName_NVC, Birthdate_CH, Address_NVC) "
+                         "VALUES ('P-9', 'Before', '1980-01-31', 'Main 1')")
+        subprocess.run([sys.executable, str(EXAMPLE), str(self.file), "P-9", "Ek", "Eva"], check=True,
+                       env={**os.environ, "PYTHONPATH": str(PACKAGE.parent)}, stdout=subprocess.DEVNULL, timeout=60)
+        row = self.row("SELECT * FROM Patient_T")
+        self.assertEqual((row["LastName_NVC"], row["Birthdate_CH"], row["Address_NVC"]), ("Ek", "1980-01-31", "Main 1"))
 
 
 class ConnectionOfAnotherCopy(DatabaseTest):
