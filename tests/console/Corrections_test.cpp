@@ -239,6 +239,33 @@ TEST_F(OnServerCorrections, AMergeGivesEverythingToThePatientWhoStays) {
         << "the identifier of the removed one still finds the patient";
 }
 
+TEST_F(OnServerCorrections, FilmsWithTheIdentifierOfAMergedPatientGoToThePatientWhoStays) {
+    const json old = OkJson({"patient", "P-2.25.5"});
+    Ok({"patient", "new", "PatientID=NEW", "LastName=" + old["LastName"].get<std::string>(),
+        "FirstName=" + old["FirstName"].get<std::string>()});
+    Ok({"merge", "P-2.25.5", "--into", "NEW"});
+    const auto patients = RowCount("Patient_T");
+    const auto images = RowCount("ImageBild_T");
+    const auto ofMerged = [](DcmDataset& set) { set.putAndInsertString(DCM_PatientID, "p-2.25.5"); };
+    Write("2.25.5", 9, AnyEngine::FullMouth18[9]);
+    Write("2.25.91", 1, AnyEngine::FullMouth18[3], ofMerged);
+    Ok({"import", Films()});
+    EXPECT_EQ(RowCount("Patient_T"), patients);
+    EXPECT_EQ(RowCount("ImageBild_T"), images + 2);
+    EXPECT_EQ(All("SELECT count(*) FROM ImageBild_T LEFT JOIN Patient_T ON Patient_T.PatientID = ImageBild_T.PatientID"
+                  " WHERE Patient_T.PatientID IS NULL"),
+              "0\n");
+
+    Write("2.25.92", 1, AnyEngine::FullMouth18[3], [&](DcmDataset& set) {
+        ofMerged(set);
+        set.putAndInsertString(DCM_PatientName, "Somebody^Else");
+    });
+    const Result other = Run({"import", Films()});
+    EXPECT_EQ(other.code, 3);
+    EXPECT_THAT(other.err + other.out, HasSubstr("belongs to another person in the database"));
+    EXPECT_EQ(RowCount("Patient_T"), patients);
+}
+
 TEST_F(OnServerCorrections, PatientsWhoContradictEachOtherAreMergedByForceOnly) {
     Ok({"patient", "P-2.25.5", "BirthDate=1980-01-31"});
     Ok({"patient", "C", "BirthDate=1980-02-01"});

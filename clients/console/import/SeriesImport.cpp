@@ -439,7 +439,7 @@ std::optional<Long> SeriesImport::PatientOfStudy(const RadiographFile& file) {
                                     study->PatientID));
     const PatientIdentity stored = decidedPatient_ ? IdentityOf(con_, *patient) : ComparableIdentityOf(con_, *patient);
     const auto other = std::ranges::find_if(said_, [&](const PatientIdentity& person) {
-        return !EqualsIgnoringCase(stored.patientID, Trim(person.patientID)) || !Contradictions(stored, person).empty();
+        return !HasIdentifier(*patient, person.patientID) || !Contradictions(stored, person).empty();
     });
     if (other == said_.end() && !decidedPatient_) return study->PatientID;
     RaiseConflict(fmt::format("its study {} belongs to another patient already, "

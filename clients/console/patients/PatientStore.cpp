@@ -201,13 +201,39 @@ std::vector<Ref<cPatient>> PatientsWithID(const Ref<Connection>& con, const std:
     return patients;
 }
 
+namespace {
+
+/// Returns the patients who have an identifier among their other ones, as after a merge.
+std::vector<Ref<cPatient>> PatientsWithOtherID(const Ref<Connection>& con, const std::string& id) {
+    std::vector<Ref<cPatient>> patients;
+    if (Trim(id).empty()) return patients;
+    const Ref<Recordset> rows = con->Execute(
+        sql("SELECT PatientID FROM Patient_T WHERE OtherIDs LIKE '%", FixSqlString(Trim(id)), "%' ORDER BY PatientID"));
+    for (; !rows->Eof(); rows->MoveNext()) {
+        const auto patient = PatientOfRow(con, rows->Fields(0).As<Long>());
+        if (patient && HasIdentifier(*patient, id)) patients.push_back(patient);
+    }
+    return patients;
+}
+
+}  // namespace
+
+bool HasIdentifier(const cPatient& patient, const std::string& id) {
+    if (EqualsIgnoringCase(patient.PatientID, Trim(id))) return true;
+    for (const cStringItem& other : *patient.OtherIDs)
+        if (EqualsIgnoringCase(Trim(other.str), Trim(id))) return true;
+    return false;
+}
+
 PatientMatch MatchPatient(const Ref<Connection>& con, const PatientIdentity& person) {
     PatientMatch match;
-    const std::vector<Ref<cPatient>> patients = PatientsWithID(con, person.patientID);
+    std::vector<Ref<cPatient>> patients = PatientsWithID(con, person.patientID);
+    const bool byOtherID = patients.empty();
+    if (byOtherID) patients = PatientsWithOtherID(con, person.patientID);
     std::vector<PatientIdentity> fitting;
     for (const auto& patient : patients) {
         PatientIdentity stored = ComparableIdentityOf(con, *patient);
-        const bool idIsEnough = patients.size() == 1 && SameIssuer(stored, person);
+        const bool idIsEnough = !byOtherID && patients.size() == 1 && SameIssuer(stored, person);
         const bool contradicts = !Contradictions(stored, person).empty();
         const bool fits = idIsEnough ? !contradicts : Confirms(stored, person);
         match.contradicted = match.contradicted || contradicts;

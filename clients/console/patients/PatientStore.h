@@ -41,11 +41,15 @@ struct PatientMatch {
     bool IsNew() const { return number == 0 && refused.empty(); }
 };
 
+/// Returns true if this is the patient's identifier, or one of the other ones, without regard to case and outer blanks.
+bool HasIdentifier(const OXClass::cPatient& patient, const std::string& id);
+
 /// Looks for the patient that is the person.
 ///
 /// Returns a patient with the same identifier and no contradicting data. If the issuers are not both known and equal,
-/// or if several patients have the identifier, name or birth date must agree as well. If two patients match, the result
-/// names no patient and lists both as refused.
+/// or if several patients have the identifier, name or birth date must agree as well; so they must for a patient who
+/// has the identifier among the other ones, as after a merge, which counts if it is nobody's own. If two patients
+/// match, the result names no patient and lists both as refused.
 PatientMatch MatchPatient(const Ref<Connection>& con, const PatientIdentity& person);
 
 /// Throws `UserError` unless the patient's texts can be stored: a quote in those that a statement takes
