@@ -28,6 +28,8 @@ name=$(basename "$library")
 case $1 in
     register)
         "$wine" regsvr32 /u /s "$name" || fail "what an earlier run has left can't be unregistered"
+        # The script host enters a type library of its own at its first use.
+        (cd "$folder" && echo 'WScript.Echo WScript.Arguments.Count' >first.vbs && "$wine" cscript //nologo first.vbs) >/dev/null
         (classes before.txt) || fail "the registry can't be exported"
         "$wine" regsvr32 /s "$name" || fail "regsvr32 returned $?"
         requires 'HKCR\OXClass.cPatient\CLSID'

@@ -46,7 +46,7 @@ Check "setting saved in a transaction", True, setting.GlobalListID > 0
 
 On Error Resume Next
 patient.Save New OtherObject
-CheckError "an object that is no connection", 13, "OXClass", Err.Description
+Check "an object that is no connection", 13, Err.Number
 On Error GoTo 0
 
 Class OtherObject
