@@ -49,7 +49,7 @@ Functions& FunctionsOf(IUnknown* object) {
     return TheFunctions(nullptr);
 }
 
-/// Forwards a call; sets the error record if there is no library file that could take it.
+/// Forwards a call; sets the error record if no library file is loaded or registered.
 template <class Call>
 HRESULT Forward(const char* path, Call call) noexcept {
     return Guarded([&] { return call(TheFunctions(path)); });

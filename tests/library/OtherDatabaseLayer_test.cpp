@@ -4,10 +4,10 @@
 #include "people/cDoctor.h"
 #include "series/cStudy.h"
 
-/// The classes on a connection of the system's own database layer, of which these stand-ins have the members that the
-/// classes use, and its habits where they differ from those of our own: a column of a new row is empty before it is
-/// assigned, a deleted row can't be read, a forward-only cursor has no count, columns of a join have the name of their
-/// table.
+/// The classes on test doubles of the connections and recordsets of the system's own database layer. They have the
+/// members that the classes use, and behave as that layer where it differs from ours: a column of a new row is empty
+/// before it is assigned, a deleted row can't be read, a forward-only cursor has no count, columns of a join have the
+/// name of their table.
 namespace {
 
 using namespace OXClass;

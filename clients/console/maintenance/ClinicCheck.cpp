@@ -197,7 +197,7 @@ private:
         if (repair_) RecoverTrash(con_);
     }
 
-    /// The files of such an entry are no strays.
+    /// The files of such an entry are not reported as strays.
     void InterruptedRemoval(const std::string& folder, const TrashRecord& record) {
         for (const TrashFile& file : record.files)
             if (sound_.contains(file.root)) removed_.insert(FileBelow(folders_.at(file.root).string(), file.name));

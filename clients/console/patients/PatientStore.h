@@ -47,9 +47,9 @@ bool HasIdentifier(const OXClass::cPatient& patient, const std::string& id);
 /// Looks for the patient that is the person.
 ///
 /// Returns a patient with the same identifier and no contradicting data. If the issuers are not both known and equal,
-/// or if several patients have the identifier, name or birth date must agree as well; so they must for a patient who
-/// has the identifier among the other ones, as after a merge, which counts if it is nobody's own. If two patients
-/// match, the result names no patient and lists both as refused.
+/// or if several patients have the identifier, name or birth date must agree as well. If no patient has the
+/// identifier, those who have it in `OtherIDs`, as after a merge, are considered; name or birth date must agree, too.
+/// If two patients match, the result names no patient and lists both as refused.
 PatientMatch MatchPatient(const Ref<Connection>& con, const PatientIdentity& person);
 
 /// Throws `UserError` unless the patient's texts can be stored: a quote in those that a statement takes

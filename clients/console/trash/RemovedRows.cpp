@@ -201,7 +201,8 @@ private:
         });
     }
 
-    /// Returns a number in a row that is restored or stored; 0 if there is no such row.
+    /// Returns the number in a column of a row, which is among the restored rows or in the database; 0 if neither has
+    /// it.
     Long NumberOfRow(const char* table, Long key, const char* column) {
         const RemovedTable& described = TableNamed(table);
         const auto [known, isNew] = numbers_.try_emplace({table, key, column});

@@ -16,7 +16,7 @@ using namespace Platform;
 namespace {
 
 /// One client's sink. A member is called by the identifier that the sink itself has for its name, otherwise by the
-/// identifier that the interface gives it.
+/// identifier of the member in the interface.
 class Sink final : public ConnectionEvents {
 public:
     Sink(Connection& connection, const Ref<Object>& sink, ULONG cookie)

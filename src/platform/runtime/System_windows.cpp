@@ -26,7 +26,7 @@ Locale::Order OrderOf(std::wstring_view pattern) {
     return day < month ? Locale::Order::DayMonthYear : Locale::Order::MonthDayYear;
 }
 
-/// Returns true if this process may show a window that somebody sees: the desktop of a service is invisible.
+/// Returns true if this process runs on a visible desktop; a service does not.
 bool HasVisibleDesktop() {
     USEROBJECTFLAGS flags{};
     const HWINSTA station = GetProcessWindowStation();

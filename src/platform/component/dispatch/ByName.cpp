@@ -115,14 +115,7 @@ DISPID ByName::IdOr(const String& member, DISPID otherwise) const {
     }
 }
 
-bool ByName::Has(const String& member) const {
-    try {
-        IdOf(member);
-        return true;
-    } catch (const Error&) {
-        return false;
-    }
-}
+bool ByName::Has(const String& member) const { return IdOr(member, DISPID_UNKNOWN) != DISPID_UNKNOWN; }
 
 HRESULT ByName::Invoke(DISPID id, WORD flags, std::span<Argument> arguments, std::uint32_t returned,
                        Variant& result) const {

@@ -2,7 +2,6 @@
 #include "platform/component/dispatch/ByName.h"
 #include "platform/runtime/Convert.h"
 
-#include <deque>
 #include <map>
 
 namespace ADODB {
